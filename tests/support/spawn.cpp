@@ -90,7 +90,7 @@ Pipe redirect(FileActions& actions, int stream, const Redirection& redirection) 
   return pipe;
 }
 
-std::vector<std::string> environmentWith(std::map<std::string, std::optional<std::string>> changes) {
+std::vector<std::string> environmentWith(const std::map<std::string, std::optional<std::string>>& changes) {
   std::vector<std::string> result;
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string text = *entry;
@@ -104,6 +104,7 @@ std::vector<std::string> environmentWith(std::map<std::string, std::optional<std
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> result;
+  result.reserve(texts.size() + 1);
   for (std::string& text : texts) result.push_back(text.data());
   result.push_back(nullptr);
   return result;
