@@ -1,4 +1,28 @@
 # The product folders. Linked to no toolkit: what the operating system gives is reached through platform/*.h alone.
 add_library(tovalin_core STATIC
+  app/command_line.cpp
+  app/delegate.cpp
+  app/globals.cpp
+  app/launch.cpp
+  app/launch_rules.cpp
+  app/registration.cpp
+  app/status_menu.cpp
+  app/status_rules.cpp
   ipc/command_pipe.cpp
+  notices/clickable_image_view.cpp
+  notices/image_resize.cpp
+  usage/application_directory.cpp
+  usage/bundle_version.cpp
+  usage/installation_identity.cpp
+  usage/os_code.cpp
+  usage/property_file.cpp
+  usage/server_option.cpp
+  usage/settings_file.cpp
+  usage/version_text.cpp
 )
+# The core asks the platform for its facilities, and the platform's main asks the core which program it runs.
+target_link_libraries(tovalin_core PUBLIC tovalin_platform)
+target_link_libraries(tovalin_platform PUBLIC tovalin_core)
+
+add_executable(TovalinTray app/main.cpp)
+target_link_libraries(TovalinTray PRIVATE tovalin_core tovalin_platform)

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -24,7 +25,12 @@ class PropertyList {
     double seconds = 0;
     bool operator==(const Date&) const = default;
   };
-  using Value = std::variant<bool, std::int64_t, double, std::string, Data, Date, Array, Dictionary>;
+  // The value that only binary lists know and that is none of the others.
+  struct Null {
+    bool operator==(const Null&) const = default;
+  };
+  // Text is UTF-8 and may hold NULs.
+  using Value = std::variant<bool, std::int64_t, double, std::string, Data, Date, Array, Dictionary, Null>;
 
   PropertyList() : value_(false) {}
   PropertyList(Value value) : value_(std::move(value)) {}
@@ -44,23 +50,29 @@ class PropertyList {
   Value value_;
 };
 
-// What reading is bounded by. A list beyond any of these is unreadable, so that a hostile one costs
-// a few megabytes at most.
-inline constexpr std::size_t propertyListMaxBytes = 4u << 20;
-inline constexpr std::size_t propertyListMaxObjects = 20'000;  // counted through shared references
-inline constexpr std::size_t propertyListMaxDepth = 64;
+// What reading is bounded by. A list beyond any of these is unreadable, so that a hostile one costs a few
+// megabytes more than its own size at most.
+inline constexpr std::size_t propertyListMaxBytes =
+    4u << 20;  // of the list; of its texts and data in UTF-8, too
+inline constexpr std::size_t propertyListMaxObjects =
+    20'000;                                              // values and keys, counted through shared references
+inline constexpr std::size_t propertyListMaxDepth = 64;  // arrays and dictionaries inside each other
 
-// Reads a list in any of its three forms, told apart by the first bytes: binary ("bplist0"), XML
-// (the PropertyList-1.0 DTD) or the old text form (also as a ".strings" file). Any thread. Nothing when the bytes are
-// no whole list, or one beyond the bounds above.
+// Reads a list in any of its three forms, told apart by the first bytes: binary ("bplist0"), XML (the
+// PropertyList-1.0 DTD) or the old text form (also as a ".strings" file). Any thread. Nothing when the bytes
+// are no whole list, or one beyond the bounds above.
+//
+// The root may be a value of any type: one bare word is a list in the old text form, a string. Of entries
+// with the same key the first counts in a binary list, the last in the other two. An integer beyond 64 bits,
+// signed, makes the list unreadable. A set comes as an array, a UID as the dictionary {"CF$UID": number}.
 [[nodiscard]] std::optional<PropertyList> parsePropertyList(std::span<const std::byte> bytes);
 
 // The step at which a list could not be had from a file.
 enum class PropertyListError {
-  BadPath,       // no path can look like this: empty, over-long, with a NUL, or not UTF-8
-  NoStream,      // what stands at the path is nothing to read bytes from: a folder, a pipe, a device
-  OpenFailed,    // it is not there or may not be read
-  Unreadable,    // its bytes are no property list
+  BadPath,     // no path can look like this: empty, over-long, with a NUL, or not UTF-8
+  NoStream,    // what stands at the path is nothing to read bytes from: a folder, a pipe, a device
+  OpenFailed,  // it is not there or may not be read
+  Unreadable,  // its bytes are no property list
 };
 
 // Reads the list in the file at `path`. Any thread; reads the whole file once and never waits for a

@@ -1,0 +1,44 @@
+#include "app/command_line.h"
+
+#include <cstdio>
+#include <optional>
+#include <string>
+
+#include "usage/bundle_version.h"
+
+namespace {
+
+constexpr const char* helpText =
+    "Usage: TovalinTray [--help | --version]\n"
+    "\n"
+    "The tray agent of Tovalin. It shows one icon in the panel, whose menu switches the automatic mounting "
+    "of\n"
+    "devices on and off, and ends with the menu's \"Quit Tovalin\". It runs from inside the bundle of the "
+    "main\n"
+    "application, once per user; a second start opens the menu of the running one.\n"
+    "\n"
+    "  --help     show this text and end\n"
+    "  --version  show the version and end\n";
+
+std::string versionText() {
+  std::optional<std::string> version;
+  return getBundleVersion(version) == 0 ? *version : "(version unknown)";
+}
+
+}  // namespace
+
+std::optional<int> handleArguments(std::span<const std::string_view> arguments) {
+  if (arguments.empty()) return std::nullopt;
+  if (arguments.size() == 1 && arguments[0] == "--help") {
+    std::fputs(helpText, stdout);
+    return 0;
+  }
+  if (arguments.size() == 1 && arguments[0] == "--version") {
+    std::printf("TovalinTray %s\n", versionText().c_str());
+    return 0;
+  }
+  const std::string_view wrong = arguments[arguments[0] == "--help" || arguments[0] == "--version" ? 1 : 0];
+  std::fprintf(stderr, "TovalinTray: unexpected argument \"%.*s\"; see TovalinTray --help\n",
+               static_cast<int>(wrong.size()), wrong.data());
+  return 2;
+}

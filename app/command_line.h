@@ -1,0 +1,9 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string_view>
+
+// Judges the agent's arguments: --help and --version print to standard output and end with 0, anything else
+// is refused on standard error with 2. No arguments: nothing, the agent goes on.
+[[nodiscard]] std::optional<int> handleArguments(std::span<const std::string_view> arguments);

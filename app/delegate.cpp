@@ -1,0 +1,5 @@
+#include "app/nimbatrayAppDelegate.h"
+#include "platform/status_item.h"
+
+nimbatrayAppDelegate::nimbatrayAppDelegate() = default;
+nimbatrayAppDelegate::~nimbatrayAppDelegate() = default;

@@ -1,0 +1,92 @@
+#include <chrono>
+#include <string>
+
+#include "app/globals.h"
+#include "app/launch_rules.h"
+#include "app/nimbatrayAppDelegate.h"
+#include "app/shell_commands.h"
+#include "ipc/command_pipe.h"
+#include "platform/bundle.h"
+#include "platform/distributed_notification_center.h"
+#include "platform/global_defaults.h"
+#include "platform/log.h"
+#include "platform/shell.h"
+#include "platform/status_item.h"
+#include "usage/bundle_version.h"
+#include "usage/property_file.h"
+#include "usage/server_option.h"
+
+using platform::LogPriority;
+
+void nimbatrayAppDelegate::awakeFromNib() {
+  platform::DistributedNotificationCenter::defaultCenter().addObserver(
+      "AppleInterfaceThemeChangedNotification", [this] { themeChange(); });
+}
+
+// Later steps rely on fields that earlier ones set: the order is part of the design.
+void nimbatrayAppDelegate::applicationDidFinishLaunching() {
+  readAppearance();
+  statusItem = std::make_unique<platform::StatusItem>(platform::StatusItem::variableLength);
+  readBundlePath();
+  unloadUnlessAutorun();
+  readAutomountState();
+  readVersion();
+  showUpdateNotice();
+  buildStatusItem();
+  static_cast<void>(sendPipeMsg("-ton"));
+  bsupportWindow = false;
+  bThreadRun = true;
+  dataUploadURL = GetTovalinServerOption();
+  bTvlDataUpload = false;
+  const std::time_t now = std::time(nullptr);
+  localtime_r(&now, &strStartTime);
+}
+
+void nimbatrayAppDelegate::applicationShouldHandleReopen() {
+  if (statusItem != nullptr) statusItem->popUpMenu();
+}
+
+void nimbatrayAppDelegate::readAppearance() {
+  isDarkModeOn = isDarkAppearance(platform::globalDefault("AppleInterfaceStyle"));
+}
+
+void nimbatrayAppDelegate::readBundlePath() {
+  const auto agent = platform::Bundle::mainBundle();
+  const auto path = agent ? mainApplicationBundlePath(agent->bundlePath()) : std::nullopt;
+  if (!path) {
+    platform::fatalError(
+        "not inside a main application's bundle (NAME.app/Contents/Resources/TovalinTray.app)");
+  }
+  if (path->size() >= sizeof gBundlePath) platform::fatalError("the bundle's path is too long: " + *path);
+  path->copy(gBundlePath, sizeof gBundlePath - 1);
+  platform::systemLog(LogPriority::Error, "Tovalin working path [" + *path + "]");
+}
+
+void nimbatrayAppDelegate::unloadUnlessAutorun() {
+  std::uint32_t autorun = 0;
+  if (GetProperty("Autorun", autorun) == 0 && autorun == 0) platform::system(unloadLaunchAgentCommand);
+}
+
+// An unreadable file means automount on, a readable one without the key means off.
+void nimbatrayAppDelegate::readAutomountState() {
+  bActive = 0;
+  if (GetProperty("Active", bActive) != 0) bActive = 1;
+  platform::systemLog(LogPriority::Error, "bActive : " + std::to_string(bActive));
+  platform::systemLog(LogPriority::Error, std::string("Dark Mode : ") + (isDarkModeOn ? "1" : "0"));
+}
+
+void nimbatrayAppDelegate::readVersion() {
+  if (getBundleVersion(currentVersion) == 0) return;
+  // The message's format has always been "% getBundleVersion fail", in which printf takes "% g" for a number
+  // and finds none; what stands here is what came out.
+  platform::systemLog(LogPriority::Error, " 0etBundleVersion fail");
+  recentVersion.reset();
+}
+
+void nimbatrayAppDelegate::showUpdateNotice() {
+  if (!bUpdateEnabled) return;
+  const auto command = updateNoticeCommand(gBundlePath);
+  if (!command)
+    platform::fatalError(std::string("the bundle's path is too long to tell of an update: ") + gBundlePath);
+  platform::system(*command);
+}

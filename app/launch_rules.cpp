@@ -1,0 +1,38 @@
+#include "app/launch_rules.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace {
+
+constexpr std::string_view placeOfAgent = "/Contents/Resources/TovalinTray.app";
+constexpr std::size_t commandBufferSize = 1024;
+
+// Not the C library's tolower: that follows the user's locale.
+char lowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
+bool isDarkAppearance(const std::optional<platform::PropertyList>& interfaceStyle) {
+  const auto* style = interfaceStyle ? interfaceStyle->as<std::string>() : nullptr;
+  return style != nullptr && std::ranges::equal(*style, std::string_view("dark"), {}, lowerCase);
+}
+
+std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundlePath) {
+  const std::size_t found = agentBundlePath.find(placeOfAgent);
+  if (found == std::string_view::npos) return std::nullopt;
+  return std::string(agentBundlePath).erase(found, placeOfAgent.size());
+}
+
+std::optional<std::string> updateNoticeCommand(std::string_view bundlePath) {
+  const std::string path(bundlePath);
+  std::string command = "open -a " + path +
+                        "/Contents/Resources/tovalinnotification.app --args -title \"Tovalin Notification\" "
+                        "-subtitle \"New version available\" -message \"Do you want to install now?\" "
+                        "-closeLabel No -actions Yes -bundlepath " +
+                        path + " -timeout 10";
+  if (command.size() >= commandBufferSize) return std::nullopt;
+  return command;
+}

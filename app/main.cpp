@@ -1,0 +1,5 @@
+#include "platform/application.h"
+
+int main(int argc, char** argv) {
+  return platform::ApplicationMain(argc, argv);
+}

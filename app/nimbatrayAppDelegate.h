@@ -1,0 +1,94 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/application.h"
+
+namespace platform {
+class Button;
+class FileEventStream;
+class Image;
+class Menu;
+class PropertyList;
+class StatusItem;
+class Timer;
+class WebView;
+class Window;
+}  // namespace platform
+
+class tovalinNSImageView;
+
+// The one object that carries the agent: the methods of its subsystems, each defined in the folder it is
+// listed under, and all long-lived state, in its fields. The fields are open to those methods and to tests;
+// no other code has hold of the object. Main thread only, but for the two atomic flags.
+class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
+ public:
+  // A reference that anyone may set and read at any time and that keeps nothing alive: the atomic is getter
+  // and setter.
+  template <typename T>
+  using NonOwningProperty = std::atomic<T*>;
+
+  nimbatrayAppDelegate();
+  ~nimbatrayAppDelegate() override;
+
+  // app/launch.cpp
+  void awakeFromNib() override;
+  void applicationDidFinishLaunching() override;
+  void applicationShouldHandleReopen() override;
+
+  // app/status_menu.cpp
+  void buildStatusItem();
+  void themeChange();
+  void togleswitch();
+  void quit();
+  void applicationWillTerminate() override;
+
+  NonOwningProperty<platform::Window> window = nullptr;
+  NonOwningProperty<platform::Window> supportWindow = nullptr;
+  std::shared_ptr<platform::Button> logButton;
+  std::shared_ptr<platform::Button> updateButton;
+  std::unique_ptr<platform::StatusItem> statusItem;
+  platform::Menu* menu = nullptr;  // the status item's, once it is handed over
+  std::shared_ptr<platform::FileEventStream> stream;
+  bool bsupportWindow = false;
+  std::shared_ptr<platform::Image> statusOnImg;
+  std::shared_ptr<platform::Image> statusOnImg_Reverse;
+  std::shared_ptr<platform::Image> statusOffImg;
+  std::shared_ptr<platform::Image> statusOffImg_Reverse;
+  std::optional<std::string> currentVersion;
+  std::optional<std::string> recentVersion;
+  bool bUpdateEnabled = false;
+  std::optional<std::string> bannerLink;
+  std::shared_ptr<tovalinNSImageView> bannerImgView;
+  std::shared_ptr<platform::Image> bannerImg;
+  std::shared_ptr<const platform::PropertyList> serverNotice;
+  std::shared_ptr<const platform::PropertyList> bannerList;
+  NonOwningProperty<platform::WebView> gaWebView = nullptr;  // the last menu item's
+  std::atomic<bool> bThreadRun = false;                      // cleared here, read by the pipe's listener
+  bool isDarkModeOn = false;
+  std::uint32_t bActive = 0;  // automount: 1 on, 0 off
+  std::shared_ptr<platform::Window> notiWindow;
+  std::shared_ptr<platform::Window> notiEnumWindow;
+  std::atomic<bool> bTvlDataUpload = false;  // an upload pass is due
+  std::shared_ptr<platform::Timer> tvlDataTimer;
+  std::tm strStartTime = {};       // local time
+  std::int32_t dataUploadURL = 0;  // the server option: 1 product server, 0 test upload server
+
+ private:
+  void readAppearance();
+  void readBundlePath();
+  void unloadUnlessAutorun();
+  void readAutomountState();
+  void readVersion();
+  void showUpdateNotice();
+  void addMenuItems();
+  void showStatusIcon();
+  void setAutomount(std::uint32_t active);
+};
+
+static_assert(std::atomic<bool>::is_always_lock_free && sizeof(std::atomic<bool>) == 1);

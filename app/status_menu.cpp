@@ -1,0 +1,121 @@
+#include <chrono>
+#include <thread>
+
+#include "app/nimbatrayAppDelegate.h"
+#include "app/shell_commands.h"
+#include "app/status_rules.h"
+#include "ipc/command_pipe.h"
+#include "notices/image_resize.h"
+#include "platform/image.h"
+#include "platform/menu.h"
+#include "platform/shell.h"
+#include "platform/status_item.h"
+#include "platform/web_view.h"
+
+using namespace std::chrono_literals;
+using platform::MenuItem;
+
+namespace {
+
+std::shared_ptr<platform::Image> scaledImage(const char* name, double width, double height) {
+  return imageResize(platform::imageNamed(name).get(), width, height);
+}
+
+}  // namespace
+
+void nimbatrayAppDelegate::buildStatusItem() {
+  statusItem->setTitle("");
+  statusOffImg = scaledImage("mount off.png", 20, 20);
+  statusOnImg = scaledImage("mount on.png", 20, 20);
+  statusOffImg_Reverse = scaledImage("mount off reverse.png", 20, 20);
+  statusOnImg_Reverse = scaledImage("mount on reverse.png", 20, 20);
+  statusItem->setHighlightMode(true);
+  auto ownedMenu = std::make_unique<platform::Menu>();
+  menu = ownedMenu.get();
+  showStatusIcon();
+  addMenuItems();
+  statusItem->setMenu(std::move(ownedMenu));
+}
+
+void nimbatrayAppDelegate::addMenuItems() {
+  const auto add = [this](const char* title, std::function<void()> action = nullptr) -> MenuItem& {
+    return menu->addItem(std::make_unique<MenuItem>(title, std::move(action)));
+  };
+  add(switchTitleFor(bActive), [this] { togleswitch(); });
+  menu->addItem(MenuItem::separatorItem());
+  add("Like us on Facebook");
+  add("Share Tovalin on Facebook");
+  add("Share Tovalin on Twitter");
+  menu->addItem(MenuItem::separatorItem());
+  add("Visit our website now");
+  add("Review Tovalin");
+  MenuItem& support = add("Support Tovalin");
+  support.setEnabled(true);
+  if (bUpdateEnabled) support.setImage(scaledImage("n.png", 20, 17));
+  menu->addItem(MenuItem::separatorItem());
+  add("Quit Tovalin", [this] { quit(); });
+
+  MenuItem& beacon = add("");
+  beacon.setEnabled(true);
+  auto view = std::make_unique<platform::WebView>(platform::Rect{0, 0, 1, 1});
+  gaWebView = view.get();
+  beacon.setView(std::move(view));
+}
+
+void nimbatrayAppDelegate::showStatusIcon() {
+  switch (statusIconFor(bActive, isDarkModeOn)) {
+    case StatusIcon::On:
+      return statusItem->setImage(statusOnImg);
+    case StatusIcon::Off:
+      return statusItem->setImage(statusOffImg);
+    case StatusIcon::OnReverse:
+      return statusItem->setImage(statusOnImg_Reverse);
+    case StatusIcon::OffReverse:
+      return statusItem->setImage(statusOffImg_Reverse);
+  }
+}
+
+// Every notice counts as a flip, whatever the desktop's setting says by now.
+void nimbatrayAppDelegate::themeChange() {
+  isDarkModeOn = !isDarkModeOn;
+  showStatusIcon();
+}
+
+// The menu's title, not bActive, says which way to switch.
+void nimbatrayAppDelegate::togleswitch() {
+  if (MenuItem* off = statusItem->menu()->itemWithTitle(switchOffTitle)) {
+    off->setTitle(switchOnTitle);
+    setAutomount(0);
+    static_cast<void>(sendPipeMsg("-u"));
+  } else {
+    if (MenuItem* on = statusItem->menu()->itemWithTitle(switchOnTitle)) on->setTitle(switchOffTitle);
+    setAutomount(1);
+    static_cast<void>(sendPipeMsg("-m"));
+  }
+  // Gives the main application the time it takes to mount or unmount before the next click is served.
+  std::this_thread::sleep_for(2s);
+}
+
+void nimbatrayAppDelegate::setAutomount(std::uint32_t active) {
+  bActive = active;
+  showStatusIcon();
+}
+
+void nimbatrayAppDelegate::quit() {
+  platform::system(killNotificationHelperCommand);
+  bThreadRun = false;
+  static_cast<void>(sendPipeMsg("-toff"));
+  std::this_thread::sleep_for(1s);
+  bannerList.reset();
+  platform::system(unloadLaunchAgentCommand);
+  platform::Application::sharedApplication().terminate();
+}
+
+void nimbatrayAppDelegate::applicationWillTerminate() {
+  platform::system(killNotificationHelperCommand);
+  statusOnImg.reset();
+  statusOffImg.reset();
+  statusOnImg_Reverse.reset();
+  statusOffImg_Reverse.reset();
+  statusItem.reset();
+}

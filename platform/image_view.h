@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/view.h"
+
+namespace platform {
+
+class Image;
+
+enum class Cursor { Arrow, PointingHand };
+
+struct MouseEvent {
+  Point locationInView;  // in the view's own points
+  int clickCount = 1;
+};
+
+// A view that shows a picture, centred, scaled down in proportion where it is too large. Main thread only.
+class ImageView : public View {
+ public:
+  explicit ImageView(Rect frame);
+  ~ImageView() override;
+
+  // nullptr shows nothing. The view keeps the image.
+  void setImage(std::shared_ptr<Image> image);
+
+  // The main button was released over the view after it was pressed there. Does nothing here.
+  virtual void mouseUp(const MouseEvent& event);
+
+  // Asked each time the pointer comes into the view: it then tells its cursor rectangles with addCursorRect.
+  // None here.
+  virtual void resetCursorRects();
+  // Shows `cursor` while the pointer is in `rect`. To be called from resetCursorRects.
+  void addCursorRect(Rect rect, Cursor cursor);
+};
+
+}  // namespace platform

@@ -1,0 +1,50 @@
+#include "platform/application.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <QCoreApplication>
+
+#include "platform/linux/application_impl.h"
+#include "platform/linux/private_folder.h"
+
+// Instrumented builds report where the process ends, since no exit handler runs.
+extern "C" {
+void __gcov_dump() __attribute__((weak));
+void __lsan_do_leak_check() __attribute__((weak));
+}
+
+namespace platform {
+
+Application::Application() : impl_(std::make_unique<Impl>()) {}
+
+Application& Application::sharedApplication() {
+  static Application& application = *new Application;
+  return application;
+}
+
+void Application::performOnMainThread(std::function<void()> work) {
+  QMetaObject::invokeMethod(&impl_->mainThread, std::move(work), Qt::QueuedConnection);
+}
+
+bool Application::hasDisplay() const {
+  return impl_->hasDisplay;
+}
+
+void Application::terminate() {
+  impl_->end(0);
+}
+
+void Application::Impl::end(int status) {
+  // A second request that comes up inside applicationWillTerminate ends the process there.
+  if (auto* last = std::exchange(delegate, nullptr)) last->applicationWillTerminate();
+  removeHelpers();
+  std::fflush(stdout);
+  if (__gcov_dump != nullptr) __gcov_dump();
+  if (__lsan_do_leak_check != nullptr) __lsan_do_leak_check();
+  ::_exit(status);
+}
+
+}  // namespace platform

@@ -1,0 +1,27 @@
+#include "platform/bundle.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace platform {
+
+std::optional<Bundle> Bundle::mainBundle() {
+  std::error_code error;
+  const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  if (error || folder.filename() != "MacOS" || folder.parent_path().filename() != "Contents")
+    return std::nullopt;
+  return Bundle(folder.parent_path().parent_path().string());
+}
+
+std::string Bundle::pathForResource(std::string_view name) const {
+  return path_ + "/Contents/Resources/" + std::string(name);
+}
+
+std::optional<PropertyList> Bundle::infoDictionary() const {
+  auto list = readPropertyListFile(path_ + "/Contents/Info.plist");
+  auto* dictionary = std::get_if<PropertyList>(&list);
+  if (dictionary == nullptr || dictionary->as<PropertyList::Dictionary>() == nullptr) return std::nullopt;
+  return std::move(*dictionary);
+}
+
+}  // namespace platform

@@ -1,0 +1,96 @@
+#include "platform/image.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QGuiApplication>
+
+#include "platform/bundle.h"
+#include "platform/linux/image_impl.h"
+
+namespace platform {
+namespace {
+
+constexpr double maxPixels = 64e6;
+
+QImage emptyForm(Size size) {
+  const double scale = backingScale();
+  const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
+  if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
+  QImage form(static_cast<int>(width), static_cast<int>(height), QImage::Format_ARGB32_Premultiplied);
+  form.fill(Qt::transparent);
+  return form;
+}
+
+QString withScaleSuffix(const QString& path) {
+  const auto dot = path.lastIndexOf(QLatin1Char('.'));
+  return path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
+}
+
+}  // namespace
+
+double backingScale() {
+  return qGuiApp == nullptr ? 1.0 : qGuiApp->devicePixelRatio();
+}
+
+const QImage& Image::Impl::formFor(double pixelsAcross) const {
+  const auto enough =
+      std::ranges::find_if(forms, [&](const QImage& form) { return form.width() >= pixelsAcross; });
+  return enough != forms.end() ? *enough : forms.back();
+}
+
+QPixmap Image::Impl::pixmap() const {
+  if (forms.empty()) return {};
+  QPixmap pixmap = QPixmap::fromImage(forms.back());
+  pixmap.setDevicePixelRatio(forms.back().width() / size.width);
+  return pixmap;
+}
+
+Image::Image() : impl_(std::make_unique<Impl>()) {}
+
+Image::Image(Size size) : Image() {
+  impl_->size = impl_->naturalSize = size;
+  QImage form = emptyForm(size);
+  if (!form.isNull()) impl_->forms.push_back(std::move(form));
+}
+
+Image::~Image() = default;
+
+bool Image::isValid() const {
+  return !impl_->forms.empty();
+}
+
+Size Image::size() const {
+  return impl_->size;
+}
+
+void Image::setSize(Size size) {
+  impl_->size = size;
+}
+
+void Image::setScalesWhenResized(bool scales) {
+  impl_->scalesWhenResized = scales;
+}
+
+Size Image::pixelSize() const {
+  if (!isValid()) return {};
+  const QSize pixels = impl_->forms.back().size();
+  return {static_cast<double>(pixels.width()), static_cast<double>(pixels.height())};
+}
+
+std::shared_ptr<Image> imageNamed(std::string_view name) {
+  const auto bundle = Bundle::mainBundle();
+  if (!bundle) return nullptr;
+  const QString path = QString::fromStdString(bundle->pathForResource(name));
+  QImage plain(path), fine(withScaleSuffix(path));
+  if (plain.isNull()) return nullptr;
+
+  std::shared_ptr<Image> image(new Image);
+  image->impl_->size =
+      image->impl_->naturalSize = {static_cast<double>(plain.width()), static_cast<double>(plain.height())};
+  image->impl_->forms.push_back(std::move(plain));
+  if (!fine.isNull()) image->impl_->forms.push_back(std::move(fine));
+  return image;
+}
+
+}  // namespace platform

@@ -1,0 +1,60 @@
+#include <QPainter>
+
+#include "platform/image.h"
+#include "platform/linux/image_impl.h"
+
+namespace platform {
+namespace {
+
+// The part `from` of an image, given in its points from the lower left, in the pixels of one of its forms.
+QRectF partInPixels(const Image::Impl& image, const QImage& form, Rect from) {
+  const Size base = image.scalesWhenResized ? image.size : image.naturalSize;
+  const double x = form.width() / base.width, y = form.height() / base.height;
+  return {from.x * x, form.height() - (from.y + from.height) * y, from.width * x, from.height * y};
+}
+
+}  // namespace
+
+struct ImageFocus::Impl {
+  Image::Impl& target;
+  ImageInterpolation interpolation = ImageInterpolation::Low;
+
+  [[nodiscard]] QRectF inTargetPixels(Rect rect) const {
+    const QImage& canvas = target.forms.back();
+    const double x = canvas.width() / target.size.width, y = canvas.height() / target.size.height;
+    return {rect.x * x, canvas.height() - (rect.y + rect.height) * y, rect.width * x, rect.height * y};
+  }
+};
+
+ImageFocus::ImageFocus(Image& target) : impl_(new Impl{target.impl()}) {}
+ImageFocus::~ImageFocus() = default;
+
+void ImageFocus::setImageInterpolation(ImageInterpolation interpolation) {
+  impl_->interpolation = interpolation;
+}
+
+void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOperation operation,
+                      double fraction) {
+  if (!source.isValid() || impl_->target.forms.empty()) return;
+  QImage& canvas = impl_->target.forms.back();
+  const QRectF to = impl_->inTargetPixels({at.x, at.y, from.width, from.height});
+  const QImage& form = source.impl().formFor(to.width());
+  const QRect part = partInPixels(source.impl(), form, from).toAlignedRect();
+
+  QPainter painter(&canvas);
+  painter.setCompositionMode(operation == CompositingOperation::Copy ? QPainter::CompositionMode_Source
+                                                                     : QPainter::CompositionMode_SourceOver);
+  painter.setOpacity(fraction);
+  // The painter's own smoothing looks at four neighbours only and drops lines when it shrinks much, so
+  // pixels are averaged by area first.
+  if (impl_->interpolation == ImageInterpolation::High) {
+    const QImage piece = part == form.rect() ? form : form.copy(part);
+    painter.drawImage(to.topLeft(),
+                      piece.scaled(to.size().toSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    return;
+  }
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, impl_->interpolation == ImageInterpolation::Low);
+  painter.drawImage(to, form, part);
+}
+
+}  // namespace platform

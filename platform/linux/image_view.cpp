@@ -1,0 +1,93 @@
+#include "platform/image_view.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "platform/image.h"
+#include "platform/linux/image_impl.h"
+#include "platform/linux/view_impl.h"
+
+namespace platform {
+namespace {
+
+class PictureWidget : public QWidget {
+ public:
+  ImageView* owner = nullptr;
+  std::shared_ptr<Image> image;
+  std::vector<std::pair<QRect, Qt::CursorShape>> cursorRects;
+
+ protected:
+  void paintEvent(QPaintEvent*) override;
+  void mousePressEvent(QMouseEvent* event) override { event->accept(); }
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override { showCursorAt(event->position().toPoint()); }
+
+ private:
+  void showCursorAt(QPoint point);
+};
+
+void PictureWidget::paintEvent(QPaintEvent*) {
+  if (image == nullptr || !image->isValid()) return;
+  const Size size = image->size();
+  const double shrink = std::min({1.0, width() / size.width, height() / size.height});
+  const QSizeF shown(size.width * shrink, size.height * shrink);
+  const QRectF place(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown);
+
+  const double scale = devicePixelRatioF();
+  const QSize pixels = (shown * scale).toSize();
+  QImage picture =
+      image->impl().formFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  picture.setDevicePixelRatio(scale);
+  QPainter(this).drawImage(place.topLeft(), picture);
+}
+
+void PictureWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) return;
+  owner->mouseUp({{event->position().x(), height() - event->position().y()}, 1});
+}
+
+void PictureWidget::enterEvent(QEnterEvent* event) {
+  cursorRects.clear();
+  owner->resetCursorRects();
+  showCursorAt(event->position().toPoint());
+}
+
+void PictureWidget::showCursorAt(QPoint point) {
+  const auto found =
+      std::ranges::find_if(cursorRects, [&](const auto& entry) { return entry.first.contains(point); });
+  setCursor(found == cursorRects.end() ? Qt::ArrowCursor : found->second);
+}
+
+PictureWidget& pictureWidget(const ImageView& view) {
+  return static_cast<PictureWidget&>(*view.impl().widget);
+}
+
+}  // namespace
+
+ImageView::ImageView(Rect frame) : View(std::make_unique<Impl>(frame, std::make_unique<PictureWidget>())) {
+  pictureWidget(*this).owner = this;
+  pictureWidget(*this).setMouseTracking(true);
+}
+
+ImageView::~ImageView() = default;
+
+void ImageView::setImage(std::shared_ptr<Image> image) {
+  pictureWidget(*this).image = std::move(image);
+  pictureWidget(*this).update();
+}
+
+void ImageView::mouseUp(const MouseEvent&) {}
+
+void ImageView::resetCursorRects() {}
+
+void ImageView::addCursorRect(Rect rect, Cursor cursor) {
+  pictureWidget(*this).cursorRects.emplace_back(fromTop(rect, bounds().height), cursor == Cursor::PointingHand
+                                                                                    ? Qt::PointingHandCursor
+                                                                                    : Qt::ArrowCursor);
+}
+
+}  // namespace platform

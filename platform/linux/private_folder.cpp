@@ -1,0 +1,66 @@
+#include "platform/linux/private_folder.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/bundle.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* helperNames[] = {"launchctl", "open", "osascript"};
+
+bool isOursAlone(const std::string& folder) {
+  struct stat status {};
+  return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+         (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+std::string privateFolderPath() {
+  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+  if (runtime != nullptr && runtime[0] == '/' && isOursAlone(runtime)) {
+    return std::string(runtime) + "/TovalinTray";
+  }
+  return "/tmp/TovalinTray-" + std::to_string(::geteuid());
+}
+
+}  // namespace
+
+std::optional<std::string> privateFolder() {
+  const std::string path = privateFolderPath();
+  ::mkdir(path.c_str(), S_IRWXU);
+  if (!isOursAlone(path)) return std::nullopt;
+  return path;
+}
+
+std::optional<std::string> helperFolder() {
+  const auto folder = privateFolder();
+  if (!folder) return std::nullopt;
+  return *folder + "/helpers";
+}
+
+void installHelpers() {
+  const auto bundle = Bundle::mainBundle();
+  const auto folder = helperFolder();
+  if (!bundle || !folder) return;
+  removeHelpers();
+  std::error_code ignored;
+  fs::create_directory(*folder, ignored);
+  for (const char* name : helperNames) {
+    fs::copy_file(bundle->bundlePath() + "/Contents/Helpers/" + name, *folder + "/" + name, ignored);
+  }
+}
+
+void removeHelpers() {
+  const auto folder = helperFolder();
+  std::error_code ignored;
+  if (folder) fs::remove_all(*folder, ignored);
+}
+
+}  // namespace platform

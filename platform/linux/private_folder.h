@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace platform {
+
+// The folder for what lives as long as the agent's process: below $XDG_RUNTIME_DIR, else below /tmp with the
+// user's id in its name. Made when missing, and then readable by the user alone; nothing when it can't be had
+// or somebody else could write to it. Any thread.
+[[nodiscard]] std::optional<std::string> privateFolder();
+
+// Where the agent's helper programs are found by name: a folder in the private one. Nothing when there is
+// none.
+[[nodiscard]] std::optional<std::string> helperFolder();
+
+// Copies the helper programs of the running bundle to helperFolder(), because some must still run when the
+// bundle is gone. What can't be copied is left out.
+void installHelpers();
+// Takes the copies away again.
+void removeHelpers();
+
+}  // namespace platform

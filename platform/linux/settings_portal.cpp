@@ -1,0 +1,64 @@
+#include "platform/linux/settings_portal.h"
+
+#include <QDBusConnection>
+#include <QDBusVariant>
+
+#include "platform/linux/appearance.h"
+
+namespace platform {
+namespace {
+
+constexpr int answerLimitMs = 500;
+constexpr uint preferDark = 1;
+
+constexpr QLatin1StringView service("org.freedesktop.portal.Desktop");
+constexpr QLatin1StringView path("/org/freedesktop/portal/desktop");
+constexpr QLatin1StringView interface("org.freedesktop.portal.Settings");
+constexpr QLatin1StringView appearance("org.freedesktop.appearance");
+constexpr QLatin1StringView colorScheme("color-scheme");
+
+}  // namespace
+
+bool isDarkColorScheme(const QVariant& value) {
+  QVariant inner = value;
+  while (inner.userType() == qMetaTypeId<QDBusVariant>())
+    inner = qvariant_cast<QDBusVariant>(inner).variant();
+  return inner.userType() == QMetaType::UInt && inner.toUInt() == preferDark;
+}
+
+SettingsPortal& SettingsPortal::shared() {
+  static SettingsPortal& portal = *new SettingsPortal;
+  return portal;
+}
+
+SettingsPortal::SettingsPortal() {
+  QDBusConnection::sessionBus().connect(service, path, interface, QStringLiteral("SettingChanged"), this,
+                                        SLOT(settingChanged(QDBusMessage)));
+}
+
+bool SettingsPortal::readPrefersDark() {
+  QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
+  call << appearance << colorScheme;
+  const QDBusMessage answer = QDBusConnection::sessionBus().call(call, QDBus::Block, answerLimitMs);
+  const bool answered = answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();
+  setDark(answered && isDarkColorScheme(answer.arguments().constFirst()));
+  return dark_;
+}
+
+void SettingsPortal::settingChanged(const QDBusMessage& message) {
+  const QVariantList arguments = message.arguments();
+  if (arguments.size() != 3 || arguments[0].toString() != appearance ||
+      arguments[1].toString() != colorScheme)
+    return;
+  const bool dark = isDarkColorScheme(arguments[2]);
+  if (dark == dark_) return;
+  setDark(dark);
+  for (const auto& observer : observers_) observer();
+}
+
+void SettingsPortal::setDark(bool dark) {
+  dark_ = dark;
+  applyAppearance(dark);
+}
+
+}  // namespace platform

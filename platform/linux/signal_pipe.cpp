@@ -1,0 +1,41 @@
+#include "platform/linux/signal_pipe.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace platform {
+namespace {
+
+// A signal handler can reach nothing else.
+volatile sig_atomic_t pipeForSignals = -1;
+
+void writeByte(int) {
+  const int error = errno;
+  const char byte = 0;
+  [[maybe_unused]] const ssize_t written = ::write(static_cast<int>(pipeForSignals), &byte, 1);
+  errno = error;
+}
+
+}  // namespace
+
+SignalPipe::SignalPipe(std::function<void()> ended) {
+  int ends[2] = {-1, -1};
+  if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
+  readEnd_ = FileDescriptor(ends[0]);
+  writeEnd_ = FileDescriptor(ends[1]);
+  pipeForSignals = ends[1];
+
+  notifier_ = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                   [ended = std::move(ended)] { ended(); });
+
+  struct sigaction action {};
+  action.sa_handler = writeByte;
+  action.sa_flags = SA_RESTART;
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) sigaction(number, &action, nullptr);
+}
+
+}  // namespace platform

@@ -1,0 +1,84 @@
+#include "platform/linux/single_instance.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <thread>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+
+#include "platform/linux/private_folder.h"
+
+namespace platform {
+namespace {
+
+using namespace std::chrono_literals;
+
+// The names that the Desktop Entry Specification gives a program's single instance on the bus.
+constexpr QLatin1StringView busName("com.kesmoor.tovalintrayagent");
+constexpr QLatin1StringView objectPath("/com/kesmoor/tovalintrayagent");
+constexpr QLatin1StringView interface("org.freedesktop.Application");
+constexpr QLatin1StringView activate("Activate");
+
+class ActivateObject : public QDBusVirtualObject {
+ public:
+  explicit ActivateObject(std::function<void()> reopened) : reopened_(std::move(reopened)) {}
+
+  QString introspect(const QString&) const override {
+    return QStringLiteral(
+        "<interface name=\"org.freedesktop.Application\">"
+        "<method name=\"Activate\"><arg type=\"a{sv}\" name=\"platform_data\" direction=\"in\"/></method>"
+        "</interface>");
+  }
+
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+    if (message.interface() != interface || message.member() != activate) return false;
+    connection.send(message.createReply());
+    reopened_();
+    return true;
+  }
+
+ private:
+  std::function<void()> reopened_;
+};
+
+}  // namespace
+
+SingleInstance::SingleInstance() {
+  const auto folder = privateFolder();
+  if (!folder) return;
+  lock_ = FileDescriptor(
+      ::open((*folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+  if (!lock_.valid()) return;
+  first_ = ::flock(lock_.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+SingleInstance::~SingleInstance() = default;
+
+void SingleInstance::listen(std::function<void()> reopened) {
+  auto bus = QDBusConnection::sessionBus();
+  object_ = std::make_unique<ActivateObject>(std::move(reopened));
+  bus.registerVirtualObject(objectPath, object_.get());
+  bus.registerService(busName);
+}
+
+void SingleInstance::tellFirst() {
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return;
+  QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, interface, activate);
+  call << QVariantMap();
+  call.setAutoStartService(false);
+  // The first one has its name only a moment after its lock, and answers when its main thread is free.
+  const auto deadline = std::chrono::steady_clock::now() + 3s;
+  while (std::chrono::steady_clock::now() < deadline) {
+    const QDBusMessage answer = bus.call(call, QDBus::Block, 1000);
+    if (answer.errorName() != QLatin1StringView("org.freedesktop.DBus.Error.ServiceUnknown")) return;
+    std::this_thread::sleep_for(50ms);
+  }
+}
+
+}  // namespace platform

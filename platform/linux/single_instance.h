@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/file_descriptor.h"
+
+class QDBusVirtualObject;
+
+namespace platform {
+
+// Sees to it that the program runs once per user: a lock that dies with its holder says who runs, and a name
+// on the session bus is where a second start knocks. Main thread.
+class SingleInstance {
+ public:
+  SingleInstance();
+  ~SingleInstance();
+
+  // Whether this process is the one that runs; also true where no lock is to be had, so that the program
+  // still works.
+  [[nodiscard]] bool isFirst() const { return first_; }
+
+  // First process: takes the bus name and calls `reopened` from the run loop at each second start.
+  void listen(std::function<void()> reopened);
+
+  // Second process: tells the first one, waiting a few seconds while that is still starting. A desktop
+  // without a bus is left at that.
+  static void tellFirst();
+
+ private:
+  FileDescriptor lock_;
+  bool first_ = true;
+  std::unique_ptr<QDBusVirtualObject> object_;
+};
+
+}  // namespace platform

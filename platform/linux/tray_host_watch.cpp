@@ -1,0 +1,101 @@
+#include "platform/linux/tray_host_watch.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QGuiApplication>
+
+namespace platform {
+namespace {
+
+constexpr QLatin1StringView watcherService("org.kde.StatusNotifierWatcher");
+constexpr QLatin1StringView watcherPath("/StatusNotifierWatcher");
+
+xcb_connection_t* xConnection() {
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return x11 == nullptr ? nullptr : x11->connection();
+}
+
+template <typename Reply>
+using XReply = std::unique_ptr<Reply, decltype(&std::free)>;
+
+xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
+  const auto cookie =
+      xcb_intern_atom(connection, false, static_cast<std::uint16_t>(name.size()), name.c_str());
+  const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr), std::free);
+  if (reply == nullptr) return XCB_ATOM_NONE;
+  return reply->atom;
+}
+
+}  // namespace
+
+TrayHostWatch::TrayHostWatch(std::function<void()> found)
+    : found_(std::move(found)),
+      watcherName_(watcherService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
+  connect(&watcherName_, &QDBusServiceWatcher::serviceRegistered, this, &TrayHostWatch::askWatcher);
+  QDBusConnection::sessionBus().connect(watcherService, watcherPath, watcherService,
+                                        QStringLiteral("StatusNotifierHostRegistered"), this,
+                                        SLOT(askWatcher()));
+  askWatcher();
+  askScreen();
+}
+
+TrayHostWatch::~TrayHostWatch() {
+  QCoreApplication::instance()->removeNativeEventFilter(this);
+}
+
+void TrayHostWatch::askWatcher() {
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return;
+  QDBusMessage call = QDBusMessage::createMethodCall(
+      watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+  call << QString(watcherService) << QStringLiteral("IsStatusNotifierHostRegistered");
+  call.setAutoStartService(false);
+  auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+    answer->deleteLater();
+    const QDBusPendingReply<QDBusVariant> reply = *answer;
+    if (reply.isValid() && reply.value().variant().toBool()) report();
+  });
+}
+
+void TrayHostWatch::askScreen() {
+  xcb_connection_t* connection = xConnection();
+  if (connection == nullptr) return;
+  traySelection_ = atom(connection, "_NET_SYSTEM_TRAY_S0");
+  QCoreApplication::instance()->installNativeEventFilter(this);
+  const auto cookie = xcb_get_selection_owner(connection, traySelection_);
+  const XReply<xcb_get_selection_owner_reply_t> owner(
+      xcb_get_selection_owner_reply(connection, cookie, nullptr), std::free);
+  if (owner == nullptr || owner->owner == XCB_WINDOW_NONE) return;
+  // After the answers of the bus that are already under way: a host there is the better one.
+  QMetaObject::invokeMethod(
+      this, [this] { report(); }, Qt::QueuedConnection);
+}
+
+// A new tray announces itself with a MANAGER message to the root window, which names its selection.
+bool TrayHostWatch::nativeEventFilter(const QByteArray&, void* message, qintptr*) {
+  const auto* event = static_cast<const xcb_generic_event_t*>(message);
+  if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
+  const auto* client = reinterpret_cast<const xcb_client_message_event_t*>(event);
+  if (client->format == 32 && client->data.data32[1] == traySelection_) {
+    QMetaObject::invokeMethod(
+        this, [this] { report(); }, Qt::QueuedConnection);
+  }
+  return false;
+}
+
+void TrayHostWatch::report() {
+  if (const auto found = std::exchange(found_, nullptr)) found();
+}
+
+}  // namespace platform

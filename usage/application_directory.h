@@ -1,0 +1,13 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+// The folder of this user's files of the product, "Tovalin" in the system's place for such. Made with the
+// folders above it when missing. Nothing when there is no such place or it can't be made. Any thread.
+[[nodiscard]] std::optional<std::string> applicationDirectory();
+
+// Where the file `name` stands in that folder, without making the folder; nothing when there is no place for
+// it.
+[[nodiscard]] std::optional<std::string> applicationFile(std::string_view name);

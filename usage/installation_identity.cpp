@@ -1,0 +1,42 @@
+#include "usage/installation_identity.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+#include "platform/log.h"
+#include "platform/uuid.h"
+#include "usage/application_directory.h"
+#include "usage/settings_file.h"
+
+namespace {
+
+void readIdentifier(const platform::FileDescriptor& file, std::span<char> buffer) {
+  const std::unique_ptr<char[]> stored(new (std::nothrow) char[uuidTextLength]);
+  if (stored == nullptr) return platform::errorLog("memory alloc failed");
+  const std::span<char> bytes(stored.get(), uuidTextLength);
+  if (!readWhole(file, bytes)) return platform::errorLog("file read failed");
+  std::ranges::copy(bytes, buffer.begin());
+}
+
+void makeIdentifier(const std::string& path, std::span<char> buffer) {
+  const std::string uuid = CreateUUID();
+  if (!writeNewFile(path, uuid)) return;
+  std::copy_n(uuid.c_str(), uuid.size() + 1, buffer.begin());
+}
+
+}  // namespace
+
+std::string CreateUUID() {
+  return platform::createUuidString();
+}
+
+void GetTovalinUUID(std::span<char> buffer) {
+  const auto path = applicationFile("TovalinUUID.txt");
+  if (!path || buffer.size() <= uuidTextLength) return;
+  if (const auto file = openForReading(*path); file.valid()) {
+    if (sizeOf(file) == uuidTextLength) return readIdentifier(file, buffer);
+    platform::errorLog("UUID is wrong, new UUID create.");
+  }
+  makeIdentifier(*path, buffer);
+}

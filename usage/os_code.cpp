@@ -1,0 +1,35 @@
+#include "usage/os_code.h"
+
+#include <algorithm>
+
+#include "platform/process_info.h"
+#include "usage/version_text.h"
+
+namespace {
+
+constexpr std::uint8_t oldestCode = 0x40;
+constexpr std::uint8_t newestCode = 0x44;
+
+// The dotted number: what follows the word Version, else the whole text.
+std::string_view releaseIn(std::string_view versionText) {
+  const auto pieces = splitAtEach(versionText, " ()");
+  const auto word = std::ranges::find(pieces, "Version");
+  if (word == pieces.end() || std::next(word) == pieces.end()) return versionText;
+  return *std::next(word);
+}
+
+}  // namespace
+
+std::uint8_t osCodeFor(std::string_view versionText) {
+  const auto parts = splitAtEach(releaseIn(versionText), ".");
+  const std::int64_t major = integerValue(parts[0]);
+  const std::int64_t minor = parts.size() > 1 ? integerValue(parts[1]) : 0;
+  if (major > 10) return newestCode;
+  if (major < 10) return oldestCode;
+  return static_cast<std::uint8_t>(oldestCode +
+                                   std::clamp<std::int64_t>(minor - 9, 0, newestCode - oldestCode));
+}
+
+std::uint8_t GetOSVersion() {
+  return osCodeFor(platform::operatingSystemVersionString());
+}

@@ -1,0 +1,41 @@
+#include "usage/settings_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/log.h"
+
+platform::FileDescriptor openForReading(const std::string& path) {
+  return platform::FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+}
+
+std::size_t sizeOf(const platform::FileDescriptor& file) {
+  struct stat status {};
+  return ::fstat(file.get(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+}
+
+bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::read(file.get(), bytes.data(), bytes.size());
+    if (count == -1 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+bool writeNewFile(const std::string& path, std::string_view text) {
+  const platform::FileDescriptor file(
+      ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666));
+  if (!file.valid()) {
+    platform::errorLog("create file failed");
+    return false;
+  }
+  // One byte or an identifier is written whole or, on a full disk, not at all; a damaged file is replaced
+  // when next read.
+  [[maybe_unused]] const ssize_t written = ::write(file.get(), text.data(), text.size());
+  return true;
+}

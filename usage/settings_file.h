@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/file_descriptor.h"
+
+// What the small settings files of this folder are read and written with. Any thread.
+
+// Opens for reading; never waits, whatever stands at the path. Not valid on failure, with errno set.
+[[nodiscard]] platform::FileDescriptor openForReading(const std::string& path);
+
+// The size in bytes; a descriptor without one counts as 0.
+[[nodiscard]] std::size_t sizeOf(const platform::FileDescriptor& file);
+
+// Fills all of `bytes` from where the file stands. False when there are fewer.
+[[nodiscard]] bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes);
+
+// Makes the file, or empties the one that is there, and writes `text`. On failure to make it: "create file
+// failed" on the error log, and false.
+[[nodiscard]] bool writeNewFile(const std::string& path, std::string_view text);
