@@ -50,13 +50,14 @@ class PropertyList {
   Value value_;
 };
 
-// What reading is bounded by. A list beyond any of these is unreadable, so that a hostile one costs a few
-// megabytes more than its own size at most.
-inline constexpr std::size_t propertyListMaxBytes =
-    4u << 20;  // of the list; of its texts and data in UTF-8, too
-inline constexpr std::size_t propertyListMaxObjects =
-    20'000;                                              // values and keys, counted through shared references
-inline constexpr std::size_t propertyListMaxDepth = 64;  // arrays and dictionaries inside each other
+// What reading is bounded by. A list beyond any of these is unreadable, so that even a hostile one costs no
+// more than some twelve megabytes beside its own bytes, and less than a second.
+//
+// Bytes are those of the list and, once more, those of the texts and data read from it, as UTF-8; objects are
+// values and keys, counted through shared references; depth is arrays and dictionaries inside each other.
+inline constexpr std::size_t propertyListMaxBytes = 4u << 20;
+inline constexpr std::size_t propertyListMaxObjects = 20'000;
+inline constexpr std::size_t propertyListMaxDepth = 64;
 
 // Reads a list in any of its three forms, told apart by the first bytes: binary ("bplist0"), XML (the
 // PropertyList-1.0 DTD) or the old text form (also as a ".strings" file). Any thread. Nothing when the bytes
@@ -72,7 +73,7 @@ enum class PropertyListError {
   BadPath,     // no path can look like this: empty, over-long, with a NUL, or not UTF-8
   NoStream,    // what stands at the path is nothing to read bytes from: a folder, a pipe, a device
   OpenFailed,  // it is not there or may not be read
-  Unreadable,  // its bytes are no property list
+  Unreadable,  // its bytes are no property list, or one beyond the bounds
 };
 
 // Reads the list in the file at `path`. Any thread; reads the whole file once and never waits for a

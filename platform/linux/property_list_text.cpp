@@ -42,6 +42,7 @@ std::optional<std::string> decodeWide(std::string_view bytes, std::size_t width,
   if (bytes.size() % width != 0) return std::nullopt;
   if (!bytes.empty() && unitAt(bytes, 0, width, bigEndian) == byteOrderMark) bytes.remove_prefix(width);
   std::string text;
+  text.reserve(bytes.size() / width);
   Utf16Appender units(text);
   for (std::size_t i = 0; i < bytes.size(); i += width) {
     const char32_t unit = unitAt(bytes, i, width, bigEndian);
@@ -58,6 +59,7 @@ std::optional<std::string> decodeNamed(std::string_view bytes, const std::string
   QStringDecoder decoder(encoding.c_str());
   if (!decoder.isValid()) return std::nullopt;
   std::string text;
+  text.reserve(bytes.size());
   Utf16Appender units(text);
   for (; !bytes.empty(); bytes.remove_prefix(std::min(sliceSize, bytes.size()))) {
     const std::string_view slice = bytes.substr(0, sliceSize);

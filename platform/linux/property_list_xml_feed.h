@@ -26,7 +26,6 @@ class XmlFeed {
   bool skipHidden();
   bool skipPast(std::string_view end);
   bool skipDocumentType();
-  bool skipQuoted();
   std::optional<std::string> tag();
   std::optional<std::string> text();
   std::optional<std::string> characterData();
