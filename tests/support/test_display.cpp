@@ -1,17 +1,12 @@
 #include "tests/support/test_display.h"
 
+#include <filesystem>
 #include <utility>
 
 #include "tests/support/x_connection.h"
 
 namespace test_support {
 namespace {
-
-// A window manager says so by naming a window that names itself.
-bool windowManagerIsReady(const XConnection& display) {
-  const auto window = display.numberProperty(display.root(), "_NET_SUPPORTING_WM_CHECK");
-  return window && display.numberProperty(*window, "_NET_SUPPORTING_WM_CHECK") == window;
-}
 
 std::vector<std::string> serverCommand(const DisplayOptions& options) {
   const std::string screen = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
@@ -68,9 +63,12 @@ bool TestDisplay::divide(const std::vector<Monitor>& monitors) const {
 bool TestDisplay::startWindowManager() {
   const ChildOptions options{
       .environment = {{"DISPLAY", name_}}, .output = Redirection::null(), .error = Redirection::null()};
-  if (!windowManager_.start({"openbox", "--sm-disable"}, options)) return false;
-  const XConnection display(name_);
-  return waitUntil([&] { return windowManagerIsReady(display) || !display.valid(); }) && display.valid();
+  // It names itself on the display before it is ready to give a new window the focus; its start-up command
+  // comes after that.
+  const std::string sign = "/tmp/window-manager-of-display-" + name_.substr(1);
+  if (!windowManager_.start({"openbox", "--sm-disable", "--startup", "touch " + sign}, options)) return false;
+  return waitUntil([&] { return std::filesystem::exists(sign) || !windowManager_.running(); }) &&
+         windowManager_.running();
 }
 
 void TestDisplay::stop() {
