@@ -1,0 +1,90 @@
+#include "tools/mainapp/commands.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <optional>
+
+#include "tools/common/clock_text.h"
+#include "tools/common/escaped_text.h"
+#include "tools/mainapp/notification_sender.h"
+
+namespace tools {
+namespace {
+
+Outcome runSend(const std::string& argument) {
+  sendAndReport(argument);
+  return Outcome::Continue;
+}
+
+Outcome runHelp(const std::string&) {
+  std::fputs(commandHelp().c_str(), stdout);
+  return Outcome::Continue;
+}
+
+Outcome runQuit(const std::string&) {
+  return Outcome::Quit;
+}
+
+constexpr std::array kCommands = {
+    Command{"send", "TEXT", "write TEXT into the notification pipe", runSend},
+    Command{"help", "", "show the commands", runHelp},
+    Command{"quit", "", "end the stand-in", runQuit},
+};
+
+std::string helpLine(const Command& command) {
+  constexpr std::size_t kColumn = 18;
+  std::string line = "  " + std::string(command.name);
+  if (!command.argument.empty()) line += " " + std::string(command.argument);
+  line.resize(std::max(line.size() + 1, kColumn), ' ');
+  return line + std::string(command.purpose) + "\n";
+}
+
+void complain(const std::string& text) {
+  std::fprintf(stderr, "mainapp: %s\n", text.c_str());
+}
+
+}  // namespace
+
+std::span<const Command> commands() {
+  return kCommands;
+}
+
+std::string commandHelp() {
+  std::string text;
+  for (const Command& command : commands()) text += helpLine(command);
+  return text;
+}
+
+Outcome runCommand(const std::string& line) {
+  if (line.empty()) return Outcome::Continue;
+  const std::size_t blank = line.find(' ');
+  const std::string name = line.substr(0, blank);
+  const std::string argument = blank == std::string::npos ? "" : line.substr(blank + 1);
+  const auto found = std::find_if(kCommands.begin(), kCommands.end(),
+                                  [&](const Command& command) { return command.name == name; });
+  if (found == kCommands.end()) {
+    complain("there is no command " + quotedText(name) + "; \"help\" shows those there are");
+    return Outcome::Continue;
+  }
+  if (argument.empty() != found->argument.empty()) {
+    complain(argument.empty() ? name + " takes an argument: " + std::string(found->argument)
+                              : name + " takes no argument");
+    return Outcome::Continue;
+  }
+  return found->run(argument);
+}
+
+bool sendAndReport(const std::string& text) {
+  const std::optional<std::string> reason = sendNotification(kNotificationPipe, text);
+  if (reason) {
+    complain("cannot send " + quotedText(text) + ": " + *reason);
+    return false;
+  }
+  const std::string now = clockText(std::chrono::system_clock::now());
+  std::printf("%s  sent %s\n", now.c_str(), quotedText(text).c_str());
+  return true;
+}
+
+}  // namespace tools
