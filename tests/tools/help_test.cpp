@@ -1,0 +1,34 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/tools/tool_process.h"
+
+namespace {
+
+using test_support::ExitStatus;
+using testing::HasSubstr;
+using tools_test::runToEnd;
+using tools_test::toolPath;
+
+class EveryTool : public testing::TestWithParam<std::string> {};
+
+TEST_P(EveryTool, SaysInItsHelpThatItIsNoPartOfTheAgent) {
+  const auto finished = runToEnd({toolPath(GetParam()), "--help"});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  EXPECT_THAT(finished.output, HasSubstr("Usage: " + GetParam()));
+  EXPECT_THAT(finished.output, HasSubstr("This is a development tool, not part of the agent."));
+  EXPECT_EQ(finished.error, "");
+}
+
+TEST_P(EveryTool, RefusesAnUnknownOption) {
+  const auto finished = runToEnd({toolPath(GetParam()), "--wrong"});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 2});
+  EXPECT_EQ(finished.output, "");
+  EXPECT_THAT(finished.error, HasSubstr(GetParam() + " --help shows how it is used"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Tools, EveryTool,
+                         testing::Values("mainapp", "productserver", "tovalinnotification", "tovalinupdate"),
+                         [](const auto& test) { return test.param; });
+
+}  // namespace

@@ -1,0 +1,121 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <fstream>
+
+#include "tests/tools/mainapp_fixture.h"
+
+namespace {
+
+using test_support::ExitStatus;
+using test_support::FileDescriptor;
+using testing::HasSubstr;
+using tools_test::kNotificationPipe;
+using tools_test::runToEnd;
+using tools_test::toolPath;
+
+// Stands where the agent reads: holds the notification pipe open and takes one read at a time.
+class Listener {
+ public:
+  Listener() {
+    EXPECT_EQ(::mkfifo(kNotificationPipe, 0600), 0);
+    reader_.reset(::open(kNotificationPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    writer_.reset(::open(kNotificationPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+  }
+
+  // What the next read gives; empty when nothing comes.
+  [[nodiscard]] std::string take() const {
+    const std::chrono::milliseconds patience = test_support::kPatience;
+    pollfd entry{reader_.get(), POLLIN, 0};
+    ::poll(&entry, 1, static_cast<int>(patience.count()));
+    std::array<char, 1024> buffer{};
+    const ssize_t count = ::read(reader_.get(), buffer.data(), buffer.size());
+    return {buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0};
+  }
+
+ private:
+  FileDescriptor reader_;
+  FileDescriptor writer_;
+};
+
+class MainAppSend : public tools_test::MainAppTest {};
+
+TEST_F(MainAppSend, TheBytesArriveWithoutATerminator) {
+  const Listener listener;
+  startReading();
+  ASSERT_TRUE(app_.writeLine("send -non"));
+  EXPECT_EQ(listener.take(), "-non");
+  EXPECT_EQ(nextLine(), "sent \"-non\"");
+}
+
+TEST_F(MainAppSend, BlanksInTheTextAreKept) {
+  const Listener listener;
+  startReading();
+  ASSERT_TRUE(app_.writeLine("send  a b "));
+  EXPECT_EQ(listener.take(), " a b ");
+}
+
+TEST_F(MainAppSend, SendWithoutATextIsRefused) {
+  const Listener listener;
+  startReading();
+  ASSERT_TRUE(app_.writeLine("send"));
+  EXPECT_EQ(app_.readErrorLine(), "mainapp: send takes an argument: TEXT");
+}
+
+TEST_F(MainAppSend, ALastLineWithoutItsEndIsStillRun) {
+  const Listener listener;
+  std::ofstream("/tmp/input") << "send -neon";
+  test_support::ChildOptions options;
+  options.input = test_support::Redirection::file("/tmp/input");
+  ASSERT_TRUE(app_.start({toolPath("mainapp")}, options));
+  EXPECT_EQ(listener.take(), "-neon");
+}
+
+TEST_F(MainAppSend, NobodyListeningIsReportedAndSurvived) {
+  ASSERT_EQ(::mkfifo(kNotificationPipe, 0600), 0);
+  startReading();
+  ASSERT_TRUE(app_.writeLine("send -non"));
+  EXPECT_EQ(app_.readErrorLine(), "mainapp: cannot send \"-non\": nobody listens on /tmp/KMNOTIPIPE");
+  EXPECT_TRUE(app_.running());
+}
+
+TEST_F(MainAppSend, TheOptionFailsWhenNobodyListens) {
+  ASSERT_EQ(::mkfifo(kNotificationPipe, 0600), 0);
+  const auto finished = runToEnd({toolPath("mainapp"), "--send", "-non"});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 1});
+  EXPECT_THAT(finished.error, HasSubstr("nobody listens on /tmp/KMNOTIPIPE"));
+}
+
+TEST_F(MainAppSend, TheOptionMakesNeitherPipe) {
+  const auto finished = runToEnd({toolPath("mainapp"), "--send", "-non"});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 1});
+  EXPECT_THAT(finished.error, HasSubstr("there is no /tmp/KMNOTIPIPE"));
+  EXPECT_FALSE(std::filesystem::exists(kNotificationPipe));
+  EXPECT_FALSE(std::filesystem::exists(tools_test::kCommandPipe));
+}
+
+TEST_F(MainAppSend, APlainFileIsNotWrittenOver) {
+  std::ofstream(kNotificationPipe) << "keep me";
+  EXPECT_EQ(runToEnd({toolPath("mainapp"), "--send", "-non"}).status, ExitStatus{.code = 1});
+  EXPECT_EQ(tools_test::contentsOf(kNotificationPipe), "keep me");
+}
+
+TEST_F(MainAppSend, RepeatedOptionsArriveAsMessagesOfTheirOwn) {
+  const Listener listener;
+  ASSERT_TRUE(app_.start({toolPath("mainapp"), "--send", "-non", "--send", "-noff"}));
+  EXPECT_EQ(listener.take(), "-non");
+  EXPECT_EQ(listener.take(), "-noff");
+  EXPECT_EQ(app_.wait(), ExitStatus{.code = 0});
+}
+
+TEST_F(MainAppSend, TheOptionDoesNotGoWithAWait) {
+  EXPECT_EQ(runToEnd({toolPath("mainapp"), "--send", "-non", "--until", "-ton"}).status,
+            ExitStatus{.code = 2});
+}
+
+}  // namespace
