@@ -83,6 +83,7 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   if (!bundle) return nullptr;
   const QString path = QString::fromStdString(bundle->pathForResource(name));
   QImage plain(path), fine(withScaleSuffix(path));
+  fine.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
   if (plain.isNull()) return nullptr;
 
   std::shared_ptr<Image> image(new Image);

@@ -1,0 +1,29 @@
+# What there is to do beside ./run and ./test. PRESET: release, debug or asan (CMakePresets.json).
+PRESET ?= release
+SOURCES = $(shell git ls-files '*.cpp' '*.h')
+
+.PHONY: build format check check-format check-tidy check-cppcheck check-sanitizers
+
+# Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
+build:
+	@mkdir -p build
+	@cmake --preset $(PRESET) >build/$(PRESET).configure.log 2>&1 || { cat build/$(PRESET).configure.log; exit 1; }
+	@cmake --build --preset $(PRESET)
+
+format:
+	clang-format -i $(SOURCES)
+
+check: check-format check-tidy check-cppcheck check-sanitizers
+
+check-format:
+	clang-format --dry-run --Werror $(SOURCES)
+
+check-tidy: build
+	git ls-files '*.cpp' | xargs -P $$(nproc) -n 4 clang-tidy --quiet -p build/$(PRESET)
+
+check-cppcheck:
+	cppcheck --quiet --std=c++20 --language=c++ --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
+	  --suppress=missingIncludeSystem -I . app ipc notices usage platform
+
+check-sanitizers:
+	./test asan

@@ -1,0 +1,143 @@
+#include "notices/clickable_image_view.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include <QWidget>
+
+#include "app/globals.h"
+#include "platform/image.h"
+#include "platform/linux/view_impl.h"
+#include "platform/window.h"
+#include "tests/platform/event_loop.h"
+#include "tests/support/child_process.h"
+
+namespace {
+
+class Listener final : public tovalinNSImageViewDelegate {
+ public:
+  void myImageView(tovalinNSImageView& clicked, const platform::MouseEvent& mouseUp) override {
+    ++clicks;
+    view = &clicked;
+    event = mouseUp;
+  }
+  int clicks = 0;
+  tovalinNSImageView* view = nullptr;
+  platform::MouseEvent event;
+};
+
+class DeafListener final : public tovalinNSImageViewDelegate {};
+
+// A window on the real display with the view at (100, 50), and a pointer that is moved from outside the
+// program.
+class ClickableImageView : public testing::Test {
+ protected:
+  void SetUp() override {
+    isNetworkOnline = true;
+    window_.contentView().addSubview(view_);
+    window_.makeKeyAndOrderFront();
+    QWidget& widget = *window_.contentView().impl().widget;
+    // Only with its frame around it does the window stand where it stays.
+    ASSERT_TRUE(serveEventsUntil(
+        [&] { return widget.isActiveWindow() && widget.geometry().top() > widget.frameGeometry().top(); }));
+    origin_ = widget.mapToGlobal(QPoint(0, 0)) * widget.devicePixelRatioF();
+    scale_ = widget.devicePixelRatioF();
+  }
+
+  // A place in the window's points, from its lower left.
+  void pointAt(double x, double y) {
+    const int pixelX = origin_.x() + static_cast<int>(x * scale_);
+    const int pixelY = origin_.y() + static_cast<int>((200 - y) * scale_);
+    xdotool({"mousemove", std::to_string(pixelX), std::to_string(pixelY)});
+  }
+
+  static void xdotool(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "xdotool");
+    test_support::ChildProcess tool;
+    ASSERT_TRUE(tool.start(arguments));
+    ASSERT_EQ(tool.wait(), test_support::ExitStatus{.code = 0});
+  }
+
+  [[nodiscard]] Qt::CursorShape cursor() const { return view_->impl().widget->cursor().shape(); }
+
+  platform::Window window_{{0, 0, 300, 200}, platform::WindowStyle::Titled};
+  std::shared_ptr<tovalinNSImageView> view_ =
+      std::make_shared<tovalinNSImageView>(platform::Rect{100, 50, 80, 40});
+  QPoint origin_;
+  double scale_ = 1;
+};
+
+TEST_F(ClickableImageView, HandsAClickToItsDelegateWithItselfAndThePlace) {
+  Listener listener;
+  view_->delegate = &listener;
+  pointAt(110, 60);
+  xdotool({"click", "1"});
+  ASSERT_TRUE(serveEventsUntil([&] { return listener.clicks == 1; }));
+  EXPECT_EQ(listener.view, view_.get());
+  EXPECT_NEAR(listener.event.locationInView.x, 10, 1.5);
+  EXPECT_NEAR(listener.event.locationInView.y, 10, 1.5);
+}
+
+TEST_F(ClickableImageView, AClickOnADelegateThatDoesNotListenOrOnNoneDoesNothing) {
+  DeafListener deaf;
+  view_->delegate = &deaf;
+  pointAt(110, 60);
+  xdotool({"click", "1"});
+  view_->delegate = nullptr;
+  xdotool({"click", "1"});
+
+  Listener listener;
+  ASSERT_FALSE(serveEventsUntil([&] { return listener.clicks > 0; }, std::chrono::milliseconds(100)));
+  view_->delegate = &listener;
+  xdotool({"click", "1"});
+  ASSERT_TRUE(serveEventsUntil([&] { return listener.clicks > 0; }));
+  EXPECT_EQ(listener.clicks, 1);
+}
+
+TEST_F(ClickableImageView, AReleaseOutsideOrOfAnotherButtonIsNoClick) {
+  Listener listener;
+  view_->delegate = &listener;
+  pointAt(110, 60);
+  xdotool({"click", "3"});
+  xdotool({"mousedown", "1"});
+  pointAt(20, 20);
+  xdotool({"mouseup", "1"});
+  pointAt(110, 60);
+  xdotool({"click", "1"});
+  ASSERT_TRUE(serveEventsUntil([&] { return listener.clicks > 0; }));
+  EXPECT_EQ(listener.clicks, 1);
+}
+
+TEST_F(ClickableImageView, ShowsThePointingHandOverAllOfItselfWhileTheNetworkIsThere) {
+  pointAt(20, 20);
+  for (const auto& [x, y] : {std::pair(101.5, 51.5), std::pair(178.0, 88.0)}) {
+    pointAt(x, y);
+    EXPECT_TRUE(serveEventsUntil([&] { return cursor() == Qt::PointingHandCursor; })) << x << ", " << y;
+    pointAt(20, 20);
+    EXPECT_TRUE(serveEventsUntil([&] { return !view_->impl().widget->underMouse(); }));
+  }
+}
+
+TEST_F(ClickableImageView, ShowsTheArrowWithoutTheNetwork) {
+  pointAt(20, 20);
+  ASSERT_TRUE(serveEventsUntil([&] { return !view_->impl().widget->underMouse(); }));
+  isNetworkOnline = false;
+  pointAt(140, 70);
+  ASSERT_TRUE(serveEventsUntil([&] { return view_->impl().widget->underMouse(); }));
+  EXPECT_EQ(cursor(), Qt::ArrowCursor);
+
+  pointAt(20, 20);
+  ASSERT_TRUE(serveEventsUntil([&] { return !view_->impl().widget->underMouse(); }));
+  isNetworkOnline = true;
+  pointAt(140, 70);
+  EXPECT_TRUE(serveEventsUntil([&] { return cursor() == Qt::PointingHandCursor; }));
+}
+
+TEST_F(ClickableImageView, IsGoneFromTheWindowOnlyWithItsLastOwner) {
+  std::weak_ptr<tovalinNSImageView> watched = view_;
+  view_.reset();
+  EXPECT_FALSE(watched.expired());
+}
+
+}  // namespace

@@ -1,0 +1,114 @@
+#include "notices/image_resize.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include <QGuiApplication>
+
+#include "platform/image.h"
+#include "platform/linux/image_impl.h"
+
+namespace {
+
+using platform::Image;
+using platform::Size;
+
+// Left half opaque red, right half fully transparent.
+std::unique_ptr<Image> halfRed(double side) {
+  auto image = std::make_unique<Image>(Size{side, side});
+  QImage& pixels = image->impl().forms.front();
+  for (int y = 0; y < pixels.height(); ++y) {
+    for (int x = 0; x < pixels.width() / 2; ++x) pixels.setPixelColor(x, y, Qt::red);
+  }
+  return image;
+}
+
+std::size_t occurrences(const std::string& text, const std::string& word) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) ++count;
+  return count;
+}
+
+TEST(ImageResize, NoSourceGivesNothingAndOneLineOnTheConsoleLog) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(imageResize(nullptr, 20, 20), nullptr);
+  EXPECT_EQ(occurrences(testing::internal::GetCapturedStderr(), "Invalid Image\n"), 1u);
+}
+
+TEST(ImageResize, AnInvalidSourceGivesNothingAndKeepsItsSize) {
+  Image source({0, 7});
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(imageResize(&source, 20, 20), nullptr);
+  EXPECT_EQ(occurrences(testing::internal::GetCapturedStderr(), "Invalid Image\n"), 1u);
+  EXPECT_EQ(source.size(), (Size{0, 7}));
+}
+
+TEST(ImageResize, AnInvalidSourceIsStillSetToScaleWithItsSize) {
+  Image source({0, 7});
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(imageResize(&source, 20, 20), nullptr);
+  testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(source.impl().scalesWhenResized);
+}
+
+TEST(ImageResize, LeavesTheSourceWithTheNewSize) {
+  Image source({100, 100});
+  const auto resized = imageResize(&source, 240, 240);
+  ASSERT_NE(resized, nullptr);
+  EXPECT_EQ(resized->size(), (Size{240, 240}));
+  EXPECT_EQ(source.size(), (Size{240, 240}));
+  EXPECT_TRUE(source.impl().scalesWhenResized);
+}
+
+TEST(ImageResize, MakesANewImageAndSaysNothing) {
+  Image source({20, 20});
+  testing::internal::CaptureStderr();
+  const auto resized = imageResize(&source, 20, 20);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_NE(resized.get(), &source);
+}
+
+TEST(ImageResize, FillsTheWholeOfTheNewImageWhateverItsProportions) {
+  for (const Size size : {Size{240, 240}, Size{420, 40}, Size{20, 17}, Size{7, 90}}) {
+    const auto resized = imageResize(halfRed(100).get(), size.width, size.height);
+    ASSERT_NE(resized, nullptr);
+    const QImage& pixels = resized->impl().forms.front();
+    const int right = pixels.width() - 1, bottom = pixels.height() - 1;
+    EXPECT_EQ(pixels.pixelColor(0, 0), QColor(Qt::red));
+    EXPECT_EQ(pixels.pixelColor(0, bottom), QColor(Qt::red));
+    EXPECT_EQ(pixels.pixelColor(right, 0).alpha(), 0);
+    EXPECT_EQ(pixels.pixelColor(right, bottom).alpha(), 0);
+  }
+}
+
+TEST(ImageResize, MixesPixelsByAreaWhenItShrinks) {
+  Image stripes({200, 200});
+  QImage& pixels = stripes.impl().forms.front();
+  for (int y = 0; y < pixels.height(); ++y) {
+    for (int x = 0; x < pixels.width(); ++x) pixels.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
+  }
+  const auto resized = imageResize(&stripes, 10, 10);
+  const QColor middle = resized->impl().forms.front().pixelColor(5, 5);
+  EXPECT_NEAR(middle.red(), 128, 6);
+}
+
+TEST(ImageResize, AStatusIconHoldsOnePixelForEachOfTheScreens) {
+  const double scale = qGuiApp->devicePixelRatio();
+  const auto source = platform::imageNamed("mount on.png");
+  const auto icon = imageResize(source.get(), 20, 20);
+  ASSERT_NE(icon, nullptr);
+  EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
+  // Drawn for just this grid, it comes through pixel by pixel.
+  EXPECT_EQ(icon->impl().forms.front(),
+            source->impl().formFor(20 * scale).convertToFormat(QImage::Format_ARGB32_Premultiplied));
+}
+
+TEST(ImageResize, AnImpossibleSizeGivesAnImageThatIsNotValid) {
+  const auto resized = imageResize(halfRed(10).get(), -1, 20);
+  ASSERT_NE(resized, nullptr);
+  EXPECT_FALSE(resized->isValid());
+}
+
+}  // namespace

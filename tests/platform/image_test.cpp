@@ -1,0 +1,104 @@
+#include "platform/image.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include <QGuiApplication>
+
+#include "platform/linux/image_impl.h"
+
+namespace platform {
+namespace {
+
+TEST(ImageNamed, MakesAFreshImageAtEachCall) {
+  const auto first = imageNamed("icon.png");
+  const auto second = imageNamed("icon.png");
+  ASSERT_NE(first, nullptr);
+  EXPECT_NE(first, second);
+  first->setSize({60, 60});
+  EXPECT_EQ(second->size(), (Size{512, 512}));
+}
+
+TEST(ImageNamed, MeasuresInPointsAndHoldsTheFormForFineScreens) {
+  const auto icon = imageNamed("mount on.png");
+  ASSERT_NE(icon, nullptr);
+  EXPECT_EQ(icon->size(), (Size{20, 20}));
+  EXPECT_EQ(icon->pixelSize(), (Size{40, 40}));
+}
+
+TEST(ImageNamed, IsNothingForAMissingPicture) {
+  EXPECT_EQ(imageNamed("no such picture.png"), nullptr);
+}
+
+TEST(ImageNamed, IsNothingForAFileThatIsNoPicture) {
+  EXPECT_EQ(imageNamed("../MacOS/image_test"), nullptr);
+}
+
+TEST(Image, HasAsManyPixelsAsTheScreenShowsForItsPoints) {
+  const double scale = qGuiApp->devicePixelRatio();
+  EXPECT_EQ(Image({20, 17}).pixelSize(), (Size{20 * scale, 17 * scale}));
+  EXPECT_EQ(Image({10.4, 3.2}).pixelSize(), (Size{std::ceil(10.4 * scale), std::ceil(3.2 * scale)}));
+}
+
+TEST(Image, IsTransparentAtFirst) {
+  const Image image({2, 2});
+  ASSERT_TRUE(image.isValid());
+  EXPECT_EQ(image.impl().forms.front().pixelColor(0, 0).alpha(), 0);
+}
+
+TEST(Image, IsInvalidWithoutAreaOrBeyondAllBounds) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const Size size :
+       {Size{0, 20}, Size{20, 0}, Size{-20, 20}, Size{nan, 20}, Size{1e6, 1e6}, Size{1e300, 1}}) {
+    const Image image(size);
+    EXPECT_FALSE(image.isValid()) << size.width << " by " << size.height;
+    EXPECT_EQ(image.pixelSize(), Size{});
+  }
+}
+
+TEST(ImageFocus, DrawsNothingIntoOrFromAnInvalidImage) {
+  Image nowhere({0, 0});
+  const Image source({4, 4});
+  ImageFocus(nowhere).draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+  EXPECT_FALSE(nowhere.isValid());
+
+  Image target({4, 4});
+  ImageFocus(target).draw(nowhere, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+  EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1).alpha(), 0);
+}
+
+TEST(ImageFocus, CountsFromTheLowerLeft) {
+  Image source({4, 4}), target({4, 4});
+  source.impl().forms.front().fill(Qt::red);
+  ImageFocus(target).draw(source, {0, 0}, {0, 0, 4, 1}, CompositingOperation::Copy, 1.0);
+  const QImage& pixels = target.impl().forms.front();
+  EXPECT_EQ(pixels.pixelColor(0, pixels.height() - 1), QColor(Qt::red));
+  EXPECT_EQ(pixels.pixelColor(0, 0).alpha(), 0);
+}
+
+TEST(ImageFocus, CopyReplacesWhatWasThereAndSourceOverCoversIt) {
+  Image clear({2, 2}), copied({2, 2}), covered({2, 2});
+  for (Image* image : {&copied, &covered}) image->impl().forms.front().fill(Qt::blue);
+  ImageFocus(copied).draw(clear, {0, 0}, {0, 0, 2, 2}, CompositingOperation::Copy, 1.0);
+  ImageFocus(covered).draw(clear, {0, 0}, {0, 0, 2, 2}, CompositingOperation::SourceOver, 1.0);
+  EXPECT_EQ(copied.impl().forms.front().pixelColor(0, 0).alpha(), 0);
+  EXPECT_EQ(covered.impl().forms.front().pixelColor(0, 0), QColor(Qt::blue));
+}
+
+TEST(ImageFocus, StretchesASourceOnlyWhenItScalesWithItsSize) {
+  for (const bool scales : {false, true}) {
+    Image source({2, 2}), target({4, 4});
+    source.impl().forms.front().fill(Qt::red);
+    source.setScalesWhenResized(scales);
+    source.setSize({4, 4});
+    ImageFocus(target).draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+    const QColor upperRight =
+        target.impl().forms.front().pixelColor(target.impl().forms.front().width() - 1, 0);
+    EXPECT_EQ(upperRight.alpha(), scales ? 255 : 0);
+  }
+}
+
+}  // namespace
+}  // namespace platform
