@@ -33,6 +33,7 @@ SyslogMessage messageOf(std::string_view datagram) {
 }  // namespace
 
 LogSocket::LogSocket(std::string path) : path_(std::move(path)) {
+  if (path_.empty()) return;
   FileDescriptor fd(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   const int on = 1;
   ::setsockopt(fd.get(), SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on);
