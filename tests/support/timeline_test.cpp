@@ -50,7 +50,7 @@ TEST_F(TimelineTest, RecordsAllSourcesInOrder) {
   Timeline timeline;
   ASSERT_TRUE(timeline.valid());
   shell(
-      "logger -p user.err before; printf %s -ton > /tmp/KMPIPE; launchctl unload -F 'a b';"
+      "logger -p user.err before; sleep 0.02; printf %s -ton > /tmp/KMPIPE; launchctl unload -F 'a b';"
       "printf %s -toff > /tmp/KMPIPE; killall Name; logger -p user.info after");
   timeline.add("added");
   EXPECT_THAT(timeline.texts(), ElementsAre("log 3: before", "pipe: -ton", "run: launchctl unload -F a b",
