@@ -26,8 +26,9 @@ std::uint8_t osCodeFor(std::string_view versionText) {
   const std::int64_t minor = parts.size() > 1 ? integerValue(parts[1]) : 0;
   if (major > 10) return newestCode;
   if (major < 10) return oldestCode;
-  return static_cast<std::uint8_t>(oldestCode +
-                                   std::clamp<std::int64_t>(minor - 9, 0, newestCode - oldestCode));
+  // Clamped before the 9 is taken off: a minor may be the least number there is.
+  const std::int64_t release = std::clamp<std::int64_t>(minor, 9, 9 + newestCode - oldestCode);
+  return static_cast<std::uint8_t>(oldestCode + (release - 9));
 }
 
 std::uint8_t GetOSVersion() {
