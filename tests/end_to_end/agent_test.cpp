@@ -1,0 +1,110 @@
+#include "tests/end_to_end/agent_test.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+using test_support::ChildOptions;
+using test_support::ChildProcess;
+using test_support::ExitStatus;
+using test_support::Redirection;
+
+namespace {
+
+constexpr const char* outsideCommands = "/tmp/outside commands";
+
+void placeRecorder(const std::string& place) {
+  fs::copy_file(TOVALIN_RECORDER, place, fs::copy_options::overwrite_existing);
+}
+
+}  // namespace
+
+void AgentTest::SetUp() {
+  fs::remove_all("/tmp/home/.local");
+  ASSERT_TRUE(timeline_.valid());
+  ASSERT_TRUE(bus_.start());
+  ASSERT_TRUE(display_.start());
+  fs::create_directories(outsideCommands);
+  placeRecorder(std::string(outsideCommands) + "/killall");
+  environment_ = {{"DISPLAY", display_.name()},
+                  {"DBUS_SESSION_BUS_ADDRESS", bus_.address()},
+                  {"PATH", std::string(outsideCommands) + ":" + std::getenv("PATH")}};
+}
+
+void AgentTest::install(const std::string& path, const std::string& program) {
+  bundle_ = path;
+  fs::remove_all(path);
+  fs::create_directories(fs::path(path).parent_path());
+  fs::copy(std::string(std::getenv("TOVALIN_BUNDLE_ROOT")) + "/Tovalin.app", path,
+           fs::copy_options::recursive);
+  if (!program.empty()) fs::copy_file(program, agentProgram(), fs::copy_options::overwrite_existing);
+  for (const char* helper : {"launchctl", "open", "osascript"})
+    placeRecorder(agentContents() + "/Helpers/" + helper);
+}
+
+void AgentTest::writeProperties(const Properties& properties) {
+  std::ofstream file(bundle_ + "/Contents/TovalinPorperty.plist");
+  const auto entry = [&](const char* key, std::optional<bool> value) {
+    if (value) file << "<key>" << key << "</key>" << (*value ? "<true/>" : "<false/>");
+  };
+  file << "<plist version=\"1.0\"><dict>";
+  entry("Autorun", properties.autorun);
+  entry("Active", properties.active);
+  file << "</dict></plist>";
+}
+
+void AgentTest::startAgent(const std::vector<std::string>& arguments) {
+  if (bundle_.empty()) install("/tmp/Applications/Tovalin.app");
+  std::vector<std::string> command{agentProgram()};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  ChildOptions options;
+  options.environment = environment_;
+  options.error = Redirection::pipe();
+  ASSERT_TRUE(agent_.start(command, options));
+}
+
+void AgentTest::launchAgent() {
+  startAgent();
+  ASSERT_TRUE(waitForText("pipe: -ton")) << agent_.takeErrorOutput();
+}
+
+void AgentTest::launchAgentInPanel() {
+  ASSERT_TRUE(host_.start(bus_));
+  launchAgent();
+  ASSERT_TRUE(host_.waitForEvent("registered")) << agent_.takeErrorOutput();
+}
+
+ExitStatus AgentTest::endOfAgent() {
+  const auto status = agent_.wait();
+  EXPECT_TRUE(status.has_value()) << "the agent is still there";
+  return status.value_or(ExitStatus{});
+}
+
+void AgentTest::terminateAgent() {
+  agent_.terminate();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();
+}
+
+int AgentTest::count(const std::string& beginning) {
+  return static_cast<int>(
+      std::ranges::count_if(texts(), [&](const std::string& text) { return text.starts_with(beginning); }));
+}
+
+std::size_t AgentTest::position(const std::string& beginning) {
+  const auto all = texts();
+  const auto found =
+      std::ranges::find_if(all, [&](const std::string& text) { return text.starts_with(beginning); });
+  EXPECT_NE(found, all.end()) << beginning << " is not on the time line: " << testing::PrintToString(all);
+  return static_cast<std::size_t>(found - all.begin());
+}
+
+std::string AgentTest::runOnDisplay(const std::vector<std::string>& command) {
+  ChildProcess tool;
+  ChildOptions options;
+  options.environment = environment_;
+  EXPECT_TRUE(tool.start(command, options));
+  EXPECT_EQ(tool.wait(), ExitStatus{.code = 0}) << command[0];
+  return tool.takeOutput();
+}

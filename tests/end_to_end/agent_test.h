@@ -1,0 +1,73 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/portal_double.h"
+#include "tests/support/session_bus.h"
+#include "tests/support/test_display.h"
+#include "tests/support/timeline.h"
+#include "tests/support/tray_host_double.h"
+
+// The real agent, in a copy of its bundle, on a display and a session bus of the test's own. What it does is
+// seen from outside: its messages, its log entries and the commands that it runs, on one time line.
+// launchctl, open, osascript and killall are programs that report to the time line.
+class AgentTest : public testing::Test {
+ protected:
+  void SetUp() override;
+
+  // What the property file of the main application says; nullopt leaves a key out.
+  struct Properties {
+    std::optional<bool> autorun = true;
+    std::optional<bool> active = true;
+  };
+
+  // Copies the built bundle to `path`. `program` takes the agent's place where it is given.
+  void install(const std::string& path, const std::string& program = {});
+  void writeProperties(const Properties& properties);
+
+  // Starts the installed agent, or at first one installed where it fits.
+  void startAgent(const std::vector<std::string>& arguments = {});
+  // ... and waits until it told the main application so.
+  void launchAgent();
+  // ... and until its icon is in the host's panel.
+  void launchAgentInPanel();
+  [[nodiscard]] test_support::ExitStatus endOfAgent();
+  // Sends SIGTERM and expects a proper end.
+  void terminateAgent();
+
+  [[nodiscard]] std::vector<std::string> texts() { return timeline_.texts(); }
+  // How many events begin so.
+  [[nodiscard]] int count(const std::string& beginning);
+  // Where in the time line the first such event stands; fails the test when there is none.
+  [[nodiscard]] std::size_t position(const std::string& beginning);
+  [[nodiscard]] bool waitForText(const std::string& beginning) {
+    return timeline_.waitFor(beginning).has_value();
+  }
+
+  [[nodiscard]] std::string agentContents() const {
+    return bundle_ + "/Contents/Resources/TovalinTray.app/Contents";
+  }
+  [[nodiscard]] std::string agentProgram() const { return agentContents() + "/MacOS/TovalinTray"; }
+
+  // Runs a tool of the desktop on the test's display and returns what it prints.
+  std::string runOnDisplay(const std::vector<std::string>& command);
+
+  test_support::SessionBus bus_;
+  test_support::TestDisplay display_;
+  test_support::TrayHostDouble host_;
+  test_support::PortalDouble portal_;
+  test_support::Timeline timeline_;
+  std::string bundle_;
+  std::map<std::string, std::optional<std::string>> environment_;
+  test_support::ChildProcess agent_;
+};
+
+inline constexpr const char* unloadRun =
+    "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";
+inline constexpr const char* killRun = "run: killall tovalinnotification";

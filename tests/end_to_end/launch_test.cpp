@@ -1,0 +1,261 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/end_to_end/agent_test.h"
+
+namespace {
+
+using test_support::ExitStatus;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Launch : public AgentTest {
+ protected:
+  void SetUp() override {
+    AgentTest::SetUp();
+    if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
+  }
+};
+
+TEST_F(Launch, TellsItsStateThenTheMainApplicationOnceInThisOrder) {
+  launchAgent();
+  EXPECT_THAT(texts(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
+                                   "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
+  terminateAgent();
+  EXPECT_EQ(count("pipe: "), 1);
+}
+
+TEST_F(Launch, AutorunOffUnloadsTheLaunchAgentOnceBetweenThePathAndTheState) {
+  writeProperties({.autorun = false});
+  launchAgent();
+  EXPECT_THAT(texts(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]", unloadRun,
+                                   "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
+}
+
+TEST_F(Launch, AReadableFileWithoutAutorunUnloadsTheLaunchAgentAndGoesOn) {
+  writeProperties({.autorun = std::nullopt});
+  launchAgent();
+  EXPECT_EQ(count(unloadRun), 1);
+}
+
+TEST_F(Launch, AFailingUnloadIsNotLookedAt) {
+  writeProperties({.autorun = false});
+  timeline_.setStatus("launchctl", 1);
+  launchAgent();
+  EXPECT_EQ(count(unloadRun), 1);
+}
+
+TEST_F(Launch, AnUnreadablePropertyFileUnloadsNothingAndMeansAutomountOn) {
+  std::filesystem::remove(bundle_ + "/Contents/TovalinPorperty.plist");
+  launchAgent();
+  EXPECT_THAT(texts(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
+                                   "log 3: GetProperty CFReadStreamOpen error",
+                                   "log 3: GetProperty CFReadStreamOpen error", "log 3: bActive : 1",
+                                   "log 3: Dark Mode : 0", "pipe: -ton"));
+}
+
+TEST_F(Launch, AutomountIsOffWhenTheFileSaysSoOrSaysNothing) {
+  for (const std::optional<bool> active : {std::optional<bool>(false), std::optional<bool>()}) {
+    timeline_.clear();
+    writeProperties({.active = active});
+    launchAgent();
+    EXPECT_EQ(count("log 3: bActive : 0"), 1);
+    terminateAgent();
+  }
+}
+
+TEST_F(Launch, ADarkDesktopIsSeenAtTheStart) {
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  launchAgent();
+  EXPECT_EQ(count("log 3: Dark Mode : 1"), 1);
+}
+
+TEST_F(Launch, WhateverElseTheDesktopSaysMeansLight) {
+  ASSERT_TRUE(portal_.start(bus_));
+  for (const char* value : {"0", "2", "17", "int 1", "string Dark", "bool true", "double 1", "list 1"}) {
+    timeline_.clear();
+    ASSERT_TRUE(portal_.setSilently(value));
+    launchAgent();
+    EXPECT_EQ(count("log 3: Dark Mode : 0"), 1) << value;
+    terminateAgent();
+  }
+}
+
+TEST_F(Launch, ADesktopThatDoesNotAnswerMeansLightAndHoldsNothingUp) {
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
+  launchAgent();
+  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
+}
+
+TEST_F(Launch, AnInfoListWithoutAVersionIsToldAndTheLaunchGoesOn) {
+  std::ofstream(agentContents() + "/Info.plist") << "damaged";
+  launchAgent();
+  EXPECT_EQ(position("log 3:  0etBundleVersion fail"), position("log 3: Dark Mode : 0") + 1);
+}
+
+TEST_F(Launch, NobodyListeningIsToldOnBothChannelsAndTheLaunchGoesOn) {
+  std::filesystem::remove("/tmp/KMPIPE");
+  startAgent();
+  EXPECT_EQ(agent_.readLine(), "open pipe failed. errno : 2");
+  EXPECT_TRUE(waitForText("log 3: open pipe failed. errno : 2"));
+  terminateAgent();
+  EXPECT_FALSE(std::filesystem::exists("/tmp/KMPIPE"));
+}
+
+TEST_F(Launch, MissingPicturesAreToldAndTheLaunchGoesOn) {
+  std::filesystem::remove_all(agentContents() + "/Resources");
+  launchAgent();
+  for (int i = 0; i < 4; ++i) EXPECT_THAT(agent_.readErrorLine().value_or(""), HasSubstr("] Invalid Image"));
+  terminateAgent();
+}
+
+TEST_F(Launch, WithoutASessionBusTheAgentStillRuns) {
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
+  launchAgent();
+  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
+  terminateAgent();
+}
+
+TEST_F(Launch, WithoutAHomeTheMissingFolderIsToldAndTheAgentRuns) {
+  environment_["HOME"] = std::nullopt;
+  launchAgent();
+  EXPECT_TRUE(waitForText("log 3: get dir fail!!"));
+  terminateAgent();
+}
+
+TEST_F(Launch, AReadOnlyDataFolderIsToldAndTheAgentRuns) {
+  environment_["XDG_DATA_HOME"] = "/proc/self";
+  launchAgent();
+  EXPECT_THAT(agent_.readErrorLine().value_or(""), HasSubstr("create file failed: "));
+  terminateAgent();
+}
+
+TEST_F(Launch, WithoutARuntimeFolderThePrivateOneOfTheUserServes) {
+  environment_["XDG_RUNTIME_DIR"] = std::nullopt;
+  writeProperties({.autorun = false});
+  launchAgent();
+  EXPECT_EQ(count(unloadRun), 1);
+  terminateAgent();
+}
+
+TEST_F(Launch, WithoutADisplayTheAgentSaysSoAndEnds) {
+  environment_["DISPLAY"] = ":4711";
+  startAgent();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("TovalinTray: cannot open the display \":4711\"\n"));
+  EXPECT_TRUE(waitForText("log 2: cannot open the display \":4711\""));
+}
+
+TEST_F(Launch, OutsideAMainApplicationsBundleTheAgentSaysSoAndEnds) {
+  std::filesystem::create_directories("/tmp/elsewhere/Contents/MacOS");
+  std::filesystem::copy_file(agentProgram(), "/tmp/elsewhere/Contents/MacOS/TovalinTray");
+  std::filesystem::copy_file(agentProgram(), "/tmp/TovalinTray");
+  for (const char* place : {"/tmp/elsewhere/Contents/MacOS/TovalinTray", "/tmp/TovalinTray"}) {
+    test_support::ChildOptions options;
+    options.environment = environment_;
+    options.error = test_support::Redirection::pipe();
+    ASSERT_TRUE(agent_.start({place}, options));
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+    EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("TovalinTray: not inside a main application's bundle"));
+  }
+  EXPECT_EQ(count("pipe: "), 0);
+}
+
+TEST_F(Launch, ASignalDuringTheLaunchIsServedAfterIt) {
+  writeProperties({.autorun = false});
+  timeline_.hold("launchctl");
+  startAgent();
+  ASSERT_TRUE(waitForText(unloadRun));
+  agent_.terminate();
+  timeline_.release("launchctl");
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_LT(position("pipe: -ton"), position(killRun));
+}
+
+TEST_F(Launch, TheServerOptionIsReadAndItsFileMade) {
+  std::filesystem::create_directories("/tmp/home/.local/share/Tovalin");
+  launchAgent();
+  terminateAgent();
+  std::ifstream file("/tmp/home/.local/share/Tovalin/TovalinServerOption.txt");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "1");
+}
+
+TEST_F(Launch, ABundlePathWithABlankWorksAndItsCommandsStandAsTheyAre) {
+  install("/tmp/My Applications/Tovalin.app", TOVALIN_AGENT_WITH_UPDATE_DUE);
+  launchAgent();
+  EXPECT_EQ(count("log 3: Tovalin working path [/tmp/My Applications/Tovalin.app]"), 1);
+  const auto run = timeline_.waitFor("run: open");
+  ASSERT_TRUE(run);
+  ASSERT_GE(run->arguments.size(), 3u);
+  EXPECT_EQ(run->arguments[1], "/tmp/My");
+  EXPECT_EQ(run->arguments[2], "Applications/Tovalin.app/Contents/Resources/tovalinnotification.app");
+}
+
+class UpdateDue : public AgentTest {};
+
+TEST_F(UpdateDue, TheNotificationHelperIsToldOnceBeforeTheMainApplication) {
+  install("/tmp/Applications/Tovalin.app", TOVALIN_AGENT_WITH_UPDATE_DUE);
+  launchAgent();
+  const auto run = timeline_.waitFor("run: open");
+  ASSERT_TRUE(run);
+  EXPECT_THAT(run->arguments,
+              ElementsAre("-a", "/tmp/Applications/Tovalin.app/Contents/Resources/tovalinnotification.app",
+                          "--args", "-title", "Tovalin Notification", "-subtitle", "New version available",
+                          "-message", "Do you want to install now?", "-closeLabel", "No", "-actions", "Yes",
+                          "-bundlepath", "/tmp/Applications/Tovalin.app", "-timeout", "10"));
+  EXPECT_EQ(count("run: open"), 1);
+  EXPECT_LT(position("run: open"), position("pipe: -ton"));
+}
+
+// A path of so many bytes to the main application's bundle.
+std::string pathOfLength(std::size_t length) {
+  const std::string start = "/tmp/", end = "/Tovalin.app";
+  std::string folders;
+  for (std::size_t left = length - start.size() - end.size(); left > 0;) {
+    const std::size_t piece = left > 202 ? 200 : left;
+    folders += std::string(piece, 'x');
+    left -= piece;
+    if (left > 0) {
+      folders += '/';
+      --left;
+    }
+  }
+  return start + folders + end;
+}
+
+TEST_F(UpdateDue, ABundlePathOf404BytesIsTold) {
+  install(pathOfLength(404), TOVALIN_AGENT_WITH_UPDATE_DUE);
+  ASSERT_EQ(bundle_.size(), 404u);
+  launchAgent();
+  EXPECT_EQ(count("run: open"), 1);
+}
+
+TEST_F(UpdateDue, ABundlePathOf405BytesEndsTheAgentWithAMessage) {
+  install(pathOfLength(405), TOVALIN_AGENT_WITH_UPDATE_DUE);
+  ASSERT_EQ(bundle_.size(), 405u);
+  startAgent();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_EQ(agent_.takeErrorOutput(),
+            "TovalinTray: the bundle's path is too long to tell of an update: " + bundle_ + "\n");
+  EXPECT_EQ(count("run: "), 0);
+  EXPECT_EQ(count("pipe: "), 0);
+}
+
+TEST_F(UpdateDue, APathOf405BytesIsNoMatterWhenNoUpdateIsDue) {
+  install(pathOfLength(405));
+  launchAgent();
+  EXPECT_EQ(count("log 3: Tovalin working path [" + bundle_ + "]"), 1);
+}
+
+TEST_F(UpdateDue, APathBeyondThePathBufferEndsTheAgentWithAMessage) {
+  install(pathOfLength(1024));
+  startAgent();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("TovalinTray: the bundle's path is too long: "));
+}
+
+}  // namespace
