@@ -2,6 +2,7 @@
 
 #include <QIcon>
 
+#include "platform/linux/fixed_size_icon.h"
 #include "platform/linux/image_impl.h"
 #include "platform/linux/menu_item_impl.h"
 
@@ -52,7 +53,7 @@ void MenuItem::setEnabled(bool enabled) {
 }
 
 void MenuItem::setImage(std::shared_ptr<Image> image) {
-  impl_->line.setIcon(image == nullptr ? QIcon() : QIcon(image->impl().pixmap()));
+  impl_->line.setIcon(image == nullptr ? QIcon() : fixedSizeIcon(image->impl().pixmap()));
 }
 
 void MenuItem::setView(std::unique_ptr<WebView> view) {

@@ -1,0 +1,254 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include <QImage>
+
+#include "tests/end_to_end/agent_test.h"
+
+namespace {
+
+using test_support::ExitStatus;
+using testing::ElementsAre;
+
+// The agent's icon and menu as a panel sees them over the bus.
+class Menu : public AgentTest {
+ protected:
+  void SetUp() override {
+    AgentTest::SetUp();
+    if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
+  }
+
+  // Whether the icon in the panel is, pixel by pixel, the picture of this name.
+  [[nodiscard]] bool showsIcon(const std::string& name) {
+    EXPECT_TRUE(host_.saveIcon("/tmp/icon.png", "20"));
+    const QImage shown = QImage("/tmp/icon.png").convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QImage wanted = QImage(QString::fromStdString(agentContents() + "/Resources/" + name + ".png"))
+                              .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    EXPECT_EQ(wanted.size(), QSize(20, 20));
+    return shown == wanted;
+  }
+
+  [[nodiscard]] bool comesToShowIcon(const std::string& name) {
+    return test_support::waitUntil([&] { return showsIcon(name); });
+  }
+
+  [[nodiscard]] std::vector<std::string> visibleLabels() {
+    std::vector<std::string> labels;
+    for (const auto& item : host_.menu()) {
+      if (item.visible) labels.push_back(item.separator ? "--" : item.label);
+    }
+    return labels;
+  }
+
+  void clickAndWait(const std::string& label) {
+    ASSERT_TRUE(host_.click(label));
+    ASSERT_TRUE(host_.waitForEvent("clicked " + label));
+  }
+};
+
+TEST_F(Menu, HasItsElevenLinesAndNoRoomForTheTwelfth) {
+  launchAgentInPanel();
+  EXPECT_THAT(visibleLabels(),
+              ElementsAre("Automount Off", "--", "Like us on Facebook", "Share Tovalin on Facebook",
+                          "Share Tovalin on Twitter", "--", "Visit our website now", "Review Tovalin",
+                          "Support Tovalin", "--", "Quit Tovalin"));
+}
+
+TEST_F(Menu, ItsTitleNamesWhatAClickWillDo) {
+  writeProperties({.active = false});
+  launchAgentInPanel();
+  EXPECT_EQ(visibleLabels().front(), "Automount On");
+}
+
+TEST_F(Menu, SwitchSupportAndQuitCanBeChosen) {
+  launchAgentInPanel();
+  for (const auto& item : host_.menu()) {
+    if (item.label == "Automount Off" || item.label == "Support Tovalin" || item.label == "Quit Tovalin") {
+      EXPECT_TRUE(item.enabled) << item.label;
+    }
+  }
+}
+
+TEST_F(Menu, TheIconFollowsTheStateInALightPanel) {
+  launchAgentInPanel();
+  EXPECT_TRUE(showsIcon("mount on"));
+  terminateAgent();
+  writeProperties({.active = false});
+  launchAgent();
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+  EXPECT_TRUE(comesToShowIcon("mount off"));
+}
+
+TEST_F(Menu, TheIconFollowsTheStateInADarkPanel) {
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  launchAgentInPanel();
+  EXPECT_TRUE(showsIcon("mount on reverse"));
+  EXPECT_EQ(visibleLabels().front(), "Automount Off");
+  terminateAgent();
+  writeProperties({.active = false});
+  launchAgent();
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+  EXPECT_TRUE(comesToShowIcon("mount off reverse"));
+}
+
+TEST_F(Menu, AppearanceChangesFlipTheIconAndFlipItBack) {
+  ASSERT_TRUE(portal_.start(bus_, "0"));
+  launchAgentInPanel();
+  ASSERT_TRUE(portal_.set("1"));
+  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
+  ASSERT_TRUE(portal_.set("2"));
+  EXPECT_TRUE(comesToShowIcon("mount on"));
+}
+
+TEST_F(Menu, ChangesThatAreNotBetweenDarkAndLightFlipNothing) {
+  ASSERT_TRUE(portal_.start(bus_, "0"));
+  launchAgentInPanel();
+  for (const char* value : {"2", "0", "17", "string Dark"}) ASSERT_TRUE(portal_.set(value));
+  ASSERT_TRUE(portal_.tellUnrelatedChange());
+  ASSERT_TRUE(portal_.set("1"));
+  // Had any of them flipped the icon, this change would have flipped it back.
+  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
+}
+
+TEST_F(Menu, APortalThatComesLateIsHeard) {
+  launchAgentInPanel();
+  ASSERT_TRUE(portal_.start(bus_, "0"));
+  ASSERT_TRUE(portal_.set("1"));
+  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
+}
+
+TEST_F(Menu, TwoClicksOnTheSwitchSendOffThenOnAndChangeTitleAndIcon) {
+  launchAgentInPanel();
+  clickAndWait("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_TRUE(comesToShowIcon("mount off"));
+  EXPECT_EQ(visibleLabels().front(), "Automount On");
+  clickAndWait("Automount On");
+  ASSERT_TRUE(waitForText("pipe: -m"));
+  EXPECT_TRUE(comesToShowIcon("mount on"));
+  EXPECT_EQ(visibleLabels().front(), "Automount Off");
+}
+
+TEST_F(Menu, AFlipOfTheAppearanceKeepsTheSwitchedStateAndTheOtherWayRound) {
+  ASSERT_TRUE(portal_.start(bus_, "0"));
+  launchAgentInPanel();
+  clickAndWait("Automount Off");
+  ASSERT_TRUE(portal_.set("1"));
+  EXPECT_TRUE(comesToShowIcon("mount off reverse"));
+  clickAndWait("Automount On");
+  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
+}
+
+TEST_F(Menu, ClicksDuringThePauseAreServedAfterItInOrder) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.click("Automount Off"));
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  // The main thread sleeps now; the panel still shows the menu as it was.
+  ASSERT_TRUE(host_.clickKnown("Automount Off"));
+  ASSERT_TRUE(host_.clickKnown("Automount Off"));
+  ASSERT_TRUE(host_.clickKnown("Quit Tovalin"));
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+
+  std::vector<test_support::TimelineEvent> messages;
+  for (const auto& event : timeline_.events()) {
+    if (event.text.starts_with("pipe: ")) messages.push_back(event);
+  }
+  ASSERT_EQ(messages.size(), 5u);
+  EXPECT_EQ(messages[1].text, "pipe: -u");
+  EXPECT_EQ(messages[2].text, "pipe: -m");
+  EXPECT_EQ(messages[3].text, "pipe: -u");
+  EXPECT_EQ(messages[4].text, "pipe: -toff");
+  for (int i = 2; i <= 4; ++i) {
+    // The pause is two seconds; what stands between two messages can't be less, however slow the machine.
+    EXPECT_GE(messages[i].time - messages[i - 1].time, std::chrono::milliseconds(1900)) << i;
+  }
+}
+
+TEST_F(Menu, TheSwitchWorksWithNobodyListening) {
+  std::filesystem::remove("/tmp/KMPIPE");
+  ASSERT_TRUE(host_.start(bus_));
+  startAgent();
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+  clickAndWait("Automount Off");
+  EXPECT_TRUE(comesToShowIcon("mount off"));
+}
+
+TEST_F(Menu, WithoutAnUpdateSupportHasNoBadge) {
+  launchAgentInPanel();
+  for (const auto& item : host_.menu()) EXPECT_EQ(item.iconSize, "0x0") << item.label;
+}
+
+TEST_F(Menu, WithAnUpdateSupportWearsTheBadge) {
+  install("/tmp/Applications/Tovalin.app", TOVALIN_AGENT_WITH_UPDATE_DUE);
+  launchAgentInPanel();
+  for (const auto& item : host_.menu()) {
+    EXPECT_EQ(item.iconSize, item.label == "Support Tovalin" ? "20x17" : "0x0") << item.label;
+  }
+  ASSERT_TRUE(host_.saveMenuIcon("Support Tovalin", "/tmp/badge.png"));
+  const QImage wanted(QString::fromStdString(agentContents() + "/Resources/n.png"));
+  EXPECT_EQ(QImage("/tmp/badge.png").convertToFormat(QImage::Format_ARGB32_Premultiplied),
+            wanted.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+}
+
+TEST_F(Menu, QuitEndsEverythingInItsOrder) {
+  launchAgentInPanel();
+  timeline_.clear();
+  ASSERT_TRUE(host_.click("Quit Tovalin"));
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_THAT(texts(), ElementsAre(killRun, "pipe: -toff", unloadRun, killRun));
+  EXPECT_TRUE(host_.waitForEvent("unregistered"));
+}
+
+TEST_F(Menu, QuitWaitsASecondBetweenItsMessageAndTheUnload) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.click("Quit Tovalin"));
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  const auto events = timeline_.events();
+  EXPECT_GE(events[position(unloadRun)].time - events[position("pipe: -toff")].time,
+            std::chrono::milliseconds(950));
+}
+
+TEST_F(Menu, QuitGoesOnWhenItsCommandsFail) {
+  launchAgentInPanel();
+  timeline_.setStatus("killall", 1);
+  timeline_.setStatus("launchctl", 1);
+  ASSERT_TRUE(host_.click("Quit Tovalin"));
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_EQ(count("pipe: -toff"), 1);
+}
+
+TEST_F(Menu, QuitUnloadsAlsoWhenTheBundleIsGone) {
+  launchAgentInPanel();
+  std::filesystem::remove_all(bundle_);
+  ASSERT_TRUE(host_.click("Quit Tovalin"));
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_EQ(count(unloadRun), 1);
+}
+
+TEST_F(Menu, OutsideCommandsFindTheHelpersFirst) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.click("Quit Tovalin"));
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  const auto run = timeline_.waitFor(unloadRun);
+  ASSERT_TRUE(run);
+  EXPECT_TRUE(run->searchPath.starts_with("/tmp/runtime/TovalinTray/helpers:")) << run->searchPath;
+  EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers"));
+}
+
+TEST_F(Menu, MissingPicturesGiveNoIconAndTheMenuStillOpens) {
+  std::filesystem::remove_all(agentContents() + "/Resources");
+  ASSERT_TRUE(host_.start(bus_));
+  launchAgent();
+  // A second start is the way to the menu of an agent without an icon.
+  test_support::ChildProcess second;
+  test_support::ChildOptions options;
+  options.environment = environment_;
+  ASSERT_TRUE(second.start({agentProgram()}, options));
+  EXPECT_EQ(second.wait(), ExitStatus{.code = 0});
+  EXPECT_NE(runOnDisplay({"xdotool", "search", "--sync", "--onlyvisible", "--class", "TovalinTray"}), "");
+  EXPECT_TRUE(host_.items().empty());
+}
+
+}  // namespace
