@@ -1,0 +1,185 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/end_to_end/agent_test.h"
+#include "tests/support/x_windows.h"
+
+namespace {
+
+using test_support::ChildOptions;
+using test_support::ChildProcess;
+using test_support::ExitStatus;
+using test_support::Redirection;
+using test_support::XWindow;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+bool isMenu(const XWindow& window) {
+  return window.className == "TovalinTray" && window.width > 100;
+}
+
+class Process : public AgentTest {
+ protected:
+  // A start of the installed agent beside the one that runs.
+  ExitStatus startAnother(const std::vector<std::string>& arguments = {}) {
+    std::vector<std::string> command{agentProgram()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    ChildOptions options;
+    options.environment = environment_;
+    options.error = Redirection::pipe();
+    EXPECT_TRUE(another_.start(command, options));
+    return another_.wait().value_or(ExitStatus{});
+  }
+
+  ChildProcess another_;
+};
+
+TEST_F(Process, EachOfTheThreeSignalsEndsTheAgentProperly) {
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+    timeline_.clear();
+    launchAgent();
+    agent_.signal(number);
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << "signal " << number;
+    EXPECT_EQ(texts().back(), killRun);
+    EXPECT_EQ(count("pipe: -toff"), 0);
+    EXPECT_EQ(count(unloadRun), 0);
+  }
+}
+
+TEST_F(Process, ASignalDuringThePauseIsServedAfterIt) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.click("Automount Off"));
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  terminateAgent();
+  EXPECT_EQ(count(killRun), 1);
+}
+
+TEST_F(Process, ASecondSignalDuringTheEndChangesNothing) {
+  launchAgent();
+  timeline_.hold("killall");
+  agent_.terminate();
+  ASSERT_TRUE(waitForText(killRun));
+  agent_.terminate();
+  timeline_.release("killall");
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_EQ(count(killRun), 1);
+}
+
+TEST_F(Process, TheLossOfTheDisplayRunsTheProperEnd) {
+  launchAgent();
+  display_.stop();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_EQ(count(killRun), 1);
+}
+
+TEST_F(Process, TheLossOfTheDisplayWithTheIconInAPanelRunsTheProperEnd) {
+  launchAgentInPanel();
+  display_.stop();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_EQ(count(killRun), 1);
+  EXPECT_TRUE(host_.waitForEvent("unregistered"));
+}
+
+TEST_F(Process, TheLossOfTheBusEndsNothing) {
+  launchAgentInPanel();
+  bus_.stop();
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  terminateAgent();
+}
+
+TEST_F(Process, ASecondStartOpensTheMenuOfTheFirstAndEndsWithZero) {
+  launchAgent();
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+  EXPECT_EQ(count("pipe: -ton"), 1);
+  EXPECT_TRUE(agent_.running());
+}
+
+TEST_F(Process, ASecondStartDuringTheLaunchOpensTheMenuAfterIt) {
+  install("/tmp/Applications/Tovalin.app");
+  writeProperties({.autorun = false});
+  timeline_.hold("launchctl");
+  startAgent();
+  ASSERT_TRUE(waitForText(unloadRun));
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  timeline_.release("launchctl");
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+}
+
+TEST_F(Process, ASecondStartNeedsNoDisplayAndNoBus) {
+  launchAgent();
+  environment_["DISPLAY"] = std::nullopt;
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  EXPECT_TRUE(agent_.running());
+}
+
+TEST_F(Process, AfterACrashTheNextStartRuns) {
+  launchAgent();
+  agent_.kill();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.signal = SIGKILL});
+  timeline_.clear();
+  launchAgent();
+}
+
+TEST_F(Process, AQuittingAgentHoldsNoLockAnyLonger) {
+  launchAgent();
+  terminateAgent();
+  timeline_.clear();
+  launchAgent();
+}
+
+TEST_F(Process, HelpAndVersionPrintAndEndWithoutADisplay) {
+  install("/tmp/Applications/Tovalin.app");
+  environment_["DISPLAY"] = std::nullopt;
+  EXPECT_EQ(startAnother({"--help"}), ExitStatus{.code = 0});
+  EXPECT_THAT(another_.takeOutput(), StartsWith("Usage: TovalinTray [--help | --version]\n"));
+  EXPECT_EQ(startAnother({"--version"}), ExitStatus{.code = 0});
+  EXPECT_EQ(another_.takeOutput(), "TovalinTray 1.0.0\n");
+}
+
+TEST_F(Process, AnyOtherArgumentIsRefused) {
+  install("/tmp/Applications/Tovalin.app");
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--verbose"},
+                                                    {"file"},
+                                                    {"--help", "--version"},
+                                                    {"-platform", "offscreen"},
+                                                    {""}}) {
+    EXPECT_EQ(startAnother(arguments), ExitStatus{.code = 2});
+    EXPECT_THAT(another_.takeErrorOutput(), StartsWith("TovalinTray: unexpected argument \""));
+    EXPECT_EQ(another_.takeOutput(), "");
+  }
+  EXPECT_TRUE(texts().empty());
+}
+
+TEST_F(Process, WhatItSaysOnStandardOutputComesLineByLine) {
+  install("/tmp/Applications/Tovalin.app");
+  std::filesystem::remove("/tmp/KMPIPE");
+  startAgent();
+  EXPECT_EQ(agent_.readLine(), "open pipe failed. errno : 2");
+  EXPECT_TRUE(agent_.running());
+}
+
+TEST_F(Process, ItKeepsNoDescriptorOfItsStarterAndGivesNoneToItsCommands) {
+  launchAgent();
+  std::vector<std::string> open;
+  for (const auto& entry :
+       std::filesystem::directory_iterator("/proc/" + std::to_string(agent_.pid()) + "/fd")) {
+    if (std::stoi(entry.path().filename()) <= 2) continue;
+    std::ifstream info("/proc/" + std::to_string(agent_.pid()) + "/fdinfo/" +
+                       entry.path().filename().string());
+    for (std::string line; std::getline(info, line);) {
+      if (!line.starts_with("flags:")) continue;
+      const long flags = std::stol(line.substr(6), nullptr, 8);
+      if ((flags & O_CLOEXEC) == 0) open.push_back(std::filesystem::read_symlink(entry.path()));
+    }
+  }
+  EXPECT_THAT(open, ElementsAre());
+}
+
+}  // namespace

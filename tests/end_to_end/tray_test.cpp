@@ -1,0 +1,161 @@
+#include <gmock/gmock.h>
+
+#include "tests/end_to_end/agent_test.h"
+#include "tests/support/x_windows.h"
+
+namespace {
+
+using test_support::ChildOptions;
+using test_support::ChildProcess;
+using test_support::ExitStatus;
+using test_support::Redirection;
+using test_support::XWindow;
+
+bool isAgents(const XWindow& window) {
+  return window.className == "TovalinTray";
+}
+bool isMenu(const XWindow& window) {
+  return isAgents(window) && window.width > 100;
+}
+bool isIcon(const XWindow& window) {
+  return isAgents(window) && !isMenu(window) && window.width >= 20;
+}
+
+// The agent in a real tray of the X screen.
+class XTray : public AgentTest {
+ protected:
+  void startTray() {
+    ChildOptions options;
+    options.environment = environment_;
+    options.error = Redirection::null();
+    ASSERT_TRUE(
+        tray_.start({"trayer", "--edge", "bottom", "--SetDockType", "true", "--height", "28"}, options));
+  }
+
+  [[nodiscard]] std::optional<XWindow> dockedIcon() {
+    return test_support::waitForWindow(display_.name(), isIcon);
+  }
+
+  void clickIcon(const char* button) {
+    const auto icon = dockedIcon();
+    ASSERT_TRUE(icon);
+    runOnDisplay({"xdotool", "mousemove", std::to_string(icon->x + icon->width / 2),
+                  std::to_string(icon->y + icon->height / 2), "click", button});
+  }
+
+  ChildProcess tray_;
+};
+
+TEST_F(XTray, DocksItsIcon) {
+  startTray();
+  launchAgent();
+  const auto icon = dockedIcon();
+  ASSERT_TRUE(icon);
+  EXPECT_GE(icon->y, 800 - 28);
+}
+
+TEST_F(XTray, DocksInATrayThatStartsAfterTheAgent) {
+  launchAgent();
+  EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(200)));
+  startTray();
+  EXPECT_TRUE(dockedIcon());
+}
+
+TEST_F(XTray, DocksAgainInATrayThatIsStartedAgain) {
+  startTray();
+  launchAgent();
+  ASSERT_TRUE(dockedIcon());
+  tray_.kill();
+  ASSERT_TRUE(tray_.wait());
+  ASSERT_TRUE(test_support::waitForNoWindow(display_.name(), isIcon));
+  startTray();
+  EXPECT_TRUE(dockedIcon());
+  EXPECT_TRUE(agent_.running());
+}
+
+TEST_F(XTray, BothButtonsOpenTheMenu) {
+  startTray();
+  launchAgent();
+  for (const char* button : {"1", "3"}) {
+    clickIcon(button);
+    EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu)) << "button " << button;
+    runOnDisplay({"xdotool", "key", "Escape"});
+    EXPECT_TRUE(test_support::waitForNoWindow(display_.name(), isMenu)) << "button " << button;
+  }
+}
+
+TEST_F(XTray, TheFirstLineSwitches) {
+  startTray();
+  launchAgent();
+  clickIcon("1");
+  ASSERT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+  runOnDisplay({"xdotool", "key", "Down", "Return"});
+  EXPECT_TRUE(waitForText("pipe: -u"));
+}
+
+// A line below it would be where the selection goes upwards from the first.
+TEST_F(XTray, QuitIsTheLastLineAndEndsTheAgent) {
+  startTray();
+  launchAgent();
+  clickIcon("3");
+  ASSERT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+  runOnDisplay({"xdotool", "key", "Up", "Return"});
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_EQ(count("pipe: -toff"), 1);
+  EXPECT_TRUE(test_support::waitForNoWindow(display_.name(), isAgents));
+}
+
+// The panel's tray: hosts on the bus come late, go and come back.
+class PanelTray : public AgentTest {};
+
+TEST_F(PanelTray, DocksInAHostThatStartsAfterTheAgent) {
+  launchAgent();
+  ASSERT_TRUE(host_.start(bus_));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+}
+
+TEST_F(PanelTray, DocksOnceAHostIsThereAndNotBefore) {
+  ASSERT_TRUE(host_.start(bus_));
+  ASSERT_TRUE(host_.setHostRegistered(false));
+  launchAgent();
+  EXPECT_FALSE(host_.waitForEvent("registered", std::chrono::milliseconds(300)));
+  ASSERT_TRUE(host_.setHostRegistered(true));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+}
+
+TEST_F(PanelTray, DocksAgainInAHostThatIsStartedAgain) {
+  launchAgentInPanel();
+  host_.process().kill();
+  ASSERT_TRUE(host_.process().wait());
+  ASSERT_TRUE(host_.start(bus_));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+  EXPECT_EQ(host_.menu().front().label, "Automount Off");
+}
+
+TEST_F(PanelTray, ALeftClickOpensTheMenuToo) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.activate(10, 10));
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+}
+
+TEST_F(PanelTray, AHostOnTheBusIsPreferredToATrayOfTheScreen) {
+  ChildProcess tray;
+  ChildOptions options;
+  options.environment = environment_;
+  options.error = Redirection::null();
+  ASSERT_TRUE(tray.start({"trayer", "--edge", "bottom"}, options));
+  ASSERT_TRUE(test_support::waitForWindow(display_.name(), test_support::windowNamed("panel")));
+  launchAgentInPanel();
+  EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(300)));
+}
+
+TEST_F(PanelTray, TheIconTellsTheProgramsNames) {
+  launchAgentInPanel();
+  auto properties = host_.properties();
+  EXPECT_EQ(properties["Id"], "TovalinTray");
+  EXPECT_EQ(properties["Title"], "TovalinTray");
+  EXPECT_EQ(properties["ToolTip"], "Tovalin");
+  EXPECT_EQ(properties["Status"], "Active");
+}
+
+}  // namespace
