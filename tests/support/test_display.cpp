@@ -1,8 +1,8 @@
 #include "tests/support/test_display.h"
 
-#include <filesystem>
 #include <utility>
 
+#include "tests/support/window_manager.h"
 #include "tests/support/x_connection.h"
 
 namespace test_support {
@@ -63,12 +63,7 @@ bool TestDisplay::divide(const std::vector<Monitor>& monitors) const {
 bool TestDisplay::startWindowManager() {
   const ChildOptions options{
       .environment = {{"DISPLAY", name_}}, .output = Redirection::null(), .error = Redirection::null()};
-  // It names itself on the display before it is ready to give a new window the focus; its start-up command
-  // comes after that.
-  const std::string sign = "/tmp/window-manager-of-display-" + name_.substr(1);
-  if (!windowManager_.start({"openbox", "--sm-disable", "--startup", "touch " + sign}, options)) return false;
-  return waitUntil([&] { return std::filesystem::exists(sign) || !windowManager_.running(); }) &&
-         windowManager_.running();
+  return windowManager_.start({"openbox", "--sm-disable"}, options) && waitForWindowManager(name_);
 }
 
 void TestDisplay::stop() {
