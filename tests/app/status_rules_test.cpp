@@ -1,0 +1,34 @@
+#include "app/status_rules.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+constexpr std::uint32_t kGreatest = std::numeric_limits<std::uint32_t>::max();
+
+TEST(StatusIcon, FollowsAutomountAndThePanel) {
+  EXPECT_EQ(statusIconFor(1, false), StatusIcon::On);
+  EXPECT_EQ(statusIconFor(1, true), StatusIcon::OnReverse);
+  EXPECT_EQ(statusIconFor(0, false), StatusIcon::Off);
+  EXPECT_EQ(statusIconFor(0, true), StatusIcon::OffReverse);
+}
+
+TEST(StatusIcon, EveryNumberButZeroIsOn) {
+  EXPECT_EQ(statusIconFor(2, false), StatusIcon::On);
+  EXPECT_EQ(statusIconFor(256, true), StatusIcon::OnReverse);
+  EXPECT_EQ(statusIconFor(kGreatest, false), StatusIcon::On);
+}
+
+TEST(SwitchTitle, NamesWhatAClickWillDo) {
+  EXPECT_STREQ(switchTitleFor(1), "Automount Off");
+  EXPECT_STREQ(switchTitleFor(0), "Automount On");
+}
+
+TEST(SwitchTitle, EveryNumberButZeroIsOn) {
+  EXPECT_STREQ(switchTitleFor(256), "Automount Off");
+  EXPECT_STREQ(switchTitleFor(kGreatest), "Automount Off");
+}
+
+}  // namespace
