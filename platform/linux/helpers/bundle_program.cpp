@@ -1,0 +1,63 @@
+#include "platform/linux/helpers/bundle_program.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <vector>
+
+#include "platform/linux/helpers/open_request.h"
+
+namespace helpers {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string withoutTrailingSlashes(const std::string& path) {
+  return path.substr(0, path.find_last_not_of('/') + 1);
+}
+
+// By the kernel's measure for protected_symlinks: see proc(5).
+bool isPlanted(const fs::path& bundle) {
+  const fs::path folder = bundle.has_parent_path() ? bundle.parent_path() : fs::path(".");
+  struct stat around {};
+  struct stat itself {};
+  if (::stat(folder.c_str(), &around) != 0 || ::lstat(bundle.c_str(), &itself) != 0) return false;
+  constexpr mode_t kShared = S_ISVTX | S_IWOTH;
+  return (around.st_mode & kShared) == kShared && itself.st_uid != ::geteuid() &&
+         itself.st_uid != around.st_uid;
+}
+
+bool isFile(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_regular_file(path, ignored);
+}
+
+std::vector<fs::path> executablesIn(const fs::path& folder) {
+  std::vector<fs::path> found;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    if (isFile(entry->path()) && ::access(entry->path().c_str(), X_OK) == 0) found.push_back(entry->path());
+  }
+  return found;
+}
+
+}  // namespace
+
+BundleProgram findBundleProgram(const std::string& bundle) {
+  const fs::path root = withoutTrailingSlashes(bundle);
+  std::error_code ignored;
+  if (!fs::is_directory(root, ignored)) return {{}, "there is no bundle at " + root.string()};
+  if (isPlanted(root)) return {{}, root.string() + " belongs to another user"};
+
+  const fs::path folder = root / "Contents/MacOS";
+  if (const fs::path program = folder / bundleName(bundle); isFile(program)) return {program, {}};
+
+  const std::vector<fs::path> programs = executablesIn(folder);
+  if (programs.empty()) return {{}, "there is no program in " + folder.string()};
+  if (programs.size() > 1) return {{}, "there is more than one program in " + folder.string()};
+  return {programs.front(), {}};
+}
+
+}  // namespace helpers

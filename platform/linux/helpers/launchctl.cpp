@@ -1,0 +1,50 @@
+#include <poll.h>
+#include <signal.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <variant>
+
+#include "platform/linux/helpers/helper_program.h"
+#include "platform/linux/helpers/unload_request.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr char kUsage[] =
+    "Usage: launchctl unload [-w] [-F] /Library/LaunchAgents/LABEL.plist\n"
+    "\n"
+    "Asks the program that the session has started from the autostart entry LABEL.desktop to end.\n"
+    "Does nothing, and succeeds, when there is no such program. The options are taken and ignored.\n";
+
+constexpr std::chrono::milliseconds kPatience = 2s;
+
+bool outlasts(pid_t child, std::chrono::milliseconds limit) {
+  // By number: the header of Debian 12 declares pidfd_open with C++ linkage.
+  pollfd end{static_cast<int>(::syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
+  return end.fd >= 0 && ::poll(&end, 1, static_cast<int>(limit.count())) == 0;
+}
+
+// Only the main process: its control group also holds the browser and the web view that it has started.
+void signalMainProcess(const std::string& unit) {
+  const helpers::Child child = helpers::startDetached(
+      {"systemctl", "--user", "kill", "--kill-whom=main", "-s", "TERM", unit}, helpers::Output::kDiscarded);
+  if (child.error != 0) return;
+  if (outlasts(child.pid, kPatience)) ::kill(-child.pid, SIGKILL);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  helpers::takeUsersEnvironment();
+  const auto request = helpers::parseUnloadRequest({argv + 1, argv + argc});
+  if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(kUsage);
+  if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
+    return helpers::refuse("launchctl", refusal->reason);
+  }
+  signalMainProcess(helpers::autostartUnit(std::get<helpers::UnloadRequest>(request).label));
+  return helpers::kDone;
+}

@@ -1,0 +1,65 @@
+#include "platform/linux/helpers/unload_request.h"
+
+#include <algorithm>
+
+namespace helpers {
+namespace {
+
+constexpr std::string_view kFolder = "/Library/LaunchAgents/";
+constexpr std::string_view kSuffix = ".plist";
+
+bool isUnloadOption(const std::string& argument) {
+  return argument == "-w" || argument == "-F";
+}
+
+// The LABEL of /Library/LaunchAgents/LABEL.plist; empty for any other path.
+std::string labelOf(std::string_view path) {
+  if (!path.starts_with(kFolder) || !path.ends_with(kSuffix)) return {};
+  path.remove_prefix(kFolder.size());
+  if (path.size() <= kSuffix.size() || path.find('/') != std::string_view::npos) return {};
+  path.remove_suffix(kSuffix.size());
+  return std::string(path);
+}
+
+bool standsForItself(char character) {
+  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+         (character >= '0' && character <= '9') || character == ':' || character == '_' || character == '.';
+}
+
+std::string escaped(char character) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  const auto byte = static_cast<unsigned char>(character);
+  return {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+}
+
+// As systemd-escape(1) does it; a label holds no slash.
+std::string escapeForUnitName(std::string_view label) {
+  std::string name;
+  for (const char character : label) {
+    const bool leadingDot = character == '.' && name.empty();
+    name += standsForItself(character) && !leadingDot ? std::string(1, character) : escaped(character);
+  }
+  return name;
+}
+
+}  // namespace
+
+std::variant<ShowUsage, Refusal, UnloadRequest> parseUnloadRequest(const Arguments& arguments) {
+  if (arguments.empty()) return Refusal{"a subcommand is missing"};
+  if (arguments[0] == "--help") return ShowUsage{};
+  if (arguments[0] != "unload") return Refusal{"unknown subcommand \"" + arguments[0] + "\""};
+
+  const auto path = std::find_if_not(arguments.begin() + 1, arguments.end(), isUnloadOption);
+  if (path == arguments.end()) return Refusal{"unload: the launch agent's property list is missing"};
+  if (path + 1 != arguments.end()) return Refusal{"unload: too much is \"" + *(path + 1) + "\""};
+
+  std::string label = labelOf(*path);
+  if (label.empty()) return Refusal{"unload: \"" + *path + "\" is no launch agent's property list"};
+  return UnloadRequest{std::move(label)};
+}
+
+std::string autostartUnit(std::string_view label) {
+  return "app-" + escapeForUnitName(label) + "@autostart.service";
+}
+
+}  // namespace helpers

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "platform/linux/helpers/helper_program.h"
+
+namespace helpers {
+
+// `unload` of the launch agent with this label.
+struct UnloadRequest {
+  std::string label;
+};
+
+[[nodiscard]] std::variant<ShowUsage, Refusal, UnloadRequest> parseUnloadRequest(const Arguments& arguments);
+
+// The user unit that systemd makes from the autostart entry LABEL.desktop:
+// systemd-xdg-autostart-generator(8).
+[[nodiscard]] std::string autostartUnit(std::string_view label);
+
+}  // namespace helpers
