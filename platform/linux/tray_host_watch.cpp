@@ -77,7 +77,7 @@ void TrayHostWatch::askScreen() {
   const XReply<xcb_get_selection_owner_reply_t> owner(
       xcb_get_selection_owner_reply(connection, cookie, nullptr), std::free);
   if (owner == nullptr || owner->owner == XCB_WINDOW_NONE) return;
-  // After the answers of the bus that are already under way: a host there is the better one.
+  // The toolkit itself looks for a host on the bus first, and prefers it.
   QMetaObject::invokeMethod(
       this, [this] { report(); }, Qt::QueuedConnection);
 }
