@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include <QGuiApplication>
 #include <QWidget>
 
 #include "app/globals.h"
@@ -101,8 +102,10 @@ TEST_F(ClickableImageView, AReleaseOutsideOrOfAnotherButtonIsNoClick) {
   pointAt(110, 60);
   xdotool({"click", "3"});
   xdotool({"mousedown", "1"});
+  ASSERT_TRUE(serveEventsUntil([] { return QGuiApplication::mouseButtons() == Qt::LeftButton; }));
   pointAt(20, 20);
   xdotool({"mouseup", "1"});
+  ASSERT_TRUE(serveEventsUntil([] { return QGuiApplication::mouseButtons() == Qt::NoButton; }));
   pointAt(110, 60);
   xdotool({"click", "1"});
   ASSERT_TRUE(serveEventsUntil([&] { return listener.clicks > 0; }));

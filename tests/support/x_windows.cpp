@@ -10,7 +10,7 @@ namespace {
 
 std::vector<std::uint32_t> numbersIn(const std::string& bytes) {
   std::vector<std::uint32_t> numbers(bytes.size() / sizeof(std::uint32_t));
-  std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(std::uint32_t));
+  if (!numbers.empty()) std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(std::uint32_t));
   return numbers;
 }
 
