@@ -1,0 +1,88 @@
+# The private desktop: a screen, a session bus, a window manager, and a panel that takes icons.
+
+start_desktop() {
+  # The agent's world of a plain desktop: no accessibility bus, no settings daemon.
+  export NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
+  start_screen
+  start_bus
+  start_window_manager
+  # It says 1 whether it could or not.
+  display -size "${screen_width}x$screen_height" -window root gradient:'#a9c2d4-#5f809a' || true
+  start_panel
+}
+
+# Starts a program and sets `answer` to the line that it writes to descriptor 3 when it is ready.
+start_and_read() { # PROGRAM...
+  mkfifo /tmp/answer
+  "$@" 3>/tmp/answer >>"$mutterings" 2>&1 &
+  read -r -t "$patience" answer </tmp/answer || fail "$1 did not start"
+  rm /tmp/answer
+}
+
+start_screen() {
+  start_and_read Xvfb -displayfd 3 -nolisten tcp -noreset -screen 0 "${screen_width}x${screen_height}x24"
+  export DISPLAY=":$answer"
+  tell "desktop" "a screen of $screen_width by $screen_height"
+}
+
+start_bus() {
+  start_and_read dbus-daemon --nofork --nopidfile --nosyslog --print-address=3 --config-file=packaging/run/session_bus.conf
+  export DBUS_SESSION_BUS_ADDRESS=$answer
+  tell "desktop" "a session bus"
+}
+
+start_window_manager() {
+  openbox --sm-disable >>"$mutterings" 2>&1 &
+  wait_for "the window manager" window_manager_answers
+  tell "desktop" "a window manager: openbox"
+}
+
+# Asking for a desktop also wakes openbox, which looks at what it has read while starting only when more comes.
+window_manager_answers() { xdotool set_desktop 0 get_desktop >/dev/null 2>&1; }
+
+start_panel() {
+  panel=xfce4-panel
+  command -v "$panel" >/dev/null || panel=trayer
+  "start_$panel"
+  tell "desktop" "a panel: $panel"
+}
+
+start_xfce4-panel() {
+  mkdir /tmp/services
+  ln -s /usr/share/dbus-1/services/org.xfce.Xfconf.service /tmp/services
+  cp -r packaging/run/config "$HOME/.config"
+  xfce4-panel --disable-wm-check >>"$mutterings" 2>&1 &
+  wait_for "the panel to take icons" panel_takes_icons
+}
+
+panel_takes_icons() {
+  dbus-send --print-reply --dest=org.kde.StatusNotifierWatcher /StatusNotifierWatcher \
+    org.freedesktop.DBus.Properties.Get string:org.kde.StatusNotifierWatcher \
+    string:IsStatusNotifierHostRegistered 2>/dev/null | grep -q "boolean true"
+}
+
+start_trayer() { run_trayer 0xf6f5f4; }
+
+run_trayer() { # COLOUR
+  trayer --edge top --align right --widthtype percent --width 100 --height "$panel_height" --SetDockType true \
+    --transparent true --alpha 0 --tint "$1" --iconspacing 6 >>"$mutterings" 2>&1 &
+  trayer_process=$!
+  wait_for "the panel" xdotool search --onlyvisible --class trayer >/dev/null
+}
+
+# Makes the desktop light or dark, its panel and what its portal says.
+paint_desktop() { # light|dark
+  "paint_$panel" "$1"
+  tell_portal "$([ "$1" = dark ] && echo "set 1" || echo "set 2")"
+  tell "visit" "made the desktop $1"
+}
+
+paint_xfce4-panel() { # light|dark
+  xfconf-query --channel xfce4-panel --property /panels/dark-mode --set "$([ "$1" = dark ] && echo true || echo false)"
+}
+
+# Its colour is settled at its start; the icon moves over to the new one.
+paint_trayer() { # light|dark
+  kill "$trayer_process"
+  run_trayer "$([ "$1" = dark ] && echo 0x353535 || echo 0xf6f5f4)"
+}

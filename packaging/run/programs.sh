@@ -1,0 +1,73 @@
+# The agent, and the programs around it that it talks to; what each of them says is told line by line.
+
+bundle=/tmp/Applications/Tovalin.app
+agent_contents=$bundle/Contents/Resources/TovalinTray.app/Contents
+outside_commands=/tmp/outside_commands
+server_port=8090
+
+start_log() {
+  packaging/run/system_log /dev/log > >(retell_log) 2>>"$mutterings" &
+  wait_for "the system log" test -S /dev/log
+}
+
+# The outside commands announce themselves in the log too, so that all is in its order.
+retell_log() {
+  local identity text
+  while read -r identity text; do
+    case $identity in
+      shell:) tell "shell" "$text" ;;
+      *) tell "log" "$identity $text" ;;
+    esac
+  done
+}
+
+start_portal() {
+  mkfifo /tmp/portal
+  build/release/tests/support/portal_double --value 2 </tmp/portal > >(retell_portal) 2>>"$mutterings" &
+  exec 4>/tmp/portal
+  wait_for_line "portal" "ready"
+}
+
+# Without its answer to each command.
+retell_portal() { sed --unbuffered '/^ok$/d' | retell "portal"; }
+
+tell_portal() { echo "$1" >&4; }
+
+# A copy, because this one's commands are announced and its product server is the stand-in.
+install_bundle() {
+  mkdir -p "${bundle%/*}" "$outside_commands"
+  cp -r build/Tovalin.app "$bundle"
+  local helper
+  for helper in launchctl open osascript; do
+    announce "$helper" "$PWD/build/${agent_contents#/tmp/Applications/}/Helpers/$helper" "$agent_contents/Helpers/$helper"
+  done
+  announce killall "$(command -v killall)" "$outside_commands/killall"
+  sed -i "s|^</dict>|<key>TovalinProductServer</key><string>http://127.0.0.1:$server_port</string></dict>|" \
+    "$agent_contents/Info.plist"
+}
+
+# Makes a command that says in the log what it was called with, and then does it.
+announce() { # NAME PROGRAM PLACE
+  printf '#!/bin/sh\nlogger -t shell -- "%s $*"\nexec "%s" "$@"\n' "$1" "$2" >"$3"
+  chmod +x "$3"
+}
+
+start_server() {
+  build/release/tools/productserver --port "$server_port" tools/productserver_root > >(retell "server") 2>&1 &
+  wait_for_line "server" "listening"
+}
+
+start_main_application() {
+  "$bundle/Contents/MacOS/Tovalin" --until -toff > >(retell_main_application) 2>&1 &
+  main_application=$!
+  wait_for_line "main app" "reading"
+}
+
+# Without the time that it puts before each message.
+retell_main_application() { sed --unbuffered 's/^[0-9:.]*  "/read "/' | retell "main app"; }
+
+start_agent() {
+  tell "visit" "starts the agent"
+  PATH="$outside_commands:$PATH" "$agent_contents/MacOS/TovalinTray" > >(retell "agent") 2>&1 &
+  agent=$!
+}

@@ -1,0 +1,86 @@
+# Looking at the private screen and clicking on it. What is to be seen is looked for in pictures of the screen, so that any
+# panel will do.
+
+screen_width=1000
+screen_height=640
+panel_height=32
+# The end of the panel where the icons are; a clock ticks at the other.
+icon_area=300x$panel_height+$((screen_width - 300))+0
+desktop_area=${screen_width}x$((screen_height - panel_height))+0+$panel_height
+
+shot=/tmp/screen.ppm
+empty_shot=/tmp/empty_screen.ppm
+icon_x=0
+
+shoot() { import -silent -window root "$shot"; }
+
+# Whether the screen looks as it did in the shot before.
+stands_still() {
+  mv "$shot" "$shot.before" && shoot && cmp --silent "$shot" "$shot.before"
+}
+
+picture() { # NAME
+  wait_for "the screen to stand still" stands_still
+  convert "$shot" "$results/$1.png"
+  tell "picture" "$results/$1.png"
+}
+
+remember_empty_screen() {
+  shoot
+  wait_for "the empty desktop to stand still" stands_still
+  cp "$shot" "$empty_shot"
+}
+
+# Whether the agent's picture of this name stands in the panel, pixel by pixel; notes where.
+icon_is() { # NAME
+  local found
+  shoot || return 1
+  convert "$shot" -crop "$icon_area" +repage /tmp/panel.ppm
+  convert "$agent_contents/Resources/$1.png" -background "$(convert /tmp/panel.ppm -format '%[pixel:p{0,16}]' info:)" \
+    -flatten /tmp/icon.ppm
+  found=$(compare -metric RMSE -subimage-search /tmp/panel.ppm /tmp/icon.ppm null: 2>&1 || true)
+  [[ $found =~ \((0|0\.00[0-9]*)\)\ @\ ([0-9]+), ]] || return 1
+  icon_x=$((screen_width - 300 + BASH_REMATCH[2] + 10))
+}
+
+wait_for_icon() { # NAME
+  wait_for "the icon \"$1\" in the panel" icon_is "$1"
+  tell "screen" "the icon \"$1\" stands in the panel"
+}
+
+panel_is_empty() {
+  shoot || return 1
+  [ "$(compare -metric AE -extract "$icon_area" "$shot" "$empty_shot" null: 2>&1)" = 0 ]
+}
+
+# Sets menu_left, menu_top, menu_width and menu_height; a tooltip is no menu.
+menu_is_open() {
+  shoot || return 1
+  read -r menu_width menu_height menu_left menu_top < <(
+    convert \( "$empty_shot" "$shot" -crop "$desktop_area" +repage \) -compose difference -composite -threshold 1% \
+      -trim -format '%w %h %X %Y\n' info: 2>/dev/null)
+  menu_top=$((menu_top + panel_height))
+  [ "$menu_width" -gt 100 ] && [ "$menu_height" -gt 100 ]
+}
+
+menu_is_closed() { ! menu_is_open; }
+
+# At the panel's lower edge, where no menu that opens at the pointer hides the panel.
+open_menu() {
+  xdotool mousemove "$icon_x" $((panel_height - 4)) click 3
+  wait_for "the menu" menu_is_open
+  tell "visit" "clicked the icon: the menu is open"
+}
+
+point_at() { # first|last
+  local y=$((menu_top + 12))
+  [ "$1" = first ] || y=$((menu_top + menu_height - 12))
+  xdotool mousemove $((menu_left + menu_width / 2)) "$y"
+}
+
+choose() { # first|last
+  point_at "$1"
+  tell "visit" "clicks the menu's $1 line"
+  xdotool click 1
+  wait_for "the menu to close" menu_is_closed
+}

@@ -1,0 +1,60 @@
+# What happens during the visit, line by line: on the terminal and in a file that the waits look at.
+
+results=build/run
+transcript=$results/transcript.txt
+# What the desktop's programs say for themselves is shown only when something fails.
+mutterings=/tmp/mutterings
+# How many seconds anything may take to be seen.
+patience=20
+
+tell() { # WHO WHAT
+  local now=$EPOCHREALTIME line
+  printf -v line '%(%H:%M:%S)T.%s  %-9s %s' "${now%.*}" "${now:(-6):3}" "$1" "$2"
+  printf '%s\n' "$line" >>"$transcript"
+  printf '%s\n' "$line"
+}
+
+# Tells each line of the standard input.
+retell() { # WHO
+  local line
+  while IFS= read -r line; do tell "$1" "$line"; done
+}
+
+fail() { # WHAT
+  tell "FAILED" "$1"
+  if [ -n "${agent:-}" ] && has_ended "$agent"; then tell "FAILED" "the agent is no longer there"; fi
+  if [ -n "${DISPLAY:-}" ] && import -silent -window root "$results/failed.png"; then
+    tell "picture" "$results/failed.png shows the screen at that moment"
+  fi
+  retell "desktop" <"$mutterings"
+  exit 1
+}
+
+# Tries a command again and again until it succeeds.
+wait_for() { # WHAT COMMAND...
+  local what=$1 deadline=$((SECONDS + patience))
+  shift
+  until "$@"; do
+    [ "$SECONDS" -lt "$deadline" ] || fail "waited $patience seconds in vain for $what"
+    sleep 0.05
+  done
+}
+
+has_lines() { # COUNT TEXT
+  [ "$(grep --count --fixed-strings -- "$2" "$transcript")" -ge "$1" ]
+}
+
+# Waits until so many lines of one teller begin like this.
+wait_for_line() { # WHO BEGINNING [COUNT]
+  local text
+  printf -v text '  %-9s %s' "$1" "$2"
+  wait_for "the line '$1  $2'" has_lines "${3:-1}" "$text"
+}
+
+wait_for_end() { # WHAT PID
+  wait_for "$1 to end" has_ended "$2"
+  wait "$2" || fail "$1 ended with status $?"
+  tell "visit" "$1 ended with status 0"
+}
+
+has_ended() { ! kill -0 "$1" 2>/dev/null; }
