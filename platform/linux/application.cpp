@@ -29,6 +29,14 @@ void Application::performOnMainThread(std::function<void()> work) {
   QMetaObject::invokeMethod(&impl_->mainThread, std::move(work), Qt::QueuedConnection);
 }
 
+void Application::runModalForWindow(std::shared_ptr<Window> window) {
+  impl_->modalRuns.run(std::move(window));
+}
+
+void Application::stopModal() {
+  impl_->modalRuns.stop();
+}
+
 bool Application::hasDisplay() const {
   return impl_->hasDisplay;
 }
