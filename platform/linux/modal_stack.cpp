@@ -36,14 +36,11 @@ bool isInput(const QEvent& event) {
 
 }  // namespace
 
-ModalStack::ModalStack() {
-  qApp->installEventFilter(this);
-}
-
 void ModalStack::run(std::shared_ptr<Window> window) {
   Level level(std::move(window));
   level.window->impl().setAboveOthers(true);
   levels_.push_back(&level);
+  qApp->installEventFilter(this);
   level.loop.exec();
   levels_.pop_back();
   level.window->impl().setAboveOthers(false);

@@ -18,12 +18,12 @@ class Window;
 // ends one.
 class ModalStack : public QObject {
  public:
-  ModalStack();
-
   // Serves events until this level is stopped.
   void run(std::shared_ptr<Window> window);
   // Stops the innermost level that still runs; nothing when there is none.
   void stop();
+  // Whether the level on top has been stopped and control is on its way back to who ran it.
+  [[nodiscard]] bool isUnwinding() const { return !levels_.empty() && levels_.back()->stopped; }
 
   bool eventFilter(QObject* receiver, QEvent* event) override;
 

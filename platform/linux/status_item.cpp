@@ -1,7 +1,7 @@
 #include "platform/status_item.h"
 
-#include <QCursor>
 #include <QCoreApplication>
+#include <QCursor>
 #include <QIcon>
 #include <QSystemTrayIcon>
 

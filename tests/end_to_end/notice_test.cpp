@@ -7,61 +7,18 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/end_to_end/agent_test.h"
-#include "tests/support/x_windows.h"
+#include "tests/end_to_end/notice_fixture.h"
 
 namespace {
 
 using test_support::activeWindowOn;
 using test_support::ExitStatus;
-using test_support::waitForNoWindow;
 using test_support::waitForWindow;
 using test_support::waitUntil;
 using test_support::XWindow;
 using testing::ElementsAre;
 
-constexpr const char* pipePath = "/tmp/KMNOTIPIPE";
-
-bool isAccessNotice(const XWindow& window) {
-  return window.name == "Tovalin Notification" && window.width == 420;
-}
-bool isLoadingNotice(const XWindow& window) {
-  return window.name == "Tovalin Notification" && window.width == 260;
-}
-
-// The real agent with its notification pipe, written to as the main application does.
-class Notice : public AgentTest {
- protected:
-  void SetUp() override {
-    std::filesystem::remove_all(pipePath);
-    AgentTest::SetUp();
-  }
-
-  // Launches it and waits until it listens.
-  void launch() {
-    timeline_.clear();
-    launchAgent();
-    ASSERT_TRUE(waitUntil([] { return std::filesystem::is_fifo(pipePath); }));
-    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
-    timeline_.clear();
-  }
-
-  // One message, and the wait until the listener has read it.
-  void send(const std::string& message) {
-    const test_support::FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    ASSERT_TRUE(pipe.valid()) << "nobody listens";
-    const int before = count("log 6: read_pipe read pipe message : ");
-    ASSERT_EQ(::write(pipe.get(), message.data(), message.size()), static_cast<ssize_t>(message.size()));
-    ASSERT_TRUE(waitUntil([&] { return count("log 6: read_pipe read pipe message : ") > before; }));
-  }
-
-  [[nodiscard]] bool shows(bool (*notice)(const XWindow&)) {
-    return waitForWindow(display_.name(), notice).has_value();
-  }
-  [[nodiscard]] bool hides(bool (*notice)(const XWindow&)) {
-    return waitForNoWindow(display_.name(), notice);
-  }
-};
+class Notice : public NoticeTest {};
 
 TEST_F(Notice, NonShowsTheAccessNoticeAndNoffTakesItAway) {
   launch();
