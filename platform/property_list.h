@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -33,7 +32,7 @@ class PropertyList {
   using Value = std::variant<bool, std::int64_t, double, std::string, Data, Date, Array, Dictionary, Null>;
 
   PropertyList() : value_(false) {}
-  PropertyList(Value value) : value_(std::move(value)) {}
+  PropertyList(Value value);
 
   // The value when it is of this type, else nullptr. The pointer lives as long as this object is unchanged.
   template <typename T>

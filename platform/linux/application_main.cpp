@@ -7,10 +7,10 @@
 #include <vector>
 
 #include <QApplication>
-#include <QSessionManager>
 
 #include "platform/application.h"
 #include "platform/linux/application_impl.h"
+#include "platform/linux/desktop_session.h"
 #include "platform/linux/private_folder.h"
 #include "platform/linux/signal_pipe.h"
 #include "platform/linux/single_instance.h"
@@ -88,9 +88,8 @@ int ApplicationMain(int argc, char** argv) {
 
   std::atexit(endWithoutDisplay);
   const SignalPipe signals([&application] { application.terminate(); });
+  const DesktopSession session([&application] { application.terminate(); });
   instance.listen([&] { delegate->applicationShouldHandleReopen(); });
-  QObject::connect(&toolkit, &QGuiApplication::saveStateRequest,
-                   [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
   installHelpers();
   application.performOnMainThread([&] { delegate->applicationDidFinishLaunching(); });
   QApplication::exec();

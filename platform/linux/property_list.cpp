@@ -1,5 +1,7 @@
 #include "platform/property_list.h"
 
+#include <utility>
+
 #include "platform/linux/property_list_readers.h"
 
 namespace platform {
@@ -15,6 +17,8 @@ bool looksLikeXml(std::string_view text) {
 }
 
 }  // namespace
+
+PropertyList::PropertyList(Value value) : value_(std::move(value)) {}
 
 const PropertyList* PropertyList::find(std::string_view key) const {
   const auto* dictionary = as<Dictionary>();

@@ -34,8 +34,8 @@ class OldTextReader {
   explicit OldTextReader(std::string_view text) : rest_(text) {}
 
   std::optional<PropertyList> object();
-  // The pairs up to a closing brace or the end.
-  std::optional<PropertyList> pairs();
+  // The keys and values of a dictionary without the braces around them.
+  std::optional<PropertyList> stringsFile();
   // Passes over white space and comments; whether anything is left. False also where a comment never ends.
   bool skipBlanks();
   // Nothing of the text is left.
@@ -47,6 +47,7 @@ class OldTextReader {
   bool pair(PropertyList::Dictionary& entries);
   std::optional<PropertyList> array();
   std::optional<PropertyList> dictionary();
+  std::optional<PropertyList> pairs();
   std::optional<PropertyList> data();
   std::optional<std::string> string();
   std::optional<std::string_view> quoted();
@@ -113,14 +114,20 @@ std::optional<PropertyList> OldTextReader::array() {
 }
 
 std::optional<PropertyList> OldTextReader::dictionary() {
-  const ListBounds::Level level(bounds_);
-  if (level.tooDeep()) return std::nullopt;
   auto entries = pairs();
   if (!entries || !accept('}')) return std::nullopt;
   return entries;
 }
 
+std::optional<PropertyList> OldTextReader::stringsFile() {
+  if (!bounds_.takeObjects()) return std::nullopt;
+  return pairs();
+}
+
+// Up to a closing brace or the end.
 std::optional<PropertyList> OldTextReader::pairs() {
+  const ListBounds::Level level(bounds_);
+  if (level.tooDeep()) return std::nullopt;
   PropertyList::Dictionary entries;
   while (skipBlanks() && rest_.front() != '}') {
     if (!pair(entries)) return std::nullopt;
@@ -205,10 +212,10 @@ std::optional<PropertyList> readOldTextList(std::string_view text) {
   reader.skipBlanks();
   if (reader.atEnd()) return list;
 
-  // A string with more behind it: the keys and values of a strings file, without the braces of a dictionary.
+  // A string with more behind it is the first key of a strings file.
   if (list->as<std::string>() == nullptr) return std::nullopt;
   OldTextReader strings(text);
-  auto entries = strings.pairs();
+  auto entries = strings.stringsFile();
   if (!strings.atEnd()) return std::nullopt;
   return entries;
 }

@@ -55,7 +55,7 @@ std::optional<std::string> decodeWide(std::string_view bytes, std::size_t width,
 
 // In slices, so that the units in between take no memory to speak of.
 std::optional<std::string> decodeNamed(std::string_view bytes, const std::string& encoding) {
-  constexpr std::size_t sliceSize = 64 * 1024;
+  constexpr std::size_t sliceSize = 64u << 10;
   QStringDecoder decoder(encoding.c_str());
   if (!decoder.isValid()) return std::nullopt;
   std::string text;

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace property_list_support {
+
+// Puts together a binary list from objects that are written out byte by byte, and can lie about each number
+// in it.
+struct BinaryList {
+  std::vector<std::string> objects;
+  unsigned offsetSize = 2;
+  unsigned referenceSize = 1;
+  std::uint64_t topObject = 0;
+  // What the last bytes tell where it is not the truth.
+  std::optional<std::uint64_t> toldObjects = {};
+  std::optional<std::uint64_t> toldTable = {};
+  std::optional<unsigned> toldOffsetSize = {};
+  std::optional<unsigned> toldReferenceSize = {};
+
+  [[nodiscard]] std::string build() const {
+    std::string list = "bplist00";
+    std::string table;
+    for (const std::string& object : objects) {
+      table += bigEndian(list.size(), offsetSize);
+      list += object;
+    }
+    const std::uint64_t tableStart = list.size();
+    list += table;
+    list += std::string(6, '\0');
+    list += bigEndian(toldOffsetSize.value_or(offsetSize), 1);
+    list += bigEndian(toldReferenceSize.value_or(referenceSize), 1);
+    list += bigEndian(toldObjects.value_or(objects.size()), 8);
+    list += bigEndian(topObject, 8);
+    return list + bigEndian(toldTable.value_or(tableStart), 8);
+  }
+
+  static std::string bigEndian(std::uint64_t value, unsigned size) {
+    std::string result(size, '\0');
+    for (unsigned i = 0; i < size && i < 8; ++i) result[size - 1 - i] = static_cast<char>(value >> (8 * i));
+    return result;
+  }
+};
+
+// A list of one object.
+inline std::string binaryOf(const std::string& object) {
+  return BinaryList{.objects = {object}}.build();
+}
+
+}  // namespace property_list_support
