@@ -63,21 +63,21 @@ TEST_P(BundlePath, IsTheAgentsWithoutItsPlaceInside) {
 
 INSTANTIATE_TEST_SUITE_P(
     LaunchRules, BundlePath,
-    testing::Values(Place{"Usual", "/X/Y.app/Contents/Resources/TovalinTray.app", "/X/Y.app"},
-                    Place{"BlanksAreKept", "/My Programs/Y (2).app/Contents/Resources/TovalinTray.app",
-                          "/My Programs/Y (2).app"},
-                    Place{"ForeignLettersAreKept", "/\u00c4\u65e5/Y.app/Contents/Resources/TovalinTray.app",
-                          "/\u00c4\u65e5/Y.app"},
-                    Place{"OnlyTheFirstIsTakenOut",
-                          "/Y.app/Contents/Resources/TovalinTray.app/Contents/Resources/TovalinTray.app",
-                          "/Y.app/Contents/Resources/TovalinTray.app"},
-                    Place{"WhatFollowsStays", "/Y.app/Contents/Resources/TovalinTray.app/more",
-                          "/Y.app/more"},
-                    Place{"AtTheRoot", "/Contents/Resources/TovalinTray.app", ""},
-                    Place{"Elsewhere", "/X/TovalinTray.app", std::nullopt}, Place{"Empty", "", std::nullopt},
-                    Place{"OtherCase", "/Y.app/contents/resources/tovalintray.app", std::nullopt},
-                    Place{"CutOff", "/Y.app/Contents/Resources/TovalinTray.ap", std::nullopt},
-                    Place{"OtherName", "/Y.app/Contents/Resources/Other.app", std::nullopt}),
+    testing::Values(
+        Place{"Usual", "/X/Y.app/Contents/Resources/TovalinTray.app", "/X/Y.app"},
+        Place{"BlanksAreKept", "/My Programs/Y (2).app/Contents/Resources/TovalinTray.app",
+              "/My Programs/Y (2).app"},
+        Place{"ForeignLettersAreKept", "/\u00c4\u65e5/Y.app/Contents/Resources/TovalinTray.app",
+              "/\u00c4\u65e5/Y.app"},
+        Place{"OnlyTheFirstIsTakenOut",
+              "/Y.app/Contents/Resources/TovalinTray.app/Z.app/Contents/Resources/TovalinTray.app",
+              "/Y.app/Z.app/Contents/Resources/TovalinTray.app"},
+        Place{"WhatFollowsStays", "/Y.app/Contents/Resources/TovalinTray.app/more", "/Y.app/more"},
+        Place{"AtTheRoot", "/Contents/Resources/TovalinTray.app", ""},
+        Place{"Elsewhere", "/X/TovalinTray.app", std::nullopt}, Place{"Empty", "", std::nullopt},
+        Place{"OtherCase", "/Y.app/contents/resources/tovalintray.app", std::nullopt},
+        Place{"CutOff", "/Y.app/Contents/Resources/TovalinTray.ap", std::nullopt},
+        Place{"OtherName", "/Y.app/Contents/Resources/Other.app", std::nullopt}),
     [](const auto& test) { return test.param.name; });
 
 TEST(UpdateNotice, CommandNamesTheBundleTwice) {

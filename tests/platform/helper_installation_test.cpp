@@ -1,0 +1,143 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "tests/support/child_process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using test_support::ExitStatus;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+constexpr const char* kBundle = "/tmp/My Agent.app";
+constexpr const char* kInstalled = "/tmp/run/TovalinTray/helpers";
+
+std::string read(const std::string& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::set<std::string> namesIn(const std::string& folder) {
+  std::set<std::string> names;
+  std::error_code missing;
+  for (const auto& entry : fs::directory_iterator(folder, missing)) names.insert(entry.path().filename());
+  return names;
+}
+
+class HelperInstallation : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directory("/tmp/run");
+    fs::permissions("/tmp/run", fs::perms(0700));
+    ::setenv("XDG_RUNTIME_DIR", "/tmp/run", 1);
+    fs::create_directories(std::string(kBundle) + "/Contents/MacOS");
+    fs::create_directories(std::string(kBundle) + "/Contents/Helpers");
+    fs::copy_file(PRIVATE_FOLDER_PROBE, program_);
+    for (const char* name : {"launchctl", "open", "osascript"}) putHelper(name, name);
+  }
+  void TearDown() override {
+    fs::remove_all("/tmp/run");
+    fs::remove_all(kBundle);
+    fs::remove_all("/tmp/elsewhere");
+  }
+
+  // A program of this name, which tells `text`.
+  static void putHelper(const std::string& name, const std::string& text) {
+    const std::string path = std::string(kBundle) + "/Contents/Helpers/" + name;
+    std::ofstream(path, std::ios::trunc) << "#!/bin/sh\necho " + text + "\n";
+    fs::permissions(path, fs::perms(0755));
+  }
+  static std::string toldBy(const std::string& helper) {
+    test_support::ChildProcess child;
+    if (!child.start({std::string(kInstalled) + "/" + helper})) return "did not start";
+    return child.readLine().value_or("told nothing");
+  }
+  void run(const std::string& task) {
+    test_support::ChildProcess child;
+    ASSERT_TRUE(child.start({program_, task}));
+    ASSERT_EQ(child.wait(), ExitStatus{.code = 0});
+  }
+
+  std::string program_ = std::string(kBundle) + "/Contents/MacOS/probe";
+};
+
+TEST_F(HelperInstallation, CopiesAllThree) {
+  run("install");
+  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("launchctl", "open", "osascript"));
+}
+
+TEST_F(HelperInstallation, CopiesRunWhenTheBundleIsGone) {
+  run("install");
+  fs::remove_all(kBundle);
+  EXPECT_EQ(toldBy("launchctl"), "launchctl");
+}
+
+TEST_F(HelperInstallation, OtherProgramsOfTheBundleStayThere) {
+  putHelper("other", "other");
+  run("install");
+  EXPECT_FALSE(fs::exists(std::string(kInstalled) + "/other"));
+}
+
+TEST_F(HelperInstallation, MissingHelperIsLeftOut) {
+  fs::remove(std::string(kBundle) + "/Contents/Helpers/launchctl");
+  run("install");
+  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("open", "osascript"));
+}
+
+TEST_F(HelperInstallation, OlderCopiesAreReplaced) {
+  run("install");
+  putHelper("open", "newer");
+  fs::remove(std::string(kBundle) + "/Contents/Helpers/osascript");
+  run("install");
+  EXPECT_EQ(toldBy("open"), "newer");
+  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("launchctl", "open"));
+}
+
+TEST_F(HelperInstallation, LinkInThePlaceOfTheCopiesIsReplacedAndItsTargetSpared) {
+  fs::create_directory("/tmp/elsewhere");
+  std::ofstream("/tmp/elsewhere/open") << "spared";
+  fs::create_directory("/tmp/run/TovalinTray");
+  fs::permissions("/tmp/run/TovalinTray", fs::perms(0700));
+  fs::create_symlink("/tmp/elsewhere", kInstalled);
+  run("install");
+  EXPECT_EQ(toldBy("open"), "open");
+  EXPECT_EQ(read("/tmp/elsewhere/open"), "spared");
+  EXPECT_THAT(namesIn("/tmp/elsewhere"), UnorderedElementsAre("open"));
+}
+
+TEST_F(HelperInstallation, RemovalTakesAllAway) {
+  run("install");
+  run("remove");
+  EXPECT_FALSE(fs::exists(kInstalled));
+}
+
+TEST_F(HelperInstallation, RemovalWithoutAnInstallationDoesNothing) {
+  run("remove");
+  EXPECT_FALSE(fs::exists(kInstalled));
+}
+
+TEST_F(HelperInstallation, ProgramOutsideABundleLeavesTheCopiesOfAnother) {
+  run("install");
+  fs::copy_file(PRIVATE_FOLDER_PROBE, "/tmp/elsewhere");
+  program_ = "/tmp/elsewhere";
+  run("install");
+  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("launchctl", "open", "osascript"));
+}
+
+TEST_F(HelperInstallation, RefusedPrivateFolderGetsNothing) {
+  fs::create_directory("/tmp/elsewhere");
+  fs::create_symlink("/tmp/elsewhere", "/tmp/run/TovalinTray");
+  run("install");
+  EXPECT_THAT(namesIn("/tmp/elsewhere"), IsEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,15 @@
+#include <string_view>
+
+#include "platform/linux/private_folder.h"
+
+// "install" or "remove": does so with the helper programs of its own bundle.
+int main(int argc, char** argv) {
+  const std::string_view task = argc > 1 ? argv[1] : "";
+  if (task == "install") {
+    platform::installHelpers();
+  } else if (task == "remove") {
+    platform::removeHelpers();
+  } else {
+    return 2;
+  }
+}

@@ -1,0 +1,266 @@
+#include "platform/shell.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <linux/close_range.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <thread>
+
+#include "tests/ipc/forked_call.h"
+#include "tests/ipc/stream_capture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using test_support::ExitStatus;
+using test_support::StreamCapture;
+
+constexpr const char* kHelpers = "/tmp/run/TovalinTray/helpers";
+constexpr const char* kPath = "/opt/mine:/usr/bin:/bin";
+
+using Environment = std::map<std::string, std::string>;
+
+class Shell : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directories(kHelpers);
+    for (const char* folder : {"/tmp/run", "/tmp/run/TovalinTray"}) fs::permissions(folder, fs::perms(0700));
+    ::setenv("XDG_RUNTIME_DIR", "/tmp/run", 1);
+    ::setenv("PATH", kPath, 1);
+    ::unsetenv("TOVALIN_ORIGINAL_PATH");
+  }
+  void TearDown() override {
+    fs::remove_all("/tmp/run");
+    fs::remove("/tmp/told");
+  }
+
+  // What the command tells by writing it to /tmp/told.
+  static std::string toldBy(const std::string& command) {
+    fs::remove("/tmp/told");
+    platform::system(command);
+    std::ifstream file("/tmp/told", std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  // The environment that the shell itself was started with.
+  static Environment environmentOfTheShell() {
+    Environment environment;
+    const std::string entries = toldBy("cat /proc/$$/environ >/tmp/told; true");
+    for (std::size_t start = 0, end; (end = entries.find('\0', start)) != std::string::npos;
+         start = end + 1) {
+      insert(environment, entries.substr(start, end - start));
+    }
+    return environment;
+  }
+  static Environment ownEnvironment() {
+    Environment environment;
+    for (char** entry = environ; *entry != nullptr; ++entry) insert(environment, *entry);
+    return environment;
+  }
+
+  static void putHelper(const std::string& name, const std::string& script) {
+    const std::string path = std::string(kHelpers) + "/" + name;
+    std::ofstream(path) << "#!/bin/sh\n" + script;
+    fs::permissions(path, fs::perms(0700));
+  }
+
+ private:
+  static void insert(Environment& environment, const std::string& entry) {
+    const std::size_t sign = entry.find('=');
+    ASSERT_TRUE(environment.emplace(entry.substr(0, sign), entry.substr(sign + 1)).second)
+        << entry << " twice";
+  }
+};
+
+TEST_F(Shell, StatusOfTheCommandIsReturned) {
+  EXPECT_EQ(platform::system("true"), 0);
+  const int status = platform::system("exit 42");
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 42);
+}
+
+TEST_F(Shell, SignalThatEndsTheCommandIsReturned) {
+  const int status = platform::system("kill -TERM $$");
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGTERM);
+}
+
+TEST_F(Shell, MissingCommandIs127) {
+  StreamCapture errors(STDERR_FILENO);
+  const int status = platform::system("no-such-command-anywhere");
+  EXPECT_THAT(errors.end(), testing::HasSubstr("no-such-command-anywhere: not found"));
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 127);
+}
+
+TEST_F(Shell, EndOfTheCommandIsWaitedFor) {
+  EXPECT_EQ(toldBy("i=0; while [ $i -lt 2000 ]; do i=$((i + 1)); done; printf %s $i >/tmp/told"), "2000");
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+}
+
+TEST_F(Shell, CommandWritesOnTheStreamsOfTheCaller) {
+  StreamCapture output(STDOUT_FILENO);
+  StreamCapture errors(STDERR_FILENO);
+  platform::system("echo text; echo error >&2");
+  EXPECT_EQ(output.end(), "text\n");
+  EXPECT_EQ(errors.end(), "error\n");
+}
+
+TEST_F(Shell, QuotesAndLineEndsGoAsTheyStand) {
+  EXPECT_EQ(toldBy("printf %s 'a \"b\" $c * \\d `e` %s\nf ' \"it's \u00e4\u65e5\" >/tmp/told"),
+            "a \"b\" $c * \\d `e` %s\nf it's \u00e4\u65e5");
+}
+
+TEST_F(Shell, TheShellExpandsWhatIsNotQuoted) {
+  ::setenv("TEXT_OF_TEST", "a b", 1);
+  EXPECT_EQ(toldBy("printf '<%s>' $TEXT_OF_TEST \"$TEXT_OF_TEST\" >/tmp/told"), "<a><b><a b>");
+  ::unsetenv("TEXT_OF_TEST");
+}
+
+TEST_F(Shell, EnvironmentIsTheCallersWithTheHelpersFirstOnPath) {
+  Environment expected = ownEnvironment();
+  expected["PATH"] = std::string(kHelpers) + ":" + kPath;
+  expected["TOVALIN_ORIGINAL_PATH"] = kPath;
+  EXPECT_EQ(environmentOfTheShell(), expected);
+}
+
+TEST_F(Shell, CallersOwnEnvironmentStaysAsItIs) {
+  const Environment before = ownEnvironment();
+  platform::system("PATH=; true");
+  EXPECT_EQ(ownEnvironment(), before);
+}
+
+TEST_F(Shell, OriginalPathOfAnOuterAgentIsReplaced) {
+  ::setenv("TOVALIN_ORIGINAL_PATH", "/outer", 1);
+  EXPECT_EQ(environmentOfTheShell()["TOVALIN_ORIGINAL_PATH"], kPath);
+}
+
+TEST_F(Shell, WithoutPathTheUsualFoldersStandBehindTheHelpers) {
+  ::unsetenv("PATH");
+  const Environment environment = environmentOfTheShell();
+  EXPECT_EQ(environment.at("PATH"), std::string(kHelpers) + ":/usr/local/bin:/usr/bin:/bin");
+  EXPECT_EQ(environment.at("TOVALIN_ORIGINAL_PATH"), "/usr/local/bin:/usr/bin:/bin");
+}
+
+TEST_F(Shell, WithoutAPrivateFolderPathStaysAsItIs) {
+  fs::permissions("/tmp/run/TovalinTray", fs::perms(0777));
+  EXPECT_EQ(environmentOfTheShell().at("PATH"), kPath);
+}
+
+TEST_F(Shell, HelperIsFoundBeforeAProgramOfTheSameName) {
+  putHelper("cat", "echo the helper with $1 >/tmp/told");
+  EXPECT_EQ(toldBy("cat argument"), "the helper with argument\n");
+}
+
+// A set of signals as /proc shows it, without the two that the C library keeps to itself.
+unsigned long long signalsIn(const std::string& status, const std::string& field) {
+  constexpr unsigned long long kInternal = 0b11ULL << 31;
+  const std::size_t start = status.find(field + ":\t");
+  return start == std::string::npos ? ~0ULL : std::stoull(status.substr(start + 8), nullptr, 16) & ~kInternal;
+}
+
+TEST_F(Shell, CommandHasDefaultSignalsAndAnEmptyMask) {
+  const std::string status = test_support::runForked([] {
+                               sigset_t all;
+                               ::sigfillset(&all);
+                               ::pthread_sigmask(SIG_BLOCK, &all, nullptr);
+                               for (const int signal : {SIGPIPE, SIGINT, SIGQUIT, SIGHUP, SIGUSR1, SIGRTMIN})
+                                 ::signal(signal, SIG_IGN);
+                               return platform::system("exec cat /proc/self/status");
+                             }).output;
+  EXPECT_EQ(signalsIn(status, "SigBlk"), 0U) << status;
+  EXPECT_EQ(signalsIn(status, "SigIgn"), 0U) << status;
+}
+
+TEST_F(Shell, SignalsOfTheCallerStayAsTheyAre) {
+  const auto finished = test_support::runForked([] {
+    sigset_t mask;
+    ::sigemptyset(&mask);
+    ::sigaddset(&mask, SIGUSR1);
+    ::pthread_sigmask(SIG_BLOCK, &mask, nullptr);
+    ::signal(SIGPIPE, SIG_IGN);
+    platform::system("true");
+    sigset_t after;
+    ::pthread_sigmask(SIG_BLOCK, nullptr, &after);
+    const bool kept = ::sigismember(&after, SIGUSR1) == 1 && ::sigismember(&after, SIGCHLD) == 0 &&
+                      ::signal(SIGPIPE, SIG_DFL) == SIG_IGN && ::signal(SIGINT, SIG_DFL) == SIG_DFL;
+    return kept ? 0 : 1;
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+}
+
+TEST_F(Shell, CommandHasNoDescriptorsButItsStreams) {
+  const auto finished = test_support::runForked([] {
+    // Whoever started this program may have left descriptors of its own to it.
+    ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    const test_support::FileDescriptor file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    return file.get() > STDERR_FILENO ? platform::system("ls /proc/$$/fd; true") : 1;
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  EXPECT_EQ(finished.output, "0\n1\n2\n");
+}
+
+TEST_F(Shell, NoDescriptorOfTheCallerStaysOpen) {
+  const int before = test_support::openDescriptors();
+  platform::system("true");
+  EXPECT_EQ(test_support::openDescriptors(), before);
+}
+
+std::atomic<int> signalsTaken = 0;
+
+TEST_F(Shell, SignalDuringTheWaitDoesNotEndIt) {
+  struct sigaction action {};
+  struct sigaction before {};
+  action.sa_handler = [](int) { ++signalsTaken; };
+  signalsTaken = 0;
+  ::sigaction(SIGUSR1, &action, &before);
+  // The state letter S: the caller sleeps in its wait.
+  const int status = platform::system(
+      "until grep -q '^State:.S' /proc/$PPID/status; do :; done\n"
+      "kill -USR1 $PPID\n"
+      "while grep -q '^SigPnd:.*[1-9]' /proc/$PPID/status; do :; done\n"
+      "exit 7");
+  ::sigaction(SIGUSR1, &before, nullptr);
+  EXPECT_EQ(signalsTaken, 1);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 7);
+}
+
+TEST_F(Shell, ThreadsRunTheirCommandsBesideEachOther) {
+  int first = 0;
+  int second = 0;
+  ASSERT_EQ(::mkfifo("/tmp/run/meeting", 0600), 0);
+  {
+    // Each end of a pipe waits for the other to be opened.
+    const std::jthread reader([&] { first = platform::system("read word </tmp/run/meeting; exit $word"); });
+    const std::jthread writer([&] { second = platform::system("echo 3 >/tmp/run/meeting; exit 4"); });
+  }
+  EXPECT_EQ(WEXITSTATUS(first), 3);
+  EXPECT_EQ(WEXITSTATUS(second), 4);
+}
+
+TEST_F(Shell, WithoutAShellItIsMinusOne) {
+  fs::create_directory("/tmp/run/empty");
+  const auto finished = test_support::runForked([] {
+    if (::chroot("/tmp/run/empty") != 0) return 1;
+    return platform::system("true") == -1 ? 0 : 2;
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+}
+
+TEST_F(Shell, CommandBeyondWhatAProcessMayBeGivenIsMinusOne) {
+  EXPECT_EQ(platform::system("true " + std::string(1 << 20, 'x')), -1);
+}
+
+}  // namespace

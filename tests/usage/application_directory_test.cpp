@@ -1,0 +1,105 @@
+#include "usage/application_directory.h"
+
+#include <sys/mount.h>
+
+#include "tests/usage/settings_fixture.h"
+
+namespace settings_test {
+namespace {
+
+using test_support::ExitStatus;
+
+using ApplicationDirectory = Settings;
+
+TEST_F(ApplicationDirectory, IsMadeWithTheFoldersAboveIt) {
+  ::setenv("XDG_DATA_HOME", "/tmp/support/a/b c/d", 1);
+  EXPECT_EQ(applicationDirectory(), "/tmp/support/a/b c/d/Tovalin");
+  EXPECT_TRUE(fs::is_directory("/tmp/support/a/b c/d/Tovalin"));
+}
+
+TEST_F(ApplicationDirectory, OneThatExistsIsKeptWithWhatItHolds) {
+  write(std::string(kFolder) + "/kept", "text");
+  EXPECT_EQ(applicationDirectory(), kFolder);
+  EXPECT_EQ(read(std::string(kFolder) + "/kept"), "text");
+}
+
+TEST_F(ApplicationDirectory, LinkToAFolderInItsPlaceServes) {
+  fs::remove(kFolder);
+  fs::create_directory("/tmp/support/elsewhere");
+  fs::create_symlink("/tmp/support/elsewhere", kFolder);
+  EXPECT_EQ(applicationDirectory(), kFolder);
+}
+
+TEST_F(ApplicationDirectory, LinkToNowhereInItsPlaceIsNone) {
+  fs::remove(kFolder);
+  fs::create_symlink("/tmp/support/nowhere", kFolder);
+  EXPECT_EQ(applicationDirectory(), std::nullopt);
+}
+
+TEST_F(ApplicationDirectory, FileInItsPlaceIsNone) {
+  fs::remove(kFolder);
+  write(kFolder, "a file");
+  EXPECT_EQ(applicationDirectory(), std::nullopt);
+  EXPECT_EQ(read(kFolder), "a file");
+}
+
+TEST_F(ApplicationDirectory, FileAboveItIsNone) {
+  write("/tmp/support/file", "a file");
+  ::setenv("XDG_DATA_HOME", "/tmp/support/file/data", 1);
+  EXPECT_EQ(applicationDirectory(), std::nullopt);
+}
+
+TEST_F(ApplicationDirectory, NoHomeIsNone) {
+  ::unsetenv("XDG_DATA_HOME");
+  ::unsetenv("HOME");
+  EXPECT_EQ(applicationDirectory(), std::nullopt);
+  EXPECT_EQ(applicationFile("name"), std::nullopt);
+}
+
+TEST_F(ApplicationDirectory, RelativeDataHomeIsIgnored) {
+  ::setenv("XDG_DATA_HOME", "support/data", 1);
+  ::setenv("HOME", "/tmp/support/home", 1);
+  EXPECT_EQ(applicationDirectory(), "/tmp/support/home/.local/share/Tovalin");
+  EXPECT_TRUE(fs::is_directory("/tmp/support/home/.local/share/Tovalin"));
+}
+
+TEST_F(ApplicationDirectory, LongPathIsNotCut) {
+  std::string support = kSupport;
+  for (int i = 0; i < 4; ++i) support += "/" + std::string(200, 'd');
+  ::setenv("XDG_DATA_HOME", support.c_str(), 1);
+  EXPECT_EQ(applicationDirectory(), support + "/Tovalin");
+  EXPECT_TRUE(fs::is_directory(support + "/Tovalin"));
+}
+
+TEST_F(ApplicationDirectory, NameThatNoFolderMayHaveIsNone) {
+  ::setenv("XDG_DATA_HOME", ("/tmp/support/" + std::string(256, 'd')).c_str(), 1);
+  EXPECT_EQ(applicationDirectory(), std::nullopt);
+}
+
+TEST_F(ApplicationDirectory, ReadOnlyFileSystemIsNone) {
+  fs::remove(kFolder);
+  ASSERT_EQ(::mount("tmpfs", kSupport, "tmpfs", MS_RDONLY, nullptr), 0);
+  EXPECT_EQ(applicationDirectory(), std::nullopt);
+  EXPECT_EQ(::umount(kSupport), 0);
+}
+
+TEST_F(ApplicationDirectory, FolderThatMayNotBeWrittenIsNone) {
+  fs::remove(kFolder);
+  const auto finished = test_support::runForked([] {
+    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (::access(kSupport, W_OK) == 0) return 100;
+    return applicationDirectory() ? 1 : 0;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  EXPECT_FALSE(fs::exists(kFolder));
+}
+
+TEST_F(ApplicationDirectory, FileOfItDoesNotMakeIt) {
+  fs::remove(kFolder);
+  EXPECT_EQ(applicationFile("name.txt"), "/tmp/support/Tovalin/name.txt");
+  EXPECT_FALSE(fs::exists(kFolder));
+}
+
+}  // namespace
+}  // namespace settings_test

@@ -1,0 +1,145 @@
+#include "usage/server_option.h"
+
+#include "tests/usage/settings_fixture.h"
+
+namespace settings_test {
+namespace {
+
+using test_support::ExitStatus;
+
+constexpr const char* kFile = "/tmp/support/Tovalin/TovalinServerOption.txt";
+
+struct Option {
+  int value = -1;
+  std::string errors = {};
+
+  bool operator==(const Option&) const = default;
+};
+
+void PrintTo(const Option& option, std::ostream* stream) {
+  *stream << option.value << ", errors: \"" << option.errors << '"';
+}
+
+Option getOption() {
+  Option option;
+  option.errors = errorsOf([&] { option.value = GetTovalinServerOption(); });
+  return option;
+}
+
+// What stands in the file before, what it means, and what stands there afterwards.
+struct Case {
+  const char* name;
+  std::string before;
+  int option;
+  std::string after;
+};
+
+void PrintTo(const Case& example, std::ostream* stream) {
+  *stream << example.name;
+}
+
+class ServerOption : public LoggedSettings {};
+class StoredServerOption : public ServerOption, public testing::WithParamInterface<Case> {};
+
+TEST_P(StoredServerOption, MeansAndStaysOrIsReplaced) {
+  write(kFile, GetParam().before);
+  EXPECT_EQ(getOption(), (Option{GetParam().option, ""}));
+  EXPECT_EQ(read(kFile), GetParam().after);
+  EXPECT_THAT(log_.messages(), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(ServerOption, StoredServerOption,
+                         testing::Values(Case{"Zero", "0", 0, "0"}, Case{"One", "1", 1, "1"},
+                                         Case{"OtherCharacter", "x", 1, "x"}, Case{"Empty", "", 1, ""},
+                                         Case{"ByteZero", std::string(1, '\0'), 1, std::string(1, '\0')},
+                                         Case{"ZeroAndLineEnd", "0\n", 1, "1"},
+                                         Case{"OneAndLineEnd", "1\n", 1, "1"}, Case{"TwoZeros", "00", 1, "1"},
+                                         Case{"LongText", std::string(5000, '0'), 1, "1"}),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_F(ServerOption, MissingFileIsMadeWithTheProductServer) {
+  EXPECT_EQ(getOption(), (Option{1, ""}));
+  EXPECT_EQ(read(kFile), "1");
+  EXPECT_EQ(getOption(), (Option{1, ""}));
+  EXPECT_EQ(read(kFile), "1");
+}
+
+TEST_F(ServerOption, MissingFolderIsNotMade) {
+  fs::remove(kFolder);
+  EXPECT_EQ(getOption(), (Option{1, "create file failed: No such file or directory\n"}));
+  EXPECT_FALSE(fs::exists(kFolder));
+}
+
+TEST_F(ServerOption, NoPlaceForFilesIsLoggedAsAnError) {
+  ::unsetenv("XDG_DATA_HOME");
+  ::unsetenv("HOME");
+  EXPECT_EQ(getOption(), (Option{1, ""}));
+  EXPECT_THAT(log_.messages(), testing::ElementsAre(error("get dir fail!!")));
+}
+
+TEST_F(ServerOption, FolderInThePlaceOfTheFileMeansTheProductServer) {
+  fs::create_directory(kFile);
+  EXPECT_EQ(getOption(), (Option{1, "create file failed: Is a directory\n"}));
+}
+
+TEST_F(ServerOption, PipeInThePlaceOfTheFileIsNotWaitedFor) {
+  ASSERT_EQ(::mkfifo(kFile, 0600), 0);
+  const auto finished = test_support::runForked([] { return GetTovalinServerOption(); });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 1});
+}
+
+TEST_F(ServerOption, PathBeyond128BytesWorks) {
+  const std::string support = std::string(kSupport) + "/" + std::string(200, 'd');
+  fs::create_directories(support + "/Tovalin");
+  ::setenv("XDG_DATA_HOME", support.c_str(), 1);
+  write(support + "/Tovalin/TovalinServerOption.txt", "0");
+  EXPECT_EQ(getOption(), (Option{0, ""}));
+}
+
+TEST_F(ServerOption, NoDescriptorStaysOpen) {
+  const int before = test_support::openDescriptors();
+  for (const char* content : {"0", "0\n"}) {
+    write(kFile, content);
+    static_cast<void>(getOption());
+  }
+  EXPECT_EQ(test_support::openDescriptors(), before);
+}
+
+// The status is the option, and 100 when the permissions don't bite.
+test_support::Finished getOptionAsNobody() {
+  return test_support::runForked([] {
+    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (::access(kFile, W_OK) == 0 || ::access(kFolder, W_OK) == 0) return 100;
+    return GetTovalinServerOption();
+  });
+}
+
+TEST_F(ServerOption, FolderThatMayNotBeWrittenMeansTheProductServer) {
+  const auto finished = getOptionAsNobody();
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, ExitStatus{.code = 1});
+  EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
+  EXPECT_FALSE(fs::exists(kFile));
+}
+
+TEST_F(ServerOption, OverlongFileThatMayNotBeWrittenIsLeftAsItIs) {
+  write(kFile, "0\n");
+  fs::permissions(kFile, fs::perms(0444));
+  const auto finished = getOptionAsNobody();
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, ExitStatus{.code = 1});
+  EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
+  EXPECT_EQ(read(kFile), "0\n");
+}
+
+TEST_F(ServerOption, ZeroThatMayOnlyBeReadCounts) {
+  write(kFile, "0");
+  fs::permissions(kFile, fs::perms(0444));
+  const auto finished = getOptionAsNobody();
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  EXPECT_EQ(finished.error, "");
+}
+
+}  // namespace
+}  // namespace settings_test

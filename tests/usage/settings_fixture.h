@@ -1,0 +1,74 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/ipc/forked_call.h"
+#include "tests/ipc/stream_capture.h"
+#include "tests/support/syslog_socket.h"
+
+namespace settings_test {
+
+namespace fs = std::filesystem;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+inline constexpr const char* kSupport = "/tmp/support";
+inline constexpr const char* kFolder = "/tmp/support/Tovalin";
+
+inline void write(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
+}
+
+inline std::string read(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// What `call` leaves on standard error.
+template <typename Call>
+std::string errorsOf(Call call) {
+  test_support::StreamCapture errors(STDERR_FILENO);
+  call();
+  return errors.end();
+}
+
+// A place for this user's files, with the folder of the product in it, for each case anew.
+class Settings : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::remove_all(kSupport);
+    fs::create_directories(kFolder);
+    ::setenv("XDG_DATA_HOME", kSupport, 1);
+    ::setenv("HOME", "/tmp/home", 1);
+  }
+  void TearDown() override { fs::remove_all(kSupport); }
+};
+
+// The same with the system log listened to.
+class LoggedSettings : public Settings {
+ protected:
+  void SetUp() override {
+    Settings::SetUp();
+    ASSERT_TRUE(log_.valid());
+  }
+
+  static auto error(const std::string& text) {
+    using test_support::SyslogMessage;
+    return testing::AllOf(testing::Field("priority", &SyslogMessage::priority, LOG_ERR),
+                          testing::Field("text", &SyslogMessage::text, text));
+  }
+
+  test_support::SyslogSocket log_;
+};
+
+}  // namespace settings_test
