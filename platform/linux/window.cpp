@@ -7,6 +7,7 @@
 
 #include "platform/linux/view_impl.h"
 #include "platform/linux/window_impl.h"
+#include "platform/linux/x_requests.h"
 
 namespace platform {
 namespace {
@@ -80,6 +81,7 @@ void Window::makeKeyAndOrderFront() {
 
 void Window::orderOut() {
   impl_->widget.hide();
+  settleXRequests();
   // May be the last reference: nothing is touched after it.
   const auto self = std::move(impl_->onScreen);
 }
