@@ -2,7 +2,7 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
-.PHONY: build format check check-format check-tidy check-cppcheck check-sanitizers
+.PHONY: build soak format check check-format check-tidy check-cppcheck check-sanitizers
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
@@ -27,3 +27,8 @@ check-cppcheck:
 
 check-sanitizers:
 	./test asan
+
+# PAIRS: how often both notices are shown and hidden.
+PAIRS ?= 10000
+soak: build
+	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test

@@ -12,6 +12,7 @@
 #include "platform/log.h"
 #include "platform/shell.h"
 #include "platform/status_item.h"
+#include "platform/thread.h"
 #include "usage/bundle_version.h"
 #include "usage/property_file.h"
 #include "usage/server_option.h"
@@ -40,6 +41,7 @@ void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   bTvlDataUpload = false;
   const std::time_t now = std::time(nullptr);
   localtime_r(&now, &strStartTime);
+  platform::detachNewThread([this] { notiThread(); });
 }
 
 void nimbatrayAppDelegate::applicationShouldHandleReopen() {

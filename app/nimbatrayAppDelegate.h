@@ -5,6 +5,7 @@
 #include <ctime>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "platform/application.h"
@@ -22,6 +23,7 @@ class Window;
 }  // namespace platform
 
 class tovalinNSImageView;
+struct ShownNotices;
 
 // The one object that carries the agent: the methods of its subsystems, each defined in the folder it is
 // listed under, and all long-lived state, in its fields. The fields are open to those methods and to tests;
@@ -47,6 +49,15 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
   void togleswitch();
   void quit();
   void applicationWillTerminate() override;
+
+  // ipc/notification_listener.cpp; on a thread of its own
+  void notiThread();
+
+  // notices/notice_methods.cpp
+  void notificationOn();
+  void notificationOff();
+  void noticeEnumerateOn();
+  void noticeEnumerateOff();
 
   NonOwningProperty<platform::Window> window = nullptr;
   NonOwningProperty<platform::Window> supportWindow = nullptr;
@@ -89,6 +100,8 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
   void addMenuItems();
   void showStatusIcon();
   void setAutomount(std::uint32_t active);
+  void listen(int pipe);
+  void dispatch(std::span<const char> buffer, ShownNotices& shown);
 };
 
 static_assert(std::atomic<bool>::is_always_lock_free && sizeof(std::atomic<bool>) == 1);

@@ -9,8 +9,13 @@ add_library(tovalin_core STATIC
   app/status_menu.cpp
   app/status_rules.cpp
   ipc/command_pipe.cpp
+  ipc/notification_commands.cpp
+  ipc/notification_listener.cpp
+  ipc/notification_pipe.cpp
   notices/clickable_image_view.cpp
   notices/image_resize.cpp
+  notices/notice_methods.cpp
+  notices/notice_window.cpp
   usage/application_directory.cpp
   usage/bundle_version.cpp
   usage/installation_identity.cpp

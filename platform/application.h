@@ -8,6 +8,8 @@
 
 namespace platform {
 
+class Window;
+
 // What the run loop asks of the program, always on the main thread.
 class ApplicationDelegate {
  public:
@@ -47,6 +49,14 @@ class Application {
   // Has the run loop call `work` on the main thread, after what was posted before. Any thread; returns at
   // once.
   void performOnMainThread(std::function<void()> work);
+
+  // Serves events until this run is stopped: a run loop inside the caller. Its window, which should be on
+  // screen, takes the input that goes to the program's windows; posted work, timers and the status menu go
+  // on. Runs nest. Hiding the window ends no run, and a run whose window is hidden keeps input from none.
+  void runModalForWindow(std::shared_ptr<Window> window);
+  // Stops the innermost run, which returns to its caller once control is back in it. Nothing when there is
+  // none.
+  void stopModal();
 
   // Lets the delegate do its applicationWillTerminate, then ends the process with status 0 from however deep
   // in the run loop. Threads that still run are not waited for, and no static destructor runs below them.

@@ -43,9 +43,9 @@ class Image {
   std::unique_ptr<Impl> impl_;
 };
 
-// A fresh image of the file `name` among the program's resources, with its form for screens of two pixels to
-// the point
-// ("NAME@2x.png") where there is one. Nothing when there is no such file or it is no picture. Main thread.
+// A fresh image of the file `name` among the program's resources; on screens of more than one pixel to the
+// point with its form for those ("NAME@2x.png"), where there is one. Nothing when there is no such file or it
+// is no picture. Main thread.
 [[nodiscard]] std::shared_ptr<Image> imageNamed(std::string_view name);
 
 // Drawing into an image, for as long as this object lives; the image must outlive it. Main thread.

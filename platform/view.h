@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "platform/geometry.h"
 
@@ -19,6 +20,8 @@ class View {
   [[nodiscard]] Rect frame() const;
   // The same room in its own points: origin (0, 0).
   [[nodiscard]] Rect bounds() const;
+  // What people who can't see the view are told it is.
+  void setAccessibilityLabel(std::string_view label);
   // Puts `view` above those already there.
   void addSubview(std::shared_ptr<View> view);
 

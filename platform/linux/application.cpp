@@ -26,7 +26,16 @@ Application& Application::sharedApplication() {
 }
 
 void Application::performOnMainThread(std::function<void()> work) {
-  QMetaObject::invokeMethod(&impl_->mainThread, std::move(work), Qt::QueuedConnection);
+  impl_->postedWork.post(std::move(work));
+}
+
+void Application::runModalForWindow(std::shared_ptr<Window> window) {
+  impl_->modalRuns.run(std::move(window));
+  impl_->postedWork.wake();
+}
+
+void Application::stopModal() {
+  impl_->modalRuns.stop();
 }
 
 bool Application::hasDisplay() const {

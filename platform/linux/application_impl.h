@@ -1,14 +1,15 @@
 #pragma once
 
-#include <QObject>
-
 #include "platform/application.h"
+#include "platform/linux/modal_stack.h"
+#include "platform/linux/posted_work.h"
 
 namespace platform {
 
 struct Application::Impl {
-  QObject mainThread;  // receives what is posted
   ApplicationDelegate* delegate = nullptr;
+  ModalStack modalRuns;
+  PostedWork postedWork{modalRuns};
   bool hasDisplay = true;
 
   [[noreturn]] void end(int status);

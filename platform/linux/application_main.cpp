@@ -51,8 +51,8 @@ std::vector<char*> toolkitArguments(char* program) {
 }
 
 void describeApplication() {
-  QCoreApplication::setApplicationName(QStringLiteral("TovalinTray"));
-  QGuiApplication::setApplicationDisplayName(QStringLiteral("Tovalin"));
+  // Not the display name: the toolkit would put that behind the title of each window.
+  QCoreApplication::setApplicationName(QStringLiteral("Tovalin"));
   QGuiApplication::setDesktopFileName(QStringLiteral("com.kesmoor.tovalintrayagent"));
   QGuiApplication::setQuitOnLastWindowClosed(false);
 }

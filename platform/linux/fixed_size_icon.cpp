@@ -27,6 +27,8 @@ class FixedSizeIconEngine : public QIconEngine {
 
 }  // namespace
 
-QIcon fixedSizeIcon(const QPixmap& pixmap) { return QIcon(new FixedSizeIconEngine(pixmap)); }
+QIcon fixedSizeIcon(const QPixmap& pixmap) {
+  return QIcon(new FixedSizeIconEngine(pixmap));
+}
 
 }  // namespace platform

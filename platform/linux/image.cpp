@@ -82,7 +82,9 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   const auto bundle = Bundle::mainBundle();
   if (!bundle) return nullptr;
   const QString path = QString::fromStdString(bundle->pathForResource(name));
-  QImage plain(path), fine(withScaleSuffix(path));
+  QImage plain(path), fine;
+  // Reading it takes four times as long, so only screens that show it pay for it.
+  if (backingScale() > 1) fine.load(withScaleSuffix(path));
   fine.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
   if (plain.isNull()) return nullptr;
 

@@ -1,7 +1,7 @@
 #include "platform/status_item.h"
 
+#include <QCoreApplication>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QSystemTrayIcon>
 
@@ -35,7 +35,7 @@ void StatusItem::Impl::show() {
                      });
   }
   const QString text = QString::fromStdString(title);
-  icon->setToolTip(text.isEmpty() ? QGuiApplication::applicationDisplayName() : text);
+  icon->setToolTip(text.isEmpty() ? QCoreApplication::applicationName() : text);
   if (menu != nullptr) icon->setContextMenu(&menu->impl().widget);
   const QPixmap pixmap = image == nullptr ? QPixmap() : image->impl().pixmap();
   icon->setIcon(QIcon(pixmap));

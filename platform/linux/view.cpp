@@ -29,6 +29,10 @@ Rect View::bounds() const {
   return {0, 0, impl_->frame.width, impl_->frame.height};
 }
 
+void View::setAccessibilityLabel(std::string_view label) {
+  impl_->widget->setAccessibleName(QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())));
+}
+
 void View::addSubview(std::shared_ptr<View> view) {
   QWidget& child = *view->impl().widget;
   child.setParent(impl_->widget.get());

@@ -1,31 +1,60 @@
 #include "platform/window.h"
 
+#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QWindow>
 
 #include "platform/linux/view_impl.h"
+#include "platform/linux/window_impl.h"
+#include "platform/linux/x_requests.h"
 
 namespace platform {
 namespace {
 
-Qt::WindowFlags flagsFor(WindowStyle style) {
-  const Qt::WindowFlags titled = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint;
-  return style == WindowStyle::Titled ? titled : titled | Qt::WindowCloseButtonHint;
-}
+// A window whose title bar has no close control is not closed by other means either.
+class WindowWidget : public QWidget {
+ public:
+  explicit WindowWidget(WindowStyle style) : style_(style) {
+    const Qt::WindowFlags titled = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint;
+    setWindowFlags(style == WindowStyle::Titled ? titled : titled | Qt::WindowCloseButtonHint);
+  }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override { event->setAccepted(style_ == WindowStyle::TitledClosable); }
+
+ private:
+  WindowStyle style_;
+};
+
+class ContentView : public View {
+ public:
+  ContentView(Rect frame, WindowStyle style)
+      : View(std::make_unique<Impl>(frame, std::make_unique<WindowWidget>(style))) {}
+};
 
 }  // namespace
 
-struct Window::Impl {
-  View content;
-  QWidget& widget;
-
-  explicit Impl(Rect rect) : content({0, 0, rect.width, rect.height}), widget(*content.impl().widget) {}
-};
-
-Window::Window(Rect contentRect, WindowStyle style) : impl_(std::make_unique<Impl>(contentRect)) {
-  impl_->widget.setWindowFlags(flagsFor(style));
-  impl_->widget.setFixedSize(impl_->widget.size());
+bool isWindowOfProgram(const QWidget& window) {
+  return dynamic_cast<const WindowWidget*>(&window) != nullptr;
 }
+
+Window::Impl::Impl(Rect contentRect, WindowStyle style)
+    : content(std::make_unique<ContentView>(Rect{0, 0, contentRect.width, contentRect.height}, style)),
+      widget(*content->impl().widget) {
+  widget.setFixedSize(widget.size());
+}
+
+// On the window itself: the toolkit would make a new one for a changed flag of the widget.
+void Window::Impl::setAboveOthers(bool above) {
+  if (QWindow* window = widget.windowHandle()) window->setFlag(Qt::WindowStaysOnTopHint, above);
+}
+
+std::shared_ptr<Window> Window::make(Rect contentRect, WindowStyle style) {
+  return std::shared_ptr<Window>(new Window(contentRect, style));
+}
+
+Window::Window(Rect contentRect, WindowStyle style) : impl_(std::make_unique<Impl>(contentRect, style)) {}
 
 Window::~Window() = default;
 
@@ -34,16 +63,17 @@ void Window::setTitle(std::string_view title) {
 }
 
 View& Window::contentView() const {
-  return impl_->content;
+  return *impl_->content;
 }
 
 void Window::center() {
-  const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
-  const QSize size = impl_->widget.size();
-  impl_->widget.move(room.center() - QPoint(size.width() / 2, size.height() / 2));
+  QRect place(QPoint(0, 0), impl_->widget.size());
+  place.moveCenter(QGuiApplication::primaryScreen()->availableGeometry().center());
+  impl_->widget.setGeometry(place);
 }
 
 void Window::makeKeyAndOrderFront() {
+  impl_->onScreen = shared_from_this();
   impl_->widget.show();
   impl_->widget.raise();
   impl_->widget.activateWindow();
@@ -51,6 +81,9 @@ void Window::makeKeyAndOrderFront() {
 
 void Window::orderOut() {
   impl_->widget.hide();
+  settleXRequests();
+  // May be the last reference: nothing is touched after it.
+  const auto self = std::move(impl_->onScreen);
 }
 
 bool Window::isVisible() const {

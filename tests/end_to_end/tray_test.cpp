@@ -152,8 +152,8 @@ TEST_F(PanelTray, AHostOnTheBusIsPreferredToATrayOfTheScreen) {
 TEST_F(PanelTray, TheIconTellsTheProgramsNames) {
   launchAgentInPanel();
   auto properties = host_.properties();
-  EXPECT_EQ(properties["Id"], "TovalinTray");
-  EXPECT_EQ(properties["Title"], "TovalinTray");
+  EXPECT_EQ(properties["Id"], "Tovalin");
+  EXPECT_EQ(properties["Title"], "Tovalin");
   EXPECT_EQ(properties["ToolTip"], "Tovalin");
   EXPECT_EQ(properties["Status"], "Active");
 }

@@ -36,9 +36,9 @@ class ClickableImageView : public testing::Test {
  protected:
   void SetUp() override {
     isNetworkOnline = true;
-    window_.contentView().addSubview(view_);
-    window_.makeKeyAndOrderFront();
-    QWidget& widget = *window_.contentView().impl().widget;
+    window_->contentView().addSubview(view_);
+    window_->makeKeyAndOrderFront();
+    QWidget& widget = *window_->contentView().impl().widget;
     // Only with its frame around it does the window stand where it stays.
     ASSERT_TRUE(serveEventsUntil(
         [&] { return widget.isActiveWindow() && widget.geometry().top() > widget.frameGeometry().top(); }));
@@ -62,7 +62,10 @@ class ClickableImageView : public testing::Test {
 
   [[nodiscard]] Qt::CursorShape cursor() const { return view_->impl().widget->cursor().shape(); }
 
-  platform::Window window_{{0, 0, 300, 200}, platform::WindowStyle::Titled};
+  void TearDown() override { window_->orderOut(); }
+
+  std::shared_ptr<platform::Window> window_ =
+      platform::Window::make({0, 0, 300, 200}, platform::WindowStyle::Titled);
   std::shared_ptr<tovalinNSImageView> view_ =
       std::make_shared<tovalinNSImageView>(platform::Rect{100, 50, 80, 40});
   QPoint origin_;

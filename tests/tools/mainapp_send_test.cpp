@@ -53,6 +53,24 @@ TEST_F(MainAppSend, TheBytesArriveWithoutATerminator) {
   EXPECT_EQ(nextLine(), "sent \"-non\"");
 }
 
+TEST_F(MainAppSend, TheNoticesAreSwitchedByTheirNames) {
+  const Listener listener;
+  startReading();
+  for (const auto& [command, message] :
+       {std::pair("access on", "-non"), std::pair("access off", "-noff"), std::pair("loading on", "-neon"),
+        std::pair("loading off", "-neoff")}) {
+    ASSERT_TRUE(app_.writeLine(command));
+    EXPECT_EQ(listener.take(), message);
+    EXPECT_EQ(nextLine(), "sent \"" + std::string(message) + "\"");
+  }
+}
+
+TEST_F(MainAppSend, ANoticeIsSwitchedOnOrOffAndNothingElse) {
+  startReading();
+  ASSERT_TRUE(app_.writeLine("access maybe"));
+  EXPECT_EQ(app_.readErrorLine(), "mainapp: a notice is switched on or off, not \"maybe\"");
+}
+
 TEST_F(MainAppSend, BlanksInTheTextAreKept) {
   const Listener listener;
   startReading();

@@ -18,6 +18,28 @@ Outcome runSend(const std::string& argument) {
   return Outcome::Continue;
 }
 
+void complain(const std::string& text) {
+  std::fprintf(stderr, "mainapp: %s\n", text.c_str());
+}
+
+// A notice is switched by one of two messages.
+Outcome switchNotice(const std::string& argument, const char* on, const char* off) {
+  if (argument != "on" && argument != "off") {
+    complain("a notice is switched on or off, not " + quotedText(argument));
+    return Outcome::Continue;
+  }
+  sendAndReport(argument == "on" ? on : off);
+  return Outcome::Continue;
+}
+
+Outcome runAccess(const std::string& argument) {
+  return switchNotice(argument, "-non", "-noff");
+}
+
+Outcome runLoading(const std::string& argument) {
+  return switchNotice(argument, "-neon", "-neoff");
+}
+
 Outcome runHelp(const std::string&) {
   std::fputs(commandHelp().c_str(), stdout);
   return Outcome::Continue;
@@ -29,6 +51,8 @@ Outcome runQuit(const std::string&) {
 
 constexpr std::array kCommands = {
     Command{"send", "TEXT", "write TEXT into the notification pipe", runSend},
+    Command{"access", "on|off", "show or hide the device-access notice", runAccess},
+    Command{"loading", "on|off", "show or hide the loading notice", runLoading},
     Command{"help", "", "show the commands", runHelp},
     Command{"quit", "", "end the stand-in", runQuit},
 };
@@ -39,10 +63,6 @@ std::string helpLine(const Command& command) {
   if (!command.argument.empty()) line += " " + std::string(command.argument);
   line.resize(std::max(line.size() + 1, kColumn), ' ');
   return line + std::string(command.purpose) + "\n";
-}
-
-void complain(const std::string& text) {
-  std::fprintf(stderr, "mainapp: %s\n", text.c_str());
 }
 
 }  // namespace

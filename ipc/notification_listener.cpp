@@ -1,0 +1,110 @@
+#include <fcntl.h>
+#include <sys/select.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <thread>
+
+#include "app/nimbatrayAppDelegate.h"
+#include "ipc/notification_commands.h"
+#include "ipc/notification_pipe.h"
+#include "platform/application.h"
+#include "platform/log.h"
+
+using platform::LogPriority;
+using platform::systemLog;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::chrono::microseconds waitTime = 30ms;
+
+void logStep(LogPriority priority, const std::string& text) {
+  systemLog(priority, "-[nimbatrayAppDelegate notiThread] " + text);
+}
+
+void logFailure(const char* step) {
+  logStep(LogPriority::Error, std::string(step) + ". errno : " + std::to_string(errno));
+}
+
+// Whatever stands at the path already is used as it is.
+platform::FileDescriptor openNotificationPipe() {
+  struct stat status {};
+  if (::stat(notificationPipe, &status) != 0 && ::mkfifo(notificationPipe, 0666) != 0)
+    logFailure("make pipe failed");
+  // Whoever runs the main application must be able to write, whatever this process's umask.
+  ::chmod(notificationPipe, 0666);
+  platform::FileDescriptor pipe(::open(notificationPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!pipe.valid()) logFailure("open pipe error");
+  return pipe;
+}
+
+enum class Wait { Ready, TimeOut, Failed };
+
+Wait waitForMessage(int descriptor) {
+  fd_set readable;
+  FD_ZERO(&readable);
+  FD_SET(descriptor, &readable);
+  timeval wait{0, static_cast<suseconds_t>(waitTime.count())};  // select(2) uses it up
+  const int ready = ::select(descriptor + 1, &readable, nullptr, nullptr, &wait);
+  if (ready == -1) return Wait::Failed;
+  return ready > 0 && FD_ISSET(descriptor, &readable) ? Wait::Ready : Wait::TimeOut;
+}
+
+}  // namespace
+
+void nimbatrayAppDelegate::notiThread() {
+  platform::FileDescriptor pipe = openNotificationPipe();
+  if (pipe.valid()) listen(pipe.get());
+  pipe.reset();
+  std::remove(notificationPipe);
+}
+
+void nimbatrayAppDelegate::listen(int pipe) {
+  std::array<char, notificationBufferSize> buffer{};
+  ShownNotices shown;
+  if (read_pipe(pipe, buffer) != 0) {
+    logStep(LogPriority::Info, "Exist pipe message!");
+    dispatch(buffer, shown);
+  }
+  const platform::FileDescriptor ownEnd = holdOpenForWriting(pipe);
+  while (bThreadRun) {
+    const Wait wait = waitForMessage(pipe);
+    if (wait == Wait::Failed) return logFailure("pipe select error");
+    if (wait == Wait::TimeOut) continue;
+    buffer.fill('\0');
+    if (read_pipe(pipe, buffer) != 0) {
+      dispatch(buffer, shown);
+    } else if (!ownEnd.valid()) {
+      // A file at its end is always ready to be read.
+      std::this_thread::sleep_for(waitTime);
+    }
+  }
+}
+
+void nimbatrayAppDelegate::dispatch(std::span<const char> buffer, ShownNotices& shown) {
+  const auto onMainThread = [this](void (nimbatrayAppDelegate::*method)()) {
+    platform::Application::sharedApplication().performOnMainThread([this, method] { (this->*method)(); });
+  };
+  const std::string_view text = textIn(buffer);
+  switch (notificationActionFor(text, shown)) {
+    case NotificationAction::NotificationOn:
+      return onMainThread(&nimbatrayAppDelegate::notificationOn);
+    case NotificationAction::NotificationOff:
+      return onMainThread(&nimbatrayAppDelegate::notificationOff);
+    case NotificationAction::NoticeEnumerateOn:
+      return onMainThread(&nimbatrayAppDelegate::noticeEnumerateOn);
+    case NotificationAction::NoticeEnumerateOff:
+      return onMainThread(&nimbatrayAppDelegate::noticeEnumerateOff);
+    case NotificationAction::UnknownCommand:
+      return systemLog(LogPriority::Error, "unknown command " + std::string(text));
+    case NotificationAction::CollectData:
+    case NotificationAction::None:
+      return;
+  }
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <memory>
+
+#include "notices/notice_layout.h"
+
+namespace platform {
+class Window;
+}
+
+// Builds a notice, not yet on screen. Main thread.
+[[nodiscard]] std::shared_ptr<platform::Window> makeNoticeWindow(const NoticeLayout& layout);

@@ -1,0 +1,73 @@
+#include "platform/linux/modal_stack.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include <QApplication>
+#include <QEvent>
+#include <QWidget>
+
+#include "platform/linux/window_impl.h"
+#include "platform/window.h"
+
+namespace platform {
+namespace {
+
+bool isInput(const QEvent& event) {
+  switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::ContextMenu:
+    case QEvent::Close:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+void ModalStack::run(std::shared_ptr<Window> window) {
+  Level level(std::move(window));
+  level.window->impl().setAboveOthers(true);
+  levels_.push_back(&level);
+  qApp->installEventFilter(this);
+  level.loop.exec();
+  levels_.pop_back();
+  level.window->impl().setAboveOthers(false);
+}
+
+ModalStack::Level* ModalStack::innermost() const {
+  const auto running =
+      std::ranges::find_if(std::views::reverse(levels_), [](const Level* level) { return !level->stopped; });
+  return running == levels_.rend() ? nullptr : *running;
+}
+
+void ModalStack::stop() {
+  Level* level = innermost();
+  if (level == nullptr) return;
+  level->stopped = true;
+  level->loop.quit();
+}
+
+bool ModalStack::eventFilter(QObject* receiver, QEvent* event) {
+  if (!isInput(*event) || !receiver->isWidgetType()) return false;
+  const Level* level = innermost();
+  if (level == nullptr || !level->window->isVisible()) return false;
+  const QWidget* target = static_cast<QWidget*>(receiver)->window();
+  if (!isWindowOfProgram(*target) || level->window->impl().owns(*target)) return false;
+  if (event->type() == QEvent::MouseButtonPress) level->window->makeKeyAndOrderFront();
+  event->ignore();
+  return true;
+}
+
+}  // namespace platform

@@ -1,0 +1,38 @@
+#include "platform/linux/posted_work.h"
+
+#include <utility>
+
+#include "platform/linux/modal_stack.h"
+
+namespace platform {
+
+void PostedWork::post(std::function<void()> work) {
+  {
+    const std::lock_guard lock(mutex_);
+    waiting_.push_back(std::move(work));
+  }
+  wake();
+}
+
+void PostedWork::wake() {
+  QMetaObject::invokeMethod(
+      &mainThread_, [this] { serve(); }, Qt::QueuedConnection);
+}
+
+void PostedWork::serve() {
+  while (!modalRuns_.isUnwinding()) {
+    const auto work = takeNext();
+    if (!work) return;
+    (*work)();
+  }
+}
+
+std::optional<std::function<void()>> PostedWork::takeNext() {
+  const std::lock_guard lock(mutex_);
+  if (waiting_.empty()) return std::nullopt;
+  std::function<void()> next = std::move(waiting_.front());
+  waiting_.pop_front();
+  return next;
+}
+
+}  // namespace platform

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+#include <QObject>
+
+namespace platform {
+
+class ModalStack;
+
+// What threads have posted to the main thread, served there in the order of posting.
+//
+// The toolkit's own queue would go on serving inside a modal run that has just been stopped, and a run begun
+// there would nest in it: a quick writer of "show" and "hide" would pile up runs without end. This queue
+// waits until the stopped run has returned.
+class PostedWork {
+ public:
+  explicit PostedWork(const ModalStack& modalRuns) : modalRuns_(modalRuns) {}
+
+  // Any thread.
+  void post(std::function<void()> work);
+  // Has the run loop come back to what was left. Any thread.
+  void wake();
+
+ private:
+  void serve();
+  [[nodiscard]] std::optional<std::function<void()>> takeNext();
+
+  const ModalStack& modalRuns_;
+  std::mutex mutex_;
+  std::deque<std::function<void()>> waiting_;
+  QObject mainThread_;
+};
+
+}  // namespace platform

@@ -1,0 +1,14 @@
+#include "platform/linux/x_requests.h"
+
+#include <X11/Xlib.h>
+
+#include <QGuiApplication>
+
+namespace platform {
+
+void settleXRequests() {
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (x11 != nullptr) XSync(x11->display(), False);
+}
+
+}  // namespace platform

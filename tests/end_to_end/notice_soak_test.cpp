@@ -1,0 +1,49 @@
+#include <cstdlib>
+#include <fstream>
+
+#include "tests/end_to_end/notice_fixture.h"
+
+namespace {
+
+class NoticeSoak : public NoticeTest {
+ protected:
+  void showAndHideBoth(int pairs) {
+    for (int i = 0; i < pairs && !HasFatalFailure(); ++i) {
+      for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) send(message);
+      timeline_.clear();
+    }
+    ASSERT_TRUE(hides(isAccessNotice) && hides(isLoadingNotice));
+  }
+
+  [[nodiscard]] long ownMemoryInKilobytes() const {
+    std::ifstream file("/proc/" + std::to_string(agent_.pid()) + "/smaps_rollup");
+    for (std::string line; std::getline(file, line);) {
+      if (line.starts_with("Anonymous:")) return std::stol(line.substr(10));
+    }
+    ADD_FAILURE() << "the agent's memory can't be read";
+    return 0;
+  }
+
+  [[nodiscard]] long descriptors() const {
+    const std::filesystem::directory_iterator open("/proc/" + std::to_string(agent_.pid()) + "/fd");
+    return std::distance(begin(open), end(open));
+  }
+};
+
+// The first hundred pairs warm everything up that is kept for good.
+TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
+  const char* asked = std::getenv("TOVALIN_SOAK_PAIRS");
+  const int pairs = asked != nullptr ? std::atoi(asked) : 200;
+  constexpr int warmUp = 100;
+  ASSERT_GT(pairs, warmUp);
+  launch();
+  showAndHideBoth(warmUp);
+  const long memory = ownMemoryInKilobytes(), open = descriptors();
+  showAndHideBoth(pairs - warmUp);
+  EXPECT_LE(std::labs(ownMemoryInKilobytes() - memory), 1024);
+  EXPECT_TRUE(test_support::waitUntil([&] { return descriptors() == open; })) << descriptors() << " for " << open;
+  std::printf("%d pairs: %ld kB after %d, %ld kB at the end\n", pairs, memory, warmUp,
+              ownMemoryInKilobytes());
+}
+
+}  // namespace
