@@ -143,7 +143,7 @@ TEST_F(Session, ASessionManagerThatGoesAwayEndsNothingAndCostsNothing) {
   terminateAgent();
 }
 
-TEST_F(Session, ASessionManagerThatIsNotThereDelaysNothing) {
+TEST_F(Session, TheAgentStartsWhereTheSessionManagerCannotBeReached) {
   manager_.process().kill();
   ASSERT_TRUE(manager_.process().wait());
   launchAgentInPanel();
