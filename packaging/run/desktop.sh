@@ -1,7 +1,7 @@
 # The private desktop: a screen, a session bus, a window manager, and a panel that takes icons.
 
 start_desktop() {
-  # The agent's world of a plain desktop: no accessibility bus, no settings daemon.
+  # Else the panel would look for an accessibility bus and a settings service, which are not there.
   export NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
   start_screen
   start_bus

@@ -26,20 +26,28 @@ picture() { # NAME
 }
 
 remember_empty_screen() {
-  shoot
+  wait_for "the panel to be painted" panel_is_painted
   wait_for "the empty desktop to stand still" stands_still
   cp "$shot" "$empty_shot"
 }
+
+# A panel is of one colour, the background is not.
+panel_is_painted() {
+  shoot || return 1
+  [ "$(colour_at $((screen_width / 2)),1)" = "$(colour_at $((screen_width / 2)),$((panel_height - 4)))" ]
+}
+
+colour_at() { convert "$shot" -format "%[pixel:p{$1}]" info:; } # X,Y
 
 # Whether the agent's picture of this name stands in the panel, pixel by pixel; notes where.
 icon_is() { # NAME
   local found
   shoot || return 1
   convert "$shot" -crop "$icon_area" +repage /tmp/panel.ppm
-  convert "$agent_contents/Resources/$1.png" -background "$(convert /tmp/panel.ppm -format '%[pixel:p{0,16}]' info:)" \
+  convert "$agent_contents/Resources/$1.png" -background "$(colour_at $((screen_width / 2)),16)" \
     -flatten /tmp/icon.ppm
   found=$(compare -metric RMSE -subimage-search /tmp/panel.ppm /tmp/icon.ppm null: 2>&1 || true)
-  [[ $found =~ \((0|0\.00[0-9]*)\)\ @\ ([0-9]+), ]] || return 1
+  [[ $found =~ \((0|0\.00[0-9]*|[0-9.]*e-[0-9]*)\)\ @\ ([0-9]+), ]] || return 1
   icon_x=$((screen_width - 300 + BASH_REMATCH[2] + 10))
 }
 
