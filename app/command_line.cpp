@@ -25,17 +25,22 @@ std::string versionText() {
   return getBundleVersion(version) == 0 ? *version : "(version unknown)";
 }
 
+// 1 when standard output could not take it all, as on a full disk.
+int statusOfOutput() {
+  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? 0 : 1;
+}
+
 }  // namespace
 
 std::optional<int> handleArguments(std::span<const std::string_view> arguments) {
   if (arguments.empty()) return std::nullopt;
   if (arguments.size() == 1 && arguments[0] == "--help") {
     std::fputs(helpText, stdout);
-    return 0;
+    return statusOfOutput();
   }
   if (arguments.size() == 1 && arguments[0] == "--version") {
     std::printf("TovalinTray %s\n", versionText().c_str());
-    return 0;
+    return statusOfOutput();
   }
   const std::string_view wrong = arguments[arguments[0] == "--help" || arguments[0] == "--version" ? 1 : 0];
   std::fprintf(stderr, "TovalinTray: unexpected argument \"%.*s\"; see TovalinTray --help\n",

@@ -1,4 +1,3 @@
-#include <chrono>
 #include <string>
 
 #include "app/globals.h"

@@ -22,7 +22,7 @@ bool isDarkAppearance(const std::optional<platform::PropertyList>& interfaceStyl
 
 std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundlePath) {
   const std::size_t found = agentBundlePath.find(placeOfAgent);
-  if (found == std::string_view::npos) return std::nullopt;
+  if (found == std::string_view::npos || found == 0) return std::nullopt;
   return std::string(agentBundlePath).erase(found, placeOfAgent.size());
 }
 

@@ -50,11 +50,11 @@ class PropertyList {
 };
 
 // What reading is bounded by. A list beyond any of these is unreadable, so that even a hostile one costs no
-// more than some twelve megabytes beside its own bytes, and less than a second.
+// more than a few megabytes beside its own bytes, and less than a second.
 //
 // Bytes are those of the list and, once more, those of the texts and data read from it, as UTF-8; objects are
 // values and keys, counted through shared references; depth is arrays and dictionaries inside each other.
-inline constexpr std::size_t propertyListMaxBytes = 4u << 20;
+inline constexpr std::size_t propertyListMaxBytes = 1u << 20;
 inline constexpr std::size_t propertyListMaxObjects = 20'000;
 inline constexpr std::size_t propertyListMaxDepth = 64;
 

@@ -1,5 +1,6 @@
 #include "usage/version_text.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace {

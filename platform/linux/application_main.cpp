@@ -1,5 +1,4 @@
-#include <signal.h>
-#include <syslog.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -12,6 +11,8 @@
 #include "platform/linux/application_impl.h"
 #include "platform/linux/desktop_session.h"
 #include "platform/linux/private_folder.h"
+#include "platform/linux/process_start.h"
+#include "platform/linux/session_bus_guard.h"
 #include "platform/linux/signal_pipe.h"
 #include "platform/linux/single_instance.h"
 #include "platform/log.h"
@@ -19,26 +20,27 @@
 namespace platform {
 namespace {
 
-void prepareProcess() {
-  ::openlog("TovalinTray", LOG_PID, LOG_USER);
-  // A reader that leaves between open and write is a failed write, not the end of the agent.
-  ::signal(SIGPIPE, SIG_IGN);
-  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+// What the toolkit ends the process for, before it has a screen, is mostly the want of a display.
+std::string withoutScreen(const std::string& toolkitText) {
+  if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return toolkitText;
+  if (!qEnvironmentVariableIsSet("DISPLAY")) return "cannot open a display: DISPLAY is not set";
+  return "cannot open the display \"" + qgetenv("DISPLAY").toStdString() + "\"";
 }
 
-void endOnFatalMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+void takeToolkitMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   const std::string line = text.toStdString();
-  if (type == QtFatalMsg && QGuiApplication::primaryScreen() == nullptr) {
-    fatalError("cannot open the display \"" + qgetenv("DISPLAY").toStdString() + "\"");
-  }
-  if (type == QtFatalMsg) fatalError(line);
-  std::fprintf(stderr, "%s\n", line.c_str());
+  if (type == QtFatalMsg)
+    fatalError(QGuiApplication::primaryScreen() == nullptr ? withoutScreen(line) : line);
+  std::fprintf(stderr, "TovalinTray: %s\n", line.c_str());
 }
 
-int tellRunningInstance(int argc, char** argv) {
+// Brings the running instance forward. One that has ended meanwhile leaves its place to this process, which
+// then starts over.
+int tellRunningInstance(SingleInstance& instance, int argc, char** argv) {
   const QCoreApplication application(argc, argv);
-  SingleInstance::tellFirst();
-  return 0;
+  if (instance.tellFirst()) return 0;
+  ::execv("/proc/self/exe", argv);
+  return 1;
 }
 
 // The menu and the windows need what Wayland keeps from programs (their own place, staying on top), so X is
@@ -72,24 +74,28 @@ int ApplicationMain(int argc, char** argv) {
   const std::vector<std::string_view> arguments(argv + std::min(argc, 1), argv + argc);
   if (const auto status = program.handleArguments(arguments)) return *status;
 
+  avoidUnusableSessionBus();
+  qInstallMessageHandler(takeToolkitMessage);
   SingleInstance instance;
-  if (!instance.isFirst()) return tellRunningInstance(argc, argv);
+  if (!instance.isFirst()) return tellRunningInstance(instance, argc, argv);
 
-  qInstallMessageHandler(endOnFatalMessage);
   describeApplication();
   std::vector<char*> toolkitArgv = toolkitArguments(argv[0]);
   int toolkitArgc = static_cast<int>(toolkitArgv.size());
   const QApplication toolkit(toolkitArgc, toolkitArgv.data());
 
-  Application& application = Application::sharedApplication();
   const auto delegate = program.makeDelegate();
+  if (!instance.listen([&] { delegate->applicationShouldHandleReopen(); })) {
+    static_cast<void>(instance.tellFirst());
+    return 0;
+  }
+  Application& application = Application::sharedApplication();
   application.impl().delegate = delegate.get();
   delegate->awakeFromNib();
 
   std::atexit(endWithoutDisplay);
   const SignalPipe signals([&application] { application.terminate(); });
   const DesktopSession session([&application] { application.terminate(); });
-  instance.listen([&] { delegate->applicationShouldHandleReopen(); });
   installHelpers();
   application.performOnMainThread([&] { delegate->applicationDidFinishLaunching(); });
   QApplication::exec();

@@ -50,7 +50,7 @@ void consoleLog(std::string_view text) {
 }
 
 void fatalError(std::string_view text) {
-  ::syslog(LOG_CRIT, "%.*s", static_cast<int>(text.size()), text.data());
+  systemLog(LogPriority::Error, text);
   writeLine("TovalinTray: " + std::string(text));
   std::fflush(stdout);
   std::_Exit(1);

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "platform/bundle.h"
+#include "platform/log.h"
 
 namespace platform {
 namespace {
@@ -27,7 +28,15 @@ std::string privateFolderPath() {
   if (runtime != nullptr && runtime[0] == '/' && isOursAlone(runtime)) {
     return std::string(runtime) + "/TovalinTray";
   }
+  const std::string ofSession = "/run/user/" + std::to_string(::geteuid());
+  if (isOursAlone(ofSession)) return ofSession + "/TovalinTray";
   return "/tmp/TovalinTray-" + std::to_string(::geteuid());
+}
+
+void complain(const std::string& reason) {
+  const std::string text = "outside commands run without the agent's helpers: " + reason;
+  systemLog(LogPriority::Error, text);
+  consoleLog(text);
 }
 
 }  // namespace
@@ -47,13 +56,18 @@ std::optional<std::string> helperFolder() {
 
 void installHelpers() {
   const auto bundle = Bundle::mainBundle();
+  if (!bundle) return;
   const auto folder = helperFolder();
-  if (!bundle || !folder) return;
+  if (!folder) return complain("no folder of the user's own at " + privateFolderPath());
   removeHelpers();
-  std::error_code ignored;
-  fs::create_directory(*folder, ignored);
+  std::error_code error;
+  fs::create_directory(*folder, error);
   for (const char* name : helperNames) {
-    fs::copy_file(bundle->bundlePath() + "/Contents/Helpers/" + name, *folder + "/" + name, ignored);
+    const std::string copy = *folder + "/" + name;
+    fs::copy_file(bundle->bundlePath() + "/Contents/Helpers/" + name, copy, error);
+    if (error) complain(copy + ": " + error.message());
+    // Those who tidy up runtime folders leave sticky files alone.
+    ::chmod(copy.c_str(), S_ISVTX | S_IRWXU);
   }
 }
 

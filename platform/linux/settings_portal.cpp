@@ -1,6 +1,8 @@
 #include "platform/linux/settings_portal.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
 #include "platform/linux/appearance.h"
@@ -16,6 +18,11 @@ constexpr QLatin1StringView path("/org/freedesktop/portal/desktop");
 constexpr QLatin1StringView interface("org.freedesktop.portal.Settings");
 constexpr QLatin1StringView appearance("org.freedesktop.appearance");
 constexpr QLatin1StringView colorScheme("color-scheme");
+
+bool isTimeOut(const QDBusMessage& answer) {
+  const auto type = QDBusError(answer).type();
+  return type == QDBusError::NoReply || type == QDBusError::Timeout || type == QDBusError::TimedOut;
+}
 
 }  // namespace
 
@@ -40,6 +47,9 @@ bool SettingsPortal::readPrefersDark() {
   QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
   call << appearance << colorScheme;
   const QDBusMessage answer = QDBusConnection::sessionBus().call(call, QDBus::Block, answerLimitMs);
+  // A portal that is only just being started by this call answers too late for it; what it says then counts
+  // as a change.
+  if (isTimeOut(answer)) askAgain(call);
   const bool answered = answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();
   setDark(answered && isDarkColorScheme(answer.arguments().constFirst()));
   return dark_;
@@ -50,7 +60,21 @@ void SettingsPortal::settingChanged(const QDBusMessage& message) {
   if (arguments.size() != 3 || arguments[0].toString() != appearance ||
       arguments[1].toString() != colorScheme)
     return;
-  const bool dark = isDarkColorScheme(arguments[2]);
+  takeChange(isDarkColorScheme(arguments[2]));
+}
+
+void SettingsPortal::askAgain(const QDBusMessage& call) {
+  auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+    answer->deleteLater();
+    const QDBusMessage message = answer->reply();
+    if (message.type() == QDBusMessage::ReplyMessage && !message.arguments().isEmpty()) {
+      takeChange(isDarkColorScheme(message.arguments().constFirst()));
+    }
+  });
+}
+
+void SettingsPortal::takeChange(bool dark) {
   if (dark == dark_) return;
   setDark(dark);
   for (const auto& observer : observers_) observer();

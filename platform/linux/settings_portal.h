@@ -28,6 +28,8 @@ class SettingsPortal : public QObject {
  private:
   SettingsPortal();
   void setDark(bool dark);
+  void takeChange(bool dark);
+  void askAgain(const QDBusMessage& call);
 
   bool dark_ = false;
   std::vector<std::function<void()>> observers_;

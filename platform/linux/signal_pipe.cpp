@@ -19,7 +19,24 @@ void writeByte(int) {
   errno = error;
 }
 
+void handle(int number) {
+  struct sigaction current {};
+  // Who starts a program with nohup(1) wants it to outlive the terminal.
+  if (number == SIGHUP && sigaction(number, nullptr, &current) == 0 && current.sa_handler == SIG_IGN) return;
+  struct sigaction action {};
+  action.sa_handler = writeByte;
+  action.sa_flags = SA_RESTART;
+  sigaction(number, &action, nullptr);
+}
+
 }  // namespace
+
+sigset_t endingSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, number);
+  return signals;
+}
 
 SignalPipe::SignalPipe(std::function<void()> ended) {
   int ends[2] = {-1, -1};
@@ -32,10 +49,9 @@ SignalPipe::SignalPipe(std::function<void()> ended) {
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
                    [ended = std::move(ended)] { ended(); });
 
-  struct sigaction action {};
-  action.sa_handler = writeByte;
-  action.sa_flags = SA_RESTART;
-  for (const int number : {SIGTERM, SIGINT, SIGHUP}) sigaction(number, &action, nullptr);
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) handle(number);
+  const sigset_t signals = endingSignals();
+  sigprocmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 }  // namespace platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <signal.h>
+
 #include <functional>
 #include <memory>
 
@@ -9,8 +11,11 @@
 
 namespace platform {
 
-// Brings SIGTERM, SIGINT and SIGHUP into the run loop (the self-pipe trick): the handler writes a byte, the
-// run loop reads it when the main thread is free. One per process; main thread.
+// The signals that ask the program to end: SIGTERM, SIGINT and SIGHUP.
+[[nodiscard]] sigset_t endingSignals();
+
+// Brings the ending signals into the run loop (the self-pipe trick): the handler writes a byte, the run loop
+// reads it when the main thread is free. Lets them through from here on. One per process; main thread.
 class SignalPipe {
  public:
   explicit SignalPipe(std::function<void()> ended);

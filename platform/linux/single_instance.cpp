@@ -4,10 +4,12 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <chrono>
 #include <thread>
 
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 
@@ -51,34 +53,41 @@ class ActivateObject : public QDBusVirtualObject {
 SingleInstance::SingleInstance() {
   const auto folder = privateFolder();
   if (!folder) return;
-  lock_ = FileDescriptor(
-      ::open((*folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
-  if (!lock_.valid()) return;
-  first_ = ::flock(lock_.get(), LOCK_EX | LOCK_NB) == 0;
+  // Sticky, so that those who tidy up runtime folders leave it alone.
+  lock_ = FileDescriptor(::open((*folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
+                                S_ISVTX | S_IRUSR | S_IWUSR));
+  first_ = !lock_.valid() || takeLock();
 }
 
 SingleInstance::~SingleInstance() = default;
 
-void SingleInstance::listen(std::function<void()> reopened) {
-  auto bus = QDBusConnection::sessionBus();
-  object_ = std::make_unique<ActivateObject>(std::move(reopened));
-  bus.registerVirtualObject(objectPath, object_.get());
-  bus.registerService(busName);
+bool SingleInstance::takeLock() {
+  return ::flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-void SingleInstance::tellFirst() {
+bool SingleInstance::listen(std::function<void()> reopened) {
   auto bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return;
+  if (!bus.isConnected()) return true;
+  object_ = std::make_unique<ActivateObject>(std::move(reopened));
+  bus.registerVirtualObject(objectPath, object_.get());
+  const auto taken = bus.interface()->registerService(busName);
+  return !taken.isValid() || taken.value() == QDBusConnectionInterface::ServiceRegistered;
+}
+
+bool SingleInstance::tellFirst() {
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return true;
   QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, interface, activate);
   call << QVariantMap();
   call.setAutoStartService(false);
-  // The first one has its name only a moment after its lock, and answers when its main thread is free.
-  const auto deadline = std::chrono::steady_clock::now() + 3s;
-  while (std::chrono::steady_clock::now() < deadline) {
-    const QDBusMessage answer = bus.call(call, QDBus::Block, 1000);
-    if (answer.errorName() != QLatin1StringView("org.freedesktop.DBus.Error.ServiceUnknown")) return;
+  const auto deadline = std::chrono::steady_clock::now() + 10s;
+  do {
+    const QDBusMessage answer = bus.call(call, QDBus::Block, 5000);
+    if (answer.type() == QDBusMessage::ReplyMessage) return true;
+    if (lock_.valid() && takeLock()) return false;
     std::this_thread::sleep_for(50ms);
-  }
+  } while (std::chrono::steady_clock::now() < deadline);
+  return true;
 }
 
 }  // namespace platform

@@ -20,14 +20,17 @@ class SingleInstance {
   // still works.
   [[nodiscard]] bool isFirst() const { return first_; }
 
-  // First process: takes the bus name and calls `reopened` from the run loop at each second start.
-  void listen(std::function<void()> reopened);
+  // First process: takes the bus name and calls `reopened` from the run loop at each second start. False when
+  // the name is taken: another process runs after all, under a lock elsewhere.
+  [[nodiscard]] bool listen(std::function<void()> reopened);
 
-  // Second process: tells the first one, waiting a few seconds while that is still starting. A desktop
-  // without a bus is left at that.
-  static void tellFirst();
+  // Second process: tells the first one, waiting up to ten seconds while that starts, is busy or ends. False
+  // when it has ended instead. A desktop without a bus is left at that.
+  [[nodiscard]] bool tellFirst();
 
  private:
+  [[nodiscard]] bool takeLock();
+
   FileDescriptor lock_;
   bool first_ = true;
   std::unique_ptr<QDBusVirtualObject> object_;

@@ -43,7 +43,13 @@ void StatusItem::Impl::show() {
 }
 
 void StatusItem::Impl::popUpMenu() {
-  if (menu != nullptr) menu->impl().widget.popup(QCursor::pos());
+  if (menu == nullptr) return;
+  QMenu& widget = menu->impl().widget;
+  // A tray of the X screen tells where the icon is: the menu opens beside it and not over the panel.
+  const QRect place = icon == nullptr ? QRect() : icon->geometry();
+  if (place.isEmpty()) return widget.popup(QCursor::pos());
+  const int height = widget.sizeHint().height();
+  widget.popup(place.top() >= height ? place.topLeft() - QPoint(0, height) : place.bottomLeft());
 }
 
 StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {

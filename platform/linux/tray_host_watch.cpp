@@ -25,6 +25,15 @@ xcb_connection_t* xConnection() {
   return x11 == nullptr ? nullptr : x11->connection();
 }
 
+// The screen that DISPLAY names.
+int screenNumber() {
+  char* host = nullptr;
+  int display = 0, screen = 0;
+  if (xcb_parse_display(nullptr, &host, &display, &screen) == 0) return 0;
+  std::free(host);
+  return screen;
+}
+
 template <typename Reply>
 using XReply = std::unique_ptr<Reply, decltype(&std::free)>;
 
@@ -71,7 +80,9 @@ void TrayHostWatch::askWatcher() {
 void TrayHostWatch::askScreen() {
   xcb_connection_t* connection = xConnection();
   if (connection == nullptr) return;
-  traySelection_ = atom(connection, "_NET_SYSTEM_TRAY_S0");
+  managerMessage_ = atom(connection, "MANAGER");
+  traySelection_ = atom(connection, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
+  if (managerMessage_ == XCB_ATOM_NONE || traySelection_ == XCB_ATOM_NONE) return;
   QCoreApplication::instance()->installNativeEventFilter(this);
   const auto cookie = xcb_get_selection_owner(connection, traySelection_);
   const XReply<xcb_get_selection_owner_reply_t> owner(
@@ -87,7 +98,7 @@ bool TrayHostWatch::nativeEventFilter(const QByteArray&, void* message, qintptr*
   const auto* event = static_cast<const xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
   const auto* client = reinterpret_cast<const xcb_client_message_event_t*>(event);
-  if (client->format == 32 && client->data.data32[1] == traySelection_) {
+  if (client->type == managerMessage_ && client->data.data32[1] == traySelection_) {
     QMetaObject::invokeMethod(
         this, [this] { report(); }, Qt::QueuedConnection);
   }

@@ -30,6 +30,7 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
 
   std::function<void()> found_;
   QDBusServiceWatcher watcherName_;
+  quint32 managerMessage_ = 0;
   quint32 traySelection_ = 0;
 };
 

@@ -1,8 +1,8 @@
 #include "platform/linux/x_requests.h"
 
-#include <X11/Xlib.h>
-
 #include <QGuiApplication>
+
+#include <X11/Xlib.h>
 
 namespace platform {
 

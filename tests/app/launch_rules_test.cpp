@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(
               "/Y.app/Contents/Resources/TovalinTray.app/Z.app/Contents/Resources/TovalinTray.app",
               "/Y.app/Z.app/Contents/Resources/TovalinTray.app"},
         Place{"WhatFollowsStays", "/Y.app/Contents/Resources/TovalinTray.app/more", "/Y.app/more"},
-        Place{"AtTheRoot", "/Contents/Resources/TovalinTray.app", ""},
+        Place{"AtTheRoot", "/Contents/Resources/TovalinTray.app", std::nullopt},
         Place{"Elsewhere", "/X/TovalinTray.app", std::nullopt}, Place{"Empty", "", std::nullopt},
         Place{"OtherCase", "/Y.app/contents/resources/tovalintray.app", std::nullopt},
         Place{"CutOff", "/Y.app/Contents/Resources/TovalinTray.ap", std::nullopt},

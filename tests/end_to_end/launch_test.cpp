@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -18,12 +21,19 @@ class Launch : public AgentTest {
     AgentTest::SetUp();
     if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
   }
+
+  // Up to the message; the listener's thread speaks after it.
+  [[nodiscard]] std::vector<std::string> textsOfLaunch() {
+    std::vector<std::string> all = texts();
+    all.resize(std::min(all.size(), position("pipe: -ton") + 1));
+    return all;
+  }
 };
 
 TEST_F(Launch, TellsItsStateThenTheMainApplicationOnceInThisOrder) {
   launchAgent();
-  EXPECT_THAT(texts(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
-                                   "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
+  EXPECT_THAT(textsOfLaunch(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
+                                           "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
   terminateAgent();
   EXPECT_EQ(count("pipe: "), 1);
 }
@@ -31,8 +41,9 @@ TEST_F(Launch, TellsItsStateThenTheMainApplicationOnceInThisOrder) {
 TEST_F(Launch, AutorunOffUnloadsTheLaunchAgentOnceBetweenThePathAndTheState) {
   writeProperties({.autorun = false});
   launchAgent();
-  EXPECT_THAT(texts(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]", unloadRun,
-                                   "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
+  EXPECT_THAT(textsOfLaunch(),
+              ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]", unloadRun,
+                          "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
 }
 
 TEST_F(Launch, AReadableFileWithoutAutorunUnloadsTheLaunchAgentAndGoesOn) {
@@ -51,10 +62,10 @@ TEST_F(Launch, AFailingUnloadIsNotLookedAt) {
 TEST_F(Launch, AnUnreadablePropertyFileUnloadsNothingAndMeansAutomountOn) {
   std::filesystem::remove(bundle_ + "/Contents/TovalinPorperty.plist");
   launchAgent();
-  EXPECT_THAT(texts(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
-                                   "log 3: GetProperty CFReadStreamOpen error",
-                                   "log 3: GetProperty CFReadStreamOpen error", "log 3: bActive : 1",
-                                   "log 3: Dark Mode : 0", "pipe: -ton"));
+  EXPECT_THAT(textsOfLaunch(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
+                                           "log 3: GetProperty CFReadStreamOpen error",
+                                           "log 3: GetProperty CFReadStreamOpen error", "log 3: bActive : 1",
+                                           "log 3: Dark Mode : 0", "pipe: -ton"));
 }
 
 TEST_F(Launch, AutomountIsOffWhenTheFileSaysSoOrSaysNothing) {
@@ -87,7 +98,10 @@ TEST_F(Launch, WhateverElseTheDesktopSaysMeansLight) {
 TEST_F(Launch, ADesktopThatDoesNotAnswerMeansLightAndHoldsNothingUp) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
+  const auto start = std::chrono::steady_clock::now();
   launchAgent();
+  // Half a second is allowed; the rest is room for a slow machine.
+  EXPECT_LT(timeline_.waitFor("pipe: -ton")->time - start, std::chrono::seconds(8));
   EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
 }
 
@@ -147,7 +161,88 @@ TEST_F(Launch, WithoutADisplayTheAgentSaysSoAndEnds) {
   startAgent();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
   EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("TovalinTray: cannot open the display \":4711\"\n"));
-  EXPECT_TRUE(waitForText("log 2: cannot open the display \":4711\""));
+  EXPECT_TRUE(waitForText("log 3: cannot open the display \":4711\""));
+}
+
+TEST_F(Launch, WithoutTheNameOfADisplayTheAgentSaysSoAndEnds) {
+  environment_["DISPLAY"] = std::nullopt;
+  startAgent();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_THAT(agent_.takeErrorOutput(),
+              HasSubstr("TovalinTray: cannot open a display: DISPLAY is not set\n"));
+}
+
+TEST_F(Launch, AnotherKindOfScreenThatIsNotThereIsToldInTheToolkitsWords) {
+  environment_["QT_QPA_PLATFORM"] = "bogus";
+  startAgent();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("platform plugin"));
+}
+
+TEST_F(Launch, ABusThatTakesConnectionsButDoesNotAnswerIsDoneWithout) {
+  const test_support::FileDescriptor mute(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const sockaddr_un address{AF_UNIX, "/tmp/mute bus"};
+  ::unlink(address.sun_path);
+  ASSERT_EQ(::bind(mute.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(::listen(mute.get(), 10), 0);
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/mute bus";
+  launchAgent();
+  EXPECT_EQ(count("log 3: the session bus does not answer; going on without it"), 1);
+  terminateAgent();
+}
+
+TEST_F(Launch, WithoutABusAddressNoBusIsStarted) {
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = std::nullopt;
+  launchAgent();
+  terminateAgent();
+  for (const auto& process : std::filesystem::directory_iterator("/proc")) {
+    std::ifstream name(process.path() / "comm");
+    std::string command;
+    std::getline(name, command);
+    EXPECT_NE(command, "dbus-launch");
+  }
+}
+
+TEST_F(Launch, AnAnswerOfTheDesktopThatComesLateCountsAsAChange) {
+  ASSERT_TRUE(host_.start(bus_));
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  ASSERT_TRUE(portal_.delayAnswers(std::chrono::milliseconds(800)));
+  launchAgent();
+  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+  const auto shown = [&] {
+    EXPECT_TRUE(host_.saveIcon("/tmp/late.png", "20"));
+    return runOnDisplay({"sh", "-c", "convert /tmp/late.png -alpha off -format '%[fx:maxima]' info:"});
+  };
+  // The icon for dark panels is drawn in white.
+  EXPECT_TRUE(test_support::waitUntil([&] { return shown() == "1"; }));
+}
+
+TEST_F(Launch, ClosedStandardStreamsLeadNowhere) {
+  std::filesystem::remove("/tmp/KMPIPE");
+  test_support::ChildOptions options;
+  options.environment = environment_;
+  ASSERT_TRUE(agent_.start({"sh", "-c", "exec \"$0\" <&- >&- 2>&-", agentProgram()}, options));
+  ASSERT_TRUE(waitForText("log 3: open pipe failed. errno : 2"));
+  for (const char* stream : {"0", "1", "2"}) {
+    EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(agent_.pid()) + "/fd/" + stream),
+              "/dev/null");
+  }
+  EXPECT_EQ(std::filesystem::file_size("/tmp/runtime/TovalinTray/lock"), 0u);
+}
+
+TEST_F(Launch, APrivateFolderThatIsSomebodyElsesIsToldAndNotUsed) {
+  environment_["XDG_RUNTIME_DIR"] = std::nullopt;
+  std::filesystem::create_directory("/tmp/elsewhere of theirs");
+  const std::string place = "/tmp/TovalinTray-" + std::to_string(::geteuid());
+  std::filesystem::remove_all(place);
+  std::filesystem::create_symlink("/tmp/elsewhere of theirs", place);
+  launchAgent();
+  EXPECT_EQ(count("log 3: outside commands run without the agent's helpers: no folder of the user's own at " +
+                  place),
+            1);
+  EXPECT_TRUE(std::filesystem::is_empty("/tmp/elsewhere of theirs"));
+  std::filesystem::remove(place);
 }
 
 TEST_F(Launch, OutsideAMainApplicationsBundleTheAgentSaysSoAndEnds) {

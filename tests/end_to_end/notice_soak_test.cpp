@@ -41,7 +41,8 @@ TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
   const long memory = ownMemoryInKilobytes(), open = descriptors();
   showAndHideBoth(pairs - warmUp);
   EXPECT_LE(std::labs(ownMemoryInKilobytes() - memory), 1024);
-  EXPECT_TRUE(test_support::waitUntil([&] { return descriptors() == open; })) << descriptors() << " for " << open;
+  EXPECT_TRUE(test_support::waitUntil([&] { return descriptors() == open; }))
+      << descriptors() << " for " << open;
   std::printf("%d pairs: %ld kB after %d, %ld kB at the end\n", pairs, memory, warmUp,
               ownMemoryInKilobytes());
 }

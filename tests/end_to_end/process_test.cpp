@@ -20,7 +20,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 bool isMenu(const XWindow& window) {
-  return window.className == "TovalinTray" && window.width > 100;
+  return window.className == "Tovalin" && window.width > 100;
 }
 
 class Process : public AgentTest {
@@ -119,6 +119,49 @@ TEST_F(Process, ASecondStartNeedsNoDisplayAndNoBus) {
   EXPECT_TRUE(agent_.running());
 }
 
+TEST_F(Process, ASecondStartWithAnotherRuntimeFolderFindsTheFirstOnTheBus) {
+  launchAgent();
+  environment_["XDG_RUNTIME_DIR"] = std::nullopt;
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+  EXPECT_EQ(count("pipe: -ton"), 1);
+}
+
+TEST_F(Process, ASecondStartWhileTheFirstEndsTakesItsPlace) {
+  launchAgentInPanel();
+  timeline_.hold("killall");
+  agent_.terminate();
+  ASSERT_TRUE(waitForText(killRun));
+  ChildOptions options;
+  options.environment = environment_;
+  ASSERT_TRUE(another_.start({agentProgram()}, options));
+  timeline_.clear();
+  timeline_.release("killall");
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_TRUE(waitForText("pipe: -ton"));
+  EXPECT_TRUE(another_.running());
+}
+
+TEST_F(Process, AStartThatIsToOutliveItsTerminalDoes) {
+  install("/tmp/Applications/Tovalin.app");
+  ChildOptions options;
+  options.environment = environment_;
+  ASSERT_TRUE(agent_.start({"nohup", agentProgram()}, options));
+  ASSERT_TRUE(waitForText("pipe: -ton"));
+  agent_.signal(SIGHUP);
+  EXPECT_FALSE(agent_.wait(std::chrono::milliseconds(300)));
+  terminateAgent();
+}
+
+TEST_F(Process, HelpOntoAFullDiskIsAFailure) {
+  install("/tmp/Applications/Tovalin.app");
+  ChildOptions options;
+  options.environment = environment_;
+  options.output = Redirection::file("/dev/full");
+  ASSERT_TRUE(another_.start({agentProgram(), "--help"}, options));
+  EXPECT_EQ(another_.wait(), ExitStatus{.code = 1});
+}
+
 TEST_F(Process, AfterACrashTheNextStartRuns) {
   launchAgent();
   agent_.kill();
@@ -165,8 +208,13 @@ TEST_F(Process, WhatItSaysOnStandardOutputComesLineByLine) {
   EXPECT_TRUE(agent_.running());
 }
 
-TEST_F(Process, ItKeepsNoDescriptorOfItsStarterAndGivesNoneToItsCommands) {
-  launchAgent();
+TEST_F(Process, ADescriptorOfItsStarterGoesToNoneOfItsCommands) {
+  install("/tmp/Applications/Tovalin.app");
+  ChildOptions options;
+  options.environment = environment_;
+  ASSERT_TRUE(agent_.start({"sh", "-c", "exec 9</etc/passwd; exec \"$0\"", agentProgram()}, options));
+  ASSERT_TRUE(waitForText("pipe: -ton"));
+  ASSERT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(agent_.pid()) + "/fd/9"), "/etc/passwd");
   std::vector<std::string> open;
   for (const auto& entry :
        std::filesystem::directory_iterator("/proc/" + std::to_string(agent_.pid()) + "/fd")) {

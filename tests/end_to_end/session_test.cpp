@@ -20,7 +20,7 @@ bool isOpenWindow(const XWindow& window) {
   return window.name.starts_with("a window");
 }
 bool isMenu(const XWindow& window) {
-  return window.className == "TovalinTray" && window.width > 100;
+  return window.className == "Tovalin" && window.width > 100;
 }
 
 // The agent in a desktop session with an X session manager.

@@ -12,7 +12,7 @@ using test_support::Redirection;
 using test_support::XWindow;
 
 bool isAgents(const XWindow& window) {
-  return window.className == "TovalinTray";
+  return window.className == "Tovalin";
 }
 bool isMenu(const XWindow& window) {
   return isAgents(window) && window.width > 100;

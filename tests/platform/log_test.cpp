@@ -177,7 +177,7 @@ TEST_F(Log, FatalErrorSaysItOnBothChannelsAndEndsWithOne) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_EQ(finished.error, "TovalinTray: can't go on: 100% %s\n");
   EXPECT_EQ(finished.output, "");
-  EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_CRIT, "can't go on: 100% %s")));
+  EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_ERR, "can't go on: 100% %s")));
 }
 
 TEST_F(Log, FatalErrorLosesNoOutput) {

@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <X11/SM/SMlib.h>
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -14,6 +13,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <X11/SM/SMlib.h>
 
 namespace {
 

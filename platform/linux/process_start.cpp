@@ -1,0 +1,34 @@
+#include "platform/linux/process_start.h"
+
+#include <fcntl.h>
+#include <linux/close_range.h>
+#include <signal.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "platform/linux/signal_pipe.h"
+
+namespace platform {
+namespace {
+
+void fillStandardStreams() {
+  int descriptor = ::open("/dev/null", O_RDWR);
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDWR);
+  if (descriptor >= 0) ::close(descriptor);
+}
+
+}  // namespace
+
+void prepareProcess() {
+  fillStandardStreams();
+  ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+  const sigset_t endings = endingSignals();
+  sigprocmask(SIG_SETMASK, &endings, nullptr);
+  ::signal(SIGPIPE, SIG_IGN);
+  ::openlog("TovalinTray", LOG_PID, LOG_USER);
+  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+}
+
+}  // namespace platform
