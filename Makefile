@@ -10,6 +10,10 @@ build:
 	@cmake --preset $(PRESET) >build/$(PRESET).configure.log 2>&1 || { cat build/$(PRESET).configure.log; exit 1; }
 	@cmake --build --preset $(PRESET)
 
+# Prints a table and leaves every figure in build/bench.json.
+bench: build
+	@tests/bench/run build/$(PRESET)
+
 format:
 	clang-format -i $(SOURCES)
 

@@ -1,0 +1,38 @@
+// Scaling a picture, beside the toolkit's own scaling of the same pixels.
+
+#include <QImage>
+
+#include "notices/image_resize.h"
+#include "platform/image.h"
+#include "platform/linux/image_impl.h"
+#include "tests/bench/pairs.h"
+
+namespace {
+
+constexpr int side = 512;
+
+// In the format in which pictures come out of their files.
+QImage picture() {
+  QImage pixels(side, side, QImage::Format_ARGB32);
+  for (int y = 0; y < side; ++y)
+    for (int x = 0; x < side; ++x)
+      pixels.setPixelColor(x, y, QColor(x / 2, y / 2, (x ^ y) & 255, 255 - x / 4));
+  return pixels;
+}
+
+}  // namespace
+
+int main() {
+  const QImage pixels = picture();
+  platform::Image source({side, side});
+  source.impl().forms = {pixels};
+  for (const QSize size : {QSize(20, 20), QSize(420, 420), QSize(420, 40)}) {
+    const auto ours = [&] { static_cast<void>(imageResize(&source, size.width(), size.height())); };
+    const auto reference = [&] {
+      static_cast<void>(pixels.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    };
+    bench::print(bench::timePairs(
+        "imageResize, 512x512 to " + std::to_string(size.width()) + "x" + std::to_string(size.height()), ours,
+        reference));
+  }
+}

@@ -1,0 +1,101 @@
+// Reading property lists, beside the toolkit's XML reader running once over the same bytes.
+
+#include <cstdlib>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <QXmlStreamReader>
+
+#include "platform/property_list.h"
+#include "tests/bench/pairs.h"
+#include "tests/platform/property_list_binary_builder.h"
+
+namespace {
+
+using property_list_support::BinaryList;
+
+constexpr std::string_view head =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+    "<plist version=\"1.0\">\n<dict>\n";
+constexpr std::string_view tail = "</dict>\n</plist>\n";
+
+// A third each of texts, numbers and truths.
+struct Entry {
+  std::string key = {};
+  std::string xml = {};
+  std::string binary = {};
+};
+
+Entry entry(std::size_t number) {
+  const std::string text = "value " + std::to_string(number);
+  Entry result{.key = "Key " + std::to_string(100 + number)};
+  if (number % 3 == 0) {
+    result.xml = "<string>" + text + "</string>";
+    result.binary = static_cast<char>(0x50 + text.size()) + text;
+  } else if (number % 3 == 1) {
+    result.xml = "<integer>" + std::to_string(number) + "</integer>";
+    result.binary = "\x10" + BinaryList::bigEndian(number, 1);
+  } else {
+    result.xml = "<true/>";
+    result.binary = "\x09";
+  }
+  return result;
+}
+
+std::vector<Entry> entries(std::size_t count) {
+  std::vector<Entry> result;
+  result.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) result.push_back(entry(i));
+  return result;
+}
+
+// Like the main application's property file.
+std::vector<Entry> propertyFile() {
+  return {{.key = "Active", .xml = "<true/>", .binary = "\x09"},
+          {.key = "Autorun", .xml = "<true/>", .binary = "\x09"}};
+}
+
+std::string xmlList(const std::vector<Entry>& all) {
+  std::string list(head);
+  for (const Entry& one : all) list += "\t<key>" + one.key + "</key>\n\t" + one.xml + "\n";
+  return list.append(tail);
+}
+
+// The dictionary first, then its keys, then its values.
+std::string binaryList(const std::vector<Entry>& all) {
+  std::string dictionary = "\xdf\x11" + BinaryList::bigEndian(all.size(), 2);
+  for (std::size_t i = 1; i <= 2 * all.size(); ++i) dictionary += BinaryList::bigEndian(i, 2);
+  BinaryList list{.objects = {dictionary}, .referenceSize = 2};
+  for (const Entry& one : all) list.objects.push_back(static_cast<char>(0x50 + one.key.size()) + one.key);
+  for (const Entry& one : all) list.objects.push_back(one.binary);
+  return list.build();
+}
+
+void parse(const std::string& list) {
+  // A list that isn't read in full would look fast.
+  if (!platform::parsePropertyList(std::as_bytes(std::span(list)))) std::abort();
+}
+
+void readThrough(const std::string& list) {
+  QXmlStreamReader reader(QByteArray::fromRawData(list.data(), static_cast<qsizetype>(list.size())));
+  while (!reader.atEnd()) reader.readNext();
+  if (reader.hasError()) std::abort();
+}
+
+void measure(const std::string& size, const std::vector<Entry>& all) {
+  const std::string xml = xmlList(all), binary = binaryList(all);
+  bench::print(bench::timePairs(
+      "parsePropertyList, XML, " + size, [&] { parse(xml); }, [&] { readThrough(xml); }));
+  bench::print(bench::timePairs("parsePropertyList, binary, " + size, [&] { parse(binary); }));
+}
+
+}  // namespace
+
+int main() {
+  measure("2 entries", propertyFile());
+  measure("200 entries", entries(200));
+}
