@@ -58,13 +58,18 @@ start_server() {
 }
 
 start_main_application() {
-  "$bundle/Contents/MacOS/Tovalin" --until -toff > >(retell_main_application) 2>&1 &
+  mkfifo /tmp/main_application
+  "$bundle/Contents/MacOS/Tovalin" --until -toff </tmp/main_application > >(retell_main_application) 2>&1 &
   main_application=$!
+  exec 5>/tmp/main_application
   wait_for_line "main app" "reading"
 }
 
+# Has the main application ask the agent for something: "access on", "loading off" ...
+ask_agent() { echo "$1" >&5; }
+
 # Without the time that it puts before each message.
-retell_main_application() { sed --unbuffered 's/^[0-9:.]*  "/read "/' | retell "main app"; }
+retell_main_application() { sed --unbuffered -e 's/^[0-9:.]*  "/read "/' -e 's/^[0-9:.]*  sent/sent/' | retell "main app"; }
 
 start_agent() {
   tell "visit" "starts the agent"

@@ -61,6 +61,10 @@ panel_is_empty() {
   [ "$(compare -metric AE -extract "$icon_area" "$shot" "$empty_shot" null: 2>&1)" = 0 ]
 }
 
+notice_is_open() { xdotool search --onlyvisible --name '^Tovalin Notification$' >/dev/null; }
+
+notice_is_closed() { ! notice_is_open; }
+
 # Sets menu_left, menu_top, menu_width and menu_height; a tooltip is no menu.
 menu_is_open() {
   shoot || return 1
