@@ -5,9 +5,7 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 
-// clang-format off: its macros would break the toolkit's headers, so it comes last
 #include <X11/ICE/ICElib.h>
-// clang-format on
 
 namespace platform {
 namespace {
