@@ -2,7 +2,7 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
-.PHONY: build soak format check check-format check-tidy check-cppcheck check-sanitizers
+.PHONY: build bench soak format check check-format check-tidy check-cppcheck check-sanitizers
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
