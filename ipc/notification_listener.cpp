@@ -46,7 +46,19 @@ platform::FileDescriptor openNotificationPipe() {
 
 enum class Wait { Ready, TimeOut, Failed };
 
+// A regular file that was read to its end stays ready to be read, without anything to read.
+bool isAtEndOfFile(int descriptor) {
+  struct stat status {};
+  return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+         ::lseek(descriptor, 0, SEEK_CUR) >= status.st_size;
+}
+
 Wait waitForMessage(int descriptor) {
+  // select(2) can't name a descriptor beyond its set.
+  if (descriptor >= FD_SETSIZE) {
+    errno = EINVAL;
+    return Wait::Failed;
+  }
   fd_set readable;
   FD_ZERO(&readable);
   FD_SET(descriptor, &readable);
@@ -77,13 +89,15 @@ void nimbatrayAppDelegate::listen(int pipe) {
     const Wait wait = waitForMessage(pipe);
     if (wait == Wait::Failed) return logFailure("pipe select error");
     if (wait == Wait::TimeOut) continue;
-    buffer.fill('\0');
-    if (read_pipe(pipe, buffer) != 0) {
-      dispatch(buffer, shown);
-    } else if (!ownEnd.valid()) {
-      // A file at its end is always ready to be read.
+    if (isAtEndOfFile(pipe)) {
       std::this_thread::sleep_for(waitTime);
+      continue;
     }
+    buffer.fill('\0');
+    const int count = read_pipe(pipe, buffer);
+    if (count != 0) dispatch(buffer, shown);
+    // What is no FIFO is always ready, a folder for one, and gives nothing.
+    if (count <= 0 && !ownEnd.valid()) std::this_thread::sleep_for(waitTime);
   }
 }
 

@@ -30,6 +30,8 @@ void Application::performOnMainThread(std::function<void()> work) {
 }
 
 void Application::runModalForWindow(std::shared_ptr<Window> window) {
+  // What is left from before is served inside the run, and what the run leaves after it.
+  impl_->postedWork.wake();
   impl_->modalRuns.run(std::move(window));
   impl_->postedWork.wake();
 }

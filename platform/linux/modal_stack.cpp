@@ -26,6 +26,14 @@ bool isInput(const QEvent& event) {
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:
     case QEvent::TouchEnd:
+    case QEvent::TabletPress:
+    case QEvent::TabletMove:
+    case QEvent::TabletRelease:
+    case QEvent::NativeGesture:
+    case QEvent::DragEnter:
+    case QEvent::Drop:
+    case QEvent::InputMethod:
+    case QEvent::Enter:
     case QEvent::ContextMenu:
     case QEvent::Close:
       return true;
@@ -62,7 +70,7 @@ void ModalStack::stop() {
 bool ModalStack::eventFilter(QObject* receiver, QEvent* event) {
   if (!isInput(*event) || !receiver->isWidgetType()) return false;
   const Level* level = innermost();
-  if (level == nullptr || !level->window->isVisible()) return false;
+  if (level == nullptr || !level->window->impl().isOnScreen()) return false;
   const QWidget* target = static_cast<QWidget*>(receiver)->window();
   if (!isWindowOfProgram(*target) || level->window->impl().owns(*target)) return false;
   if (event->type() == QEvent::MouseButtonPress) level->window->makeKeyAndOrderFront();

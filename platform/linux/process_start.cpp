@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/close_range.h>
+#include <malloc.h>
 #include <signal.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -27,6 +28,9 @@ void prepareProcess() {
   const sigset_t endings = endingSignals();
   sigprocmask(SIG_SETMASK, &endings, nullptr);
   ::signal(SIGPIPE, SIG_IGN);
+  // Pictures come and go with each notice: kept out of the heap, where small things that stay would hold
+  // their room.
+  ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   ::openlog("TovalinTray", LOG_PID, LOG_USER);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 }

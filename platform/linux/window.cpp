@@ -45,6 +45,11 @@ Window::Impl::Impl(Rect contentRect, WindowStyle style)
   widget.setFixedSize(widget.size());
 }
 
+bool Window::Impl::isOnScreen() const {
+  return widget.isVisible() && !widget.isMinimized() && widget.windowHandle() != nullptr &&
+         widget.windowHandle()->isExposed();
+}
+
 // On the window itself: the toolkit would make a new one for a changed flag of the widget.
 void Window::Impl::setAboveOthers(bool above) {
   if (QWindow* window = widget.windowHandle()) window->setFlag(Qt::WindowStaysOnTopHint, above);

@@ -14,6 +14,8 @@ struct Window::Impl {
 
   // Whether this toolkit window is the window itself.
   [[nodiscard]] bool owns(const QWidget& window) const { return &window == &widget; }
+  // Visible, and neither made an icon nor on another desktop.
+  [[nodiscard]] bool isOnScreen() const;
   void setAboveOthers(bool above);
 
   std::unique_ptr<View> content;

@@ -4,8 +4,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
+#include <thread>
 
 #include "tests/end_to_end/notice_fixture.h"
 
@@ -242,11 +245,100 @@ TEST_F(Notice, ARegularFileIsReadAsCommands) {
   EXPECT_TRUE(std::filesystem::is_regular_file(pipePath));
 }
 
-TEST_F(Notice, AFolderInItsPlaceIsToldAndTheAgentGoesOn) {
+TEST_F(Notice, AFolderInItsPlaceIsToldAndFloodsNothing) {
   std::filesystem::create_directory(pipePath);
   launchAgent();
-  EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
+  ASSERT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
+  timeline_.clear();
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_TRUE(waitUntil([&] { return count("log 3: read_pipe read error") >= 10; }));
+  // Ten reads take ten wait times of 30 ms.
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(250));
   EXPECT_TRUE(agent_.running());
+}
+
+TEST_F(Notice, ARegularFileThatWasReadToItsEndIsLeftInPeaceUntilItGrows) {
+  std::ofstream(pipePath) << "-non";
+  launchAgent();
+  ASSERT_TRUE(shows(isAccessNotice));
+  timeline_.clear();
+  EXPECT_FALSE(timeline_.waitFor("log", std::chrono::milliseconds(300)));
+  std::ofstream(pipePath, std::ios::app) << "-noff";
+  EXPECT_TRUE(hides(isAccessNotice));
+}
+
+TEST_F(Notice, AConnectedWriterThatSaysNothingAtTheStartIsAnEmptyUnknownCommand) {
+  ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
+  const test_support::FileDescriptor pipe(::open(pipePath, O_RDWR | O_CLOEXEC));
+  launchAgent();
+  EXPECT_TRUE(waitForText("log 3: unknown command "));
+  EXPECT_LT(position("log 6: -[nimbatrayAppDelegate notiThread] Exist pipe message!"),
+            position("log 3: unknown command "));
+}
+
+TEST_F(Notice, APipeThatMayNoLongerBeReadGoesOnServing) {
+  launch();
+  ASSERT_EQ(::chmod(pipePath, 0), 0);
+  // This process may still write; the listener holds its end open.
+  send("-non");
+  EXPECT_TRUE(shows(isAccessNotice));
+}
+
+TEST_F(Notice, WhatWasAskedWhileTheMainThreadRestedIsAllServedAfterIt) {
+  ASSERT_TRUE(host_.start(bus_));
+  launch();
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  ASSERT_TRUE(host_.click("Automount Off"));
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  for (const char* message : {"-noff", "-non", "-neon", "-neoff", "-noff"}) send(message);
+  EXPECT_TRUE(waitForText("run: osascript"));
+  EXPECT_TRUE(hides(isLoadingNotice));
+  EXPECT_TRUE(hides(isAccessNotice));
+}
+
+TEST_F(Notice, TheOuterNoticeTakesNoInputWhileTheInnerOneIsUp) {
+  launch();
+  send("-non");
+  const auto outer = waitForWindow(display_.name(), isAccessNotice);
+  ASSERT_TRUE(outer);
+  send("-neon");
+  const auto inner = waitForWindow(display_.name(), isLoadingNotice);
+  ASSERT_TRUE(inner);
+  // A press on what is to be seen of the outer one brings the inner one forward again.
+  runOnDisplay(
+      {"xdotool", "mousemove", std::to_string(outer->x + 20), std::to_string(outer->y + 70), "click", "1"});
+  EXPECT_TRUE(waitUntil([&] { return activeWindowOn(display_.name()) == inner->id; }));
+}
+
+TEST_F(Notice, TheLossOfTheDisplayInsideTwoNoticesRunsTheProperEnd) {
+  launch();
+  send("-non");
+  send("-neon");
+  ASSERT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
+  display_.stop();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_EQ(count(killRun), 1);
+}
+
+TEST_F(Notice, WritersThatDoNotWaitMergeTextsAndNothingWorse) {
+  launch();
+  {
+    std::vector<std::jthread> writers;
+    for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) {
+      writers.emplace_back([message] {
+        const test_support::FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
+        for (int i = 0; i < 200; ++i) EXPECT_GT(::write(pipe.get(), message, std::strlen(message)), 0);
+      });
+    }
+  }
+  // Whatever came of it, the pipe serves on: at the end both notices can be had and taken away.
+  for (const char* message : {"-noff", "-neoff", "-non", "-neon"}) send(message);
+  EXPECT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
+  for (const char* message : {"-neoff", "-noff"}) send(message);
+  EXPECT_TRUE(hides(isAccessNotice));
+  EXPECT_TRUE(hides(isLoadingNotice));
 }
 
 TEST_F(Notice, APlaceWhereNothingCanBeMadeIsToldAndTheListenerEnds) {
@@ -269,29 +361,61 @@ TEST_F(Notice, ARemovedPipeIsNotMadeAgainAndTheAgentGoesOn) {
   EXPECT_FALSE(std::filesystem::exists(pipePath));
 }
 
-TEST_F(Notice, AfterTheLastWriterHasLeftNothingIsLoggedAnyMore) {
+TEST_F(Notice, AfterTheLastWriterHasLeftTheListenerOnlyWaits) {
   launch();
   send("hello");
   timeline_.clear();
-  const auto turns = [&] {
-    std::ifstream status("/proc/" + std::to_string(agent_.pid()) + "/io");
-    return std::string(std::istreambuf_iterator<char>(status), {});
+  const auto wakeUps = [&] {
+    long sum = 0;
+    for (const auto& thread :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(agent_.pid()) + "/task")) {
+      std::ifstream status(thread.path() / "status");
+      for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("voluntary_ctxt_switches:")) sum += std::stol(line.substr(24));
+      }
+    }
+    return sum;
   };
-  const std::string before = turns();
-  EXPECT_FALSE(timeline_.waitFor("log", std::chrono::milliseconds(500)));
-  EXPECT_EQ(turns(), before) << "somebody reads or writes without an occasion";
+  const long before = wakeUps();
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_FALSE(timeline_.waitFor("log", std::chrono::milliseconds(1000)));
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  const double aSecond = static_cast<double>(wakeUps() - before) / seconds.count();
+  EXPECT_LE(aSecond, 40);
+  EXPECT_GE(aSecond, 5) << "the listener does not wait in steps of 30 ms";
 }
 
+// Each waits for its turn, and sends only when the message before it has been read.
 TEST_F(Notice, A150MessagesOfThreeWritersAreEachActedOnOrDropped) {
   launch();
   const char* const messages[] = {"-non", "-noff", "-neon", "-neoff", "bad"};
-  int unknown = 0;
-  for (int i = 0; i < 150; ++i) {
-    // Three writers in turn, each with a connection of its own.
-    const std::string message = messages[(i * 7 + i / 3) % 5];
-    if (message == "bad") ++unknown;
-    send(message);
+  const auto messageNumber = [&](int i) { return messages[(i * 7 + i / 3) % 5]; };
+  std::mutex turn;
+  int next = 0;
+  {
+    std::vector<std::jthread> writers;
+    for (int writer = 0; writer < 3; ++writer) {
+      writers.emplace_back([&] {
+        for (;;) {
+          const std::lock_guard lock(turn);
+          if (next == 150) return;
+          send(messageNumber(next++));
+        }
+      });
+    }
   }
+  bool access = false, loading = false;
+  int unknown = 0, loadingHidden = 0;
+  for (int i = 0; i < 150; ++i) {
+    const std::string message = messageNumber(i);
+    if (message == "bad") ++unknown;
+    if (message == "-neoff" && loading) ++loadingHidden;
+    if (message == "-non" || message == "-noff") access = message == "-non";
+    if (message == "-neon" || message == "-neoff") loading = message == "-neon";
+  }
+  EXPECT_TRUE(waitUntil([&] { return count("run: osascript") == loadingHidden; })) << count("run: osascript");
+  EXPECT_TRUE(access ? shows(isAccessNotice) : hides(isAccessNotice));
+  EXPECT_TRUE(loading ? shows(isLoadingNotice) : hides(isLoadingNotice));
   EXPECT_EQ(count("log 6: read_pipe read pipe message : "), 150);
   EXPECT_EQ(count("log 3: unknown command bad"), unknown);
   EXPECT_EQ(count("log 3: "), unknown);

@@ -1,0 +1,78 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+
+#include "ipc/notification_commands.h"
+#include "ipc/notification_pipe.h"
+#include "tests/support/syslog_socket.h"
+
+namespace {
+
+using test_support::SyslogMessage;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::Field;
+
+auto entry(int priority, const std::string& text) {
+  return AllOf(Field(&SyslogMessage::priority, priority), Field(&SyslogMessage::text, text));
+}
+
+class ReadPipe : public testing::Test {
+ protected:
+  void SetUp() override {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_NONBLOCK | O_CLOEXEC), 0);
+    reader_.reset(ends[0]);
+    writer_.reset(ends[1]);
+  }
+
+  test_support::SyslogSocket log_;
+  platform::FileDescriptor reader_, writer_;
+  std::array<char, notificationBufferSize> buffer_{};
+};
+
+TEST_F(ReadPipe, GivesTheCountAndLogsTheText) {
+  ASSERT_EQ(::write(writer_.get(), "-non", 4), 4);
+  EXPECT_EQ(read_pipe(reader_.get(), buffer_), 4);
+  EXPECT_EQ(textIn(buffer_), "-non");
+  EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : -non")));
+}
+
+TEST_F(ReadPipe, TheEndOfTheFileIsZeroAndLogsAnEmptyText) {
+  writer_.reset();
+  EXPECT_EQ(read_pipe(reader_.get(), buffer_), 0);
+  EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : ")));
+}
+
+TEST_F(ReadPipe, NothingToReadJustNowIsTheNegatedErrnoWithoutALineOfItsOwn) {
+  EXPECT_EQ(read_pipe(reader_.get(), buffer_), -EAGAIN);
+  EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : ")));
+}
+
+TEST_F(ReadPipe, AnyOtherFailureIsMinusOneAndSaysSo) {
+  EXPECT_EQ(read_pipe(-1, buffer_), -1);
+  EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : "),
+                                           entry(LOG_ERR, "read_pipe read error. errno : 9")));
+}
+
+TEST_F(ReadPipe, AWriteEndIsHeldOfAFifoOnly) {
+  EXPECT_TRUE(holdOpenForWriting(reader_.get()).valid());
+  const platform::FileDescriptor file(::open("/tmp/regular", O_RDONLY | O_CREAT | O_CLOEXEC, 0600));
+  EXPECT_FALSE(holdOpenForWriting(file.get()).valid());
+  const platform::FileDescriptor folder(::open("/tmp", O_RDONLY | O_CLOEXEC));
+  EXPECT_FALSE(holdOpenForWriting(folder.get()).valid());
+  EXPECT_FALSE(holdOpenForWriting(-1).valid());
+}
+
+TEST_F(ReadPipe, TheHeldEndKeepsTheEndOfTheFileAway) {
+  const platform::FileDescriptor held = holdOpenForWriting(reader_.get());
+  writer_.reset();
+  EXPECT_EQ(read_pipe(reader_.get(), buffer_), -EAGAIN);
+}
+
+}  // namespace
