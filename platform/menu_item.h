@@ -25,7 +25,7 @@ class MenuItem {
   void setTitle(std::string_view title);
   void setEnabled(bool enabled);
   // The picture beside the title, at its own size; nullptr for none.
-  void setImage(std::shared_ptr<Image> image);
+  void setImage(const std::shared_ptr<Image>& image);
   // Puts a hidden web view into the item's place, owned by the item: the item then takes no visible room.
   void setView(std::unique_ptr<WebView> view);
 

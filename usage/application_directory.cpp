@@ -16,7 +16,7 @@ std::optional<std::string> applicationPath() {
 }  // namespace
 
 std::optional<std::string> applicationDirectory() {
-  const auto path = applicationPath();
+  auto path = applicationPath();
   if (!path) return std::nullopt;
   std::error_code error;
   std::filesystem::create_directories(*path, error);

@@ -10,11 +10,13 @@
 #include "platform/linux/application_impl.h"
 #include "platform/linux/private_folder.h"
 
-// Instrumented builds report where the process ends, since no exit handler runs.
+// Instrumented builds report where the process ends, since no exit handler runs. The names are those of the
+// compilers' own run time. NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void __gcov_dump() __attribute__((weak));
 void __lsan_do_leak_check() __attribute__((weak));
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace platform {
 

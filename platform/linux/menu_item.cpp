@@ -52,7 +52,7 @@ void MenuItem::setEnabled(bool enabled) {
   impl_->line.setEnabled(enabled);
 }
 
-void MenuItem::setImage(std::shared_ptr<Image> image) {
+void MenuItem::setImage(const std::shared_ptr<Image>& image) {
   impl_->line.setIcon(image == nullptr ? QIcon() : fixedSizeIcon(image->impl().pixmap()));
 }
 

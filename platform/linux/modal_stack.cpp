@@ -1,7 +1,6 @@
 #include "platform/linux/modal_stack.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include <QApplication>
 #include <QEvent>
@@ -56,7 +55,7 @@ void ModalStack::run(std::shared_ptr<Window> window) {
 
 ModalStack::Level* ModalStack::innermost() const {
   const auto running =
-      std::ranges::find_if(std::views::reverse(levels_), [](const Level* level) { return !level->stopped; });
+      std::find_if(levels_.rbegin(), levels_.rend(), [](const Level* level) { return !level->stopped; });
   return running == levels_.rend() ? nullptr : *running;
 }
 

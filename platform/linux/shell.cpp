@@ -67,6 +67,7 @@ int waitFor(pid_t child) {
 int system(const std::string& command) {
   const std::vector<std::string> environment = environmentWithHelpers();
   std::vector<char*> entries;
+  entries.reserve(environment.size() + 1);
   for (const std::string& entry : environment) entries.push_back(const_cast<char*>(entry.c_str()));
   entries.push_back(nullptr);
 

@@ -1,5 +1,7 @@
 #include <cstdlib>
 #include <fstream>
+#include <thread>
+#include <utility>
 
 #include "tests/end_to_end/notice_fixture.h"
 
@@ -24,6 +26,16 @@ class NoticeSoak : public NoticeTest {
     return 0;
   }
 
+  // The main thread may still be behind what the listener has read, with windows up; then the size moves.
+  [[nodiscard]] long settledMemory() const {
+    long before = -1, now = ownMemoryInKilobytes();
+    for (int i = 0; i < 100 && now != before; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+      before = std::exchange(now, ownMemoryInKilobytes());
+    }
+    return now;
+  }
+
   [[nodiscard]] long descriptors() const {
     const std::filesystem::directory_iterator open("/proc/" + std::to_string(agent_.pid()) + "/fd");
     return std::distance(begin(open), end(open));
@@ -38,11 +50,14 @@ TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
   ASSERT_GT(pairs, warmUp);
   launch();
   showAndHideBoth(warmUp);
-  const long memory = ownMemoryInKilobytes(), open = descriptors();
+  const long memory = settledMemory(), open = descriptors();
   showAndHideBoth(pairs - warmUp);
-  EXPECT_LE(std::labs(ownMemoryInKilobytes() - memory), 1024);
   EXPECT_TRUE(test_support::waitUntil([&] { return descriptors() == open; }))
       << descriptors() << " for " << open;
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the address sanitizer keeps freed memory, so the agent's size says nothing here";
+#endif
+  EXPECT_LE(std::labs(settledMemory() - memory), 1024);
   std::printf("%d pairs: %ld kB after %d, %ld kB at the end\n", pairs, memory, warmUp,
               ownMemoryInKilobytes());
 }
