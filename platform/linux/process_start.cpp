@@ -31,6 +31,8 @@ void prepareProcess() {
   // Pictures come and go with each notice: kept out of the heap, where small things that stay would hold
   // their room.
   ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+  // One heap for all threads: what one makes and another frees would spread over theirs.
+  ::mallopt(M_ARENA_MAX, 1);
   ::openlog("TovalinTray", LOG_PID, LOG_USER);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 }

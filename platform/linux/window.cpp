@@ -1,5 +1,7 @@
 #include "platform/window.h"
 
+#include <malloc.h>
+
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
@@ -61,7 +63,11 @@ std::shared_ptr<Window> Window::make(Rect contentRect, WindowStyle style) {
 
 Window::Window(Rect contentRect, WindowStyle style) : impl_(std::make_unique<Impl>(contentRect, style)) {}
 
-Window::~Window() = default;
+Window::~Window() {
+  impl_.reset();
+  // Pictures and widgets leave holes behind; pages without anything in them go back to the system.
+  ::malloc_trim(0);
+}
 
 void Window::setTitle(std::string_view title) {
   impl_->widget.setWindowTitle(QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size())));

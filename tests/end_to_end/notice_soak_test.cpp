@@ -12,6 +12,9 @@ class NoticeSoak : public NoticeTest {
   void showAndHideBoth(int pairs) {
     for (int i = 0; i < pairs && !HasFatalFailure(); ++i) {
       for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) send(message);
+      // The last thing that the main thread does for a pair: nothing is left waiting when the next one
+      // begins.
+      ASSERT_TRUE(waitForText("run: osascript"));
       timeline_.clear();
     }
     ASSERT_TRUE(hides(isAccessNotice) && hides(isLoadingNotice));
