@@ -42,7 +42,7 @@ std::optional<std::string> unixSocket(std::string_view addresses, std::string_vi
   return std::nullopt;
 }
 
-// D-Bus Specification, "Authentication Protocol": a NUL, then lines. Any answer will do.
+// The authentication protocol of D-Bus: a NUL, then lines. Any answer will do.
 bool answersOn(const sockaddr_un& address, socklen_t length) {
   const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   // A bus that is not there is no matter: the library finds that out at once.
