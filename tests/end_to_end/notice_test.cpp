@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <mutex>
 #include <thread>
 
@@ -365,22 +366,26 @@ TEST_F(Notice, AfterTheLastWriterHasLeftTheListenerOnlyWaits) {
   launch();
   send("hello");
   timeline_.clear();
-  const auto wakeUps = [&] {
-    long sum = 0;
-    for (const auto& thread :
-         std::filesystem::directory_iterator("/proc/" + std::to_string(agent_.pid()) + "/task")) {
+  // How often each thread has waited so far.
+  const auto waits = [&] {
+    std::map<std::string, long> counts;
+    const std::filesystem::directory_iterator threads("/proc/" + std::to_string(agent_.pid()) + "/task");
+    for (const auto& thread : threads) {
       std::ifstream status(thread.path() / "status");
       for (std::string line; std::getline(status, line);) {
-        if (line.starts_with("voluntary_ctxt_switches:")) sum += std::stol(line.substr(24));
+        if (line.starts_with("voluntary_ctxt_switches:")) counts[thread.path()] = std::stol(line.substr(24));
       }
     }
-    return sum;
+    return counts;
   };
-  const long before = wakeUps();
+  auto before = waits();
   const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(timeline_.waitFor("log", std::chrono::milliseconds(1000)));
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  const double aSecond = static_cast<double>(wakeUps() - before) / seconds.count();
+  // The listener is the busiest of the threads of an agent that has nothing to do.
+  long most = 0;
+  for (const auto& [thread, count] : waits()) most = std::max(most, count - before[thread]);
+  const double aSecond = static_cast<double>(most) / seconds.count();
   EXPECT_LE(aSecond, 40);
   EXPECT_GE(aSecond, 5) << "the listener does not wait in steps of 30 ms";
 }
