@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+// One HTTP request and how long to wait for its reply.
+struct UrlRequest {
+  enum class CachePolicy {
+    UseProtocol,               // what HTTP allows
+    ReloadIgnoringLocalCache,  // the reply comes from the server, never from a store on the way
+  };
+
+  std::string url;  // http or https
+  std::string method = "GET";
+  std::vector<std::string> headers;  // "Name: value"
+  std::vector<std::span<const char>>
+      body;  // sent one after the other, not copied: they must outlive the call
+  CachePolicy cachePolicy = CachePolicy::UseProtocol;
+  // How long nothing may come or go, from the look-up of the name to the last byte of the reply. A slow
+  // transfer that lives may take longer.
+  std::chrono::milliseconds timeoutInterval = std::chrono::seconds(60);
+  // Redirects are followed to these schemes only, written as in "http,https".
+  std::string redirectSchemes = "http,https";
+  // A longer reply counts as none, so that no server can fill the memory.
+  std::size_t maximumReplySize = std::size_t{16} << 20;
+};
+
+// Sends the request, waits, and returns the body of the reply, decoded, whatever its status code; nothing
+// when no whole reply came in time. Blocks its caller; any thread, several at a time.
+[[nodiscard]] std::optional<std::string> sendSynchronousRequest(const UrlRequest& request);
+
+}  // namespace platform
