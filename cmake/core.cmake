@@ -1,5 +1,9 @@
+set(TOVALIN_PRODUCT_SERVER "https://www.tovalin.example" CACHE STRING "The product server's origin")
+set(TOVALIN_TEST_UPLOAD_SERVER "http://test.tovalin.example" CACHE STRING "The test upload server's origin")
+
 # The product folders. Linked to no toolkit: what the operating system gives is reached through platform/*.h alone.
 add_library(tovalin_core STATIC
+  app/beacon.cpp
   app/command_line.cpp
   app/delegate.cpp
   app/globals.cpp
@@ -21,9 +25,14 @@ add_library(tovalin_core STATIC
   usage/installation_identity.cpp
   usage/os_code.cpp
   usage/property_file.cpp
+  usage/server_addresses.cpp
   usage/server_option.cpp
   usage/settings_file.cpp
   usage/version_text.cpp
+)
+target_compile_definitions(tovalin_core PRIVATE
+  TOVALIN_PRODUCT_SERVER="${TOVALIN_PRODUCT_SERVER}"
+  TOVALIN_TEST_UPLOAD_SERVER="${TOVALIN_TEST_UPLOAD_SERVER}"
 )
 # The core asks the platform for its facilities, and the platform's main asks the core which program it runs.
 target_link_libraries(tovalin_core PUBLIC tovalin_platform)

@@ -1,0 +1,30 @@
+#include "usage/server_addresses.h"
+
+#include <string_view>
+
+#include "platform/bundle.h"
+
+namespace {
+
+std::string withoutSlashesBehind(const std::string& origin) {
+  return origin.substr(0, origin.find_last_not_of('/') + 1);
+}
+
+std::string addressFor(std::string_view key, const char* builtIn) {
+  const auto bundle = platform::Bundle::mainBundle();
+  const auto information = bundle ? bundle->infoDictionary() : std::nullopt;
+  const auto* entry = information ? information->find(key) : nullptr;
+  const auto* text = entry == nullptr ? nullptr : entry->as<std::string>();
+  const std::string address = text == nullptr ? "" : withoutSlashesBehind(*text);
+  return address.empty() ? withoutSlashesBehind(builtIn) : address;
+}
+
+}  // namespace
+
+std::string productServer() {
+  return addressFor("TovalinProductServer", TOVALIN_PRODUCT_SERVER);
+}
+
+std::string testUploadServer() {
+  return addressFor("TovalinTestUploadServer", TOVALIN_TEST_UPLOAD_SERVER);
+}
