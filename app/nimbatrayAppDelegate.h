@@ -53,6 +53,12 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
   // ipc/notification_listener.cpp; on a thread of its own
   void notiThread();
 
+  // usage/usage_upload.cpp
+  void TvlDataFileUploadThread();  // on a thread of its own
+  void TvlCheckDataUpload();
+  bool TvlDataFileCheck();                               // one pass; any thread
+  bool sendPostRequest(std::span<const char> contents);  // any thread
+
   // notices/notice_methods.cpp
   void notificationOn();
   void notificationOff();

@@ -10,7 +10,9 @@
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "platform/status_item.h"
+#include "platform/timer.h"
 #include "platform/web_view.h"
+#include "usage/usage_record.h"
 
 using namespace std::chrono_literals;
 using platform::MenuItem;
@@ -103,6 +105,8 @@ void nimbatrayAppDelegate::setAutomount(std::uint32_t active) {
 
 void nimbatrayAppDelegate::quit() {
   platform::system(killNotificationHelperCommand);
+  TvlWriteQuitToFile();
+  if (tvlDataTimer != nullptr) tvlDataTimer->invalidate();
   bThreadRun = false;
   static_cast<void>(sendPipeMsg("-toff"));
   std::this_thread::sleep_for(1s);
@@ -113,6 +117,8 @@ void nimbatrayAppDelegate::quit() {
 
 void nimbatrayAppDelegate::applicationWillTerminate() {
   platform::system(killNotificationHelperCommand);
+  TvlWriteQuitToFile();
+  if (tvlDataTimer != nullptr) tvlDataTimer->invalidate();
   statusOnImg.reset();
   statusOffImg.reset();
   statusOnImg_Reverse.reset();

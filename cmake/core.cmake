@@ -22,12 +22,19 @@ add_library(tovalin_core STATIC
   notices/notice_window.cpp
   usage/application_directory.cpp
   usage/bundle_version.cpp
+  usage/collect_message.cpp
   usage/installation_identity.cpp
   usage/os_code.cpp
   usage/property_file.cpp
+  usage/record_bytes.cpp
   usage/server_addresses.cpp
   usage/server_option.cpp
   usage/settings_file.cpp
+  usage/upload_files.cpp
+  usage/upload_rules.cpp
+  usage/usage_file.cpp
+  usage/usage_record.cpp
+  usage/usage_upload.cpp
   usage/version_text.cpp
 )
 target_compile_definitions(tovalin_core PRIVATE

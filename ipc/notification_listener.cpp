@@ -15,6 +15,7 @@
 #include "ipc/notification_pipe.h"
 #include "platform/application.h"
 #include "platform/log.h"
+#include "usage/usage_record.h"
 
 using platform::LogPriority;
 using platform::systemLog;
@@ -23,6 +24,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr std::chrono::microseconds waitTime = 30ms;
+
+static_assert(record_format::message::size == notificationBufferSize);
 
 void logStep(LogPriority priority, const std::string& text) {
   systemLog(priority, "-[nimbatrayAppDelegate notiThread] " + text);
@@ -118,6 +121,7 @@ void nimbatrayAppDelegate::dispatch(std::span<const char> buffer, ShownNotices& 
     case NotificationAction::UnknownCommand:
       return systemLog(LogPriority::Error, "unknown command " + std::string(text));
     case NotificationAction::CollectData:
+      return TvlGetCollectData(CollectMessage(buffer));
     case NotificationAction::None:
       return;
   }

@@ -3,7 +3,12 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 // Stores the agent's own version, CFBundleVersion of its bundle, in `version`. Returns 0; or -1, `version`
 // untouched, when the program runs outside a bundle or the bundle does not tell. Any thread.
 [[nodiscard]] std::int32_t getBundleVersion(std::optional<std::string>& version);
+
+// What the callers log on failure. The message's format has always been "% getBundleVersion fail", in which
+// printf takes "% g" for a number and finds none; what stands here is what came out.
+inline constexpr std::string_view bundleVersionFailure = " 0etBundleVersion fail";

@@ -1,0 +1,230 @@
+#include <sys/file.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <thread>
+
+#include "tests/support/wait_until.h"
+#include "tests/usage/record_fixture.h"
+
+namespace settings_test {
+namespace {
+
+using test_support::ExitStatus;
+
+constexpr const char* kQuit =
+    "\x03\x13"
+    "2024-03-07 09:05:00";
+constexpr std::size_t kQuitSize = 21;
+
+TEST_F(Records, FolderThatIsAFileDropsTheRecordWithTheOpenersReport) {
+  fs::remove_all(kFolder);
+  write(kFolder, "");
+  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Not a directory\n");
+  EXPECT_EQ(errorsOf([] { TvlGetCollectData(deviceEvent(3, "Pad")); }), "open log failed: Not a directory\n");
+  EXPECT_EQ(errorsOf([] {
+              TvlGetCollectData(transfers({{1, "12345678", ""}}));
+            }),
+            "open log failed: Not a directory\n");
+  EXPECT_THAT(log_.messages(), IsEmpty());
+}
+
+TEST_F(Records, StartRecordThatCannotBeWrittenIsLoggedToo) {
+  fs::remove_all(kFolder);
+  write(kFolder, "");
+  EXPECT_EQ(errorsOf(TvlWriteStartToFile), "open log failed: Not a directory\n");
+  EXPECT_THAT(log_.messages(), testing::ElementsAre(error("data file open fail")));
+}
+
+TEST_F(Records, NoPlaceForFilesDropsTheRecord) {
+  ::unsetenv("XDG_DATA_HOME");
+  ::unsetenv("HOME");
+  EXPECT_THAT(errorsOf(TvlWriteQuitToFile), StartsWith("open log failed: "));
+}
+
+TEST_F(Records, PipeInThePlaceOfTheFileIsNeitherWaitedForNorWritten) {
+  ASSERT_EQ(::mkfifo(kToday, 0600), 0);
+  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Invalid argument\n");
+}
+
+TEST_F(Records, FolderInThePlaceOfTheFileDropsTheRecord) {
+  fs::create_directory(kToday);
+  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Is a directory\n");
+}
+
+TEST_F(Records, PathBeyond128BytesWorks) {
+  const std::string support = std::string(kSupport) + "/" + std::string(200, 'd');
+  ::setenv("XDG_DATA_HOME", support.c_str(), 1);
+  TvlWriteQuitToFile();
+  EXPECT_THAT(read(support + "/Tovalin/Tovalin_2024_03_07.dat"), testing::EndsWith(kQuit));
+}
+
+TEST_F(Records, ReadOnlyFolderKeepsWhatIsThereAndDropsTheRecord) {
+  const auto finished = test_support::runForked([] {
+    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (::access(kFolder, W_OK) == 0) return 100;
+    TvlWriteQuitToFile();
+    return 0;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  EXPECT_EQ(finished.error, "open log failed: Permission denied\n");
+  EXPECT_FALSE(fs::exists(kToday));
+}
+
+TEST_F(Records, NoDescriptorStaysOpen) {
+  const int before = test_support::openDescriptors();
+  TvlWriteStartToFile();
+  TvlWriteQuitToFile();
+  TvlGetCollectData(deviceEvent(3, "Pad"));
+  EXPECT_EQ(test_support::openDescriptors(), before);
+}
+
+TEST_F(Records, SomebodyWhoHoldsTheFilesLockIsPassedByInTheEnd) {
+  TvlWriteQuitToFile();
+  const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
+  TvlWriteQuitToFile();
+  EXPECT_EQ(read(kToday), kHeader + kQuit + kQuit);
+}
+
+// A disk of two pages for the application directory; the identifier takes one.
+class SmallDisk : public Records {
+ protected:
+  void SetUp() override {
+    Records::SetUp();
+    ASSERT_EQ(::mount("tmpfs", kFolder, "tmpfs", 0, "size=8k"), 0);
+    write("/tmp/support/Tovalin/TovalinUUID.txt", "00112233-4455-6677-8899-AABBCCDDEEFF");
+  }
+  void TearDown() override {
+    ::umount(kFolder);
+    Records::TearDown();
+  }
+};
+
+TEST_F(SmallDisk, RecordThatFitsInPartOnlyIsCutBackAndTheNextDaysGoOn) {
+  TvlWriteQuitToFile();
+  while (fs::file_size(kToday) + kQuitSize <= 4096) TvlWriteQuitToFile();
+  const std::string before = read(kToday);
+  ASSERT_NE(before.size(), 4096u) << "no record can fit in part";
+  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "write log failed: No space left on device\n");
+  EXPECT_EQ(read(kToday), before);
+  fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");
+  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "");
+  EXPECT_EQ(read(kToday), before + kQuit);
+}
+
+TEST_F(SmallDisk, HeaderThatDoesNotFitLeavesAnEmptyFileThatGetsItsHeaderLater) {
+  write("/tmp/support/Tovalin/ballast", std::string(4096, 'b'));
+  EXPECT_THAT(errorsOf(TvlWriteStartToFile),
+              testing::HasSubstr("write log failed: No space left on device\n"));
+  EXPECT_EQ(read(kToday), "");
+  fs::remove("/tmp/support/Tovalin/ballast");
+  TvlWriteQuitToFile();
+  EXPECT_EQ(read(kToday), kHeader + kQuit);
+}
+
+// What stands in the file behind one header: how many quit records, and how many of the transfers that
+// `kBatch` makes. Nothing when anything else stands there.
+struct Counts {
+  int quits = 0;
+  int batches = 0;
+  bool operator==(const Counts&) const = default;
+};
+
+const std::vector<Entry> kBatch(30, {2, "12345678", "abcdefghi"});
+
+std::optional<Counts> countRecords(std::string_view bytes) {
+  std::string batch;
+  for (const Entry& entry : kBatch) batch += "\x07\x08" + entry.size + "\x09" + entry.name;
+  if (!bytes.starts_with(kHeader)) return std::nullopt;
+  bytes.remove_prefix(kHeader.size());
+  Counts counts;
+  while (!bytes.empty()) {
+    const bool quit = bytes.starts_with(kQuit);
+    if (!quit && !bytes.starts_with(batch)) return std::nullopt;
+    ++(quit ? counts.quits : counts.batches);
+    bytes.remove_prefix(quit ? kQuitSize : batch.size());
+  }
+  return counts;
+}
+
+void writeBoth(int times) {
+  const Message message = transfers(kBatch);
+  for (int i = 0; i < times; ++i) {
+    TvlWriteQuitToFile();
+    TvlGetCollectData(message);
+  }
+}
+
+TEST_F(Records, TwoThreadsNeverMixWithinARecord) {
+  std::thread other([] { writeBoth(500); });
+  writeBoth(500);
+  other.join();
+  EXPECT_EQ(countRecords(read(kToday)), (Counts{1000, 1000}));
+}
+
+TEST_F(Records, TwoProcessesNeverMixWithinARecord) {
+  const auto writer = [] {
+    writeBoth(500);
+    return 0;
+  };
+  test_support::ForkedCall first(writer);
+  test_support::ForkedCall second(writer);
+  EXPECT_EQ(first.wait().status, ExitStatus{.code = 0});
+  EXPECT_EQ(second.wait().status, ExitStatus{.code = 0});
+  EXPECT_EQ(countRecords(read(kToday)), (Counts{1000, 1000}));
+}
+
+TEST_F(Records, WritersThatStartTogetherMakeOneHeader) {
+  for (int round = 0; round < 50; ++round) {
+    fs::remove(kToday);
+    const auto writer = [] {
+      TvlWriteQuitToFile();
+      return 0;
+    };
+    test_support::ForkedCall first(writer);
+    test_support::ForkedCall second(writer);
+    ASSERT_EQ(first.wait().status, ExitStatus{.code = 0});
+    ASSERT_EQ(second.wait().status, ExitStatus{.code = 0});
+    ASSERT_EQ(countRecords(read(kToday)), (Counts{2, 0})) << "round " << round;
+  }
+}
+
+// The bytes up to the last whole record are those of whole records; what is behind them is the beginning of
+// one.
+bool readsUpToItsLastWholeRecord(const std::string& bytes) {
+  if (bytes.empty() || (bytes.size() < kHeader.size() && kHeader.starts_with(bytes))) return true;
+  for (std::size_t torn = 0; torn < 600 && torn <= bytes.size(); ++torn) {
+    if (countRecords(std::string_view(bytes).substr(0, bytes.size() - torn))) return true;
+  }
+  return false;
+}
+
+TEST_F(Records, KilledAtAnyTimeLeavesAFileThatReadsUpToItsLastWholeRecord) {
+  int killedInTheMiddle = 0;
+  for (int attempt = 0; attempt < 200; ++attempt) {
+    fs::remove(kToday);
+    test_support::ForkedCall writer([] {
+      writeBoth(100'000);
+      return 0;
+    });
+    // Later and later, from before the first byte on.
+    const std::size_t enough = static_cast<std::size_t>(attempt) * 97;
+    ASSERT_TRUE(test_support::waitUntil([&] {
+      std::error_code none;
+      const auto size = fs::file_size(kToday, none);
+      return enough == 0 || (!none && size >= enough);
+    }));
+    ASSERT_EQ(::kill(writer.pid(), SIGKILL), 0);
+    EXPECT_EQ(writer.wait().status, ExitStatus{.signal = SIGKILL});
+    std::error_code none;
+    if (fs::file_size(kToday, none) > 0 && !none) ++killedInTheMiddle;
+    ASSERT_TRUE(!fs::exists(kToday) || readsUpToItsLastWholeRecord(read(kToday))) << "attempt " << attempt;
+  }
+  EXPECT_GT(killedInTheMiddle, 100);
+}
+
+}  // namespace
+}  // namespace settings_test

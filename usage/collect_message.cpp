@@ -1,0 +1,50 @@
+#include "usage/collect_message.h"
+
+#include <algorithm>
+
+namespace {
+
+namespace layout = record_format::message;
+
+std::uint32_t littleEndian(std::span<const char, 4> bytes) {
+  std::uint32_t value = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
+  return value;
+}
+
+std::string_view nameAt(std::span<const char> bytes, std::size_t offset, std::size_t longest) {
+  const auto field = bytes.subspan(offset, longest);
+  return {field.begin(), std::ranges::find(field, '\0')};
+}
+
+TransferEntry entryAt(CollectMessage message, std::size_t index) {
+  const auto bytes = message.subspan(layout::entriesOffset + index * layout::entrySize, layout::entrySize);
+  TransferEntry entry{};
+  entry.kind = static_cast<std::int32_t>(littleEndian(bytes.subspan<layout::entryKindOffset, 4>()));
+  std::ranges::copy(bytes.subspan<layout::entrySizeOffset, record_format::sizeFieldWidth>(),
+                    entry.size.begin());
+  entry.name = nameAt(bytes, layout::entryNameOffset, record_format::longestTransferName);
+  return entry;
+}
+
+}  // namespace
+
+std::uint32_t dataCommandOf(CollectMessage message) {
+  return littleEndian(message.subspan<layout::dataCommandOffset, 4>());
+}
+
+std::string_view deviceNameOf(CollectMessage message) {
+  return nameAt(message, layout::deviceNameOffset, record_format::longestDeviceName);
+}
+
+std::uint32_t entryCountOf(CollectMessage message) {
+  return littleEndian(message.subspan<layout::entryCountOffset, 4>());
+}
+
+std::vector<TransferEntry> transferEntriesOf(CollectMessage message) {
+  std::vector<TransferEntry> entries;
+  const std::uint32_t count = std::min(entryCountOf(message), layout::mostEntries);
+  entries.reserve(count);
+  for (std::uint32_t i = 0; i < count; ++i) entries.push_back(entryAt(message, i));
+  return entries;
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+// The numbers and fixed texts of the usage record file and of the "-ncdat" message, which
+// doc/usage_record_format.md describes. The writer, the reader in tools/ and nothing else are built on them.
+namespace record_format {
+
+inline constexpr std::string_view magic = "TVLD";
+inline constexpr std::string_view fixedVersion = "1.0.0.0";  // stands behind every bundle version
+inline constexpr std::string_view unknownBundleVersion = "0.0.0";
+inline constexpr std::string_view unknownDeviceName = "Unknown";
+
+// The byte that an item begins with.
+enum class Code : std::uint8_t {
+  Identifier = 0x00,
+  OperatingSystem = 0x01,  // in the header, right behind the identifier
+  Version = 0x01,          // in the header, and as the beginning of a start record
+  StartTime = 0x02,
+  Quit = 0x03,
+  DeviceEvent3 = 0x04,
+  DeviceEvent4 = 0x05,
+  TransferKind1 = 0x06,
+  TransferKind2 = 0x07,
+};
+
+inline constexpr std::size_t dateLength = 10;  // YYYY-MM-DD
+inline constexpr std::size_t timeLength = 19;  // YYYY-MM-DD HH:MM:SS
+inline constexpr std::size_t sizeFieldWidth = 8;
+
+inline constexpr std::size_t longestIdentifierText = 49;  // with its braces
+inline constexpr std::size_t longestBundleVersion = 15;
+inline constexpr std::size_t longestDeviceName = 63;
+inline constexpr std::size_t longestTransferName = 9;
+
+inline constexpr std::uint8_t lowestOsCode = 64;
+inline constexpr std::uint8_t highestOsCode = 68;
+
+// Where the fields of a "-ncdat" message stand. Integers are little-endian.
+namespace message {
+
+inline constexpr std::size_t size = 1024;
+inline constexpr std::size_t dataCommandOffset = 10;
+inline constexpr std::size_t deviceNameOffset = 14;
+inline constexpr std::size_t entryCountOffset = 14;
+inline constexpr std::size_t entriesOffset = 18;
+
+inline constexpr std::size_t entrySize = 22;
+inline constexpr std::size_t entryKindOffset = 0;
+inline constexpr std::size_t entrySizeOffset = 4;
+inline constexpr std::size_t entryNameOffset = 12;
+
+inline constexpr std::uint32_t transfers = 0;
+inline constexpr std::uint32_t deviceEvent3 = 3;
+inline constexpr std::uint32_t deviceEvent4 = 4;
+
+inline constexpr std::uint32_t mostEntries = 30;
+
+static_assert(entriesOffset + mostEntries * entrySize == 678);
+static_assert(deviceNameOffset + longestDeviceName + 1 <= size);
+
+}  // namespace message
+
+}  // namespace record_format
