@@ -8,9 +8,9 @@
 namespace {
 
 std::optional<std::string> applicationPath() {
-  const auto support = platform::applicationSupportDirectory();
-  if (!support) return std::nullopt;
-  return *support + "/Tovalin";
+  auto path = platform::applicationSupportDirectory();
+  if (path) path->append("/Tovalin");
+  return path;
 }
 
 }  // namespace
@@ -25,7 +25,9 @@ std::optional<std::string> applicationDirectory() {
 }
 
 std::optional<std::string> applicationFile(std::string_view name) {
-  const auto path = applicationPath();
+  auto path = applicationPath();
   if (!path) return std::nullopt;
-  return *path + "/" + std::string(name);
+  path->reserve(path->size() + 1 + name.size());
+  path->append("/").append(name);
+  return path;
 }

@@ -1,6 +1,7 @@
 #include "usage/collect_message.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -14,17 +15,14 @@ std::uint32_t littleEndian(std::span<const char, 4> bytes) {
 
 std::string_view nameAt(std::span<const char> bytes, std::size_t offset, std::size_t longest) {
   const auto field = bytes.subspan(offset, longest);
-  return {field.begin(), std::ranges::find(field, '\0')};
+  return {field.data(), ::strnlen(field.data(), field.size())};
 }
 
 TransferEntry entryAt(CollectMessage message, std::size_t index) {
   const auto bytes = message.subspan(layout::entriesOffset + index * layout::entrySize, layout::entrySize);
-  TransferEntry entry{};
-  entry.kind = static_cast<std::int32_t>(littleEndian(bytes.subspan<layout::entryKindOffset, 4>()));
-  std::ranges::copy(bytes.subspan<layout::entrySizeOffset, record_format::sizeFieldWidth>(),
-                    entry.size.begin());
-  entry.name = nameAt(bytes, layout::entryNameOffset, record_format::longestTransferName);
-  return entry;
+  return {static_cast<std::int32_t>(littleEndian(bytes.subspan<layout::entryKindOffset, 4>())),
+          {bytes.data() + layout::entrySizeOffset, record_format::sizeFieldWidth},
+          nameAt(bytes, layout::entryNameOffset, record_format::longestTransferName)};
 }
 
 }  // namespace

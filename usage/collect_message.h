@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -13,10 +12,11 @@
 // what was not received is zero. The layout is in doc/usage_record_format.md.
 using CollectMessage = std::span<const char, record_format::message::size>;
 
+// Points into its message.
 struct TransferEntry {
   std::int32_t kind;
-  std::array<char, record_format::sizeFieldWidth> size;  // as it came, little-endian
-  std::string_view name;                                 // points into the message
+  std::string_view size;  // 8 bytes as they came, little-endian
+  std::string_view name;
 };
 
 // The fields of a message. Every value of every byte is allowed: names end at their NUL, and a name without

@@ -1,6 +1,8 @@
 #include "usage/record_bytes.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <array>
+#include <cstdlib>
 
 namespace {
 
@@ -13,7 +15,7 @@ void add(std::string& bytes, Code code) {
 // A length byte and the text it counts.
 void addCounted(std::string& bytes, std::string_view text) {
   bytes += static_cast<char>(text.size());
-  bytes += text;
+  bytes.append(text);
 }
 
 void addVersion(std::string& bytes, std::string_view bundleVersion) {
@@ -22,13 +24,40 @@ void addVersion(std::string& bytes, std::string_view bundleVersion) {
   addCounted(bytes, record_format::fixedVersion);
 }
 
-// The arguments are cut to their digits, so that every clock gives a text of the same length.
-std::string formatted(const char* format, int year, int month, int day, int hour = 0, int minute = 0,
-                      int second = 0) {
-  char text[40];
-  std::snprintf(text, sizeof text, format, unsigned(year) % 10000, unsigned(month) % 100, unsigned(day) % 100,
-                unsigned(hour) % 100, unsigned(minute) % 100, unsigned(second) % 100);
+// Puts the last digits of `value` before `end`, so that every clock gives a text of
+// the same length.
+void putDigits(char* end, int digits, int value) {
+  for (; digits > 0; --digits, value /= 10) *--end = static_cast<char>('0' + std::abs(value % 10));
+}
+
+// `separator` stands between year, month and day.
+std::array<char, record_format::dateLength> dateText(const std::tm& day, char separator) {
+  std::array<char, record_format::dateLength> text;
+  text.fill(separator);
+  putDigits(text.data() + 4, 4, day.tm_year + 1900);
+  putDigits(text.data() + 7, 2, day.tm_mon + 1);
+  putDigits(text.data() + 10, 2, day.tm_mday);
   return text;
+}
+
+std::array<char, record_format::timeLength> timeText(const std::tm& time) {
+  std::array<char, record_format::timeLength> text;
+  text.fill(':');
+  std::ranges::copy(dateText(time, '-'), text.begin());
+  text[record_format::dateLength] = ' ';
+  putDigits(text.data() + 13, 2, time.tm_hour);
+  putDigits(text.data() + 16, 2, time.tm_min);
+  putDigits(text.data() + 19, 2, time.tm_sec);
+  return text;
+}
+
+template <std::size_t length>
+std::string_view viewOf(const std::array<char, length>& text) {
+  return {text.data(), text.size()};
+}
+
+void addCountedTime(std::string& bytes, const std::tm& time) {
+  addCounted(bytes, viewOf(timeText(time)));
 }
 
 Code codeFor(std::int32_t kind, Code before) {
@@ -40,18 +69,22 @@ Code codeFor(std::int32_t kind, Code before) {
 }  // namespace
 
 std::string usageFileName(const std::tm& day) {
-  return formatted("Tovalin_%04u_%02u_%02u.dat", day.tm_year + 1900, day.tm_mon + 1, day.tm_mday);
+  std::string name;
+  name.reserve(22);
+  name += "Tovalin_";
+  name += viewOf(dateText(day, '_'));
+  name += ".dat";
+  return name;
 }
 
 std::string recordTime(const std::tm& time) {
-  return formatted("%04u-%02u-%02u %02u:%02u:%02u", time.tm_year + 1900, time.tm_mon + 1, time.tm_mday,
-                   time.tm_hour, time.tm_min, time.tm_sec);
+  return std::string(viewOf(timeText(time)));
 }
 
 std::string headerBytes(const std::tm& day, std::string_view identifier, std::uint8_t osCode,
                         std::string_view bundleVersion) {
   std::string bytes(record_format::magic);
-  bytes += recordTime(day).substr(0, record_format::dateLength);
+  bytes += viewOf(dateText(day, '-'));
   add(bytes, Code::Identifier);
   const std::string identifierText = "{" + std::string(identifier) + "}";
   addCounted(bytes, std::string_view(identifierText).substr(0, record_format::longestIdentifierText));
@@ -65,34 +98,40 @@ std::string startRecord(std::string_view bundleVersion, const std::tm& time) {
   std::string bytes;
   addVersion(bytes, bundleVersion);
   add(bytes, Code::StartTime);
-  addCounted(bytes, recordTime(time));
+  addCountedTime(bytes, time);
   return bytes;
 }
 
 std::string quitRecord(const std::tm& time) {
   std::string bytes;
   add(bytes, Code::Quit);
-  addCounted(bytes, recordTime(time));
+  addCountedTime(bytes, time);
   return bytes;
 }
 
 std::string deviceEventRecord(std::uint32_t dataCommand, const std::tm& time, std::string_view deviceName) {
   std::string bytes;
+  bytes.reserve(22 + record_format::longestDeviceName);
   add(bytes, dataCommand == record_format::message::deviceEvent4 ? Code::DeviceEvent4 : Code::DeviceEvent3);
-  addCounted(bytes, recordTime(time));
+  addCountedTime(bytes, time);
   if (deviceName.empty()) deviceName = record_format::unknownDeviceName;
   addCounted(bytes, deviceName.substr(0, record_format::longestDeviceName));
   return bytes;
 }
 
 std::string transferRecords(std::span<const TransferEntry> entries) {
-  std::string bytes;
+  std::string bytes(entries.size() * (11 + record_format::longestTransferName), '\0');
+  char* end = bytes.data();
   Code code = Code::TransferKind1;
   for (const TransferEntry& entry : entries) {
     code = codeFor(entry.kind, code);
-    add(bytes, code);
-    addCounted(bytes, {entry.size.data(), entry.size.size()});
-    addCounted(bytes, entry.name.substr(0, record_format::longestTransferName));
+    const std::string_view name = entry.name.substr(0, record_format::longestTransferName);
+    *end++ = static_cast<char>(code);
+    *end++ = static_cast<char>(entry.size.size());
+    end = std::ranges::copy(entry.size, end).out;
+    *end++ = static_cast<char>(name.size());
+    end = std::ranges::copy(name, end).out;
   }
+  bytes.resize(static_cast<std::size_t>(end - bytes.data()));
   return bytes;
 }

@@ -43,40 +43,40 @@ std::optional<UsageFile> openInApplicationDirectory(const std::string& name) {
   return UsageFile::open(*path);
 }
 
-void appendRecord(const std::string& record) {
+void appendRecord(const std::string& record, const std::tm& now) {
   UsageFile file;
-  if (TvlDataOpenFile(file)) static_cast<void>(file.append(record));
+  if (TvlDataOpenFile(file, now)) static_cast<void>(file.append(record));
 }
 
 }  // namespace
 
-bool TvlDataOpenFile(UsageFile& file) {
-  auto opened = openInApplicationDirectory(usageFileName(platform::currentLocalTime()));
+bool TvlDataOpenFile(UsageFile& file, const std::tm& now) {
+  auto opened = openInApplicationDirectory(usageFileName(now));
   if (!opened) {
     platform::errorLog("open log failed");
     return false;
   }
   file = *std::move(opened);
-  return !file.isEmpty() || TvlWriteHeadDataToFile(file);
+  return !file.isEmpty() || TvlWriteHeadDataToFile(file, now);
 }
 
-bool TvlWriteHeadDataToFile(UsageFile& file) {
-  const std::tm day = platform::currentLocalTime();
+bool TvlWriteHeadDataToFile(UsageFile& file, const std::tm& now) {
   const std::string identifier = installationIdentifier();
   const std::uint8_t osCode = GetOSVersion();
-  return file.append(headerBytes(day, identifier, osCode, bundleVersionForRecord()));
+  return file.append(headerBytes(now, identifier, osCode, bundleVersionForRecord()));
 }
 
 void TvlWriteStartToFile() {
   const std::tm now = platform::currentLocalTime();
   const std::string record = startRecord(bundleVersionForRecord(), now);
   UsageFile file;
-  if (!TvlDataOpenFile(file)) return systemLog(LogPriority::Error, "data file open fail");
+  if (!TvlDataOpenFile(file, now)) return systemLog(LogPriority::Error, "data file open fail");
   static_cast<void>(file.append(record));
 }
 
 void TvlWriteQuitToFile() {
-  appendRecord(quitRecord(platform::currentLocalTime()));
+  const std::tm now = platform::currentLocalTime();
+  appendRecord(quitRecord(now), now);
 }
 
 void TvlGetCollectData(CollectMessage message) {
@@ -95,11 +95,11 @@ void TvlWriteMountDataToFile(CollectMessage message) {
   const std::tm now = platform::currentLocalTime();
   const std::uint32_t command = dataCommandOf(message);
   if (command != message::deviceEvent3 && command != message::deviceEvent4) return;
-  appendRecord(deviceEventRecord(command, now, deviceNameOf(message)));
+  appendRecord(deviceEventRecord(command, now, deviceNameOf(message)), now);
 }
 
 void TvlWriteTransferDataToFile(CollectMessage message) {
   const std::uint32_t count = entryCountOf(message);
   if (count == 0 || count > message::mostEntries) return platform::errorLog("data count wrong!!");
-  appendRecord(transferRecords(transferEntriesOf(message)));
+  appendRecord(transferRecords(transferEntriesOf(message)), platform::currentLocalTime());
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <ctime>
+
+#include "platform/clock.h"
 #include "usage/collect_message.h"
 #include "usage/usage_file.h"
 
@@ -8,12 +11,13 @@
 // wrong stands on the error log or in the system log; the record is then dropped. Any thread; nothing is
 // thrown.
 
-// Opens today's file in the application directory, making both when missing, and writes the header into an
-// empty one. On failure "open log failed" on the error log, and false.
-[[nodiscard]] bool TvlDataOpenFile(UsageFile& file);
+// Opens the file of the day `now` in the application directory, making both when missing, and writes the
+// header into an empty one. On failure "open log failed" on the error log, and false. A writer hands on the
+// time that it puts into its record, so that both are of the same day.
+[[nodiscard]] bool TvlDataOpenFile(UsageFile& file, const std::tm& now = platform::currentLocalTime());
 
-// Writes the header of today's file. False when it could not be written whole.
-[[nodiscard]] bool TvlWriteHeadDataToFile(UsageFile& file);
+// Writes the header of the day `now`. False when it could not be written whole.
+[[nodiscard]] bool TvlWriteHeadDataToFile(UsageFile& file, const std::tm& now = platform::currentLocalTime());
 
 // The agent has started: the version and the time.
 void TvlWriteStartToFile();

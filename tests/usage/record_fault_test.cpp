@@ -45,7 +45,7 @@ TEST_F(Records, NoPlaceForFilesDropsTheRecord) {
 
 TEST_F(Records, PipeInThePlaceOfTheFileIsNeitherWaitedForNorWritten) {
   ASSERT_EQ(::mkfifo(kToday, 0600), 0);
-  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Invalid argument\n");
+  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Illegal seek\n");
 }
 
 TEST_F(Records, FolderInThePlaceOfTheFileDropsTheRecord) {
@@ -81,12 +81,17 @@ TEST_F(Records, NoDescriptorStaysOpen) {
   EXPECT_EQ(test_support::openDescriptors(), before);
 }
 
-TEST_F(Records, SomebodyWhoHoldsTheFilesLockIsPassedByInTheEnd) {
-  TvlWriteQuitToFile();
+TEST_F(Records, DeviceInThePlaceOfTheFileIsNotWritten) {
+  fs::create_symlink("/dev/null", kToday);
+  EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Invalid argument\n");
+}
+
+TEST_F(Records, SomebodyWhoHoldsTheLockOfTheEmptyFileIsPassedByInTheEnd) {
+  write(kToday, "");
   const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
   TvlWriteQuitToFile();
-  EXPECT_EQ(read(kToday), kHeader + kQuit + kQuit);
+  EXPECT_EQ(read(kToday), kHeader + kQuit);
 }
 
 // A disk of two pages for the application directory; the identifier takes one.
