@@ -1,6 +1,5 @@
 #include "platform/shell.h"
 
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "platform/linux/private_folder.h"
+#include "platform/linux/spawn_attributes.h"
 
 namespace platform {
 namespace {
@@ -32,27 +32,6 @@ std::vector<std::string> environmentWithHelpers() {
   environment.push_back("TOVALIN_ORIGINAL_PATH=" + originalPath);
   return environment;
 }
-
-class SpawnAttributes {
- public:
-  SpawnAttributes() {
-    posix_spawnattr_init(&attributes_);
-    sigset_t signals;
-    sigfillset(&signals);
-    posix_spawnattr_setsigdefault(&attributes_, &signals);
-    sigemptyset(&signals);
-    posix_spawnattr_setsigmask(&attributes_, &signals);
-    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-  }
-  ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
-  SpawnAttributes(const SpawnAttributes&) = delete;
-  SpawnAttributes& operator=(const SpawnAttributes&) = delete;
-
-  [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
-
- private:
-  posix_spawnattr_t attributes_{};
-};
 
 int waitFor(pid_t child) {
   int status = 0;

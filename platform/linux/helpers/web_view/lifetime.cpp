@@ -1,0 +1,34 @@
+#include "platform/linux/helpers/web_view/lifetime.h"
+
+#include <algorithm>
+
+namespace helpers {
+
+void Lifetime::addressCame(Clock::time_point now) {
+  news_ = now;
+  loading_ = true;
+  firstLoad_ = true;
+}
+
+void Lifetime::loadingIs(bool loading, Clock::time_point now) {
+  if (loading == loading_) return;
+  loading_ = loading;
+  if (loading) return;
+  quiet_ = now;
+  if (firstLoad_) news_ = now;
+  firstLoad_ = false;
+}
+
+void Lifetime::inputEnded(Clock::time_point now) {
+  if (!inputEnd_) inputEnd_ = now;
+}
+
+Lifetime::Clock::time_point Lifetime::end() const {
+  if (!inputEnd_) return news_ + idle_;
+  const Clock::time_point last = *inputEnd_ + kLeave;
+  if (loading_) return last;
+  if (!quiet_) return *inputEnd_;
+  return std::clamp<Clock::time_point>(*quiet_ + kGrace, *inputEnd_, last);
+}
+
+}  // namespace helpers

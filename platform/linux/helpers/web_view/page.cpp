@@ -1,0 +1,102 @@
+#include "platform/linux/helpers/web_view/page.h"
+
+#include <utility>
+
+#include "platform/linux/helpers/web_view/refusals.h"
+
+namespace helpers {
+namespace {
+
+Page& pageOf(gpointer self) {
+  return *static_cast<Page*>(self);
+}
+
+ObjectPointer<WebKitWebContext> makeContext(bool lockedIn) {
+  ObjectPointer<WebKitWebContext> context(webkit_web_context_new_ephemeral());
+  webkit_web_context_set_sandbox_enabled(context.get(), lockedIn ? TRUE : FALSE);
+  webkit_web_context_set_cache_model(context.get(), WEBKIT_CACHE_MODEL_DOCUMENT_VIEWER);
+  webkit_website_data_manager_set_tls_errors_policy(
+      webkit_web_context_get_website_data_manager(context.get()), WEBKIT_TLS_ERRORS_POLICY_FAIL);
+  return context;
+}
+
+// All that nobody would see or hear is off.
+ObjectPointer<WebKitSettings> makeSettings() {
+  return ObjectPointer<WebKitSettings>(webkit_settings_new_with_settings(
+      "hardware-acceleration-policy", WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER, "enable-webgl", FALSE,
+      "enable-media", FALSE, "enable-webaudio", FALSE, "enable-media-stream", FALSE, "enable-mediasource",
+      FALSE, "enable-webrtc", FALSE, "enable-encrypted-media", FALSE, "enable-fullscreen", FALSE,
+      "enable-page-cache", FALSE, "enable-smooth-scrolling", FALSE, "allow-modal-dialogs", FALSE,
+      "javascript-can-open-windows-automatically", FALSE, nullptr));
+}
+
+ObjectPointer<WebKitWebView> makeView(WebKitWebContext* context) {
+  const ObjectPointer<WebKitSettings> settings = makeSettings();
+  gpointer view = g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", context, "settings", settings.get(),
+                               "is-ephemeral", TRUE, "is-muted", TRUE, nullptr);
+  return ObjectPointer<WebKitWebView>(static_cast<WebKitWebView*>(g_object_ref_sink(view)));
+}
+
+}  // namespace
+
+Page::Page(bool lockedIn, std::function<void()> changed)
+    : changed_(std::move(changed)), context_(makeContext(lockedIn)), view_(makeView(context_.get())) {
+  refuseAllButPages(context_.get(), view_.get());
+  watchProgress();
+  watchHealth();
+}
+
+void Page::load(const std::string& address) {
+  requested_ = address;
+  webkit_web_view_load_uri(view_.get(), address.c_str());
+}
+
+bool Page::loading() const {
+  return webkit_web_view_is_loading(view_.get()) != FALSE || !resources_.empty();
+}
+
+void Page::watchProgress() {
+  connect(view_.get(), "resource-load-started", resourceStarted, this);
+  connect(view_.get(), "load-changed", loadChanged, this);
+  constexpr auto kLoadingChanged = [](WebKitWebView*, GParamSpec*, gpointer self) {
+    pageOf(self).changed_();
+  };
+  connect(view_.get(), "notify::is-loading", +kLoadingChanged, this);
+}
+
+void Page::watchHealth() {
+  connect(view_.get(), "notify::is-web-process-responsive", responsivenessChanged, this);
+  connect(view_.get(), "web-process-terminated", processEnded, this);
+}
+
+void Page::resourceStarted(WebKitWebView*, WebKitWebResource* resource, WebKitURIRequest*, gpointer self) {
+  connect(resource, "finished", resourceFinished, self);
+  pageOf(self).resources_.insert(resource);
+  pageOf(self).changed_();
+}
+
+void Page::resourceFinished(WebKitWebResource* resource, gpointer self) {
+  pageOf(self).resources_.erase(resource);
+  pageOf(self).changed_();
+}
+
+// Nothing more is heard of what the page before was loading.
+void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
+  if (event == WEBKIT_LOAD_STARTED) pageOf(self).resources_.clear();
+  if (event == WEBKIT_LOAD_COMMITTED) pageOf(self).requested_.clear();
+}
+
+// A page whose script never ends also holds up the page that is to replace it.
+void Page::responsivenessChanged(WebKitWebView* view, GParamSpec*, gpointer self) {
+  if (webkit_web_view_get_is_web_process_responsive(view) != FALSE) return;
+  const std::string requested = pageOf(self).requested_;
+  webkit_web_view_terminate_web_process(view);
+  if (!requested.empty()) pageOf(self).load(requested);
+}
+
+void Page::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
+  pageOf(self).resources_.clear();
+  pageOf(self).changed_();
+}
+
+}  // namespace helpers

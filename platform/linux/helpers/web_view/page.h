@@ -1,0 +1,42 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <unordered_set>
+#include <webkit2/webkit2.h>
+
+#include "platform/linux/helpers/web_view/glib_handles.h"
+
+namespace helpers {
+
+// A web page that is never shown. It runs its scripts and keeps nothing beyond this process.
+class Page {
+ public:
+  // The toolkit must have been initialised. `changed` is called when loading() may have changed.
+  Page(bool lockedIn, std::function<void()> changed);
+  Page(const Page&) = delete;
+  Page& operator=(const Page&) = delete;
+
+  // Replaces whatever the page shows or loads.
+  void load(const std::string& address);
+  // Whether the page or one of its scripts waits for a reply.
+  [[nodiscard]] bool loading() const;
+
+ private:
+  void watchProgress();
+  void watchHealth();
+  static void resourceStarted(WebKitWebView* view, WebKitWebResource* resource, WebKitURIRequest* request,
+                              gpointer self);
+  static void resourceFinished(WebKitWebResource* resource, gpointer self);
+  static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
+  static void responsivenessChanged(WebKitWebView* view, GParamSpec* property, gpointer self);
+  static void processEnded(WebKitWebView* view, WebKitWebProcessTerminationReason reason, gpointer self);
+
+  std::function<void()> changed_;
+  std::string requested_;  // until its page begins to come
+  std::unordered_set<WebKitWebResource*> resources_;
+  ObjectPointer<WebKitWebContext> context_;
+  ObjectPointer<WebKitWebView> view_;
+};
+
+}  // namespace helpers

@@ -1,0 +1,116 @@
+#include "platform/linux/helpers/web_view/refusals.h"
+
+#include <string_view>
+
+#include "platform/linux/helpers/web_view/address_lines.h"
+#include "platform/linux/helpers/web_view/glib_handles.h"
+
+namespace helpers {
+namespace {
+
+// What a frame that a script fills is at first.
+bool isEmptyFrame(std::string_view address) {
+  return address == "about:blank" || address == "about:srcdoc";
+}
+
+bool mayNavigate(WebKitPolicyDecision* decision) {
+  WebKitNavigationAction* action = webkit_navigation_policy_decision_get_navigation_action(
+      reinterpret_cast<WebKitNavigationPolicyDecision*>(decision));
+  const char* address = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+  return address != nullptr && (isWebAddress(address) || isEmptyFrame(address));
+}
+
+bool isPage(WebKitPolicyDecision* decision) {
+  return webkit_response_policy_decision_is_mime_type_supported(
+             reinterpret_cast<WebKitResponsePolicyDecision*>(decision)) != FALSE;
+}
+
+bool isAllowed(WebKitPolicyDecision* decision, WebKitPolicyDecisionType type) {
+  switch (type) {
+    case WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION:
+      return mayNavigate(decision);
+    case WEBKIT_POLICY_DECISION_TYPE_NEW_WINDOW_ACTION:
+      return false;
+    case WEBKIT_POLICY_DECISION_TYPE_RESPONSE:
+      return isPage(decision);
+  }
+  return false;
+}
+
+gboolean decide(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type, gpointer) {
+  if (isAllowed(decision, type)) {
+    webkit_policy_decision_use(decision);
+  } else {
+    webkit_policy_decision_ignore(decision);
+  }
+  return TRUE;
+}
+
+// Answered as by somebody who dismisses it, only that a page may always be left.
+gboolean answerDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer) {
+  if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
+    webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
+  }
+  return TRUE;
+}
+
+gboolean denyPermission(WebKitWebView*, WebKitPermissionRequest* request, gpointer) {
+  webkit_permission_request_deny(request);
+  return TRUE;
+}
+
+gboolean giveNoPassword(WebKitWebView*, WebKitAuthenticationRequest* request, gpointer) {
+  webkit_authentication_request_cancel(request);
+  return TRUE;
+}
+
+gboolean chooseNoFile(WebKitWebView*, WebKitFileChooserRequest* request, gpointer) {
+  webkit_file_chooser_request_cancel(request);
+  return TRUE;
+}
+
+gboolean chooseNoColour(WebKitWebView*, WebKitColorChooserRequest* request, gpointer) {
+  webkit_color_chooser_request_cancel(request);
+  return TRUE;
+}
+
+WebKitWebView* openNoWindow(WebKitWebView*, WebKitNavigationAction*, gpointer) {
+  return nullptr;
+}
+
+// In place of the page that would tell people of the failure.
+gboolean leaveFailedPage(WebKitWebView*, WebKitLoadEvent, const char*, GError*, gpointer) {
+  return TRUE;
+}
+
+// For signals that show something: taken as shown. All of them pass one object.
+gboolean showNothing(WebKitWebView*, gpointer, gpointer) {
+  return TRUE;
+}
+
+gboolean showNoOptions(WebKitWebView*, WebKitOptionMenu*, GdkEvent*, GdkRectangle*, gpointer) {
+  return TRUE;
+}
+
+void cancelDownload(WebKitWebContext*, WebKitDownload* download, gpointer) {
+  webkit_download_cancel(download);
+}
+
+}  // namespace
+
+void refuseAllButPages(WebKitWebContext* context, WebKitWebView* view) {
+  connect(context, "download-started", cancelDownload, nullptr);
+  connect(view, "decide-policy", decide, nullptr);
+  connect(view, "create", openNoWindow, nullptr);
+  connect(view, "script-dialog", answerDialog, nullptr);
+  connect(view, "permission-request", denyPermission, nullptr);
+  connect(view, "authenticate", giveNoPassword, nullptr);
+  connect(view, "run-file-chooser", chooseNoFile, nullptr);
+  connect(view, "run-color-chooser", chooseNoColour, nullptr);
+  connect(view, "load-failed", leaveFailedPage, nullptr);
+  connect(view, "show-notification", showNothing, nullptr);
+  connect(view, "print", showNothing, nullptr);
+  connect(view, "show-option-menu", showNoOptions, nullptr);
+}
+
+}  // namespace helpers

@@ -1,0 +1,90 @@
+#include "platform/linux/helpers/web_view/session.h"
+
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <glib-unix.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace helpers {
+namespace {
+
+using Clock = Lifetime::Clock;
+
+}  // namespace
+
+Session::Session(platform::FileDescriptor input, bool lockedIn, Clock::duration idle)
+    : input_(std::move(input)),
+      lifetime_(Clock::now(), idle),
+      loop_(g_main_loop_new(nullptr, FALSE)),
+      page_(lockedIn, [this] { followPage(); }) {}
+
+void Session::run() {
+  constexpr auto kArrived = [](int, GIOCondition, gpointer self) -> gboolean {
+    static_cast<Session*>(self)->readInput();
+    return G_SOURCE_CONTINUE;
+  };
+  constexpr auto kAsked = [](gpointer self) -> gboolean {
+    g_main_loop_quit(static_cast<Session*>(self)->loop_.get());
+    return G_SOURCE_CONTINUE;
+  };
+  arrivals_.reset(
+      g_unix_fd_add(input_.get(), static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), +kArrived, this));
+  const EventSource terminate(g_unix_signal_add(SIGTERM, +kAsked, this));
+  const EventSource interrupt(g_unix_signal_add(SIGINT, +kAsked, this));
+  const EventSource hangUp(g_unix_signal_add(SIGHUP, +kAsked, this));
+  waitForEnd();
+  g_main_loop_run(loop_.get());
+}
+
+// One read for each call of the loop, so that it never blocks. An address that came as one packet fits.
+void Session::readInput() {
+  std::vector<char> buffer(AddressLines::kLongestLine + 1);
+  const ssize_t count = ::read(input_.get(), buffer.data(), buffer.size());
+  if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
+  if (count <= 0) return inputEnded();
+  for (const std::string& address : lines_.take({buffer.data(), static_cast<std::size_t>(count)})) {
+    lifetime_.addressCame(Clock::now());
+    page_.load(address);
+  }
+  waitForEnd();
+}
+
+void Session::inputEnded() {
+  arrivals_.reset();
+  lifetime_.inputEnded(Clock::now());
+  leaving_ = true;
+  waitForEnd();
+}
+
+void Session::followPage() {
+  lifetime_.loadingIs(page_.loading(), Clock::now());
+  waitForEnd();
+}
+
+void Session::waitForEnd() {
+  constexpr auto kTimeIsUp = [](gpointer self) -> gboolean {
+    static_cast<Session*>(self)->endOrTakeLeave();
+    return G_SOURCE_CONTINUE;
+  };
+  const auto rest = std::chrono::ceil<std::chrono::milliseconds>(lifetime_.end() - Clock::now()).count();
+  alarm_.reset(g_timeout_add(static_cast<guint>(std::max<std::int64_t>(rest, 0)), +kTimeIsUp, this));
+}
+
+// No address gets lost between the end of the patience and the end of the process: from the shutdown on the
+// agent's writes fail, so that it starts a new helper, and what came before is read up to the input's end.
+void Session::endOrTakeLeave() {
+  if (!leaving_ && ::shutdown(input_.get(), SHUT_RD) == 0) {
+    leaving_ = true;
+    alarm_.reset();
+  } else {
+    g_main_loop_quit(loop_.get());
+  }
+}
+
+}  // namespace helpers

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <glib.h>
+
+#include <memory>
+
+#include "platform/file_descriptor.h"
+#include "platform/linux/helpers/web_view/address_lines.h"
+#include "platform/linux/helpers/web_view/glib_handles.h"
+#include "platform/linux/helpers/web_view/lifetime.h"
+#include "platform/linux/helpers/web_view/page.h"
+
+namespace helpers {
+
+// The helper's life: loads what comes in on `input` until nothing is left to wait for, or a signal asks for
+// the end.
+class Session {
+ public:
+  Session(platform::FileDescriptor input, bool lockedIn, Lifetime::Clock::duration idle);
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  void run();
+
+ private:
+  void readInput();
+  void inputEnded();
+  void followPage();
+  void waitForEnd();
+  void endOrTakeLeave();
+
+  platform::FileDescriptor input_;
+  AddressLines lines_;
+  Lifetime lifetime_;
+  struct EndLoop {
+    void operator()(GMainLoop* loop) const { g_main_loop_unref(loop); }
+  };
+  std::unique_ptr<GMainLoop, EndLoop> loop_;
+  EventSource arrivals_;
+  EventSource alarm_;
+  bool leaving_ = false;
+  Page page_;
+};
+
+}  // namespace helpers
