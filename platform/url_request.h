@@ -16,11 +16,11 @@ struct UrlRequest {
     ReloadIgnoringLocalCache,  // the reply comes from the server, never from a store on the way
   };
 
-  std::string url;  // http or https
-  std::string method = "GET";
-  std::vector<std::string> headers;  // "Name: value"
-  std::vector<std::span<const char>>
-      body;  // sent one after the other, not copied: they must outlive the call
+  std::string url = {};                   // http or https
+  std::string method = "GET";             // or "POST"
+  std::vector<std::string> headers = {};  // "Name: value"
+  // Of a POST: the pieces are sent one after the other, not copied. They must outlive the call.
+  std::vector<std::span<const char>> body = {};
   CachePolicy cachePolicy = CachePolicy::UseProtocol;
   // How long nothing may come or go, from the look-up of the name to the last byte of the reply. A slow
   // transfer that lives may take longer.
@@ -32,7 +32,8 @@ struct UrlRequest {
 };
 
 // Sends the request, waits, and returns the body of the reply, decoded, whatever its status code; nothing
-// when no whole reply came in time. Blocks its caller; any thread, several at a time.
+// when no whole reply came in time, or no request can be made of what is asked. Blocks its caller; any
+// thread, several at a time. Proxies are those that the environment names.
 [[nodiscard]] std::optional<std::string> sendSynchronousRequest(const UrlRequest& request);
 
 }  // namespace platform

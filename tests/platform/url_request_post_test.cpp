@@ -1,0 +1,205 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "tests/platform/url_request_support.h"
+
+namespace {
+
+using platform::sendSynchronousRequest;
+using platform::UrlRequest;
+using test_support::httpReply;
+using test_support::outcomeOf;
+using test_support::postOf;
+using test_support::RawConnection;
+using test_support::RawHttpServer;
+using test_support::requestFor;
+using testing::Optional;
+
+// What a server reads of `request`, which is sent to "/path" there.
+std::string onTheWire(UrlRequest request) {
+  std::string bytes;
+  std::string host;
+  {
+    const RawHttpServer server([&](RawConnection& connection) {
+      bytes = connection.readRequest();
+      connection.send(httpReply("taken"));
+    });
+    request.url = server.url("/path?a=b%20c");
+    host = "127.0.0.1:" + std::to_string(server.port());
+    EXPECT_THAT(sendSynchronousRequest(request), Optional(std::string("taken")));
+  }
+  if (const std::size_t place = bytes.find(host); place != std::string::npos)
+    bytes.replace(place, host.size(), "HOST");
+  return bytes;
+}
+
+TEST(UrlRequestOnTheWire, PlainGet) {
+  EXPECT_EQ(onTheWire({}),
+            "GET /path?a=b%20c HTTP/1.1\r\n"
+            "Host: HOST\r\n"
+            "User-Agent: TovalinTray\r\n"
+            "Accept: */*\r\n"
+            "Accept-Encoding: gzip, deflate\r\n"
+            "\r\n");
+}
+
+TEST(UrlRequestOnTheWire, GetThatNoStoreMayAnswer) {
+  UrlRequest request;
+  request.cachePolicy = UrlRequest::CachePolicy::ReloadIgnoringLocalCache;
+  EXPECT_EQ(onTheWire(request),
+            "GET /path?a=b%20c HTTP/1.1\r\n"
+            "Host: HOST\r\n"
+            "User-Agent: TovalinTray\r\n"
+            "Accept: */*\r\n"
+            "Accept-Encoding: gzip, deflate\r\n"
+            "Cache-Control: no-cache\r\n"
+            "Pragma: no-cache\r\n"
+            "\r\n");
+}
+
+TEST(UrlRequestOnTheWire, PostInPieces) {
+  const std::string parts[] = {"first,", "", "second,", "third", ""};
+  UrlRequest request = postOf("", "");
+  request.headers = {"Content-Type: text/plain", "X-Empty:"};
+  request.body = {parts[0], parts[1], parts[2], parts[3], parts[4]};
+  EXPECT_EQ(onTheWire(request),
+            "POST /path?a=b%20c HTTP/1.1\r\n"
+            "Host: HOST\r\n"
+            "User-Agent: TovalinTray\r\n"
+            "Accept: */*\r\n"
+            "Accept-Encoding: gzip, deflate\r\n"
+            "Content-Type: text/plain\r\n"
+            "X-Empty:\r\n"
+            "Content-Length: 18\r\n"
+            "\r\n"
+            "first,second,third");
+}
+
+TEST(UrlRequestOnTheWire, PostWithoutABody) {
+  for (UrlRequest request : {postOf("", ""), UrlRequest{.method = "POST"}}) {
+    EXPECT_EQ(onTheWire(request),
+              "POST /path?a=b%20c HTTP/1.1\r\n"
+              "Host: HOST\r\n"
+              "User-Agent: TovalinTray\r\n"
+              "Accept: */*\r\n"
+              "Accept-Encoding: gzip, deflate\r\n"
+              "Content-Length: 0\r\n"
+              "\r\n");
+  }
+}
+
+TEST(UrlRequestOnTheWire, PiecesOfAnySizeAreJoinedWithoutAGap) {
+  std::string body;
+  for (int i = 0; i < 400'000; ++i) body += static_cast<char>(i * 31 + i / 256);
+  UrlRequest request = postOf("", "");
+  request.body.clear();
+  std::size_t start = 0;
+  for (std::size_t size = 1; start < body.size(); start += size, size = size * 3 % 70'001) {
+    request.body.push_back(std::span<const char>(body).subspan(start, std::min(size, body.size() - start)));
+    request.body.emplace_back();
+  }
+  EXPECT_TRUE(onTheWire(request).ends_with("\r\nContent-Length: 400000\r\n\r\n" + body));
+}
+
+TEST(UrlRequestPost, LargeBodyIsNeitherCopiedNorCut) {
+  constexpr std::size_t kPiece = std::size_t{1} << 20;
+  constexpr std::size_t kPieces = 100;
+  const std::string piece(kPiece, 'p');
+  std::string head;
+  std::size_t received = 0;
+  const RawHttpServer server([&](RawConnection& connection) {
+    head = connection.readHead();
+    for (std::size_t i = 0; i < kPieces; ++i) received += connection.readBytes(kPiece) == piece ? kPiece : 0;
+    connection.send(httpReply("taken"));
+  });
+  UrlRequest request = postOf(server.url(), "");
+  request.body.assign(kPieces, piece);
+  EXPECT_THAT(sendSynchronousRequest(request), Optional(std::string("taken")));
+  EXPECT_EQ(received, kPieces * kPiece);
+  EXPECT_THAT(head, testing::HasSubstr("\r\nContent-Length: 104857600\r\n"));
+}
+
+TEST(UrlRequestPost, ServersWordToGoOnIsNotAwaited) {
+  const std::string body(2 << 20, 'b');
+  bool whole = false;
+  const RawHttpServer server([&](RawConnection& connection) {
+    whole = connection.readRequest().ends_with(body);
+    connection.send("HTTP/1.1 100 Continue\r\n\r\n" + httpReply("taken"));
+  });
+  const auto outcome = outcomeOf(postOf(server.url(), body));
+  EXPECT_THAT(outcome.reply, Optional(std::string("taken")));
+  EXPECT_TRUE(whole);
+  EXPECT_LT(outcome.time, std::chrono::milliseconds(900))
+      << "one second is how long a client asks for that word";
+}
+
+// Answers after the head, then takes some more of the body, so that the client has seen the answer, and goes.
+RawHttpServer::Script answerEarly(const std::string& reply) {
+  return [reply](RawConnection& connection) {
+    connection.readHead();
+    connection.send(reply);
+    connection.readBytes(std::size_t{30} << 20);
+  };
+}
+
+TEST(UrlRequestPost, RefusalBeforeTheEndOfTheBodyIsAReply) {
+  const std::string body(std::size_t{100} << 20, 'b');
+  const RawHttpServer server(answerEarly(httpReply("too large", "Connection: close\r\n", "413 Too Large")));
+  EXPECT_THAT(sendSynchronousRequest(postOf(server.url(), body)), Optional(std::string("too large")));
+}
+
+TEST(UrlRequestPost, ReplyBeforeTheEndOfTheBodyIsAReply) {
+  const std::string body(std::size_t{100} << 20, 'b');
+  for (const char* headers : {"", "Connection: close\r\n"}) {
+    const RawHttpServer server(answerEarly(httpReply("enough", headers)));
+    EXPECT_THAT(sendSynchronousRequest(postOf(server.url(), body)), Optional(std::string("enough")))
+        << headers;
+  }
+}
+
+TEST(UrlRequestPost, ReplyOfAServerThatTakesNoMoreIsAReply) {
+  const std::string body(std::size_t{100} << 20, 'b');
+  const RawHttpServer server([](RawConnection& connection) {
+    connection.readHead();
+    connection.send(httpReply("enough"));
+    connection.pauseFor(std::chrono::seconds(20));
+  });
+  UrlRequest request = postOf(server.url(), body);
+  request.timeoutInterval = std::chrono::milliseconds(500);
+  EXPECT_THAT(sendSynchronousRequest(request), Optional(std::string("enough")));
+}
+
+TEST(UrlRequestPost, PartOfAReplyBeforeTheEndOfTheBodyIsNone) {
+  const std::string body(std::size_t{100} << 20, 'b');
+  const RawHttpServer server(answerEarly("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nnot all"));
+  EXPECT_EQ(sendSynchronousRequest(postOf(server.url(), body)), std::nullopt);
+}
+
+TEST(UrlRequestPost, ServerThatGoesWithinTheBodyIsNoReply) {
+  const std::string body(std::size_t{100} << 20, 'b');
+  const RawHttpServer server([](RawConnection& connection) { connection.readBytes(100'000); });
+  EXPECT_EQ(sendSynchronousRequest(postOf(server.url(), body)), std::nullopt);
+}
+
+TEST(UrlRequestPost, ReplyIsUnpackedToo) {
+  const RawHttpServer server(
+      RawHttpServer::answer(httpReply(test_support::gzipped("packed"), "Content-Encoding: gzip\r\n")));
+  EXPECT_THAT(sendSynchronousRequest(postOf(server.url(), "body")), Optional(std::string("packed")));
+}
+
+TEST(UrlRequestPost, OtherMethodsAndBodiesOfAGetAreNoRequest) {
+  const RawHttpServer server(RawHttpServer::answer(httpReply("text")));
+  for (const char* method : {"", "PUT", "post", "DELETE"}) {
+    UrlRequest request = requestFor(server.url());
+    request.method = method;
+    EXPECT_EQ(sendSynchronousRequest(request), std::nullopt) << method;
+  }
+  UrlRequest request = postOf(server.url(), "body");
+  request.method = "GET";
+  EXPECT_EQ(sendSynchronousRequest(request), std::nullopt);
+  EXPECT_EQ(server.connections(), 0U);
+}
+
+}  // namespace
