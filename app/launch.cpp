@@ -1,3 +1,4 @@
+#include <chrono>
 #include <string>
 
 #include "app/globals.h"
@@ -6,17 +7,21 @@
 #include "app/shell_commands.h"
 #include "ipc/command_pipe.h"
 #include "platform/bundle.h"
+#include "platform/clock.h"
 #include "platform/distributed_notification_center.h"
 #include "platform/global_defaults.h"
 #include "platform/log.h"
 #include "platform/shell.h"
 #include "platform/status_item.h"
 #include "platform/thread.h"
+#include "platform/timer.h"
 #include "usage/bundle_version.h"
 #include "usage/property_file.h"
 #include "usage/server_option.h"
+#include "usage/usage_record.h"
 
 using platform::LogPriority;
+using namespace std::chrono_literals;
 
 void nimbatrayAppDelegate::awakeFromNib() {
   platform::DistributedNotificationCenter::defaultCenter().addObserver(
@@ -31,15 +36,19 @@ void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   unloadUnlessAutorun();
   readAutomountState();
   readVersion();
+  checkForUpdate();
   showUpdateNotice();
   buildStatusItem();
   static_cast<void>(sendPipeMsg("-ton"));
+  sendLaunchBeacons();
   bsupportWindow = false;
   bThreadRun = true;
+  TvlWriteStartToFile();
   dataUploadURL = GetTovalinServerOption();
   bTvlDataUpload = false;
-  const std::time_t now = std::time(nullptr);
-  localtime_r(&now, &strStartTime);
+  platform::detachNewThread([this] { TvlDataFileUploadThread(); });
+  strStartTime = platform::currentLocalTime();
+  tvlDataTimer = platform::Timer::scheduledTimer(60s, [this] { TvlCheckDataUpload(); });
   platform::detachNewThread([this] { notiThread(); });
 }
 
@@ -78,10 +87,14 @@ void nimbatrayAppDelegate::readAutomountState() {
 
 void nimbatrayAppDelegate::readVersion() {
   if (getBundleVersion(currentVersion) == 0) return;
-  // The message's format has always been "% getBundleVersion fail", in which printf takes "% g" for a number
-  // and finds none; what stands here is what came out.
-  platform::systemLog(LogPriority::Error, " 0etBundleVersion fail");
+  platform::systemLog(LogPriority::Error, bundleVersionFailure);
   recentVersion.reset();
+}
+
+void nimbatrayAppDelegate::checkForUpdate() {
+  const bool fetched = getRecentVersion() != 0;
+  if (fetched) versionCheck();
+  isNetworkOnline = fetched;
 }
 
 void nimbatrayAppDelegate::showUpdateNotice() {
@@ -90,4 +103,9 @@ void nimbatrayAppDelegate::showUpdateNotice() {
   if (!command)
     platform::fatalError(std::string("the bundle's path is too long to tell of an update: ") + gBundlePath);
   platform::system(*command);
+}
+
+void nimbatrayAppDelegate::sendLaunchBeacons() {
+  notificateGA("applaunch", "start");
+  notificateGA("applaunch", "version" + currentVersion.value_or("(null)"));
 }

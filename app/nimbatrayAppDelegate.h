@@ -50,6 +50,21 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
   void quit();
   void applicationWillTerminate() override;
 
+  // app/beacon_methods.cpp
+  void notificateGA(const std::string& category, const std::string& value);
+
+  // app/links.cpp
+  void secondsection_sub1();
+  void secondsection_sub2();
+  void secondsection_sub3();
+  void thirdsection_sub1();
+  void thirdsection_sub2();
+
+  // support/version_check.cpp
+  int getRecentVersion();  // 1 when a version was fetched, else 0
+  void versionCheck();
+  void updateBtnClick();
+
   // ipc/notification_listener.cpp; on a thread of its own
   void notiThread();
 
@@ -102,6 +117,8 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
   void unloadUnlessAutorun();
   void readAutomountState();
   void readVersion();
+  void checkForUpdate();
+  void sendLaunchBeacons();
   void showUpdateNotice();
   void addMenuItems();
   void showStatusIcon();

@@ -45,12 +45,12 @@ void nimbatrayAppDelegate::addMenuItems() {
   };
   add(switchTitleFor(bActive), [this] { togleswitch(); });
   menu->addItem(MenuItem::separatorItem());
-  add("Like us on Facebook");
-  add("Share Tovalin on Facebook");
-  add("Share Tovalin on Twitter");
+  add("Like us on Facebook", [this] { secondsection_sub1(); });
+  add("Share Tovalin on Facebook", [this] { secondsection_sub2(); });
+  add("Share Tovalin on Twitter", [this] { secondsection_sub3(); });
   menu->addItem(MenuItem::separatorItem());
-  add("Visit our website now");
-  add("Review Tovalin");
+  add("Visit our website now", [this] { thirdsection_sub1(); });
+  add("Review Tovalin", [this] { thirdsection_sub2(); });
   MenuItem& support = add("Support Tovalin");
   support.setEnabled(true);
   if (bUpdateEnabled) support.setImage(scaledImage("n.png", 20, 17));
@@ -89,10 +89,12 @@ void nimbatrayAppDelegate::togleswitch() {
     off->setTitle(switchOnTitle);
     setAutomount(0);
     static_cast<void>(sendPipeMsg("-u"));
+    notificateGA("clickaction", "turnoff");
   } else {
     if (MenuItem* on = statusItem->menu()->itemWithTitle(switchOnTitle)) on->setTitle(switchOffTitle);
     setAutomount(1);
     static_cast<void>(sendPipeMsg("-m"));
+    notificateGA("clickaction", "turnon");
   }
   // Gives the main application the time it takes to mount or unmount before the next click is served.
   std::this_thread::sleep_for(2s);
@@ -108,6 +110,7 @@ void nimbatrayAppDelegate::quit() {
   TvlWriteQuitToFile();
   if (tvlDataTimer != nullptr) tvlDataTimer->invalidate();
   bThreadRun = false;
+  notificateGA("clickaction", "quit");
   static_cast<void>(sendPipeMsg("-toff"));
   std::this_thread::sleep_for(1s);
   bannerList.reset();

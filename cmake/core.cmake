@@ -4,11 +4,14 @@ set(TOVALIN_TEST_UPLOAD_SERVER "http://test.tovalin.example" CACHE STRING "The t
 # The product folders. Linked to no toolkit: what the operating system gives is reached through platform/*.h alone.
 add_library(tovalin_core STATIC
   app/beacon.cpp
+  app/beacon_methods.cpp
   app/command_line.cpp
   app/delegate.cpp
   app/globals.cpp
   app/launch.cpp
   app/launch_rules.cpp
+  app/link_addresses.cpp
+  app/links.cpp
   app/registration.cpp
   app/status_menu.cpp
   app/status_rules.cpp
@@ -20,6 +23,9 @@ add_library(tovalin_core STATIC
   notices/image_resize.cpp
   notices/notice_methods.cpp
   notices/notice_window.cpp
+  support/remote_list.cpp
+  support/version_check.cpp
+  support/version_rules.cpp
   usage/application_directory.cpp
   usage/bundle_version.cpp
   usage/collect_message.cpp

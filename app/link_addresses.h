@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// The pages that the menu opens. They are opened as they stand. `server` is the product server's origin, as
+// in "https://www.tovalin.example". Any thread.
+
+inline constexpr std::string_view makersPage = "https://www.facebook.com/kesmoor";
+
+[[nodiscard]] std::string productPage(std::string_view server);
+[[nodiscard]] std::string reviewPage(std::string_view server);
+[[nodiscard]] std::string sharePage(std::string_view server);
+[[nodiscard]] std::string tweetPage(std::string_view server);

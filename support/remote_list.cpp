@@ -1,0 +1,14 @@
+#include "support/remote_list.h"
+
+#include "platform/url_request.h"
+#include "usage/server_addresses.h"
+
+using namespace std::chrono_literals;
+
+std::optional<std::string> fetchRemoteList(std::string_view path) {
+  platform::UrlRequest request;
+  request.url = productServer().append(path);
+  request.cachePolicy = platform::UrlRequest::CachePolicy::ReloadIgnoringLocalCache;
+  request.timeoutInterval = 3s;
+  return platform::sendSynchronousRequest(request);
+}

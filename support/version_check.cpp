@@ -1,0 +1,30 @@
+#include "app/globals.h"
+#include "app/nimbatrayAppDelegate.h"
+#include "platform/application.h"
+#include "platform/log.h"
+#include "platform/shell.h"
+#include "support/remote_list.h"
+#include "support/version_rules.h"
+
+int nimbatrayAppDelegate::getRecentVersion() {
+  recentVersion.reset();
+  const auto body = fetchRemoteList("/product/nimba/binary/tovalin_recent_version_info.xml");
+  if (body) recentVersion = versionInList(*body);
+  return recentVersion ? 1 : 0;
+}
+
+void nimbatrayAppDelegate::versionCheck() {
+  bUpdateEnabled = isNewerVersion(currentVersion, recentVersion);
+}
+
+void nimbatrayAppDelegate::updateBtnClick() {
+  platform::systemLog(platform::LogPriority::Info,
+                      "-[nimbatrayAppDelegate updateBtnClick:] update button click!");
+  notificateGA("clickaction", "updatebtn");
+  const auto command = copyUpdaterCommand(gBundlePath);
+  if (!command)
+    platform::fatalError(std::string("the bundle's path is too long to copy the updater: ") + gBundlePath);
+  platform::system(*command);
+  platform::system("open /tmp/tovalinupdate.app");
+  platform::Application::sharedApplication().stopModal();
+}
