@@ -1,11 +1,14 @@
 #include "platform/linux/helpers/web_view/page.h"
 
+#include <chrono>
 #include <utility>
 
 #include "platform/linux/helpers/web_view/refusals.h"
 
 namespace helpers {
 namespace {
+
+constexpr std::chrono::duration<guint, std::milli> kPulse{3000};
 
 Page& pageOf(gpointer self) {
   return *static_cast<Page*>(self);
@@ -43,12 +46,36 @@ Page::Page(bool lockedIn, std::function<void()> changed)
     : changed_(std::move(changed)), context_(makeContext(lockedIn)), view_(makeView(context_.get())) {
   refuseAllButPages(context_.get(), view_.get());
   watchProgress();
-  watchHealth();
 }
 
 void Page::load(const std::string& address) {
+  mayStartOver_ = true;
+  request(address);
+}
+
+void Page::request(const std::string& address) {
+  constexpr auto kBeat = [](gpointer self) -> gboolean {
+    pageOf(self).checkPulse();
+    return G_SOURCE_CONTINUE;
+  };
   requested_ = address;
+  answered_ = true;
   webkit_web_view_load_uri(view_.get(), address.c_str());
+  pulse_.reset(g_timeout_add(kPulse.count(), +kBeat, this));
+}
+
+// A page whose script never ends also holds up the page that is to replace it: a web process that answers
+// nothing from one beat to the next is ended, once for each address.
+void Page::checkPulse() {
+  if (requested_.empty() || webkit_web_view_is_loading(view_.get()) == FALSE) return pulse_.reset();
+  if (!answered_ && mayStartOver_) {
+    mayStartOver_ = false;
+    webkit_web_view_terminate_web_process(view_.get());
+    return request(std::string(requested_));
+  }
+  constexpr auto kAnswered = [](GObject*, GAsyncResult*, gpointer self) { pageOf(self).answered_ = true; };
+  answered_ = false;
+  webkit_web_view_evaluate_javascript(view_.get(), "0", -1, nullptr, nullptr, nullptr, kAnswered, this);
 }
 
 bool Page::loading() const {
@@ -58,15 +85,11 @@ bool Page::loading() const {
 void Page::watchProgress() {
   connect(view_.get(), "resource-load-started", resourceStarted, this);
   connect(view_.get(), "load-changed", loadChanged, this);
+  connect(view_.get(), "web-process-terminated", processEnded, this);
   constexpr auto kLoadingChanged = [](WebKitWebView*, GParamSpec*, gpointer self) {
     pageOf(self).changed_();
   };
   connect(view_.get(), "notify::is-loading", +kLoadingChanged, this);
-}
-
-void Page::watchHealth() {
-  connect(view_.get(), "notify::is-web-process-responsive", responsivenessChanged, this);
-  connect(view_.get(), "web-process-terminated", processEnded, this);
 }
 
 void Page::resourceStarted(WebKitWebView*, WebKitWebResource* resource, WebKitURIRequest*, gpointer self) {
@@ -84,14 +107,6 @@ void Page::resourceFinished(WebKitWebResource* resource, gpointer self) {
 void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
   if (event == WEBKIT_LOAD_STARTED) pageOf(self).resources_.clear();
   if (event == WEBKIT_LOAD_COMMITTED) pageOf(self).requested_.clear();
-}
-
-// A page whose script never ends also holds up the page that is to replace it.
-void Page::responsivenessChanged(WebKitWebView* view, GParamSpec*, gpointer self) {
-  if (webkit_web_view_get_is_web_process_responsive(view) != FALSE) return;
-  const std::string requested = pageOf(self).requested_;
-  webkit_web_view_terminate_web_process(view);
-  if (!requested.empty()) pageOf(self).load(requested);
 }
 
 void Page::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {

@@ -23,17 +23,20 @@ class Page {
   [[nodiscard]] bool loading() const;
 
  private:
+  void request(const std::string& address);
+  void checkPulse();
   void watchProgress();
-  void watchHealth();
   static void resourceStarted(WebKitWebView* view, WebKitWebResource* resource, WebKitURIRequest* request,
                               gpointer self);
   static void resourceFinished(WebKitWebResource* resource, gpointer self);
   static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
-  static void responsivenessChanged(WebKitWebView* view, GParamSpec* property, gpointer self);
   static void processEnded(WebKitWebView* view, WebKitWebProcessTerminationReason reason, gpointer self);
 
   std::function<void()> changed_;
   std::string requested_;  // until its page begins to come
+  bool mayStartOver_ = false;
+  bool answered_ = false;
+  EventSource pulse_;
   std::unordered_set<WebKitWebResource*> resources_;
   ObjectPointer<WebKitWebContext> context_;
   ObjectPointer<WebKitWebView> view_;

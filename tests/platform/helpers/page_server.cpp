@@ -1,0 +1,67 @@
+#include "tests/platform/helpers/page_server.h"
+
+#include <algorithm>
+
+namespace web_view_test {
+
+PageServer::PageServer() {
+  server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+    answer(request, response);
+    return httplib::Server::HandlerResponse::Handled;
+  });
+  port_ = server_.bind_to_any_port("127.0.0.1");
+  thread_ = std::thread([this] { server_.listen_after_bind(); });
+}
+
+PageServer::~PageServer() {
+  {
+    const std::lock_guard lock(mutex_);
+    ended_ = true;
+  }
+  ending_.notify_all();
+  // A server that doesn't serve yet forgets that it was stopped.
+  static_cast<void>(test_support::waitUntil([this] { return server_.is_running(); }));
+  server_.stop();
+  thread_.join();
+}
+
+void PageServer::putDownload(const std::string& path) {
+  answers_[path] = {.body = "bytes", .download = true};
+}
+
+std::string PageServer::address(const std::string& path) const {
+  return "http://127.0.0.1:" + std::to_string(port_) + path;
+}
+
+std::vector<std::string> PageServer::asked() const {
+  const std::lock_guard lock(mutex_);
+  return asked_;
+}
+
+bool PageServer::wasAsked(const std::string& target) const {
+  return std::ranges::count(asked(), target) != 0;
+}
+
+bool PageServer::waitFor(const std::string& target, std::chrono::milliseconds timeout) const {
+  return test_support::waitUntil([&] { return wasAsked(target); }, timeout);
+}
+
+void PageServer::answer(const httplib::Request& request, httplib::Response& response) {
+  {
+    const std::lock_guard lock(mutex_);
+    asked_.push_back(request.target);
+  }
+  const auto found = answers_.find(request.path);
+  const Answer answer = found == answers_.end() ? Answer{} : found->second;
+  if (answer.hangs) waitForEnd();
+  if (!answer.location.empty()) return response.set_redirect(answer.location);
+  if (answer.download) response.set_header("Content-Disposition", "attachment; filename=\"download.bin\"");
+  response.set_content(answer.body, answer.download ? "application/octet-stream" : "text/html");
+}
+
+void PageServer::waitForEnd() {
+  std::unique_lock lock(mutex_);
+  ending_.wait(lock, [this] { return ended_; });
+}
+
+}  // namespace web_view_test

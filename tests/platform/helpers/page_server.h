@@ -1,0 +1,58 @@
+#pragma once
+
+#include <httplib.h>
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/wait_until.h"
+
+namespace web_view_test {
+
+// A real server of pages on a port of its own on loopback. It remembers what it was asked for. What it
+// doesn't know it answers with an empty page.
+class PageServer {
+ public:
+  PageServer();
+  ~PageServer();
+  PageServer(const PageServer&) = delete;
+  PageServer& operator=(const PageServer&) = delete;
+
+  void put(const std::string& path, const std::string& html) { answers_[path] = {.body = html}; }
+  void putDownload(const std::string& path);
+  void redirect(const std::string& path, const std::string& to) { answers_[path] = {.location = to}; }
+  // Never answers a request for this path.
+  void hang(const std::string& path) { answers_[path] = {.hangs = true}; }
+
+  [[nodiscard]] std::string address(const std::string& path) const;
+  // The targets of all requests so far, in their order.
+  [[nodiscard]] std::vector<std::string> asked() const;
+  [[nodiscard]] bool wasAsked(const std::string& target) const;
+  [[nodiscard]] bool waitFor(const std::string& target,
+                             std::chrono::milliseconds timeout = test_support::kPatience) const;
+
+ private:
+  struct Answer {
+    std::string body = {};
+    std::string location = {};
+    bool download = false;
+    bool hangs = false;
+  };
+  void answer(const httplib::Request& request, httplib::Response& response);
+  void waitForEnd();
+
+  httplib::Server server_;
+  int port_ = 0;
+  std::map<std::string, Answer> answers_;  // set before the first request for them
+  mutable std::mutex mutex_;
+  std::condition_variable ending_;
+  bool ended_ = false;
+  std::vector<std::string> asked_;
+  std::thread thread_;
+};
+
+}  // namespace web_view_test

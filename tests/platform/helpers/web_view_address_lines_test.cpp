@@ -1,0 +1,74 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/linux/helpers/web_view/address_lines.h"
+
+namespace helpers {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(WebAddress, IsHttpOrHttpsInAnyCase) {
+  for (const char* address :
+       {"http://a", "https://a", "HTTP://a", "hTTps://a", "http://127.0.0.1:80/?a=b%20c#d"})
+    EXPECT_TRUE(isWebAddress(address)) << address;
+}
+
+TEST(WebAddress, IsNothingElse) {
+  for (const char* text :
+       {"", "http://", "https://", "http:/a", "http:a", "ftp://a", "file:///etc/passwd", "data:text/html,x",
+        "javascript:alert(1)", "about:blank", " http://a", "xhttp://a"})
+    EXPECT_FALSE(isWebAddress(text)) << text;
+}
+
+TEST(WebAddress, HasNoByteThatIsNotVisibleAscii) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string address = std::string("http://a/") + static_cast<char>(byte);
+    EXPECT_EQ(isWebAddress(address), byte > ' ' && byte < 127) << byte;
+  }
+}
+
+TEST(AddressLines, SeveralLinesInOnePiece) {
+  EXPECT_THAT(AddressLines().take("http://a\nhttp://b\n"), ElementsAre("http://a", "http://b"));
+}
+
+TEST(AddressLines, LineInManyPieces) {
+  AddressLines lines;
+  for (const char* piece : {"h", "ttp:", "//", "a"}) EXPECT_THAT(lines.take(piece), IsEmpty());
+  EXPECT_THAT(lines.take("b\nhttp://"), ElementsAre("http://ab"));
+  EXPECT_THAT(lines.take("c\n"), ElementsAre("http://c"));
+}
+
+TEST(AddressLines, LineWithoutItsEndIsNoneYet) {
+  EXPECT_THAT(AddressLines().take("http://a"), IsEmpty());
+}
+
+TEST(AddressLines, GarbageBetweenAddressesIsPassedOver) {
+  const std::string garbage("\n\n\0\xff\xfe\r\nfile:///x\nhttp://a b\nhttp://a\r\n", 40);
+  EXPECT_THAT(AddressLines().take(garbage + "\nhttp://good\n"), ElementsAre("http://good"));
+}
+
+TEST(AddressLines, LongestLineIsTaken) {
+  std::string line = "http://";
+  line.resize(AddressLines::kLongestLine, 'a');
+  EXPECT_THAT(AddressLines().take(line + "\n"), ElementsAre(line));
+}
+
+TEST(AddressLines, LongerLineIsPassedOverAndTheNextTaken) {
+  std::string line = "http://";
+  line.resize(AddressLines::kLongestLine + 1, 'a');
+  EXPECT_THAT(AddressLines().take(line + "\nhttp://b\n"), ElementsAre("http://b"));
+}
+
+TEST(AddressLines, EndOfALongLineIsNoLineOfItsOwn) {
+  AddressLines lines;
+  EXPECT_THAT(lines.take(std::string(AddressLines::kLongestLine, 'x')), IsEmpty());
+  EXPECT_THAT(lines.take("x"), IsEmpty());
+  EXPECT_THAT(lines.take("http://tail\nhttp://b\n"), ElementsAre("http://b"));
+}
+
+}  // namespace
+}  // namespace helpers

@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include "platform/linux/helpers/web_view/lifetime.h"
+
+namespace helpers {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kIdle = 60s;
+constexpr auto kGrace = Lifetime::kGrace;
+constexpr auto kLeave = Lifetime::kLeave;
+
+// Begins at second 0; all times are seconds from there.
+class LifetimeTest : public testing::Test {
+ protected:
+  [[nodiscard]] static Lifetime::Clock::time_point at(std::chrono::seconds time) {
+    return Lifetime::Clock::time_point() + 1h + time;
+  }
+  [[nodiscard]] std::chrono::seconds end() const {
+    return std::chrono::duration_cast<std::chrono::seconds>(lifetime_.end() - at(0s));
+  }
+
+  Lifetime lifetime_{at(0s), kIdle};
+};
+
+TEST_F(LifetimeTest, WithoutAnyAddressItIsTheIdleTime) {
+  EXPECT_EQ(end(), kIdle);
+}
+
+TEST_F(LifetimeTest, LoadThatIsDoneLeavesTheIdleTime) {
+  lifetime_.addressCame(at(10s));
+  lifetime_.loadingIs(false, at(15s));
+  EXPECT_EQ(end(), 15s + kIdle);
+}
+
+TEST_F(LifetimeTest, LoadThatNeverEndsLeavesTheIdleTimeFromItsAddressOn) {
+  lifetime_.addressCame(at(10s));
+  lifetime_.loadingIs(true, at(40s));
+  EXPECT_EQ(end(), 10s + kIdle);
+}
+
+TEST_F(LifetimeTest, NewAddressBeginsAnew) {
+  lifetime_.addressCame(at(10s));
+  lifetime_.loadingIs(false, at(11s));
+  lifetime_.addressCame(at(50s));
+  EXPECT_EQ(end(), 50s + kIdle);
+  lifetime_.loadingIs(false, at(52s));
+  EXPECT_EQ(end(), 52s + kIdle);
+}
+
+TEST_F(LifetimeTest, ScriptThatKeepsAskingDoesNotKeepItAlive) {
+  lifetime_.addressCame(at(10s));
+  lifetime_.loadingIs(false, at(11s));
+  lifetime_.loadingIs(true, at(40s));
+  lifetime_.loadingIs(false, at(41s));
+  EXPECT_EQ(end(), 11s + kIdle);
+}
+
+TEST_F(LifetimeTest, InputThatEndsWithoutAnAddressEndsItAtOnce) {
+  lifetime_.inputEnded(at(5s));
+  EXPECT_EQ(end(), 5s);
+}
+
+TEST_F(LifetimeTest, InputThatEndsLongAfterTheLoadEndsItAtOnce) {
+  lifetime_.addressCame(at(1s));
+  lifetime_.loadingIs(false, at(2s));
+  lifetime_.inputEnded(at(30s));
+  EXPECT_EQ(end(), 30s);
+}
+
+TEST_F(LifetimeTest, InputThatEndsDuringTheLoadWaitsForIt) {
+  lifetime_.addressCame(at(1s));
+  lifetime_.inputEnded(at(2s));
+  EXPECT_EQ(end(), 2s + kLeave);
+  lifetime_.loadingIs(false, at(5s));
+  EXPECT_EQ(end(), 5s + kGrace);
+}
+
+TEST_F(LifetimeTest, ScriptThatCallsBackAfterTheInputsEndIsWaitedFor) {
+  lifetime_.addressCame(at(1s));
+  lifetime_.inputEnded(at(2s));
+  lifetime_.loadingIs(false, at(3s));
+  lifetime_.loadingIs(true, at(4s));
+  EXPECT_EQ(end(), 2s + kLeave);
+  lifetime_.loadingIs(false, at(5s));
+  EXPECT_EQ(end(), 5s + kGrace);
+}
+
+TEST_F(LifetimeTest, GraceDoesNotOutlastTheLeave) {
+  lifetime_.addressCame(at(1s));
+  lifetime_.inputEnded(at(2s));
+  lifetime_.loadingIs(false, at(11s));
+  EXPECT_EQ(end(), 2s + kLeave);
+}
+
+TEST_F(LifetimeTest, LeaveCountsFromTheFirstEndOfTheInput) {
+  lifetime_.addressCame(at(1s));
+  lifetime_.inputEnded(at(2s));
+  lifetime_.inputEnded(at(9s));
+  EXPECT_EQ(end(), 2s + kLeave);
+}
+
+TEST_F(LifetimeTest, LongLeaveMayOutlastAShortIdleTime) {
+  Lifetime lifetime(at(0s), 1s);
+  lifetime.addressCame(at(0s));
+  lifetime.inputEnded(at(1s));
+  EXPECT_EQ(lifetime.end(), at(1s) + kLeave);
+}
+
+}  // namespace
+}  // namespace helpers

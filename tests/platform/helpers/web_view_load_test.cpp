@@ -1,0 +1,197 @@
+// The helper loads what it is told, and goes when it should.
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/mount.h>
+
+#include <filesystem>
+
+#include "tests/platform/helpers/web_view_helper.h"
+#include "tests/support/x_windows.h"
+
+namespace web_view_test {
+namespace {
+
+using namespace std::chrono_literals;
+using test_support::ExitStatus;
+using testing::Contains;
+using testing::IsEmpty;
+using testing::SizeIs;
+using Clock = std::chrono::steady_clock;
+
+using WebViewLoad = WebViewHelper;
+
+TEST_F(WebViewLoad, ScriptsOfThePageRun) {
+  startWithScript("new Image().src = '/image'; setTimeout(() => fetch('/later?a=' + (1 + 1)), 100);");
+  EXPECT_TRUE(server_.waitFor("/image"));
+  EXPECT_TRUE(server_.waitFor("/later?a=2"));
+}
+
+TEST_F(WebViewLoad, LastOfManyQuickLoadsArrives) {
+  start();
+  for (int i = 0; i < 20; ++i) load("/quick?" + std::to_string(i));
+  EXPECT_TRUE(server_.waitFor("/quick?19"));
+}
+
+TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
+  start();
+  const std::string garbage("\0\x01\xff\xfe http://", 12);
+  ASSERT_TRUE(helper_.writeLine(garbage));
+  ASSERT_TRUE(helper_.writeLine("file:///etc/passwd"));
+  ASSERT_TRUE(helper_.writeLine("http://["));
+  ASSERT_TRUE(helper_.writeLine("http://%"));
+  ASSERT_TRUE(helper_.writeLine(server_.address("/long?" + std::string(70000, 'a'))));
+  EXPECT_TRUE(stillLoads());
+  EXPECT_EQ(server_.asked().front(), "/next");
+}
+
+TEST_F(WebViewLoad, HangingServerDoesNotHoldUpTheNextLoad) {
+  server_.hang("/hangs");
+  start();
+  load("/hangs");
+  ASSERT_TRUE(server_.waitFor("/hangs"));
+  EXPECT_TRUE(stillLoads());
+}
+
+TEST_F(WebViewLoad, ScriptThatNeverEndsDoesNotHoldUpTheNextLoad) {
+  startWithScript("setTimeout(() => { while (true); }, 50);");
+  EXPECT_TRUE(stillLoads());
+}
+
+TEST_F(WebViewLoad, DeadWebProcessIsReplacedByTheNextLoad) {
+  startWithScript("");
+  const auto dead = processesNamed("WebKitWebProces");
+  ASSERT_THAT(dead, SizeIs(1));
+  ASSERT_EQ(::kill(dead.front(), SIGKILL), 0);
+  ASSERT_TRUE(test_support::waitUntil([] { return processesNamed("WebKitWebProces").empty(); }));
+  EXPECT_TRUE(stillLoads());
+}
+
+TEST_F(WebViewLoad, EndOfTheInputWaitsForTheLoadAndItsScripts) {
+  server_.put("/page", "<script>fetch('/a').then(() => setTimeout(() => fetch('/b'), 500))</script>");
+  start();
+  load("/page");
+  helper_.closeInput();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_TRUE(server_.wasAsked("/b"));
+  EXPECT_THAT(webProcesses(), IsEmpty());
+}
+
+TEST_F(WebViewLoad, EndOfTheInputWithoutALoadIsTheEnd) {
+  start();
+  const auto begin = Clock::now();
+  helper_.closeInput();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_LT(Clock::now() - begin, 5s);
+}
+
+TEST_F(WebViewLoad, LoadThatNeverEndsIsLeftTenSecondsAfterTheInput) {
+  server_.hang("/hangs");
+  start();
+  load("/hangs");
+  ASSERT_TRUE(server_.waitFor("/hangs"));
+  const auto begin = Clock::now();
+  helper_.closeInput();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_GE(Clock::now() - begin, 9900ms);
+  EXPECT_LT(Clock::now() - begin, 13s);
+  EXPECT_THAT(webProcesses(), IsEmpty());
+}
+
+TEST_F(WebViewLoad, IdleHelperEnds) {
+  start({"--idle-seconds", "2"});
+  load("/page");
+  ASSERT_TRUE(server_.waitFor("/page"));
+  const auto begin = Clock::now();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_GE(Clock::now() - begin, 1500ms);
+  EXPECT_LT(Clock::now() - begin, 8s);
+  EXPECT_THAT(webProcesses(), IsEmpty());
+}
+
+TEST_F(WebViewLoad, PageThatKeepsAskingDoesNotKeepTheHelper) {
+  server_.put("/page", "<script>setInterval(() => fetch('/again'), 200)</script>");
+  start({"--idle-seconds", "2"});
+  load("/page");
+  ASSERT_TRUE(server_.waitFor("/again"));
+  EXPECT_EQ(helper_.wait(8s), ExitStatus{.code = 0});
+}
+
+TEST_F(WebViewLoad, RequestToEndTakesEveryProcessAlong) {
+  startWithScript("setTimeout(() => { while (true); }, 50);");
+  helper_.terminate();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_THAT(webProcesses(), IsEmpty());
+}
+
+TEST_F(WebViewLoad, KilledHelperTakesEveryProcessAlong) {
+  startWithScript("");
+  helper_.kill();
+  EXPECT_TRUE(helper_.wait());
+  EXPECT_TRUE(waitForNoWebProcess());
+}
+
+TEST_F(WebViewLoad, NoWindowIsOnTheScreen) {
+  startWithScript("setTimeout(() => { document.title = 'Title'; window.focus(); fetch('/shown'); }, 100);");
+  ASSERT_TRUE(server_.waitFor("/shown"));
+  EXPECT_TRUE(stillLoads());
+  EXPECT_THAT(test_support::windowsOn(display_->name()), IsEmpty());
+}
+
+TEST_F(WebViewLoad, NoFileIsLeftAndNoneOfTheUsersTouched) {
+  const auto before = filesBelow("/tmp");
+  const auto homeBefore = filesBelow("/tmp/home");
+  startWithScript(
+      "document.cookie = 'a=b; max-age=9999'; localStorage.setItem('a', 'b');"
+      "indexedDB.open('a').onsuccess = () => fetch('/stored');");
+  EXPECT_TRUE(server_.waitFor("/stored"));
+  EXPECT_EQ(filesBelow("/tmp/home"), homeBefore);
+  helper_.closeInput();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_EQ(filesBelow("/tmp"), before);
+}
+
+std::string pidNamespaceOf(pid_t process) {
+  return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/ns/pid");
+}
+
+TEST_F(WebViewLoad, WebProcessIsLockedIn) {
+  startWithScript("");
+  const auto processes = processesNamed("WebKitWebProces");
+  ASSERT_THAT(processes, SizeIs(1));
+  EXPECT_NE(pidNamespaceOf(processes.front()), pidNamespaceOf(helper_.pid()));
+}
+
+TEST_F(WebViewLoad, PageIsLoadedAlsoWhereTheWebProcessCannotBeLockedIn) {
+  ASSERT_EQ(::mount("/dev/null", "/usr/bin/bwrap", nullptr, MS_BIND, nullptr), 0);
+  startWithScript("");
+  const auto processes = processesNamed("WebKitWebProces");
+  EXPECT_EQ(::umount2("/usr/bin/bwrap", MNT_DETACH), 0);
+  ASSERT_THAT(processes, SizeIs(1));
+  EXPECT_EQ(pidNamespaceOf(processes.front()), pidNamespaceOf(helper_.pid()));
+}
+
+TEST_F(WebViewLoad, PageIsLoadedAlsoWithoutARuntimeFolder) {
+  ASSERT_TRUE(
+      helper_.start({helper_test::helper("TovalinWebView")},
+                    {.environment = {{"DISPLAY", display_->name()}, {"XDG_RUNTIME_DIR", std::nullopt}},
+                     .input = test_support::Redirection::pipe(),
+                     .error = test_support::Redirection::null()}));
+  EXPECT_TRUE(stillLoads());
+}
+
+TEST_F(WebViewLoad, WithoutADisplayItSaysSoAndEnds) {
+  const auto ended =
+      helper_test::run({helper_test::helper("TovalinWebView")}, {.environment = {{"DISPLAY", std::nullopt}}});
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_THAT(ended.error, testing::HasSubstr("TovalinWebView: there is no X display"));
+}
+
+TEST_F(WebViewLoad, UsageAndUnknownArguments) {
+  const auto usage = helper_test::run({helper_test::helper("TovalinWebView"), "--help"});
+  EXPECT_EQ(usage.code, 0);
+  EXPECT_THAT(usage.output, testing::HasSubstr("--idle-seconds"));
+  EXPECT_EQ(helper_test::run({helper_test::helper("TovalinWebView"), "http://a"}).code, 2);
+}
+
+}  // namespace
+}  // namespace web_view_test

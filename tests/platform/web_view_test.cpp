@@ -1,0 +1,103 @@
+// The view with its real helper.
+#include "platform/web_view.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mount.h>
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "platform/bundle.h"
+#include "platform/linux/web_view_process.h"
+#include "tests/platform/event_loop.h"
+#include "tests/platform/helpers/helper_run.h"
+#include "tests/platform/helpers/page_server.h"
+#include "tests/platform/helpers/web_processes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using testing::IsEmpty;
+using testing::SizeIs;
+using web_view_test::processesNamed;
+using web_view_test::webProcesses;
+
+constexpr const char* kHelper = "TovalinWebView";
+
+class WebViewTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    view_.reset();
+    EXPECT_TRUE(serveEventsUntil([] { return webProcesses().empty() && !web_view_test::hasZombie(); }));
+  }
+  void load(const std::string& path) { view_->loadRequest(server_.address(path)); }
+
+  web_view_test::PageServer server_;
+  std::unique_ptr<platform::WebView> view_ = std::make_unique<platform::WebView>(platform::Rect{0, 0, 1, 1});
+};
+
+TEST_F(WebViewTest, ScriptOfThePageReportsBack) {
+  server_.put("/page", "<script>fetch('/script?runs')</script>");
+  load("/page?a=b%20c");
+  EXPECT_TRUE(server_.waitFor("/script?runs"));
+  EXPECT_TRUE(server_.wasAsked("/page?a=b%20c"));
+}
+
+TEST_F(WebViewTest, SecondOfTwoQuickLoadsArrives) {
+  load("/first");
+  load("/second");
+  EXPECT_TRUE(server_.waitFor("/second"));
+  EXPECT_THAT(processesNamed(kHelper), SizeIs(1));
+}
+
+TEST_F(WebViewTest, LoadAfterTheHelperWasKilledArrives) {
+  load("/first");
+  ASSERT_TRUE(server_.waitFor("/first"));
+  ASSERT_THAT(processesNamed(kHelper), SizeIs(1));
+  ASSERT_EQ(::kill(processesNamed(kHelper).front(), SIGKILL), 0);
+  ASSERT_TRUE(test_support::waitUntil([] { return processesNamed(kHelper).empty(); }));
+  load("/second");
+  EXPECT_TRUE(server_.waitFor("/second"));
+}
+
+TEST_F(WebViewTest, LoadArrivesWhenItsViewGoesAtOnce) {
+  load("/page");
+  view_.reset();
+  EXPECT_TRUE(server_.waitFor("/page"));
+  EXPECT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
+}
+
+TEST_F(WebViewTest, NothingRunsBeforeTheFirstLoad) {
+  EXPECT_THAT(webProcesses(), IsEmpty());
+}
+
+TEST_F(WebViewTest, MissingHelperDoesNoHarm) {
+  const std::string helpers = platform::Bundle::mainBundle()->bundlePath() + "/Contents/Helpers";
+  const std::string nothing = helper_test::newFolder();
+  ASSERT_EQ(::mount(nothing.c_str(), helpers.c_str(), nullptr, MS_BIND, nullptr), 0);
+  load("/page");
+  EXPECT_EQ(::umount2(helpers.c_str(), MNT_DETACH), 0);
+  EXPECT_THAT(webProcesses(), IsEmpty());
+  load("/page");
+  EXPECT_TRUE(server_.waitFor("/page"));
+}
+
+TEST_F(WebViewTest, NoAddressIsLostAroundTheEndOfAnIdleHelper) {
+  const std::string folder = helper_test::newFolder();
+  helper_test::writeProgram(folder + "/helper", "exec " + helper_test::helper(kHelper) + " --idle-seconds 1");
+  platform::WebViewProcess process;
+  process.send(folder + "/helper", server_.address("/first"));
+  ASSERT_TRUE(server_.waitFor("/first"));
+  ASSERT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
+  process.send(folder + "/helper", server_.address("/second"));
+  EXPECT_TRUE(server_.waitFor("/second"));
+  EXPECT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
+  fs::remove_all(folder);
+}
+
+}  // namespace
