@@ -13,10 +13,20 @@ using test_support::Redirection;
 
 namespace {
 
+constexpr const char* beaconRun = "run: beacon ";
 constexpr const char* outsideCommands = "/tmp/outside commands";
 
 void placeRecorder(const std::string& place) {
   fs::copy_file(TOVALIN_RECORDER, place, fs::copy_options::overwrite_existing);
+}
+
+bool isRunning(const std::string& program) {
+  for (const auto& process : fs::directory_iterator("/proc")) {
+    std::string command;
+    std::getline(std::ifstream(process.path() / "comm"), command);
+    if (command == program) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -27,10 +37,15 @@ void AgentTest::SetUp() {
   ASSERT_TRUE(bus_.start());
   ASSERT_TRUE(display_.start());
   fs::create_directories(outsideCommands);
-  placeRecorder(std::string(outsideCommands) + "/killall");
+  for (const char* command : {"/killall", "/beacon"}) placeRecorder(outsideCommands + std::string(command));
   environment_ = {{"DISPLAY", display_.name()},
                   {"DBUS_SESSION_BUS_ADDRESS", bus_.address()},
                   {"PATH", std::string(outsideCommands) + ":" + std::getenv("PATH")}};
+}
+
+void AgentTest::TearDown() {
+  agent_.kill();
+  EXPECT_TRUE(test_support::waitUntil([] { return !isRunning("TovalinWebView"); }));
 }
 
 void AgentTest::install(const std::string& path, const std::string& program) {
@@ -42,6 +57,20 @@ void AgentTest::install(const std::string& path, const std::string& program) {
   if (!program.empty()) fs::copy_file(program, agentProgram(), fs::copy_options::overwrite_existing);
   for (const char* helper : {"launchctl", "open", "osascript"})
     placeRecorder(agentContents() + "/Helpers/" + helper);
+  fs::copy_file(TOVALIN_WEB_VIEW_DOUBLE, agentContents() + "/Helpers/TovalinWebView",
+                fs::copy_options::overwrite_existing);
+  setServers(kNobody);
+}
+
+void AgentTest::setServers(const std::string& product, const std::string& testUpload) {
+  const std::string path = agentContents() + "/Info.plist";
+  std::ifstream built(std::string(std::getenv("TOVALIN_BUNDLE_ROOT")) +
+                      "/Tovalin.app/Contents/Resources/TovalinTray.app/Contents/Info.plist");
+  std::string list(std::istreambuf_iterator<char>(built), {});
+  list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + product +
+                                         "</string><key>TovalinTestUploadServer</key><string>" + testUpload +
+                                         "</string>");
+  std::ofstream(path) << list;
 }
 
 void AgentTest::writeProperties(const Properties& properties) {
@@ -85,6 +114,28 @@ ExitStatus AgentTest::endOfAgent() {
 void AgentTest::terminateAgent() {
   agent_.terminate();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();
+}
+
+std::vector<std::string> AgentTest::texts() {
+  std::vector<std::string> all = timeline_.texts();
+  std::erase_if(all, [](const std::string& text) { return text.starts_with(beaconRun); });
+  return all;
+}
+
+std::vector<std::string> AgentTest::beacons() {
+  std::vector<std::string> queries;
+  for (const std::string& text : timeline_.texts()) {
+    if (text.starts_with(beaconRun)) queries.push_back(text.substr(text.find('?')));
+  }
+  return queries;
+}
+
+bool AgentTest::waitForBeacon(const std::string& query) {
+  return timeline_
+      .waitFor([&](const test_support::TimelineEvent& event) {
+        return event.text.starts_with(beaconRun) && event.text.ends_with(query);
+      })
+      .has_value();
 }
 
 int AgentTest::count(const std::string& beginning) {

@@ -16,10 +16,14 @@
 
 // The real agent, in a copy of its bundle, on a display and a session bus of the test's own. What it does is
 // seen from outside: its messages, its log entries and the commands that it runs, on one time line.
-// launchctl, open, osascript and killall are programs that report to the time line.
+// launchctl, open, osascript and killall are programs that report to the time line, and so does the hidden
+// web view, as "run: beacon ADDRESS". The product server is one that refuses connections, unless the test has
+// one.
 class AgentTest : public testing::Test {
  protected:
   void SetUp() override;
+  // Waits for the web view's end, so that no beacon reaches the next test.
+  void TearDown() override;
 
   // What the property file of the main application says; nullopt leaves a key out.
   struct Properties {
@@ -30,6 +34,8 @@ class AgentTest : public testing::Test {
   // Copies the built bundle to `path`. `program` takes the agent's place where it is given.
   void install(const std::string& path, const std::string& program = {});
   void writeProperties(const Properties& properties);
+  // Points the installed agent at this product server, an origin, and at this one for test uploads.
+  void setServers(const std::string& product, const std::string& testUpload = kNobody);
 
   // Starts the installed agent, or at first one installed where it fits.
   void startAgent(const std::vector<std::string>& arguments = {});
@@ -41,7 +47,11 @@ class AgentTest : public testing::Test {
   // Sends SIGTERM and expects a proper end.
   void terminateAgent();
 
-  [[nodiscard]] std::vector<std::string> texts() { return timeline_.texts(); }
+  // What is on the time line; the beacons, which nobody waits for, apart.
+  [[nodiscard]] std::vector<std::string> texts();
+  [[nodiscard]] std::vector<std::string> beacons();
+  // The address of a beacon of the installed agent without its server and path: "?category=C&C=V".
+  [[nodiscard]] bool waitForBeacon(const std::string& query);
   // How many events begin so.
   [[nodiscard]] int count(const std::string& beginning);
   // Where in the time line the first such event stands; fails the test when there is none.
@@ -57,6 +67,8 @@ class AgentTest : public testing::Test {
 
   // Runs a tool of the desktop on the test's display and returns what it prints.
   std::string runOnDisplay(const std::vector<std::string>& command);
+
+  static constexpr const char* kNobody = "http://127.0.0.1:1";
 
   test_support::SessionBus bus_;
   test_support::TestDisplay display_;

@@ -8,6 +8,8 @@
 #include <fstream>
 
 #include "tests/end_to_end/agent_test.h"
+#include "tests/support/product_server_double.h"
+#include "tests/support/raw_http_server.h"
 
 namespace {
 
@@ -144,6 +146,8 @@ TEST_F(Launch, WithoutAHomeTheMissingFolderIsToldAndTheAgentRuns) {
 TEST_F(Launch, AReadOnlyDataFolderIsToldAndTheAgentRuns) {
   environment_["XDG_DATA_HOME"] = "/proc/self";
   launchAgent();
+  EXPECT_THAT(agent_.readErrorLine().value_or(""), HasSubstr("open log failed: "));
+  EXPECT_TRUE(waitForText("log 3: data file open fail"));
   EXPECT_THAT(agent_.readErrorLine().value_or(""), HasSubstr("create file failed: "));
   terminateAgent();
 }
@@ -279,8 +283,70 @@ TEST_F(Launch, TheServerOptionIsReadAndItsFileMade) {
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "1");
 }
 
-TEST_F(Launch, ABundlePathWithABlankWorksAndItsCommandsStandAsTheyAre) {
-  install("/tmp/My Applications/Tovalin.app", TOVALIN_AGENT_WITH_UPDATE_DUE);
+TEST_F(Launch, TwoBeaconsTellOfTheStartAndOfTheVersion) {
+  launchAgent();
+  ASSERT_TRUE(waitForBeacon("?category=applaunch&applaunch=version1.0.0"));
+  EXPECT_THAT(beacons(), ElementsAre("?category=applaunch&applaunch=start",
+                                     "?category=applaunch&applaunch=version1.0.0"));
+}
+
+TEST_F(Launch, WithoutAVersionTheSecondBeaconSaysNull) {
+  std::ofstream(agentContents() + "/Info.plist")
+      << "<plist version=\"1.0\"><dict><key>TovalinProductServer</key>"
+         "<string>http://127.0.0.1:1</string></dict></plist>";
+  launchAgent();
+  EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=version(null)"));
+}
+
+TEST_F(Launch, WithoutTheWebViewsHelperTheAgentRuns) {
+  std::filesystem::remove(agentContents() + "/Helpers/TovalinWebView");
+  launchAgent();
+  terminateAgent();
+  EXPECT_THAT(beacons(), testing::IsEmpty());
+}
+
+TEST_F(Launch, ServerThatAnswersWithAnErrorPageIsNoNewerVersion) {
+  test_support::ProductServerDouble server;
+  setServers(server.origin());
+  launchAgent();
+  ASSERT_EQ(server.requests().size(), 1u);
+  EXPECT_EQ(server.requests()[0].target, "/product/nimba/binary/tovalin_recent_version_info.xml");
+  EXPECT_EQ(count("run: open"), 0);
+}
+
+TEST_F(Launch, SameVersionOnTheServerIsNoUpdate) {
+  test_support::ProductServerDouble server;
+  server.putVersion("1.0.0");
+  setServers(server.origin());
+  launchAgent();
+  EXPECT_EQ(count("run: open"), 0);
+}
+
+TEST_F(Launch, SilentServerHoldsTheLaunchUpForThreeSeconds) {
+  const test_support::RawHttpServer server(
+      [](test_support::RawConnection& connection) { static_cast<void>(connection.waitForEnd()); });
+  setServers(server.url(""));
+  launchAgent();
+  const auto told = [&](const char* text) { return timeline_.waitFor(text)->time; };
+  const auto waited = told("pipe: -ton") - told("log 3: Dark Mode");
+  EXPECT_GE(waited, std::chrono::milliseconds(2900));
+  EXPECT_LT(waited, std::chrono::seconds(8));
+}
+
+// The server has a newer version.
+class UpdateDue : public AgentTest {
+ protected:
+  void installWithNewerVersion(const std::string& path) {
+    server_.putVersion("99.0.0");
+    install(path);
+    setServers(server_.origin());
+  }
+
+  test_support::ProductServerDouble server_;
+};
+
+TEST_F(UpdateDue, ABundlePathWithABlankWorksAndItsCommandsStandAsTheyAre) {
+  installWithNewerVersion("/tmp/My Applications/Tovalin.app");
   launchAgent();
   EXPECT_EQ(count("log 3: Tovalin working path [/tmp/My Applications/Tovalin.app]"), 1);
   const auto run = timeline_.waitFor("run: open");
@@ -290,10 +356,8 @@ TEST_F(Launch, ABundlePathWithABlankWorksAndItsCommandsStandAsTheyAre) {
   EXPECT_EQ(run->arguments[2], "Applications/Tovalin.app/Contents/Resources/tovalinnotification.app");
 }
 
-class UpdateDue : public AgentTest {};
-
 TEST_F(UpdateDue, TheNotificationHelperIsToldOnceBeforeTheMainApplication) {
-  install("/tmp/Applications/Tovalin.app", TOVALIN_AGENT_WITH_UPDATE_DUE);
+  installWithNewerVersion("/tmp/Applications/Tovalin.app");
   launchAgent();
   const auto run = timeline_.waitFor("run: open");
   ASSERT_TRUE(run);
@@ -323,14 +387,14 @@ std::string pathOfLength(std::size_t length) {
 }
 
 TEST_F(UpdateDue, ABundlePathOf404BytesIsTold) {
-  install(pathOfLength(404), TOVALIN_AGENT_WITH_UPDATE_DUE);
+  installWithNewerVersion(pathOfLength(404));
   ASSERT_EQ(bundle_.size(), 404u);
   launchAgent();
   EXPECT_EQ(count("run: open"), 1);
 }
 
 TEST_F(UpdateDue, ABundlePathOf405BytesEndsTheAgentWithAMessage) {
-  install(pathOfLength(405), TOVALIN_AGENT_WITH_UPDATE_DUE);
+  installWithNewerVersion(pathOfLength(405));
   ASSERT_EQ(bundle_.size(), 405u);
   startAgent();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});

@@ -7,6 +7,7 @@
 #include <QImage>
 
 #include "tests/end_to_end/agent_test.h"
+#include "tests/support/product_server_double.h"
 
 namespace {
 
@@ -70,13 +71,15 @@ TEST_F(Menu, ItsTitleNamesWhatAClickWillDo) {
   EXPECT_EQ(visibleLabels().front(), "Automount On");
 }
 
-TEST_F(Menu, SwitchSupportAndQuitCanBeChosen) {
+TEST_F(Menu, EveryLineWithATitleCanBeChosen) {
   launchAgentInPanel();
   std::vector<std::string> enabled;
   for (const auto& item : host_.menu()) {
     if (item.enabled && item.visible && !item.separator) enabled.push_back(item.label);
   }
-  EXPECT_THAT(enabled, ElementsAre("Automount Off", "Support Tovalin", "Quit Tovalin"));
+  EXPECT_THAT(enabled, ElementsAre("Automount Off", "Like us on Facebook", "Share Tovalin on Facebook",
+                                   "Share Tovalin on Twitter", "Visit our website now", "Review Tovalin",
+                                   "Support Tovalin", "Quit Tovalin"));
 }
 
 TEST_F(Menu, TheIconFollowsTheStateInALightPanel) {
@@ -191,7 +194,10 @@ TEST_F(Menu, WithoutAnUpdateSupportHasNoBadge) {
 }
 
 TEST_F(Menu, WithAnUpdateSupportWearsTheBadge) {
-  install("/tmp/Applications/Tovalin.app", TOVALIN_AGENT_WITH_UPDATE_DUE);
+  test_support::ProductServerDouble server;
+  server.putVersion("99.0.0");
+  install("/tmp/Applications/Tovalin.app");
+  setServers(server.origin());
   launchAgentInPanel();
   const std::string badge = std::to_string(20 * scale()) + "x" + std::to_string(17 * scale());
   int badges = 0;
@@ -219,9 +225,69 @@ TEST_F(Menu, QuitWaitsASecondBetweenItsMessageAndTheUnload) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
-  const auto events = timeline_.events();
-  EXPECT_GE(events[position(unloadRun)].time - events[position("pipe: -toff")].time,
+  EXPECT_GE(timeline_.waitFor(unloadRun)->time - timeline_.waitFor("pipe: -toff")->time,
             std::chrono::milliseconds(950));
+}
+
+TEST_F(Menu, QuitIsReportedThoughTheAgentIsGone) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.click("Quit Tovalin"));
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=quit"));
+}
+
+TEST_F(Menu, EachSwitchIsReported) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.click("Automount Off"));
+  EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=turnoff"));
+  ASSERT_TRUE(test_support::waitUntil([&] { return visibleLabels().front() == "Automount On"; }));
+  ASSERT_TRUE(host_.click("Automount On"));
+  EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=turnon"));
+}
+
+struct Link {
+  const char* label;
+  const char* value;  // as the beacon escapes it
+  const char* page;
+};
+
+class Links : public Menu, public testing::WithParamInterface<Link> {};
+
+TEST_P(Links, AreReportedOnceAndOpenedAsTheyStand) {
+  install("/tmp/Applications/Tovalin.app");
+  launchAgentInPanel();
+  ASSERT_TRUE(waitForBeacon("=version1.0.0"));
+  timeline_.clear();
+  ASSERT_TRUE(host_.click(GetParam().label));
+  const auto run = timeline_.waitFor("run: open");
+  ASSERT_TRUE(run);
+  EXPECT_THAT(run->arguments, ElementsAre(GetParam().page));
+  const std::string query = std::string("?category=clickaction&clickaction=") + GetParam().value;
+  ASSERT_TRUE(waitForBeacon(query));
+  terminateAgent();
+  EXPECT_THAT(beacons(), ElementsAre(query));
+  EXPECT_EQ(count("run: open"), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Menu, Links,
+    testing::Values(
+        Link{"Like us on Facebook", "Like.F", "https://www.facebook.com/kesmoor"},
+        Link{"Share Tovalin on Facebook", "Share.F",
+             "https://www.facebook.com/sharer/sharer.php?u=http://127.0.0.1:1/tovalin"},
+        Link{"Share Tovalin on Twitter", "Share.T",
+             "https://twitter.com/intent/tweet?text=[Tovalin]%20Easily%20manage%20the%20files%20in%20your%20"
+             "iDevice.%20And%20transfer%20contents%20via%20Finder.%20No%20iTunes%20No%20jailbreak.%20FREE!%20"
+             "http://127.0.0.1:1/tovalin/"},
+        Link{"Visit our website now", "Visit%20Site", "http://127.0.0.1:1/tovalin"},
+        Link{"Review Tovalin", "Review", "http://127.0.0.1:1/tovalin/review"}));
+
+TEST_F(Menu, BrowserThatFailsIsNotNoticed) {
+  launchAgentInPanel();
+  timeline_.setStatus("open", 1);
+  ASSERT_TRUE(host_.click("Review Tovalin"));
+  ASSERT_TRUE(waitForText("run: open"));
+  terminateAgent();
 }
 
 TEST_F(Menu, QuitGoesOnWhenItsCommandsFail) {
