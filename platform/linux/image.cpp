@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QGuiApplication>
 
 #include "platform/bundle.h"
 #include "platform/linux/image_impl.h"
+#include "platform/linux/kept_pixels.h"
 
 namespace platform {
 namespace {
@@ -20,6 +23,18 @@ QImage emptyForm(Size size) {
   QImage form(static_cast<int>(width), static_cast<int>(height), QImage::Format_ARGB32_Premultiplied);
   form.fill(Qt::transparent);
   return form;
+}
+
+// Decoding a large picture takes some milliseconds, so it is kept for as long as it is asked for.
+QImage pixelsIn(const QString& path) {
+  const QFileInfo file(path);
+  const QString version =
+      QString::asprintf(" %lld %lld", file.size(), file.lastModified().toMSecsSinceEpoch());
+  return keptPixels(path + version, [&] {
+    QImage pixels(path);
+    pixels.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
+    return pixels;
+  });
 }
 
 QString withScaleSuffix(const QString& path) {
@@ -82,10 +97,9 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   const auto bundle = Bundle::mainBundle();
   if (!bundle) return nullptr;
   const QString path = QString::fromStdString(bundle->pathForResource(name));
-  QImage plain(path), fine;
+  QImage plain = pixelsIn(path), fine;
   // Reading it takes four times as long, so only screens that show it pay for it.
-  if (backingScale() > 1) fine.load(withScaleSuffix(path));
-  fine.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
+  if (backingScale() > 1) fine = pixelsIn(withScaleSuffix(path));
   if (plain.isNull()) return nullptr;
 
   std::shared_ptr<Image> image(new Image);

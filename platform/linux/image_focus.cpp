@@ -2,6 +2,7 @@
 
 #include "platform/image.h"
 #include "platform/linux/image_impl.h"
+#include "platform/linux/kept_pixels.h"
 
 namespace platform {
 namespace {
@@ -11,6 +12,17 @@ QRectF partInPixels(const Image::Impl& image, const QImage& form, Rect from) {
   const Size base = image.scalesWhenResized ? image.size : image.naturalSize;
   const double x = form.width() / base.width, y = form.height() / base.height;
   return {from.x * x, form.height() - (from.y + from.height) * y, from.width * x, from.height * y};
+}
+
+// The painter's own smoothing looks at four neighbours only and drops lines when it shrinks much, so pixels
+// are averaged by area. The same picture is mostly asked for in the same size again.
+QImage averaged(const QImage& form, QRect part, QSize size) {
+  const QString key = QString::asprintf("%lld %d %d %d %d %d %d", form.cacheKey(), part.x(), part.y(),
+                                        part.width(), part.height(), size.width(), size.height());
+  return keptPixels(key, [&] {
+    const QImage piece = part == form.rect() ? form : form.copy(part);
+    return piece.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  });
 }
 
 }  // namespace
@@ -41,16 +53,18 @@ void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOpera
   const QImage& form = source.impl().formFor(to.width());
   const QRect part = partInPixels(source.impl(), form, from).toAlignedRect();
 
+  const bool averages = impl_->interpolation == ImageInterpolation::High;
+  // What covers the whole of it takes its place, which spares a copy of all pixels.
+  if (averages && operation == CompositingOperation::Copy && fraction == 1.0 && to == QRectF(canvas.rect())) {
+    canvas = averaged(form, part, canvas.size()).convertToFormat(canvas.format());
+    return;
+  }
   QPainter painter(&canvas);
   painter.setCompositionMode(operation == CompositingOperation::Copy ? QPainter::CompositionMode_Source
                                                                      : QPainter::CompositionMode_SourceOver);
   painter.setOpacity(fraction);
-  // The painter's own smoothing looks at four neighbours only and drops lines when it shrinks much, so
-  // pixels are averaged by area first.
-  if (impl_->interpolation == ImageInterpolation::High) {
-    const QImage piece = part == form.rect() ? form : form.copy(part);
-    painter.drawImage(to.topLeft(),
-                      piece.scaled(to.size().toSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+  if (averages) {
+    painter.drawImage(to.topLeft(), averaged(form, part, to.size().toSize()));
     return;
   }
   painter.setRenderHint(QPainter::SmoothPixmapTransform, impl_->interpolation == ImageInterpolation::Low);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <thread>
@@ -39,6 +40,17 @@ class NoticeSoak : public NoticeTest {
     return now;
   }
 
+  // The toolkit drops one of the pictures that it keeps every half a minute, which would pass for a gain, and
+  // the next notice reads it again.
+  [[nodiscard]] long memoryWithAllPictures() {
+    long most = 0;
+    for (int i = 0; i < 3; ++i) {
+      showAndHideBoth(1);
+      most = std::max(most, settledMemory());
+    }
+    return most;
+  }
+
   [[nodiscard]] long descriptors() const {
     const std::filesystem::directory_iterator open("/proc/" + std::to_string(agent_.pid()) + "/fd");
     return std::distance(begin(open), end(open));
@@ -53,14 +65,14 @@ TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
   ASSERT_GT(pairs, warmUp);
   launch();
   showAndHideBoth(warmUp);
-  const long memory = settledMemory(), open = descriptors();
+  const long memory = memoryWithAllPictures(), open = descriptors();
   showAndHideBoth(pairs - warmUp);
   EXPECT_TRUE(test_support::waitUntil([&] { return descriptors() == open; }))
       << descriptors() << " for " << open;
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "the address sanitizer keeps freed memory, so the agent's size says nothing here";
 #endif
-  EXPECT_LE(std::labs(settledMemory() - memory), 1024);
+  EXPECT_LE(std::labs(memoryWithAllPictures() - memory), 1024);
   std::printf("%d pairs: %ld kB after %d, %ld kB at the end\n", pairs, memory, warmUp,
               ownMemoryInKilobytes());
 }

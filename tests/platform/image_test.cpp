@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include <QGuiApplication>
 
@@ -37,6 +38,24 @@ TEST(ImageNamed, IsNothingForAFileThatIsNoPicture) {
   EXPECT_EQ(imageNamed("../MacOS/image_test"), nullptr);
 }
 
+TEST(ImageNamed, DrawingIntoOneChangesNoLaterOne) {
+  const auto first = imageNamed("icon.png");
+  ASSERT_NE(first, nullptr);
+  const QImage before = first->impl().forms.front().copy();
+  first->impl().forms.front().fill(Qt::red);
+  EXPECT_EQ(imageNamed("icon.png")->impl().forms.front(), before);
+}
+
+TEST(ImageNamed, APictureThatHasChangedIsReadAnew) {
+  const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
+  for (const int side : {4, 6}) {
+    ASSERT_TRUE(QImage(side, side, QImage::Format_ARGB32).save(QStringLiteral("/tmp/changing.png")));
+    const auto picture = imageNamed(toTheTop + "/tmp/changing.png");
+    ASSERT_NE(picture, nullptr);
+    EXPECT_EQ(picture->size().width, side);
+  }
+}
+
 TEST(Image, HasAsManyPixelsAsTheScreenShowsForItsPoints) {
   const double scale = qGuiApp->devicePixelRatio();
   EXPECT_EQ(Image({20, 17}).pixelSize(), (Size{20 * scale, 17 * scale}));
@@ -68,6 +87,33 @@ TEST(ImageFocus, DrawsNothingIntoOrFromAnInvalidImage) {
   Image target({4, 4});
   ImageFocus(target).draw(nowhere, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
   EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1).alpha(), 0);
+}
+
+TEST(ImageFocus, WhatIsDrawnWithHighInterpolationIsThePictureAsItIsNow) {
+  Image source({8, 8});
+  for (const Qt::GlobalColor colour : {Qt::red, Qt::blue}) {
+    source.impl().forms.front().fill(colour);
+    Image target({4, 4});
+    ImageFocus focus(target);
+    focus.setImageInterpolation(ImageInterpolation::High);
+    focus.draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+    EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1), QColor(colour));
+  }
+}
+
+TEST(ImageFocus, DrawingIntoAScaledImageChangesNoOtherOfThatSize) {
+  Image source({8, 8}), first({4, 4}), second({4, 4});
+  source.impl().forms.front().fill(Qt::red);
+  const auto drawInto = [&](Image& target) {
+    ImageFocus focus(target);
+    focus.setImageInterpolation(ImageInterpolation::High);
+    focus.draw(source, {0, 0}, {0, 0, 8, 8}, CompositingOperation::Copy, 1.0);
+  };
+  source.setScalesWhenResized(true);
+  drawInto(first);
+  first.impl().forms.front().fill(Qt::blue);
+  drawInto(second);
+  EXPECT_EQ(second.impl().forms.front().pixelColor(1, 1), QColor(Qt::red));
 }
 
 TEST(ImageFocus, CountsFromTheLowerLeft) {
