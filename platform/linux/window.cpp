@@ -2,6 +2,8 @@
 
 #include <malloc.h>
 
+#include <functional>
+
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
@@ -17,13 +19,18 @@ namespace {
 // A window whose title bar has no close control is not closed by other means either.
 class WindowWidget : public QWidget {
  public:
+  std::function<void()> closed;
+
   explicit WindowWidget(WindowStyle style) : style_(style) {
     const Qt::WindowFlags titled = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint;
     setWindowFlags(style == WindowStyle::Titled ? titled : titled | Qt::WindowCloseButtonHint);
   }
 
  protected:
-  void closeEvent(QCloseEvent* event) override { event->setAccepted(style_ == WindowStyle::TitledClosable); }
+  void closeEvent(QCloseEvent* event) override {
+    event->setAccepted(style_ == WindowStyle::TitledClosable);
+    if (event->isAccepted()) closed();
+  }
 
  private:
   WindowStyle style_;
@@ -45,6 +52,13 @@ Window::Impl::Impl(Rect contentRect, WindowStyle style)
     : content(std::make_unique<ContentView>(Rect{0, 0, contentRect.width, contentRect.height}, style)),
       widget(*content->impl().widget) {
   widget.setFixedSize(widget.size());
+  static_cast<WindowWidget&>(widget).closed = [this] { releaseOnceIdle(); };
+}
+
+// The toolkit still works on the widget that is being closed.
+void Window::Impl::releaseOnceIdle() {
+  QMetaObject::invokeMethod(
+      qApp, [self = std::move(onScreen)] {}, Qt::QueuedConnection);
 }
 
 bool Window::Impl::isOnScreen() const {

@@ -17,6 +17,8 @@ struct Window::Impl {
   // Visible, and neither made an icon nor on another desktop.
   [[nodiscard]] bool isOnScreen() const;
   void setAboveOthers(bool above);
+  // Gives up what keeps the window while it shows, once control is back in the run loop.
+  void releaseOnceIdle();
 
   std::unique_ptr<View> content;
   QWidget& widget;

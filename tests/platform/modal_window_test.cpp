@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <QGuiApplication>
+
+#include "platform/application.h"
+#include "platform/window.h"
+#include "tests/platform/event_loop.h"
+#include "tests/support/x_windows.h"
+
+namespace {
+
+using platform::Application;
+using platform::Window;
+using test_support::windowNamed;
+
+constexpr const char* plain = "Plain";
+constexpr const char* outer = "Outer";
+constexpr const char* inner = "Inner";
+
+std::string display() {
+  return qEnvironmentVariable("DISPLAY").toStdString();
+}
+
+// From any thread: seen on the display, not asked of the program.
+bool isShown(const std::string& title) {
+  return test_support::waitForWindow(display(), windowNamed(title), std::chrono::milliseconds(0)).has_value();
+}
+void requestClose(const std::string& title) {
+  const auto window = test_support::waitForWindow(display(), windowNamed(title));
+  ASSERT_TRUE(window) << title << " is not on the display";
+  test_support::requestClose(display(), window->id);
+}
+bool closes(const std::string& title) {
+  return test_support::waitForNoWindow(display(), windowNamed(title));
+}
+
+// Windows with a close control, closed by the window manager as a user's click there has it.
+class ModalWindow : public testing::Test {
+ protected:
+  static std::shared_ptr<Window> open(const char* title) {
+    auto window = Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
+    window->setTitle(title);
+    window->makeKeyAndOrderFront();
+    EXPECT_TRUE(serveEventsUntil([&] { return isShown(title); }));
+    return window;
+  }
+
+  // Runs the window modally while `user` acts on a thread of its own, and stops the run after that.
+  static void runModally(const std::shared_ptr<Window>& window, const std::function<void()>& user) {
+    const std::jthread hands([&user] {
+      user();
+      Application::sharedApplication().performOnMainThread([] { stopModal(); });
+    });
+    Application::sharedApplication().runModalForWindow(window);
+  }
+
+  // Begins a run inside the one under way. Call it from the user's thread.
+  static void nestRun(const std::shared_ptr<Window>& window) {
+    std::promise<void> begun;
+    Application& application = Application::sharedApplication();
+    application.performOnMainThread([&application, window] { application.runModalForWindow(window); });
+    application.performOnMainThread([&begun] { begun.set_value(); });
+    begun.get_future().wait();
+  }
+
+  static void stopModal() { Application::sharedApplication().stopModal(); }
+};
+
+// The manager passes the requests on in their order, so what came before the one that is granted was refused.
+TEST_F(ModalWindow, BlocksTheCloseRequestsOfOtherWindowsAndTakesItsOwn) {
+  const auto other = open(plain), modal = open(inner);
+  runModally(modal, [] {
+    requestClose(plain);
+    requestClose(inner);
+    EXPECT_TRUE(closes(inner));
+    EXPECT_TRUE(isShown(plain));
+  });
+  EXPECT_TRUE(other->isVisible());
+  other->orderOut();
+}
+
+TEST_F(ModalWindow, OfNestedRunsOnlyTheInnermostWindowIsClosed) {
+  const auto other = open(plain), first = open(outer), second = open(inner);
+  runModally(first, [&second] {
+    nestRun(second);
+    requestClose(plain);
+    requestClose(outer);
+    requestClose(inner);
+    EXPECT_TRUE(closes(inner));
+    EXPECT_TRUE(isShown(plain) && isShown(outer));
+    Application::sharedApplication().performOnMainThread([] { stopModal(); });
+  });
+  other->orderOut();
+  first->orderOut();
+}
+
+TEST_F(ModalWindow, AClosedOneBlocksNobodyThoughItsRunGoesOn) {
+  const auto other = open(plain), modal = open(inner);
+  bool ranOn = false;
+  runModally(modal, [&ranOn] {
+    requestClose(inner);
+    EXPECT_TRUE(closes(inner));
+    requestClose(plain);
+    EXPECT_TRUE(closes(plain));
+    ranOn = true;
+  });
+  EXPECT_TRUE(ranOn);
+}
+
+TEST_F(ModalWindow, AWindowThatWasBlockedClosesAfterTheRun) {
+  const auto other = open(plain), modal = open(inner);
+  runModally(modal, [] {
+    requestClose(plain);
+    requestClose(inner);
+    EXPECT_TRUE(closes(inner));
+  });
+  ASSERT_TRUE(other->isVisible());
+  requestClose(plain);
+  EXPECT_TRUE(serveEventsUntil([&] { return !other->isVisible(); }));
+}
+
+TEST_F(ModalWindow, AWindowThatNobodyKeepsIsGoneOnceItIsClosed) {
+  const std::weak_ptr<Window> window = open(plain);
+  ASSERT_FALSE(window.expired());
+  requestClose(plain);
+  EXPECT_TRUE(serveEventsUntil([&] { return window.expired(); }));
+}
+
+TEST_F(ModalWindow, AClosedWindowCanBeShownAgain) {
+  const auto window = open(plain);
+  requestClose(plain);
+  ASSERT_TRUE(serveEventsUntil([&] { return !window->isVisible(); }));
+  window->makeKeyAndOrderFront();
+  EXPECT_TRUE(serveEventsUntil([] { return isShown(plain); }));
+  window->orderOut();
+}
+
+}  // namespace
