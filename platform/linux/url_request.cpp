@@ -1,140 +1,18 @@
 #include "platform/url_request.h"
 
+#include <curl/curl.h>
 #include <linux/close_range.h>
 #include <signal.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <functional>
 #include <future>
-#include <memory>
-#include <new>
-#include <string_view>
-#include <tuple>
 
-#include "platform/linux/url_request_body.h"
-#include "platform/linux/url_transfer.h"
+#include "platform/linux/url_exchange.h"
 
 namespace platform {
 namespace {
-
-constexpr long mostRedirects = 20;
-
-class HeaderList {
- public:
-  void add(const char* header) {
-    curl_slist* longer = curl_slist_append(list_.get(), header);
-    if (longer == nullptr) throw std::bad_alloc();
-    std::ignore = list_.release();
-    list_.reset(longer);
-  }
-  [[nodiscard]] curl_slist* get() const { return list_.get(); }
-
- private:
-  struct Cleanup {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-  };
-  std::unique_ptr<curl_slist, Cleanup> list_;
-};
-
-// What came of the body so far; it never holds more than its limit.
-struct Reply {
-  std::size_t limit;
-  std::string text = {};
-
-  [[nodiscard]] bool append(std::string_view piece) {
-    if (piece.size() > limit - text.size()) return false;
-    const std::size_t needed = text.size() + piece.size();
-    if (needed > text.capacity()) text.reserve(std::max(needed, std::min(2 * text.capacity(), limit)));
-    text += piece;
-    return true;
-  }
-};
-
-std::size_t takeReply(char* data, std::size_t /*one*/, std::size_t size, void* reply) {
-  try {
-    return static_cast<Reply*>(reply)->append({data, size}) ? size : CURL_WRITEFUNC_ERROR;
-  } catch (const std::exception&) {
-    return CURL_WRITEFUNC_ERROR;
-  }
-}
-
-std::size_t giveBody(char* buffer, std::size_t one, std::size_t size, void* body) {
-  return static_cast<UrlRequestBody*>(body)->read({buffer, one * size});
-}
-
-int seekBody(void* body, curl_off_t offset, int origin) {
-  const bool found = origin == SEEK_SET && offset >= 0 &&
-                     static_cast<UrlRequestBody*>(body)->seek(static_cast<std::size_t>(offset));
-  return found ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
-}
-
-// libcurl takes "Name:" for the wish to leave that header out, and "Name;" for one without a value.
-std::string inLibcurlsWords(const std::string& header) {
-  const std::size_t colon = header.find(':');
-  const bool empty =
-      colon != std::string::npos && header.find_first_not_of(" \t", colon + 1) == std::string::npos;
-  return empty ? header.substr(0, colon) + ';' : header;
-}
-
-HeaderList headersOf(const UrlRequest& request) {
-  HeaderList headers;
-  // A type that libcurl would make up, and a question that costs a second with servers that don't know it.
-  headers.add("Content-Type:");
-  headers.add("Expect:");
-  if (request.cachePolicy == UrlRequest::CachePolicy::ReloadIgnoringLocalCache) {
-    headers.add("Cache-Control: no-cache");
-    headers.add("Pragma: no-cache");
-  }
-  for (const std::string& header : request.headers) headers.add(inLibcurlsWords(header).c_str());
-  return headers;
-}
-
-void setDestination(UrlTransfer& transfer, const UrlRequest& request) {
-  transfer.set(CURLOPT_URL, request.url.c_str());
-  transfer.set(CURLOPT_PROTOCOLS_STR, "http,https");
-  // An address without a scheme is none: libcurl would guess one.
-  transfer.set(CURLOPT_DEFAULT_PROTOCOL, "file");
-  transfer.set(CURLOPT_FOLLOWLOCATION, 1L);
-  transfer.set(CURLOPT_MAXREDIRS, request.redirectSchemes.empty() ? 0 : mostRedirects);
-  if (!request.redirectSchemes.empty())
-    transfer.set(CURLOPT_REDIR_PROTOCOLS_STR, request.redirectSchemes.c_str());
-  // One request a connection gains nothing from later versions.
-  transfer.set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-  transfer.set(CURLOPT_USERAGENT, "TovalinTray");
-}
-
-void setBody(UrlTransfer& transfer, UrlRequestBody& body) {
-  transfer.set(CURLOPT_POST, 1L);
-  transfer.set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
-  transfer.set(CURLOPT_READFUNCTION, &giveBody);
-  transfer.set(CURLOPT_READDATA, &body);
-  transfer.set(CURLOPT_SEEKFUNCTION, &seekBody);
-  transfer.set(CURLOPT_SEEKDATA, &body);
-  // 307 and 308 keep the method anyway, and 303 asks for another.
-  transfer.set(CURLOPT_POSTREDIR, static_cast<long>(CURL_REDIR_POST_301 | CURL_REDIR_POST_302));
-}
-
-void setReply(UrlTransfer& transfer, Reply& reply) {
-  transfer.set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
-  transfer.set(CURLOPT_WRITEFUNCTION, &takeReply);
-  transfer.set(CURLOPT_WRITEDATA, &reply);
-}
-
-std::optional<std::string> send(const UrlRequest& request) {
-  const HeaderList headers = headersOf(request);
-  UrlRequestBody body(request.body);
-  Reply reply{.limit = request.maximumReplySize};
-  UrlTransfer transfer;
-  setDestination(transfer, request);
-  if (request.method == "POST") setBody(transfer, body);
-  transfer.set(CURLOPT_HTTPHEADER, headers.get());
-  setReply(transfer, reply);
-  if (!transfer.run(request.timeoutInterval)) return std::nullopt;
-  return std::move(reply.text);
-}
 
 // A thread that handles a signal must have the descriptors that the handler knows, and the transfer's has
 // not.
@@ -155,14 +33,14 @@ class SignalBlock {
 
 // libcurl and what it calls open descriptors that a program started meanwhile by another thread would
 // inherit; in a table of the transfer's own they can't be.
-std::optional<std::string> sendWithOwnDescriptors(const UrlRequest& request) {
+std::optional<std::string> exchangeWithOwnDescriptors(const UrlRequest& request) {
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_UNSHARE);
-  return send(request);
+  return exchange(request);
 }
 
-std::future<std::optional<std::string>> startSending(const UrlRequest& request) {
+std::future<std::optional<std::string>> startExchange(const UrlRequest& request) {
   const SignalBlock block;
-  return std::async(std::launch::async, &sendWithOwnDescriptors, std::cref(request));
+  return std::async(std::launch::async, &exchangeWithOwnDescriptors, std::cref(request));
 }
 
 bool isReady() {
@@ -176,7 +54,7 @@ std::optional<std::string> sendSynchronousRequest(const UrlRequest& request) {
   const bool known = request.method == "POST" || (request.method == "GET" && request.body.empty());
   if (!known || !isReady()) return std::nullopt;
   try {
-    return startSending(request).get();
+    return startExchange(request).get();
   } catch (const std::exception&) {
     return std::nullopt;
   }

@@ -78,7 +78,7 @@ TEST(UrlRequestOnTheWire, PostInPieces) {
 }
 
 TEST(UrlRequestOnTheWire, PostWithoutABody) {
-  for (UrlRequest request : {postOf("", ""), UrlRequest{.method = "POST"}}) {
+  for (const UrlRequest& request : {postOf("", ""), UrlRequest{.method = "POST"}}) {
     EXPECT_EQ(onTheWire(request),
               "POST /path?a=b%20c HTTP/1.1\r\n"
               "Host: HOST\r\n"

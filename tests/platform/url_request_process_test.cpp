@@ -8,8 +8,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
+#include <filesystem>
+#include <fstream>
 #include <latch>
+#include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -42,8 +45,7 @@ TEST(UrlRequestProcess, NoDescriptorStaysOpen) {
       << before << ' ' << openDescriptors();
 }
 
-// Runs `during` while a request waits for its reply, after the request and its reply have passed the name
-// look-up.
+// Runs `during` while a request waits for its reply.
 template <typename During>
 std::optional<std::string> replyWith(During during) {
   const RawHttpServer server([&](RawConnection& connection) {
@@ -97,6 +99,7 @@ TEST(UrlRequestProcess, ThreadsSendBesideEachOther) {
   std::vector<std::optional<std::string>> replies(kThreads);
   {
     std::vector<std::jthread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i)
       threads.emplace_back([&, i] {
         replies[static_cast<std::size_t>(i)] =
@@ -122,29 +125,50 @@ TEST(UrlRequestProcess, WaitingCostsNoTime) {
   EXPECT_LT(used() - before, 200ms);
 }
 
-std::atomic<int> signalsTaken = 0;
-std::atomic<pid_t> takenBy = 0;
+class SignalBlocked {
+ public:
+  explicit SignalBlocked(int signal) {
+    sigset_t mask;
+    ::sigemptyset(&mask);
+    ::sigaddset(&mask, signal);
+    ::pthread_sigmask(SIG_BLOCK, &mask, &before_);
+  }
+  ~SignalBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  SignalBlocked(const SignalBlocked&) = delete;
+  SignalBlocked& operator=(const SignalBlocked&) = delete;
 
-TEST(UrlRequestProcess, SignalMeanwhileIsTakenByAnotherThreadAndEndsNothing) {
-  struct sigaction action {};
-  struct sigaction before {};
-  action.sa_handler = [](int) {
-    takenBy = ::gettid();
-    ++signalsTaken;
-  };
-  ::sigaction(SIGUSR1, &action, &before);
-  sigset_t mask;
-  ::sigemptyset(&mask);
-  ::sigaddset(&mask, SIGUSR1);
-  const auto reply = replyWith([&] {
-    // This thread serves; the caller of the request is the one left to take the signal.
-    ::pthread_sigmask(SIG_BLOCK, &mask, nullptr);
-    ::kill(::getpid(), SIGUSR1);
-    EXPECT_TRUE(test_support::waitUntil([] { return signalsTaken == 1; }));
-  });
-  ::sigaction(SIGUSR1, &before, nullptr);
-  EXPECT_THAT(reply, Optional(std::string("text")));
-  EXPECT_EQ(takenBy, ::gettid());
+ private:
+  sigset_t before_{};
+};
+
+// The threads of this process that would take that signal.
+std::vector<std::string> threadsTaking(int signal) {
+  std::vector<std::string> threads;
+  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+    std::ifstream status(thread.path() / "status");
+    std::string word;
+    while (status >> word && word != "SigBlk:") continue;
+    status >> word;
+    if ((std::stoull(word, nullptr, 16) >> (signal - 1) & 1) == 0)
+      threads.push_back(thread.path().filename());
+  }
+  return threads;
+}
+
+// A handler may know descriptors of the process, which the transfer has not.
+TEST(UrlRequestProcess, SignalsMeanwhileAreTakenByTheCaller) {
+  std::vector<std::string> threads;
+  std::optional<test_support::RawHttpServer> server;
+  {
+    const SignalBlocked inTheServer(SIGUSR1);
+    server.emplace([&](RawConnection& connection) {
+      connection.readHead();
+      threads = threadsTaking(SIGUSR1);
+      connection.send(httpReply("text"));
+    });
+  }
+  EXPECT_THAT(sendSynchronousRequest(requestFor(server->url())), Optional(std::string("text")));
+  EXPECT_THAT(threads, testing::ElementsAre(std::to_string(::gettid())));
 }
 
 TEST(UrlRequestProcess, SignalsOfTheCallerStayAsTheyAre) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <atomic>
 #include <fstream>
+#include <tuple>
 #include <vector>
 
 #include "tests/platform/url_request_support.h"
@@ -101,7 +102,8 @@ TEST(UrlRequestTimeout, EndsAConnectionThatIsNeverMade) {
   std::vector<FileDescriptor> waiting;
   for (int i = 0; i < 4; ++i) {
     waiting.emplace_back(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    ::connect(waiting.back().get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    std::ignore =
+        ::connect(waiting.back().get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
   }
   EXPECT_THAT(outcomeWithin(kInterval, requestFor("http://127.0.0.1:8099/")), EndedByTheInterval());
 }
