@@ -13,9 +13,12 @@
 namespace tools {
 namespace {
 
-constexpr std::array<option, 4> kOptions = {{{"help", no_argument, nullptr, 'h'},
+constexpr std::array<option, 7> kOptions = {{{"help", no_argument, nullptr, 'h'},
                                              {"port", required_argument, nullptr, 'p'},
                                              {"port-file", required_argument, nullptr, 'f'},
+                                             {"uploads", required_argument, nullptr, 'u'},
+                                             {"version-list", required_argument, nullptr, 'v'},
+                                             {"fault", required_argument, nullptr, 'x'},
                                              {nullptr, 0, nullptr, 0}}};
 
 bool complain(const std::string& text) {
@@ -35,6 +38,27 @@ bool takePortFile(Options& options, const std::string& value) {
   return !value.empty() || complain("--port-file: the name is empty");
 }
 
+bool takeUploads(Options& options, const std::string& value) {
+  options.uploads = value;
+  return !value.empty() || complain("--uploads: the name is empty");
+}
+
+bool takeVersion(Options& options, const std::string& value) {
+  options.version = value;
+  return true;
+}
+
+bool takeFault(Options& options, const std::string& value) {
+  const std::size_t sign = value.rfind('=');
+  if (!value.starts_with('/') || sign == value.npos)
+    return complain("--fault: " + quotedText(value) + " has not the form /PATH=NAME");
+  const std::string name = value.substr(sign + 1);
+  const std::optional<FaultOrder> order = parseFaultOrder(name);
+  if (!order) return complain("--fault: there is no fault " + quotedText(name));
+  options.faults.emplace_back(value.substr(0, sign), *order);
+  return true;
+}
+
 bool takeOption(Options& options, int letter) {
   switch (letter) {
     case 'h':
@@ -44,6 +68,12 @@ bool takeOption(Options& options, int letter) {
       return takePort(options, optarg);
     case 'f':
       return takePortFile(options, optarg);
+    case 'u':
+      return takeUploads(options, optarg);
+    case 'v':
+      return takeVersion(options, optarg);
+    case 'x':
+      return takeFault(options, optarg);
     default:
       return false;  // getopt_long has said why
   }
@@ -68,24 +98,6 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   if (good && takeFolder(options, argc, argv)) return options;
   std::fputs("productserver --help shows how it is used\n", stderr);
   return std::nullopt;
-}
-
-std::string helpText() {
-  return "Usage: productserver [--port N] [--port-file FILE] FOLDER\n"
-         "\n"
-         "A stand-in for the product server. This is a development tool, not part of the agent.\n"
-         "\n"
-         "It serves the files of FOLDER over HTTP on 127.0.0.1 alone, and prints a line for each request: "
-         "the time,\n"
-         "the method, the path with its query, the status and the bytes of the answer's body. It ends at "
-         "SIGINT or\n"
-         "SIGTERM.\n"
-         "\n"
-         "  --port N          the port; 0 takes any free one (8090 when not given)\n"
-         "  --port-file FILE  write the port into FILE once the server listens\n"
-         "  --help            show this text\n"
-         "\n"
-         "Exit status: 0 ended by a signal, 1 failure, 2 wrong command line.\n";
 }
 
 }  // namespace tools

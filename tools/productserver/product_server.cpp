@@ -6,31 +6,42 @@
 #include <thread>
 #include <utility>
 
-#include "tools/common/clock_text.h"
 #include "tools/common/escaped_text.h"
 #include "tools/productserver/content_type.h"
+#include "tools/productserver/fault_control.h"
+#include "tools/productserver/upload_handler.h"
+#include "tools/productserver/version_list.h"
 
 namespace tools {
 namespace {
 
 constexpr const char* kLoopback = "127.0.0.1";
+constexpr const char* kVersionPath = "/product/nimba/binary/tovalin_recent_version_info.xml";
+constexpr const char* kBeaconPath = "/product/nimba/binary/beacon_seen";
+constexpr const char* kUploadPath = R"(/product/nimba/userlog/postdata\.php)";
+constexpr const char* kFaultPath = "/_control/fault";
 
 using HandlerResponse = httplib::Server::HandlerResponse;
 
-HandlerResponse answerWithFile(const ServedFolder& folder, const httplib::Request& request,
+std::optional<std::string> contentsAt(const Offer& offer, const std::string& path) {
+  if (offer.version && path == kVersionPath) return versionList(*offer.version);
+  return offer.folder.read(path);
+}
+
+HandlerResponse answerWithFile(const Offer& offer, const httplib::Request& request,
                                httplib::Response& response) {
   if (request.method != "GET" && request.method != "HEAD") return HandlerResponse::Unhandled;
-  const std::optional<std::string> contents = folder.read(request.path);
+  const std::optional<std::string> contents = contentsAt(offer, request.path);
   if (!contents) return HandlerResponse::Unhandled;
   response.set_content(*contents, contentType(request.path));
   return HandlerResponse::Handled;
 }
 
-std::string logText(const httplib::Request& request, const httplib::Response& response) {
-  const std::size_t bytes = request.method == "HEAD" ? 0 : response.body.size();
-  return clockText(std::chrono::system_clock::now()) + "  " + escapedText(request.method) + " " +
-         escapedText(request.target) + "  " + std::to_string(response.status) + "  " + std::to_string(bytes) +
-         " bytes";
+// The query reads category=C&C=V.
+std::string beaconText(const httplib::Request& request) {
+  const std::string category = request.get_param_value("category");
+  return "beacon category=" + escapedText(category) +
+         " value=" + escapedText(request.get_param_value(category));
 }
 
 // The library's own choice would let two servers share one port, each getting some of the requests.
@@ -41,17 +52,28 @@ void allowQuickRestart(socket_t socket) {
 
 }  // namespace
 
-ProductServer::ProductServer(ServedFolder folder, std::function<void(const std::string& line)> logLine)
-    : folder_(std::move(folder)) {
+ProductServer::ProductServer(Offer offer, const LogLine& log) : offer_(std::move(offer)) {
   server_.set_socket_options(allowQuickRestart);
-  server_.set_keep_alive_timeout(1);  // an idle connection holds up the end for as long
+  // Whoever asks again wants to know what is there now, and the server wants to see it.
+  server_.set_default_headers({{"Cache-Control", "no-store"}});
+  server_.setLog(log);
+  addRoutes(log);
+}
+
+void ProductServer::addRoutes(const LogLine& log) {
   server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-    return answerWithFile(folder_, request, response);
+    return answerWithFile(offer_, request, response);
   });
-  server_.set_logger(
-      [log = std::move(logLine)](const httplib::Request& request, const httplib::Response& response) {
-        log(logText(request, response));
-      });
+  server_.Get(kBeaconPath, [log](const httplib::Request& request, httplib::Response& response) {
+    log(beaconText(request));
+    response.status = 204;
+  });
+  server_.Post(kUploadPath, UploadHandler(offer_.uploads.get(), log));
+  const auto control = [this](const httplib::Request& request, httplib::Response& response) {
+    controlFaults(server_.faults(), request, response);
+  };
+  server_.Get(kFaultPath, control);
+  server_.Post(kFaultPath, httplib::Server::Handler(control));
 }
 
 std::optional<int> ProductServer::bind(int port) {
@@ -68,7 +90,7 @@ bool ProductServer::serve() {
 
 void ProductServer::stop() {
   while (!server_.is_running() && !ended_) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  server_.stop();
+  server_.end();
 }
 
 }  // namespace tools
