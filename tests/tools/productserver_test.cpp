@@ -5,9 +5,9 @@
 
 #include <filesystem>
 #include <fstream>
-#include <optional>
 #include <sstream>
 
+#include "tests/tools/productserver_fixture.h"
 #include "tests/tools/tool_process.h"
 
 namespace {
@@ -17,54 +17,10 @@ namespace fs = std::filesystem;
 using test_support::ExitStatus;
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using tools_test::kFolder;
+using tools_test::ProductServer;
 using tools_test::runToEnd;
 using tools_test::toolPath;
-
-constexpr const char* kFolder = "/tmp/served";
-
-// Serves a folder of its own beside which lie files that must not be had.
-class ProductServer : public testing::Test {
- protected:
-  void SetUp() override {
-    fs::create_directories(std::string(kFolder) + "/sub");
-    fs::create_directories("/tmp/served_not");
-    write("/tmp/secret.txt", "secret");
-    write("/tmp/served_not/secret.txt", "secret");
-    write(std::string(kFolder) + "/a.xml", "<a/>\n");
-    start(kFolder);
-  }
-  void TearDown() override {
-    server_ = {};
-    for (const char* const path : {kFolder, "/tmp/served_not", "/tmp/secret.txt"}) fs::remove_all(path);
-  }
-
-  static void write(const std::string& path, const std::string& text) { std::ofstream(path) << text; }
-
-  void start(const std::string& folder) {
-    ASSERT_TRUE(server_.start({toolPath("productserver"), "--port", "0", folder}));
-    const std::string line = server_.readLine().value_or("");
-    const std::string start = "listening on http://127.0.0.1:";
-    ASSERT_TRUE(line.starts_with(start)) << line;
-    port_ = std::stoi(line.substr(start.size()));
-    client_.emplace("127.0.0.1", port_);
-    client_->set_url_encode(false);
-  }
-
-  int statusOf(const std::string& path) {
-    const httplib::Result result = client_->Get(path);
-    return result ? result->status : -1;
-  }
-
-  std::string typeOf(const std::string& name) {
-    write(std::string(kFolder) + "/" + name, "x");
-    const httplib::Result result = client_->Get("/" + name);
-    return result ? result->get_header_value("Content-Type") : "no answer";
-  }
-
-  test_support::ChildProcess server_;
-  std::optional<httplib::Client> client_;
-  int port_ = 0;
-};
 
 // The local addresses, in the hexadecimal form of this table of the kernel, that listen on the port.
 std::vector<std::string> listeningAddresses(const std::string& table, int port) {
@@ -190,13 +146,6 @@ TEST_F(ProductServer, APortOutOfRangeIsAWrongArgument) {
     EXPECT_EQ(runToEnd({toolPath("productserver"), "--port", port, kFolder}).status, ExitStatus{.code = 2})
         << port;
   }
-}
-
-TEST_F(ProductServer, TheDemoFolderTellsAVersion) {
-  start(DEMO_ROOT);
-  const httplib::Result result = client_->Get("/product/nimba/binary/tovalin_recent_version_info.xml");
-  ASSERT_TRUE(result);
-  EXPECT_THAT(result->body, HasSubstr("<key>version</key>\n\t<string>1.1.0</string>"));
 }
 
 }  // namespace

@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kMebibyte = 1024 * 1024;
+constexpr std::size_t kMebibyte = 1UL << 20U;
 
 void send(Connection& connection, const Reply& reply) {
   if (connection.send(headWithLength(reply))) connection.send(reply.body);
@@ -73,8 +73,9 @@ bool cutsRequest(Fault fault) {
 }
 
 void cutRequest(Fault fault, Connection& connection) {
-  const std::size_t bytesOfBody = fault == Fault::ResetWithinBody ? 1 : 0;
-  static_cast<void>(connection.readAhead("\r\n\r\n", bytesOfBody, 1s));
+  const bool withoutBody = connection.ahead().starts_with("GET ") || connection.ahead().starts_with("HEAD ");
+  const std::size_t bytesOfBody = fault == Fault::ResetWithinBody && !withoutBody ? 1 : 0;
+  static_cast<void>(connection.readAhead("\r\n\r\n", bytesOfBody, 5s));
   connection.reset();
 }
 
