@@ -1,0 +1,165 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "tests/tools/usage_sample.h"
+#include "tools/tvldump/json_printer.h"
+#include "tools/tvldump/json_text.h"
+#include "tools/tvldump/text_printer.h"
+
+namespace {
+
+using namespace tools_test;
+using nlohmann::json;
+
+template <typename Printer>
+std::string printed(const std::string& bytes, const std::string& name = "a.dat") {
+  std::ostringstream stream;
+  Printer printer(stream);
+  printer.begin();
+  static_cast<void>(tools::printFile(name, bytes, printer));
+  printer.end();
+  return stream.str();
+}
+
+json jsonOf(const std::string& bytes, const std::string& name = "a.dat") {
+  return json::parse(printed<tools::JsonPrinter>(bytes, name));
+}
+
+constexpr const char* kGoldenText = R"("a.dat"
+         0  day 2024-03-07
+        14  identifier "{00112233-4455-6677-8899-AABBCCDDEEFF}"
+        54  operating system 68
+        56  version "1.4.2" 1.0.0.0
+        71  start 2024-03-07 09:05:00 version "1.4.2" 1.0.0.0
+       107  end 2024-03-07 09:05:01
+       128  device event 3 2024-03-07 09:05:02 "Pad"
+       153  device event 4 2024-03-07 09:05:59 "a\"\x0a\xc3\xa9"
+       180  transfer 1 size 578437695752307201 "jpg"
+       194  transfer 2 size 18446744073709551615 ""
+       205  transfer 1 size 9223372036854775808 "\xff!"
+whole, 218 bytes
+)";
+
+constexpr const char* kGoldenJson = R"([
+{"file":"a.dat","items":[
+{"offset":0,"type":"day","date":"2024-03-07"},
+{"offset":14,"type":"identifier","identifier":"{00112233-4455-6677-8899-AABBCCDDEEFF}"},
+{"offset":54,"type":"operatingSystem","code":68},
+{"offset":56,"type":"version","version":"1.4.2","fixedVersion":"1.0.0.0"},
+{"offset":71,"type":"start","time":"2024-03-07 09:05:00","version":"1.4.2","fixedVersion":"1.0.0.0"},
+{"offset":107,"type":"end","time":"2024-03-07 09:05:01"},
+{"offset":128,"type":"deviceEvent","dataCommand":3,"time":"2024-03-07 09:05:02","name":"Pad"},
+{"offset":153,"type":"deviceEvent","dataCommand":4,"time":"2024-03-07 09:05:59","name":"a\"\u000aé"},
+{"offset":180,"type":"transfer","kind":1,"size":578437695752307201,"name":"jpg"},
+{"offset":194,"type":"transfer","kind":2,"size":18446744073709551615,"name":""},
+{"offset":205,"type":"transfer","kind":1,"size":9223372036854775808,"name":"�!","nameHex":"ff21"}
+],"size":218,"damage":null}
+]
+)";
+
+TEST(TextPrinter, PrintsEveryKindOfItem) {
+  EXPECT_EQ(printed<tools::TextPrinter>(kUsageFile), kGoldenText);
+}
+
+TEST(TextPrinter, PrintsWhatStandsBeforeTheDamage) {
+  EXPECT_EQ(printed<tools::TextPrinter>(kUsageHeader.substr(0, 55)),
+            "\"a.dat\"\n"
+            "         0  day 2024-03-07\n"
+            "        14  identifier \"{00112233-4455-6677-8899-AABBCCDDEEFF}\"\n"
+            "damaged at byte 55: the file ends too early\n");
+}
+
+TEST(TextPrinter, FileNameCannotMoveTheTerminal) {
+  EXPECT_EQ(printed<tools::TextPrinter>("", "\x1b[2J\n"),
+            "\"\\x1b[2J\\x0a\"\ndamaged at byte 0: the file is empty\n");
+}
+
+TEST(JsonPrinter, PrintsEveryKindOfItem) {
+  EXPECT_EQ(printed<tools::JsonPrinter>(kUsageFile), kGoldenJson);
+}
+
+TEST(JsonPrinter, NoFileIsAnEmptyArray) {
+  std::ostringstream stream;
+  tools::JsonPrinter printer(stream);
+  printer.begin();
+  printer.end();
+  EXPECT_EQ(json::parse(stream.str()), json::array());
+}
+
+TEST(JsonPrinter, FilesStandBesideEachOther) {
+  std::ostringstream stream;
+  tools::JsonPrinter printer(stream);
+  printer.begin();
+  EXPECT_FALSE(tools::printFile("a", {}, printer));
+  EXPECT_TRUE(tools::printFile("b", kUsageHeader, printer));
+  printer.end();
+  const json files = json::parse(stream.str());
+  ASSERT_EQ(files.size(), 2u);
+  EXPECT_EQ(files[0]["items"], json::array());
+  EXPECT_EQ(files[1]["file"], "b");
+  EXPECT_EQ(files[1]["items"].size(), 4u);
+}
+
+TEST(JsonPrinter, FileCutAnywhereIsStillJsonWithTheDamageAtItsEnd) {
+  for (std::size_t length = 0; length < kUsageFile.size(); ++length) {
+    const json file = jsonOf(kUsageFile.substr(0, length)).at(0);
+    EXPECT_EQ(file.at("size"), length);
+    if (!file.at("damage").is_null()) {
+      EXPECT_EQ(file.at("damage").at("offset"), length);
+    }
+  }
+}
+
+TEST(JsonPrinter, AnyByteInANameIsStillJson) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string name = std::string("a") + static_cast<char>(byte) + "b";
+    const std::string record =
+        "\x06\x08"
+        "12345678\x03" +
+        name;
+    const json file = jsonOf(kUsageHeader + record, name).at(0);
+    const json& item = file.at("items").at(4);
+    EXPECT_EQ(item.contains("nameHex"), byte >= 128) << byte;
+    EXPECT_EQ(file.contains("fileHex"), byte >= 128) << byte;
+    EXPECT_EQ(item.at("name"), byte >= 128 ? "a\uFFFDb" : name) << byte;
+  }
+}
+
+TEST(JsonPrinter, SizeKeepsAllItsBits) {
+  const json items = jsonOf(kUsageFile).at(0).at("items");
+  EXPECT_EQ(items.at(9).at("size").get<std::uint64_t>(), 0xFFFFFFFFFFFFFFFFu);
+}
+
+TEST(JsonText, CharactersOfEveryLengthStandAsTheyAre) {
+  for (const std::string text :
+       {"~\x7f", "\u0080\u07ff", "\u0800\ud7ff\ue000\uffff", "\U00010000\U0010ffff"}) {
+    EXPECT_TRUE(tools::isUtf8(text));
+    EXPECT_EQ(tools::jsonString(text), '"' + text + '"');
+  }
+}
+
+TEST(JsonText, WhatIsNoUtf8IsReplacedByteByByte) {
+  const std::string mark = "\uFFFD";
+  EXPECT_EQ(tools::jsonString("\x80"), '"' + mark + '"') << "continuation alone";
+  EXPECT_EQ(tools::jsonString("\xC3"), '"' + mark + '"') << "cut short";
+  EXPECT_EQ(tools::jsonString("\xC3("), '"' + mark + "(\"") << "no continuation";
+  EXPECT_EQ(tools::jsonString("\xC0\xAF"), '"' + mark + mark + '"') << "over-long form of two";
+  EXPECT_EQ(tools::jsonString("\xE0\x9F\xBF"), '"' + mark + mark + mark + '"') << "over-long form of three";
+  EXPECT_EQ(tools::jsonString("\xF0\x8F\xBF\xBF"), '"' + mark + mark + mark + mark + '"')
+      << "over-long form of four";
+  EXPECT_EQ(tools::jsonString("\xED\xA0\x80"), '"' + mark + mark + mark + '"') << "surrogate";
+  EXPECT_EQ(tools::jsonString("\xF4\x90\x80\x80"), '"' + mark + mark + mark + mark + '"')
+      << "beyond the last";
+  EXPECT_EQ(tools::jsonString("\xE2\x82z"), '"' + mark + mark + "z\"") << "the third is none";
+  EXPECT_FALSE(tools::isUtf8("a\xC3"));
+}
+
+TEST(JsonText, ControlCharactersQuotesAndBackslashesAreEscaped) {
+  const std::string text("\0\x1f\"\\/", 5);
+  EXPECT_EQ(tools::jsonString(text), R"("\u0000\u001f\"\\/")");
+  EXPECT_EQ(json::parse(tools::jsonString(text)), text);
+}
+
+}  // namespace

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <ostream>
+
+#include "tools/tvldump/printer.h"
+
+namespace tools {
+
+// Prints one JSON array with an object for each file: "file", "items", "damage", the last with "offset" and
+// "reason", or null. Texts that are no UTF-8 have a member of their name and "Hex" beside them.
+class JsonPrinter : public Printer {
+ public:
+  // `stream` must outlive this object.
+  explicit JsonPrinter(std::ostream& stream) : stream_(stream) {}
+
+  void begin() override;
+  void end() override;
+  void beginFile(std::string_view name) override;
+  void item(const Item& item) override;
+  void endFile(std::size_t size, const std::optional<Damage>& damage) override;
+
+ private:
+  std::ostream& stream_;
+  bool firstFile_ = true;
+  bool firstItem_ = true;
+};
+
+}  // namespace tools

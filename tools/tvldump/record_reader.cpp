@@ -1,0 +1,147 @@
+#include "tools/tvldump/record_reader.h"
+
+#include "usage/record_format.h"
+
+namespace tools {
+namespace {
+
+using record_format::Code;
+
+constexpr std::uint8_t byteOf(Code code) {
+  return static_cast<std::uint8_t>(code);
+}
+
+void takeCode(RecordCursor& cursor, Code code, std::string_view reason) {
+  cursor.takeByte(byteOf(code), byteOf(code), reason);
+}
+
+void takeLength(RecordCursor& cursor, std::size_t length, std::string_view reason) {
+  cursor.takeByte(static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length), reason);
+}
+
+std::uint64_t littleEndian(std::string_view bytes) {
+  std::uint64_t value = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<std::uint8_t>(bytes[i]);
+  return value;
+}
+
+}  // namespace
+
+std::optional<Item> RecordReader::next() {
+  if (expected_ == Expected::Record && cursor_.atEnd()) return std::nullopt;
+  if (damage()) return std::nullopt;
+  const std::size_t offset = cursor_.offset();
+  const Content content = takeContent();
+  if (damage()) return std::nullopt;
+  return Item{offset, content};
+}
+
+RecordReader::Content RecordReader::takeContent() {
+  switch (expected_) {
+    case Expected::Day:
+      expected_ = Expected::Identifier;
+      return takeDay();
+    case Expected::Identifier:
+      expected_ = Expected::OperatingSystem;
+      return takeIdentifier();
+    case Expected::OperatingSystem:
+      expected_ = Expected::Version;
+      return takeOperatingSystem();
+    case Expected::Version:
+      expected_ = Expected::Record;
+      takeCode(cursor_, Code::Version, "no version of the agent here");
+      return takeVersion();
+    case Expected::Record:
+      break;
+  }
+  return takeRecord();
+}
+
+Day RecordReader::takeDay() {
+  if (cursor_.atEnd()) cursor_.damaged("the file is empty");
+  cursor_.takeFixed(record_format::magic, "no usage record file begins like this");
+  return {cursor_.takeDate()};
+}
+
+Identifier RecordReader::takeIdentifier() {
+  constexpr std::string_view kBraces = "{}";
+  constexpr std::string_view kReason = "an identifier without its braces";
+  takeCode(cursor_, Code::Identifier, "no identifier here");
+  const std::uint8_t length =
+      cursor_.takeByte(kBraces.size(), record_format::longestIdentifierText, "no length of an identifier");
+  if (cursor_.damage()) return {};
+  const std::size_t start = cursor_.offset();
+  cursor_.takeFixed(kBraces.substr(0, 1), kReason);
+  cursor_.takeText(length - kBraces.size());
+  cursor_.takeFixed(kBraces.substr(1), kReason);
+  return {cursor_.since(start)};
+}
+
+OperatingSystem RecordReader::takeOperatingSystem() {
+  takeCode(cursor_, Code::OperatingSystem, "no operating system here");
+  return {cursor_.takeByte(record_format::lowestOsCode, record_format::highestOsCode,
+                           "no code of an operating system")};
+}
+
+// Behind its code.
+Version RecordReader::takeVersion() {
+  const std::string_view bundle =
+      cursor_.takeCounted(record_format::longestBundleVersion, "a version longer than any");
+  takeLength(cursor_, record_format::fixedVersion.size(), "not the length of the second version");
+  const std::size_t start = cursor_.offset();
+  cursor_.takeFixed(record_format::fixedVersion, "not the second version");
+  return {bundle, cursor_.since(start)};
+}
+
+RecordReader::Content RecordReader::takeRecord() {
+  if (cursor_.nextIs(byteOf(Code::StartTime))) cursor_.damaged("the time of a start without its version");
+  const auto code = static_cast<Code>(cursor_.takeByte(byteOf(Code::Version), byteOf(Code::TransferKind2),
+                                                       "no record begins with this byte"));
+  switch (code) {
+    case Code::Version:
+      return takeStart();
+    case Code::Quit:
+      return End{takeTime()};
+    case Code::DeviceEvent3:
+      return takeDeviceEvent(record_format::message::deviceEvent3);
+    case Code::DeviceEvent4:
+      return takeDeviceEvent(record_format::message::deviceEvent4);
+    case Code::TransferKind1:
+      return takeTransfer(1);
+    case Code::TransferKind2:
+      return takeTransfer(2);
+    case Code::StartTime:
+    case Code::Identifier:
+      break;
+  }
+  return {};
+}
+
+Start RecordReader::takeStart() {
+  const Version version = takeVersion();
+  takeCode(cursor_, Code::StartTime, "no time behind the version of a start");
+  return {version, takeTime()};
+}
+
+DeviceEvent RecordReader::takeDeviceEvent(unsigned dataCommand) {
+  const std::string_view time = takeTime();
+  return {dataCommand, time,
+          cursor_.takeCounted(record_format::longestDeviceName, "a device name longer than any")};
+}
+
+Transfer RecordReader::takeTransfer(unsigned kind) {
+  takeLength(cursor_, record_format::sizeFieldWidth, "not the width of a size");
+  const std::uint64_t size = littleEndian(cursor_.takeText(record_format::sizeFieldWidth));
+  return {kind, size,
+          cursor_.takeCounted(record_format::longestTransferName, "a transfer's name longer than any")};
+}
+
+std::string_view RecordReader::takeTime() {
+  takeLength(cursor_, record_format::timeLength, "not the length of a time");
+  const std::size_t start = cursor_.offset();
+  cursor_.takeDate();
+  cursor_.takeTimeOfDay();
+  return cursor_.since(start);
+}
+
+}  // namespace tools
