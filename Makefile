@@ -2,7 +2,7 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
-.PHONY: build bench soak format check check-format check-tidy check-cppcheck check-sanitizers
+.PHONY: build bench soak format check check-format check-tidy check-cppcheck check-sanitizers fuzz
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
@@ -17,7 +17,7 @@ bench: build
 format:
 	clang-format -i $(SOURCES)
 
-check: check-format check-tidy check-cppcheck check-sanitizers
+check: check-format check-tidy check-cppcheck check-sanitizers fuzz
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
@@ -36,3 +36,10 @@ check-sanitizers:
 PAIRS ?= 10000
 soak: build
 	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
+
+# FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS ?=
+fuzz:
+	@$(MAKE) --no-print-directory build PRESET=fuzz
+	tests/fuzz/run build/fuzz $(FUZZ_SECONDS) $(FUZZ_TARGETS)

@@ -1,0 +1,87 @@
+// Any bytes as a usage record file, through the reader and both printers.
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <span>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/fuzz/requirement.h"
+#include "tests/fuzz/target.h"
+#include "tools/tvldump/json_printer.h"
+#include "tools/tvldump/record_reader.h"
+#include "tools/tvldump/text_printer.h"
+
+namespace {
+
+using fuzz::require;
+
+struct Reading {
+  std::vector<std::size_t> offsets;
+  std::optional<tools::Damage> damage;
+};
+
+Reading readingOf(std::span<const char> bytes) {
+  tools::RecordReader reader(bytes);
+  Reading reading;
+  while (const auto item = reader.next()) reading.offsets.push_back(item->offset);
+  reading.damage = reader.damage();
+  return reading;
+}
+
+void checkPlaces(const Reading& reading, std::size_t size) {
+  const auto& offsets = reading.offsets;
+  require(std::ranges::adjacent_find(offsets, std::greater_equal()) == offsets.end(),
+          "items follow each other");
+  require(offsets.empty() || offsets.back() < size, "items lie in the file");
+  require(!reading.damage || reading.damage->offset <= size, "the damage lies in the file");
+  require(reading.damage || offsets.size() >= 4, "a whole file has a header");
+}
+
+// What stands before the damage is the beginning of a whole file.
+void checkBeforeDamage(const Reading& reading, std::span<const char> bytes) {
+  if (!reading.damage) return;
+  const std::size_t end = reading.damage->offset;
+  const Reading before = readingOf(bytes.first(end));
+  require(before.offsets == reading.offsets, "the items before the damage do not depend on it");
+  require(!before.damage || before.damage->offset == end, "nothing before the damage is wrong");
+}
+
+template <typename Printer>
+std::string printed(std::span<const char> bytes) {
+  std::ostringstream stream;
+  Printer printer(stream);
+  printer.begin();
+  static_cast<void>(
+      tools::printFile({bytes.data(), std::min<std::size_t>(bytes.size(), 20)}, bytes, printer));
+  printer.end();
+  return stream.str();
+}
+
+void checkText(const Reading& reading, const std::string& text) {
+  const auto plain = [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); };
+  require(std::ranges::all_of(text, plain), "the text is printable");
+  const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n'));
+  require(lines == reading.offsets.size() + 2, "there is a line for each item, one before and one behind");
+}
+
+void checkJson(const Reading& reading, const std::string& text) {
+  const auto files = nlohmann::json::parse(text, nullptr, false);
+  require(files.is_array() && files.size() == 1, "the JSON is valid");
+  require(files[0]["items"].size() == reading.offsets.size(), "the JSON has every item");
+  require(files[0]["damage"].is_null() == !reading.damage, "the JSON tells the damage");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::span bytes(reinterpret_cast<const char*>(data), size);
+  const Reading reading = readingOf(bytes);
+  checkPlaces(reading, size);
+  checkBeforeDamage(reading, bytes);
+  checkText(reading, printed<tools::TextPrinter>(bytes));
+  checkJson(reading, printed<tools::JsonPrinter>(bytes));
+  return 0;
+}
