@@ -33,6 +33,17 @@ retell_portal() { sed --unbuffered '/^ok$/d' | retell "portal"; }
 
 tell_portal() { echo "$1" >&4; }
 
+# What a run of the agent on the day before would have left.
+leave_yesterdays_records() {
+  local folder=$HOME/.local/share/Tovalin yesterday
+  mkdir -p "$folder"
+  yesterday=$(date --date=yesterday +%Y-%m-%d)
+  {
+    printf 'TVLD%s\0\x26{00112233-4455-6677-8899-AABBCCDDEEFF}\x01\x44\x01\x051.0.0\x071.0.0.0' "$yesterday"
+    printf '\x01\x051.0.0\x071.0.0.0\x02\x13%s 09:00:00\x03\x13%s 18:00:00' "$yesterday" "$yesterday"
+  } >"$folder/Tovalin_${yesterday//-/_}.dat"
+}
+
 # A copy, because this one's commands are announced and its product server is the stand-in.
 install_bundle() {
   mkdir -p "${bundle%/*}" "$outside_commands"
@@ -53,7 +64,7 @@ announce() { # NAME PROGRAM PLACE
 }
 
 start_server() {
-  build/release/tools/productserver --port "$server_port" tools/productserver_root > >(retell "server") 2>&1 &
+  build/release/tools/productserver --port "$server_port" --uploads "$results/uploads" tools/productserver_root > >(retell "server") 2>&1 &
   wait_for_line "server" "listening"
 }
 
@@ -64,6 +75,13 @@ start_main_application() {
   exec 5>/tmp/main_application
   wait_for_line "main app" "reading"
 }
+
+# What a usage record file holds, line by line.
+tell_records() { # FILE
+  build/release/tools/tvldump "$1" > >(retell "tvldump") 2>&1 || fail "$1 is no whole file of records"
+}
+
+yesterdays_records_are_gone() { [ -z "$(find "$HOME/.local/share/Tovalin" -name "*.dat" ! -name "Tovalin_$(date +%Y_%m_%d).dat")" ]; }
 
 # Has the main application ask the agent for something: "access on", "loading off" ...
 ask_agent() { echo "$1" >&5; }

@@ -136,4 +136,31 @@ TEST_F(MainAppSend, TheOptionDoesNotGoWithAWait) {
             ExitStatus{.code = 2});
 }
 
+TEST_F(MainAppSend, ReportsOfDevicesAndTransfersAreLaidOutForTheAgent) {
+  using namespace std::string_literals;
+  const Listener listener;
+  startReading();
+  for (const auto& [command, message] :
+       {std::pair("device 3 My Pad", "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s),
+        std::pair("device 4", "-ncdat\0\0\0\0\x04\0\0\0\0"s),
+        std::pair("transfer 2 4096 a b",
+                  "-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\0\x10\0\0\0\0\0\0"
+                  "a b\0\0\0\0\0\0\0"s),
+        std::pair("transfer 1 18446744073709551615",
+                  "-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x01\0\0\0\xff\xff\xff\xff\xff\xff\xff\xff"
+                  "\0\0\0\0\0\0\0\0\0\0"s)}) {
+    ASSERT_TRUE(app_.writeLine(command));
+    EXPECT_EQ(listener.take(), message) << command;
+  }
+}
+
+TEST_F(MainAppSend, ReportsThatMakeNoMessageAreRefused) {
+  startReading();
+  for (const char* command :
+       {"device 5 Pad", "device Pad", "transfer 1", "transfer x 1 a", "transfer 1 1 0123456789"}) {
+    ASSERT_TRUE(app_.writeLine(command));
+    EXPECT_THAT(app_.readErrorLine().value_or(""), HasSubstr("mainapp: there is no such report")) << command;
+  }
+}
+
 }  // namespace

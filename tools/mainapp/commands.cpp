@@ -8,6 +8,7 @@
 
 #include "tools/common/clock_text.h"
 #include "tools/common/escaped_text.h"
+#include "tools/mainapp/collect_data.h"
 #include "tools/mainapp/notification_sender.h"
 
 namespace tools {
@@ -40,6 +41,24 @@ Outcome runLoading(const std::string& argument) {
   return switchNotice(argument, "-neon", "-neoff");
 }
 
+// Sends what the words of a person make, or says that they make nothing.
+Outcome report(const std::optional<std::string>& message, const std::string& words) {
+  if (!message) {
+    complain("there is no such report: " + quotedText(words));
+  } else {
+    sendAndReport(*message);
+  }
+  return Outcome::Continue;
+}
+
+Outcome runDevice(const std::string& argument) {
+  return report(deviceEventMessage(argument), argument);
+}
+
+Outcome runTransfer(const std::string& argument) {
+  return report(transferMessage(argument), argument);
+}
+
 Outcome runHelp(const std::string&) {
   std::fputs(commandHelp().c_str(), stdout);
   return Outcome::Continue;
@@ -53,12 +72,14 @@ constexpr std::array kCommands = {
     Command{"send", "TEXT", "write TEXT into the notification pipe", runSend},
     Command{"access", "on|off", "show or hide the device-access notice", runAccess},
     Command{"loading", "on|off", "show or hide the loading notice", runLoading},
+    Command{"device", "3|4 [NAME]", "report a device event", runDevice},
+    Command{"transfer", "KIND SIZE [NAME]", "report a transfer; KIND is 1 or 2", runTransfer},
     Command{"help", "", "show the commands", runHelp},
     Command{"quit", "", "end the stand-in", runQuit},
 };
 
 std::string helpLine(const Command& command) {
-  constexpr std::size_t kColumn = 18;
+  constexpr std::size_t kColumn = 28;
   std::string line = "  " + std::string(command.name);
   if (!command.argument.empty()) line += " " + std::string(command.argument);
   line.resize(std::max(line.size() + 1, kColumn), ' ');
