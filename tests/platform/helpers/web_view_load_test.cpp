@@ -13,7 +13,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using test_support::ExitStatus;
-using testing::Contains;
 using testing::IsEmpty;
 using testing::SizeIs;
 using Clock = std::chrono::steady_clock;

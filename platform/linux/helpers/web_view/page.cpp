@@ -68,11 +68,7 @@ void Page::request(const std::string& address) {
 // nothing from one beat to the next is ended, once for each address.
 void Page::checkPulse() {
   if (requested_.empty() || webkit_web_view_is_loading(view_.get()) == FALSE) return pulse_.reset();
-  if (!answered_ && mayStartOver_) {
-    mayStartOver_ = false;
-    webkit_web_view_terminate_web_process(view_.get());
-    return request(std::string(requested_));
-  }
+  if (!answered_ && mayStartOver_) return webkit_web_view_terminate_web_process(view_.get());
   constexpr auto kAnswered = [](GObject*, GAsyncResult*, gpointer self) { pageOf(self).answered_ = true; };
   answered_ = false;
   webkit_web_view_evaluate_javascript(view_.get(), "0", -1, nullptr, nullptr, nullptr, kAnswered, this);
@@ -109,9 +105,14 @@ void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
   if (event == WEBKIT_LOAD_COMMITTED) pageOf(self).requested_.clear();
 }
 
+// What was asked of the dead process is asked once more, of a new one.
 void Page::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
-  pageOf(self).resources_.clear();
-  pageOf(self).changed_();
+  Page& page = pageOf(self);
+  page.resources_.clear();
+  if (!page.requested_.empty() && std::exchange(page.mayStartOver_, false)) {
+    page.request(std::string(page.requested_));
+  }
+  page.changed_();
 }
 
 }  // namespace helpers
