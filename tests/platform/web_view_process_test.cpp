@@ -139,7 +139,8 @@ TEST_F(WebViewProcessTest, ProgramThatIsStuckGivesWayToANewOneWithAllItHasStarte
     process_->send(program_ + " new", "http://b");
     return fs::exists(told_);
   }));
-  EXPECT_THAT(toldAfter(1), ElementsAre("http://b"));
+  // Told more than once, because the new program took its time.
+  EXPECT_THAT(toldAfter(1), testing::AllOf(SizeIs(testing::Ge(1U)), testing::Each("http://b")));
   EXPECT_TRUE(test_support::waitUntil([] { return web_view_test::processesNamed("sleep").empty(); }));
 }
 
