@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <utility>
 
 namespace helper_test {
@@ -13,7 +13,9 @@ namespace fs = std::filesystem;
 
 std::string contentOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::ostringstream content;
+  content << file.rdbuf();  // a process that ends meanwhile is no exception
+  return content.str();
 }
 
 }  // namespace
