@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 
+#include "notices/clickable_image_view.h"
 #include "platform/application.h"
 
 namespace platform {
@@ -17,18 +18,19 @@ class Image;
 class Menu;
 class PropertyList;
 class StatusItem;
+class TextView;
 class Timer;
+class View;
 class WebView;
 class Window;
 }  // namespace platform
 
-class tovalinNSImageView;
 struct ShownNotices;
 
 // The one object that carries the agent: the methods of its subsystems, each defined in the folder it is
 // listed under, and all long-lived state, in its fields. The fields are open to those methods and to tests;
 // no other code has hold of the object. Main thread only, but for the two atomic flags.
-class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
+class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private tovalinNSImageViewDelegate {
  public:
   // A reference that anyone may set and read at any time and that keeps nothing alive: the atomic is getter
   // and setter.
@@ -59,6 +61,25 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
   void secondsection_sub3();
   void thirdsection_sub1();
   void thirdsection_sub2();
+
+  // support/support_window.cpp
+  void support();
+  void supportWindowWillClose();
+  void faqBtnClick();
+  void setHyperlinkWithTextView(platform::TextView& view, const std::string& linkurl,
+                                const std::string& linkString);
+
+  // support/server_notice.cpp; the fetches return 1 when there is something to show, else 0
+  int getServerNotice();
+  int getBannerList();
+  int getBannerImg();
+  void myImageView(tovalinNSImageView& view, const platform::MouseEvent& mouseUp) override;
+
+  // support/log_collection.cpp; 1000 is an alert's first button, 1001 its second
+  void logBtnClick();
+  void alertDidEnd(int returnCode);
+  void collectLog();
+  void completeAlertDidEnd(int returnCode);
 
   // support/version_check.cpp
   int getRecentVersion();  // 1 when a version was fetched, else 0
@@ -123,6 +144,12 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate {
   void addMenuItems();
   void showStatusIcon();
   void setAutomount(std::uint32_t active);
+  void refreshVersionAndBanners();
+  std::shared_ptr<platform::Window> makeSupportWindow();
+  std::shared_ptr<platform::View> makeHeaderPanel();
+  std::shared_ptr<platform::Button> makeButtons();  // gives the one that no field keeps
+  std::shared_ptr<platform::View> makeNoticePanel(platform::Button& faqButton);
+  std::shared_ptr<platform::View> makeBannerBand();
   void listen(int pipe);
   void dispatch(std::span<const char> buffer, ShownNotices& shown);
 };

@@ -39,6 +39,7 @@ class Image {
 
  private:
   friend std::shared_ptr<Image> imageNamed(std::string_view name);
+  friend std::shared_ptr<Image> imageWithData(std::string_view bytes);
   Image();
   std::unique_ptr<Impl> impl_;
 };
@@ -47,6 +48,10 @@ class Image {
 // point with its form for those ("NAME@2x.png"), where there is one. Nothing when there is no such file or it
 // is no picture. Main thread.
 [[nodiscard]] std::shared_ptr<Image> imageNamed(std::string_view name);
+
+// A fresh image of picture data in any format that the desktop reads, one point to the pixel. Nothing when it
+// is no picture, or one whose pixels would take more than 64 MB. Main thread.
+[[nodiscard]] std::shared_ptr<Image> imageWithData(std::string_view bytes);
 
 // Drawing into an image, for as long as this object lives; the image must outlive it. Main thread.
 class ImageFocus {

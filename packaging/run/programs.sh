@@ -81,6 +81,8 @@ tell_records() { # FILE
   build/release/tools/tvldump "$1" > >(retell "tvldump") 2>&1 || fail "$1 is no whole file of records"
 }
 
+has_upload() { compgen -G "$results/uploads/*.dat" >/dev/null; }
+
 yesterdays_records_are_gone() { [ -z "$(find "$HOME/.local/share/Tovalin" -name "*.dat" ! -name "Tovalin_$(date +%Y_%m_%d).dat")" ]; }
 
 # Has the main application ask the agent for something: "access on", "loading off" ...

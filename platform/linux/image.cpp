@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QBuffer>
 #include <QDateTime>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QImageReader>
 
 #include "platform/bundle.h"
 #include "platform/linux/image_impl.h"
@@ -15,6 +17,7 @@ namespace platform {
 namespace {
 
 constexpr double maxPixels = 64e6;
+constexpr int maxBytesOfData = 64 << 20;
 
 QImage emptyForm(Size size) {
   const double scale = backingScale();
@@ -107,6 +110,25 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
       image->impl_->naturalSize = {static_cast<double>(plain.width()), static_cast<double>(plain.height())};
   image->impl_->forms.push_back(std::move(plain));
   if (!fine.isNull()) image->impl_->forms.push_back(std::move(fine));
+  return image;
+}
+
+std::shared_ptr<Image> imageWithData(std::string_view bytes) {
+  QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  QBuffer buffer(&data);
+  QImageReader reader(&buffer);
+  // Told before anything is decoded; formats that don't tell are held to it by the limit.
+  const QSize size = reader.size();
+  if (4.0 * size.width() * size.height() > maxBytesOfData) return nullptr;
+  QImageReader::setAllocationLimit(maxBytesOfData >> 20);
+  QImage pixels = reader.read();
+  if (pixels.isNull() || pixels.sizeInBytes() > maxBytesOfData) return nullptr;
+  pixels.setDevicePixelRatio(1);
+
+  std::shared_ptr<Image> image(new Image);
+  image->impl_->size =
+      image->impl_->naturalSize = {static_cast<double>(pixels.width()), static_cast<double>(pixels.height())};
+  image->impl_->forms.push_back(std::move(pixels));
   return image;
 }
 

@@ -1,0 +1,60 @@
+#include "app/nimbatrayAppDelegate.h"
+#include "platform/alert.h"
+#include "platform/application.h"
+#include "platform/button.h"
+#include "platform/clock.h"
+#include "platform/image.h"
+#include "platform/log.h"
+#include "platform/shell.h"
+#include "platform/window.h"
+#include "platform/workspace.h"
+#include "support/log_rules.h"
+#include "usage/server_addresses.h"
+
+namespace {
+
+// Hangs a question with two buttons on the window, if that is still there.
+void ask(platform::Window* window, const char* question, const char* firstButton, const char* secondButton,
+         std::function<void(int)> didEnd) {
+  if (window == nullptr) return;
+  platform::Alert alert;
+  alert.addButton(firstButton);
+  alert.addButton(secondButton);
+  alert.setMessageText(question);
+  alert.setAlertStyle(platform::Alert::Style::Warning);
+  alert.setIcon(platform::imageNamed("icon.png"));
+  alert.beginSheetModalForWindow(window->shared_from_this(), std::move(didEnd));
+}
+
+}  // namespace
+
+void nimbatrayAppDelegate::logBtnClick() {
+  platform::systemLog(platform::LogPriority::Info, "-[nimbatrayAppDelegate logBtnClick:] Log button click!");
+  notificateGA("clickaction", "logbtn");
+  ask(supportWindow, "Log file will be created. It takes a few minutes.", "Continue", "Cancel",
+      [this](int returnCode) { alertDidEnd(returnCode); });
+}
+
+void nimbatrayAppDelegate::alertDidEnd(int returnCode) {
+  if (returnCode != platform::alertFirstButtonReturn) return;
+  if (logButton != nullptr) logButton->setEnabled(false);
+  collectLog();
+}
+
+void nimbatrayAppDelegate::collectLog() {
+  const std::string name = collectionName(platform::currentLocalTime());
+  const auto commands = collectionCommands(name);
+  if (!commands) platform::fatalError("the commands that collect the logs are too long");
+  for (const std::string& command : *commands) platform::system(command);
+  if (logButton != nullptr) logButton->setEnabled(true);
+  // Posted, so that it comes once the first sheet has gone.
+  platform::Application::sharedApplication().performOnMainThread([this] {
+    ask(supportWindow, "Log file is created on desktop.", "Close", "Contact us",
+        [this](int returnCode) { completeAlertDidEnd(returnCode); });
+  });
+}
+
+void nimbatrayAppDelegate::completeAlertDidEnd(int returnCode) {
+  if (returnCode != platform::alertFirstButtonReturn + 1) return;
+  platform::Workspace::sharedWorkspace().openURL(productServer() + "/contact/tovalin/");
+}

@@ -1,0 +1,38 @@
+#include "support/server_content.h"
+
+namespace {
+
+using platform::PropertyList;
+
+const std::string* stringAt(const PropertyList& entry, std::string_view key) {
+  const PropertyList* value = entry.find(key);
+  return value == nullptr ? nullptr : value->as<std::string>();
+}
+
+std::optional<NoticeEntry> noticeEntry(const PropertyList& notice, std::string_view key) {
+  const PropertyList* entry = notice.find(key);
+  if (entry == nullptr) return std::nullopt;
+  const std::string* subject = stringAt(*entry, "subject");
+  const std::string* link = stringAt(*entry, "link");
+  if (subject == nullptr || link == nullptr) return std::nullopt;
+  return NoticeEntry{*subject, *link};
+}
+
+}  // namespace
+
+std::optional<std::array<NoticeEntry, 2>> noticeEntries(const PropertyList& notice) {
+  auto first = noticeEntry(notice, "notice_1");
+  auto second = noticeEntry(notice, "notice_2");
+  if (!first || !second) return std::nullopt;
+  return std::array{*std::move(first), *std::move(second)};
+}
+
+std::optional<Banner> chosenBanner(const PropertyList& list, std::uint32_t random) {
+  const auto* entries = list.as<PropertyList::Array>();
+  if (entries == nullptr || entries->empty()) return std::nullopt;
+  const PropertyList& entry = (*entries)[std::uint64_t{random} % entries->size()];
+  const std::string* fileName = stringAt(entry, "file_name");
+  const std::string* link = stringAt(entry, "link");
+  if (fileName == nullptr || link == nullptr) return std::nullopt;
+  return Banner{*fileName, *link};
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "platform/property_list.h"
+
+// What the server's notice and banner lists mean, as functions of what was parsed. What they hold may be
+// anything. Any thread.
+
+struct NoticeEntry {
+  std::string subject;
+  std::string link;
+};
+
+// The two entries of a notice, "notice_1" and "notice_2", each with its two strings. Nothing unless both are
+// complete.
+[[nodiscard]] std::optional<std::array<NoticeEntry, 2>> noticeEntries(const platform::PropertyList& notice);
+
+struct Banner {
+  std::string fileName;
+  std::string link;
+};
+
+// The entry that a random number chooses, each one equally likely. Nothing for an empty list, what is no list
+// of entries, and an entry without one of its two strings.
+[[nodiscard]] std::optional<Banner> chosenBanner(const platform::PropertyList& list, std::uint32_t random);

@@ -1,0 +1,56 @@
+#include <stdlib.h>
+
+#include <span>
+
+#include "app/nimbatrayAppDelegate.h"
+#include "platform/image.h"
+#include "platform/log.h"
+#include "platform/property_list.h"
+#include "platform/workspace.h"
+#include "support/address.h"
+#include "support/remote_list.h"
+#include "support/server_content.h"
+
+namespace {
+
+// Nothing when the body is no property list.
+std::shared_ptr<const platform::PropertyList> parsed(const std::string& body) {
+  auto list = platform::parsePropertyList(std::as_bytes(std::span(body)));
+  return list ? std::make_shared<const platform::PropertyList>(*std::move(list)) : nullptr;
+}
+
+}  // namespace
+
+// A body that is no list takes the earlier notice away; no body at all leaves it.
+int nimbatrayAppDelegate::getServerNotice() {
+  const auto body = fetchRemoteList("/product/nimba/binary/tovalinnotice.xml");
+  if (!body) return 0;
+  serverNotice = parsed(*body);
+  return serverNotice != nullptr && noticeEntries(*serverNotice) ? 1 : 0;
+}
+
+int nimbatrayAppDelegate::getBannerList() {
+  const auto body = fetchRemoteList("/product/nimba/banner/tovalinbanner.xml");
+  if (!body) return 0;
+  bannerList = parsed(*body);
+  return bannerList != nullptr ? 1 : 0;
+}
+
+// The link is that of the banner chosen last, also when its picture can't be had.
+int nimbatrayAppDelegate::getBannerImg() {
+  const auto banner = chosenBanner(*bannerList, ::arc4random());
+  if (!banner) return 0;
+  bannerLink = banner->link;
+  if (!banner->fileName.empty() && !isAddress(banner->fileName)) return 0;
+  const auto body = fetchRemoteList("/product/nimba/banner/" + banner->fileName);
+  if (!body) return 0;
+  bannerImg = platform::imageWithData(*body);
+  return bannerImg != nullptr ? 1 : 0;
+}
+
+void nimbatrayAppDelegate::myImageView(tovalinNSImageView& view, const platform::MouseEvent& /*mouseUp*/) {
+  if (&view != bannerImgView.get()) return;
+  platform::consoleLog("bannerImgView clicked");
+  notificateGA("clickaction", "banner");
+  if (bannerLink && isLink(*bannerLink)) platform::Workspace::sharedWorkspace().openURL(*bannerLink);
+}

@@ -1,0 +1,73 @@
+#include "support/server_content.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <map>
+#include <span>
+
+namespace {
+
+using platform::PropertyList;
+
+PropertyList list(const std::string& content) {
+  const auto parsed = platform::parsePropertyList(std::as_bytes(std::span(content)));
+  EXPECT_TRUE(parsed.has_value()) << content;
+  return parsed.value_or(PropertyList());
+}
+
+TEST(Notice, GivesItsTwoEntriesInOrder) {
+  const auto entries =
+      noticeEntries(list("{ notice_2 = { subject = B; link = \"http://b\"; other = 1; };"
+                         "  notice_1 = { subject = A; link = \"http://a\"; }; more = (); }"));
+  ASSERT_TRUE(entries.has_value());
+  EXPECT_EQ((*entries)[0].subject, "A");
+  EXPECT_EQ((*entries)[0].link, "http://a");
+  EXPECT_EQ((*entries)[1].subject, "B");
+  EXPECT_EQ((*entries)[1].link, "http://b");
+}
+
+TEST(Notice, WithoutBothCompleteEntriesIsNone) {
+  for (const char* incomplete :
+       {"{}", "()", "text", "{ notice_1 = { subject = A; link = L; }; }",
+        "{ notice_2 = { subject = A; link = L; }; }",
+        "{ notice_1 = { subject = A; }; notice_2 = { subject = B; link = L; }; }",
+        "{ notice_1 = { subject = A; link = L; }; notice_2 = { link = L; }; }",
+        "{ notice_1 = { subject = (); link = L; }; notice_2 = { subject = B; link = L; }; }",
+        "{ notice_1 = text; notice_2 = { subject = B; link = L; }; }", "( { subject = A; link = L; } )"})
+    EXPECT_FALSE(noticeEntries(list(incomplete)).has_value()) << incomplete;
+}
+
+const char* const three =
+    "( { file_name = a; link = A; }, { file_name = b; link = B; }, { file_name = c; link = C; } )";
+
+TEST(Banner, IsChosenByTheRemainder) {
+  const PropertyList banners = list(three);
+  EXPECT_EQ(chosenBanner(banners, 0)->fileName, "a");
+  EXPECT_EQ(chosenBanner(banners, 1)->link, "B");
+  EXPECT_EQ(chosenBanner(banners, 2)->fileName, "c");
+  EXPECT_EQ(chosenBanner(banners, 3)->fileName, "a");
+  EXPECT_EQ(chosenBanner(banners, 0xffffffff)->fileName, "a");
+  EXPECT_EQ(chosenBanner(banners, 0xfffffffe)->fileName, "c");
+}
+
+TEST(Banner, OnlyOneIsAlwaysChosen) {
+  const PropertyList banners = list("( { file_name = a; link = A; } )");
+  for (const std::uint32_t random : {0u, 1u, 0x80000000u, 0xffffffffu})
+    EXPECT_EQ(chosenBanner(banners, random)->fileName, "a");
+}
+
+TEST(Banner, IsRefusedSoftlyWhereThereIsNone) {
+  for (const char* none :
+       {"()", "{}", "text", "{ file_name = a; link = A; }", "( text )", "( ( ) )", "( { file_name = a; } )",
+        "( { link = A; } )", "( { file_name = (); link = A; } )"})
+    EXPECT_FALSE(chosenBanner(list(none), 7).has_value()) << none;
+}
+
+TEST(Banner, IncompleteEntryAmongOthersIsRefusedOnlyWhenChosen) {
+  const PropertyList banners = list("( { file_name = a; link = A; }, { link = B; } )");
+  EXPECT_TRUE(chosenBanner(banners, 0).has_value());
+  EXPECT_FALSE(chosenBanner(banners, 1).has_value());
+}
+
+}  // namespace
