@@ -58,6 +58,10 @@ class Application {
   // none.
   void stopModal();
 
+  // Brings the program's windows back that are hidden while it is inactive, all its windows to the front, and
+  // asks for the keyboard for them; unless `flag` says otherwise, also while another program has it.
+  void activateIgnoringOtherApps(bool flag = true);
+
   // Lets the delegate do its applicationWillTerminate, then ends the process with status 0 from however deep
   // in the run loop. Threads that still run are not waited for, and no static destructor runs below them.
   [[noreturn]] void terminate();

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
+#include "platform/text_style.h"
 #include "platform/view.h"
 
 namespace platform {
-
-enum class TextAlignment { Left = 0, Center = 2 };
 
 // A view with a text that nobody types into: no frame, no background, not selectable. Line breaks in the text
 // are kept; lines stand from the top down. Main thread only.
@@ -17,7 +15,9 @@ class TextField : public View {
 
   void setAlignment(TextAlignment alignment);
   void setText(std::string_view text);
-  // The desktop's own font; `size` in points.
+  // 12 points at first.
+  void setFont(Font font);
+  // The same, not bold; `size` in points.
   void setSystemFont(double size);
 };
 

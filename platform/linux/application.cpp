@@ -8,7 +8,9 @@
 #include <QCoreApplication>
 
 #include "platform/linux/application_impl.h"
+#include "platform/linux/keyboard_holder.h"
 #include "platform/linux/private_folder.h"
+#include "platform/linux/window_impl.h"
 
 // Instrumented builds report where the process ends, since no exit handler runs. The names are those of the
 // compilers' own run time. NOLINTBEGIN(bugprone-reserved-identifier)
@@ -40,6 +42,12 @@ void Application::runModalForWindow(std::shared_ptr<Window> window) {
 
 void Application::stopModal() {
   impl_->modalRuns.stop();
+}
+
+void Application::activateIgnoringOtherApps(bool flag) {
+  if (!flag && keyboardHolder() == KeyboardHolder::OtherProgram) return;
+  bringWindowsForward();
+  impl_->modalRuns.bringForward();
 }
 
 bool Application::hasDisplay() const {

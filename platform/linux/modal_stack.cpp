@@ -66,6 +66,10 @@ void ModalStack::stop() {
   level->loop.quit();
 }
 
+void ModalStack::bringForward() {
+  if (const Level* level = innermost()) level->window->impl().comeForward();
+}
+
 bool ModalStack::eventFilter(QObject* receiver, QEvent* event) {
   if (!isInput(*event) || !receiver->isWidgetType()) return false;
   const Level* level = innermost();

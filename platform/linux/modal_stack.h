@@ -22,6 +22,8 @@ class ModalStack : public QObject {
   void run(std::shared_ptr<Window> window);
   // Stops the innermost level that still runs; nothing when there is none.
   void stop();
+  // Has the innermost level's window come forward.
+  void bringForward();
   // Whether the level on top has been stopped and control is on its way back to who ran it.
   [[nodiscard]] bool isUnwinding() const { return !levels_.empty() && levels_.back()->stopped; }
 

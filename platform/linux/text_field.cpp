@@ -2,10 +2,13 @@
 
 #include <QLabel>
 
+#include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
 
 namespace platform {
 namespace {
+
+constexpr double defaultFontSize = 12;
 
 QLabel& label(const TextField& field) {
   return static_cast<QLabel&>(*field.impl().widget);
@@ -17,22 +20,23 @@ TextField::TextField(Rect frame) : View(std::make_unique<Impl>(frame, std::make_
   label(*this).setTextFormat(Qt::PlainText);
   label(*this).setTextInteractionFlags(Qt::NoTextInteraction);
   setAlignment(TextAlignment::Left);
+  setSystemFont(defaultFontSize);
 }
 
 void TextField::setAlignment(TextAlignment alignment) {
-  label(*this).setAlignment(Qt::AlignTop |
-                            (alignment == TextAlignment::Center ? Qt::AlignHCenter : Qt::AlignLeft));
+  label(*this).setAlignment(alignmentFromTop(alignment));
 }
 
 void TextField::setText(std::string_view text) {
-  label(*this).setText(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+  label(*this).setText(textOf(text));
 }
 
-// By pixels, so that the text fits its frame at any resolution that the screen reports.
+void TextField::setFont(Font font) {
+  label(*this).setFont(systemFont(label(*this).font(), font));
+}
+
 void TextField::setSystemFont(double size) {
-  QFont font = label(*this).font();
-  font.setPixelSize(qRound(size));
-  label(*this).setFont(font);
+  setFont(Font(size));
 }
 
 }  // namespace platform

@@ -1,8 +1,31 @@
 #include "platform/view.h"
 
+#include <algorithm>
+
+#include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
 
 namespace platform {
+namespace {
+
+using Views = std::vector<const View*>;
+
+void collectBelow(const View& root, Views& views) {
+  for (const auto& view : root.impl().subviews) {
+    views.push_back(view.get());
+    collectBelow(*view, views);
+  }
+}
+
+}  // namespace
+
+void orderTabsAsMade(const View& root) {
+  Views views;
+  collectBelow(root, views);
+  std::ranges::stable_sort(views, {}, [](const View* view) { return view->impl().madeAt; });
+  for (std::size_t i = 1; i < views.size(); ++i)
+    QWidget::setTabOrder(views[i - 1]->impl().widget.get(), views[i]->impl().widget.get());
+}
 
 QRect fromTop(Rect rect, double roomHeight) {
   return QRectF(rect.x, roomHeight - rect.y - rect.height, rect.width, rect.height).toRect();
@@ -30,7 +53,7 @@ Rect View::bounds() const {
 }
 
 void View::setAccessibilityLabel(std::string_view label) {
-  impl_->widget->setAccessibleName(QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())));
+  impl_->widget->setAccessibleName(textOf(label));
 }
 
 void View::addSubview(std::shared_ptr<View> view) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -16,7 +17,11 @@ struct View::Impl {
   Rect frame;
   std::vector<std::shared_ptr<View>> subviews;
   std::unique_ptr<QWidget> widget;
+  std::chrono::steady_clock::time_point madeAt = std::chrono::steady_clock::now();
 };
+
+// Has the Tab key go through the views below `root` in the order in which they were made.
+void orderTabsAsMade(const View& root);
 
 // Where a rectangle counted from the lower left of a room of this height stands for the toolkit, which counts
 // from the upper left in whole pixels.

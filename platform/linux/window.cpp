@@ -2,13 +2,16 @@
 
 #include <malloc.h>
 
-#include <functional>
+#include <utility>
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QGuiApplication>
+#include <QKeyEvent>
 #include <QScreen>
 #include <QWindow>
 
+#include "platform/linux/color_impl.h"
+#include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
 #include "platform/linux/window_impl.h"
 #include "platform/linux/x_requests.h"
@@ -19,7 +22,7 @@ namespace {
 // A window whose title bar has no close control is not closed by other means either.
 class WindowWidget : public QWidget {
  public:
-  std::function<void()> closed;
+  Window::Impl* owner = nullptr;
 
   explicit WindowWidget(WindowStyle style) : style_(style) {
     const Qt::WindowFlags titled = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint;
@@ -28,8 +31,15 @@ class WindowWidget : public QWidget {
 
  protected:
   void closeEvent(QCloseEvent* event) override {
-    event->setAccepted(style_ == WindowStyle::TitledClosable);
-    if (event->isAccepted()) closed();
+    event->setAccepted(style_ == WindowStyle::TitledClosable && !owner->sheets.isUp());
+    if (!event->isAccepted()) return;
+    owner->willBeClosed();
+    owner->releaseOnceIdle();
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
+    close();
   }
 
  private:
@@ -42,23 +52,69 @@ class ContentView : public View {
       : View(std::make_unique<Impl>(frame, std::make_unique<WindowWidget>(style))) {}
 };
 
+// All of its roles are set, so that none of them follows the desktop. What the toolkit derives from a colour
+// has a dark highlight; the desktop's own stays.
+QPalette paletteOn(const QColor& background) {
+  QPalette palette(background, background);
+  const QPalette desktop = QApplication::palette();
+  for (const auto role : {QPalette::Highlight, QPalette::HighlightedText}) {
+    palette.setColor(role, desktop.color(QPalette::Active, role));
+  }
+  return palette;
+}
+
 }  // namespace
 
 bool isWindowOfProgram(const QWidget& window) {
   return dynamic_cast<const WindowWidget*>(&window) != nullptr;
 }
 
+void bringWindowsForward() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (auto* window = dynamic_cast<WindowWidget*>(widget)) window->owner->comeForward();
+  }
+}
+
 Window::Impl::Impl(Rect contentRect, WindowStyle style)
     : content(std::make_unique<ContentView>(Rect{0, 0, contentRect.width, contentRect.height}, style)),
-      widget(*content->impl().widget) {
+      widget(*content->impl().widget),
+      sheets(widget) {
   widget.setFixedSize(widget.size());
-  static_cast<WindowWidget&>(widget).closed = [this] { releaseOnceIdle(); };
+  static_cast<WindowWidget&>(widget).owner = this;
+}
+
+void Window::Impl::willBeClosed() {
+  closed = true;
+  hiddenByInactivity = false;
+  activity.reset();
+  sheets.close();
+  if (const auto tell = std::exchange(willClose, nullptr)) tell();
 }
 
 // The toolkit still works on the widget that is being closed.
 void Window::Impl::releaseOnceIdle() {
   QMetaObject::invokeMethod(
       qApp, [self = std::move(onScreen)] {}, Qt::QueuedConnection);
+}
+
+void Window::Impl::followActivity(bool active) {
+  if (active) {
+    if (!std::exchange(hiddenByInactivity, false)) return;
+    widget.setAttribute(Qt::WA_ShowWithoutActivating);
+    widget.show();
+    widget.setAttribute(Qt::WA_ShowWithoutActivating, false);
+  } else if (widget.isVisible()) {
+    hiddenByInactivity = true;
+    widget.hide();
+  }
+}
+
+void Window::Impl::comeForward() {
+  if (std::exchange(hiddenByInactivity, false)) widget.show();
+  if (!widget.isVisible()) return;
+  if (widget.isMinimized()) widget.showNormal();
+  widget.raise();
+  widget.activateWindow();
 }
 
 bool Window::Impl::isOnScreen() const {
@@ -84,7 +140,21 @@ Window::~Window() {
 }
 
 void Window::setTitle(std::string_view title) {
-  impl_->widget.setWindowTitle(QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size())));
+  impl_->widget.setWindowTitle(textOf(title));
+}
+
+void Window::setBackgroundColor(Color color) {
+  impl_->widget.setPalette(paletteOn(toolkitColor(color)));
+}
+
+void Window::setHidesOnDeactivate(bool hides) {
+  impl_->activity.reset();
+  if (hides)
+    impl_->activity = std::make_unique<ActivityWatch>([this](bool active) { impl_->followActivity(active); });
+}
+
+void Window::setWillClose(std::function<void()> willClose) {
+  impl_->willClose = std::move(willClose);
 }
 
 View& Window::contentView() const {
@@ -98,17 +168,28 @@ void Window::center() {
 }
 
 void Window::makeKeyAndOrderFront() {
+  if (impl_->closed) return;
+  impl_->hiddenByInactivity = false;
   impl_->onScreen = shared_from_this();
+  orderTabsAsMade(*impl_->content);
   impl_->widget.show();
   impl_->widget.raise();
   impl_->widget.activateWindow();
 }
 
 void Window::orderOut() {
+  impl_->hiddenByInactivity = false;
   impl_->widget.hide();
   settleXRequests();
   // May be the last reference: nothing is touched after it.
   const auto self = std::move(impl_->onScreen);
+}
+
+void Window::close() {
+  if (impl_->closed) return;
+  const auto self = shared_from_this();
+  impl_->willBeClosed();
+  orderOut();
 }
 
 bool Window::isVisible() const {

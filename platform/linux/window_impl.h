@@ -1,9 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <QWidget>
 
+#include "platform/linux/activity_watch.h"
+#include "platform/linux/sheet_queue.h"
 #include "platform/view.h"
 #include "platform/window.h"
 
@@ -17,15 +20,29 @@ struct Window::Impl {
   // Visible, and neither made an icon nor on another desktop.
   [[nodiscard]] bool isOnScreen() const;
   void setAboveOthers(bool above);
+  // Tells the will-close handler, and lets the window show no more.
+  void willBeClosed();
   // Gives up what keeps the window while it shows, once control is back in the run loop.
   void releaseOnceIdle();
+  // Hides the window, or shows it again without asking for the keyboard.
+  void followActivity(bool active);
+  // Back from where the program's inactivity has hidden it, and to the front if it is visible.
+  void comeForward();
 
   std::unique_ptr<View> content;
   QWidget& widget;
-  std::shared_ptr<Window> onScreen;  // itself, while it shows
+  SheetQueue sheets;
+  std::shared_ptr<Window> onScreen;  // itself, while it shows or is hidden by inactivity
+  std::function<void()> willClose;
+  bool closed = false;
+  bool hiddenByInactivity = false;
+  std::unique_ptr<ActivityWatch> activity;
 };
 
 // Whether a toolkit window was made by Window, in contrast to menus and the panel's icon.
 [[nodiscard]] bool isWindowOfProgram(const QWidget& window);
+
+// Has each Window come forward.
+void bringWindowsForward();
 
 }  // namespace platform

@@ -1,0 +1,81 @@
+#include "platform/button.h"
+
+#include <algorithm>
+
+#include <QPainter>
+#include <QPushButton>
+#include <QStyleOptionButton>
+
+#include "platform/linux/text_impl.h"
+#include "platform/linux/view_impl.h"
+
+namespace platform {
+namespace {
+
+constexpr int bezelHeight = 32;
+constexpr int sideMargin = 6;
+constexpr double titleSize = 13;
+
+// The bezel is smaller than the button's frame, and so is what takes clicks.
+class PushButton : public QPushButton {
+ public:
+  std::function<void()> action;
+
+  PushButton() {
+    setFont(systemFont(font(), titleSize));
+    setAutoDefault(true);  // Return presses it
+    connect(this, &QPushButton::clicked, this, [this] { act(); });
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.rect = bezel();
+    style()->drawControl(QStyle::CE_PushButton, &option, &painter, this);
+  }
+
+  bool hitButton(const QPoint& point) const override { return bezel().contains(point); }
+
+ private:
+  [[nodiscard]] QRect bezel() const {
+    const int bezelRoom = std::min(bezelHeight, height());
+    return {sideMargin, (height() - bezelRoom) / 2, width() - 2 * sideMargin, bezelRoom};
+  }
+
+  // The button is seen to be released before an action that takes its time, which may replace itself or end
+  // the button.
+  void act() {
+    repaint();
+    if (const auto work = action) work();
+  }
+};
+
+PushButton& pushButton(const Button& button) {
+  return static_cast<PushButton&>(*button.impl().widget);
+}
+
+}  // namespace
+
+Button::Button(Rect frame) : View(std::make_unique<Impl>(frame, std::make_unique<PushButton>())) {}
+
+void Button::setTitle(std::string_view title) {
+  pushButton(*this).setText(withoutMnemonic(textOf(title)));
+}
+
+void Button::setEnabled(bool enabled) {
+  pushButton(*this).setEnabled(enabled);
+}
+
+bool Button::isEnabled() const {
+  return pushButton(*this).isEnabled();
+}
+
+void Button::setBezelStyle(BezelStyle) {}
+
+void Button::setAction(std::function<void()> action) {
+  pushButton(*this).action = std::move(action);
+}
+
+}  // namespace platform

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QColor>
+
+#include "platform/color.h"
+
+namespace platform {
+
+[[nodiscard]] inline QColor toolkitColor(const Color& color) {
+  return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
+                          static_cast<float>(color.blue), static_cast<float>(color.alpha));
+}
+
+}  // namespace platform

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace platform {
+
+enum class TextAlignment { Left = 0, Center = 2 };
+
+// The desktop's own font; `size` in points.
+struct Font {
+  Font(double ofSize, bool isBold = false) : size(ofSize), bold(isBold) {}
+  double size;
+  bool bold;
+};
+
+}  // namespace platform
