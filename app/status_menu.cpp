@@ -51,9 +51,9 @@ void nimbatrayAppDelegate::addMenuItems() {
   menu->addItem(MenuItem::separatorItem());
   add("Visit our website now", [this] { thirdsection_sub1(); });
   add("Review Tovalin", [this] { thirdsection_sub2(); });
-  MenuItem& support = add("Support Tovalin");
-  support.setEnabled(true);
-  if (bUpdateEnabled) support.setImage(scaledImage("n.png", 20, 17));
+  MenuItem& supportItem = add("Support Tovalin", [this] { support(); });
+  supportItem.setEnabled(true);
+  if (bUpdateEnabled) supportItem.setImage(scaledImage("n.png", 20, 17));
   menu->addItem(MenuItem::separatorItem());
   add("Quit Tovalin", [this] { quit(); });
 

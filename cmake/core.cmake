@@ -24,10 +24,13 @@ add_library(tovalin_core STATIC
   notices/notice_methods.cpp
   notices/notice_window.cpp
   support/address.cpp
+  support/log_collection.cpp
   support/log_rules.cpp
   support/remote_list.cpp
   support/server_content.cpp
   support/server_notice.cpp
+  support/support_controls.cpp
+  support/support_window.cpp
   support/version_check.cpp
   support/version_rules.cpp
   usage/application_directory.cpp
