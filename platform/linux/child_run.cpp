@@ -54,8 +54,9 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 int runAndWait(const std::string& program, std::vector<std::string> arguments) {
   std::vector<std::string> environment = environmentWithHelpers();
   const SpawnAttributes attributes;
+  SpawnStreams inherited;
   pid_t child = 0;
-  const int error = posix_spawn(&child, program.c_str(), nullptr, attributes.get(),
+  const int error = posix_spawn(&child, program.c_str(), inherited.get(), attributes.get(),
                                 pointersTo(arguments).data(), pointersTo(environment).data());
   return error == 0 ? waitFor(child) : -1;
 }

@@ -2,6 +2,7 @@
 
 #include <signal.h>
 #include <spawn.h>
+#include <unistd.h>
 
 namespace platform {
 
@@ -27,6 +28,31 @@ class SpawnAttributes {
 
  private:
   posix_spawnattr_t attributes_{};
+};
+
+// The streams of a child. What else this process has open stays with it: libraries open descriptors that a
+// child would inherit.
+class SpawnStreams {
+ public:
+  SpawnStreams() { posix_spawn_file_actions_init(&actions_); }
+  ~SpawnStreams() { posix_spawn_file_actions_destroy(&actions_); }
+  SpawnStreams(const SpawnStreams&) = delete;
+  SpawnStreams& operator=(const SpawnStreams&) = delete;
+
+  // Both for one of the streams 0 to 2.
+  void set(int stream, int descriptor) { posix_spawn_file_actions_adddup2(&actions_, descriptor, stream); }
+  void lead(int stream, const char* path, int flags) {
+    posix_spawn_file_actions_addopen(&actions_, stream, path, flags, 0);
+  }
+
+  // To be called last.
+  [[nodiscard]] const posix_spawn_file_actions_t* get() {
+    posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+    return &actions_;
+  }
+
+ private:
+  posix_spawn_file_actions_t actions_{};
 };
 
 }  // namespace platform

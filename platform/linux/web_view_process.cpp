@@ -25,29 +25,14 @@ namespace {
 
 constexpr std::size_t kLongestAddress = std::size_t{64} * 1024;
 
-class Streams {
- public:
-  // What the program writes goes nowhere: it may outlive whoever reads the agent's own streams.
-  explicit Streams(int input) {
-    posix_spawn_file_actions_init(&actions_);
-    posix_spawn_file_actions_adddup2(&actions_, input, STDIN_FILENO);
-    posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions_, STDOUT_FILENO, STDERR_FILENO);
-  }
-  ~Streams() { posix_spawn_file_actions_destroy(&actions_); }
-  Streams(const Streams&) = delete;
-  Streams& operator=(const Streams&) = delete;
-
-  [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
-
- private:
-  posix_spawn_file_actions_t actions_{};
-};
-
 // A session of its own keeps the terminal's Ctrl-C, which is meant for the agent, from the last page.
 pid_t spawn(std::string program, int input) {
   const SpawnAttributes attributes(POSIX_SPAWN_SETSID);
-  const Streams streams(input);
+  SpawnStreams streams;
+  streams.set(STDIN_FILENO, input);
+  // What the program writes goes nowhere: it may outlive whoever reads the agent's own streams.
+  streams.lead(STDOUT_FILENO, "/dev/null", O_WRONLY);
+  streams.set(STDERR_FILENO, STDOUT_FILENO);
   char* arguments[] = {program.data(), nullptr};
   pid_t child = -1;
   const int error = posix_spawn(&child, program.c_str(), streams.get(), attributes.get(), arguments, environ);

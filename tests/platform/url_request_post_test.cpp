@@ -69,7 +69,6 @@ TEST(UrlRequestOnTheWire, PostInPieces) {
             "Host: HOST\r\n"
             "User-Agent: TovalinTray\r\n"
             "Accept: */*\r\n"
-            "Accept-Encoding: gzip, deflate\r\n"
             "Content-Type: text/plain\r\n"
             "X-Empty:\r\n"
             "Content-Length: 18\r\n"
@@ -84,7 +83,6 @@ TEST(UrlRequestOnTheWire, PostWithoutABody) {
               "Host: HOST\r\n"
               "User-Agent: TovalinTray\r\n"
               "Accept: */*\r\n"
-              "Accept-Encoding: gzip, deflate\r\n"
               "Content-Length: 0\r\n"
               "\r\n");
   }

@@ -1,15 +1,10 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <linux/close_range.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <latch>
 #include <optional>
 #include <string>
@@ -58,33 +53,12 @@ std::optional<std::string> replyWith(During during) {
 
 TEST(UrlRequestProcess, ProgramStartedMeanwhileGetsNoDescriptor) {
   const auto finished = test_support::runForked([] {
-    // Whoever started this program may have left descriptors of its own to it.
-    ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     int status = -1;
     const auto reply = replyWith([&] { status = platform::system("ls /proc/$$/fd; true"); });
     return reply ? status : -1;
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
   EXPECT_EQ(finished.output, "0\n1\n2\n");
-}
-
-TEST(UrlRequestProcess, DescriptorsOfTheTransferAreItsOwn) {
-  int before = 0;
-  int during = 0;
-  const RawHttpServer server([&](RawConnection& connection) {
-    connection.readHead();
-    during = openDescriptors();
-    connection.send(httpReply("text"));
-  });
-  before = openDescriptors();
-  EXPECT_THAT(sendSynchronousRequest(requestFor(server.url())), Optional(std::string("text")));
-  EXPECT_EQ(during, before + 1) << "the server's end of the connection";
-}
-
-TEST(UrlRequestProcess, DescriptorsOfTheCallerStayOpen) {
-  const test_support::FileDescriptor kept(::dup(STDERR_FILENO));
-  EXPECT_TRUE(replyWith([] {}));
-  EXPECT_GE(::fcntl(kept.get(), F_GETFD), 0);
 }
 
 TEST(UrlRequestProcess, ThreadsSendBesideEachOther) {
@@ -123,52 +97,6 @@ TEST(UrlRequestProcess, WaitingCostsNoTime) {
   const auto before = used();
   EXPECT_EQ(sendSynchronousRequest(request), std::nullopt);
   EXPECT_LT(used() - before, 200ms);
-}
-
-class SignalBlocked {
- public:
-  explicit SignalBlocked(int signal) {
-    sigset_t mask;
-    ::sigemptyset(&mask);
-    ::sigaddset(&mask, signal);
-    ::pthread_sigmask(SIG_BLOCK, &mask, &before_);
-  }
-  ~SignalBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  SignalBlocked(const SignalBlocked&) = delete;
-  SignalBlocked& operator=(const SignalBlocked&) = delete;
-
- private:
-  sigset_t before_{};
-};
-
-// The threads of this process that would take that signal.
-std::vector<std::string> threadsTaking(int signal) {
-  std::vector<std::string> threads;
-  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-    std::ifstream status(thread.path() / "status");
-    std::string word;
-    while (status >> word && word != "SigBlk:") continue;
-    status >> word;
-    if ((std::stoull(word, nullptr, 16) >> (signal - 1) & 1) == 0)
-      threads.push_back(thread.path().filename());
-  }
-  return threads;
-}
-
-// A handler may know descriptors of the process, which the transfer has not.
-TEST(UrlRequestProcess, SignalsMeanwhileAreTakenByTheCaller) {
-  std::vector<std::string> threads;
-  std::optional<test_support::RawHttpServer> server;
-  {
-    const SignalBlocked inTheServer(SIGUSR1);
-    server.emplace([&](RawConnection& connection) {
-      connection.readHead();
-      threads = threadsTaking(SIGUSR1);
-      connection.send(httpReply("text"));
-    });
-  }
-  EXPECT_THAT(sendSynchronousRequest(requestFor(server->url())), Optional(std::string("text")));
-  EXPECT_THAT(threads, testing::ElementsAre(std::to_string(::gettid())));
 }
 
 TEST(UrlRequestProcess, SignalsOfTheCallerStayAsTheyAre) {
@@ -216,17 +144,6 @@ TEST(UrlRequestProcess, ProxyOfTheEnvironmentIsAsked) {
   ::unsetenv("http_proxy");
   EXPECT_THAT(reply, Optional(std::string("from the proxy")));
   EXPECT_THAT(head, testing::StartsWith("GET http://host.example/path HTTP/1.1\r\nHost: host.example\r\n"));
-}
-
-TEST(UrlRequestProcess, WithoutAThreadThereIsNoReply) {
-  const auto finished = test_support::runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
-    const rlimit none{0, 0};
-    if (::setrlimit(RLIMIT_NPROC, &none) != 0) return test_support::kNotToBeHad;
-    return sendSynchronousRequest(requestFor("http://127.0.0.1:8080/")) ? 1 : 0;
-  });
-  if (test_support::wasNotToBeHad(finished)) GTEST_SKIP() << "no user without rights to be had";
-  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }
 
 }  // namespace
