@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <QAccessibleWidget>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -62,6 +63,11 @@ void PictureWidget::showCursorAt(QPoint point) {
   setCursor(found == cursorRects.end() ? Qt::ArrowCursor : found->second);
 }
 
+QAccessibleInterface* describePicture(const QString&, QObject* object) {
+  auto* picture = dynamic_cast<PictureWidget*>(object);
+  return picture != nullptr ? new QAccessibleWidget(picture, QAccessible::Graphic) : nullptr;
+}
+
 PictureWidget& pictureWidget(const ImageView& view) {
   return static_cast<PictureWidget&>(*view.impl().widget);
 }
@@ -69,6 +75,7 @@ PictureWidget& pictureWidget(const ImageView& view) {
 }  // namespace
 
 ImageView::ImageView(Rect frame) : View(std::make_unique<Impl>(frame, std::make_unique<PictureWidget>())) {
+  QAccessible::installFactory(describePicture);  // once, however often it is asked
   pictureWidget(*this).owner = this;
   pictureWidget(*this).setMouseTracking(true);
 }

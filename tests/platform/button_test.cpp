@@ -1,0 +1,116 @@
+#include "platform/button.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/platform/support_layout.h"
+#include "tests/platform/window_fixture.h"
+
+namespace {
+
+using Titles = std::vector<std::string>;
+
+class ButtonInAWindow : public WindowFixture {
+ protected:
+  void SetUp() override { ASSERT_TRUE(show(*layout_.window)); }
+  void TearDown() override { layout_.window->close(); }
+
+  // What had acted when a click on the last button, made after all else, had come through.
+  [[nodiscard]] Titles clicksInAll() {
+    click(widgetOf(*layout_.log));
+    EXPECT_TRUE(
+        serveEventsUntil([&] { return !layout_.clicks.empty() && layout_.clicks.back() == "Log file"; }));
+    return layout_.clicks;
+  }
+
+  SupportLayout layout_;
+};
+
+TEST_F(ButtonInAWindow, ActsOnceAtAClick) {
+  click(widgetOf(*layout_.update));
+  EXPECT_EQ(clicksInAll(), (Titles{"Update", "Log file"}));
+}
+
+TEST_F(ButtonInAWindow, ActsAtTheCornersOfItsBezelAndNotInTheRoomAroundIt) {
+  const QWidget& button = widgetOf(*layout_.update);
+  for (const QPoint outside : {QPoint(60, 2), QPoint(60, 43), QPoint(2, 22), QPoint(118, 22)})
+    click(button, outside);
+  for (const QPoint inside : {QPoint(8, 9), QPoint(111, 36)}) click(button, inside);
+  EXPECT_EQ(clicksInAll(), (Titles{"Update", "Update", "Log file"}));
+}
+
+TEST_F(ButtonInAWindow, DoesNothingWhileDisabledAndActsAgainAfterwards) {
+  layout_.update->setEnabled(false);
+  EXPECT_FALSE(layout_.update->isEnabled());
+  click(widgetOf(*layout_.update));
+  EXPECT_EQ(clicksInAll(), (Titles{"Log file"}));
+  layout_.update->setEnabled(true);
+  EXPECT_TRUE(layout_.update->isEnabled());
+  click(widgetOf(*layout_.update));
+  EXPECT_EQ(clicksInAll(), (Titles{"Log file", "Update", "Log file"}));
+}
+
+TEST_F(ButtonInAWindow, TheFocusedOneActsAtReturnAndAtTheSpaceBar) {
+  widgetOf(*layout_.faq).setFocus();
+  press("Return");
+  press("KP_Enter");
+  press("space");
+  EXPECT_EQ(clicksInAll(), (Titles{"FAQ", "FAQ", "FAQ", "Log file"}));
+}
+
+TEST_F(ButtonInAWindow, ADisabledOneIsLeftOutByTheTabKey) {
+  layout_.faq->setEnabled(false);
+  widgetOf(*layout_.update).setFocus();
+  press("Tab");
+  EXPECT_TRUE(serveEventsUntil([&] { return widgetOf(*layout_.log).hasFocus(); }));
+}
+
+TEST_F(ButtonInAWindow, IsSeenReleasedWhileItsActionTakesItsTime) {
+  QWidget& button = widgetOf(*layout_.update);
+  const QPoint besideTheTitle(20, 22);
+  button.setFocus();
+  point(button, besideTheTitle);
+  ASSERT_TRUE(serveEventsUntil([&] { return button.underMouse(); }));
+  ASSERT_TRUE(settle(*layout_.window));
+  const QColor before = colorAt(button, besideTheTitle);
+  QColor during;
+  layout_.update->setAction([&] { during = colorAt(button, besideTheTitle); });
+  click(button, besideTheTitle);
+  ASSERT_TRUE(serveEventsUntil([&] { return during.isValid(); }));
+  EXPECT_EQ(during, before);
+}
+
+TEST_F(ButtonInAWindow, ItsActionMayReplaceItself) {
+  layout_.update->setAction([this] {
+    layout_.update->setAction([this] { layout_.clicks.emplace_back("second"); });
+    layout_.clicks.emplace_back("first");
+  });
+  click(widgetOf(*layout_.update));
+  click(widgetOf(*layout_.update));
+  EXPECT_EQ(clicksInAll(), (Titles{"first", "second", "Log file"}));
+}
+
+TEST_F(ButtonInAWindow, ItsActionMayCloseTheWindowThatNobodyElseKeeps) {
+  auto own = std::make_unique<SupportLayout>();
+  ASSERT_TRUE(show(*own->window));
+  const std::weak_ptr<platform::Window> window = own->window;
+  own->update->setAction([&] {
+    const auto closing = window.lock();
+    own.reset();
+    closing->close();
+  });
+  click(widgetOf(*own->update));
+  EXPECT_TRUE(serveEventsUntil([&] { return window.expired(); }));
+}
+
+TEST_F(ButtonInAWindow, AnAmpersandInItsTitleIsShown) {
+  layout_.update->setTitle("Q&A");
+  EXPECT_EQ(widgetOf(*layout_.update).property("text").toString().toStdString(), "Q&&A");
+}
+
+TEST_F(ButtonInAWindow, WithoutAnActionDoesNothing) {
+  layout_.update->setAction(nullptr);
+  click(widgetOf(*layout_.update));
+  EXPECT_EQ(clicksInAll(), (Titles{"Log file"}));
+}
+
+}  // namespace

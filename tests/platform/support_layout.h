@@ -1,0 +1,24 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/button.h"
+#include "platform/text_field.h"
+#include "platform/text_view.h"
+#include "platform/window.h"
+
+// A window laid out as the agent's largest one is: three bands and a panel, labels, buttons, links.
+struct SupportLayout {
+  explicit SupportLayout(bool online = true);
+  SupportLayout(const SupportLayout&) = delete;
+  SupportLayout& operator=(const SupportLayout&) = delete;
+
+  std::shared_ptr<platform::Window> window;
+  std::shared_ptr<platform::Button> update, faq, log;         // in a row from the left
+  std::shared_ptr<platform::TextView> firstLink, secondLink;  // only when online
+  std::shared_ptr<platform::TextView> description;            // only when not
+  std::vector<std::string> clicks;                            // titles of the buttons that acted
+};

@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <QMenu>
+#include <QWindow>
+
+#include "platform/alert.h"
+#include "platform/application.h"
+#include "tests/platform/support_layout.h"
+#include "tests/platform/window_fixture.h"
+#include "tests/support/child_process.h"
+#include "tests/support/x_input.h"
+#include "tests/support/x_windows.h"
+
+namespace {
+
+using platform::Application;
+
+// A window that hides while the user works in another program, and such a program.
+class WindowActivity : public WindowFixture {
+ protected:
+  void SetUp() override { layout_.window->setHidesOnDeactivate(true); }
+  void TearDown() override { layout_.window->close(); }
+
+  [[nodiscard]] bool startOtherProgram() {
+    if (!other_.start({SAMPLE_WINDOW_PROGRAM}, {.environment = {{"QT_SCALE_FACTOR", "1"}}})) return false;
+    const auto low = test_support::waitForWindow(display(), test_support::windowNamed("Low"));
+    return low && test_support::waitForWindow(display(), test_support::windowNamed("High"));
+  }
+
+  // By a click in its window, which is in the upper left of the display.
+  [[nodiscard]] bool turnToOtherProgram() {
+    const auto low = test_support::waitForWindow(display(), test_support::windowNamed("Low"));
+    return low && test_support::clickMouse(display(), low->x + 10, low->y + 10) &&
+           serveEventsUntil([&] { return test_support::activeWindowOn(display()) == low->id; });
+  }
+
+  [[nodiscard]] bool hides() {
+    return serveEventsUntil([this] { return !layout_.window->isVisible(); });
+  }
+  // For long enough to be hidden in.
+  [[nodiscard]] bool stays() {
+    return !serveEventsUntil([this] { return !layout_.window->isVisible(); }, std::chrono::milliseconds(500));
+  }
+  [[nodiscard]] bool isBackWithTheKeyboard() {
+    return serveEventsUntil(
+        [this] { return layout_.window->isVisible() && widgetOf(*layout_.window).isActiveWindow(); });
+  }
+
+  SupportLayout layout_;
+  test_support::ChildProcess other_;
+};
+
+TEST_F(WindowActivity, HidesWhenAnotherProgramGetsTheKeyboardAndComesBackWhenActivated) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(hides());
+  EXPECT_TRUE(test_support::waitForNoWindow(display(), test_support::windowNamed("Support Tovalin")));
+  Application::sharedApplication().activateIgnoringOtherApps(true);
+  EXPECT_TRUE(isBackWithTheKeyboard());
+}
+
+TEST_F(WindowActivity, ASheetGoesAndComesBackWithItsWindowAndWorksThen) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  platform::Alert alert;
+  alert.addButton("Continue");
+  alert.addButton("Cancel");
+  int code = 0;
+  alert.beginSheetModalForWindow(layout_.window, [&](int ended) { code = ended; });
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(hides());
+  Application::sharedApplication().activateIgnoringOtherApps(true);
+  ASSERT_TRUE(isBackWithTheKeyboard());
+  press("Escape");
+  EXPECT_TRUE(serveEventsUntil([&] { return code == 1001; }));
+  EXPECT_TRUE(layout_.window->isVisible());
+}
+
+TEST_F(WindowActivity, ItsModalRunGoesOnAndBlocksNobodyWhileItIsHidden) {
+  SupportLayout plain;
+  ASSERT_TRUE(show(*plain.window));
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  bool reachedTheEnd = false;
+  Application& application = Application::sharedApplication();
+  application.performOnMainThread([&] {
+    EXPECT_TRUE(turnToOtherProgram() && hides());
+    click(widgetOf(*plain.faq));
+    EXPECT_TRUE(serveEventsUntil([&] { return plain.clicks.size() == 1; }));
+    reachedTheEnd = true;
+    application.stopModal();
+  });
+  application.runModalForWindow(layout_.window);
+  EXPECT_TRUE(reachedTheEnd);
+  plain.window->close();
+}
+
+TEST_F(WindowActivity, ComesBackWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
+  SupportLayout plain;
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(hides());
+  ASSERT_TRUE(show(*plain.window));
+  EXPECT_TRUE(serveEventsUntil([&] { return layout_.window->isVisible(); }));
+  plain.window->close();
+}
+
+TEST_F(WindowActivity, StaysWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
+  ASSERT_TRUE(show(*layout_.window));
+  SupportLayout plain;
+  ASSERT_TRUE(show(*plain.window));
+  EXPECT_TRUE(stays());
+  plain.window->close();
+}
+
+// As where the desktop keeps programs from taking the keyboard.
+TEST_F(WindowActivity, StaysWhenItIsShownWhileAnotherProgramIsActive) {
+  SupportLayout plain;
+  ASSERT_TRUE(show(*plain.window));
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(serveEventsUntil([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }));
+  layout_.window->setHidesOnDeactivate(true);
+  widgetOf(*layout_.window).setAttribute(Qt::WA_ShowWithoutActivating);
+  widgetOf(*layout_.window).show();
+  EXPECT_TRUE(stays());
+  plain.window->close();
+}
+
+TEST_F(WindowActivity, StaysWhileAMenuOfTheProgramIsOpen) {
+  ASSERT_TRUE(show(*layout_.window));
+  QMenu menu;
+  menu.addAction(QStringLiteral("Item"));
+  menu.popup(QPoint(10, 10));
+  ASSERT_TRUE(serveEventsUntil([&] { return menu.isVisible(); }));
+  EXPECT_TRUE(stays());
+}
+
+// The window manager takes the keyboard to move a window, and to choose among windows.
+TEST_F(WindowActivity, StaysWhileTheWindowManagerHoldsTheKeyboard) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  layout_.window->makeKeyAndOrderFront();
+  ASSERT_TRUE(isBackWithTheKeyboard());
+  test_support::ChildProcess keys;
+  ASSERT_TRUE(keys.start({"xdotool", "keydown", "alt", "key", "Tab"}));
+  ASSERT_EQ(keys.wait(), test_support::ExitStatus{.code = 0});
+  ASSERT_TRUE(serveEventsUntil([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }));
+  EXPECT_TRUE(stays());
+  press("Escape");
+  ASSERT_TRUE(keys.start({"xdotool", "keyup", "alt"}));
+  ASSERT_EQ(keys.wait(), test_support::ExitStatus{.code = 0});
+  EXPECT_TRUE(isBackWithTheKeyboard());
+}
+
+TEST_F(WindowActivity, HidesAfterTheUserHasChosenAnotherWindowWithTheKeyboard) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  layout_.window->makeKeyAndOrderFront();
+  ASSERT_TRUE(isBackWithTheKeyboard());
+  press("alt+Tab");
+  EXPECT_TRUE(hides());
+}
+
+TEST_F(WindowActivity, AWindowThatWasOrderedOutOrClosedMeanwhileStaysAway) {
+  SupportLayout closed;
+  closed.window->setHidesOnDeactivate(true);
+  ASSERT_TRUE(show(*closed.window));
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(hides());
+  layout_.window->orderOut();
+  closed.window->close();
+  Application::sharedApplication().activateIgnoringOtherApps(true);
+  EXPECT_FALSE(layout_.window->isVisible());
+  EXPECT_FALSE(closed.window->isVisible());
+}
+
+TEST_F(WindowActivity, AWindowWithoutTheWishStays) {
+  layout_.window->setHidesOnDeactivate(false);
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  EXPECT_TRUE(stays());
+}
+
+}  // namespace
