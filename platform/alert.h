@@ -38,7 +38,7 @@ class Alert {
   //
   // `didEnd` is called by the run loop once the sheet has gone, with the number of the button. It may hang up
   // the next. It is not called when the window is closed or goes away first, or the program ends.
-  void beginSheetModalForWindow(std::shared_ptr<Window> window, std::function<void(int)> didEnd);
+  void beginSheetModalForWindow(const std::shared_ptr<Window>& window, std::function<void(int)> didEnd);
 
  private:
   struct Impl;

@@ -51,7 +51,7 @@ void Alert::setIcon(std::shared_ptr<Image> icon) {
   impl_->icon = std::move(icon);
 }
 
-void Alert::beginSheetModalForWindow(std::shared_ptr<Window> window, std::function<void(int)> didEnd) {
+void Alert::beginSheetModalForWindow(const std::shared_ptr<Window>& window, std::function<void(int)> didEnd) {
   SheetContent content{impl_->buttons, impl_->message, iconPicture(impl_->icon.get())};
   if (content.buttons.empty()) content.buttons = {QStringLiteral("OK")};
   window->impl().sheets.begin(std::move(content), [didEnd = std::move(didEnd)](int index) {

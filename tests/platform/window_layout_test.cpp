@@ -66,8 +66,8 @@ TEST_F(WindowLayout, TheWindowHasItsSizeInPixelsAndStandsInTheMiddle) {
   ASSERT_TRUE(window);
   EXPECT_EQ(window->width, 420 * scale);
   EXPECT_EQ(window->height, 240 * scale);
-  EXPECT_NEAR(window->x + window->width / 2, 640, 10);
-  EXPECT_NEAR(window->y + window->height / 2, 400, 20);
+  EXPECT_NEAR(window->x + window->width / 2.0, 640, 10);
+  EXPECT_NEAR(window->y + window->height / 2.0, 400, 20);
   layout.window->close();
 }
 
