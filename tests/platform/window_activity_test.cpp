@@ -139,29 +139,53 @@ TEST_F(WindowActivity, StaysWhileAMenuOfTheProgramIsOpen) {
   EXPECT_TRUE(stays());
 }
 
-// The window manager takes the keyboard to move a window, and to choose among windows.
-TEST_F(WindowActivity, StaysWhileTheWindowManagerHoldsTheKeyboard) {
-  ASSERT_TRUE(show(*layout_.window));
-  ASSERT_TRUE(startOtherProgram());
-  layout_.window->makeKeyAndOrderFront();
-  ASSERT_TRUE(isBackWithTheKeyboard());
-  test_support::ChildProcess keys;
-  ASSERT_TRUE(keys.start({"xdotool", "keydown", "alt", "key", "Tab"}));
-  ASSERT_EQ(keys.wait(), test_support::ExitStatus{.code = 0});
-  ASSERT_TRUE(serveEventsUntil([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }));
+// The window manager takes the keyboard for as long as its user chooses among windows.
+class WindowChoice : public WindowActivity {
+ protected:
+  [[nodiscard]] bool begin() {
+    if (!show(*layout_.window) || !startOtherProgram()) return false;
+    layout_.window->makeKeyAndOrderFront();
+    return isBackWithTheKeyboard() && keys({"keydown", "alt", "key", "Tab"}) &&
+           serveEventsUntil([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; });
+  }
+  [[nodiscard]] static bool letGo() { return keys({"keyup", "alt"}); }
+
+ private:
+  [[nodiscard]] static bool keys(std::vector<std::string> actions) {
+    actions.insert(actions.begin(), "xdotool");
+    test_support::ChildProcess tool;
+    return tool.start(actions) && tool.wait() == test_support::ExitStatus{.code = 0};
+  }
+};
+
+TEST_F(WindowChoice, TheWindowStaysWhileItGoesOnAndWhenItIsChosenItself) {
+  ASSERT_TRUE(begin());
   EXPECT_TRUE(stays());
   press("Escape");
-  ASSERT_TRUE(keys.start({"xdotool", "keyup", "alt"}));
-  ASSERT_EQ(keys.wait(), test_support::ExitStatus{.code = 0});
+  ASSERT_TRUE(letGo());
   EXPECT_TRUE(isBackWithTheKeyboard());
 }
 
-TEST_F(WindowActivity, HidesAfterTheUserHasChosenAnotherWindowWithTheKeyboard) {
+TEST_F(WindowChoice, TheWindowHidesWhenAnotherProgramsIsChosenAtLast) {
+  ASSERT_TRUE(begin());
+  EXPECT_TRUE(stays());
+  ASSERT_TRUE(letGo());
+  EXPECT_TRUE(hides());
+}
+
+TEST_F(WindowActivity, StaysWhileAMenuOfAnotherProgramHasTheKeyboardAndHidesWhenAWindowGetsIt) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
-  layout_.window->makeKeyAndOrderFront();
-  ASSERT_TRUE(isBackWithTheKeyboard());
-  press("alt+Tab");
+  const auto high = test_support::waitForWindow(display(), test_support::windowNamed("High"));
+  ASSERT_TRUE(high);
+  test_support::ChildProcess tool;
+  ASSERT_TRUE(tool.start({"xprop", "-id", std::to_string(high->id), "-f", "_NET_WM_WINDOW_TYPE", "32a",
+                          "-set", "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_MENU"}));
+  ASSERT_EQ(tool.wait(), test_support::ExitStatus{.code = 0});
+  ASSERT_TRUE(test_support::clickMouse(display(), high->x + 5, high->y + 5));
+  ASSERT_TRUE(serveEventsUntil([&] { return test_support::activeWindowOn(display()) == high->id; }));
+  EXPECT_TRUE(stays());
+  ASSERT_TRUE(turnToOtherProgram());
   EXPECT_TRUE(hides());
 }
 
