@@ -151,6 +151,23 @@ std::size_t AgentTest::position(const std::string& beginning) {
   return static_cast<std::size_t>(found - all.begin());
 }
 
+std::string AgentTest::recordedUsage() {
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator("/tmp/home/.local/share/Tovalin", none)) {
+    if (entry.path().extension() != ".dat") continue;
+    std::ifstream file(entry.path(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  return {};
+}
+
+int AgentTest::recordsLike(const std::string& bytes) {
+  const std::string all = recordedUsage();
+  int found = 0;
+  for (std::size_t at = all.find(bytes); at != std::string::npos; at = all.find(bytes, at + 1)) ++found;
+  return found;
+}
+
 std::string AgentTest::runOnDisplay(const std::vector<std::string>& command) {
   ChildProcess tool;
   ChildOptions options;

@@ -65,6 +65,10 @@ class AgentTest : public testing::Test {
   }
   [[nodiscard]] std::string agentProgram() const { return agentContents() + "/MacOS/TovalinTray"; }
 
+  // What stands in the usage file, where there is one, and how often these bytes are in it.
+  [[nodiscard]] static std::string recordedUsage();
+  [[nodiscard]] static int recordsLike(const std::string& bytes);
+
   // Runs a tool of the desktop on the test's display and returns what it prints.
   std::string runOnDisplay(const std::vector<std::string>& command);
 
@@ -82,4 +86,10 @@ class AgentTest : public testing::Test {
 
 inline constexpr const char* unloadRun =
     "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";
+// How records begin.
+inline const std::string startRecord =
+    "\x01\x05"
+    "1.0.0\x07"
+    "1.0.0.0\x02\x13";
+inline const std::string quitRecord = "\x03\x13";
 inline constexpr const char* killRun = "run: killall tovalinnotification";

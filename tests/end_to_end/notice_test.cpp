@@ -149,6 +149,7 @@ TEST_F(Notice, QuitEndsTheAgentFromTwoNestedNotices) {
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
   EXPECT_THAT(texts(), ElementsAre(killRun, "pipe: -toff", unloadRun, killRun));
   EXPECT_FALSE(std::filesystem::exists(pipePath));
+  EXPECT_EQ(recordsLike(quitRecord), 2);
 }
 
 TEST_F(Notice, ASignalEndsTheAgentFromOneNoticeAndFromTwo) {
@@ -159,6 +160,7 @@ TEST_F(Notice, ASignalEndsTheAgentFromOneNoticeAndFromTwo) {
     ASSERT_TRUE(shows(isAccessNotice) && (!both || shows(isLoadingNotice)));
     terminateAgent();
     EXPECT_EQ(count(killRun), 1);
+    EXPECT_EQ(recordsLike(quitRecord), both ? 2 : 1);
   }
 }
 

@@ -20,11 +20,6 @@ using test_support::waitUntil;
 
 constexpr const char* folder = "/tmp/home/.local/share/Tovalin";
 
-std::string read(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 void write(const std::string& path, const std::string& bytes) {
   fs::create_directories(fs::path(path).parent_path());
   std::ofstream(path, std::ios::binary) << bytes;
@@ -37,22 +32,6 @@ class Usage : public AgentTest {
     if (HasFatalFailure()) return;
     install("/tmp/Applications/Tovalin.app");
     setServers(server_.origin(), testServer_.origin());
-  }
-
-  // What stands in the only usage file that is not of yesterday.
-  static std::string records() {
-    for (const auto& entry : fs::directory_iterator(folder)) {
-      if (entry.path().extension() == ".dat") return read(entry.path());
-    }
-    return {};
-  }
-
-  static int recordsLike(const std::string& beginning) {
-    const std::string bytes = records();
-    int found = 0;
-    for (std::size_t at = bytes.find(beginning); at != std::string::npos; at = bytes.find(beginning, at + 1))
-      ++found;
-    return found;
   }
 
   static void send(const std::string& message) {
@@ -71,16 +50,10 @@ class Usage : public AgentTest {
   ProductServerDouble testServer_;
 };
 
-const std::string startRecord =
-    "\x01\x05"
-    "1.0.0\x07"
-    "1.0.0.0\x02\x13";
-const std::string quitRecord = "\x03\x13";
-
 TEST_F(Usage, LaunchLeavesItsHeaderAndOneStartRecord) {
   launchAgent();
   ASSERT_TRUE(waitForListener());
-  EXPECT_EQ(records().substr(0, 4), "TVLD");
+  EXPECT_EQ(recordedUsage().substr(0, 4), "TVLD");
   EXPECT_EQ(recordsLike(startRecord), 1);
   EXPECT_EQ(recordsLike(quitRecord), 0);
 }
@@ -115,9 +88,9 @@ TEST_F(Usage, EventsAndTransfersFromThePipeAreRecorded) {
   ASSERT_TRUE(waitForListener());
   send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
   EXPECT_TRUE(waitUntil([] { return recordsLike("\x04\x13") == 1; }));
-  EXPECT_TRUE(records().ends_with("\x06My Pad"));
+  EXPECT_TRUE(recordedUsage().ends_with("\x06My Pad"));
   send("-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x00\x10\0\0\0\0\0\0mp4\0\0\0\0\0\0\0"s);
-  EXPECT_TRUE(waitUntil([] { return records().ends_with("\x07\x08\x00\x10\0\0\0\0\0\0\x03mp4"s); }));
+  EXPECT_TRUE(waitUntil([] { return recordedUsage().ends_with("\x07\x08\x00\x10\0\0\0\0\0\0\x03mp4"s); }));
 }
 
 TEST_F(Usage, UnknownDataCommandIsLoggedAndTheListenerGoesOn) {
@@ -126,7 +99,7 @@ TEST_F(Usage, UnknownDataCommandIsLoggedAndTheListenerGoesOn) {
   send("-ncdat\0\0\0\0\x05\0\0\0"s);
   EXPECT_TRUE(timeline_.waitFor([](const auto& event) { return event.text == "log 3: unknown command"; }));
   send("-ncdat\0\0\0\0\x04\0\0\0\0"s);
-  EXPECT_TRUE(waitUntil([] { return records().ends_with("\x07Unknown"); }));
+  EXPECT_TRUE(waitUntil([] { return recordedUsage().ends_with("\x07Unknown"); }));
 }
 
 TEST_F(Usage, PastDaysReachTheProductServerAndAreDeletedAndTodaysFileStays) {
