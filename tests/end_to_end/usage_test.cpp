@@ -5,6 +5,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <future>
 
 #include "tests/end_to_end/agent_test.h"
 #include "tests/support/product_server_double.h"
@@ -124,17 +125,16 @@ TEST_F(Usage, StoredServerOptionZeroSendsToTheTestUploadServer) {
 }
 
 TEST_F(Usage, UploadUnderWayHoldsNoEndUp) {
-  std::mutex blocked;
-  std::unique_lock hold(blocked);
-  server_.judgeUploads([&](const test_support::ServedRequest&) {
-    const std::lock_guard wait(blocked);
+  std::promise<void> release;
+  server_.judgeUploads([released = release.get_future().share()](const test_support::ServedRequest&) {
+    released.wait();
     return ProductServerDouble::Reply{};
   });
   write(folder + "/Tovalin_2024_03_07.dat"s, "bytes");
   launchAgent();
   ASSERT_TRUE(server_.waitForRequests("POST", 1));
   terminateAgent();
-  hold.unlock();
+  release.set_value();
   EXPECT_TRUE(fs::exists(folder + "/Tovalin_2024_03_07.dat"s));
 }
 
