@@ -1,0 +1,64 @@
+#include "platform/linux/root_watch.h"
+
+#include <fcntl.h>
+#include <sys/inotify.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uint32_t kItself = IN_MOVE_SELF | IN_DELETE_SELF;
+// A folder that somebody holds open tells of its removal only when it is let go; the one above tells at once.
+constexpr std::uint32_t kItsEntries = IN_MOVED_FROM | IN_DELETE;
+
+}  // namespace
+
+RootWatch::RootWatch(std::string path, const FileIdentity& identity)
+    : path_(std::move(path)),
+      identity_(identity),
+      mounts_(::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC)) {}
+
+std::optional<RootWatch> RootWatch::create(const std::string& path) {
+  if (!fs::path(path).is_absolute()) return std::nullopt;
+  const auto identity = folderAt(path);
+  if (!identity) return std::nullopt;
+  RootWatch watch(path, *identity);
+  if (!watch.watchWay()) return std::nullopt;
+  return watch;
+}
+
+bool RootWatch::hasChanged() {
+  way_.drain([](const Inotify::Notice&) {});
+  return !leadsTo(path_, identity_);
+}
+
+// Moving a folder tells those below it nothing, so each on the way is watched; where the path runs over
+// links, each on the way by which they lead too.
+bool RootWatch::watchWay() {
+  std::error_code error;
+  for (const fs::path& way : {fs::path(path_), fs::canonical(path_, error)}) {
+    if (error) return false;
+    if (!watch(way, kItself)) return false;
+    for (fs::path folder = way; folder.has_relative_path();) {
+      folder = folder.parent_path();
+      if (!watch(folder, kItself | kItsEntries)) return false;
+    }
+  }
+  return watchesAny_;
+}
+
+// A folder that may not be read is left out: its neighbours tell of it, and those who may not read it can't
+// move it either.
+bool RootWatch::watch(const std::string& folder, std::uint32_t mask) {
+  if (way_.add(folder, mask | IN_ONLYDIR | IN_MASK_ADD) < 0) return errno == EACCES;
+  watchesAny_ = true;
+  return true;
+}
+
+}  // namespace platform

@@ -1,0 +1,153 @@
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/platform/file_event_fixture.h"
+#include "tests/support/child_process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using test_support::ChildProcess;
+using testing::Contains;
+using testing::ElementsAre;
+
+TEST_F(FileEvents, NoStreamForAFolderThatIsNotThere) {
+  EXPECT_EQ(make("/tmp/way/nothing"), nullptr);
+}
+
+TEST_F(FileEvents, NoStreamForAFile) {
+  write("file");
+  EXPECT_EQ(make(inRoot("file")), nullptr);
+}
+
+TEST_F(FileEvents, NoStreamForAPathWithoutABeginning) {
+  EXPECT_EQ(make(""), nullptr);
+  EXPECT_EQ(make("tmp"), nullptr);
+}
+
+long watchesForAll() {
+  long count = 0;
+  std::ifstream("/proc/sys/fs/inotify/max_user_watches") >> count;
+  return count;
+}
+
+TEST_F(FileEvents, TreeOf20000FoldersIsWatchedToItsLastFolder) {
+  if (watchesForAll() < 25000) GTEST_SKIP() << "this system has room for " << watchesForAll() << " watches";
+  for (int i = 0; i < 100; ++i) {
+    for (int j = 0; j < 199; ++j) makeFolder("folder" + std::to_string(i) + "/folder" + std::to_string(j));
+  }
+  watch();
+  for (const char* name : {"folder0/folder0", "folder57/folder123", "folder99/folder198"})
+    write(std::string(name) + "/file");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("folder0/folder0"), changed("folder57/folder123"),
+                                       changed("folder99/folder198")));
+  fs::rename(root_, root_ + " old");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+// More changes than the kernel's queue holds, while nobody reads it.
+void overflowQueueIn(const std::string& folder) {
+  int room = 0;
+  std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> room;
+  // Each leaves two notices, and notices that are alike in a row are one.
+  for (int i = 0; i <= room / 2; ++i) {
+    std::ofstream(folder + "/file" + std::to_string(i % 2)) << "";
+    fs::remove(folder + "/file" + std::to_string(i % 2));
+  }
+}
+
+TEST_F(FileEvents, QueueThatRanOverSaysThatAllMustBeScanned) {
+  makeFolder("a");
+  watch();
+  overflowQueueIn(inRoot("a"));
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}));
+}
+
+TEST_F(FileEvents, FoldersWhoseMakingTheQueueLostAreWatchedAllTheSame) {
+  makeFolder("a");
+  watch();
+  overflowQueueIn(inRoot("a"));
+  makeFolder("lost/sub");
+  ASSERT_THAT(nextBatch(), Contains(platform::FileEvent{root_, Stream::mustScanSubDirs}));
+  write("lost/sub/file");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("lost/sub")));
+}
+
+TEST_F(FileEvents, RemovalThatTheQueueLostIsSeen) {
+  makeFolder("a");
+  watch();
+  overflowQueueIn(inRoot("a"));
+  fs::remove_all(root_);
+  EXPECT_THAT(nextBatch(),
+              ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}, rootChanged()));
+}
+
+// A watcher in a user namespace with limits of its own.
+class WatchLimits : public FileEvents {
+ protected:
+  void SetUp() override {
+    if (!canSet()) GTEST_SKIP() << "no limits of one's own to be had";
+    FileEvents::SetUp();
+    for (int i = 0; i < 50; ++i) makeFolder("folder" + std::to_string(i));
+  }
+
+  // What the probe says first.
+  std::optional<std::string> startProbe(const std::string& limit, int value) {
+    EXPECT_TRUE(probe_.start(limited(limit, value, "exec \"$0\" \"$1\"")));
+    return probe_.readLine();
+  }
+  static std::string line(const platform::FileEvent& event) {
+    return std::to_string(event.flags) + " " + event.path;
+  }
+
+  ChildProcess probe_;
+
+ private:
+  [[nodiscard]] std::vector<std::string> limited(const std::string& limit, int value,
+                                                 const std::string& command) const {
+    const std::string set = "echo " + std::to_string(value) + " >/proc/sys/user/" + limit;
+    return {"unshare",        "--user", "--map-root-user", "sh", "-c", set + " && " + command,
+            FILE_EVENT_PROBE, root_};
+  }
+  [[nodiscard]] bool canSet() const {
+    ChildProcess trial;
+    return trial.start(limited("max_inotify_watches", 1, "true")) &&
+           trial.wait() == test_support::ExitStatus{.code = 0};
+  }
+};
+
+TEST_F(WatchLimits, TooFewForTheTreeKeepTheUpperFoldersAndTheWay) {
+  ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
+  write("sign");
+  EXPECT_EQ(probe_.readLine(), line(changed()));
+  fs::rename("/tmp/way", "/tmp/way out");
+  EXPECT_EQ(probe_.readLine(), line(rootChanged()));
+  fs::remove_all("/tmp/way out");
+}
+
+TEST_F(WatchLimits, NewFoldersForWhichThereIsNoRoomDisturbNothing) {
+  ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
+  makeFolder("new/sub");
+  EXPECT_EQ(probe_.readLine(), line(changed()));
+  write("new/sub/file");
+  write("sign");
+  EXPECT_EQ(probe_.readLine(), line(changed()));
+}
+
+TEST_F(WatchLimits, TooFewForTheWayGiveNoStream) {
+  EXPECT_EQ(startProbe("max_inotify_watches", 3), "none");
+}
+
+TEST_F(WatchLimits, NoQueueGivesNoStream) {
+  EXPECT_EQ(startProbe("max_inotify_instances", 0), "none");
+}
+
+TEST_F(WatchLimits, OneQueueServesTheRootAlone) {
+  ASSERT_EQ(startProbe("max_inotify_instances", 1), "watching");
+  fs::remove_all(root_);
+  EXPECT_EQ(probe_.readLine(), line(rootChanged()));
+}
+
+}  // namespace

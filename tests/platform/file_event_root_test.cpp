@@ -1,0 +1,266 @@
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include "platform/file_descriptor.h"
+#include "tests/ipc/forked_call.h"
+#include "tests/platform/file_event_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::FileDescriptor;
+using testing::Contains;
+using testing::ElementsAre;
+
+// What makes the path of a root lead elsewhere, and what doesn't.
+class RootChange : public FileEvents {
+ protected:
+  [[nodiscard]] static FileDescriptor hold(const std::string& folder) {
+    return FileDescriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  }
+};
+
+TEST_F(RootChange, RenamingTheRoot) {
+  watch();
+  fs::rename(root_, root_ + " old");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingTheRootToAnotherFolder) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingTheFolderAboveIt) {
+  watch();
+  fs::rename("/tmp/way/middle", "/tmp/way/other");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingAFolderFarAboveIt) {
+  fs::remove_all("/tmp/other way");
+  watch();
+  fs::rename("/tmp/way", "/tmp/other way");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingTheEmptyRoot) {
+  watch();
+  fs::remove(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingItWithAllItHoldsTellsTheFoldersBefore) {
+  makeFolder("a/b");
+  write("a/b/file");
+  watch();
+  fs::remove_all(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("a/b"), changed("a"), changed(), rootChanged()));
+}
+
+TEST_F(RootChange, RemovingAllFromFarAboveIt) {
+  makeFolder("a");
+  watch();
+  fs::remove_all("/tmp/way");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed(), rootChanged()));
+}
+
+TEST_F(RootChange, RemovingTheEmptyRootWhileItIsHeldOpen) {
+  watch();
+  const FileDescriptor held = hold(root_);
+  fs::remove(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingAllWhileAFolderInsideIsHeldOpen) {
+  makeFolder("a/b");
+  watch();
+  const FileDescriptor held = hold(inRoot("a/b"));
+  fs::remove_all("/tmp/way");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), changed(), rootChanged()));
+}
+
+TEST_F(RootChange, PuttingAnotherFolderInItsPlace) {
+  watch();
+  fs::create_directory("/tmp/way/new");
+  fs::remove(root_);
+  fs::rename("/tmp/way/new", root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingItAndMakingItAgain) {
+  watch();
+  fs::remove(root_);
+  fs::create_directory(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, PuttingAFileInItsPlace) {
+  watch();
+  fs::remove(root_);
+  std::ofstream(root_) << "text";
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, WhatHappensToTheMovedRootIsNotTold) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  std::ofstream("/tmp/way/elsewhere/file") << "text";
+  ASSERT_THAT(nextBatch(), Contains(rootChanged()));
+  const auto other = make("/tmp/way/elsewhere");
+  other->start();
+  std::ofstream("/tmp/way/elsewhere/file") << "text";
+  EXPECT_THAT(nextBatch(), ElementsAre(platform::FileEvent{"/tmp/way/elsewhere", 0}));
+}
+
+TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeAnybodyLooks) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  fs::rename("/tmp/way/elsewhere", root_);
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(RootChange, IsNoneWhenOtherFoldersOnTheWayMove) {
+  fs::create_directory("/tmp/way/beside");
+  watch();
+  fs::rename("/tmp/way/beside", "/tmp/way/middle/beside");
+  fs::remove("/tmp/way/middle/beside");
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
+  const auto finished = test_support::runForked([this] {
+    if (::chown(root_.c_str(), test_support::kNobody, test_support::kNobody) != 0 ||
+        ::chown("/tmp/way/middle", test_support::kNobody, test_support::kNobody) != 0 ||
+        !test_support::becomeNobody())
+      return test_support::kNotToBeHad;
+    watch();
+    fs::permissions("/tmp/way/middle", fs::perms(0));
+    fs::permissions("/tmp/way/middle", fs::perms(0700));
+    write("sign");
+    const bool first = nextBatch() == Batch{changed()};
+    write("sign");
+    fs::permissions("/tmp/way/middle", fs::perms(0));
+    const bool second = nextBatch() == Batch{changed()};
+    fs::permissions("/tmp/way/middle", fs::perms(0700));
+    return first && second ? 0 : 1;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
+}
+
+TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
+  const auto finished = test_support::runForked([this] {
+    // Whoever passes through /tmp/way may move what is in the middle, but not list the folder itself.
+    fs::permissions("/tmp/way/middle", fs::perms(0733));
+    if (::chown(root_.c_str(), test_support::kNobody, test_support::kNobody) != 0 ||
+        !test_support::becomeNobody())
+      return test_support::kNotToBeHad;
+    watch();
+    fs::rename(root_, root_ + " old");
+    return nextBatch() == Batch{rootChanged()} ? 0 : 1;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
+}
+
+TEST_F(RootChange, RemovingTheLinkOnItsWay) {
+  fs::create_directory_symlink("/tmp/way/middle", "/tmp/way/link");
+  root_ = "/tmp/way/link/root";
+  watch();
+  fs::remove("/tmp/way/link");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingAFolderToWhichALinkOnItsWayLeads) {
+  fs::create_directories("/tmp/way/real/deep/root");
+  fs::create_directory_symlink("/tmp/way/real/deep", "/tmp/way/middle/link");
+  root_ = "/tmp/way/middle/link/root";
+  watch();
+  fs::rename("/tmp/way/real", "/tmp/way/gone");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, ChangesBehindALinkThatIsTheRootAreTold) {
+  fs::create_directory_symlink(root_, "/tmp/way/link");
+  root_ = "/tmp/way/link";
+  watch();
+  write("file");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(RootChange, IsNoneWhenThePathComesToLeadToTheSameFolderByALink) {
+  watch();
+  fs::rename("/tmp/way/middle", "/tmp/way/other");
+  fs::create_directory_symlink("/tmp/way/other", "/tmp/way/middle");
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+// A file system of its own, unmounted when the test is over.
+class OnAMount : public RootChange {
+ protected:
+  void SetUp() override {
+    RootChange::SetUp();
+    if (::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr) != 0) GTEST_SKIP() << "no mounts to be had";
+    fs::create_directory(root_);
+  }
+  void TearDown() override {
+    RootChange::TearDown();
+    ::umount2("/tmp/way/middle", MNT_DETACH);
+  }
+};
+
+TEST_F(OnAMount, UnmountingIt) {
+  watch();
+  // The watch keeps no file system busy.
+  ASSERT_EQ(::umount("/tmp/way/middle"), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(OnAMount, UnmountingItWhileAFileIsHeldOpen) {
+  write("file");
+  const FileDescriptor held = hold(root_);
+  watch();
+  ASSERT_EQ(::umount2("/tmp/way/middle", MNT_DETACH), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(OnAMount, MountingAnotherOneOverIt) {
+  watch();
+  ASSERT_EQ(::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+  ::umount("/tmp/way/middle");
+}
+
+TEST_F(OnAMount, TakingAwayAFolderThatWasMountedASecondTime) {
+  fs::create_directory("/tmp/way/second");
+  ASSERT_EQ(::mount("/tmp/way/middle", "/tmp/way/second", nullptr, MS_BIND, nullptr), 0);
+  root_ = "/tmp/way/second/root";
+  watch();
+  ASSERT_EQ(::umount("/tmp/way/second"), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(OnAMount, IsNoneWhenSomethingElseIsMounted) {
+  makeFolder("sub");
+  watch();
+  ASSERT_EQ(::mount("none", inRoot("sub").c_str(), "tmpfs", 0, nullptr), 0);
+  ASSERT_EQ(::umount(inRoot("sub").c_str()), 0);
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(OnAMount, RootThatIsMountedInsideItselfIsNoEndlessTree) {
+  makeFolder("again");
+  ASSERT_EQ(::mount(root_.c_str(), inRoot("again").c_str(), nullptr, MS_BIND, nullptr), 0);
+  watch();
+  fs::rename(root_, root_ + " old");
+  EXPECT_THAT(nextBatch(), Contains(rootChanged()));
+}
+
+}  // namespace
