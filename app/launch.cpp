@@ -1,6 +1,7 @@
 #include <chrono>
 #include <string>
 
+#include "app/bundle_watch.h"
 #include "app/globals.h"
 #include "app/launch_rules.h"
 #include "app/nimbatrayAppDelegate.h"
@@ -9,6 +10,7 @@
 #include "platform/bundle.h"
 #include "platform/clock.h"
 #include "platform/distributed_notification_center.h"
+#include "platform/file_event_stream.h"
 #include "platform/global_defaults.h"
 #include "platform/log.h"
 #include "platform/shell.h"
@@ -40,6 +42,7 @@ void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   showUpdateNotice();
   buildStatusItem();
   static_cast<void>(sendPipeMsg("-ton"));
+  watchBundle();
   sendLaunchBeacons();
   bsupportWindow = false;
   bThreadRun = true;
@@ -103,6 +106,11 @@ void nimbatrayAppDelegate::showUpdateNotice() {
   if (!command)
     platform::fatalError(std::string("the bundle's path is too long to tell of an update: ") + gBundlePath);
   platform::system(*command);
+}
+
+void nimbatrayAppDelegate::watchBundle() {
+  stream = platform::FileEventStream::create(gBundlePath, 500ms, filestreamcallback);
+  if (stream != nullptr) stream->start();
 }
 
 void nimbatrayAppDelegate::sendLaunchBeacons() {

@@ -139,6 +139,7 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   void readAutomountState();
   void readVersion();
   void checkForUpdate();
+  void watchBundle();
   void sendLaunchBeacons();
   void showUpdateNotice();
   void addMenuItems();

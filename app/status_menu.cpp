@@ -6,6 +6,7 @@
 #include "app/status_rules.h"
 #include "ipc/command_pipe.h"
 #include "notices/image_resize.h"
+#include "platform/file_event_stream.h"
 #include "platform/image.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
@@ -122,6 +123,8 @@ void nimbatrayAppDelegate::applicationWillTerminate() {
   platform::system(killNotificationHelperCommand);
   TvlWriteQuitToFile();
   if (tvlDataTimer != nullptr) tvlDataTimer->invalidate();
+  if (stream != nullptr) stream->stop();
+  stream.reset();
   statusOnImg.reset();
   statusOffImg.reset();
   statusOnImg_Reverse.reset();

@@ -5,6 +5,7 @@ set(TOVALIN_TEST_UPLOAD_SERVER "http://test.tovalin.example" CACHE STRING "The t
 add_library(tovalin_core STATIC
   app/beacon.cpp
   app/beacon_methods.cpp
+  app/bundle_watch.cpp
   app/command_line.cpp
   app/delegate.cpp
   app/globals.cpp

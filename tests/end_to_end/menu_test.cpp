@@ -301,6 +301,9 @@ TEST_F(Menu, QuitGoesOnWhenItsCommandsFail) {
 
 TEST_F(Menu, QuitUnloadsAlsoWhenTheBundleIsGone) {
   launchAgentInPanel();
+  // The watch on the bundle ends with the first change, so that only the quit ends the agent.
+  std::ofstream(bundle_ + "/Contents/new file") << "text";
+  ASSERT_TRUE(waitForText("log 6: filestreamcallback event flag : 0, 0x0"));
   std::filesystem::remove_all(bundle_);
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
