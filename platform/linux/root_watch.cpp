@@ -53,8 +53,7 @@ bool RootWatch::watchWay() {
   return watchesAny_;
 }
 
-// A folder that may not be read is left out: its neighbours tell of it, and those who may not read it can't
-// move it either.
+// A folder that may not be read is left out: the one above tells of its moves, and the one below of its own.
 bool RootWatch::watch(const std::string& folder, std::uint32_t mask) {
   if (way_.add(folder, mask | IN_ONLYDIR | IN_MASK_ADD) < 0) return errno == EACCES;
   watchesAny_ = true;

@@ -154,18 +154,24 @@ TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
 }
 
 TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
-  const auto finished = test_support::runForked([this] {
-    // Whoever passes through /tmp/way may move what is in the middle, but not list the folder itself.
-    fs::permissions("/tmp/way/middle", fs::perms(0733));
-    if (::chown(root_.c_str(), test_support::kNobody, test_support::kNobody) != 0 ||
-        !test_support::becomeNobody())
-      return test_support::kNotToBeHad;
-    watch();
-    fs::rename(root_, root_ + " old");
-    return nextBatch() == Batch{rootChanged()} ? 0 : 1;
-  });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
-  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
+  for (const auto& [closed, moved] :
+       {std::pair("/tmp/way", "/tmp/way/middle"), std::pair("/tmp/way/middle", "/tmp/way/middle"),
+        std::pair("/tmp/way/middle", "/tmp/way/middle/root")}) {
+    SetUp();
+    const auto finished = test_support::runForked([this, closed, moved] {
+      for (const char* folder : {"/tmp/way", "/tmp/way/middle", root_.c_str()}) {
+        if (::chown(folder, test_support::kNobody, test_support::kNobody) != 0)
+          return test_support::kNotToBeHad;
+      }
+      if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+      fs::permissions(closed, fs::perms(0300));
+      watch();
+      fs::rename(moved, std::string(moved) + " old");
+      return nextBatch() == Batch{rootChanged()} ? 0 : 1;
+    });
+    if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+    EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << closed << ", " << moved;
+  }
 }
 
 TEST_F(RootChange, RemovingTheLinkOnItsWay) {
