@@ -127,6 +127,7 @@ TEST_F(BundleWatchTest, RemovalEndsTheAgentFromTwoNestedNotices) {
   fs::remove_all(bundle_);
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
   EXPECT_TRUE(hides(isAccessNotice));
+  EXPECT_EQ(recordsLike(quitRecord), 1);
 }
 
 TEST_F(BundleWatchTest, RemovalDuringThePauseOfTheSwitchIsNoticedAfterIt) {
