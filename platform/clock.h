@@ -8,4 +8,8 @@ namespace platform {
 // down (a year beyond its integers). Any thread.
 [[nodiscard]] std::tm currentLocalTime();
 
+// Has the clock follow when the system's time zone has been changed since the start. Costs a look at the
+// system's file. Any thread.
+void noticeTimeZone();
+
 }  // namespace platform

@@ -1,6 +1,7 @@
 #include "usage/upload_files.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <new>
@@ -32,4 +33,11 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
   } catch (const std::bad_alloc&) {
     return std::nullopt;
   }
+}
+
+void removeSentFile(const SentFile& file) {
+  struct stat status {};
+  const bool grown =
+      ::stat(file.path.c_str(), &status) == 0 && static_cast<std::size_t>(status.st_size) > file.size;
+  if (!grown) ::unlink(file.path.c_str());
 }

@@ -41,6 +41,17 @@ std::string uploadBodyTail() {
   return delimiter() + "--\r\n";
 }
 
+platform::UrlRequest uploadRequest(std::string_view origin, const UploadForm& form,
+                                   std::span<const char> contents) {
+  platform::UrlRequest request;
+  request.url = uploadAddress(origin);
+  request.method = "POST";
+  request.headers = {uploadContentType()};
+  request.body = {form.head, contents, form.tail};
+  request.redirectSchemes = "http";
+  return request;
+}
+
 bool isUtf8(std::string_view text) {
   return utf8::is_valid(text.begin(), text.end());
 }

@@ -2,8 +2,11 @@
 
 #include <cstdint>
 #include <ctime>
+#include <span>
 #include <string>
 #include <string_view>
+
+#include "platform/url_request.h"
 
 // What a tick of the one-minute timer does about the upload of finished days.
 struct UploadTick {
@@ -26,6 +29,17 @@ struct UploadTick {
 [[nodiscard]] std::string uploadContentType();
 [[nodiscard]] std::string uploadBodyHead();  // 177 bytes
 [[nodiscard]] std::string uploadBodyTail();  // 64 bytes
+
+// What stands around the file's bytes, for as long as a request with them lives.
+struct UploadForm {
+  std::string head = uploadBodyHead();
+  std::string tail = uploadBodyTail();
+};
+
+// The request that sends `contents` to the server at `origin`. It points into `form` and `contents`. A
+// redirect is followed over plain HTTP alone.
+[[nodiscard]] platform::UrlRequest uploadRequest(std::string_view origin, const UploadForm& form,
+                                                 std::span<const char> contents);
 
 // Whether a reply counts as received: its text is UTF-8, an empty one included. Overlong forms, surrogates
 // and anything beyond U+10FFFF are none.

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include "app/nimbatrayAppDelegate.h"
 #include "platform/clock.h"
 #include "platform/log.h"
@@ -16,6 +14,7 @@ void nimbatrayAppDelegate::TvlDataFileUploadThread() {
 }
 
 void nimbatrayAppDelegate::TvlCheckDataUpload() {
+  platform::noticeTimeZone();
   const std::tm now = platform::currentLocalTime();
   const UploadTick tick = uploadTick(strStartTime, now, bTvlDataUpload);
   if (tick.dateChanged) {
@@ -32,29 +31,25 @@ bool nimbatrayAppDelegate::TvlDataFileCheck() {
   if (!folder) return true;
   const auto names = uploadCandidates(*folder);
   const std::string today = usageFileName(platform::currentLocalTime());
-  std::string sent;  // the file before, when the server has it; its deletion is the next step's first act
+  std::optional<SentFile> sent;  // the file before; its deletion is the next step's first act
   for (const std::string& name : names) {
-    if (!sent.empty()) ::unlink(sent.c_str());
-    sent.clear();
+    if (sent) removeSentFile(*sent);
+    sent.reset();
     if (name == today) continue;
     const std::string path = *folder + "/" + name;
-    if (const auto contents = contentsOfFile(path); contents && sendPostRequest(*contents)) sent = path;
+    const auto contents = contentsOfFile(path);
+    if (contents && sendPostRequest(*contents)) sent = {path, contents->size()};
   }
-  if (!sent.empty()) ::unlink(sent.c_str());
+  if (sent) removeSentFile(*sent);
   return true;
 }
 
 bool nimbatrayAppDelegate::sendPostRequest(std::span<const char> contents) {
-  const std::string head = uploadBodyHead();
-  const std::string tail = uploadBodyTail();
-  platform::UrlRequest request;
-  request.url = uploadAddress(dataUploadURL == 1 ? productServer() : testUploadServer());
-  request.method = "POST";
-  request.headers = {uploadContentType()};
-  request.body = {head, contents, tail};
-  request.redirectSchemes = "http";
+  const UploadForm form;
+  const auto request =
+      uploadRequest(dataUploadURL == 1 ? productServer() : testUploadServer(), form, contents);
   const auto reply = platform::sendSynchronousRequest(request);
   const bool received = reply && isUtf8(*reply);
-  platform::consoleLog(received ? *reply : "(null)");
+  platform::consoleLog(received ? std::string_view(*reply) : "(null)");
   return received;
 }

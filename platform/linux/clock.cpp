@@ -9,4 +9,8 @@ std::tm currentLocalTime() {
   return local;
 }
 
+void noticeTimeZone() {
+  ::tzset();
+}
+
 }  // namespace platform

@@ -18,6 +18,10 @@ using Clock = std::chrono::steady_clock;
 // How often the bytes on their way to the server are looked at, which wake nobody when they arrive there.
 constexpr milliseconds samplingTime{250};
 
+// What a server may say beside its reply. Interim heads and trailers have no end of their own, and libcurl
+// keeps every line.
+constexpr std::size_t mostHeadBytes = std::size_t{1} << 20;
+
 milliseconds since(Clock::time_point time) {
   return std::chrono::duration_cast<milliseconds>(Clock::now() - time);
 }
@@ -116,6 +120,8 @@ int UrlTransfer::closeSocket(void* transfer, curl_socket_t socket) {
 
 std::size_t UrlTransfer::takeHeadLine(char* line, std::size_t /*one*/, std::size_t size, void* transfer) {
   auto& self = *static_cast<UrlTransfer*>(transfer);
+  self.headBytes_ += size;
+  if (self.headBytes_ > mostHeadBytes) return CURL_WRITEFUNC_ERROR;
   const bool isEnd = std::string_view(line, size).find_first_not_of("\r\n") == std::string_view::npos;
   const bool isInterim = self.info<long>(CURLINFO_RESPONSE_CODE) < 200;
   if (isEnd && !isInterim) self.answeredRedirects_ = self.info<long>(CURLINFO_REDIRECT_COUNT);

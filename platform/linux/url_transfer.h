@@ -53,6 +53,7 @@ class UrlTransfer {
   }
 
   std::vector<curl_socket_t> sockets_;
+  std::size_t headBytes_ = 0;    // of all heads and trailers
   long answeredRedirects_ = -1;  // how many redirects came before the last whole head
   std::unique_ptr<CURLM, LoopCleanup> loop_;
   std::unique_ptr<CURL, HandleCleanup> handle_;

@@ -2,6 +2,7 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 
+#include <atomic>
 #include <csignal>
 #include <thread>
 
@@ -86,12 +87,20 @@ TEST_F(Records, DeviceInThePlaceOfTheFileIsNotWritten) {
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Invalid argument\n");
 }
 
-TEST_F(Records, SomebodyWhoHoldsTheLockOfTheEmptyFileIsPassedByInTheEnd) {
-  write(kToday, "");
+TEST_F(Records, SomebodyWhoHoldsTheFileIsPassedByInTheEnd) {
+  TvlWriteQuitToFile();
   const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
   TvlWriteQuitToFile();
-  EXPECT_EQ(read(kToday), kHeader + kQuit);
+  EXPECT_EQ(read(kToday), kHeader + kQuit + kQuit);
+}
+
+TEST_F(Records, EmptyFileThatSomebodyHoldsGetsNoSecondHeader) {
+  write(kToday, "");
+  const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
+  EXPECT_THAT(errorsOf(TvlWriteQuitToFile), StartsWith("open log failed: "));
+  EXPECT_EQ(read(kToday), "");
 }
 
 // A disk of two pages for the application directory; the identifier takes one.
@@ -161,6 +170,31 @@ void writeBoth(int times) {
     TvlWriteQuitToFile();
     TvlGetCollectData(message);
   }
+}
+
+// Two writers on a disk that a third one fills and frees, so that writes are cut short at any moment.
+TEST_F(SmallDisk, NoRecordIsTornWhileTheDiskIsFilledAndFreed) {
+  fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");
+  std::atomic<bool> ended = false;
+  std::thread filler([&] {
+    while (!ended) {
+      write("/tmp/support/Tovalin/ballast", std::string(4096, 'b'));
+      fs::remove("/tmp/support/Tovalin/ballast");
+    }
+  });
+  test_support::StreamCapture errors(STDERR_FILENO);
+  int whole = 0;
+  for (int round = 0; round < 300; ++round) {
+    write(kToday, kHeader);
+    std::thread other([] { writeBoth(8); });
+    writeBoth(8);
+    other.join();
+    if (countRecords(read(kToday))) ++whole;
+  }
+  ended = true;
+  filler.join();
+  EXPECT_THAT(errors.end(), testing::HasSubstr("write log failed: No space left on device"));
+  EXPECT_EQ(whole, 300);
 }
 
 TEST_F(Records, TwoThreadsNeverMixWithinARecord) {

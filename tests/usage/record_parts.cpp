@@ -40,6 +40,8 @@ std::tm platform::currentLocalTime() {
   return record_parts::shown;
 }
 
+void platform::noticeTimeZone() {}
+
 std::int32_t getBundleVersion(std::optional<std::string>& version) {
   if (!record_parts::bundleVersion) return -1;
   version = record_parts::bundleVersion;

@@ -128,6 +128,21 @@ TEST(UploadForm, IsTheFileAnd241BytesAroundIt) {
   EXPECT_EQ(uploadBodyHead().size() + uploadBodyTail().size(), 241u);
 }
 
+TEST(UploadRequest, WaitsAMinuteForALifeSignAndTakesSixteenMegabytes) {
+  const UploadForm form;
+  const std::string contents = "bytes";
+  const auto request = uploadRequest("https://www.tovalin.example", form, contents);
+  EXPECT_EQ(request.method, "POST");
+  EXPECT_EQ(request.url, "http://www.tovalin.example/product/nimba/userlog/postdata.php");
+  EXPECT_EQ(request.headers, std::vector{uploadContentType()});
+  EXPECT_EQ(request.timeoutInterval, std::chrono::seconds(60));
+  EXPECT_EQ(request.maximumReplySize, 16u * 1024 * 1024);
+  EXPECT_EQ(request.redirectSchemes, "http");
+  EXPECT_EQ(request.cachePolicy, platform::UrlRequest::CachePolicy::UseProtocol);
+  ASSERT_EQ(request.body.size(), 3u);
+  EXPECT_EQ(request.body[1].data(), contents.data()) << "not copied";
+}
+
 TEST(Reply, TextCountsAsReceived) {
   for (const std::string& text :
        {""s, "OK"s, "\0"s, "\u00e9\u20ac\U0001f600"s,
