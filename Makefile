@@ -2,7 +2,7 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
-.PHONY: build bench soak format check check-format check-tidy check-cppcheck check-sanitizers fuzz
+.PHONY: build bench soak format check check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
@@ -17,7 +17,7 @@ bench: build
 format:
 	clang-format -i $(SOURCES)
 
-check: check-format check-tidy check-cppcheck check-sanitizers fuzz
+check: check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
@@ -31,6 +31,13 @@ check-cppcheck:
 
 check-sanitizers:
 	./test asan
+
+# The parts that several threads use; the toolkit itself is not built for the thread sanitizer.
+THREADED = usage_record_test upload_pass_test url_request_test read_pipe_test command_pipe_test
+check-threads:
+	@cmake --preset tsan >/dev/null
+	cmake --build --preset tsan --target $(THREADED)
+	ctest --preset tsan --tests-regex '^($(subst $() ,|,$(strip $(THREADED))))'
 
 # PAIRS: how often both notices are shown and hidden.
 PAIRS ?= 10000

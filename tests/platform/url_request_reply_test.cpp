@@ -242,4 +242,24 @@ TEST(UrlRequestReply, WithoutMemoryForItThereIsNoReply) {
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
+// Sends the beginning of a reply, and then one line again and again until the client goes.
+RawHttpServer::Script withEndless(const std::string& line, const std::string& beginning) {
+  return [=](RawConnection& connection) {
+    connection.readRequest();
+    std::string much = line;
+    while (much.size() < 64 * 1024) much += line;
+    for (bool there = connection.send(beginning); there;) there = connection.send(much);
+  };
+}
+
+TEST(UrlRequestReply, HeadsAndTrailersWithoutEndAreNoReply) {
+  const std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nOK\r\n0\r\n";
+  for (const auto& [line, beginning] : {std::pair<std::string, std::string>("X-a: b\r\n", chunked),
+                                        {"X-a: b\r\n", "HTTP/1.1 200 OK\r\n"},
+                                        {"HTTP/1.1 102 Processing\r\n\r\n", ""}}) {
+    const RawHttpServer server(withEndless(line, beginning));
+    EXPECT_EQ(sendSynchronousRequest(requestFor(server.url())), std::nullopt) << beginning << line;
+  }
+}
+
 }  // namespace

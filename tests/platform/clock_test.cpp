@@ -1,0 +1,34 @@
+#include "platform/clock.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <ctime>
+
+namespace {
+
+// Hours that the clock shows beyond those of universal time.
+int hoursAhead() {
+  const std::tm local = platform::currentLocalTime();
+  return static_cast<int>(local.tm_gmtoff / 3600);
+}
+
+TEST(Clock, ShowsTheLocalTime) {
+  const std::time_t before = std::time(nullptr);
+  std::tm shown = platform::currentLocalTime();
+  const std::time_t after = std::time(nullptr);
+  const std::time_t time = std::mktime(&shown);
+  EXPECT_GE(time, before);
+  EXPECT_LE(time, after);
+}
+
+TEST(Clock, FollowsAZoneThatWasChangedOnceItIsNoticed) {
+  ::setenv("TZ", "FAR-9", 1);
+  platform::noticeTimeZone();
+  EXPECT_EQ(hoursAhead(), 9);
+  ::setenv("TZ", "NEAR3", 1);
+  platform::noticeTimeZone();
+  EXPECT_EQ(hoursAhead(), -3);
+}
+
+}  // namespace
