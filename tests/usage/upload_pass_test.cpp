@@ -319,24 +319,17 @@ long residentPages() {
   return resident;
 }
 
-// Takes every upload, in a process of its own, whose memory is its own affair. The port stands in `portFile`.
-int takeUploads(const char* portFile) {
-  httplib::Server server;
-  server.set_pre_routing_handler([](const httplib::Request&, httplib::Response& response) {
-    response.set_content("OK", "text/plain");
-    response.set_header("Connection", "close");
-    return httplib::Server::HandlerResponse::Handled;
-  });
-  const int port = server.bind_to_any_port("127.0.0.1");
-  write(std::string(portFile) + ".new", std::to_string(port));
-  fs::rename(std::string(portFile) + ".new", portFile);
-  return server.listen_after_bind() ? 0 : 1;
-}
-
 TEST_F(UploadPass, TenThousandFilesAreSentWithMemoryAndDescriptorsAsTheyWere) {
-  const test_support::ForkedCall server([] { return takeUploads("/tmp/port"); });
+  // In a process of its own, whose memory is its own affair.
+  test_support::ChildProcess server;
+  test_support::ChildOptions quiet;
+  quiet.output = test_support::Redirection::null();
+  fs::create_directories("/tmp/served");
+  ASSERT_TRUE(
+      server.start({TOVALIN_PRODUCTSERVER, "--port", "0", "--port-file", "/tmp/port", "/tmp/served"}, quiet));
   ASSERT_TRUE(test_support::waitUntil([] { return fs::exists("/tmp/port"); }));
-  record_parts::setServers("http://127.0.0.1:" + read("/tmp/port"), "http://127.0.0.1:1");
+  record_parts::setServers("http://127.0.0.1:" + std::to_string(std::stoi(read("/tmp/port"))),
+                           "http://127.0.0.1:1");
   const auto passOver = [this](int files) {
     for (int i = 0; i < files; ++i) write(inFolder(std::to_string(i) + ".dat"), std::string(64, 'b'));
     errorsOf([this] { delegate_.TvlDataFileCheck(); });
