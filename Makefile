@@ -27,7 +27,7 @@ check-tidy: build
 
 check-cppcheck:
 	cppcheck --quiet --std=c++20 --language=c++ --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
-	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage platform
+	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage support platform
 
 check-sanitizers:
 	./test asan
