@@ -79,7 +79,8 @@ std::shared_ptr<platform::Window> nimbatrayAppDelegate::makeSupportWindow() {
   const auto buttons =
       panel(support_layout::buttonBand, {updateButton, faqButton, logButton, copyrightLabel});
   const auto banner = makeBannerBand();
-  for (const auto& part : {header, notice, buttons, banner}) built->contentView().addSubview(part);
+  // The keyboard goes from control to control in this order.
+  for (const auto& part : {header, buttons, notice, banner}) built->contentView().addSubview(part);
   built->setHidesOnDeactivate(true);
   built->setBackgroundColor(platform::colorFromHsb(0.0, 0.0, 0.9, 1.0));
   built->setWillClose([this] { supportWindowWillClose(); });

@@ -1,0 +1,196 @@
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "tests/end_to_end/support_fixture.h"
+
+namespace {
+
+using test_support::ExitStatus;
+using test_support::waitForWindow;
+using test_support::waitUntil;
+
+constexpr const char* records = "/tmp/home/.local/share/Tovalin";
+
+// Whatever comes while the window is up: notices, and the agent's end.
+class SupportMeets : public SupportTest {
+ protected:
+  void openSheet() {
+    clickAt(logMiddle);
+    ASSERT_TRUE(sheetIsUp());
+  }
+  void update() {
+    clickAt(updateMiddle);
+    ASSERT_TRUE(waitForText("run: open /tmp/tovalinupdate.app"));
+  }
+  void show(const std::string& message, bool (*notice)(const test_support::XWindow&)) {
+    send(message);
+    const auto window = waitForWindow(display_.name(), notice);
+    ASSERT_TRUE(window);
+    ASSERT_TRUE(becomesActive(window->id));
+  }
+
+  // Returns when the agent has taken in all that the user did before.
+  void serveAll() {
+    choose("Automount Off");
+    ASSERT_TRUE(waitForText("pipe: -u"));
+  }
+
+  void expectFaqServes() {
+    timeline_.clear();
+    ASSERT_TRUE(waitUntil([&] { return supportWindows() == 1; }));
+    clickAt(faqMiddle);
+    EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate faqBtnClick:]"));
+  }
+  void expectClosesForGood() {
+    closeWindow();
+    timeline_.clear();
+    openWindow();
+    closeWindow();
+    terminateAgent();
+  }
+
+  static int quitRecords() {
+    int found = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(records)) {
+      std::ifstream file(entry.path(), std::ios::binary);
+      const std::string bytes(std::istreambuf_iterator<char>(file), {});
+      for (std::size_t at = 0; (at = bytes.find("\x03\x13", at)) != std::string::npos; ++at) ++found;
+    }
+    return found;
+  }
+  void expectQuits() {
+    choose("Quit Tovalin");
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << console();
+    EXPECT_EQ(texts().back(), killRun);
+    EXPECT_EQ(count("pipe: -toff"), 1);
+    EXPECT_EQ(quitRecords(), 2);
+  }
+  void expectEndsBySignal() {
+    terminateAgent();
+    EXPECT_EQ(texts().back(), killRun);
+    EXPECT_EQ(count(killRun), 1);
+    EXPECT_EQ(quitRecords(), 1);
+  }
+};
+
+TEST_F(SupportMeets, TheAccessNoticeTakesTheInputAndGivesItBack) {
+  launchAndOpen();
+  show("-non", isAccessNotice);
+  timeline_.clear();
+  clickAt(faqMiddle);
+  test_support::requestClose(display_.name(), window_.id);
+  serveAll();
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
+  expectFaqServes();
+  expectClosesForGood();
+}
+
+TEST_F(SupportMeets, TheLoadingNoticeTakesTheInputAndGivesItBack) {
+  launchAndOpen();
+  show("-neon", isLoadingNotice);
+  timeline_.clear();
+  clickAt(updateMiddle);
+  serveAll();
+  send("-neoff");
+  ASSERT_TRUE(hides(isLoadingNotice));
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
+  expectFaqServes();
+  expectClosesForGood();
+}
+
+TEST_F(SupportMeets, BothNoticesWhileASheetIsUpLeaveTheSheetToBeAnswered) {
+  launchAndOpen();
+  openSheet();
+  show("-non", isAccessNotice);
+  show("-neon", isLoadingNotice);
+  send("-neoff");
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice) && hides(isLoadingNotice));
+  ASSERT_TRUE(sheetIsUp());
+  runOnDisplay({"xdotool", "windowactivate", std::to_string(window_.id)});
+  ASSERT_TRUE(becomesActive(window_.id));
+  press("Escape");
+  ASSERT_TRUE(sheetIsGone());
+  expectFaqServes();
+  expectClosesForGood();
+}
+
+TEST_F(SupportMeets, ANoticeAfterUpdateComesAndGoesAndTheWindowServesOn) {
+  launchAndOpen();
+  update();
+  show("-non", isAccessNotice);
+  timeline_.clear();
+  clickAt(faqMiddle);
+  serveAll();
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
+  expectFaqServes();
+  expectClosesForGood();
+}
+
+TEST_F(SupportMeets, OpenedOverANoticeThatThenGoesItTakesInputAndCloses) {
+  launchInPanel();
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  choose();
+  ASSERT_TRUE(waitForWindow(display_.name(), isSupportWindow));
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+  runOnDisplay({"xdotool", "search", "--name", "^Support Tovalin$", "windowactivate", "--sync"});
+  waitForSupportWindow();
+  expectFaqServes();
+  expectClosesForGood();
+}
+
+TEST_F(SupportMeets, QuitBehindTheOpenWindow) {
+  launchAndOpen();
+  expectQuits();
+}
+
+TEST_F(SupportMeets, QuitBehindASheet) {
+  launchAndOpen();
+  openSheet();
+  expectQuits();
+}
+
+TEST_F(SupportMeets, QuitAfterUpdate) {
+  launchAndOpen();
+  update();
+  expectQuits();
+}
+
+TEST_F(SupportMeets, QuitBehindANoticeOverASheet) {
+  launchAndOpen();
+  openSheet();
+  show("-non", isAccessNotice);
+  expectQuits();
+}
+
+TEST_F(SupportMeets, TheSignalBehindTheOpenWindow) {
+  launchAndOpen();
+  expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheSignalBehindASheet) {
+  launchAndOpen();
+  openSheet();
+  expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheSignalAfterUpdate) {
+  launchAndOpen();
+  update();
+  expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheSignalBehindANoticeOverTheWindow) {
+  launchAndOpen();
+  show("-neon", isLoadingNotice);
+  expectEndsBySignal();
+}
+
+}  // namespace

@@ -1,0 +1,110 @@
+#include <gmock/gmock.h>
+
+#include "tests/end_to_end/support_fixture.h"
+
+namespace {
+
+using test_support::waitUntil;
+using testing::ElementsAre;
+
+constexpr const char* openUpdater = "run: open /tmp/tovalinupdate.app";
+
+// The Update button and what remains of the window after it.
+class SupportUpdate : public SupportTest {
+ protected:
+  void SetUp() override {
+    std::filesystem::remove_all("/tmp/tovalinupdate.app");
+    SupportTest::SetUp();
+  }
+  void update() {
+    launchAndOpen();
+    timeline_.clear();
+    clickAt(updateMiddle);
+    ASSERT_TRUE(waitForText(openUpdater));
+  }
+};
+
+TEST_F(SupportUpdate, CopiesTheUpdaterAndOpensTheCopy) {
+  update();
+  EXPECT_TRUE(std::filesystem::exists("/tmp/tovalinupdate.app/Contents/Info.plist"));
+}
+
+TEST_F(SupportUpdate, TellsSoSendsItsBeaconAndRunsBothCommandsInTheirOrder) {
+  std::filesystem::copy_file(TOVALIN_RECORDER, "/tmp/outside commands/cp",
+                             std::filesystem::copy_options::overwrite_existing);
+  timeline_.setStatus("cp", 1);
+  update();
+  EXPECT_TRUE(waitForClickBeacon("updatebtn"));
+  EXPECT_EQ(beaconsOf("updatebtn"), 1);
+  EXPECT_THAT(texts(), ElementsAre("log 6: -[nimbatrayAppDelegate updateBtnClick:] update button click!",
+                                   "run: cp -Rf " + bundle_ + "/Contents/Resources/tovalinupdate.app /tmp/",
+                                   openUpdater));
+  std::filesystem::remove("/tmp/outside commands/cp");
+}
+
+TEST_F(SupportUpdate, LeavesTheWindowInFrontAndServing) {
+  update();
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(supportWindows(), 1);
+  EXPECT_TRUE(becomesActive(window_.id));
+  clickAt(faqMiddle);
+  EXPECT_TRUE(waitForText("run: open " + server_->origin() + "/support/tovalin/"));
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]"), 0);
+}
+
+TEST_F(SupportUpdate, ChoosingTheWindowAgainOnlyFetchesAgain) {
+  update();
+  static_cast<void>(takeFetches());
+  choose();
+  ASSERT_TRUE(waitForClickBeacon("support"));
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_THAT(takeFetches(), ElementsAre(versionFile, bannerListFile));
+  EXPECT_EQ(supportWindows(), 1);
+}
+
+TEST_F(SupportUpdate, PressedTwiceRunsTwiceAndEndsNothingElse) {
+  update();
+  timeline_.clear();
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText(openUpdater));
+  EXPECT_EQ(supportWindows(), 1);
+  closeWindow();
+  terminateAgent();
+}
+
+TEST_F(SupportUpdate, TheWindowThatStayedClosesAndTheNextOneIsFresh) {
+  update();
+  closeWindow();
+  EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]"));
+  static_cast<void>(takeFetches());
+  openWindow();
+  EXPECT_EQ(takeFetches().size(), 4U);
+  closeWindow();
+}
+
+TEST_F(SupportUpdate, AFailedFetchLaterLeavesTheOpenWindowAlone) {
+  update();
+  server_.reset();
+  choose();
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(supportWindows(), 1);
+  timeline_.clear();
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText(openUpdater));
+}
+
+TEST_F(SupportUpdate, IsDisabledInAWindowThatOpensWithoutANetworkAfterOneWithAnUpdate) {
+  launchAndOpen();
+  closeWindow();
+  server_.reset();
+  openWindow();
+  timeline_.clear();
+  clickAt(updateMiddle);
+  clickAt(faqMiddle);
+  expectNothingRun();
+}
+
+}  // namespace

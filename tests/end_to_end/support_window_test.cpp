@@ -1,0 +1,225 @@
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "tests/end_to_end/support_fixture.h"
+
+namespace {
+
+using test_support::ChildProcess;
+using test_support::waitUntil;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* closeLog =
+    "log 6: -[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close.";
+
+// Opening, closing and the keyboard.
+class SupportWindow : public SupportTest {
+ protected:
+  // Another program's windows, of which one gets the keyboard.
+  void turnToAnotherProgram() {
+    ASSERT_TRUE(program_.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
+    const auto other = test_support::waitForWindow(display_.name(), test_support::windowNamed("High"));
+    ASSERT_TRUE(other);
+    runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
+  }
+
+  void expectOpensAfresh() {
+    timeline_.clear();
+    static_cast<void>(takeFetches());
+    openWindow();
+    EXPECT_THAT(takeFetches(),
+                ElementsAre(versionFile, bannerListFile, noticeFile, bannerFolder + std::string("red.ppm")));
+  }
+
+  ChildProcess program_;
+};
+
+TEST_F(SupportWindow, FetchesVersionThenBannersThenNoticeThenTheBannersPicture) {
+  launchInPanel();
+  static_cast<void>(takeFetches());
+  openWindow();
+  EXPECT_THAT(takeFetches(),
+              ElementsAre(versionFile, bannerListFile, noticeFile, bannerFolder + std::string("red.ppm")));
+  EXPECT_TRUE(waitForClickBeacon("support"));
+  EXPECT_EQ(beaconsOf("support"), 1);
+  EXPECT_THAT(console(), HasSubstr("recentversion : 9.0.0, currentversion : 1.0.0"));
+}
+
+TEST_F(SupportWindow, AsksPastEveryCache) {
+  launchAndOpen();
+  for (const auto& request : server_->requests()) {
+    if (request.method != "GET") continue;
+    const auto control = request.headers.find("Cache-Control");
+    ASSERT_NE(control, request.headers.end()) << request.target;
+    EXPECT_EQ(control->second, "no-cache");
+  }
+}
+
+TEST_F(SupportWindow, StandsInTheMiddleInItsOneSize) {
+  launchAndOpen();
+  EXPECT_EQ(window_.width, 420);
+  EXPECT_EQ(window_.height, 240);
+  EXPECT_NEAR(window_.x + 210, 640, 1);
+  EXPECT_NEAR(window_.y + 120, 400, 1);
+  const std::string hints = runOnDisplay({"xprop", "-id", std::to_string(window_.id), "WM_NORMAL_HINTS"});
+  EXPECT_THAT(hints, HasSubstr("minimum size: 420 by 240"));
+  EXPECT_THAT(hints, HasSubstr("maximum size: 420 by 240"));
+}
+
+TEST_F(SupportWindow, ChosenAgainWhileItIsOpenFetchesVersionAndBannersAndOpensNoSecond) {
+  launchAndOpen();
+  ASSERT_TRUE(waitForClickBeacon("support"));
+  timeline_.clear();
+  static_cast<void>(takeFetches());
+  choose();
+  ASSERT_TRUE(waitForClickBeacon("support"));
+  std::vector<std::string> fetched;
+  ASSERT_TRUE(waitUntil([&] {
+    for (const auto& target : takeFetches()) fetched.push_back(target);
+    return fetched.size() >= 2;
+  }));
+  // Served only after all that the second choice did.
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_TRUE(takeFetches().empty());
+  EXPECT_THAT(fetched, ElementsAre(versionFile, bannerListFile));
+  EXPECT_EQ(beaconsOf("support"), 1);
+  EXPECT_EQ(supportWindows(), 1);
+}
+
+TEST_F(SupportWindow, ClosedByTheWindowManagerTellsSoOnceAndOpensAfresh) {
+  launchAndOpen();
+  closeWindow();
+  EXPECT_TRUE(waitForText(closeLog));
+  EXPECT_EQ(count(closeLog), 1);
+  expectOpensAfresh();
+  closeWindow();
+  terminateAgent();
+}
+
+TEST_F(SupportWindow, ClosedWithEscapeTellsSoOnceAndOpensAfresh) {
+  launchAndOpen();
+  press("Escape");
+  ASSERT_TRUE(windowGoes());
+  EXPECT_TRUE(waitForText(closeLog));
+  EXPECT_EQ(count(closeLog), 1);
+  expectOpensAfresh();
+}
+
+TEST_F(SupportWindow, AClosedWindowIsNotOrderedFrontAgain) {
+  launchAndOpen();
+  closeWindow();
+  // The ordering front came before this, had it come.
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(supportWindows(), 0);
+}
+
+TEST_F(SupportWindow, FaqOpensTheSupportPageOnce) {
+  launchAndOpen();
+  timeline_.clear();
+  clickAt(faqMiddle);
+  EXPECT_TRUE(waitForText("run: open"));
+  EXPECT_TRUE(waitForClickBeacon("faqbtn"));
+  EXPECT_THAT(runs(), ElementsAre("run: open " + server_->origin() + "/support/tovalin/"));
+  EXPECT_LT(position("log 6: -[nimbatrayAppDelegate faqBtnClick:] FAQ button click!"), position("run: open"));
+  EXPECT_EQ(beaconsOf("faqbtn"), 1);
+}
+
+TEST_F(SupportWindow, GoesWhileAnotherProgramIsInFrontAndComesBackByTheMenu) {
+  launchAndOpen();
+  turnToAnotherProgram();
+  ASSERT_TRUE(windowGoes());
+  EXPECT_EQ(count(closeLog), 0);
+  timeline_.clear();
+  static_cast<void>(takeFetches());
+  choose();
+  waitForSupportWindow();
+  EXPECT_TRUE(waitForClickBeacon("support"));
+  EXPECT_THAT(takeFetches(), ElementsAre(versionFile, bannerListFile));
+  closeWindow();
+}
+
+TEST_F(SupportWindow, GoesWithItsSheetAndBothComeBackByTheMenu) {
+  launchAndOpen();
+  clickAt(logMiddle);
+  ASSERT_TRUE(sheetIsUp());
+  turnToAnotherProgram();
+  ASSERT_TRUE(windowGoes());
+  choose();
+  const auto again = test_support::waitForWindow(display_.name(), isSupportWindow);
+  ASSERT_TRUE(again);
+  window_ = *again;
+  EXPECT_TRUE(becomesActive(window_.id));
+  EXPECT_TRUE(sheetIsUp());
+  press("Escape");
+  EXPECT_TRUE(sheetIsGone());
+  closeWindow();
+}
+
+TEST_F(SupportWindow, TheKeyboardGoesFromControlToControlInTheirOrder) {
+  launchAndOpen();
+  timeline_.clear();
+  // Update has the keyboard from the beginning.
+  press("Tab");
+  press("Return");
+  ASSERT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate faqBtnClick:]"));
+  press("Tab");
+  press("Return");
+  ASSERT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate logBtnClick:]"));
+  ASSERT_TRUE(sheetIsUp());
+  press("Escape");
+  ASSERT_TRUE(sheetIsGone());
+  press("Tab");
+  press("Return");
+  ASSERT_TRUE(waitForText("run: open http://one.example/a"));
+  press("Tab");
+  press("space");
+  ASSERT_TRUE(waitForText("run: open http://two.example/b?c=d#e"));
+  press("Tab");
+  press("space");
+  ASSERT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate updateBtnClick:]"));
+}
+
+TEST_F(SupportWindow, TheFirstButtonThatIsEnabledHasTheKeyboardAndEnterPressesIt) {
+  server_->putVersion("1.0.0");
+  launchAndOpen();
+  timeline_.clear();
+  press("Return");
+  EXPECT_TRUE(waitForText("run: open " + server_->origin() + "/support/tovalin/"));
+  EXPECT_EQ(supportWindows(), 1);
+}
+
+TEST_F(SupportWindow, WithoutAVersionOfItsOwnItSaysNull) {
+  const auto shownVersion = [&] {
+    openWindow();
+    return pictureOfPart({0, 105}, 135, 26);
+  };
+  const auto replaceInPlist = [&](const std::string& old, const std::string& text) {
+    const std::string path = agentContents() + "/Info.plist";
+    std::ifstream file(path);
+    std::string list(std::istreambuf_iterator<char>(file), {});
+    const std::size_t key = list.find("<key>CFBundleVersion</key>");
+    const std::size_t at = list.find(old, key);
+    ASSERT_NE(at, std::string::npos);
+    std::ofstream(path) << list.replace(at, old.size(), text);
+  };
+  // What it looks like when the version is that word.
+  replaceInPlist("1.0.0", "(null)");
+  launchInPanel();
+  const auto word = shownVersion();
+  terminateAgent();
+  replaceInPlist("CFBundleVersion", "Nothing");
+  launchInPanel();
+  const auto nothing = shownVersion();
+  EXPECT_TRUE(waitForText("log 3:  0etBundleVersion fail"));
+  EXPECT_TRUE(nothing == word);
+  terminateAgent();
+  setServers(server_->origin());
+  launchInPanel();
+  EXPECT_FALSE(shownVersion() == word);
+}
+
+}  // namespace
