@@ -39,10 +39,12 @@ check-threads:
 	cmake --build --preset tsan --target $(THREADED)
 	ctest --preset tsan --tests-regex '^($(subst $() ,|,$(strip $(THREADED))))'
 
-# PAIRS: how often both notices are shown and hidden.
+# PAIRS: how often both notices are shown and hidden. OPENINGS: how often the support window is opened and closed.
 PAIRS ?= 10000
+OPENINGS ?= 1000
 soak: build
 	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
+	TOVALIN_SOAK_PAIRS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
 
 # FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).
 FUZZ_SECONDS ?= 60

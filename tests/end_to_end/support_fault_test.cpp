@@ -1,0 +1,158 @@
+#include <gmock/gmock.h>
+
+#include <map>
+#include <mutex>
+
+#include "tests/end_to_end/support_fixture.h"
+#include "tests/support/raw_http_server.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using test_support::RawConnection;
+using test_support::waitUntil;
+using testing::ElementsAre;
+
+const std::string redPath = bannerFolder + std::string("red.ppm");
+
+// A product server of which each file can fail by itself.
+class SupportFault : public SupportTest {
+ protected:
+  enum class Fault { None, Silence, Reset, HalfABody, ErrorStatus };
+
+  void SetUp() override {
+    SupportTest::SetUp();
+    setServers("http://127.0.0.1:" + std::to_string(faulty_.port()));
+    bodies_ = {{versionFile, plist(dictionary({{"version", "9.0.0"}}))},
+               {noticeFile, noticeList()},
+               {bannerListFile, bannerList(banner("red.ppm", "http://banner.example/red"))},
+               {redPath, pictureFile(red)}};
+  }
+  void fail(const std::string& path, Fault fault) {
+    const std::lock_guard lock(mutex_);
+    faults_[path] = fault;
+  }
+  void putBody(const std::string& path, const std::string& body) {
+    const std::lock_guard lock(mutex_);
+    bodies_[path] = body;
+  }
+  void clickFaqAndExpect(bool enabled) {
+    timeline_.clear();
+    clickAt(faqMiddle);
+    if (enabled) {
+      EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate faqBtnClick:]"));
+    } else {
+      expectNothingRun();
+    }
+  }
+  [[nodiscard]] bool bannerIsRed() {
+    return waitUntil([&] { return colourOf(bannerMiddle) == red; });
+  }
+
+ private:
+  void serve(RawConnection& connection) {
+    const std::string head = connection.readHead();
+    const std::size_t begin = head.find(' ') + 1;
+    const std::string path = head.substr(begin, head.find(' ', begin) - begin);
+    const auto [fault, body] = [&] {
+      const std::lock_guard lock(mutex_);
+      return std::pair(faults_[path], bodies_[path]);
+    }();
+    const std::string whole = test_support::httpReply(body, "Connection: close\r\n");
+    switch (fault) {
+      case Fault::None:
+        connection.send(whole);
+        return;
+      case Fault::Silence:
+        connection.waitForEnd();
+        return;
+      case Fault::Reset:
+        connection.reset();
+        return;
+      case Fault::HalfABody:
+        connection.send(whole.substr(0, whole.size() - body.size() / 2));
+        return;
+      case Fault::ErrorStatus:
+        connection.send(test_support::httpReply(body, "Connection: close\r\n", "503 Service Unavailable"));
+        return;
+    }
+  }
+
+  std::mutex mutex_;
+  std::map<std::string, Fault> faults_;
+  std::map<std::string, std::string> bodies_;
+  test_support::RawHttpServer faulty_{[this](RawConnection& connection) { serve(connection); }};
+};
+
+TEST_F(SupportFault, ASilentNoticeHoldsTheWindowUpForThreeSecondsAndIsNone) {
+  launchInPanel();
+  fail(noticeFile, Fault::Silence);
+  const auto begin = std::chrono::steady_clock::now();
+  openWindow();
+  const auto took = std::chrono::steady_clock::now() - begin;
+  EXPECT_GE(took, 2900ms);
+  EXPECT_LE(took, 5s);
+  clickFaqAndExpect(false);
+}
+
+TEST_F(SupportFault, AResetVersionLeavesTheNoticeAndTheBannersOfEarlier) {
+  launchAndOpen();
+  closeWindow();
+  fail(versionFile, Fault::Reset);
+  openWindow();
+  EXPECT_TRUE(bannerIsRed());
+  timeline_.clear();
+  clickAt(updateMiddle);
+  clickFaqAndExpect(true);
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate updateBtnClick:]"), 0);
+}
+
+TEST_F(SupportFault, ABannerListThatIsResetLeavesTheEarlierOneInUse) {
+  launchAndOpen();
+  closeWindow();
+  fail(bannerListFile, Fault::Reset);
+  openWindow();
+  EXPECT_EQ(linesInConsole("bannerlist is NULL!"), 0);
+  timeline_.clear();
+  clickAt(bannerMiddle);
+  EXPECT_TRUE(waitForText("run: open http://banner.example/red"));
+}
+
+TEST_F(SupportFault, ABannerListThatIsNoListTakesTheEarlierOneAwayAndLeavesItsPicture) {
+  launchAndOpen();
+  closeWindow();
+  putBody(bannerListFile, "<html></html>");
+  openWindow();
+  EXPECT_TRUE(bannerIsRed());
+  EXPECT_EQ(linesInConsole("bannerlist is NULL!"), 1);
+  timeline_.clear();
+  clickAt(bannerMiddle);
+  expectNothingRun();
+}
+
+TEST_F(SupportFault, HalfAPictureIsNoBanner) {
+  launchInPanel();
+  fail(redPath, Fault::HalfABody);
+  openWindow();
+  EXPECT_EQ(linesInConsole("bannerlist is NULL!"), 1);
+  EXPECT_TRUE(colourOf(bannerMiddle) == colourOf(bareSpot));
+}
+
+TEST_F(SupportFault, HalfANoticeIsNone) {
+  launchInPanel();
+  fail(noticeFile, Fault::HalfABody);
+  openWindow();
+  clickFaqAndExpect(false);
+}
+
+TEST_F(SupportFault, TheStatusOfAReplyIsNotLookedAt) {
+  launchInPanel();
+  for (const auto& path :
+       {std::string(versionFile), std::string(noticeFile), std::string(bannerListFile), redPath})
+    fail(path, Fault::ErrorStatus);
+  openWindow();
+  EXPECT_TRUE(bannerIsRed());
+  clickFaqAndExpect(true);
+}
+
+}  // namespace
