@@ -72,6 +72,14 @@ class SupportMeets : public SupportTest {
     EXPECT_EQ(count(killRun), 1);
     EXPECT_EQ(quitRecords(), 1);
   }
+  void expectEndsWithTheBundle() {
+    std::filesystem::rename(bundle_, "/tmp/Applications/Old.app");
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << console();
+    EXPECT_EQ(texts().back(), killRun);
+    EXPECT_EQ(count(unloadRun), 1);
+    EXPECT_EQ(quitRecords(), 1);
+    std::filesystem::remove_all("/tmp/Applications/Old.app");
+  }
 };
 
 TEST_F(SupportMeets, TheAccessNoticeTakesTheInputAndGivesItBack) {
@@ -191,6 +199,23 @@ TEST_F(SupportMeets, TheSignalBehindANoticeOverTheWindow) {
   launchAndOpen();
   show("-neon", isLoadingNotice);
   expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheBundlesEndBehindTheOpenWindow) {
+  launchAndOpen();
+  expectEndsWithTheBundle();
+}
+
+TEST_F(SupportMeets, TheBundlesEndBehindASheet) {
+  launchAndOpen();
+  openSheet();
+  expectEndsWithTheBundle();
+}
+
+TEST_F(SupportMeets, TheBundlesEndAfterUpdate) {
+  launchAndOpen();
+  update();
+  expectEndsWithTheBundle();
 }
 
 }  // namespace
