@@ -13,8 +13,7 @@
 [[nodiscard]] bool isDarkAppearance(const std::optional<platform::PropertyList>& interfaceStyle);
 
 // The bundle of the main application, from the path of the agent's own bundle inside it: the path without its
-// first
-// "/Contents/Resources/TovalinTray.app". Nothing when the agent does not stand in such a place.
+// first "/Contents/Resources/TovalinTray.app". Nothing when the agent does not stand in such a place.
 [[nodiscard]] std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundlePath);
 
 // The shell command that has the notification helper tell of an update. Nothing when it would not fit the

@@ -14,8 +14,7 @@ std::string sharePage(std::string_view server) {
 
 std::string tweetPage(std::string_view server) {
   return "https://twitter.com/intent/tweet?text="
-         "[Tovalin]%20Easily%20manage%20the%20files%20in%20your%20iDevice.%20And%20transfer%20contents%20via%"
-         "20"
-         "Finder.%20No%20iTunes%20No%20jailbreak.%20FREE!%20" +
+         "[Tovalin]%20Easily%20manage%20the%20files%20in%20your%20iDevice."
+         "%20And%20transfer%20contents%20via%20Finder.%20No%20iTunes%20No%20jailbreak.%20FREE!%20" +
          productPage(server) + "/";
 }
