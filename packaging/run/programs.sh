@@ -10,12 +10,13 @@ start_log() {
   wait_for "the system log" test -S /dev/log
 }
 
-# The outside commands announce themselves in the log too, so that all is in its order.
+# The outside commands and the web view's relay announce themselves in the log too, so that all is in its order.
 retell_log() {
   local identity text
   while read -r identity text; do
     case $identity in
       shell:) tell "shell" "$text" ;;
+      beacon:) tell "beacon" "$text" ;;
       *) tell "log" "$identity $text" ;;
     esac
   done
@@ -44,7 +45,7 @@ leave_yesterdays_records() {
   } >"$folder/Tovalin_${yesterday//-/_}.dat"
 }
 
-# A copy, because this one's commands are announced and its product server is the stand-in.
+# A copy, because this one's commands and beacons are announced and its product server is the stand-in.
 install_bundle() {
   mkdir -p "${bundle%/*}" "$outside_commands"
   cp -r build/Tovalin.app "$bundle"
@@ -53,6 +54,7 @@ install_bundle() {
     announce "$helper" "$PWD/build/${agent_contents#/tmp/Applications/}/Helpers/$helper" "$agent_contents/Helpers/$helper"
   done
   announce killall "$(command -v killall)" "$outside_commands/killall"
+  relay_beacons "$agent_contents/Helpers/TovalinWebView"
   sed -i "s|^</dict>|<key>TovalinProductServer</key><string>http://127.0.0.1:$server_port</string></dict>|" \
     "$agent_contents/Info.plist"
 }
@@ -61,6 +63,12 @@ install_bundle() {
 announce() { # NAME PROGRAM PLACE
   printf '#!/bin/sh\nlogger -t shell -- "%s $*"\nexec "%s" "$@"\n' "$1" "$2" >"$3"
   chmod +x "$3"
+}
+
+# Puts before the hidden web view a program that tells of each address that it is handed.
+relay_beacons() { # WEB_VIEW
+  mv "$1" "$1.real"
+  cp build/release/tests/support/web_view_relay "$1"
 }
 
 start_server() {
