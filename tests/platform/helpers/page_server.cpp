@@ -18,7 +18,7 @@ PageServer::~PageServer() {
     const std::lock_guard lock(mutex_);
     ended_ = true;
   }
-  ending_.notify_all();
+  changed_.notify_all();
   // A server that doesn't serve yet forgets that it was stopped.
   static_cast<void>(test_support::waitUntil([this] { return server_.is_running(); }));
   server_.stop();
@@ -27,6 +27,19 @@ PageServer::~PageServer() {
 
 void PageServer::putDownload(const std::string& path) {
   answers_[path] = {.body = "bytes", .download = true};
+}
+
+void PageServer::holdBack() {
+  const std::lock_guard lock(mutex_);
+  heldBack_ = true;
+}
+
+void PageServer::letGo() {
+  {
+    const std::lock_guard lock(mutex_);
+    heldBack_ = false;
+  }
+  changed_.notify_all();
 }
 
 std::string PageServer::address(const std::string& path) const {
@@ -53,15 +66,15 @@ void PageServer::answer(const httplib::Request& request, httplib::Response& resp
   }
   const auto found = answers_.find(request.path);
   const Answer answer = found == answers_.end() ? Answer{} : found->second;
-  if (answer.hangs) waitForEnd();
+  waitForLeave(answer.hangs);
   if (!answer.location.empty()) return response.set_redirect(answer.location);
   if (answer.download) response.set_header("Content-Disposition", "attachment; filename=\"download.bin\"");
   response.set_content(answer.body, answer.download ? "application/octet-stream" : "text/html");
 }
 
-void PageServer::waitForEnd() {
+void PageServer::waitForLeave(bool hangs) {
   std::unique_lock lock(mutex_);
-  ending_.wait(lock, [this] { return ended_; });
+  changed_.wait(lock, [&] { return ended_ || !(hangs || heldBack_); });
 }
 
 }  // namespace web_view_test

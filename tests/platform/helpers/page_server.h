@@ -27,6 +27,9 @@ class PageServer {
   void redirect(const std::string& path, const std::string& to) { answers_[path] = {.location = to}; }
   // Never answers a request for this path.
   void hang(const std::string& path) { answers_[path] = {.hangs = true}; }
+  // Answers no request from now on before letGo().
+  void holdBack();
+  void letGo();
 
   [[nodiscard]] std::string address(const std::string& path) const;
   // The targets of all requests so far, in their order.
@@ -43,14 +46,16 @@ class PageServer {
     bool hangs = false;
   };
   void answer(const httplib::Request& request, httplib::Response& response);
-  void waitForEnd();
+  // Waits for the word to go on, for ever where `hangs`, but no longer than this object lives.
+  void waitForLeave(bool hangs);
 
   httplib::Server server_;
   int port_ = 0;
   std::map<std::string, Answer> answers_;  // set before the first request for them
   mutable std::mutex mutex_;
-  std::condition_variable ending_;
+  std::condition_variable changed_;
   bool ended_ = false;
+  bool heldBack_ = false;
   std::vector<std::string> asked_;
   std::thread thread_;
 };

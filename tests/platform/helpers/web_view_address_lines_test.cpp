@@ -31,6 +31,20 @@ TEST(WebAddress, HasNoByteThatIsNotVisibleAscii) {
   }
 }
 
+TEST(WayOfAPage, LeadsToTheWebAndToTheEmptyPage) {
+  for (const char* address :
+       {"http://a", "HTTPS://a", "http://127.0.0.1:80/?a=b%20c#d", "about:blank", "about:srcdoc"})
+    EXPECT_TRUE(mayLeadTo(address)) << address;
+}
+
+TEST(WayOfAPage, LeadsNowhereElse) {
+  for (const char* address : {"", "file:///etc/passwd", "FILE:///etc/passwd", "ftp://a", "data:text/html,x",
+                              "blob:http://a/b", "javascript:alert(1)", "resource:///a", "webkit://gpu",
+                              "about:", "about:gpu", "about:blank2", "http:"})
+    EXPECT_FALSE(mayLeadTo(address)) << address;
+  EXPECT_FALSE(mayLeadTo(nullptr));
+}
+
 TEST(AddressLines, SeveralLinesInOnePiece) {
   EXPECT_THAT(AddressLines().take("http://a\nhttp://b\n"), ElementsAre("http://a", "http://b"));
 }

@@ -1,7 +1,10 @@
 // What pages ask for beyond being loaded.
 #include <gmock/gmock.h>
 
+#include <atomic>
+
 #include "tests/platform/helpers/web_view_helper.h"
+#include "tests/support/raw_http_server.h"
 #include "tests/support/x_windows.h"
 
 namespace web_view_test {
@@ -46,6 +49,28 @@ TEST_F(WebViewRefusal, LinkToANewWindowIsNotFollowed) {
   EXPECT_FALSE(server_.wasAsked("/other"));
 }
 
+// Its end is not left to the lack of a place for the file, which shows once the answer comes.
+TEST_F(WebViewRefusal, DownloadIsCutOffBeforeItsAnswer) {
+  std::atomic<bool> asked = false;
+  std::atomic<bool> cutOff = false;
+  const test_support::RawHttpServer server([&](test_support::RawConnection& connection) {
+    if (!connection.readHead().starts_with("GET /download.bin ")) {
+      connection.send(
+          test_support::httpReply("<a download='saved.bin' href='/download.bin'></a>"
+                                  "<script>document.querySelector('a').click()</script>",
+                                  "Content-Type: text/html\r\nConnection: close\r\n"));
+      return;
+    }
+    asked = true;
+    cutOff = connection.waitForEnd();
+  });
+  start();
+  ASSERT_TRUE(helper_.writeLine(server.url("/page")));
+  ASSERT_TRUE(test_support::waitUntil([&] { return asked.load(); }));
+  EXPECT_TRUE(test_support::waitUntil([&] { return cutOff.load(); }, std::chrono::seconds(5)));
+  expectNothingHappened();
+}
+
 TEST_F(WebViewRefusal, DownloadIsNotKept) {
   server_.putDownload("/download.bin");
   const auto before = filesBelow("/tmp");
@@ -80,7 +105,14 @@ INSTANTIATE_TEST_SUITE_P(
                     "const f = document.createElement('iframe');"
                     "f.src = 'file:///tmp/local.html'; document.documentElement.append(f);",
                     "location.href = 'data:text/html,<script>new Image().src = \"' +"
-                    "location.origin + '/local\"<' + '/script>';"));
+                    "location.origin + '/local\"<' + '/script>';",
+                    // The engine itself would open these two.
+                    "const f = document.createElement('iframe');"
+                    "f.src = 'data:text/html,<script>new Image().src = \"' + location.origin +"
+                    "'/local\"<' + '/script>'; document.documentElement.append(f);",
+                    "location.href = URL.createObjectURL(new Blob("
+                    "['<script>new Image().src = \"' + location.origin + '/local\"<' + '/script>'],"
+                    "{type: 'text/html'}));"));
 
 TEST_F(WebViewRefusal, PermissionsAreDenied) {
   startWithScript("Notification.requestPermission().then(answer => fetch('/' + answer));");

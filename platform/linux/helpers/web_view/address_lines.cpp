@@ -18,6 +18,12 @@ bool isWebAddress(std::string_view text) {
   return (hasScheme(text, "http://") || hasScheme(text, "https://")) && std::ranges::all_of(text, isVisible);
 }
 
+bool mayLeadTo(const char* address) {
+  if (address == nullptr) return false;
+  const std::string_view text = address;
+  return isWebAddress(text) || text == "about:blank" || text == "about:srcdoc";
+}
+
 std::vector<std::string> AddressLines::take(std::string_view bytes) {
   std::vector<std::string> addresses;
   for (std::size_t end = bytes.find('\n'); end != std::string_view::npos; end = bytes.find('\n')) {

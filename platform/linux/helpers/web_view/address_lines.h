@@ -10,6 +10,10 @@ namespace helpers {
 // Whether a page may be fetched from here: http or https, and nothing but visible ASCII.
 [[nodiscard]] bool isWebAddress(std::string_view text);
 
+// Whether a page may lead its view, or a frame in it, here: where a page may be fetched from, or to the empty
+// page that a script fills. `address` may be missing.
+[[nodiscard]] bool mayLeadTo(const char* address);
+
 // Takes a stream of bytes, whoever wrote it, apart into lines, and hands out those that are web addresses.
 class AddressLines {
  public:

@@ -1,23 +1,15 @@
 #include "platform/linux/helpers/web_view/refusals.h"
 
-#include <string_view>
-
 #include "platform/linux/helpers/web_view/address_lines.h"
 #include "platform/linux/helpers/web_view/glib_handles.h"
 
 namespace helpers {
 namespace {
 
-// What a frame that a script fills is at first.
-bool isEmptyFrame(std::string_view address) {
-  return address == "about:blank" || address == "about:srcdoc";
-}
-
 bool mayNavigate(WebKitPolicyDecision* decision) {
   WebKitNavigationAction* action = webkit_navigation_policy_decision_get_navigation_action(
       reinterpret_cast<WebKitNavigationPolicyDecision*>(decision));
-  const char* address = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
-  return address != nullptr && (isWebAddress(address) || isEmptyFrame(address));
+  return mayLeadTo(webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)));
 }
 
 bool isPage(WebKitPolicyDecision* decision) {
