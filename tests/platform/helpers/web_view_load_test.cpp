@@ -19,6 +19,15 @@ using Clock = std::chrono::steady_clock;
 
 using WebViewLoad = WebViewHelper;
 
+std::vector<std::string> runtimeFolders() {
+  std::vector<std::string> found;
+  for (const auto& entry : std::filesystem::directory_iterator("/tmp/runtime")) {
+    const std::string name = entry.path().filename();
+    if (name.starts_with("TovalinWebView.")) found.push_back(name);
+  }
+  return found;
+}
+
 TEST_F(WebViewLoad, ScriptsOfThePageRun) {
   startWithScript("new Image().src = '/image'; setTimeout(() => fetch('/later?a=' + (1 + 1)), 100);");
   EXPECT_TRUE(server_.waitFor("/image"));
@@ -127,6 +136,33 @@ TEST_F(WebViewLoad, KilledHelperTakesEveryProcessAlong) {
   helper_.kill();
   EXPECT_TRUE(helper_.wait());
   EXPECT_TRUE(waitForNoWebProcess());
+}
+
+TEST_F(WebViewLoad, FolderThatAKilledHelperLeftGoesAtTheNextStart) {
+  startWithScript("");
+  const auto left = runtimeFolders();
+  ASSERT_THAT(left, SizeIs(1));
+  helper_.kill();
+  ASSERT_TRUE(helper_.wait());
+  ASSERT_EQ(runtimeFolders(), left);
+  start();
+  ASSERT_TRUE(stillLoads());
+  EXPECT_THAT(runtimeFolders(), SizeIs(1));
+  EXPECT_NE(runtimeFolders(), left);
+}
+
+TEST_F(WebViewLoad, FolderOfARunningHelperIsLeftToItByTheNextOne) {
+  startWithScript("");
+  const auto own = runtimeFolders();
+  ASSERT_THAT(own, SizeIs(1));
+  test_support::ChildProcess running = std::move(helper_);
+  helper_ = {};
+  start();
+  ASSERT_TRUE(stillLoads());
+  EXPECT_THAT(runtimeFolders(), testing::AllOf(SizeIs(2), testing::Contains(own.front())));
+  running.terminate();
+  EXPECT_EQ(running.wait(), ExitStatus{.code = 0});
+  EXPECT_THAT(runtimeFolders(), testing::AllOf(SizeIs(1), testing::Not(testing::Contains(own.front()))));
 }
 
 TEST_F(WebViewLoad, NoWindowIsOnTheScreen) {

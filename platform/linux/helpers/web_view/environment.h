@@ -2,10 +2,12 @@
 
 #include <filesystem>
 
+#include "platform/file_descriptor.h"
+
 namespace helpers {
 
-// A new folder of this program's own below $XDG_RUNTIME_DIR, gone with this object. Empty path where there is
-// no such place.
+// A new folder of this program's own below $XDG_RUNTIME_DIR, gone with this object; those that killed
+// programs have left there go with its making. Empty path where there is no such place.
 class RuntimeFolder {
  public:
   RuntimeFolder();
@@ -18,6 +20,7 @@ class RuntimeFolder {
 
  private:
   std::filesystem::path path_;
+  platform::FileDescriptor lock_;
 };
 
 // Sets the environment so that none of the libraries below the view reads the user's settings or leaves a
