@@ -140,4 +140,44 @@ TEST_F(HelperInstallation, RefusedPrivateFolderGetsNothing) {
   EXPECT_THAT(namesIn("/tmp/elsewhere"), IsEmpty());
 }
 
+// Pages, which the helper of the name "open" opens.
+class PageOpening : public HelperInstallation {
+ protected:
+  void TearDown() override {
+    fs::remove("/tmp/opened");
+    HelperInstallation::TearDown();
+  }
+  // Has `open` of the bundle note that it was `version` that was asked for a page.
+  static void putOpener(const std::string& version) { putHelper("open", version + " \"$@\" >>/tmp/opened"); }
+};
+
+TEST_F(PageOpening, IsTheCopysTask) {
+  putOpener("copy");
+  run("install");
+  putOpener("bundle");
+  run("open");
+  EXPECT_EQ(read("/tmp/opened"), "copy http://a\n");
+}
+
+TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereThePrivateFolderIsRefused) {
+  putOpener("bundle");
+  fs::create_symlink("/tmp", "/tmp/run/TovalinTray");
+  run("install");
+  run("open");
+  EXPECT_EQ(read("/tmp/opened"), "bundle http://a\n");
+}
+
+TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereTheCopyIsMissing) {
+  putOpener("bundle");
+  run("open");
+  EXPECT_EQ(read("/tmp/opened"), "bundle http://a\n");
+}
+
+TEST_F(PageOpening, IsNotTriedAgainWhenTheCopyFails) {
+  putHelper("open", "copy >>/tmp/opened; exit 1");
+  run("install");
+  run("open");
+  EXPECT_EQ(read("/tmp/opened"), "copy\n");
+}
+
 }  // namespace
