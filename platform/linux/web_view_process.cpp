@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <utility>
@@ -64,14 +65,16 @@ void reapOnceEnded(pid_t child, const std::shared_ptr<const FileDescriptor>& han
 void WebViewProcess::send(const std::string& program, const std::string& address) {
   if (address.size() > kLongestAddress || address.find('\n') != std::string::npos) return;
   const std::string line = address + '\n';
+  reapUnwatched();
   if (isStuck()) end();
   if (!write(line) && start(program)) static_cast<void>(write(line));
 }
 
-// False when nobody reads. Each write is one packet, so that a line arrives whole or not at all.
+// False when nobody reads. Each write is one packet, so that a line arrives whole or not at all; one that the
+// system's buffers can't hold is lost on a new program too.
 bool WebViewProcess::write(const std::string& line) {
   const ssize_t written = ::send(line_.get(), line.data(), line.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-  if (written < 0) return errno == EAGAIN || errno == ENOBUFS || errno == ENOMEM;
+  if (written < 0) return errno == EAGAIN || errno == ENOBUFS || errno == ENOMEM || errno == EMSGSIZE;
   if (!unreadSince_) unreadSince_ = Clock::now();
   return true;
 }
@@ -87,7 +90,11 @@ bool WebViewProcess::start(const std::string& program) {
   if (pid_ < 0) return false;
   line_ = std::move(own);
   handle_ = openHandle(pid_);
-  if (handle_->valid()) reapOnceEnded(pid_, handle_);
+  if (handle_->valid()) {
+    reapOnceEnded(pid_, handle_);
+  } else {
+    unwatched_.push_back(pid_);
+  }
   return true;
 }
 
@@ -97,10 +104,20 @@ bool WebViewProcess::isStuck() {
   return unreadSince_ && Clock::now() - *unreadSince_ > patience_;
 }
 
-// With all that it has started, while its number still stands for it.
+// While its number still stands for it: it has not been reaped.
+bool WebViewProcess::isRunning() const {
+  if (handle_ != nullptr && handle_->valid()) return !hasEnded(*handle_);
+  return std::ranges::find(unwatched_, pid_) != unwatched_.end();
+}
+
+// With all that it has started.
 void WebViewProcess::end() {
-  if (handle_ != nullptr && handle_->valid() && !hasEnded(*handle_)) ::kill(-pid_, SIGKILL);
+  if (isRunning()) ::kill(-pid_, SIGKILL);
   line_.reset();
+}
+
+void WebViewProcess::reapUnwatched() {
+  std::erase_if(unwatched_, [](pid_t child) { return ::waitpid(child, nullptr, WNOHANG) != 0; });
 }
 
 }  // namespace platform

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/file_descriptor.h"
 
@@ -28,12 +29,15 @@ class WebViewProcess {
   [[nodiscard]] bool write(const std::string& line);
   [[nodiscard]] bool start(const std::string& program);
   [[nodiscard]] bool isStuck();
+  [[nodiscard]] bool isRunning() const;
   void end();
+  void reapUnwatched();
 
   Clock::duration patience_;
   FileDescriptor line_;
   pid_t pid_ = -1;
   std::shared_ptr<const FileDescriptor> handle_;  // readable once the program has ended
+  std::vector<pid_t> unwatched_;  // programs that the system gave no handle for, until they are reaped
   std::optional<Clock::time_point> unreadSince_;
 };
 

@@ -4,16 +4,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "tests/platform/event_loop.h"
 #include "tests/platform/helpers/helper_run.h"
 #include "tests/platform/helpers/web_processes.h"
+#include "tests/platform/refused_call.h"
 
 namespace {
 
@@ -173,6 +178,59 @@ TEST_F(WebViewProcessTest, ProgramIsFreeOfItsStarter) {
   EXPECT_THAT(helper_test::fieldsAfter(report, "fd0=socket:"), SizeIs(1));
   EXPECT_THAT(helper_test::fieldsAfter(report, "fd1=/dev/null"), SizeIs(1));
   EXPECT_THAT(helper_test::fieldsAfter(report, "fd2=/dev/null"), SizeIs(1));
+}
+
+// Where the system has no handles of processes, or keeps them from us.
+class WebViewProcessUnwatched : public WebViewProcessTest, public testing::WithParamInterface<int> {
+ protected:
+  // Nobody reaps the last program before the next address.
+  void TearDown() override {
+    process_.reset();
+    EXPECT_TRUE(test_support::waitUntil([] { return ::waitpid(-1, nullptr, WNOHANG) > 0; }));
+    WebViewProcessTest::TearDown();
+  }
+  void withoutHandles(const std::function<void()>& work) {
+    ASSERT_TRUE(withRefusedCall(SYS_pidfd_open, GetParam(), work));
+  }
+};
+
+TEST_P(WebViewProcessUnwatched, ProgramThatDiedIsReapedAtTheNextAddress) {
+  withoutHandles([this] {
+    send("http://a");
+    ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
+    killProgram();
+    EXPECT_TRUE(web_view_test::hasZombie());
+    send("http://b");
+    EXPECT_FALSE(web_view_test::hasZombie());
+    EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://b"));
+  });
+}
+
+TEST_P(WebViewProcessUnwatched, ProgramThatIsStuckGivesWayToANewOne) {
+  process_ = std::make_unique<WebViewProcess>(100ms);
+  withoutHandles([this] {
+    helper_test::writeProgram(program_ + " stuck", "exec sleep 1000");
+    process_->send(program_ + " stuck", "http://a");
+    ASSERT_TRUE(test_support::waitUntil([&] {
+      send("http://b");
+      return fs::exists(told_);
+    }));
+    EXPECT_THAT(toldAfter(1), testing::Each("http://b"));
+    EXPECT_THAT(web_view_test::processesNamed("sleep"), IsEmpty());
+    send("http://b");
+    EXPECT_FALSE(web_view_test::hasZombie());
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Refusals, WebViewProcessUnwatched, testing::Values(ENOSYS, EPERM));
+
+TEST_F(WebViewProcessTest, AddressThatTheSystemCannotHoldIsDroppedAndTheProgramKept) {
+  send("http://a");
+  ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
+  ASSERT_TRUE(withRefusedCall(SYS_sendto, EMSGSIZE, [this] { send("http://b"); }));
+  send("http://c");
+  EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://c"));
+  EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 
 }  // namespace

@@ -17,6 +17,8 @@
 #include "tests/platform/helpers/helper_run.h"
 #include "tests/platform/helpers/page_server.h"
 #include "tests/platform/helpers/web_processes.h"
+#include "tests/platform/traced_process.h"
+#include "tests/support/child_process.h"
 
 namespace {
 
@@ -89,17 +91,51 @@ TEST_F(WebViewTest, MissingHelperDoesNoHarm) {
   EXPECT_TRUE(server_.waitFor("/page"));
 }
 
-TEST_F(WebViewTest, NoAddressIsLostAroundTheEndOfAnIdleHelper) {
-  const std::string folder = helper_test::newFolder();
-  helper_test::writeProgram(folder + "/helper", "exec " + helper_test::helper(kHelper) + " --idle-seconds 1");
-  platform::WebViewProcess process;
-  process.send(folder + "/helper", server_.address("/first"));
-  ASSERT_TRUE(server_.waitFor("/first"));
+// A helper that has nothing to do any more a second after its load.
+class WebViewIdleEnd : public WebViewTest {
+ protected:
+  void SetUp() override {
+    helper_test::writeProgram(folder_ + "/helper",
+                              "exec " + helper_test::helper(kHelper) + " --idle-seconds 1");
+    send("/first");
+    ASSERT_TRUE(server_.waitFor("/first"));
+    ASSERT_THAT(processesNamed(kHelper), SizeIs(1));
+  }
+  void TearDown() override {
+    EXPECT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
+    fs::remove_all(folder_);
+    WebViewTest::TearDown();
+  }
+  void send(const std::string& path) { process_.send(folder_ + "/helper", server_.address(path)); }
+
+  const std::string folder_ = helper_test::newFolder();
+  platform::WebViewProcess process_;
+};
+
+TEST_F(WebViewIdleEnd, AddressThatComesAfterItGoesToANewHelper) {
   ASSERT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
-  process.send(folder + "/helper", server_.address("/second"));
+  send("/second");
   EXPECT_TRUE(server_.waitFor("/second"));
-  EXPECT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
-  fs::remove_all(folder);
+}
+
+TEST_F(WebViewIdleEnd, AddressThatComesBeforeTheHelperStopsReadingIsLoaded) {
+  TracedProcess helper(processesNamed(kHelper).front());
+  ASSERT_TRUE(helper.runToEndOfReading());
+  send("/second");
+  helper.letGo();
+  EXPECT_TRUE(server_.waitFor("/second"));
+}
+
+// The caller is gone before the page has come, and its script calls back later still.
+TEST_F(WebViewTest, PageIsLoadedThoughTheCallersProcessWasKilled) {
+  server_.put("/page", "<script>fetch('/script')</script>");
+  server_.holdBack();
+  test_support::ChildProcess caller;
+  ASSERT_TRUE(caller.start({WEB_VIEW_CALLER, helper_test::helper(kHelper), server_.address("/page")}));
+  ASSERT_EQ(caller.wait(), test_support::ExitStatus{.signal = SIGKILL});
+  ASSERT_TRUE(server_.waitFor("/page"));
+  server_.letGo();
+  EXPECT_TRUE(server_.waitFor("/script"));
 }
 
 }  // namespace
