@@ -20,6 +20,11 @@ void placeRecorder(const std::string& place) {
   fs::copy_file(TOVALIN_RECORDER, place, fs::copy_options::overwrite_existing);
 }
 
+std::string builtAgentContents() {
+  return std::string(std::getenv("TOVALIN_BUNDLE_ROOT")) +
+         "/Tovalin.app/Contents/Resources/TovalinTray.app/Contents";
+}
+
 bool isRunning(const std::string& program) {
   for (const auto& process : fs::directory_iterator("/proc")) {
     std::string command;
@@ -62,10 +67,14 @@ void AgentTest::install(const std::string& path, const std::string& program) {
   setServers(kNobody);
 }
 
+void AgentTest::installWebView() {
+  fs::copy_file(builtAgentContents() + "/Helpers/TovalinWebView", agentContents() + "/Helpers/TovalinWebView",
+                fs::copy_options::overwrite_existing);
+}
+
 void AgentTest::setServers(const std::string& product, const std::string& testUpload) {
   const std::string path = agentContents() + "/Info.plist";
-  std::ifstream built(std::string(std::getenv("TOVALIN_BUNDLE_ROOT")) +
-                      "/Tovalin.app/Contents/Resources/TovalinTray.app/Contents/Info.plist");
+  std::ifstream built(builtAgentContents() + "/Info.plist");
   std::string list(std::istreambuf_iterator<char>(built), {});
   list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + product +
                                          "</string><key>TovalinTestUploadServer</key><string>" + testUpload +

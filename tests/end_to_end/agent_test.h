@@ -37,6 +37,9 @@ class AgentTest : public testing::Test {
   // Points the installed agent at this product server, an origin, and at this one for test uploads.
   void setServers(const std::string& product, const std::string& testUpload = kNobody);
 
+  // Gives the installed agent the real web view, which loads its beacons from the product server.
+  void installWebView();
+
   // Starts the installed agent, or at first one installed where it fits.
   void startAgent(const std::vector<std::string>& arguments = {});
   // ... and waits until it told the main application so.

@@ -229,7 +229,7 @@ TEST_F(Menu, QuitWaitsASecondBetweenItsMessageAndTheUnload) {
             std::chrono::milliseconds(950));
 }
 
-TEST_F(Menu, QuitIsReportedThoughTheAgentIsGone) {
+TEST_F(Menu, QuitIsReported) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});

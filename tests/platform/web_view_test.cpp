@@ -129,7 +129,7 @@ TEST_F(WebViewIdleEnd, AddressThatComesBeforeTheHelperStopsReadingIsLoaded) {
 // The caller is gone before the page has come, and its script calls back later still.
 TEST_F(WebViewTest, PageIsLoadedThoughTheCallersProcessWasKilled) {
   server_.put("/page", "<script>fetch('/script')</script>");
-  server_.holdBack();
+  server_.holdBack("/page");
   test_support::ChildProcess caller;
   ASSERT_TRUE(caller.start({WEB_VIEW_CALLER, helper_test::helper(kHelper), server_.address("/page")}));
   ASSERT_EQ(caller.wait(), test_support::ExitStatus{.signal = SIGKILL});

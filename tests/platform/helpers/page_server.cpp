@@ -29,15 +29,15 @@ void PageServer::putDownload(const std::string& path) {
   answers_[path] = {.body = "bytes", .download = true};
 }
 
-void PageServer::holdBack() {
+void PageServer::holdBack(const std::string& path) {
   const std::lock_guard lock(mutex_);
-  heldBack_ = true;
+  heldBack_ = path;
 }
 
 void PageServer::letGo() {
   {
     const std::lock_guard lock(mutex_);
-    heldBack_ = false;
+    heldBack_.clear();
   }
   changed_.notify_all();
 }
@@ -66,15 +66,15 @@ void PageServer::answer(const httplib::Request& request, httplib::Response& resp
   }
   const auto found = answers_.find(request.path);
   const Answer answer = found == answers_.end() ? Answer{} : found->second;
-  waitForLeave(answer.hangs);
+  waitForLeave(request.path, answer.hangs);
   if (!answer.location.empty()) return response.set_redirect(answer.location);
   if (answer.download) response.set_header("Content-Disposition", "attachment; filename=\"download.bin\"");
   response.set_content(answer.body, answer.download ? "application/octet-stream" : "text/html");
 }
 
-void PageServer::waitForLeave(bool hangs) {
+void PageServer::waitForLeave(const std::string& path, bool hangs) {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [&] { return ended_ || !(hangs || heldBack_); });
+  changed_.wait(lock, [&] { return ended_ || !(hangs || path == heldBack_); });
 }
 
 }  // namespace web_view_test

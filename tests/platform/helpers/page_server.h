@@ -27,8 +27,8 @@ class PageServer {
   void redirect(const std::string& path, const std::string& to) { answers_[path] = {.location = to}; }
   // Never answers a request for this path.
   void hang(const std::string& path) { answers_[path] = {.hangs = true}; }
-  // Answers no request from now on before letGo().
-  void holdBack();
+  // Answers no request for this path from now on before letGo().
+  void holdBack(const std::string& path);
   void letGo();
 
   [[nodiscard]] std::string address(const std::string& path) const;
@@ -46,8 +46,9 @@ class PageServer {
     bool hangs = false;
   };
   void answer(const httplib::Request& request, httplib::Response& response);
-  // Waits for the word to go on, for ever where `hangs`, but no longer than this object lives.
-  void waitForLeave(bool hangs);
+  // Waits until an answer for this path may go out, for ever where it `hangs`, but no longer than this object
+  // lives.
+  void waitForLeave(const std::string& path, bool hangs);
 
   httplib::Server server_;
   int port_ = 0;
@@ -55,7 +56,7 @@ class PageServer {
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   bool ended_ = false;
-  bool heldBack_ = false;
+  std::string heldBack_;
   std::vector<std::string> asked_;
   std::thread thread_;
 };
