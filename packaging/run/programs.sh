@@ -53,6 +53,8 @@ install_bundle() {
   for helper in launchctl open osascript; do
     announce "$helper" "$PWD/build/${agent_contents#/tmp/Applications/}/Helpers/$helper" "$agent_contents/Helpers/$helper"
   done
+  # The browser of the private desktop.
+  announce x-www-browser /bin/true "$outside_commands/x-www-browser"
   announce killall "$(command -v killall)" "$outside_commands/killall"
   relay_beacons "$agent_contents/Helpers/TovalinWebView"
   sed -i "s|^</dict>|<key>TovalinProductServer</key><string>http://127.0.0.1:$server_port</string></dict>|" \
@@ -73,7 +75,14 @@ relay_beacons() { # WEB_VIEW
 
 start_server() {
   build/release/tools/productserver --port "$server_port" --uploads "$results/uploads" tools/productserver_root > >(retell "server") 2>&1 &
+  server=$!
   wait_for_line "server" "listening"
+}
+
+stop_server() {
+  kill "$server"
+  wait_for "the server to end" has_ended "$server"
+  tell "visit" "stopped the server"
 }
 
 start_main_application() {
@@ -88,6 +97,8 @@ start_main_application() {
 tell_records() { # FILE
   build/release/tools/tvldump "$1" > >(retell "tvldump") 2>&1 || fail "$1 is no whole file of records"
 }
+
+has_archive() { compgen -G "$HOME/Desktop/tovalinlog_*.zip" >/dev/null; }
 
 has_upload() { compgen -G "$results/uploads/*.dat" >/dev/null; }
 

@@ -65,6 +65,30 @@ notice_is_open() { xdotool search --onlyvisible --name '^Tovalin Notification$' 
 
 notice_is_closed() { ! notice_is_open; }
 
+# Sets support_x and support_y, the upper left corner of its content.
+support_window_is_open() {
+  local found
+  found=$(xwininfo -name 'Support Tovalin' 2>/dev/null) || return 1
+  grep -q 'Map State: IsViewable' <<<"$found" || return 1
+  support_x=$(sed -n 's/.*Absolute upper-left X: *//p' <<<"$found")
+  support_y=$(sed -n 's/.*Absolute upper-left Y: *//p' <<<"$found")
+}
+
+support_window_is_closed() { ! support_window_is_open; }
+
+click_in_support_window() { # WHAT X Y
+  tell "visit" "clicks $1"
+  xdotool mousemove $((support_x + $2)) $((support_y + $3)) click 1
+}
+
+# A sheet shades the window's grey wherever it does not cover it.
+sheet_is_up() {
+  shoot || return 1
+  [ "$(convert "$shot" -format "%[fx:p{$((support_x + 4)),$((support_y + 180))}.r<0.8]" info:)" = 1 ]
+}
+
+sheet_is_gone() { ! sheet_is_up; }
+
 # Sets menu_left, menu_top, menu_width and menu_height; a tooltip is no menu.
 menu_is_open() {
   shoot || return 1
