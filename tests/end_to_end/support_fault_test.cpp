@@ -11,7 +11,6 @@ namespace {
 using namespace std::chrono_literals;
 using test_support::RawConnection;
 using test_support::waitUntil;
-using testing::ElementsAre;
 
 const std::string redPath = bannerFolder + std::string("red.ppm");
 

@@ -10,7 +10,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using test_support::ChildProcess;
 using test_support::waitUntil;
 using testing::ElementsAre;
 using testing::SizeIs;

@@ -4,7 +4,6 @@
 
 namespace {
 
-using test_support::waitUntil;
 using testing::ElementsAre;
 
 constexpr const char* openUpdater = "run: open /tmp/tovalinupdate.app";
