@@ -1,15 +1,21 @@
 // The agent's start and memory, beside those of the least program with an icon and a menu in the panel.
 
+#include <signal.h>
+
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "tests/bench/pairs.h"
 #include "tests/bench/process_tree.h"
+#include "tests/platform/helpers/page_server.h"
+#include "tests/platform/helpers/web_processes.h"
 #include "tests/support/child_process.h"
 #include "tests/support/message_fifo.h"
 #include "tests/support/portal_double.h"
@@ -62,6 +68,13 @@ class Desktop {
     if (!program_.wait()) giveUp("a program did not end");
     if (!host_.waitForEvent("unregistered")) giveUp("an icon did not go");
     static_cast<void>(pipe_.receive());
+    endWebView();
+  }
+
+  // It would outlive the agent for a while and slow down the next start.
+  static void endWebView() {
+    for (const pid_t process : web_view_test::processesNamed("TovalinWebView")) ::kill(process, SIGTERM);
+    if (!web_view_test::waitForNoWebProcess()) giveUp("the web view did not end");
   }
 
   Milliseconds startAndEnd(const std::string& program) {
@@ -70,9 +83,9 @@ class Desktop {
     return took;
   }
 
-  bench::Memory memory(const std::string& program) {
+  bench::Memory memory(const std::string& program, std::chrono::seconds after = settled) {
     static_cast<void>(start(program));
-    std::this_thread::sleep_for(settled);
+    std::this_thread::sleep_for(after);
     const bench::Memory memory = bench::memoryOf(bench::processTree(program_.pid()));
     end();
     return memory;
@@ -96,21 +109,48 @@ void measureStarts(Desktop& desktop) {
 }
 
 // What is shared depends on which other programs run; what a program has written itself does not.
-void measureMemory(Desktop& desktop) {
+void measureMemory(Desktop& desktop, const std::string& contents) {
+  std::filesystem::remove(contents + "/Helpers/TovalinWebView");
+  const std::string program = contents + "/MacOS/TovalinTray";
   std::vector<double> ourOwn, referencesOwn;
-  const auto measure = [&](const char* program, std::vector<double>& own) {
-    const bench::Memory memory = desktop.memory(program);
+  const auto measure = [&](const std::string& measured, std::vector<double>& own) {
+    const bench::Memory memory = desktop.memory(measured);
     own.push_back(memory.own);
     return memory.proportional;
   };
-  bench::print({.what = "memory 2 s after the start (Pss)",
+  bench::print({.what = "memory 2 s after the start, no web view (Pss)",
                 .unit = "KiB",
                 .pairs = bench::runPairs(
-                    pairsOfMemory, [&] { return measure(agent, ourOwn); },
+                    pairsOfMemory, [&] { return measure(program, ourOwn); },
                     [&] { return measure(bareTray, referencesOwn); })});
   bench::Result own{.what = "... of it written by the program itself", .unit = "KiB"};
   for (std::size_t i = 0; i < ourOwn.size(); ++i) own.pairs.push_back({ourOwn[i], referencesOwn[i]});
   bench::print(own);
+}
+
+// A copy of the agent's bundle whose product server is `origin`.
+std::string copyBundle(const std::string& origin) {
+  namespace fs = std::filesystem;
+  const fs::path contents = "/tmp/Bench.app/Contents/Resources/TovalinTray.app/Contents";
+  fs::create_directories(contents);
+  fs::copy(fs::path(agent).parent_path().parent_path(), contents, fs::copy_options::recursive);
+  std::ifstream built(contents / "Info.plist");
+  std::string list(std::istreambuf_iterator<char>(built), {});
+  list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + origin + "</string>");
+  std::ofstream(contents / "Info.plist") << list;
+  return contents;
+}
+
+// Each start sends beacons, for which the helper and its engine are there for a minute.
+void measureMemoryWithBeacons(Desktop& desktop, const std::string& contents) {
+  const std::string program = contents + "/MacOS/TovalinTray";
+  const auto measure = [&](const std::string& what, int runs, std::chrono::seconds after) {
+    bench::Result result{.what = what, .unit = "KiB", .hasReference = false};
+    for (int i = 0; i < runs; ++i) result.pairs.push_back({desktop.memory(program, after).proportional, 0});
+    bench::print(result);
+  };
+  measure("memory 2 s after a beacon, the web view there (Pss)", 3, settled);
+  measure("... 65 s after it", 1, 65s);
 }
 
 }  // namespace
@@ -120,5 +160,8 @@ int main() {
   // The first start of each finds its files on the disk.
   for (const char* program : {agent, bareTray}) static_cast<void>(desktop.startAndEnd(program));
   measureStarts(desktop);
-  measureMemory(desktop);
+  const web_view_test::PageServer server;
+  const std::string contents = copyBundle(server.address(""));
+  measureMemoryWithBeacons(desktop, contents);
+  measureMemory(desktop, contents);
 }

@@ -14,7 +14,9 @@
 
 #include <QCoreApplication>
 
+#include "app/nimbatrayAppDelegate.h"
 #include "platform/linux/web_view_process.h"
+#include "platform/web_view.h"
 #include "tests/bench/pairs.h"
 #include "tests/bench/process_tree.h"
 #include "tests/platform/event_loop.h"
@@ -43,6 +45,11 @@ void awaitEnd() {
   if (!serveEventsUntil([] { return web_view_test::webProcesses().empty(); }, 90s)) std::abort();
 }
 
+void endHelpers() {
+  for (const pid_t started : web_view_test::processesNamed("TovalinWebView")) ::kill(started, SIGTERM);
+  awaitEnd();
+}
+
 void loadAndAwait(platform::WebViewProcess& process, web_view_test::PageServer& server, int number) {
   const std::string page = "/page?" + std::to_string(number);
   process.send(helper, server.address(page));
@@ -67,13 +74,38 @@ void measureLoads(web_view_test::PageServer& server) {
   for (const int end : ends) ::close(end);
 }
 
+// As the delegate sends it, which reads the product server from the bundle each time.
+void measureBeacons() {
+  nimbatrayAppDelegate delegate;
+  platform::WebView view({0, 0, 1, 1});
+  delegate.gaWebView = &view;
+  const auto send = [&] { return timeOf([&] { delegate.notificateGA("clickaction", "turnon"); }); };
+  static_cast<void>(send());
+  if (!serveEventsUntil([] { return !web_view_test::processesNamed("WebKitWebProces").empty(); }, 90s))
+    std::abort();
+  bench::Result result{.what = "a beacon, the helper running", .unit = "us", .hasReference = false};
+  for (int i = 0; i < loads; ++i) result.pairs.push_back({send(), 0});
+  bench::print(result);
+}
+
+void measureBeaconsThatStart() {
+  bench::Result result{.what = "a beacon that starts the helper", .unit = "us", .hasReference = false};
+  for (int i = 0; i < starts; ++i) {
+    nimbatrayAppDelegate delegate;
+    platform::WebView view({0, 0, 1, 1});
+    delegate.gaWebView = &view;
+    result.pairs.push_back({timeOf([&] { delegate.notificateGA("clickaction", "turnon"); }), 0});
+    endHelpers();
+  }
+  bench::print(result);
+}
+
 void measureStarts(web_view_test::PageServer& server) {
   bench::Result result{.what = "a load that starts the helper", .unit = "us", .hasReference = false};
   for (int i = 0; i < starts; ++i) {
     platform::WebViewProcess process;
     result.pairs.push_back({timeOf([&] { process.send(helper, server.address("/page")); }), 0});
-    for (const pid_t started : web_view_test::processesNamed("TovalinWebView")) ::kill(started, SIGTERM);
-    awaitEnd();
+    endHelpers();
   }
   bench::print(result);
 }
@@ -86,8 +118,7 @@ void measureMemory(web_view_test::PageServer& server) {
     loadAndAwait(process, server, 1000 + i);
     std::this_thread::sleep_for(settled);
     result.pairs.push_back({bench::memoryOf(web_view_test::webProcesses()).proportional, 0});
-    for (const pid_t started : web_view_test::processesNamed("TovalinWebView")) ::kill(started, SIGTERM);
-    awaitEnd();
+    endHelpers();
   }
   bench::print(result);
 }
@@ -115,6 +146,9 @@ int main(int argc, char** argv) {
   measureLoads(server);
   awaitEnd();
   measureStarts(server);
+  measureBeacons();
+  endHelpers();
+  measureBeaconsThatStart();
   measureMemory(server);
   measureIdleTime(server);
 }
