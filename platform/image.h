@@ -49,8 +49,8 @@ class Image {
 // is no picture. Main thread.
 [[nodiscard]] std::shared_ptr<Image> imageNamed(std::string_view name);
 
-// A fresh image of picture data in any format that the desktop reads, one point to the pixel. Nothing when it
-// is no picture, or one whose pixels would take more than 64 MB. Main thread.
+// A fresh image of picture data in any format of pixels that the desktop reads, one point to the pixel.
+// Nothing when it is no such picture, or one whose pixels would take more than 64 MB. Main thread.
 [[nodiscard]] std::shared_ptr<Image> imageWithData(std::string_view bytes);
 
 // Drawing into an image, for as long as this object lives; the image must outlive it. Main thread.

@@ -1,6 +1,7 @@
 #include "platform/image.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <QBuffer>
@@ -28,16 +29,26 @@ QImage emptyForm(Size size) {
   return form;
 }
 
+// Names a file as it is now.
+QString versionOf(const QString& path) {
+  const QFileInfo file(path);
+  return path + QString::asprintf(" %lld %lld", file.size(), file.lastModified().toMSecsSinceEpoch());
+}
+
 // Decoding a large picture takes some milliseconds, so it is kept for as long as it is asked for.
 QImage pixelsIn(const QString& path) {
-  const QFileInfo file(path);
-  const QString version =
-      QString::asprintf(" %lld %lld", file.size(), file.lastModified().toMSecsSinceEpoch());
-  return keptPixels(path + version, [&] {
+  return keptPixels(versionOf(path), [&] {
     QImage pixels(path);
     pixels.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
     return pixels;
   });
+}
+
+// Drawings are documents of their own kind, whose size says nothing about what they take.
+bool isPixelFormat(const QByteArray& format) {
+  constexpr std::array formats = {"png", "jpg",  "jpeg", "gif", "bmp", "webp",
+                                  "tif", "tiff", "pbm",  "pgm", "ppm"};
+  return std::ranges::any_of(formats, [&](const char* known) { return format == known; });
 }
 
 QString withScaleSuffix(const QString& path) {
@@ -106,6 +117,7 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   if (plain.isNull()) return nullptr;
 
   std::shared_ptr<Image> image(new Image);
+  image->impl_->name = versionOf(path);
   image->impl_->size =
       image->impl_->naturalSize = {static_cast<double>(plain.width()), static_cast<double>(plain.height())};
   image->impl_->forms.push_back(std::move(plain));
@@ -117,6 +129,7 @@ std::shared_ptr<Image> imageWithData(std::string_view bytes) {
   QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
   QBuffer buffer(&data);
   QImageReader reader(&buffer);
+  if (!isPixelFormat(reader.format())) return nullptr;
   // Told before anything is decoded; formats that don't tell are held to it by the limit.
   const QSize size = reader.size();
   if (4.0 * size.width() * size.height() > maxBytesOfData) return nullptr;

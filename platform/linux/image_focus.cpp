@@ -15,14 +15,17 @@ QRectF partInPixels(const Image::Impl& image, const QImage& form, Rect from) {
 }
 
 // The painter's own smoothing looks at four neighbours only and drops lines when it shrinks much, so pixels
-// are averaged by area. The same picture is mostly asked for in the same size again.
-QImage averaged(const QImage& form, QRect part, QSize size) {
-  const QString key = QString::asprintf("%lld %d %d %d %d %d %d", form.cacheKey(), part.x(), part.y(),
-                                        part.width(), part.height(), size.width(), size.height());
-  return keptPixels(key, [&] {
+// are averaged by area. A picture with a name is mostly asked for in the same size again; others would only
+// take the room of those.
+QImage averaged(const QString& name, const QImage& form, QRect part, QSize size) {
+  const auto average = [&] {
     const QImage piece = part == form.rect() ? form : form.copy(part);
     return piece.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-  });
+  };
+  if (name.isEmpty()) return average();
+  const QString key = QString::asprintf(" %d %d %d %d %d %d %d", form.width(), part.x(), part.y(),
+                                        part.width(), part.height(), size.width(), size.height());
+  return keptPixels(name + key, average);
 }
 
 }  // namespace
@@ -56,7 +59,7 @@ void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOpera
   const bool averages = impl_->interpolation == ImageInterpolation::High;
   // What covers the whole of it takes its place, which spares a copy of all pixels.
   if (averages && operation == CompositingOperation::Copy && fraction == 1.0 && to == QRectF(canvas.rect())) {
-    canvas = averaged(form, part, canvas.size()).convertToFormat(canvas.format());
+    canvas = averaged(source.impl().name, form, part, canvas.size()).convertToFormat(canvas.format());
     return;
   }
   QPainter painter(&canvas);
@@ -64,7 +67,7 @@ void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOpera
                                                                      : QPainter::CompositionMode_SourceOver);
   painter.setOpacity(fraction);
   if (averages) {
-    painter.drawImage(to.topLeft(), averaged(form, part, to.size().toSize()));
+    painter.drawImage(to.topLeft(), averaged(source.impl().name, form, part, to.size().toSize()));
     return;
   }
   painter.setRenderHint(QPainter::SmoothPixmapTransform, impl_->interpolation == ImageInterpolation::Low);

@@ -4,6 +4,7 @@
 
 #include <QImage>
 #include <QPixmap>
+#include <QString>
 
 #include "platform/image.h"
 
@@ -13,6 +14,8 @@ struct Image::Impl {
   Size size;
   Size naturalSize;
   bool scalesWhenResized = false;
+  // Names the picture where it will be asked for again; empty for one that comes and goes.
+  QString name;
   // The same picture at rising numbers of pixels; empty when there is none.
   std::vector<QImage> forms;
 

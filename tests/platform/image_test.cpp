@@ -6,7 +6,9 @@
 #include <limits>
 #include <string>
 
+#include <QBuffer>
 #include <QGuiApplication>
+#include <QImage>
 
 #include "platform/linux/image_impl.h"
 
@@ -76,6 +78,52 @@ TEST(Image, IsInvalidWithoutAreaOrBeyondAllBounds) {
     EXPECT_FALSE(image.isValid()) << size.width << " by " << size.height;
     EXPECT_EQ(image.pixelSize(), Size{});
   }
+}
+
+std::string encoded(const QImage& image, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  EXPECT_TRUE(image.save(&buffer, format));
+  return bytes.toStdString();
+}
+
+QImage pixels(int width, int height, QImage::Format format = QImage::Format_RGB32) {
+  QImage image(width, height, format);
+  image.fill(Qt::red);
+  return image;
+}
+
+TEST(ImageWithData, HasOnePointToThePixel) {
+  for (const char* format : {"PNG", "JPG", "BMP", "PPM"}) {
+    const auto image = imageWithData(encoded(pixels(42, 4), format));
+    ASSERT_NE(image, nullptr) << format;
+    EXPECT_EQ(image->size(), (Size{42, 4}));
+    EXPECT_EQ(image->pixelSize(), (Size{42, 4}));
+  }
+}
+
+TEST(ImageWithData, IsNothingForWhatIsNoPicture) {
+  const std::string png = encoded(pixels(42, 4), "PNG");
+  for (const std::string& bytes : {std::string(), std::string("text"), png.substr(0, 20), png.substr(1)})
+    EXPECT_EQ(imageWithData(bytes), nullptr);
+}
+
+// 4096 by 4096 pixels of four bytes are 64 MB.
+TEST(ImageWithData, MayTake64MegabytesAndNoMore) {
+  EXPECT_NE(imageWithData(encoded(pixels(4096, 4096), "PNG")), nullptr);
+  EXPECT_EQ(imageWithData(encoded(pixels(4096, 4097), "PNG")), nullptr);
+  EXPECT_EQ(imageWithData(encoded(pixels(4096, 3000, QImage::Format_RGBA64), "PNG")), nullptr);
+}
+
+TEST(ImageWithData, BombIsToldByItsHead) {
+  std::string bomb = encoded(pixels(1, 1), "BMP");
+  // Width and height, in the head of a BMP file.
+  for (const std::size_t at : {18u, 22u}) bomb.replace(at, 4, std::string("\x30\x75\0\0", 4));
+  EXPECT_EQ(imageWithData(bomb), nullptr);
+}
+
+TEST(ImageWithData, DrawingIsNoPicture) {
+  EXPECT_EQ(imageWithData("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"42\" height=\"4\"/>"), nullptr);
 }
 
 TEST(ImageFocus, DrawsNothingIntoOrFromAnInvalidImage) {
