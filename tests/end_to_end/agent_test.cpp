@@ -177,6 +177,20 @@ int AgentTest::recordsLike(const std::string& bytes) {
   return found;
 }
 
+long AgentTest::ownMemoryInKilobytes() const {
+  std::ifstream file("/proc/" + std::to_string(agent_.pid()) + "/smaps_rollup");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("Anonymous:")) return std::stol(line.substr(10));
+  }
+  ADD_FAILURE() << "the agent's memory can't be read";
+  return 0;
+}
+
+long AgentTest::descriptors() const {
+  const std::filesystem::directory_iterator open("/proc/" + std::to_string(agent_.pid()) + "/fd");
+  return std::distance(begin(open), end(open));
+}
+
 std::string AgentTest::runOnDisplay(const std::vector<std::string>& command) {
   ChildProcess tool;
   ChildOptions options;

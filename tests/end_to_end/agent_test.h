@@ -72,6 +72,10 @@ class AgentTest : public testing::Test {
   [[nodiscard]] static std::string recordedUsage();
   [[nodiscard]] static int recordsLike(const std::string& bytes);
 
+  // What the running agent has written in memory itself, and how many descriptors it has open.
+  [[nodiscard]] long ownMemoryInKilobytes() const;
+  [[nodiscard]] long descriptors() const;
+
   // Runs a tool of the desktop on the test's display and returns what it prints.
   std::string runOnDisplay(const std::vector<std::string>& command);
 

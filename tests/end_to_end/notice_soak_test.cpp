@@ -21,15 +21,6 @@ class NoticeSoak : public NoticeTest {
     ASSERT_TRUE(hides(isAccessNotice) && hides(isLoadingNotice));
   }
 
-  [[nodiscard]] long ownMemoryInKilobytes() const {
-    std::ifstream file("/proc/" + std::to_string(agent_.pid()) + "/smaps_rollup");
-    for (std::string line; std::getline(file, line);) {
-      if (line.starts_with("Anonymous:")) return std::stol(line.substr(10));
-    }
-    ADD_FAILURE() << "the agent's memory can't be read";
-    return 0;
-  }
-
   // The main thread may still be behind what the listener has read, with windows up; then the size moves.
   [[nodiscard]] long settledMemory() const {
     long before = -1, now = ownMemoryInKilobytes();
@@ -49,11 +40,6 @@ class NoticeSoak : public NoticeTest {
       most = std::max(most, settledMemory());
     }
     return most;
-  }
-
-  [[nodiscard]] long descriptors() const {
-    const std::filesystem::directory_iterator open("/proc/" + std::to_string(agent_.pid()) + "/fd");
-    return std::distance(begin(open), end(open));
   }
 };
 

@@ -17,20 +17,6 @@ class SupportSoak : public SupportTest {
       host_.clearEvents();
     }
   }
-
-  [[nodiscard]] long ownMemoryInKilobytes() const {
-    std::ifstream file("/proc/" + std::to_string(agent_.pid()) + "/smaps_rollup");
-    for (std::string line; std::getline(file, line);) {
-      if (line.starts_with("Anonymous:")) return std::stol(line.substr(10));
-    }
-    ADD_FAILURE() << "the agent's memory can't be read";
-    return 0;
-  }
-
-  [[nodiscard]] long descriptors() const {
-    const std::filesystem::directory_iterator open("/proc/" + std::to_string(agent_.pid()) + "/fd");
-    return std::distance(begin(open), end(open));
-  }
 };
 
 // The first twenty openings warm everything up that is kept for good.
@@ -48,8 +34,7 @@ TEST_F(SupportSoak, OpeningAndClosingCostsNoMemoryAndNoDescriptors) {
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "the address sanitizer keeps freed memory, so the agent's size says nothing here";
 #endif
-  // The toolkit's bounded store of pictures forgets a quarter each half minute of what nobody asks for, and
-  // the room that they had goes back to the system with the next window.
+  // The toolkit forgets kept pictures only after a while, in which the agent's size says too much.
   long end = 0;
   const auto isBack = [&] {
     openAndClose(1);
