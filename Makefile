@@ -2,13 +2,17 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
-.PHONY: build bench soak format check check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz
+.PHONY: build package bench soak format check check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
 	@mkdir -p build
 	@cmake --preset $(PRESET) >build/$(PRESET).configure.log 2>&1 || { cat build/$(PRESET).configure.log; exit 1; }
 	@cmake --build --preset $(PRESET)
+
+# Leaves build/tovalin-tray_VERSION_ARCHITECTURE.deb.
+package: build
+	packaging/deb/build build/$(PRESET) build
 
 # Prints a table and leaves every figure in build/bench.json.
 bench: build
