@@ -2,10 +2,7 @@
 
 #include <algorithm>
 
-#include <QPainter>
-#include <QPushButton>
-#include <QStyleOptionButton>
-
+#include "platform/linux/bezel_button.h"
 #include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
 
@@ -17,7 +14,7 @@ constexpr int sideMargin = 6;
 constexpr double titleSize = 13;
 
 // The bezel is smaller than the button's frame, and so is what takes clicks.
-class PushButton : public QPushButton {
+class PushButton : public BezelButton {
  public:
   std::function<void()> action;
 
@@ -28,22 +25,12 @@ class PushButton : public QPushButton {
   }
 
  protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    QStyleOptionButton option;
-    initStyleOption(&option);
-    option.rect = bezel();
-    style()->drawControl(QStyle::CE_PushButton, &option, &painter, this);
-  }
-
-  bool hitButton(const QPoint& point) const override { return bezel().contains(point); }
-
- private:
-  [[nodiscard]] QRect bezel() const {
+  [[nodiscard]] QRect bezel() const override {
     const int bezelRoom = std::min(bezelHeight, height());
     return {sideMargin, (height() - bezelRoom) / 2, width() - 2 * sideMargin, bezelRoom};
   }
 
+ private:
   // The button is seen to be released before an action that takes its time, which may replace itself or end
   // the button.
   void act() {

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QPainter>
 
+#include "platform/linux/bezel_button.h"
 #include "platform/linux/text_impl.h"
 
 namespace platform {
@@ -76,7 +77,7 @@ Sheet::Sheet(QWidget& window, const SheetContent& content, std::function<void(in
 
 void Sheet::addButtons(const SheetContent& content) {
   for (const QString& title : content.buttons) {
-    auto* button = new QPushButton(withoutMnemonic(title), panel_);
+    auto* button = new BezelButton(withoutMnemonic(title), panel_);
     button->setFont(systemFont(button->font(), fontSize));
     button->setMinimumSize(buttonWidth, buttonHeight);
     const int index = static_cast<int>(buttons_.size());

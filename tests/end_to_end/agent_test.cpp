@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <thread>
+#include <utility>
 
 namespace fs = std::filesystem;
 using test_support::ChildOptions;
@@ -179,11 +181,32 @@ int AgentTest::recordsLike(const std::string& bytes) {
 
 long AgentTest::ownMemoryInKilobytes() const {
   std::ifstream file("/proc/" + std::to_string(agent_.pid()) + "/smaps_rollup");
+  long kilobytes = 0;
   for (std::string line; std::getline(file, line);) {
-    if (line.starts_with("Anonymous:")) return std::stol(line.substr(10));
+    if (line.starts_with("Pss_Anon:") || line.starts_with("Pss_Shmem:"))
+      kilobytes += std::stol(line.substr(line.find(':') + 1));
   }
-  ADD_FAILURE() << "the agent's memory can't be read";
-  return 0;
+  EXPECT_GT(kilobytes, 0) << "the agent's memory can't be read";
+  return kilobytes;
+}
+
+// The main thread may still be behind what was asked of it, with windows up; then the size moves.
+long AgentTest::settledMemory() const {
+  long before = -1, now = ownMemoryInKilobytes();
+  for (int i = 0; i < 100 && now != before; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    before = std::exchange(now, ownMemoryInKilobytes());
+  }
+  return now;
+}
+
+long AgentTest::memoryWithAllPictures(const std::function<void()>& showAll) const {
+  long most = 0;
+  for (int i = 0; i < 3; ++i) {
+    showAll();
+    most = std::max(most, settledMemory());
+  }
+  return most;
 }
 
 long AgentTest::descriptors() const {

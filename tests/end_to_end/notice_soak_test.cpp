@@ -1,8 +1,4 @@
-#include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <thread>
-#include <utility>
 
 #include "tests/end_to_end/notice_fixture.h"
 
@@ -20,27 +16,6 @@ class NoticeSoak : public NoticeTest {
     }
     ASSERT_TRUE(hides(isAccessNotice) && hides(isLoadingNotice));
   }
-
-  // The main thread may still be behind what the listener has read, with windows up; then the size moves.
-  [[nodiscard]] long settledMemory() const {
-    long before = -1, now = ownMemoryInKilobytes();
-    for (int i = 0; i < 100 && now != before; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(200));
-      before = std::exchange(now, ownMemoryInKilobytes());
-    }
-    return now;
-  }
-
-  // The toolkit drops one of the pictures that it keeps every half a minute, which would pass for a gain, and
-  // the next notice reads it again.
-  [[nodiscard]] long memoryWithAllPictures() {
-    long most = 0;
-    for (int i = 0; i < 3; ++i) {
-      showAndHideBoth(1);
-      most = std::max(most, settledMemory());
-    }
-    return most;
-  }
 };
 
 // The first hundred pairs warm everything up that is kept for good.
@@ -51,16 +26,17 @@ TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
   ASSERT_GT(pairs, warmUp);
   launch();
   showAndHideBoth(warmUp);
-  const long memory = memoryWithAllPictures(), open = descriptors();
+  const auto showBoth = [this] { showAndHideBoth(1); };
+  const long memory = memoryWithAllPictures(showBoth), open = descriptors();
   showAndHideBoth(pairs - warmUp);
   EXPECT_TRUE(test_support::waitUntil([&] { return descriptors() == open; }))
       << descriptors() << " for " << open;
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "the address sanitizer keeps freed memory, so the agent's size says nothing here";
 #endif
-  EXPECT_LE(std::labs(memoryWithAllPictures() - memory), 1024);
-  std::printf("%d pairs: %ld kB after %d, %ld kB at the end\n", pairs, memory, warmUp,
-              ownMemoryInKilobytes());
+  const long end = memoryWithAllPictures(showBoth);
+  EXPECT_LE(std::labs(end - memory), 1024);
+  std::printf("%d pairs: %ld kB after %d, %ld kB at the end\n", pairs, memory, warmUp, end);
 }
 
 }  // namespace

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QPushButton>
+
+namespace platform {
+
+// A push button whose bezel may be smaller than itself. Main thread.
+//
+// The style keeps the picture of a bezel under the identity of the palette it was drawn with, and every
+// widget of a window of its own colour has a palette of its own; here the pictures are those of the button
+// before.
+class BezelButton : public QPushButton {
+ public:
+  using QPushButton::QPushButton;
+
+ protected:
+  // What is drawn as the button and takes clicks.
+  [[nodiscard]] virtual QRect bezel() const { return rect(); }
+
+  void paintEvent(QPaintEvent* event) override;
+  [[nodiscard]] bool hitButton(const QPoint& point) const override { return bezel().contains(point); }
+};
+
+}  // namespace platform
