@@ -24,7 +24,12 @@ class ImageView : public View {
   // nullptr shows nothing. The view keeps the image.
   void setImage(std::shared_ptr<Image> image);
 
-  // The main button was released over the view after it was pressed there. Does nothing here.
+  // Whether the keyboard reaches the view, where Return and Space are a click in its middle, and assistive
+  // programs are told of a link. Not at first; to be set before the view shows.
+  void setActsAsLink(bool acts);
+
+  // The main button was released over the view after it was pressed there. Does nothing
+  // here.
   virtual void mouseUp(const MouseEvent& event);
 
   // Asked each time the pointer comes into the view: it then tells its cursor rectangles with addCursorRect.

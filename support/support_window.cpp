@@ -72,6 +72,7 @@ std::shared_ptr<platform::Window> nimbatrayAppDelegate::makeSupportWindow() {
   auto built = platform::Window::make(support_layout::window, platform::WindowStyle::TitledClosable);
   if (built == nullptr) return nullptr;
   built->setTitle("Support Tovalin");
+  // The keyboard goes from control to control in the order in which they are made.
   const auto header = makeHeaderPanel();
   const auto faqButton = makeButtons();
   const auto notice = makeNoticePanel(*faqButton);
@@ -79,8 +80,7 @@ std::shared_ptr<platform::Window> nimbatrayAppDelegate::makeSupportWindow() {
   const auto buttons =
       panel(support_layout::buttonBand, {updateButton, faqButton, logButton, copyrightLabel});
   const auto banner = makeBannerBand();
-  // The keyboard goes from control to control in this order.
-  for (const auto& part : {header, buttons, notice, banner}) built->contentView().addSubview(part);
+  for (const auto& part : {header, notice, buttons, banner}) built->contentView().addSubview(part);
   built->setHidesOnDeactivate(true);
   built->setBackgroundColor(platform::colorFromHsb(0.0, 0.0, 0.9, 1.0));
   built->setWillClose([this] { supportWindowWillClose(); });
@@ -131,6 +131,7 @@ std::shared_ptr<View> nimbatrayAppDelegate::makeBannerBand() {
     bannerImg = platform::imageNamed("Tovalinbanner.png");
   } else if (bannerList != nullptr && getBannerImg() != 0) {
     bannerImgView->delegate = this;
+    bannerImgView->setActsAsLink(true);
   } else {
     platform::consoleLog("bannerlist is NULL!");
   }

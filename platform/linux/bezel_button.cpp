@@ -11,10 +11,13 @@ constexpr const char* keptInApplication = "palette of buttons";
 
 // Equal to this one, and the same for as long as no other is asked for.
 QPalette keptPalette(const QPalette& palette) {
-  const auto kept = qApp->property(keptInApplication);
-  if (kept.isValid() && kept.value<QPalette>() == palette) return kept.value<QPalette>();
-  qApp->setProperty(keptInApplication, palette);
-  return palette;
+  auto kept = qApp->property(keptInApplication).value<QPalette>();
+  if (kept != palette) {
+    qApp->setProperty(keptInApplication, palette);
+    kept = palette;
+  }
+  kept.setCurrentColorGroup(palette.currentColorGroup());  // which equal palettes may differ in
+  return kept;
 }
 
 }  // namespace

@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <utility>
 
-#include <QAccessibleWidget>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
 #include "platform/image.h"
 #include "platform/linux/image_impl.h"
+#include "platform/linux/link_access.h"
 #include "platform/linux/view_impl.h"
 
 namespace platform {
@@ -20,18 +21,29 @@ class PictureWidget : public QWidget {
   std::shared_ptr<Image> image;
   std::vector<std::pair<QRect, Qt::CursorShape>> cursorRects;
 
+  [[nodiscard]] bool isLink() const { return focusPolicy() != Qt::NoFocus; }
+  void press() { clickAt(QRectF(rect()).center()); }
+
  protected:
   void paintEvent(QPaintEvent*) override;
   void mousePressEvent(QMouseEvent* event) override { event->accept(); }
   void mouseReleaseEvent(QMouseEvent* event) override;
   void enterEvent(QEnterEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override { showCursorAt(event->position().toPoint()); }
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  void drawPicture();
+  void clickAt(QPointF point) { owner->mouseUp({{point.x(), height() - point.y()}, 1}); }
   void showCursorAt(QPoint point);
 };
 
 void PictureWidget::paintEvent(QPaintEvent*) {
+  drawPicture();
+  if (hasFocus()) drawFocusFrame(*this, rect());
+}
+
+void PictureWidget::drawPicture() {
   if (image == nullptr || !image->isValid()) return;
   const Size size = image->size();
   const double shrink = std::min({1.0, width() / size.width, height() / size.height});
@@ -48,7 +60,12 @@ void PictureWidget::paintEvent(QPaintEvent*) {
 
 void PictureWidget::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) return;
-  owner->mouseUp({{event->position().x(), height() - event->position().y()}, 1});
+  clickAt(event->position());
+}
+
+void PictureWidget::keyPressEvent(QKeyEvent* event) {
+  if (!isLink() || !pressesLink(event->key())) return QWidget::keyPressEvent(event);
+  if (!event->isAutoRepeat()) press();
 }
 
 void PictureWidget::enterEvent(QEnterEvent* event) {
@@ -63,9 +80,26 @@ void PictureWidget::showCursorAt(QPoint point) {
   setCursor(found == cursorRects.end() ? Qt::ArrowCursor : found->second);
 }
 
+// May become a link after it was first described.
+class AccessiblePicture : public AccessibleLink {
+ public:
+  explicit AccessiblePicture(PictureWidget& picture)
+      : AccessibleLink(picture, {}, [&picture] { picture.press(); }), picture_(picture) {}
+
+  [[nodiscard]] QAccessible::Role role() const override {
+    return picture_.isLink() ? QAccessible::Link : QAccessible::Graphic;
+  }
+  [[nodiscard]] QStringList actionNames() const override {
+    return picture_.isLink() ? AccessibleLink::actionNames() : QAccessibleWidget::actionNames();
+  }
+
+ private:
+  const PictureWidget& picture_;
+};
+
 QAccessibleInterface* describePicture(const QString&, QObject* object) {
   auto* picture = dynamic_cast<PictureWidget*>(object);
-  return picture != nullptr ? new QAccessibleWidget(picture, QAccessible::Graphic) : nullptr;
+  return picture != nullptr ? new AccessiblePicture(*picture) : nullptr;
 }
 
 PictureWidget& pictureWidget(const ImageView& view) {
@@ -85,6 +119,10 @@ ImageView::~ImageView() = default;
 void ImageView::setImage(std::shared_ptr<Image> image) {
   pictureWidget(*this).image = std::move(image);
   pictureWidget(*this).update();
+}
+
+void ImageView::setActsAsLink(bool acts) {
+  pictureWidget(*this).setFocusPolicy(acts ? Qt::TabFocus : Qt::NoFocus);
 }
 
 void ImageView::mouseUp(const MouseEvent&) {}

@@ -2,43 +2,20 @@
 
 #include <utility>
 
-#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QStyleOptionFocusRect>
 
 #include "platform/linux/color_impl.h"
+#include "platform/linux/link_access.h"
 #include "platform/workspace.h"
 
 namespace platform {
 namespace {
 
-// What assistive programs are told of a link: its text, and that it can be pressed.
-class AccessibleLink : public QAccessibleWidget {
- public:
-  explicit AccessibleLink(TextWidget& link)
-      : QAccessibleWidget(&link, QAccessible::Link, link.text()), link_(link) {}
-
-  [[nodiscard]] QStringList actionNames() const override {
-    return QStringList(pressAction()) + QAccessibleWidget::actionNames();
-  }
-
-  void doAction(const QString& action) override {
-    if (action != pressAction()) return QAccessibleWidget::doAction(action);
-    link_.openLink();
-  }
-
- private:
-  TextWidget& link_;
-};
-
 QAccessibleInterface* describeLink(const QString&, QObject* object) {
   auto* text = dynamic_cast<TextWidget*>(object);
-  return text != nullptr && text->isLink() ? new AccessibleLink(*text) : nullptr;
-}
-
-bool pressesLink(int key) {
-  return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+  if (text == nullptr || !text->isLink()) return nullptr;
+  return new AccessibleLink(*text, text->text(), [text] { text->openLink(); });
 }
 
 }  // namespace
@@ -110,11 +87,8 @@ void TextWidget::paintEvent(QPaintEvent* event) {
   painter.setFont(underlined);
   if (attributes_->foregroundColor) painter.setPen(toolkitColor(*attributes_->foregroundColor));
   painter.drawText(rect(), layoutFlags(), shownText());
-  if (!hasFocus()) return;
-  QStyleOptionFocusRect focus;
-  focus.initFrom(this);
-  focus.rect = textArea().adjusted(-1, 0, 1, 0).intersected(rect());
-  style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+  painter.end();
+  if (hasFocus()) drawFocusFrame(*this, textArea().adjusted(-1, 0, 1, 0).intersected(rect()));
 }
 
 void TextWidget::resizeEvent(QResizeEvent* event) {

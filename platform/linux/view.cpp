@@ -10,10 +10,11 @@ namespace {
 
 using Views = std::vector<const View*>;
 
-void collectBelow(const View& root, Views& views) {
+void collectControls(const View& root, Views& views) {
   for (const auto& view : root.impl().subviews) {
-    views.push_back(view.get());
-    collectBelow(*view, views);
+    // The toolkit orders nothing behind a widget that takes no keyboard.
+    if ((view->impl().widget->focusPolicy() & Qt::TabFocus) != 0) views.push_back(view.get());
+    collectControls(*view, views);
   }
 }
 
@@ -21,10 +22,14 @@ void collectBelow(const View& root, Views& views) {
 
 void orderTabsAsMade(const View& root) {
   Views views;
-  collectBelow(root, views);
+  collectControls(root, views);
   std::ranges::stable_sort(views, {}, [](const View* view) { return view->impl().madeAt; });
   for (std::size_t i = 1; i < views.size(); ++i)
     QWidget::setTabOrder(views[i - 1]->impl().widget.get(), views[i]->impl().widget.get());
+  if (root.impl().widget->focusWidget() != nullptr) return;
+  const auto first =
+      std::ranges::find_if(views, [](const View* view) { return view->impl().widget->isEnabled(); });
+  if (first != views.end()) (*first)->impl().widget->setFocus();
 }
 
 QRect fromTop(Rect rect, double roomHeight) {

@@ -20,7 +20,8 @@ struct View::Impl {
   std::chrono::steady_clock::time_point madeAt = std::chrono::steady_clock::now();
 };
 
-// Has the Tab key go through the views below `root` in the order in which they were made.
+// Has the Tab key go through the views below `root` in the order in which they were made, and gives the
+// keyboard to the first that takes it, unless one has it already.
 void orderTabsAsMade(const View& root);
 
 // Where a rectangle counted from the lower left of a room of this height stands for the toolkit, which counts

@@ -179,8 +179,20 @@ TEST_F(SupportWindow, TheKeyboardGoesFromControlToControlInTheirOrder) {
   press("space");
   ASSERT_TRUE(waitForText("run: open http://two.example/b?c=d#e"));
   press("Tab");
+  press("Return");
+  ASSERT_TRUE(waitForText("run: open http://banner.example/red"));
+  press("Tab");
   press("space");
   ASSERT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate updateBtnClick:]"));
+}
+
+TEST_F(SupportWindow, TheKeyboardPassesABannerThatLeadsNowhereBy) {
+  server_->put(bannerListFile, bannerList(""));
+  launchAndOpen();
+  timeline_.clear();
+  for (int i = 0; i < 5; ++i) press("Tab");
+  press("space");
+  EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate updateBtnClick:]"));
 }
 
 TEST_F(SupportWindow, TheFirstButtonThatIsEnabledHasTheKeyboardAndEnterPressesIt) {

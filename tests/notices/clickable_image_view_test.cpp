@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QWidget>
 
@@ -144,6 +145,43 @@ TEST_F(ClickableImageView, IsGoneFromTheWindowOnlyWithItsLastOwner) {
   std::weak_ptr<tovalinNSImageView> watched = view_;
   view_.reset();
   EXPECT_FALSE(watched.expired());
+}
+
+TEST_F(ClickableImageView, TheKeyboardDoesNotReachIt) {
+  Listener listener;
+  view_->delegate = &listener;
+  xdotool({"key", "Tab", "Return", "space"});
+  pointAt(110, 60);
+  xdotool({"click", "1"});
+  ASSERT_TRUE(serveEventsUntil([&] { return listener.clicks >= 1; }));
+  EXPECT_EQ(listener.event.locationInView.x, 10);
+  EXPECT_EQ(listener.clicks, 1);
+}
+
+TEST_F(ClickableImageView, ActingAsALinkItIsPressedWithReturnAndSpace) {
+  Listener listener;
+  view_->delegate = &listener;
+  view_->setActsAsLink(true);
+  xdotool({"key", "Tab", "Return", "space", "Tab"});
+  ASSERT_TRUE(serveEventsUntil([&] { return listener.clicks >= 2; }));
+  EXPECT_EQ(listener.clicks, 2);
+  EXPECT_EQ(listener.view, view_.get());
+  EXPECT_EQ(listener.event.locationInView.x, 40);
+  EXPECT_EQ(listener.event.locationInView.y, 20);
+}
+
+TEST_F(ClickableImageView, AssistiveProgramsAreToldOfALinkThatTheyCanPress) {
+  Listener listener;
+  const auto link = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 80, 40});
+  link->delegate = &listener;
+  link->setAccessibilityLabel("Banner");
+  link->setActsAsLink(true);
+  auto* interface = QAccessible::queryAccessibleInterface(link->impl().widget.get());
+  ASSERT_NE(interface, nullptr);
+  EXPECT_EQ(interface->role(), QAccessible::Link);
+  EXPECT_EQ(interface->text(QAccessible::Name).toStdString(), "Banner");
+  interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(listener.clicks, 1);
 }
 
 }  // namespace

@@ -175,6 +175,15 @@ TEST_F(AlertSheet, GivesTheKeyboardBackToWhoHadIt) {
   EXPECT_TRUE(widgetOf(*layout_.faq).hasFocus());
 }
 
+TEST_F(AlertSheet, AfterItTabGoesOnFromWhereItWas) {
+  widgetOf(*layout_.log).setFocus();
+  ask({"Continue", "Cancel"});
+  press("Escape");
+  ASSERT_TRUE(ends());
+  press("Tab");
+  EXPECT_TRUE(serveEventsUntil([&] { return widgetOf(*layout_.firstLink).hasFocus(); }));
+}
+
 TEST_F(AlertSheet, TheNextOneCanBeginInsideTheEndOfTheFirst) {
   ask({"Continue", "Cancel"}, [this] { ask({"Close", "Contact us"}); });
   press("Return");

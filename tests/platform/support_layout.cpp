@@ -1,115 +1,79 @@
 #include "tests/platform/support_layout.h"
 
+#include "notices/image_resize.h"
 #include "platform/image.h"
 #include "platform/image_view.h"
+#include "support/support_controls.h"
+#include "support/support_layout.h"
 
 namespace {
 
 using namespace platform;
 
-std::shared_ptr<TextField> label(Rect frame, const char* text, TextAlignment alignment) {
-  auto field = std::make_shared<TextField>(frame);
-  field->setText(text);
-  field->setAlignment(alignment);
-  return field;
+void addTo(View& parent, Rect frame, std::initializer_list<std::shared_ptr<View>> views) {
+  auto panel = std::make_shared<View>(frame);
+  for (const auto& view : views) panel->addSubview(view);
+  parent.addSubview(std::move(panel));
 }
 
-std::shared_ptr<TextView> textView(Rect frame, double fontSize) {
-  auto view = std::make_shared<TextView>(frame);
-  view->setAlignment(TextAlignment::Left);
-  view->setFont(fontSize);
-  view->setDrawsBackground(false);
-  view->setEditable(false);
+std::shared_ptr<View> picture(Rect frame, std::shared_ptr<Image> image, const char* label) {
+  auto view = std::make_shared<ImageView>(frame);
+  view->setImage(std::move(image));
+  view->setAccessibilityLabel(label);
   return view;
 }
 
 std::shared_ptr<TextView> link(Rect frame, const char* subject, const char* address) {
-  auto view = textView(frame, 12);
+  auto view = makeTextView(frame, 12);
   view->setSelectable(true);
   view->setAttributedString(subject, {true, blueColor(), address, true});
   view->setTruncatesTail(true);
   return view;
 }
 
-std::shared_ptr<View> headerPanel() {
-  auto panel = std::make_shared<View>(Rect{0, 105, 135, 135});
-  auto icon = std::make_shared<ImageView>(Rect{0, 60, 140, 65});
-  auto picture = imageNamed("icon.png");
-  if (picture) {
-    picture->setScalesWhenResized(true);
-    picture->setSize({80, 80});
-  }
-  icon->setImage(picture);
-  icon->setAccessibilityLabel("Product icon");
-  auto name = label({0, 24, 140, 30}, "Tovalin", TextAlignment::Center);
-  name->setFont(20);
-  panel->addSubview(std::move(icon));
-  panel->addSubview(std::move(name));
-  panel->addSubview(label({0, 0, 140, 30}, "Version 12.34.56", TextAlignment::Center));
-  return panel;
-}
-
-std::shared_ptr<Button> button(SupportLayout& layout, double x, const char* title) {
-  auto made = std::make_shared<Button>(Rect{x, 0, 120, 45});
-  made->setTitle(title);
-  made->setBezelStyle(Button::BezelStyle::Rounded);
-  made->setAction([&layout, title] { layout.clicks.emplace_back(title); });
-  return made;
-}
-
-std::shared_ptr<View> noticePanel(SupportLayout& layout, bool online) {
-  auto panel = std::make_shared<View>(Rect{135, 105, 285, 135});
-  auto heading = label({0, 80, 280, 30}, "Notice", TextAlignment::Left);
-  heading->setFont({14, true});
-  panel->addSubview(std::move(heading));
-  if (online) {
-    layout.firstLink = link({5, 60, 280, 20}, "A short subject", "http://one.example/");
-    layout.secondLink =
-        link({5, 30, 280, 20}, "A subject so long that it can't stand on one line of its panel",
-             "http://two.example/?a=b&c=d");
-    panel->addSubview(layout.firstLink);
-    panel->addSubview(layout.secondLink);
-  } else {
-    layout.description = textView({5, 20, 240, 60}, 11);
-    layout.description->setString(
-        " You can easily manage the files in your iDevice without using iTunes.\n You can transfer contents "
-        "via Finder.\n Also, you don't need to jailbreak.");
-    panel->addSubview(layout.description);
-  }
-  return panel;
-}
-
-std::shared_ptr<View> buttonBand(const SupportLayout& layout) {
-  auto band = std::make_shared<View>(Rect{0, 40, 420, 65});
-  for (const auto& each : {layout.update, layout.faq, layout.log}) band->addSubview(each);
-  auto copyright = label({0, 45, 420, 20}, "Copyright Kesmoor. All rights reserved.", TextAlignment::Center);
-  copyright->setFont(10);
-  band->addSubview(std::move(copyright));
-  return band;
-}
-
-std::shared_ptr<View> bannerBand() {
-  auto band = std::make_shared<View>(Rect{0, 0, 420, 40});
-  auto banner = std::make_shared<ImageView>(Rect{0, 0, 420, 40});
-  banner->setImage(imageNamed("Tovalinbanner.png"));
-  banner->setAccessibilityLabel("Banner");
-  band->addSubview(std::move(banner));
-  return band;
-}
-
 }  // namespace
 
 SupportLayout::SupportLayout(bool online) {
-  window = Window::make({0, 0, 420, 240}, WindowStyle::TitledClosable);
+  const auto button = [this](Rect frame, const char* title) {
+    return makePushButton(frame, title, [this, title] { clicks.emplace_back(title); });
+  };
+  window = Window::make(support_layout::window, WindowStyle::TitledClosable);
   window->setTitle("Support Tovalin");
-  update = button(*this, 10, "Update");
-  faq = button(*this, 150, "FAQ");
-  log = button(*this, 290, "Log file");
-  View& content = window->contentView();
-  content.addSubview(headerPanel());
-  content.addSubview(noticePanel(*this, online));
-  content.addSubview(buttonBand(*this));
-  content.addSubview(bannerBand());
   window->setBackgroundColor(colorFromHsb(0, 0, 0.9));
+  View& content = window->contentView();
+  constexpr double side = support_layout::iconSide;
+  addTo(content, support_layout::headerPanel,
+        {picture(support_layout::icon, imageResize(imageNamed("icon.png").get(), side, side), "Product icon"),
+         makeLabel(support_layout::nameLabel, "Tovalin", TextAlignment::Center, 20),
+         makeLabel(support_layout::versionLabel, "Version 12.34.56", TextAlignment::Center, 12)});
+  update = button(support_layout::updateButton, "Update");
+  faq = button(support_layout::faqButton, "FAQ");
+  log = button(support_layout::logButton, "Log file");
+  addNotice(online);
+  addTo(content, support_layout::buttonBand,
+        {update, faq, log,
+         makeLabel(support_layout::copyrightLabel, "Copyright Kesmoor. All rights reserved.",
+                   TextAlignment::Center, 10)});
+  addTo(content, support_layout::bannerBand,
+        {picture(support_layout::banner, imageNamed("Tovalinbanner.png"), "Banner")});
   window->center();
+}
+
+void SupportLayout::addNotice(bool online) {
+  const auto heading =
+      makeLabel(support_layout::noticeHeading, "Notice", TextAlignment::Left, Font(14, true));
+  View& content = window->contentView();
+  if (online) {
+    firstLink = link(support_layout::firstLink, "A short subject", "http://one.example/");
+    secondLink =
+        link(support_layout::secondLink, "A subject so long that it can't stand on one line of its panel",
+             "http://two.example/?a=b&c=d");
+    addTo(content, support_layout::noticePanel, {heading, firstLink, secondLink});
+  } else {
+    description = makeTextView(support_layout::description, 11);
+    description->setString(
+        " You can easily manage the files in your iDevice without using iTunes.\n You can transfer contents "
+        "via Finder.\n Also, you don't need to jailbreak.");
+    addTo(content, support_layout::noticePanel, {heading, description});
+  }
 }

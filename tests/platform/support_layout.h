@@ -10,7 +10,7 @@
 #include "platform/text_view.h"
 #include "platform/window.h"
 
-// A window laid out as the agent's largest one is: three bands and a panel, labels, buttons, links.
+// The support window as its numbers lay it out, with contents of the test's own.
 struct SupportLayout {
   explicit SupportLayout(bool online = true);
   SupportLayout(const SupportLayout&) = delete;
@@ -21,4 +21,7 @@ struct SupportLayout {
   std::shared_ptr<platform::TextView> firstLink, secondLink;  // only when online
   std::shared_ptr<platform::TextView> description;            // only when not
   std::vector<std::string> clicks;                            // titles of the buttons that acted
+
+ private:
+  void addNotice(bool online);
 };

@@ -21,6 +21,12 @@ class WindowLayout : public WindowFixture {
     return nullptr;
   }
 
+  [[nodiscard]] static QWidget* named(const platform::Window& window, const QString& name) {
+    for (QWidget* widget : widgetOf(window).findChildren<QWidget*>())
+      if (widget->accessibleName() == name) return widget;
+    return nullptr;
+  }
+
   [[nodiscard]] static QRect place(const QWidget& widget) {
     return {widget.mapTo(widget.window(), QPoint(0, 0)), widget.size()};
   }
@@ -54,8 +60,30 @@ TEST_F(WindowLayout, ControlsStandWhereTheirFramesSay) {
   EXPECT_EQ(place(*labelled(*layout.window, "Tovalin")), QRect(0, 81, 140, 30));
   EXPECT_EQ(place(*labelled(*layout.window, "Version 12.34.56")), QRect(0, 105, 140, 30));
   EXPECT_EQ(place(*labelled(*layout.window, "Notice")), QRect(135, 25, 280, 30));
+  EXPECT_EQ(place(*labelled(*layout.window, "Copyright Kesmoor. All rights reserved.")),
+            QRect(0, 135, 420, 20));
+  EXPECT_EQ(place(*named(*layout.window, "Product icon")), QRect(0, 10, 140, 65));
+  EXPECT_EQ(place(*named(*layout.window, "Banner")), QRect(0, 200, 420, 40));
   savePicture("online");
   layout.window->close();
+}
+
+TEST_F(WindowLayout, TheDescriptionStandsWhereItsFrameSays) {
+  const SupportLayout layout(false);
+  ASSERT_TRUE(show(*layout.window));
+  EXPECT_EQ(place(widgetOf(*layout.description)), QRect(140, 55, 240, 60));
+  layout.window->close();
+}
+
+TEST_F(WindowLayout, TextsHaveTheirSizesInPoints) {
+  const SupportLayout layout;
+  const auto sizeOf = [&](const char* text) { return labelled(*layout.window, text)->font().pixelSize(); };
+  EXPECT_EQ(sizeOf("Tovalin"), 20);
+  EXPECT_EQ(sizeOf("Notice"), 14);
+  EXPECT_TRUE(labelled(*layout.window, "Notice")->font().bold());
+  EXPECT_EQ(sizeOf("Copyright Kesmoor. All rights reserved."), 10);
+  EXPECT_EQ(widgetOf(*layout.firstLink).font().pixelSize(), 12);
+  EXPECT_EQ(widgetOf(*SupportLayout(false).description).font().pixelSize(), 11);
 }
 
 TEST_F(WindowLayout, TheWindowHasItsSizeInPixelsAndStandsInTheMiddle) {

@@ -1,0 +1,35 @@
+#include "platform/linux/link_access.h"
+
+#include <utility>
+
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+
+namespace platform {
+
+AccessibleLink::AccessibleLink(QWidget& widget, const QString& name, std::function<void()> press)
+    : QAccessibleWidget(&widget, QAccessible::Link, name), press_(std::move(press)) {}
+
+QStringList AccessibleLink::actionNames() const {
+  return QStringList(pressAction()) + QAccessibleWidget::actionNames();
+}
+
+void AccessibleLink::doAction(const QString& action) {
+  if (action != pressAction()) return QAccessibleWidget::doAction(action);
+  press_();
+}
+
+bool pressesLink(int key) {
+  return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+}
+
+void drawFocusFrame(QWidget& widget, const QRect& area) {
+  QPainter painter(&widget);
+  QStyleOptionFocusRect focus;
+  focus.initFrom(&widget);
+  focus.rect = area;
+  widget.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, &widget);
+}
+
+}  // namespace platform
