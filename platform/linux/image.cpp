@@ -13,6 +13,7 @@
 #include "platform/bundle.h"
 #include "platform/linux/image_impl.h"
 #include "platform/linux/kept_pixels.h"
+#include "platform/linux/picture_data.h"
 
 namespace platform {
 namespace {
@@ -126,7 +127,9 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
 }
 
 std::shared_ptr<Image> imageWithData(std::string_view bytes) {
-  QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  const auto bounded = boundedPictureData(bytes);
+  if (!bounded) return nullptr;
+  QByteArray data = QByteArray::fromRawData(bounded->data(), static_cast<qsizetype>(bounded->size()));
   QBuffer buffer(&data);
   QImageReader reader(&buffer);
   if (!isPixelFormat(reader.format())) return nullptr;
