@@ -1,5 +1,7 @@
 #include "support/server_content.h"
 
+#include "support/address.h"
+
 namespace {
 
 using platform::PropertyList;
@@ -35,4 +37,9 @@ std::optional<Banner> chosenBanner(const PropertyList& list, std::uint32_t rando
   const std::string* link = stringAt(entry, "link");
   if (fileName == nullptr || link == nullptr) return std::nullopt;
   return Banner{*fileName, *link};
+}
+
+std::optional<std::string> bannerPath(const Banner& banner) {
+  if (!banner.fileName.empty() && !isAddress(banner.fileName)) return std::nullopt;
+  return "/product/nimba/banner/" + banner.fileName;
 }

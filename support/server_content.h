@@ -27,3 +27,7 @@ struct Banner {
 // The entry that a random number chooses, each one equally likely. Nothing for an empty list, what is no list
 // of entries, and an entry without one of its two strings.
 [[nodiscard]] std::optional<Banner> chosenBanner(const platform::PropertyList& list, std::uint32_t random);
+
+// Where the banner's picture stands on the product server. Nothing when its name can't be part of an address;
+// without a name it is the folder of the banners, whose answer is no picture.
+[[nodiscard]] std::optional<std::string> bannerPath(const Banner& banner);

@@ -41,8 +41,9 @@ int nimbatrayAppDelegate::getBannerImg() {
   const auto banner = chosenBanner(*bannerList, ::arc4random());
   if (!banner) return 0;
   bannerLink = banner->link;
-  if (!banner->fileName.empty() && !isAddress(banner->fileName)) return 0;
-  const auto body = fetchRemoteList("/product/nimba/banner/" + banner->fileName);
+  const auto path = bannerPath(*banner);
+  if (!path) return 0;
+  const auto body = fetchRemoteList(*path);
   if (!body) return 0;
   bannerImg = platform::imageWithData(*body);
   return bannerImg != nullptr ? 1 : 0;

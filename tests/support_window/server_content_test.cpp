@@ -70,4 +70,18 @@ TEST(Banner, IncompleteEntryAmongOthersIsRefusedOnlyWhenChosen) {
   EXPECT_FALSE(chosenBanner(banners, 1).has_value());
 }
 
+TEST(BannerPath, NamesTheFileBelowTheBanners) {
+  EXPECT_EQ(bannerPath({.fileName = "a.png", .link = ""}), "/product/nimba/banner/a.png");
+  EXPECT_EQ(bannerPath({.fileName = "a%20b.png?c", .link = ""}), "/product/nimba/banner/a%20b.png?c");
+}
+
+TEST(BannerPath, OfNoNameIsTheFolder) {
+  EXPECT_EQ(bannerPath({.fileName = "", .link = ""}), "/product/nimba/banner/");
+}
+
+TEST(BannerPath, OfANameThatIsNoAddressIsNone) {
+  for (const char* name : {"a b.png", "a\r\nHost: b", "%", "\xc3\xa4.png", "a\"b"})
+    EXPECT_FALSE(bannerPath({.fileName = name, .link = ""}).has_value()) << name;
+}
+
 }  // namespace

@@ -1,0 +1,50 @@
+// Any bytes as an address that the server names, and as a text that goes into an address.
+
+#include "support/address.h"
+
+#include <cstddef>
+#include <string>
+
+#include <QByteArray>
+
+#include "app/beacon.h"
+#include "tests/fuzz/link_check.h"
+#include "tests/fuzz/requirement.h"
+#include "tests/fuzz/target.h"
+
+namespace {
+
+using fuzz::require;
+
+bool isHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+// What may not stand in an address among the visible characters of ASCII, worked out here a second time.
+bool isAddressBySecondWay(const std::string& text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] <= ' ' || text[i] > '~') return false;
+    if (std::string_view("\"<>\\^`{|}").find(text[i]) != std::string_view::npos) return false;
+    if (text[i] != '%') continue;
+    if (i + 2 >= text.size() || !isHexDigit(text[i + 1]) || !isHexDigit(text[i + 2])) return false;
+  }
+  return !text.empty();
+}
+
+void checkEscapes(const std::string& text) {
+  const std::string escaped = escapedForAddress(text);
+  require(text.empty() || isAddress(escaped), "what was escaped is an address");
+  const QByteArray unescaped = QByteArray::fromPercentEncoding(QByteArray::fromStdString(escaped));
+  require(unescaped.toStdString() == text, "the escapes stand for the text");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string text(data, data + size);
+  require(isAddress(text) == isAddressBySecondWay(text), "an address is what two ways take for one");
+  fuzz::checkLink(text);
+  checkEscapes(text);
+  require(isLink(beaconAddress("https://www.tovalin.example", text, text)), "a beacon is a link");
+  return 0;
+}

@@ -1,0 +1,36 @@
+#include "tests/fuzz/application_folder.h"
+
+#include <stdlib.h>
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "usage/application_directory.h"
+
+namespace fuzz {
+
+ApplicationFolder::ApplicationFolder() {
+  std::string root = "/tmp/fuzz.XXXXXX";
+  if (::mkdtemp(root.data()) == nullptr) throw std::runtime_error("no folder of its own");
+  root_ = root;
+  ::setenv("XDG_DATA_HOME", root.c_str(), 1);
+  folder_ = applicationDirectory().value_or("");
+  if (!folder_.string().starts_with(root)) throw std::runtime_error("the application directory is elsewhere");
+}
+
+ApplicationFolder::~ApplicationFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(root_, ignored);
+}
+
+void ApplicationFolder::write(const std::string& name, std::string_view bytes) const {
+  std::ofstream(folder_ / name, std::ios::binary) << bytes;
+}
+
+std::string ApplicationFolder::read(const std::string& name) const {
+  std::ifstream file(folder_ / name, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace fuzz

@@ -1,0 +1,60 @@
+// Any bytes as a picture of the server's. The check sums of a PNG are set right first, so that what stands
+// behind them is read.
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/image.h"
+#include "platform/linux/image_impl.h"
+#include "tests/fuzz/requirement.h"
+#include "tests/fuzz/target.h"
+
+namespace {
+
+using fuzz::require;
+
+constexpr std::string_view kPngSignature = "\x89PNG\r\n\x1a\n";
+constexpr long long kMostBytes = 64 << 20;
+
+std::uint32_t bigEndianAt(const std::string& bytes, std::size_t offset) {
+  std::uint32_t number = 0;
+  for (std::size_t i = 0; i < 4; ++i) number = number << 8U | static_cast<std::uint8_t>(bytes[offset + i]);
+  return number;
+}
+
+// A chunk is a length, a kind, as many bytes as the length says, and their sum with the kind's.
+void setCheckSums(std::string& bytes) {
+  if (!bytes.starts_with(kPngSignature)) return;
+  for (std::size_t chunk = kPngSignature.size(); chunk + 12 <= bytes.size();) {
+    const std::size_t length = bigEndianAt(bytes, chunk);
+    if (length > bytes.size() - chunk - 12) return;
+    const auto* const summed = reinterpret_cast<const Bytef*>(bytes.data() + chunk + 4);
+    const auto sum = static_cast<std::uint32_t>(::crc32(0, summed, static_cast<uInt>(length + 4)));
+    for (std::size_t i = 0; i < 4; ++i)
+      bytes[chunk + 8 + length + i] = static_cast<char>(sum >> (24 - 8 * i) & 0xFFU);
+    chunk += 12 + length;
+  }
+}
+
+void checkForm(const platform::Image& image, const QImage& form) {
+  require(!form.isNull() && form.width() >= 1 && form.height() >= 1, "a picture has pixels");
+  require(form.sizeInBytes() <= kMostBytes, "the pixels keep within their bound");
+  require(image.size().width == form.width() && image.size().height == form.height(),
+          "a point is a pixel, whatever the picture says");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::string bytes(data, data + size);
+  setCheckSums(bytes);
+  const auto image = platform::imageWithData(bytes);
+  if (image == nullptr) return 0;
+  require(image->isValid() && image->impl().forms.size() == 1, "a picture has one form");
+  checkForm(*image, image->impl().forms.front());
+  return 0;
+}

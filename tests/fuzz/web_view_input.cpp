@@ -1,0 +1,64 @@
+// Any bytes on the input of the web view helper: what is loaded are the web addresses among its lines,
+// however the bytes were cut up on the way.
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/linux/helpers/web_view/address_lines.h"
+#include "tests/fuzz/requirement.h"
+#include "tests/fuzz/target.h"
+
+namespace {
+
+using fuzz::require;
+using helpers::AddressLines;
+
+char lowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Worked out here a second time.
+bool isExpected(std::string_view line) {
+  std::string start(line.substr(0, std::string_view("https://").size()));
+  std::ranges::transform(start, start.begin(), lowerCase);
+  const std::string_view scheme = start == "https://" ? "https://" : "http://";
+  return start.starts_with(scheme) && line.size() > scheme.size() &&
+         line.size() <= AddressLines::kLongestLine &&
+         std::ranges::all_of(line, [](char c) { return c > ' ' && c < '\x7f'; });
+}
+
+// The piece behind the last line end is no line.
+std::vector<std::string> expectedAddresses(std::string_view bytes) {
+  std::vector<std::string> addresses;
+  for (auto end = bytes.find('\n'); end != std::string_view::npos; end = bytes.find('\n')) {
+    if (isExpected(bytes.substr(0, end))) addresses.emplace_back(bytes.substr(0, end));
+    bytes.remove_prefix(end + 1);
+  }
+  return addresses;
+}
+
+std::vector<std::string> takenInPieces(std::string_view bytes, std::size_t size) {
+  AddressLines lines;
+  std::vector<std::string> addresses;
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(size, bytes.size()))) {
+    for (std::string& address : lines.take(bytes.substr(0, size))) addresses.push_back(std::move(address));
+  }
+  return addresses;
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  const auto addresses = AddressLines().take(bytes);
+  require(addresses == expectedAddresses(bytes), "what is loaded are the web addresses among the lines");
+  for (const std::size_t piece : {5U, 61U, 4096U}) {
+    require(takenInPieces(bytes, piece) == addresses, "the pieces make no difference");
+  }
+  for (const std::string& address : addresses) {
+    require(helpers::mayLeadTo(address.c_str()), "what is loaded may be led to");
+  }
+  return 0;
+}
