@@ -171,7 +171,7 @@ TEST_F(Menu, ClicksDuringThePauseAreServedAfterItInOrder) {
   EXPECT_EQ(messages[2].text, "pipe: -m");
   EXPECT_EQ(messages[3].text, "pipe: -u");
   EXPECT_EQ(messages[4].text, "pipe: -toff");
-  for (int i = 2; i <= 4; ++i) {
+  for (std::size_t i = 2; i <= 4; ++i) {
     // The pause is two seconds; what stands between two messages can't be less, however slow the machine.
     EXPECT_GE(messages[i].time - messages[i - 1].time, std::chrono::milliseconds(1900)) << i;
   }

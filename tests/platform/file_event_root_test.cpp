@@ -158,7 +158,7 @@ TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
        {std::pair("/tmp/way", "/tmp/way/middle"), std::pair("/tmp/way/middle", "/tmp/way/middle"),
         std::pair("/tmp/way/middle", "/tmp/way/middle/root")}) {
     SetUp();
-    const auto finished = test_support::runForked([this, closed, moved] {
+    const auto finished = test_support::runForked([this, closed = closed, moved = moved] {
       for (const char* folder : {"/tmp/way", "/tmp/way/middle", root_.c_str()}) {
         if (::chown(folder, test_support::kNobody, test_support::kNobody) != 0)
           return test_support::kNotToBeHad;

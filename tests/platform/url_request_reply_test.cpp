@@ -58,7 +58,7 @@ TEST(UrlRequestReply, InterimRepliesAreNotTheReply) {
 }
 
 TEST(UrlRequestReply, ChunksAreJoined) {
-  for (const std::size_t size : {1, 5, 1000})
+  for (const std::size_t size : {1U, 5U, 1000U})
     EXPECT_THAT(replyOf(RawHttpServer::answer(chunkedReply("in several chunks", size))),
                 Optional(std::string("in several chunks")));
   EXPECT_THAT(replyOf(RawHttpServer::answer(chunkedReply("", 1))), Optional(std::string()));
@@ -88,7 +88,7 @@ TEST(UrlRequestReply, BodyShorterThanItsLengthIsNoReply) {
 
 TEST(UrlRequestReply, CutChunksAreNoReply) {
   const std::string whole = chunkedReply("in several chunks", 5);
-  for (const std::size_t cut : {3, 5, 8, 12, 20})
+  for (const std::size_t cut : {3U, 5U, 8U, 12U, 20U})
     EXPECT_EQ(replyOf(RawHttpServer::answer(whole.substr(0, whole.size() - cut))), std::nullopt) << cut;
 }
 

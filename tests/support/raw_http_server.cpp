@@ -131,9 +131,7 @@ void RawHttpServer::acceptConnections() {
     ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     const Script& script = scripts_[std::min<std::size_t>(connections_++, scripts_.size() - 1)];
     connectionThreads_.emplace_back(
-        [&script, this, connection = RawConnection(std::move(socket), stop_)]() mutable {
-          script(connection);
-        });
+        [&script, connection = RawConnection(std::move(socket), stop_)]() mutable { script(connection); });
   }
 }
 
