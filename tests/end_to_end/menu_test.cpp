@@ -7,6 +7,7 @@
 #include <QImage>
 
 #include "tests/end_to_end/agent_test.h"
+#include "tests/end_to_end/icon_in_panel.h"
 #include "tests/support/product_server_double.h"
 
 namespace {
@@ -29,14 +30,8 @@ class Menu : public AgentTest {
   }
   [[nodiscard]] static std::string suffix() { return scale() > 1 ? "@2x.png" : ".png"; }
 
-  // Whether the icon in the panel is, pixel by pixel, the picture of this name.
   [[nodiscard]] bool showsIcon(const std::string& name) {
-    EXPECT_TRUE(host_.saveIcon("/tmp/icon.png", std::to_string(20 * scale())));
-    const QImage shown = QImage("/tmp/icon.png").convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    const QImage wanted = QImage(QString::fromStdString(agentContents() + "/Resources/" + name + suffix()))
-                              .convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    EXPECT_EQ(wanted.size(), QSize(20, 20) * scale());
-    return shown == wanted;
+    return panelShows(host_, agentContents() + "/Resources", name, scale());
   }
 
   [[nodiscard]] bool comesToShowIcon(const std::string& name) {
