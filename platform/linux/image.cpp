@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <set>
 
 #include <QBuffer>
 #include <QDateTime>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
+#include <QScreen>
 
 #include "platform/bundle.h"
 #include "platform/linux/image_impl.h"
@@ -21,8 +23,14 @@ namespace {
 constexpr double maxPixels = 64e6;
 constexpr int maxBytesOfData = 64 << 20;
 
-QImage emptyForm(Size size) {
-  const double scale = backingScale();
+// Of the screens, rising; 1 without screens.
+std::set<double> backingScales() {
+  std::set<double> scales;
+  for (const QScreen* screen : QGuiApplication::screens()) scales.insert(screen->devicePixelRatio());
+  return scales.empty() ? std::set{1.0} : scales;
+}
+
+QImage emptyForm(Size size, double scale) {
   const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
   if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
   QImage form(static_cast<int>(width), static_cast<int>(height), QImage::Format_ARGB32_Premultiplied);
@@ -57,6 +65,12 @@ QString withScaleSuffix(const QString& path) {
   return path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
 }
 
+QPixmap measuring(Size size, const QImage& form) {
+  QPixmap pixmap = QPixmap::fromImage(form);
+  pixmap.setDevicePixelRatio(form.width() / size.width);
+  return pixmap;
+}
+
 }  // namespace
 
 double backingScale() {
@@ -70,18 +84,23 @@ const QImage& Image::Impl::formFor(double pixelsAcross) const {
 }
 
 QPixmap Image::Impl::pixmap() const {
-  if (forms.empty()) return {};
-  QPixmap pixmap = QPixmap::fromImage(forms.back());
-  pixmap.setDevicePixelRatio(forms.back().width() / size.width);
-  return pixmap;
+  return forms.empty() ? QPixmap() : measuring(size, forms.back());
+}
+
+std::vector<QPixmap> Image::Impl::pixmaps() const {
+  std::vector<QPixmap> all;
+  for (const QImage& form : forms) all.push_back(measuring(size, form));
+  return all;
 }
 
 Image::Image() : impl_(std::make_unique<Impl>()) {}
 
 Image::Image(Size size) : Image() {
   impl_->size = impl_->naturalSize = size;
-  QImage form = emptyForm(size);
-  if (!form.isNull()) impl_->forms.push_back(std::move(form));
+  for (const double scale : backingScales()) {
+    QImage form = emptyForm(size, scale);
+    if (!form.isNull()) impl_->forms.push_back(std::move(form));
+  }
 }
 
 Image::~Image() = default;

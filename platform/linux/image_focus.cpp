@@ -34,11 +34,12 @@ struct ImageFocus::Impl {
   Image::Impl& target;
   ImageInterpolation interpolation = ImageInterpolation::Low;
 
-  [[nodiscard]] QRectF inTargetPixels(Rect rect) const {
-    const QImage& canvas = target.forms.back();
+  [[nodiscard]] QRectF inPixelsOf(const QImage& canvas, Rect rect) const {
     const double x = canvas.width() / target.size.width, y = canvas.height() / target.size.height;
     return {rect.x * x, canvas.height() - (rect.y + rect.height) * y, rect.width * x, rect.height * y};
   }
+  void drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from, CompositingOperation operation,
+              double fraction) const;
 };
 
 ImageFocus::ImageFocus(Image& target) : impl_(new Impl{target.impl()}) {}
@@ -50,16 +51,21 @@ void ImageFocus::setImageInterpolation(ImageInterpolation interpolation) {
 
 void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOperation operation,
                       double fraction) {
-  if (!source.isValid() || impl_->target.forms.empty()) return;
-  QImage& canvas = impl_->target.forms.back();
-  const QRectF to = impl_->inTargetPixels({at.x, at.y, from.width, from.height});
-  const QImage& form = source.impl().formFor(to.width());
-  const QRect part = partInPixels(source.impl(), form, from).toAlignedRect();
+  if (!source.isValid()) return;
+  for (QImage& canvas : impl_->target.forms)
+    impl_->drawOn(canvas, source.impl(), at, from, operation, fraction);
+}
 
-  const bool averages = impl_->interpolation == ImageInterpolation::High;
+void ImageFocus::Impl::drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from,
+                              CompositingOperation operation, double fraction) const {
+  const QRectF to = inPixelsOf(canvas, {at.x, at.y, from.width, from.height});
+  const QImage& form = source.formFor(to.width());
+  const QRect part = partInPixels(source, form, from).toAlignedRect();
+
+  const bool averages = interpolation == ImageInterpolation::High;
   // What covers the whole of it takes its place, which spares a copy of all pixels.
   if (averages && operation == CompositingOperation::Copy && fraction == 1.0 && to == QRectF(canvas.rect())) {
-    canvas = averaged(source.impl().name, form, part, canvas.size()).convertToFormat(canvas.format());
+    canvas = averaged(source.name, form, part, canvas.size()).convertToFormat(canvas.format());
     return;
   }
   QPainter painter(&canvas);
@@ -67,10 +73,10 @@ void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOpera
                                                                      : QPainter::CompositionMode_SourceOver);
   painter.setOpacity(fraction);
   if (averages) {
-    painter.drawImage(to.topLeft(), averaged(source.impl().name, form, part, to.size().toSize()));
+    painter.drawImage(to.topLeft(), averaged(source.name, form, part, to.size().toSize()));
     return;
   }
-  painter.setRenderHint(QPainter::SmoothPixmapTransform, impl_->interpolation == ImageInterpolation::Low);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, interpolation == ImageInterpolation::Low);
   painter.drawImage(to, form, part);
 }
 

@@ -24,6 +24,8 @@ struct Image::Impl {
   // The most detailed form with its pixels to the point set, so that it measures `size`. Null for an invalid
   // image.
   [[nodiscard]] QPixmap pixmap() const;
+  // Each form like that, for screens of different scales.
+  [[nodiscard]] std::vector<QPixmap> pixmaps() const;
 };
 
 // Device pixels to the point on the finest screen; 1 without screens.

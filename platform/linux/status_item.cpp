@@ -2,12 +2,12 @@
 
 #include <QCoreApplication>
 #include <QCursor>
-#include <QIcon>
 #include <QSystemTrayIcon>
 
 #include "platform/application.h"
 #include "platform/linux/image_impl.h"
 #include "platform/linux/menu_impl.h"
+#include "platform/linux/panel_icon.h"
 #include "platform/linux/tray_host_watch.h"
 
 namespace platform {
@@ -37,9 +37,9 @@ void StatusItem::Impl::show() {
   const QString text = QString::fromStdString(title);
   icon->setToolTip(text.isEmpty() ? QCoreApplication::applicationName() : text);
   if (menu != nullptr) icon->setContextMenu(&menu->impl().widget);
-  const QPixmap pixmap = image == nullptr ? QPixmap() : image->impl().pixmap();
-  icon->setIcon(QIcon(pixmap));
-  icon->setVisible(!pixmap.isNull());
+  const bool hasPicture = image != nullptr && image->isValid();
+  icon->setIcon(hasPicture ? panelIcon(image->impl().pixmaps()) : QIcon());
+  icon->setVisible(hasPicture);
 }
 
 void StatusItem::Impl::popUpMenu() {

@@ -8,8 +8,8 @@
 
 #include "tests/support/tray_host_double.h"
 
-// Whether the icon in the panel is, pixel by pixel, the picture of this name in `resources`; `scale`: device
-// pixels to the point on the finest screen.
+// Whether the icon in the panel is, pixel by pixel, the picture of this name in `resources`, at `scale`
+// device pixels to the point.
 inline bool panelShows(test_support::TrayHostDouble& host, const std::string& resources,
                        const std::string& name, int scale = 1) {
   EXPECT_TRUE(host.saveIcon("/tmp/icon.png", std::to_string(20 * scale)));
