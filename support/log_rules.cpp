@@ -12,7 +12,9 @@ constexpr std::size_t commandBufferSize = 512;
 // Stands for the name of the collection.
 constexpr std::string_view placeholder = "%s";
 
-constexpr std::string_view makeFolder = "mkdir -m 700 /tmp/%s";
+// A folder of the user's own that is there already is shut to others too.
+constexpr std::string_view makeFolder =
+    "mkdir -m 700 /tmp/%s || { test -O /tmp/%s -a ! -L /tmp/%s && chmod 700 /tmp/%s; }";
 
 // Copies of logs are the user's alone, and go into no folder that somebody else has put there.
 constexpr std::string_view whereSafe = "umask 077; test -O /tmp/%s -a ! -L /tmp/%s && ";

@@ -37,6 +37,8 @@ class WindowWidget : public QWidget {
     owner->releaseOnceIdle();
   }
 
+  void paintEvent(QPaintEvent*) override { owner->isComing = false; }
+
   void keyPressEvent(QKeyEvent* event) override {
     if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
     close();
@@ -118,8 +120,8 @@ void Window::Impl::comeForward() {
 }
 
 bool Window::Impl::isOnScreen() const {
-  return widget.isVisible() && !widget.isMinimized() && widget.windowHandle() != nullptr &&
-         widget.windowHandle()->isExposed();
+  if (!widget.isVisible() || widget.isMinimized() || widget.windowHandle() == nullptr) return false;
+  return isComing || widget.windowHandle()->isExposed();
 }
 
 // On the window itself: the toolkit would make a new one for a changed flag of the widget.
@@ -171,6 +173,7 @@ void Window::makeKeyAndOrderFront() {
   if (impl_->closed) return;
   impl_->hiddenByInactivity = false;
   impl_->onScreen = shared_from_this();
+  impl_->isComing = !impl_->widget.isVisible();
   orderTabsAsMade(*impl_->content);
   impl_->widget.show();
   impl_->widget.raise();

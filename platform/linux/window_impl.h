@@ -17,7 +17,8 @@ struct Window::Impl {
 
   // Whether this toolkit window is the window itself.
   [[nodiscard]] bool owns(const QWidget& window) const { return &window == &widget; }
-  // Visible, and neither made an icon nor on another desktop.
+  // Visible, and neither made an icon nor on another desktop; from the moment on at which it was ordered
+  // there.
   [[nodiscard]] bool isOnScreen() const;
   void setAboveOthers(bool above);
   // Tells the will-close handler, and lets the window show no more.
@@ -36,6 +37,7 @@ struct Window::Impl {
   std::function<void()> willClose;
   bool closed = false;
   bool hiddenByInactivity = false;
+  bool isComing = false;  // ordered to the front, and not yet drawn
   std::unique_ptr<ActivityWatch> activity;
 };
 

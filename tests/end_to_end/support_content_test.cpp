@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+
 #include "tests/end_to_end/support_fixture.h"
 
 namespace {
@@ -26,6 +28,23 @@ class SupportContent : public SupportTest {
     EXPECT_EQ(linesInConsole("bannerImgView clicked"), 0);
     EXPECT_EQ(beaconsOf("banner"), 0);
   }
+  // Of the picture that comes with the agent, one device pixel to the point.
+  [[nodiscard]] bool bannerIsBuiltIn() {
+    const std::string name = scale() == 1 ? "/Tovalinbanner.png" : "/Tovalinbanner@2x.png";
+    const std::string pixels = runOnDisplay({"convert", agentContents() + "/Resources" + name, "rgb:-"});
+    const auto shown = pictureOfPart({0, 0}, 420, 40);
+    const auto near = [](std::uint8_t a, char b) { return std::abs(a - static_cast<std::uint8_t>(b)) <= 2; };
+    std::size_t at = 0;
+    for (int y = 0; y < shown.height(); ++y) {
+      for (int x = 0; x < shown.width(); ++x, at += 3) {
+        const auto colour = shown.at(x, y);
+        if (!near(colour.red, pixels.at(at)) || !near(colour.green, pixels.at(at + 1)) ||
+            !near(colour.blue, pixels.at(at + 2)))
+          return false;
+      }
+    }
+    return at == pixels.size();
+  }
   // Which of the notice's two forms stands there: links are blue.
   [[nodiscard]] bool showsLinks() const {
     const auto picture = pictureOfPart({140, 165}, 280, 20);
@@ -42,7 +61,7 @@ class SupportContent : public SupportTest {
 TEST_F(SupportContent, WithoutANetworkOnlyTheLogButtonDoesAnything) {
   server_.reset();
   launchAndOpen();
-  const auto builtIn = pictureOfPart({0, 0}, 420, 40);
+  EXPECT_TRUE(waitUntil([&] { return bannerIsBuiltIn(); }));
   EXPECT_FALSE(showsLinks());
   EXPECT_EQ(linesInConsole(noBanner), 0);
   EXPECT_EQ(linesInConsole("recentversion"), 0);
@@ -53,7 +72,6 @@ TEST_F(SupportContent, WithoutANetworkOnlyTheLogButtonDoesAnything) {
   EXPECT_THAT(runs(), ElementsAre());
   EXPECT_EQ(count("log 6: "), 1);
   EXPECT_EQ(linesInConsole("bannerImgView clicked"), 0);
-  EXPECT_FALSE(builtIn == pictureOfPart({0, 40}, 420, 40));
 }
 
 TEST_F(SupportContent, WithTheNetworkItShowsTwoLinksAndTheBanner) {
@@ -125,6 +143,17 @@ TEST_F(SupportContent, ABannerThatIsNoPictureGivesNoBanner) {
   launchAndOpen();
   expectNoBanner();
   EXPECT_EQ(colourOf(bannerMiddle), colourOf(bareSpot));
+}
+
+TEST_F(SupportContent, APictureThatIsABombGivesNoBannerAndTakesNoMemory) {
+  launchAndOpen();
+  closeWindow();
+  const long memory = ownMemoryInKilobytes();
+  // A gigabyte of black.
+  server_->put(bannerFolder + std::string("red.ppm"), "P5\n32768 32768\n255\n" + std::string(1 << 20, '\0'));
+  openWindow();
+  expectNoBanner();
+  EXPECT_LT(ownMemoryInKilobytes(), memory + 16384);
 }
 
 TEST_F(SupportContent, ABannersNameWithABlankGivesNoBannerAndNoFetch) {
@@ -231,6 +260,18 @@ TEST_F(SupportContent, LinksThatAreNoneLeadNowhere) {
   clickAt(firstLink);
   clickAt(secondLink);
   expectNothingRun();
+}
+
+TEST_F(SupportContent, LinksOpenAsTheAddressThatTheyAreReadAsOrNotAtAll) {
+  server_->put(noticeFile, noticeList("HTTP://One.Example/%7ea", "http://two.example:99999/"));
+  launchAndOpen();
+  timeline_.clear();
+  clickAt(firstLink);
+  EXPECT_TRUE(waitForText("run: open http://one.example/~a"));
+  clickAt(secondLink);
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(count("run: "), 1) << testing::PrintToString(texts());
 }
 
 TEST_F(SupportContent, WhatTheServerSaysIsTextAndNothingElse) {

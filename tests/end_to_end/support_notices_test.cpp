@@ -140,6 +140,20 @@ TEST_F(SupportMeets, ANoticeAfterUpdateComesAndGoesAndTheWindowServesOn) {
   expectClosesForGood();
 }
 
+TEST_F(SupportMeets, TheLoadingNoticeAfterUpdateComesAndGoesAndTheWindowServesOn) {
+  launchAndOpen();
+  update();
+  show("-neon", isLoadingNotice);
+  timeline_.clear();
+  clickAt(faqMiddle);
+  serveAll();
+  send("-neoff");
+  ASSERT_TRUE(hides(isLoadingNotice));
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
+  expectFaqServes();
+  expectClosesForGood();
+}
+
 TEST_F(SupportMeets, OpenedOverANoticeThatThenGoesItTakesInputAndCloses) {
   launchInPanel();
   send("-non");
@@ -178,6 +192,13 @@ TEST_F(SupportMeets, QuitBehindANoticeOverASheet) {
   expectQuits();
 }
 
+TEST_F(SupportMeets, QuitBehindANoticeAfterUpdate) {
+  launchAndOpen();
+  update();
+  show("-neon", isLoadingNotice);
+  expectQuits();
+}
+
 TEST_F(SupportMeets, TheSignalBehindTheOpenWindow) {
   launchAndOpen();
   expectEndsBySignal();
@@ -199,6 +220,40 @@ TEST_F(SupportMeets, TheSignalBehindANoticeOverTheWindow) {
   launchAndOpen();
   show("-neon", isLoadingNotice);
   expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheSignalBehindANoticeOverASheet) {
+  launchAndOpen();
+  openSheet();
+  show("-non", isAccessNotice);
+  expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheSignalBehindANoticeAfterUpdate) {
+  launchAndOpen();
+  update();
+  show("-non", isAccessNotice);
+  expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheBundlesEndBehindANoticeOverTheWindow) {
+  launchAndOpen();
+  show("-non", isAccessNotice);
+  expectEndsWithTheBundle();
+}
+
+TEST_F(SupportMeets, TheBundlesEndBehindANoticeOverASheet) {
+  launchAndOpen();
+  openSheet();
+  show("-neon", isLoadingNotice);
+  expectEndsWithTheBundle();
+}
+
+TEST_F(SupportMeets, TheBundlesEndBehindANoticeAfterUpdate) {
+  launchAndOpen();
+  update();
+  show("-neon", isLoadingNotice);
+  expectEndsWithTheBundle();
 }
 
 TEST_F(SupportMeets, TheBundlesEndBehindTheOpenWindow) {

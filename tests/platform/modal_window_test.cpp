@@ -6,7 +6,8 @@
 #include <string>
 #include <thread>
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QWidget>
 
 #include "platform/application.h"
 #include "platform/window.h"
@@ -82,6 +83,24 @@ TEST_F(ModalWindow, BlocksTheCloseRequestsOfOtherWindowsAndTakesItsOwn) {
     EXPECT_TRUE(isShown(plain));
   });
   EXPECT_TRUE(other->isVisible());
+  other->orderOut();
+}
+
+// Before the display has drawn it.
+TEST_F(ModalWindow, BlocksOthersFromTheMomentOnInWhichItIsShown) {
+  const auto other = open(plain);
+  const auto modal = Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
+  bool wasClosed = true;
+  Application::sharedApplication().performOnMainThread([&] {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+      if (widget->windowTitle() == plain) wasClosed = widget->close();
+    stopModal();
+  });
+  modal->makeKeyAndOrderFront();
+  Application::sharedApplication().runModalForWindow(modal);
+  EXPECT_FALSE(wasClosed);
+  EXPECT_TRUE(other->isVisible());
+  modal->orderOut();
   other->orderOut();
 }
 

@@ -18,7 +18,7 @@ TEST(CollectionName, IsTheLocalTimeToTheSecond) {
 TEST(CollectionCommands, StandInTheirOrder) {
   const auto commands = collectionCommands("N");
   ASSERT_TRUE(commands.has_value());
-  EXPECT_EQ((*commands)[0], "mkdir -m 700 /tmp/N");
+  EXPECT_EQ((*commands)[0], "mkdir -m 700 /tmp/N || { test -O /tmp/N -a ! -L /tmp/N && chmod 700 /tmp/N; }");
   const std::string safe = "umask 077; test -O /tmp/N -a ! -L /tmp/N && ";
   EXPECT_EQ((*commands)[1], safe + "cp /var/log/Tovalin*.log /tmp/N/");
   EXPECT_EQ((*commands)[2], safe +

@@ -1,0 +1,176 @@
+#include <gmock/gmock.h>
+
+#include <deque>
+#include <set>
+
+#include "app/nimbatrayAppDelegate.h"
+#include "notices/clickable_image_view.h"
+#include "platform/image.h"
+#include "platform/property_list.h"
+#include "platform/url_request.h"
+#include "platform/workspace.h"
+
+using testing::ElementsAre;
+using testing::EndsWith;
+
+namespace {
+
+// What was asked of the server and of the desktop, and what the server answers; nothing when it has no more.
+struct Outside {
+  std::vector<std::string> fetched, opened;
+  std::deque<std::optional<std::string>> replies;
+};
+
+Outside& outside() {
+  static Outside all;
+  return all;
+}
+
+constexpr const char* picture = "P6\n1 1\n255\nabc";
+
+std::string list(const std::string& content) {
+  return "<plist version=\"1.0\">" + content + "</plist>";
+}
+std::string banner(const std::string& name) {
+  return "<dict><key>file_name</key><string>" + name + "</string><key>link</key><string>http://" + name +
+         "/</string></dict>";
+}
+
+}  // namespace
+
+// The real ones would need a server and a browser.
+namespace platform {
+
+std::optional<std::string> sendSynchronousRequest(const UrlRequest& request) {
+  outside().fetched.push_back(request.url);
+  if (outside().replies.empty()) return std::nullopt;
+  const auto reply = outside().replies.front();
+  outside().replies.pop_front();
+  return reply;
+}
+
+Workspace& Workspace::sharedWorkspace() {
+  static Workspace workspace;
+  return workspace;
+}
+
+void Workspace::openURL(const std::string& text) {
+  outside().opened.push_back(text);
+}
+
+}  // namespace platform
+
+namespace {
+
+class ServerContent : public testing::Test {
+ protected:
+  void SetUp() override { outside() = {}; }
+
+  void haveBanners(const std::string& entries) {
+    outside().replies = {list("<array>" + entries + "</array>")};
+    ASSERT_EQ(delegate_.getBannerList(), 1);
+  }
+  int fetchBanner(std::optional<std::string> reply) {
+    outside().replies = {std::move(reply)};
+    return delegate_.getBannerImg();
+  }
+
+  nimbatrayAppDelegate delegate_;
+};
+
+TEST_F(ServerContent, NoBodyLeavesTheEarlierListsAndIsNoSuccess) {
+  haveBanners(banner("a.ppm"));
+  outside().replies = {list("<dict/>")};
+  EXPECT_EQ(delegate_.getServerNotice(), 0);
+  const auto notice = delegate_.serverNotice;
+  const auto banners = delegate_.bannerList;
+  ASSERT_TRUE(notice != nullptr && banners != nullptr);
+  EXPECT_EQ(delegate_.getServerNotice(), 0);
+  EXPECT_EQ(delegate_.getBannerList(), 0);
+  EXPECT_EQ(delegate_.serverNotice, notice);
+  EXPECT_EQ(delegate_.bannerList, banners);
+}
+
+TEST_F(ServerContent, ABodyThatIsNoListTakesTheEarlierOnesAway) {
+  haveBanners(banner("a.ppm"));
+  outside().replies = {list("<dict/>"), "<plist><dict>", "no list {"};
+  EXPECT_EQ(delegate_.getServerNotice(), 0);
+  EXPECT_NE(delegate_.serverNotice, nullptr);
+  EXPECT_EQ(delegate_.getServerNotice(), 0);
+  EXPECT_EQ(delegate_.serverNotice, nullptr);
+  EXPECT_EQ(delegate_.getBannerList(), 0);
+  EXPECT_EQ(delegate_.bannerList, nullptr);
+}
+
+TEST_F(ServerContent, ABannersLinkIsThatOfTheOneChosenLastAlsoWithoutItsPicture) {
+  haveBanners(banner("a.ppm"));
+  EXPECT_EQ(fetchBanner(picture), 1);
+  const auto shown = delegate_.bannerImg;
+  ASSERT_NE(shown, nullptr);
+  haveBanners(banner("b.ppm"));
+  EXPECT_EQ(fetchBanner(std::nullopt), 0);
+  EXPECT_EQ(delegate_.bannerImg, shown);
+  EXPECT_EQ(delegate_.bannerLink, "http://b.ppm/");
+}
+
+TEST_F(ServerContent, DataThatIsNoPictureTakesTheEarlierOneAway) {
+  haveBanners(banner("a.ppm"));
+  EXPECT_EQ(fetchBanner(picture), 1);
+  EXPECT_EQ(fetchBanner("<html>"), 0);
+  EXPECT_EQ(delegate_.bannerImg, nullptr);
+}
+
+TEST_F(ServerContent, ANameThatMakesNoAddressIsNotAskedFor) {
+  haveBanners(banner("a%2"));
+  outside().fetched.clear();
+  EXPECT_EQ(fetchBanner(picture), 0);
+  EXPECT_THAT(outside().fetched, ElementsAre());
+  EXPECT_EQ(delegate_.bannerLink, "http://a%2/");
+}
+
+TEST_F(ServerContent, AnEmptyNameAsksForTheFolder) {
+  haveBanners(banner(""));
+  outside().fetched.clear();
+  EXPECT_EQ(fetchBanner(std::nullopt), 0);
+  EXPECT_THAT(outside().fetched, ElementsAre(EndsWith("/product/nimba/banner/")));
+}
+
+TEST_F(ServerContent, EachOfThreeBannersIsChosenSometimes) {
+  haveBanners(banner("a.ppm") + banner("b.ppm") + banner("c.ppm"));
+  std::set<std::string> chosen;
+  for (int i = 0; i < 1000 && chosen.size() < 3; ++i) {
+    ASSERT_EQ(fetchBanner(picture), 1);
+    chosen.insert(*delegate_.bannerLink);
+  }
+  EXPECT_EQ(chosen.size(), 3U);
+}
+
+TEST_F(ServerContent, AnEmptyListOrAnEntryWithoutItsTextsGivesNoBanner) {
+  haveBanners("");
+  EXPECT_EQ(fetchBanner(picture), 0);
+  haveBanners("<dict><key>link</key><string>http://a/</string></dict>");
+  EXPECT_EQ(fetchBanner(picture), 0);
+  haveBanners("<dict><key>file_name</key><integer>1</integer></dict>");
+  EXPECT_EQ(fetchBanner(picture), 0);
+  EXPECT_EQ(delegate_.bannerLink, std::nullopt);
+}
+
+TEST_F(ServerContent, AClickOnAnotherViewThanTheBannersDoesNothing) {
+  delegate_.bannerLink = "http://banner/";
+  delegate_.bannerImgView = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 1, 1});
+  tovalinNSImageView another({0, 0, 1, 1});
+  delegate_.myImageView(another, {});
+  EXPECT_THAT(outside().opened, ElementsAre());
+  delegate_.myImageView(*delegate_.bannerImgView, {});
+  EXPECT_THAT(outside().opened, ElementsAre("http://banner/"));
+}
+
+TEST_F(ServerContent, ABannersClickWithoutALinkOpensNothing) {
+  delegate_.bannerImgView = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 1, 1});
+  delegate_.myImageView(*delegate_.bannerImgView, {});
+  delegate_.bannerLink = "";
+  delegate_.myImageView(*delegate_.bannerImgView, {});
+  EXPECT_THAT(outside().opened, ElementsAre());
+}
+
+}  // namespace
