@@ -341,7 +341,7 @@ TEST_F(SupportLog, ACloseRequestDuringTheCollectionClosesTheWindowAfterIt) {
   openFirstSheet();
   press("Return");
   ASSERT_TRUE(waitForText("run: zip"));
-  test_support::requestClose(display_.name(), window_.id);
+  test_support::deliverCloseRequest(display_.name(), window_.id);
   timeline_.release("zip");
   ASSERT_TRUE(windowGoes());
   openWindow();

@@ -132,17 +132,34 @@ std::optional<std::uint32_t> activeWindowOn(const std::string& display) {
   return window == XCB_WINDOW_NONE ? std::nullopt : window;
 }
 
+namespace {
+
+void sendMessage(const XConnection& connection, std::uint32_t receiver, std::uint32_t events,
+                 xcb_client_message_event_t message) {
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  xcb_send_event(connection.get(), 0, receiver, events, reinterpret_cast<const char*>(&message));
+  connection.synchronize();
+}
+
+}  // namespace
+
 void requestClose(const std::string& display, std::uint32_t window) {
   const XConnection connection(display);
   xcb_client_message_event_t message{};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
   message.window = window;
   message.type = connection.atom("_NET_CLOSE_WINDOW");
-  xcb_send_event(connection.get(), 0, connection.root(),
-                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
-  connection.synchronize();
+  sendMessage(connection, connection.root(),
+              XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT, message);
+}
+
+void deliverCloseRequest(const std::string& display, std::uint32_t window) {
+  const XConnection connection(display);
+  xcb_client_message_event_t message{};
+  message.window = window;
+  message.type = connection.atom("WM_PROTOCOLS");
+  message.data.data32[0] = connection.atom("WM_DELETE_WINDOW");
+  sendMessage(connection, window, XCB_EVENT_MASK_NO_EVENT, message);
 }
 
 }  // namespace test_support

@@ -43,5 +43,7 @@ using WindowPredicate = std::function<bool(const XWindow&)>;
 
 // Asks the window manager to close a window, as its close button does; the program may refuse.
 void requestClose(const std::string& display, std::uint32_t window);
+// What the window manager then tells the program; returns when the program has it to read.
+void deliverCloseRequest(const std::string& display, std::uint32_t window);
 
 }  // namespace test_support
