@@ -73,10 +73,11 @@ relay_beacons() { # WEB_VIEW
   cp build/release/tests/support/web_view_relay "$1"
 }
 
-start_server() {
-  build/release/tools/productserver --port "$server_port" --uploads "$results/uploads" tools/productserver_root > >(retell "server") 2>&1 &
+start_server() { # OPTION ...
+  build/release/tools/productserver --port "$server_port" --uploads "$results/uploads" "$@" tools/productserver_root > >(retell "server") 2>&1 &
   server=$!
-  wait_for_line "server" "listening"
+  server_starts=$((${server_starts:-0} + 1))
+  wait_for_line "server" "listening" "$server_starts"
 }
 
 stop_server() {

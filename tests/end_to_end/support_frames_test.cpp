@@ -129,6 +129,26 @@ TEST_F(SupportFrames, TextsStandWhereTheirAlignmentPutsThem) {
   EXPECT_LT(inkIn(second).left, 140 + 8);
 }
 
+// Letters without what goes below the line are three quarters of the text's size high.
+TEST_F(SupportFrames, TextsHaveTheirSizesAndBeginAtTheTopsOfTheirFrames) {
+  launchAndOpen();
+  lookAtWindow();
+  if (HasFatalFailure()) return;
+  const auto expectText = [this](const Frame& frame, double height, double below) {
+    const Ink ink = inkIn(frame);
+    EXPECT_NEAR(ink.top - ink.bottom, height, 1) << frame.what;
+    EXPECT_NEAR(frame.y + frame.height - ink.top, below, 1.5) << frame.what;
+  };
+  expectText({"name above the version", 0, 135, 135, 24}, 0.75 * 20, 4);
+  expectText(version, 0.75 * 12 + 1, 1.5);
+  expectText(heading, 0.75 * 14, 2);
+  expectText(first, 0.75 * 12 + 3, 4);  // the line below it too
+  expectText(second, 0.75 * 12 + 3, 4);
+  expectText(copyright, 0.75 * 10 + 2.5, 1.5);  // "p", "y"
+  EXPECT_NEAR(inkIn(icon).top, 230, 2.5);
+  EXPECT_NEAR(inkIn(icon).top - inkIn(icon).bottom, 62, 2);
+}
+
 TEST_F(SupportFrames, ButtonsFillTheMiddleOfTheirFrames) {
   launchAndOpen();
   lookAtWindow();
