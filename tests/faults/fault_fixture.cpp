@@ -1,0 +1,311 @@
+#include "tests/faults/fault_fixture.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <new>
+#include <sstream>
+
+#include "tests/support/file_descriptor.h"
+#include "tests/support/wait_until.h"
+#include "tools/tvldump/record_reader.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using test_support::FileDescriptor;
+using test_support::waitUntil;
+
+constexpr const char* kReport = "/tmp/faults.report";
+const std::string kFolder = "/tmp/home/.local/share/Tovalin";
+const std::string kPastFile = kFolder + "/Tovalin_2024_03_07.dat";
+constexpr std::size_t kPastSize = 100'000;
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Shared with the agent, in which the calls fail.
+faults::Report* makeReport() {
+  const FileDescriptor file(::open(kReport, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  if (::ftruncate(file.get(), sizeof(faults::Report)) != 0) return nullptr;
+  void* const memory =
+      ::mmap(nullptr, sizeof(faults::Report), PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
+  return memory == MAP_FAILED ? nullptr : new (memory) faults::Report;
+}
+
+long openDescriptorsOf(pid_t process) {
+  std::error_code gone;
+  const fs::directory_iterator open("/proc/" + std::to_string(process) + "/fd", gone);
+  return gone ? 0 : std::distance(begin(open), end(open));
+}
+
+long processes() {
+  const fs::directory_iterator all("/proc");
+  return std::ranges::count_if(all, [](const auto& entry) {
+    return std::isdigit(static_cast<unsigned char>(entry.path().filename().string()[0])) != 0;
+  });
+}
+
+// An empty file gets its header with its first record.
+std::string damageOf(const std::string& bytes) {
+  tools::RecordReader reader(bytes);
+  while (reader.next()) continue;
+  if (bytes.empty() || !reader.damage()) return {};
+  return "damaged at byte " + std::to_string(reader.damage()->offset);
+}
+
+bool isEverydayEntry(const std::string& text) {
+  return !text.starts_with("log 3: ") || text.starts_with("log 3: Tovalin working path") ||
+         text.starts_with("log 3: bActive") || text.starts_with("log 3: Dark Mode");
+}
+
+// The console log has the versions, and what the server says to an upload: nothing, or that there was no
+// answer.
+bool isEverydayLine(const std::string& line) {
+  return line.ends_with("] ") || line.ends_with("] (null)") ||
+         line.find("] recentversion") != std::string::npos;
+}
+
+// What a life without faults is like; led once a test program.
+struct PlainLife {
+  std::array<std::uint64_t, faults::callNames.size()> counts{};
+  long descriptors = 0;
+};
+std::optional<PlainLife>& plainLife() {
+  static std::optional<PlainLife> life;
+  return life;
+}
+
+}  // namespace
+
+void FaultTest::SetUp() {
+#ifdef TOVALIN_SANITIZED
+  GTEST_SKIP() << "the failing calls and the sanitizers both want to be loaded first";
+#endif
+  SupportTest::SetUp();
+  if (HasFatalFailure()) return;
+  server_->put(bannerFolder + std::string("red.ppm"), pictureFile(red, 420, 120));
+  report_ = makeReport();
+  ASSERT_NE(report_, nullptr);
+  environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
+  environment_["TOVALIN_FAULT_REPORT"] = kReport;
+  if (plainLife()) return;
+  const Outcome plain = live({});
+  ASSERT_EQ(plain.survival, Survival::Served) << "without any fault: " << plain.detail;
+  for (std::size_t i = 0; i < faults::callNames.size(); ++i) plainLife()->counts[i] = report_->counts[i];
+}
+
+std::uint64_t FaultTest::callsOf(const std::string& name) {
+  return plainLife()->counts[faults::indexOf(name)];
+}
+
+Outcome FaultTest::live(const Fault& fault) {
+  begin(fault);
+  leadThroughItsSteps();
+  Outcome outcome = judge();
+  if (outcome.survival == Survival::Failed) agent_.kill();
+  if (fault.which != 0 && !hasFailed()) outcome.survival = Survival::NotReached;
+  return outcome;
+}
+
+void FaultTest::begin(const Fault& fault) {
+  fs::remove_all(kFolder);
+  fs::create_directories(kFolder);
+  std::ofstream(kPastFile) << std::string(kPastSize, 'p');
+  fs::remove(pipePath);
+  timeline_.clear();
+  host_.clearEvents();
+  console_.clear();
+  new (report_) faults::Report;
+  environment_["TOVALIN_FAULT"] =
+      fault.call + " " + std::to_string(fault.which) + " " + std::to_string(fault.error);
+  endsBySignal_ = fault.which % 2 == 1;
+  processesBefore_ = processes();
+  startAgent();
+}
+
+// Once the fault is there, what does not come soon does not come.
+bool FaultTest::comesTrue(const std::function<bool()>& condition) {
+  const auto begin = std::chrono::steady_clock::now();
+  std::optional<std::chrono::steady_clock::time_point> failedAt;
+  return waitUntil([&] {
+           const auto now = std::chrono::steady_clock::now();
+           if (!failedAt && hasFailed()) failedAt = now;
+           const bool givesUp = failedAt ? now - *failedAt > 4s && now - begin > 2s : false;
+           return condition() || givesUp || !agent_.running();
+         }) &&
+         condition();
+}
+
+void FaultTest::leadThroughItsSteps() {
+  waitForListener();
+  static_cast<void>(comesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
+  static_cast<void>(comesTrue([] { return !fs::exists(kPastFile); }));
+  record();
+  useSwitch();
+  useSupportWindow();
+}
+
+void FaultTest::waitForListener() {
+  static_cast<void>(comesTrue([&] {
+    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+    return pipe.valid() || toldThatThePipeIsGone();
+  }));
+}
+
+// Returns when it was read: two that are read at once are one.
+void FaultTest::sendToPipe(const std::string& text) {
+  const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+  const int before = count("log 6: read_pipe");
+  if (::write(pipe.get(), text.data(), text.size()) <= 0) return;
+  static_cast<void>(comesTrue([&] { return count("log 6: read_pipe") > before; }));
+}
+
+void FaultTest::record() {
+  sendToPipe("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
+  static_cast<void>(comesTrue([&] { return recordsLike("\x04\x13") == 1; }));
+  sendToPipe("-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x00\x10\0\0\0\0\0\0mp4\0\0\0\0\0\0\0"s);
+  static_cast<void>(comesTrue([&] { return recordsLike("\x07\x08") == 1; }));
+}
+
+void FaultTest::useSwitch() {
+  if (!agent_.running() || !host_.click("Automount Off")) return;
+  static_cast<void>(comesTrue([&] { return count("pipe: -u") == 1; }));
+}
+
+void FaultTest::useSupportWindow() {
+  if (!agent_.running() || !host_.click("Support Tovalin")) return;
+  std::optional<test_support::XWindow> window;
+  static_cast<void>(comesTrue([&] {
+    window = test_support::waitForWindow(display_.name(), isSupportWindow, 0ms);
+    return window.has_value();
+  }));
+  if (!window) return;
+  static_cast<void>(comesTrue([&] {
+    test_support::requestClose(display_.name(), window->id);
+    return test_support::waitForNoWindow(display_.name(), isSupportWindow, 100ms);
+  }));
+}
+
+bool FaultTest::answersThePipe() {
+  sendToPipe("-noff");
+  sendToPipe("-non");
+  const auto isUp = [&] {
+    return test_support::waitForWindow(display_.name(), isAccessNotice, 0ms).has_value();
+  };
+  if (!comesTrue(isUp)) return false;
+  sendToPipe("-noff");
+  return comesTrue([&] { return !isUp(); });
+}
+
+bool FaultTest::answersItsMenu() {
+  timeline_.clear();
+  const char* label = host_.click("Automount On") ? "pipe: -m" : "pipe: -u";
+  if (label == "pipe: -u"s && !host_.click("Automount Off")) return false;
+  return waitForText(label);
+}
+
+bool FaultTest::toldThatThePipeIsGone() {
+  return std::ranges::any_of(texts(),
+                             [](const std::string& text) {
+                               return text.find("notiThread] open pipe error") != std::string::npos ||
+                                      text.find("notiThread] pipe select error") != std::string::npos;
+                             }) ||
+         message().find("no thread") != std::string::npos;
+}
+
+// What the agent has said of its fault, in the log or on its console.
+std::string FaultTest::message() {
+  for (const std::string& text : texts()) {
+    if (!isEverydayEntry(text)) return text;
+  }
+  std::istringstream lines(console_ += agent_.takeErrorOutput());
+  for (std::string line; std::getline(lines, line);) {
+    if (!isEverydayLine(line)) return line;
+  }
+  return {};
+}
+
+Outcome FaultTest::judge() {
+  if (const auto early = judgeEarlyEnd()) return *early;
+  Survival survival = Survival::Served;
+  const bool told = toldThatThePipeIsGone();
+  if (!answersThePipe() && !answersThePipe()) {
+    if (!told && !toldThatThePipeIsGone()) {
+      if (const auto early = judgeEarlyEnd()) return *early;
+      return {Survival::Failed, "does not answer the pipe: " + message()};
+    }
+    if (!answersItsMenu()) return {Survival::Failed, "does not answer its menu"};
+    survival = Survival::ServedWithoutPipe;
+  }
+  for (const std::string& fault : {leftBehind(), judgeEnd(), damageOfFiles()}) {
+    if (!fault.empty()) return {Survival::Failed, fault + ": " + message()};
+  }
+  const std::string said = message();
+  if (said.empty() && !hasAllRecords()) return {Survival::Failed, "lost a record without a word"};
+  return {survival, said};
+}
+
+std::optional<Outcome> FaultTest::judgeEarlyEnd() {
+  if (agent_.running()) return std::nullopt;
+  const auto status = agent_.wait();
+  const std::string said = message();
+  if (status->signal)
+    return Outcome{Survival::Failed, "signal " + std::to_string(*status->signal) + " " + said};
+  if (said.empty()) return Outcome{Survival::Failed, "ended without a word"};
+  const std::string damage = damageOfFiles();
+  if (!damage.empty()) return Outcome{Survival::Failed, "ended: " + damage};
+  return Outcome{Survival::EndedWithMessage, said};
+}
+
+// While the agent runs: descriptors and children that it has left.
+std::string FaultTest::leftBehind() {
+  const auto open = [&] { return openDescriptorsOf(agent_.pid()); };
+  if (!plainLife()) plainLife() = PlainLife{.descriptors = open()};
+  const long usual = plainLife()->descriptors;
+  if (!waitUntil([&] { return open() <= usual; }, 3s))
+    return std::to_string(open()) + " descriptors for " + std::to_string(usual);
+  // The agent and its web view.
+  if (!waitUntil([&] { return processes() <= processesBefore_ + 2; }, 3s)) return "leaves children behind";
+  return {};
+}
+
+std::string FaultTest::judgeEnd() {
+  if (endsBySignal_ || !host_.click("Quit Tovalin")) agent_.terminate();
+  const auto status = agent_.wait(8s);
+  if (!status) return "does not end";
+  if (status->signal) return "ended by signal " + std::to_string(*status->signal);
+  if (!waitUntil([&] { return processes() <= processesBefore_; })) return "processes outlive it";
+  return {};
+}
+
+bool FaultTest::hasAllRecords() const {
+  return recordsLike(startRecord) == 1 && recordsLike("\x04\x13") == 1 && recordsLike("\x07\x08") == 1 &&
+         recordsLike(quitRecord) == (endsBySignal_ ? 1 : 2);
+}
+
+std::string FaultTest::damageOfFiles() const {
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator(kFolder, none)) {
+    const std::string name = entry.path().filename(), bytes = contentsOf(entry.path());
+    const bool isPast = entry.path() == kPastFile;
+    if (isPast && bytes != std::string(kPastSize, 'p')) return "a past file has changed";
+    if (!isPast && name.ends_with(".dat") && !damageOf(bytes).empty()) return damageOf(bytes);
+    if (name == "TovalinUUID.txt" && !bytes.empty() && bytes.size() != 36) return "half an identifier";
+    if (name == "TovalinServerOption.txt" && !bytes.empty() && bytes != "1") return "another server option";
+  }
+  const auto requests = server_->requests();
+  const bool wasSent = std::ranges::any_of(requests, [](const test_support::ServedRequest& request) {
+    return request.body.find(std::string(kPastSize, 'p')) != std::string::npos;
+  });
+  return fs::exists(kPastFile) || wasSent ? "" : "a past file is gone that was not sent";
+}

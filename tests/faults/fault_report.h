@@ -1,0 +1,43 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+// What the failing calls and those who order them share. The order comes in two variables of the environment:
+// TOVALIN_FAULT, as "read 3 5" (the third read fails with errno 5; "none 0 0" only counts), and
+// TOVALIN_FAULT_REPORT, the path of a file that holds a Report.
+namespace faults {
+
+// The calls that can fail. "malloc" is of 64 KiB and more, "small malloc" of less.
+// clang-format off
+inline constexpr std::array<std::string_view, 47> callNames = {
+    "open", "openat", "fopen64", "read", "write",
+    "close", "lseek", "stat", "lstat", "fstat",
+    "statx", "readlink", "fdopendir", "readdir", "mkdir",
+    "mkfifo", "chmod", "fchmod", "sendfile", "unlink",
+    "unlinkat", "remove", "ftruncate", "flock", "select",
+    "poll", "pipe2", "socket", "socketpair", "connect",
+    "send", "ioctl", "pidfd_open", "posix_spawn", "waitpid",
+    "pthread_create", "inotify_init1", "inotify_add_watch", "curl_global_init", "curl_easy_init",
+    "curl_multi_init", "curl_multi_add_handle", "curl_multi_perform", "curl_multi_poll", "curl_slist_append",
+    "malloc", "small malloc"};
+// clang-format on
+
+struct Report {
+  std::array<std::atomic<std::uint64_t>, callNames.size()> counts{};
+  std::atomic<std::uint64_t> failed = 0;
+  // Where in the agent's program the failed call was made, for addr2line(1).
+  std::atomic<std::uint64_t> place = 0;
+};
+
+// The place of a name among the names; their number for a name that is none.
+constexpr std::size_t indexOf(std::string_view name) {
+  std::size_t index = 0;
+  while (index < callNames.size() && callNames[index] != name) ++index;
+  return index;
+}
+
+}  // namespace faults
