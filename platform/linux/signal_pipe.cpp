@@ -5,6 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
+#include <string>
+
+#include "platform/log.h"
 
 namespace platform {
 namespace {
@@ -40,7 +44,9 @@ sigset_t endingSignals() {
 
 SignalPipe::SignalPipe(std::function<void()> ended) {
   int ends[2] = {-1, -1};
-  if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
+  // Until here the signals are held back: without the pipe the process could only be killed.
+  if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
+    fatalError(std::string("no pipe to hear of signals by: ") + std::strerror(errno));
   readEnd_ = FileDescriptor(ends[0]);
   writeEnd_ = FileDescriptor(ends[1]);
   pipeForSignals = ends[1];

@@ -15,7 +15,8 @@ namespace platform {
 [[nodiscard]] sigset_t endingSignals();
 
 // Brings the ending signals into the run loop (the self-pipe trick): the handler writes a byte, the run loop
-// reads it when the main thread is free. Lets them through from here on. One per process; main thread.
+// reads it when the main thread is free. Lets them through from here on, or ends the process with a message
+// when there is no pipe to be had. One per process; main thread.
 class SignalPipe {
  public:
   explicit SignalPipe(std::function<void()> ended);
