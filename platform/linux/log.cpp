@@ -1,8 +1,10 @@
 #include "platform/log.h"
 
+#include <sys/uio.h>
 #include <syslog.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -18,6 +20,10 @@ void writeLine(const std::string& line) {
   // One write a line, so that lines of several threads never mix.
   const std::string whole = line + "\n";
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, whole.data(), whole.size());
+}
+
+iovec piece(std::string_view text) {
+  return {const_cast<char*>(text.data()), text.size()};
 }
 
 std::string localTimeToTheMillisecond() {
@@ -49,9 +55,12 @@ void consoleLog(std::string_view text) {
             std::string(text));
 }
 
+// Takes no memory: the want of it may be what there is to tell.
 void fatalError(std::string_view text) {
   systemLog(LogPriority::Error, text);
-  writeLine("TovalinTray: " + std::string(text));
+  constexpr std::string_view program = "TovalinTray: ";
+  const std::array<iovec, 3> pieces{piece(program), piece(text), piece("\n")};
+  [[maybe_unused]] const ssize_t written = ::writev(STDERR_FILENO, pieces.data(), pieces.size());
   std::fflush(stdout);
   std::_Exit(1);
 }

@@ -8,8 +8,11 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <exception>
+#include <new>
 
 #include "platform/linux/signal_pipe.h"
+#include "platform/log.h"
 
 namespace platform {
 namespace {
@@ -20,9 +23,23 @@ void fillStandardStreams() {
   if (descriptor >= 0) ::close(descriptor);
 }
 
+// In the words of the C++ library the end is SIGABRT, and nobody reads what it says of it.
+[[noreturn]] void endUncaught() {
+  try {
+    std::rethrow_exception(std::current_exception());
+  } catch (const std::bad_alloc&) {
+    fatalError("out of memory");
+  } catch (const std::exception& error) {
+    fatalError(error.what());
+  } catch (...) {
+    fatalError("an error of an unknown kind");
+  }
+}
+
 }  // namespace
 
 void prepareProcess() {
+  std::set_terminate(endUncaught);
   fillStandardStreams();
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
   const sigset_t endings = endingSignals();

@@ -6,7 +6,8 @@ namespace platform {
 // that were closed lead nowhere, instead of to the next file that is opened; what else was handed down stays
 // with this process and goes to none of its commands. SIGTERM, SIGINT and SIGHUP wait until somebody listens
 // to them. SIGPIPE is ignored: a reader that leaves between open and write is a failed write, not the end of
-// the agent.
+// the agent. An exception that nobody catches, the want of memory for one, is told and ends the process
+// with 1.
 void prepareProcess();
 
 }  // namespace platform
