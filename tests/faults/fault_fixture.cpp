@@ -251,6 +251,7 @@ Outcome FaultTest::judge() {
     if (!fault.empty()) return {Survival::Failed, fault + ": " + message()};
   }
   const std::string said = message();
+  if (!endsProperly_) return {Survival::EndedWithMessage, said};
   if (said.empty() && !hasAllRecords()) return {Survival::Failed, "lost a record without a word"};
   return {survival, said};
 }
@@ -284,6 +285,8 @@ std::string FaultTest::judgeEnd() {
   const auto status = agent_.wait(8s);
   if (!status) return "does not end";
   if (status->signal) return "ended by signal " + std::to_string(*status->signal);
+  endsProperly_ = status->code == 0;
+  if (!endsProperly_ && message().empty()) return "ended without a word";
   if (!waitUntil([&] { return processes() <= processesBefore_; })) return "processes outlive it";
   return {};
 }

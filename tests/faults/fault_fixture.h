@@ -67,6 +67,7 @@ class FaultTest : public SupportTest {
 
   faults::Report* report_ = nullptr;
   bool endsBySignal_ = false;  // every other time; else by its menu
+  bool endsProperly_ = false;
   long processesBefore_ = 0;
   std::string console_ = {};
 };
