@@ -13,13 +13,18 @@
 namespace platform {
 namespace {
 
+constexpr int kMostTries = 100;
+
 // A signal handler can reach nothing else.
 volatile sig_atomic_t pipeForSignals = -1;
 
 void writeByte(int) {
   const int error = errno;
   const char byte = 0;
-  [[maybe_unused]] const ssize_t written = ::write(static_cast<int>(pipeForSignals), &byte, 1);
+  // A full pipe says it already; any other failure, the want of a page for one, would lose the signal.
+  for (int tries = 0; tries < kMostTries; ++tries) {
+    if (::write(static_cast<int>(pipeForSignals), &byte, 1) == 1 || errno == EAGAIN) break;
+  }
   errno = error;
 }
 

@@ -1,9 +1,35 @@
 #include "platform/linux/signal_pipe.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include <QCoreApplication>
 
 #include "tests/ipc/forked_call.h"
+
+namespace {
+
+using test_support::ExitStatus;
+
+// How many of the writes to come fail.
+int failingWrites = 0;
+
+}  // namespace
+
+// Stands before the C library's.
+ssize_t write(int descriptor, const void* bytes, std::size_t size) {
+  if (failingWrites > 0) {
+    --failingWrites;
+    errno = ENOMEM;
+    return -1;
+  }
+  return ::syscall(SYS_write, descriptor, bytes, size);
+}
 
 namespace {
 
@@ -14,8 +40,36 @@ TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafT
     const platform::SignalPipe pipe([] {});
     return 0;
   });
-  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 1});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_EQ(finished.error, "TovalinTray: no pipe to hear of signals by: Too many open files\n");
+}
+
+TEST(SignalPipe, ASignalThatCouldNotBeNotedAtFirstIsServedAllTheSame) {
+  const auto finished = test_support::runForked([] {
+    int argc = 1;
+    char name[] = "test";
+    char* argv[] = {name, nullptr};
+    QCoreApplication application(argc, argv);
+    const platform::SignalPipe pipe([] { QCoreApplication::exit(7); });
+    failingWrites = 3;
+    ::raise(SIGTERM);
+    failingWrites = 0;
+    return QCoreApplication::exec();
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 7});
+}
+
+TEST(SignalPipe, APipeThatTakesNoByteMoreHoldsNoSignalUp) {
+  const auto finished = test_support::runForked([] {
+    int argc = 1;
+    char name[] = "test";
+    char* argv[] = {name, nullptr};
+    QCoreApplication application(argc, argv);
+    const platform::SignalPipe pipe([] { QCoreApplication::exit(7); });
+    for (int i = 0; i < 100'000; ++i) ::raise(SIGTERM);
+    return QCoreApplication::exec();
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 7});
 }
 
 }  // namespace
