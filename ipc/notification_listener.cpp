@@ -56,6 +56,11 @@ bool isAtEndOfFile(int descriptor) {
          ::lseek(descriptor, 0, SEEK_CUR) >= status.st_size;
 }
 
+bool isDevice(int descriptor) {
+  struct stat status {};
+  return ::fstat(descriptor, &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
+}
+
 Wait waitForMessage(int descriptor) {
   // select(2) can't name a descriptor beyond its set.
   if (descriptor >= FD_SETSIZE) {
@@ -99,8 +104,8 @@ void nimbatrayAppDelegate::listen(int pipe) {
     buffer.fill('\0');
     const int count = read_pipe(pipe, buffer);
     if (count != 0) dispatch(buffer, shown);
-    // What is no FIFO is always ready, a folder for one, and gives nothing.
-    if (count <= 0 && !ownEnd.valid()) std::this_thread::sleep_for(waitTime);
+    // What is no FIFO is always ready: a folder gives nothing, and a device may never end.
+    if (!ownEnd.valid() && (count <= 0 || isDevice(pipe))) std::this_thread::sleep_for(waitTime);
   }
 }
 
