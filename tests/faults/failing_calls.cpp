@@ -57,8 +57,15 @@ Owner ownerOf(void* address) {
   return name.find("libstdc++.so") != std::string_view::npos ? Owner::CppLibrary : Owner::Other;
 }
 
+// The C++ library's file paths crash when they get no memory, whoever uses them.
+bool isInFilePaths(void* frame) {
+  Dl_info symbol{};
+  return ::dladdr(frame, &symbol) != 0 && symbol.dli_sname != nullptr &&
+         std::strstr(symbol.dli_sname, "10filesystem") != nullptr;
+}
+
 // The nearest frame above this library and the C++ library, when that is the agent's.
-void* agentsFrameAbove() {
+void* agentsFrameAbove(bool throughFilePaths) {
   std::array<void*, 24> frames{};
   const std::span found(frames.data(), static_cast<std::size_t>(::backtrace(frames.data(), frames.size())));
   bool inCppLibrary = false;
@@ -67,16 +74,17 @@ void* agentsFrameAbove() {
     if (owner == Owner::Agent) return frame;
     if (owner == Owner::Other && inCppLibrary) return nullptr;
     inCppLibrary = owner == Owner::CppLibrary;
+    if (inCppLibrary && !throughFilePaths && isInFilePaths(frame)) return nullptr;
   }
   return nullptr;
 }
 
-void* agentsFrame(void* caller) {
+void* agentsFrame(void* caller, bool throughFilePaths) {
   switch (ownerOf(caller)) {
     case Owner::Agent:
       return caller;
     case Owner::CppLibrary:
-      return agentsFrameAbove();
+      return agentsFrameAbove(throughFilePaths);
     case Owner::Other:
       break;
   }
@@ -93,7 +101,7 @@ std::uint64_t offsetInProgram(void* address) {
 int faultOf(std::size_t call, void* caller) {
   if (order.report == nullptr || isLooking) return 0;
   isLooking = true;
-  void* const frame = agentsFrame(caller);
+  void* const frame = agentsFrame(caller, call != indexOf("small malloc"));
   isLooking = false;
   if (frame == nullptr) return 0;
   const std::uint64_t number = ++order.report->counts[call];
