@@ -2,7 +2,7 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
-.PHONY: build package bench soak format check check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz
+.PHONY: build package bench soak format check check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz faults
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
@@ -21,7 +21,7 @@ bench: build
 format:
 	clang-format -i $(SOURCES)
 
-check: check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz
+check: check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz faults
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
@@ -56,3 +56,7 @@ FUZZ_TARGETS ?=
 fuzz:
 	@$(MAKE) --no-print-directory build PRESET=fuzz
 	tests/fuzz/run build/fuzz $(FUZZ_SECONDS) $(FUZZ_TARGETS)
+
+# Makes each call of the agent's own code fail in each place of a short life, and prints what became of it.
+faults: build
+	TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/faults/run build/$(PRESET)

@@ -1,7 +1,8 @@
-#include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
+#include <atomic>
 #include <fstream>
 #include <functional>
 #include <thread>
@@ -14,7 +15,6 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using test_support::FileDescriptor;
 using test_support::waitUntil;
-using testing::IsEmpty;
 
 constexpr const char* commandPipe = "/tmp/KMPIPE";
 constexpr const char* planted = "/tmp/planted";
@@ -195,6 +195,27 @@ TEST_F(HostilePipes, APipeThatIsReplacedInMidRunIsLeftToWhoeverReplacedItUntilTh
   EXPECT_EQ(count("log 6: read_pipe"), 0);
   EXPECT_EQ(modeOf(pipePath), 0600u);
   expectAProperEnd();
+}
+
+// Room for so many files in /tmp, or without a limit.
+bool limitFiles(std::uint64_t count) {
+  const std::string options = "mode=1777,size=512m,nr_inodes=" + std::to_string(count);
+  return ::mount("tmpfs", "/tmp", "tmpfs", MS_REMOUNT, options.c_str()) == 0;
+}
+
+TEST_F(HostilePipes, WithoutRoomForOneMoreFileTheAgentTellsWhatIsMissingAndItsMenuWorks) {
+  struct statvfs room {};
+  ASSERT_EQ(::statvfs("/tmp", &room), 0);
+  ASSERT_TRUE(limitFiles(room.f_files - room.f_ffree));
+  EXPECT_FALSE(std::ofstream(planted).is_open());
+  start();
+  EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] make pipe failed. errno : 28"));
+  EXPECT_TRUE(waitForText("log 3: data file open fail"));
+  ASSERT_TRUE(host_.click("Automount Off"));
+  EXPECT_TRUE(host_.waitForEvent("clicked"));
+  ASSERT_TRUE(limitFiles(0));
+  expectAProperEnd();
+  EXPECT_EQ(recordsLike(quitRecord), 2);
 }
 
 // A message of a whole read, so that what comes with it in the flood does not run into it.

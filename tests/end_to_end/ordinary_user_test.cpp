@@ -1,0 +1,205 @@
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "tests/end_to_end/notice_fixture.h"
+#include "tools/tvldump/record_reader.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using test_support::ChildOptions;
+using test_support::ChildProcess;
+using test_support::ExitStatus;
+using test_support::FileDescriptor;
+using test_support::Redirection;
+using test_support::waitUntil;
+
+constexpr unsigned user = 65534;
+const std::string ownHome = "/tmp/user/home";
+const std::string ownFolder = ownHome + "/.local/share/Tovalin";
+const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s;
+
+std::string contentsOf(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The agent of a user for whom permissions count, and the test as the neighbour who takes them away.
+class OrdinaryUser : public NoticeTest {
+ protected:
+  void SetUp() override {
+    NoticeTest::SetUp();
+    if (HasFatalFailure()) return;
+    if (!succeeds({"true"})) GTEST_SKIP() << "this user may not change into another";
+    install("/tmp/Applications/Tovalin.app");
+    fs::remove_all("/tmp/user");
+    for (const std::string& folder : {ownHome, "/tmp/user/runtime"s}) {
+      fs::create_directories(folder);
+      ASSERT_EQ(::chown(folder.c_str(), user, user), 0);
+      ASSERT_EQ(::chmod(folder.c_str(), 0700), 0);
+    }
+    environment_["HOME"] = ownHome;
+    environment_["XDG_RUNTIME_DIR"] = "/tmp/user/runtime";
+    // The bus is another user's.
+    environment_["DBUS_SESSION_BUS_ADDRESS"] = std::nullopt;
+    runOnDisplay({"xhost", "+local:"});
+  }
+  void TearDown() override {
+    ::chmod("/tmp", 01777);
+    NoticeTest::TearDown();
+  }
+
+  static std::vector<std::string> asUser(const std::vector<std::string>& command) {
+    const std::string id = std::to_string(user);
+    std::vector<std::string> all{"setpriv", "--reuid", id, "--regid", id, "--clear-groups", "--"};
+    all.insert(all.end(), command.begin(), command.end());
+    return all;
+  }
+  // What the user can do, so that a case knows that its fault bites.
+  [[nodiscard]] static bool succeeds(const std::vector<std::string>& command) {
+    ChildProcess process;
+    ChildOptions options;
+    options.error = Redirection::null();
+    return process.start(asUser(command), options) && process.wait() == ExitStatus{.code = 0};
+  }
+
+  void startAsUser() {
+    ChildOptions options;
+    options.environment = environment_;
+    options.error = Redirection::pipe();
+    ASSERT_TRUE(agent_.start(asUser({agentProgram()}), options));
+  }
+  void launchAsUser() {
+    startAsUser();
+    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : ")) << agent_.takeErrorOutput();
+    timeline_.clear();
+  }
+  [[nodiscard]] bool saysOnConsole(const std::string& text) {
+    return waitUntil([&] { return (console_ += agent_.takeErrorOutput()).find(text) != std::string::npos; });
+  }
+  [[nodiscard]] static int records() {
+    int found = 0;
+    for (const auto& entry : fs::directory_iterator(ownFolder)) {
+      const std::string bytes = contentsOf(entry.path());
+      for (std::size_t at = bytes.find("\x06My Pad"); at != std::string::npos;
+           at = bytes.find("\x06My Pad", at + 1))
+        ++found;
+    }
+    return found;
+  }
+
+  static void expectWholeFiles() {
+    for (const auto& entry : fs::directory_iterator(ownFolder)) {
+      if (entry.path().extension() != ".dat") continue;
+      const std::string bytes = contentsOf(entry.path());
+      tools::RecordReader reader(bytes);
+      while (reader.next()) continue;
+      EXPECT_FALSE(reader.damage()) << "at byte " << reader.damage()->offset;
+    }
+  }
+
+  std::string console_;
+};
+
+TEST_F(OrdinaryUser, ANotificationPipeThatNobodyMayOpenAnyMoreServesThoseWhoHaveItOpen) {
+  launchAsUser();
+  ASSERT_EQ(::chmod(pipePath, 0), 0);
+  ASSERT_FALSE(succeeds({"sh", "-c", "exec 3<>/tmp/KMNOTIPIPE"}));
+  send("-non");
+  EXPECT_TRUE(shows(isAccessNotice));
+  terminateAgent();
+}
+
+TEST_F(OrdinaryUser, ANotificationPipeOfSomebodyElseIsToldAndLeftAlone) {
+  ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
+  ASSERT_FALSE(succeeds({"sh", "-c", "exec 3<>/tmp/KMNOTIPIPE"}));
+  startAsUser();
+  EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 13"));
+  terminateAgent();
+  struct stat status {};
+  ASSERT_EQ(::stat(pipePath, &status), 0);
+  EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFIFO | 0600));
+}
+
+TEST_F(OrdinaryUser, ACommandPipeThatMayNotBeWrittenIsToldAndLeftAlone) {
+  ASSERT_EQ(::chmod("/tmp/KMPIPE", 0600), 0);
+  ASSERT_FALSE(succeeds({"sh", "-c", "exec 3<>/tmp/KMPIPE"}));
+  startAsUser();
+  EXPECT_TRUE(waitForText("log 3: open pipe failed. errno : 13"));
+  ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
+  send("-non");
+  EXPECT_TRUE(shows(isAccessNotice));
+  terminateAgent();
+  EXPECT_EQ(count("pipe: "), 0);
+}
+
+TEST_F(OrdinaryUser, AFolderForThePipesThatMayNotBeWrittenIsTold) {
+  ASSERT_EQ(::chmod("/tmp", 0755), 0);
+  ASSERT_FALSE(succeeds({"touch", "/tmp/file"}));
+  startAsUser();
+  EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] make pipe failed. errno : 13"));
+  terminateAgent();
+}
+
+TEST_F(OrdinaryUser, APipeInAFolderThatMayNoLongerBeWrittenServesOn) {
+  launchAsUser();
+  ASSERT_EQ(::chmod("/tmp", 0755), 0);
+  ASSERT_FALSE(succeeds({"rm", pipePath}));
+  send("-non");
+  EXPECT_TRUE(shows(isAccessNotice));
+  terminateAgent();
+}
+
+TEST_F(OrdinaryUser, APipeThatIsRemovedInMidRunServesThoseWhoHaveItOpen) {
+  launchAsUser();
+  const FileDescriptor open(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+  fs::remove(pipePath);
+  ASSERT_EQ(::write(open.get(), "-non", 4), 4);
+  EXPECT_TRUE(shows(isAccessNotice));
+  terminateAgent();
+  EXPECT_FALSE(fs::exists(pipePath));
+}
+
+TEST_F(OrdinaryUser, AFolderOfRecordsThatIsTakenAwayAndGivenBackIsTakenUpAgain) {
+  launchAsUser();
+  send(deviceMessage);
+  ASSERT_TRUE(waitUntil([] { return records() == 1; }));
+  ASSERT_EQ(::chmod(ownFolder.c_str(), 0), 0);
+  ASSERT_FALSE(succeeds({"ls", ownFolder}));
+  send(deviceMessage);
+  EXPECT_TRUE(saysOnConsole("open log failed: Permission denied"));
+  ASSERT_EQ(::chmod(ownFolder.c_str(), 0700), 0);
+  send(deviceMessage);
+  EXPECT_TRUE(waitUntil([] { return records() == 2; }));
+  terminateAgent();
+}
+
+TEST_F(OrdinaryUser, AFullDiskInMidRunCostsRecordsWholeAndNothingElse) {
+  fs::create_directories(ownFolder);
+  ASSERT_EQ(::mount("tmpfs", ownFolder.c_str(), "tmpfs", 0, "mode=777,size=64k"), 0);
+  launchAsUser();
+  send(deviceMessage);
+  ASSERT_TRUE(waitUntil([] { return records() == 1; }));
+  // Only the page that the day's file has begun has room.
+  const std::string filler = ownFolder + "/filler";
+  std::ofstream(filler) << std::string(1 << 17, 'x');
+  for (int i = 0; i < 200 && console_.find("write log failed") == std::string::npos; ++i) {
+    send(deviceMessage);
+    console_ += agent_.takeErrorOutput();
+    timeline_.clear();
+  }
+  EXPECT_TRUE(saysOnConsole("write log failed: No space left on device"));
+  const int whole = records();
+  fs::remove(filler);
+  send(deviceMessage);
+  EXPECT_TRUE(waitUntil([&] { return records() == whole + 1; }));
+  terminateAgent();
+  expectWholeFiles();
+  EXPECT_EQ(::umount(ownFolder.c_str()), 0);
+}
+
+}  // namespace
