@@ -59,7 +59,8 @@ std::vector<std::string> differences(const Snapshot& before, const Snapshot& aft
     if (found == after.end()) {
       all.push_back("gone: " + path);
     } else if (found->second != state) {
-      all.push_back("changed: " + path + ": " + state + " -> " + found->second);
+      all.push_back("changed: " + path);
+      all.back().append(": ").append(state).append(" -> ").append(found->second);
     }
   }
   for (const auto& [path, state] : after) {
