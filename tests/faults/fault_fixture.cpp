@@ -171,6 +171,7 @@ void FaultTest::sendToPipe(const std::string& text) {
 }
 
 void FaultTest::record() {
+  if (toldThatThePipeIsGone()) return;
   sendToPipe("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
   static_cast<void>(comesTrue([&] { return recordsLike("\x04\x13") == 1; }));
   sendToPipe("-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x00\x10\0\0\0\0\0\0mp4\0\0\0\0\0\0\0"s);
@@ -239,7 +240,7 @@ Outcome FaultTest::judge() {
   if (const auto early = judgeEarlyEnd()) return *early;
   Survival survival = Survival::Served;
   const bool told = toldThatThePipeIsGone();
-  if (!answersThePipe() && !answersThePipe()) {
+  if (!answersThePipe() && (told || !answersThePipe())) {
     if (!told && !toldThatThePipeIsGone()) {
       if (const auto early = judgeEarlyEnd()) return *early;
       return {Survival::Failed, "does not answer the pipe: " + message()};
