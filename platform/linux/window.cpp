@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <utility>
 
 #include <QApplication>
@@ -18,6 +19,24 @@
 
 namespace platform {
 namespace {
+
+// Where the content of a window may be for its frame to be wholly on the screen.
+QRect roomFor(const QWidget& window) {
+  const QRect content = window.geometry();
+  const QRect frame = window.frameGeometry();
+  return window.windowHandle()->screen()->availableGeometry().adjusted(
+      content.left() - frame.left(), content.top() - frame.top(), content.right() - frame.right(),
+      content.bottom() - frame.bottom());
+}
+
+// Its upper left comes first where there is too little room.
+QRect movedInto(const QRect& room, QRect place) {
+  place.moveRight(std::min(place.right(), room.right()));
+  place.moveBottom(std::min(place.bottom(), room.bottom()));
+  place.moveLeft(std::max(place.left(), room.left()));
+  place.moveTop(std::max(place.top(), room.top()));
+  return place;
+}
 
 // A window whose title bar has no close control is not closed by other means either.
 class WindowWidget : public QWidget {
@@ -37,6 +56,11 @@ class WindowWidget : public QWidget {
     owner->releaseOnceIdle();
   }
 
+  void showEvent(QShowEvent*) override {
+    connect(windowHandle(), &QWindow::screenChanged, this, &WindowWidget::keepSizeOnceIdle,
+            Qt::UniqueConnection);
+  }
+
   void paintEvent(QPaintEvent*) override { owner->isComing = false; }
 
   void keyPressEvent(QKeyEvent* event) override {
@@ -45,6 +69,17 @@ class WindowWidget : public QWidget {
   }
 
  private:
+  // The toolkit keeps a window's pixels on a screen of another scale, not its points.
+  void keepSizeOnceIdle() {
+    const auto keepSize = [this] {
+      if (size() == minimumSize() || windowHandle() == nullptr) return;
+      QRect place(QPoint(0, 0), minimumSize());
+      place.moveCenter(geometry().center());
+      setGeometry(movedInto(roomFor(*this), place));
+    };
+    QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
+  }
+
   WindowStyle style_;
 };
 

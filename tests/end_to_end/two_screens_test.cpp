@@ -101,6 +101,19 @@ class TwoScreens : public OnTwoScreens<SupportTest> {
     }
     return false;
   }
+
+  void moveSupportWindow(int x, int y) {
+    runOnDisplay({"xdotool", "windowmove", std::to_string(window_.id), std::to_string(x), std::to_string(y)});
+  }
+  [[nodiscard]] bool supportWindowTakesScale(int scale) {
+    return test_support::waitForWindow(display_.name(),
+                                       [&](const XWindow& window) {
+                                         window_ = isSupportWindow(window) ? window : window_;
+                                         return isSupportWindow(window) && window.width == 420 * scale &&
+                                                window.height == 240 * scale;
+                                       })
+        .has_value();
+  }
 };
 
 TEST_P(TwoScreens, WindowsStandInTheMiddleOfThePrimaryScreenAtItsScale) {
@@ -120,6 +133,19 @@ TEST_P(TwoScreens, ANoticeIsAsSharpAsOnADesktopThatHasOnlyItsScreensScale) {
   const XPicture notice = settledNotice();
   useDisplay({}, std::to_string(GetParam().first));
   EXPECT_LT(meanDifference(notice, settledNotice()), 2);
+}
+
+TEST_P(TwoScreens, AWindowThatIsMovedToTheOtherScreenTakesItsScaleAndStaysWhollyOnIt) {
+  launchInPanel();
+  openWindow();
+  moveSupportWindow(screenWidth + 20, 30);
+  EXPECT_TRUE(supportWindowTakesScale(GetParam().second));
+  EXPECT_GE(window_.x, screenWidth);
+  EXPECT_GE(window_.y, window_.titleHeight);
+  moveSupportWindow(screenWidth - 500, screenHeight - 300);
+  EXPECT_TRUE(supportWindowTakesScale(GetParam().first));
+  EXPECT_LE(window_.x + window_.width, screenWidth);
+  EXPECT_LE(window_.y + window_.height, screenHeight);
 }
 
 TEST_P(TwoScreens, APanelOnTheBusIsOfferedTheIconPixelByPixelForBothScales) {
