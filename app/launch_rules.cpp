@@ -1,23 +1,19 @@
 #include "app/launch_rules.h"
 
-#include <algorithm>
 #include <cstddef>
+
+#include "platform/text_case.h"
 
 namespace {
 
 constexpr std::string_view placeOfAgent = "/Contents/Resources/TovalinTray.app";
 constexpr std::size_t commandBufferSize = 1024;
 
-// Not the C library's tolower: that follows the user's locale.
-char lowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 }  // namespace
 
 bool isDarkAppearance(const std::optional<platform::PropertyList>& interfaceStyle) {
   const auto* style = interfaceStyle ? interfaceStyle->as<std::string>() : nullptr;
-  return style != nullptr && std::ranges::equal(*style, std::string_view("dark"), {}, lowerCase);
+  return style != nullptr && platform::equalButForCase(*style, "dark");
 }
 
 std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundlePath) {

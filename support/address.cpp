@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "platform/text_case.h"
+
 namespace {
 
 // Written out: the C library's classes of characters follow the user's locale.
@@ -22,10 +24,6 @@ bool isEscape(std::string_view text) {
 bool mayStand(std::string_view text) {
   if (text[0] == '%') return isEscape(text);
   return isIn(letters, text[0]) || isIn(digits, text[0]) || isIn(marks, text[0]);
-}
-
-char lowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 // RFC 3986, section 3.1; empty when there is none.
@@ -48,6 +46,5 @@ bool isAddress(std::string_view text) {
 
 bool isLink(std::string_view text) {
   const std::string_view scheme = schemeOf(text);
-  return isAddress(text) && !scheme.empty() &&
-         !std::ranges::equal(scheme, std::string_view("file"), {}, lowerCase);
+  return isAddress(text) && !scheme.empty() && !platform::equalButForCase(scheme, "file");
 }

@@ -1,11 +1,32 @@
-// The least that shows an icon with a menu of the agent's length in a panel.
+// bare_tray URL: the least that makes one fetch and shows an icon with a menu of the agent's length in a
+// panel.
+
+#include <curl/curl.h>
 
 #include <QApplication>
 #include <QMenu>
 #include <QSystemTrayIcon>
 
+namespace {
+
+std::size_t drop(char*, std::size_t, std::size_t size, void*) {
+  return size;
+}
+
+bool fetch(const char* url) {
+  CURL* handle = curl_easy_init();
+  curl_easy_setopt(handle, CURLOPT_URL, url);
+  curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, drop);
+  const bool fetched = curl_easy_perform(handle) == CURLE_OK;
+  curl_easy_cleanup(handle);
+  return fetched;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   const QApplication application(argc, argv);
+  if (argc != 2 || !fetch(argv[1])) return 2;
   QPixmap pixmap(20, 20);
   pixmap.fill(Qt::black);
   QMenu menu;

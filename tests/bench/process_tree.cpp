@@ -46,4 +46,20 @@ Memory memoryOf(const std::vector<pid_t>& tree) {
   return memory;
 }
 
+Work workOf(const std::vector<pid_t>& tree) {
+  Work work;
+  for (const pid_t pid : tree) {
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
+      double nanoseconds = 0;
+      std::ifstream(thread.path() / "schedstat") >> nanoseconds;
+      work.processor += std::chrono::duration<double, std::nano>(nanoseconds);
+      std::ifstream status(thread.path() / "status");
+      for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("voluntary_ctxt_switches:")) work.wakeUps += std::stod(line.substr(24));
+      }
+    }
+  }
+  return work;
+}
+
 }  // namespace bench

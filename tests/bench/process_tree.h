@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <vector>
 
 namespace bench {
@@ -17,5 +18,14 @@ struct Memory {
 
 // Of all processes of a tree together.
 [[nodiscard]] Memory memoryOf(const std::vector<pid_t>& tree);
+
+// What the processes have done since their starts.
+struct Work {
+  double wakeUps = 0;  // how often a thread came back from waiting
+  std::chrono::duration<double> processor = {};
+};
+
+// Of all threads of all processes of a tree together.
+[[nodiscard]] Work workOf(const std::vector<pid_t>& tree);
 
 }  // namespace bench

@@ -36,6 +36,21 @@ class SupportMeets : public SupportTest {
     ASSERT_TRUE(waitForText("pipe: -u"));
   }
 
+  // While the notice is there a click at `place` of the window and a close request do nothing.
+  void expectBlocked(const std::string& on, const std::string& off,
+                     bool (*notice)(const test_support::XWindow&), Place place) {
+    show(on, notice);
+    timeline_.clear();
+    clickAt(place);
+    test_support::requestClose(display_.name(), window_.id);
+    serveAll();
+    send(off);
+    ASSERT_TRUE(hides(notice));
+    EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
+    expectFaqServes();
+    expectClosesForGood();
+  }
+
   void expectFaqServes() {
     timeline_.clear();
     ASSERT_TRUE(waitUntil([&] { return supportWindows() == 1; }));
@@ -84,29 +99,12 @@ class SupportMeets : public SupportTest {
 
 TEST_F(SupportMeets, TheAccessNoticeTakesTheInputAndGivesItBack) {
   launchAndOpen();
-  show("-non", isAccessNotice);
-  timeline_.clear();
-  clickAt(faqMiddle);
-  test_support::requestClose(display_.name(), window_.id);
-  serveAll();
-  send("-noff");
-  ASSERT_TRUE(hides(isAccessNotice));
-  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
-  expectFaqServes();
-  expectClosesForGood();
+  expectBlocked("-non", "-noff", isAccessNotice, faqMiddle);
 }
 
 TEST_F(SupportMeets, TheLoadingNoticeTakesTheInputAndGivesItBack) {
   launchAndOpen();
-  show("-neon", isLoadingNotice);
-  timeline_.clear();
-  clickAt(updateMiddle);
-  serveAll();
-  send("-neoff");
-  ASSERT_TRUE(hides(isLoadingNotice));
-  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
-  expectFaqServes();
-  expectClosesForGood();
+  expectBlocked("-neon", "-neoff", isLoadingNotice, updateMiddle);
 }
 
 TEST_F(SupportMeets, BothNoticesWhileASheetIsUpLeaveTheSheetToBeAnswered) {
@@ -129,29 +127,13 @@ TEST_F(SupportMeets, BothNoticesWhileASheetIsUpLeaveTheSheetToBeAnswered) {
 TEST_F(SupportMeets, ANoticeAfterUpdateComesAndGoesAndTheWindowServesOn) {
   launchAndOpen();
   update();
-  show("-non", isAccessNotice);
-  timeline_.clear();
-  clickAt(faqMiddle);
-  serveAll();
-  send("-noff");
-  ASSERT_TRUE(hides(isAccessNotice));
-  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
-  expectFaqServes();
-  expectClosesForGood();
+  expectBlocked("-non", "-noff", isAccessNotice, faqMiddle);
 }
 
 TEST_F(SupportMeets, TheLoadingNoticeAfterUpdateComesAndGoesAndTheWindowServesOn) {
   launchAndOpen();
   update();
-  show("-neon", isLoadingNotice);
-  timeline_.clear();
-  clickAt(faqMiddle);
-  serveAll();
-  send("-neoff");
-  ASSERT_TRUE(hides(isLoadingNotice));
-  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
-  expectFaqServes();
-  expectClosesForGood();
+  expectBlocked("-neon", "-neoff", isLoadingNotice, faqMiddle);
 }
 
 TEST_F(SupportMeets, OpenedOverANoticeThatThenGoesItTakesInputAndCloses) {

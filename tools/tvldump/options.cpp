@@ -1,41 +1,19 @@
 #include "tools/tvldump/options.h"
 
-#include <getopt.h>
-
-#include <array>
-#include <cstdio>
+#include "tools/common/command_line.h"
 
 namespace tools {
-namespace {
-
-constexpr std::array<option, 3> kOptions = {
-    {{"help", no_argument, nullptr, 'h'}, {"json", no_argument, nullptr, 'j'}, {nullptr, 0, nullptr, 0}}};
-
-bool takeOption(Options& options, int letter) {
-  options.help = options.help || letter == 'h';
-  options.json = options.json || letter == 'j';
-  return letter == 'h' || letter == 'j';  // else getopt_long has said why
-}
-
-bool takeFiles(Options& options, int argc, char** argv) {
-  options.files.assign(argv + optind, argv + argc);
-  if (options.help || !options.files.empty()) return true;
-  std::fputs("tvldump: give one file at least\n", stderr);
-  return false;
-}
-
-}  // namespace
 
 std::optional<Options> parseOptions(int argc, char** argv) {
   Options options;
-  bool good = true;
-  int letter = 0;
-  while (good && (letter = ::getopt_long(argc, argv, "", kOptions.data(), nullptr)) != -1) {
-    good = takeOption(options, letter);
-  }
-  if (good && takeFiles(options, argc, argv)) return options;
-  std::fputs("tvldump --help shows how it is used\n", stderr);
-  return std::nullopt;
+  CommandLine line("tvldump");
+  line.addFlag("help", options.help);
+  line.addFlag("json", options.json);
+  const bool good = line.read(argc, argv, [&](const std::vector<std::string>& files) {
+    options.files = files;
+    return options.help || !files.empty() || line.complain("give one file at least");
+  });
+  return good ? std::optional(options) : std::nullopt;
 }
 
 std::string helpText() {

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <algorithm>
+#include <string_view>
+
+namespace platform {
+
+// Whether both texts are the same but for the case of the letters A to Z, in any locale. Any thread.
+[[nodiscard]] inline bool equalButForCase(std::string_view one, std::string_view other) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::ranges::equal(one, other, {}, lower, lower);
+}
+
+}  // namespace platform
