@@ -2,7 +2,8 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
-.PHONY: build package bench soak format check check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz faults
+.PHONY: build package bench soak format check check-format check-compilers check-tidy check-cppcheck \
+  check-sanitizers check-threads fuzz faults coverage
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
@@ -21,17 +22,21 @@ bench: build
 format:
 	clang-format -i $(SOURCES)
 
-check: check-format check-tidy check-cppcheck check-sanitizers check-threads fuzz faults
+check: check-format check-compilers check-tidy check-cppcheck check-sanitizers check-threads fuzz faults coverage
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
+
+# Both compilers, warnings are errors: gcc by `build`.
+check-compilers: build
+	@$(MAKE) --no-print-directory build PRESET=clang
 
 check-tidy: build
 	git ls-files '*.cpp' | xargs -P $$(nproc) -n 4 clang-tidy --quiet -p build/$(PRESET)
 
 check-cppcheck:
-	cppcheck --quiet --std=c++20 --language=c++ --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
-	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage support platform
+	cppcheck --quiet --std=c++20 --language=c++ --library=posix --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
+	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage support platform tools
 
 check-sanitizers:
 	./test asan
@@ -60,3 +65,8 @@ fuzz:
 # Makes each call of the agent's own code fail in each place of a short life, and prints what became of it.
 faults: build
 	TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/faults/run build/$(PRESET)
+
+# Which lines the tests run, of the product folders and of platform/; doc/coverage.md says why the others aren't.
+coverage:
+	@$(MAKE) --no-print-directory build PRESET=coverage
+	tests/coverage build/coverage
