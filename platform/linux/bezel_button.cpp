@@ -31,4 +31,13 @@ void BezelButton::paintEvent(QPaintEvent*) {
   style()->drawControl(QStyle::CE_PushButton, &option, &painter, this);
 }
 
+void BezelButton::keyPressEvent(QKeyEvent* event) {
+  if (!pressesControl(event->key()) || !heldKey_.isRepeated(*event)) QPushButton::keyPressEvent(event);
+}
+
+void BezelButton::keyReleaseEvent(QKeyEvent* event) {
+  heldKey_.noteRelease(*event);
+  QPushButton::keyReleaseEvent(event);
+}
+
 }  // namespace platform

@@ -2,6 +2,8 @@
 
 #include <QPushButton>
 
+#include "platform/linux/held_key.h"
+
 namespace platform {
 
 // A push button whose bezel may be smaller than itself. Main thread.
@@ -18,7 +20,13 @@ class BezelButton : public QPushButton {
   [[nodiscard]] virtual QRect bezel() const { return rect(); }
 
   void paintEvent(QPaintEvent* event) override;
+  // A key that is held down presses the button once.
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
   [[nodiscard]] bool hitButton(const QPoint& point) const override { return bezel().contains(point); }
+
+ private:
+  HeldKey heldKey_;
 };
 
 }  // namespace platform

@@ -1,10 +1,14 @@
 #include "platform/button.h"
 
 #include <algorithm>
+#include <utility>
+
+#include <QPointer>
 
 #include "platform/linux/bezel_button.h"
 #include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
+#include "platform/linux/window_impl.h"
 
 namespace platform {
 namespace {
@@ -24,6 +28,18 @@ class PushButton : public BezelButton {
     connect(this, &QPushButton::clicked, this, [this] { act(); });
   }
 
+  // A button that is disabled for a while gives the keyboard up, and gets it back from who got it then.
+  void enable(bool enabled) {
+    const bool hadKeyboard = window()->focusWidget() == this;
+    setEnabled(enabled);
+    if (enabled) {
+      if (std::exchange(gaveItUp_, false) && window()->focusWidget() == standIn_) setFocus();
+    } else if (hadKeyboard) {
+      gaveItUp_ = true;
+      standIn_ = window()->focusWidget();
+    }
+  }
+
  protected:
   [[nodiscard]] QRect bezel() const override {
     const int bezelRoom = std::min(bezelHeight, height());
@@ -35,8 +51,12 @@ class PushButton : public BezelButton {
   // the button.
   void act() {
     repaint();
-    if (const auto work = action) work();
+    const auto work = action;
+    if (work && takesInput(*this)) work();
   }
+
+  bool gaveItUp_ = false;
+  QPointer<QWidget> standIn_;
 };
 
 PushButton& pushButton(const Button& button) {
@@ -52,7 +72,7 @@ void Button::setTitle(std::string_view title) {
 }
 
 void Button::setEnabled(bool enabled) {
-  pushButton(*this).setEnabled(enabled);
+  pushButton(*this).enable(enabled);
 }
 
 bool Button::isEnabled() const {

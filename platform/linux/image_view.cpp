@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include "platform/image.h"
+#include "platform/linux/held_key.h"
 #include "platform/linux/image_impl.h"
 #include "platform/linux/link_access.h"
 #include "platform/linux/view_impl.h"
@@ -31,11 +32,14 @@ class PictureWidget : public QWidget {
   void enterEvent(QEnterEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override { showCursorAt(event->position().toPoint()); }
   void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override { heldKey_.noteRelease(*event); }
 
  private:
   void drawPicture();
   void clickAt(QPointF point) { owner->mouseUp({{point.x(), height() - point.y()}, 1}); }
   void showCursorAt(QPoint point);
+
+  HeldKey heldKey_;
 };
 
 void PictureWidget::paintEvent(QPaintEvent*) {
@@ -64,8 +68,8 @@ void PictureWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void PictureWidget::keyPressEvent(QKeyEvent* event) {
-  if (!isLink() || !pressesLink(event->key())) return QWidget::keyPressEvent(event);
-  if (!event->isAutoRepeat()) press();
+  if (!isLink() || !pressesControl(event->key())) return QWidget::keyPressEvent(event);
+  if (!heldKey_.isRepeated(*event)) press();
 }
 
 void PictureWidget::enterEvent(QEnterEvent* event) {

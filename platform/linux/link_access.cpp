@@ -6,6 +6,8 @@
 #include <QStyle>
 #include <QStyleOptionFocusRect>
 
+#include "platform/linux/window_impl.h"
+
 namespace platform {
 
 AccessibleLink::AccessibleLink(QWidget& widget, const QString& name, std::function<void()> press)
@@ -17,11 +19,7 @@ QStringList AccessibleLink::actionNames() const {
 
 void AccessibleLink::doAction(const QString& action) {
   if (action != pressAction()) return QAccessibleWidget::doAction(action);
-  press_();
-}
-
-bool pressesLink(int key) {
-  return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+  if (takesInput(*widget())) press_();
 }
 
 void drawFocusFrame(QWidget& widget, const QRect& area) {

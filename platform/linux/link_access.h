@@ -6,7 +6,8 @@
 
 namespace platform {
 
-// What assistive programs are told of a link: its name, and that it can be pressed. Main thread.
+// What assistive programs are told of a link: its name, and that it can be pressed while its window takes
+// input. Main thread.
 class AccessibleLink : public QAccessibleWidget {
  public:
   AccessibleLink(QWidget& widget, const QString& name, std::function<void()> press);
@@ -17,9 +18,6 @@ class AccessibleLink : public QAccessibleWidget {
  private:
   std::function<void()> press_;
 };
-
-// Whether this key presses the link that has the keyboard.
-[[nodiscard]] bool pressesLink(int key);
 
 // Shows that what is drawn in `area` of the widget has the keyboard.
 void drawFocusFrame(QWidget& widget, const QRect& area);

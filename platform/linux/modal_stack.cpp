@@ -70,13 +70,16 @@ void ModalStack::bringForward() {
   if (const Level* level = innermost()) level->window->impl().comeForward();
 }
 
+bool ModalStack::blocks(const QWidget& window) const {
+  const Level* level = innermost();
+  return level != nullptr && level->window->impl().isOnScreen() && isWindowOfProgram(window) &&
+         !level->window->impl().owns(window);
+}
+
 bool ModalStack::eventFilter(QObject* receiver, QEvent* event) {
   if (!isInput(*event) || !receiver->isWidgetType()) return false;
-  const Level* level = innermost();
-  if (level == nullptr || !level->window->impl().isOnScreen()) return false;
-  const QWidget* target = static_cast<QWidget*>(receiver)->window();
-  if (!isWindowOfProgram(*target) || level->window->impl().owns(*target)) return false;
-  if (event->type() == QEvent::MouseButtonPress) level->window->makeKeyAndOrderFront();
+  if (!blocks(*static_cast<QWidget*>(receiver)->window())) return false;
+  if (event->type() == QEvent::MouseButtonPress) innermost()->window->makeKeyAndOrderFront();
   event->ignore();
   return true;
 }

@@ -6,6 +6,8 @@
 #include <QEventLoop>
 #include <QObject>
 
+class QWidget;
+
 namespace platform {
 
 class Window;
@@ -24,6 +26,8 @@ class ModalStack : public QObject {
   void stop();
   // Has the innermost level's window come forward.
   void bringForward();
+  // Whether this toolkit window of the program's takes no input now.
+  [[nodiscard]] bool blocks(const QWidget& window) const;
   // Whether the level on top has been stopped and control is on its way back to who ran it.
   [[nodiscard]] bool isUnwinding() const { return !levels_.empty() && levels_.back()->stopped; }
 

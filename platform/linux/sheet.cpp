@@ -11,6 +11,7 @@
 
 #include "platform/linux/bezel_button.h"
 #include "platform/linux/text_impl.h"
+#include "platform/linux/window_impl.h"
 
 namespace platform {
 namespace {
@@ -81,7 +82,9 @@ void Sheet::addButtons(const SheetContent& content) {
     button->setFont(systemFont(button->font(), fontSize));
     button->setMinimumSize(buttonWidth, buttonHeight);
     const int index = static_cast<int>(buttons_.size());
-    connect(button, &QPushButton::clicked, this, [this, index] { chosen_(index); });
+    connect(button, &QPushButton::clicked, this, [this, index] {
+      if (!isBlocked(*this)) chosen_(index);
+    });
     buttons_.push_back(button);
   }
   buttons_.front()->setDefault(true);

@@ -114,8 +114,13 @@ void TextWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void TextWidget::keyPressEvent(QKeyEvent* event) {
-  if (!isLink() || !pressesLink(event->key())) return QLabel::keyPressEvent(event);
-  if (!event->isAutoRepeat()) openLink();
+  if (!isLink() || !pressesControl(event->key())) return QLabel::keyPressEvent(event);
+  if (!heldKey_.isRepeated(*event)) openLink();
+}
+
+void TextWidget::keyReleaseEvent(QKeyEvent* event) {
+  heldKey_.noteRelease(*event);
+  QLabel::keyReleaseEvent(event);
 }
 
 }  // namespace platform

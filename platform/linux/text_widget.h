@@ -4,6 +4,7 @@
 
 #include <QLabel>
 
+#include "platform/linux/held_key.h"
 #include "platform/text_view.h"
 
 namespace platform {
@@ -31,6 +32,7 @@ class TextWidget : public QLabel {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
 
  private:
   void settleInteraction();
@@ -42,6 +44,7 @@ class TextWidget : public QLabel {
   bool selectable_ = true;
   bool truncates_ = false;
   bool pressed_ = false;
+  HeldKey heldKey_;
 };
 
 }  // namespace platform

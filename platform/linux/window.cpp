@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QWindow>
 
+#include "platform/linux/application_impl.h"
 #include "platform/linux/color_impl.h"
 #include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
@@ -106,6 +107,15 @@ bool isWindowOfProgram(const QWidget& window) {
   return dynamic_cast<const WindowWidget*>(&window) != nullptr;
 }
 
+bool isBlocked(const QWidget& widget) {
+  return Application::sharedApplication().impl().modalRuns.blocks(*widget.window());
+}
+
+bool takesInput(const QWidget& widget) {
+  const auto* window = dynamic_cast<const WindowWidget*>(widget.window());
+  return window == nullptr || (!window->owner->sheets.isUp() && !isBlocked(widget));
+}
+
 void bringWindowsForward() {
   for (QWidget* widget : QApplication::topLevelWidgets()) {
     if (auto* window = dynamic_cast<WindowWidget*>(widget)) window->owner->comeForward();
@@ -140,6 +150,8 @@ void Window::Impl::followActivity(bool active) {
     widget.setAttribute(Qt::WA_ShowWithoutActivating);
     widget.show();
     widget.setAttribute(Qt::WA_ShowWithoutActivating, false);
+    // Some window managers put it above the window that keeps it from taking input.
+    if (isBlocked(widget)) Application::sharedApplication().impl().modalRuns.bringForward();
   } else if (widget.isVisible()) {
     hiddenByInactivity = true;
     widget.hide();
@@ -147,7 +159,10 @@ void Window::Impl::followActivity(bool active) {
 }
 
 void Window::Impl::comeForward() {
-  if (std::exchange(hiddenByInactivity, false)) widget.show();
+  if (std::exchange(hiddenByInactivity, false)) {
+    isComing = true;
+    widget.show();
+  }
   if (!widget.isVisible()) return;
   if (widget.isMinimized()) widget.showNormal();
   widget.raise();
@@ -205,10 +220,9 @@ void Window::center() {
 }
 
 void Window::makeKeyAndOrderFront() {
-  if (impl_->closed) return;
-  impl_->hiddenByInactivity = false;
+  if (impl_->closed || impl_->hiddenByInactivity) return;
   impl_->onScreen = shared_from_this();
-  impl_->isComing = !impl_->widget.isVisible();
+  impl_->isComing = impl_->isComing || !impl_->widget.isVisible();
   orderTabsAsMade(*impl_->content);
   impl_->widget.show();
   impl_->widget.raise();

@@ -44,6 +44,13 @@ struct Window::Impl {
 // Whether a toolkit window was made by Window, in contrast to menus and the panel's icon.
 [[nodiscard]] bool isWindowOfProgram(const QWidget& window);
 
+// Whether a modal run keeps input from the widget's window.
+[[nodiscard]] bool isBlocked(const QWidget& widget);
+
+// Whether the widget, which stands in a Window and in no sheet, takes the user's input now: no sheet is up
+// there, and no modal run keeps it. Events come by that anyway; assistive programs do not.
+[[nodiscard]] bool takesInput(const QWidget& widget);
+
 // Has each Window come forward.
 void bringWindowsForward();
 

@@ -44,6 +44,14 @@ class SupportFault : public SupportTest {
       expectNothingRun();
     }
   }
+  void openAfterSilenceOf(const std::string& path) {
+    fail(path, Fault::Silence);
+    const auto begin = std::chrono::steady_clock::now();
+    openWindow();
+    const auto took = std::chrono::steady_clock::now() - begin;
+    EXPECT_GE(took, 2900ms);
+    EXPECT_LE(took, 10s);
+  }
   [[nodiscard]] bool bannerIsRed() {
     return waitUntil([&] { return colourOf(bannerMiddle) == red; });
   }
@@ -83,15 +91,33 @@ class SupportFault : public SupportTest {
   test_support::RawHttpServer faulty_{[this](RawConnection& connection) { serve(connection); }};
 };
 
-TEST_F(SupportFault, ASilentNoticeHoldsTheWindowUpForThreeSecondsAndIsNone) {
+TEST_F(SupportFault, ASilentVersionDisablesUpdateAfterThreeSeconds) {
   launchInPanel();
-  fail(noticeFile, Fault::Silence);
-  const auto begin = std::chrono::steady_clock::now();
-  openWindow();
-  const auto took = std::chrono::steady_clock::now() - begin;
-  EXPECT_GE(took, 2900ms);
-  EXPECT_LE(took, 5s);
+  openAfterSilenceOf(versionFile);
+  timeline_.clear();
+  clickAt(updateMiddle);
+  clickFaqAndExpect(true);
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate updateBtnClick:]"), 0);
+}
+
+TEST_F(SupportFault, ASilentNoticeIsNoneAfterThreeSeconds) {
+  launchInPanel();
+  openAfterSilenceOf(noticeFile);
   clickFaqAndExpect(false);
+}
+
+TEST_F(SupportFault, ASilentBannerListGivesNoBannerAfterThreeSeconds) {
+  launchInPanel();
+  openAfterSilenceOf(bannerListFile);
+  EXPECT_TRUE(waitUntil([&] { return linesInConsole("bannerlist is NULL!") == 1; }));
+  clickFaqAndExpect(true);
+}
+
+TEST_F(SupportFault, ASilentPictureGivesNoBannerAfterThreeSeconds) {
+  launchInPanel();
+  openAfterSilenceOf(redPath);
+  EXPECT_TRUE(waitUntil([&] { return linesInConsole("bannerlist is NULL!") == 1; }));
+  clickFaqAndExpect(true);
 }
 
 TEST_F(SupportFault, AResetVersionLeavesTheNoticeAndTheBannersOfEarlier) {

@@ -107,6 +107,14 @@ class SupportTest : public NoticeTest {
     if (!HasFatalFailure()) openWindow();
   }
 
+  // Another program's windows, of which one gets the keyboard.
+  void turnToAnotherProgram() {
+    ASSERT_TRUE(program_.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
+    const auto other = test_support::waitForWindow(display_.name(), test_support::windowNamed("High"));
+    ASSERT_TRUE(other);
+    runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
+  }
+
   [[nodiscard]] bool windowGoes() const {
     return test_support::waitForNoWindow(display_.name(), isSupportWindow);
   }
@@ -192,6 +200,7 @@ class SupportTest : public NoticeTest {
   std::unique_ptr<test_support::ProductServerDouble> server_ =
       std::make_unique<test_support::ProductServerDouble>();
   test_support::XWindow window_;
+  test_support::ChildProcess program_;
 
  private:
   std::string console_;

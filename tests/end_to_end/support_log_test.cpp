@@ -218,6 +218,22 @@ TEST_F(SupportLog, ContactUsOpensTheContactPageOnce) {
   EXPECT_THAT(runs(), ElementsAre("run: open " + server_->origin() + "/contact/tovalin/"));
 }
 
+TEST_F(SupportLog, TheKeyboardIsAtTheButtonAgainAfterTheCollection) {
+  launchAndOpen();
+  for (const char* key : {"Tab", "Tab", "Return"}) press(key);
+  ASSERT_TRUE(sheetIsUp());
+  const auto question = message();
+  press("Return");
+  waitForSheetAfter(question);
+  press("Return");
+  ASSERT_TRUE(sheetIsGone());
+  timeline_.clear();
+  press("Return");
+  EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate logBtnClick:]"));
+  EXPECT_TRUE(sheetIsUp());
+  EXPECT_THAT(runs(), ElementsAre());
+}
+
 TEST_F(SupportLog, TheSheetsButtonsTakeClicks) {
   launchAndOpen();
   timeline_.clear();
@@ -267,6 +283,7 @@ TEST_F(SupportLog, AFullDiskLeavesNoArchiveAndTheSequenceGoesOn) {
   collect();
   press("Return");
   EXPECT_TRUE(sheetIsGone());
+  EXPECT_THAT(archives(), ElementsAre());
   EXPECT_EQ(::umount2(desktop, MNT_DETACH), 0);
   ASSERT_THAT(folders(), SizeIs(1));
   EXPECT_TRUE(fs::exists(folders()[0] / "system.log"));
@@ -289,6 +306,9 @@ TEST_F(SupportLog, AFullFolderForTemporaryFilesLeavesNoCopyAndTheSequenceGoesOn)
   collect();
   press("Return");
   EXPECT_TRUE(sheetIsGone());
+  for (const auto& folder : folders())
+    EXPECT_TRUE(!fs::exists(folder / "system.log") || fs::is_empty(folder / "system.log"));
+  EXPECT_THAT(archives(), ElementsAre());
   fs::remove("/tmp/full");
   fs::remove("/tmp/one more");
   expectNothingRun();

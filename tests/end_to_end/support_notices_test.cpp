@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 #include "tests/end_to_end/support_fixture.h"
 
@@ -49,6 +51,21 @@ class SupportMeets : public SupportTest {
     EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
     expectFaqServes();
     expectClosesForGood();
+  }
+
+  void hideBehindAnotherProgram() {
+    turnToAnotherProgram();
+    ASSERT_TRUE(windowGoes());
+  }
+  // Which of these two windows stands above the other.
+  [[nodiscard]] std::uint32_t upperOf(std::uint32_t one, std::uint32_t other) {
+    std::istringstream list(runOnDisplay({"xprop", "-root", "_NET_CLIENT_LIST_STACKING"}));
+    std::uint32_t upper = 0;
+    for (std::string word; list >> word;) {
+      const auto window = static_cast<std::uint32_t>(std::strtoul(word.c_str(), nullptr, 16));
+      if (window == one || window == other) upper = window;
+    }
+    return upper;
   }
 
   void expectFaqServes() {
@@ -136,6 +153,43 @@ TEST_F(SupportMeets, TheLoadingNoticeAfterUpdateComesAndGoesAndTheWindowServesOn
   expectBlocked("-neon", "-neoff", isLoadingNotice, faqMiddle);
 }
 
+TEST_F(SupportMeets, ANoticeThatBringsTheHiddenWindowBackStandsAboveItWithTheKeyboard) {
+  launchAndOpen();
+  hideBehindAnotherProgram();
+  send("-non");
+  const auto notice = waitForWindow(display_.name(), isAccessNotice);
+  ASSERT_TRUE(notice);
+  const auto support = waitForWindow(display_.name(), isSupportWindow);
+  ASSERT_TRUE(support);
+  EXPECT_TRUE(waitUntil([&] { return upperOf(notice->id, support->id) == notice->id; }));
+  EXPECT_TRUE(becomesActive(notice->id));
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+  runOnDisplay({"xdotool", "windowactivate", "--sync", std::to_string(support->id)});
+  waitForSupportWindow();
+  expectFaqServes();
+  expectClosesForGood();
+}
+
+TEST_F(SupportMeets, ANoticesEndLeavesTheHiddenWindowHidden) {
+  launchInPanel();
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  choose();
+  ASSERT_TRUE(waitForWindow(display_.name(), isSupportWindow));
+  runOnDisplay({"xdotool", "search", "--name", "^Support Tovalin$", "windowactivate", "--sync"});
+  waitForSupportWindow();
+  hideBehindAnotherProgram();
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+  serveAll();
+  EXPECT_EQ(supportWindows(), 0);
+  choose();
+  waitForSupportWindow();
+  expectFaqServes();
+  expectClosesForGood();
+}
+
 TEST_F(SupportMeets, OpenedOverANoticeThatThenGoesItTakesInputAndCloses) {
   launchInPanel();
   send("-non");
@@ -165,6 +219,30 @@ TEST_F(SupportMeets, QuitAfterUpdate) {
   launchAndOpen();
   update();
   expectQuits();
+}
+
+TEST_F(SupportMeets, QuitBehindANoticeOverTheWindow) {
+  launchAndOpen();
+  show("-neon", isLoadingNotice);
+  expectQuits();
+}
+
+TEST_F(SupportMeets, QuitWhileTheWindowIsHidden) {
+  launchAndOpen();
+  hideBehindAnotherProgram();
+  expectQuits();
+}
+
+TEST_F(SupportMeets, TheSignalWhileTheWindowIsHidden) {
+  launchAndOpen();
+  hideBehindAnotherProgram();
+  expectEndsBySignal();
+}
+
+TEST_F(SupportMeets, TheBundlesEndWhileTheWindowIsHidden) {
+  launchAndOpen();
+  hideBehindAnotherProgram();
+  expectEndsWithTheBundle();
 }
 
 TEST_F(SupportMeets, QuitBehindANoticeOverASheet) {

@@ -6,7 +6,6 @@
 
 namespace {
 
-using test_support::ChildProcess;
 using test_support::waitUntil;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -17,14 +16,6 @@ constexpr const char* closeLog =
 // Opening, closing and the keyboard.
 class SupportWindow : public SupportTest {
  protected:
-  // Another program's windows, of which one gets the keyboard.
-  void turnToAnotherProgram() {
-    ASSERT_TRUE(program_.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
-    const auto other = test_support::waitForWindow(display_.name(), test_support::windowNamed("High"));
-    ASSERT_TRUE(other);
-    runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
-  }
-
   void expectOpensAfresh() {
     timeline_.clear();
     static_cast<void>(takeFetches());
@@ -32,8 +23,6 @@ class SupportWindow : public SupportTest {
     EXPECT_THAT(takeFetches(),
                 ElementsAre(versionFile, bannerListFile, noticeFile, bannerFolder + std::string("red.ppm")));
   }
-
-  ChildProcess program_;
 };
 
 TEST_F(SupportWindow, FetchesVersionThenBannersThenNoticeThenTheBannersPicture) {

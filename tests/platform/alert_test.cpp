@@ -175,6 +175,24 @@ TEST_F(AlertSheet, GivesTheKeyboardBackToWhoHadIt) {
   EXPECT_TRUE(widgetOf(*layout_.faq).hasFocus());
 }
 
+TEST_F(AlertSheet, AssistiveProgramsPressNothingBehindIt) {
+  const auto pressAll = [this] {
+    for (const platform::View* view : {static_cast<const platform::View*>(layout_.update.get()),
+                                       static_cast<const platform::View*>(layout_.firstLink.get())}) {
+      auto* interface = QAccessible::queryAccessibleInterface(&widgetOf(*view));
+      interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    }
+  };
+  ask({"Continue", "Cancel"});
+  pressAll();
+  press("Escape");
+  ASSERT_TRUE(ends());
+  EXPECT_TRUE(layout_.clicks.empty() && openedAddresses().empty());
+  pressAll();
+  EXPECT_TRUE(serveEventsUntil([&] { return layout_.clicks == Titles{"Update"}; }));
+  EXPECT_EQ(openedAddresses().size(), 1U);
+}
+
 TEST_F(AlertSheet, AfterItTabGoesOnFromWhereItWas) {
   widgetOf(*layout_.log).setFocus();
   ask({"Continue", "Cancel"});

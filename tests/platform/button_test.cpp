@@ -57,6 +57,35 @@ TEST_F(ButtonInAWindow, TheFocusedOneActsAtReturnAndAtTheSpaceBar) {
   EXPECT_EQ(clicksInAll(), (Titles{"FAQ", "FAQ", "FAQ", "Log file"}));
 }
 
+TEST_F(ButtonInAWindow, AHeldKeyPressesItOnce) {
+  holdReturnAndPressItAgain(widgetOf(*layout_.faq));
+  EXPECT_EQ(clicksInAll(), (Titles{"FAQ", "FAQ", "Log file"}));
+}
+
+TEST_F(ButtonInAWindow, DisabledForAWhileItGetsTheKeyboardBack) {
+  QWidget& button = widgetOf(*layout_.log);
+  button.setFocus();
+  layout_.log->setEnabled(false);
+  EXPECT_FALSE(button.hasFocus());
+  layout_.log->setEnabled(true);
+  EXPECT_TRUE(button.hasFocus());
+}
+
+TEST_F(ButtonInAWindow, DisabledForAWhileItDoesNotTakeTheKeyboardFromWhereTheUserHasGone) {
+  widgetOf(*layout_.log).setFocus();
+  layout_.log->setEnabled(false);
+  widgetOf(*layout_.update).setFocus();
+  layout_.log->setEnabled(true);
+  EXPECT_TRUE(widgetOf(*layout_.update).hasFocus());
+}
+
+TEST_F(ButtonInAWindow, WithoutTheKeyboardItGetsNoneByBeingDisabledForAWhile) {
+  widgetOf(*layout_.faq).setFocus();
+  layout_.log->setEnabled(false);
+  layout_.log->setEnabled(true);
+  EXPECT_TRUE(widgetOf(*layout_.faq).hasFocus());
+}
+
 TEST_F(ButtonInAWindow, ADisabledOneIsLeftOutByTheTabKey) {
   layout_.faq->setEnabled(false);
   widgetOf(*layout_.update).setFocus();

@@ -64,6 +64,11 @@ TEST_F(TextViewInAWindow, AFocusedLinkOpensAtReturnAndAtTheSpaceBar) {
   EXPECT_EQ(openedInAll(), (Addresses{"http://one.example/", "http://one.example/"}));
 }
 
+TEST_F(TextViewInAWindow, AHeldKeyOpensALinkOnce) {
+  holdReturnAndPressItAgain(widgetOf(*layout_.firstLink));
+  EXPECT_EQ(openedInAll(), (Addresses{"http://one.example/", "http://one.example/"}));
+}
+
 TEST_F(TextViewInAWindow, AssistiveProgramsCanPressALink) {
   auto* interface = QAccessible::queryAccessibleInterface(&widgetOf(*layout_.firstLink));
   ASSERT_NE(interface, nullptr);

@@ -97,6 +97,17 @@ TEST_F(WindowActivity, ItsModalRunGoesOnAndBlocksNobodyWhileItIsHidden) {
   plain.window->close();
 }
 
+TEST_F(WindowActivity, StaysHiddenWhenItIsOrderedToTheFrontUntilTheProgramIsActive) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(hides());
+  layout_.window->makeKeyAndOrderFront();
+  EXPECT_FALSE(layout_.window->isVisible());
+  Application::sharedApplication().activateIgnoringOtherApps(true);
+  EXPECT_TRUE(isBackWithTheKeyboard());
+}
+
 TEST_F(WindowActivity, ComesBackWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
   SupportLayout plain;
   ASSERT_TRUE(show(*layout_.window));

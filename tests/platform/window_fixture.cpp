@@ -87,3 +87,21 @@ void WindowFixture::savePicture(const std::string& name) {
                              std::string(folder) + "/" + name + "-" + scale + "x.png"}));
   EXPECT_EQ(picture.wait(), test_support::ExitStatus{.code = 0});
 }
+
+void WindowFixture::holdReturnAndPressItAgain(QWidget& widget) {
+  const auto send = [&widget](QEvent::Type type, quint64 time, bool isRepetition = false) {
+    QKeyEvent event(type, Qt::Key_Return, Qt::NoModifier, {}, isRepetition);
+    event.setTimestamp(time);
+    QCoreApplication::sendEvent(&widget, &event);
+  };
+  send(QEvent::KeyPress, 1000);
+  for (const quint64 time : {1500, 1540}) {
+    send(QEvent::KeyRelease, time);
+    send(QEvent::KeyPress, time);
+  }
+  send(QEvent::KeyRelease, 1580, true);
+  send(QEvent::KeyPress, 1580, true);
+  send(QEvent::KeyRelease, 1600);
+  send(QEvent::KeyPress, 2000);
+  send(QEvent::KeyRelease, 2010);
+}

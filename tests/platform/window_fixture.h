@@ -28,6 +28,9 @@ class WindowFixture : public testing::Test {
   static void click(const QWidget& widget) { click(widget, widget.rect().center()); }
   static void point(const QWidget& widget, QPoint place);
   static void press(const std::string& key);
+  // Holds Return down on the widget for three repetitions, two of which the toolkit takes for new presses, as
+  // it does when the program was busy; and presses it once more afterwards.
+  static void holdReturnAndPressItAgain(QWidget& widget);
   // Returns when the program has dealt with what the hands have done so far.
   [[nodiscard]] static bool settle(platform::Window& window);
 
