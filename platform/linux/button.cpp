@@ -25,6 +25,8 @@ class PushButton : public BezelButton {
   PushButton() {
     setFont(systemFont(font(), titleSize));
     setAutoDefault(true);  // Return presses it
+    // What assistive programs press is clicked a moment later, when input may go elsewhere.
+    connect(this, &QPushButton::pressed, this, [this] { mayAct_ = takesInput(*this); });
     connect(this, &QPushButton::clicked, this, [this] { act(); });
   }
 
@@ -52,9 +54,10 @@ class PushButton : public BezelButton {
   void act() {
     repaint();
     const auto work = action;
-    if (work && takesInput(*this)) work();
+    if (work && mayAct_ && takesInput(*this)) work();
   }
 
+  bool mayAct_ = false;
   bool gaveItUp_ = false;
   QPointer<QWidget> standIn_;
 };

@@ -187,6 +187,8 @@ TEST_F(AlertSheet, AssistiveProgramsPressNothingBehindIt) {
   pressAll();
   press("Escape");
   ASSERT_TRUE(ends());
+  auto& button = static_cast<QPushButton&>(widgetOf(*layout_.update));
+  ASSERT_TRUE(serveEventsUntil([&] { return !button.isDown(); }));
   EXPECT_TRUE(layout_.clicks.empty() && openedAddresses().empty());
   pressAll();
   EXPECT_TRUE(serveEventsUntil([&] { return layout_.clicks == Titles{"Update"}; }));

@@ -91,12 +91,13 @@ TEST_F(WebViewTest, MissingHelperDoesNoHarm) {
   EXPECT_TRUE(server_.waitFor("/page"));
 }
 
-// A helper that has nothing to do any more a second after its load.
+// A helper that has nothing to do any more three seconds after its load, which a busy machine needs to catch
+// it.
 class WebViewIdleEnd : public WebViewTest {
  protected:
   void SetUp() override {
     helper_test::writeProgram(folder_ + "/helper",
-                              "exec " + helper_test::helper(kHelper) + " --idle-seconds 1");
+                              "exec " + helper_test::helper(kHelper) + " --idle-seconds 3");
     send("/first");
     ASSERT_TRUE(server_.waitFor("/first"));
     ASSERT_THAT(processesNamed(kHelper), SizeIs(1));
