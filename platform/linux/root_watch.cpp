@@ -14,6 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uint32_t kItself = IN_MOVE_SELF | IN_DELETE_SELF;
+constexpr std::uint32_t kRoot = kItself | IN_ONLYDIR | IN_MASK_ADD;
 // A folder that somebody holds open tells of its removal only when it is let go; the one above tells at once.
 constexpr std::uint32_t kItsEntries = IN_MOVED_FROM | IN_DELETE;
 
@@ -35,12 +36,24 @@ std::optional<RootWatch> RootWatch::create(const std::string& path) {
 
 bool RootWatch::hasChanged() {
   way_.drain([](const Inotify::Notice&) {});
-  return !leadsTo(path_, identity_);
+  return !leadsToWatchedRoot();
+}
+
+// Asking for the root's watch again gives its number only for the very same folder, because the watch holds
+// on to it. What a folder is made of may change under it: the first write to one in an overlay moves it to
+// another layer, and its time of making with it.
+bool RootWatch::leadsToWatchedRoot() {
+  if (root_ >= 0) {
+    const int found = way_.add(path_, kRoot);
+    if (found >= 0) return found == root_;
+  }
+  return leadsTo(path_, identity_);
 }
 
 // Moving a folder tells those below it nothing, so each on the way is watched; where the path runs over
 // links, each on the way by which they lead too.
 bool RootWatch::watchWay() {
+  root_ = way_.add(path_, kRoot);
   std::error_code error;
   for (const fs::path& way : {fs::path(path_), fs::canonical(path_, error)}) {
     if (error) return false;

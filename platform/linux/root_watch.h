@@ -27,11 +27,13 @@ class RootWatch {
  private:
   RootWatch(std::string path, const FileIdentity& identity);
   [[nodiscard]] bool watchWay();
+  [[nodiscard]] bool leadsToWatchedRoot();
   [[nodiscard]] bool watch(const std::string& folder, std::uint32_t mask);
 
   std::string path_;
   FileIdentity identity_;
   Inotify way_;
+  int root_ = -1;  // its number in way_; -1 where it may not be read, and only its identity is known
   FileDescriptor mounts_;
   bool watchesAny_ = false;
 };

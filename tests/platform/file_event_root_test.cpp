@@ -1,5 +1,7 @@
 #include <fcntl.h>
+#include <stdlib.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/file_descriptor.h"
@@ -95,6 +97,31 @@ TEST_F(RootChange, RemovingItAndMakingItAgain) {
   fs::remove(root_);
   fs::create_directory(root_);
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+// File systems on a disk give the number of a removed folder to the next one; those in memory don't.
+TEST_F(RootChange, PuttingAFolderInItsPlaceThatGetsItsNumber) {
+  std::string onDisk = "/var/tmp/root.XXXXXX";
+  ASSERT_NE(::mkdtemp(onDisk.data()), nullptr);
+  root_ = onDisk + "/root";
+  fs::create_directory(root_);
+  const auto numberOfRoot = [this] {
+    struct stat status {};
+    return ::stat(root_.c_str(), &status) == 0 ? status.st_ino : 0;
+  };
+  watch();
+  const auto first = numberOfRoot();
+  fs::remove(root_);
+  bool sameNumber = false;
+  for (int i = 0; i < 100 && !sameNumber; ++i) {
+    fs::remove(root_);
+    fs::create_directory(root_);
+    sameNumber = numberOfRoot() == first;
+  }
+  const Batch batch = nextBatch();
+  fs::remove_all(onDisk);
+  if (!sameNumber) GTEST_SKIP() << "/var/tmp gives no number twice";
+  EXPECT_THAT(batch, ElementsAre(rootChanged()));
 }
 
 TEST_F(RootChange, PuttingAFileInItsPlace) {
@@ -266,6 +293,50 @@ TEST_F(OnAMount, RootThatIsMountedInsideItselfIsNoEndlessTree) {
   ASSERT_EQ(::mount(root_.c_str(), inRoot("again").c_str(), nullptr, MS_BIND, nullptr), 0);
   watch();
   fs::rename(root_, root_ + " old");
+  EXPECT_THAT(nextBatch(), Contains(rootChanged()));
+}
+
+// A root in the lower one of two layers. The first write below it moves it to the upper one, and makes it
+// younger.
+class OnAnOverlay : public RootChange {
+ protected:
+  void SetUp() override {
+    RootChange::SetUp();
+    for (const char* folder : {"lower/root/inner", "upper", "work"})
+      fs::create_directories(std::string("/tmp/way/") + folder);
+    if (::mount("overlay", "/tmp/way/middle", "overlay", 0,
+                "lowerdir=/tmp/way/lower,upperdir=/tmp/way/upper,workdir=/tmp/way/work") != 0)
+      GTEST_SKIP() << "no overlay to be had";
+  }
+  void TearDown() override {
+    RootChange::TearDown();
+    ::umount2("/tmp/way/middle", MNT_DETACH);
+  }
+
+  void moveRootToUpperLayer() {
+    write("inner/file");
+    ASSERT_TRUE(fs::exists("/tmp/way/upper/root/inner/file"));
+  }
+};
+
+TEST_F(OnAnOverlay, TheFirstWriteBelowTheRootIsNone) {
+  watch();
+  moveRootToUpperLayer();
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("inner")));
+}
+
+TEST_F(OnAnOverlay, IsSeenAfterTheFirstWriteToo) {
+  watch();
+  moveRootToUpperLayer();
+  ASSERT_THAT(nextBatch(), ElementsAre(changed("inner")));
+  fs::remove_all(root_);
+  EXPECT_THAT(nextBatch(), Contains(rootChanged()));
+}
+
+TEST_F(OnAnOverlay, RemovingItAndMakingItAgain) {
+  watch();
+  fs::remove_all(root_);
+  fs::create_directory(root_);
   EXPECT_THAT(nextBatch(), Contains(rootChanged()));
 }
 

@@ -20,7 +20,7 @@ constexpr char kUsage[] =
     "Asks the program that the session has started from the autostart entry LABEL.desktop to end.\n"
     "Does nothing, and succeeds, when there is no such program. The options are taken and ignored.\n";
 
-constexpr std::chrono::milliseconds kPatience = 2s;
+constexpr std::chrono::milliseconds kPatience = 1s;
 
 bool outlasts(pid_t child, std::chrono::milliseconds limit) {
   // By number: the header of Debian 12 declares pidfd_open with C++ linkage.
