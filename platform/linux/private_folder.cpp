@@ -1,6 +1,7 @@
 #include "platform/linux/private_folder.h"
 
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -23,6 +24,16 @@ bool isOursAlone(const std::string& folder) {
          (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
+// Some systems mount runtime folders so that no program runs there.
+bool programsRunIn(const std::string& folder) {
+  struct statvfs status {};
+  return ::statvfs(folder.c_str(), &status) != 0 || (status.f_flag & ST_NOEXEC) == 0;
+}
+
+std::string pathBelowTmp() {
+  return "/tmp/TovalinTray-" + std::to_string(::geteuid());
+}
+
 std::string privateFolderPath() {
   const char* runtime = std::getenv("XDG_RUNTIME_DIR");
   if (runtime != nullptr && runtime[0] == '/' && isOursAlone(runtime)) {
@@ -30,7 +41,13 @@ std::string privateFolderPath() {
   }
   const std::string ofSession = "/run/user/" + std::to_string(::geteuid());
   if (isOursAlone(ofSession)) return ofSession + "/TovalinTray";
-  return "/tmp/TovalinTray-" + std::to_string(::geteuid());
+  return pathBelowTmp();
+}
+
+std::optional<std::string> folderOfOursAt(const std::string& path) {
+  ::mkdir(path.c_str(), S_IRWXU);
+  if (!isOursAlone(path)) return std::nullopt;
+  return path;
 }
 
 void complain(const std::string& reason) {
@@ -39,18 +56,21 @@ void complain(const std::string& reason) {
   consoleLog(text);
 }
 
+std::string whyThereIsNoHelperFolder() {
+  const char* reason = privateFolder() ? "no program runs at " : "no folder of the user's own at ";
+  return reason + privateFolderPath();
+}
+
 }  // namespace
 
 std::optional<std::string> privateFolder() {
-  const std::string path = privateFolderPath();
-  ::mkdir(path.c_str(), S_IRWXU);
-  if (!isOursAlone(path)) return std::nullopt;
-  return path;
+  return folderOfOursAt(privateFolderPath());
 }
 
 std::optional<std::string> helperFolder() {
-  const auto folder = privateFolder();
-  if (!folder) return std::nullopt;
+  auto folder = privateFolder();
+  if (folder && !programsRunIn(*folder)) folder = folderOfOursAt(pathBelowTmp());
+  if (!folder || !programsRunIn(*folder)) return std::nullopt;
   return *folder + "/helpers";
 }
 
@@ -58,7 +78,7 @@ void installHelpers() {
   const auto bundle = Bundle::mainBundle();
   if (!bundle) return;
   const auto folder = helperFolder();
-  if (!folder) return complain("no folder of the user's own at " + privateFolderPath());
+  if (!folder) return complain(whyThereIsNoHelperFolder());
   removeHelpers();
   std::error_code error;
   fs::create_directory(*folder, error);

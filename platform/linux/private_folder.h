@@ -10,8 +10,8 @@ namespace platform {
 // or somebody else could write to it. Any thread.
 [[nodiscard]] std::optional<std::string> privateFolder();
 
-// Where the agent's helper programs are found by name: a folder in the private one. Nothing when there is
-// none.
+// Where the agent's helper programs are found by name: a folder in the private one, or in the one below /tmp
+// where the file system of the private one lets no program run. Nothing when there is none.
 [[nodiscard]] std::optional<std::string> helperFolder();
 
 // Copies the helper programs of the running bundle to helperFolder(), because some must still run when the

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -15,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test_support::ExitStatus;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
@@ -138,6 +141,22 @@ TEST_F(HelperInstallation, RefusedPrivateFolderGetsNothing) {
   fs::create_symlink("/tmp/elsewhere", "/tmp/run/TovalinTray");
   run("install");
   EXPECT_THAT(namesIn("/tmp/elsewhere"), IsEmpty());
+}
+
+TEST_F(HelperInstallation, SaysSoWhereNoProgramRuns) {
+  const std::string belowTmp = "/tmp/TovalinTray-" + std::to_string(::geteuid());
+  fs::create_directory(belowTmp);
+  for (const std::string& folder : {std::string("/tmp/run"), belowTmp}) {
+    if (::mount("none", folder.c_str(), "tmpfs", MS_NOEXEC, "mode=700") != 0)
+      GTEST_SKIP() << "no mounts to be had";
+  }
+  test_support::ChildProcess child;
+  ASSERT_TRUE(child.start({program_, "install"}, {.error = test_support::Redirection::pipe()}));
+  ASSERT_EQ(child.wait(), ExitStatus{.code = 0});
+  EXPECT_THAT(child.takeErrorOutput(),
+              HasSubstr("without the agent's helpers: no program runs at /tmp/run/TovalinTray"));
+  for (const std::string& folder : {std::string("/tmp/run"), belowTmp}) ::umount2(folder.c_str(), MNT_DETACH);
+  fs::remove(belowTmp);
 }
 
 // Pages, which the helper of the name "open" opens.

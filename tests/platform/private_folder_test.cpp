@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -187,6 +188,41 @@ TEST_F(PrivateFolder, FoldersBelowTmpDifferBetweenUsers) {
 
 TEST_F(PrivateFolder, HelpersHaveTheirOwnFolderInIt) {
   EXPECT_EQ(helperFolder(), std::string(kBelowRuntime) + "/helpers");
+}
+
+// A runtime folder whose file system lets no program run.
+class RuntimeFolderWithoutPrograms : public PrivateFolder {
+ protected:
+  void SetUp() override {
+    PrivateFolder::SetUp();
+    if (::mount("none", kRuntime, "tmpfs", MS_NOEXEC, "mode=700") != 0) GTEST_SKIP() << "no mounts to be had";
+  }
+  void TearDown() override {
+    ::umount2(kRuntime, MNT_DETACH);
+    PrivateFolder::TearDown();
+  }
+};
+
+TEST_F(RuntimeFolderWithoutPrograms, StillHasThePrivateFolder) {
+  EXPECT_EQ(privateFolder(), kBelowRuntime);
+}
+
+TEST_F(RuntimeFolderWithoutPrograms, SendsHelpersBelowTmp) {
+  EXPECT_EQ(helperFolder(), belowTmp_ + "/helpers");
+  EXPECT_EQ(modeOf(belowTmp_), 0700U);
+}
+
+TEST_F(RuntimeFolderWithoutPrograms, SendsNoHelpersToALinkBelowTmp) {
+  fs::create_directory("/tmp/elsewhere");
+  fs::create_symlink("/tmp/elsewhere", belowTmp_);
+  EXPECT_EQ(helperFolder(), std::nullopt);
+}
+
+TEST_F(RuntimeFolderWithoutPrograms, LeavesNoPlaceForHelpersWhereTheOneBelowTmpLetsNoneRunEither) {
+  fs::create_directory(belowTmp_);
+  ASSERT_EQ(::mount("none", belowTmp_.c_str(), "tmpfs", MS_NOEXEC, "mode=700"), 0);
+  EXPECT_EQ(helperFolder(), std::nullopt);
+  ::umount2(belowTmp_.c_str(), MNT_DETACH);
 }
 
 }  // namespace
