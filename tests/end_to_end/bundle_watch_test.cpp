@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -99,16 +100,22 @@ TEST_F(BundleWatchTest, AnotherVersionInItsPlaceEndsTheAgent) {
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
-TEST_F(BundleWatchTest, TheAgentEndsWithinTwoSecondsOnAQuietMachine) {
-  launch();
-  const auto start = std::chrono::steady_clock::now();
-  fs::rename(bundle_, bundle_ + " old");
-  const auto logged = timeline_.waitFor(rootChangeLogged);
-  ASSERT_TRUE(logged);
-  EXPECT_GE(logged->time - start, std::chrono::milliseconds(490));
-  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
-  // The rest is room for a slow machine.
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8));
+TEST_F(BundleWatchTest, TheAgentEndsAfterHalfASecondAndWithinTwo) {
+  auto shortest = std::chrono::steady_clock::duration::max();
+  // A busy machine may hold up one run or another.
+  for (int i = 0; i < 5 && shortest >= std::chrono::seconds(2); ++i) {
+    install("/tmp/Folder/Applications/Tovalin.app");
+    launch();
+    const auto start = std::chrono::steady_clock::now();
+    fs::rename(bundle_, bundle_ + " old");
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+    shortest = std::min(shortest, std::chrono::steady_clock::now() - start);
+    const auto logged = timeline_.waitFor(rootChangeLogged);
+    ASSERT_TRUE(logged);
+    EXPECT_GE(logged->time - start, std::chrono::milliseconds(490));
+    fs::remove_all(bundle_ + " old");
+  }
+  EXPECT_LT(shortest, std::chrono::seconds(2));
 }
 
 TEST_F(BundleWatchTest, UnloadThatFailsEndsTheAgentAllTheSame) {

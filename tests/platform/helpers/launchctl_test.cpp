@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <sstream>
@@ -76,15 +77,26 @@ TEST_F(LaunchctlTest, WaitsForASlowSystemctl) {
 TEST_F(LaunchctlTest, GivesUpOnAHangingSystemctlAndEndsItWithItsChildren) {
   writeProgram(folder_ + "/bin/systemctl",
                "trap '' TERM; sleep 1000 & echo $$ $! >'" + folder_ + "/pids'; wait");
-  const auto start = std::chrono::steady_clock::now();
   const Ended ended = unload(userPath_);
   EXPECT_EQ(0, ended.code);
   EXPECT_EQ("", ended.output + ended.error);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
   std::istringstream pids(awaitContent(folder_ + "/pids"));
   for (std::string pid; pids >> pid;) {
     EXPECT_TRUE(test_support::waitUntil([&] { return !isAlive(pid); })) << pid;
   }
+}
+
+// The agent waits for it, and has half a second behind it when it has lost its bundle.
+TEST_F(LaunchctlTest, GivesUpSoEarlyThatTheAgentEndsWithinTwoSeconds) {
+  writeProgram(folder_ + "/bin/systemctl", "exec sleep 1000");
+  auto shortest = std::chrono::steady_clock::duration::max();
+  // A busy machine may hold up one run or another.
+  for (int i = 0; i < 5 && shortest >= 1300ms; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, unload(userPath_).code);
+    shortest = std::min(shortest, std::chrono::steady_clock::now() - start);
+  }
+  EXPECT_LT(shortest, 1300ms);
 }
 
 TEST_F(LaunchctlTest, SurvivesAParentThatIgnoresAndBlocksSignals) {
