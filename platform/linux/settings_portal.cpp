@@ -24,6 +24,11 @@ bool isTimeOut(const QDBusMessage& answer) {
   return type == QDBusError::NoReply || type == QDBusError::Timeout || type == QDBusError::TimedOut;
 }
 
+QDBusMessage question() {
+  return QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"))
+         << appearance << colorScheme;
+}
+
 }  // namespace
 
 bool isDarkColorScheme(const QVariant& value) {
@@ -38,18 +43,20 @@ SettingsPortal& SettingsPortal::shared() {
   return portal;
 }
 
-SettingsPortal::SettingsPortal() {
+SettingsPortal::SettingsPortal()
+    : comings_(service, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
   QDBusConnection::sessionBus().connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                                         SLOT(settingChanged(QDBusMessage)));
+  // A portal tells of changes only; what it finds when it comes up, after the agent or for a second time, it
+  // has to be asked for.
+  connect(&comings_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askWithoutWaiting(); });
 }
 
 bool SettingsPortal::readPrefersDark() {
-  QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
-  call << appearance << colorScheme;
-  const QDBusMessage answer = QDBusConnection::sessionBus().call(call, QDBus::Block, answerLimitMs);
+  const QDBusMessage answer = QDBusConnection::sessionBus().call(question(), QDBus::Block, answerLimitMs);
   // A portal that is only just being started by this call answers too late for it; what it says then counts
   // as a change.
-  if (isTimeOut(answer)) askAgain(call);
+  if (isTimeOut(answer)) askWithoutWaiting();
   const bool answered = answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();
   setDark(answered && isDarkColorScheme(answer.arguments().constFirst()));
   return dark_;
@@ -63,8 +70,8 @@ void SettingsPortal::settingChanged(const QDBusMessage& message) {
   takeChange(isDarkColorScheme(arguments[2]));
 }
 
-void SettingsPortal::askAgain(const QDBusMessage& call) {
-  auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+void SettingsPortal::askWithoutWaiting() {
+  auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question()), this);
   connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
     answer->deleteLater();
     const QDBusMessage message = answer->reply();

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <QDBusMessage>
+#include <QDBusServiceWatcher>
 #include <QObject>
 
 namespace platform {
@@ -29,8 +30,9 @@ class SettingsPortal : public QObject {
   SettingsPortal();
   void setDark(bool dark);
   void takeChange(bool dark);
-  void askAgain(const QDBusMessage& call);
+  void askWithoutWaiting();
 
+  QDBusServiceWatcher comings_;
   bool dark_ = false;
   std::vector<std::function<void()>> observers_;
 };

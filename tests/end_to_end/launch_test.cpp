@@ -107,6 +107,17 @@ TEST_F(Launch, ADesktopThatDoesNotAnswerMeansLightAndHoldsNothingUp) {
   EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
 }
 
+TEST_F(Launch, ADesktopThatDiesBeforeItAnswersMeansLightAndHoldsNothingUp) {
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
+  startAgent();
+  ASSERT_TRUE(portal_.waitForEvent("read"));
+  portal_.process().kill();
+  ASSERT_TRUE(waitForText("pipe: -ton")) << agent_.takeErrorOutput();
+  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
+  terminateAgent();
+}
+
 TEST_F(Launch, AnInfoListWithoutAVersionIsToldAndTheLaunchGoesOn) {
   std::ofstream(agentContents() + "/Info.plist") << "damaged";
   launchAgent();

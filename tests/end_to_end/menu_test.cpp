@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <signal.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -44,6 +45,11 @@ class Menu : public AgentTest {
       if (item.visible) labels.push_back(item.separator ? "--" : item.label);
     }
     return labels;
+  }
+
+  void endPortal() {
+    portal_.process().kill();
+    ASSERT_EQ(portal_.process().wait(), ExitStatus{.signal = SIGKILL});
   }
 
   void clickAndWait(const std::string& label) {
@@ -123,6 +129,47 @@ TEST_F(Menu, APortalThatComesLateIsHeard) {
   ASSERT_TRUE(portal_.start(bus_, "0"));
   ASSERT_TRUE(portal_.set("1"));
   EXPECT_TRUE(comesToShowIcon("mount on reverse"));
+}
+
+TEST_F(Menu, APortalThatComesLateToADarkDesktopIsAsked) {
+  launchAgentInPanel();
+  EXPECT_TRUE(showsIcon("mount on"));
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
+}
+
+TEST_F(Menu, APortalThatComesBackIsAskedWhatHasChangedMeanwhile) {
+  ASSERT_TRUE(portal_.start(bus_, "0"));
+  launchAgentInPanel();
+  for (const auto& [value, icon] : {std::pair("1", "mount on reverse"), std::pair("2", "mount on")}) {
+    endPortal();
+    ASSERT_TRUE(portal_.start(bus_, value));
+    EXPECT_TRUE(comesToShowIcon(icon));
+  }
+}
+
+TEST_F(Menu, APortalThatComesBackUnchangedFlipsNothing) {
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  launchAgentInPanel();
+  endPortal();
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  ASSERT_TRUE(portal_.waitForEvent("read"));
+  ASSERT_TRUE(portal_.set("0"));
+  // Had the answer flipped the icon, this change would have flipped it back.
+  EXPECT_TRUE(comesToShowIcon("mount on"));
+}
+
+TEST_F(Menu, APortalThatDiesOwingAnAnswerLeavesIconAndMenuAsTheyAre) {
+  ASSERT_TRUE(portal_.start(bus_, "1"));
+  ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
+  launchAgentInPanel();
+  // The agent has given the first answer up by now and waits for the second.
+  for (int i = 0; i < 2; ++i) ASSERT_TRUE(portal_.waitForEvent("read"));
+  endPortal();
+  EXPECT_TRUE(showsIcon("mount on"));
+  clickAndWait("Automount Off");
+  EXPECT_TRUE(comesToShowIcon("mount off"));
+  terminateAgent();
 }
 
 TEST_F(Menu, TwoClicksOnTheSwitchSendOffThenOnAndChangeTitleAndIcon) {
