@@ -1,20 +1,30 @@
 #include "platform/linux/bezel_button.h"
 
+#include <algorithm>
+
 #include <QApplication>
+#include <QList>
 #include <QPainter>
+#include <QPalette>
 #include <QStyleOptionButton>
+#include <QVariant>
 
 namespace platform {
 namespace {
 
-constexpr const char* keptInApplication = "palette of buttons";
+constexpr const char* keptInApplication = "palettes of buttons";
+// Light and dark, in windows of their own colour and in sheets, take four.
+constexpr qsizetype mostKept = 8;
 
-// Equal to this one, and the same for as long as no other is asked for.
+// Equal to this one, and the same as for an equal one before.
 QPalette keptPalette(const QPalette& palette) {
-  auto kept = qApp->property(keptInApplication).value<QPalette>();
-  if (kept != palette) {
-    qApp->setProperty(keptInApplication, palette);
-    kept = palette;
+  auto all = qApp->property(keptInApplication).value<QList<QPalette>>();
+  const auto equal = std::ranges::find(all, palette);
+  QPalette kept = equal == all.end() ? palette : *equal;
+  if (equal == all.end()) {
+    if (all.size() == mostKept) all.removeFirst();
+    all.append(kept);
+    qApp->setProperty(keptInApplication, QVariant::fromValue(all));
   }
   kept.setCurrentColorGroup(palette.currentColorGroup());  // which equal palettes may differ in
   return kept;

@@ -9,8 +9,8 @@ namespace platform {
 // A push button whose bezel may be smaller than itself. Main thread.
 //
 // The style keeps the picture of a bezel under the identity of the palette it was drawn with, and every
-// widget of a window of its own colour has a palette of its own; here the pictures are those of the button
-// before.
+// widget of a window of its own colour has a palette of its own; here equal ones have one identity, for as
+// long as few others were drawn since.
 class BezelButton : public QPushButton {
  public:
   using QPushButton::QPushButton;

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QProxyStyle>
+#include <QStyleOption>
+
+#include "platform/linux/bezel_button.h"
 #include "tests/platform/support_layout.h"
 #include "tests/platform/window_fixture.h"
 
@@ -140,6 +144,42 @@ TEST_F(ButtonInAWindow, WithoutAnActionDoesNothing) {
   layout_.update->setAction(nullptr);
   click(widgetOf(*layout_.update));
   EXPECT_EQ(clicksInAll(), (Titles{"Log file"}));
+}
+
+// Tells under which palette's identity the style keeps the picture of a button.
+class BezelPictures : public QProxyStyle {
+ public:
+  qint64 identityFor(const QColor& colour) {
+    platform::BezelButton button;
+    button.setStyle(this);
+    button.setPalette(QPalette(colour));
+    button.grab();
+    return identity_;
+  }
+
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    identity_ = option->palette.cacheKey();
+    QProxyStyle::drawControl(element, option, painter, widget);
+  }
+
+ private:
+  mutable qint64 identity_ = 0;
+};
+
+TEST(PictureOfABezel, IsTheSameAgainAfterButtonsOfAnotherColour) {
+  BezelPictures pictures;
+  const qint64 light = pictures.identityFor(Qt::white), dark = pictures.identityFor(Qt::black);
+  EXPECT_NE(light, dark);
+  EXPECT_EQ(pictures.identityFor(Qt::white), light);
+  EXPECT_EQ(pictures.identityFor(Qt::black), dark);
+}
+
+TEST(PictureOfABezel, IsNotKeptBeyondAFewColours) {
+  BezelPictures pictures;
+  const qint64 first = pictures.identityFor(QColor(1, 0, 0));
+  for (int i = 2; i < 20; ++i) pictures.identityFor(QColor(i, 0, 0));
+  EXPECT_NE(pictures.identityFor(QColor(1, 0, 0)), first);
 }
 
 }  // namespace
