@@ -43,6 +43,7 @@ TEST_F(Process, EachOfTheThreeSignalsEndsTheAgentProperly) {
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
     timeline_.clear();
     launchAgent();
+    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));  // the last of the launch
     agent_.signal(number);
     EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << "signal " << number;
     EXPECT_EQ(texts().back(), killRun);
