@@ -41,19 +41,24 @@ check-cppcheck:
 check-sanitizers:
 	./test asan
 
-# The parts that several threads use; the toolkit itself is not built for the thread sanitizer.
-THREADED = usage_record_test upload_pass_test url_request_test read_pipe_test command_pipe_test
+# The parts that several threads use, and the agent as a whole; the toolkit itself is not built for the thread sanitizer.
+THREADED = usage_record_test upload_pass_test url_request_test read_pipe_test command_pipe_test \
+  launch_test menu_test notice_test process_test tray_test usage_test
 check-threads:
 	@cmake --preset tsan >/dev/null
 	cmake --build --preset tsan --target $(THREADED)
 	ctest --preset tsan --tests-regex '^($(subst $() ,|,$(strip $(THREADED))))'
 
 # PAIRS: how often both notices are shown and hidden. OPENINGS: how often the support window is opened and closed.
+# MINUTES: how long the mixed life is. SEED: the order of what happens in it; each run has its own when there is none.
 PAIRS ?= 10000
 OPENINGS ?= 1000
+MINUTES ?= 60
+SEED ?=
 soak: build
 	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
 	TOVALIN_SOAK_PAIRS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
+	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
 
 # FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).
 FUZZ_SECONDS ?= 60

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+
+// The clocks of one process at a time, which is started with `environment()`. They run `rate` times as fast
+// as the test's, and can be put forward while the process runs. Any thread.
+class LifeClock {
+ public:
+  using Time = std::chrono::sys_seconds;
+  static constexpr int rate = 4;
+
+  explicit LifeClock(Time begin);
+
+  [[nodiscard]] static std::map<std::string, std::optional<std::string>> environment();
+
+  // What the process's clock shows; it may be a moment behind.
+  [[nodiscard]] Time now() const;
+  [[nodiscard]] std::chrono::sys_days today() const { return std::chrono::floor<std::chrono::days>(now()); }
+
+  void forward(std::chrono::seconds by);
+  void forwardTo(Time time);
+  // To be called right before a process is started: its clock goes on where that of the last one is.
+  void processStarts() { forward(std::chrono::seconds(1)); }
+
+ private:
+  [[nodiscard]] Time current() const;
+  void put(Time time);
+
+  mutable std::mutex mutex_;
+  Time time_;
+  std::chrono::steady_clock::time_point putAt_;
+};

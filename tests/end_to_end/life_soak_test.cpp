@@ -1,0 +1,115 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <numeric>
+#include <span>
+#include <thread>
+#include <vector>
+
+#include "tests/end_to_end/life_fixture.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+struct Measure {
+  long memory = 0;  // in kilobytes
+  long descriptors = 0;
+  long threads = 0;
+};
+
+// What is open for a moment only passes.
+long leastOf(const std::function<long()>& number) {
+  long least = number();
+  for (int i = 0; i < 20; ++i) {
+    std::this_thread::sleep_for(5ms);
+    least = std::min(least, number());
+  }
+  return least;
+}
+
+long meanMemory(std::span<const Measure> measures) {
+  const long sum = std::accumulate(measures.begin(), measures.end(), 0L,
+                                   [](long before, const Measure& each) { return before + each.memory; });
+  return sum / static_cast<long>(measures.size());
+}
+
+class LifeSoak : public LifeTest {
+ protected:
+  void measure() {
+    timeline_.clear();
+    const long memory = memoryWithAllPictures([this] { showEverything(); });
+    measures_.push_back(
+        {memory, leastOf([this] { return descriptors(); }), leastOf([this] { return threads(); })});
+    std::printf("%6ld kB %4ld descriptors %4ld threads\n", measures_.back().memory,
+                measures_.back().descriptors, measures_.back().threads);
+    std::fflush(stdout);
+  }
+
+  // Ten parts between the first measure and the last.
+  void liveFor(std::chrono::minutes all) {
+    constexpr int parts = 11;
+    const auto begin = Clock::now();
+    for (int part = 1; part <= parts && !HasFatalFailure(); ++part) {
+      const auto end = begin + all * part / parts;
+      while (Clock::now() < end && !HasFatalFailure()) act();
+      if (!HasFatalFailure()) measure();
+    }
+  }
+
+  void expectNothingGrew() {
+    const Measure &first = measures_.front(), &last = measures_.back();
+    EXPECT_LE(std::labs(last.memory - first.memory), 2048);
+    EXPECT_EQ(last.descriptors, first.descriptors);
+    EXPECT_EQ(last.threads, first.threads);
+    const std::span<const Measure> all = measures_;
+    const auto half = all.size() / 2;
+    EXPECT_LE(meanMemory(all.subspan(half)) - meanMemory(all.first(half)), 1024);
+  }
+
+  void expectAllAccountedFor() {
+    RecordCounts found = recordsLeft();
+    for (const auto& [record, count] : uploads().recordsTaken()) found[record] += count;
+    EXPECT_EQ(differenceOf(written(), found), "");
+    EXPECT_THAT(uploads().complaints(pastFiles()), testing::IsEmpty());
+    EXPECT_GT(uploads().taken(), 0U);
+    EXPECT_GT(uploads().arrived(), uploads().taken());
+    report();
+  }
+
+ private:
+  void report() {
+    long records = 0;
+    for (const auto& [record, count] : written()) records += count;
+    std::printf("%ld records written and found, %zu uploads, %zu of them taken\n", records,
+                uploads().arrived(), uploads().taken());
+    for (const auto& [name, count] : acts())
+      std::printf("%5d %.*s\n", count, static_cast<int>(name.size()), name.data());
+  }
+
+  std::vector<Measure> measures_;
+};
+
+TEST_F(LifeSoak, AMixedLifeCostsNothingForGoodAndLosesNoRecord) {
+  const char* asked = std::getenv("TOVALIN_SOAK_MINUTES");
+  const int minutes = asked != nullptr ? std::atoi(asked) : 0;
+  ASSERT_NO_FATAL_FAILURE(beginLife());
+  for (int i = 0; i < 3; ++i) ASSERT_NO_FATAL_FAILURE(act());
+  ASSERT_NO_FATAL_FAILURE(endBySignal());
+  ASSERT_NO_FATAL_FAILURE(beginLife());
+  ASSERT_NO_FATAL_FAILURE(actOutAll());
+  ASSERT_NO_FATAL_FAILURE(measure());
+  if (minutes > 0) liveFor(std::chrono::minutes(minutes));
+  for (int i = 0; i < 10; ++i) ASSERT_NO_FATAL_FAILURE(act());
+  ASSERT_NO_FATAL_FAILURE(measure());
+  expectNothingGrew();
+  ASSERT_NO_FATAL_FAILURE(endByForce());
+  ASSERT_NO_FATAL_FAILURE(beginLife());
+  ASSERT_NO_FATAL_FAILURE(endByMenu());
+  expectAllAccountedFor();
+}
+
+}  // namespace
