@@ -58,9 +58,11 @@ class UnloadTest : public NoticeTest {
 
  private:
   void installLaunchctl() {
-    const std::string built = std::getenv("TOVALIN_BUNDLE_ROOT");
-    fs::copy_file(built + "/Tovalin.app/Contents/Resources/TovalinTray.app/Contents/Helpers/launchctl",
-                  agentContents() + "/Helpers/launchctl", fs::copy_options::overwrite_existing);
+    const char* built = std::getenv("TOVALIN_BUNDLE_ROOT");
+    ASSERT_NE(built, nullptr);
+    fs::copy_file(
+        std::string(built) + "/Tovalin.app/Contents/Resources/TovalinTray.app/Contents/Helpers/launchctl",
+        agentContents() + "/Helpers/launchctl", fs::copy_options::overwrite_existing);
   }
 
   void placeSystemctl() {
