@@ -1,4 +1,4 @@
-# What there is to do beside ./run and ./test. PRESET: release, debug or asan (CMakePresets.json).
+# What there is to do beside ./run and ./test. PRESET: one of CMakePresets.json.
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
@@ -57,7 +57,7 @@ MINUTES ?= 60
 SEED ?=
 soak: build
 	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
-	TOVALIN_SOAK_PAIRS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
+	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
 	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
 
 # FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).

@@ -29,7 +29,8 @@ struct ShownNotices;
 
 // The one object that carries the agent: the methods of its subsystems, each defined in the folder it is
 // listed under, and all long-lived state, in its fields. The fields are open to those methods and to tests;
-// no other code has hold of the object. Main thread only, but for the two atomic flags.
+// no other code has hold of the object. Main thread only, but for what is atomic, and for the methods marked
+// "any thread".
 class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private tovalinNSImageViewDelegate {
  public:
   // A reference that anyone may set and read at any time and that keeps nothing alive: the atomic is getter

@@ -34,8 +34,7 @@ bool writeNewFile(const std::string& path, std::string_view text) {
     platform::errorLog("create file failed");
     return false;
   }
-  // One byte or an identifier is written whole or, on a full disk, not at all; a damaged file is replaced
-  // when next read.
+  // One byte or an identifier is written whole or, on a full disk, not at all, which leaves an empty file.
   [[maybe_unused]] const ssize_t written = ::write(file.get(), text.data(), text.size());
   return true;
 }

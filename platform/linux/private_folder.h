@@ -5,9 +5,9 @@
 
 namespace platform {
 
-// The folder for what lives as long as the agent's process: below $XDG_RUNTIME_DIR, else below /tmp with the
-// user's id in its name. Made when missing, and then readable by the user alone; nothing when it can't be had
-// or somebody else could write to it. Any thread.
+// The folder for what lives as long as the agent's process: below $XDG_RUNTIME_DIR, else below
+// /run/user/UID, else below /tmp with the user's id in its name. Made when missing, and then readable by the
+// user alone; nothing when it can't be had or somebody else could write to it. Any thread.
 [[nodiscard]] std::optional<std::string> privateFolder();
 
 // Where the agent's helper programs are found by name: a folder in the private one, or in the one below /tmp

@@ -24,7 +24,7 @@ class SupportSoak : public SupportTest {
 
 // The first twenty openings warm everything up that is kept for good.
 TEST_F(SupportSoak, OpeningAndClosingWithASheetCostsNoMemoryAndNoDescriptors) {
-  const char* asked = std::getenv("TOVALIN_SOAK_PAIRS");
+  const char* asked = std::getenv("TOVALIN_SOAK_OPENINGS");
   const int openings = asked != nullptr ? std::atoi(asked) : 30;
   constexpr int warmUp = 20;
   ASSERT_GT(openings, warmUp);
