@@ -36,16 +36,24 @@ fs::perms permissions(const fs::path& path) {
 // The collection of the logs, in a system whose logs are the test's own.
 class SupportLog : public SupportTest {
  protected:
-  // Only in the mount namespace that this program has of its own.
+  // A /var of this program's own mount namespace: what is there, and empty folders for logs and crashes.
   static void SetUpTestSuite() {
     ASSERT_STREQ(std::getenv("HOME"), "/tmp/home") << "to be run in the sandbox alone";
-    ASSERT_EQ(::mount("tmpfs", "/var/log", "tmpfs", 0, nullptr), 0);
-    madeCrashFolder_ = fs::create_directory("/var/crash");
-    ASSERT_EQ(::mount("tmpfs", "/var/crash", "tmpfs", 0, nullptr), 0);
-  }
-  static void TearDownTestSuite() {
-    ASSERT_EQ(::umount2("/var/crash", MNT_DETACH), 0);
-    if (madeCrashFolder_) fs::remove("/var/crash");
+    const fs::path own = "/tmp/var";
+    fs::create_directory(own);
+    ASSERT_EQ(::mount("tmpfs", own.c_str(), "tmpfs", 0, nullptr), 0);
+    for (const char* empty : {"log", "crash"}) fs::create_directory(own / empty);
+    for (const auto& entry : fs::directory_iterator("/var")) {
+      const fs::path place = own / entry.path().filename();
+      if (entry.is_symlink()) {
+        fs::copy_symlink(entry.path(), place);
+      } else if (entry.is_directory() && fs::create_directory(place)) {
+        ASSERT_EQ(::mount(entry.path().c_str(), place.c_str(), nullptr, MS_BIND | MS_REC, nullptr), 0);
+      }
+    }
+    ASSERT_EQ(::mount(own.c_str(), "/var", nullptr, MS_BIND | MS_REC, nullptr), 0);
+    ASSERT_EQ(::umount2(own.c_str(), MNT_DETACH), 0);
+    fs::remove(own);
   }
 
   void SetUp() override {
@@ -86,8 +94,6 @@ class SupportLog : public SupportTest {
   void waitForSheetAfter(const test_support::XPicture& question) {
     ASSERT_TRUE(waitUntil([&] { return !(message() == question) && colourOf(bareSpot).red < 200; }));
   }
-
-  inline static bool madeCrashFolder_ = false;
 
   static std::vector<fs::path> folders() { return inFolder("/tmp", "tovalinlog_"); }
   static std::vector<fs::path> archives(const fs::path& desktop = "/tmp/home/Desktop") {
