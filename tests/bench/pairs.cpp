@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 
 namespace bench {
 namespace {
@@ -19,6 +20,11 @@ Microseconds timeOf(const std::function<void()>& work, int calls) {
 }
 
 }  // namespace
+
+void giveUp(const std::string& reason) {
+  std::fprintf(stderr, "%s\n", reason.c_str());
+  std::exit(1);
+}
 
 // The first calls also warm up caches and the allocator.
 int callsInOneRun(const std::function<void()>& work) {

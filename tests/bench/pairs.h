@@ -20,6 +20,9 @@ struct Result {
   bool hasReference = true;
 };
 
+// Says why there is nothing to measure, and ends the program with 1.
+[[noreturn]] void giveUp(const std::string& reason);
+
 // How often `work` is to be called for one run, so that the clock and the scheduler weigh little in it.
 [[nodiscard]] int callsInOneRun(const std::function<void()>& work);
 
