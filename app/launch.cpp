@@ -63,6 +63,8 @@ void nimbatrayAppDelegate::readAppearance() {
   isDarkModeOn = isDarkAppearance(platform::globalDefault("AppleInterfaceStyle"));
 }
 
+// Told as errors, here and in readAutomountState, so that they stand in the log whatever a system keeps of
+// it: support starts from them.
 void nimbatrayAppDelegate::readBundlePath() {
   const auto agent = platform::Bundle::mainBundle();
   const auto path = agent ? mainApplicationBundlePath(agent->bundlePath()) : std::nullopt;

@@ -6,7 +6,7 @@
 
 #include "platform/property_list.h"
 
-// The decisions of the launch, as functions of what they decide on.
+// The decisions of the launch, as functions of what they decide on. Any thread.
 
 // Whether the desktop's "AppleInterfaceStyle" (nothing when it isn't set) means the dark appearance: a string
 // that reads "dark" without regard to case.

@@ -134,24 +134,31 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   std::int32_t dataUploadURL = 0;  // the server option: 1 product server, 0 test upload server
 
  private:
+  // app/launch.cpp
   void readAppearance();
   void readBundlePath();
   void unloadUnlessAutorun();
   void readAutomountState();
   void readVersion();
   void checkForUpdate();
+  void showUpdateNotice();
   void watchBundle();
   void sendLaunchBeacons();
-  void showUpdateNotice();
+
+  // app/status_menu.cpp
   void addMenuItems();
   void showStatusIcon();
   void setAutomount(std::uint32_t active);
+
+  // support/support_window.cpp
   void refreshVersionAndBanners();
   std::shared_ptr<platform::Window> makeSupportWindow();
   std::shared_ptr<platform::View> makeHeaderPanel();
   std::shared_ptr<platform::Button> makeButtons();  // gives the one that no field keeps
   std::shared_ptr<platform::View> makeNoticePanel(platform::Button& faqButton);
   std::shared_ptr<platform::View> makeBannerBand();
+
+  // ipc/notification_listener.cpp; on the listener's thread
   void listen(int pipe);
   void dispatch(std::span<const char> buffer, ShownNotices& shown);
 };

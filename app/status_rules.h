@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-// What the status item shows, as functions of the two states behind it.
+// What the status item shows, as functions of the two states behind it. Any thread.
 
+// The four pictures of the icon; Reverse is for dark panels.
 enum class StatusIcon { On, Off, OnReverse, OffReverse };
 
 // Automount on takes an on icon, off an off icon; a dark panel takes the reverse variant.

@@ -19,6 +19,7 @@ add_library(tovalin_core STATIC
   ipc/command_pipe.cpp
   ipc/notification_commands.cpp
   ipc/notification_listener.cpp
+  ipc/readable.cpp
   ipc/notification_pipe.cpp
   notices/clickable_image_view.cpp
   notices/image_resize.cpp
@@ -27,7 +28,7 @@ add_library(tovalin_core STATIC
   support/address.cpp
   support/log_collection.cpp
   support/log_rules.cpp
-  support/remote_list.cpp
+  support/server_fetch.cpp
   support/server_content.cpp
   support/server_notice.cpp
   support/support_controls.cpp
@@ -43,7 +44,7 @@ add_library(tovalin_core STATIC
   usage/record_bytes.cpp
   usage/server_addresses.cpp
   usage/server_option.cpp
-  usage/settings_file.cpp
+  usage/file_bytes.cpp
   usage/upload_files.cpp
   usage/upload_rules.cpp
   usage/usage_file.cpp

@@ -1,20 +1,22 @@
 #include "ipc/command_pipe.h"
 
 #include <fcntl.h>
-#include <sys/select.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <string>
 
+#include "ipc/readable.h"
 #include "platform/file_descriptor.h"
 #include "platform/log.h"
 
 namespace {
 
 constexpr const char* commandPipe = "/tmp/KMPIPE";
+constexpr std::chrono::milliseconds pauseBeforeWrite(10);
 
 // Returns the negated errno of the step that failed.
 int report(const char* step, int error) {
@@ -24,27 +26,13 @@ int report(const char* step, int error) {
   return -error;
 }
 
-// A write-only descriptor never gets ready to read, so this is a pause of 10 ms, cut short when the reader
-// leaves.
-int pauseBeforeWrite(int descriptor) {
-  // select(2) can't name a descriptor beyond its set.
-  if (descriptor >= FD_SETSIZE) {
-    errno = EINVAL;
-    return -1;
-  }
-  timeval wait{0, 10'000};
-  fd_set readable;
-  FD_ZERO(&readable);
-  FD_SET(descriptor, &readable);
-  return ::select(descriptor + 1, &readable, nullptr, nullptr, &wait);
-}
-
 }  // namespace
 
 int sendPipeMsg(const char* message) {
   platform::FileDescriptor pipe(::open(commandPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC, 0666));
   if (!pipe.valid()) return report("open pipe failed", errno);
-  if (pauseBeforeWrite(pipe.get()) == -1) {
+  // A write-only descriptor never gets ready to read, so this is a pause, cut short when the reader leaves.
+  if (waitUntilReadable(pipe.get(), pauseBeforeWrite) == -1) {
     pipe.reset();
     return report("select failed", errno);
   }

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <sys/select.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 #include "app/nimbatrayAppDelegate.h"
 #include "ipc/notification_commands.h"
 #include "ipc/notification_pipe.h"
+#include "ipc/readable.h"
 #include "platform/application.h"
 #include "platform/log.h"
 #include "usage/usage_record.h"
@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr std::chrono::microseconds waitTime = 30ms;
+constexpr std::chrono::milliseconds waitTime = 30ms;
 
 static_assert(record_format::message::size == notificationBufferSize);
 
@@ -47,8 +47,6 @@ platform::FileDescriptor openNotificationPipe() {
   return pipe;
 }
 
-enum class Wait { Ready, TimeOut, Failed };
-
 // A regular file that was read to its end stays ready to be read, without anything to read.
 bool isAtEndOfFile(int descriptor) {
   struct stat status {};
@@ -59,21 +57,6 @@ bool isAtEndOfFile(int descriptor) {
 bool isDevice(int descriptor) {
   struct stat status {};
   return ::fstat(descriptor, &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
-}
-
-Wait waitForMessage(int descriptor) {
-  // select(2) can't name a descriptor beyond its set.
-  if (descriptor >= FD_SETSIZE) {
-    errno = EINVAL;
-    return Wait::Failed;
-  }
-  fd_set readable;
-  FD_ZERO(&readable);
-  FD_SET(descriptor, &readable);
-  timeval wait{0, static_cast<suseconds_t>(waitTime.count())};  // select(2) uses it up
-  const int ready = ::select(descriptor + 1, &readable, nullptr, nullptr, &wait);
-  if (ready == -1) return Wait::Failed;
-  return ready > 0 && FD_ISSET(descriptor, &readable) ? Wait::Ready : Wait::TimeOut;
 }
 
 }  // namespace
@@ -94,9 +77,9 @@ void nimbatrayAppDelegate::listen(int pipe) {
   }
   const platform::FileDescriptor ownEnd = holdOpenForWriting(pipe);
   while (bThreadRun) {
-    const Wait wait = waitForMessage(pipe);
-    if (wait == Wait::Failed) return logFailure("pipe select error");
-    if (wait == Wait::TimeOut) continue;
+    const int ready = waitUntilReadable(pipe, waitTime);
+    if (ready == -1) return logFailure("pipe select error");
+    if (ready == 0) continue;
     if (isAtEndOfFile(pipe)) {
       std::this_thread::sleep_for(waitTime);
       continue;

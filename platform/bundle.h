@@ -16,6 +16,9 @@ class Bundle {
   // Nothing when the executable doesn't stand in such a place.
   [[nodiscard]] static std::optional<Bundle> mainBundle();
 
+  // The text `key` of that bundle's Info.plist; nothing when it can't be had.
+  [[nodiscard]] static std::optional<std::string> mainBundleText(std::string_view key);
+
   explicit Bundle(std::string path) : path_(std::move(path)) {}
 
   // Absolute, without a slash at its end.

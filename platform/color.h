@@ -2,7 +2,7 @@
 
 namespace platform {
 
-// A calibrated colour (sRGB); each part runs from 0 to 1.
+// A calibrated colour (sRGB); each part runs from 0 to 1. A value, any thread.
 struct Color {
   double red = 0;
   double green = 0;

@@ -28,8 +28,8 @@ class FileEventStream {
  public:
   // Changes went by untold somewhere in the folder or below it.
   static constexpr std::uint32_t mustScanSubDirs = 0x1;
-  // The root's path no longer leads to the root: it, or a folder above it, was moved, renamed or removed. The
-  // event bears the path of the root, and is the last of all.
+  // The root's path no longer leads to the root: it, or a folder above it, was moved, renamed or removed, and
+  // was not back when the batch was delivered. The event bears the path of the root, and is the last of all.
   static constexpr std::uint32_t rootChanged = 0x20;
 
   // May stop and drop its stream.

@@ -3,7 +3,7 @@
 namespace platform {
 
 // All geometry is in points, origin at the lower left of the parent, y growing upwards. One point is one
-// logical pixel.
+// logical pixel. All are values, any thread.
 
 struct Point {
   double x = 0;

@@ -8,7 +8,10 @@
 
 namespace platform {
 
-enum class ImageInterpolation { None, Low, High };
+// How pixels are found for another size: between the nearest ones (Low), or as the mean of all that each new
+// pixel covers (High).
+enum class ImageInterpolation { Low, High };
+// Whether what is drawn takes the place of what was there, transparent parts too, or lies upon it.
 enum class CompositingOperation { Copy, SourceOver };
 
 // A picture with a size in points. Its pixels are kept apart from that: a picture of 20 by 20 points made on
@@ -61,6 +64,7 @@ class ImageFocus {
   ImageFocus(const ImageFocus&) = delete;
   ImageFocus& operator=(const ImageFocus&) = delete;
 
+  // Low at first.
   void setImageInterpolation(ImageInterpolation interpolation);
   // Draws the part `from` of `source` (in the source's points) with its lower left corner at `at`; `fraction`
   // is the opacity from 0 to 1.

@@ -8,11 +8,11 @@ namespace platform {
 
 class Image;
 
+// What the pointer looks like; the hand tells of a link.
 enum class Cursor { Arrow, PointingHand };
 
 struct MouseEvent {
   Point locationInView;  // in the view's own points
-  int clickCount = 1;
 };
 
 // A view that shows a picture, centred, scaled down in proportion where it is too large. Main thread only.

@@ -43,6 +43,9 @@ class PropertyList {
   // The entry `key` of a dictionary; nullptr when there is none or this is no dictionary.
   [[nodiscard]] const PropertyList* find(std::string_view key) const;
 
+  // The same, when the entry is text.
+  [[nodiscard]] const std::string* textAt(std::string_view key) const;
+
   bool operator==(const PropertyList&) const = default;
 
  private:

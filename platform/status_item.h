@@ -21,9 +21,12 @@ class StatusItem {
   StatusItem(const StatusItem&) = delete;
   StatusItem& operator=(const StatusItem&) = delete;
 
+  // The item's text, for panels that show one, beside the icon or as its hint.
   void setTitle(std::string_view title);
   // nullptr shows no icon.
   void setImage(std::shared_ptr<Image> image);
+  // Whether the icon is marked while its menu is open. A wish: panels that decide for themselves pass it
+  // over.
   void setHighlightMode(bool highlights);
 
   // Takes the menu over.

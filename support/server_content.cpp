@@ -6,16 +6,11 @@ namespace {
 
 using platform::PropertyList;
 
-const std::string* stringAt(const PropertyList& entry, std::string_view key) {
-  const PropertyList* value = entry.find(key);
-  return value == nullptr ? nullptr : value->as<std::string>();
-}
-
 std::optional<NoticeEntry> noticeEntry(const PropertyList& notice, std::string_view key) {
   const PropertyList* entry = notice.find(key);
   if (entry == nullptr) return std::nullopt;
-  const std::string* subject = stringAt(*entry, "subject");
-  const std::string* link = stringAt(*entry, "link");
+  const std::string* subject = entry->textAt("subject");
+  const std::string* link = entry->textAt("link");
   if (subject == nullptr || link == nullptr) return std::nullopt;
   return NoticeEntry{*subject, *link};
 }
@@ -33,8 +28,8 @@ std::optional<Banner> chosenBanner(const PropertyList& list, std::uint32_t rando
   const auto* entries = list.as<PropertyList::Array>();
   if (entries == nullptr || entries->empty()) return std::nullopt;
   const PropertyList& entry = (*entries)[std::uint64_t{random} % entries->size()];
-  const std::string* fileName = stringAt(entry, "file_name");
-  const std::string* link = stringAt(entry, "link");
+  const std::string* fileName = entry.textAt("file_name");
+  const std::string* link = entry.textAt("link");
   if (fileName == nullptr || link == nullptr) return std::nullopt;
   return Banner{*fileName, *link};
 }

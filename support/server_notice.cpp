@@ -8,8 +8,8 @@
 #include "platform/property_list.h"
 #include "platform/workspace.h"
 #include "support/address.h"
-#include "support/remote_list.h"
 #include "support/server_content.h"
+#include "support/server_fetch.h"
 
 namespace {
 
@@ -23,14 +23,14 @@ std::shared_ptr<const platform::PropertyList> parsed(const std::string& body) {
 
 // A body that is no list takes the earlier notice away; no body at all leaves it.
 int nimbatrayAppDelegate::getServerNotice() {
-  const auto body = fetchRemoteList("/product/nimba/binary/tovalinnotice.xml");
+  const auto body = fetchFromServer("/product/nimba/binary/tovalinnotice.xml");
   if (!body) return 0;
   serverNotice = parsed(*body);
   return serverNotice != nullptr && noticeEntries(*serverNotice) ? 1 : 0;
 }
 
 int nimbatrayAppDelegate::getBannerList() {
-  const auto body = fetchRemoteList("/product/nimba/banner/tovalinbanner.xml");
+  const auto body = fetchFromServer("/product/nimba/banner/tovalinbanner.xml");
   if (!body) return 0;
   bannerList = parsed(*body);
   return bannerList != nullptr ? 1 : 0;
@@ -43,7 +43,7 @@ int nimbatrayAppDelegate::getBannerImg() {
   bannerLink = banner->link;
   const auto path = bannerPath(*banner);
   if (!path) return 0;
-  const auto body = fetchRemoteList(*path);
+  const auto body = fetchFromServer(*path);
   if (!body) return 0;
   bannerImg = platform::imageWithData(*body);
   return bannerImg != nullptr ? 1 : 0;

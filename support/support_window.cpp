@@ -153,7 +153,7 @@ void nimbatrayAppDelegate::setHyperlinkWithTextView(platform::TextView& view, co
 }
 
 void nimbatrayAppDelegate::supportWindowWillClose() {
-  // The message's format has always been "% supportWindow will be close.", in which "% s" takes the name.
+  // The message's format is "% supportWindow will be close.", in which "% s" is taken for a name to fill in.
   platform::systemLog(LogPriority::Info,
                       "-[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close.");
   platform::Application::sharedApplication().stopModal();

@@ -3,12 +3,12 @@
 #include "platform/application.h"
 #include "platform/log.h"
 #include "platform/shell.h"
-#include "support/remote_list.h"
+#include "support/server_fetch.h"
 #include "support/version_rules.h"
 
 int nimbatrayAppDelegate::getRecentVersion() {
   recentVersion.reset();
-  const auto body = fetchRemoteList("/product/nimba/binary/tovalin_recent_version_info.xml");
+  const auto body = fetchFromServer("/product/nimba/binary/tovalin_recent_version_info.xml");
   if (body) recentVersion = versionInList(*body);
   return recentVersion ? 1 : 0;
 }

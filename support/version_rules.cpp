@@ -26,8 +26,7 @@ bool isNewerVersion(const std::optional<std::string>& current, const std::option
 
 std::optional<std::string> versionInList(std::string_view body) {
   const auto list = platform::parsePropertyList(std::as_bytes(std::span(body)));
-  const auto* entry = list ? list->find("version") : nullptr;
-  const auto* version = entry == nullptr ? nullptr : entry->as<std::string>();
+  const auto* version = list ? list->textAt("version") : nullptr;
   return version == nullptr ? std::nullopt : std::optional(*version);
 }
 

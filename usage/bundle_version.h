@@ -9,6 +9,6 @@
 // untouched, when the program runs outside a bundle or the bundle does not tell. Any thread.
 [[nodiscard]] std::int32_t getBundleVersion(std::optional<std::string>& version);
 
-// What the callers log on failure. The message's format has always been "% getBundleVersion fail", in which
-// printf takes "% g" for a number and finds none; what stands here is what came out.
+// What the callers log on failure. The message's format is "% getBundleVersion fail", in which printf(3)
+// takes "% g" for a number; support knows the line by what comes out of that.
 inline constexpr std::string_view bundleVersionFailure = " 0etBundleVersion fail";

@@ -7,7 +7,7 @@
 #include "platform/log.h"
 #include "platform/uuid.h"
 #include "usage/application_directory.h"
-#include "usage/settings_file.h"
+#include "usage/file_bytes.h"
 
 namespace {
 

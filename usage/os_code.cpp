@@ -3,12 +3,13 @@
 #include <algorithm>
 
 #include "platform/process_info.h"
+#include "usage/record_format.h"
 #include "usage/version_text.h"
 
 namespace {
 
-constexpr std::uint8_t oldestCode = 0x40;
-constexpr std::uint8_t newestCode = 0x44;
+using record_format::highestOsCode;
+using record_format::lowestOsCode;
 
 // The dotted number: what follows the word Version, else the whole text.
 std::string_view releaseIn(std::string_view versionText) {
@@ -24,11 +25,11 @@ std::uint8_t osCodeFor(std::string_view versionText) {
   const auto parts = splitAtEach(releaseIn(versionText), ".");
   const std::int64_t major = integerValue(parts[0]);
   const std::int64_t minor = parts.size() > 1 ? integerValue(parts[1]) : 0;
-  if (major > 10) return newestCode;
-  if (major < 10) return oldestCode;
+  if (major > 10) return highestOsCode;
+  if (major < 10) return lowestOsCode;
   // Clamped before the 9 is taken off: a minor may be the least number there is.
-  const std::int64_t release = std::clamp<std::int64_t>(minor, 9, 9 + newestCode - oldestCode);
-  return static_cast<std::uint8_t>(oldestCode + (release - 9));
+  const std::int64_t release = std::clamp<std::int64_t>(minor, 9, 9 + highestOsCode - lowestOsCode);
+  return static_cast<std::uint8_t>(lowestOsCode + (release - 9));
 }
 
 std::uint8_t GetOSVersion() {

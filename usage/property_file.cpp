@@ -11,7 +11,7 @@ namespace {
 using platform::PropertyList;
 using platform::PropertyListError;
 
-// The steps bear the names of the calls that first did them; support reads logs by these.
+// Support reads logs by these names of the steps.
 const char* messageFor(PropertyListError error) {
   switch (error) {
     case PropertyListError::BadPath:

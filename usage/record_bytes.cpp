@@ -61,20 +61,15 @@ void addCountedTime(std::string& bytes, const std::tm& time) {
 }
 
 Code codeFor(std::int32_t kind, Code before) {
-  if (kind == 1) return Code::TransferKind1;
-  if (kind == 2) return Code::TransferKind2;
+  if (kind == record_format::message::entryKind1) return Code::TransferKind1;
+  if (kind == record_format::message::entryKind2) return Code::TransferKind2;
   return before;
 }
 
 }  // namespace
 
 std::string usageFileName(const std::tm& day) {
-  std::string name;
-  name.reserve(22);
-  name += "Tovalin_";
-  name += viewOf(dateText(day, '_'));
-  name += ".dat";
-  return name;
+  return std::string("Tovalin_").append(viewOf(dateText(day, '_'))).append(".dat");
 }
 
 std::string recordTime(const std::tm& time) {
@@ -111,7 +106,7 @@ std::string quitRecord(const std::tm& time) {
 
 std::string deviceEventRecord(std::uint32_t dataCommand, const std::tm& time, std::string_view deviceName) {
   std::string bytes;
-  bytes.reserve(22 + record_format::longestDeviceName);
+  bytes.reserve(record_format::longestDeviceEvent);
   add(bytes, dataCommand == record_format::message::deviceEvent4 ? Code::DeviceEvent4 : Code::DeviceEvent3);
   addCountedTime(bytes, time);
   if (deviceName.empty()) deviceName = record_format::unknownDeviceName;
@@ -120,7 +115,7 @@ std::string deviceEventRecord(std::uint32_t dataCommand, const std::tm& time, st
 }
 
 std::string transferRecords(std::span<const TransferEntry> entries) {
-  std::string bytes(entries.size() * (11 + record_format::longestTransferName), '\0');
+  std::string bytes(entries.size() * record_format::longestTransfer, '\0');
   char* end = bytes.data();
   Code code = Code::TransferKind1;
   for (const TransferEntry& entry : entries) {

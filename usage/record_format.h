@@ -35,6 +35,10 @@ inline constexpr std::size_t longestBundleVersion = 15;
 inline constexpr std::size_t longestDeviceName = 63;
 inline constexpr std::size_t longestTransferName = 9;
 
+// The longest records, each with its code and the length bytes before its texts.
+inline constexpr std::size_t longestDeviceEvent = 1 + 1 + timeLength + 1 + longestDeviceName;
+inline constexpr std::size_t longestTransfer = 1 + 1 + sizeFieldWidth + 1 + longestTransferName;
+
 inline constexpr std::uint8_t lowestOsCode = 64;
 inline constexpr std::uint8_t highestOsCode = 68;
 
@@ -57,6 +61,9 @@ inline constexpr std::uint32_t deviceEvent3 = 3;
 inline constexpr std::uint32_t deviceEvent4 = 4;
 
 inline constexpr std::uint32_t mostEntries = 30;
+
+inline constexpr std::int32_t entryKind1 = 1;
+inline constexpr std::int32_t entryKind2 = 2;
 
 static_assert(entriesOffset + mostEntries * entrySize == 678);
 static_assert(deviceNameOffset + longestDeviceName + 1 <= size);

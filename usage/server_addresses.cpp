@@ -11,11 +11,7 @@ std::string withoutSlashesBehind(const std::string& origin) {
 }
 
 std::string addressFor(std::string_view key, const char* builtIn) {
-  const auto bundle = platform::Bundle::mainBundle();
-  const auto information = bundle ? bundle->infoDictionary() : std::nullopt;
-  const auto* entry = information ? information->find(key) : nullptr;
-  const auto* text = entry == nullptr ? nullptr : entry->as<std::string>();
-  const std::string address = text == nullptr ? "" : withoutSlashesBehind(*text);
+  const std::string address = withoutSlashesBehind(platform::Bundle::mainBundleText(key).value_or(""));
   return address.empty() ? withoutSlashesBehind(builtIn) : address;
 }
 

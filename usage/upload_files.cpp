@@ -7,7 +7,7 @@
 #include <new>
 #include <system_error>
 
-#include "usage/settings_file.h"
+#include "usage/file_bytes.h"
 
 std::vector<std::string> uploadCandidates(const std::string& folder) {
   std::vector<std::string> names;

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+// The parts that versions are compared by. Any thread.
+
 // The pieces of `text` between every character of `separators`; empty pieces count. They point into `text`.
 [[nodiscard]] std::vector<std::string_view> splitAtEach(std::string_view text, std::string_view separators);
 

@@ -1,6 +1,5 @@
 #include "platform/alert.h"
 
-#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -17,11 +16,10 @@ constexpr double maxIconSide = 64;
 QPixmap iconPicture(const Image* icon) {
   if (icon == nullptr || !icon->isValid()) return {};
   const Size size = icon->size();
-  const double shrink = std::min({1.0, maxIconSide / size.width, maxIconSide / size.height});
+  const double shrink = icon->impl().shrinkInto({maxIconSide, maxIconSide});
   const double scale = backingScale();
   const QSize pixels = (QSizeF(size.width, size.height) * shrink * scale).toSize();
-  QPixmap picture = QPixmap::fromImage(
-      icon->impl().formFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+  QPixmap picture = QPixmap::fromImage(icon->impl().scaledTo(pixels));
   picture.setDevicePixelRatio(scale);
   return picture;
 }

@@ -13,6 +13,13 @@ std::optional<Bundle> Bundle::mainBundle() {
   return Bundle(folder.parent_path().parent_path().string());
 }
 
+std::optional<std::string> Bundle::mainBundleText(std::string_view key) {
+  const auto bundle = mainBundle();
+  const auto information = bundle ? bundle->infoDictionary() : std::nullopt;
+  const std::string* text = information ? information->textAt(key) : nullptr;
+  return text == nullptr ? std::nullopt : std::optional(*text);
+}
+
 std::string Bundle::pathForResource(std::string_view name) const {
   return path_ + "/Contents/Resources/" + std::string(name);
 }

@@ -29,7 +29,6 @@ struct FileEventStream::Impl {
   void wake();
   void takeIn();
   void note(FileEvent event);
-  void endNotices();
   void watchTreeAnew();
   void deliver();
 
@@ -45,7 +44,7 @@ struct FileEventStream::Impl {
   std::vector<FileEvent> batch;
   std::set<std::pair<std::string, std::uint32_t>> inBatch;
   bool treeIsIncomplete = false;
-  bool rootIsGone = false;
+  bool rootIsAway = false;  // at the last look; it may come back before the batch is delivered
 };
 
 void FileEventStream::Impl::start() {
@@ -75,30 +74,20 @@ void FileEventStream::Impl::listen(std::unique_ptr<QSocketNotifier>& notifier, i
 
 void FileEventStream::Impl::wake() {
   takeIn();
-  if (!batch.empty() && !latency.isActive()) latency.start();
+  if ((!batch.empty() || rootIsAway) && !latency.isActive()) latency.start();
 }
 
 // The tree comes first: a folder is emptied before it is removed.
 void FileEventStream::Impl::takeIn() {
-  if (rootIsGone) return;
   if (tree->takeChanges([this](const std::string& folder) { note({folder, 0}); })) {
     treeIsIncomplete = true;
     note({path, mustScanSubDirs});
   }
-  if (!root->hasChanged()) return;
-  rootIsGone = true;
-  note({path, rootChanged});
-  endNotices();
+  rootIsAway = root->hasChanged();
 }
 
 void FileEventStream::Impl::note(FileEvent event) {
   if (inBatch.emplace(event.path, event.flags).second) batch.push_back(std::move(event));
-}
-
-void FileEventStream::Impl::endNotices() {
-  for (QSocketNotifier* notifier : {treeNotices.get(), rootNotices.get(), mountNotices.get()}) {
-    if (notifier != nullptr) notifier->setEnabled(false);
-  }
 }
 
 // The old watch goes first, because there may be no room for two.
@@ -112,9 +101,11 @@ void FileEventStream::Impl::watchTreeAnew() {
 
 void FileEventStream::Impl::deliver() {
   takeIn();
+  if (rootIsAway) note({path, rootChanged});
+  if (batch.empty()) return;
   const auto events = std::exchange(batch, {});
   inBatch.clear();
-  if (rootIsGone) {
+  if (rootIsAway) {
     stop();
   } else if (treeIsIncomplete) {
     watchTreeAnew();

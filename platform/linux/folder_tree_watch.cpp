@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint32_t kChanges = IN_CREATE | IN_DELETE | IN_MODIFY | IN_MOVED_FROM | IN_MOVED_TO;
+constexpr std::uint32_t changes = IN_CREATE | IN_DELETE | IN_MODIFY | IN_MOVED_FROM | IN_MOVED_TO;
 
 std::string below(const std::string& folder, std::string_view name) {
   return folder.empty() ? std::string(name) : folder + '/' + std::string(name);
@@ -20,7 +20,7 @@ std::string below(const std::string& folder, std::string_view name) {
 
 // The kernel takes the setting of the time of writing alone for writing; a folder can't be written to.
 bool isChange(std::uint32_t mask) {
-  return (mask & kChanges & ~std::uint32_t{IN_MODIFY}) != 0 || (mask & (IN_MODIFY | IN_ISDIR)) == IN_MODIFY;
+  return (mask & changes & ~std::uint32_t{IN_MODIFY}) != 0 || (mask & (IN_MODIFY | IN_ISDIR)) == IN_MODIFY;
 }
 
 struct Contents {
@@ -78,7 +78,7 @@ void FolderTreeWatch::watchTree(const std::string& top, const Report& filled) {
     const std::string& folder = waiting.front();
     // With nothing behind it, the slash has the root's link followed.
     const std::string path = root_ + '/' + folder;
-    const int watch = inotify_.add(path, kChanges | IN_ONLYDIR | IN_DONT_FOLLOW | IN_EXCL_UNLINK);
+    const int watch = inotify_.add(path, changes | IN_ONLYDIR | IN_DONT_FOLLOW | IN_EXCL_UNLINK);
     if (watch < 0) continue;
     folders_.put(watch, folder);
     const Contents contents = contentsOf(path);

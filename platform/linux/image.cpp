@@ -77,10 +77,12 @@ double backingScale() {
   return qGuiApp == nullptr ? 1.0 : qGuiApp->devicePixelRatio();
 }
 
-const QImage& Image::Impl::formFor(double pixelsAcross) const {
-  const auto enough =
-      std::ranges::find_if(forms, [&](const QImage& form) { return form.width() >= pixelsAcross; });
-  return enough != forms.end() ? *enough : forms.back();
+double Image::Impl::shrinkInto(Size room) const {
+  return std::min({1.0, room.width / size.width, room.height / size.height});
+}
+
+QImage Image::Impl::scaledTo(QSize pixels) const {
+  return formFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 QPixmap Image::Impl::pixmap() const {

@@ -36,7 +36,7 @@ class PictureWidget : public QWidget {
 
  private:
   void drawPicture();
-  void clickAt(QPointF point) { owner->mouseUp({{point.x(), height() - point.y()}, 1}); }
+  void clickAt(QPointF point) { owner->mouseUp({{point.x(), height() - point.y()}}); }
   void showCursorAt(QPoint point);
 
   HeldKey heldKey_;
@@ -50,14 +50,13 @@ void PictureWidget::paintEvent(QPaintEvent*) {
 void PictureWidget::drawPicture() {
   if (image == nullptr || !image->isValid()) return;
   const Size size = image->size();
-  const double shrink = std::min({1.0, width() / size.width, height() / size.height});
+  const double shrink =
+      image->impl().shrinkInto({static_cast<double>(width()), static_cast<double>(height())});
   const QSizeF shown(size.width * shrink, size.height * shrink);
   const QRectF place(QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown);
 
   const double scale = devicePixelRatioF();
-  const QSize pixels = (shown * scale).toSize();
-  QImage picture =
-      image->impl().formFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  QImage picture = image->impl().scaledTo((shown * scale).toSize());
   picture.setDevicePixelRatio(scale);
   QPainter(this).drawImage(place.topLeft(), picture);
 }
@@ -94,7 +93,7 @@ class AccessiblePicture : public AccessibleLink {
     return picture_.isLink() ? QAccessible::Link : QAccessible::Graphic;
   }
   [[nodiscard]] QStringList actionNames() const override {
-    return picture_.isLink() ? AccessibleLink::actionNames() : QAccessibleWidget::actionNames();
+    return picture_.isLink() ? AccessibleLink::actionNames() : QStringList();
   }
 
  private:

@@ -5,17 +5,9 @@
 #include "platform/linux/fixed_size_icon.h"
 #include "platform/linux/image_impl.h"
 #include "platform/linux/menu_item_impl.h"
+#include "platform/linux/text_impl.h"
 
 namespace platform {
-namespace {
-
-// The toolkit takes a single & for the mark of an access key.
-QString lineText(std::string_view title) {
-  return QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size()))
-      .replace(QLatin1Char('&'), QStringLiteral("&&"));
-}
-
-}  // namespace
 
 MenuItem::MenuItem(std::string_view title, std::function<void()> action) : impl_(std::make_unique<Impl>()) {
   setTitle(title);
@@ -45,7 +37,7 @@ std::string MenuItem::title() const {
 
 void MenuItem::setTitle(std::string_view title) {
   impl_->title = title;
-  impl_->line.setText(lineText(title));
+  impl_->line.setText(withoutMnemonic(textOf(title)));
 }
 
 void MenuItem::setEnabled(bool enabled) {

@@ -1,10 +1,11 @@
 #include "platform/linux/panel_icon.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <QIconEngine>
 #include <QPainter>
+
+#include "platform/linux/image_impl.h"
 
 namespace platform {
 namespace {
@@ -42,12 +43,7 @@ class PanelIconEngine : public QIconEngine {
  private:
   [[nodiscard]] QSize measure() const { return forms_.back().deviceIndependentSize().toSize(); }
 
-  // The first that has so many pixels across, else the most detailed one.
-  [[nodiscard]] const QPixmap& formFor(double pixels) const {
-    const auto enough =
-        std::ranges::find_if(forms_, [&](const QPixmap& form) { return form.width() >= pixels; });
-    return enough != forms_.end() ? *enough : forms_.back();
-  }
+  [[nodiscard]] const QPixmap& formFor(double pixels) const { return formAmong(forms_, pixels); }
 
   std::vector<QPixmap> forms_;
 };

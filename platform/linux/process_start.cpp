@@ -1,6 +1,5 @@
 #include "platform/linux/process_start.h"
 
-#include <fcntl.h>
 #include <linux/close_range.h>
 #include <malloc.h>
 #include <signal.h>
@@ -12,16 +11,11 @@
 #include <new>
 
 #include "platform/linux/signal_pipe.h"
+#include "platform/linux/standard_streams.h"
 #include "platform/log.h"
 
 namespace platform {
 namespace {
-
-void fillStandardStreams() {
-  int descriptor = ::open("/dev/null", O_RDWR);
-  while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDWR);
-  if (descriptor >= 0) ::close(descriptor);
-}
 
 // In the words of the C++ library the end is SIGABRT, and nobody reads what it says of it.
 [[noreturn]] void endUncaught() {

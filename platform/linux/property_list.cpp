@@ -27,6 +27,11 @@ const PropertyList* PropertyList::find(std::string_view key) const {
   return entry == dictionary->end() ? nullptr : &entry->second;
 }
 
+const std::string* PropertyList::textAt(std::string_view key) const {
+  const PropertyList* entry = find(key);
+  return entry == nullptr ? nullptr : entry->as<std::string>();
+}
+
 std::optional<PropertyList> parsePropertyList(std::span<const std::byte> bytes) {
   if (bytes.size() > propertyListMaxBytes) return std::nullopt;
   if (isBinary(bytes)) return readBinaryList(bytes);

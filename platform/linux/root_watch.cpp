@@ -13,10 +13,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint32_t kItself = IN_MOVE_SELF | IN_DELETE_SELF;
-constexpr std::uint32_t kRoot = kItself | IN_ONLYDIR | IN_MASK_ADD;
-// A folder that somebody holds open tells of its removal only when it is let go; the one above tells at once.
-constexpr std::uint32_t kItsEntries = IN_MOVED_FROM | IN_DELETE;
+constexpr std::uint32_t itself = IN_MOVE_SELF | IN_DELETE_SELF;
+constexpr std::uint32_t rootItself = itself | IN_ONLYDIR | IN_MASK_ADD;
+// Where a folder doesn't tell of its own end, the one above does. Not asked for elsewhere: a folder such as
+// /tmp sees entries go all day.
+constexpr std::uint32_t itsEntries = IN_MOVED_FROM | IN_DELETE;
 
 }  // namespace
 
@@ -44,7 +45,7 @@ bool RootWatch::hasChanged() {
 // another layer, and its time of making with it.
 bool RootWatch::leadsToWatchedRoot() {
   if (root_ >= 0) {
-    const int found = way_.add(path_, kRoot);
+    const int found = way_.add(path_, rootItself);
     if (found >= 0) return found == root_;
   }
   return leadsTo(path_, identity_);
@@ -53,24 +54,27 @@ bool RootWatch::leadsToWatchedRoot() {
 // Moving a folder tells those below it nothing, so each on the way is watched; where the path runs over
 // links, each on the way by which they lead too.
 bool RootWatch::watchWay() {
-  root_ = way_.add(path_, kRoot);
+  root_ = way_.add(path_, rootItself);
   std::error_code error;
   for (const fs::path& way : {fs::path(path_), fs::canonical(path_, error)}) {
-    if (error) return false;
-    if (!watch(way, kItself)) return false;
-    for (fs::path folder = way; folder.has_relative_path();) {
-      folder = folder.parent_path();
-      if (!watch(folder, kItself | kItsEntries)) return false;
-    }
+    if (error || !watchFoldersOf(way)) return false;
   }
   return watchesAny_;
 }
 
-// A folder that may not be read is left out: the one above tells of its moves, and the one below of its own.
-bool RootWatch::watch(const std::string& folder, std::uint32_t mask) {
-  if (way_.add(folder, mask | IN_ONLYDIR | IN_MASK_ADD) < 0) return errno == EACCES;
-  watchesAny_ = true;
-  return true;
+// The root, held open by somebody, tells of its removal only when it is let go; those above it must be empty
+// before they can be removed. A link tells of nothing. A folder that may not be read can't be watched.
+bool RootWatch::watchFoldersOf(const fs::path& way) {
+  std::uint32_t mask = itself;
+  for (fs::path folder = way;; folder = folder.parent_path()) {
+    const bool watched = way_.add(folder, mask | IN_ONLYDIR | IN_MASK_ADD) >= 0;
+    if (!watched && errno != EACCES) return false;
+    watchesAny_ = watchesAny_ || watched;
+    if (!folder.has_relative_path()) return true;
+    std::error_code error;
+    const bool tellsOfItsEnd = watched && folder != way && !fs::is_symlink(folder, error);
+    mask = tellsOfItsEnd ? itself : itself | itsEntries;
+  }
 }
 
 }  // namespace platform

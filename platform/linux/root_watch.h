@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -28,7 +29,7 @@ class RootWatch {
   RootWatch(std::string path, const FileIdentity& identity);
   [[nodiscard]] bool watchWay();
   [[nodiscard]] bool leadsToWatchedRoot();
-  [[nodiscard]] bool watch(const std::string& folder, std::uint32_t mask);
+  [[nodiscard]] bool watchFoldersOf(const std::filesystem::path& way);
 
   std::string path_;
   FileIdentity identity_;

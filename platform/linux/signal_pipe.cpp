@@ -13,7 +13,7 @@
 namespace platform {
 namespace {
 
-constexpr int kMostTries = 100;
+constexpr int mostTries = 100;
 
 // A signal handler can reach nothing else.
 volatile sig_atomic_t pipeForSignals = -1;
@@ -22,7 +22,7 @@ void writeByte(int) {
   const int error = errno;
   const char byte = 0;
   // A full pipe says it already; any other failure, the want of a page for one, would lose the signal.
-  for (int tries = 0; tries < kMostTries; ++tries) {
+  for (int tries = 0; tries < mostTries; ++tries) {
     if (::write(static_cast<int>(pipeForSignals), &byte, 1) == 1 || errno == EAGAIN) break;
   }
   errno = error;

@@ -20,7 +20,7 @@ namespace platform {
   return base;
 }
 
-// An ampersand in a button's title would mark a letter for the keyboard.
+// An ampersand in the title of a button or a menu's line would mark a letter for the keyboard.
 [[nodiscard]] inline QString withoutMnemonic(QString title) {
   return title.replace(QLatin1Char('&'), QLatin1String("&&"));
 }

@@ -3,7 +3,6 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
-#include <memory>
 #include <string>
 
 #include <QCoreApplication>
@@ -12,18 +11,14 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QGuiApplication>
+
+#include "platform/linux/x_requests.h"
 
 namespace platform {
 namespace {
 
 constexpr QLatin1StringView watcherService("org.kde.StatusNotifierWatcher");
 constexpr QLatin1StringView watcherPath("/StatusNotifierWatcher");
-
-xcb_connection_t* xConnection() {
-  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return x11 == nullptr ? nullptr : x11->connection();
-}
 
 // The screen that DISPLAY names.
 int screenNumber() {
@@ -32,17 +27,6 @@ int screenNumber() {
   if (xcb_parse_display(nullptr, &host, &display, &screen) == 0) return 0;
   std::free(host);
   return screen;
-}
-
-template <typename Reply>
-using XReply = std::unique_ptr<Reply, decltype(&std::free)>;
-
-xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
-  const auto cookie =
-      xcb_intern_atom(connection, false, static_cast<std::uint16_t>(name.size()), name.c_str());
-  const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr), std::free);
-  if (reply == nullptr) return XCB_ATOM_NONE;
-  return reply->atom;
 }
 
 }  // namespace
@@ -80,13 +64,13 @@ void TrayHostWatch::askWatcher() {
 void TrayHostWatch::askScreen() {
   xcb_connection_t* connection = xConnection();
   if (connection == nullptr) return;
-  managerMessage_ = atom(connection, "MANAGER");
-  traySelection_ = atom(connection, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
+  managerMessage_ = xAtom(connection, "MANAGER");
+  traySelection_ = xAtom(connection, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
   if (managerMessage_ == XCB_ATOM_NONE || traySelection_ == XCB_ATOM_NONE) return;
   QCoreApplication::instance()->installNativeEventFilter(this);
   const auto cookie = xcb_get_selection_owner(connection, traySelection_);
   const XReply<xcb_get_selection_owner_reply_t> owner(
-      xcb_get_selection_owner_reply(connection, cookie, nullptr), std::free);
+      xcb_get_selection_owner_reply(connection, cookie, nullptr));
   if (owner == nullptr || owner->owner == XCB_WINDOW_NONE) return;
   // The toolkit itself looks for a host on the bus first, and prefers it.
   QMetaObject::invokeMethod(

@@ -24,7 +24,7 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t kLongestAddress = std::size_t{64} * 1024;
+constexpr std::size_t longestAddress = std::size_t{64} * 1024;
 
 // A session of its own keeps the terminal's Ctrl-C, which is meant for the agent, from the last page.
 pid_t spawn(std::string program, int input) {
@@ -63,7 +63,7 @@ void reapOnceEnded(pid_t child, const std::shared_ptr<const FileDescriptor>& han
 }  // namespace
 
 void WebViewProcess::send(const std::string& program, const std::string& address) {
-  if (address.size() > kLongestAddress || address.find('\n') != std::string::npos) return;
+  if (address.size() > longestAddress || address.find('\n') != std::string::npos) return;
   const std::string line = address + '\n';
   reapUnwatched();
   if (isStuck()) end();

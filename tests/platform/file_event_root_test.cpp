@@ -1,10 +1,12 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/file_descriptor.h"
+#include "platform/linux/root_watch.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/platform/file_event_fixture.h"
 
@@ -148,6 +150,33 @@ TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeAnybodyLooks) {
   fs::rename("/tmp/way/elsewhere", root_);
   write("sign");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeTheBatchIsDelivered) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  QCoreApplication::processEvents();  // sees that it is away
+  fs::rename("/tmp/way/elsewhere", root_);
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+  fs::rename(root_, "/tmp/way/elsewhere");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged())) << "it is still watched";
+}
+
+TEST_F(RootChange, IsLookedForWhenEntriesGoBesideTheRootButNotFartherAbove) {
+  auto watch = platform::RootWatch::create(root_);
+  ASSERT_TRUE(watch);
+  const auto isTouched = [&] {
+    pollfd touched{.fd = watch->folders(), .events = POLLIN, .revents = 0};
+    return ::poll(&touched, 1, 0) == 1;
+  };
+  std::ofstream("/tmp/way/file");
+  fs::remove("/tmp/way/file");
+  EXPECT_FALSE(isTouched());
+  std::ofstream("/tmp/way/middle/file");
+  fs::remove("/tmp/way/middle/file");
+  EXPECT_TRUE(isTouched());
+  EXPECT_FALSE(watch->hasChanged());
 }
 
 TEST_F(RootChange, IsNoneWhenOtherFoldersOnTheWayMove) {

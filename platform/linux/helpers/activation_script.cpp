@@ -3,7 +3,7 @@
 namespace helpers {
 namespace {
 
-constexpr std::string_view kActivateFront =
+constexpr std::string_view activateFront =
     "tell application \"System Events\" "
     "set frontApp to name of first application whose frontmost is true "
     "tell application frontApp "
@@ -13,13 +13,13 @@ constexpr std::string_view kActivateFront =
 
 // The words of a script with a single space between them.
 std::string normalized(std::string_view script) {
-  constexpr std::string_view kWhiteSpace = " \t\r\n";
+  constexpr std::string_view whiteSpace = " \t\r\n";
   std::string words;
   while (true) {
-    const std::size_t begin = script.find_first_not_of(kWhiteSpace);
+    const std::size_t begin = script.find_first_not_of(whiteSpace);
     if (begin == std::string_view::npos) return words;
     script.remove_prefix(begin);
-    const std::string_view word = script.substr(0, script.find_first_of(kWhiteSpace));
+    const std::string_view word = script.substr(0, script.find_first_of(whiteSpace));
     script.remove_prefix(word.size());
     if (!words.empty()) words += ' ';
     words += word;
@@ -33,7 +33,7 @@ std::variant<ShowUsage, Refusal, ActivateFrontApplication> parseScript(const Arg
   if (arguments.empty() || arguments[0] != "-e") return Refusal{"no script: -e is missing"};
   if (arguments.size() == 1) return Refusal{"-e: the script is missing"};
   if (arguments.size() > 2) return Refusal{"too much is \"" + arguments[2] + "\""};
-  if (normalized(arguments[1]) != kActivateFront) return Refusal{"unknown script"};
+  if (normalized(arguments[1]) != activateFront) return Refusal{"unknown script"};
   return ActivateFrontApplication{};
 }
 

@@ -23,8 +23,8 @@ bool isPlanted(const fs::path& bundle) {
   struct stat around {};
   struct stat itself {};
   if (::stat(folder.c_str(), &around) != 0 || ::lstat(bundle.c_str(), &itself) != 0) return false;
-  constexpr mode_t kShared = S_ISVTX | S_IWOTH;
-  return (around.st_mode & kShared) == kShared && itself.st_uid != ::geteuid() &&
+  constexpr mode_t shared = S_ISVTX | S_IWOTH;
+  return (around.st_mode & shared) == shared && itself.st_uid != ::geteuid() &&
          itself.st_uid != around.st_uid;
 }
 

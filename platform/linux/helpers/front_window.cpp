@@ -20,7 +20,7 @@ std::optional<Window> frontWindow(const ScreenState& screen) {
   if (screen.active.window != 0 && screen.active.viewable) return screen.active.window;
   const auto top =
       std::find_if(screen.stacking.rbegin(), screen.stacking.rend(), [&](const ManagedWindow& it) {
-        const bool here = it.desktop == screen.currentDesktop || it.desktop == kOnAllDesktops;
+        const bool here = it.desktop == screen.currentDesktop || it.desktop == onAllDesktops;
         return it.viewable && here && isForWork(it.types);
       });
   if (top == screen.stacking.rend()) return std::nullopt;

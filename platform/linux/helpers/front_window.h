@@ -10,7 +10,7 @@ namespace helpers {
 
 using Window = std::uint32_t;  // 0 is none
 
-inline constexpr std::uint32_t kOnAllDesktops = 0xFFFFFFFF;
+inline constexpr std::uint32_t onAllDesktops = 0xFFFFFFFF;
 
 // A window that the window manager takes care of.
 struct ManagedWindow {

@@ -9,7 +9,7 @@
 // What the helper programs have in common. They have one thread and live for an instant.
 namespace helpers {
 
-enum ExitStatus : int { kDone = 0, kFailed = 1, kMisused = 2 };
+enum ExitStatus : int { Done = 0, Failed = 1, Misused = 2 };
 
 // The command line without the program's name.
 using Arguments = std::vector<std::string>;
@@ -31,7 +31,7 @@ struct Child {
   int error = 0;  // errno; 0 when the child runs the program
 };
 
-enum class Output { kInherited, kDiscarded };
+enum class Output { Inherited, Discarded };
 
 // Runs argv[0], looked up on PATH when it holds no slash, in a session of its own with default signals, an
 // empty signal mask and nothing to read. Returns once the program has taken the child over, or could not.

@@ -14,13 +14,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kUsage[] =
+constexpr char usage[] =
     "Usage: launchctl unload [-w] [-F] /Library/LaunchAgents/LABEL.plist\n"
     "\n"
     "Asks the program that the session has started from the autostart entry LABEL.desktop to end.\n"
     "Does nothing, and succeeds, when there is no such program. The options are taken and ignored.\n";
 
-constexpr std::chrono::milliseconds kPatience = 1s;
+constexpr std::chrono::milliseconds patience = 1s;
 
 bool outlasts(pid_t child, std::chrono::milliseconds limit) {
   // By number: the header of Debian 12 declares pidfd_open with C++ linkage.
@@ -31,9 +31,9 @@ bool outlasts(pid_t child, std::chrono::milliseconds limit) {
 // Only the main process: its control group also holds the browser and the web view that it has started.
 void signalMainProcess(const std::string& unit) {
   const helpers::Child child = helpers::startDetached(
-      {"systemctl", "--user", "kill", "--kill-whom=main", "-s", "TERM", unit}, helpers::Output::kDiscarded);
+      {"systemctl", "--user", "kill", "--kill-whom=main", "-s", "TERM", unit}, helpers::Output::Discarded);
   if (child.error != 0) return;
-  if (outlasts(child.pid, kPatience)) ::kill(-child.pid, SIGKILL);
+  if (outlasts(child.pid, patience)) ::kill(-child.pid, SIGKILL);
 }
 
 }  // namespace
@@ -41,10 +41,10 @@ void signalMainProcess(const std::string& unit) {
 int main(int argc, char** argv) {
   helpers::takeUsersEnvironment();
   const auto request = helpers::parseUnloadRequest({argv + 1, argv + argc});
-  if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(kUsage);
+  if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
     return helpers::refuse("launchctl", refusal->reason);
   }
   signalMainProcess(helpers::autostartUnit(std::get<helpers::UnloadRequest>(request).label));
-  return helpers::kDone;
+  return helpers::Done;
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr char kUsage[] =
+constexpr char usage[] =
     "Usage: open -a NAME.app [--args ARGUMENT...]\n"
     "       open NAME.app\n"
     "       open URL|FILE\n"
@@ -21,9 +21,9 @@ constexpr char kUsage[] =
     "file to xdg-open. Doesn't wait for what it has started.\n";
 
 int start(const helpers::Arguments& argv) {
-  const helpers::Child child = helpers::startDetached(argv, helpers::Output::kInherited);
+  const helpers::Child child = helpers::startDetached(argv, helpers::Output::Inherited);
   if (child.error != 0) return helpers::fail("open", argv[0] + ": " + std::strerror(child.error));
-  return helpers::kDone;
+  return helpers::Done;
 }
 
 int startProgramOf(const helpers::OpenBundle& bundle) {
@@ -54,5 +54,5 @@ int main(int argc, char** argv) {
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
     return helpers::refuse("open", refusal->reason);
   }
-  return helpers::showUsage(kUsage);
+  return helpers::showUsage(usage);
 }

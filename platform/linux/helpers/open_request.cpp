@@ -31,11 +31,11 @@ OpenRequest openBundle(const Arguments& arguments) {
 }  // namespace
 
 std::string bundleName(std::string_view path) {
-  constexpr std::string_view kSuffix = ".app";
+  constexpr std::string_view suffix = ".app";
   path = path.substr(0, path.find_last_not_of('/') + 1);
   path = path.substr(path.rfind('/') + 1);
-  if (path.size() <= kSuffix.size() || !path.ends_with(kSuffix)) return {};
-  return std::string(path.substr(0, path.size() - kSuffix.size()));
+  if (path.size() <= suffix.size() || !path.ends_with(suffix)) return {};
+  return std::string(path.substr(0, path.size() - suffix.size()));
 }
 
 OpenRequest parseOpenRequest(const Arguments& arguments) {

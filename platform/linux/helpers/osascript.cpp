@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char kUsage[] =
+constexpr char usage[] =
     "Usage: osascript -e SCRIPT\n"
     "\n"
     "Knows one script, which brings the application in front forward again:\n"
@@ -28,7 +28,7 @@ int activateFrontApplication() {
   const std::optional<helpers::Window> front = helpers::frontWindow(desktop.screenState());
   if (!front) return helpers::fail("osascript", "there is no application in front");
   if (!desktop.activate(*front)) return helpers::fail("osascript", "the X display has gone");
-  return helpers::kDone;
+  return helpers::Done;
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ int activateFrontApplication() {
 int main(int argc, char** argv) {
   helpers::takeUsersEnvironment();
   const auto request = helpers::parseScript({argv + 1, argv + argc});
-  if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(kUsage);
+  if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
     return helpers::refuse("osascript", refusal->reason);
   }

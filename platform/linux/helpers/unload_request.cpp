@@ -5,8 +5,8 @@
 namespace helpers {
 namespace {
 
-constexpr std::string_view kFolder = "/Library/LaunchAgents/";
-constexpr std::string_view kSuffix = ".plist";
+constexpr std::string_view folder = "/Library/LaunchAgents/";
+constexpr std::string_view suffix = ".plist";
 
 bool isUnloadOption(const std::string& argument) {
   return argument == "-w" || argument == "-F";
@@ -14,10 +14,10 @@ bool isUnloadOption(const std::string& argument) {
 
 // The LABEL of /Library/LaunchAgents/LABEL.plist; empty for any other path.
 std::string labelOf(std::string_view path) {
-  if (!path.starts_with(kFolder) || !path.ends_with(kSuffix)) return {};
-  path.remove_prefix(kFolder.size());
-  if (path.size() <= kSuffix.size() || path.find('/') != std::string_view::npos) return {};
-  path.remove_suffix(kSuffix.size());
+  if (!path.starts_with(folder) || !path.ends_with(suffix)) return {};
+  path.remove_prefix(folder.size());
+  if (path.size() <= suffix.size() || path.find('/') != std::string_view::npos) return {};
+  path.remove_suffix(suffix.size());
   return std::string(path);
 }
 
@@ -27,9 +27,9 @@ bool standsForItself(char character) {
 }
 
 std::string escaped(char character) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
+  constexpr std::string_view digits = "0123456789abcdef";
   const auto byte = static_cast<unsigned char>(character);
-  return {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+  return {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
 }
 
 // As systemd-escape(1) does it; a label holds no slash.

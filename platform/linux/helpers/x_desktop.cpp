@@ -64,27 +64,27 @@ bool XDesktop::isViewable(Window window) const {
 }
 
 bool XDesktop::activate(Window window) const {
-  constexpr std::uint32_t kAskedByUser = 2;
-  constexpr std::uint32_t kToWindowManager =
+  constexpr std::uint32_t askedByUser = 2;
+  constexpr std::uint32_t toWindowManager =
       XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
   message.window = window;
   message.type = atom("_NET_ACTIVE_WINDOW");
-  message.data.data32[0] = kAskedByUser;
+  message.data.data32[0] = askedByUser;
   message.data.data32[1] = XCB_CURRENT_TIME;
 
-  const auto cookie = xcb_send_event_checked(connection_.get(), 0, root_, kToWindowManager,
+  const auto cookie = xcb_send_event_checked(connection_.get(), 0, root_, toWindowManager,
                                              reinterpret_cast<const char*>(&message));
   return owned(xcb_request_check(connection_.get(), cookie)) == nullptr &&
          xcb_connection_has_error(connection_.get()) == 0;
 }
 
 std::vector<std::uint32_t> XDesktop::property(Window window, std::string_view name) const {
-  constexpr std::uint32_t kMostWords = 16384;
+  constexpr std::uint32_t mostWords = 16384;
   const auto cookie =
-      xcb_get_property(connection_.get(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, kMostWords);
+      xcb_get_property(connection_.get(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, mostWords);
   const auto reply = owned(xcb_get_property_reply(connection_.get(), cookie, nullptr));
   if (reply == nullptr || reply->format != 32) return {};
   const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));

@@ -49,7 +49,7 @@ TEST(FrontWindow, NotOneOnAnotherDesktop) {
 
 TEST(FrontWindow, OneOnAllDesktopsIsOnThisOne) {
   const ScreenState screen{
-      .active = {}, .currentDesktop = 1, .stacking = {viewable(1, {}, 1), viewable(2, {}, kOnAllDesktops)}};
+      .active = {}, .currentDesktop = 1, .stacking = {viewable(1, {}, 1), viewable(2, {}, onAllDesktops)}};
   EXPECT_EQ(2U, frontWindow(screen));
 }
 

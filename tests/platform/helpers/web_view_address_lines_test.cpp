@@ -68,19 +68,19 @@ TEST(AddressLines, GarbageBetweenAddressesIsPassedOver) {
 
 TEST(AddressLines, LongestLineIsTaken) {
   std::string line = "http://";
-  line.resize(AddressLines::kLongestLine, 'a');
+  line.resize(AddressLines::longestLine, 'a');
   EXPECT_THAT(AddressLines().take(line + "\n"), ElementsAre(line));
 }
 
 TEST(AddressLines, LongerLineIsPassedOverAndTheNextTaken) {
   std::string line = "http://";
-  line.resize(AddressLines::kLongestLine + 1, 'a');
+  line.resize(AddressLines::longestLine + 1, 'a');
   EXPECT_THAT(AddressLines().take(line + "\nhttp://b\n"), ElementsAre("http://b"));
 }
 
 TEST(AddressLines, EndOfALongLineIsNoLineOfItsOwn) {
   AddressLines lines;
-  EXPECT_THAT(lines.take(std::string(AddressLines::kLongestLine, 'x')), IsEmpty());
+  EXPECT_THAT(lines.take(std::string(AddressLines::longestLine, 'x')), IsEmpty());
   EXPECT_THAT(lines.take("x"), IsEmpty());
   EXPECT_THAT(lines.take("http://tail\nhttp://b\n"), ElementsAre("http://b"));
 }

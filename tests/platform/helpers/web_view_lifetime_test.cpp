@@ -8,8 +8,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kIdle = 60s;
-constexpr auto kGrace = Lifetime::kGrace;
-constexpr auto kLeave = Lifetime::kLeave;
+constexpr auto grace = Lifetime::grace;
+constexpr auto leave = Lifetime::leave;
 
 // Begins at second 0; all times are seconds from there.
 class LifetimeTest : public testing::Test {
@@ -72,9 +72,9 @@ TEST_F(LifetimeTest, InputThatEndsLongAfterTheLoadEndsItAtOnce) {
 TEST_F(LifetimeTest, InputThatEndsDuringTheLoadWaitsForIt) {
   lifetime_.addressCame(at(1s));
   lifetime_.inputEnded(at(2s));
-  EXPECT_EQ(end(), 2s + kLeave);
+  EXPECT_EQ(end(), 2s + leave);
   lifetime_.loadingIs(false, at(5s));
-  EXPECT_EQ(end(), 5s + kGrace);
+  EXPECT_EQ(end(), 5s + grace);
 }
 
 TEST_F(LifetimeTest, ScriptThatCallsBackAfterTheInputsEndIsWaitedFor) {
@@ -82,30 +82,30 @@ TEST_F(LifetimeTest, ScriptThatCallsBackAfterTheInputsEndIsWaitedFor) {
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(3s));
   lifetime_.loadingIs(true, at(4s));
-  EXPECT_EQ(end(), 2s + kLeave);
+  EXPECT_EQ(end(), 2s + leave);
   lifetime_.loadingIs(false, at(5s));
-  EXPECT_EQ(end(), 5s + kGrace);
+  EXPECT_EQ(end(), 5s + grace);
 }
 
 TEST_F(LifetimeTest, GraceDoesNotOutlastTheLeave) {
   lifetime_.addressCame(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(11s));
-  EXPECT_EQ(end(), 2s + kLeave);
+  EXPECT_EQ(end(), 2s + leave);
 }
 
 TEST_F(LifetimeTest, LeaveCountsFromTheFirstEndOfTheInput) {
   lifetime_.addressCame(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.inputEnded(at(9s));
-  EXPECT_EQ(end(), 2s + kLeave);
+  EXPECT_EQ(end(), 2s + leave);
 }
 
 TEST_F(LifetimeTest, LongLeaveMayOutlastAShortIdleTime) {
   Lifetime lifetime(at(0s), 1s);
   lifetime.addressCame(at(0s));
   lifetime.inputEnded(at(1s));
-  EXPECT_EQ(lifetime.end(), at(1s) + kLeave);
+  EXPECT_EQ(lifetime.end(), at(1s) + leave);
 }
 
 }  // namespace

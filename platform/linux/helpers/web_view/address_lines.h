@@ -17,7 +17,7 @@ namespace helpers {
 // Takes a stream of bytes, whoever wrote it, apart into lines, and hands out those that are web addresses.
 class AddressLines {
  public:
-  static constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
+  static constexpr std::size_t longestLine = std::size_t{64} * 1024;
 
   // The addresses whose lines end in `bytes`, in their order. A line without its end is kept for the next
   // call; one that grows too long is passed over.

@@ -17,11 +17,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kFolderName = "TovalinWebView.";
-constexpr int kTries = 5;
+constexpr std::string_view folderName = "TovalinWebView.";
+constexpr int tries = 5;
 
 // Nobody, not even root, can make a folder there.
-constexpr const char* kNowhere = "/proc/nowhere";
+constexpr const char* nowhere = "/proc/nowhere";
 
 void set(const char* name, const std::string& value) {
   ::setenv(name, value.c_str(), 1);
@@ -49,7 +49,7 @@ void sweep(const fs::path& runtime) {
   std::vector<fs::path> found;
   for (fs::directory_iterator entry(runtime, ignored), end; !ignored && entry != end;
        entry.increment(ignored)) {
-    if (entry->path().filename().string().starts_with(kFolderName)) found.push_back(entry->path());
+    if (entry->path().filename().string().starts_with(folderName)) found.push_back(entry->path());
   }
   for (const fs::path& folder : found) {
     const platform::FileDescriptor lock = lockFolder(folder);
@@ -64,8 +64,8 @@ RuntimeFolder::RuntimeFolder() {
   if (runtime == nullptr || runtime[0] != '/') return;
   sweep(runtime);
   // Another program's sweep may come between the making and the locking.
-  for (int i = 0; i < kTries && path_.empty(); ++i) {
-    std::string folder = std::string(runtime) + "/" + std::string(kFolderName) + "XXXXXX";
+  for (int i = 0; i < tries && path_.empty(); ++i) {
+    std::string folder = std::string(runtime) + "/" + std::string(folderName) + "XXXXXX";
     if (::mkdtemp(folder.data()) == nullptr) return;
     lock_ = lockFolder(folder);
     if (lock_.valid()) path_ = folder;
@@ -82,9 +82,9 @@ void RuntimeFolder::remove() {
 void leaveUsersThingsAlone(const std::filesystem::path& runtimeFolder) {
   nameDisplayKey();
   for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
-    set(name, kNowhere);
+    set(name, nowhere);
   }
-  set("XDG_RUNTIME_DIR", runtimeFolder.empty() ? kNowhere : runtimeFolder.string());
+  set("XDG_RUNTIME_DIR", runtimeFolder.empty() ? nowhere : runtimeFolder.string());
   // Without an address the libraries would start a bus that stays.
   set("DBUS_SESSION_BUS_ADDRESS", "disabled:");
   set("NO_AT_BRIDGE", "1");

@@ -25,10 +25,10 @@ void Lifetime::inputEnded(Clock::time_point now) {
 
 Lifetime::Clock::time_point Lifetime::end() const {
   if (!inputEnd_) return news_ + idle_;
-  const Clock::time_point last = *inputEnd_ + kLeave;
+  const Clock::time_point last = *inputEnd_ + leave;
   if (loading_) return last;
   if (!quiet_) return *inputEnd_;
-  return std::clamp<Clock::time_point>(*quiet_ + kGrace, *inputEnd_, last);
+  return std::clamp<Clock::time_point>(*quiet_ + grace, *inputEnd_, last);
 }
 
 }  // namespace helpers

@@ -12,9 +12,9 @@ class Lifetime {
   using Clock = std::chrono::steady_clock;
 
   // The time that a page's scripts get to call back once all they have asked for is there.
-  static constexpr std::chrono::seconds kGrace{2};
+  static constexpr std::chrono::seconds grace{2};
   // The longest life after the end of the input.
-  static constexpr std::chrono::seconds kLeave{10};
+  static constexpr std::chrono::seconds leave{10};
 
   Lifetime(Clock::time_point now, Clock::duration idle) : news_(now), idle_(idle) {}
 

@@ -8,7 +8,7 @@
 namespace helpers {
 namespace {
 
-constexpr std::chrono::duration<guint, std::milli> kPulse{3000};
+constexpr std::chrono::duration<guint, std::milli> pulse{3000};
 
 Page& pageOf(gpointer self) {
   return *static_cast<Page*>(self);
@@ -54,14 +54,14 @@ void Page::load(const std::string& address) {
 }
 
 void Page::request(const std::string& address) {
-  constexpr auto kBeat = [](gpointer self) -> gboolean {
+  constexpr auto beat = [](gpointer self) -> gboolean {
     pageOf(self).checkPulse();
     return G_SOURCE_CONTINUE;
   };
   requested_ = address;
   answered_ = true;
   webkit_web_view_load_uri(view_.get(), address.c_str());
-  pulse_.reset(g_timeout_add(kPulse.count(), +kBeat, this));
+  pulse_.reset(g_timeout_add(pulse.count(), +beat, this));
 }
 
 // A page whose script never ends also holds up the page that is to replace it: a web process that answers
@@ -69,9 +69,9 @@ void Page::request(const std::string& address) {
 void Page::checkPulse() {
   if (requested_.empty() || webkit_web_view_is_loading(view_.get()) == FALSE) return pulse_.reset();
   if (!answered_ && mayStartOver_) return webkit_web_view_terminate_web_process(view_.get());
-  constexpr auto kAnswered = [](GObject*, GAsyncResult*, gpointer self) { pageOf(self).answered_ = true; };
+  constexpr auto answered = [](GObject*, GAsyncResult*, gpointer self) { pageOf(self).answered_ = true; };
   answered_ = false;
-  webkit_web_view_evaluate_javascript(view_.get(), "0", -1, nullptr, nullptr, nullptr, kAnswered, this);
+  webkit_web_view_evaluate_javascript(view_.get(), "0", -1, nullptr, nullptr, nullptr, answered, this);
 }
 
 bool Page::loading() const {
@@ -82,10 +82,8 @@ void Page::watchProgress() {
   connect(view_.get(), "resource-load-started", resourceStarted, this);
   connect(view_.get(), "load-changed", loadChanged, this);
   connect(view_.get(), "web-process-terminated", processEnded, this);
-  constexpr auto kLoadingChanged = [](WebKitWebView*, GParamSpec*, gpointer self) {
-    pageOf(self).changed_();
-  };
-  connect(view_.get(), "notify::is-loading", +kLoadingChanged, this);
+  constexpr auto loadingChanged = [](WebKitWebView*, GParamSpec*, gpointer self) { pageOf(self).changed_(); };
+  connect(view_.get(), "notify::is-loading", +loadingChanged, this);
 }
 
 void Page::resourceStarted(WebKitWebView*, WebKitWebResource* resource, WebKitURIRequest*, gpointer self) {

@@ -10,12 +10,12 @@ namespace helpers {
 namespace {
 
 // The places at which the web engine looks for the two.
-constexpr const char* kLock = "/usr/bin/bwrap";
-constexpr const char* kBusProxy = "/usr/bin/xdg-dbus-proxy";
+constexpr const char* lock = "/usr/bin/bwrap";
+constexpr const char* busProxy = "/usr/bin/xdg-dbus-proxy";
 
 std::vector<std::string> trial(const std::string& runtimeFolder) {
   std::vector<std::string> command{
-      kLock,         "--unshare-uts", "--unshare-ipc", "--unshare-pid", "--unshare-net", "--dev",
+      lock,          "--unshare-uts", "--unshare-ipc", "--unshare-pid", "--unshare-net", "--dev",
       "/dev",        "--proc",        "/proc",         "--tmpfs",       "/tmp",          "--ro-bind",
       "/etc",        "/etc",          "--ro-bind",     "/usr",          "/usr",          "--ro-bind-try",
       "/lib",        "/lib",          "--ro-bind-try", "/lib64",        "/lib64",        "--bind",
@@ -24,7 +24,7 @@ std::vector<std::string> trial(const std::string& runtimeFolder) {
     command.insert(command.end(), {"--ro-bind", part, part});
   }
   if (const char* key = std::getenv("XAUTHORITY")) command.insert(command.end(), {"--ro-bind-try", key, key});
-  command.insert(command.end(), {"--", kBusProxy, "--version"});
+  command.insert(command.end(), {"--", busProxy, "--version"});
   return command;
 }
 
@@ -33,10 +33,9 @@ bool succeeds(std::vector<std::string> command) {
   argv.reserve(command.size() + 1);
   for (std::string& argument : command) argv.push_back(argument.data());
   argv.push_back(nullptr);
-  constexpr auto kSilently =
-      static_cast<GSpawnFlags>(G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
+  constexpr auto silently = static_cast<GSpawnFlags>(G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
   int status = -1;
-  return g_spawn_sync("/", argv.data(), nullptr, kSilently, nullptr, nullptr, nullptr, nullptr, &status,
+  return g_spawn_sync("/", argv.data(), nullptr, silently, nullptr, nullptr, nullptr, nullptr, &status,
                       nullptr) != FALSE &&
          status == 0;
 }

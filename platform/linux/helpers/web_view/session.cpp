@@ -25,26 +25,26 @@ Session::Session(platform::FileDescriptor input, bool lockedIn, Clock::duration 
       page_(lockedIn, [this] { followPage(); }) {}
 
 void Session::run() {
-  constexpr auto kArrived = [](int, GIOCondition, gpointer self) -> gboolean {
+  constexpr auto arrived = [](int, GIOCondition, gpointer self) -> gboolean {
     static_cast<Session*>(self)->readInput();
     return G_SOURCE_CONTINUE;
   };
-  constexpr auto kAsked = [](gpointer self) -> gboolean {
+  constexpr auto asked = [](gpointer self) -> gboolean {
     g_main_loop_quit(static_cast<Session*>(self)->loop_.get());
     return G_SOURCE_CONTINUE;
   };
   arrivals_.reset(
-      g_unix_fd_add(input_.get(), static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), +kArrived, this));
-  const EventSource terminate(g_unix_signal_add(SIGTERM, +kAsked, this));
-  const EventSource interrupt(g_unix_signal_add(SIGINT, +kAsked, this));
-  const EventSource hangUp(g_unix_signal_add(SIGHUP, +kAsked, this));
+      g_unix_fd_add(input_.get(), static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), +arrived, this));
+  const EventSource terminate(g_unix_signal_add(SIGTERM, +asked, this));
+  const EventSource interrupt(g_unix_signal_add(SIGINT, +asked, this));
+  const EventSource hangUp(g_unix_signal_add(SIGHUP, +asked, this));
   waitForEnd();
   g_main_loop_run(loop_.get());
 }
 
 // One read for each call of the loop, so that it never blocks. An address that came as one packet fits.
 void Session::readInput() {
-  std::vector<char> buffer(AddressLines::kLongestLine + 1);
+  std::vector<char> buffer(AddressLines::longestLine + 1);
   const ssize_t count = ::read(input_.get(), buffer.data(), buffer.size());
   if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
   if (count <= 0) return inputEnded();
@@ -68,12 +68,12 @@ void Session::followPage() {
 }
 
 void Session::waitForEnd() {
-  constexpr auto kTimeIsUp = [](gpointer self) -> gboolean {
+  constexpr auto timeIsUp = [](gpointer self) -> gboolean {
     static_cast<Session*>(self)->endOrTakeLeave();
     return G_SOURCE_CONTINUE;
   };
   const auto rest = std::chrono::ceil<std::chrono::milliseconds>(lifetime_.end() - Clock::now()).count();
-  alarm_.reset(g_timeout_add(static_cast<guint>(std::max<std::int64_t>(rest, 0)), +kTimeIsUp, this));
+  alarm_.reset(g_timeout_add(static_cast<guint>(std::max<std::int64_t>(rest, 0)), +timeIsUp, this));
 }
 
 // No address gets lost between the end of the patience and the end of the process: from the shutdown on the

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr char kUsage[] =
+constexpr char usage[] =
     "Usage: TovalinWebView [--idle-seconds NUMBER]\n"
     "\n"
     "Loads the pages whose addresses, http or https, come in on the standard input, one a line, into a view\n"
@@ -41,7 +41,7 @@ int serve(const helpers::ServeAddresses& request) {
   helpers::adoptDescendants();
   helpers::Session(std::move(input), lockedIn, request.idle).run();
   helpers::endDescendants();
-  return helpers::kDone;
+  return helpers::Done;
 }
 
 }  // namespace
@@ -49,7 +49,7 @@ int serve(const helpers::ServeAddresses& request) {
 int main(int argc, char** argv) {
   helpers::takeUsersEnvironment();
   const auto request = helpers::parseWebViewRequest({argv + 1, argv + argc});
-  if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(kUsage);
+  if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
     return helpers::refuse("TovalinWebView", refusal->reason);
   }

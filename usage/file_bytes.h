@@ -7,7 +7,7 @@
 
 #include "platform/file_descriptor.h"
 
-// What the small settings files of this folder are read and written with. Any thread.
+// Whole small files: settings, identities, and days of usage that wait to be sent. Any thread.
 
 // Opens for reading; never waits, whatever stands at the path. Not valid on failure, with errno set.
 [[nodiscard]] platform::FileDescriptor openForReading(const std::string& path);

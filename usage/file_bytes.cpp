@@ -1,4 +1,4 @@
-#include "usage/settings_file.h"
+#include "usage/file_bytes.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
