@@ -6,9 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
-#include <iostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,17 +22,13 @@
 namespace {
 
 using namespace std::chrono_literals;
+using bench::giveUp;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr int pairsOfNotices = 200;
 constexpr int width = 420, height = 80;
 // For what a program and the window manager still do behind a window that has gone.
 constexpr auto settled = 20ms;
-
-[[noreturn]] void giveUp(const std::string& what) {
-  std::cerr << what << '\n';
-  std::exit(1);
-}
 
 // What the programs need around them: a display, a bus, a system log and a main application's end of the
 // command pipe.

@@ -4,10 +4,8 @@
 #include <curl/curl.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -15,6 +13,7 @@
 #include "tests/bench/map_watch.h"
 #include "tests/bench/pairs.h"
 #include "tests/support/child_process.h"
+#include "tests/support/file_contents.h"
 #include "tests/support/message_fifo.h"
 #include "tests/support/product_server_double.h"
 #include "tests/support/session_bus.h"
@@ -27,6 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using bench::giveUp;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr int openings = 50;
@@ -41,26 +41,21 @@ constexpr const char* bannerListFile = "/product/nimba/banner/tovalinbanner.xml"
 constexpr const char* bannerFile = "/product/nimba/banner/first_steps.png";
 constexpr const char* versionFile = "/product/nimba/binary/tovalin_recent_version_info.xml";
 
-[[noreturn]] void giveUp(const std::string& what) {
-  std::cerr << what << '\n';
-  std::exit(1);
-}
-
-std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) giveUp("no file " + path);
-  return {std::istreambuf_iterator<char>(file), {}};
+std::string wholeFile(const std::string& path) {
+  std::string contents = test_support::contentsOf(path);
+  if (contents.empty()) giveUp("nothing in the file " + path);
+  return contents;
 }
 
 // The files of the stand-in server; every banner is the same one, so that all openings fetch alike.
 void fill(test_support::ProductServerDouble& server) {
   const std::string root = TOVALIN_PRODUCTSERVER_ROOT;
   server.putVersion("9.0.0");
-  server.put(noticeFile, contentsOf(root + noticeFile));
+  server.put(noticeFile, wholeFile(root + noticeFile));
   server.put(bannerListFile,
              "<plist version=\"1.0\"><array><dict><key>file_name</key><string>first_steps.png</string>"
              "<key>link</key><string>http://banner.example/</string></dict></array></plist>");
-  server.put(bannerFile, contentsOf(root + bannerFile));
+  server.put(bannerFile, wholeFile(root + bannerFile));
 }
 
 // A copy of the built bundle whose product server is this one, and whose beacons go nowhere.
@@ -68,7 +63,7 @@ void install(const std::string& origin) {
   fs::copy(TOVALIN_BUNDLE, bundle, fs::copy_options::recursive);
   const std::string contents = bundle + std::string("/Contents/Resources/TovalinTray.app/Contents/");
   fs::remove(contents + "Helpers/TovalinWebView");
-  std::string list = contentsOf(contents + "Info.plist");
+  std::string list = wholeFile(contents + "Info.plist");
   list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + origin + "</string>");
   std::ofstream(contents + "Info.plist") << list;
 }

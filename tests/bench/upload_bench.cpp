@@ -16,6 +16,7 @@
 #include "platform/status_item.h"
 #include "tests/bench/pairs.h"
 #include "tests/support/child_process.h"
+#include "tests/support/file_contents.h"
 #include "tests/support/wait_until.h"
 #include "tests/usage/server_parts.h"
 #include "usage/upload_rules.h"
@@ -29,11 +30,6 @@ constexpr int pairs = 5;
 constexpr std::size_t sizeOfAFile = 4096;
 constexpr std::size_t sizeOfTheLargeFile = 100'000'000;
 const fs::path folder = "/tmp/support/Tovalin";
-
-std::string contentsOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 void writeFiles(int count, std::size_t size) {
   fs::create_directories(folder);
@@ -67,7 +63,7 @@ bool sendPlainly(const std::string& address, const std::string& contents) {
 
 void plainPass(const std::string& address) {
   for (const auto& entry : fs::directory_iterator(folder)) {
-    if (sendPlainly(address, contentsOf(entry.path()))) fs::remove(entry.path());
+    if (sendPlainly(address, test_support::contentsOf(entry.path()))) fs::remove(entry.path());
   }
 }
 

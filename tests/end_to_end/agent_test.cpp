@@ -7,6 +7,8 @@
 #include <thread>
 #include <utility>
 
+#include "tests/support/file_contents.h"
+
 namespace fs = std::filesystem;
 using test_support::ChildOptions;
 using test_support::ChildProcess;
@@ -76,8 +78,7 @@ void AgentTest::installWebView() {
 
 void AgentTest::setServers(const std::string& product, const std::string& testUpload) {
   const std::string path = agentContents() + "/Info.plist";
-  std::ifstream built(builtAgentContents() + "/Info.plist");
-  std::string list(std::istreambuf_iterator<char>(built), {});
+  std::string list = test_support::contentsOf(builtAgentContents() + "/Info.plist");
   list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + product +
                                          "</string><key>TovalinTestUploadServer</key><string>" + testUpload +
                                          "</string>");
@@ -165,9 +166,7 @@ std::size_t AgentTest::position(const std::string& beginning) {
 std::string AgentTest::recordedUsage() {
   std::error_code none;
   for (const auto& entry : fs::directory_iterator("/tmp/home/.local/share/Tovalin", none)) {
-    if (entry.path().extension() != ".dat") continue;
-    std::ifstream file(entry.path(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    if (entry.path().extension() == ".dat") return test_support::contentsOf(entry.path());
   }
   return {};
 }

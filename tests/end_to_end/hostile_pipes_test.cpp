@@ -8,21 +8,18 @@
 #include <thread>
 
 #include "tests/end_to_end/notice_fixture.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using test_support::contentsOf;
 using test_support::FileDescriptor;
 using test_support::waitUntil;
 
 constexpr const char* commandPipe = "/tmp/KMPIPE";
 constexpr const char* planted = "/tmp/planted";
-
-std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 mode_t modeOf(const std::string& path) {
   struct stat status {};

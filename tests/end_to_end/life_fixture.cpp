@@ -5,20 +5,17 @@
 #include <fstream>
 
 #include "tests/end_to_end/pipe_away.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using test_support::contentsOf;
 using test_support::ExitStatus;
 using test_support::waitUntil;
 
 const std::string kFolder = "/tmp/home/.local/share/Tovalin";
-
-std::string contentsOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::vector<fs::path> usageFiles() {
   std::vector<fs::path> files;

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "tests/end_to_end/agent_test.h"
+#include "tests/support/file_contents.h"
 #include "tests/support/product_server_double.h"
 #include "tests/support/wait_until.h"
 
@@ -11,6 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using test_support::contentsOf;
 using test_support::ProductServerDouble;
 using test_support::waitUntil;
 using testing::HasSubstr;
@@ -19,11 +20,6 @@ using testing::StartsWith;
 const std::string folder = "/tmp/home/.local/share/Tovalin";
 const std::string dayBefore = folder + "/Tovalin_2024_03_06.dat";
 const std::string newDay = folder + "/Tovalin_2024_03_07.dat";
-
-std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // An agent whose clocks run 200 times as fast, from half an hour before midnight: an hour takes 18 seconds.
 class Midnight : public AgentTest {

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "tests/end_to_end/notice_fixture.h"
+#include "tests/support/file_contents.h"
 #include "tools/tvldump/record_reader.h"
 
 namespace {
@@ -13,6 +14,7 @@ namespace fs = std::filesystem;
 using namespace std::string_literals;
 using test_support::ChildOptions;
 using test_support::ChildProcess;
+using test_support::contentsOf;
 using test_support::ExitStatus;
 using test_support::FileDescriptor;
 using test_support::Redirection;
@@ -22,11 +24,6 @@ constexpr unsigned user = 65534;
 const std::string ownHome = "/tmp/user/home";
 const std::string ownFolder = ownHome + "/.local/share/Tovalin";
 const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s;
-
-std::string contentsOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // The agent of a user for whom permissions count, and the test as the neighbour who takes them away.
 class OrdinaryUser : public NoticeTest {

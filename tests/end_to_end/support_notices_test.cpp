@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 
 #include "tests/end_to_end/support_fixture.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
@@ -85,8 +85,7 @@ class SupportMeets : public SupportTest {
   static int quitRecords() {
     int found = 0;
     for (const auto& entry : std::filesystem::directory_iterator(records)) {
-      std::ifstream file(entry.path(), std::ios::binary);
-      const std::string bytes(std::istreambuf_iterator<char>(file), {});
+      const std::string bytes = test_support::contentsOf(entry.path());
       for (std::size_t at = 0; (at = bytes.find("\x03\x13", at)) != std::string::npos; ++at) ++found;
     }
     return found;

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "tests/end_to_end/support_fixture.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
@@ -200,8 +201,7 @@ TEST_F(SupportWindow, WithoutAVersionOfItsOwnItSaysNull) {
   };
   const auto replaceInPlist = [&](const std::string& old, const std::string& text) {
     const std::string path = agentContents() + "/Info.plist";
-    std::ifstream file(path);
-    std::string list(std::istreambuf_iterator<char>(file), {});
+    std::string list = test_support::contentsOf(path);
     const std::size_t key = list.find("<key>CFBundleVersion</key>");
     const std::size_t at = list.find(old, key);
     ASSERT_NE(at, std::string::npos);

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "tests/end_to_end/support_fixture.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
@@ -30,8 +31,7 @@ std::string stateOf(const fs::path& path) {
   state += " size " + std::to_string(status.st_size);
   // Programs are told by their time and size alone.
   if (!S_ISREG(status.st_mode) || status.st_size > 1 << 16) return state;
-  std::ifstream file(path, std::ios::binary);
-  return state + " holds " + std::string(std::istreambuf_iterator<char>(file), {});
+  return state + " holds " + test_support::contentsOf(path);
 }
 
 // The agent's own files, and what the test itself keeps there.

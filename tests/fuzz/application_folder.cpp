@@ -3,9 +3,9 @@
 #include <stdlib.h>
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
+#include "tests/support/file_contents.h"
 #include "usage/application_directory.h"
 
 namespace fuzz {
@@ -29,8 +29,7 @@ void ApplicationFolder::write(const std::string& name, std::string_view bytes) c
 }
 
 std::string ApplicationFolder::read(const std::string& name) const {
-  std::ifstream file(folder_ / name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  return test_support::contentsOf(folder_ / name);
 }
 
 }  // namespace fuzz

@@ -1,11 +1,8 @@
 #include "tests/fuzz/loopback_server.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 
 #include <array>
-#include <stdexcept>
 #include <string_view>
 
 namespace fuzz {
@@ -42,21 +39,13 @@ void readToTheEnd(int connection) {
 
 }  // namespace
 
-LoopbackServer::LoopbackServer() : listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* generic = reinterpret_cast<sockaddr*>(&address);
-  if (::bind(listener_.get(), generic, size) != 0 || ::listen(listener_.get(), 64) != 0 ||
-      ::getsockname(listener_.get(), generic, &size) != 0)
-    throw std::runtime_error("no server on the loopback");
-  origin_ = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-  thread_ = std::jthread([this] { serve(); });
-}
+LoopbackServer::LoopbackServer()
+    : listener_(test_support::listenOnLoopback()),
+      origin_("http://127.0.0.1:" + std::to_string(listener_.port)),
+      thread_([this] { serve(); }) {}
 
 LoopbackServer::~LoopbackServer() {
-  ::shutdown(listener_.get(), SHUT_RDWR);
+  ::shutdown(listener_.socket.get(), SHUT_RDWR);
 }
 
 void LoopbackServer::setAnswer(std::string answer) {
@@ -66,7 +55,7 @@ void LoopbackServer::setAnswer(std::string answer) {
 
 void LoopbackServer::serve() {
   for (;;) {
-    const FileDescriptor connection(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    const FileDescriptor connection(::accept4(listener_.socket.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!connection.valid()) return;
     ::setsockopt(connection.get(), SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof kPatience);
     ::setsockopt(connection.get(), SOL_SOCKET, SO_SNDTIMEO, &kPatience, sizeof kPatience);

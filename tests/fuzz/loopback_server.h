@@ -4,7 +4,7 @@
 #include <string>
 #include <thread>
 
-#include "tests/support/file_descriptor.h"
+#include "tests/support/loopback_listener.h"
 
 namespace fuzz {
 
@@ -26,7 +26,7 @@ class LoopbackServer {
   void serve();
   void answerOn(int connection);
 
-  test_support::FileDescriptor listener_;
+  test_support::LoopbackListener listener_;
   std::string origin_;
   std::mutex mutex_;
   std::string answer_;

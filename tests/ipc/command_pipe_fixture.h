@@ -10,13 +10,13 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "ipc/command_pipe.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/ipc/stream_capture.h"
+#include "tests/support/file_contents.h"
 #include "tests/support/syslog_socket.h"
 
 namespace command_pipe_test {
@@ -63,8 +63,7 @@ inline std::string readAll(const FileDescriptor& reader) {
 }
 
 inline std::string fileContents() {
-  std::ifstream file(kCommandPipe, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  return test_support::contentsOf(kCommandPipe);
 }
 
 // An entry of the system log at the priority of errors.

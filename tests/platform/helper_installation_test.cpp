@@ -7,15 +7,16 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 
 #include "tests/support/child_process.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using test_support::contentsOf;
 using test_support::ExitStatus;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -23,11 +24,6 @@ using testing::UnorderedElementsAre;
 
 constexpr const char* kBundle = "/tmp/My Agent.app";
 constexpr const char* kInstalled = "/tmp/run/TovalinTray/helpers";
-
-std::string read(const std::string& path) {
-  std::ifstream file(path);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::set<std::string> namesIn(const std::string& folder) {
   std::set<std::string> names;
@@ -113,7 +109,7 @@ TEST_F(HelperInstallation, LinkInThePlaceOfTheCopiesIsReplacedAndItsTargetSpared
   fs::create_symlink("/tmp/elsewhere", kInstalled);
   run("install");
   EXPECT_EQ(toldBy("open"), "open");
-  EXPECT_EQ(read("/tmp/elsewhere/open"), "spared");
+  EXPECT_EQ(contentsOf("/tmp/elsewhere/open"), "spared");
   EXPECT_THAT(namesIn("/tmp/elsewhere"), UnorderedElementsAre("open"));
 }
 
@@ -175,7 +171,7 @@ TEST_F(PageOpening, IsTheCopysTask) {
   run("install");
   putOpener("bundle");
   run("open");
-  EXPECT_EQ(read("/tmp/opened"), "copy http://a\n");
+  EXPECT_EQ(contentsOf("/tmp/opened"), "copy http://a\n");
 }
 
 TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereThePrivateFolderIsRefused) {
@@ -183,20 +179,20 @@ TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereThePrivateFolderIsRefused) {
   fs::create_symlink("/tmp", "/tmp/run/TovalinTray");
   run("install");
   run("open");
-  EXPECT_EQ(read("/tmp/opened"), "bundle http://a\n");
+  EXPECT_EQ(contentsOf("/tmp/opened"), "bundle http://a\n");
 }
 
 TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereTheCopyIsMissing) {
   putOpener("bundle");
   run("open");
-  EXPECT_EQ(read("/tmp/opened"), "bundle http://a\n");
+  EXPECT_EQ(contentsOf("/tmp/opened"), "bundle http://a\n");
 }
 
 TEST_F(PageOpening, IsNotTriedAgainWhenTheCopyFails) {
   putHelper("open", "copy >>/tmp/opened; exit 1");
   run("install");
   run("open");
-  EXPECT_EQ(read("/tmp/opened"), "copy\n");
+  EXPECT_EQ(contentsOf("/tmp/opened"), "copy\n");
 }
 
 }  // namespace

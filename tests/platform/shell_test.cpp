@@ -12,13 +12,13 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 #include <thread>
 
 #include "tests/ipc/forked_call.h"
 #include "tests/ipc/stream_capture.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
@@ -49,8 +49,7 @@ class Shell : public testing::Test {
   static std::string toldBy(const std::string& command) {
     fs::remove("/tmp/told");
     platform::system(command);
-    std::ifstream file("/tmp/told", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return test_support::contentsOf("/tmp/told");
   }
 
   // The environment that the shell itself was started with.

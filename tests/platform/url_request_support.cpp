@@ -2,9 +2,10 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
+
+#include "tests/support/file_contents.h"
 
 namespace test_support {
 
@@ -41,8 +42,7 @@ std::optional<std::string> replyOf(RawHttpServer::Script script) {
 std::string gzipped(const std::string& bytes) {
   std::ofstream("/tmp/plain", std::ios::binary) << bytes;
   if (std::system("gzip -c /tmp/plain >/tmp/packed") != 0) throw std::runtime_error("gzip failed");
-  std::ifstream packed("/tmp/packed", std::ios::binary);
-  return {std::istreambuf_iterator<char>(packed), {}};
+  return test_support::contentsOf("/tmp/packed");
 }
 
 std::string chunkedReply(std::string_view body, std::size_t size, const std::string& headers) {

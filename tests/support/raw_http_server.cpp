@@ -1,6 +1,5 @@
 #include "tests/support/raw_http_server.h"
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -8,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
 
 #include "tests/support/wait_until.h"
 
@@ -92,20 +90,9 @@ bool RawConnection::receiveSome(std::size_t most) {
 }
 
 RawHttpServer::RawHttpServer(std::vector<Script> scripts, int receiveBuffer)
-    : scripts_(std::move(scripts)), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  if (receiveBuffer > 0)
-    ::setsockopt(listener_.get(), SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* generic = reinterpret_cast<sockaddr*>(&address);
-  if (::bind(listener_.get(), generic, size) != 0 || ::listen(listener_.get(), 64) != 0 ||
-      ::getsockname(listener_.get(), generic, &size) != 0)
-    throw std::runtime_error("no server on the loopback");
-  port_ = ntohs(address.sin_port);
-  acceptThread_ = std::jthread([this] { acceptConnections(); });
-}
+    : scripts_(std::move(scripts)),
+      listener_(listenOnLoopback(receiveBuffer)),
+      acceptThread_([this] { acceptConnections(); }) {}
 
 RawHttpServer::Script RawHttpServer::answer(std::string reply) {
   return [reply = std::move(reply)](RawConnection& connection) {
@@ -120,12 +107,12 @@ RawHttpServer::~RawHttpServer() {
 }
 
 std::string RawHttpServer::url(const std::string& path, const std::string& scheme) const {
-  return scheme + "://127.0.0.1:" + std::to_string(port_) + path;
+  return scheme + "://127.0.0.1:" + std::to_string(port()) + path;
 }
 
 void RawHttpServer::acceptConnections() {
-  while (waitFor(listener_.get(), POLLIN, stop_, std::chrono::hours(1))) {
-    FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+  while (waitFor(listener_.socket.get(), POLLIN, stop_, std::chrono::hours(1))) {
+    FileDescriptor socket(::accept4(listener_.socket.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!socket.valid()) return;
     const int on = 1;
     ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/support/file_descriptor.h"
+#include "tests/support/loopback_listener.h"
 #include "tests/support/wake_event.h"
 
 namespace test_support {
@@ -59,7 +60,7 @@ class RawHttpServer {
   RawHttpServer& operator=(const RawHttpServer&) = delete;
   ~RawHttpServer();
 
-  [[nodiscard]] int port() const { return port_; }
+  [[nodiscard]] int port() const { return listener_.port; }
   // The address of `path` here, as in "http://127.0.0.1:8080/path".
   [[nodiscard]] std::string url(const std::string& path = "/", const std::string& scheme = "http") const;
   [[nodiscard]] std::size_t connections() const { return connections_; }
@@ -68,8 +69,7 @@ class RawHttpServer {
   void acceptConnections();
 
   std::vector<Script> scripts_;
-  FileDescriptor listener_;
-  int port_ = 0;
+  LoopbackListener listener_;
   WakeEvent stop_;
   std::atomic<std::size_t> connections_ = 0;
   std::vector<std::jthread> connectionThreads_;

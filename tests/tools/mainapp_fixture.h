@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/file_contents.h"
 #include "tests/tools/tool_process.h"
 
 namespace tools_test {
@@ -46,7 +47,7 @@ class MainAppTest : public testing::Test {
 
   // The state letter of the child's main thread, as in /proc/PID/stat.
   char processState() {
-    const std::string text = contentsOf("/proc/" + std::to_string(app_.pid()) + "/stat");
+    const std::string text = test_support::contentsOf("/proc/" + std::to_string(app_.pid()) + "/stat");
     const std::size_t end = text.rfind(')');
     return end + 2 < text.size() ? text[end + 2] : '?';
   }

@@ -51,7 +51,7 @@ TEST_F(MainAppPipe, APlainFileThereIsRefusedAndLeftAsItIs) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_THAT(finished.error, HasSubstr("/tmp/KMPIPE is there already and is no FIFO"));
   EXPECT_EQ(finished.output, "");
-  EXPECT_EQ(tools_test::contentsOf(kCommandPipe), "keep me");
+  EXPECT_EQ(test_support::contentsOf(kCommandPipe), "keep me");
 }
 
 TEST_F(MainAppPipe, ASymbolicLinkThereIsRefused) {

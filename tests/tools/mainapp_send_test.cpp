@@ -120,7 +120,7 @@ TEST_F(MainAppSend, TheOptionMakesNeitherPipe) {
 TEST_F(MainAppSend, APlainFileIsNotWrittenOver) {
   std::ofstream(kNotificationPipe) << "keep me";
   EXPECT_EQ(runToEnd({toolPath("mainapp"), "--send", "-non"}).status, ExitStatus{.code = 1});
-  EXPECT_EQ(tools_test::contentsOf(kNotificationPipe), "keep me");
+  EXPECT_EQ(test_support::contentsOf(kNotificationPipe), "keep me");
 }
 
 TEST_F(MainAppSend, RepeatedOptionsArriveAsMessagesOfTheirOwn) {

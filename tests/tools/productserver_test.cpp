@@ -4,9 +4,9 @@
 #include <signal.h>
 
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
+#include "tests/support/file_contents.h"
 #include "tests/tools/productserver_fixture.h"
 #include "tests/tools/tool_process.h"
 
@@ -25,7 +25,7 @@ using tools_test::toolPath;
 // The local addresses, in the hexadecimal form of this table of the kernel, that listen on the port.
 std::vector<std::string> listeningAddresses(const std::string& table, int port) {
   constexpr const char* kListening = "0A";
-  std::istringstream lines(tools_test::contentsOf(table));
+  std::istringstream lines(test_support::contentsOf(table));
   std::vector<std::string> addresses;
   std::string line;
   std::getline(lines, line);
@@ -119,7 +119,7 @@ TEST_F(ProductServer, TellsItsPortInAFile) {
   test_support::ChildProcess second;
   ASSERT_TRUE(second.start({toolPath("productserver"), "--port", "0", "--port-file", "/tmp/port", kFolder}));
   const std::string line = second.readLine().value_or("");
-  EXPECT_EQ(line + "\n", "listening on http://127.0.0.1:" + tools_test::contentsOf("/tmp/port"));
+  EXPECT_EQ(line + "\n", "listening on http://127.0.0.1:" + test_support::contentsOf("/tmp/port"));
   fs::remove("/tmp/port");
 }
 

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "tests/support/file_contents.h"
 #include "tests/tools/productserver_fixture.h"
 #include "tests/tools/raw_client.h"
 #include "tests/tools/tool_process.h"
@@ -11,10 +12,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using test_support::contentsOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
-using tools_test::contentsOf;
 using tools_test::kFolder;
 using tools_test::kUploadPath;
 using tools_test::kUploads;

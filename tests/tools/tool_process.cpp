@@ -3,9 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace tools_test {
 
 std::string toolPath(const std::string& name) {
@@ -27,11 +24,6 @@ Finished runToEnd(const std::vector<std::string>& argv) {
 bool writeInto(const std::string& path, std::string_view text) {
   const test_support::FileDescriptor file(::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   return file.valid() && ::write(file.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
-}
-
-std::string contentsOf(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 }  // namespace tools_test

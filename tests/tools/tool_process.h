@@ -25,7 +25,4 @@ struct Finished {
 // Writes the text into the FIFO or file at `path` in one write of one open and close; false when that failed.
 [[nodiscard]] bool writeInto(const std::string& path, std::string_view text);
 
-// The contents of the file at `path`, empty when there is none.
-[[nodiscard]] std::string contentsOf(const std::string& path);
-
 }  // namespace tools_test

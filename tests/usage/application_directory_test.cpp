@@ -20,7 +20,7 @@ TEST_F(ApplicationDirectory, IsMadeWithTheFoldersAboveIt) {
 TEST_F(ApplicationDirectory, OneThatExistsIsKeptWithWhatItHolds) {
   write(std::string(kFolder) + "/kept", "text");
   EXPECT_EQ(applicationDirectory(), kFolder);
-  EXPECT_EQ(read(std::string(kFolder) + "/kept"), "text");
+  EXPECT_EQ(contentsOf(std::string(kFolder) + "/kept"), "text");
 }
 
 TEST_F(ApplicationDirectory, LinkToAFolderInItsPlaceServes) {
@@ -40,7 +40,7 @@ TEST_F(ApplicationDirectory, FileInItsPlaceIsNone) {
   fs::remove(kFolder);
   write(kFolder, "a file");
   EXPECT_EQ(applicationDirectory(), std::nullopt);
-  EXPECT_EQ(read(kFolder), "a file");
+  EXPECT_EQ(contentsOf(kFolder), "a file");
 }
 
 TEST_F(ApplicationDirectory, FileAboveItIsNone) {

@@ -52,7 +52,7 @@ TEST_F(InstallationIdentity, MissingFileIsMadeWithAFreshIdentifier) {
   const Filled filled = fill();
   EXPECT_THAT(filled.text(), MatchesRegex(kCanonical));
   EXPECT_EQ(filled.errors, "");
-  EXPECT_EQ(read(kFile), filled.text()) << "36 bytes, no line end, no terminator";
+  EXPECT_EQ(contentsOf(kFile), filled.text()) << "36 bytes, no line end, no terminator";
 }
 
 TEST_F(InstallationIdentity, FreshIdentifierComesWithATerminatorAndNoMore) {
@@ -64,7 +64,7 @@ TEST_F(InstallationIdentity, FreshIdentifierComesWithATerminatorAndNoMore) {
 TEST_F(InstallationIdentity, StaysTheSameFromThenOn) {
   const std::string first = fill().text();
   EXPECT_EQ(fill().text(), first);
-  EXPECT_EQ(read(kFile), first);
+  EXPECT_EQ(contentsOf(kFile), first);
 }
 
 TEST_F(InstallationIdentity, DiffersBetweenInstallations) {
@@ -78,7 +78,7 @@ TEST_F(InstallationIdentity, StoredOneIsTakenAndKept) {
   const Filled filled = fill();
   EXPECT_EQ(filled.text(), kStored);
   EXPECT_EQ(filled.errors, "");
-  EXPECT_EQ(read(kFile), kStored);
+  EXPECT_EQ(contentsOf(kFile), kStored);
 }
 
 TEST_F(InstallationIdentity, StoredOneLeavesTheBufferBehindItUntouched) {
@@ -92,7 +92,7 @@ TEST_F(InstallationIdentity, ThirtySixBytesOfAnyContentAreKept) {
   const Filled filled = fill('#');
   EXPECT_EQ(whole(filled).substr(0, 36), bytes);
   EXPECT_EQ(filled.errors, "");
-  EXPECT_EQ(read(kFile), bytes);
+  EXPECT_EQ(contentsOf(kFile), bytes);
 }
 
 class WrongLength : public InstallationIdentity, public testing::WithParamInterface<std::string> {};
@@ -103,7 +103,7 @@ TEST_P(WrongLength, IsReplaced) {
   EXPECT_THAT(filled.text(), MatchesRegex(kCanonical));
   EXPECT_NE(filled.text(), GetParam().substr(0, 36));
   EXPECT_THAT(filled.errors, MatchesRegex(std::string(kWrong) + "[^\n]+\n"));
-  EXPECT_EQ(read(kFile), filled.text());
+  EXPECT_EQ(contentsOf(kFile), filled.text());
 }
 
 INSTANTIATE_TEST_SUITE_P(InstallationIdentity, WrongLength,
@@ -169,7 +169,7 @@ TEST_F(InstallationIdentity, PathBeyond128BytesWorks) {
   ::setenv("XDG_DATA_HOME", support.c_str(), 1);
   const Filled filled = fill();
   EXPECT_EQ(filled.errors, "");
-  EXPECT_EQ(read(support + "/Tovalin/TovalinUUID.txt"), filled.text());
+  EXPECT_EQ(contentsOf(support + "/Tovalin/TovalinUUID.txt"), filled.text());
 }
 
 TEST_F(InstallationIdentity, NoDescriptorStaysOpen) {
@@ -215,7 +215,7 @@ TEST_F(InstallationIdentity, WrongFileThatMayNotBeWrittenIsLeftAsItIs) {
   EXPECT_THAT(finished.error, StartsWith(kWrong));
   EXPECT_THAT(finished.error, testing::EndsWith("\ncreate file failed: Permission denied\n"));
   EXPECT_EQ(finished.output, kUntouched);
-  EXPECT_EQ(read(kFile), "wrong");
+  EXPECT_EQ(contentsOf(kFile), "wrong");
 }
 
 TEST_F(InstallationIdentity, StoredOneThatMayOnlyBeReadIsTaken) {
@@ -234,7 +234,7 @@ TEST_F(InstallationIdentity, FileThatMayNotBeReadIsTakenForMissing) {
   SKIP_UNLESS_HAD(finished);
   EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
   EXPECT_EQ(finished.output, kUntouched);
-  EXPECT_EQ(read(kFile), kStored);
+  EXPECT_EQ(contentsOf(kFile), kStored);
 }
 
 }  // namespace

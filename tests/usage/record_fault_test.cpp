@@ -59,7 +59,7 @@ TEST_F(Records, PathBeyond128BytesWorks) {
   const std::string support = std::string(kSupport) + "/" + std::string(200, 'd');
   ::setenv("XDG_DATA_HOME", support.c_str(), 1);
   TvlWriteQuitToFile();
-  EXPECT_THAT(read(support + "/Tovalin/Tovalin_2024_03_07.dat"), testing::EndsWith(kQuit));
+  EXPECT_THAT(contentsOf(support + "/Tovalin/Tovalin_2024_03_07.dat"), testing::EndsWith(kQuit));
 }
 
 TEST_F(Records, ReadOnlyFolderKeepsWhatIsThereAndDropsTheRecord) {
@@ -93,7 +93,7 @@ TEST_F(Records, SomebodyWhoHoldsTheFileIsPassedByInTheEnd) {
   const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
   TvlWriteQuitToFile();
-  EXPECT_EQ(read(kToday), kHeader + kQuit + kQuit);
+  EXPECT_EQ(contentsOf(kToday), kHeader + kQuit + kQuit);
 }
 
 TEST_F(Records, EmptyFileThatSomebodyHoldsGetsNoSecondHeader) {
@@ -101,7 +101,7 @@ TEST_F(Records, EmptyFileThatSomebodyHoldsGetsNoSecondHeader) {
   const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
   ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
   EXPECT_THAT(errorsOf(TvlWriteQuitToFile), StartsWith("open log failed: "));
-  EXPECT_EQ(read(kToday), "");
+  EXPECT_EQ(contentsOf(kToday), "");
 }
 
 // A disk of two pages for the application directory; the identifier takes one.
@@ -121,23 +121,23 @@ class SmallDisk : public Records {
 TEST_F(SmallDisk, RecordThatFitsInPartOnlyIsCutBackAndTheNextDaysGoOn) {
   TvlWriteQuitToFile();
   while (fs::file_size(kToday) + kQuitSize <= 4096) TvlWriteQuitToFile();
-  const std::string before = read(kToday);
+  const std::string before = contentsOf(kToday);
   ASSERT_NE(before.size(), 4096u) << "no record can fit in part";
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "write log failed: No space left on device\n");
-  EXPECT_EQ(read(kToday), before);
+  EXPECT_EQ(contentsOf(kToday), before);
   fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "");
-  EXPECT_EQ(read(kToday), before + kQuit);
+  EXPECT_EQ(contentsOf(kToday), before + kQuit);
 }
 
 TEST_F(SmallDisk, HeaderThatDoesNotFitLeavesAnEmptyFileThatGetsItsHeaderLater) {
   write("/tmp/support/Tovalin/ballast", std::string(4096, 'b'));
   EXPECT_THAT(errorsOf(TvlWriteStartToFile),
               testing::HasSubstr("write log failed: No space left on device\n"));
-  EXPECT_EQ(read(kToday), "");
+  EXPECT_EQ(contentsOf(kToday), "");
   fs::remove("/tmp/support/Tovalin/ballast");
   TvlWriteQuitToFile();
-  EXPECT_EQ(read(kToday), kHeader + kQuit);
+  EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
 // What stands in the file behind one header: how many quit records, and how many of the transfers that
@@ -190,7 +190,7 @@ TEST_F(SmallDisk, NoRecordIsTornWhileTheDiskIsFilledAndFreed) {
     std::thread other([] { writeBoth(8); });
     writeBoth(8);
     other.join();
-    if (countRecords(read(kToday))) ++whole;
+    if (countRecords(contentsOf(kToday))) ++whole;
   }
   ended = true;
   filler.join();
@@ -202,7 +202,7 @@ TEST_F(Records, TwoThreadsNeverMixWithinARecord) {
   std::thread other([] { writeBoth(500); });
   writeBoth(500);
   other.join();
-  EXPECT_EQ(countRecords(read(kToday)), (Counts{1000, 1000}));
+  EXPECT_EQ(countRecords(contentsOf(kToday)), (Counts{1000, 1000}));
 }
 
 TEST_F(Records, TwoProcessesNeverMixWithinARecord) {
@@ -214,7 +214,7 @@ TEST_F(Records, TwoProcessesNeverMixWithinARecord) {
   test_support::ForkedCall second(writer);
   EXPECT_EQ(first.wait().status, ExitStatus{.code = 0});
   EXPECT_EQ(second.wait().status, ExitStatus{.code = 0});
-  EXPECT_EQ(countRecords(read(kToday)), (Counts{1000, 1000}));
+  EXPECT_EQ(countRecords(contentsOf(kToday)), (Counts{1000, 1000}));
 }
 
 TEST_F(Records, WritersThatStartTogetherMakeOneHeader) {
@@ -228,7 +228,7 @@ TEST_F(Records, WritersThatStartTogetherMakeOneHeader) {
     test_support::ForkedCall second(writer);
     ASSERT_EQ(first.wait().status, ExitStatus{.code = 0});
     ASSERT_EQ(second.wait().status, ExitStatus{.code = 0});
-    ASSERT_EQ(countRecords(read(kToday)), (Counts{2, 0})) << "round " << round;
+    ASSERT_EQ(countRecords(contentsOf(kToday)), (Counts{2, 0})) << "round " << round;
   }
 }
 
@@ -258,7 +258,8 @@ TEST_F(Records, KilledAtAnyTimeLeavesAFileThatReadsUpToItsLastWholeRecord) {
     EXPECT_EQ(writer.wait().status, ExitStatus{.signal = SIGKILL});
     std::error_code none;
     if (fs::file_size(kToday, none) > 0 && !none) ++killedInTheMiddle;
-    ASSERT_TRUE(!fs::exists(kToday) || readsUpToItsLastWholeRecord(read(kToday))) << "attempt " << attempt;
+    ASSERT_TRUE(!fs::exists(kToday) || readsUpToItsLastWholeRecord(contentsOf(kToday)))
+        << "attempt " << attempt;
   }
   EXPECT_GT(killedInTheMiddle, 100);
 }

@@ -44,7 +44,7 @@ class StoredServerOption : public ServerOption, public testing::WithParamInterfa
 TEST_P(StoredServerOption, MeansAndStaysOrIsReplaced) {
   write(kFile, GetParam().before);
   EXPECT_EQ(getOption(), (Option{GetParam().option, ""}));
-  EXPECT_EQ(read(kFile), GetParam().after);
+  EXPECT_EQ(contentsOf(kFile), GetParam().after);
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
@@ -59,9 +59,9 @@ INSTANTIATE_TEST_SUITE_P(ServerOption, StoredServerOption,
 
 TEST_F(ServerOption, MissingFileIsMadeWithTheProductServer) {
   EXPECT_EQ(getOption(), (Option{1, ""}));
-  EXPECT_EQ(read(kFile), "1");
+  EXPECT_EQ(contentsOf(kFile), "1");
   EXPECT_EQ(getOption(), (Option{1, ""}));
-  EXPECT_EQ(read(kFile), "1");
+  EXPECT_EQ(contentsOf(kFile), "1");
 }
 
 TEST_F(ServerOption, MissingFolderIsNotMade) {
@@ -129,7 +129,7 @@ TEST_F(ServerOption, OverlongFileThatMayNotBeWrittenIsLeftAsItIs) {
   if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
-  EXPECT_EQ(read(kFile), "0\n");
+  EXPECT_EQ(contentsOf(kFile), "0\n");
 }
 
 TEST_F(ServerOption, ZeroThatMayOnlyBeReadCounts) {

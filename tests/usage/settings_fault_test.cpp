@@ -51,7 +51,7 @@ TEST_F(SettingsFault, IdentityThatEndsEarlyLeavesBufferAndFileAsTheyAre) {
   std::string errors;
   EXPECT_EQ(fill(errors), kUntouched);
   EXPECT_THAT(errors, testing::MatchesRegex("file read failed: [^\n]+\n"));
-  EXPECT_EQ(read(kIdentity), kStored);
+  EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
 TEST_F(SettingsFault, IdentityThatCannotBeReadIsReportedWithTheReason) {
@@ -63,7 +63,7 @@ TEST_F(SettingsFault, IdentityThatCannotBeReadIsReportedWithTheReason) {
   std::string errors;
   EXPECT_EQ(fill(errors), kUntouched);
   EXPECT_EQ(errors, "file read failed: Input/output error\n");
-  EXPECT_EQ(read(kIdentity), kStored);
+  EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
 TEST_F(SettingsFault, IdentityThatComesInPiecesIsWhole) {
@@ -92,7 +92,7 @@ TEST_F(SettingsFault, NoMemoryForTheIdentityLeavesBufferAndFileAsTheyAre) {
   std::string errors;
   EXPECT_EQ(fill(errors), kUntouched);
   EXPECT_THAT(errors, testing::MatchesRegex("memory alloc failed: [^\n]+\n"));
-  EXPECT_EQ(read(kIdentity), kStored);
+  EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
 TEST_F(SettingsFault, NoDescriptorStaysOpenAfterAFault) {
@@ -112,7 +112,7 @@ TEST_F(SettingsFault, ServerOptionThatEndsEarlyMeansTheProductServer) {
   insteadOfRead = nullptr;
   EXPECT_EQ(option, 1);
   EXPECT_THAT(errors, testing::MatchesRegex("file read failed: [^\n]+\n"));
-  EXPECT_EQ(read(kOption), "0");
+  EXPECT_EQ(contentsOf(kOption), "0");
 }
 
 TEST_F(SettingsFault, ServerOptionThatCannotBeReadIsReportedWithTheReason) {

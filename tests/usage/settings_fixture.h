@@ -9,16 +9,17 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include "tests/ipc/forked_call.h"
 #include "tests/ipc/stream_capture.h"
+#include "tests/support/file_contents.h"
 #include "tests/support/syslog_socket.h"
 
 namespace settings_test {
 
 namespace fs = std::filesystem;
+using test_support::contentsOf;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -27,11 +28,6 @@ inline constexpr const char* kFolder = "/tmp/support/Tovalin";
 
 inline void write(const std::string& path, const std::string& text) {
   std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
-}
-
-inline std::string read(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // What `call` leaves on standard error.

@@ -328,7 +328,7 @@ TEST_F(UploadPass, TenThousandFilesAreSentWithMemoryAndDescriptorsAsTheyWere) {
   ASSERT_TRUE(
       server.start({TOVALIN_PRODUCTSERVER, "--port", "0", "--port-file", "/tmp/port", "/tmp/served"}, quiet));
   ASSERT_TRUE(test_support::waitUntil([] { return fs::exists("/tmp/port"); }));
-  record_parts::setServers("http://127.0.0.1:" + std::to_string(std::stoi(read("/tmp/port"))),
+  record_parts::setServers("http://127.0.0.1:" + std::to_string(std::stoi(contentsOf("/tmp/port"))),
                            "http://127.0.0.1:1");
   const auto passOver = [this](int files) {
     for (int i = 0; i < files; ++i) write(inFolder(std::to_string(i) + ".dat"), std::string(64, 'b'));
@@ -379,7 +379,7 @@ class UploadTicks : public UploadPass {
 TEST_F(UploadTicks, LaunchBeforeMidnightUploadsInTheMinuteOfItsSecond) {
   launchAt("2024-03-06 23:59:30");
   tickAt("2024-03-07 00:00:30");
-  EXPECT_EQ(read(inFolder(kTodaysName)), kHeader);
+  EXPECT_EQ(contentsOf(inFolder(kTodaysName)), kHeader);
   EXPECT_TRUE(delegate_.bTvlDataUpload);
   EXPECT_EQ(delegate_.strStartTime.tm_sec, 30);
   tickAt("2024-03-07 00:29:30");

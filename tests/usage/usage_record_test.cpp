@@ -18,7 +18,7 @@ const std::string kQuit =
 
 TEST_F(Records, FirstWriteOfADayIsTheHeaderAndTheRecord) {
   EXPECT_EQ(errorsOf(TvlWriteStartToFile), "");
-  EXPECT_EQ(read(kToday), kHeader + kStart);
+  EXPECT_EQ(contentsOf(kToday), kHeader + kStart);
   EXPECT_EQ(kHeader.size(), 66u + 5);
   EXPECT_EQ(kStart.size(), 31u + 5);
 }
@@ -27,39 +27,39 @@ TEST_F(Records, SecondWriteOfADayAddsItsRecordOnly) {
   TvlWriteStartToFile();
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "");
   TvlWriteQuitToFile();
-  EXPECT_EQ(read(kToday), kHeader + kStart + kQuit + kQuit);
+  EXPECT_EQ(contentsOf(kToday), kHeader + kStart + kQuit + kQuit);
 }
 
 TEST_F(Records, EachKindOfRecordMakesTheHeaderWhenItIsTheFirst) {
   TvlWriteQuitToFile();
-  EXPECT_EQ(read(kToday), kHeader + kQuit);
+  EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
   fs::remove(kToday);
   TvlGetCollectData(deviceEvent(3, ""));
-  EXPECT_THAT(read(kToday), StartsWith(kHeader + "\x04"));
+  EXPECT_THAT(contentsOf(kToday), StartsWith(kHeader + "\x04"));
   fs::remove(kToday);
   TvlGetCollectData(transfers({{1, "12345678", ""}}));
-  EXPECT_THAT(read(kToday), StartsWith(kHeader + "\x06"));
+  EXPECT_THAT(contentsOf(kToday), StartsWith(kHeader + "\x06"));
 }
 
 TEST_F(Records, OpeningTheDaysFileGivesItItsHeader) {
   UsageFile file;
   EXPECT_TRUE(TvlDataOpenFile(file));
-  EXPECT_EQ(read(kToday), kHeader);
+  EXPECT_EQ(contentsOf(kToday), kHeader);
 }
 
 TEST_F(Records, MissingFolderIsMadeWithTheFirstRecord) {
   fs::remove_all(kSupport);
   EXPECT_EQ(errorsOf(TvlWriteStartToFile), "");
-  const std::string identifier = read("/tmp/support/Tovalin/TovalinUUID.txt");
+  const std::string identifier = contentsOf("/tmp/support/Tovalin/TovalinUUID.txt");
   ASSERT_EQ(identifier.size(), 36u);
-  EXPECT_EQ(read(kToday), "TVLD2024-03-07\x00\x26{"s + identifier + "}" + kHeader.substr(54) + kStart);
+  EXPECT_EQ(contentsOf(kToday), "TVLD2024-03-07\x00\x26{"s + identifier + "}" + kHeader.substr(54) + kStart);
 }
 
 TEST_F(Records, IdentifierThatCannotBeHadLeavesItsBracesAlone) {
   fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");
   fs::create_directory("/tmp/support/Tovalin/TovalinUUID.txt");
   TvlWriteQuitToFile();
-  EXPECT_EQ(read(kToday), "TVLD2024-03-07\x00\x02{}"s + kHeader.substr(54) + kQuit);
+  EXPECT_EQ(contentsOf(kToday), "TVLD2024-03-07\x00\x02{}"s + kHeader.substr(54) + kQuit);
 }
 
 TEST_F(Records, VersionThatCannotBeHadIsZeroAndLoggedByEachWriterThatWantedIt) {
@@ -69,7 +69,7 @@ TEST_F(Records, VersionThatCannotBeHadIsZeroAndLoggedByEachWriterThatWantedIt) {
       "\x01\x05"
       "0.0.0\x07"
       "1.0.0.0"s;
-  EXPECT_EQ(read(kToday), kHeader.substr(0, 56) + version + version + kStart.substr(15));
+  EXPECT_EQ(contentsOf(kToday), kHeader.substr(0, 56) + version + version + kStart.substr(15));
   EXPECT_THAT(log_.messages(),
               testing::ElementsAre(error(" 0etBundleVersion fail"), error(" 0etBundleVersion fail")));
 }
@@ -80,16 +80,16 @@ TEST_F(Records, EmptyVersionIsAnItemOfLengthZero) {
   const std::string version =
       "\x01\x00\x07"
       "1.0.0.0"s;
-  EXPECT_EQ(read(kToday), kHeader.substr(0, 56) + version + version + kStart.substr(15));
+  EXPECT_EQ(contentsOf(kToday), kHeader.substr(0, 56) + version + version + kStart.substr(15));
 }
 
 TEST_F(Records, VersionOfSixteenCharactersIsCutToFifteen) {
   bundleVersion = "1234567890.23456";
   TvlWriteStartToFile();
-  EXPECT_THAT(read(kToday), testing::EndsWith("\x01\x0f"
-                                              "1234567890.2345\x07"
-                                              "1.0.0.0\x02\x13"
-                                              "2024-03-07 09:05:00"s));
+  EXPECT_THAT(contentsOf(kToday), testing::EndsWith("\x01\x0f"
+                                                    "1234567890.2345\x07"
+                                                    "1.0.0.0\x02\x13"
+                                                    "2024-03-07 09:05:00"s));
 }
 
 struct DeviceCase {
@@ -103,7 +103,7 @@ class DeviceEvents : public Records, public testing::WithParamInterface<DeviceCa
 
 TEST_P(DeviceEvents, AreWrittenByteForByte) {
   EXPECT_EQ(errorsOf([] { TvlGetCollectData(deviceEvent(GetParam().command, GetParam().name)); }), "");
-  EXPECT_EQ(read(kToday), kHeader + GetParam().record);
+  EXPECT_EQ(contentsOf(kToday), kHeader + GetParam().record);
 }
 
 INSTANTIATE_TEST_SUITE_P(Records, DeviceEvents,
@@ -156,58 +156,58 @@ TEST_F(Records, DeviceEventOfAnotherCommandIsNotWritten) {
 TEST_F(Records, TransfersOfBothKindsInOneMessage) {
   TvlGetCollectData(transfers(
       {{1, "\x01\x02\x03\x04\x05\x06\x07\x08", "jpg"}, {2, "\x00\x00\x00\x80\xff\x00\x00\x00"s, "mp4"}}));
-  EXPECT_EQ(read(kToday), kHeader +
-                              "\x06\x08\x01\x02\x03\x04\x05\x06\x07\x08\x03jpg"
-                              "\x07\x08\x00\x00\x00\x80\xff\x00\x00\x00\x03mp4"s);
+  EXPECT_EQ(contentsOf(kToday), kHeader +
+                                    "\x06\x08\x01\x02\x03\x04\x05\x06\x07\x08\x03jpg"
+                                    "\x07\x08\x00\x00\x00\x80\xff\x00\x00\x00\x03mp4"s);
 }
 
 TEST_F(Records, EntryOfAnotherKindTakesTheCodeOfTheOneBefore) {
   const std::string size = "12345678";
   TvlGetCollectData(
       transfers({{2, size, "a"}, {3, size, "b"}, {0xffffffff, size, "c"}, {1, size, "d"}, {0, size, "e"}}));
-  EXPECT_EQ(read(kToday), kHeader +
-                              "\x07\x08"
-                              "12345678\x01"
-                              "a"
-                              "\x07\x08"
-                              "12345678\x01"
-                              "b"
-                              "\x07\x08"
-                              "12345678\x01"
-                              "c"
-                              "\x06\x08"
-                              "12345678\x01"
-                              "d"
-                              "\x06\x08"
-                              "12345678\x01"
-                              "e"s);
+  EXPECT_EQ(contentsOf(kToday), kHeader +
+                                    "\x07\x08"
+                                    "12345678\x01"
+                                    "a"
+                                    "\x07\x08"
+                                    "12345678\x01"
+                                    "b"
+                                    "\x07\x08"
+                                    "12345678\x01"
+                                    "c"
+                                    "\x06\x08"
+                                    "12345678\x01"
+                                    "d"
+                                    "\x06\x08"
+                                    "12345678\x01"
+                                    "e"s);
 }
 
 TEST_F(Records, CodeIsNotCarriedOverFromOneMessageToTheNext) {
   TvlGetCollectData(transfers({{2, "12345678", "a"}}));
   TvlGetCollectData(transfers({{9, "12345678", "b"}}));
-  EXPECT_THAT(read(kToday), testing::EndsWith("\x06\x08"
-                                              "12345678\x01"
-                                              "b"s));
+  EXPECT_THAT(contentsOf(kToday), testing::EndsWith("\x06\x08"
+                                                    "12345678\x01"
+                                                    "b"s));
 }
 
 TEST_F(Records, EntryWithoutANameIsElevenBytes) {
   TvlGetCollectData(transfers({{1, "12345678", ""}}));
-  EXPECT_EQ(read(kToday), kHeader +
-                              "\x06\x08"
-                              "12345678\x00"s);
+  EXPECT_EQ(contentsOf(kToday), kHeader +
+                                    "\x06\x08"
+                                    "12345678\x00"s);
 }
 
 TEST_F(Records, EntryNameBeyondItsFieldIsCutAndDoesNotReachIntoTheNextEntry) {
   Message message = transfers({{1, "12345678", ""}, {1, "12345678", "next"}});
   message.put(18 + 12, "0123456789");
   TvlGetCollectData(message);
-  EXPECT_EQ(read(kToday), kHeader +
-                              "\x06\x08"
-                              "12345678\x09"
-                              "012345678"
-                              "\x06\x08"
-                              "12345678\x04next"s);
+  EXPECT_EQ(contentsOf(kToday), kHeader +
+                                    "\x06\x08"
+                                    "12345678\x09"
+                                    "012345678"
+                                    "\x06\x08"
+                                    "12345678\x04next"s);
 }
 
 TEST_F(Records, ThirtyEntriesAreAllWritten) {
@@ -219,7 +219,7 @@ TEST_F(Records, ThirtyEntriesAreAllWritten) {
         "\x06\x08"
         "12345678\x09"
         "abcdefghi"s;
-  EXPECT_EQ(read(kToday), expected);
+  EXPECT_EQ(contentsOf(kToday), expected);
 }
 
 class WrongCounts : public Records, public testing::WithParamInterface<std::uint32_t> {};
@@ -236,7 +236,7 @@ TEST_F(Records, MessageFullOfOnesIsReadWithinItsBounds) {
   Message message(0);
   message.fill(7, '\xff').putInteger(10, 0).putInteger(14, 30);
   TvlGetCollectData(message);
-  EXPECT_EQ(read(kToday).size(), kHeader.size() + 30 * (11 + 9));
+  EXPECT_EQ(contentsOf(kToday).size(), kHeader.size() + 30 * (11 + 9));
 }
 
 TEST_F(Records, AreSplitAtMidnightOfTheYearsEnd) {
@@ -244,19 +244,20 @@ TEST_F(Records, AreSplitAtMidnightOfTheYearsEnd) {
   TvlWriteQuitToFile();
   setClock("2025-01-01 00:00:00");
   TvlWriteQuitToFile();
-  EXPECT_EQ(read("/tmp/support/Tovalin/Tovalin_2024_12_31.dat"), "TVLD2024-12-31" + kHeader.substr(14) +
-                                                                     "\x03\x13"
-                                                                     "2024-12-31 23:59:59");
-  EXPECT_EQ(read("/tmp/support/Tovalin/Tovalin_2025_01_01.dat"), "TVLD2025-01-01" + kHeader.substr(14) +
-                                                                     "\x03\x13"
-                                                                     "2025-01-01 00:00:00");
+  EXPECT_EQ(contentsOf("/tmp/support/Tovalin/Tovalin_2024_12_31.dat"), "TVLD2024-12-31" + kHeader.substr(14) +
+                                                                           "\x03\x13"
+                                                                           "2024-12-31 23:59:59");
+  EXPECT_EQ(contentsOf("/tmp/support/Tovalin/Tovalin_2025_01_01.dat"), "TVLD2025-01-01" + kHeader.substr(14) +
+                                                                           "\x03\x13"
+                                                                           "2025-01-01 00:00:00");
 }
 
 TEST_F(Records, LeapSecondHasNineteenCharactersToo) {
   setClock("2016-12-31 23:59:60");
   TvlWriteQuitToFile();
-  EXPECT_THAT(read("/tmp/support/Tovalin/Tovalin_2016_12_31.dat"), testing::EndsWith("\x03\x13"
-                                                                                     "2016-12-31 23:59:60"));
+  EXPECT_THAT(contentsOf("/tmp/support/Tovalin/Tovalin_2016_12_31.dat"),
+              testing::EndsWith("\x03\x13"
+                                "2016-12-31 23:59:60"));
 }
 
 }  // namespace

@@ -3,22 +3,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <utility>
 
+#include "tests/support/file_contents.h"
+
 namespace helper_test {
-namespace {
 
 namespace fs = std::filesystem;
-
-std::string contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  content << file.rdbuf();  // a process that ends meanwhile is no exception
-  return content.str();
-}
-
-}  // namespace
+using test_support::contentsOf;
 
 Ended run(const std::vector<std::string>& argv, test_support::ChildOptions options) {
   options.environment.emplace("TOVALIN_ORIGINAL_PATH", std::nullopt);
@@ -74,14 +66,14 @@ std::vector<std::string> fieldsAfter(const std::vector<std::string>& fields, con
 }
 
 std::string awaitContent(const std::string& path) {
-  if (!test_support::waitUntil([&] { return contentOf(path).ends_with('\n'); })) return {};
-  std::string content = contentOf(path);
+  if (!test_support::waitUntil([&] { return contentsOf(path).ends_with('\n'); })) return {};
+  std::string content = contentsOf(path);
   content.pop_back();
   return content;
 }
 
 bool isAlive(const std::string& pid) {
-  const std::string status = contentOf("/proc/" + pid + "/status");
+  const std::string status = contentsOf("/proc/" + pid + "/status");
   return !status.empty() && status.find("State:\tZ") == std::string::npos;
 }
 
