@@ -99,6 +99,15 @@ class AgentTest : public testing::Test {
   [[nodiscard]] long settledMemory() const;
 };
 
+// ... installed where an application is looked for.
+class InstalledAgentTest : public AgentTest {
+ protected:
+  void SetUp() override {
+    AgentTest::SetUp();
+    if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
+  }
+};
+
 inline constexpr const char* unloadRun =
     "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";
 // How records begin.

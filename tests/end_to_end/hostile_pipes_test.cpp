@@ -26,6 +26,12 @@ mode_t modeOf(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
+// A message of a whole read, so that what comes with it in a flood does not run into it.
+std::string ofAWholeRead(std::string text) {
+  text.resize(1024, '\0');
+  return text;
+}
+
 // What somebody has put at the paths of the pipes before the agent starts, and what becomes of the agent.
 class HostilePipes : public NoticeTest {
  protected:
@@ -60,6 +66,30 @@ class HostilePipes : public NoticeTest {
   void expectAProperEnd() {
     ASSERT_TRUE(host_.click("Quit Tovalin"));
     EXPECT_EQ(endOfAgent(), test_support::ExitStatus{.code = 0});
+  }
+
+  void showAndHideNotice() {
+    send("-non");
+    ASSERT_TRUE(shows(isAccessNotice));
+    send("-noff");
+    ASSERT_TRUE(hides(isAccessNotice));
+  }
+  [[nodiscard]] bool noticeIsUp() const {
+    return test_support::waitForWindow(display_.name(), isAccessNotice, 0ms).has_value();
+  }
+  // One message beside those of others, without the wait until it was read.
+  static void writeInFlood(const std::string& text) {
+    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
+    const std::string message = ofAWholeRead(text);
+    EXPECT_EQ(::write(pipe.get(), message.data(), message.size()), static_cast<ssize_t>(message.size()));
+  }
+  // Whether the condition comes true; the log is heard all the time, and not kept.
+  [[nodiscard]] bool comesInFlood(const std::function<bool()>& condition) {
+    const auto comesTrue = [&] {
+      timeline_.clear();
+      return condition();
+    };
+    return waitUntil(comesTrue, 60s);
   }
 };
 
@@ -224,55 +254,45 @@ constexpr long kMostGrowth = 300 * 1024;
 constexpr long kMostGrowth = 1024;
 #endif
 
-// A message of a whole read, so that what comes with it in the flood does not run into it.
-std::string ofAWholeRead(std::string text) {
-  text.resize(1024, '\0');
-  return text;
-}
+// Writes commands that mean nothing into the notification pipe, as fast as it takes them.
+class Flood {
+ public:
+  [[nodiscard]] int sent() const { return sent_; }
+  void end() {
+    thread_.request_stop();
+    thread_.join();
+  }
+
+ private:
+  void run(const std::stop_token& stop) {
+    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
+    const std::string message = ofAWholeRead("no such command");
+    while (!stop.stop_requested() && ::write(pipe.get(), message.data(), message.size()) == 1024) ++sent_;
+  }
+
+  std::atomic<int> sent_ = 0;
+  std::jthread thread_{[this](const std::stop_token& stop) { run(stop); }};
+};
 
 TEST_F(HostilePipes, AFloodOfMessagesCostsNoMemoryAndNoticesAndMenuServeOn) {
   constexpr int messages = 100'000;
   startAndListen();
-  send("-non");
-  ASSERT_TRUE(shows(isAccessNotice));
-  send("-noff");
-  ASSERT_TRUE(hides(isAccessNotice));
+  showAndHideNotice();
   const long memory = ownMemoryInKilobytes();
 
-  std::atomic<int> sent = 0;
-  std::jthread flood([&](const std::stop_token& stop) {
-    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
-    const std::string message = ofAWholeRead("no such command");
-    while (!stop.stop_requested() && ::write(pipe.get(), message.data(), 1024) == 1024) ++sent;
-  });
-  // The log is heard all the time, and not kept.
-  const auto goesOnUntil = [&](const std::function<bool()>& condition) {
-    return waitUntil(
-        [&] {
-          timeline_.clear();
-          return condition();
-        },
-        60s);
-  };
-  const auto put = [](const std::string& message) {
-    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
-    EXPECT_EQ(::write(pipe.get(), message.data(), message.size()), static_cast<ssize_t>(message.size()));
-  };
-  const auto isUp = [&] {
-    return test_support::waitForWindow(display_.name(), isAccessNotice, 0ms).has_value();
-  };
-  ASSERT_TRUE(goesOnUntil([&] { return sent > messages / 10; }));
-  put(ofAWholeRead("-non"));
-  EXPECT_TRUE(goesOnUntil(isUp));
+  Flood flood;
+  ASSERT_TRUE(comesInFlood([&] { return flood.sent() > messages / 10; }));
+  writeInFlood("-non");
+  EXPECT_TRUE(comesInFlood([&] { return noticeIsUp(); }));
   ASSERT_TRUE(host_.click("Automount Off"));
-  EXPECT_TRUE(goesOnUntil([&] { return host_.waitForEvent("clicked", 0ms).has_value(); }));
-  put(ofAWholeRead("-noff"));
-  EXPECT_TRUE(goesOnUntil([&] { return !isUp(); }));
-  EXPECT_TRUE(goesOnUntil([&] { return sent >= messages; }));
-  flood.request_stop();
-  flood.join();
-  put(ofAWholeRead("-non"));
-  EXPECT_TRUE(goesOnUntil(isUp));
+  EXPECT_TRUE(comesInFlood([&] { return host_.waitForEvent("clicked", 0ms).has_value(); }));
+  writeInFlood("-noff");
+  EXPECT_TRUE(comesInFlood([&] { return !noticeIsUp(); }));
+  EXPECT_TRUE(comesInFlood([&] { return flood.sent() >= messages; }));
+  flood.end();
+
+  writeInFlood("-non");
+  EXPECT_TRUE(comesInFlood([&] { return noticeIsUp(); }));
   EXPECT_LE(ownMemoryInKilobytes() - memory, kMostGrowth);
   expectAProperEnd();
 }

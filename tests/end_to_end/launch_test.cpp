@@ -1,13 +1,11 @@
 #include <gmock/gmock.h>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
-#include "tests/end_to_end/agent_test.h"
+#include "tests/end_to_end/launch_fixture.h"
+#include "tests/support/file_contents.h"
 #include "tests/support/product_server_double.h"
 #include "tests/support/raw_http_server.h"
 
@@ -16,21 +14,6 @@ namespace {
 using test_support::ExitStatus;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-class Launch : public AgentTest {
- protected:
-  void SetUp() override {
-    AgentTest::SetUp();
-    if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
-  }
-
-  // Up to the message; the listener's thread speaks after it.
-  [[nodiscard]] std::vector<std::string> textsOfLaunch() {
-    std::vector<std::string> all = texts();
-    all.resize(std::min(all.size(), position("pipe: -ton") + 1));
-    return all;
-  }
-};
 
 TEST_F(Launch, TellsItsStateThenTheMainApplicationOnceInThisOrder) {
   launchAgent();
@@ -80,44 +63,6 @@ TEST_F(Launch, AutomountIsOffWhenTheFileSaysSoOrSaysNothing) {
   }
 }
 
-TEST_F(Launch, ADarkDesktopIsSeenAtTheStart) {
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  launchAgent();
-  EXPECT_EQ(count("log 3: Dark Mode : 1"), 1);
-}
-
-TEST_F(Launch, WhateverElseTheDesktopSaysMeansLight) {
-  ASSERT_TRUE(portal_.start(bus_));
-  for (const char* value : {"0", "2", "17", "int 1", "string Dark", "bool true", "double 1", "list 1"}) {
-    timeline_.clear();
-    ASSERT_TRUE(portal_.setSilently(value));
-    launchAgent();
-    EXPECT_EQ(count("log 3: Dark Mode : 0"), 1) << value;
-    terminateAgent();
-  }
-}
-
-TEST_F(Launch, ADesktopThatDoesNotAnswerMeansLightAndHoldsNothingUp) {
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
-  const auto start = std::chrono::steady_clock::now();
-  launchAgent();
-  // Half a second is allowed; the rest is room for a slow machine.
-  EXPECT_LT(timeline_.waitFor("pipe: -ton")->time - start, std::chrono::seconds(8));
-  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
-}
-
-TEST_F(Launch, ADesktopThatDiesBeforeItAnswersMeansLightAndHoldsNothingUp) {
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
-  startAgent();
-  ASSERT_TRUE(portal_.waitForEvent("read"));
-  portal_.process().kill();
-  ASSERT_TRUE(waitForText("pipe: -ton")) << agent_.takeErrorOutput();
-  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
-  terminateAgent();
-}
-
 TEST_F(Launch, AnInfoListWithoutAVersionIsToldAndTheLaunchGoesOn) {
   std::ofstream(agentContents() + "/Info.plist") << "damaged";
   launchAgent();
@@ -137,13 +82,6 @@ TEST_F(Launch, MissingPicturesAreToldAndTheLaunchGoesOn) {
   std::filesystem::remove_all(agentContents() + "/Resources");
   launchAgent();
   for (int i = 0; i < 4; ++i) EXPECT_THAT(agent_.readErrorLine().value_or(""), HasSubstr("] Invalid Image"));
-  terminateAgent();
-}
-
-TEST_F(Launch, WithoutASessionBusTheAgentStillRuns) {
-  environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
-  launchAgent();
-  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
   terminateAgent();
 }
 
@@ -169,68 +107,6 @@ TEST_F(Launch, WithoutARuntimeFolderThePrivateOneOfTheUserServes) {
   launchAgent();
   EXPECT_EQ(count(unloadRun), 1);
   terminateAgent();
-}
-
-TEST_F(Launch, WithoutADisplayTheAgentSaysSoAndEnds) {
-  environment_["DISPLAY"] = ":4711";
-  startAgent();
-  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
-  EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("TovalinTray: cannot open the display \":4711\"\n"));
-  EXPECT_TRUE(waitForText("log 3: cannot open the display \":4711\""));
-}
-
-TEST_F(Launch, WithoutTheNameOfADisplayTheAgentSaysSoAndEnds) {
-  environment_["DISPLAY"] = std::nullopt;
-  startAgent();
-  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
-  EXPECT_THAT(agent_.takeErrorOutput(),
-              HasSubstr("TovalinTray: cannot open a display: DISPLAY is not set\n"));
-}
-
-TEST_F(Launch, AnotherKindOfScreenThatIsNotThereIsToldInTheToolkitsWords) {
-  environment_["QT_QPA_PLATFORM"] = "bogus";
-  startAgent();
-  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
-  EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("platform plugin"));
-}
-
-TEST_F(Launch, ABusThatTakesConnectionsButDoesNotAnswerIsDoneWithout) {
-  const test_support::FileDescriptor mute(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  const sockaddr_un address{AF_UNIX, "/tmp/mute bus"};
-  ::unlink(address.sun_path);
-  ASSERT_EQ(::bind(mute.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  ASSERT_EQ(::listen(mute.get(), 10), 0);
-  environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/mute bus";
-  launchAgent();
-  EXPECT_EQ(count("log 3: the session bus does not answer; going on without it"), 1);
-  terminateAgent();
-}
-
-TEST_F(Launch, WithoutABusAddressNoBusIsStarted) {
-  environment_["DBUS_SESSION_BUS_ADDRESS"] = std::nullopt;
-  launchAgent();
-  terminateAgent();
-  for (const auto& process : std::filesystem::directory_iterator("/proc")) {
-    std::ifstream name(process.path() / "comm");
-    std::string command;
-    std::getline(name, command);
-    EXPECT_NE(command, "dbus-launch");
-  }
-}
-
-TEST_F(Launch, AnAnswerOfTheDesktopThatComesLateCountsAsAChange) {
-  ASSERT_TRUE(host_.start(bus_));
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  ASSERT_TRUE(portal_.delayAnswers(std::chrono::milliseconds(800)));
-  launchAgent();
-  EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
-  ASSERT_TRUE(host_.waitForEvent("registered"));
-  const auto shown = [&] {
-    EXPECT_TRUE(host_.saveIcon("/tmp/late.png", "20"));
-    return runOnDisplay({"sh", "-c", "convert /tmp/late.png -alpha off -format '%[fx:maxima]' info:"});
-  };
-  // The icon for dark panels is drawn in white.
-  EXPECT_TRUE(test_support::waitUntil([&] { return shown() == "1"; }));
 }
 
 TEST_F(Launch, ClosedStandardStreamsLeadNowhere) {
@@ -290,8 +166,7 @@ TEST_F(Launch, TheServerOptionIsReadAndItsFileMade) {
   std::filesystem::create_directories("/tmp/home/.local/share/Tovalin");
   launchAgent();
   terminateAgent();
-  std::ifstream file("/tmp/home/.local/share/Tovalin/TovalinServerOption.txt");
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "1");
+  EXPECT_EQ(test_support::contentsOf("/tmp/home/.local/share/Tovalin/TovalinServerOption.txt"), "1");
 }
 
 TEST_F(Launch, TwoBeaconsTellOfTheStartAndOfTheVersion) {
@@ -342,90 +217,6 @@ TEST_F(Launch, SilentServerHoldsTheLaunchUpForThreeSeconds) {
   const auto waited = told("pipe: -ton") - told("log 3: Dark Mode");
   EXPECT_GE(waited, std::chrono::milliseconds(2900));
   EXPECT_LT(waited, std::chrono::seconds(8));
-}
-
-// The server has a newer version.
-class UpdateDue : public AgentTest {
- protected:
-  void installWithNewerVersion(const std::string& path) {
-    server_.putVersion("99.0.0");
-    install(path);
-    setServers(server_.origin());
-  }
-
-  test_support::ProductServerDouble server_;
-};
-
-TEST_F(UpdateDue, ABundlePathWithABlankWorksAndItsCommandsStandAsTheyAre) {
-  installWithNewerVersion("/tmp/My Applications/Tovalin.app");
-  launchAgent();
-  EXPECT_EQ(count("log 3: Tovalin working path [/tmp/My Applications/Tovalin.app]"), 1);
-  const auto run = timeline_.waitFor("run: open");
-  ASSERT_TRUE(run);
-  ASSERT_GE(run->arguments.size(), 3u);
-  EXPECT_EQ(run->arguments[1], "/tmp/My");
-  EXPECT_EQ(run->arguments[2], "Applications/Tovalin.app/Contents/Resources/tovalinnotification.app");
-}
-
-TEST_F(UpdateDue, TheNotificationHelperIsToldOnceBeforeTheMainApplication) {
-  installWithNewerVersion("/tmp/Applications/Tovalin.app");
-  launchAgent();
-  const auto run = timeline_.waitFor("run: open");
-  ASSERT_TRUE(run);
-  EXPECT_THAT(run->arguments,
-              ElementsAre("-a", "/tmp/Applications/Tovalin.app/Contents/Resources/tovalinnotification.app",
-                          "--args", "-title", "Tovalin Notification", "-subtitle", "New version available",
-                          "-message", "Do you want to install now?", "-closeLabel", "No", "-actions", "Yes",
-                          "-bundlepath", "/tmp/Applications/Tovalin.app", "-timeout", "10"));
-  EXPECT_EQ(count("run: open"), 1);
-  EXPECT_LT(position("run: open"), position("pipe: -ton"));
-}
-
-// A path of so many bytes to the main application's bundle.
-std::string pathOfLength(std::size_t length) {
-  const std::string start = "/tmp/", end = "/Tovalin.app";
-  std::string folders;
-  for (std::size_t left = length - start.size() - end.size(); left > 0;) {
-    const std::size_t piece = left > 202 ? 200 : left;
-    folders += std::string(piece, 'x');
-    left -= piece;
-    if (left > 0) {
-      folders += '/';
-      --left;
-    }
-  }
-  return start + folders + end;
-}
-
-TEST_F(UpdateDue, ABundlePathOf404BytesIsTold) {
-  installWithNewerVersion(pathOfLength(404));
-  ASSERT_EQ(bundle_.size(), 404u);
-  launchAgent();
-  EXPECT_EQ(count("run: open"), 1);
-}
-
-TEST_F(UpdateDue, ABundlePathOf405BytesEndsTheAgentWithAMessage) {
-  installWithNewerVersion(pathOfLength(405));
-  ASSERT_EQ(bundle_.size(), 405u);
-  startAgent();
-  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
-  EXPECT_EQ(agent_.takeErrorOutput(),
-            "TovalinTray: the bundle's path is too long to tell of an update: " + bundle_ + "\n");
-  EXPECT_EQ(count("run: "), 0);
-  EXPECT_EQ(count("pipe: "), 0);
-}
-
-TEST_F(UpdateDue, APathOf405BytesIsNoMatterWhenNoUpdateIsDue) {
-  install(pathOfLength(405));
-  launchAgent();
-  EXPECT_EQ(count("log 3: Tovalin working path [" + bundle_ + "]"), 1);
-}
-
-TEST_F(UpdateDue, APathBeyondThePathBufferEndsTheAgentWithAMessage) {
-  install(pathOfLength(1024));
-  startAgent();
-  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
-  EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("TovalinTray: the bundle's path is too long: "));
 }
 
 }  // namespace

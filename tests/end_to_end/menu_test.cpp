@@ -1,62 +1,17 @@
 #include <gmock/gmock.h>
-#include <signal.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include <QImage>
 
-#include "tests/end_to_end/agent_test.h"
-#include "tests/end_to_end/icon_in_panel.h"
+#include "tests/end_to_end/menu_fixture.h"
 #include "tests/support/product_server_double.h"
 
 namespace {
 
 using test_support::ExitStatus;
 using testing::ElementsAre;
-
-// The agent's icon and menu as a panel sees them over the bus.
-class Menu : public AgentTest {
- protected:
-  void SetUp() override {
-    AgentTest::SetUp();
-    if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
-  }
-
-  // Device pixels to the point on this run's screen.
-  [[nodiscard]] static int scale() {
-    const char* factor = std::getenv("QT_SCALE_FACTOR");
-    return factor == nullptr ? 1 : std::atoi(factor);
-  }
-  [[nodiscard]] static std::string suffix() { return scale() > 1 ? "@2x.png" : ".png"; }
-
-  [[nodiscard]] bool showsIcon(const std::string& name) {
-    return panelShows(host_, agentContents() + "/Resources", name, scale());
-  }
-
-  [[nodiscard]] bool comesToShowIcon(const std::string& name) {
-    return test_support::waitUntil([&] { return showsIcon(name); });
-  }
-
-  [[nodiscard]] std::vector<std::string> visibleLabels() {
-    std::vector<std::string> labels;
-    for (const auto& item : host_.menu()) {
-      if (item.visible) labels.push_back(item.separator ? "--" : item.label);
-    }
-    return labels;
-  }
-
-  void endPortal() {
-    portal_.process().kill();
-    ASSERT_EQ(portal_.process().wait(), ExitStatus{.signal = SIGKILL});
-  }
-
-  void clickAndWait(const std::string& label) {
-    ASSERT_TRUE(host_.click(label));
-    ASSERT_TRUE(host_.waitForEvent("clicked " + label));
-  }
-};
 
 TEST_F(Menu, HasItsElevenLinesAndNoRoomForTheTwelfth) {
   launchAgentInPanel();
@@ -83,95 +38,6 @@ TEST_F(Menu, EveryLineWithATitleCanBeChosen) {
                                    "Support Tovalin", "Quit Tovalin"));
 }
 
-TEST_F(Menu, TheIconFollowsTheStateInALightPanel) {
-  launchAgentInPanel();
-  EXPECT_TRUE(showsIcon("mount on"));
-  terminateAgent();
-  writeProperties({.active = false});
-  launchAgent();
-  ASSERT_TRUE(host_.waitForEvent("registered"));
-  EXPECT_TRUE(comesToShowIcon("mount off"));
-}
-
-TEST_F(Menu, TheIconFollowsTheStateInADarkPanel) {
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  launchAgentInPanel();
-  EXPECT_TRUE(showsIcon("mount on reverse"));
-  EXPECT_EQ(visibleLabels().front(), "Automount Off");
-  terminateAgent();
-  writeProperties({.active = false});
-  launchAgent();
-  ASSERT_TRUE(host_.waitForEvent("registered"));
-  EXPECT_TRUE(comesToShowIcon("mount off reverse"));
-}
-
-TEST_F(Menu, AppearanceChangesFlipTheIconAndFlipItBack) {
-  ASSERT_TRUE(portal_.start(bus_, "0"));
-  launchAgentInPanel();
-  ASSERT_TRUE(portal_.set("1"));
-  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
-  ASSERT_TRUE(portal_.set("2"));
-  EXPECT_TRUE(comesToShowIcon("mount on"));
-}
-
-TEST_F(Menu, ChangesThatAreNotBetweenDarkAndLightFlipNothing) {
-  ASSERT_TRUE(portal_.start(bus_, "0"));
-  launchAgentInPanel();
-  for (const char* value : {"2", "0", "17", "string Dark"}) ASSERT_TRUE(portal_.set(value));
-  ASSERT_TRUE(portal_.tellUnrelatedChange());
-  ASSERT_TRUE(portal_.set("1"));
-  // Had any of them flipped the icon, this change would have flipped it back.
-  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
-}
-
-TEST_F(Menu, APortalThatComesLateIsHeard) {
-  launchAgentInPanel();
-  ASSERT_TRUE(portal_.start(bus_, "0"));
-  ASSERT_TRUE(portal_.set("1"));
-  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
-}
-
-TEST_F(Menu, APortalThatComesLateToADarkDesktopIsAsked) {
-  launchAgentInPanel();
-  EXPECT_TRUE(showsIcon("mount on"));
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
-}
-
-TEST_F(Menu, APortalThatComesBackIsAskedWhatHasChangedMeanwhile) {
-  ASSERT_TRUE(portal_.start(bus_, "0"));
-  launchAgentInPanel();
-  for (const auto& [value, icon] : {std::pair("1", "mount on reverse"), std::pair("2", "mount on")}) {
-    endPortal();
-    ASSERT_TRUE(portal_.start(bus_, value));
-    EXPECT_TRUE(comesToShowIcon(icon));
-  }
-}
-
-TEST_F(Menu, APortalThatComesBackUnchangedFlipsNothing) {
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  launchAgentInPanel();
-  endPortal();
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  ASSERT_TRUE(portal_.waitForEvent("read"));
-  ASSERT_TRUE(portal_.set("0"));
-  // Had the answer flipped the icon, this change would have flipped it back.
-  EXPECT_TRUE(comesToShowIcon("mount on"));
-}
-
-TEST_F(Menu, APortalThatDiesOwingAnAnswerLeavesIconAndMenuAsTheyAre) {
-  ASSERT_TRUE(portal_.start(bus_, "1"));
-  ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
-  launchAgentInPanel();
-  // The agent has given the first answer up by now and waits for the second.
-  for (int i = 0; i < 2; ++i) ASSERT_TRUE(portal_.waitForEvent("read"));
-  endPortal();
-  EXPECT_TRUE(showsIcon("mount on"));
-  clickAndWait("Automount Off");
-  EXPECT_TRUE(comesToShowIcon("mount off"));
-  terminateAgent();
-}
-
 TEST_F(Menu, TwoClicksOnTheSwitchSendOffThenOnAndChangeTitleAndIcon) {
   launchAgentInPanel();
   clickAndWait("Automount Off");
@@ -182,16 +48,6 @@ TEST_F(Menu, TwoClicksOnTheSwitchSendOffThenOnAndChangeTitleAndIcon) {
   ASSERT_TRUE(waitForText("pipe: -m"));
   EXPECT_TRUE(comesToShowIcon("mount on"));
   EXPECT_EQ(visibleLabels().front(), "Automount Off");
-}
-
-TEST_F(Menu, AFlipOfTheAppearanceKeepsTheSwitchedStateAndTheOtherWayRound) {
-  ASSERT_TRUE(portal_.start(bus_, "0"));
-  launchAgentInPanel();
-  clickAndWait("Automount Off");
-  ASSERT_TRUE(portal_.set("1"));
-  EXPECT_TRUE(comesToShowIcon("mount off reverse"));
-  clickAndWait("Automount On");
-  EXPECT_TRUE(comesToShowIcon("mount on reverse"));
 }
 
 TEST_F(Menu, ClicksDuringThePauseAreServedAfterItInOrder) {
@@ -241,7 +97,7 @@ TEST_F(Menu, WithAnUpdateSupportWearsTheBadge) {
   install("/tmp/Applications/Tovalin.app");
   setServers(server.origin());
   launchAgentInPanel();
-  const std::string badge = std::to_string(20 * scale()) + "x" + std::to_string(17 * scale());
+  const std::string badge = std::to_string(20 * screenScale()) + "x" + std::to_string(17 * screenScale());
   int badges = 0;
   for (const auto& item : host_.menu()) {
     EXPECT_EQ(item.iconSize, item.label == "Support Tovalin" ? badge : "0x0") << item.label;
@@ -249,7 +105,8 @@ TEST_F(Menu, WithAnUpdateSupportWearsTheBadge) {
   }
   EXPECT_EQ(badges, 1);
   ASSERT_TRUE(host_.saveMenuIcon("Support Tovalin", "/tmp/badge.png"));
-  const QImage wanted(QString::fromStdString(agentContents() + "/Resources/n" + suffix()));
+  const std::string picture = screenScale() > 1 ? "n@2x.png" : "n.png";
+  const QImage wanted(QString::fromStdString(agentContents() + "/Resources/" + picture));
   EXPECT_EQ(QImage("/tmp/badge.png").convertToFormat(QImage::Format_ARGB32_Premultiplied),
             wanted.convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }

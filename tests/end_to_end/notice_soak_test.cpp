@@ -1,10 +1,9 @@
-#include <cstdlib>
-
 #include "tests/end_to_end/notice_fixture.h"
+#include "tests/end_to_end/soak_fixture.h"
 
 namespace {
 
-class NoticeSoak : public NoticeTest {
+class NoticeSoak : public SoakTest<NoticeTest> {
  protected:
   void showAndHideBoth(int pairs) {
     for (int i = 0; i < pairs && !HasFatalFailure(); ++i) {
@@ -18,25 +17,11 @@ class NoticeSoak : public NoticeTest {
   }
 };
 
-// The first hundred pairs warm everything up that is kept for good.
 TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
-  const char* asked = std::getenv("TOVALIN_SOAK_PAIRS");
-  const int pairs = asked != nullptr ? std::atoi(asked) : 200;
-  constexpr int warmUp = 100;
-  ASSERT_GT(pairs, warmUp);
+  const int pairs = timesAsked("TOVALIN_SOAK_PAIRS", 200);
   launch();
-  showAndHideBoth(warmUp);
-  const auto showBoth = [this] { showAndHideBoth(1); };
-  const long memory = memoryWithAllPictures(showBoth), open = descriptors();
-  showAndHideBoth(pairs - warmUp);
-  EXPECT_TRUE(test_support::waitUntil([&] { return descriptors() == open; }))
-      << descriptors() << " for " << open;
-#ifdef __SANITIZE_ADDRESS__
-  GTEST_SKIP() << "the address sanitizer keeps freed memory, so the agent's size says nothing here";
-#endif
-  const long end = memoryWithAllPictures(showBoth);
-  EXPECT_LE(std::labs(end - memory), 1024);
-  std::printf("%d pairs: %ld kB after %d, %ld kB at the end\n", pairs, memory, warmUp, end);
+  expectNoGrowth({.what = "pairs", .times = pairs, .warmUp = 100, .mostGrowth = 1024},
+                 [this](int times) { showAndHideBoth(times); });
 }
 
 }  // namespace

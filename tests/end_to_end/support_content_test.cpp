@@ -30,7 +30,7 @@ class SupportContent : public SupportTest {
   }
   // Of the picture that comes with the agent, one device pixel to the point.
   [[nodiscard]] bool bannerIsBuiltIn() {
-    const std::string name = scale() == 1 ? "/Tovalinbanner.png" : "/Tovalinbanner@2x.png";
+    const std::string name = screenScale() == 1 ? "/Tovalinbanner.png" : "/Tovalinbanner@2x.png";
     const std::string pixels = runOnDisplay({"convert", agentContents() + "/Resources" + name, "rgb:-"});
     const auto shown = pictureOfPart({0, 0}, 420, 40);
     const auto near = [](std::uint8_t a, char b) { return std::abs(a - static_cast<std::uint8_t>(b)) <= 2; };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -8,6 +7,7 @@
 #include <vector>
 
 #include "tests/end_to_end/notice_fixture.h"
+#include "tests/end_to_end/screen_scale.h"
 #include "tests/support/product_server_double.h"
 #include "tests/support/x_input.h"
 #include "tests/support/x_picture.h"
@@ -129,14 +129,9 @@ class SupportTest : public NoticeTest {
     return static_cast<int>(std::ranges::count_if(test_support::windowsOn(display_.name()), isSupportWindow));
   }
 
-  // Device pixels to the point on this run's screen.
-  [[nodiscard]] static int scale() {
-    const char* factor = std::getenv("QT_SCALE_FACTOR");
-    return factor == nullptr ? 1 : std::atoi(factor);
-  }
   // The middle of the point's upper left pixel and so on, as the display counts.
-  [[nodiscard]] int screenX(Place place) const { return window_.x + place.x * scale(); }
-  [[nodiscard]] int screenY(Place place) const { return window_.y + (239 - place.y) * scale(); }
+  [[nodiscard]] int screenX(Place place) const { return window_.x + place.x * screenScale(); }
+  [[nodiscard]] int screenY(Place place) const { return window_.y + (239 - place.y) * screenScale(); }
   void clickAt(Place place) {
     ASSERT_TRUE(test_support::clickMouse(display_.name(), screenX(place), screenY(place)));
   }
@@ -148,8 +143,8 @@ class SupportTest : public NoticeTest {
   // Of a part of the window in points, its lower left corner first.
   [[nodiscard]] test_support::XPicture pictureOfPart(Place corner, int width, int height) const {
     const Place upperLeft{corner.x, corner.y + height - 1};
-    return test_support::pictureOf(
-               display_.name(), {screenX(upperLeft), screenY(upperLeft), width * scale(), height * scale()})
+    return test_support::pictureOf(display_.name(), {screenX(upperLeft), screenY(upperLeft),
+                                                     width * screenScale(), height * screenScale()})
         .value_or(test_support::XPicture({}, {}));
   }
 

@@ -49,7 +49,7 @@ class SupportFrames : public SupportTest {
   [[nodiscard]] bool drawnAt(int x, int y) const { return !(picture_->at(x, y) == background_); }
 
   [[nodiscard]] Ink inkIn(const Frame& frame) const {
-    const int n = scale();
+    const int n = screenScale();
     Ink ink;
     for (int y = (240 - frame.y - frame.height) * n; y < (240 - frame.y) * n; ++y) {
       for (int x = frame.x * n; x < std::min(frame.x + frame.width, 420) * n; ++x) {
@@ -66,7 +66,7 @@ class SupportFrames : public SupportTest {
 
   void expectDrawnInThese(const std::vector<Frame>& frames) const {
     for (const Frame& frame : frames) EXPECT_TRUE(inkIn(frame).isThere()) << frame.what;
-    const int n = scale();
+    const int n = screenScale();
     int outside = 0;
     for (int y = 0; y < picture_->height(); ++y) {
       for (int x = 0; x < picture_->width(); ++x) {
@@ -93,8 +93,8 @@ TEST_F(SupportFrames, TheWindowIsOfOneLightGrey) {
   const Colour grey = colourOf(bareSpot);
   EXPECT_NEAR(grey.red, 229.5, 1);
   EXPECT_TRUE(grey.red == grey.green && grey.green == grey.blue);
-  EXPECT_EQ(window_.width, 420 * scale());
-  EXPECT_EQ(window_.height, 240 * scale());
+  EXPECT_EQ(window_.width, 420 * screenScale());
+  EXPECT_EQ(window_.height, 240 * screenScale());
 }
 
 TEST_F(SupportFrames, WithTheNetworkEverythingIsDrawnInItsFrameAndNothingOutside) {
@@ -180,7 +180,7 @@ TEST_F(SupportFrames, TheBannerFillsItsBandAndNoMore) {
   launchAndOpen();
   lookAtWindow();
   if (HasFatalFailure()) return;
-  const int n = scale();
+  const int n = screenScale();
   int wrong = 0;
   for (int y = 199 * n; y < 240 * n; ++y) {
     for (int x = 0; x < 420 * n; ++x) wrong += (picture_->at(x, y) == red) != (y >= 200 * n) ? 1 : 0;

@@ -27,13 +27,8 @@ std::string repeated(const std::string& text, int count) {
   return all;
 }
 
-class UpdateCheck : public AgentTest {
+class UpdateCheck : public InstalledAgentTest {
  protected:
-  void SetUp() override {
-    AgentTest::SetUp();
-    if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
-  }
-
   // How often the notification helper is told of an update when the server has this list.
   [[nodiscard]] int noticesAfter(const std::string& list) {
     ProductServerDouble server;

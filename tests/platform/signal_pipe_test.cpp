@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <functional>
 
 #include <QCoreApplication>
 
@@ -33,6 +34,19 @@ ssize_t write(int descriptor, const void* bytes, std::size_t size) {
 
 namespace {
 
+// A program that raises signals before its event loop runs, and ends with 7 when one of them is served.
+auto runUntilItIsServed(const std::function<void()>& raiseSignals) {
+  return test_support::runForked([&] {
+    int argc = 1;
+    char name[] = "test";
+    char* argv[] = {name, nullptr};
+    QCoreApplication application(argc, argv);
+    const platform::SignalPipe pipe([] { QCoreApplication::exit(7); });
+    raiseSignals();
+    return QCoreApplication::exec();
+  });
+}
+
 TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafToSignals) {
   const auto finished = test_support::runForked([] {
     const rlimit noMore{3, 3};
@@ -45,29 +59,17 @@ TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafT
 }
 
 TEST(SignalPipe, ASignalThatCouldNotBeNotedAtFirstIsServedAllTheSame) {
-  const auto finished = test_support::runForked([] {
-    int argc = 1;
-    char name[] = "test";
-    char* argv[] = {name, nullptr};
-    QCoreApplication application(argc, argv);
-    const platform::SignalPipe pipe([] { QCoreApplication::exit(7); });
+  const auto finished = runUntilItIsServed([] {
     failingWrites = 3;
     ::raise(SIGTERM);
     failingWrites = 0;
-    return QCoreApplication::exec();
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 7});
 }
 
 TEST(SignalPipe, APipeThatTakesNoByteMoreHoldsNoSignalUp) {
-  const auto finished = test_support::runForked([] {
-    int argc = 1;
-    char name[] = "test";
-    char* argv[] = {name, nullptr};
-    QCoreApplication application(argc, argv);
-    const platform::SignalPipe pipe([] { QCoreApplication::exit(7); });
+  const auto finished = runUntilItIsServed([] {
     for (int i = 0; i < 100'000; ++i) ::raise(SIGTERM);
-    return QCoreApplication::exec();
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 7});
 }

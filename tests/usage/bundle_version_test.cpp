@@ -1,43 +1,21 @@
 #include "usage/bundle_version.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
-#include "tests/support/child_process.h"
+#include "tests/usage/bundle_probe_fixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kBundle = "/tmp/bundles/My Agent.app";
 constexpr const char* kUntouched = "-1 untouched";
 
-class BundleVersion : public testing::Test {
+class BundleVersion : public settings_test::BundleProbe {
  protected:
-  void SetUp() override {
-    fs::create_directories(std::string(kBundle) + "/Contents/MacOS");
-    fs::copy_file(BUNDLE_VERSION_PROBE, program_);
-  }
-  void TearDown() override { fs::remove_all("/tmp/bundles"); }
-
-  static void putInformation(const std::string& text) {
-    std::ofstream(std::string(kBundle) + "/Contents/Info.plist", std::ios::trunc) << text;
-  }
-  static void putEntries(const std::string& entries) {
-    putInformation("<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
-  }
-  // What the program in the bundle, or one elsewhere, tells.
-  static std::string told(const std::string& program) {
-    test_support::ChildProcess probe;
-    if (!probe.start({program})) return "did not start";
-    return probe.readLine().value_or("told nothing");
-  }
-
-  const std::string program_ = std::string(kBundle) + "/Contents/MacOS/probe";
+  BundleVersion() : BundleProbe(BUNDLE_VERSION_PROBE) {}
 };
 
 TEST_F(BundleVersion, IsThatOfTheProgramsOwnBundle) {
@@ -76,8 +54,7 @@ TEST_F(BundleVersion, KeyThatIsNoStringGivesNone) {
 
 TEST_F(BundleVersion, ProgramOutsideABundleHasNone) {
   putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
-  fs::copy_file(BUNDLE_VERSION_PROBE, "/tmp/bundles/probe");
-  EXPECT_EQ(told("/tmp/bundles/probe"), kUntouched);
+  EXPECT_EQ(toldOutside(), kUntouched);
 }
 
 TEST_F(BundleVersion, LinkFromOutsideLeadsIntoTheBundle) {

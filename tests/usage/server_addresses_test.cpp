@@ -2,45 +2,23 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
-#include "tests/support/child_process.h"
+#include "tests/usage/bundle_probe_fixture.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
-const std::string kBundle = "/tmp/bundles/My Agent.app";
 const std::string kBuiltInProduct = TOVALIN_PRODUCT_SERVER;
 const std::string kBuiltInUpload = TOVALIN_TEST_UPLOAD_SERVER;
 const std::string kBuiltIn = kBuiltInProduct + " " + kBuiltInUpload;
 
-class ServerAddresses : public testing::Test {
+class ServerAddresses : public settings_test::BundleProbe {
  protected:
-  void SetUp() override {
-    fs::create_directories(kBundle + "/Contents/MacOS");
-    fs::copy_file(SERVER_ADDRESSES_PROBE, program_);
-  }
-  void TearDown() override { fs::remove_all("/tmp/bundles"); }
+  ServerAddresses() : BundleProbe(SERVER_ADDRESSES_PROBE) {}
 
-  static void putInformation(const std::string& text) {
-    std::ofstream(kBundle + "/Contents/Info.plist", std::ios::trunc) << text;
-  }
-  static void putEntries(const std::string& entries) {
-    putInformation("<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
-  }
   static std::string entry(const std::string& key, const std::string& value) {
     return "<key>" + key + "</key><string>" + value + "</string>";
   }
-  static std::string told(const std::string& program) {
-    test_support::ChildProcess probe;
-    if (!probe.start({program})) return "did not start";
-    return probe.readLine().value_or("told nothing");
-  }
-
-  const std::string program_ = kBundle + "/Contents/MacOS/probe";
 };
 
 TEST_F(ServerAddresses, AreThoseOfTheBundle) {
@@ -88,8 +66,7 @@ TEST_F(ServerAddresses, DamagedInformationGivesTheBuiltInOnes) {
 
 TEST_F(ServerAddresses, OutsideABundleAreTheBuiltInOnes) {
   putEntries(entry("TovalinProductServer", "http://127.0.0.1:8090"));
-  fs::copy_file(SERVER_ADDRESSES_PROBE, "/tmp/bundles/probe");
-  EXPECT_EQ(told("/tmp/bundles/probe"), kBuiltIn);
+  EXPECT_EQ(toldOutside(), kBuiltIn);
 }
 
 }  // namespace

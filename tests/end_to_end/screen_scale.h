@@ -1,0 +1,9 @@
+#pragma once
+
+#include <cstdlib>
+
+// Device pixels to the point on this run's screen.
+[[nodiscard]] inline int screenScale() {
+  const char* factor = std::getenv("QT_SCALE_FACTOR");
+  return factor == nullptr ? 1 : std::atoi(factor);
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/nimbatrayAppDelegate.h"
+#include "platform/status_item.h"
+#include "tests/support/product_server_double.h"
+#include "tests/usage/record_fixture.h"
+#include "tests/usage/server_parts.h"
+
+namespace settings_test {
+
+using test_support::ProductServerDouble;
+using Reply = ProductServerDouble::Reply;
+
+inline constexpr const char* kYesterday = "Tovalin_2024_03_06.dat";
+inline constexpr const char* kTodaysName = "Tovalin_2024_03_07.dat";
+// An origin that refuses connections.
+inline constexpr const char* kNobody = "http://127.0.0.1:1";
+
+inline std::string inFolder(const std::string& name) {
+  return std::string(kFolder) + "/" + name;
+}
+
+// An upload pass on 7 March 2024 with a server of its own.
+class UploadPass : public Records {
+ protected:
+  void SetUp() override {
+    Records::SetUp();
+    record_parts::setServers(server_.origin(), kNobody);
+    delegate_.dataUploadURL = 1;
+  }
+
+  // The names of the files that are left, beside the identifier.
+  [[nodiscard]] static std::vector<std::string> left() {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(kFolder)) {
+      if (entry.path().extension() != ".txt") names.push_back(entry.path().filename());
+    }
+    return names;
+  }
+
+  // One pass over these files; what it says on standard error.
+  std::string pass(const std::vector<std::string>& names) {
+    for (const std::string& name : names) write(inFolder(name), "bytes of " + name);
+    return errorsOf([this] { EXPECT_TRUE(delegate_.TvlDataFileCheck()); });
+  }
+
+  ProductServerDouble server_;
+  nimbatrayAppDelegate delegate_;
+};
+
+}  // namespace settings_test
