@@ -7,13 +7,10 @@
 #include <cerrno>
 
 namespace platform {
-namespace {
 
 bool saysThereIsNone(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ESTALE;
 }
-
-}  // namespace
 
 std::optional<FileIdentity> folderAt(const std::string& path) {
   struct statx status {};

@@ -18,6 +18,10 @@ struct FileIdentity {
   bool operator==(const FileIdentity&) const = default;
 };
 
+// Whether this errno says of a path that nothing is there, rather than that it can't be found out. Any
+// thread.
+[[nodiscard]] bool saysThereIsNone(int error);
+
 // The folder to which `path` leads, over links too; nothing when there is none. Any thread.
 [[nodiscard]] std::optional<FileIdentity> folderAt(const std::string& path);
 

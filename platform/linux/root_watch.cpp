@@ -47,6 +47,7 @@ bool RootWatch::leadsToWatchedRoot() {
   if (root_ >= 0) {
     const int found = way_.add(path_, rootItself);
     if (found >= 0) return found == root_;
+    if (saysThereIsNone(errno)) return false;
   }
   return leadsTo(path_, identity_);
 }

@@ -3,12 +3,16 @@
 #include <stdlib.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 #include "platform/file_descriptor.h"
 #include "platform/linux/root_watch.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/platform/file_event_fixture.h"
+#include "tests/platform/refused_call.h"
 
 namespace {
 
@@ -69,6 +73,15 @@ TEST_F(RootChange, RemovingAllFromFarAboveIt) {
   watch();
   fs::remove_all("/tmp/way");
   EXPECT_THAT(nextBatch(), ElementsAre(changed(), rootChanged()));
+}
+
+TEST_F(RootChange, IsSeenWhereTheRootsIdentityIsRefused) {
+  auto watch = platform::RootWatch::create(root_);
+  ASSERT_TRUE(watch);
+  fs::remove(root_);
+  bool changed = false;
+  ASSERT_TRUE(withRefusedCall(SYS_statx, EACCES, [&] { changed = watch->hasChanged(); }));
+  EXPECT_TRUE(changed);
 }
 
 TEST_F(RootChange, RemovingTheEmptyRootWhileItIsHeldOpen) {
