@@ -99,7 +99,7 @@ std::uint64_t offsetInProgram(void* address) {
 
 // The errno with which this call is to fail; 0: it goes through.
 int faultOf(std::size_t call, void* caller) {
-  if (order.report == nullptr || isLooking) return 0;
+  if (order.report == nullptr || order.report->isOpen == 0 || isLooking) return 0;
   isLooking = true;
   void* const frame = agentsFrame(caller, call != indexOf("small malloc"));
   isLooking = false;
@@ -121,6 +121,14 @@ bool isAgent() {
   const ssize_t length = ::syscall(SYS_readlinkat, AT_FDCWD, "/proc/self/exe", path.data(), path.size());
   return length > 0 &&
          std::string_view(path.data(), static_cast<std::size_t>(length)).ends_with("/TovalinTray");
+}
+
+// A disk that becomes full takes the beginning of a file whole, which fits into the first block. Asked of the
+// kernel itself, so that this look is no call of its own.
+bool isTakenInPart(int file) {
+  struct stat status {};
+  return ::syscall(SYS_newfstatat, file, "", &status, AT_EMPTY_PATH) == 0 && S_ISREG(status.st_mode) &&
+         status.st_size > 0;
 }
 
 faults::Report* openReport(const char* path) {
@@ -169,7 +177,6 @@ FAILING(open, int, -1, (const char* path, int flags, mode_t mode), path, flags, 
 FAILING(openat, int, -1, (int folder, const char* path, int flags, mode_t mode), folder, path, flags, mode)
 FAILING(fopen64, FILE*, nullptr, (const char* path, const char* mode), path, mode)
 FAILING(read, ssize_t, -1, (int file, void* bytes, std::size_t size), file, bytes, size)
-FAILING(write, ssize_t, -1, (int file, const void* bytes, std::size_t size), file, bytes, size)
 FAILING(lseek, off_t, -1, (int file, off_t offset, int origin), file, offset, origin)
 FAILING(stat, int, -1, (const char* path, struct stat* status), path, status)
 FAILING(lstat, int, -1, (const char* path, struct stat* status), path, status)
@@ -218,6 +225,18 @@ FAILING(curl_multi_poll, CURLMcode, CURLM_OUT_OF_MEMORY,
         (CURLM * loop, curl_waitfd* extra, unsigned count, int wait, int* ready), loop, extra, count, wait,
         ready)
 FAILING(curl_slist_append, curl_slist*, nullptr, (curl_slist * list, const char* text), list, text)
+
+extern "C" ssize_t failingWrite(int file, const void* bytes, std::size_t size) __asm__("write");
+ssize_t failingWrite(int file, const void* bytes, std::size_t size) {
+  static const auto original = next<ssize_t(int, const void*, std::size_t)>("write");
+  if (const int error = faultOf(indexOf("write"), __builtin_return_address(0)); error != 0) {
+    errno = error;
+    return -1;
+  }
+  const bool isInPart =
+      size > 1 && isTakenInPart(file) && faultOf(indexOf("write in part"), __builtin_return_address(0)) != 0;
+  return original(file, bytes, isInPart ? size / 2 : size);
+}
 
 // The kernel has closed the descriptor even when it reports an error.
 extern "C" int failingClose(int file) __asm__("close");

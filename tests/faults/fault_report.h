@@ -11,9 +11,10 @@
 // TOVALIN_FAULT_REPORT, the path of a file that holds a Report.
 namespace faults {
 
-// The calls that can fail. "malloc" is of 64 KiB and more, "small malloc" of less.
+// The calls that can fail. "malloc" is of 64 KiB and more, "small malloc" of less. "write in part" is a write
+// to the end of a file that takes only the first half, as that to a disk that becomes full.
 // clang-format off
-inline constexpr std::array<std::string_view, 47> callNames = {
+inline constexpr std::array<std::string_view, 48> callNames = {
     "open", "openat", "fopen64", "read", "write",
     "close", "lseek", "stat", "lstat", "fstat",
     "statx", "readlink", "fdopendir", "readdir", "mkdir",
@@ -23,10 +24,12 @@ inline constexpr std::array<std::string_view, 47> callNames = {
     "send", "ioctl", "pidfd_open", "posix_spawn", "waitpid",
     "pthread_create", "inotify_init1", "inotify_add_watch", "curl_global_init", "curl_easy_init",
     "curl_multi_init", "curl_multi_add_handle", "curl_multi_perform", "curl_multi_poll", "curl_slist_append",
-    "malloc", "small malloc"};
+    "malloc", "small malloc", "write in part"};
 // clang-format on
 
 struct Report {
+  // Whether calls are counted and fail now.
+  std::atomic<std::uint64_t> isOpen = 0;
   std::array<std::atomic<std::uint64_t>, callNames.size()> counts{};
   std::atomic<std::uint64_t> failed = 0;
   // Where in the agent's program the failed call was made, for addr2line(1).

@@ -1,9 +1,14 @@
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <set>
+#include <span>
+#include <string_view>
+#include <vector>
 
-#include "tests/faults/fault_fixture.h"
+#include "tests/faults/lives.h"
 
 namespace {
 
@@ -13,18 +18,27 @@ struct Kind {
 };
 
 // In how many places of a life each of these fails: a few, or all.
-constexpr std::uint64_t kSample = 2, kAll = 100'000, kOfManyAll = 60;
+struct Extent {
+  std::uint64_t sample;
+  std::uint64_t ofMany;  // of calls that come by the hundred, or as long as somebody waits
+};
+constexpr Extent kOfWholeLife{2, 60}, kOfPartOfLife{1, 20};
+constexpr std::uint64_t kAll = 100'000;
 
-std::uint64_t limitFor(const std::string& call) {
-  if (std::getenv("TOVALIN_FAULTS") == nullptr) return kSample;
-  // Of those that come by the thousand, or as long as somebody waits.
-  const bool comesWithoutEnd = call == "small malloc" || call == "curl_multi_poll" ||
-                               call == "curl_multi_perform" || call == "ioctl" || call == "select";
-  return comesWithoutEnd ? kOfManyAll : kAll;
+bool isSample() {
+  return std::getenv("TOVALIN_FAULTS") == nullptr;
 }
 
-// The first and the last of `count`, and others between them at equal distances.
+std::uint64_t limitFor(const std::string& call, const Extent& extent) {
+  if (isSample()) return extent.sample;
+  const bool comesWithoutEnd = call == "small malloc" || call == "curl_multi_poll" ||
+                               call == "curl_multi_perform" || call == "ioctl" || call == "select";
+  return comesWithoutEnd ? extent.ofMany : kAll;
+}
+
+// The last of `count`, the first where there is more than one, and others between them at equal distances.
 std::set<std::uint64_t> placesAmong(std::uint64_t count, std::uint64_t limit) {
+  if (limit == 1) return {count};
   std::set<std::uint64_t> places;
   for (std::uint64_t i = 0; i < std::min(count, limit); ++i)
     places.insert(count <= limit ? i + 1 : 1 + i * (count - 1) / (limit - 1));
@@ -39,6 +53,8 @@ const char* nameOf(Survival survival) {
       return "served";
     case Survival::ServedWithoutPipe:
       return "served without the pipe";
+    case Survival::ServedWithoutWatch:
+      return "served without the watch";
     case Survival::EndedWithMessage:
       return "ended with a message";
     case Survival::Failed:
@@ -47,84 +63,158 @@ const char* nameOf(Survival survival) {
   return "failed";
 }
 
-class Faults : public FaultTest, public testing::WithParamInterface<Kind> {
+constexpr Kind allKinds[] = {{"open", EMFILE},
+                             {"open", EACCES},
+                             {"openat", EMFILE},
+                             {"fopen64", EMFILE},
+                             {"read", EIO},
+                             {"read", EINTR},
+                             {"write", ENOSPC},
+                             {"write", EINTR},
+                             {"close", EIO},
+                             {"lseek", EINVAL},
+                             {"stat", EACCES},
+                             {"lstat", EACCES},
+                             {"fstat", EIO},
+                             {"statx", EACCES},
+                             {"readlink", EACCES},
+                             {"fdopendir", ENOMEM},
+                             {"readdir", EIO},
+                             {"mkdir", ENOSPC},
+                             {"mkfifo", ENOSPC},
+                             {"chmod", EPERM},
+                             {"fchmod", EPERM},
+                             {"sendfile", EIO},
+                             {"unlink", EACCES},
+                             {"unlinkat", EACCES},
+                             {"remove", EACCES},
+                             {"flock", ENOLCK},
+                             {"flock", EINTR},
+                             {"select", ENOMEM},
+                             {"poll", ENOMEM},
+                             {"pipe2", EMFILE},
+                             {"socket", EMFILE},
+                             {"socketpair", EMFILE},
+                             {"connect", ECONNREFUSED},
+                             {"send", EPIPE},
+                             {"ioctl", ENOTTY},
+                             {"pidfd_open", EMFILE},
+                             {"posix_spawn", EAGAIN},
+                             {"waitpid", EINTR},
+                             {"pthread_create", EAGAIN},
+                             {"inotify_init1", EMFILE},
+                             {"inotify_add_watch", ENOSPC},
+                             {"curl_global_init", ENOMEM},
+                             {"curl_easy_init", ENOMEM},
+                             {"curl_multi_init", ENOMEM},
+                             {"curl_multi_add_handle", ENOMEM},
+                             {"curl_multi_perform", ENOMEM},
+                             {"curl_multi_poll", ENOMEM},
+                             {"curl_slist_append", ENOMEM},
+                             {"malloc", ENOMEM},
+                             {"small malloc", ENOMEM},
+                             {"write in part", ENOSPC}};
+
+// The calls of the parts of a life.
+// clang-format off
+constexpr std::string_view callsOfLogCollection[] = {
+    "open", "openat", "read", "write", "write in part", "close", "lseek", "stat",
+    "lstat", "fstat", "readlink", "fdopendir", "readdir", "mkdir", "unlinkat", "remove",
+    "flock", "select", "send", "ioctl", "posix_spawn", "waitpid", "small malloc"};
+constexpr std::string_view callsOfMidnight[] = {
+    "open", "openat", "fopen64", "read", "write", "write in part", "close", "lseek",
+    "stat", "lstat", "fstat", "readlink", "fdopendir", "readdir", "mkdir", "unlink",
+    "unlinkat", "remove", "flock", "select", "socket", "send", "ioctl", "posix_spawn",
+    "waitpid", "inotify_add_watch", "curl_easy_init", "curl_multi_init",
+    "curl_multi_add_handle", "curl_multi_perform", "curl_multi_poll", "curl_slist_append", "small malloc"};
+constexpr std::string_view callsOfSecondStart[] = {
+    "open", "close", "lstat", "mkdir", "flock", "poll", "socket", "connect", "send", "small malloc"};
+constexpr std::string_view callsOfRemoval[] = {
+    "open", "openat", "read", "write", "write in part", "close", "lseek", "lstat",
+    "fdopendir", "readdir", "mkdir", "unlinkat", "remove", "flock", "select", "ioctl",
+    "posix_spawn", "waitpid", "inotify_add_watch", "small malloc"};
+constexpr std::string_view callsOfWatch[] = {
+    "open", "lstat", "statx", "readlink", "fdopendir", "inotify_init1", "inotify_add_watch"};
+// clang-format on
+
+// In a sample every third.
+std::vector<Kind> kindsOf(std::span<const std::string_view> calls) {
+  std::vector<Kind> kinds;
+  std::size_t seen = 0;
+  std::ranges::copy_if(allKinds, std::back_inserter(kinds), [&](const Kind& kind) {
+    return std::ranges::count(calls, kind.call) == 1 && (!isSample() || seen++ % 3 == 0);
+  });
+  return kinds;
+}
+
+template <typename Life, Extent extent = kOfPartOfLife>
+class FaultsIn : public Life, public testing::WithParamInterface<Kind> {
  protected:
-  // A line that tests/faults/run makes its table of.
+  void letEachFail() {
+    const auto [call, error] = GetParam();
+    const std::uint64_t count = this->callsOf(call);
+    ASSERT_GT(count, 0u) << "the agent makes no such call";
+    for (const std::uint64_t which : placesAmong(count, limitFor(call, extent))) {
+      const Fault fault{call, error, which};
+      const Outcome outcome = this->live(fault);
+      tell(fault, outcome);
+      EXPECT_NE(outcome.survival, Survival::Failed) << outcome.detail;
+    }
+  }
+
+ private:
+  // A line that tests/faults/run makes its tables of.
   void tell(const Fault& fault, const Outcome& outcome) const {
-    std::printf("fault\t%s\t%s\t%llu\t%s\t0x%llx %s\n", fault.call.c_str(), ::strerrorname_np(fault.error),
-                static_cast<unsigned long long>(fault.which), nameOf(outcome.survival),
-                static_cast<unsigned long long>(place()), outcome.detail.substr(0, 200).c_str());
+    std::printf("fault\t%s\t%s\t%s\t%llu\t%s\t0x%llx %s\n", Life::title, fault.call.c_str(),
+                ::strerrorname_np(fault.error), static_cast<unsigned long long>(fault.which),
+                nameOf(outcome.survival), static_cast<unsigned long long>(this->place()),
+                outcome.detail.substr(0, 200).c_str());
     std::fflush(stdout);
   }
 };
 
-TEST_P(Faults, LeavesAnAgentThatServesOrHasEndedWithAMessage) {
-  const auto [call, error] = GetParam();
-  const std::uint64_t count = callsOf(call);
-  ASSERT_GT(count, 0u) << "the agent makes no such call";
-  for (const std::uint64_t which : placesAmong(count, limitFor(call))) {
-    const Fault fault{call, error, which};
-    const Outcome outcome = live(fault);
-    tell(fault, outcome);
-    EXPECT_NE(outcome.survival, Survival::Failed) << outcome.detail;
-  }
-}
-
-constexpr Kind kinds[] = {{"open", EMFILE},
-                          {"open", EACCES},
-                          {"openat", EMFILE},
-                          {"fopen64", EMFILE},
-                          {"read", EIO},
-                          {"read", EINTR},
-                          {"write", ENOSPC},
-                          {"write", EINTR},
-                          {"close", EIO},
-                          {"lseek", EINVAL},
-                          {"stat", EACCES},
-                          {"lstat", EACCES},
-                          {"fstat", EIO},
-                          {"statx", EACCES},
-                          {"readlink", EACCES},
-                          {"fdopendir", ENOMEM},
-                          {"readdir", EIO},
-                          {"mkdir", ENOSPC},
-                          {"mkfifo", ENOSPC},
-                          {"chmod", EPERM},
-                          {"fchmod", EPERM},
-                          {"sendfile", EIO},
-                          {"unlink", EACCES},
-                          {"unlinkat", EACCES},
-                          {"remove", EACCES},
-                          {"flock", ENOLCK},
-                          {"flock", EINTR},
-                          {"select", ENOMEM},
-                          {"poll", ENOMEM},
-                          {"pipe2", EMFILE},
-                          {"socket", EMFILE},
-                          {"socketpair", EMFILE},
-                          {"connect", ECONNREFUSED},
-                          {"send", EPIPE},
-                          {"ioctl", ENOTTY},
-                          {"pidfd_open", EMFILE},
-                          {"posix_spawn", EAGAIN},
-                          {"waitpid", EINTR},
-                          {"pthread_create", EAGAIN},
-                          {"inotify_init1", EMFILE},
-                          {"inotify_add_watch", ENOSPC},
-                          {"curl_global_init", ENOMEM},
-                          {"curl_easy_init", ENOMEM},
-                          {"curl_multi_init", ENOMEM},
-                          {"curl_multi_add_handle", ENOMEM},
-                          {"curl_multi_perform", ENOMEM},
-                          {"curl_multi_poll", ENOMEM},
-                          {"curl_slist_append", ENOMEM},
-                          {"malloc", ENOMEM},
-                          {"small malloc", ENOMEM}};
-
-INSTANTIATE_TEST_SUITE_P(OfEachCall, Faults, testing::ValuesIn(kinds), [](const auto& kind) {
+std::string nameOfKind(const testing::TestParamInfo<Kind>& kind) {
   std::string name = std::string(kind.param.call) + "_" + ::strerrorname_np(kind.param.error);
   std::ranges::replace(name, ' ', '_');
   return name;
-});
+}
+
+class ShortLifeFaults : public FaultsIn<ShortLife, kOfWholeLife> {};
+TEST_P(ShortLifeFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, ShortLifeFaults, testing::ValuesIn(allKinds), nameOfKind);
+
+class LogCollectionFaults : public FaultsIn<LogCollectionLife> {};
+TEST_P(LogCollectionFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, LogCollectionFaults, testing::ValuesIn(kindsOf(callsOfLogCollection)),
+                         nameOfKind);
+
+class MidnightFaults : public FaultsIn<MidnightLife> {};
+TEST_P(MidnightFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, MidnightFaults, testing::ValuesIn(kindsOf(callsOfMidnight)), nameOfKind);
+
+class SecondStartFaults : public FaultsIn<SecondStartLife> {};
+TEST_P(SecondStartFaults, LeaveTheFirstUnharmedAndEndTheSecond) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, SecondStartFaults, testing::ValuesIn(kindsOf(callsOfSecondStart)),
+                         nameOfKind);
+
+class RemovalFaults : public FaultsIn<RemovalLife> {};
+TEST_P(RemovalFaults, LeaveAnAgentThatEndsWithItsBundle) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, RemovalFaults, testing::ValuesIn(kindsOf(callsOfRemoval)), nameOfKind);
+
+class WatchFaults : public FaultsIn<WatchLife> {};
+TEST_P(WatchFaults, LeaveAnAgentThatEndsWithItsBundleOrHasNoWatch) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, WatchFaults, testing::ValuesIn(kindsOf(callsOfWatch)), nameOfKind);
 
 }  // namespace

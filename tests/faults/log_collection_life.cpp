@@ -1,0 +1,82 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/faults/lives.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+const fs::path kDesktop = "/tmp/home/Desktop";
+constexpr Place kContinue{350, 163};
+constexpr const char* kJournal = "/tmp/outside commands/journalctl";
+
+// The journal is the test's own, so that it is there and short.
+void placeJournal() {
+  std::ofstream(kJournal) << "#!/bin/sh\necho an entry of the system\n";
+  fs::permissions(kJournal, fs::perms::owner_all);
+}
+
+void removeCollections() {
+  fs::remove_all(kDesktop);
+  for (const auto& entry : fs::directory_iterator("/tmp")) {
+    if (entry.path().filename().string().starts_with("tovalinlog_")) fs::remove_all(entry.path());
+  }
+}
+
+bool hasArchive() {
+  std::error_code none;
+  const fs::directory_iterator desktop(kDesktop, none);
+  return std::any_of(begin(desktop), end(desktop),
+                     [](const auto& entry) { return entry.path().extension() == ".zip"; });
+}
+
+}  // namespace
+
+void LogCollectionLife::lead() {
+  placeJournal();
+  removeCollections();
+  toldOfItsEnd_ = false;
+  launchToItsEnd();
+  openWindow();
+  if (HasFatalFailure()) return;
+  letCallsFail();
+  collectLogs();
+  closeSupportWindow(window_.id);
+}
+
+void LogCollectionLife::collectLogs() {
+  clickAt(logMiddle);
+  static_cast<void>(comesTrue([&] { return isShaded(); }));
+  const auto question = sheetsMessage();
+  // A key that a busy machine holds for long might answer the next sheet too.
+  clickAt(kContinue);
+  toldOfItsEnd_ = comesTrue([&] { return isShaded() && !(sheetsMessage() == question); });
+  press("Escape");
+  static_cast<void>(comesTrue([&] { return !isShaded(); }));
+}
+
+// A sheet shades all of the window that it does not cover.
+bool LogCollectionLife::isShaded() const {
+  return colourOf(bareSpot).red < 200;
+}
+
+test_support::XPicture LogCollectionLife::sheetsMessage() const {
+  return pictureOfPart({100, 180}, 300, 55);
+}
+
+Outcome LogCollectionLife::judge() {
+  Outcome outcome = FaultTest::judge();
+  if (outcome.survival != Survival::Served || !outcome.detail.empty()) return outcome;
+  if (!toldOfItsEnd_) return {Survival::Failed, "does not tell of the collection's end"};
+  // A command that can't be run is left out without a word, as one that fails.
+  const bool isCommand = fault().call == "posix_spawn";
+  if (!isCommand && !hasArchive()) return {Survival::Failed, "makes no archive, without a word"};
+  return outcome;
+}
+
+bool LogCollectionLife::hasAllRecords() const {
+  return recordsLike(startRecord) == 1 && recordsLike(quitRecord) == (endedBySignal() ? 1 : 2);
+}

@@ -1,0 +1,77 @@
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "tests/faults/lives.h"
+#include "tests/support/file_contents.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using test_support::contentsOf;
+
+constexpr const char* kClock = "/tmp/faults.clock";
+const std::string kDayBefore = "/tmp/home/.local/share/Tovalin/Tovalin_2024_05_01.dat";
+const std::string kNewDay = "/tmp/home/.local/share/Tovalin/Tovalin_2024_05_02.dat";
+
+bool holds(const std::string& bytes, const std::string& record) {
+  return bytes.find(record) != std::string::npos;
+}
+
+// In one piece, since the agent reads it whenever it asks for the time.
+void putClock(const std::string& time) {
+  const std::string draft = kClock + ".new"s;
+  std::ofstream(draft) << '@' << time << '\n';
+  fs::rename(draft, kClock);
+}
+
+// A moment of the new day's first hours, some seconds after the full minute.
+std::string minuteOfNewDay(int minute) {
+  char text[32];
+  std::snprintf(text, sizeof text, "2024-05-02 %02d:%02d:05", minute / 60, minute % 60);
+  return text;
+}
+
+}  // namespace
+
+void MidnightLife::lead() {
+  environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS ":" TOVALIN_FAKETIME;
+  environment_["FAKETIME_TIMESTAMP_FILE"] = kClock;
+  environment_["FAKETIME_NO_CACHE"] = "1";
+  putClock("2024-05-01 23:59:00");
+  launchToItsEnd();
+  letCallsFail();
+  sendToPipe(deviceMessage);
+  static_cast<void>(comesTrue([] { return holds(contentsOf(kDayBefore), deviceRecord); }));
+  passMidnight();
+}
+
+void MidnightLife::passMidnight() {
+  putClock(minuteOfNewDay(1));
+  static_cast<void>(comesTrue([&] { return wakes() && fs::exists(kNewDay); }));
+  sendToPipe(transferMessage);
+  static_cast<void>(comesTrue([] { return holds(contentsOf(kNewDay), transferRecord); }));
+  waitForPass();
+}
+
+// The pass comes in one of the minutes of an hour, which is some second of that tick which saw the new day.
+void MidnightLife::waitForPass() {
+  for (int minute = 2; minute < 70 && agent_.running() && fs::exists(kDayBefore); ++minute) {
+    putClock(minuteOfNewDay(minute));
+    // The first wakes the agent, which then sees that its timer is due; the second is answered after that.
+    if (!wakes() || !wakes()) return;
+  }
+}
+
+// Asking for the icon ends the main thread's wait, whose length was reckoned before the clock was put
+// forward.
+bool MidnightLife::wakes() {
+  return host_.ask("properties").ok;
+}
+
+bool MidnightLife::hasAllRecords() const {
+  const std::string dayBefore = contentsOf(kDayBefore) + sentUploads(), newDay = contentsOf(kNewDay);
+  return holds(dayBefore, startRecord) && holds(dayBefore, deviceRecord) && holds(newDay, transferRecord) &&
+         holds(newDay, quitRecord);
+}

@@ -1,0 +1,71 @@
+#include <filesystem>
+
+#include "tests/faults/lives.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+bool isMenu(const test_support::XWindow& window) {
+  return window.className == "Tovalin" && window.width > 100;
+}
+
+}  // namespace
+
+void SecondStartLife::lead() {
+  environment_["LD_PRELOAD"] = std::nullopt;
+  launchToItsEnd();
+  test_support::ChildOptions options;
+  options.environment = environment_;
+  options.environment["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
+  options.error = test_support::Redirection::pipe();
+  letCallsFail();
+  ASSERT_TRUE(second_.start({agentProgram()}, options));
+}
+
+Outcome SecondStartLife::judge() {
+  Outcome second = judgeSecond();
+  if (second.survival == Survival::Failed) return second;
+  const std::string harm = harmToFirst();
+  if (!harm.empty()) return {Survival::Failed, harm};
+  const Outcome first = FaultTest::judge();
+  if (first.survival != Survival::Served) return {Survival::Failed, "the first agent: " + first.detail};
+  if (!hasAllRecords()) return {Survival::Failed, "the first agent's records are not its own alone"};
+  return second;
+}
+
+Outcome SecondStartLife::judgeSecond() {
+  const auto status = second_.wait(15s);
+  second_.kill();
+  addToConsole(second_.takeErrorOutput());
+  if (!status) return {Survival::Failed, "the second start does not end"};
+  if (status->signal)
+    return {Survival::Failed, "the second start: signal " + std::to_string(*status->signal)};
+  const bool opened =
+      test_support::waitForWindow(display_.name(), isMenu, status->code == 0 ? 5s : 0s).has_value();
+  if (opened) closeMenu();
+  const std::string said = message();
+  if (said.empty() && (status->code != 0 || !opened))
+    return {Survival::Failed, "the second start ends without menu or word: " + std::to_string(*status->code)};
+  return {opened ? Survival::Served : Survival::EndedWithMessage, said};
+}
+
+void SecondStartLife::closeMenu() {
+  static_cast<void>(comesTrue([&] {
+    press("Escape");
+    return test_support::waitForNoWindow(display_.name(), isMenu, 100ms);
+  }));
+}
+
+std::string SecondStartLife::harmToFirst() {
+  for (const char* name : {"launchctl", "open", "osascript"}) {
+    if (!fs::exists(std::string("/tmp/runtime/TovalinTray/helpers/") + name))
+      return std::string("the first agent has lost its helper ") + name;
+  }
+  return count("pipe: -ton") == 1 ? "" : "the second start tells the main application that it is up";
+}
+
+bool SecondStartLife::hasAllRecords() const {
+  return recordsLike(startRecord) == 1 && recordsLike(quitRecord) == (endedBySignal() ? 1 : 2);
+}
