@@ -123,6 +123,27 @@ ExitStatus AgentTest::endOfAgent() {
   return status.value_or(ExitStatus{});
 }
 
+std::chrono::milliseconds AgentTest::timeToEnd(const std::function<void()>& prepare,
+                                               const std::function<void()>& removal) {
+  const fs::path kept = "/tmp/Kept.app";
+  fs::remove_all(kept);
+  fs::copy(bundle_, kept, fs::copy_options::recursive);
+  auto shortest = std::chrono::milliseconds::max();
+  for (int i = 0; i < 5 && shortest >= longestEnd; ++i) {
+    fs::remove_all(bundle_);
+    fs::create_directories(fs::path(bundle_).parent_path());
+    fs::copy(kept, bundle_, fs::copy_options::recursive);
+    prepare();
+    if (HasFatalFailure()) return shortest;
+    const auto start = std::chrono::steady_clock::now();
+    removal();
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();
+    shortest = std::min(shortest, std::chrono::duration_cast<std::chrono::milliseconds>(
+                                      std::chrono::steady_clock::now() - start));
+  }
+  return shortest;
+}
+
 void AgentTest::terminateAgent() {
   agent_.terminate();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();

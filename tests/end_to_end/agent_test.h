@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -14,6 +15,9 @@
 #include "tests/support/test_display.h"
 #include "tests/support/timeline.h"
 #include "tests/support/tray_host_double.h"
+
+// From the end of the bundle to that of the agent, half a second of it the watch's.
+inline constexpr std::chrono::milliseconds longestEnd{2000};
 
 // The real agent, in a copy of its bundle, on a display and a session bus of the test's own. What it does is
 // seen from outside: its messages, its log entries and the commands that it runs, on one time line.
@@ -48,6 +52,10 @@ class AgentTest : public testing::Test {
   // ... and until its icon is in the host's panel.
   void launchAgentInPanel();
   [[nodiscard]] test_support::ExitStatus endOfAgent();
+  // How long the agent that `prepare` brings up takes from the removal of its bundle to its end: the shortest
+  // of up to five tries, as a busy machine may hold up one or another. Each try has the bundle as it is now.
+  [[nodiscard]] std::chrono::milliseconds timeToEnd(const std::function<void()>& prepare,
+                                                    const std::function<void()>& removal);
   // Sends SIGTERM and expects a proper end.
   void terminateAgent();
 

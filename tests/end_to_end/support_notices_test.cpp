@@ -326,6 +326,20 @@ TEST_F(SupportMeets, TheBundlesEndBehindASheet) {
   expectEndsWithTheBundle();
 }
 
+TEST_F(SupportMeets, EachEndOfTheBundleEndsTheAgentBehindASheetAndANoticeWithinTwoSeconds) {
+  const auto withSheetAndNotice = [this] {
+    launchAndOpen();
+    openSheet();
+    show("-neon", isLoadingNotice);
+  };
+  const auto isMoved = [] {
+    std::filesystem::remove_all("/tmp/Programs");
+    std::filesystem::rename("/tmp/Applications", "/tmp/Programs");
+  };
+  EXPECT_LT(timeToEnd(withSheetAndNotice, isMoved), longestEnd);
+  EXPECT_LT(timeToEnd(withSheetAndNotice, [this] { std::filesystem::remove_all(bundle_); }), longestEnd);
+}
+
 TEST_F(SupportMeets, TheBundlesEndAfterUpdate) {
   launchAndOpen();
   update();
