@@ -93,8 +93,8 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   // usage/usage_upload.cpp
   void TvlDataFileUploadThread();  // on a thread of its own
   void TvlCheckDataUpload();
-  bool TvlDataFileCheck();                               // one pass; any thread
-  bool sendPostRequest(std::span<const char> contents);  // any thread
+  bool TvlDataFileCheck();                               // one pass, true at its end; any thread
+  bool sendPostRequest(std::span<const char> contents);  // true when the server took it; any thread
 
   // notices/notice_methods.cpp
   void notificationOn();
@@ -161,6 +161,7 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   // ipc/notification_listener.cpp; on the listener's thread
   void listen(int pipe);
   void dispatch(std::span<const char> buffer, ShownNotices& shown);
+  std::atomic<int> noticeCallsWaiting = 0;  // that the listener has handed to the main thread
 };
 
 static_assert(std::atomic<bool>::is_always_lock_free && sizeof(std::atomic<bool>) == 1);

@@ -19,8 +19,8 @@ add_library(tovalin_core STATIC
   ipc/command_pipe.cpp
   ipc/notification_commands.cpp
   ipc/notification_listener.cpp
-  ipc/readable.cpp
   ipc/notification_pipe.cpp
+  ipc/readable.cpp
   notices/clickable_image_view.cpp
   notices/image_resize.cpp
   notices/notice_methods.cpp
@@ -28,23 +28,24 @@ add_library(tovalin_core STATIC
   support/address.cpp
   support/log_collection.cpp
   support/log_rules.cpp
-  support/server_fetch.cpp
   support/server_content.cpp
+  support/server_fetch.cpp
   support/server_notice.cpp
   support/support_controls.cpp
   support/support_window.cpp
+  support/updater_folder.cpp
   support/version_check.cpp
   support/version_rules.cpp
   usage/application_directory.cpp
   usage/bundle_version.cpp
   usage/collect_message.cpp
+  usage/file_bytes.cpp
   usage/installation_identity.cpp
   usage/os_code.cpp
   usage/property_file.cpp
   usage/record_bytes.cpp
   usage/server_addresses.cpp
   usage/server_option.cpp
-  usage/file_bytes.cpp
   usage/upload_files.cpp
   usage/upload_rules.cpp
   usage/usage_file.cpp

@@ -24,6 +24,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr std::chrono::milliseconds waitTime = 30ms;
+constexpr int mostNoticeCallsWaiting = 64;
 
 static_assert(record_format::message::size == notificationBufferSize);
 
@@ -77,6 +78,11 @@ void nimbatrayAppDelegate::listen(int pipe) {
   }
   const platform::FileDescriptor ownEnd = holdOpenForWriting(pipe);
   while (bThreadRun) {
+    // Whoever floods the pipe finds it full, and not this process's memory.
+    if (noticeCallsWaiting >= mostNoticeCallsWaiting) {
+      std::this_thread::sleep_for(waitTime);
+      continue;
+    }
     const int ready = waitUntilReadable(pipe, waitTime);
     if (ready == -1) return logFailure("pipe select error");
     if (ready == 0) continue;
@@ -94,7 +100,11 @@ void nimbatrayAppDelegate::listen(int pipe) {
 
 void nimbatrayAppDelegate::dispatch(std::span<const char> buffer, ShownNotices& shown) {
   const auto onMainThread = [this](void (nimbatrayAppDelegate::*method)()) {
-    platform::Application::sharedApplication().performOnMainThread([this, method] { (this->*method)(); });
+    ++noticeCallsWaiting;
+    platform::Application::sharedApplication().performOnMainThread([this, method] {
+      --noticeCallsWaiting;
+      (this->*method)();
+    });
   };
   const std::string_view text = textIn(buffer);
   switch (notificationActionFor(text, shown)) {

@@ -22,7 +22,7 @@ std::shared_ptr<platform::View> rightPane(const NoticeLayout& layout) {
   auto field = std::make_shared<platform::TextField>(layout.textField);
   field->setAlignment(platform::TextAlignment::Left);
   field->setText(layout.text);
-  field->setSystemFont(noticeFontSize);
+  field->setFont(platform::Font(noticeFontSize));
   pane->addSubview(std::move(field));
   return pane;
 }

@@ -47,9 +47,9 @@ class Image {
   std::unique_ptr<Impl> impl_;
 };
 
-// A fresh image of the file `name` among the program's resources; on screens of more than one pixel to the
-// point with its form for those ("NAME@2x.png"), where there is one. Nothing when there is no such file or it
-// is no picture. Main thread.
+// A fresh image of the file `name` among the program's resources, in the format that its ending names; on
+// screens of more than one pixel to the point with its form for those ("NAME@2x.png"), where there is one.
+// Nothing when there is no such file or it is no picture. Main thread.
 [[nodiscard]] std::shared_ptr<Image> imageNamed(std::string_view name);
 
 // A fresh image of picture data in any format of pixels that the desktop reads, one point to the pixel.

@@ -33,7 +33,8 @@ class StatusItem {
   void setMenu(std::unique_ptr<Menu> menu);
   // nullptr while there is none.
   [[nodiscard]] Menu* menu() const;
-  // Opens the menu near the pointer and returns at once; also where no panel shows the icon.
+  // Opens the menu and returns at once: at the icon, or at the pointer where the panel doesn't tell the
+  // icon's place or there is none.
   void popUpMenu();
 
  private:

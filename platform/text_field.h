@@ -17,8 +17,6 @@ class TextField : public View {
   void setText(std::string_view text);
   // 12 points at first.
   void setFont(Font font);
-  // The same, not bold; `size` in points.
-  void setSystemFont(double size);
 };
 
 }  // namespace platform

@@ -13,7 +13,7 @@ class TextField;
 class TextView;
 }  // namespace platform
 
-// The kinds of controls that the support window is made of. Main thread.
+// The kinds of controls that the support window is made of. Frames and font sizes are in points. Main thread.
 
 [[nodiscard]] std::shared_ptr<platform::TextField> makeLabel(platform::Rect frame, std::string_view text,
                                                              platform::TextAlignment alignment,

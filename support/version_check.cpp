@@ -4,6 +4,7 @@
 #include "platform/log.h"
 #include "platform/shell.h"
 #include "support/server_fetch.h"
+#include "support/updater_folder.h"
 #include "support/version_rules.h"
 
 int nimbatrayAppDelegate::getRecentVersion() {
@@ -24,7 +25,9 @@ void nimbatrayAppDelegate::updateBtnClick() {
   const auto command = copyUpdaterCommand(gBundlePath);
   if (!command)
     platform::fatalError(std::string("the bundle's path is too long to copy the updater: ") + gBundlePath);
-  platform::system(*command);
-  platform::system("open /tmp/tovalinupdate.app");
+  if (claimUpdaterFolder()) {
+    platform::system(*command);
+    platform::system(std::string("open ") + updaterFolder);
+  }
   platform::Application::sharedApplication().stopModal();
 }

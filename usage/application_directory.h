@@ -9,5 +9,5 @@
 [[nodiscard]] std::optional<std::string> applicationDirectory();
 
 // Where the file `name` stands in that folder, without making the folder; nothing when there is no place for
-// it.
+// it. Any thread.
 [[nodiscard]] std::optional<std::string> applicationFile(std::string_view name);

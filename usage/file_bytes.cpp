@@ -9,7 +9,8 @@
 #include "platform/log.h"
 
 platform::FileDescriptor openForReading(const std::string& path) {
-  return platform::FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  return platform::FileDescriptor(
+      ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW));
 }
 
 std::size_t sizeOf(const platform::FileDescriptor& file) {
@@ -28,8 +29,8 @@ bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes) {
 }
 
 bool writeNewFile(const std::string& path, std::string_view text) {
-  const platform::FileDescriptor file(
-      ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666));
+  const platform::FileDescriptor file(::open(
+      path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW, 0666));
   if (!file.valid()) {
     platform::errorLog("create file failed");
     return false;

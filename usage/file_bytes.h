@@ -9,7 +9,8 @@
 
 // Whole small files: settings, identities, and days of usage that wait to be sent. Any thread.
 
-// Opens for reading; never waits, whatever stands at the path. Not valid on failure, with errno set.
+// Opens for reading; never waits, whatever stands at the path, and follows no link there. Not valid on
+// failure, with errno set.
 [[nodiscard]] platform::FileDescriptor openForReading(const std::string& path);
 
 // The size in bytes; a descriptor without one counts as 0.
@@ -18,6 +19,6 @@
 // Fills all of `bytes` from where the file stands. False when there are fewer.
 [[nodiscard]] bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes);
 
-// Makes the file, or empties the one that is there, and writes `text`. On failure to make it: "create file
-// failed" on the error log, and false.
+// Makes the file, or empties the one that is there, but never what a link there leads to, and writes `text`.
+// On failure to make it: "create file failed" on the error log, and false.
 [[nodiscard]] bool writeNewFile(const std::string& path, std::string_view text);

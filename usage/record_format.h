@@ -5,7 +5,7 @@
 #include <string_view>
 
 // The numbers and fixed texts of the usage record file and of the "-ncdat" message, which
-// doc/usage_record_format.md describes. The writer, the reader in tools/ and nothing else are built on them.
+// doc/usage_record_format.md describes. Whoever writes, sends or reads them takes the numbers from here.
 namespace record_format {
 
 inline constexpr std::string_view magic = "TVLD";

@@ -7,6 +7,7 @@
 #include <new>
 #include <system_error>
 
+#include "platform/log.h"
 #include "usage/file_bytes.h"
 
 std::vector<std::string> uploadCandidates(const std::string& folder) {
@@ -25,7 +26,10 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
   struct stat status {};
   if (!file.valid() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   const std::size_t size = sizeOf(file);
-  if (size > largestUpload) return std::nullopt;
+  if (size > largestUpload) {
+    platform::systemLog(platform::LogPriority::Error, "usage file too large to be sent : " + path);
+    return std::nullopt;
+  }
   try {
     std::string contents(size, '\0');
     if (!readWhole(file, contents)) return std::nullopt;

@@ -25,7 +25,8 @@ struct UploadTick {
 [[nodiscard]] std::string uploadAddress(std::string_view origin);
 
 // A form of RFC 7578 with one file in it: the header's line, and what stands before and behind the file's
-// bytes. The line end before the first delimiter is meant: the server's parser knows it.
+// bytes. The line end before the first delimiter is meant: the server's parser knows it. Pure; any thread, as
+// all here.
 [[nodiscard]] std::string uploadContentType();
 [[nodiscard]] std::string uploadBodyHead();  // 177 bytes
 [[nodiscard]] std::string uploadBodyTail();  // 64 bytes

@@ -38,8 +38,8 @@ bool isRegular(int descriptor) {
 }  // namespace
 
 std::optional<UsageFile> UsageFile::open(const std::string& path) {
-  // Not waiting for the other end of a pipe that somebody put there.
-  constexpr int flags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  // Not waiting for the other end of a pipe that somebody put there, nor following a link to another file.
+  constexpr int flags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
   platform::FileDescriptor descriptor(::open(path.c_str(), flags, 0666));
   if (!descriptor.valid()) return std::nullopt;
   const bool held = hold(descriptor.get());

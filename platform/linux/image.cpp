@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <set>
 
 #include <QBuffer>
 #include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
@@ -21,6 +23,7 @@ namespace platform {
 namespace {
 
 constexpr double maxPixels = 64e6;
+constexpr qsizetype bytesOfPixel = 4;
 constexpr int maxBytesOfData = 64 << 20;
 
 // Of the screens, rising; 1 without screens.
@@ -33,9 +36,12 @@ std::set<double> backingScales() {
 QImage emptyForm(Size size, double scale) {
   const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
   if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
-  QImage form(static_cast<int>(width), static_cast<int>(height), QImage::Format_ARGB32_Premultiplied);
-  form.fill(Qt::transparent);
-  return form;
+  const auto columns = static_cast<int>(width), rows = static_cast<int>(height);
+  // All zeros are transparent, and zeros of the C library's cost nothing where all is drawn over at once.
+  auto* pixels = static_cast<uchar*>(std::calloc(static_cast<std::size_t>(rows), columns * bytesOfPixel));
+  if (pixels == nullptr) return {};
+  return {pixels,    columns, rows, columns * bytesOfPixel, QImage::Format_ARGB32_Premultiplied,
+          std::free, pixels};
 }
 
 // Names a file as it is now.
@@ -47,9 +53,12 @@ QString versionOf(const QString& path) {
 // Decoding a large picture takes some milliseconds, so it is kept for as long as it is asked for.
 QImage pixelsIn(const QString& path) {
   return keptPixels(versionOf(path), [&] {
-    QImage pixels(path);
-    pixels.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
-    return pixels;
+    // The file's name tells the format: asking it of the file would load every kind of picture that there is.
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return QImage();
+    QImageReader reader(&file, QFileInfo(path).suffix().toLatin1());
+    reader.setAutoDetectImageFormat(false);
+    return reader.read();
   });
 }
 

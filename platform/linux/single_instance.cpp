@@ -14,6 +14,7 @@
 #include <QDBusVirtualObject>
 
 #include "platform/linux/private_folder.h"
+#include "platform/log.h"
 
 namespace platform {
 namespace {
@@ -76,7 +77,10 @@ bool SingleInstance::listen(std::function<void()> reopened) {
 
 bool SingleInstance::tellFirst() {
   auto bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return true;
+  if (!bus.isConnected()) {
+    consoleLog("TovalinTray runs already; its menu can't be opened from here without a session bus");
+    return true;
+  }
   QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, interface, activate);
   call << QVariantMap();
   call.setAutoStartService(false);

@@ -25,7 +25,7 @@ class SingleInstance {
   [[nodiscard]] bool listen(std::function<void()> reopened);
 
   // Second process: tells the first one, waiting up to ten seconds while that starts, is busy or ends. False
-  // when it has ended instead. A desktop without a bus is left at that.
+  // when it has ended instead. Without a bus it is left at a line on standard error.
   [[nodiscard]] bool tellFirst();
 
  private:

@@ -20,7 +20,7 @@ TextField::TextField(Rect frame) : View(std::make_unique<Impl>(frame, std::make_
   label(*this).setTextFormat(Qt::PlainText);
   label(*this).setTextInteractionFlags(Qt::NoTextInteraction);
   setAlignment(TextAlignment::Left);
-  setSystemFont(defaultFontSize);
+  setFont(Font(defaultFontSize));
 }
 
 void TextField::setAlignment(TextAlignment alignment) {
@@ -33,10 +33,6 @@ void TextField::setText(std::string_view text) {
 
 void TextField::setFont(Font font) {
   label(*this).setFont(systemFont(label(*this).font(), font));
-}
-
-void TextField::setSystemFont(double size) {
-  setFont(Font(size));
 }
 
 }  // namespace platform

@@ -112,11 +112,12 @@ TEST_F(Process, ASecondStartDuringTheLaunchOpensTheMenuAfterIt) {
   EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
 }
 
-TEST_F(Process, ASecondStartNeedsNoDisplayAndNoBus) {
+TEST_F(Process, ASecondStartNeedsNoDisplayAndTellsWhyWithoutABusNoMenuOpens) {
   launchAgent();
   environment_["DISPLAY"] = std::nullopt;
   environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  EXPECT_THAT(another_.takeErrorOutput(), testing::HasSubstr("runs already"));
   EXPECT_TRUE(agent_.running());
 }
 

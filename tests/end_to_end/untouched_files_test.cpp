@@ -90,7 +90,8 @@ class UntouchedFiles : public SupportTest {
           "/tmp/home/.local/state/Tovalin/Tovalin1.crash", "/tmp/home/.local/share/Tovalin/notes.txt",
           "/tmp/home/.local/share/Tovalin/NOTES.DAT"})
       plant(path);
-    // Links of these names are the agent's own to delete; what they lead to is not.
+    plant(ownFolder + "/Tovalin_2024_01_03.dat");
+    // These are neither followed nor sent.
     fs::create_symlink("/tmp/home/canary", ownFolder + "/Tovalin_2024_01_01.dat");
     fs::create_symlink("/tmp/home/Desktop", ownFolder + "/Tovalin_2024_01_02.dat");
   }
@@ -100,7 +101,8 @@ TEST_F(UntouchedFiles, AWholeLifeChangesNothingButTheAgentsOwnFiles) {
   const Snapshot before = snapshot();
   launchInPanel();
   ASSERT_TRUE(server_->waitForRequests("POST", 1));
-  ASSERT_TRUE(waitUntil([] { return !fs::is_symlink(ownFolder + "/Tovalin_2024_01_01.dat"); }));
+  ASSERT_TRUE(waitUntil([] { return !fs::exists(ownFolder + "/Tovalin_2024_01_03.dat"); }));
+  EXPECT_TRUE(fs::is_symlink(ownFolder + "/Tovalin_2024_01_01.dat"));
   send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
   ASSERT_TRUE(waitUntil([] { return recordsLike("\x04\x13") == 1; }));
   send("-non");

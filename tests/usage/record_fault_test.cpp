@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <fstream>
 #include <thread>
 
 #include "tests/support/wait_until.h"
@@ -84,8 +85,19 @@ TEST_F(Records, NoDescriptorStaysOpen) {
 }
 
 TEST_F(Records, DeviceInThePlaceOfTheFileIsNotWritten) {
-  fs::create_symlink("/dev/null", kToday);
+  std::ofstream(kToday).flush();
+  ASSERT_EQ(::mount("/dev/null", kToday, nullptr, MS_BIND, nullptr), 0);
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Invalid argument\n");
+  ASSERT_EQ(::umount(kToday), 0);
+}
+
+TEST_F(Records, WhatALinkInThePlaceOfTheFileLeadsToIsNotWritten) {
+  fs::create_symlink("/tmp/somebody else's", kToday);
+  for (const char* content : {"", "text"}) {
+    std::ofstream("/tmp/somebody else's") << content;
+    EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Too many levels of symbolic links\n");
+    EXPECT_EQ(contentsOf("/tmp/somebody else's"), content);
+  }
 }
 
 TEST_F(Records, SomebodyWhoHoldsTheFileIsPassedByInTheEnd) {
