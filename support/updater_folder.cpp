@@ -26,3 +26,7 @@ bool claimUpdaterFolder() {
                       std::string("updater's folder is not this user's alone : ") + updaterFolder);
   return false;
 }
+
+void dropEmptyUpdaterFolder() {
+  ::rmdir(updaterFolder);
+}

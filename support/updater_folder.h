@@ -7,3 +7,6 @@ inline constexpr const char* updaterFolder = "/tmp/tovalinupdate.app";
 // False, and a line in the system log, when it is somebody else's or no folder: the copy would follow links
 // in it. Any thread.
 [[nodiscard]] bool claimUpdaterFolder();
+
+// Removes the folder where nothing was copied into it. Any thread.
+void dropEmptyUpdaterFolder();

@@ -27,6 +27,7 @@ void nimbatrayAppDelegate::updateBtnClick() {
     platform::fatalError(std::string("the bundle's path is too long to copy the updater: ") + gBundlePath);
   if (claimUpdaterFolder()) {
     platform::system(*command);
+    dropEmptyUpdaterFolder();
     platform::system(std::string("open ") + updaterFolder);
   }
   platform::Application::sharedApplication().stopModal();
