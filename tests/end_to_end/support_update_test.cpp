@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "tests/end_to_end/support_fixture.h"
+#include "tests/support/file_contents.h"
 
 namespace {
 
@@ -39,6 +42,36 @@ TEST_F(SupportUpdate, TellsSoSendsItsBeaconAndRunsBothCommandsInTheirOrder) {
                                    "run: cp -Rf " + bundle_ + "/Contents/Resources/tovalinupdate.app /tmp/",
                                    openUpdater));
   std::filesystem::remove("/tmp/outside commands/cp");
+}
+
+TEST_F(SupportUpdate, LeavesNothingWhereTheProductBringsNoUpdater) {
+  launchAndOpen();
+  std::filesystem::remove_all(bundle_ + "/Contents/Resources/tovalinupdate.app");
+  timeline_.clear();
+  clickAt(updateMiddle);
+  ASSERT_TRUE(waitForText(openUpdater));
+  EXPECT_FALSE(std::filesystem::exists("/tmp/tovalinupdate.app"));
+}
+
+TEST_F(SupportUpdate, CopiesOverItsOwnCopyFromBefore) {
+  std::filesystem::create_directories("/tmp/tovalinupdate.app/Contents");
+  std::ofstream("/tmp/tovalinupdate.app/Contents/Info.plist") << "old";
+  update();
+  EXPECT_THAT(test_support::contentsOf("/tmp/tovalinupdate.app/Contents/Info.plist"),
+              testing::Not(testing::HasSubstr("old")));
+}
+
+TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereAnothersFolderStands) {
+  std::filesystem::create_directories("/tmp/tovalinupdate.app");
+  std::filesystem::permissions("/tmp/tovalinupdate.app", std::filesystem::perms(0777));
+  launchAndOpen();
+  timeline_.clear();
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText("log 3: updater's folder is not this user's alone : /tmp/tovalinupdate.app"));
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(count(openUpdater), 0);
+  EXPECT_TRUE(std::filesystem::is_empty("/tmp/tovalinupdate.app"));
 }
 
 TEST_F(SupportUpdate, LeavesTheWindowInFrontAndServing) {
