@@ -1,6 +1,7 @@
-// Where the time of a start goes, step by step: each step ends with the first system call of the next one,
-// which strace(1) tells the time of. Only a few calls are traced, so the start takes little longer than by
-// itself.
+// Where the time of a start goes: the spans between calls that the agent and the least program with an icon
+// both make, beside each other, and the agent's own steps within them. A step ends with the first system call
+// of the next one, which strace(1) tells the time of. Only a few calls are traced, so the start takes little
+// longer than by itself.
 
 #include <chrono>
 #include <cstdlib>
@@ -26,30 +27,43 @@ constexpr const char* traceFile = "/tmp/start.trace";
 struct Step {
   const char* what;
   const char* end;
+  bool endsSpan = false;  // that call ends a span too
 };
 
 const std::vector<Step> stepsOfAgent = {
-    {"start: libraries loaded", "connect("},
-    {"... another agent looked for", ".X11-unix"},
-    {"... toolkit and display ready", "TovalinTray/helpers"},
-    {"... helpers copied, appearance asked", "Info.plist"},
-    {"... request for the newest version made", "GET /"},
-    {"... answered", "mount off.png"},
-    {"... pictures read, menu built", "KMPIPE"},
-    {"... -ton sent, with its 10 ms", "Info.plist"},
-    {"... beacon's helper and threads started", "/tmp/dbus"},
-    {"... icon registered", "RegisterStatusNotifierItem"},
+    {"agent: its libraries loaded", "connect("},
+    {"agent: bus tried, another agent looked for, toolkit begun", "plugins/platforms"},
+    {"agent: the toolkit's plugin loaded", ".X11-unix", true},
+    {"agent: display and theme ready, session bus connected", "TovalinTray/helpers"},
+    {"agent: helpers copied, appearance asked", "Info.plist"},
+    {"agent: request for the newest version made", "GET /", true},
+    {"agent: ... answered", "mount off.png"},
+    {"agent: pictures read, menu built", "KMPIPE"},
+    {"agent: -ton sent, with its 10 ms, bundle watched", "Info.plist"},
+    {"agent: beacon's helper and threads started, icon made", "/tmp/dbus", true},
+    {"agent: icon registered", "RegisterStatusNotifierItem", true},
 };
 
 const std::vector<Step> stepsOfBareTray = {
-    {"", ".X11-unix"},
-    {"", "GET /"},
-    {"", "/tmp/dbus"},
-    {"", "RegisterStatusNotifierItem"},
+    {"plugin loaded", ".X11-unix", true},
+    {"request made", "GET /", true},
+    {"session bus connected", "/tmp/dbus"},
+    {"icon made", "/tmp/dbus", true},
+    {"icon registered", "RegisterStatusNotifierItem", true},
 };
 
-// Which of our steps each of the reference's stands beside.
-constexpr std::size_t referencesPlaces[] = {0, 2, 6, 9};
+// Several steps at once, from the end of the span before to a call that both programs make.
+struct Span {
+  const char* what;
+  double pause = 0;  // of the agent's own in it, in milliseconds
+};
+
+const std::vector<Span> spans = {
+    {"both: exec to the connection to X"},
+    {"both: ... to the request for a page"},
+    {"both: ... to the tray's bus connection, less the 10 ms", 10},
+    {"both: ... to the icon's registration"},
+};
 
 // How long each step took, in milliseconds; nothing when the trace doesn't hold them all yet. A line of it:
 // PID SECONDS.MICROSECONDS call(...) = result
@@ -94,20 +108,35 @@ std::vector<double> timesOf(Desktop& desktop, const Command& program, const std:
   return *times;
 }
 
+std::vector<double> spansOf(const std::vector<double>& times, const std::vector<Step>& steps) {
+  std::vector<double> sums{0};
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    sums.back() += times[i];
+    if (steps[i].endsSpan) sums.push_back(0);
+  }
+  sums.pop_back();
+  return sums;
+}
+
 }  // namespace
 
 int main() {
   Desktop desktop;
-  std::vector<bench::Result> rows;
+  std::vector<bench::Result> pairs, alone;
+  for (const Span& span : spans) pairs.push_back({.what = span.what, .unit = "ms"});
   for (const Step& step : stepsOfAgent)
-    rows.push_back({.what = step.what, .unit = "ms", .hasReference = false});
-  for (const std::size_t place : referencesPlaces) rows[place].hasReference = true;
+    alone.push_back({.what = step.what, .unit = "ms", .hasReference = false});
   for (int i = 0; i < pairsOfStarts; ++i) {
-    const std::vector<double> ours = timesOf(desktop, desktop.agent(), stepsOfAgent);
-    const std::vector<double> references = timesOf(desktop, desktop.bareTray(), stepsOfBareTray);
-    for (std::size_t step = 0; step < ours.size(); ++step) rows[step].pairs.push_back({ours[step], 0});
-    for (std::size_t step = 0; step < references.size(); ++step)
-      rows[referencesPlaces[step]].pairs.back().reference = references[step];
+    std::vector<double> ours, bare;
+    if (i % 2 == 0) ours = timesOf(desktop, desktop.agent(), stepsOfAgent);
+    bare = timesOf(desktop, desktop.bareTray(), stepsOfBareTray);
+    if (i % 2 != 0) ours = timesOf(desktop, desktop.agent(), stepsOfAgent);
+    const std::vector<double> ourSpans = spansOf(ours, stepsOfAgent),
+                              bareSpans = spansOf(bare, stepsOfBareTray);
+    for (std::size_t span = 0; span < spans.size(); ++span)
+      pairs[span].pairs.push_back({ourSpans[span] - spans[span].pause, bareSpans[span]});
+    for (std::size_t step = 0; step < ours.size(); ++step) alone[step].pairs.push_back({ours[step], 0});
   }
-  for (const bench::Result& row : rows) bench::print(row);
+  for (const auto& rows : {pairs, alone})
+    for (const bench::Result& row : rows) bench::print(row);
 }
