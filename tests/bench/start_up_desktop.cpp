@@ -4,10 +4,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <string>
 
 #include "tests/bench/pairs.h"
 #include "tests/platform/helpers/web_processes.h"
+#include "tests/support/file_contents.h"
 
 namespace bench {
 namespace {
@@ -18,8 +19,7 @@ void copyBundle(const std::string& contents, const std::string& origin) {
   namespace fs = std::filesystem;
   fs::create_directories(contents);
   fs::copy(fs::path(TOVALIN_AGENT).parent_path().parent_path(), contents, fs::copy_options::recursive);
-  std::ifstream built(contents + "/Info.plist");
-  std::string list(std::istreambuf_iterator<char>(built), {});
+  std::string list = test_support::contentsOf(contents + "/Info.plist");
   list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + origin + "</string>");
   std::ofstream(contents + "/Info.plist") << list;
 }
@@ -50,12 +50,18 @@ Command StartUpDesktop::bareTray() const {
   return {TOVALIN_BARE_TRAY, server_.address(versionFile)};
 }
 
+Command StartUpDesktop::barePage() const {
+  return {TOVALIN_BARE_PAGE, server_.address("/page")};
+}
+
+test_support::ChildOptions StartUpDesktop::options() const {
+  return {.environment = {{"DISPLAY", display_.name()}, {"DBUS_SESSION_BUS_ADDRESS", bus_.address()}},
+          .error = test_support::Redirection::null()};
+}
+
 Milliseconds StartUpDesktop::start(const Command& program) {
   const auto begin = std::chrono::steady_clock::now();
-  if (!program_.start(program, {.environment = {{"DISPLAY", display_.name()},
-                                                {"DBUS_SESSION_BUS_ADDRESS", bus_.address()}},
-                                .error = test_support::Redirection::null()}) ||
-      !host_.waitForEvent("registered"))
+  if (!program_.start(program, options()) || !host_.waitForEvent("registered"))
     giveUp(program[0] + " showed no icon");
   return std::chrono::steady_clock::now() - begin;
 }

@@ -31,6 +31,10 @@ class StartUpDesktop {
   // one fetch and has an icon with a menu.
   [[nodiscard]] Command agent() const { return {contents() + "/MacOS/TovalinTray"}; }
   [[nodiscard]] Command bareTray() const;
+  // The least program that has the web engine load a page, to be run with options(). It has no icon.
+  [[nodiscard]] Command barePage() const;
+  // With what the programs are run: they find the display and the bus, and what they say goes nowhere.
+  [[nodiscard]] test_support::ChildOptions options() const;
   // The folder `Contents` of the agent's bundle.
   [[nodiscard]] static std::string contents();
 

@@ -1,7 +1,11 @@
-// A load for its caller, beside a bare write to a socket, and what a page takes as long as it is there.
+// A beacon and its load for their caller, beside a bare write to a socket or a bare start of a program, and
+// what a page takes as long as it is there, beside the least program that loads one.
 
+#include <fcntl.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -9,8 +13,8 @@
 #include <cstdlib>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <thread>
-#include <vector>
 
 #include <QCoreApplication>
 
@@ -22,6 +26,7 @@
 #include "tests/platform/event_loop.h"
 #include "tests/platform/helpers/page_server.h"
 #include "tests/platform/helpers/web_processes.h"
+#include "tests/support/child_process.h"
 #include "tests/support/test_display.h"
 
 namespace {
@@ -56,71 +61,138 @@ void loadAndAwait(platform::WebViewProcess& process, web_view_test::PageServer& 
   if (!server.waitFor(page)) std::abort();
 }
 
+// What a beacon comes to: a line of its length into a socket like the helper's.
+class BareLine {
+ public:
+  BareLine() {
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends_.data()) != 0) std::abort();
+  }
+  ~BareLine() {
+    for (const int end : ends_) ::close(end);
+  }
+  BareLine(const BareLine&) = delete;
+  BareLine& operator=(const BareLine&) = delete;
+
+  // The time that one sending takes.
+  double send() {
+    const double time = timeOf([&] { static_cast<void>(::send(ends_[0], line.data(), line.size(), 0)); });
+    std::array<char, line.size()> room{};
+    if (::recv(ends_[1], room.data(), room.size(), 0) != static_cast<ssize_t>(line.size())) std::abort();
+    return time;
+  }
+
+ private:
+  static constexpr std::string_view line =
+      "https://www.tovalin.example/product/nimba/binary/"
+      "GATovalin.html?category=clickaction&clickaction=turnon\n";
+  std::array<int, 2> ends_{};
+};
+
+// The time that the start of a program takes which ends at once: with a socket to be read, silent and in a
+// session of its own, as the helper is.
+double bareStart() {
+  std::array<int, 2> ends{};
+  if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) std::abort();
+  posix_spawn_file_actions_t streams;
+  posix_spawn_file_actions_init(&streams);
+  posix_spawn_file_actions_adddup2(&streams, ends[1], STDIN_FILENO);
+  posix_spawn_file_actions_addopen(&streams, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_adddup2(&streams, STDOUT_FILENO, STDERR_FILENO);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+  std::array<char, 10> program{"/bin/true"};
+  std::array<char*, 2> arguments{program.data(), nullptr};
+  pid_t child = -1;
+  const double time = timeOf([&] {
+    if (::posix_spawn(&child, program.data(), &streams, &attributes, arguments.data(), environ) != 0)
+      std::abort();
+  });
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&streams);
+  for (const int end : ends) ::close(end);
+  ::waitpid(child, nullptr, 0);
+  return time;
+}
+
 void measureLoads(web_view_test::PageServer& server) {
   platform::WebViewProcess process;
   loadAndAwait(process, server, 0);
-  std::array<int, 2> ends{};
-  if (::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends.data()) != 0) std::abort();
-  const std::string line = server.address("/page") + "\n";
-  std::vector<char> room(line.size());
-  const auto bare = [&] {
-    const double time = timeOf([&] { static_cast<void>(::send(ends[0], line.data(), line.size(), 0)); });
-    static_cast<void>(::recv(ends[1], room.data(), room.size(), 0));
-    return time;
-  };
+  BareLine line;
   const auto ours = [&] { return timeOf([&] { process.send(helper, server.address("/page")); }); };
-  bench::print(
-      {.what = "a load, the helper running", .unit = "us", .pairs = bench::runPairs(loads, ours, bare)});
-  for (const int end : ends) ::close(end);
+  bench::print({.what = "a load, the helper running",
+                .unit = "us",
+                .pairs = bench::runPairs(loads, ours, [&] { return line.send(); })});
 }
 
 // As the delegate sends it, which reads the product server from the bundle each time.
+double timeOfBeacon(nimbatrayAppDelegate& delegate) {
+  return timeOf([&] { delegate.notificateGA("clickaction", "turnon"); });
+}
+
 void measureBeacons() {
   nimbatrayAppDelegate delegate;
   platform::WebView view({0, 0, 1, 1});
   delegate.gaWebView = &view;
-  const auto send = [&] { return timeOf([&] { delegate.notificateGA("clickaction", "turnon"); }); };
-  static_cast<void>(send());
+  static_cast<void>(timeOfBeacon(delegate));
   if (!serveEventsUntil([] { return !web_view_test::processesNamed("WebKitWebProces").empty(); }, 90s))
     std::abort();
-  bench::Result result{.what = "a beacon, the helper running", .unit = "us", .hasReference = false};
-  for (int i = 0; i < loads; ++i) result.pairs.push_back({send(), 0});
-  bench::print(result);
+  BareLine line;
+  bench::print({.what = "a beacon, the helper running",
+                .unit = "us",
+                .pairs = bench::runPairs(
+                    loads, [&] { return timeOfBeacon(delegate); }, [&] { return line.send(); })});
 }
 
 void measureBeaconsThatStart() {
-  bench::Result result{.what = "a beacon that starts the helper", .unit = "us", .hasReference = false};
-  for (int i = 0; i < starts; ++i) {
+  const auto ours = [] {
     nimbatrayAppDelegate delegate;
     platform::WebView view({0, 0, 1, 1});
     delegate.gaWebView = &view;
-    result.pairs.push_back({timeOf([&] { delegate.notificateGA("clickaction", "turnon"); }), 0});
+    const double time = timeOfBeacon(delegate);
     endHelpers();
-  }
-  bench::print(result);
+    return time;
+  };
+  bench::print({.what = "a beacon that starts the helper",
+                .unit = "us",
+                .pairs = bench::runPairs(starts, ours, bareStart)});
 }
 
 void measureStarts(web_view_test::PageServer& server) {
-  bench::Result result{.what = "a load that starts the helper", .unit = "us", .hasReference = false};
-  for (int i = 0; i < starts; ++i) {
+  const auto ours = [&] {
     platform::WebViewProcess process;
-    result.pairs.push_back({timeOf([&] { process.send(helper, server.address("/page")); }), 0});
+    const double time = timeOf([&] { process.send(helper, server.address("/page")); });
     endHelpers();
-  }
-  bench::print(result);
+    return time;
+  };
+  bench::print({.what = "a load that starts the helper",
+                .unit = "us",
+                .pairs = bench::runPairs(starts, ours, bareStart)});
 }
 
 void measureMemory(web_view_test::PageServer& server) {
-  bench::Result result{
-      .what = "memory of the helper and its engine (Pss)", .unit = "KiB", .hasReference = false};
-  for (int i = 0; i < pages; ++i) {
+  int number = 1000;
+  const auto ours = [&] {
     platform::WebViewProcess process;
-    loadAndAwait(process, server, 1000 + i);
+    loadAndAwait(process, server, ++number);
     std::this_thread::sleep_for(settled);
-    result.pairs.push_back({bench::memoryOf(web_view_test::webProcesses()).proportional, 0});
+    const double memory = bench::memoryOf(web_view_test::webProcesses()).proportional;
     endHelpers();
-  }
-  bench::print(result);
+    return memory;
+  };
+  const auto bare = [&] {
+    const std::string page = "/page?" + std::to_string(++number);
+    test_support::ChildProcess program;
+    if (!program.start({TOVALIN_BARE_PAGE, server.address(page)}) || !server.waitFor(page)) std::abort();
+    std::this_thread::sleep_for(settled);
+    const double memory = bench::memoryOf(bench::processTree(program.pid())).proportional;
+    program.kill();
+    awaitEnd();
+    return memory;
+  };
+  bench::print({.what = "memory of the helper and its engine (Pss)",
+                .unit = "KiB",
+                .pairs = bench::runPairs(pages, ours, bare)});
 }
 
 // After that there is nothing left whose memory could be measured.
