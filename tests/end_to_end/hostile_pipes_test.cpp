@@ -1,13 +1,12 @@
 #include <sys/mount.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/un.h>
 
-#include <atomic>
 #include <fstream>
-#include <functional>
-#include <thread>
 
-#include "tests/end_to_end/notice_fixture.h"
+#include "tests/end_to_end/hostile_pipes_fixture.h"
 #include "tests/support/file_contents.h"
 
 namespace {
@@ -17,81 +16,6 @@ using namespace std::chrono_literals;
 using test_support::contentsOf;
 using test_support::FileDescriptor;
 using test_support::waitUntil;
-
-constexpr const char* commandPipe = "/tmp/KMPIPE";
-constexpr const char* planted = "/tmp/planted";
-
-mode_t modeOf(const std::string& path) {
-  struct stat status {};
-  return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
-}
-
-// A message of a whole read, so that what comes with it in a flood does not run into it.
-std::string ofAWholeRead(std::string text) {
-  text.resize(1024, '\0');
-  return text;
-}
-
-// What somebody has put at the paths of the pipes before the agent starts, and what becomes of the agent.
-class HostilePipes : public NoticeTest {
- protected:
-  void SetUp() override {
-    NoticeTest::SetUp();
-    if (HasFatalFailure()) return;
-    // The time line listens at the command pipe; here it hears the log and the commands alone.
-    fs::remove_all(commandPipe);
-    fs::remove_all(planted);
-    install("/tmp/Applications/Tovalin.app");
-    ASSERT_TRUE(host_.start(bus_));
-  }
-  void TearDown() override {
-    NoticeTest::TearDown();
-    for (const char* path : {commandPipe, pipePath, planted}) fs::remove_all(path);
-  }
-
-  void start() {
-    startAgent();
-    ASSERT_TRUE(host_.waitForEvent("registered")) << agent_.takeErrorOutput();
-  }
-  // ... whose notification pipe is its own.
-  void startAndListen() {
-    start();
-    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
-  }
-  void expectNoticesAndAProperEnd() {
-    send("-non");
-    EXPECT_TRUE(shows(isAccessNotice));
-    expectAProperEnd();
-  }
-  void expectAProperEnd() {
-    ASSERT_TRUE(host_.click("Quit Tovalin"));
-    EXPECT_EQ(endOfAgent(), test_support::ExitStatus{.code = 0});
-  }
-
-  void showAndHideNotice() {
-    send("-non");
-    ASSERT_TRUE(shows(isAccessNotice));
-    send("-noff");
-    ASSERT_TRUE(hides(isAccessNotice));
-  }
-  [[nodiscard]] bool noticeIsUp() const {
-    return test_support::waitForWindow(display_.name(), isAccessNotice, 0ms).has_value();
-  }
-  // One message beside those of others, without the wait until it was read.
-  static void writeInFlood(const std::string& text) {
-    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
-    const std::string message = ofAWholeRead(text);
-    EXPECT_EQ(::write(pipe.get(), message.data(), message.size()), static_cast<ssize_t>(message.size()));
-  }
-  // Whether the condition comes true; the log is heard all the time, and not kept.
-  [[nodiscard]] bool comesInFlood(const std::function<bool()>& condition) {
-    const auto comesTrue = [&] {
-      timeline_.clear();
-      return condition();
-    };
-    return waitUntil(comesTrue, 60s);
-  }
-};
 
 TEST_F(HostilePipes, ACommandPipeThatIsALinkToAFileHasTheFilesFirstBytesOverwritten) {
   std::ofstream(planted) << "0123456789";
@@ -194,6 +118,48 @@ TEST_F(HostilePipes, ANotificationPipeThatIsALinkToAFolderLeavesWhatIsInIt) {
   EXPECT_EQ(modeOf(planted), 0666u);
 }
 
+TEST_F(HostilePipes, ANotificationPipeThatIsARegularFileIsOpenedToAllAndDeletedByQuit) {
+  std::ofstream(pipePath) << "-non";
+  fs::permissions(pipePath, fs::perms::owner_read);
+  start();
+  EXPECT_TRUE(shows(isAccessNotice));
+  EXPECT_EQ(modeOf(pipePath), 0666u);
+  EXPECT_EQ(contentsOf(pipePath), "-non");
+  expectAProperEnd();
+  EXPECT_FALSE(fs::exists(pipePath));
+}
+
+TEST_F(HostilePipes, ANotificationPipeThatIsAnEmptyFolderIsRemovedByQuit) {
+  fs::create_directory(pipePath);
+  start();
+  EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
+  EXPECT_EQ(modeOf(pipePath), 0666u);
+  expectAProperEnd();
+  EXPECT_FALSE(fs::exists(pipePath));
+}
+
+TEST_F(HostilePipes, ANotificationPipeThatIsAFolderWithSomethingInItStaysClosedToThoseWhoWouldEnterIt) {
+  fs::create_directory(pipePath);
+  const std::string file = std::string(pipePath) + "/file";
+  std::ofstream(file) << "-non";
+  start();
+  EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
+  expectAProperEnd();
+  EXPECT_EQ(modeOf(pipePath), 0666u);
+  EXPECT_EQ(contentsOf(file), "-non");
+}
+
+TEST_F(HostilePipes, ANotificationPipeThatIsASocketIsToldAndRemovedAtOnce) {
+  const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+  std::string(pipePath).copy(address.sun_path, sizeof address.sun_path - 1);
+  ASSERT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  start();
+  EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 6"));
+  EXPECT_TRUE(waitUntil([] { return !fs::exists(pipePath); }));
+  expectAProperEnd();
+}
+
 // Each read gives something at once, for ever.
 TEST_F(HostilePipes, ANotificationPipeThatIsADeviceWithoutEndFloodsNothing) {
   for (const char* device : {"/dev/zero", "/dev/null"}) {
@@ -245,56 +211,6 @@ TEST_F(HostilePipes, WithoutRoomForOneMoreFileTheAgentTellsWhatIsMissingAndItsMe
   ASSERT_TRUE(limitFiles(0));
   expectAProperEnd();
   EXPECT_EQ(recordsLike(quitRecord), 2);
-}
-
-// In kilobytes; the address sanitizer keeps freed memory, up to a quarter of a gigabyte.
-#ifdef __SANITIZE_ADDRESS__
-constexpr long kMostGrowth = 300 * 1024;
-#else
-constexpr long kMostGrowth = 1024;
-#endif
-
-// Writes commands that mean nothing into the notification pipe, as fast as it takes them.
-class Flood {
- public:
-  [[nodiscard]] int sent() const { return sent_; }
-  void end() {
-    thread_.request_stop();
-    thread_.join();
-  }
-
- private:
-  void run(const std::stop_token& stop) {
-    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
-    const std::string message = ofAWholeRead("no such command");
-    while (!stop.stop_requested() && ::write(pipe.get(), message.data(), message.size()) == 1024) ++sent_;
-  }
-
-  std::atomic<int> sent_ = 0;
-  std::jthread thread_{[this](const std::stop_token& stop) { run(stop); }};
-};
-
-TEST_F(HostilePipes, AFloodOfMessagesCostsNoMemoryAndNoticesAndMenuServeOn) {
-  constexpr int messages = 100'000;
-  startAndListen();
-  showAndHideNotice();
-  const long memory = ownMemoryInKilobytes();
-
-  Flood flood;
-  ASSERT_TRUE(comesInFlood([&] { return flood.sent() > messages / 10; }));
-  writeInFlood("-non");
-  EXPECT_TRUE(comesInFlood([&] { return noticeIsUp(); }));
-  ASSERT_TRUE(host_.click("Automount Off"));
-  EXPECT_TRUE(comesInFlood([&] { return host_.waitForEvent("clicked", 0ms).has_value(); }));
-  writeInFlood("-noff");
-  EXPECT_TRUE(comesInFlood([&] { return !noticeIsUp(); }));
-  EXPECT_TRUE(comesInFlood([&] { return flood.sent() >= messages; }));
-  flood.end();
-
-  writeInFlood("-non");
-  EXPECT_TRUE(comesInFlood([&] { return noticeIsUp(); }));
-  EXPECT_LE(ownMemoryInKilobytes() - memory, kMostGrowth);
-  expectAProperEnd();
 }
 
 }  // namespace
