@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <ctime>
 #include <fstream>
 #include <map>
 
@@ -11,11 +13,14 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
+using test_support::contentsOf;
 using test_support::ExitStatus;
 using test_support::waitUntil;
 
 constexpr const char* home = "/tmp/home";
 const std::string ownFolder = std::string(home) + "/.local/share/Tovalin";
+const std::string updaterCopy = "/tmp/tovalinupdate.app";
+constexpr uid_t neighbour = 65533;
 
 // All of a file that a program could change.
 std::string stateOf(const fs::path& path) {
@@ -31,7 +36,7 @@ std::string stateOf(const fs::path& path) {
   state += " size " + std::to_string(status.st_size);
   // Programs are told by their time and size alone.
   if (!S_ISREG(status.st_mode) || status.st_size > 1 << 16) return state;
-  return state + " holds " + test_support::contentsOf(path);
+  return state + " holds " + contentsOf(path);
 }
 
 // The agent's own files, and what the test itself keeps there.
@@ -71,6 +76,30 @@ std::vector<std::string> differences(const Snapshot& before, const Snapshot& aft
   return all;
 }
 
+std::string dayFileName(std::time_t time) {
+  std::tm day{};
+  ::localtime_r(&time, &day);
+  std::string name(30, '\0');
+  name.resize(std::strftime(name.data(), name.size(), "Tovalin_%Y_%m_%d.dat", &day));
+  return name;
+}
+
+// All that the usage files hold, without what links lead to.
+std::string ownRecords() {
+  std::string all;
+  for (const auto& entry : fs::directory_iterator(ownFolder)) {
+    if (entry.path().extension() == ".dat" && !entry.is_symlink()) all += contentsOf(entry.path());
+  }
+  return all;
+}
+
+int ownRecordsLike(const std::string& bytes) {
+  const std::string all = ownRecords();
+  int found = 0;
+  for (std::size_t at = all.find(bytes); at != std::string::npos; at = all.find(bytes, at + 1)) ++found;
+  return found;
+}
+
 void plant(const std::string& path) {
   fs::create_directories(fs::path(path).parent_path());
   std::ofstream(path) << "canary at " << path;
@@ -90,10 +119,63 @@ class UntouchedFiles : public SupportTest {
           "/tmp/home/.local/state/Tovalin/Tovalin1.crash", "/tmp/home/.local/share/Tovalin/notes.txt",
           "/tmp/home/.local/share/Tovalin/NOTES.DAT"})
       plant(path);
-    plant(ownFolder + "/Tovalin_2024_01_03.dat");
-    // These are neither followed nor sent.
+    // In the places of past days, beside a real one that is sent.
     fs::create_symlink("/tmp/home/canary", ownFolder + "/Tovalin_2024_01_01.dat");
     fs::create_symlink("/tmp/home/Desktop", ownFolder + "/Tovalin_2024_01_02.dat");
+    std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
+  }
+  void TearDown() override {
+    SupportTest::TearDown();
+    fs::remove_all(updaterCopy);
+  }
+
+  // A file of the user's with this text, which a link of this name in the agent's folder leads to.
+  static void plantLink(const std::string& name, const std::string& text) {
+    const std::string target = "/tmp/home/linked/" + name;
+    fs::create_directories("/tmp/home/linked");
+    std::ofstream(target) << text;
+    fs::create_symlink(target, ownFolder + "/" + name);
+  }
+  // A life with a record and an upload.
+  void leadAShortLife() {
+    launchInPanel();
+    send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
+    ASSERT_TRUE(waitUntil([] { return !fs::exists(ownFolder + "/Tovalin_2024_01_03.dat"); }));
+    choose("Quit Tovalin");
+    ASSERT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  }
+  [[nodiscard]] std::string sentBodies() const {
+    std::string all;
+    for (const auto& request : server_->requests()) all += request.target + "\n" + request.body + "\n";
+    return all;
+  }
+
+  // Somebody's folder at the place of the updater's copy; a link in it leads to a file of the user's.
+  static void plantUpdaterCopy(uid_t owner, mode_t mode) {
+    fs::remove_all(updaterCopy);
+    fs::create_directories(updaterCopy + "/Contents");
+    fs::create_symlink("/tmp/home/canary", updaterCopy + "/Contents/Info.plist");
+    for (const std::string& folder : {updaterCopy, updaterCopy + "/Contents"}) {
+      ASSERT_EQ(::chown(folder.c_str(), owner, owner), 0);
+      ASSERT_EQ(::chmod(folder.c_str(), mode), 0);
+    }
+  }
+  void pressUpdate() {
+    launchAndOpen();
+    timeline_.clear();
+    clickAt(updateMiddle);
+    ASSERT_TRUE(waitForClickBeacon("updatebtn"));
+  }
+  // The button is pressed, and the agent serves on without copying or opening.
+  void expectNoUpdate() {
+    const std::string before = stateOf("/tmp/home/canary");
+    pressUpdate();
+    ASSERT_TRUE(waitForText("log 3: updater's folder is not this user's alone : " + updaterCopy));
+    expectNothingRun();
+    EXPECT_EQ(count("log 3: updater's folder"), 1);
+    EXPECT_EQ(stateOf("/tmp/home/canary"), before);
+    closeWindow();
+    terminateAgent();
   }
 };
 
@@ -104,7 +186,7 @@ TEST_F(UntouchedFiles, AWholeLifeChangesNothingButTheAgentsOwnFiles) {
   ASSERT_TRUE(waitUntil([] { return !fs::exists(ownFolder + "/Tovalin_2024_01_03.dat"); }));
   EXPECT_TRUE(fs::is_symlink(ownFolder + "/Tovalin_2024_01_01.dat"));
   send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
-  ASSERT_TRUE(waitUntil([] { return recordsLike("\x04\x13") == 1; }));
+  ASSERT_TRUE(waitUntil([] { return ownRecordsLike("\x04\x13") == 1; }));
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
   send("-noff");
@@ -116,7 +198,91 @@ TEST_F(UntouchedFiles, AWholeLifeChangesNothingButTheAgentsOwnFiles) {
   choose("Quit Tovalin");
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
   EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
-  EXPECT_EQ(recordsLike(quitRecord), 2);
+  EXPECT_EQ(ownRecordsLike(quitRecord), 2);
+  EXPECT_THAT(sentBodies(), testing::HasSubstr("a real day"));
+  EXPECT_THAT(sentBodies(), testing::Not(testing::HasSubstr("canary")));
+}
+
+TEST_F(UntouchedFiles, ALinkInPlaceOfTheIdentityIsNeitherReadNorWritten) {
+  const std::string secret = "a secret as long as an identity, 36.";
+  ASSERT_EQ(secret.size(), 36U);
+  for (const std::string& text : {secret, "another length"s, ""s}) {
+    for (const char* folder : {"/tmp/home/linked", ownFolder.c_str()}) fs::remove_all(folder);
+    fs::create_directories(ownFolder);
+    std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
+    plantLink("TovalinUUID.txt", text);
+    const Snapshot before = snapshot();
+    leadAShortLife();
+    EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
+    EXPECT_THAT(ownRecords(), testing::Not(testing::HasSubstr(secret)));
+    host_.clearEvents();
+  }
+}
+
+TEST_F(UntouchedFiles, ALinkInPlaceOfTheServersOptionIsNeitherReadNorWritten) {
+  for (const char* text : {"0", "more than one byte", ""}) {
+    fs::remove_all("/tmp/home/linked");
+    fs::remove(ownFolder + "/TovalinServerOption.txt");
+    std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
+    plantLink("TovalinServerOption.txt", text);
+    const Snapshot before = snapshot();
+    // To the product server, whatever the file behind the link says.
+    leadAShortLife();
+    EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
+    host_.clearEvents();
+  }
+}
+
+TEST_F(UntouchedFiles, ALinkInPlaceOfTheDaysFileIsNeitherWrittenNorSent) {
+  for (const char* text : {"the user's own", ""}) {
+    fs::remove_all("/tmp/home/linked");
+    const std::time_t now = std::time(nullptr);
+    // Tomorrow's too, should midnight come meanwhile.
+    for (const std::time_t day : {now, now + 86400}) {
+      fs::remove(ownFolder + "/" + dayFileName(day));
+      plantLink(dayFileName(day), text);
+    }
+    std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
+    const Snapshot before = snapshot();
+    leadAShortLife();
+    EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
+    EXPECT_THAT(sentBodies(), testing::Not(testing::HasSubstr("the user's own")));
+    host_.clearEvents();
+  }
+}
+
+TEST_F(UntouchedFiles, ANeighboursFolderInPlaceOfTheUpdatersCopyIsNeitherFilledNorOpened) {
+  plantUpdaterCopy(neighbour, 0755);
+  expectNoUpdate();
+}
+
+TEST_F(UntouchedFiles, AFolderThatOthersMayWriteInPlaceOfTheUpdatersCopyIsNeitherFilledNorOpened) {
+  plantUpdaterCopy(::getuid(), 0775);
+  expectNoUpdate();
+  plantUpdaterCopy(::getuid(), 0757);
+  host_.clearEvents();
+  expectNoUpdate();
+}
+
+TEST_F(UntouchedFiles, ALinkInPlaceOfTheUpdatersCopyIsNeitherFilledNorOpened) {
+  fs::remove_all(updaterCopy);
+  fs::create_symlink("/tmp/home/Desktop", updaterCopy);
+  expectNoUpdate();
+}
+
+TEST_F(UntouchedFiles, AFolderOfOnesOwnThatIsLeftOverFromTheLastUpdateTakesTheNewOne) {
+  pressUpdate();
+  ASSERT_TRUE(waitForText("run: open " + updaterCopy));
+  EXPECT_EQ(contentsOf(updaterCopy + "/Contents/Info.plist"),
+            contentsOf(bundle_ + "/Contents/Resources/tovalinupdate.app/Contents/Info.plist"));
+}
+
+TEST_F(UntouchedFiles, TheFolderOfTheUpdatersCopyIsMadeForTheUserAlone) {
+  fs::remove_all(updaterCopy);
+  pressUpdate();
+  ASSERT_TRUE(waitForText("run: open " + updaterCopy));
+  EXPECT_EQ(fs::status(updaterCopy).permissions(), fs::perms::owner_all);
+  EXPECT_TRUE(fs::exists(updaterCopy + "/Contents/Info.plist"));
 }
 
 TEST_F(UntouchedFiles, ALinkInPlaceOfAnOwnFileOfTheRuntimeFolderIsNotFollowed) {
