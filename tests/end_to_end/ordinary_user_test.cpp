@@ -122,6 +122,18 @@ TEST_F(OrdinaryUser, ANotificationPipeOfSomebodyElseIsToldAndLeftAlone) {
   EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFIFO | 0600));
 }
 
+TEST_F(OrdinaryUser, PipesOfSomebodyElseThatAreOpenToAllAreUsed) {
+  ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
+  for (const char* path : {"/tmp/KMPIPE", pipePath}) ASSERT_EQ(::chmod(path, 0666), 0);
+  const FileDescriptor theirs(::open(pipePath, O_RDWR | O_NONBLOCK | O_CLOEXEC));
+  ASSERT_EQ(::write(theirs.get(), "-non", 4), 4);
+  startAsUser();
+  EXPECT_TRUE(waitForText("pipe: -ton"));
+  EXPECT_TRUE(shows(isAccessNotice));
+  terminateAgent();
+  EXPECT_TRUE(fs::is_fifo(pipePath));
+}
+
 TEST_F(OrdinaryUser, ACommandPipeThatMayNotBeWrittenIsToldAndLeftAlone) {
   ASSERT_EQ(::chmod("/tmp/KMPIPE", 0600), 0);
   ASSERT_FALSE(succeeds({"sh", "-c", "exec 3<>/tmp/KMPIPE"}));
