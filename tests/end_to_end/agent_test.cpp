@@ -24,9 +24,13 @@ void placeRecorder(const std::string& place) {
   fs::copy_file(TOVALIN_RECORDER, place, fs::copy_options::overwrite_existing);
 }
 
+std::string builtBundle() {
+  const char* root = std::getenv("TOVALIN_BUNDLE_ROOT");
+  return std::string(root == nullptr ? "" : root) + "/Tovalin.app";
+}
+
 std::string builtAgentContents() {
-  return std::string(std::getenv("TOVALIN_BUNDLE_ROOT")) +
-         "/Tovalin.app/Contents/Resources/TovalinTray.app/Contents";
+  return builtBundle() + "/Contents/Resources/TovalinTray.app/Contents";
 }
 
 bool isRunning(const std::string& program) {
@@ -61,8 +65,7 @@ void AgentTest::install(const std::string& path, const std::string& program) {
   bundle_ = path;
   fs::remove_all(path);
   fs::create_directories(fs::path(path).parent_path());
-  fs::copy(std::string(std::getenv("TOVALIN_BUNDLE_ROOT")) + "/Tovalin.app", path,
-           fs::copy_options::recursive);
+  fs::copy(builtBundle(), path, fs::copy_options::recursive);
   if (!program.empty()) fs::copy_file(program, agentProgram(), fs::copy_options::overwrite_existing);
   for (const char* helper : {"launchctl", "open", "osascript"})
     placeRecorder(agentContents() + "/Helpers/" + helper);
