@@ -1,8 +1,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <string>
 #include <vector>
 
 #include <QApplication>
@@ -40,7 +43,7 @@ int tellRunningInstance(SingleInstance& instance, int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   if (instance.tellFirst()) return 0;
   ::execv("/proc/self/exe", argv);
-  return 1;
+  fatalError(std::string("can't start over: ") + std::strerror(errno));
 }
 
 // The menu and the windows need what Wayland keeps from programs (their own place, staying on top), so X is

@@ -35,7 +35,9 @@ void handle(int number) {
   struct sigaction action {};
   action.sa_handler = writeByte;
   action.sa_flags = SA_RESTART;
-  sigaction(number, &action, nullptr);
+  // What the system does by itself at these signals is an end without its last steps.
+  if (sigaction(number, &action, nullptr) != 0)
+    fatalError(std::string("signals can't be heard: ") + std::strerror(errno));
 }
 
 }  // namespace

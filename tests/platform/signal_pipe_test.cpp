@@ -1,5 +1,6 @@
 #include "platform/linux/signal_pipe.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -12,6 +13,7 @@
 #include <QCoreApplication>
 
 #include "tests/ipc/forked_call.h"
+#include "tests/platform/refused_call.h"
 
 namespace {
 
@@ -56,6 +58,17 @@ TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafT
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_EQ(finished.error, "TovalinTray: no pipe to hear of signals by: Too many open files\n");
+}
+
+TEST(SignalPipe, WithoutHandlersTheProcessEndsWithAMessageInsteadOfDyingOfTheNextSignal) {
+  const auto finished = test_support::runForked([] {
+    const bool refused =
+        withRefusedCall(SYS_rt_sigaction, EPERM, [] { const platform::SignalPipe pipe([] {}); });
+    return refused ? 0 : 2;
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 1});
+  EXPECT_THAT(finished.error,
+              testing::EndsWith("TovalinTray: signals can't be heard: Operation not permitted\n"));
 }
 
 TEST(SignalPipe, ASignalThatCouldNotBeNotedAtFirstIsServedAllTheSame) {
