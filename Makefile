@@ -43,7 +43,8 @@ check-sanitizers:
 
 # The parts that several threads use, and the agent as a whole; the toolkit itself is not built for the thread sanitizer.
 THREADED = usage_record_test upload_pass_test url_request_test read_pipe_test command_pipe_test \
-  launch_test menu_test notice_test process_test tray_test usage_test
+  launch_test menu_test notice_test process_test tray_test usage_test hostile_pipes_test bundle_watch_agent_test \
+  support_window_test
 check-threads:
 	@cmake --preset tsan >/dev/null
 	cmake --build --preset tsan --target $(THREADED)
