@@ -16,7 +16,10 @@
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -210,12 +213,18 @@ FAILING(posix_spawn, int, error,
         (pid_t * child, const char* path, const posix_spawn_file_actions_t* actions,
          const posix_spawnattr_t* attributes, char* const* arguments, char* const* environment),
         child, path, actions, attributes, arguments, environment)
-FAILING(waitpid, pid_t, -1, (pid_t child, int* status, int options), child, status, options)
+FAILING(execv, int, -1, (const char* path, char* const* arguments), path, arguments)
 FAILING(pthread_create, int, error,
         (pthread_t * thread, const pthread_attr_t* attributes, void* (*body)(void*), void* argument), thread,
         attributes, body, argument)
 FAILING(inotify_init1, int, -1, (int flags), flags)
 FAILING(inotify_add_watch, int, -1, (int queue, const char* path, std::uint32_t mask), queue, path, mask)
+FAILING(inotify_rm_watch, int, -1, (int queue, int watch), queue, watch)
+FAILING(writev, ssize_t, -1, (int file, const iovec* pieces, int count), file, pieces, count)
+FAILING(statvfs, int, -1, (const char* path, struct statvfs* status), path, status)
+FAILING(close_range, int, -1, (unsigned first, unsigned last, int flags), first, last, flags)
+FAILING(sigaction, int, -1, (int number, const struct sigaction* action, struct sigaction* before), number,
+        action, before)
 FAILING(curl_global_init, CURLcode, CURLE_FAILED_INIT, (long flags), flags)
 FAILING(curl_easy_init, CURL*, nullptr, (), )
 FAILING(curl_multi_init, CURLM*, nullptr, (), )
@@ -245,6 +254,17 @@ int failingClose(int file) {
   const int error = faultOf(indexOf("close"), __builtin_return_address(0));
   const int result = original(file);
   if (error == 0) return result;
+  errno = error;
+  return -1;
+}
+
+// Who is told that there is no such child has it reaped already.
+extern "C" pid_t failingWaitpid(pid_t child, int* status, int options) __asm__("waitpid");
+pid_t failingWaitpid(pid_t child, int* status, int options) {
+  static const auto original = next<pid_t(pid_t, int*, int)>("waitpid");
+  const int error = faultOf(indexOf("waitpid"), __builtin_return_address(0));
+  if (error == 0) return original(child, status, options);
+  if (error == ECHILD) original(child, nullptr, options);
   errno = error;
   return -1;
 }

@@ -10,7 +10,6 @@
 #include <fstream>
 #include <map>
 #include <new>
-#include <sstream>
 
 #include "tests/support/file_contents.h"
 #include "tests/support/file_descriptor.h"
@@ -61,18 +60,6 @@ std::string damageOf(const std::string& bytes) {
   return "damaged at byte " + std::to_string(reader.damage()->offset);
 }
 
-bool isEverydayEntry(const std::string& text) {
-  return !text.starts_with("log 3: ") || text.starts_with("log 3: Tovalin working path") ||
-         text.starts_with("log 3: bActive") || text.starts_with("log 3: Dark Mode");
-}
-
-// The console log has the versions, and what the server says to an upload: nothing, or that there was no
-// answer. The collection of logs says which ones there are none of.
-bool isEverydayLine(const std::string& line) {
-  return line.starts_with("cp: cannot stat ") || line.ends_with("] ") || line.ends_with("] (null)") ||
-         line.find("] recentversion") != std::string::npos;
-}
-
 // What a life without faults is like; each kind is led once a test program.
 struct PlainLife {
   std::array<std::uint64_t, faults::callNames.size()> counts{};
@@ -85,6 +72,10 @@ std::optional<PlainLife>& plainLife() {
 
 }  // namespace
 
+const std::string startRecordWithoutVersion =
+    "\x01\x05"
+    "0.0.0\x07"
+    "1.0.0.0\x02\x13"s;
 const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s;
 const std::string deviceRecord = "\x04\x13";
 const std::string transferMessage =
@@ -104,8 +95,8 @@ void FaultTest::SetUp() {
   environment_["TOVALIN_FAULT_REPORT"] = kReport;
   if (plainLife()) return;
   const Outcome plain = live({});
-  if (plain.survival != Survival::Served) plainLife().reset();
-  ASSERT_EQ(plain.survival, Survival::Served) << "without any fault: " << plain.detail;
+  if (plain.survival != usual()) plainLife().reset();
+  ASSERT_EQ(plain.survival, usual()) << "without any fault: " << plain.detail;
   if (!plainLife()) plainLife().emplace();
   for (std::size_t i = 0; i < faults::callNames.size(); ++i) plainLife()->counts[i] = report_->counts[i];
 }
@@ -119,8 +110,10 @@ Outcome FaultTest::live(const Fault& fault) {
   lead();
   Outcome outcome = judge();
   if (outcome.survival == Survival::Failed) agent_.kill();
-  if (fault.which != 0 && !hasFailed()) outcome.survival = Survival::NotReached;
-  return outcome;
+  if (fault.which == 0 || hasFailed() || outcome.survival == Survival::Failed) return outcome;
+  // What a fault may excuse, nothing does without it.
+  if (outcome.survival == usual()) return {Survival::NotReached, outcome.detail};
+  return {Survival::Failed, "not as usual without its fault: " + outcome.detail};
 }
 
 void FaultTest::begin(const Fault& fault) {
@@ -142,6 +135,10 @@ void FaultTest::begin(const Fault& fault) {
 
 void FaultTest::launchToItsEnd() {
   startAgent();
+  waitForLaunch();
+}
+
+void FaultTest::waitForLaunch() {
   waitForListener();
   static_cast<void>(comesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
   static_cast<void>(comesTrue([] { return !fs::exists(kPastFile); }));
@@ -161,10 +158,11 @@ bool FaultTest::comesTrue(const std::function<bool()>& condition) {
 }
 
 void FaultTest::waitForListener() {
-  static_cast<void>(comesTrue([&] {
-    const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    return pipe.valid() || toldThatThePipeIsGone();
-  }));
+  static_cast<void>(comesTrue([&] { return listens() || toldThatThePipeIsGone(); }));
+}
+
+bool FaultTest::listens() {
+  return FileDescriptor(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC)).valid();
 }
 
 // Returns when it was read: two that are read at once are one.
@@ -200,33 +198,18 @@ bool FaultTest::answersItsMenu() {
   return waitForText(label);
 }
 
-bool FaultTest::toldThatThePipeIsGone() {
-  return std::ranges::any_of(texts(),
-                             [](const std::string& text) {
-                               return text.find("notiThread] open pipe error") != std::string::npos ||
-                                      text.find("notiThread] pipe select error") != std::string::npos;
-                             }) ||
-         message().find("no thread") != std::string::npos;
-}
-
-// What the agent has said of its fault, in the log or on its console.
-std::string FaultTest::message() {
-  for (const std::string& text : texts()) {
-    if (!isEverydayEntry(text)) return text;
-  }
-  std::istringstream lines(console_ += agent_.takeErrorOutput());
-  for (std::string line; std::getline(lines, line);) {
-    if (!isEverydayLine(line)) return line;
-  }
-  return {};
+AgentsWords FaultTest::words() {
+  return {texts(), console_ += agent_.takeErrorOutput()};
 }
 
 Outcome FaultTest::judge() {
   if (const auto early = judgeEarlyEnd()) return *early;
   Survival survival = Survival::Served;
-  const bool told = toldThatThePipeIsGone();
+  // A thread that could not be had may have been the listener's.
+  const auto toldOfIt = [&] { return toldThatThePipeIsGone() || words().tellOf("] no thread: "); };
+  const bool told = toldOfIt();
   if (!answersThePipe() && (told || !answersThePipe())) {
-    if (!told && !toldThatThePipeIsGone()) {
+    if (!told && !toldOfIt()) {
       if (const auto early = judgeEarlyEnd()) return *early;
       return {Survival::Failed, "does not answer the pipe: " + message()};
     }
@@ -238,8 +221,9 @@ Outcome FaultTest::judge() {
   }
   const std::string said = message();
   if (!endsProperly_) return {Survival::EndedWithMessage, said};
-  const bool lost = survival == Survival::Served && said.empty() && !hasAllRecords();
-  if (lost) return {Survival::Failed, "lost a record without a word"};
+  const bool hasRecords = hasOwnRecords() && (survival == Survival::ServedWithoutPipe || hasSentRecords());
+  if (!hasRecords && !words().tellOfALostRecord())
+    return {Survival::Failed, "lost a record without a word of it: " + said};
   return {survival, said};
 }
 
@@ -249,7 +233,8 @@ std::optional<Outcome> FaultTest::judgeEarlyEnd() {
   const std::string said = message();
   if (status->signal)
     return Outcome{Survival::Failed, "signal " + std::to_string(*status->signal) + " " + said};
-  if (said.empty()) return Outcome{Survival::Failed, "ended without a word"};
+  if (status->code == 0 || !words().tellOfTheEnd())
+    return Outcome{Survival::Failed, "ended without saying why: " + said};
   const std::string damage = damageOfFiles();
   if (!damage.empty()) return Outcome{Survival::Failed, "ended: " + damage};
   return Outcome{Survival::EndedWithMessage, said};
@@ -275,12 +260,31 @@ std::string FaultTest::judgeEnd() {
   if (!status) return "does not end";
   if (status->signal) return "ended by signal " + std::to_string(*status->signal);
   endsProperly_ = status->code == 0;
-  if (!endsProperly_ && message().empty()) return "ended without a word";
+  if (!endsProperly_ && !words().tellOfTheEnd()) return "ended without saying why";
   return nothingOutlivesIt() ? "" : "processes outlive it";
 }
 
 bool FaultTest::nothingOutlivesIt() const {
   return waitUntil([&] { return processes() <= processesBefore_; });
+}
+
+bool FaultTest::hasOwnRecords() {
+  // Of an unreadable version the record says so.
+  const bool isUnknown = words().tellOf("0etBundleVersion fail");
+  const int starts =
+      recordsWritten(startRecord) + (isUnknown ? recordsWritten(startRecordWithoutVersion) : 0);
+  return starts == 1 && recordsWritten(quitRecord) == (endedBySignal_ ? 1 : 2);
+}
+
+int FaultTest::recordsWritten(const std::string& bytes) {
+  int found = 0;
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator(kFolder, none)) {
+    if (entry.path().extension() != ".dat") continue;
+    const std::string all = contentsOf(entry.path());
+    for (std::size_t at = all.find(bytes); at != std::string::npos; at = all.find(bytes, at + 1)) ++found;
+  }
+  return found;
 }
 
 std::string FaultTest::sentUploads() const {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/end_to_end/support_fixture.h"
+#include "tests/faults/agents_words.h"
 #include "tests/faults/fault_report.h"
 
 // One call of the agent's own code that is to fail.
@@ -15,8 +16,10 @@ struct Fault {
   std::uint64_t which = 0;
 };
 
-// What the main application sends of a device and of a transfer, and how the records of it begin.
-extern const std::string deviceMessage, deviceRecord, transferMessage, transferRecord;
+// The start of an agent that could not read its bundle's version; what the main application sends of a device
+// and of a transfer, and how the records of it begin.
+extern const std::string startRecordWithoutVersion, deviceMessage, deviceRecord, transferMessage,
+    transferRecord;
 
 // What became of an agent that met its fault.
 enum class Survival {
@@ -41,6 +44,8 @@ class FaultTest : public SupportTest {
 
   // Leads a life in which this fails, and judges it.
   [[nodiscard]] Outcome live(const Fault& fault);
+  // Whether the fault of the last life was reached.
+  [[nodiscard]] bool hasFailed() const { return report_->failed != 0; }
   // How often a call is made in a life of this kind without faults.
   [[nodiscard]] static std::uint64_t callsOf(const std::string& name);
   // Where in the agent's program the fault of the last life was, for addr2line(1).
@@ -50,25 +55,40 @@ class FaultTest : public SupportTest {
   virtual void lead() = 0;
   // What must hold after them, the end included.
   [[nodiscard]] virtual Outcome judge();
-  // Whether the files have each record that this life makes.
-  [[nodiscard]] virtual bool hasAllRecords() const = 0;
+  // What becomes of an agent that meets no fault.
+  [[nodiscard]] virtual Survival usual() const { return Survival::Served; }
+  // Whether the files have the records of the agent's start and end.
+  [[nodiscard]] virtual bool hasOwnRecords();
+  // ... and those that this life sends through the pipe.
+  [[nodiscard]] virtual bool hasSentRecords() { return true; }
 
+  // How often it was made in this life so far.
+  [[nodiscard]] std::uint64_t callsSoFar(std::string_view name) const {
+    return report_->counts[faults::indexOf(name)];
+  }
   // From here on calls are counted, and the one that is meant fails.
   void letCallsFail() { report_->isOpen = 1; }
-  // Returns when the agent listens and has its icon and its upload, or won't have them any more.
+  // Starts the agent, and returns when it listens and has its icon and its upload, or won't have them any
+  // more.
   void launchToItsEnd();
+  void waitForLaunch();
 
   [[nodiscard]] std::optional<Outcome> judgeEarlyEnd();
   [[nodiscard]] std::string judgeEnd();
   [[nodiscard]] bool nothingOutlivesIt() const;
   [[nodiscard]] std::string damageOfFiles() const;
+  // How often these bytes are in the usage files.
+  [[nodiscard]] static int recordsWritten(const std::string& bytes);
   // The bodies of what the product server got in this life.
   [[nodiscard]] std::string sentUploads() const;
   // What the agent has said of its fault, in the log or on its console.
-  [[nodiscard]] std::string message();
+  [[nodiscard]] AgentsWords words();
+  [[nodiscard]] std::string message() { return words().first(); }
 
   [[nodiscard]] bool comesTrue(const std::function<bool()>& condition);
-  [[nodiscard]] bool toldThatThePipeIsGone();
+  [[nodiscard]] bool toldThatThePipeIsGone() { return words().tellThatThePipeIsGone(); }
+  // Whether somebody reads the pipe.
+  [[nodiscard]] static bool listens();
   void sendToPipe(const std::string& text);
   void closeSupportWindow(std::uint32_t window);
 
@@ -83,8 +103,6 @@ class FaultTest : public SupportTest {
   [[nodiscard]] std::string leftBehind();
   [[nodiscard]] bool answersThePipe();
   [[nodiscard]] bool answersItsMenu();
-  [[nodiscard]] bool hasFailed() const { return report_->failed != 0; }
-
   faults::Report* report_ = nullptr;
   Fault fault_;
   bool endsProperly_ = false;

@@ -15,7 +15,7 @@ class ShortLife : public FaultTest {
 
  protected:
   void lead() override;
-  [[nodiscard]] bool hasAllRecords() const override;
+  [[nodiscard]] bool hasSentRecords() override;
 
  private:
   void record();
@@ -30,7 +30,6 @@ class LogCollectionLife : public FaultTest {
 
  protected:
   void lead() override;
-  [[nodiscard]] bool hasAllRecords() const override;
   [[nodiscard]] Outcome judge() override;
 
  private:
@@ -48,7 +47,8 @@ class MidnightLife : public FaultTest {
 
  protected:
   void lead() override;
-  [[nodiscard]] bool hasAllRecords() const override;
+  [[nodiscard]] bool hasOwnRecords() override;
+  [[nodiscard]] bool hasSentRecords() override;
 
  private:
   void passMidnight();
@@ -63,7 +63,6 @@ class SecondStartLife : public FaultTest {
 
  protected:
   void lead() override;
-  [[nodiscard]] bool hasAllRecords() const override;
   [[nodiscard]] Outcome judge() override;
 
  private:
@@ -74,14 +73,34 @@ class SecondStartLife : public FaultTest {
   test_support::ChildProcess second_;
 };
 
-// Calls fail when the bundle is removed, which ends the agent.
+// Calls fail in a second process that finds the first one ended before that has answered it, and starts over.
+class StartOverLife : public FaultTest {
+ public:
+  static constexpr const char* title = "start over";
+
+ protected:
+  void lead() override;
+  [[nodiscard]] bool hasOwnRecords() override;
+};
+
+// Calls fail in a process that finds no display, which ends it.
+class DisplaylessLife : public FaultTest {
+ public:
+  static constexpr const char* title = "launch without a display";
+
+ protected:
+  void lead() override;
+  [[nodiscard]] Outcome judge() override;
+  [[nodiscard]] Survival usual() const override { return Survival::EndedWithMessage; }
+};
+
+// Calls fail when a folder of the bundle is moved and then the bundle is removed, which ends the agent.
 class RemovalLife : public FaultTest {
  public:
   static constexpr const char* title = "removal of the bundle";
 
  protected:
   void lead() override;
-  [[nodiscard]] bool hasAllRecords() const override;
   [[nodiscard]] Outcome judge() override;
 
   void installAnew();

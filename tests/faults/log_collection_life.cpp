@@ -69,14 +69,10 @@ test_support::XPicture LogCollectionLife::sheetsMessage() const {
 
 Outcome LogCollectionLife::judge() {
   Outcome outcome = FaultTest::judge();
-  if (outcome.survival != Survival::Served || !outcome.detail.empty()) return outcome;
-  if (!toldOfItsEnd_) return {Survival::Failed, "does not tell of the collection's end"};
+  if (outcome.survival != Survival::Served && outcome.survival != Survival::ServedWithoutPipe) return outcome;
+  if (!toldOfItsEnd_) return {Survival::Failed, "does not tell of the collection's end: " + outcome.detail};
   // A command that can't be run is left out without a word, as one that fails.
   const bool isCommand = fault().call == "posix_spawn";
-  if (!isCommand && !hasArchive()) return {Survival::Failed, "makes no archive, without a word"};
+  if (!isCommand && !hasArchive()) return {Survival::Failed, "makes no archive: " + outcome.detail};
   return outcome;
-}
-
-bool LogCollectionLife::hasAllRecords() const {
-  return recordsLike(startRecord) == 1 && recordsLike(quitRecord) == (endedBySignal() ? 1 : 2);
 }

@@ -70,8 +70,11 @@ bool MidnightLife::wakes() {
   return host_.ask("properties").ok;
 }
 
-bool MidnightLife::hasAllRecords() const {
-  const std::string dayBefore = contentsOf(kDayBefore) + sentUploads(), newDay = contentsOf(kNewDay);
-  return holds(dayBefore, startRecord) && holds(dayBefore, deviceRecord) && holds(newDay, transferRecord) &&
-         holds(newDay, quitRecord);
+bool MidnightLife::hasOwnRecords() {
+  return holds(contentsOf(kDayBefore) + sentUploads(), startRecord) && holds(contentsOf(kNewDay), quitRecord);
+}
+
+bool MidnightLife::hasSentRecords() {
+  return holds(contentsOf(kDayBefore) + sentUploads(), deviceRecord) &&
+         holds(contentsOf(kNewDay), transferRecord);
 }

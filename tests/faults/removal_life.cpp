@@ -6,6 +6,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+const std::string movedFolder = "/Contents/Resources/moved";
 constexpr const char* rootChangeLogged = "log 6: filestreamcallback event flag : 32, 0x20";
 
 bool watchesFiles(pid_t process) {
@@ -22,7 +23,10 @@ void RemovalLife::lead() {
   installAnew();
   launchToItsEnd();
   letCallsFail();
-  loseBundle([&] { fs::remove_all(bundle_); });
+  loseBundle([&] {
+    fs::rename(bundle_ + movedFolder, bundle_ + movedFolder + " elsewhere");
+    fs::remove_all(bundle_);
+  });
 }
 
 void WatchLife::lead() {
@@ -36,6 +40,7 @@ void RemovalLife::installAnew() {
   fs::remove_all(bundle_ + " old");
   install(bundle_);
   setServers(server_->origin());
+  fs::create_directory(bundle_ + movedFolder);
 }
 
 void RemovalLife::loseBundle(const std::function<void()>& takeAway) {
@@ -59,19 +64,17 @@ Outcome RemovalLife::judgeUnwatched() {
   for (const std::string& wrong : {judgeEnd(), damageOfFiles()}) {
     if (!wrong.empty()) return {Survival::Failed, wrong + ": " + message()};
   }
+  if (!hasOwnRecords() && !words().tellOfALostRecord())
+    return {Survival::Failed, "lost a record without a word of it: " + message()};
   return {Survival::ServedWithoutWatch, message()};
 }
 
 std::string RemovalLife::judgeProperEnd() {
   if (!nothingOutlivesIt()) return "processes outlive it: ";
   if (const std::string damage = damageOfFiles(); !damage.empty()) return damage + ": ";
-  if (!message().empty()) return {};
-  // A command that can't be run is left out without a word.
-  const int missing = fault().call == "posix_spawn" ? 1 : 0;
-  if (count(unloadRun) + count(killRun) < 2 - missing) return "is not unloaded, without a word: ";
-  return hasAllRecords() ? "" : "lost a record without a word: ";
-}
-
-bool RemovalLife::hasAllRecords() const {
-  return recordsLike(startRecord) == 1 && recordsLike(quitRecord) == 1;
+  // A command that can't be run is left out without a word; of one that isn't found, the shell says so.
+  const int missing = fault().call == "posix_spawn" || words().tellOf("launchctl: not found") ? 1 : 0;
+  if (count(unloadRun) + count(killRun) < 2 - missing) return "is not unloaded: ";
+  const bool hasRecords = recordsWritten(startRecord) == 1 && recordsWritten(quitRecord) == 1;
+  return hasRecords || words().tellOfALostRecord() ? "" : "lost a record without a word of it: ";
 }

@@ -7,6 +7,9 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
+// Without a bus the first one can't be told.
+constexpr const char* noMenu = "its menu can't be opened from here";
+
 bool isMenu(const test_support::XWindow& window) {
   return window.className == "Tovalin" && window.width > 100;
 }
@@ -31,7 +34,7 @@ Outcome SecondStartLife::judge() {
   if (!harm.empty()) return {Survival::Failed, harm};
   const Outcome first = FaultTest::judge();
   if (first.survival != Survival::Served) return {Survival::Failed, "the first agent: " + first.detail};
-  if (!hasAllRecords()) return {Survival::Failed, "the first agent's records are not its own alone"};
+  if (!hasOwnRecords()) return {Survival::Failed, "the first agent's records are not its own alone"};
   return second;
 }
 
@@ -46,8 +49,10 @@ Outcome SecondStartLife::judgeSecond() {
       test_support::waitForWindow(display_.name(), isMenu, status->code == 0 ? 5s : 0s).has_value();
   if (opened) closeMenu();
   const std::string said = message();
-  if (said.empty() && (status->code != 0 || !opened))
-    return {Survival::Failed, "the second start ends without menu or word: " + std::to_string(*status->code)};
+  const bool saysWhy = status->code == 0 ? words().tellOf(noMenu) : words().tellOfTheEnd();
+  if (!saysWhy && (status->code != 0 || !opened))
+    return {Survival::Failed, "the second start ends without menu or word of it: " +
+                                  std::to_string(*status->code) + " " + said};
   return {opened ? Survival::Served : Survival::EndedWithMessage, said};
 }
 
@@ -64,8 +69,4 @@ std::string SecondStartLife::harmToFirst() {
       return std::string("the first agent has lost its helper ") + name;
   }
   return count("pipe: -ton") == 1 ? "" : "the second start tells the main application that it is up";
-}
-
-bool SecondStartLife::hasAllRecords() const {
-  return recordsLike(startRecord) == 1 && recordsLike(quitRecord) == (endedBySignal() ? 1 : 2);
 }

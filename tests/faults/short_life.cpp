@@ -13,11 +13,11 @@ void ShortLife::lead() {
 }
 
 void ShortLife::record() {
-  if (toldThatThePipeIsGone()) return;
+  if (!listens()) return;
   sendToPipe(deviceMessage);
-  static_cast<void>(comesTrue([] { return recordsLike(deviceRecord) == 1; }));
+  static_cast<void>(comesTrue([] { return recordsWritten(deviceRecord) == 1; }));
   sendToPipe(transferMessage);
-  static_cast<void>(comesTrue([] { return recordsLike(transferRecord) == 1; }));
+  static_cast<void>(comesTrue([] { return recordsWritten(transferRecord) == 1; }));
 }
 
 void ShortLife::useSwitch() {
@@ -35,7 +35,6 @@ void ShortLife::useSupportWindow() {
   if (window) closeSupportWindow(window->id);
 }
 
-bool ShortLife::hasAllRecords() const {
-  return recordsLike(startRecord) == 1 && recordsLike(deviceRecord) == 1 &&
-         recordsLike(transferRecord) == 1 && recordsLike(quitRecord) == (endedBySignal() ? 1 : 2);
+bool ShortLife::hasSentRecords() {
+  return recordsWritten(deviceRecord) == 1 && recordsWritten(transferRecord) == 1;
 }

@@ -1,0 +1,64 @@
+#include "tests/faults/agents_words.h"
+
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+
+namespace {
+
+constexpr std::string_view lostRecord[] = {"data file open fail", "open log failed", "write log failed"};
+constexpr std::string_view pipeGone[] = {"notiThread] open pipe error", "notiThread] pipe select error"};
+// How the texts of fatal errors begin.
+constexpr std::string_view ends[] = {
+    "out of memory",      "no pipe to hear of signals by: ", "signals can't be heard: ",
+    "can't start over: ", "cannot open the display ",        "not inside a main application's bundle"};
+
+bool isUnusualEntry(const std::string& text) {
+  return text.starts_with("log 3: ") && !text.starts_with("log 3: Tovalin working path") &&
+         !text.starts_with("log 3: bActive") && !text.starts_with("log 3: Dark Mode");
+}
+
+// The console log has the versions, and what the server says to an upload: nothing, or that there was no
+// answer. The collection of logs says which ones there are none of.
+bool isUnusualLine(const std::string& line) {
+  return !line.starts_with("cp: cannot stat ") && !line.ends_with("] ") && !line.ends_with("] (null)") &&
+         line.find("] recentversion") == std::string::npos;
+}
+
+// Without the beginning that the log and the console give to what ends the agent.
+std::string_view withoutBeginning(std::string_view text) {
+  for (const std::string_view beginning : {"log 3: ", "TovalinTray: "}) {
+    if (text.starts_with(beginning)) return text.substr(beginning.size());
+  }
+  return {};
+}
+
+}  // namespace
+
+AgentsWords::AgentsWords(const std::vector<std::string>& log, const std::string& console) {
+  std::ranges::copy_if(log, std::back_inserter(unusual_), isUnusualEntry);
+  std::istringstream lines(console);
+  for (std::string line; std::getline(lines, line);) {
+    if (isUnusualLine(line)) unusual_.push_back(line);
+  }
+}
+
+bool AgentsWords::tellOf(std::string_view text) const {
+  return std::ranges::any_of(unusual_,
+                             [&](const std::string& word) { return word.find(text) != std::string::npos; });
+}
+
+bool AgentsWords::tellOfALostRecord() const {
+  return std::ranges::any_of(lostRecord, [&](std::string_view text) { return tellOf(text); });
+}
+
+bool AgentsWords::tellThatThePipeIsGone() const {
+  return std::ranges::any_of(pipeGone, [&](std::string_view text) { return tellOf(text); });
+}
+
+bool AgentsWords::tellOfTheEnd() const {
+  return std::ranges::any_of(unusual_, [](const std::string& word) {
+    const std::string_view text = withoutBeginning(word);
+    return std::ranges::any_of(ends, [&](std::string_view end) { return text.starts_with(end); });
+  });
+}
