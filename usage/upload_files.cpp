@@ -42,6 +42,6 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
 void removeSentFile(const SentFile& file) {
   struct stat status {};
   const bool grown =
-      ::stat(file.path.c_str(), &status) == 0 && static_cast<std::size_t>(status.st_size) > file.size;
+      ::lstat(file.path.c_str(), &status) == 0 && static_cast<std::size_t>(status.st_size) > file.size;
   if (!grown) ::unlink(file.path.c_str());
 }

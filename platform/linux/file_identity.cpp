@@ -28,9 +28,9 @@ std::optional<FileIdentity> folderAt(const std::string& path) {
   return identity;
 }
 
-bool leadsTo(const std::string& path, const FileIdentity& folder) {
-  const auto found = folderAt(path);
-  return found ? *found == folder : !saysThereIsNone(errno);
+std::optional<bool> leadsTo(const std::string& path, const FileIdentity& folder) {
+  if (const auto found = folderAt(path)) return *found == folder;
+  return saysThereIsNone(errno) ? std::optional(false) : std::nullopt;
 }
 
 }  // namespace platform

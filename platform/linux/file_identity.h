@@ -25,8 +25,8 @@ struct FileIdentity {
 // The folder to which `path` leads, over links too; nothing when there is none. Any thread.
 [[nodiscard]] std::optional<FileIdentity> folderAt(const std::string& path);
 
-// Whether `path` leads to this folder. Where that can't be found out, as behind a folder that may not be
-// entered, it counts as if it did. Any thread.
-[[nodiscard]] bool leadsTo(const std::string& path, const FileIdentity& folder);
+// Whether `path` leads to this folder; nothing where that can't be found out, as behind a folder that may not
+// be entered. Any thread.
+[[nodiscard]] std::optional<bool> leadsTo(const std::string& path, const FileIdentity& folder);
 
 }  // namespace platform

@@ -58,7 +58,9 @@ QImage pixelsIn(const QString& path) {
     if (!file.open(QIODevice::ReadOnly)) return QImage();
     QImageReader reader(&file, QFileInfo(path).suffix().toLatin1());
     reader.setAutoDetectImageFormat(false);
-    return reader.read();
+    QImage pixels = reader.read();
+    pixels.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
+    return pixels;
   });
 }
 

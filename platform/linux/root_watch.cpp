@@ -17,7 +17,7 @@ constexpr std::uint32_t itself = IN_MOVE_SELF | IN_DELETE_SELF;
 constexpr std::uint32_t rootItself = itself | IN_ONLYDIR | IN_MASK_ADD;
 // Where a folder doesn't tell of its own end, the one above does. Not asked for elsewhere: a folder such as
 // /tmp sees entries go all day.
-constexpr std::uint32_t itsEntries = IN_MOVED_FROM | IN_DELETE;
+constexpr std::uint32_t itsEntries = IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE;
 
 }  // namespace
 
@@ -37,13 +37,14 @@ std::optional<RootWatch> RootWatch::create(const std::string& path) {
 
 bool RootWatch::hasChanged() {
   way_.drain([](const Inotify::Notice&) {});
-  return !leadsToWatchedRoot();
+  if (const auto leads = leadsToWatchedRoot()) hasChanged_ = !*leads;
+  return hasChanged_;
 }
 
 // Asking for the root's watch again gives its number only for the very same folder, because the watch holds
 // on to it. What a folder is made of may change under it: the first write to one in an overlay moves it to
 // another layer, and its time of making with it.
-bool RootWatch::leadsToWatchedRoot() {
+std::optional<bool> RootWatch::leadsToWatchedRoot() {
   if (root_ >= 0) {
     const int found = way_.add(path_, rootItself);
     if (found >= 0) return found == root_;
@@ -68,7 +69,7 @@ bool RootWatch::watchWay() {
 bool RootWatch::watchFoldersOf(const fs::path& way) {
   std::uint32_t mask = itself;
   for (fs::path folder = way;; folder = folder.parent_path()) {
-    const bool watched = way_.add(folder, mask | IN_ONLYDIR | IN_MASK_ADD) >= 0;
+    const bool watched = way_.add(folder.native(), mask | IN_ONLYDIR | IN_MASK_ADD) >= 0;
     if (!watched && errno != EACCES) return false;
     watchesAny_ = watchesAny_ || watched;
     if (!folder.has_relative_path()) return true;

@@ -22,13 +22,14 @@ class RootWatch {
   // In an exceptional state when file systems were mounted or unmounted; -1 where that can't be seen.
   [[nodiscard]] int mounts() const { return mounts_.get(); }
 
-  // Asks the file system, and takes the notices that led to the question.
+  // Asks the file system, and takes the notices that led to the question. Where the answer can't be had, the
+  // one before holds.
   [[nodiscard]] bool hasChanged();
 
  private:
   RootWatch(std::string path, const FileIdentity& identity);
   [[nodiscard]] bool watchWay();
-  [[nodiscard]] bool leadsToWatchedRoot();
+  [[nodiscard]] std::optional<bool> leadsToWatchedRoot();
   [[nodiscard]] bool watchFoldersOf(const std::filesystem::path& way);
 
   std::string path_;
@@ -37,6 +38,7 @@ class RootWatch {
   int root_ = -1;  // its number in way_; -1 where it may not be read, and only its identity is known
   FileDescriptor mounts_;
   bool watchesAny_ = false;
+  bool hasChanged_ = false;
 };
 
 }  // namespace platform

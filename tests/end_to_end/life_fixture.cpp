@@ -286,15 +286,14 @@ void LifeTest::restartHost() {
   ASSERT_TRUE(host_.waitForEvent("registered"));
 }
 
-// Records before, at and after it, then on until the minute of the day's uploads, which comes once an hour. A
-// step may pass over it, so some hours are tried, in uneven steps: with even ones the agent's timer could
-// pass over it every hour. An upload may lose one of these steps of what it waits for an answer, so they are
-// short.
+// Records before, at and after it, then on until the minute of the day's uploads, which comes once an hour
+// and may be the first of the day. A step may pass over it, so some hours are tried, in uneven steps. An
+// upload may lose one of these steps of what it waits for an answer, so they are short.
 void LifeTest::passMidnight() {
+  const std::size_t past = usageFiles().size(), before = uploads_.arrived();
   const auto midnight = clock_.today() + std::chrono::days(1);
   clock_.forwardTo(midnight - 3s);
   while (clock_.now() < midnight + 4s && !HasFatalFailure()) sendRecord();
-  const std::size_t past = pastFiles().size(), before = uploads_.arrived();
   for (int step = 0; step < 1600 && uploads_.arrived() == before && !HasFatalFailure(); ++step) {
     clock_.forward(std::chrono::seconds(13 + below(10)));
     if (below(20) == 0) sendRecord();

@@ -222,6 +222,24 @@ TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
+TEST_F(RootChange, IsToldThoughItCanNoLongerBeSeenWhenTheBatchIsDelivered) {
+  const auto finished = test_support::runForked([this] {
+    if (::chown(root_.c_str(), test_support::kNobody, test_support::kNobody) != 0 ||
+        ::chown("/tmp/way/middle", test_support::kNobody, test_support::kNobody) != 0 ||
+        !test_support::becomeNobody())
+      return test_support::kNotToBeHad;
+    watch();
+    fs::rename(root_, root_ + " old");
+    QCoreApplication::processEvents();  // sees that it is away
+    fs::permissions("/tmp/way/middle", fs::perms(0));
+    const bool told = nextBatch() == Batch{rootChanged()};
+    fs::permissions("/tmp/way/middle", fs::perms(0700));
+    return told ? 0 : 1;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
+}
+
 TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
   for (const auto& [closed, moved] :
        {std::pair("/tmp/way", "/tmp/way/middle"), std::pair("/tmp/way/middle", "/tmp/way/middle"),
