@@ -1,5 +1,7 @@
 // Scaling a picture, beside the toolkit's own scaling of the same pixels.
 
+#include <malloc.h>
+
 #include <QImage>
 
 #include "notices/image_resize.h"
@@ -23,6 +25,8 @@ QImage picture() {
 }  // namespace
 
 int main() {
+  // As the agent has it: large pieces come from the kernel, and go back to it.
+  ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   const QImage pixels = picture();
   platform::Image source({side, side});
   source.impl().forms = {pixels};

@@ -269,11 +269,13 @@ bool FaultTest::nothingOutlivesIt() const {
 }
 
 bool FaultTest::hasOwnRecords() {
+  return startsWritten() == 1 && recordsWritten(quitRecord) == (endedBySignal_ ? 1 : 2);
+}
+
+int FaultTest::startsWritten() {
   // Of an unreadable version the record says so.
   const bool isUnknown = words().tellOf("0etBundleVersion fail");
-  const int starts =
-      recordsWritten(startRecord) + (isUnknown ? recordsWritten(startRecordWithoutVersion) : 0);
-  return starts == 1 && recordsWritten(quitRecord) == (endedBySignal_ ? 1 : 2);
+  return recordsWritten(startRecord) + (isUnknown ? recordsWritten(startRecordWithoutVersion) : 0);
 }
 
 int FaultTest::recordsWritten(const std::string& bytes) {

@@ -79,6 +79,7 @@ class FaultTest : public SupportTest {
   [[nodiscard]] std::string damageOfFiles() const;
   // How often these bytes are in the usage files.
   [[nodiscard]] static int recordsWritten(const std::string& bytes);
+  [[nodiscard]] int startsWritten();
   // The bodies of what the product server got in this life.
   [[nodiscard]] std::string sentUploads() const;
   // What the agent has said of its fault, in the log or on its console.

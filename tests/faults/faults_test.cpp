@@ -134,7 +134,7 @@ constexpr std::string_view callsOfMidnight[] = {
     "open", "openat", "fopen64", "read", "write", "write in part", "close", "lseek",
     "stat", "lstat", "fstat", "readlink", "fdopendir", "readdir", "mkdir", "unlink",
     "unlinkat", "remove", "flock", "select", "socket", "send", "ioctl", "posix_spawn",
-    "waitpid", "inotify_add_watch", "curl_easy_init", "curl_multi_init",
+    "waitpid", "curl_easy_init", "curl_multi_init",
     "curl_multi_add_handle", "curl_multi_perform", "curl_multi_poll", "curl_slist_append", "small malloc"};
 constexpr std::string_view callsOfSecondStart[] = {
     "open", "close", "lstat", "mkdir", "flock", "poll", "socket", "connect", "send", "small malloc"};

@@ -75,6 +75,6 @@ std::string RemovalLife::judgeProperEnd() {
   // A command that can't be run is left out without a word; of one that isn't found, the shell says so.
   const int missing = fault().call == "posix_spawn" || words().tellOf("launchctl: not found") ? 1 : 0;
   if (count(unloadRun) + count(killRun) < 2 - missing) return "is not unloaded: ";
-  const bool hasRecords = recordsWritten(startRecord) == 1 && recordsWritten(quitRecord) == 1;
+  const bool hasRecords = startsWritten() == 1 && recordsWritten(quitRecord) == 1;
   return hasRecords || words().tellOfALostRecord() ? "" : "lost a record without a word of it: ";
 }
