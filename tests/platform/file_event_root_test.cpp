@@ -6,6 +6,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "platform/file_descriptor.h"
@@ -26,6 +27,13 @@ class RootChange : public FileEvents {
  protected:
   [[nodiscard]] static FileDescriptor hold(const std::string& folder) {
     return FileDescriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  }
+  // This process goes on as an ordinary user, to whom these folders belong. False where that can't be had.
+  [[nodiscard]] static bool becomesOwnerOf(const std::vector<std::string>& folders) {
+    const bool given = std::ranges::all_of(folders, [](const std::string& folder) {
+      return ::chown(folder.c_str(), test_support::kNobody, test_support::kNobody) == 0;
+    });
+    return given && test_support::becomeNobody();
   }
 };
 
@@ -203,10 +211,7 @@ TEST_F(RootChange, IsNoneWhenOtherFoldersOnTheWayMove) {
 
 TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
   const auto finished = test_support::runForked([this] {
-    if (::chown(root_.c_str(), test_support::kNobody, test_support::kNobody) != 0 ||
-        ::chown("/tmp/way/middle", test_support::kNobody, test_support::kNobody) != 0 ||
-        !test_support::becomeNobody())
-      return test_support::kNotToBeHad;
+    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
     watch();
     fs::permissions("/tmp/way/middle", fs::perms(0));
     fs::permissions("/tmp/way/middle", fs::perms(0700));
@@ -224,10 +229,7 @@ TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
 
 TEST_F(RootChange, IsToldThoughItCanNoLongerBeSeenWhenTheBatchIsDelivered) {
   const auto finished = test_support::runForked([this] {
-    if (::chown(root_.c_str(), test_support::kNobody, test_support::kNobody) != 0 ||
-        ::chown("/tmp/way/middle", test_support::kNobody, test_support::kNobody) != 0 ||
-        !test_support::becomeNobody())
-      return test_support::kNotToBeHad;
+    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
     watch();
     fs::rename(root_, root_ + " old");
     QCoreApplication::processEvents();  // sees that it is away
@@ -246,11 +248,7 @@ TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
         std::pair("/tmp/way/middle", "/tmp/way/middle/root")}) {
     SetUp();
     const auto finished = test_support::runForked([this, closed = closed, moved = moved] {
-      for (const char* folder : {"/tmp/way", "/tmp/way/middle", root_.c_str()}) {
-        if (::chown(folder, test_support::kNobody, test_support::kNobody) != 0)
-          return test_support::kNotToBeHad;
-      }
-      if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+      if (!becomesOwnerOf({"/tmp/way", "/tmp/way/middle", root_})) return test_support::kNotToBeHad;
       fs::permissions(closed, fs::perms(0300));
       watch();
       fs::rename(moved, std::string(moved) + " old");
