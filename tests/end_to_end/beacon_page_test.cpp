@@ -22,10 +22,18 @@ class BeaconPage : public AgentTest {
     server_.put(kPage, "<script>fetch('/counted' + location.search)</script>");
   }
   // Whether the page was asked for with this query, and whether its script has then run.
-  [[nodiscard]] bool isAsked(const std::string& query) { return server_.waitFor(kPage + query); }
-  [[nodiscard]] bool isCounted(const std::string& query) { return server_.waitFor("/counted" + query); }
+  [[nodiscard]] testing::AssertionResult isAsked(const std::string& query) { return waitFor(kPage + query); }
+  [[nodiscard]] testing::AssertionResult isCounted(const std::string& query) {
+    return waitFor("/counted" + query);
+  }
 
   web_view_test::PageServer server_;
+
+ private:
+  [[nodiscard]] testing::AssertionResult waitFor(const std::string& target) {
+    if (server_.waitFor(target)) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "asked for " << testing::PrintToString(server_.asked());
+  }
 };
 
 TEST_F(BeaconPage, LaunchIsCountedThoughTheAgentWasKilledBeforeTheServerAnswered) {

@@ -25,6 +25,8 @@ class PageServer {
   void put(const std::string& path, const std::string& html) { answers_[path] = {.body = html}; }
   void putDownload(const std::string& path);
   void redirect(const std::string& path, const std::string& to) { answers_[path] = {.location = to}; }
+  // Answers with the status that says that there is no page to show.
+  void answerNothing(const std::string& path) { answers_[path] = {.empty = true}; }
   // Never answers a request for this path.
   void hang(const std::string& path) { answers_[path] = {.hangs = true}; }
   // Answers no request for this path from now on before letGo().
@@ -43,6 +45,7 @@ class PageServer {
     std::string body = {};
     std::string location = {};
     bool download = false;
+    bool empty = false;
     bool hangs = false;
   };
   void answer(const httplib::Request& request, httplib::Response& response);

@@ -40,6 +40,50 @@ TEST_F(WebViewLoad, LastOfManyQuickLoadsArrives) {
   EXPECT_TRUE(server_.waitFor("/quick?19"));
 }
 
+// The engine drops both now and then, about once in forty starts.
+TEST_F(WebViewLoad, SecondOfTwoLoadsArrivesAtEachStart) {
+  for (int i = 0; i < 20; ++i) {
+    const std::string number = std::to_string(i);
+    start();
+    load("/first?" + number);
+    load("/second?" + number);
+    EXPECT_TRUE(server_.waitFor("/second?" + number));
+    helper_.terminate();
+    ASSERT_EQ(helper_.wait(), ExitStatus{.code = 0});
+    helper_ = {};
+  }
+}
+
+TEST_F(WebViewLoad, AnswerWithoutAPageIsTheEndOfTheLoad) {
+  server_.answerNothing("/nothing");
+  start();
+  load("/nothing");
+  ASSERT_TRUE(server_.waitFor("/nothing"));
+  const auto begin = Clock::now();
+  helper_.closeInput();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_LT(Clock::now() - begin, 8s);
+  EXPECT_THAT(server_.asked(), testing::ElementsAre("/nothing"));
+}
+
+TEST_F(WebViewLoad, AnswerWithoutAPageIsNotAskedForAgain) {
+  server_.answerNothing("/nothing");
+  start({"--idle-seconds", "7"});
+  load("/nothing");
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_THAT(server_.asked(), testing::ElementsAre("/nothing"));
+}
+
+TEST_F(WebViewLoad, RefusedLoadIsNotWaitedForAfterTheInputsEnd) {
+  start();
+  ASSERT_TRUE(stillLoads());
+  ASSERT_TRUE(helper_.writeLine("http://127.0.0.1:9/nobody-listens"));
+  const auto begin = Clock::now();
+  helper_.closeInput();
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
+  EXPECT_LT(Clock::now() - begin, 8s);
+}
+
 TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
   start();
   const std::string garbage("\0\x01\xff\xfe http://", 12);

@@ -44,8 +44,8 @@ ObjectPointer<WebKitWebView> makeView(WebKitWebContext* context) {
 
 Page::Page(bool lockedIn, std::function<void()> changed)
     : changed_(std::move(changed)), context_(makeContext(lockedIn)), view_(makeView(context_.get())) {
-  refuseAllButPages(context_.get(), view_.get());
   watchProgress();
+  refuseAllButPages(context_.get(), view_.get());
 }
 
 void Page::load(const std::string& address) {
@@ -64,10 +64,18 @@ void Page::request(const std::string& address) {
   pulse_.reset(g_timeout_add(pulse.count(), +beat, this));
 }
 
-// A page whose script never ends also holds up the page that is to replace it: a web process that answers
+void Page::requestOnceMore() {
+  if (std::exchange(mayStartOver_, false)) return request(std::string(requested_));
+  requested_.clear();
+  changed_();
+}
+
+// Of two requests that come while the web process starts the engine now and then drops both, without a word.
+// And a page whose script never ends also holds up the page that is to replace it: a web process that answers
 // nothing from one beat to the next is ended, once for each address.
 void Page::checkPulse() {
-  if (requested_.empty() || webkit_web_view_is_loading(view_.get()) == FALSE) return pulse_.reset();
+  if (requested_.empty()) return pulse_.reset();
+  if (webkit_web_view_is_loading(view_.get()) == FALSE) return requestOnceMore();
   if (!answered_ && mayStartOver_) return webkit_web_view_terminate_web_process(view_.get());
   constexpr auto answered = [](GObject*, GAsyncResult*, gpointer self) { pageOf(self).answered_ = true; };
   answered_ = false;
@@ -75,12 +83,13 @@ void Page::checkPulse() {
 }
 
 bool Page::loading() const {
-  return webkit_web_view_is_loading(view_.get()) != FALSE || !resources_.empty();
+  return !requested_.empty() || webkit_web_view_is_loading(view_.get()) != FALSE || !resources_.empty();
 }
 
 void Page::watchProgress() {
   connect(view_.get(), "resource-load-started", resourceStarted, this);
   connect(view_.get(), "load-changed", loadChanged, this);
+  connect(view_.get(), "load-failed", loadFailed, this);
   connect(view_.get(), "web-process-terminated", processEnded, this);
   constexpr auto loadingChanged = [](WebKitWebView*, GParamSpec*, gpointer self) { pageOf(self).changed_(); };
   connect(view_.get(), "notify::is-loading", +loadingChanged, this);
@@ -103,13 +112,20 @@ void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
   if (event == WEBKIT_LOAD_COMMITTED) pageOf(self).requested_.clear();
 }
 
+// A load that makes room for the next one is cancelled; any other failure is the answer.
+gboolean Page::loadFailed(WebKitWebView*, WebKitLoadEvent, const char*, GError* error, gpointer self) {
+  if (g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == FALSE) {
+    pageOf(self).requested_.clear();
+    pageOf(self).changed_();
+  }
+  return FALSE;
+}
+
 // What was asked of the dead process is asked once more, of a new one.
 void Page::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
   Page& page = pageOf(self);
   page.resources_.clear();
-  if (!page.requested_.empty() && std::exchange(page.mayStartOver_, false)) {
-    page.request(std::string(page.requested_));
-  }
+  if (!page.requested_.empty()) page.requestOnceMore();
   page.changed_();
 }
 

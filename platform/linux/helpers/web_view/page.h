@@ -19,21 +19,24 @@ class Page {
 
   // Replaces whatever the page shows or loads.
   void load(const std::string& address);
-  // Whether the page or one of its scripts waits for a reply.
+  // Whether a page has been asked for and not come yet, or one of its scripts waits for a reply.
   [[nodiscard]] bool loading() const;
 
  private:
   void request(const std::string& address);
+  void requestOnceMore();
   void checkPulse();
   void watchProgress();
   static void resourceStarted(WebKitWebView* view, WebKitWebResource* resource, WebKitURIRequest* request,
                               gpointer self);
   static void resourceFinished(WebKitWebResource* resource, gpointer self);
   static void loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self);
+  static gboolean loadFailed(WebKitWebView* view, WebKitLoadEvent event, const char* address, GError* error,
+                             gpointer self);
   static void processEnded(WebKitWebView* view, WebKitWebProcessTerminationReason reason, gpointer self);
 
   std::function<void()> changed_;
-  std::string requested_;  // until its page begins to come
+  std::string requested_;  // until its page begins to come, or can't
   bool mayStartOver_ = false;
   bool answered_ = false;
   EventSource pulse_;
