@@ -22,7 +22,8 @@ bench: build
 format:
 	clang-format -i $(SOURCES)
 
-check: check-format check-compilers check-tidy check-cppcheck check-sanitizers check-threads fuzz faults coverage
+# What takes longest and finds least comes last.
+check: check-format check-cppcheck check-compilers check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
