@@ -68,10 +68,9 @@ void PageServer::answer(const httplib::Request& request, httplib::Response& resp
   const Answer answer = found == answers_.end() ? Answer{} : found->second;
   waitForLeave(request.path, answer.hangs);
   if (!answer.location.empty()) return response.set_redirect(answer.location);
-  if (answer.empty) {
-    response.status = 204;
-    return;
-  }
+  response.status = answer.status;
+  if (answer.status == 204) return;
+  if (answer.status == 401) response.set_header("WWW-Authenticate", "Basic realm=\"page\"");
   if (answer.download) response.set_header("Content-Disposition", "attachment; filename=\"download.bin\"");
   response.set_content(answer.body, answer.download ? "application/octet-stream" : "text/html");
 }

@@ -26,7 +26,8 @@ class PageServer {
   void putDownload(const std::string& path);
   void redirect(const std::string& path, const std::string& to) { answers_[path] = {.location = to}; }
   // Answers with the status that says that there is no page to show.
-  void answerNothing(const std::string& path) { answers_[path] = {.empty = true}; }
+  void answerNothing(const std::string& path) { answers_[path] = {.status = 204}; }
+  void askForPassword(const std::string& path) { answers_[path] = {.status = 401}; }
   // Never answers a request for this path.
   void hang(const std::string& path) { answers_[path] = {.hangs = true}; }
   // Answers no request for this path from now on before letGo().
@@ -45,7 +46,7 @@ class PageServer {
     std::string body = {};
     std::string location = {};
     bool download = false;
-    bool empty = false;
+    int status = 200;
     bool hangs = false;
   };
   void answer(const httplib::Request& request, httplib::Response& response);

@@ -54,35 +54,28 @@ TEST_F(WebViewLoad, SecondOfTwoLoadsArrivesAtEachStart) {
   }
 }
 
-TEST_F(WebViewLoad, AnswerWithoutAPageIsTheEndOfTheLoad) {
+// What brings no page of its own is an answer, too: it is not asked for again, and not waited for.
+class WebViewAnswer : public WebViewHelper, public testing::WithParamInterface<const char*> {};
+
+TEST_P(WebViewAnswer, EndsTheLoad) {
   server_.answerNothing("/nothing");
+  server_.askForPassword("/password");
+  server_.putDownload("/download");
+  server_.redirect("/refused", "http://127.0.0.1:9/nobody-listens");
+  server_.redirect("/elsewhere", "mailto:a@b");
   start();
-  load("/nothing");
-  ASSERT_TRUE(server_.waitFor("/nothing"));
+  load(GetParam());
+  ASSERT_TRUE(server_.waitFor(GetParam()));
   const auto begin = Clock::now();
   helper_.closeInput();
   EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
   EXPECT_LT(Clock::now() - begin, 8s);
-  EXPECT_THAT(server_.asked(), testing::ElementsAre("/nothing"));
+  EXPECT_THAT(server_.asked(), testing::ElementsAre(GetParam()));
 }
 
-TEST_F(WebViewLoad, AnswerWithoutAPageIsNotAskedForAgain) {
-  server_.answerNothing("/nothing");
-  start({"--idle-seconds", "7"});
-  load("/nothing");
-  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
-  EXPECT_THAT(server_.asked(), testing::ElementsAre("/nothing"));
-}
-
-TEST_F(WebViewLoad, RefusedLoadIsNotWaitedForAfterTheInputsEnd) {
-  start();
-  ASSERT_TRUE(stillLoads());
-  ASSERT_TRUE(helper_.writeLine("http://127.0.0.1:9/nobody-listens"));
-  const auto begin = Clock::now();
-  helper_.closeInput();
-  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
-  EXPECT_LT(Clock::now() - begin, 8s);
-}
+INSTANTIATE_TEST_SUITE_P(Each, WebViewAnswer,
+                         testing::Values("/nothing", "/password", "/download", "/refused", "/elsewhere"),
+                         [](const auto& which) { return std::string(which.param + 1); });
 
 TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
   start();

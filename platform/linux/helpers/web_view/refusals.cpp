@@ -52,7 +52,7 @@ gboolean denyPermission(WebKitWebView*, WebKitPermissionRequest* request, gpoint
 }
 
 gboolean giveNoPassword(WebKitWebView*, WebKitAuthenticationRequest* request, gpointer) {
-  webkit_authentication_request_cancel(request);
+  webkit_authentication_request_authenticate(request, nullptr);
   return TRUE;
 }
 
