@@ -38,7 +38,8 @@ QImage emptyForm(Size size, double scale) {
   if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
   const auto columns = static_cast<int>(width), rows = static_cast<int>(height);
   // All zeros are transparent, and zeros of the C library's cost nothing where all is drawn over at once.
-  auto* pixels = static_cast<uchar*>(std::calloc(static_cast<std::size_t>(rows), columns * bytesOfPixel));
+  auto* pixels = static_cast<uchar*>(
+      std::calloc(static_cast<std::size_t>(rows), static_cast<std::size_t>(columns * bytesOfPixel)));
   if (pixels == nullptr) return {};
   return {pixels,    columns, rows, columns * bytesOfPixel, QImage::Format_ARGB32_Premultiplied,
           std::free, pixels};

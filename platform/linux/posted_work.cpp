@@ -6,6 +6,10 @@
 
 namespace platform {
 
+PostedWork::PostedWork(const ModalStack& modalRuns) : modalRuns_(modalRuns) {
+  connect(this, &PostedWork::woken, this, &PostedWork::serve, Qt::QueuedConnection);
+}
+
 void PostedWork::post(std::function<void()> work) {
   {
     const std::lock_guard lock(mutex_);
@@ -15,8 +19,7 @@ void PostedWork::post(std::function<void()> work) {
 }
 
 void PostedWork::wake() {
-  QMetaObject::invokeMethod(
-      &mainThread_, [this] { serve(); }, Qt::QueuedConnection);
+  Q_EMIT woken();
 }
 
 void PostedWork::serve() {

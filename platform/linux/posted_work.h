@@ -16,14 +16,21 @@ class ModalStack;
 // The toolkit's own queue would go on serving inside a modal run that has just been stopped, and a run begun
 // there would nest in it: a quick writer of "show" and "hide" would pile up runs without end. This queue
 // waits until the stopped run has returned.
-class PostedWork {
+class PostedWork : public QObject {
+  Q_OBJECT
+
  public:
-  explicit PostedWork(const ModalStack& modalRuns) : modalRuns_(modalRuns) {}
+  // Main thread, as the destructor.
+  explicit PostedWork(const ModalStack& modalRuns);
 
   // Any thread.
   void post(std::function<void()> work);
   // Has the run loop come back to what was left. Any thread.
   void wake();
+
+ Q_SIGNALS:
+  // A signal rather than a call of its own for each wake: the threads share the queue below and nothing else.
+  void woken();
 
  private:
   void serve();
@@ -32,7 +39,6 @@ class PostedWork {
   const ModalStack& modalRuns_;
   std::mutex mutex_;
   std::deque<std::function<void()>> waiting_;
-  QObject mainThread_;
 };
 
 }  // namespace platform

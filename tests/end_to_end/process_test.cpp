@@ -25,6 +25,10 @@ bool isMenu(const XWindow& window) {
 
 class Process : public AgentTest {
  protected:
+  void TearDown() override {
+    another_.kill();
+    AgentTest::TearDown();
+  }
   // A start of the installed agent beside the one that runs.
   ExitStatus startAnother(const std::vector<std::string>& arguments = {}) {
     std::vector<std::string> command{agentProgram()};

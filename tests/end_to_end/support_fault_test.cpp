@@ -22,6 +22,7 @@ class SupportFault : public SupportTest {
   void SetUp() override {
     SupportTest::SetUp();
     setServers("http://127.0.0.1:" + std::to_string(faulty_.port()));
+    const std::lock_guard lock(mutex_);
     bodies_ = {{versionFile, plist(dictionary({{"version", "9.0.0"}}))},
                {noticeFile, noticeList()},
                {bannerListFile, bannerList(banner("red.ppm", "http://banner.example/red"))},

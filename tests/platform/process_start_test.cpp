@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "tests/ipc/forked_call.h"
+#include "tests/support/sanitizer.h"
 
 namespace {
 
@@ -59,9 +60,7 @@ void takeAllMemory() {
 }
 
 TEST(ProcessStart, WantOfMemoryIsToldWithoutMemory) {
-#ifdef __SANITIZE_ADDRESS__
-  GTEST_SKIP() << "the address sanitizer takes all of the address space";
-#endif
+  if (!test_support::memoryCanBeMeasured) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   EXPECT_THAT(endOf([] {
                 takeAllMemory();
                 fail(std::bad_alloc());

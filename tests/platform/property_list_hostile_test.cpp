@@ -10,18 +10,12 @@
 
 #include "tests/platform/property_list_binary_builder.h"
 #include "tests/platform/property_list_support.h"
+#include "tests/support/sanitizer.h"
 
 namespace {
 
 using namespace property_list_support;
 using platform::propertyListMaxBytes;
-
-// The address sanitizer keeps what was freed, so that nothing can be said about memory under it.
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool memoryCanBeMeasured = false;
-#else
-constexpr bool memoryCanBeMeasured = true;
-#endif
 
 struct Hostile {
   std::string name;
@@ -178,7 +172,7 @@ long peakMegabytes(const std::function<void()>& work) {
 }
 
 TEST_P(HostilePropertyList, TakesLittleMemoryBesideItself) {
-  if (!memoryCanBeMeasured) GTEST_SKIP() << "the address sanitizer keeps what was freed";
+  if (!test_support::memoryCanBeMeasured) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   constexpr long most = 5;
   const GuardedBytes list(GetParam().build());
   const long peak = peakMegabytes([&] { (void)platform::parsePropertyList(list.span()); });
@@ -190,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(AllForms, HostilePropertyList, testing::ValuesIn(hostil
                          [](const auto& instance) { return instance.param.name; });
 
 TEST(HostileMemory, TheMeasureSeesWhatIsTaken) {
-  if (!memoryCanBeMeasured) GTEST_SKIP() << "the address sanitizer keeps what was freed";
+  if (!test_support::memoryCanBeMeasured) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   const long peak = peakMegabytes([] {
     std::string taken(32u << 20, 'x');
     // The memory must be seen to be used.
