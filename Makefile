@@ -2,8 +2,13 @@
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
+# The tests would wait for each other's processors.
+.NOTPARALLEL:
 .PHONY: build package bench soak format check check-format check-compilers check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
+
+# Where the bundle of the preset is assembled.
+BUNDLE_ROOT = $(CURDIR)/build$(if $(filter release,$(PRESET)),,/$(PRESET))
 
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
@@ -58,9 +63,9 @@ OPENINGS ?= 1000
 MINUTES ?= 60
 SEED ?=
 soak: build
-	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
-	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
-	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/support/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
+	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
+	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
+	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
 
 # FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).
 FUZZ_SECONDS ?= 60
@@ -71,7 +76,7 @@ fuzz:
 
 # Makes each call of the agent's own code fail in each place of a short life, and prints what became of it.
 faults: build
-	TOVALIN_BUNDLE_ROOT=$(CURDIR)/build tests/faults/run build/$(PRESET)
+	TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/faults/run build/$(PRESET)
 
 # Which lines the tests run, of the product folders and of platform/; doc/coverage.md says why the others aren't.
 coverage:

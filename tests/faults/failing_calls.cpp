@@ -33,7 +33,8 @@
 
 #include "tests/faults/fault_report.h"
 
-extern "C" void* __libc_malloc(std::size_t size);  // NOLINT(bugprone-reserved-identifier)
+extern "C" void* __libc_malloc(std::size_t size);                     // NOLINT(bugprone-reserved-identifier)
+extern "C" void* __libc_calloc(std::size_t count, std::size_t size);  // NOLINT(bugprone-reserved-identifier)
 
 namespace {
 
@@ -197,6 +198,8 @@ FAILING(sendfile, ssize_t, -1, (int out, int in, off_t* offset, std::size_t coun
 FAILING(unlink, int, -1, (const char* path), path)
 FAILING(unlinkat, int, -1, (int folder, const char* path, int flags), folder, path, flags)
 FAILING(remove, int, -1, (const char* path), path)
+FAILING(rmdir, int, -1, (const char* path), path)
+FAILING(realpath, char*, nullptr, (const char* path, char* found), path, found)
 FAILING(ftruncate, int, -1, (int file, off_t length), file, length)
 FAILING(flock, int, -1, (int file, int operation), file, operation)
 FAILING(select, int, -1, (int count, fd_set* readable, fd_set* writable, fd_set* exceptional, timeval* wait),
@@ -294,6 +297,16 @@ void* failingMalloc(std::size_t size) {
     return nullptr;
   }
   return __libc_malloc(size);
+}
+
+// Not by way of the loader, which asks for memory itself.
+extern "C" void* failingCalloc(std::size_t count, std::size_t size) __asm__("calloc");
+void* failingCalloc(std::size_t count, std::size_t size) {
+  if (const int error = faultOf(indexOf("calloc"), __builtin_return_address(0)); error != 0) {
+    errno = error;
+    return nullptr;
+  }
+  return __libc_calloc(count, size);
 }
 
 // The agent's pauses of seconds, which are there for others, would be most of a test's time.

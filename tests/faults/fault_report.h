@@ -14,7 +14,7 @@ namespace faults {
 // The calls that can fail. "malloc" is of 64 KiB and more, "small malloc" of less. "write in part" is a write
 // to the end of a file that takes only the first half, as that to a disk that becomes full.
 // clang-format off
-inline constexpr std::array<std::string_view, 54> callNames = {
+inline constexpr std::array<std::string_view, 57> callNames = {
     "open", "openat", "fopen64", "read", "write",
     "close", "lseek", "stat", "lstat", "fstat",
     "statx", "readlink", "fdopendir", "readdir", "mkdir",
@@ -25,7 +25,8 @@ inline constexpr std::array<std::string_view, 54> callNames = {
     "pthread_create", "inotify_init1", "inotify_add_watch", "curl_global_init", "curl_easy_init",
     "curl_multi_init", "curl_multi_add_handle", "curl_multi_perform", "curl_multi_poll", "curl_slist_append",
     "malloc", "small malloc", "write in part", "inotify_rm_watch", "writev",
-    "statvfs", "execv", "close_range", "sigaction"};
+    "statvfs", "execv", "close_range", "sigaction", "calloc",
+    "rmdir", "realpath"};
 // clang-format on
 
 struct Report {

@@ -122,6 +122,9 @@ constexpr Kind allKinds[] = {{"open", EMFILE},
                              {"curl_slist_append", ENOMEM},
                              {"malloc", ENOMEM},
                              {"small malloc", ENOMEM},
+                             {"calloc", ENOMEM},
+                             {"rmdir", EACCES},
+                             {"realpath", EACCES},
                              {"write in part", ENOSPC}};
 
 // The calls of the parts of a life.
@@ -130,6 +133,9 @@ constexpr std::string_view callsOfLogCollection[] = {
     "open", "openat", "read", "write", "write in part", "close", "lseek", "stat",
     "lstat", "fstat", "readlink", "fdopendir", "readdir", "mkdir", "unlinkat", "remove",
     "flock", "select", "send", "ioctl", "posix_spawn", "waitpid", "small malloc"};
+constexpr std::string_view callsOfUpdate[] = {
+    "open", "close", "lstat", "mkdir", "rmdir", "flock", "write", "select",
+    "send", "posix_spawn", "waitpid", "small malloc"};
 constexpr std::string_view callsOfMidnight[] = {
     "open", "openat", "fopen64", "read", "write", "write in part", "close", "lseek",
     "stat", "lstat", "fstat", "readlink", "fdopendir", "readdir", "mkdir", "unlink",
@@ -147,7 +153,7 @@ constexpr std::string_view callsOfWatch[] = {
 constexpr std::string_view callsOfStartOver[] = {"execv"};
 constexpr std::string_view callsOfDisplayless[] = {"writev"};
 // The short life has all but these.
-constexpr std::string_view callsOfOthersAlone[] = {"execv", "inotify_rm_watch", "writev"};
+constexpr std::string_view callsOfOthersAlone[] = {"execv", "inotify_rm_watch", "rmdir", "writev"};
 // clang-format on
 
 std::vector<Kind> kindsOfShortLife() {
@@ -220,6 +226,12 @@ TEST_P(LogCollectionFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, LogCollectionFaults, testing::ValuesIn(kindsOf(callsOfLogCollection)),
                          nameOfKind);
+
+class UpdateFaults : public FaultsIn<UpdateLife> {};
+TEST_P(UpdateFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, UpdateFaults, testing::ValuesIn(kindsOf(callsOfUpdate)), nameOfKind);
 
 class MidnightFaults : public FaultsIn<MidnightLife> {};
 TEST_P(MidnightFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {

@@ -40,6 +40,21 @@ class LogCollectionLife : public FaultTest {
   bool toldOfItsEnd_ = false;
 };
 
+// Calls fail while the updater is copied and opened by the support window's button.
+class UpdateLife : public FaultTest {
+ public:
+  static constexpr const char* title = "update";
+
+ protected:
+  void lead() override;
+  [[nodiscard]] Outcome judge() override;
+
+ private:
+  void update();
+
+  bool hasOpened_ = false;
+};
+
 // Calls fail from before midnight until after the day's upload; records are written on both days.
 class MidnightLife : public FaultTest {
  public:

@@ -44,6 +44,7 @@ ObjectPointer<WebKitWebView> makeView(WebKitWebContext* context) {
 
 Page::Page(bool lockedIn, std::function<void()> changed)
     : changed_(std::move(changed)), context_(makeContext(lockedIn)), view_(makeView(context_.get())) {
+  // First, as a refusal ends what comes of a failure.
   watchProgress();
   refuseAllButPages(context_.get(), view_.get());
 }
@@ -59,6 +60,7 @@ void Page::request(const std::string& address) {
     return G_SOURCE_CONTINUE;
   };
   requested_ = address;
+  started_ = false;
   answered_ = true;
   webkit_web_view_load_uri(view_.get(), address.c_str());
   pulse_.reset(g_timeout_add(pulse.count(), +beat, this));
@@ -106,19 +108,29 @@ void Page::resourceFinished(WebKitWebResource* resource, gpointer self) {
   pageOf(self).changed_();
 }
 
-// Nothing more is heard of what the page before was loading.
+// Once a load starts nothing more is heard of what the page before was loading.
 void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
-  if (event == WEBKIT_LOAD_STARTED) pageOf(self).resources_.clear();
-  if (event == WEBKIT_LOAD_COMMITTED) pageOf(self).requested_.clear();
+  Page& page = pageOf(self);
+  if (event == WEBKIT_LOAD_STARTED) {
+    page.started_ = true;
+    page.resources_.clear();
+  }
+  if (event == WEBKIT_LOAD_COMMITTED) page.requestAnswered();
 }
 
 // A load that makes room for the next one is cancelled; any other failure is the answer.
 gboolean Page::loadFailed(WebKitWebView*, WebKitLoadEvent, const char*, GError* error, gpointer self) {
-  if (g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) == FALSE) {
-    pageOf(self).requested_.clear();
-    pageOf(self).changed_();
-  }
+  const bool isCancelled =
+      g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
+  if (!isCancelled) pageOf(self).requestAnswered();
   return FALSE;
+}
+
+// What comes before the load has started is the page's before.
+void Page::requestAnswered() {
+  if (!started_) return;
+  requested_.clear();
+  changed_();
 }
 
 // What was asked of the dead process is asked once more, of a new one.

@@ -25,6 +25,7 @@ class Page {
  private:
   void request(const std::string& address);
   void requestOnceMore();
+  void requestAnswered();
   void checkPulse();
   void watchProgress();
   static void resourceStarted(WebKitWebView* view, WebKitWebResource* resource, WebKitURIRequest* request,
@@ -37,6 +38,7 @@ class Page {
 
   std::function<void()> changed_;
   std::string requested_;  // until its page begins to come, or can't
+  bool started_ = false;   // a load has begun since it was requested
   bool mayStartOver_ = false;
   bool answered_ = false;
   EventSource pulse_;
