@@ -17,6 +17,14 @@ using test_support::contentsOf;
 using test_support::FileDescriptor;
 using test_support::waitUntil;
 
+FileDescriptor socketAt(const std::string& path) {
+  FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) return {};
+  return socket;
+}
+
 TEST_F(HostilePipes, ACommandPipeThatIsALinkToAFileHasTheFilesFirstBytesOverwritten) {
   std::ofstream(planted) << "0123456789";
   fs::create_symlink(planted, commandPipe);
@@ -55,6 +63,18 @@ TEST_F(HostilePipes, ACommandPipeThatIsAFullDeviceIsAWriteErrorAndNoMore) {
   startAndListen();
   EXPECT_TRUE(waitForText("log 3: write error. errno : 28"));
   expectNoticesAndAProperEnd();
+}
+
+TEST_F(HostilePipes, ACommandPipeThatIsASocketIsToldAndLeftAlone) {
+  const FileDescriptor socket = socketAt(commandPipe);
+  ASSERT_TRUE(socket.valid());
+  ASSERT_EQ(::listen(socket.get(), 1), 0);
+  const mode_t mode = modeOf(commandPipe);
+  startAndListen();
+  EXPECT_EQ(count("log 3: open pipe failed. errno : 6"), 1);
+  expectNoticesAndAProperEnd();
+  EXPECT_TRUE(fs::is_socket(commandPipe));
+  EXPECT_EQ(modeOf(commandPipe), mode);
 }
 
 TEST_F(HostilePipes, ACommandPipeOnAFullDiskIsAWriteErrorAndNoMore) {
@@ -150,10 +170,8 @@ TEST_F(HostilePipes, ANotificationPipeThatIsAFolderWithSomethingInItStaysClosedT
 }
 
 TEST_F(HostilePipes, ANotificationPipeThatIsASocketIsToldAndRemovedAtOnce) {
-  const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-  std::string(pipePath).copy(address.sun_path, sizeof address.sun_path - 1);
-  ASSERT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  const FileDescriptor socket = socketAt(pipePath);
+  ASSERT_TRUE(socket.valid());
   start();
   EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 6"));
   EXPECT_TRUE(waitUntil([] { return !fs::exists(pipePath); }));
