@@ -299,6 +299,7 @@ void LifeTest::passMidnight() {
     if (below(20) == 0) sendRecord();
     waitUntilIdle();
   }
+  if (HasFatalFailure()) return;
   ASSERT_NO_FATAL_FAILURE(waitForUploads(before, past));
 }
 
@@ -312,7 +313,23 @@ void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
 
 // The main thread answers, so it has done all that it was asked before. It may be among uploads.
 void LifeTest::waitUntilIdle() {
-  ASSERT_TRUE(host_.ask("properties", 60s).ok);
+  const auto answer = host_.ask("properties", 60s);
+  ASSERT_TRUE(answer.ok) << answer.text << ", after " << uploads_.arrived() << " uploads" << agentsState();
+}
+
+std::string LifeTest::agentsState() {
+  if (!agent_.running()) {
+    const auto status = agent_.wait();
+    return "\nthe agent has ended, " +
+           (status->signal ? "signal " + std::to_string(*status->signal)
+                           : "status " + std::to_string(*status->code)) +
+           "; its last words:\n" + agent_.takeErrorOutput();
+  }
+  std::string state = "\nits threads and the calls they wait in:\n";
+  const fs::path tasks = "/proc/" + std::to_string(agent_.pid()) + "/task";
+  for (const auto& task : fs::directory_iterator(tasks))
+    state += contentsOf(task.path() / "comm") + contentsOf(task.path() / "syscall");
+  return state + "its last words:\n" + agent_.takeErrorOutput();
 }
 
 RecordCounts LifeTest::recordsLeft() {

@@ -75,6 +75,8 @@ class LifeTest : public SupportTest {
   void sendRecord();
   void waitForUploads(std::size_t before, std::size_t past);
   void waitUntilIdle();
+  // What is to be known of an agent that does not answer.
+  [[nodiscard]] std::string agentsState();
   [[nodiscard]] unsigned below(unsigned end) { return static_cast<unsigned>(random_()) % end; }
 
   static unsigned seed();
