@@ -139,6 +139,7 @@ TEST_F(Notice, WritersThatDoNotWaitMergeTextsAndNothingWorse) {
   launch();
   {
     std::vector<std::jthread> writers;
+    writers.reserve(3);
     for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) {
       writers.emplace_back([message] {
         const test_support::FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
@@ -211,6 +212,7 @@ TEST_F(Notice, A150MessagesOfThreeWritersAreEachActedOnOrDropped) {
   int next = 0;
   {
     std::vector<std::jthread> writers;
+    writers.reserve(3);
     for (int writer = 0; writer < 3; ++writer) {
       writers.emplace_back([&] {
         for (;;) {

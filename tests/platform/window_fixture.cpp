@@ -95,7 +95,7 @@ void WindowFixture::holdReturnAndPressItAgain(QWidget& widget) {
     QCoreApplication::sendEvent(&widget, &event);
   };
   send(QEvent::KeyPress, 1000);
-  for (const quint64 time : {1500, 1540}) {
+  for (const quint64 time : {1500U, 1540U}) {
     send(QEvent::KeyRelease, time);
     send(QEvent::KeyPress, time);
   }
