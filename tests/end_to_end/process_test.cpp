@@ -16,7 +16,6 @@ using test_support::ExitStatus;
 using test_support::Redirection;
 using test_support::XWindow;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 bool isMenu(const XWindow& window) {
