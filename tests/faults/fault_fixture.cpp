@@ -70,6 +70,14 @@ std::optional<PlainLife>& plainLife() {
   return lives[testing::UnitTest::GetInstance()->current_test_suite()->name()];
 }
 
+// The toolkit's pool has as many threads as it needs at the time, and each of them holds a descriptor.
+long pooledThreadsOf(pid_t process) {
+  const fs::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
+  return std::count_if(begin(threads), end(threads), [](const auto& thread) {
+    return contentsOf(thread.path() / "comm") == "Thread (pooled)\n";
+  });
+}
+
 }  // namespace
 
 const std::string startRecordWithoutVersion =
@@ -242,7 +250,7 @@ std::optional<Outcome> FaultTest::judgeEarlyEnd() {
 
 // While the agent runs: descriptors and children that it has left.
 std::string FaultTest::leftBehind() {
-  const auto open = [&] { return openDescriptorsOf(agent_.pid()); };
+  const auto open = [&] { return openDescriptorsOf(agent_.pid()) - pooledThreadsOf(agent_.pid()); };
   if (!plainLife()) plainLife() = PlainLife{.descriptors = open()};
   const long usual = plainLife()->descriptors;
   if (!waitUntil([&] { return open() <= usual; }, 3s))
