@@ -40,6 +40,7 @@ class LifeUploads {
 
   [[nodiscard]] Fate nextFate(unsigned waysToFail);
   void serve(test_support::RawConnection& connection);
+  void leaveWithoutAnswer(test_support::RawConnection& connection);
   void enter(const std::string& file, bool taken);
 
   std::function<void()> letTimePass_;

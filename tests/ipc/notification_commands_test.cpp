@@ -15,32 +15,32 @@ constexpr const char* commands[] = {"-non", "-noff", "-neon", "-neoff", "-ncdat"
 TEST(NotificationCommands, EachRowOfTheTable) {
   struct Row {
     const char* text;
-    ShownNotices before;
     Action action;
+    ShownNotices before;
     ShownNotices after;
   };
   const Row rows[] = {
-      {"-non", {false, false}, Action::NotificationOn, {true, false}},
-      {"-non", {false, true}, Action::NotificationOn, {true, true}},
-      {"-non", {true, false}, Action::None, {true, false}},
-      {"-noff", {true, false}, Action::NotificationOff, {false, false}},
-      {"-noff", {true, true}, Action::NotificationOff, {false, true}},
-      {"-noff", {false, false}, Action::None, {false, false}},
-      {"-noff", {false, true}, Action::None, {false, true}},
-      {"-neon", {false, false}, Action::NoticeEnumerateOn, {false, true}},
-      {"-neon", {true, false}, Action::NoticeEnumerateOn, {true, true}},
-      {"-neon", {false, true}, Action::None, {false, true}},
-      {"-neoff", {false, true}, Action::NoticeEnumerateOff, {false, false}},
-      {"-neoff", {true, true}, Action::NoticeEnumerateOff, {true, false}},
-      {"-neoff", {false, false}, Action::None, {false, false}},
-      {"-ncdat", {false, false}, Action::CollectData, {false, false}},
-      {"-ncdat", {true, true}, Action::CollectData, {true, true}},
-      {"", {true, true}, Action::UnknownCommand, {true, true}},
-      {"-NON", {false, false}, Action::UnknownCommand, {false, false}},
-      {" -non", {false, false}, Action::UnknownCommand, {false, false}},
-      {"-non\n", {false, false}, Action::UnknownCommand, {false, false}},
-      {"-non-noff", {false, false}, Action::UnknownCommand, {false, false}},
-      {"-ton", {false, false}, Action::UnknownCommand, {false, false}},
+      {"-non", Action::NotificationOn, {false, false}, {true, false}},
+      {"-non", Action::NotificationOn, {false, true}, {true, true}},
+      {"-non", Action::None, {true, false}, {true, false}},
+      {"-noff", Action::NotificationOff, {true, false}, {false, false}},
+      {"-noff", Action::NotificationOff, {true, true}, {false, true}},
+      {"-noff", Action::None, {false, false}, {false, false}},
+      {"-noff", Action::None, {false, true}, {false, true}},
+      {"-neon", Action::NoticeEnumerateOn, {false, false}, {false, true}},
+      {"-neon", Action::NoticeEnumerateOn, {true, false}, {true, true}},
+      {"-neon", Action::None, {false, true}, {false, true}},
+      {"-neoff", Action::NoticeEnumerateOff, {false, true}, {false, false}},
+      {"-neoff", Action::NoticeEnumerateOff, {true, true}, {true, false}},
+      {"-neoff", Action::None, {false, false}, {false, false}},
+      {"-ncdat", Action::CollectData, {false, false}, {false, false}},
+      {"-ncdat", Action::CollectData, {true, true}, {true, true}},
+      {"", Action::UnknownCommand, {true, true}, {true, true}},
+      {"-NON", Action::UnknownCommand, {false, false}, {false, false}},
+      {" -non", Action::UnknownCommand, {false, false}, {false, false}},
+      {"-non\n", Action::UnknownCommand, {false, false}, {false, false}},
+      {"-non-noff", Action::UnknownCommand, {false, false}, {false, false}},
+      {"-ton", Action::UnknownCommand, {false, false}, {false, false}},
   };
   for (const Row& row : rows) {
     ShownNotices shown = row.before;

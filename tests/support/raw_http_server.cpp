@@ -69,9 +69,9 @@ void RawConnection::pauseFor(std::chrono::milliseconds time) {
   waitFor(-1, 0, stop_, time);
 }
 
-bool RawConnection::waitForEnd() {
+bool RawConnection::waitForEnd(std::chrono::milliseconds time) {
   pollfd hungUp{socket_.get(), POLLRDHUP, 0};
-  return waitFor(socket_.get(), POLLRDHUP, stop_, kPatience) && ::poll(&hungUp, 1, 0) == 1;
+  return waitFor(socket_.get(), POLLRDHUP, stop_, time) && ::poll(&hungUp, 1, 0) == 1;
 }
 
 void RawConnection::reset() {
@@ -113,7 +113,7 @@ std::string RawHttpServer::url(const std::string& path, const std::string& schem
 void RawHttpServer::acceptConnections() {
   while (waitFor(listener_.socket.get(), POLLIN, stop_, std::chrono::hours(1))) {
     FileDescriptor socket(::accept4(listener_.socket.get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (!socket.valid()) return;
+    if (!socket.valid()) continue;  // who came has gone again
     const int on = 1;
     ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     const Script& script = scripts_[std::min<std::size_t>(connections_++, scripts_.size() - 1)];

@@ -11,6 +11,7 @@
 
 #include "tests/support/file_descriptor.h"
 #include "tests/support/loopback_listener.h"
+#include "tests/support/wait_until.h"
 #include "tests/support/wake_event.h"
 
 namespace test_support {
@@ -32,8 +33,9 @@ class RawConnection {
   bool sendSlowly(std::string_view bytes, std::chrono::milliseconds pause);
   // Returns when `time` is over.
   void pauseFor(std::chrono::milliseconds time);
-  // Says and reads nothing until the server stops or the client goes. True when the client went.
-  bool waitForEnd();
+  // Says and reads nothing until the server stops, the client goes or the time is over. True when the client
+  // went.
+  bool waitForEnd(std::chrono::milliseconds time = kPatience);
   // Ends the connection at once, without a farewell.
   void reset();
 
