@@ -191,10 +191,10 @@ TEST_F(RootChange, IsLookedForWhenEntriesGoBesideTheRootButNotFartherAbove) {
     pollfd touched{.fd = watch->folders(), .events = POLLIN, .revents = 0};
     return ::poll(&touched, 1, 0) == 1;
   };
-  std::ofstream("/tmp/way/file");
+  std::ofstream("/tmp/way/file").close();
   fs::remove("/tmp/way/file");
   EXPECT_FALSE(isTouched());
-  std::ofstream("/tmp/way/middle/file");
+  std::ofstream("/tmp/way/middle/file").close();
   fs::remove("/tmp/way/middle/file");
   EXPECT_TRUE(isTouched());
   EXPECT_FALSE(watch->hasChanged());
