@@ -45,8 +45,11 @@ void standardExit(int status) {
   endAtOnce(status);
 }
 
-// Who is to be killed gets a moment to write what it has counted.
+// Who is to be killed gets a moment to write what it has counted. Who counts nothing ends at once.
 int kill(pid_t process, int signal) noexcept {
-  if (signal == SIGKILL && sendSignal(process, kWriteCounts) == 0) ::nanosleep(&kTimeToWrite, nullptr);
-  return sendSignal(process, signal);
+  if (signal != SIGKILL) return sendSignal(process, signal);
+  const bool wasThere = sendSignal(process, kWriteCounts) == 0;
+  if (wasThere) ::nanosleep(&kTimeToWrite, nullptr);
+  const int result = sendSignal(process, signal);
+  return wasThere ? 0 : result;
 }
