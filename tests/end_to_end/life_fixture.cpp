@@ -306,7 +306,8 @@ void LifeTest::passMidnight() {
 // Of that many past files, of which those that are taken go.
 void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
   ASSERT_TRUE(waitUntil([&] { return uploads_.arrived() >= before + past; }, 60s))
-      << uploads_.arrived() - before << " of " << past << " files were sent";
+      << uploads_.arrived() - before << " of " << past << " files were sent to server " << serverOption()
+      << agentsState();
   ASSERT_TRUE(waitUntil([&] { return uploads_.complaints(pastFiles()).empty(); }))
       << testing::PrintToString(uploads_.complaints(pastFiles()));
 }
@@ -315,6 +316,10 @@ void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
 void LifeTest::waitUntilIdle() {
   const auto answer = host_.ask("properties", 60s);
   ASSERT_TRUE(answer.ok) << answer.text << ", after " << uploads_.arrived() << " uploads" << agentsState();
+}
+
+std::string LifeTest::serverOption() {
+  return contentsOf(kFolder + "/TovalinServerOption.txt");
 }
 
 std::string LifeTest::agentsState() {
@@ -329,7 +334,9 @@ std::string LifeTest::agentsState() {
   const fs::path tasks = "/proc/" + std::to_string(agent_.pid()) + "/task";
   for (const auto& task : fs::directory_iterator(tasks))
     state += contentsOf(task.path() / "comm") + contentsOf(task.path() / "syscall");
-  return state + "its last words:\n" + agent_.takeErrorOutput();
+  // What waits in the queues shows who does not read or write.
+  state += "connections:\n" + contentsOf(tasks.parent_path() / "net/tcp");
+  return state + "server " + serverOption() + ", the agent's last words:\n" + agent_.takeErrorOutput();
 }
 
 RecordCounts LifeTest::recordsLeft() {

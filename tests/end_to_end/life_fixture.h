@@ -77,6 +77,7 @@ class LifeTest : public SupportTest {
   void waitUntilIdle();
   // What is to be known of an agent that does not answer.
   [[nodiscard]] std::string agentsState();
+  [[nodiscard]] static std::string serverOption();
   [[nodiscard]] unsigned below(unsigned end) { return static_cast<unsigned>(random_()) % end; }
 
   static unsigned seed();

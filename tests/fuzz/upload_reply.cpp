@@ -3,6 +3,7 @@
 // other input is the answer itself.
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <optional>
 #include <string>
@@ -56,9 +57,16 @@ Exchange exchangeOf(std::string_view input) {
   }
 }
 
+// The HTTP library takes the protocol's name in letters of any size.
+bool namesProtocol(std::string_view answer) {
+  constexpr std::string_view name = "http/";
+  const auto isSame = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
+  return std::search(answer.begin(), answer.end(), name.begin(), name.end(), isSame) != answer.end();
+}
+
 // A line that begins with a line end of either kind is the head's last.
 bool hasHead(std::string_view answer) {
-  return answer.find("HTTP/") != std::string_view::npos &&
+  return namesProtocol(answer) &&
          (answer.find("\n\r") != std::string_view::npos || answer.find("\n\n") != std::string_view::npos);
 }
 

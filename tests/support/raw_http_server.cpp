@@ -14,6 +14,7 @@ namespace test_support {
 namespace {
 
 constexpr std::string_view kEndOfHead = "\r\n\r\n";
+constexpr std::chrono::milliseconds kForEver{-1};
 
 // Whether `fd` became ready for `events` before `stop` was signalled and the time was over.
 bool waitFor(int fd, short events, const WakeEvent& stop, std::chrono::milliseconds time) {
@@ -111,7 +112,7 @@ std::string RawHttpServer::url(const std::string& path, const std::string& schem
 }
 
 void RawHttpServer::acceptConnections() {
-  while (waitFor(listener_.socket.get(), POLLIN, stop_, std::chrono::hours(1))) {
+  while (waitFor(listener_.socket.get(), POLLIN, stop_, kForEver)) {
     FileDescriptor socket(::accept4(listener_.socket.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!socket.valid()) continue;  // who came has gone again
     const int on = 1;
