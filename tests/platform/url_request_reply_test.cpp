@@ -247,7 +247,7 @@ RawHttpServer::Script withEndless(const std::string& line, const std::string& be
   return [=](RawConnection& connection) {
     connection.readRequest();
     std::string much = line;
-    while (much.size() < 64 * 1024) much += line;
+    while (much.size() < std::size_t{64} * 1024) much += line;
     for (bool there = connection.send(beginning); there;) there = connection.send(much);
   };
 }
