@@ -7,12 +7,13 @@
 #include <unistd.h>
 
 extern "C" {
-void __gcov_dump();
+void __gcov_dump();  // NOLINT(bugprone-reserved-identifier): the compiler's own
 [[noreturn]] void endAtOnce(int status) __asm__("__real__exit");
 int sendSignal(pid_t process, int signal) __asm__("__real_kill");
 [[noreturn]] void underscoreExit(int status) __asm__("__wrap__exit");
 [[noreturn]] void standardExit(int status) __asm__("__wrap__Exit");
-int kill(pid_t process, int signal) noexcept __asm__("__wrap_kill");
+int kill(pid_t process, int signal) noexcept  // NOLINT(readability-redundant-declaration): under another name
+    __asm__("__wrap_kill");
 }
 
 namespace {
