@@ -44,7 +44,7 @@ namespace platform {
 std::optional<std::string> sendSynchronousRequest(const UrlRequest& request) {
   outside().fetched.push_back(request.url);
   if (outside().replies.empty()) return std::nullopt;
-  const auto reply = outside().replies.front();
+  auto reply = outside().replies.front();
   outside().replies.pop_front();
   return reply;
 }
