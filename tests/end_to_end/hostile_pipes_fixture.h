@@ -42,13 +42,4 @@ class HostilePipes : public NoticeTest {
     start();
     ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
   }
-  void expectNoticesAndAProperEnd() {
-    send("-non");
-    EXPECT_TRUE(shows(isAccessNotice));
-    expectAProperEnd();
-  }
-  void expectAProperEnd() {
-    ASSERT_TRUE(host_.click("Quit Tovalin"));
-    EXPECT_EQ(endOfAgent(), test_support::ExitStatus{.code = 0});
-  }
 };

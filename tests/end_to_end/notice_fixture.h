@@ -51,4 +51,15 @@ class NoticeTest : public AgentTest {
   [[nodiscard]] bool hides(bool (*notice)(const test_support::XWindow&)) {
     return test_support::waitForNoWindow(display_.name(), notice);
   }
+
+  // By its menu.
+  void expectAProperEnd() {
+    ASSERT_TRUE(host_.click("Quit Tovalin"));
+    EXPECT_EQ(endOfAgent(), test_support::ExitStatus{.code = 0});
+  }
+  void expectNoticesAndAProperEnd() {
+    send("-non");
+    EXPECT_TRUE(shows(isAccessNotice));
+    expectAProperEnd();
+  }
 };

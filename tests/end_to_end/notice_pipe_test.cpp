@@ -139,7 +139,6 @@ TEST_F(Notice, WritersThatDoNotWaitMergeTextsAndNothingWorse) {
   launch();
   {
     std::vector<std::jthread> writers;
-    writers.reserve(3);
     for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) {
       writers.emplace_back([message] {
         const test_support::FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));

@@ -1,11 +1,8 @@
 #include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <fstream>
-#include <sstream>
 
-#include "tests/end_to_end/hostile_pipes_fixture.h"
+#include "tests/end_to_end/ordinary_user_fixture.h"
 #include "tests/support/file_contents.h"
 #include "tools/tvldump/record_reader.h"
 
@@ -13,96 +10,33 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
-using test_support::ChildOptions;
-using test_support::ChildProcess;
 using test_support::contentsOf;
-using test_support::ExitStatus;
 using test_support::FileDescriptor;
-using test_support::Redirection;
 using test_support::waitUntil;
 
-constexpr unsigned user = 65534;
-constexpr unsigned thirdUser = 65533;
-const std::string ownHome = "/tmp/user/home";
 const std::string ownFolder = ownHome + "/.local/share/Tovalin";
 const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s;
 
-// The agent of a user for whom permissions count, and the test as the neighbour who takes them away.
-class OrdinaryUser : public NoticeTest {
- protected:
-  void SetUp() override {
-    NoticeTest::SetUp();
-    if (HasFatalFailure()) return;
-    if (!succeeds({"true"})) GTEST_SKIP() << "this user may not change into another";
-    install("/tmp/Applications/Tovalin.app");
-    fs::remove_all("/tmp/user");
-    for (const std::string& folder : {ownHome, "/tmp/user/runtime"s}) {
-      fs::create_directories(folder);
-      ASSERT_EQ(::chown(folder.c_str(), user, user), 0);
-      ASSERT_EQ(::chmod(folder.c_str(), 0700), 0);
-    }
-    environment_["HOME"] = ownHome;
-    environment_["XDG_RUNTIME_DIR"] = "/tmp/user/runtime";
-    // The bus is another user's.
-    environment_["DBUS_SESSION_BUS_ADDRESS"] = std::nullopt;
-    runOnDisplay({"xhost", "+local:"});
+int records() {
+  int found = 0;
+  for (const auto& entry : fs::directory_iterator(ownFolder)) {
+    const std::string bytes = contentsOf(entry.path());
+    for (std::size_t at = bytes.find("\x06My Pad"); at != std::string::npos;
+         at = bytes.find("\x06My Pad", at + 1))
+      ++found;
   }
-  void TearDown() override {
-    ::chmod("/tmp", 01777);
-    NoticeTest::TearDown();
-  }
+  return found;
+}
 
-  static std::vector<std::string> asUser(const std::vector<std::string>& command, unsigned who = user) {
-    const std::string id = std::to_string(who);
-    std::vector<std::string> all{"setpriv", "--reuid", id, "--regid", id, "--clear-groups", "--"};
-    all.insert(all.end(), command.begin(), command.end());
-    return all;
+void expectWholeFiles() {
+  for (const auto& entry : fs::directory_iterator(ownFolder)) {
+    if (entry.path().extension() != ".dat") continue;
+    const std::string bytes = contentsOf(entry.path());
+    tools::RecordReader reader(bytes);
+    while (reader.next()) continue;
+    EXPECT_FALSE(reader.damage()) << "at byte " << reader.damage()->offset;
   }
-  // What the user can do, so that a case knows that its fault bites.
-  [[nodiscard]] static bool succeeds(const std::vector<std::string>& command, unsigned who = user) {
-    ChildProcess process;
-    ChildOptions options;
-    options.error = Redirection::null();
-    return process.start(asUser(command, who), options) && process.wait() == ExitStatus{.code = 0};
-  }
-
-  void startAsUser() {
-    ChildOptions options;
-    options.environment = environment_;
-    options.error = Redirection::pipe();
-    ASSERT_TRUE(agent_.start(asUser({agentProgram()}), options));
-  }
-  void launchAsUser() {
-    startAsUser();
-    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : ")) << agent_.takeErrorOutput();
-    timeline_.clear();
-  }
-  [[nodiscard]] bool saysOnConsole(const std::string& text) {
-    return waitUntil([&] { return (console_ += agent_.takeErrorOutput()).find(text) != std::string::npos; });
-  }
-  [[nodiscard]] static int records() {
-    int found = 0;
-    for (const auto& entry : fs::directory_iterator(ownFolder)) {
-      const std::string bytes = contentsOf(entry.path());
-      for (std::size_t at = bytes.find("\x06My Pad"); at != std::string::npos;
-           at = bytes.find("\x06My Pad", at + 1))
-        ++found;
-    }
-    return found;
-  }
-
-  static void expectWholeFiles() {
-    for (const auto& entry : fs::directory_iterator(ownFolder)) {
-      if (entry.path().extension() != ".dat") continue;
-      const std::string bytes = contentsOf(entry.path());
-      tools::RecordReader reader(bytes);
-      while (reader.next()) continue;
-      EXPECT_FALSE(reader.damage()) << "at byte " << reader.damage()->offset;
-    }
-  }
-
-  std::string console_;
-};
+}
 
 TEST_F(OrdinaryUser, ANotificationPipeThatNobodyMayOpenAnyMoreServesThoseWhoHaveItOpen) {
   launchAsUser();
@@ -211,272 +145,6 @@ TEST_F(OrdinaryUser, AFullDiskInMidRunCostsRecordsWholeAndNothingElse) {
   terminateAgent();
   expectWholeFiles();
   EXPECT_EQ(::umount(ownFolder.c_str()), 0);
-}
-
-// Owner, kind, mode and what is in it. The time of the last change tells what came to the same in the end.
-std::string lookOf(const std::string& path) {
-  struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) return "nothing";
-  std::ostringstream look;
-  look << status.st_uid << ' ' << std::oct << status.st_mode << ' ' << status.st_ino << ' '
-       << status.st_ctim.tv_sec << '.' << status.st_ctim.tv_nsec << ' ';
-  if (S_ISLNK(status.st_mode)) look << fs::read_symlink(path);
-  if (S_ISREG(status.st_mode)) look << contentsOf(path);
-  if (S_ISDIR(status.st_mode)) look << (fs::is_empty(path) ? "empty" : "not empty");
-  return look.str();
-}
-
-bool linksOfOthersAreFollowed() {
-  return contentsOf("/proc/sys/fs/protected_symlinks") == "0\n";
-}
-
-// What a user who is neither the agent's nor root has put at the paths of the pipes, and what becomes of it.
-class ThirdUser : public OrdinaryUser {
- protected:
-  void SetUp() override {
-    OrdinaryUser::SetUp();
-    if (HasFatalFailure() || IsSkipped()) return;
-    clean();
-    startOpenBus();
-  }
-  void TearDown() override {
-    OrdinaryUser::TearDown();
-    clean();
-    for (const char* path : {commandPipe, pipePath}) fs::remove_all(path);
-  }
-
-  // The agent's user can neither change nor remove what the other one makes there by this shell command.
-  static void plant(const std::string& path, const std::string& command) {
-    fs::remove(path);
-    ASSERT_TRUE(succeeds({"sh", "-c", command + " " + path}, thirdUser));
-    ASSERT_FALSE(succeeds({"chown", "--no-dereference", std::to_string(user), path}));
-    ASSERT_FALSE(succeeds({"mv", "--no-target-directory", path, "/tmp/moved"}));
-    ASSERT_TRUE(lookOf(path).starts_with(std::to_string(thirdUser))) << lookOf(path);
-  }
-  // Not 0666, which the agent would make of it.
-  static void plantFileForAll(const std::string& path, const std::string& content) {
-    std::ofstream(source) << content;
-    plant(path, "install -m 0766 "s + source);
-    ASSERT_FALSE(succeeds({"chmod", "0666", path}));
-    ASSERT_TRUE(succeeds(readingOf(path)) && succeeds(writingOf(path)));
-  }
-  static void plantFileForHimself(const std::string& path) {
-    std::ofstream(source) << "-non";
-    plant(path, "install -m 0600 "s + source);
-    ASSERT_FALSE(succeeds(readingOf(path)) || succeeds(writingOf(path)));
-  }
-  static void plantFolderForAll(const std::string& path) {
-    plant(path, "mkdir -m 0777");
-    ASSERT_TRUE(succeeds({"ls", path}));
-  }
-  // ... whether it can be followed is up to the kernel.
-  static void plantLinkToTheOwnFile(const std::string& path, const std::string& content) {
-    std::ofstream(ownFile) << content;
-    ASSERT_EQ(::chown(ownFile.c_str(), user, user), 0);
-    ASSERT_EQ(::chmod(ownFile.c_str(), 0600), 0);
-    plant(path, "ln -s " + ownFile);
-    ASSERT_EQ(succeeds(readingOf(path)), linksOfOthersAreFollowed());
-    ASSERT_FALSE(succeeds(readingOf(ownFile), thirdUser));
-  }
-  // ... which leads nowhere for the agent, as each link of his does where the kernel follows none.
-  static void plantLinkToHisFile(const std::string& path) {
-    fs::create_directory(hisFolder);
-    ASSERT_EQ(::chown(hisFolder, thirdUser, thirdUser), 0);
-    ASSERT_EQ(::chmod(hisFolder, 0700), 0);
-    ASSERT_TRUE(succeeds({"touch", hisFile}, thirdUser));
-    plant(path, "ln -s "s + hisFile);
-    ASSERT_FALSE(succeeds(readingOf(path)));
-  }
-
-  void startInPanel() {
-    startAsUser();
-    ASSERT_TRUE(host_.waitForEvent("registered")) << agent_.takeErrorOutput();
-  }
-  // ... whose notification pipe is its own.
-  void startAndListen() {
-    startInPanel();
-    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
-  }
-  // The next click is served two seconds later, which not every case needs to wait for.
-  void turnTheSwitch() {
-    ASSERT_TRUE(host_.click("Automount Off"));
-    EXPECT_TRUE(host_.waitForEvent("clicked Automount Off"));
-  }
-  void expectAProperEnd() {
-    ASSERT_TRUE(host_.click("Quit Tovalin"));
-    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
-  }
-  void expectNoticesAndAProperEnd() {
-    send("-non");
-    EXPECT_TRUE(shows(isAccessNotice));
-    expectAProperEnd();
-    EXPECT_FALSE(fs::exists(pipePath));
-  }
-  void expectCommandsAndAProperEnd() {
-    EXPECT_TRUE(waitForText("pipe: -ton"));
-    expectAProperEnd();
-    EXPECT_TRUE(waitForText("pipe: -toff"));
-  }
-  void expectThatNobodyListens() {
-    EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] make pipe failed. errno : 17"));
-    EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 13"));
-    EXPECT_EQ(count("log 6: read_pipe"), 0);
-  }
-
-  static constexpr const char* source = "/tmp/user/source";
-  static constexpr const char* hisFolder = "/tmp/his";
-  static constexpr const char* hisFile = "/tmp/his/file";
-  inline static const std::string ownFile = ownHome + "/file";
-
- private:
-  // A bus usually lets in nobody but its own user, who is the test's.
-  void startOpenBus() {
-    const std::string configuration = "/tmp/user/bus.conf";
-    std::ofstream(configuration)
-        << "<busconfig><type>session</type><listen>unix:dir=/tmp/user</listen><auth>EXTERNAL</auth>"
-           "<policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
-           "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>";
-    ASSERT_TRUE(openBus_.start({"dbus-daemon", "--nofork", "--nopidfile", "--nosyslog", "--print-address=1",
-                                "--config-file=" + configuration},
-                               {.error = Redirection::null()}));
-    const std::string address = openBus_.readLine().value_or("");
-    environment_["DBUS_SESSION_BUS_ADDRESS"] = address;
-    ASSERT_TRUE(host_.LineProgram::start({TOVALIN_TRAY_HOST_DOUBLE},
-                                         {.environment = {{"DBUS_SESSION_BUS_ADDRESS", address}}}));
-  }
-  static std::vector<std::string> readingOf(const std::string& path) { return {"cat", path}; }
-  // Opened as the agent does: a shell asks for the file to be made, which the kernel may refuse in such a
-  // folder.
-  static std::vector<std::string> writingOf(const std::string& path) {
-    return {"dd", "if=/dev/null", "of=" + path, "conv=nocreat,notrunc"};
-  }
-  static void clean() {
-    for (const char* path : {hisFolder, "/tmp/moved"}) fs::remove_all(path);
-  }
-
-  ChildProcess openBus_;
-};
-
-TEST_F(ThirdUser, HisFileForAllAtTheCommandPipeHasItsFirstBytesOverwrittenAndNothingElse) {
-  plantFileForAll(commandPipe, "0123456789");
-  startAndListen();
-  EXPECT_EQ(contentsOf(commandPipe), "-ton456789");
-  EXPECT_EQ(count("log 3: open pipe failed"), 0);
-  expectNoticesAndAProperEnd();
-  EXPECT_EQ(contentsOf(commandPipe), "-toff56789");
-  EXPECT_EQ(modeOf(commandPipe), 0766u);
-  EXPECT_TRUE(lookOf(commandPipe).starts_with(std::to_string(thirdUser)));
-}
-
-TEST_F(ThirdUser, HisFileForHimselfAtTheCommandPipeIsToldAndLeftAlone) {
-  plantFileForHimself(commandPipe);
-  const std::string before = lookOf(commandPipe);
-  startAndListen();
-  EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 1);
-  turnTheSwitch();
-  EXPECT_TRUE(waitUntil([&] { return count("log 3: open pipe failed. errno : 13") == 2; }));
-  expectNoticesAndAProperEnd();
-  EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 3);
-  EXPECT_EQ(lookOf(commandPipe), before);
-}
-
-TEST_F(ThirdUser, HisFolderAtTheCommandPipeIsToldAndLeftAlone) {
-  plantFolderForAll(commandPipe);
-  const std::string before = lookOf(commandPipe);
-  startAndListen();
-  EXPECT_EQ(count("log 3: open pipe failed. errno : 21"), 1);
-  expectNoticesAndAProperEnd();
-  EXPECT_EQ(lookOf(commandPipe), before);
-}
-
-TEST_F(ThirdUser, HisLinkAtTheCommandPipeLeadsToTheUsersFileOnlyWhereTheKernelFollowsIt) {
-  plantLinkToTheOwnFile(commandPipe, "0123456789");
-  const std::string link = lookOf(commandPipe), file = lookOf(ownFile);
-  startAndListen();
-  if (linksOfOthersAreFollowed()) {
-    EXPECT_EQ(contentsOf(ownFile), "-ton456789");
-    EXPECT_EQ(count("log 3: open pipe failed"), 0);
-  } else {
-    EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 1);
-  }
-  expectNoticesAndAProperEnd();
-  if (linksOfOthersAreFollowed()) {
-    EXPECT_EQ(contentsOf(ownFile), "-toff56789");
-  } else {
-    EXPECT_EQ(lookOf(ownFile), file);
-  }
-  EXPECT_EQ(modeOf(ownFile), 0600u);
-  EXPECT_EQ(lookOf(commandPipe), link);
-}
-
-TEST_F(ThirdUser, HisLinkAtTheCommandPipeThatCanNotBeFollowedIsToldAndLeftAlone) {
-  plantLinkToHisFile(commandPipe);
-  const std::string link = lookOf(commandPipe), file = lookOf(hisFile);
-  startAndListen();
-  EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 1);
-  expectNoticesAndAProperEnd();
-  EXPECT_EQ(lookOf(commandPipe), link);
-  EXPECT_EQ(lookOf(hisFile), file);
-}
-
-TEST_F(ThirdUser, HisFileForAllAtTheNotificationPipeIsReadAndOutlivesTheAgentUnchanged) {
-  plantFileForAll(pipePath, "-non");
-  const std::string before = lookOf(pipePath);
-  startInPanel();
-  EXPECT_TRUE(shows(isAccessNotice));
-  expectCommandsAndAProperEnd();
-  EXPECT_EQ(lookOf(pipePath), before);
-}
-
-TEST_F(ThirdUser, HisFileForHimselfAtTheNotificationPipeIsToldAndLeftAlone) {
-  plantFileForHimself(pipePath);
-  const std::string before = lookOf(pipePath);
-  startInPanel();
-  EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 13"));
-  turnTheSwitch();
-  EXPECT_TRUE(waitForText("pipe: -u"));
-  expectCommandsAndAProperEnd();
-  EXPECT_EQ(count("log 6: read_pipe"), 0);
-  EXPECT_EQ(lookOf(pipePath), before);
-}
-
-TEST_F(ThirdUser, HisFolderAtTheNotificationPipeIsToldAndOutlivesTheAgentUnchanged) {
-  plantFolderForAll(pipePath);
-  const std::string before = lookOf(pipePath);
-  startInPanel();
-  EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
-  turnTheSwitch();
-  EXPECT_TRUE(waitForText("pipe: -u"));
-  expectCommandsAndAProperEnd();
-  EXPECT_EQ(lookOf(pipePath), before);
-}
-
-TEST_F(ThirdUser, HisLinkAtTheNotificationPipeOpensTheUsersFileOnlyWhereTheKernelFollowsIt) {
-  plantLinkToTheOwnFile(pipePath, "-non");
-  const std::string link = lookOf(pipePath), file = lookOf(ownFile);
-  startInPanel();
-  if (linksOfOthersAreFollowed()) {
-    EXPECT_TRUE(shows(isAccessNotice));
-    EXPECT_EQ(modeOf(ownFile), 0666u);
-  } else {
-    expectThatNobodyListens();
-  }
-  expectCommandsAndAProperEnd();
-  if (!linksOfOthersAreFollowed()) {
-    EXPECT_EQ(lookOf(ownFile), file);
-  }
-  EXPECT_EQ(contentsOf(ownFile), "-non");
-  EXPECT_EQ(lookOf(pipePath), link);
-}
-
-TEST_F(ThirdUser, HisLinkAtTheNotificationPipeThatCanNotBeFollowedIsToldAndOutlivesTheAgent) {
-  plantLinkToHisFile(pipePath);
-  const std::string link = lookOf(pipePath), file = lookOf(hisFile);
-  startInPanel();
-  expectThatNobodyListens();
-  expectCommandsAndAProperEnd();
-  EXPECT_EQ(lookOf(pipePath), link);
-  EXPECT_EQ(lookOf(hisFile), file);
 }
 
 }  // namespace

@@ -20,10 +20,14 @@ using namespace std::string_literals;
 using test_support::FileDescriptor;
 using test_support::waitUntil;
 
-// In kilobytes; the address sanitizer keeps freed memory, up to a quarter of a gigabyte.
-constexpr long kKept = test_support::memoryCanBeMeasured ? 0 : 300 * 1024;
-constexpr long kMostGrowth = kKept + 1024;
-constexpr long kMostGrowthWithNotices = kKept + 4096;
+// In kilobytes; the address sanitizer keeps freed memory, up to a quarter of a gigabyte, and the thread
+// sanitizer books of each thread's past.
+constexpr long mostGrowth(long usual) {
+  if (test_support::isAddressSanitized) return 300 * 1024;
+  return test_support::isThreadSanitized ? usual + 32 * 1024 : usual;
+}
+constexpr long kMostGrowth = mostGrowth(1024);
+constexpr long kMostGrowthWithNotices = mostGrowth(4096);
 
 // The longest that a record keeps.
 const std::string deviceName(63, 'x');

@@ -36,7 +36,7 @@ class SoakTest : public Fixture {
     repeat(soak.times - soak.warmUp);
     EXPECT_TRUE(test_support::waitUntil([&] { return this->descriptors() == open; }))
         << this->descriptors() << " for " << open;
-    if (!test_support::memoryCanBeMeasured) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
+    if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
     const long end = this->memoryWithAllPictures(once);
     EXPECT_LE(std::labs(end - memory), soak.mostGrowth);
     std::printf("%d %s: %ld kB after %d, %ld kB at the end\n", soak.times, soak.what, memory, soak.warmUp,

@@ -188,6 +188,15 @@ void FaultTest::closeSupportWindow(std::uint32_t window) {
   }));
 }
 
+void FaultTest::leadInSupportWindow(const std::function<void()>& use) {
+  launchToItsEnd();
+  openWindow();
+  if (HasFatalFailure()) return;
+  letCallsFail();
+  use();
+  closeSupportWindow(window_.id);
+}
+
 bool FaultTest::answersThePipe() {
   sendToPipe("-noff");
   sendToPipe("-non");

@@ -92,6 +92,8 @@ class FaultTest : public SupportTest {
   [[nodiscard]] static bool listens();
   void sendToPipe(const std::string& text);
   void closeSupportWindow(std::uint32_t window);
+  // Launches and opens the support window; calls fail while `use` is at work on it.
+  void leadInSupportWindow(const std::function<void()>& use);
 
   [[nodiscard]] const Fault& fault() const { return fault_; }
   // How this life has ended; else by the menu.

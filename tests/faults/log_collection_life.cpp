@@ -39,12 +39,7 @@ void LogCollectionLife::lead() {
   placeJournal();
   removeCollections();
   toldOfItsEnd_ = false;
-  launchToItsEnd();
-  openWindow();
-  if (HasFatalFailure()) return;
-  letCallsFail();
-  collectLogs();
-  closeSupportWindow(window_.id);
+  leadInSupportWindow([this] { collectLogs(); });
 }
 
 void LogCollectionLife::collectLogs() {

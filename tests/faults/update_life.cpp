@@ -13,12 +13,7 @@ constexpr const char* copy = "/tmp/tovalinupdate.app";
 void UpdateLife::lead() {
   fs::remove_all(copy);
   hasOpened_ = false;
-  launchToItsEnd();
-  openWindow();
-  if (HasFatalFailure()) return;
-  letCallsFail();
-  update();
-  closeSupportWindow(window_.id);
+  leadInSupportWindow([this] { update(); });
 }
 
 void UpdateLife::update() {

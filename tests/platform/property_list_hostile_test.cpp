@@ -172,7 +172,7 @@ long peakMegabytes(const std::function<void()>& work) {
 }
 
 TEST_P(HostilePropertyList, TakesLittleMemoryBesideItself) {
-  if (!test_support::memoryCanBeMeasured) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
+  if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   constexpr long most = 5;
   const GuardedBytes list(GetParam().build());
   const long peak = peakMegabytes([&] { (void)platform::parsePropertyList(list.span()); });
@@ -184,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(AllForms, HostilePropertyList, testing::ValuesIn(hostil
                          [](const auto& instance) { return instance.param.name; });
 
 TEST(HostileMemory, TheMeasureSeesWhatIsTaken) {
-  if (!test_support::memoryCanBeMeasured) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
+  if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   const long peak = peakMegabytes([] {
     std::string taken(32u << 20, 'x');
     // The memory must be seen to be used.

@@ -48,9 +48,8 @@ void standardExit(int status) {
 
 // Who is to be killed gets a moment to write what it has counted. Who counts nothing ends at once.
 int kill(pid_t process, int signal) noexcept {
-  if (signal != SIGKILL) return sendSignal(process, signal);
-  const bool wasThere = sendSignal(process, kWriteCounts) == 0;
-  if (wasThere) ::nanosleep(&kTimeToWrite, nullptr);
-  const int result = sendSignal(process, signal);
-  return wasThere ? 0 : result;
+  if (signal != SIGKILL || sendSignal(process, kWriteCounts) != 0) return sendSignal(process, signal);
+  ::nanosleep(&kTimeToWrite, nullptr);
+  sendSignal(process, signal);
+  return 0;
 }

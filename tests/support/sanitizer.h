@@ -2,12 +2,17 @@
 
 namespace test_support {
 
-// A sanitizer keeps what was freed, books of its own, and the address space, so that under one nothing can be
-// said about memory, and none can be taken away.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool memoryCanBeMeasured = false;
+// Under these memory is the sanitizer's: it keeps what was freed, and takes what a test would measure or take
+// away.
+#ifdef __SANITIZE_ADDRESS__
+inline constexpr bool isAddressSanitized = true;
 #else
-inline constexpr bool memoryCanBeMeasured = true;
+inline constexpr bool isAddressSanitized = false;
+#endif
+#ifdef __SANITIZE_THREAD__
+inline constexpr bool isThreadSanitized = true;
+#else
+inline constexpr bool isThreadSanitized = false;
 #endif
 
 inline constexpr const char* memoryIsTheSanitizers = "a sanitizer takes memory for itself";

@@ -40,9 +40,8 @@ TEST_F(WebViewLoad, LastOfManyQuickLoadsArrives) {
   EXPECT_TRUE(server_.waitFor("/quick?19"));
 }
 
-// The engine drops both now and then, about once in forty starts; hundreds of starts in a row show it for
-// certain, with
-// --gtest_repeat.
+// The engine drops both now and then, about once in forty starts; hundreds of starts show it for certain
+// (--gtest_repeat).
 TEST_F(WebViewLoad, SecondOfTwoLoadsArrivesAtEachStart) {
   for (int i = 0; i < 20; ++i) {
     const std::string number = std::to_string(i);

@@ -49,16 +49,17 @@ TEST_F(WebViewRefusal, LinkToANewWindowIsNotFollowed) {
   EXPECT_FALSE(server_.wasAsked("/other"));
 }
 
-// Its end is not left to the lack of a place for the file, which shows once the answer comes.
+// Its end is not left to the lack of a place for the file, which shows once the answer comes. It may be cut
+// off before it has asked, so the page goes on to try.
 TEST_F(WebViewRefusal, DownloadIsCutOffBeforeItsAnswer) {
   std::atomic<bool> asked = false;
   std::atomic<bool> cutOff = false;
   const test_support::RawHttpServer server([&](test_support::RawConnection& connection) {
     if (!connection.readHead().starts_with("GET /download.bin ")) {
-      connection.send(
-          test_support::httpReply("<a download='saved.bin' href='/download.bin'></a>"
-                                  "<script>document.querySelector('a').click()</script>",
-                                  "Content-Type: text/html\r\nConnection: close\r\n"));
+      connection.send(test_support::httpReply(
+          "<a download='saved.bin' href='/download.bin'></a>"
+          "<script>setInterval(() => document.querySelector('a').click(), 100)</script>",
+          "Content-Type: text/html\r\nConnection: close\r\n"));
       return;
     }
     asked = true;
