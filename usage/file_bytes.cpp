@@ -13,9 +13,19 @@ platform::FileDescriptor openForReading(const std::string& path) {
       ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW));
 }
 
-std::size_t sizeOf(const platform::FileDescriptor& file) {
+std::optional<std::size_t> sizeOf(const platform::FileDescriptor& file) {
   struct stat status {};
-  return ::fstat(file.get(), &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
+  if (::fstat(file.get(), &status) != 0) return std::nullopt;
+  return static_cast<std::size_t>(status.st_size);
+}
+
+std::optional<std::size_t> sizeOfFileAt(const std::string& path) {
+  const int before = errno;
+  struct stat status {};
+  const bool isFile = ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+  errno = before;
+  if (!isFile) return std::nullopt;
+  return static_cast<std::size_t>(status.st_size);
 }
 
 bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,8 +14,12 @@
 // failure, with errno set.
 [[nodiscard]] platform::FileDescriptor openForReading(const std::string& path);
 
-// The size in bytes; a descriptor without one counts as 0.
-[[nodiscard]] std::size_t sizeOf(const platform::FileDescriptor& file);
+// The size in bytes, 0 for what has none; nothing when it can't be told, with errno set.
+[[nodiscard]] std::optional<std::size_t> sizeOf(const platform::FileDescriptor& file);
+
+// The size of the file at the path, without opening it or following a link there; nothing when there is none.
+// Leaves errno as it is.
+[[nodiscard]] std::optional<std::size_t> sizeOfFileAt(const std::string& path);
 
 // Fills all of `bytes` from where the file stands. False when there are fewer.
 [[nodiscard]] bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes);

@@ -35,8 +35,13 @@ void GetTovalinUUID(std::span<char> buffer) {
   const auto path = applicationFile("TovalinUUID.txt");
   if (!path || buffer.size() <= uuidTextLength) return;
   if (const auto file = openForReading(*path); file.valid()) {
-    if (sizeOf(file) == uuidTextLength) return readIdentifier(file, buffer);
+    const auto size = sizeOf(file);
+    if (!size) return platform::errorLog("file read failed");
+    if (*size == uuidTextLength) return readIdentifier(file, buffer);
     platform::errorLog("UUID is wrong, new UUID create.");
+  } else if (sizeOfFileAt(*path) == uuidTextLength) {
+    // Whoever has no descriptor to spare just now is no other installation for that.
+    return platform::errorLog("create file failed");
   }
   makeIdentifier(*path, buffer);
 }

@@ -1,5 +1,7 @@
 #include "usage/server_option.h"
 
+#include <string_view>
+
 #include "platform/log.h"
 #include "usage/application_directory.h"
 #include "usage/file_bytes.h"
@@ -8,6 +10,12 @@ namespace {
 
 constexpr char productServer = '1';
 constexpr char testUploadServer = '0';
+constexpr std::size_t longestOption = 1;
+
+int unknownOption(std::string_view failure) {
+  platform::errorLog(failure);
+  return 1;
+}
 
 int storedOption(const platform::FileDescriptor& file, std::size_t size) {
   char option = productServer;
@@ -24,8 +32,12 @@ int GetTovalinServerOption() {
     return 1;
   }
   if (const auto file = openForReading(*path); file.valid()) {
-    const std::size_t size = sizeOf(file);
-    if (size < 2) return storedOption(file, size);
+    const auto size = sizeOf(file);
+    if (!size) return unknownOption("file read failed");
+    if (*size <= longestOption) return storedOption(file, *size);
+  } else if (sizeOfFileAt(*path).value_or(longestOption + 1) <= longestOption) {
+    // One that is there and can't be opened for now may be right.
+    return unknownOption("create file failed");
   }
   static_cast<void>(writeNewFile(*path, std::string_view(&productServer, 1)));
   return 1;

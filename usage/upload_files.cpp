@@ -25,7 +25,7 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
   const auto file = openForReading(path);
   struct stat status {};
   if (!file.valid() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-  const std::size_t size = sizeOf(file);
+  const auto size = static_cast<std::size_t>(status.st_size);
   if (size > largestUpload) {
     platform::systemLog(platform::LogPriority::Error, "usage file too large to be sent : " + path);
     return std::nullopt;
@@ -41,7 +41,6 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
 
 void removeSentFile(const SentFile& file) {
   struct stat status {};
-  const bool grown =
-      ::lstat(file.path.c_str(), &status) == 0 && static_cast<std::size_t>(status.st_size) > file.size;
-  if (!grown) ::unlink(file.path.c_str());
+  if (::lstat(file.path.c_str(), &status) != 0) return;
+  if (static_cast<std::size_t>(status.st_size) <= file.size) ::unlink(file.path.c_str());
 }

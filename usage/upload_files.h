@@ -22,6 +22,6 @@ struct SentFile {
   std::size_t size;  // of what was sent
 };
 
-// Deletes it, unless it has grown since: what was added is not on the server yet. Failure is ignored; the
-// file is then sent again. Any thread.
+// Deletes it, unless it has grown since, or may have: what was added is not on the server yet. Failure is
+// ignored; the file is then sent again. Any thread.
 void removeSentFile(const SentFile& file);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstddef>
@@ -11,7 +12,15 @@ namespace failing_parts {
 // What a read of at most `size` bytes gives instead of what the file holds; nothing: what it holds.
 extern std::function<ssize_t(int descriptor, void* bytes, std::size_t size)> insteadOfRead;
 
+// What becomes of the opening of a file, and of asking for its size, instead; nothing: what the system does.
+extern std::function<int(const char* path, int flags, mode_t mode)> insteadOfOpen;
+extern std::function<int(int descriptor, struct stat* status)> insteadOfFstat;
+extern std::function<int(const char* path, struct stat* status)> insteadOfLstat;
+
 // Whether asking for memory that may be refused is refused.
 extern bool memoryIsShort;
+
+// Nothing fails any longer.
+void mend();
 
 }  // namespace failing_parts

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/syscall.h>
 
 #include <array>
@@ -7,10 +8,14 @@
 #include "tests/usage/settings_fixture.h"
 #include "usage/installation_identity.h"
 #include "usage/server_option.h"
+#include "usage/upload_files.h"
 
 namespace settings_test {
 namespace {
 
+using failing_parts::insteadOfFstat;
+using failing_parts::insteadOfLstat;
+using failing_parts::insteadOfOpen;
 using failing_parts::insteadOfRead;
 using failing_parts::memoryIsShort;
 
@@ -21,8 +26,7 @@ constexpr const char* kStored = "00112233-4455-6677-8899-AABBCCDDEEFF";
 class SettingsFault : public Settings {
  protected:
   void TearDown() override {
-    insteadOfRead = nullptr;
-    memoryIsShort = false;
+    failing_parts::mend();
     Settings::TearDown();
   }
 };
@@ -36,8 +40,41 @@ std::string fill(std::string& errors) {
   std::array<char, 50> buffer;
   buffer.fill('#');
   errors = errorsOf([&] { GetTovalinUUID(buffer); });
-  insteadOfRead = nullptr;
+  failing_parts::mend();
   return {buffer.data(), buffer.size()};
+}
+
+// Likewise the option, and in `errors` what was reported.
+int option(std::string& errors) {
+  int value = -1;
+  errors = errorsOf([&] { value = GetTovalinServerOption(); });
+  failing_parts::mend();
+  return value;
+}
+
+int refuseSize(int, struct stat*) {
+  errno = EIO;
+  return -1;
+}
+
+int sizeReally(int descriptor, struct stat* status) {
+  return ::fstatat(descriptor, "", status, AT_EMPTY_PATH);
+}
+
+// The capture of what is reported asks for a size itself, later.
+void refuseSizeOnce() {
+  insteadOfFstat = [calls = 0](int descriptor, struct stat* status) mutable {
+    return ++calls == 1 ? refuseSize(descriptor, status) : sizeReally(descriptor, status);
+  };
+}
+
+// The first opening finds no descriptor, and the next one does.
+void refuseToOpenOnce() {
+  insteadOfOpen = [calls = 0](const char* path, int flags, mode_t mode) mutable -> int {
+    if (++calls > 1) return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+    errno = EMFILE;
+    return -1;
+  };
 }
 
 const std::string kUntouched(50, '#');
@@ -107,10 +144,8 @@ TEST_F(SettingsFault, NoDescriptorStaysOpenAfterAFault) {
 TEST_F(SettingsFault, ServerOptionThatEndsEarlyMeansTheProductServer) {
   write(kOption, "0");
   insteadOfRead = [](int, void*, std::size_t) -> ssize_t { return 0; };
-  int option = -1;
-  const std::string errors = errorsOf([&] { option = GetTovalinServerOption(); });
-  insteadOfRead = nullptr;
-  EXPECT_EQ(option, 1);
+  std::string errors;
+  EXPECT_EQ(option(errors), 1);
   EXPECT_THAT(errors, testing::MatchesRegex("file read failed: [^\n]+\n"));
   EXPECT_EQ(contentsOf(kOption), "0");
 }
@@ -121,11 +156,77 @@ TEST_F(SettingsFault, ServerOptionThatCannotBeReadIsReportedWithTheReason) {
     errno = EIO;
     return -1;
   };
-  int option = -1;
-  const std::string errors = errorsOf([&] { option = GetTovalinServerOption(); });
-  insteadOfRead = nullptr;
-  EXPECT_EQ(option, 1);
+  std::string errors;
+  EXPECT_EQ(option(errors), 1);
   EXPECT_EQ(errors, "file read failed: Input/output error\n");
+}
+
+TEST_F(SettingsFault, IdentityOfUnknownSizeIsKeptAndReported) {
+  write(kIdentity, kStored);
+  refuseSizeOnce();
+  std::string errors;
+  EXPECT_EQ(fill(errors), kUntouched);
+  EXPECT_EQ(errors, "file read failed: Input/output error\n");
+  EXPECT_EQ(contentsOf(kIdentity), kStored);
+}
+
+TEST_F(SettingsFault, IdentityThatCannotBeOpenedForNowIsKeptAndReported) {
+  write(kIdentity, kStored);
+  refuseToOpenOnce();
+  std::string errors;
+  EXPECT_EQ(fill(errors), kUntouched);
+  EXPECT_EQ(errors, "create file failed: Too many open files\n");
+  EXPECT_EQ(contentsOf(kIdentity), kStored);
+}
+
+TEST_F(SettingsFault, WrongIdentityThatCannotBeOpenedForNowIsReplaced) {
+  write(kIdentity, "wrong");
+  refuseToOpenOnce();
+  std::string errors;
+  EXPECT_NE(fill(errors), kUntouched);
+  EXPECT_EQ(errors, "");
+  EXPECT_EQ(contentsOf(kIdentity).size(), uuidTextLength);
+}
+
+TEST_F(SettingsFault, ServerOptionOfUnknownSizeIsKeptAndReported) {
+  write(kOption, "0");
+  refuseSizeOnce();
+  std::string errors;
+  EXPECT_EQ(option(errors), 1);
+  EXPECT_EQ(errors, "file read failed: Input/output error\n");
+  EXPECT_EQ(contentsOf(kOption), "0");
+}
+
+TEST_F(SettingsFault, ServerOptionThatCannotBeOpenedForNowIsKeptAndReported) {
+  write(kOption, "0");
+  refuseToOpenOnce();
+  std::string errors;
+  EXPECT_EQ(option(errors), 1);
+  EXPECT_EQ(errors, "create file failed: Too many open files\n");
+  EXPECT_EQ(contentsOf(kOption), "0");
+}
+
+using PastFileFault = SettingsFault;
+constexpr const char* kPastFile = "/tmp/support/Tovalin/Tovalin_2024_03_06.dat";
+
+// Each look at its size may be the one that fails.
+TEST_F(PastFileFault, FileOfUnknownSizeIsNotSentAsAnEmptyOne) {
+  write(kPastFile, "records");
+  for (int failing = 1; failing <= 3; ++failing) {
+    insteadOfFstat = [calls = 0, failing](int descriptor, struct stat* status) mutable {
+      return ++calls == failing ? refuseSize(descriptor, status) : sizeReally(descriptor, status);
+    };
+    const auto contents = contentsOfFile(kPastFile);
+    EXPECT_EQ(contents.value_or("records"), "records") << "look " << failing;
+    EXPECT_EQ(contents.has_value(), failing > 1);
+  }
+}
+
+TEST_F(PastFileFault, SentFileThatMayHaveGrownIsKept) {
+  write(kPastFile, "records, and more");
+  insteadOfLstat = [](const char*, struct stat*) { return errno = EACCES, -1; };
+  removeSentFile({kPastFile, 7});
+  EXPECT_EQ(contentsOf(kPastFile), "records, and more");
 }
 
 }  // namespace
