@@ -105,8 +105,10 @@ TEST(ImageResize, AStatusIconHoldsOnePixelForEachOfTheScreens) {
             source->impl().formFor(20 * scale).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
-TEST(ImageResize, AnImpossibleSizeGivesAnImageThatIsNotValid) {
+TEST(ImageResize, AnImpossibleSizeGivesAnImageThatIsNotValidAndOneLineOnTheConsoleLog) {
+  testing::internal::CaptureStderr();
   const auto resized = imageResize(halfRed(10).get(), -1, 20);
+  EXPECT_EQ(occurrences(testing::internal::GetCapturedStderr(), "Invalid Image\n"), 1u);
   ASSERT_NE(resized, nullptr);
   EXPECT_FALSE(resized->isValid());
 }
