@@ -8,6 +8,8 @@ namespace {
 
 constexpr std::string_view lostRecord[] = {"data file open fail", "open log failed", "write log failed"};
 constexpr std::string_view pipeGone[] = {"notiThread] open pipe error", "notiThread] pipe select error"};
+constexpr std::string_view commandPipe[] = {"log 3: open pipe failed. ", "log 3: select failed. ",
+                                            "log 3: write error. "};
 // How the texts of fatal errors begin.
 constexpr std::string_view ends[] = {
     "out of memory",      "no pipe to hear of signals by: ", "signals can't be heard: ",
@@ -44,8 +46,12 @@ AgentsWords::AgentsWords(const std::vector<std::string>& log, const std::string&
 }
 
 bool AgentsWords::tellOf(std::string_view text) const {
-  return std::ranges::any_of(unusual_,
-                             [&](const std::string& word) { return word.find(text) != std::string::npos; });
+  return count(text) > 0;
+}
+
+int AgentsWords::count(std::string_view text) const {
+  return static_cast<int>(std::ranges::count_if(
+      unusual_, [&](const std::string& word) { return word.find(text) != std::string::npos; }));
 }
 
 bool AgentsWords::tellOfALostRecord() const {
@@ -54,6 +60,10 @@ bool AgentsWords::tellOfALostRecord() const {
 
 bool AgentsWords::tellThatThePipeIsGone() const {
   return std::ranges::any_of(pipeGone, [&](std::string_view text) { return tellOf(text); });
+}
+
+bool AgentsWords::tellOfTheCommandPipe() const {
+  return std::ranges::any_of(commandPipe, [&](std::string_view text) { return tellOf(text); });
 }
 
 bool AgentsWords::tellOfTheEnd() const {

@@ -15,10 +15,15 @@ class AgentsWords {
   // Whether one of them has this in it.
   [[nodiscard]] bool tellOf(std::string_view text) const;
 
+  // How many of them have it.
+  [[nodiscard]] int count(std::string_view text) const;
+
   // Of each loss a word of its own will do, and no other: what else went wrong explains it to nobody.
   [[nodiscard]] bool tellOfALostRecord() const;
   [[nodiscard]] bool tellOfTheEnd() const;
   [[nodiscard]] bool tellThatThePipeIsGone() const;
+  // That something did not reach the main application.
+  [[nodiscard]] bool tellOfTheCommandPipe() const;
 
  private:
   std::vector<std::string> unusual_;

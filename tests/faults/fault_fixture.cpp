@@ -11,6 +11,7 @@
 #include <map>
 #include <new>
 
+#include "tests/end_to_end/icon_in_panel.h"
 #include "tests/support/file_contents.h"
 #include "tests/support/file_descriptor.h"
 #include "tests/support/wait_until.h"
@@ -29,6 +30,8 @@ constexpr const char* kReport = "/tmp/faults.report";
 const std::string kFolder = "/tmp/home/.local/share/Tovalin";
 const std::string kPastFile = kFolder + "/Tovalin_2024_03_07.dat";
 constexpr std::size_t kPastSize = 100'000;
+// As they are in the bundle, which some lives take away.
+const std::string kPictures = "/tmp/pictures";
 
 // Shared with the agent, in which the calls fail.
 faults::Report* makeReport() {
@@ -63,7 +66,8 @@ std::string damageOf(const std::string& bytes) {
 // What a life without faults is like; each kind is led once a test program.
 struct PlainLife {
   std::array<std::uint64_t, faults::callNames.size()> counts{};
-  long descriptors = 0;
+  // In the end, unless the agent had ended by then.
+  std::optional<long> descriptors = {};
 };
 std::optional<PlainLife>& plainLife() {
   static std::map<std::string, std::optional<PlainLife>> lives;
@@ -99,6 +103,8 @@ void FaultTest::SetUp() {
   server_->put(bannerFolder + std::string("red.ppm"), pictureFile(red, 420, 120));
   report_ = makeReport();
   ASSERT_NE(report_, nullptr);
+  fs::copy(agentContents() + "/Resources", kPictures,
+           fs::copy_options::recursive | fs::copy_options::overwrite_existing);
   environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
   environment_["TOVALIN_FAULT_REPORT"] = kReport;
   if (plainLife()) return;
@@ -208,11 +214,24 @@ bool FaultTest::answersThePipe() {
   return comesTrue([&] { return !isUp(); });
 }
 
-bool FaultTest::answersItsMenu() {
-  timeline_.clear();
-  const char* label = host_.click("Automount On") ? "pipe: -m" : "pipe: -u";
-  if (label == "pipe: -u"s && !host_.click("Automount Off")) return false;
-  return waitForText(label);
+std::string FaultTest::switchLabel() {
+  for (const auto& item : host_.menu()) {
+    if (item.label.starts_with("Automount ")) return item.label;
+  }
+  return {};
+}
+
+bool FaultTest::turnsTheSwitch() {
+  const std::string before = switchLabel();
+  const char* after = before == "Automount Off" ? "Automount On" : "Automount Off";
+  return !before.empty() && host_.click(before) &&
+         waitUntil([&] { return switchLabel() == after || !agent_.running(); }) && switchLabel() == after;
+}
+
+bool FaultTest::showsItsIcon() {
+  const char* picture = switchLabel() == "Automount Off" ? "mount on" : "mount off";
+  return comesTrue(
+      [&] { return host_.saveIcon("/tmp/icon.png", "20") && panelShows(host_, kPictures, picture); });
 }
 
 AgentsWords FaultTest::words() {
@@ -230,18 +249,30 @@ Outcome FaultTest::judge() {
       if (const auto early = judgeEarlyEnd()) return *early;
       return {Survival::Failed, "does not answer the pipe: " + message()};
     }
-    if (!answersItsMenu()) return {Survival::Failed, "does not answer its menu"};
     survival = Survival::ServedWithoutPipe;
   }
-  for (const std::string& fault : {leftBehind(), judgeEnd(), damageOfFiles()}) {
-    if (!fault.empty()) return {Survival::Failed, fault + ": " + message()};
+  for (const auto step : {&FaultTest::judgeItem, &FaultTest::leftBehind, &FaultTest::judgeEnd}) {
+    const std::string wrong = (this->*step)();
+    if (wrong.empty()) continue;
+    if (const auto early = judgeEarlyEnd(); early && !endsProperly_) return *early;
+    return {Survival::Failed, wrong + ": " + message()};
   }
+  if (const std::string wrong = damageOfFiles(); !wrong.empty())
+    return {Survival::Failed, wrong + ": " + message()};
   const std::string said = message();
   if (!endsProperly_) return {Survival::EndedWithMessage, said};
   const bool hasRecords = hasOwnRecords() && (survival == Survival::ServedWithoutPipe || hasSentRecords());
   if (!hasRecords && !words().tellOfALostRecord())
     return {Survival::Failed, "lost a record without a word of it: " + said};
   return {survival, said};
+}
+
+// With its icon before and after the switch was turned, but for pictures that it tells to be invalid.
+std::string FaultTest::judgeItem() {
+  const bool hadIcon = showsItsIcon();
+  if (!turnsTheSwitch()) return "does not answer its menu";
+  const int missing = (hadIcon ? 0 : 1) + (showsItsIcon() ? 0 : 1);
+  return missing <= words().count("Invalid Image") ? "" : "does not show its icon";
 }
 
 std::optional<Outcome> FaultTest::judgeEarlyEnd() {
@@ -261,7 +292,7 @@ std::optional<Outcome> FaultTest::judgeEarlyEnd() {
 std::string FaultTest::leftBehind() {
   const auto open = [&] { return openDescriptorsOf(agent_.pid()) - pooledThreadsOf(agent_.pid()); };
   if (!plainLife()) plainLife() = PlainLife{.descriptors = open()};
-  const long usual = plainLife()->descriptors;
+  const long usual = plainLife()->descriptors.value_or(open());
   if (!waitUntil([&] { return open() <= usual; }, 3s))
     return std::to_string(open()) + " descriptors for " + std::to_string(usual);
   // The agent and its web view.
@@ -271,8 +302,10 @@ std::string FaultTest::leftBehind() {
 
 std::string FaultTest::judgeEnd() {
   // Every other time; but who has not met the fault yet may do so in the menu's longer end.
-  endedBySignal_ = (hasFailed() && fault_.which % 2 == 1) || !host_.click("Quit Tovalin");
+  endedBySignal_ = hasFailed() && fault_.which % 2 == 1;
   if (endedBySignal_) agent_.terminate();
+  if (!endedBySignal_ && !host_.click("Quit Tovalin") && !agent_.wait(1s))
+    return "can't be ended by its menu";
   const auto status = agent_.wait(8s);
   if (!status) return "does not end";
   if (status->signal) return "ended by signal " + std::to_string(*status->signal);

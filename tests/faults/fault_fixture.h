@@ -24,8 +24,8 @@ extern const std::string startRecordWithoutVersion, deviceMessage, deviceRecord,
 // What became of an agent that met its fault.
 enum class Survival {
   NotReached,          // the call was not made so often this time
-  Served,              // it goes on and answers the pipe
-  ServedWithoutPipe,   // it goes on without the pipe, which it told, and its menu works
+  Served,              // it goes on, shows its icon, and answers its menu and the pipe
+  ServedWithoutPipe,   // ... all but the pipe, of which it told
   ServedWithoutWatch,  // it goes on without the watch on its bundle
   EndedWithMessage,
   Failed,
@@ -74,6 +74,8 @@ class FaultTest : public SupportTest {
   void waitForLaunch();
 
   [[nodiscard]] std::optional<Outcome> judgeEarlyEnd();
+  // Each of these says what is wrong, or nothing.
+  [[nodiscard]] std::string judgeItem();
   [[nodiscard]] std::string judgeEnd();
   [[nodiscard]] bool nothingOutlivesIt() const;
   [[nodiscard]] std::string damageOfFiles() const;
@@ -91,6 +93,10 @@ class FaultTest : public SupportTest {
   // Whether somebody reads the pipe.
   [[nodiscard]] static bool listens();
   void sendToPipe(const std::string& text);
+  // The menu's line that switches; empty without a menu.
+  [[nodiscard]] std::string switchLabel();
+  // Whether the line says the other thing once it was clicked.
+  [[nodiscard]] bool turnsTheSwitch();
   void closeSupportWindow(std::uint32_t window);
   // Launches and opens the support window; calls fail while `use` is at work on it.
   void leadInSupportWindow(const std::function<void()>& use);
@@ -105,7 +111,7 @@ class FaultTest : public SupportTest {
   void waitForListener();
   [[nodiscard]] std::string leftBehind();
   [[nodiscard]] bool answersThePipe();
-  [[nodiscard]] bool answersItsMenu();
+  [[nodiscard]] bool showsItsIcon();
   faults::Report* report_ = nullptr;
   Fault fault_;
   bool endsProperly_ = false;

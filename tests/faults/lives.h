@@ -15,12 +15,16 @@ class ShortLife : public FaultTest {
 
  protected:
   void lead() override;
+  [[nodiscard]] Outcome judge() override;
   [[nodiscard]] bool hasSentRecords() override;
 
  private:
   void record();
   void useSwitch();
   void useSupportWindow();
+
+  bool hasSwitched_ = false;
+  bool hasOpened_ = false;
 };
 
 // Calls fail while the logs are collected out of the support window.

@@ -61,7 +61,7 @@ Outcome RemovalLife::judge() {
 // Who got no watch goes on without a word, and ends as it would otherwise.
 Outcome RemovalLife::judgeUnwatched() {
   if (hasWatch_) return {Survival::Failed, "does not notice that its bundle is gone: " + message()};
-  for (const std::string& wrong : {judgeEnd(), damageOfFiles()}) {
+  for (const std::string& wrong : {judgeItem(), judgeEnd(), damageOfFiles()}) {
     if (!wrong.empty()) return {Survival::Failed, wrong + ": " + message()};
   }
   if (!hasOwnRecords() && !words().tellOfALostRecord())
