@@ -6,7 +6,9 @@
 
 namespace {
 
-constexpr std::string_view lostRecord[] = {"data file open fail", "open log failed", "write log failed"};
+// On the console alone: of a start the log has a second word.
+constexpr std::string_view lostRecord[] = {"open log failed: ", "write log failed: "};
+constexpr std::string_view failedUpload = "] (null)";
 constexpr std::string_view pipeGone[] = {"notiThread] open pipe error", "notiThread] pipe select error"};
 constexpr std::string_view commandPipe[] = {"log 3: open pipe failed. ", "log 3: select failed. ",
                                             "log 3: write error. "};
@@ -23,7 +25,7 @@ bool isUnusualEntry(const std::string& text) {
 // The console log has the versions, and what the server says to an upload: nothing, or that there was no
 // answer. The collection of logs says which ones there are none of.
 bool isUnusualLine(const std::string& line) {
-  return !line.starts_with("cp: cannot stat ") && !line.ends_with("] ") && !line.ends_with("] (null)") &&
+  return !line.starts_with("cp: cannot stat ") && !line.ends_with("] ") && !line.ends_with(failedUpload) &&
          line.find("] recentversion") == std::string::npos;
 }
 
@@ -42,6 +44,7 @@ AgentsWords::AgentsWords(const std::vector<std::string>& log, const std::string&
   std::istringstream lines(console);
   for (std::string line; std::getline(lines, line);) {
     if (isUnusualLine(line)) unusual_.push_back(line);
+    if (line.ends_with(failedUpload)) ++failedUploads_;
   }
 }
 
@@ -54,8 +57,10 @@ int AgentsWords::count(std::string_view text) const {
       unusual_, [&](const std::string& word) { return word.find(text) != std::string::npos; }));
 }
 
-bool AgentsWords::tellOfALostRecord() const {
-  return std::ranges::any_of(lostRecord, [&](std::string_view text) { return tellOf(text); });
+int AgentsWords::lostRecords() const {
+  return static_cast<int>(std::ranges::count_if(unusual_, [](const std::string& word) {
+    return std::ranges::any_of(lostRecord, [&](std::string_view text) { return word.starts_with(text); });
+  }));
 }
 
 bool AgentsWords::tellThatThePipeIsGone() const {

@@ -18,8 +18,10 @@ class AgentsWords {
   // How many of them have it.
   [[nodiscard]] int count(std::string_view text) const;
 
-  // Of each loss a word of its own will do, and no other: what else went wrong explains it to nobody.
-  [[nodiscard]] bool tellOfALostRecord() const;
+  // Of each loss a word of its own will do, and no other: what else went wrong explains it to nobody. There
+  // is one for each record that is lost, and for each upload that was not taken.
+  [[nodiscard]] int lostRecords() const;
+  [[nodiscard]] int failedUploads() const { return failedUploads_; }
   [[nodiscard]] bool tellOfTheEnd() const;
   [[nodiscard]] bool tellThatThePipeIsGone() const;
   // That something did not reach the main application.
@@ -27,4 +29,5 @@ class AgentsWords {
 
  private:
   std::vector<std::string> unusual_;
+  int failedUploads_ = 0;
 };

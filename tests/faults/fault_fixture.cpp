@@ -15,7 +15,7 @@
 #include "tests/support/file_contents.h"
 #include "tests/support/file_descriptor.h"
 #include "tests/support/wait_until.h"
-#include "tools/tvldump/record_reader.h"
+#include "usage/upload_rules.h"
 
 namespace {
 
@@ -27,9 +27,7 @@ using test_support::FileDescriptor;
 using test_support::waitUntil;
 
 constexpr const char* kReport = "/tmp/faults.report";
-const std::string kFolder = "/tmp/home/.local/share/Tovalin";
-const std::string kPastFile = kFolder + "/Tovalin_2024_03_07.dat";
-constexpr std::size_t kPastSize = 100'000;
+constexpr std::chrono::seconds kPatienceAfterFault{4};
 // As they are in the bundle, which some lives take away.
 const std::string kPictures = "/tmp/pictures";
 
@@ -55,14 +53,6 @@ long processes() {
   });
 }
 
-// An empty file gets its header with its first record.
-std::string damageOf(const std::string& bytes) {
-  tools::RecordReader reader(bytes);
-  while (reader.next()) continue;
-  if (bytes.empty() || !reader.damage()) return {};
-  return "damaged at byte " + std::to_string(reader.damage()->offset);
-}
-
 // What a life without faults is like; each kind is led once a test program.
 struct PlainLife {
   std::array<std::uint64_t, faults::callNames.size()> counts{};
@@ -84,10 +74,6 @@ long pooledThreadsOf(pid_t process) {
 
 }  // namespace
 
-const std::string startRecordWithoutVersion =
-    "\x01\x05"
-    "0.0.0\x07"
-    "1.0.0.0\x02\x13"s;
 const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s;
 const std::string deviceRecord = "\x04\x13";
 const std::string transferMessage =
@@ -131,14 +117,14 @@ Outcome FaultTest::live(const Fault& fault) {
 }
 
 void FaultTest::begin(const Fault& fault) {
-  fs::remove_all(kFolder);
-  fs::create_directories(kFolder);
-  std::ofstream(kPastFile) << std::string(kPastSize, 'p');
+  usage_.begin();
   fs::remove(pipePath);
   timeline_.clear();
   host_.clearEvents();
   console_.clear();
   endsProperly_ = false;
+  hasPipe_ = true;
+  patience_ = kPatienceAfterFault;
   new (report_) faults::Report;
   environment_["TOVALIN_FAULT"] =
       fault.call + " " + std::to_string(fault.which) + " " + std::to_string(fault.error);
@@ -155,7 +141,7 @@ void FaultTest::launchToItsEnd() {
 void FaultTest::waitForLaunch() {
   waitForListener();
   static_cast<void>(comesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
-  static_cast<void>(comesTrue([] { return !fs::exists(kPastFile); }));
+  static_cast<void>(comesTrue([] { return !fs::exists(UsageAccount::waiting.path); }));
 }
 
 // Once the fault is there, what does not come soon does not come.
@@ -165,7 +151,7 @@ bool FaultTest::comesTrue(const std::function<bool()>& condition) {
   return waitUntil([&] {
            const auto now = std::chrono::steady_clock::now();
            if (!failedAt && hasFailed()) failedAt = now;
-           const bool givesUp = failedAt ? now - *failedAt > 4s && now - begin > 2s : false;
+           const bool givesUp = failedAt ? now - *failedAt > patience_ && now - begin > 2s : false;
            return condition() || givesUp || !agent_.running();
          }) &&
          condition();
@@ -180,11 +166,19 @@ bool FaultTest::listens() {
 }
 
 // Returns when it was read: two that are read at once are one.
-void FaultTest::sendToPipe(const std::string& text) {
+bool FaultTest::sendToPipe(const std::string& text) {
   const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   const int before = count("log 6: read_pipe");
-  if (::write(pipe.get(), text.data(), text.size()) <= 0) return;
-  static_cast<void>(comesTrue([&] { return count("log 6: read_pipe") > before; }));
+  if (::write(pipe.get(), text.data(), text.size()) <= 0) return false;
+  return comesTrue([&] { return count("log 6: read_pipe") > before; });
+}
+
+void FaultTest::sendRecord(const std::string& text, const std::string& record) {
+  usage_.ask(record);
+  if (!sendToPipe(text)) return;
+  usage_.tellRead(record);
+  if (comesTrue([&] { return UsageAccount::written(record) == usage_.asked(record); }))
+    usage_.tellWritten(record);
 }
 
 void FaultTest::closeSupportWindow(std::uint32_t window) {
@@ -240,39 +234,53 @@ AgentsWords FaultTest::words() {
 
 Outcome FaultTest::judge() {
   if (const auto early = judgeEarlyEnd()) return *early;
-  Survival survival = Survival::Served;
-  // A thread that could not be had may have been the listener's.
-  const auto toldOfIt = [&] { return toldThatThePipeIsGone() || words().tellOf("] no thread: "); };
-  const bool told = toldOfIt();
-  if (!answersThePipe() && (told || !answersThePipe())) {
-    if (!told && !toldOfIt()) {
-      if (const auto early = judgeEarlyEnd()) return *early;
-      return {Survival::Failed, "does not answer the pipe: " + message()};
-    }
-    survival = Survival::ServedWithoutPipe;
-  }
-  for (const auto step : {&FaultTest::judgeItem, &FaultTest::leftBehind, &FaultTest::judgeEnd}) {
+  for (const auto step : {&FaultTest::judgePipe, &FaultTest::judgeItem, &FaultTest::leftBehind,
+                          &FaultTest::judgeEnd, &FaultTest::judgeFiles, &FaultTest::judgeEndOfLife}) {
     const std::string wrong = (this->*step)();
     if (wrong.empty()) continue;
     if (const auto early = judgeEarlyEnd(); early && !endsProperly_) return *early;
     return {Survival::Failed, wrong + ": " + message()};
   }
-  if (const std::string wrong = damageOfFiles(); !wrong.empty())
-    return {Survival::Failed, wrong + ": " + message()};
-  const std::string said = message();
-  if (!endsProperly_) return {Survival::EndedWithMessage, said};
-  const bool hasRecords = hasOwnRecords() && (survival == Survival::ServedWithoutPipe || hasSentRecords());
-  if (!hasRecords && !words().tellOfALostRecord())
-    return {Survival::Failed, "lost a record without a word of it: " + said};
-  return {survival, said};
+  if (!endsProperly_) return {Survival::EndedWithMessage, message()};
+  return {hasPipe_ ? Survival::Served : Survival::ServedWithoutPipe, message()};
+}
+
+std::string FaultTest::judgePipe() {
+  // A thread that could not be had may have been the listener's.
+  const auto toldOfIt = [&] { return toldThatThePipeIsGone() || words().tellOf("] no thread: "); };
+  const bool told = toldOfIt();
+  hasPipe_ = answersThePipe();
+  if (hasPipe_ || told || toldOfIt()) return {};
+  // Then it must, however busy the machine is.
+  patience_ = test_support::kPatience;
+  hasPipe_ = answersThePipe();
+  return hasPipe_ || toldOfIt() ? "" : "does not answer the pipe";
 }
 
 // With its icon before and after the switch was turned, but for pictures that it tells to be invalid.
 std::string FaultTest::judgeItem() {
+  patience_ = words().tellOf("Invalid Image") ? kPatienceAfterFault : test_support::kPatience;
   const bool hadIcon = showsItsIcon();
   if (!turnsTheSwitch()) return "does not answer its menu";
   const int missing = (hadIcon ? 0 : 1) + (showsItsIcon() ? 0 : 1);
   return missing <= words().count("Invalid Image") ? "" : "does not show its icon";
+}
+
+std::string FaultTest::judgeFiles() {
+  const std::string damage = usage_.damage(uploads());
+  return damage.empty() ? usage_.doublesOrLosses(starts(), uploads(), words()) : damage;
+}
+
+std::string FaultTest::judgeEndOfLife() {
+  return endsProperly_ ? judgeUsage(endedBySignal_ ? 1 : 2) : "";
+}
+
+std::string FaultTest::judgeUsage(int ends) {
+  const std::string missing = usage_.missingRecords(starts(), ends, hasPipe_, uploads(), words());
+  if (!missing.empty()) return missing;
+  // The thread that could not be had was that of the launch's upload, when the listener has its own.
+  if (hasPipe_ && words().tellOf("] no thread: ")) return {};
+  return UsageAccount::unsent(pastFiles(), hasFailed() ? fault_.call : "", uploads(), words());
 }
 
 std::optional<Outcome> FaultTest::judgeEarlyEnd() {
@@ -283,8 +291,8 @@ std::optional<Outcome> FaultTest::judgeEarlyEnd() {
     return Outcome{Survival::Failed, "signal " + std::to_string(*status->signal) + " " + said};
   if (status->code == 0 || !words().tellOfTheEnd())
     return Outcome{Survival::Failed, "ended without saying why: " + said};
-  const std::string damage = damageOfFiles();
-  if (!damage.empty()) return Outcome{Survival::Failed, "ended: " + damage};
+  const std::string wrong = judgeFiles();
+  if (!wrong.empty()) return Outcome{Survival::Failed, "ended: " + wrong};
   return Outcome{Survival::EndedWithMessage, said};
 }
 
@@ -318,44 +326,13 @@ bool FaultTest::nothingOutlivesIt() const {
   return waitUntil([&] { return processes() <= processesBefore_; });
 }
 
-bool FaultTest::hasOwnRecords() {
-  return startsWritten() == 1 && recordsWritten(quitRecord) == (endedBySignal_ ? 1 : 2);
-}
-
-int FaultTest::startsWritten() {
-  // Of an unreadable version the record says so.
-  const bool isUnknown = words().tellOf("0etBundleVersion fail");
-  return recordsWritten(startRecord) + (isUnknown ? recordsWritten(startRecordWithoutVersion) : 0);
-}
-
-int FaultTest::recordsWritten(const std::string& bytes) {
-  int found = 0;
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(kFolder, none)) {
-    if (entry.path().extension() != ".dat") continue;
-    const std::string all = contentsOf(entry.path());
-    for (std::size_t at = all.find(bytes); at != std::string::npos; at = all.find(bytes, at + 1)) ++found;
-  }
-  return found;
-}
-
-std::string FaultTest::sentUploads() const {
-  std::string bodies;
+std::vector<std::string> FaultTest::uploads() const {
+  const std::size_t head = uploadBodyHead().size(), around = head + uploadBodyTail().size();
+  std::vector<std::string> contents;
   const auto requests = server_->requests();
-  for (std::size_t i = requestsBefore_; i < requests.size(); ++i) bodies += requests[i].body;
-  return bodies;
-}
-
-std::string FaultTest::damageOfFiles() const {
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(kFolder, none)) {
-    const std::string name = entry.path().filename(), bytes = contentsOf(entry.path());
-    const bool isPast = entry.path() == kPastFile;
-    if (isPast && bytes != std::string(kPastSize, 'p')) return "a past file has changed";
-    if (!isPast && name.ends_with(".dat") && !damageOf(bytes).empty()) return damageOf(bytes);
-    if (name == "TovalinUUID.txt" && !bytes.empty() && bytes.size() != 36) return "half an identifier";
-    if (name == "TovalinServerOption.txt" && !bytes.empty() && bytes != "1") return "another server option";
+  for (std::size_t i = requestsBefore_; i < requests.size(); ++i) {
+    const std::string& body = requests[i].body;
+    if (requests[i].method == "POST") contents.push_back(body.substr(head, body.size() - around));
   }
-  const bool wasSent = sentUploads().find(std::string(kPastSize, 'p')) != std::string::npos;
-  return fs::exists(kPastFile) || wasSent ? "" : "a past file is gone that was not sent";
+  return contents;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -8,6 +9,7 @@
 #include "tests/end_to_end/support_fixture.h"
 #include "tests/faults/agents_words.h"
 #include "tests/faults/fault_report.h"
+#include "tests/faults/usage_account.h"
 
 // One call of the agent's own code that is to fail.
 struct Fault {
@@ -16,10 +18,8 @@ struct Fault {
   std::uint64_t which = 0;
 };
 
-// The start of an agent that could not read its bundle's version; what the main application sends of a device
-// and of a transfer, and how the records of it begin.
-extern const std::string startRecordWithoutVersion, deviceMessage, deviceRecord, transferMessage,
-    transferRecord;
+// What the main application sends of a device and of a transfer, and how the records of it begin.
+extern const std::string deviceMessage, deviceRecord, transferMessage, transferRecord;
 
 // What became of an agent that met its fault.
 enum class Survival {
@@ -57,10 +57,10 @@ class FaultTest : public SupportTest {
   [[nodiscard]] virtual Outcome judge();
   // What becomes of an agent that meets no fault.
   [[nodiscard]] virtual Survival usual() const { return Survival::Served; }
-  // Whether the files have the records of the agent's start and end.
-  [[nodiscard]] virtual bool hasOwnRecords();
-  // ... and those that this life sends through the pipe.
-  [[nodiscard]] virtual bool hasSentRecords() { return true; }
+  // How many starts its files are to have.
+  [[nodiscard]] virtual int starts() const { return 1; }
+  // The files that it is to send.
+  [[nodiscard]] virtual std::vector<PastFile> pastFiles() const { return {UsageAccount::waiting}; }
 
   // How often it was made in this life so far.
   [[nodiscard]] std::uint64_t callsSoFar(std::string_view name) const {
@@ -77,13 +77,12 @@ class FaultTest : public SupportTest {
   // Each of these says what is wrong, or nothing.
   [[nodiscard]] std::string judgeItem();
   [[nodiscard]] std::string judgeEnd();
+  [[nodiscard]] std::string judgeFiles();
+  // ... with so many records of the end.
+  [[nodiscard]] std::string judgeUsage(int ends);
   [[nodiscard]] bool nothingOutlivesIt() const;
-  [[nodiscard]] std::string damageOfFiles() const;
-  // How often these bytes are in the usage files.
-  [[nodiscard]] static int recordsWritten(const std::string& bytes);
-  [[nodiscard]] int startsWritten();
-  // The bodies of what the product server got in this life.
-  [[nodiscard]] std::string sentUploads() const;
+  // The contents of what the product server got in this life.
+  [[nodiscard]] std::vector<std::string> uploads() const;
   // What the agent has said of its fault, in the log or on its console.
   [[nodiscard]] AgentsWords words();
   [[nodiscard]] std::string message() { return words().first(); }
@@ -92,7 +91,10 @@ class FaultTest : public SupportTest {
   [[nodiscard]] bool toldThatThePipeIsGone() { return words().tellThatThePipeIsGone(); }
   // Whether somebody reads the pipe.
   [[nodiscard]] static bool listens();
-  void sendToPipe(const std::string& text);
+  // Whether it was read.
+  bool sendToPipe(const std::string& text);
+  // ... and waits for its record, which is to be in the files from now on.
+  void sendRecord(const std::string& text, const std::string& record);
   // The menu's line that switches; empty without a menu.
   [[nodiscard]] std::string switchLabel();
   // Whether the line says the other thing once it was clicked.
@@ -102,8 +104,7 @@ class FaultTest : public SupportTest {
   void leadInSupportWindow(const std::function<void()>& use);
 
   [[nodiscard]] const Fault& fault() const { return fault_; }
-  // How this life has ended; else by the menu.
-  [[nodiscard]] bool endedBySignal() const { return endedBySignal_; }
+  [[nodiscard]] bool hasPipe() const { return hasPipe_; }
   void addToConsole(const std::string& text) { console_ += text; }
 
  private:
@@ -111,11 +112,17 @@ class FaultTest : public SupportTest {
   void waitForListener();
   [[nodiscard]] std::string leftBehind();
   [[nodiscard]] bool answersThePipe();
+  [[nodiscard]] std::string judgePipe();
+  [[nodiscard]] std::string judgeEndOfLife();
   [[nodiscard]] bool showsItsIcon();
   faults::Report* report_ = nullptr;
   Fault fault_;
   bool endsProperly_ = false;
   bool endedBySignal_ = false;
+  bool hasPipe_ = true;
+  // What has not come so long after the fault is not waited for.
+  std::chrono::seconds patience_{};
+  UsageAccount usage_;
   long processesBefore_ = 0;
   std::size_t requestsBefore_ = 0;
   std::string console_ = {};

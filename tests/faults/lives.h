@@ -16,7 +16,6 @@ class ShortLife : public FaultTest {
  protected:
   void lead() override;
   [[nodiscard]] Outcome judge() override;
-  [[nodiscard]] bool hasSentRecords() override;
 
  private:
   void record();
@@ -66,10 +65,11 @@ class MidnightLife : public FaultTest {
 
  protected:
   void lead() override;
-  [[nodiscard]] bool hasOwnRecords() override;
-  [[nodiscard]] bool hasSentRecords() override;
+  [[nodiscard]] Outcome judge() override;
+  [[nodiscard]] std::vector<PastFile> pastFiles() const override;
 
  private:
+  [[nodiscard]] std::string judgeDays() const;
   void passMidnight();
   void waitForPass();
   [[nodiscard]] bool wakes();
@@ -99,7 +99,7 @@ class StartOverLife : public FaultTest {
 
  protected:
   void lead() override;
-  [[nodiscard]] bool hasOwnRecords() override;
+  [[nodiscard]] int starts() const override { return 2; }
 };
 
 // Calls fail in a process that finds no display, which ends it.

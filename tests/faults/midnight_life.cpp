@@ -15,6 +15,8 @@ constexpr const char* kClock = "/tmp/faults.clock";
 const std::string kDayBefore = "/tmp/home/.local/share/Tovalin/Tovalin_2024_05_01.dat";
 const std::string kNewDay = "/tmp/home/.local/share/Tovalin/Tovalin_2024_05_02.dat";
 
+const std::string kBeginningOfDayBefore = "TVLD2024-05-01";
+
 bool holds(const std::string& bytes, const std::string& record) {
   return bytes.find(record) != std::string::npos;
 }
@@ -42,16 +44,14 @@ void MidnightLife::lead() {
   putClock("2024-05-01 23:59:00");
   launchToItsEnd();
   letCallsFail();
-  sendToPipe(deviceMessage);
-  static_cast<void>(comesTrue([] { return holds(contentsOf(kDayBefore), deviceRecord); }));
+  sendRecord(deviceMessage, deviceRecord);
   passMidnight();
 }
 
 void MidnightLife::passMidnight() {
   putClock(minuteOfNewDay(1));
   static_cast<void>(comesTrue([&] { return wakes() && fs::exists(kNewDay); }));
-  sendToPipe(transferMessage);
-  static_cast<void>(comesTrue([] { return holds(contentsOf(kNewDay), transferRecord); }));
+  sendRecord(transferMessage, transferRecord);
   waitForPass();
 }
 
@@ -70,11 +70,26 @@ bool MidnightLife::wakes() {
   return host_.ask("properties").ok;
 }
 
-bool MidnightLife::hasOwnRecords() {
-  return holds(contentsOf(kDayBefore) + sentUploads(), startRecord) && holds(contentsOf(kNewDay), quitRecord);
+std::vector<PastFile> MidnightLife::pastFiles() const {
+  return {UsageAccount::waiting, {kDayBefore, kBeginningOfDayBefore}};
 }
 
-bool MidnightLife::hasSentRecords() {
-  return holds(contentsOf(kDayBefore) + sentUploads(), deviceRecord) &&
-         holds(contentsOf(kNewDay), transferRecord);
+Outcome MidnightLife::judge() {
+  Outcome outcome = FaultTest::judge();
+  const std::string wrong = judgeDays();
+  if (outcome.survival == Survival::Failed || wrong.empty()) return outcome;
+  return {Survival::Failed, wrong + ": " + outcome.detail};
+}
+
+// Each record in the file of its own day.
+std::string MidnightLife::judgeDays() const {
+  std::vector<std::string> before = uploads();
+  before.push_back(contentsOf(kDayBefore));
+  for (const std::string& day : before) {
+    if (holds(day, transferRecord) || holds(day, quitRecord))
+      return "the day before has the new day's records";
+  }
+  const std::string after = contentsOf(kNewDay);
+  return holds(after, startRecord) || holds(after, deviceRecord) ? "the new day has records of the one before"
+                                                                 : "";
 }

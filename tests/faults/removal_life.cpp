@@ -61,20 +61,17 @@ Outcome RemovalLife::judge() {
 // Who got no watch goes on without a word, and ends as it would otherwise.
 Outcome RemovalLife::judgeUnwatched() {
   if (hasWatch_) return {Survival::Failed, "does not notice that its bundle is gone: " + message()};
-  for (const std::string& wrong : {judgeItem(), judgeEnd(), damageOfFiles()}) {
-    if (!wrong.empty()) return {Survival::Failed, wrong + ": " + message()};
-  }
-  if (!hasOwnRecords() && !words().tellOfALostRecord())
-    return {Survival::Failed, "lost a record without a word of it: " + message()};
-  return {Survival::ServedWithoutWatch, message()};
+  const Outcome outcome = FaultTest::judge();
+  return {outcome.survival == Survival::Served ? Survival::ServedWithoutWatch : outcome.survival,
+          outcome.detail};
 }
 
 std::string RemovalLife::judgeProperEnd() {
   if (!nothingOutlivesIt()) return "processes outlive it: ";
-  if (const std::string damage = damageOfFiles(); !damage.empty()) return damage + ": ";
+  if (const std::string wrong = judgeFiles(); !wrong.empty()) return wrong + ": ";
   // A command that can't be run is left out without a word; of one that isn't found, the shell says so.
   const int missing = fault().call == "posix_spawn" || words().tellOf("launchctl: not found") ? 1 : 0;
   if (count(unloadRun) + count(killRun) < 2 - missing) return "is not unloaded: ";
-  const bool hasRecords = startsWritten() == 1 && recordsWritten(quitRecord) == 1;
-  return hasRecords || words().tellOfALostRecord() ? "" : "lost a record without a word of it: ";
+  const std::string wrong = judgeUsage(1);
+  return wrong.empty() ? "" : wrong + ": ";
 }

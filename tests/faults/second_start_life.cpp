@@ -34,7 +34,6 @@ Outcome SecondStartLife::judge() {
   if (!harm.empty()) return {Survival::Failed, harm};
   const Outcome first = FaultTest::judge();
   if (first.survival != Survival::Served) return {Survival::Failed, "the first agent: " + first.detail};
-  if (!hasOwnRecords()) return {Survival::Failed, "the first agent's records are not its own alone"};
   return second;
 }
 

@@ -13,11 +13,8 @@ void ShortLife::lead() {
 }
 
 void ShortLife::record() {
-  if (!listens()) return;
-  sendToPipe(deviceMessage);
-  static_cast<void>(comesTrue([] { return recordsWritten(deviceRecord) == 1; }));
-  sendToPipe(transferMessage);
-  static_cast<void>(comesTrue([] { return recordsWritten(transferRecord) == 1; }));
+  sendRecord(deviceMessage, deviceRecord);
+  sendRecord(transferMessage, transferRecord);
 }
 
 void ShortLife::useSwitch() {
@@ -44,8 +41,4 @@ Outcome ShortLife::judge() {
   if (!hasSwitched_) return {Survival::Failed, "does not switch: " + outcome.detail};
   if (!hasOpened_) return {Survival::Failed, "opens no support window: " + outcome.detail};
   return outcome;
-}
-
-bool ShortLife::hasSentRecords() {
-  return recordsWritten(deviceRecord) == 1 && recordsWritten(transferRecord) == 1;
 }

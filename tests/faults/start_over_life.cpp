@@ -19,8 +19,3 @@ void StartOverLife::lead() {
   static_cast<void>(first.wait());
   waitForLaunch();
 }
-
-// The first one has left no record of its end.
-bool StartOverLife::hasOwnRecords() {
-  return recordsWritten(startRecord) == 2 && recordsWritten(quitRecord) == (endedBySignal() ? 1 : 2);
-}

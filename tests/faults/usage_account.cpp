@@ -1,0 +1,153 @@
+#include "tests/faults/usage_account.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+
+#include "tests/end_to_end/agent_test.h"
+#include "tests/support/file_contents.h"
+#include "tools/tvldump/record_reader.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using test_support::contentsOf;
+
+using Uploads = std::vector<std::string>;
+
+const std::string kFolder = "/tmp/home/.local/share/Tovalin";
+const std::string kWaiting(100'000, 'p');
+const std::string kIdentity = kFolder + "/TovalinUUID.txt", kOption = kFolder + "/TovalinServerOption.txt";
+
+// The start of an agent that could not read its bundle's version.
+const std::string startRecordWithoutVersion =
+    "\x01\x05"
+    "0.0.0\x07"
+    "1.0.0.0\x02\x13"s;
+
+// A pass that can't list the folder, or read a file, or delete one, is to go on without a word.
+constexpr std::string_view silentBeforeUpload[] = {"open", "openat", "fdopendir", "readdir", "fstat",
+                                                   "read", "mkdir",  "malloc",    "stat"};
+constexpr std::string_view silentAfterUpload[] = {"lstat", "unlink"};
+
+int occurrences(const std::string& text, const std::string& bytes) {
+  int found = 0;
+  for (std::size_t at = text.find(bytes); at != std::string::npos; at = text.find(bytes, at + 1)) ++found;
+  return found;
+}
+
+// The usage files, without the one that waits.
+std::vector<std::string> filesThere() {
+  std::vector<std::string> contents;
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator(kFolder, none)) {
+    if (entry.path().extension() == ".dat" && entry.path() != UsageAccount::waiting.path)
+      contents.push_back(contentsOf(entry.path()));
+  }
+  return contents;
+}
+
+// An empty file gets its header with its first record.
+std::string damageOf(const std::string& bytes) {
+  tools::RecordReader reader(bytes);
+  while (reader.next()) continue;
+  if (bytes.empty() || !reader.damage()) return {};
+  return "damaged at byte " + std::to_string(reader.damage()->offset);
+}
+
+long timesSent(const PastFile& file, const Uploads& uploads) {
+  return std::ranges::count_if(uploads,
+                               [&](const std::string& upload) { return upload.starts_with(file.beginning); });
+}
+
+std::string damageOfUpload(const PastFile& file, const Uploads& uploads) {
+  const long sent = timesSent(file, uploads);
+  if (sent > 1) return "a past file was sent twice";
+  if (sent == 0 && !fs::exists(file.path)) return "a past file is gone that was not sent";
+  return {};
+}
+
+// Whether this call may have kept the file from being sent, or, once it was, from being deleted.
+bool mayStay(const PastFile& file, const Uploads& uploads, const std::string& call) {
+  return timesSent(file, uploads) > 0 ? std::ranges::count(silentAfterUpload, call) > 0
+                                      : std::ranges::count(silentBeforeUpload, call) > 0;
+}
+
+int startsKept(const Uploads& uploads, const AgentsWords& words) {
+  // Of an unreadable version the record says so.
+  const bool isUnknown = words.tellOf("0etBundleVersion fail");
+  return UsageAccount::kept(startRecord, uploads) +
+         (isUnknown ? UsageAccount::kept(startRecordWithoutVersion, uploads) : 0);
+}
+
+}  // namespace
+
+const PastFile UsageAccount::waiting = {kFolder + "/Tovalin_2024_03_07.dat", kWaiting};
+
+void UsageAccount::begin() {
+  *this = {};
+  fs::remove_all(kFolder);
+  fs::create_directories(kFolder);
+  std::ofstream(waiting.path) << kWaiting;
+}
+
+int UsageAccount::written(const std::string& bytes) {
+  int found = 0;
+  for (const std::string& file : filesThere()) found += occurrences(file, bytes);
+  return found;
+}
+
+int UsageAccount::kept(const std::string& bytes, const Uploads& uploads) {
+  int found = written(bytes);
+  const auto there = filesThere();
+  // What could not be deleted is both.
+  for (const std::string& upload : uploads)
+    found += std::ranges::count(there, upload) == 0 ? occurrences(upload, bytes) : 0;
+  return found;
+}
+
+std::string UsageAccount::damage(const Uploads& uploads) const {
+  for (const std::string& file : filesThere()) {
+    if (const std::string damage = damageOf(file); !damage.empty()) return damage;
+  }
+  if (fs::exists(waiting.path) && contentsOf(waiting.path) != kWaiting) return "a past file has changed";
+  const std::string identity = contentsOf(kIdentity), option = contentsOf(kOption);
+  if (!identity.empty() && identity.size() != 36) return "half an identifier";
+  if (!option.empty() && option != "1") return "a server option of its own";
+  return damageOfUpload(waiting, uploads);
+}
+
+std::string UsageAccount::doublesOrLosses(int starts, const Uploads& uploads,
+                                          const AgentsWords& words) const {
+  if (startsKept(uploads, words) > starts || kept(quitRecord, uploads) > 2) return "starts or ends too often";
+  for (const auto& [record, number] : asked_) {
+    if (kept(record, uploads) > number) return "has a record twice";
+  }
+  for (const auto& [record, number] : written_) {
+    if (kept(record, uploads) < number) return "has lost a record that was written";
+  }
+  return {};
+}
+
+std::string UsageAccount::missingRecords(int starts, int ends, bool hasPipe, const Uploads& uploads,
+                                         const AgentsWords& words) const {
+  if (startsKept(uploads, words) > starts || kept(quitRecord, uploads) > ends) return "starts or ends twice";
+  int missing = starts - startsKept(uploads, words) + ends - kept(quitRecord, uploads);
+  for (const auto& [record, number] : hasPipe ? asked_ : read_) missing += number - kept(record, uploads);
+  const int told = words.lostRecords();
+  if (missing <= told) return {};
+  return std::to_string(missing) + " records are lost, of which it tells " + std::to_string(told);
+}
+
+std::string UsageAccount::unsent(const std::vector<PastFile>& files, const std::string& call,
+                                 const Uploads& uploads, const AgentsWords& words) {
+  int unexplained = 0;
+  for (const PastFile& file : files) {
+    if (const std::string damage = damageOfUpload(file, uploads); !damage.empty()) return damage;
+    if (fs::exists(file.path) && !mayStay(file, uploads, call)) ++unexplained;
+  }
+  return unexplained <= words.failedUploads() ? "" : "a past file was not sent, or is there still";
+}
