@@ -89,6 +89,8 @@ void FaultTest::SetUp() {
   server_->put(bannerFolder + std::string("red.ppm"), pictureFile(red, 420, 120));
   report_ = makeReport();
   ASSERT_NE(report_, nullptr);
+  // Whichever server the option names.
+  setServers(server_->origin(), server_->origin());
   fs::copy(agentContents() + "/Resources", kPictures,
            fs::copy_options::recursive | fs::copy_options::overwrite_existing);
   environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
@@ -117,7 +119,7 @@ Outcome FaultTest::live(const Fault& fault) {
 }
 
 void FaultTest::begin(const Fault& fault) {
-  usage_.begin();
+  usage_.begin(isFirstLaunch());
   fs::remove(pipePath);
   timeline_.clear();
   host_.clearEvents();

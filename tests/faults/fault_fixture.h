@@ -57,6 +57,8 @@ class FaultTest : public SupportTest {
   [[nodiscard]] virtual Outcome judge();
   // What becomes of an agent that meets no fault.
   [[nodiscard]] virtual Survival usual() const { return Survival::Served; }
+  // Whether no agent ran for this user before.
+  [[nodiscard]] virtual bool isFirstLaunch() const { return false; }
   // How many starts its files are to have.
   [[nodiscard]] virtual int starts() const { return 1; }
   // The files that it is to send.

@@ -142,6 +142,7 @@ constexpr std::string_view callsOfMidnight[] = {
     "unlinkat", "remove", "flock", "select", "socket", "send", "ioctl", "posix_spawn",
     "waitpid", "curl_easy_init", "curl_multi_init",
     "curl_multi_add_handle", "curl_multi_perform", "curl_multi_poll", "curl_slist_append", "small malloc"};
+constexpr std::string_view callsOfFirstLaunch[] = {"open", "read", "write", "close", "lstat", "fstat", "mkdir"};
 constexpr std::string_view callsOfSecondStart[] = {
     "open", "close", "lstat", "mkdir", "flock", "poll", "socket", "connect", "send", "small malloc"};
 constexpr std::string_view callsOfRemoval[] = {
@@ -238,6 +239,13 @@ TEST_P(MidnightFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, MidnightFaults, testing::ValuesIn(kindsOf(callsOfMidnight)), nameOfKind);
+
+class FirstLaunchFaults : public FaultsIn<FirstLaunchLife> {};
+TEST_P(FirstLaunchFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+  letEachFail();
+}
+INSTANTIATE_TEST_SUITE_P(OfEachCall, FirstLaunchFaults, testing::ValuesIn(kindsOf(callsOfFirstLaunch)),
+                         nameOfKind);
 
 class SecondStartFaults : public FaultsIn<SecondStartLife> {};
 TEST_P(SecondStartFaults, LeaveTheFirstUnharmedAndEndTheSecond) {

@@ -26,6 +26,19 @@ class ShortLife : public FaultTest {
   bool hasOpened_ = false;
 };
 
+// Calls fail in the first launch of all, which makes the settings.
+class FirstLaunchLife : public FaultTest {
+ public:
+  static constexpr const char* title = "first launch";
+
+ protected:
+  void lead() override {
+    letCallsFail();
+    launchToItsEnd();
+  }
+  [[nodiscard]] bool isFirstLaunch() const override { return true; }
+};
+
 // Calls fail while the logs are collected out of the support window.
 class LogCollectionLife : public FaultTest {
  public:

@@ -39,7 +39,7 @@ void WatchLife::lead() {
 void RemovalLife::installAnew() {
   fs::remove_all(bundle_ + " old");
   install(bundle_);
-  setServers(server_->origin());
+  setServers(server_->origin(), server_->origin());
   fs::create_directory(bundle_ + movedFolder);
 }
 

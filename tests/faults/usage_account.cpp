@@ -21,6 +21,9 @@ using Uploads = std::vector<std::string>;
 const std::string kFolder = "/tmp/home/.local/share/Tovalin";
 const std::string kWaiting(100'000, 'p');
 const std::string kIdentity = kFolder + "/TovalinUUID.txt", kOption = kFolder + "/TovalinServerOption.txt";
+constexpr const char* kStoredIdentity = "00112233-4455-6677-8899-AABBCCDDEEFF";
+// Of the test upload server: any other option is the default too.
+constexpr const char* kStoredOption = "0";
 
 // The start of an agent that could not read its bundle's version.
 const std::string startRecordWithoutVersion =
@@ -87,11 +90,15 @@ int startsKept(const Uploads& uploads, const AgentsWords& words) {
 
 const PastFile UsageAccount::waiting = {kFolder + "/Tovalin_2024_03_07.dat", kWaiting};
 
-void UsageAccount::begin() {
+void UsageAccount::begin(bool isFirstLaunch) {
   *this = {};
+  isFirstLaunch_ = isFirstLaunch;
   fs::remove_all(kFolder);
   fs::create_directories(kFolder);
   std::ofstream(waiting.path) << kWaiting;
+  if (isFirstLaunch) return;
+  std::ofstream(kIdentity) << kStoredIdentity;
+  std::ofstream(kOption) << kStoredOption;
 }
 
 int UsageAccount::written(const std::string& bytes) {
@@ -115,8 +122,10 @@ std::string UsageAccount::damage(const Uploads& uploads) const {
   }
   if (fs::exists(waiting.path) && contentsOf(waiting.path) != kWaiting) return "a past file has changed";
   const std::string identity = contentsOf(kIdentity), option = contentsOf(kOption);
+  if (!isFirstLaunch_ && identity != kStoredIdentity) return "another identifier";
+  if (!isFirstLaunch_ && option != kStoredOption) return "another server option";
   if (!identity.empty() && identity.size() != 36) return "half an identifier";
-  if (!option.empty() && option != "1") return "a server option of its own";
+  if (isFirstLaunch_ && !option.empty() && option != "1") return "a server option of its own";
   return damageOfUpload(waiting, uploads);
 }
 

@@ -18,8 +18,8 @@ class UsageAccount {
   // The file that waits for the upload of each launch.
   static const PastFile waiting;
 
-  // Makes the folder anew, with `waiting` in it.
-  void begin();
+  // Makes the folder anew, with `waiting` in it and, unless this is the first launch of all, the settings.
+  void begin(bool isFirstLaunch);
 
   // A record, known by its beginning, that the agent is to write; that it has got the message for; and that
   // was seen in a file.
@@ -51,5 +51,6 @@ class UsageAccount {
                                           const std::vector<std::string>& uploads, const AgentsWords& words);
 
  private:
+  bool isFirstLaunch_ = false;
   std::map<std::string, int> asked_, read_, written_;
 };
