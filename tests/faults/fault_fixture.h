@@ -11,6 +11,10 @@
 #include "tests/faults/fault_report.h"
 #include "tests/faults/usage_account.h"
 
+inline bool isMenu(const test_support::XWindow& window) {
+  return window.className == "Tovalin" && window.width > 100;
+}
+
 // One call of the agent's own code that is to fail.
 struct Fault {
   std::string call = "none";
@@ -99,8 +103,11 @@ class FaultTest : public SupportTest {
   void sendRecord(const std::string& text, const std::string& record);
   // The menu's line that switches; empty without a menu.
   [[nodiscard]] std::string switchLabel();
-  // Whether the line says the other thing once it was clicked.
+  // Whether the line says the other thing once it was clicked; without an item, for want of its picture, in
+  // the menu that a second start opens.
   [[nodiscard]] bool turnsTheSwitch();
+  // Whether the panel has the menu, if need be with the switch turned to where there is a picture.
+  [[nodiscard]] bool showsItsMenu();
   void closeSupportWindow(std::uint32_t window);
   // Launches and opens the support window; calls fail while `use` is at work on it.
   void leadInSupportWindow(const std::function<void()>& use);
@@ -117,6 +124,8 @@ class FaultTest : public SupportTest {
   [[nodiscard]] std::string judgePipe();
   [[nodiscard]] std::string judgeEndOfLife();
   [[nodiscard]] bool showsItsIcon();
+  [[nodiscard]] bool pictureIsLost();
+  [[nodiscard]] bool turnsTheSwitchByAnotherStart();
   faults::Report* report_ = nullptr;
   Fault fault_;
   bool endsProperly_ = false;

@@ -10,10 +10,6 @@ using namespace std::chrono_literals;
 // Without a bus the first one can't be told.
 constexpr const char* noMenu = "its menu can't be opened from here";
 
-bool isMenu(const test_support::XWindow& window) {
-  return window.className == "Tovalin" && window.width > 100;
-}
-
 }  // namespace
 
 void SecondStartLife::lead() {

@@ -18,13 +18,13 @@ void ShortLife::record() {
 }
 
 void ShortLife::useSwitch() {
-  hasSwitched_ = agent_.running() && switchLabel() == "Automount Off" && turnsTheSwitch() &&
+  hasSwitched_ = agent_.running() && turnsTheSwitch() &&
                  comesTrue([&] { return count("pipe: -u") == 1 || words().tellOfTheCommandPipe(); });
 }
 
 void ShortLife::useSupportWindow() {
   hasOpened_ = false;
-  if (!agent_.running() || !host_.click("Support Tovalin")) return;
+  if (!agent_.running() || !showsItsMenu() || !host_.click("Support Tovalin")) return;
   std::optional<test_support::XWindow> window;
   // What its contents are asked of may be long in answering, or not be there.
   hasOpened_ = test_support::waitUntil([&] {

@@ -107,6 +107,12 @@ int UsageAccount::written(const std::string& bytes) {
   return found;
 }
 
+int UsageAccount::writtenWhole(const std::string& bytes) {
+  int found = 0;
+  for (const std::string& file : filesThere()) found += damageOf(file).empty() ? occurrences(file, bytes) : 0;
+  return found;
+}
+
 int UsageAccount::kept(const std::string& bytes, const Uploads& uploads) {
   int found = written(bytes);
   const auto there = filesThere();

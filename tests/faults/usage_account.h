@@ -28,8 +28,9 @@ class UsageAccount {
   void tellWritten(const std::string& record) { ++written_[record]; }
   [[nodiscard]] int asked(const std::string& record) { return asked_[record]; }
 
-  // How often these bytes are in the files.
+  // How often these bytes are in the files; in those that are whole, since half a record may be cut back yet.
   [[nodiscard]] static int written(const std::string& bytes);
+  [[nodiscard]] static int writtenWhole(const std::string& bytes);
   // ... and in what was sent and is no file any more.
   [[nodiscard]] static int kept(const std::string& bytes, const std::vector<std::string>& uploads);
 
