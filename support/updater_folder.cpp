@@ -19,11 +19,13 @@ bool isOwnAlone(const char* path) {
 }  // namespace
 
 bool claimUpdaterFolder() {
-  if (::mkdir(updaterFolder, S_IRWXU) == 0) return true;
-  // No room, or a disk that can't be written: the copy itself fails, and harms nobody.
-  if (errno != EEXIST || isOwnAlone(updaterFolder)) return true;
-  platform::systemLog(platform::LogPriority::Error,
-                      std::string("updater's folder is not this user's alone : ") + updaterFolder);
+  const int error = ::mkdir(updaterFolder, S_IRWXU) == 0 ? 0 : errno;
+  if (error == 0 || isOwnAlone(updaterFolder)) return true;
+  // What isn't there now may be put there by somebody else before the copy begins.
+  const std::string what = error == EEXIST
+                               ? "updater's folder is not this user's alone : " + std::string(updaterFolder)
+                               : "updater's folder can't be made. errno : " + std::to_string(error);
+  platform::systemLog(platform::LogPriority::Error, what);
   return false;
 }
 

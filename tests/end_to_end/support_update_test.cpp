@@ -1,5 +1,9 @@
 #include <gmock/gmock.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 
+#include <cerrno>
 #include <fstream>
 
 #include "tests/end_to_end/support_fixture.h"
@@ -10,6 +14,29 @@ namespace {
 using testing::ElementsAre;
 
 constexpr const char* openUpdater = "run: open /tmp/tovalinupdate.app";
+
+// As long as it lives /tmp has room in the files that it holds, and for no other.
+class NoMoreFilesInTmp {
+ public:
+  NoMoreFilesInTmp() {
+    struct statvfs status {};
+    EXPECT_EQ(::statvfs("/tmp", &status), 0);
+    most_ = status.f_files;
+    setMost(status.f_files - status.f_ffree);
+  }
+  ~NoMoreFilesInTmp() { setMost(most_); }
+  NoMoreFilesInTmp(const NoMoreFilesInTmp&) = delete;
+  NoMoreFilesInTmp& operator=(const NoMoreFilesInTmp&) = delete;
+
+  [[nodiscard]] static bool bites() { return ::mkdir("/tmp/one more", 0700) == -1 && errno == ENOSPC; }
+
+ private:
+  static void setMost(fsfilcnt_t files) {
+    EXPECT_EQ(::mount("", "/tmp", "", MS_REMOUNT, ("nr_inodes=" + std::to_string(files)).c_str()), 0);
+  }
+
+  fsfilcnt_t most_ = 0;
+};
 
 // The Update button and what remains of the window after it.
 class SupportUpdate : public SupportTest {
@@ -72,6 +99,19 @@ TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereAnothersFolderStands) {
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(count(openUpdater), 0);
   EXPECT_TRUE(std::filesystem::is_empty("/tmp/tovalinupdate.app"));
+}
+
+// Somebody else could put a folder there between the failure and the copy.
+TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereTheFolderCanNotBeMade) {
+  launchAndOpen();
+  timeline_.clear();
+  const NoMoreFilesInTmp full;
+  ASSERT_TRUE(full.bites());
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText("log 3: updater's folder can't be made. errno : 28"));
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(count("run: "), 0);
 }
 
 TEST_F(SupportUpdate, LeavesTheWindowInFrontAndServing) {
