@@ -43,7 +43,7 @@ platform::FileDescriptor openNotificationPipe() {
     logFailure("make pipe failed");
   // Whoever runs the main application must be able to write, whatever this process's umask.
   ::chmod(notificationPipe, 0666);
-  platform::FileDescriptor pipe(::open(notificationPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  platform::FileDescriptor pipe(::open(notificationPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   if (!pipe.valid()) logFailure("open pipe error");
   return pipe;
 }

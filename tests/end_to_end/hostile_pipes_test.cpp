@@ -195,6 +195,22 @@ TEST_F(HostilePipes, ANotificationPipeThatIsADeviceWithoutEndFloodsNothing) {
   }
 }
 
+// Whoever holds the terminal's other end could otherwise end an agent that leads a session, by hanging up.
+TEST_F(HostilePipes, ANotificationPipeThatIsALinkToATerminalDoesNotMakeItTheAgentsOwn) {
+  ASSERT_EQ(::mount("devpts", "/dev/pts", "devpts", 0, "newinstance,ptmxmode=0666"), 0);
+  FileDescriptor otherEnd(::open("/dev/pts/ptmx", O_RDWR | O_NOCTTY | O_CLOEXEC));
+  ASSERT_EQ(::unlockpt(otherEnd.get()), 0);
+  fs::create_symlink("/dev/pts/0", pipePath);
+  ASSERT_TRUE(agent_.start({"setsid", agentProgram()}, {.environment = environment_}));
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+  ASSERT_EQ(::getsid(agent_.pid()), agent_.pid());
+  ASSERT_EQ(::write(otherEnd.get(), "-non\x04", 5), 5);
+  EXPECT_TRUE(shows(isAccessNotice));
+  otherEnd.reset();
+  expectAProperEnd();
+  EXPECT_EQ(::umount2("/dev/pts", MNT_DETACH), 0);
+}
+
 TEST_F(HostilePipes, APipeThatIsReplacedInMidRunIsLeftToWhoeverReplacedItUntilTheEnd) {
   startAndListen();
   fs::remove(pipePath);
