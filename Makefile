@@ -4,7 +4,7 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 # The tests would wait for each other's processors.
 .NOTPARALLEL:
-.PHONY: build package bench soak format check check-format check-compilers check-tidy check-cppcheck \
+.PHONY: build package bench soak format check check-format check-compilers check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # Where the bundle of the preset is assembled.
@@ -28,7 +28,7 @@ format:
 	clang-format -i $(SOURCES)
 
 # What takes longest and finds least comes last.
-check: check-format check-cppcheck check-compilers check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-format check-cppcheck check-compilers check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
@@ -36,6 +36,10 @@ check-format:
 # Both compilers, warnings are errors: gcc by `build`.
 check-compilers: build
 	@$(MAKE) --no-print-directory build PRESET=clang
+
+# With those that a sanitizer leaves no room for.
+check-tests:
+	./test
 
 check-tidy: build
 	git ls-files '*.cpp' | xargs -P $$(nproc) -n 4 clang-tidy --quiet -p build/$(PRESET)

@@ -113,6 +113,7 @@ TEST_F(Menu, WithAnUpdateSupportWearsTheBadge) {
 
 TEST_F(Menu, QuitEndsEverythingInItsOrder) {
   launchAgentInPanel();
+  ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));  // the last of the launch
   timeline_.clear();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
