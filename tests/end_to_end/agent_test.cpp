@@ -1,6 +1,7 @@
 #include "tests/end_to_end/agent_test.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -40,6 +41,14 @@ bool isRunning(const std::string& program) {
     if (command == program) return true;
   }
   return false;
+}
+
+// All of its threads, each of which stops for itself.
+bool isStopped(pid_t process) {
+  const fs::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
+  return std::all_of(begin(threads), end(threads), [](const auto& thread) {
+    return test_support::contentsOf(thread.path() / "status").find("State:\tT") != std::string::npos;
+  });
 }
 
 }  // namespace
@@ -152,6 +161,17 @@ std::chrono::milliseconds AgentTest::timeToEnd(const std::function<void()>& prep
 void AgentTest::terminateAgent() {
   agent_.terminate();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();
+}
+
+void AgentTest::whileAgentStandsStill(const std::function<void()>& act) {
+  agent_.signal(SIGSTOP);
+  EXPECT_TRUE(test_support::waitUntil([this] { return isStopped(agent_.pid()); }));
+  act();
+  agent_.signal(SIGCONT);
+}
+
+void AgentTest::removeAtOnce(const std::string& folder) {
+  whileAgentStandsStill([&] { fs::remove_all(folder); });
 }
 
 std::vector<std::string> AgentTest::texts() {

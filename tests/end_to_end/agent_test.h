@@ -58,6 +58,11 @@ class AgentTest : public testing::Test {
                                                     const std::function<void()>& removal);
   // Sends SIGTERM and expects a proper end.
   void terminateAgent();
+  // Does this while the agent stands still, so that its watch comes to see the whole of it at once.
+  void whileAgentStandsStill(const std::function<void()>& act);
+  // A removal that took longer than the watch waits would be a change of the bundle, with which the watch is
+  // over.
+  void removeAtOnce(const std::string& folder);
 
   // What is on the time line; the beacons, which nobody waits for, apart.
   [[nodiscard]] std::vector<std::string> texts();

@@ -62,7 +62,7 @@ TEST_F(BundleWatchTest, MovingTheBundleToAnotherFolderEndsTheAgent) {
 
 TEST_F(BundleWatchTest, RemovingTheBundleEndsTheAgent) {
   launch();
-  fs::remove_all(bundle_);
+  removeAtOnce(bundle_);
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
   EXPECT_GT(count(changeLogged), 0);
 }
@@ -71,7 +71,7 @@ TEST_F(BundleWatchTest, RemovingTheBundleWhileAFileInItIsHeldOpenEndsTheAgent) {
   launch();
   const std::ifstream held(bundle_ + "/Contents/Info.plist");
   const test_support::FileDescriptor folder(::open(bundle_.c_str(), O_RDONLY | O_CLOEXEC));
-  fs::remove_all(bundle_);
+  removeAtOnce(bundle_);
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
@@ -87,15 +87,17 @@ TEST_F(BundleWatchTest, MovingAFolderAboveTheBundleEndsTheAgent) {
 
 TEST_F(BundleWatchTest, RemovingAFolderAboveTheBundleEndsTheAgent) {
   launch();
-  fs::remove_all("/tmp/Folder");
+  removeAtOnce("/tmp/Folder");
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
 TEST_F(BundleWatchTest, AnotherVersionInItsPlaceEndsTheAgent) {
   launch();
   fs::copy(bundle_, "/tmp/Folder/New.app", fs::copy_options::recursive);
-  fs::remove_all(bundle_);
-  fs::rename("/tmp/Folder/New.app", bundle_);
+  whileAgentStandsStill([&] {
+    fs::remove_all(bundle_);
+    fs::rename("/tmp/Folder/New.app", bundle_);
+  });
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
@@ -118,7 +120,7 @@ TEST_F(BundleWatchTest, EachEndOfTheBundleEndsTheAgentWithinTwoSeconds) {
   const auto plainly = [this] { launch(); };
   EXPECT_LT(timeToEnd(plainly, renamesTo(bundle_, bundle_ + " old")), longestEnd);
   EXPECT_LT(timeToEnd(plainly, renamesTo("/tmp/Folder/Applications", "/tmp/Folder/Programs")), longestEnd);
-  EXPECT_LT(timeToEnd(plainly, [this] { fs::remove_all(bundle_); }), longestEnd);
+  EXPECT_LT(timeToEnd(plainly, [this] { removeAtOnce(bundle_); }), longestEnd);
   const auto withBothNotices = [this] {
     launch();
     send("-non");
@@ -126,7 +128,7 @@ TEST_F(BundleWatchTest, EachEndOfTheBundleEndsTheAgentWithinTwoSeconds) {
     ASSERT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
   };
   EXPECT_LT(timeToEnd(withBothNotices, renamesTo(bundle_, bundle_ + " old")), longestEnd);
-  EXPECT_LT(timeToEnd(withBothNotices, [this] { fs::remove_all(bundle_); }), longestEnd);
+  EXPECT_LT(timeToEnd(withBothNotices, [this] { removeAtOnce(bundle_); }), longestEnd);
 }
 
 TEST_F(BundleWatchTest, UnloadThatFailsEndsTheAgentAllTheSame) {
@@ -142,7 +144,7 @@ TEST_F(BundleWatchTest, RemovalEndsTheAgentFromTwoNestedNotices) {
   send("-neon");
   ASSERT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
   timeline_.clear();
-  fs::remove_all(bundle_);
+  removeAtOnce(bundle_);
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
   EXPECT_TRUE(hides(isAccessNotice));
   EXPECT_EQ(recordsLike(quitRecord), 1);

@@ -337,7 +337,7 @@ TEST_F(SupportMeets, EachEndOfTheBundleEndsTheAgentBehindASheetAndANoticeWithinT
     std::filesystem::rename("/tmp/Applications", "/tmp/Programs");
   };
   EXPECT_LT(timeToEnd(withSheetAndNotice, isMoved), longestEnd);
-  EXPECT_LT(timeToEnd(withSheetAndNotice, [this] { std::filesystem::remove_all(bundle_); }), longestEnd);
+  EXPECT_LT(timeToEnd(withSheetAndNotice, [this] { removeAtOnce(bundle_); }), longestEnd);
 }
 
 TEST_F(SupportMeets, TheBundlesEndAfterUpdate) {
