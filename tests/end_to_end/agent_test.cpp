@@ -51,6 +51,26 @@ bool isStopped(pid_t process) {
   });
 }
 
+// The files of the days, the oldest first.
+std::vector<fs::path> usageFiles() {
+  std::vector<fs::path> files;
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator("/tmp/home/.local/share/Tovalin", none)) {
+    if (entry.path().extension() == ".dat") files.push_back(entry.path());
+  }
+  std::ranges::sort(files);
+  return files;
+}
+
+// The header ends with the first of the versions that stand behind the bundle's.
+std::string withoutHeader(const std::string& file) {
+  const std::string end =
+      "\x07"
+      "1.0.0.0";
+  const std::size_t place = file.find(end);
+  return place == std::string::npos ? file : file.substr(place + end.size());
+}
+
 }  // namespace
 
 void AgentTest::SetUp() {
@@ -210,11 +230,12 @@ std::size_t AgentTest::position(const std::string& beginning) {
 }
 
 std::string AgentTest::recordedUsage() {
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator("/tmp/home/.local/share/Tovalin", none)) {
-    if (entry.path().extension() == ".dat") return test_support::contentsOf(entry.path());
+  std::string all;
+  for (const fs::path& file : usageFiles()) {
+    const std::string contents = test_support::contentsOf(file);
+    all += all.empty() ? contents : withoutHeader(contents);
   }
-  return {};
+  return all;
 }
 
 int AgentTest::recordsLike(const std::string& bytes) {

@@ -82,7 +82,8 @@ class AgentTest : public testing::Test {
   }
   [[nodiscard]] std::string agentProgram() const { return agentContents() + "/MacOS/TovalinTray"; }
 
-  // What stands in the usage file, where there is one, and how often these bytes are in it.
+  // What stands in the usage file, where there is one, and how often these bytes are in it. Where midnight
+  // has come meanwhile, the records of the new day are added.
   [[nodiscard]] static std::string recordedUsage();
   [[nodiscard]] static int recordsLike(const std::string& bytes);
 

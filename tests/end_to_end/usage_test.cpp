@@ -47,6 +47,27 @@ class Usage : public AgentTest {
     });
   }
 
+  void launchTwice() {
+    for (int i = 0; i < 2; ++i) {
+      ASSERT_NO_FATAL_FAILURE(launchAgent());
+      terminateAgent();
+      timeline_.clear();
+    }
+  }
+
+  static int dayOfTheYear() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    return local.tm_yday;
+  }
+  static int dayFiles() {
+    int found = 0;
+    for (const auto& entry : fs::directory_iterator(folder))
+      found += entry.path().extension() == ".dat" ? 1 : 0;
+    return found;
+  }
+
   ProductServerDouble server_;
   ProductServerDouble testServer_;
 };
@@ -74,11 +95,13 @@ TEST_F(Usage, SignalLeavesOneQuitRecord) {
 }
 
 TEST_F(Usage, SecondLaunchOfADayAddsToItsFile) {
-  for (int i = 0; i < 2; ++i) {
-    launchAgent();
-    terminateAgent();
-    timeline_.clear();
+  for (int day = -1; day != dayOfTheYear();) {
+    fs::remove_all(folder);
+    day = dayOfTheYear();
+    launchTwice();
+    ASSERT_FALSE(HasFatalFailure());
   }
+  EXPECT_EQ(dayFiles(), 1);
   EXPECT_EQ(recordsLike("TVLD"), 1);
   EXPECT_EQ(recordsLike(startRecord), 2);
   EXPECT_EQ(recordsLike(quitRecord), 2);
