@@ -28,6 +28,8 @@ struct Place {
 
 inline constexpr Place updateMiddle{70, 62}, faqMiddle{210, 62}, logMiddle{350, 62};
 inline constexpr Place firstLink{150, 177}, secondLink{150, 147}, bannerMiddle{210, 20};
+// The button of a sheet that Return presses.
+inline constexpr Place sheetsDefault{350, 163};
 // Where nothing is ever drawn but the background.
 inline constexpr Place bareSpot{4, 60};
 
@@ -154,6 +156,26 @@ class SupportTest : public NoticeTest {
   }
   [[nodiscard]] bool sheetIsGone() const {
     return test_support::waitUntil([&] { return colourOf(bareSpot).red > 220; });
+  }
+
+  // What tells one sheet from the other: the message, on the sheet's upper part.
+  [[nodiscard]] test_support::XPicture messageOfSheet() const { return pictureOfPart({100, 180}, 300, 55); }
+
+  void openFirstSheet() {
+    clickAt(logMiddle);
+    ASSERT_TRUE(sheetIsUp());
+  }
+  // Returns when the second sheet is up. A key that is held down while the agent collects might answer that
+  // one too, a click does not.
+  void collect() {
+    openFirstSheet();
+    const auto question = messageOfSheet();
+    clickAt(sheetsDefault);
+    waitForSheetAfter(question);
+  }
+  void waitForSheetAfter(const test_support::XPicture& question) {
+    ASSERT_TRUE(test_support::waitUntil(
+        [&] { return !(messageOfSheet() == question) && colourOf(bareSpot).red < 200; }));
   }
 
   // What the agent has written on standard error so far.

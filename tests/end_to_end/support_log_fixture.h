@@ -28,6 +28,13 @@ inline std::vector<std::filesystem::path> inFolder(const std::filesystem::path& 
   return found;
 }
 
+// A command of the system's that is the test's own.
+inline void placeScript(const std::string& name, const std::string& text) {
+  const std::string path = commandFolder + name;
+  std::ofstream(path) << "#!/bin/sh\n" << text << '\n';
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+}
+
 // Gives this program's own mount namespace a /var of its own: what is there, and empty folders for logs and
 // crashes.
 inline void takeVarForItself() {
@@ -62,37 +69,15 @@ class SupportLog : public SupportTest {
       for (const auto& path : inFolder(folder)) std::filesystem::remove_all(path);
     }
     SupportTest::SetUp();
+    if (HasFatalFailure()) return;
+    ASSERT_TRUE(test_support::stopKeyRepeat(display_.name()));
     placeScript("journalctl", std::string("echo '") + systemEntry + "'");
     std::filesystem::remove(commandFolder + std::string("zip"));
   }
 
-  static void placeScript(const std::string& name, const std::string& text) {
-    const std::string path = commandFolder + name;
-    std::ofstream(path) << "#!/bin/sh\n" << text << '\n';
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-  }
   static void write(const std::filesystem::path& path, const std::string& text = "text") {
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path) << text;
-  }
-
-  // What tells one sheet from the other: the message, on the sheet's upper part.
-  [[nodiscard]] test_support::XPicture message() const { return pictureOfPart({100, 180}, 300, 55); }
-
-  void openFirstSheet() {
-    clickAt(logMiddle);
-    ASSERT_TRUE(sheetIsUp());
-  }
-  // Returns when the second sheet is up.
-  void collect() {
-    openFirstSheet();
-    const auto question = message();
-    press("Return");
-    waitForSheetAfter(question);
-  }
-  void waitForSheetAfter(const test_support::XPicture& question) {
-    ASSERT_TRUE(
-        test_support::waitUntil([&] { return !(message() == question) && colourOf(bareSpot).red < 200; }));
   }
 
   // Begins a collection that stands still while it packs.
@@ -102,7 +87,7 @@ class SupportLog : public SupportTest {
     timeline_.hold("zip");
     launchAndOpen();
     openFirstSheet();
-    press("Return");
+    clickAt(sheetsDefault);
     ASSERT_TRUE(waitForText("run: zip"));
   }
 

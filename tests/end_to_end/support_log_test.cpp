@@ -109,7 +109,7 @@ TEST_F(SupportLog, TheKeyboardIsAtTheButtonAgainAfterTheCollection) {
   launchAndOpen();
   for (const char* key : {"Tab", "Tab", "Return"}) press(key);
   ASSERT_TRUE(sheetIsUp());
-  const auto question = message();
+  const auto question = messageOfSheet();
   press("Return");
   waitForSheetAfter(question);
   press("Return");
@@ -125,10 +125,10 @@ TEST_F(SupportLog, TheSheetsButtonsTakeClicks) {
   launchAndOpen();
   timeline_.clear();
   openFirstSheet();
-  const auto question = message();
-  clickAt({350, 239 - 76});
+  const auto question = messageOfSheet();
+  clickAt(sheetsDefault);
   waitForSheetAfter(question);
-  clickAt({242, 239 - 76});
+  clickAt({242, sheetsDefault.y});
   EXPECT_TRUE(waitForText("run: open " + server_->origin() + "/contact/tovalin/"));
   EXPECT_TRUE(sheetIsGone());
 }

@@ -1,8 +1,10 @@
 #include "tests/support/x_input.h"
 
+#include <cstdint>
 #include <vector>
 
 #include "tests/support/child_process.h"
+#include "tests/support/x_connection.h"
 
 namespace test_support {
 namespace {
@@ -40,6 +42,15 @@ bool releaseMouse(const std::string& display, int x, int y, int button) {
 
 bool pressKey(const std::string& display, const std::string& key) {
   return xdotool(display, {"key", key});
+}
+
+bool stopKeyRepeat(const std::string& display) {
+  const XConnection connection(display);
+  if (!connection.valid()) return false;
+  const std::uint32_t off = XCB_AUTO_REPEAT_MODE_OFF;
+  xcb_change_keyboard_control(connection.get(), XCB_KB_AUTO_REPEAT_MODE, &off);
+  connection.synchronize();
+  return true;
 }
 
 bool typeText(const std::string& display, const std::string& text) {
