@@ -51,6 +51,11 @@ std::vector<std::string> PageServer::asked() const {
   return asked_;
 }
 
+std::vector<std::chrono::steady_clock::time_point> PageServer::timesOfRequests() const {
+  const std::lock_guard lock(mutex_);
+  return times_;
+}
+
 bool PageServer::wasAsked(const std::string& target) const {
   return std::ranges::count(asked(), target) != 0;
 }
@@ -63,6 +68,7 @@ void PageServer::answer(const httplib::Request& request, httplib::Response& resp
   {
     const std::lock_guard lock(mutex_);
     asked_.push_back(request.target);
+    times_.push_back(std::chrono::steady_clock::now());
   }
   const auto found = answers_.find(request.path);
   const Answer answer = found == answers_.end() ? Answer{} : found->second;

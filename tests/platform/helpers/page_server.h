@@ -2,6 +2,7 @@
 
 #include <httplib.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <map>
 #include <mutex>
@@ -17,6 +18,9 @@ namespace web_view_test {
 // doesn't know it answers with an empty page.
 class PageServer {
  public:
+  // How long a test waits for an engine, which a busy machine may keep from asking for a while.
+  static constexpr std::chrono::seconds enginesPatience{60};
+
   PageServer();
   ~PageServer();
   PageServer(const PageServer&) = delete;
@@ -37,9 +41,11 @@ class PageServer {
   [[nodiscard]] std::string address(const std::string& path) const;
   // The targets of all requests so far, in their order.
   [[nodiscard]] std::vector<std::string> asked() const;
+  // ... and when they came.
+  [[nodiscard]] std::vector<std::chrono::steady_clock::time_point> timesOfRequests() const;
   [[nodiscard]] bool wasAsked(const std::string& target) const;
   [[nodiscard]] bool waitFor(const std::string& target,
-                             std::chrono::milliseconds timeout = test_support::kPatience) const;
+                             std::chrono::milliseconds timeout = enginesPatience) const;
 
  private:
   struct Answer {
@@ -62,6 +68,7 @@ class PageServer {
   bool ended_ = false;
   std::string heldBack_;
   std::vector<std::string> asked_;
+  std::vector<std::chrono::steady_clock::time_point> times_;
   std::thread thread_;
 };
 
