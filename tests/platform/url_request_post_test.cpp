@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <numeric>
 
 #include "tests/platform/url_request_support.h"
@@ -121,16 +122,22 @@ TEST(UrlRequestPost, LargeBodyIsNeitherCopiedNorCut) {
 
 TEST(UrlRequestPost, ServersWordToGoOnIsNotAwaited) {
   const std::string body(2 << 20, 'b');
-  bool whole = false;
+  std::string request;
   const RawHttpServer server([&](RawConnection& connection) {
-    whole = connection.readRequest().ends_with(body);
+    request = connection.readRequest();
     connection.send("HTTP/1.1 100 Continue\r\n\r\n" + httpReply("taken"));
   });
-  const auto outcome = outcomeOf(postOf(server.url(), body));
-  EXPECT_THAT(outcome.reply, Optional(std::string("taken")));
-  EXPECT_TRUE(whole);
-  EXPECT_LT(outcome.time, std::chrono::milliseconds(900))
-      << "one second is how long a client asks for that word";
+  // One second is how long a client waits for that word; a busy machine may hold up one try or another.
+  constexpr std::chrono::milliseconds wait{900};
+  auto shortest = std::chrono::milliseconds::max();
+  for (int i = 0; i < 5 && shortest >= wait; ++i) {
+    const auto outcome = outcomeOf(postOf(server.url(), body));
+    EXPECT_THAT(outcome.reply, Optional(std::string("taken")));
+    EXPECT_TRUE(request.ends_with("\r\n\r\n" + body));
+    shortest = std::min(shortest, outcome.time);
+  }
+  EXPECT_LT(shortest, wait);
+  EXPECT_EQ(request.find("\r\nExpect:"), std::string::npos);
 }
 
 // Answers after the head, then takes some more of the body, so that the client has seen the answer, and goes.
