@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "tests/end_to_end/pipe_away.h"
+#include "tests/end_to_end/support_log_fixture.h"
 #include "tests/support/file_contents.h"
 
 namespace {
@@ -16,6 +17,7 @@ using test_support::ExitStatus;
 using test_support::waitUntil;
 
 const std::string kFolder = "/tmp/home/.local/share/Tovalin";
+constexpr const char* kDesktop = "/tmp/home/Desktop";
 
 std::vector<fs::path> usageFiles() {
   std::vector<fs::path> files;
@@ -50,6 +52,7 @@ void LifeTest::SetUp() {
   if (HasFatalFailure()) return;
   ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
   ASSERT_TRUE(portal_.start(bus_, "2"));
+  placeScript("journalctl", std::string("echo '") + systemEntry + "'");
   setServers(server_->origin(), uploads_.testServer());
   server_->judgeUploads([this](const auto& request) { return uploads_.judge(request); });
   for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
@@ -100,6 +103,7 @@ const std::vector<LifeTest::Act>& LifeTest::everyAct() {
       {"support window", 4, &LifeTest::lookAtSupport},
       {"support window offline", 3, &LifeTest::lookAtSupportOffline},
       {"support window with sheet", 3, &LifeTest::openSheet},
+      {"logs collected", 2, &LifeTest::collectLogs},
       {"update", 3, &LifeTest::update},
       {"notice over support window", 3, &LifeTest::showNoticeOverSupport},
       {"support window over notice", 3, &LifeTest::openSupportOverNotice},
@@ -245,11 +249,23 @@ void LifeTest::openSheet() {
   closeWindow();
 }
 
+void LifeTest::collectLogs() {
+  openWindow();
+  collect();
+  press("Escape");
+  ASSERT_TRUE(sheetIsGone());
+  closeWindow();
+  ASSERT_EQ(inFolder(kDesktop, "tovalinlog_").size(), 1U);
+  fs::remove_all(kDesktop);
+  for (const fs::path& folder : inFolder("/tmp", "tovalinlog_")) fs::remove_all(folder);
+}
+
 // The button is there unless the version could not be had in the agent's short seconds.
 void LifeTest::update() {
   openWindow();
   clickAt(updateMiddle);
   if (timeline_.waitFor("run: open /tmp/tovalinupdate.app", 5s)) {
+    ++updates_;
     choose();
     waitUntilIdle();
   }

@@ -33,6 +33,8 @@ class LifeTest : public SupportTest {
   void showEverything();
 
   [[nodiscard]] const std::map<std::string_view, int>& acts() const { return acts_; }
+  // In how many of the acts that update the updater was opened.
+  [[nodiscard]] int updates() const { return updates_; }
   [[nodiscard]] const RecordCounts& written() const { return written_; }
   [[nodiscard]] const LifeUploads& uploads() const { return uploads_; }
   // The records in the files that are still there; a damaged file fails the test.
@@ -64,6 +66,7 @@ class LifeTest : public SupportTest {
   void lookAtSupport();
   void lookAtSupportOffline();
   void openSheet();
+  void collectLogs();
   void update();
   void showNoticeOverSupport();
   void openSupportOverNotice();
@@ -85,9 +88,10 @@ class LifeTest : public SupportTest {
   std::mt19937 random_{seed()};
   LifeClock clock_{std::chrono::sys_days(std::chrono::year(2024) / 3 / 6) + std::chrono::hours(8)};
   LifeMessages messages_{random_};
-  LifeUploads uploads_{seed(), [this] { clock_.forward(std::chrono::seconds(61)); }};
+  LifeUploads uploads_{seed(), [this] { clock_.forward(std::chrono::seconds(20)); }};
   RecordCounts written_;
   std::map<std::string_view, int> acts_;
+  int updates_ = 0;
   bool automount_ = true;
   bool dark_ = false;
 };

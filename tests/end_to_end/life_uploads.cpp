@@ -22,8 +22,8 @@ std::string dayOf(const std::string& file) {
 
 }  // namespace
 
-LifeUploads::LifeUploads(unsigned seed, std::function<void()> letTimePass)
-    : letTimePass_(std::move(letTimePass)),
+LifeUploads::LifeUploads(unsigned seed, std::function<void()> letSomeTimePass)
+    : letSomeTimePass_(std::move(letSomeTimePass)),
       random_(seed),
       server_([this](test_support::RawConnection& connection) { serve(connection); }) {}
 
@@ -77,13 +77,14 @@ void LifeUploads::serve(test_support::RawConnection& connection) {
   enter(file, false);
 }
 
-// An upload may begin its wait only after the time has passed, and several such waits would hold up the agent
-// for longer than who asks it has patience.
+// An upload may begin its wait only after some time has passed, and waits that nobody shortens would hold up
+// the agent for longer than who asks it has patience. The last bit of time may be lost for the next upload,
+// which the agent begins as soon as it gives this one up.
 void LifeUploads::leaveWithoutAnswer(test_support::RawConnection& connection) {
-  constexpr int tries = 40;
+  constexpr int tries = 80;
   for (int i = 0; i < tries; ++i) {
-    letTimePass_();
-    if (connection.waitForEnd(std::chrono::milliseconds(500))) return;
+    letSomeTimePass_();
+    if (connection.waitForEnd(std::chrono::milliseconds(250))) return;
   }
 }
 

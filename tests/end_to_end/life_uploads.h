@@ -16,8 +16,9 @@
 // its methods may be called on any thread.
 class LifeUploads {
  public:
-  // `letTimePass` is called while a server leaves an upload without an answer.
-  LifeUploads(unsigned seed, std::function<void()> letTimePass);
+  // `letSomeTimePass` is called again and again while a server leaves an upload without an answer. It must be
+  // far less than an upload waits.
+  LifeUploads(unsigned seed, std::function<void()> letSomeTimePass);
 
   // The test upload server: any fate.
   [[nodiscard]] std::string testServer() const {
@@ -43,7 +44,7 @@ class LifeUploads {
   void leaveWithoutAnswer(test_support::RawConnection& connection);
   void enter(const std::string& file, bool taken);
 
-  std::function<void()> letTimePass_;
+  std::function<void()> letSomeTimePass_;
   mutable std::mutex mutex_;
   std::mt19937 random_;
   std::size_t arrived_ = 0;
