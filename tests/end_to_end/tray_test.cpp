@@ -2,6 +2,7 @@
 
 #include "tests/end_to_end/agent_test.h"
 #include "tests/support/x_input.h"
+#include "tests/support/x_picture.h"
 #include "tests/support/x_windows.h"
 
 namespace {
@@ -39,7 +40,10 @@ class XTray : public AgentTest {
     return test_support::waitForWindow(display_.name(), isIcon);
   }
 
+  // The tray may have put it on the screen before the agent takes clicks there; what it draws comes with
+  // that.
   void clickIcon(const char* button) {
+    ASSERT_TRUE(test_support::waitUntil([this] { return isDrawn(dockedIcon()); }));
     const auto icon = dockedIcon();
     ASSERT_TRUE(icon);
     runOnDisplay({"xdotool", "mousemove", std::to_string(icon->x + icon->width / 2),
@@ -57,6 +61,18 @@ class XTray : public AgentTest {
   }
 
   ChildProcess tray_;
+
+ private:
+  [[nodiscard]] bool isDrawn(const std::optional<XWindow>& icon) const {
+    if (!icon) return false;
+    const auto picture =
+        test_support::pictureOf(display_.name(), {icon->x, icon->y, icon->width, icon->height});
+    if (!picture) return false;
+    for (int x = 0; x < icon->width; ++x) {
+      if (!(picture->at(x, icon->height / 2) == picture->at(0, 0))) return true;
+    }
+    return false;
+  }
 };
 
 TEST_F(XTray, DocksItsIcon) {
