@@ -51,9 +51,13 @@ std::vector<std::string> PageServer::asked() const {
   return asked_;
 }
 
-std::vector<std::chrono::steady_clock::time_point> PageServer::timesOfRequests() const {
+std::vector<std::chrono::steady_clock::time_point> PageServer::timesOf(const std::string& target) const {
   const std::lock_guard lock(mutex_);
-  return times_;
+  std::vector<std::chrono::steady_clock::time_point> times;
+  for (std::size_t i = 0; i < asked_.size(); ++i) {
+    if (asked_[i] == target) times.push_back(times_[i]);
+  }
+  return times;
 }
 
 bool PageServer::wasAsked(const std::string& target) const {

@@ -41,8 +41,8 @@ class PageServer {
   [[nodiscard]] std::string address(const std::string& path) const;
   // The targets of all requests so far, in their order.
   [[nodiscard]] std::vector<std::string> asked() const;
-  // ... and when they came.
-  [[nodiscard]] std::vector<std::chrono::steady_clock::time_point> timesOfRequests() const;
+  // When this one was asked for.
+  [[nodiscard]] std::vector<std::chrono::steady_clock::time_point> timesOf(const std::string& target) const;
   [[nodiscard]] bool wasAsked(const std::string& target) const;
   [[nodiscard]] bool waitFor(const std::string& target,
                              std::chrono::milliseconds timeout = enginesPatience) const;
