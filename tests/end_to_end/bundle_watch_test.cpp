@@ -154,12 +154,12 @@ TEST_F(BundleWatchTest, RemovalDuringThePauseOfTheSwitchIsNoticedAfterIt) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));
+  const auto begin = std::chrono::steady_clock::now();
   ASSERT_TRUE(host_.click("Automount Off"));
-  const auto sent = timeline_.waitFor("pipe: -u");
-  ASSERT_TRUE(sent);
+  ASSERT_TRUE(waitForText("pipe: -u"));
   fs::rename(bundle_, bundle_ + " old");
   EXPECT_THAT(textsOfTheEnd(), ElementsAre("pipe: -u", rootChangeLogged, unloadRun, killRun));
-  EXPECT_GE(timeline_.waitFor(rootChangeLogged)->time - sent->time, std::chrono::milliseconds(1900));
+  EXPECT_GE(timeline_.waitFor(rootChangeLogged)->time - begin, std::chrono::milliseconds(1990));
 }
 
 TEST_F(BundleWatchTest, ChangeInsideIsLoggedAndEndsTheWatch) {

@@ -137,7 +137,11 @@ void LifeTest::play(const Act& act) {
   static_cast<void>(agent_.takeOutput() + agent_.takeErrorOutput());
   ++acts_[act.name];
   (this->*act.play)();
-  if (!HasFatalFailure()) waitUntilIdle();
+  if (HasFatalFailure()) {
+    ADD_FAILURE() << "the act failed" << agentsState();
+    return;
+  }
+  waitUntilIdle();
 }
 
 void LifeTest::showEverything() {

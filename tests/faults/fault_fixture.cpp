@@ -68,7 +68,9 @@ std::optional<PlainLife>& plainLife() {
 
 // The toolkit's pool has as many threads as it needs at the time, and each of them holds a descriptor.
 long pooledThreadsOf(pid_t process) {
-  const fs::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
+  std::error_code gone;
+  const fs::directory_iterator threads("/proc/" + std::to_string(process) + "/task", gone);
+  if (gone) return 0;
   return std::count_if(begin(threads), end(threads), [](const auto& thread) {
     return contentsOf(thread.path() / "comm") == "Thread (pooled)\n";
   });
