@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "tests/platform/helpers/web_view_helper.h"
+#include "tests/support/file_contents.h"
 #include "tests/support/x_windows.h"
 
 namespace web_view_test {
@@ -289,6 +290,21 @@ TEST_F(WebViewLoad, PageIsLoadedAlsoWhereTheWebProcessCannotBeLockedIn) {
   EXPECT_EQ(::umount2("/usr/bin/bwrap", MNT_DETACH), 0);
   ASSERT_THAT(processes, SizeIs(1));
   EXPECT_EQ(pidNamespaceOf(processes.front()), pidNamespaceOf(helper_.pid()));
+}
+
+// Longer than it takes to find that a script holds a web process up.
+TEST_F(WebViewLoad, WebProcessThatIsSlowToStartIsNotStartedAgain) {
+  std::filesystem::copy_file("/usr/bin/bwrap", "/tmp/bwrap",
+                             std::filesystem::copy_options::overwrite_existing);
+  helper_test::writeProgram("/tmp/slow bwrap",
+                            "case \"$*\" in *WebKitWebProcess*) echo >>/tmp/starts; sleep 8;; esac\n"
+                            "exec /tmp/bwrap \"$@\"\n");
+  std::filesystem::remove("/tmp/starts");
+  ASSERT_EQ(::mount("/tmp/slow bwrap", "/usr/bin/bwrap", nullptr, MS_BIND, nullptr), 0);
+  startWithScript("");
+  EXPECT_EQ(::umount2("/usr/bin/bwrap", MNT_DETACH), 0);
+  EXPECT_EQ(test_support::contentsOf("/tmp/starts"), "\n");
+  EXPECT_EQ(server_.timesOf("/page").size(), 1U);
 }
 
 TEST_F(WebViewLoad, PageIsLoadedAlsoWithoutARuntimeFolder) {

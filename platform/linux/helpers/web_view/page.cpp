@@ -74,11 +74,12 @@ void Page::requestOnceMore() {
 
 // Of two requests that come while the web process starts the engine now and then drops both, without a word.
 // And a page whose script never ends also holds up the page that is to replace it: a web process that answers
-// nothing from one beat to the next is ended, once for each address.
+// nothing from one beat to the next is ended, once for each address. One that has had no page yet is held up
+// by none, only slow to start.
 void Page::checkPulse() {
   if (requested_.empty()) return pulse_.reset();
   if (webkit_web_view_is_loading(view_.get()) == FALSE) return requestOnceMore();
-  if (!answered_ && mayStartOver_) return webkit_web_view_terminate_web_process(view_.get());
+  if (!answered_ && mayStartOver_ && hasLoaded_) return webkit_web_view_terminate_web_process(view_.get());
   constexpr auto answered = [](GObject*, GAsyncResult*, gpointer self) { pageOf(self).answered_ = true; };
   answered_ = false;
   webkit_web_view_evaluate_javascript(view_.get(), "0", -1, nullptr, nullptr, nullptr, answered, this);
@@ -115,7 +116,9 @@ void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
     page.started_ = true;
     page.resources_.clear();
   }
-  if (event == WEBKIT_LOAD_COMMITTED) page.requestAnswered();
+  if (event != WEBKIT_LOAD_COMMITTED) return;
+  page.hasLoaded_ = true;
+  page.requestAnswered();
 }
 
 // A load that makes room for the next one is cancelled; any other failure is the answer.
@@ -136,6 +139,7 @@ void Page::requestAnswered() {
 // What was asked of the dead process is asked once more, of a new one.
 void Page::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
   Page& page = pageOf(self);
+  page.hasLoaded_ = false;
   page.resources_.clear();
   if (!page.requested_.empty()) page.requestOnceMore();
   page.changed_();

@@ -37,8 +37,9 @@ class Page {
   static void processEnded(WebKitWebView* view, WebKitWebProcessTerminationReason reason, gpointer self);
 
   std::function<void()> changed_;
-  std::string requested_;  // until its page begins to come, or can't
-  bool started_ = false;   // a load has begun since it was requested
+  std::string requested_;   // until its page begins to come, or can't
+  bool hasLoaded_ = false;  // the web process has come as far as a page
+  bool started_ = false;    // a load has begun since it was requested
   bool mayStartOver_ = false;
   bool answered_ = false;
   EventSource pulse_;
