@@ -124,7 +124,7 @@ int UsageAccount::kept(const std::string& bytes, const Uploads& uploads) {
 
 std::string UsageAccount::damage(const Uploads& uploads) const {
   for (const std::string& file : filesThere()) {
-    if (const std::string damage = damageOf(file); !damage.empty()) return damage;
+    if (std::string damage = damageOf(file); !damage.empty()) return damage;
   }
   if (fs::exists(waiting.path) && contentsOf(waiting.path) != kWaiting) return "a past file has changed";
   const std::string identity = contentsOf(kIdentity), option = contentsOf(kOption);
@@ -161,7 +161,7 @@ std::string UsageAccount::unsent(const std::vector<PastFile>& files, const std::
                                  const Uploads& uploads, const AgentsWords& words) {
   int unexplained = 0;
   for (const PastFile& file : files) {
-    if (const std::string damage = damageOfUpload(file, uploads); !damage.empty()) return damage;
+    if (std::string damage = damageOfUpload(file, uploads); !damage.empty()) return damage;
     if (fs::exists(file.path) && !mayStay(file, uploads, call)) ++unexplained;
   }
   return unexplained <= words.failedUploads() ? "" : "a past file was not sent, or is there still";
