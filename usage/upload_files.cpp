@@ -40,7 +40,6 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
 }
 
 void removeSentFile(const SentFile& file) {
-  struct stat status {};
-  if (::lstat(file.path.c_str(), &status) != 0) return;
-  if (static_cast<std::size_t>(status.st_size) <= file.size) ::unlink(file.path.c_str());
+  const auto size = sizeOfFileAt(file.path);
+  if (size && *size <= file.size) ::unlink(file.path.c_str());
 }

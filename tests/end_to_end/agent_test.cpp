@@ -51,17 +51,6 @@ bool isStopped(pid_t process) {
   });
 }
 
-// The files of the days, the oldest first.
-std::vector<fs::path> usageFiles() {
-  std::vector<fs::path> files;
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator("/tmp/home/.local/share/Tovalin", none)) {
-    if (entry.path().extension() == ".dat") files.push_back(entry.path());
-  }
-  std::ranges::sort(files);
-  return files;
-}
-
 // The header ends with the first of the versions that stand behind the bundle's.
 std::string withoutHeader(const std::string& file) {
   const std::string end =
@@ -72,6 +61,16 @@ std::string withoutHeader(const std::string& file) {
 }
 
 }  // namespace
+
+std::vector<fs::path> usageFiles() {
+  std::vector<fs::path> files;
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator("/tmp/home/.local/share/Tovalin", none)) {
+    if (entry.path().extension() == ".dat") files.push_back(entry.path());
+  }
+  std::ranges::sort(files);
+  return files;
+}
 
 void AgentTest::SetUp() {
   fs::remove_all("/tmp/home/.local");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -121,6 +122,9 @@ class InstalledAgentTest : public AgentTest {
     if (!HasFatalFailure()) install("/tmp/Applications/Tovalin.app");
   }
 };
+
+// The usage files, the oldest day's first; none where there is no folder for them yet.
+[[nodiscard]] std::vector<std::filesystem::path> usageFiles();
 
 inline constexpr const char* unloadRun =
     "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";

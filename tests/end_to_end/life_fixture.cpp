@@ -19,15 +19,6 @@ using test_support::waitUntil;
 const std::string kFolder = "/tmp/home/.local/share/Tovalin";
 constexpr const char* kDesktop = "/tmp/home/Desktop";
 
-std::vector<fs::path> usageFiles() {
-  std::vector<fs::path> files;
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(kFolder, none)) {
-    if (entry.path().extension() == ".dat") files.push_back(entry.path());
-  }
-  return files;
-}
-
 std::string fileNameOf(std::chrono::sys_days day) {
   const std::time_t seconds = std::chrono::system_clock::to_time_t(day);
   std::tm parts{};

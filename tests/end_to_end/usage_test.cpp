@@ -61,12 +61,6 @@ class Usage : public AgentTest {
     ::localtime_r(&now, &local);
     return local.tm_yday;
   }
-  static int dayFiles() {
-    int found = 0;
-    for (const auto& entry : fs::directory_iterator(folder))
-      found += entry.path().extension() == ".dat" ? 1 : 0;
-    return found;
-  }
 
   ProductServerDouble server_;
   ProductServerDouble testServer_;
@@ -101,7 +95,7 @@ TEST_F(Usage, SecondLaunchOfADayAddsToItsFile) {
     launchTwice();
     ASSERT_FALSE(HasFatalFailure());
   }
-  EXPECT_EQ(dayFiles(), 1);
+  EXPECT_EQ(static_cast<int>(usageFiles().size()), 1);
   EXPECT_EQ(recordsLike("TVLD"), 1);
   EXPECT_EQ(recordsLike(startRecord), 2);
   EXPECT_EQ(recordsLike(quitRecord), 2);

@@ -45,10 +45,8 @@ int occurrences(const std::string& text, const std::string& bytes) {
 // The usage files, without the one that waits.
 std::vector<std::string> filesThere() {
   std::vector<std::string> contents;
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(kFolder, none)) {
-    if (entry.path().extension() == ".dat" && entry.path() != UsageAccount::waiting.path)
-      contents.push_back(contentsOf(entry.path()));
+  for (const fs::path& file : usageFiles()) {
+    if (file != UsageAccount::waiting.path) contents.push_back(contentsOf(file));
   }
   return contents;
 }
