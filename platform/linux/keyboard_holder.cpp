@@ -6,9 +6,6 @@
 #include <array>
 #include <optional>
 
-#include <QGuiApplication>
-#include <QWindow>
-
 #include "platform/linux/x_requests.h"
 
 namespace platform {
@@ -22,10 +19,16 @@ std::optional<std::uint32_t> numberIn(xcb_window_t window, xcb_atom_t property, 
   return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
 }
 
+// By the range of numbers that the server gave this program, so a window that is already gone, too.
 bool isOfThisProgram(xcb_window_t window) {
-  const auto own = QGuiApplication::topLevelWindows();
-  return std::ranges::any_of(
-      own, [window](const QWindow* each) { return each->handle() != nullptr && each->winId() == window; });
+  const xcb_setup_t* setup = xcb_get_setup(xConnection());
+  return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+bool isThere(xcb_window_t window) {
+  const auto cookie = xcb_get_window_attributes(xConnection(), window);
+  using Reply = xcb_get_window_attributes_reply_t;
+  return XReply<Reply>(xcb_get_window_attributes_reply(xConnection(), cookie, nullptr)) != nullptr;
 }
 
 bool holdsInPassing(xcb_window_t window) {
@@ -50,7 +53,7 @@ KeyboardHolder keyboardHolder() {
   if (!holder) return KeyboardHolder::Unknown;
   if (*holder == XCB_WINDOW_NONE) return KeyboardHolder::Nobody;
   if (isOfThisProgram(*holder)) return KeyboardHolder::ThisProgram;
-  return holdsInPassing(*holder) ? KeyboardHolder::Nobody : KeyboardHolder::OtherProgram;
+  return isThere(*holder) && !holdsInPassing(*holder) ? KeyboardHolder::OtherProgram : KeyboardHolder::Nobody;
 }
 
 }  // namespace platform

@@ -120,6 +120,10 @@ class SupportTest : public NoticeTest {
   [[nodiscard]] bool windowGoes() const {
     return test_support::waitForNoWindow(display_.name(), isSupportWindow);
   }
+  // For longer than the agent waits for the keyboard to be handed on before it hides the window.
+  [[nodiscard]] bool windowStays() const {
+    return !test_support::waitForNoWindow(display_.name(), isSupportWindow, std::chrono::milliseconds(500));
+  }
   void closeWindow() {
     test_support::requestClose(display_.name(), window_.id);
     ASSERT_TRUE(windowGoes());

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <sstream>
 
@@ -184,6 +185,19 @@ TEST_F(SupportMeets, ANoticesEndLeavesTheHiddenWindowHidden) {
   serveAll();
   EXPECT_EQ(supportWindows(), 0);
   choose();
+  waitForSupportWindow();
+  expectFaqServes();
+  expectClosesForGood();
+}
+
+TEST_F(SupportMeets, ANoticesEndThatTheWindowManagerIsSlowToTellOfLeavesTheWindowThere) {
+  launchAndOpen();
+  show("-non", isAccessNotice);
+  display_.windowManager().signal(SIGSTOP);
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+  EXPECT_TRUE(windowStays());
+  display_.windowManager().signal(SIGCONT);
   waitForSupportWindow();
   expectFaqServes();
   expectClosesForGood();

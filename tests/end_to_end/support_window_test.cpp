@@ -1,12 +1,15 @@
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <fstream>
 
 #include "tests/end_to_end/support_fixture.h"
 #include "tests/support/file_contents.h"
+#include "tests/support/x_connection.h"
 
 namespace {
 
+using namespace std::chrono_literals;
 using test_support::waitUntil;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -130,6 +133,37 @@ TEST_F(SupportWindow, GoesWhileAnotherProgramIsInFrontAndComesBackByTheMenu) {
   EXPECT_TRUE(waitForClickBeacon("support"));
   EXPECT_THAT(takeFetches(), ElementsAre(versionFile, bannerListFile));
   closeWindow();
+}
+
+TEST_F(SupportWindow, ComesThoughTheWindowManagerHasYetToTellOfTheEndOfTheOneBefore) {
+  launchAndOpen();
+  display_.windowManager().signal(SIGSTOP);
+  press("Escape");
+  ASSERT_TRUE(windowGoes());
+  static_cast<void>(takeFetches());
+  choose();
+  ASSERT_TRUE(waitUntil([&] { return server_->requests().back().target.ends_with("red.ppm"); }));
+  // It is not mapped before the window manager goes on.
+  EXPECT_FALSE(waitUntil([&] { return supportWindows() > 0; }, 500ms));
+  display_.windowManager().signal(SIGCONT);
+  waitForSupportWindow();
+  closeWindow();
+}
+
+TEST_F(SupportWindow, StaysWhileTheKeyboardsHolderIsAWindowThatHasJustGone) {
+  launchAndOpen();
+  display_.windowManager().signal(SIGSTOP);
+  const test_support::XConnection x(display_.name());
+  const xcb_window_t gone = xcb_generate_id(x.get());
+  xcb_change_property(x.get(), XCB_PROP_MODE_REPLACE, x.root(), x.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW,
+                      32, 1, &gone);
+  xcb_set_input_focus(x.get(), XCB_INPUT_FOCUS_NONE, XCB_INPUT_FOCUS_NONE, XCB_CURRENT_TIME);
+  x.synchronize();
+  EXPECT_TRUE(windowStays());
+  display_.windowManager().signal(SIGCONT);
+  waitForSupportWindow();
+  turnToAnotherProgram();
+  EXPECT_TRUE(windowGoes());
 }
 
 TEST_F(SupportWindow, GoesWithItsSheetAndBothComeBackByTheMenu) {
