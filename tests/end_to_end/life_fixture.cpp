@@ -129,7 +129,7 @@ void LifeTest::play(const Act& act) {
   ++acts_[act.name];
   (this->*act.play)();
   if (HasFatalFailure()) {
-    ADD_FAILURE() << "the act failed" << agentsState();
+    ADD_FAILURE() << "the act failed" << windowsState() << agentsState();
     return;
   }
   waitUntilIdle();
@@ -348,6 +348,18 @@ std::string LifeTest::agentsState() {
   // What waits in the queues shows who does not read or write.
   state += "connections:\n" + contentsOf(tasks.parent_path() / "net/tcp");
   return state + "server " + serverOption() + ", the agent's last words:\n" + agent_.takeErrorOutput();
+}
+
+std::string LifeTest::windowsState() const {
+  std::string state = "\nthe windows on the screen:\n";
+  for (const auto& window : test_support::windowsOn(display_.name())) {
+    const bool active = test_support::activeWindowOn(display_.name()) == window.id;
+    state += window.name + ", " + window.className + (active ? ", active" : "") +
+             (window.managed ? "" : ", unmanaged");
+    for (const std::string& each : window.states) state += ", " + each;
+    state += "\n";
+  }
+  return state;
 }
 
 RecordCounts LifeTest::recordsLeft() {

@@ -80,6 +80,8 @@ class LifeTest : public SupportTest {
   void waitUntilIdle();
   // What is to be known of an agent that does not answer.
   [[nodiscard]] std::string agentsState();
+  // Which of them is above which, and has the keyboard.
+  [[nodiscard]] std::string windowsState() const;
   [[nodiscard]] static std::string serverOption();
   [[nodiscard]] unsigned below(unsigned end) { return static_cast<unsigned>(random_()) % end; }
 
