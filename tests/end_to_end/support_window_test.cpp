@@ -9,7 +9,6 @@
 
 namespace {
 
-using namespace std::chrono_literals;
 using test_support::waitUntil;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -132,21 +131,6 @@ TEST_F(SupportWindow, GoesWhileAnotherProgramIsInFrontAndComesBackByTheMenu) {
   waitForSupportWindow();
   EXPECT_TRUE(waitForClickBeacon("support"));
   EXPECT_THAT(takeFetches(), ElementsAre(versionFile, bannerListFile));
-  closeWindow();
-}
-
-TEST_F(SupportWindow, ComesThoughTheWindowManagerHasYetToTellOfTheEndOfTheOneBefore) {
-  launchAndOpen();
-  display_.windowManager().signal(SIGSTOP);
-  press("Escape");
-  ASSERT_TRUE(windowGoes());
-  static_cast<void>(takeFetches());
-  choose();
-  ASSERT_TRUE(waitUntil([&] { return server_->requests().back().target.ends_with("red.ppm"); }));
-  // It is not mapped before the window manager goes on.
-  EXPECT_FALSE(waitUntil([&] { return supportWindows() > 0; }, 500ms));
-  display_.windowManager().signal(SIGCONT);
-  waitForSupportWindow();
   closeWindow();
 }
 
