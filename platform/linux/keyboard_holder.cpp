@@ -25,10 +25,11 @@ bool isOfThisProgram(xcb_window_t window) {
   return (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
-bool isThere(xcb_window_t window) {
+bool isOnScreen(xcb_window_t window) {
   const auto cookie = xcb_get_window_attributes(xConnection(), window);
   using Reply = xcb_get_window_attributes_reply_t;
-  return XReply<Reply>(xcb_get_window_attributes_reply(xConnection(), cookie, nullptr)) != nullptr;
+  const XReply<Reply> reply(xcb_get_window_attributes_reply(xConnection(), cookie, nullptr));
+  return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 bool holdsInPassing(xcb_window_t window) {
@@ -53,7 +54,9 @@ KeyboardHolder keyboardHolder() {
   if (!holder) return KeyboardHolder::Unknown;
   if (*holder == XCB_WINDOW_NONE) return KeyboardHolder::Nobody;
   if (isOfThisProgram(*holder)) return KeyboardHolder::ThisProgram;
-  return isThere(*holder) && !holdsInPassing(*holder) ? KeyboardHolder::OtherProgram : KeyboardHolder::Nobody;
+  // In this order: a menu that goes between the two questions is no longer on the screen.
+  const bool isPrograms = !holdsInPassing(*holder) && isOnScreen(*holder);
+  return isPrograms ? KeyboardHolder::OtherProgram : KeyboardHolder::Nobody;
 }
 
 }  // namespace platform

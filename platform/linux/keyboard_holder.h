@@ -4,9 +4,9 @@
 
 namespace platform {
 
-// Whose window the desktop's keyboard belongs to. Nobody's: none has it, or one that has just gone and after
-// which the window manager has yet to name the next, or a panel's, a menu's or the like, which hold it only
-// in passing. Unknown where the window manager doesn't tell.
+// Whose window the desktop's keyboard belongs to. Nobody's: none has it, or one that has just left the screen
+// and after which the window manager has yet to name the next, or a panel's, a menu's or the like, which hold
+// it only in passing. Unknown where the window manager doesn't tell.
 enum class KeyboardHolder { ThisProgram, OtherProgram, Nobody, Unknown };
 
 // Asks the display; some round trips to the server. Main thread.

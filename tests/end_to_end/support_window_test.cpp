@@ -134,14 +134,22 @@ TEST_F(SupportWindow, GoesWhileAnotherProgramIsInFrontAndComesBackByTheMenu) {
   closeWindow();
 }
 
-TEST_F(SupportWindow, StaysWhileTheKeyboardsHolderIsAWindowThatHasJustGone) {
+TEST_F(SupportWindow, StaysWhileTheKeyboardsHolderIsAnothersWindowThatHasJustGone) {
   launchAndOpen();
   display_.windowManager().signal(SIGSTOP);
   const test_support::XConnection x(display_.name());
   const xcb_window_t gone = xcb_generate_id(x.get());
+  xcb_create_window(x.get(), XCB_COPY_FROM_PARENT, gone, x.root(), 0, 0, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
   xcb_change_property(x.get(), XCB_PROP_MODE_REPLACE, x.root(), x.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW,
                       32, 1, &gone);
   xcb_set_input_focus(x.get(), XCB_INPUT_FOCUS_NONE, XCB_INPUT_FOCUS_NONE, XCB_CURRENT_TIME);
+  x.synchronize();
+  EXPECT_TRUE(windowStays());
+  xcb_destroy_window(x.get(), gone);
+  // The window manager would name another, and be looked at again.
+  xcb_change_property(x.get(), XCB_PROP_MODE_REPLACE, x.root(), x.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW,
+                      32, 1, &gone);
   x.synchronize();
   EXPECT_TRUE(windowStays());
   display_.windowManager().signal(SIGCONT);
