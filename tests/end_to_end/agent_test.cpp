@@ -244,23 +244,23 @@ int AgentTest::recordsLike(const std::string& bytes) {
   return found;
 }
 
-long AgentTest::ownMemoryInKilobytes() const {
-  std::ifstream file("/proc/" + std::to_string(agent_.pid()) + "/smaps_rollup");
+long AgentTest::ownMemoryInKilobytes(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
   long kilobytes = 0;
   for (std::string line; std::getline(file, line);) {
     if (line.starts_with("Pss_Anon:") || line.starts_with("Pss_Shmem:"))
       kilobytes += std::stol(line.substr(line.find(':') + 1));
   }
-  EXPECT_GT(kilobytes, 0) << "the agent's memory can't be read";
+  EXPECT_GT(kilobytes, 0) << "the memory of " << process << " can't be read";
   return kilobytes;
 }
 
 // The main thread may still be behind what was asked of it, with windows up; then the size moves.
 long AgentTest::settledMemory() const {
-  long before = -1, now = ownMemoryInKilobytes();
+  long before = -1, now = ownMemoryInKilobytes(agent_.pid());
   for (int i = 0; i < 100 && now != before; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    before = std::exchange(now, ownMemoryInKilobytes());
+    before = std::exchange(now, ownMemoryInKilobytes(agent_.pid()));
   }
   return now;
 }

@@ -88,10 +88,10 @@ class AgentTest : public testing::Test {
   [[nodiscard]] static std::string recordedUsage();
   [[nodiscard]] static int recordsLike(const std::string& bytes);
 
-  // What the running agent has written in memory, its share of what others map too.
-  [[nodiscard]] long ownMemoryInKilobytes() const;
-  // ... with all the pictures that `showAll` takes. The toolkit drops one of the pictures that it keeps every
-  // half a minute, which would pass for a gain, and the next window reads it again.
+  // What a running program has written in memory, its share of what others map too.
+  [[nodiscard]] static long ownMemoryInKilobytes(pid_t process);
+  // The agent's, with all the pictures that `showAll` takes. The toolkit drops one of the pictures that it
+  // keeps every half a minute, which would pass for a gain, and the next window reads it again.
   [[nodiscard]] long memoryWithAllPictures(const std::function<void()>& showAll) const;
   // How many descriptors it has open.
   [[nodiscard]] long descriptors() const;

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 
 #include "tests/end_to_end/pipe_away.h"
 #include "tests/end_to_end/support_log_fixture.h"
@@ -42,6 +44,8 @@ void LifeTest::SetUp() {
   SupportTest::SetUp();
   if (HasFatalFailure()) return;
   ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
+  // A second Escape would close the window behind the sheet.
+  ASSERT_TRUE(test_support::stopKeyRepeat(display_.name()));
   ASSERT_TRUE(portal_.start(bus_, "2"));
   placeScript("journalctl", std::string("echo '") + systemEntry + "'");
   setServers(server_->origin(), uploads_.testServer());
@@ -224,8 +228,8 @@ void LifeTest::useSwitchWithoutPipe() {
 }
 
 void LifeTest::lookAtSupport() {
-  openWindow();
-  if (!HasFatalFailure()) closeWindow();
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  closeWindow();
 }
 
 void LifeTest::lookAtSupportOffline() {
@@ -236,7 +240,7 @@ void LifeTest::lookAtSupportOffline() {
 }
 
 void LifeTest::openSheet() {
-  openWindow();
+  ASSERT_NO_FATAL_FAILURE(openWindow());
   clickAt(logMiddle);
   ASSERT_TRUE(sheetIsUp());
   press("Escape");
@@ -245,8 +249,8 @@ void LifeTest::openSheet() {
 }
 
 void LifeTest::collectLogs() {
-  openWindow();
-  collect();
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  ASSERT_NO_FATAL_FAILURE(collect());
   press("Escape");
   ASSERT_TRUE(sheetIsGone());
   closeWindow();
@@ -257,7 +261,7 @@ void LifeTest::collectLogs() {
 
 // The button is there unless the version could not be had in the agent's short seconds.
 void LifeTest::update() {
-  openWindow();
+  ASSERT_NO_FATAL_FAILURE(openWindow());
   clickAt(updateMiddle);
   if (timeline_.waitFor("run: open /tmp/tovalinupdate.app", 5s)) {
     ++updates_;
@@ -268,8 +272,8 @@ void LifeTest::update() {
 }
 
 void LifeTest::showNoticeOverSupport() {
-  openWindow();
-  showAccessNotice();
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  ASSERT_NO_FATAL_FAILURE(showAccessNotice());
   closeWindow();
 }
 
@@ -277,7 +281,7 @@ void LifeTest::showNoticeOverSupport() {
 void LifeTest::openSupportOverNotice() {
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
-  openWindow();
+  ASSERT_NO_FATAL_FAILURE(openWindow());
   send("-noff");
   ASSERT_TRUE(hides(isAccessNotice));
   closeWindow();
@@ -323,7 +327,8 @@ void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
       << testing::PrintToString(uploads_.complaints(pastFiles()));
 }
 
-// The main thread answers, so it has done all that it was asked before. It may be among uploads.
+// The main thread answers, so it has done all that it was asked before, but for what the menu's last line
+// begins. It may be among uploads.
 void LifeTest::waitUntilIdle() {
   const auto answer = host_.ask("properties", 60s);
   ASSERT_TRUE(answer.ok) << answer.text << ", after " << uploads_.arrived() << " uploads" << agentsState();
@@ -350,16 +355,10 @@ std::string LifeTest::agentsState() {
   return state + "server " + serverOption() + ", the agent's last words:\n" + agent_.takeErrorOutput();
 }
 
-std::string LifeTest::windowsState() const {
-  std::string state = "\nthe windows on the screen:\n";
-  for (const auto& window : test_support::windowsOn(display_.name())) {
-    const bool active = test_support::activeWindowOn(display_.name()) == window.id;
-    state += window.name + ", " + window.className + (active ? ", active" : "") +
-             (window.managed ? "" : ", unmanaged");
-    for (const std::string& each : window.states) state += ", " + each;
-    state += "\n";
-  }
-  return state;
+std::string LifeTest::windowsState() {
+  return "\nthe windows, hidden ones too:\n" + runOnDisplay({"xwininfo", "-root", "-tree"}) +
+         runOnDisplay({"xprop", "-root", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST_STACKING"}) +
+         "the keyboard goes to " + runOnDisplay({"xdotool", "getwindowfocus"});
 }
 
 RecordCounts LifeTest::recordsLeft() {
@@ -380,4 +379,13 @@ std::set<std::string> LifeTest::pastFiles() const {
 long LifeTest::threads() const {
   const fs::directory_iterator all("/proc/" + std::to_string(agent_.pid()) + "/task");
   return std::distance(begin(all), end(all));
+}
+
+long LifeTest::children() const {
+  long all = 0;
+  for (const auto& task : fs::directory_iterator("/proc/" + std::to_string(agent_.pid()) + "/task")) {
+    std::istringstream numbers(contentsOf(task.path() / "children"));
+    all += std::distance(std::istream_iterator<long>(numbers), {});
+  }
+  return all;
 }

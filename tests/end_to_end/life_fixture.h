@@ -43,6 +43,9 @@ class LifeTest : public SupportTest {
   [[nodiscard]] std::set<std::string> pastFiles() const;
 
   [[nodiscard]] long threads() const;
+  // Those whose end nobody has waited for, too.
+  [[nodiscard]] long children() const;
+  [[nodiscard]] long displaysMemory() { return ownMemoryInKilobytes(display_.server().pid()); }
 
  private:
   struct Act {
@@ -81,7 +84,7 @@ class LifeTest : public SupportTest {
   // What is to be known of an agent that does not answer.
   [[nodiscard]] std::string agentsState();
   // Which of them is above which, and has the keyboard.
-  [[nodiscard]] std::string windowsState() const;
+  [[nodiscard]] std::string windowsState();
   [[nodiscard]] static std::string serverOption();
   [[nodiscard]] unsigned below(unsigned end) { return static_cast<unsigned>(random_()) % end; }
 

@@ -29,6 +29,14 @@ struct RecordName {
   std::string operator()(const auto&) const { return {}; }
 };
 
+// Transfers have none.
+struct RecordTime {
+  std::string_view operator()(const tools::Start& start) const { return start.time; }
+  std::string_view operator()(const tools::End& end) const { return end.time; }
+  std::string_view operator()(const tools::DeviceEvent& event) const { return event.time; }
+  std::string_view operator()(const auto&) const { return {}; }
+};
+
 void put(std::string& message, std::size_t offset, std::uint64_t value, std::size_t bytes) {
   for (std::size_t i = 0; i < bytes; ++i) message[offset + i] = static_cast<char>(value >> 8 * i);
 }
@@ -44,11 +52,16 @@ std::string messageOf(std::size_t length, std::uint32_t dataCommand) {
 
 bool countRecords(std::string_view file, RecordCounts& counts) {
   tools::RecordReader reader(file);
+  std::string_view day;
+  bool isOneDays = true;
   while (const auto item = reader.next()) {
+    if (const auto* header = std::get_if<tools::Day>(&item->content)) day = header->date;
+    const std::string_view time = std::visit(RecordTime{}, item->content);
+    isOneDays = isOneDays && (time.empty() || time.starts_with(day));
     const std::string name = std::visit(RecordName{}, item->content);
     if (!name.empty()) ++counts[name];
   }
-  return !reader.damage();
+  return !reader.damage() && isOneDays;
 }
 
 std::string differenceOf(const RecordCounts& written, const RecordCounts& found) {

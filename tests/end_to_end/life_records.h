@@ -12,7 +12,7 @@
 // "device 3 NAME", "transfer 1 SIZE NAME".
 using RecordCounts = std::map<std::string, long>;
 
-// Adds the records of a usage file. False when it is damaged.
+// Adds the records of a usage file. False when it is damaged, or holds a record of another day.
 [[nodiscard]] bool countRecords(std::string_view file, RecordCounts& counts);
 
 // Those that are not in both so often, one a line.

@@ -20,6 +20,8 @@ struct Measure {
   long memory = 0;  // in kilobytes
   long descriptors = 0;
   long threads = 0;
+  long children = 0;
+  long display = 0;  // the memory of the display's server, in kilobytes
 };
 
 // What is open for a moment only passes.
@@ -66,9 +68,12 @@ class LifeSoak : public LifeTest {
     const long memory = memoryWithAllPictures([this] { showEverything(); });
     measures_.push_back({.memory = memory,
                          .descriptors = leastOf([this] { return descriptors(); }),
-                         .threads = leastOf([this] { return threads(); })});
-    std::printf("%6ld kB %4ld descriptors %4ld threads\n", measures_.back().memory,
-                measures_.back().descriptors, measures_.back().threads);
+                         .threads = leastOf([this] { return threads(); }),
+                         .children = leastOf([this] { return children(); }),
+                         .display = displaysMemory()});
+    const Measure& now = measures_.back();
+    std::printf("%6ld kB %4ld descriptors %4ld threads %4ld children %6ld kB of the display\n", now.memory,
+                now.descriptors, now.threads, now.children, now.display);
     std::fflush(stdout);
   }
 
@@ -88,6 +93,9 @@ class LifeSoak : public LifeTest {
     EXPECT_LE(std::labs(last.memory - first.memory), 2048);
     EXPECT_EQ(last.descriptors, first.descriptors);
     EXPECT_EQ(last.threads, first.threads);
+    // The web view's helper ends by itself when it had nothing to do.
+    EXPECT_LE(last.children, 1);
+    EXPECT_LE(last.display - first.display, 4096);
     const std::span<const Measure> all = measures_;
     const auto half = all.size() / 2;
     EXPECT_LE(meanMemory(all.subspan(half)) - meanMemory(all.first(half)), 1024);

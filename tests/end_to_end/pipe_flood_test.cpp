@@ -121,17 +121,17 @@ class PipeFlood : public HostilePipes {
   // Returns how many messages the pipe took.
   int floodAndAsk(const std::vector<std::string>& messages, const std::string& behind,
                   bool (*notice)(const test_support::XWindow&)) {
-    const long memory = ownMemoryInKilobytes();
+    const long memory = ownMemoryInKilobytes(agent_.pid());
     long most = 0;
     Flood flood(messages);
     EXPECT_TRUE(comes([&] {
-      most = std::max(most, ownMemoryInKilobytes());
+      most = std::max(most, ownMemoryInKilobytes(agent_.pid()));
       return flood.hasLasted(4s);
     }));
     flood.end();
     writeInFlood(behind);
     EXPECT_TRUE(comes([&] { return isUp(notice); })) << "after " << flood.sent() << " messages";
-    EXPECT_LE(std::max(most, ownMemoryInKilobytes()) - memory, kMostGrowthWithNotices)
+    EXPECT_LE(std::max(most, ownMemoryInKilobytes(agent_.pid())) - memory, kMostGrowthWithNotices)
         << "after " << flood.sent() << " messages";
     RecordProperty("messages", flood.sent());
     return flood.sent();
@@ -142,7 +142,7 @@ TEST_F(PipeFlood, OfCommandsThatMeanNothingCostsNoMemoryAndNoticesAndMenuServeOn
   constexpr int messages = 100'000;
   startAndListen();
   showAndHide("-non", "-noff", isAccessNotice);
-  const long memory = ownMemoryInKilobytes();
+  const long memory = ownMemoryInKilobytes(agent_.pid());
 
   Flood flood({"no such command"});
   ASSERT_TRUE(comes([&] { return flood.sent() > messages / 10; }));
@@ -157,7 +157,7 @@ TEST_F(PipeFlood, OfCommandsThatMeanNothingCostsNoMemoryAndNoticesAndMenuServeOn
 
   writeInFlood("-non");
   EXPECT_TRUE(comes([&] { return isUp(isAccessNotice); }));
-  EXPECT_LE(ownMemoryInKilobytes() - memory, kMostGrowth);
+  EXPECT_LE(ownMemoryInKilobytes(agent_.pid()) - memory, kMostGrowth);
   expectAProperEnd();
 }
 

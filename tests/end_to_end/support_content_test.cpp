@@ -148,12 +148,12 @@ TEST_F(SupportContent, ABannerThatIsNoPictureGivesNoBanner) {
 TEST_F(SupportContent, APictureThatIsABombGivesNoBannerAndTakesNoMemory) {
   launchAndOpen();
   closeWindow();
-  const long memory = ownMemoryInKilobytes();
+  const long memory = ownMemoryInKilobytes(agent_.pid());
   // A gigabyte of black.
   server_->put(bannerFolder + std::string("red.ppm"), "P5\n32768 32768\n255\n" + std::string(1 << 20, '\0'));
   openWindow();
   expectNoBanner();
-  EXPECT_LT(ownMemoryInKilobytes(), memory + 16384);
+  EXPECT_LT(ownMemoryInKilobytes(agent_.pid()), memory + 16384);
 }
 
 TEST_F(SupportContent, ABannersNameWithABlankGivesNoBannerAndNoFetch) {

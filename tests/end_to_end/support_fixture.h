@@ -94,7 +94,7 @@ class SupportTest : public NoticeTest {
 
   // Chooses the window in the menu and waits until it stands there with the keyboard.
   void openWindow() {
-    choose();
+    ASSERT_NO_FATAL_FAILURE(choose());
     waitForSupportWindow();
   }
   void waitForSupportWindow() {

@@ -89,7 +89,7 @@ void TrayItem::callAndTell(const QDBusMessage& message, const QString& name) {
 }
 
 void TrayItem::call(const QDBusMessage& message, const UseReply& use) {
-  auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
+  auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, kNoTimeout), this);
   connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, use] {
     const QDBusPendingCall done = *watcher;
     watcher->deleteLater();
