@@ -23,8 +23,8 @@ using test_support::waitUntil;
 // In kilobytes; the address sanitizer keeps freed memory, up to a quarter of a gigabyte, and the thread
 // sanitizer books of each thread's past.
 constexpr long mostGrowth(long usual) {
-  if (test_support::isAddressSanitized) return 300 * 1024;
-  return test_support::isThreadSanitized ? usual + 32 * 1024 : usual;
+  if (test_support::isAddressSanitized) return 300L * 1024;
+  return test_support::isThreadSanitized ? usual + 32L * 1024 : usual;
 }
 constexpr long kMostGrowth = mostGrowth(1024);
 constexpr long kMostGrowthWithNotices = mostGrowth(4096);
