@@ -311,7 +311,7 @@ std::string FaultTest::judgeEndOfLife() {
 }
 
 std::string FaultTest::judgeUsage(int ends) {
-  const std::string missing = usage_.missingRecords(starts(), ends, hasPipe_, uploads(), words());
+  std::string missing = usage_.missingRecords(starts(), ends, hasPipe_, uploads(), words());
   if (!missing.empty()) return missing;
   // The thread that could not be had was that of the launch's upload, when the listener has its own.
   if (hasPipe_ && words().tellOf("] no thread: ")) return {};
