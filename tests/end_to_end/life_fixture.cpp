@@ -133,7 +133,7 @@ void LifeTest::play(const Act& act) {
   ++acts_[act.name];
   (this->*act.play)();
   if (HasFatalFailure()) {
-    ADD_FAILURE() << "the act failed" << windowsState() << agentsState();
+    ADD_FAILURE() << "the act failed" << agentsState() << windowsState();
     return;
   }
   waitUntilIdle();
@@ -179,7 +179,7 @@ void LifeTest::showLoadingNotice() {
 void LifeTest::showBothNotices() {
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
-  showLoadingNotice();
+  ASSERT_NO_FATAL_FAILURE(showLoadingNotice());
   send("-noff");
   ASSERT_TRUE(hides(isAccessNotice));
 }
@@ -203,14 +203,14 @@ void LifeTest::showTwice() {
 }
 
 void LifeTest::flipSwitch() {
-  choose(automount_ ? "Automount Off" : "Automount On");
+  ASSERT_NO_FATAL_FAILURE(choose(automount_ ? "Automount Off" : "Automount On"));
   automount_ = !automount_;
   const char* const next = automount_ ? "Automount Off" : "Automount On";
   ASSERT_TRUE(waitUntil([&] { return host_.menu().front().label == next; }));
 }
 
 void LifeTest::useSwitch() {
-  flipSwitch();
+  ASSERT_NO_FATAL_FAILURE(flipSwitch());
   ASSERT_TRUE(waitForText(automount_ ? "pipe: -m" : "pipe: -u"));
 }
 
@@ -265,7 +265,7 @@ void LifeTest::update() {
   clickAt(updateMiddle);
   if (timeline_.waitFor("run: open /tmp/tovalinupdate.app", 5s)) {
     ++updates_;
-    choose();
+    ASSERT_NO_FATAL_FAILURE(choose());
     waitUntilIdle();
   }
   closeWindow();
@@ -364,7 +364,8 @@ std::string LifeTest::windowsState() {
 RecordCounts LifeTest::recordsLeft() {
   RecordCounts counts;
   for (const fs::path& file : usageFiles())
-    EXPECT_TRUE(countRecords(contentsOf(file), counts)) << file << " is damaged";
+    EXPECT_TRUE(countRecords(contentsOf(file), counts))
+        << file << " is damaged or holds another day's record";
   return counts;
 }
 

@@ -97,7 +97,8 @@ void LifeUploads::enter(const std::string& file, bool taken) {
   }
   failed_.erase(file);
   if (!days_.insert(dayOf(file)).second) complaints_.push_back(dayOf(file) + " was taken twice");
-  if (!countRecords(file, records_)) complaints_.push_back(dayOf(file) + " came damaged");
+  if (!countRecords(file, records_))
+    complaints_.push_back(dayOf(file) + " came damaged or with another day's record");
 }
 
 std::size_t LifeUploads::arrived() const {

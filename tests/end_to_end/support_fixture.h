@@ -172,7 +172,7 @@ class SupportTest : public NoticeTest {
   // Returns when the second sheet is up. A key that is held down while the agent collects might answer that
   // one too, a click does not.
   void collect() {
-    openFirstSheet();
+    ASSERT_NO_FATAL_FAILURE(openFirstSheet());
     const auto question = messageOfSheet();
     clickAt(sheetsDefault);
     waitForSheetAfter(question);
