@@ -236,7 +236,7 @@ TEST_F(Records, MessageFullOfOnesIsReadWithinItsBounds) {
   Message message(0);
   message.fill(7, '\xff').putInteger(10, 0).putInteger(14, 30);
   TvlGetCollectData(message);
-  EXPECT_EQ(contentsOf(kToday).size(), kHeader.size() + 30 * (11 + 9));
+  EXPECT_EQ(contentsOf(kToday).size(), kHeader.size() + 30UL * (11 + 9));
 }
 
 TEST_F(Records, AreSplitAtMidnightOfTheYearsEnd) {
