@@ -4,27 +4,14 @@
 #include <fstream>
 #include <string>
 
+#include "tests/support/process_children.h"
+
 namespace bench {
-namespace {
-
-// The children that each of the process's threads has made.
-std::vector<pid_t> childrenOf(pid_t parent) {
-  std::vector<pid_t> children;
-  std::error_code gone;
-  for (const auto& thread :
-       std::filesystem::directory_iterator("/proc/" + std::to_string(parent) + "/task", gone)) {
-    std::ifstream list(thread.path() / "children");
-    for (pid_t child = 0; list >> child;) children.push_back(child);
-  }
-  return children;
-}
-
-}  // namespace
 
 std::vector<pid_t> processTree(pid_t root) {
   std::vector<pid_t> tree{root};
   for (std::size_t i = 0; i < tree.size(); ++i) {
-    const std::vector<pid_t> children = childrenOf(tree[i]);
+    const std::vector<pid_t> children = test_support::childrenOf(tree[i]);
     tree.insert(tree.end(), children.begin(), children.end());
   }
   return tree;

@@ -3,8 +3,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
-#include <iterator>
-#include <sstream>
 
 #include "tests/end_to_end/pipe_away.h"
 #include "tests/end_to_end/support_log_fixture.h"
@@ -380,13 +378,4 @@ std::set<std::string> LifeTest::pastFiles() const {
 long LifeTest::threads() const {
   const fs::directory_iterator all("/proc/" + std::to_string(agent_.pid()) + "/task");
   return std::distance(begin(all), end(all));
-}
-
-long LifeTest::children() const {
-  long all = 0;
-  for (const auto& task : fs::directory_iterator("/proc/" + std::to_string(agent_.pid()) + "/task")) {
-    std::istringstream numbers(contentsOf(task.path() / "children"));
-    all += std::distance(std::istream_iterator<long>(numbers), {});
-  }
-  return all;
 }

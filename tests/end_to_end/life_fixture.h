@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <random>
 #include <set>
@@ -12,6 +13,7 @@
 #include "tests/end_to_end/life_records.h"
 #include "tests/end_to_end/life_uploads.h"
 #include "tests/end_to_end/support_fixture.h"
+#include "tests/support/process_children.h"
 
 // Leads the real agent through all that a life has, in an order that comes from a seed. Each act ends when
 // the agent is done with it.
@@ -43,8 +45,7 @@ class LifeTest : public SupportTest {
   [[nodiscard]] std::set<std::string> pastFiles() const;
 
   [[nodiscard]] long threads() const;
-  // Those whose end nobody has waited for, too.
-  [[nodiscard]] long children() const;
+  [[nodiscard]] long children() const { return std::ssize(test_support::childrenOf(agent_.pid())); }
   [[nodiscard]] long displaysMemory() { return ownMemoryInKilobytes(display_.server().pid()); }
 
  private:
