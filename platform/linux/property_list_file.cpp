@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-
-#include <QUtf8StringView>
+#include <cerrno>
+#include <utf8.h>
 
 #include "platform/file_descriptor.h"
 #include "platform/property_list.h"
@@ -15,7 +15,7 @@ namespace {
 
 bool canBePath(const std::string& path) {
   return !path.empty() && path.size() < PATH_MAX && path.find('\0') == std::string::npos &&
-         QUtf8StringView(path.data(), static_cast<qsizetype>(path.size())).isValidUtf8();
+         utf8::is_valid(path.begin(), path.end());
 }
 
 // Whatever the file grows to meanwhile, no more than one byte beyond the bound is read: enough to tell.

@@ -1,171 +1,279 @@
-#include <QXmlStreamReader>
+#include <expat.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "platform/linux/property_list_readers.h"
 #include "platform/linux/property_list_scalars.h"
-#include "platform/linux/property_list_xml_feed.h"
+#include "platform/linux/property_list_xml_markup.h"
 
 namespace platform {
 namespace {
 
-using Token = QXmlStreamReader::TokenType;
+enum class Element { Plist, Dict, Array, True, False, Data, Integer, Real, Date, String, Key };
 
-// Goes through the elements of one list, from the outside in.
-class XmlListReader {
+std::optional<Element> elementNamed(std::string_view name) {
+  if (name == "key") return Element::Key;
+  if (name == "string") return Element::String;
+  if (name == "true") return Element::True;
+  if (name == "false") return Element::False;
+  if (name == "integer") return Element::Integer;
+  if (name == "dict") return Element::Dict;
+  if (name == "array") return Element::Array;
+  if (name == "real") return Element::Real;
+  if (name == "date") return Element::Date;
+  if (name == "data") return Element::Data;
+  if (name == "plist") return Element::Plist;
+  return std::nullopt;
+}
+
+bool isContainer(Element element) {
+  return element == Element::Plist || element == Element::Dict || element == Element::Array;
+}
+
+bool isBlank(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
+}
+
+// Builds the list from the parser's events. Each event returns false where the text is no list or exceeds
+// the bounds.
+class XmlListBuilder {
  public:
-  explicit XmlListReader(std::string_view text) : feed_(text) { parser_.setNamespaceProcessing(false); }
-
-  std::optional<PropertyList> read();
+  bool start(std::string_view name);
+  bool text(std::string_view piece);
+  bool end();
+  // The list, once every element has ended.
+  std::optional<PropertyList> take() { return std::exchange(root_, std::nullopt); }
 
  private:
-  Token next();
-  Token nextTag();
-  bool atElement(const char16_t* name) const { return parser_.qualifiedName() == QStringView(name); }
+  // A container whose end tag is still to come. <plist> is one that holds a single value.
+  struct Open {
+    Element element;
+    PropertyList::Array items = {};
+    PropertyList::Dictionary entries = {};
+    std::optional<std::string> key = {};
+  };
 
-  std::optional<PropertyList> root();
-  std::optional<PropertyList> value();
-  std::optional<PropertyList> array();
-  std::optional<PropertyList> dictionary();
-  std::optional<PropertyList> boolean(bool value);
-  std::optional<PropertyList> data();
-  std::optional<std::string> text();
-
+  [[nodiscard]] bool mayStart(Element element) const;
+  [[nodiscard]] bool isTooDeep() const;
+  bool startLeaf(Element element);
+  bool endLeaf();
+  bool endContainer();
+  bool addLeaf(Element element);
   template <typename T>
-  std::optional<PropertyList> scalar(std::optional<T> (*parse)(std::string_view));
+  bool add(std::optional<T> value);
+  template <typename T>
+  static void addEntry(Open& dictionary, T value);
 
-  XmlFeed feed_;
-  QXmlStreamReader parser_;
+  std::vector<Open> open_;
+  std::optional<Element> leaf_;
+  std::string text_;
+  PropertyList::Data data_;
+  std::optional<Base64Decoder> decoder_;
+  std::optional<PropertyList> root_;
   ListBounds bounds_;
 };
 
-std::optional<PropertyList> XmlListReader::read() {
-  if (nextTag() != Token::StartElement) return std::nullopt;
-  auto list = root();
-  if (!list || !feed_.onlyMiscellaneousLeft()) return std::nullopt;
-  return list;
+bool XmlListBuilder::start(std::string_view name) {
+  const auto element = elementNamed(name);
+  if (!element || leaf_ || !mayStart(*element)) return false;
+  if (*element != Element::Plist && !bounds_.takeObjects()) return false;
+  if (!isContainer(*element)) return startLeaf(*element);
+  open_.push_back({.element = *element});
+  return !isTooDeep();
 }
 
-Token XmlListReader::next() {
-  for (;;) {
-    const Token token = parser_.readNext();
-    if (token != Token::Invalid) return token;
-    if (parser_.error() != QXmlStreamReader::PrematureEndOfDocumentError) return token;
-    const auto slice = feed_.next();
-    if (!slice) return token;
-    parser_.addData(QByteArray::fromStdString(*slice));
+// A value stands in <plist>; without one around it, it is a list as well.
+bool XmlListBuilder::mayStart(Element element) const {
+  if (open_.empty()) return element != Element::Key;
+  const Open& parent = open_.back();
+  if (element == Element::Plist) return false;
+  if (parent.element == Element::Dict) return (element == Element::Key) != parent.key.has_value();
+  return element != Element::Key && (parent.element == Element::Array || !root_);
+}
+
+bool XmlListBuilder::isTooDeep() const {
+  const std::size_t depth = open_.size() - (open_.front().element == Element::Plist ? 1 : 0);
+  return depth > propertyListMaxDepth;
+}
+
+bool XmlListBuilder::startLeaf(Element element) {
+  leaf_ = element;
+  text_.clear();
+  data_.clear();
+  if (element == Element::Data) decoder_.emplace(data_);
+  return true;
+}
+
+bool XmlListBuilder::text(std::string_view piece) {
+  if (!leaf_ || leaf_ == Element::True || leaf_ == Element::False) return isBlank(piece);
+  if (leaf_ != Element::Data) {
+    if (!bounds_.takeBytes(piece.size())) return false;
+    text_ += piece;
+    return true;
+  }
+  const std::size_t before = data_.size();
+  return decoder_->add(piece) && bounds_.takeBytes(data_.size() - before);
+}
+
+bool XmlListBuilder::end() {
+  return leaf_ ? endLeaf() : endContainer();
+}
+
+bool XmlListBuilder::endLeaf() {
+  const Element element = *std::exchange(leaf_, std::nullopt);
+  if (element != Element::Key) return addLeaf(element);
+  open_.back().key = std::move(text_);
+  return true;
+}
+
+bool XmlListBuilder::addLeaf(Element element) {
+  switch (element) {
+    case Element::True:
+    case Element::False:
+      return add(std::optional(element == Element::True));
+    case Element::Data:
+      return decoder_->complete() && add(std::optional(std::move(data_)));
+    case Element::Integer:
+      return add(parseListInteger(text_));
+    case Element::Real:
+      return add(parseListReal(text_));
+    case Element::Date:
+      return add(parseListDate(text_));
+    default:
+      return add(std::optional(std::move(text_)));
   }
 }
 
-// The next start or end of an element; invalid when anything but white space is on the way to it.
-Token XmlListReader::nextTag() {
-  for (;;) {
-    const Token token = next();
-    if (token == Token::StartElement || token == Token::EndElement) return token;
-    const bool blank = token == Token::Characters && parser_.isWhitespace();
-    if (!blank && token != Token::StartDocument && token != Token::Comment) return Token::Invalid;
-  }
-}
-
-// A value stands in <plist>; by itself it is a list as well.
-std::optional<PropertyList> XmlListReader::root() {
-  if (!atElement(u"plist")) return value();
-  if (nextTag() != Token::StartElement) return std::nullopt;
-  auto list = value();
-  if (!list || nextTag() != Token::EndElement) return std::nullopt;
-  return list;
-}
-
-// From the start of its element to the end of it, as all of the following.
-std::optional<PropertyList> XmlListReader::value() {
-  if (!bounds_.takeObjects()) return std::nullopt;
-  if (atElement(u"dict")) return dictionary();
-  if (atElement(u"array")) return array();
-  if (atElement(u"true")) return boolean(true);
-  if (atElement(u"false")) return boolean(false);
-  if (atElement(u"data")) return data();
-  if (atElement(u"integer")) return scalar(parseListInteger);
-  if (atElement(u"real")) return scalar(parseListReal);
-  if (atElement(u"date")) return scalar(parseListDate);
-  if (!atElement(u"string")) return std::nullopt;
-  auto string = text();
-  if (!string) return std::nullopt;
-  return PropertyList(std::move(*string));
-}
-
-std::optional<PropertyList> XmlListReader::array() {
-  const ListBounds::Level level(bounds_);
-  if (level.tooDeep()) return std::nullopt;
-  PropertyList::Array items;
-  Token token = nextTag();
-  for (; token == Token::StartElement; token = nextTag()) {
-    auto item = value();
-    if (!item) return std::nullopt;
-    items.push_back(std::move(*item));
-  }
-  if (token != Token::EndElement) return std::nullopt;
-  return PropertyList(std::move(items));
-}
-
-std::optional<PropertyList> XmlListReader::dictionary() {
-  const ListBounds::Level level(bounds_);
-  if (level.tooDeep()) return std::nullopt;
-  PropertyList::Dictionary entries;
-  Token token = nextTag();
-  for (; token == Token::StartElement; token = nextTag()) {
-    if (!atElement(u"key") || !bounds_.takeObjects()) return std::nullopt;
-    auto key = text();
-    if (!key || nextTag() != Token::StartElement) return std::nullopt;
-    auto item = value();
-    if (!item) return std::nullopt;
-    entries.insert_or_assign(std::move(*key), std::move(*item));
-  }
-  if (token != Token::EndElement) return std::nullopt;
-  return PropertyList(std::move(entries));
-}
-
-std::optional<PropertyList> XmlListReader::boolean(bool value) {
-  if (nextTag() != Token::EndElement) return std::nullopt;
-  return PropertyList(value);
-}
-
-std::optional<PropertyList> XmlListReader::data() {
-  PropertyList::Data bytes;
-  Base64Decoder decoder(bytes);
-  for (Token token = next(); token != Token::EndElement; token = next()) {
-    if (token == Token::Comment) continue;
-    const std::size_t before = bytes.size();
-    if (token != Token::Characters || !decoder.add(parser_.text().toUtf8().toStdString()))
-      return std::nullopt;
-    if (!bounds_.takeBytes(bytes.size() - before)) return std::nullopt;
-  }
-  if (!decoder.complete()) return std::nullopt;
-  return PropertyList(std::move(bytes));
-}
-
-std::optional<std::string> XmlListReader::text() {
-  std::string text;
-  for (Token token = next(); token != Token::EndElement; token = next()) {
-    if (token == Token::Comment) continue;
-    if (token != Token::Characters) return std::nullopt;
-    const QByteArray piece = parser_.text().toUtf8();
-    if (!bounds_.takeBytes(static_cast<std::size_t>(piece.size()))) return std::nullopt;
-    text.append(piece.constData(), static_cast<std::size_t>(piece.size()));
-  }
-  return text;
+bool XmlListBuilder::endContainer() {
+  Open container = std::move(open_.back());
+  open_.pop_back();
+  if (container.element == Element::Plist) return root_.has_value();
+  if (container.element == Element::Array) return add(std::optional(std::move(container.items)));
+  return !container.key && add(std::optional(std::move(container.entries)));
 }
 
 template <typename T>
-std::optional<PropertyList> XmlListReader::scalar(std::optional<T> (*parse)(std::string_view)) {
-  const auto content = text();
-  if (!content) return std::nullopt;
-  const std::optional<T> value = parse(*content);
-  if (!value) return std::nullopt;
-  return PropertyList(*value);
+bool XmlListBuilder::add(std::optional<T> value) {
+  if (!value) return false;
+  if (open_.empty() || open_.back().element == Element::Plist) {
+    root_.emplace(std::move(*value));
+  } else if (Open& parent = open_.back(); parent.element == Element::Array) {
+    parent.items.emplace_back(std::move(*value));
+  } else {
+    addEntry(parent, std::move(*value));
+  }
+  return true;
+}
+
+// Of entries with the same key the last counts. Most lists are sorted by key, hence the hint.
+template <typename T>
+void XmlListBuilder::addEntry(Open& dictionary, T value) {
+  const std::size_t before = dictionary.entries.size();
+  const auto entry =
+      dictionary.entries.try_emplace(dictionary.entries.end(), std::move(*dictionary.key), std::move(value));
+  if (dictionary.entries.size() == before) entry->second = PropertyList(std::move(value));
+  dictionary.key.reset();
+}
+
+// Runs Expat (https://libexpat.github.io/doc/) over the text.
+class XmlListParser {
+ public:
+  // The text is UTF-8 already, whatever its declaration names.
+  XmlListParser() : parser_(XML_ParserCreate("UTF-8")) {}
+
+  std::optional<PropertyList> read(std::string_view text);
+
+ private:
+  struct Free {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+  };
+
+  bool feed(std::string_view piece);
+  bool parse(std::string_view slice, bool isLast);
+  // No exception may pass through the parser's C code, which calls handlers even after it was stopped.
+  template <typename Event>
+  void handle(Event event);
+
+  static void XMLCALL onStart(void* self, const XML_Char* name, const XML_Char** attributes);
+  static void XMLCALL onEnd(void* self, const XML_Char* name);
+  static void XMLCALL onText(void* self, const XML_Char* text, int size);
+  static void XMLCALL onOther(void* self, const XML_Char* text, int size);
+
+  std::unique_ptr<XML_ParserStruct, Free> parser_;
+  XmlListBuilder builder_;
+  bool refused_ = false;
+  bool sawEvent_ = false;
+};
+
+std::optional<PropertyList> XmlListParser::read(std::string_view text) {
+  XmlMarkup markup(text);
+  if (parser_ == nullptr || !markup.skipProlog()) return std::nullopt;
+  XML_SetUserData(parser_.get(), this);
+  XML_SetElementHandler(parser_.get(), &onStart, &onEnd);
+  XML_SetCharacterDataHandler(parser_.get(), &onText);
+  XML_SetDefaultHandler(parser_.get(), &onOther);
+  for (;;) {
+    const auto piece = markup.next();
+    if (!piece || !feed(*piece)) return std::nullopt;
+    if (piece->empty()) return parse({}, true) ? builder_.take() : std::nullopt;
+  }
+}
+
+// A whole slice without an event lies within one tag or reference. No list has such a long one, and the
+// parser would store all of its attributes.
+bool XmlListParser::feed(std::string_view piece) {
+  constexpr std::size_t sliceSize = 4096;
+  while (!piece.empty()) {
+    const std::string_view slice = piece.substr(0, sliceSize);
+    sawEvent_ = false;
+    if (!parse(slice, false) || (slice.size() == sliceSize && !sawEvent_)) return false;
+    piece.remove_prefix(slice.size());
+  }
+  return true;
+}
+
+bool XmlListParser::parse(std::string_view slice, bool isLast) {
+  const auto size = static_cast<int>(slice.size());
+  return XML_Parse(parser_.get(), slice.data(), size, isLast ? XML_TRUE : XML_FALSE) == XML_STATUS_OK;
+}
+
+template <typename Event>
+void XmlListParser::handle(Event event) {
+  if (refused_) return;
+  sawEvent_ = true;
+  try {
+    refused_ = !event(builder_);
+  } catch (const std::bad_alloc&) {
+    refused_ = true;
+  }
+  if (refused_) XML_StopParser(parser_.get(), XML_FALSE);
+}
+
+void XmlListParser::onStart(void* self, const XML_Char* name, const XML_Char** /*attributes*/) {
+  static_cast<XmlListParser*>(self)->handle([name](XmlListBuilder& builder) { return builder.start(name); });
+}
+
+void XmlListParser::onEnd(void* self, const XML_Char* /*name*/) {
+  static_cast<XmlListParser*>(self)->handle([](XmlListBuilder& builder) { return builder.end(); });
+}
+
+void XmlListParser::onText(void* self, const XML_Char* text, int size) {
+  const std::string_view piece(text, static_cast<std::size_t>(size));
+  static_cast<XmlListParser*>(self)->handle([piece](XmlListBuilder& builder) { return builder.text(piece); });
+}
+
+// White space behind the root element, for one.
+void XmlListParser::onOther(void* self, const XML_Char* /*text*/, int /*size*/) {
+  static_cast<XmlListParser*>(self)->sawEvent_ = true;
 }
 
 }  // namespace
 
 std::optional<PropertyList> readXmlList(std::string_view text) {
-  return XmlListReader(text).read();
+  return XmlListParser().read(text);
 }
 
 }  // namespace platform

@@ -78,6 +78,24 @@ TEST(XmlPropertyList, CommentsAndInstructionsStandAnywhereBetween) {
   EXPECT_EQ(parseInPlist("<data>YW<!-- b -->Jj</data>"), dataOf("abc"));
 }
 
+TEST(XmlPropertyList, CommentWithDoubleHyphenIsSkipped) {
+  EXPECT_EQ(parseInPlist("<array><!-- a -- b --><true/><!----- --></array>"), listOf({PropertyList(true)}));
+}
+
+TEST(XmlPropertyList, CommentMarksWithinCharacterDataAreText) {
+  EXPECT_EQ(parseInPlist("<string><![CDATA[<!-- a --><?b?>]]></string>"), text("<!-- a --><?b?>"));
+}
+
+TEST(XmlPropertyList, CommentWithinTagIsUnreadable) {
+  EXPECT_FALSE(parse("<plist><true<!-- -->/></plist>"));
+  EXPECT_FALSE(parse("<plist a='<!-- -->'><true/></plist>"));
+}
+
+TEST(XmlPropertyList, LongWhiteSpaceBetweenAndBehindElementsIsSkipped) {
+  const std::string blanks(20'000, '\n');
+  EXPECT_EQ(parse("<plist>" + blanks + "<true/>" + blanks + "</plist>" + blanks), PropertyList(true));
+}
+
 TEST(XmlPropertyList, EntitiesAndReferencesAreCharacters) {
   EXPECT_EQ(parseInPlist("<string>&lt;&gt;&amp;&quot;&apos;&#233;&#x1F600;</string>"),
             text("<>&\"'\xC3\xA9\xF0\x9F\x98\x80"));

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace platform {
+
+// Cuts the text of an XML list into what the parser may see, without copying it. It withholds the document
+// type, so that no entity or attribute default can be declared, and replaces comments and processing
+// instructions by empty comments, because lists in the field have "--" in theirs, which XML forbids.
+class XmlMarkup {
+ public:
+  // `text` must outlive this object and what next() returns.
+  explicit XmlMarkup(std::string_view text) : rest_(text) {}
+
+  // Skips what may precede the root element: white space, comments, processing instructions and one document
+  // type. Returns false if one of them has no end. To be called once, first.
+  [[nodiscard]] bool skipProlog();
+
+  // Returns the next piece, an empty one at the end of the text, nullopt at markup without an end.
+  [[nodiscard]] std::optional<std::string_view> next();
+
+ private:
+  [[nodiscard]] bool atHidden() const;
+  [[nodiscard]] bool skipHidden();
+  [[nodiscard]] bool skipPast(std::string_view end);
+  [[nodiscard]] bool skipDocumentType();
+  [[nodiscard]] bool skipVisible();
+
+  std::string_view rest_;
+};
+
+}  // namespace platform
