@@ -20,10 +20,10 @@ struct FileEvent {
 // Tells of changes in a folder, the root, and in all folders below it, from its creation on. Main thread
 // only; reported by the run loop, in modal runs too, so never while the thread is busy.
 //
-// A folder has changed when an entry of it came, went, was renamed or written to. Permissions, times, reading
-// and opening count for nothing (but for a file's time of writing when that alone is set), and links below
-// the root are not followed. All changes within the latency after the first are one batch, with each folder
-// once, in the order of their first changes.
+// A folder has changed when an entry of it came, went, was renamed, was written to, or got a new mode, owner,
+// extended attribute or time of writing. Reading, opening, a new access time alone, and attributes of the
+// root itself are no changes. Links below the root are not followed. All changes within the latency after the
+// first are one batch, with each folder once, in the order of their first changes.
 class FileEventStream {
  public:
   // Changes went by untold somewhere in the folder or below it.

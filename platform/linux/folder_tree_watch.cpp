@@ -12,15 +12,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint32_t changes = IN_CREATE | IN_DELETE | IN_MODIFY | IN_MOVED_FROM | IN_MOVED_TO;
+constexpr std::uint32_t changes = IN_ATTRIB | IN_CREATE | IN_DELETE | IN_MODIFY | IN_MOVED_FROM | IN_MOVED_TO;
 
 std::string below(const std::string& folder, std::string_view name) {
   return folder.empty() ? std::string(name) : folder + '/' + std::string(name);
 }
 
-// The kernel takes the setting of the time of writing alone for writing; a folder can't be written to.
-bool isChange(std::uint32_t mask) {
-  return (mask & changes & ~std::uint32_t{IN_MODIFY}) != 0 || (mask & (IN_MODIFY | IN_ISDIR)) == IN_MODIFY;
+// A notice without a name is about the watched folder itself. The watch on the folder above reports the same
+// with its name.
+bool isChange(const Inotify::Notice& notice) {
+  return !notice.name.empty() && (notice.mask & changes) != 0;
 }
 
 struct Contents {
@@ -59,7 +60,7 @@ void FolderTreeWatch::take(const Inotify::Notice& notice, const Report& changed)
   const std::string* known = folders_.find(notice.watch);
   if (known == nullptr) return;
   if ((notice.mask & IN_IGNORED) != 0) return folders_.erase(notice.watch);
-  if (!isChange(notice.mask)) return;
+  if (!isChange(notice)) return;
   const std::string folder = *known;
   changed(folder.empty() ? root_ : root_ + '/' + folder);
   if ((notice.mask & IN_ISDIR) == 0) return;

@@ -8,8 +8,8 @@
 
 namespace platform {
 
-// Says in which folders of a tree entries come, go or are written to. Links are not followed, but for the
-// root itself. Any thread, but one at a time.
+// Reports in which folders of a tree entries come, go, are written to or get new attributes. Links are not
+// followed, but for the root itself. Any thread, but one at a time.
 class FolderTreeWatch {
  public:
   // Watches as much of the tree as there is room for, the upper folders first.

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -167,6 +168,19 @@ TEST_F(BundleWatchTest, ChangeInsideIsLoggedAndEndsTheWatch) {
   useUpTheWatch();
   fs::remove_all(bundle_);
   expectUnnoticed();
+}
+
+TEST_F(BundleWatchTest, NewModeOrTimeInsideIsLoggedAndEndsTheWatch) {
+  const std::string file = "/Contents/Info.plist";
+  for (const std::string command : {"chmod go-w ", "touch "}) {
+    install("/tmp/Folder/Applications/Tovalin.app");
+    launch();
+    ASSERT_EQ(std::system((command + bundle_ + file).c_str()), 0);
+    EXPECT_TRUE(waitForText(changeLogged)) << command;
+    fs::remove_all(bundle_);
+    expectUnnoticed();
+    timeline_.clear();
+  }
 }
 
 TEST_F(BundleWatchTest, RemovalWhoseBeginningIsABatchOfItsOwnIsNotNoticed) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -84,17 +85,75 @@ TEST_F(FileEvents, ReadingAndOpeningAreNoChanges) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, PermissionsAndTimesAreNoChanges) {
+// One way to give an entry a new attribute, the call that a shell's command makes for it.
+struct AttributeChange {
+  const char* command;
+  int (*make)(const char* path);
+};
+
+int setTimes(const char* path, const timespec& access, const timespec& writing) {
+  const timespec times[] = {access, writing};
+  return ::utimensat(AT_FDCWD, path, times, 0);
+}
+
+constexpr timespec kSomeTime{1, 0};
+constexpr timespec kUnchanged{0, UTIME_OMIT};
+
+const AttributeChange kAttributeChanges[] = {
+    {"chmod", [](const char* path) { return ::chmod(path, 0500); }},
+    {"touch", [](const char* path) { return setTimes(path, kSomeTime, kSomeTime); }},
+    {"touch -m", [](const char* path) { return setTimes(path, kUnchanged, kSomeTime); }},
+    {"chown", [](const char* path) { return ::chown(path, 65534, 65534); }},
+    {"setfattr", [](const char* path) { return ::setxattr(path, "trusted.test", "x", 1, 0); }},
+};
+
+TEST_F(FileEvents, NewAttributeOfAFileIsAChangeOfItsFolder) {
+  makeFolder("a");
+  write("a/file");
+  watch();
+  for (const AttributeChange& change : kAttributeChanges) {
+    ASSERT_EQ(change.make(inRoot("a/file").c_str()), 0) << change.command;
+    ASSERT_THAT(nextBatch(), ElementsAre(changed("a"))) << change.command;
+  }
+}
+
+TEST_F(FileEvents, NewAttributeOfAFolderIsAChangeOfTheFolderAboveIt) {
+  makeFolder("a/b");
+  watch();
+  for (const AttributeChange& change : kAttributeChanges) {
+    ASSERT_EQ(change.make(inRoot("a/b").c_str()), 0) << change.command;
+    ASSERT_THAT(nextBatch(), ElementsAre(changed("a"))) << change.command;
+  }
+}
+
+TEST_F(FileEvents, NewAttributeOfTheRootIsNoChange) {
+  makeFolder("b");
+  watch();
+  for (const AttributeChange& change : kAttributeChanges)
+    ASSERT_EQ(change.make(root_.c_str()), 0) << change.command;
+  write("b/sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("b")));
+}
+
+TEST_F(FileEvents, NewAccessTimeAloneIsNoChange) {
   makeFolder("a");
   write("a/file");
   makeFolder("b");
   watch();
-  for (const char* name : {"a/file", "a", ""}) {
-    ASSERT_EQ(::chmod(inRoot(name).c_str(), 0700), 0);
-    const timespec times[] = {{1, 0}, {2, 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, inRoot(name).c_str(), times, 0), 0);
-  }
-  fs::last_write_time(inRoot("a"), fs::file_time_type::clock::now() - 24h);
+  for (const char* name : {"a/file", "a"})
+    ASSERT_EQ(setTimes(inRoot(name).c_str(), kSomeTime, kUnchanged), 0) << name;
+  write("b/sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("b")));
+}
+
+TEST_F(FileEvents, HardLinkOutsideTheRootIsNoChange) {
+  makeFolder("a");
+  write("a/file");
+  makeFolder("b");
+  watch();
+  fs::create_hard_link(inRoot("a/file"), "/tmp/way/outside");
+  ASSERT_EQ(::chmod("/tmp/way/outside", 0600), 0);
+  fs::remove("/tmp/way/outside");
   write("b/sign");
   EXPECT_THAT(nextBatch(), ElementsAre(changed("b")));
 }
