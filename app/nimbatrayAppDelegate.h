@@ -25,6 +25,8 @@ class WebView;
 class Window;
 }  // namespace platform
 
+class NoticeCalls;
+enum class NotificationAction;
 struct ShownNotices;
 
 // The one object that carries the agent: the methods of its subsystems, each defined in the folder it is
@@ -158,10 +160,10 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   std::shared_ptr<platform::View> makeNoticePanel(platform::Button& faqButton);
   std::shared_ptr<platform::View> makeBannerBand();
 
-  // ipc/notification_listener.cpp; on the listener's thread
+  // ipc/notification_listener.cpp; on the listener's thread, but for runNoticeCall
   void listen(int pipe);
-  void dispatch(std::span<const char> buffer, ShownNotices& shown);
-  std::atomic<int> noticeCallsWaiting = 0;  // that the listener has handed to the main thread
+  void dispatch(std::span<const char> buffer, ShownNotices& shown, NoticeCalls& calls);
+  void runNoticeCall(NotificationAction call);
 };
 
 static_assert(std::atomic<bool>::is_always_lock_free && sizeof(std::atomic<bool>) == 1);

@@ -17,6 +17,8 @@ add_library(tovalin_core STATIC
   app/status_menu.cpp
   app/status_rules.cpp
   ipc/command_pipe.cpp
+  ipc/notice_backlog.cpp
+  ipc/notice_calls.cpp
   ipc/notification_commands.cpp
   ipc/notification_listener.cpp
   ipc/notification_pipe.cpp

@@ -6,10 +6,13 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 
 #include "app/nimbatrayAppDelegate.h"
+#include "ipc/notice_calls.h"
 #include "ipc/notification_commands.h"
 #include "ipc/notification_pipe.h"
 #include "ipc/readable.h"
@@ -24,7 +27,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr std::chrono::milliseconds waitTime = 30ms;
-constexpr int mostNoticeCallsWaiting = 64;
 
 static_assert(record_format::message::size == notificationBufferSize);
 
@@ -60,6 +62,12 @@ bool isDevice(int descriptor) {
   return ::fstat(descriptor, &status) == 0 && (S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode));
 }
 
+void request(NotificationAction call, NoticeCalls& calls) {
+  if (calls.request(call) != NoticeBacklog::Verdict::BeginMerging) return;
+  logStep(LogPriority::Error, std::to_string(NoticeBacklog::maxWaiting) +
+                                  " notice calls wait for the main thread; merging further ones");
+}
+
 }  // namespace
 
 void nimbatrayAppDelegate::notiThread() {
@@ -72,17 +80,17 @@ void nimbatrayAppDelegate::notiThread() {
 void nimbatrayAppDelegate::listen(int pipe) {
   std::array<char, notificationBufferSize> buffer{};
   ShownNotices shown;
+  const auto calls = std::make_shared<NoticeCalls>(
+      [](std::function<void()> work) {
+        platform::Application::sharedApplication().performOnMainThread(std::move(work));
+      },
+      [this](NotificationAction call) { runNoticeCall(call); });
   if (read_pipe(pipe, buffer) != 0) {
     logStep(LogPriority::Info, "Exist pipe message!");
-    dispatch(buffer, shown);
+    dispatch(buffer, shown, *calls);
   }
   const platform::FileDescriptor ownEnd = holdOpenForWriting(pipe);
   while (bThreadRun) {
-    // Whoever floods the pipe finds it full, and not this process's memory.
-    if (noticeCallsWaiting >= mostNoticeCallsWaiting) {
-      std::this_thread::sleep_for(waitTime);
-      continue;
-    }
     const int ready = waitUntilReadable(pipe, waitTime);
     if (ready == -1) return logFailure("pipe select error");
     if (ready == 0) continue;
@@ -92,34 +100,42 @@ void nimbatrayAppDelegate::listen(int pipe) {
     }
     buffer.fill('\0');
     const int count = read_pipe(pipe, buffer);
-    if (count != 0) dispatch(buffer, shown);
+    if (count != 0) dispatch(buffer, shown, *calls);
     // What is no FIFO is always ready: a folder gives nothing, and a device may never end.
     if (!ownEnd.valid() && (count <= 0 || isDevice(pipe))) std::this_thread::sleep_for(waitTime);
   }
 }
 
-void nimbatrayAppDelegate::dispatch(std::span<const char> buffer, ShownNotices& shown) {
-  const auto onMainThread = [this](void (nimbatrayAppDelegate::*method)()) {
-    ++noticeCallsWaiting;
-    platform::Application::sharedApplication().performOnMainThread([this, method] {
-      --noticeCallsWaiting;
-      (this->*method)();
-    });
-  };
+void nimbatrayAppDelegate::dispatch(std::span<const char> buffer, ShownNotices& shown, NoticeCalls& calls) {
   const std::string_view text = textIn(buffer);
-  switch (notificationActionFor(text, shown)) {
+  const NotificationAction action = notificationActionFor(text, shown);
+  switch (action) {
     case NotificationAction::NotificationOn:
-      return onMainThread(&nimbatrayAppDelegate::notificationOn);
     case NotificationAction::NotificationOff:
-      return onMainThread(&nimbatrayAppDelegate::notificationOff);
     case NotificationAction::NoticeEnumerateOn:
-      return onMainThread(&nimbatrayAppDelegate::noticeEnumerateOn);
     case NotificationAction::NoticeEnumerateOff:
-      return onMainThread(&nimbatrayAppDelegate::noticeEnumerateOff);
+      return request(action, calls);
     case NotificationAction::UnknownCommand:
       return systemLog(LogPriority::Error, "unknown command " + std::string(text));
     case NotificationAction::CollectData:
       return TvlGetCollectData(CollectMessage(buffer));
+    case NotificationAction::None:
+      return;
+  }
+}
+
+void nimbatrayAppDelegate::runNoticeCall(NotificationAction call) {
+  switch (call) {
+    case NotificationAction::NotificationOn:
+      return notificationOn();
+    case NotificationAction::NotificationOff:
+      return notificationOff();
+    case NotificationAction::NoticeEnumerateOn:
+      return noticeEnumerateOn();
+    case NotificationAction::NoticeEnumerateOff:
+      return noticeEnumerateOff();
+    case NotificationAction::CollectData:
+    case NotificationAction::UnknownCommand:
     case NotificationAction::None:
       return;
   }

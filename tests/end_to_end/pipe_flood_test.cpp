@@ -161,13 +161,13 @@ TEST_F(PipeFlood, OfCommandsThatMeanNothingCostsNoMemoryAndNoticesAndMenuServeOn
   expectAProperEnd();
 }
 
-TEST_F(PipeFlood, OfAccessNoticesIsHeldBackToThePaceAtWhichTheyAreShown) {
+TEST_F(PipeFlood, OfAccessNoticesCostsNoMemoryAndShowsTheLoadingNoticeBehindIt) {
   startWithPictures();
   floodAndAsk({"-non", "-noff"}, "-neon", isLoadingNotice);
   expectAProperEnd();
 }
 
-TEST_F(PipeFlood, OfLoadingNoticesIsHeldBackToThePaceAtWhichTheyAreShown) {
+TEST_F(PipeFlood, OfLoadingNoticesCostsNoMemoryAndShowsTheAccessNoticeBehindIt) {
   startWithPictures();
   floodAndAsk({"-neon", "-neoff"}, "-non", isAccessNotice);
   expectAProperEnd();
@@ -181,6 +181,65 @@ TEST_F(PipeFlood, OfNoticesLeavesTheMenuServingItsEndToo) {
   EXPECT_TRUE(comes([&] { return host_.waitForEvent("clicked", 0ms).has_value(); }));
   expectAProperEnd();
   flood.end();
+}
+
+constexpr const char* mergingLogged =
+    "log 3: -[nimbatrayAppDelegate notiThread] 64 notice calls wait for the main thread; merging";
+
+// The main thread is blocked in the command that brings the front application back.
+class BlockedMainThread : public PipeFlood {
+ protected:
+  void SetUp() override {
+    PipeFlood::SetUp();
+    if (HasFatalFailure()) return;
+    startAndListen();
+    timeline_.hold("osascript");
+    send("-neon");
+    ASSERT_TRUE(shows(isLoadingNotice));
+    send("-neoff");
+    ASSERT_TRUE(waitForText("run: osascript"));
+  }
+  // Each message in a read of its own.
+  static void writeAll(const std::vector<std::string>& messages, int times) {
+    for (int i = 0; i < times; ++i)
+      for (const std::string& message : messages) writeInFlood(message);
+  }
+  // The record behind the messages is written while the main thread is still blocked.
+  void expectRecordBehindThem() {
+    writeInFlood(deviceMessage);
+    EXPECT_TRUE(waitUntil([] { return recordsLike("\x3f" + deviceName) == 1; }));
+  }
+};
+
+TEST_F(BlockedMainThread, RecordBehindMoreNoticeCommandsThanMayWaitIsWritten) {
+  writeAll({"-non", "-noff"}, 40);
+  expectRecordBehindThem();
+  EXPECT_EQ(count(mergingLogged), 1);
+  timeline_.release("osascript");
+  expectAProperEnd();
+}
+
+TEST_F(BlockedMainThread, NoticesEndInTheLastStateRequested) {
+  writeAll({"-non", "-noff"}, 40);
+  writeInFlood("-non");
+  expectRecordBehindThem();
+  timeline_.release("osascript");
+  EXPECT_TRUE(shows(isAccessNotice));
+  send("-noff");
+  EXPECT_TRUE(hides(isAccessNotice));
+  expectNoticesAndAProperEnd();
+}
+
+TEST_F(BlockedMainThread, NoticesAreHiddenWhenThatWasRequestedLast) {
+  writeInFlood("-non");
+  writeAll({"-neon", "-neoff"}, 40);
+  writeInFlood("-noff");
+  expectRecordBehindThem();
+  timeline_.release("osascript");
+  send("-neon");
+  EXPECT_TRUE(shows(isLoadingNotice));
+  EXPECT_TRUE(hides(isAccessNotice));
+  expectAProperEnd();
 }
 
 TEST_F(PipeFlood, OfRecordsWritesEachOfThemAndShowsTheNoticeBehindThem) {
