@@ -89,7 +89,7 @@ int ApplicationMain(int argc, char** argv) {
 
   const auto delegate = program.makeDelegate();
   if (!instance.listen([&] { delegate->applicationShouldHandleReopen(); })) {
-    static_cast<void>(instance.tellFirst());
+    instance.deferToNameOwner();
     return 0;
   }
   Application& application = Application::sharedApplication();

@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <chrono>
+#include <fstream>
+#include <string>
 #include <thread>
 
 #include <QDBusConnection>
@@ -26,6 +28,30 @@ constexpr QLatin1StringView busName("com.kesmoor.tovalintrayagent");
 constexpr QLatin1StringView objectPath("/com/kesmoor/tovalintrayagent");
 constexpr QLatin1StringView interface("org.freedesktop.Application");
 constexpr QLatin1StringView activate("Activate");
+constexpr int answerLimitMs = 5000;
+
+bool activateNameOwner(const QDBusConnection& bus) {
+  QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, interface, activate);
+  call << QVariantMap();
+  call.setAutoStartService(false);
+  return bus.call(call, QDBus::Block, answerLimitMs).type() == QDBusMessage::ReplyMessage;
+}
+
+// "PID (NAME)", as far as the bus and the kernel tell.
+std::string nameOwner(const QDBusConnection& bus) {
+  const auto process = bus.interface()->servicePid(busName);
+  if (!process.isValid()) return "of unknown id";
+  const std::string id = std::to_string(process.value());
+  std::ifstream file("/proc/" + id + "/comm");
+  std::string name;
+  std::getline(file, name);
+  return id + " (" + name + ")";
+}
+
+void report(const std::string& text) {
+  systemLog(LogPriority::Error, text);
+  consoleLog(text);
+}
 
 class ActivateObject : public QDBusVirtualObject {
  public:
@@ -75,19 +101,22 @@ bool SingleInstance::listen(std::function<void()> reopened) {
   return !taken.isValid() || taken.value() == QDBusConnectionInterface::ServiceRegistered;
 }
 
+void SingleInstance::deferToNameOwner() {
+  const auto bus = QDBusConnection::sessionBus();
+  const std::string name = busName.latin1();
+  report("not started: process " + nameOwner(bus) + " owns the name " + name + " on the session bus");
+  if (!activateNameOwner(bus)) report("that process can't open the menu: it does not act as the tray agent");
+}
+
 bool SingleInstance::tellFirst() {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) {
     consoleLog("TovalinTray runs already; its menu can't be opened from here without a session bus");
     return true;
   }
-  QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, interface, activate);
-  call << QVariantMap();
-  call.setAutoStartService(false);
   const auto deadline = std::chrono::steady_clock::now() + 10s;
   do {
-    const QDBusMessage answer = bus.call(call, QDBus::Block, 5000);
-    if (answer.type() == QDBusMessage::ReplyMessage) return true;
+    if (activateNameOwner(bus)) return true;
     if (lock_.valid() && takeLock()) return false;
     std::this_thread::sleep_for(50ms);
   } while (std::chrono::steady_clock::now() < deadline);

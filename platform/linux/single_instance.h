@@ -20,9 +20,13 @@ class SingleInstance {
   // still works.
   [[nodiscard]] bool isFirst() const { return first_; }
 
-  // First process: takes the bus name and calls `reopened` from the run loop at each second start. False when
-  // the name is taken: another process runs after all, under a lock elsewhere.
+  // First process: takes the bus name and calls `reopened` from the run loop at each second start. Returns
+  // false if another process owns the name: an agent under a lock elsewhere, or any program on the bus.
   [[nodiscard]] bool listen(std::function<void()> reopened);
+
+  // First process without the name: asks its owner to come forward. Logs who that is, and if it does not
+  // answer within five seconds.
+  void deferToNameOwner();
 
   // Second process: tells the first one, waiting up to ten seconds while that starts, is busy or ends. False
   // when it has ended instead. Without a bus it is left at a line on standard error.

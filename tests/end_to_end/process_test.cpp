@@ -16,6 +16,7 @@ using test_support::ExitStatus;
 using test_support::Redirection;
 using test_support::XWindow;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::StartsWith;
 
 bool isMenu(const XWindow& window) {
@@ -120,7 +121,7 @@ TEST_F(Process, ASecondStartNeedsNoDisplayAndTellsWhyWithoutABusNoMenuOpens) {
   environment_["DISPLAY"] = std::nullopt;
   environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
-  EXPECT_THAT(another_.takeErrorOutput(), testing::HasSubstr("runs already"));
+  EXPECT_THAT(another_.takeErrorOutput(), HasSubstr("runs already"));
   EXPECT_TRUE(agent_.running());
 }
 
@@ -132,14 +133,42 @@ TEST_F(Process, ASecondStartWithAnotherRuntimeFolderFindsTheFirstOnTheBus) {
   EXPECT_EQ(count("pipe: -ton"), 1);
 }
 
+// A program on the bus that is no agent may own the agent's name.
+TEST_F(Process, StartWithTheBusNameOwnedByAStrangerReportsItsOwnerAndEndsWithZero) {
+  install("/tmp/Applications/Tovalin.app");
+  test_support::LineProgram stranger;
+  ASSERT_TRUE(stranger.start({TOVALIN_NAME_OWNER, "com.kesmoor.tovalintrayagent"},
+                             {.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}}));
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  const std::string report = "not started: process " + std::to_string(stranger.process().pid()) +
+                             " (name_owner) owns the name com.kesmoor.tovalintrayagent on the session bus";
+  const std::string noAgent = "that process can't open the menu: it does not act as the tray agent";
+  EXPECT_THAT(another_.takeErrorOutput(),
+              testing::AllOf(HasSubstr(report + "\n"), HasSubstr(noAgent + "\n")));
+  EXPECT_EQ(count("log 3: " + report), 1);
+  EXPECT_EQ(count("log 3: " + noAgent), 1);
+  EXPECT_EQ(count("pipe: -ton"), 0);
+}
+
+// The first start has not answered then: its main thread waits for a command.
+bool comesToAsk(ChildProcess& monitor) {
+  while (const auto line = monitor.readLine())
+    if (line->find("member=Activate") != std::string::npos) return true;
+  return false;
+}
+
 TEST_F(Process, ASecondStartWhileTheFirstEndsTakesItsPlace) {
   launchAgentInPanel();
   timeline_.hold("killall");
   agent_.terminate();
   ASSERT_TRUE(waitForText(killRun));
+  ChildProcess monitor;
+  ASSERT_TRUE(monitor.start({"dbus-monitor", "--address", bus_.address(), "member='Activate'"}));
+  ASSERT_TRUE(monitor.readLine()) << "it is not on the bus";
   ChildOptions options;
   options.environment = environment_;
   ASSERT_TRUE(another_.start({agentProgram()}, options));
+  ASSERT_TRUE(comesToAsk(monitor));
   timeline_.clear();
   timeline_.release("killall");
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
