@@ -16,7 +16,11 @@ class Bundle {
   // Nothing when the executable doesn't stand in such a place.
   [[nodiscard]] static std::optional<Bundle> mainBundle();
 
-  // The text `key` of that bundle's Info.plist; nothing when it can't be had.
+  // That bundle's Info.plist, read once, at the first call: an update of the bundle in place or its removal
+  // changes nothing for the running program. Nullopt if it can't be read or is no dictionary.
+  [[nodiscard]] static const std::optional<PropertyList>& mainInfoDictionary();
+
+  // The text `key` of that dictionary; nullopt if there is none.
   [[nodiscard]] static std::optional<std::string> mainBundleText(std::string_view key);
 
   explicit Bundle(std::string path) : path_(std::move(path)) {}

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// Stores the agent's own version, CFBundleVersion of its bundle, in `version`. Returns 0; or -1, `version`
-// untouched, when the program runs outside a bundle or the bundle does not tell. Any thread.
+// Stores the agent's own version, CFBundleVersion of its bundle when it was started, in `version`. Returns 0;
+// or -1, `version` untouched, when the program runs outside a bundle or the bundle does not tell. Any thread.
 [[nodiscard]] std::int32_t getBundleVersion(std::optional<std::string>& version);
 
 // What the callers log on failure. The message's format is "% getBundleVersion fail", in which printf(3)

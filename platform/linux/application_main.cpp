@@ -11,6 +11,7 @@
 #include <QApplication>
 
 #include "platform/application.h"
+#include "platform/bundle.h"
 #include "platform/linux/application_impl.h"
 #include "platform/linux/desktop_session.h"
 #include "platform/linux/private_folder.h"
@@ -73,6 +74,8 @@ void endWithoutDisplay() {
 
 int ApplicationMain(int argc, char** argv) {
   prepareProcess();
+  // Read before anything can wait, so that it belongs to the program that was started.
+  static_cast<void>(Bundle::mainInfoDictionary());
   const ApplicationRegistration& program = applicationRegistration();
   const std::vector<std::string_view> arguments(argv + std::min(argc, 1), argv + argc);
   if (const auto status = program.handleArguments(arguments)) return *status;

@@ -4,6 +4,14 @@
 #include <system_error>
 
 namespace platform {
+namespace {
+
+std::optional<PropertyList> readMainInfoDictionary() {
+  const auto bundle = Bundle::mainBundle();
+  return bundle ? bundle->infoDictionary() : std::nullopt;
+}
+
+}  // namespace
 
 std::optional<Bundle> Bundle::mainBundle() {
   std::error_code error;
@@ -13,9 +21,14 @@ std::optional<Bundle> Bundle::mainBundle() {
   return Bundle(folder.parent_path().parent_path().string());
 }
 
+// Never destroyed: threads may read it while the process exits.
+const std::optional<PropertyList>& Bundle::mainInfoDictionary() {
+  static const auto& dictionary = *new std::optional(readMainInfoDictionary());
+  return dictionary;
+}
+
 std::optional<std::string> Bundle::mainBundleText(std::string_view key) {
-  const auto bundle = mainBundle();
-  const auto information = bundle ? bundle->infoDictionary() : std::nullopt;
+  const auto& information = mainInfoDictionary();
   const std::string* text = information ? information->textAt(key) : nullptr;
   return text == nullptr ? std::nullopt : std::optional(*text);
 }

@@ -35,11 +35,11 @@ const std::vector<Step> stepsOfAgent = {
     {"agent: bus tried, another agent looked for, toolkit begun", "plugins/platforms"},
     {"agent: the toolkit's plugin loaded", ".X11-unix", true},
     {"agent: display and theme ready, session bus connected", "TovalinTray/helpers"},
-    {"agent: helpers copied, appearance asked", "Info.plist"},
+    {"agent: helpers copied, appearance asked", "TovalinPorperty.plist"},
     {"agent: request for the newest version made", "GET /", true},
     {"agent: ... answered", "mount off.png"},
     {"agent: pictures read, menu built", "KMPIPE"},
-    {"agent: -ton sent, with its 10 ms, bundle watched", "Info.plist"},
+    {"agent: -ton sent, with its 10 ms, bundle watched", "TovalinWebView"},
     {"agent: beacon's helper and threads started, icon made", "/tmp/dbus", true},
     {"agent: icon registered", "RegisterStatusNotifierItem", true},
 };

@@ -231,10 +231,10 @@ void LifeTest::lookAtSupport() {
 }
 
 void LifeTest::lookAtSupportOffline() {
-  setServers(kNobody);
+  server_->holdFilesBack(true);
   lookAtSupport();
   waitUntilIdle();
-  setServers(server_->origin(), uploads_.testServer());
+  server_->holdFilesBack(false);
 }
 
 void LifeTest::openSheet() {

@@ -16,7 +16,9 @@ ProductServerDouble::ProductServerDouble() {
     record(asServed(request));
     const std::lock_guard lock(mutex_);
     const auto file = files_.find(request.path);
-    if (file == files_.end()) {
+    if (filesAreHeldBack_) {
+      response.status = 503;
+    } else if (file == files_.end()) {
       response.status = 404;
     } else {
       response.set_content(file->second, "application/octet-stream");

@@ -2,6 +2,7 @@
 
 #include <httplib.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -45,6 +46,8 @@ class ProductServerDouble {
   // A list with that version, where the agent looks for it.
   void putVersion(const std::string& version);
   void judgeUploads(Judge judge);
+  // Whether files are answered with status 503 and nothing else, which the agent takes for a missing network.
+  void holdFilesBack(bool held) { filesAreHeldBack_ = held; }
 
   [[nodiscard]] std::vector<ServedRequest> requests() const;
   // Those with that method, once there are so many.
@@ -59,6 +62,7 @@ class ProductServerDouble {
   mutable std::mutex mutex_;
   mutable std::condition_variable arrived_;
   std::map<std::string, std::string> files_;
+  std::atomic<bool> filesAreHeldBack_ = false;
   Judge judge_ = [](const ServedRequest&) { return Reply{}; };
   std::vector<ServedRequest> requests_;
   std::thread thread_;

@@ -37,6 +37,16 @@ class BundleProbe : public testing::Test {
     if (!probe.start({program})) return "did not start";
     return probe.readLine().value_or("told nothing");
   }
+  // What the program in the bundle, started before `change`, tells after it.
+  template <typename Change>
+  [[nodiscard]] std::string toldAfter(Change change) const {
+    test_support::ChildProcess probe;
+    test_support::ChildOptions options;
+    options.input = test_support::Redirection::pipe();
+    if (!probe.start({program_}, options) || !probe.readLine()) return "did not start";
+    change();
+    return probe.writeLine("again") ? probe.readLine().value_or("told nothing") : "has ended";
+  }
   // What it tells from outside a bundle.
   [[nodiscard]] std::string toldOutside() const {
     std::filesystem::copy_file(probe_, "/tmp/bundles/probe");

@@ -1,12 +1,16 @@
-#include <cstdio>
+#include <iostream>
 #include <optional>
 #include <string>
 
 #include "usage/bundle_version.h"
 
-// Prints the status of getBundleVersion and the version, which is "untouched" before.
+// Prints the status of getBundleVersion and the version, which is "untouched" before; now and again for each
+// line it is sent.
 int main() {
-  std::optional<std::string> version = "untouched";
-  const int status = getBundleVersion(version);
-  std::printf("%d %s\n", status, version.value_or("(none)").c_str());
+  std::string line;
+  do {
+    std::optional<std::string> version = "untouched";
+    const int status = getBundleVersion(version);
+    std::cout << status << ' ' << version.value_or("(none)") << std::endl;
+  } while (std::getline(std::cin, line));
 }

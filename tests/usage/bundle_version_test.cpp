@@ -63,4 +63,19 @@ TEST_F(BundleVersion, LinkFromOutsideLeadsIntoTheBundle) {
   EXPECT_EQ(told("/tmp/bundles/link"), "0 3.2.1");
 }
 
+TEST_F(BundleVersion, StaysThatOfTheStartWhenTheBundleIsUpdatedInPlace) {
+  putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
+  EXPECT_EQ(toldAfter([] { putEntries("<key>CFBundleVersion</key><string>4.0.0</string>"); }), "0 3.2.1");
+}
+
+TEST_F(BundleVersion, StaysThatOfTheStartWhenTheBundleIsRemoved) {
+  putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
+  EXPECT_EQ(toldAfter([] { fs::remove_all(settings_test::kBundle); }), "0 3.2.1");
+}
+
+TEST_F(BundleVersion, StaysMissingWhenTheInformationIsRepairedAfterTheStart) {
+  putInformation("damaged");
+  EXPECT_EQ(toldAfter([] { putEntries("<key>CFBundleVersion</key><string>4.0.0</string>"); }), kUntouched);
+}
+
 }  // namespace

@@ -1,8 +1,11 @@
-#include <cstdio>
+#include <iostream>
+#include <string>
 
 #include "usage/server_addresses.h"
 
-// Prints the product server and the test upload server.
+// Prints the product server and the test upload server, now and again for each line it is sent.
 int main() {
-  std::printf("%s %s\n", productServer().c_str(), testUploadServer().c_str());
+  std::string line;
+  do std::cout << productServer() << ' ' << testUploadServer() << std::endl;
+  while (std::getline(std::cin, line));
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <functional>
 #include <string>
 
 #include "tests/usage/bundle_probe_fixture.h"
@@ -62,6 +64,15 @@ TEST_F(ServerAddresses, MissingInformationGivesTheBuiltInOnes) {
 TEST_F(ServerAddresses, DamagedInformationGivesTheBuiltInOnes) {
   putInformation("<plist version=\"1.0\"><dict><key>TovalinProductServer</key><string>http://127.0.0.1");
   EXPECT_EQ(told(program_), kBuiltIn);
+}
+
+TEST_F(ServerAddresses, StayThoseOfTheStartWhenTheBundleIsUpdatedOrRemoved) {
+  const auto update = [] { putEntries(entry("TovalinProductServer", "http://127.0.0.1:9999")); };
+  const auto remove = [] { std::filesystem::remove_all(settings_test::kBundle + "/Contents/Info.plist"); };
+  for (const std::function<void()>& change : {std::function<void()>(update), std::function<void()>(remove)}) {
+    putEntries(entry("TovalinProductServer", "http://127.0.0.1:8090"));
+    EXPECT_EQ(toldAfter(change), "http://127.0.0.1:8090 " + kBuiltInUpload);
+  }
 }
 
 TEST_F(ServerAddresses, OutsideABundleAreTheBuiltInOnes) {
