@@ -1,12 +1,15 @@
 #include "app/bundle_watch.h"
 
 #include <array>
+#include <chrono>
 #include <cstdio>
 
 #include "app/shell_commands.h"
 #include "platform/application.h"
 #include "platform/log.h"
 #include "platform/shell.h"
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -31,4 +34,10 @@ void filestreamcallback(platform::FileEventStream& stream, std::span<const platf
     platform::system(unloadLaunchAgentCommand);
     platform::Application::sharedApplication().terminate();
   }
+}
+
+std::shared_ptr<platform::FileEventStream> startBundleWatch(const std::string& path) {
+  auto stream = platform::FileEventStream::create(path, 500ms, filestreamcallback);
+  if (stream != nullptr) stream->start();
+  return stream;
 }

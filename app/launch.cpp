@@ -42,7 +42,7 @@ void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   showUpdateNotice();
   buildStatusItem();
   static_cast<void>(sendPipeMsg("-ton"));
-  watchBundle();
+  stream = startBundleWatch(gBundlePath);
   sendLaunchBeacons();
   bsupportWindow = false;
   bThreadRun = true;
@@ -108,11 +108,6 @@ void nimbatrayAppDelegate::showUpdateNotice() {
   if (!command)
     platform::fatalError(std::string("the bundle's path is too long to tell of an update: ") + gBundlePath);
   platform::system(*command);
-}
-
-void nimbatrayAppDelegate::watchBundle() {
-  stream = platform::FileEventStream::create(gBundlePath, 500ms, filestreamcallback);
-  if (stream != nullptr) stream->start();
 }
 
 void nimbatrayAppDelegate::sendLaunchBeacons() {

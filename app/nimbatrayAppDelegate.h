@@ -144,7 +144,6 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   void readVersion();
   void checkForUpdate();
   void showUpdateNotice();
-  void watchBundle();
   void sendLaunchBeacons();
 
   // app/status_menu.cpp

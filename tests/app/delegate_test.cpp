@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <new>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -29,6 +33,21 @@ TEST(Delegate, ItsThirtyFieldsStandInTheirOrder) {
                                            &delegate.strStartTime,   &delegate.dataUploadURL};
   ASSERT_EQ(fields.size(), 30u);
   EXPECT_TRUE(std::ranges::is_sorted(fields, std::ranges::less_equal()));
+}
+
+// The field after the thirtieth would lie in the padding behind it, or make the object larger.
+TEST(Delegate, NothingStandsBehindTheLastField) {
+  constexpr std::byte paint{0xA5};
+  constexpr std::size_t size = sizeof(nimbatrayAppDelegate);
+  alignas(nimbatrayAppDelegate) std::array<std::byte, size> memory;
+  memory.fill(paint);
+  auto* const delegate = new (memory.data()) nimbatrayAppDelegate;
+  const auto* const last = reinterpret_cast<const std::byte*>(&delegate->dataUploadURL);
+  const auto behind =
+      std::span(memory).subspan(static_cast<std::size_t>(last + sizeof(std::int32_t) - memory.data()));
+  EXPECT_LT(behind.size(), alignof(nimbatrayAppDelegate));
+  EXPECT_TRUE(std::ranges::all_of(behind, [](std::byte byte) { return byte == paint; }));
+  delegate->~nimbatrayAppDelegate();
 }
 
 TEST(Delegate, ItsFieldsStartEmptyAndItsFlagsClear) {

@@ -1,14 +1,19 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/select.h>
 #include <syslog.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 
 #include "ipc/notification_commands.h"
 #include "ipc/notification_pipe.h"
+#include "ipc/readable.h"
 #include "tests/support/syslog_socket.h"
 
 namespace {
@@ -73,6 +78,30 @@ TEST_F(ReadPipe, TheHeldEndKeepsTheEndOfTheFileAway) {
   const platform::FileDescriptor held = holdOpenForWriting(reader_.get());
   writer_.reset();
   EXPECT_EQ(read_pipe(reader_.get(), buffer_), -EAGAIN);
+}
+
+TEST_F(ReadPipe, WaitWithNothingToReadLastsTheWholeLimit) {
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(waitUntilReadable(reader_.get(), std::chrono::milliseconds(30)), 0);
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
+}
+
+// select(2) has bits for the descriptors below FD_SETSIZE alone.
+TEST_F(ReadPipe, WaitTakesTheLastDescriptorOfSelectAndRefusesTheNext) {
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const rlimit enough{FD_SETSIZE + 1, std::max<rlim_t>(limit.rlim_max, FD_SETSIZE + 1)};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &enough), 0);
+  ASSERT_EQ(::write(writer_.get(), "-non", 4), 4);
+  const platform::FileDescriptor last(::dup2(reader_.get(), FD_SETSIZE - 1));
+  ASSERT_EQ(last.get(), FD_SETSIZE - 1);
+  EXPECT_EQ(waitUntilReadable(last.get(), std::chrono::milliseconds(30)), 1);
+  const platform::FileDescriptor beyond(::dup2(reader_.get(), FD_SETSIZE));
+  ASSERT_EQ(beyond.get(), FD_SETSIZE);
+  errno = 0;
+  EXPECT_EQ(waitUntilReadable(beyond.get(), std::chrono::milliseconds(30)), -1);
+  EXPECT_EQ(errno, EINVAL);
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
 }
 
 }  // namespace

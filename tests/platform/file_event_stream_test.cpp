@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include "platform/application.h"
+#include "platform/timer.h"
 #include "platform/window.h"
 #include "tests/platform/file_event_fixture.h"
 
@@ -261,6 +262,18 @@ TEST_F(FileEvents, TheBatchComesNoSoonerThanTheLatencyAfterItsFirstChange) {
   write("file");
   ASSERT_THAT(nextBatch(), ElementsAre(changed()));
   EXPECT_GE(steady_clock::now() - start, 500ms);
+}
+
+// The run loop serves timers in the order in which they are due, however busy the machine is.
+TEST_F(FileEvents, BatchComesBeforeATimerOfTwoAndAHalfLatencies) {
+  watch(2000ms);
+  bool timerFired = false;
+  write("file");
+  const auto timer = platform::Timer::scheduledTimer(5s, [&] { timerFired = true; });
+  ASSERT_TRUE(serveEventsUntil([&] { return timerFired || !batches_.empty(); }));
+  timer->invalidate();
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+  EXPECT_FALSE(timerFired);
 }
 
 TEST_F(FileEvents, LaterChangesDoNotPutTheBatchOff) {
