@@ -17,6 +17,7 @@
 #include "platform/status_item.h"
 #include "platform/thread.h"
 #include "platform/timer.h"
+#include "usage/application_directory.h"
 #include "usage/bundle_version.h"
 #include "usage/property_file.h"
 #include "usage/server_option.h"
@@ -46,6 +47,8 @@ void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   sendLaunchBeacons();
   bsupportWindow = false;
   bThreadRun = true;
+  // Makes what an earlier version wrote private before the first record is added.
+  static_cast<void>(applicationDirectory());
   TvlWriteStartToFile();
   dataUploadURL = GetTovalinServerOption();
   bTvlDataUpload = false;

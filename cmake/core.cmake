@@ -44,6 +44,7 @@ add_library(tovalin_core STATIC
   usage/file_bytes.cpp
   usage/installation_identity.cpp
   usage/os_code.cpp
+  usage/private_files.cpp
   usage/property_file.cpp
   usage/record_bytes.cpp
   usage/server_addresses.cpp
@@ -51,6 +52,7 @@ add_library(tovalin_core STATIC
   usage/upload_files.cpp
   usage/upload_rules.cpp
   usage/usage_file.cpp
+  usage/usage_lock.cpp
   usage/usage_record.cpp
   usage/usage_upload.cpp
   usage/version_text.cpp

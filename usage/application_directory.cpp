@@ -1,9 +1,12 @@
 #include "usage/application_directory.h"
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <system_error>
 
 #include "platform/search_path.h"
+#include "usage/private_files.h"
 
 namespace {
 
@@ -18,9 +21,12 @@ std::optional<std::string> applicationPath() {
 std::optional<std::string> applicationDirectory() {
   auto path = applicationPath();
   if (!path) return std::nullopt;
+  const std::filesystem::path folder(*path);
   std::error_code error;
-  std::filesystem::create_directories(*path, error);
-  if (error) return std::nullopt;
+  std::filesystem::create_directories(folder.parent_path(), error);
+  if (::mkdir(path->c_str(), S_IRWXU) != 0 && !std::filesystem::is_directory(folder, error))
+    return std::nullopt;
+  makeFolderPrivate(*path);
   return path;
 }
 

@@ -7,10 +7,13 @@
 #include <cerrno>
 
 #include "platform/log.h"
+#include "usage/private_files.h"
 
 platform::FileDescriptor openForReading(const std::string& path) {
-  return platform::FileDescriptor(
+  platform::FileDescriptor file(
       ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW));
+  if (file.valid()) makePrivate(file);
+  return file;
 }
 
 std::optional<std::size_t> sizeOf(const platform::FileDescriptor& file) {
@@ -39,12 +42,13 @@ bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes) {
 }
 
 bool writeNewFile(const std::string& path, std::string_view text) {
-  const platform::FileDescriptor file(::open(
-      path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW, 0666));
+  constexpr int flags = O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
+  const platform::FileDescriptor file(::open(path.c_str(), flags, S_IRUSR | S_IWUSR));
   if (!file.valid()) {
     platform::errorLog("create file failed");
     return false;
   }
+  makePrivate(file);
   // One byte or an identifier is written whole or, on a full disk, not at all, which leaves an empty file.
   [[maybe_unused]] const ssize_t written = ::write(file.get(), text.data(), text.size());
   return true;

@@ -1,4 +1,3 @@
-#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 
@@ -9,17 +8,13 @@
 
 #include "tests/support/wait_until.h"
 #include "tests/usage/record_fixture.h"
+#include "tests/usage/small_disk.h"
 #include "tools/tvldump/record_reader.h"
 
 namespace settings_test {
 namespace {
 
 using test_support::ExitStatus;
-
-constexpr const char* kQuit =
-    "\x03\x13"
-    "2024-03-07 09:05:00";
-constexpr std::size_t kQuitSize = 21;
 
 TEST_F(Records, FolderThatIsAFileDropsTheRecordWithTheOpenersReport) {
   fs::remove_all(kFolder);
@@ -99,36 +94,6 @@ TEST_F(Records, WhatALinkInThePlaceOfTheFileLeadsToIsNotWritten) {
     EXPECT_EQ(contentsOf("/tmp/somebody else's"), content);
   }
 }
-
-TEST_F(Records, SomebodyWhoHoldsTheFileIsPassedByInTheEnd) {
-  TvlWriteQuitToFile();
-  const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
-  ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
-  TvlWriteQuitToFile();
-  EXPECT_EQ(contentsOf(kToday), kHeader + kQuit + kQuit);
-}
-
-TEST_F(Records, EmptyFileThatSomebodyHoldsGetsNoSecondHeader) {
-  write(kToday, "");
-  const test_support::FileDescriptor other(::open(kToday, O_RDONLY | O_CLOEXEC));
-  ASSERT_EQ(::flock(other.get(), LOCK_EX), 0);
-  EXPECT_THAT(errorsOf(TvlWriteQuitToFile), StartsWith("open log failed: "));
-  EXPECT_EQ(contentsOf(kToday), "");
-}
-
-// A disk of two pages for the application directory; the identifier takes one.
-class SmallDisk : public Records {
- protected:
-  void SetUp() override {
-    Records::SetUp();
-    ASSERT_EQ(::mount("tmpfs", kFolder, "tmpfs", 0, "size=8k"), 0);
-    write("/tmp/support/Tovalin/TovalinUUID.txt", "00112233-4455-6677-8899-AABBCCDDEEFF");
-  }
-  void TearDown() override {
-    ::umount(kFolder);
-    Records::TearDown();
-  }
-};
 
 TEST_F(SmallDisk, RecordThatFitsInPartOnlyIsCutBackAndTheNextDaysGoOn) {
   TvlWriteQuitToFile();

@@ -26,6 +26,12 @@ inline const std::string kHeader =
     "\x07"
     "1.0.0.0"s;
 
+// The quit record of that moment.
+inline constexpr const char* kQuit =
+    "\x03\x13"
+    "2024-03-07 09:05:00";
+inline constexpr std::size_t kQuitSize = 21;
+
 // A "-ncdat" message, made byte by byte.
 class Message {
  public:

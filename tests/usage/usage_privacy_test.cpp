@@ -1,0 +1,116 @@
+#include <sys/stat.h>
+
+#include "tests/usage/record_fixture.h"
+#include "usage/application_directory.h"
+#include "usage/installation_identity.h"
+#include "usage/private_files.h"
+#include "usage/server_option.h"
+
+namespace settings_test {
+namespace {
+
+constexpr const char* kIdentity = "/tmp/support/Tovalin/TovalinUUID.txt";
+constexpr const char* kOption = "/tmp/support/Tovalin/TovalinServerOption.txt";
+
+mode_t modeOf(const std::string& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+// Whatever the user's mask lets others do.
+class Privacy : public Records {
+ protected:
+  void SetUp() override {
+    before_ = ::umask(0);
+    Records::SetUp();
+  }
+  void TearDown() override {
+    Records::TearDown();
+    ::umask(before_);
+  }
+  static void openToAll(const std::string& path) { ASSERT_EQ(::chmod(path.c_str(), 0777), 0); }
+
+  mode_t before_ = 0;
+};
+
+TEST_F(Privacy, NewFolderAndNewFilesAreTheUsersAlone) {
+  fs::remove_all(kFolder);
+  TvlWriteQuitToFile();
+  static_cast<void>(GetTovalinServerOption());
+  EXPECT_EQ(modeOf(kFolder), 0700u);
+  for (const char* file : {kToday, kIdentity, kOption}) EXPECT_EQ(modeOf(file), 0600u) << file;
+}
+
+TEST_F(Privacy, FoldersAboveAreMadeAsTheMaskSays) {
+  ::setenv("XDG_DATA_HOME", "/tmp/support/a/b", 1);
+  ASSERT_TRUE(applicationDirectory());
+  EXPECT_EQ(modeOf("/tmp/support/a/b"), 0777u);
+  EXPECT_EQ(modeOf("/tmp/support/a/b/Tovalin"), 0700u);
+}
+
+TEST_F(Privacy, ExistingFolderAndItsFilesAreMadePrivate) {
+  const std::string past = std::string(kFolder) + "/Tovalin_2024_03_06.dat";
+  write(past, kHeader);
+  openToAll(kFolder);
+  openToAll(past);
+  openToAll(kIdentity);
+  ASSERT_EQ(applicationDirectory(), kFolder);
+  EXPECT_EQ(modeOf(kFolder), 0700u);
+  EXPECT_EQ(modeOf(past), 0700u);
+  EXPECT_EQ(modeOf(kIdentity), 0700u);
+  EXPECT_EQ(contentsOf(past), kHeader);
+}
+
+TEST_F(Privacy, FileThatIsUsedIsMadePrivate) {
+  for (const char* file : {kToday, kIdentity, kOption}) {
+    write(file, file == kIdentity ? contentsOf(kIdentity) : "1");
+    ASSERT_EQ(::chmod(file, 0644), 0);
+  }
+  TvlWriteQuitToFile();
+  std::array<char, 50> identifier{};
+  GetTovalinUUID(identifier);
+  static_cast<void>(GetTovalinServerOption());
+  for (const char* file : {kToday, kIdentity, kOption}) EXPECT_EQ(modeOf(file), 0600u) << file;
+}
+
+TEST_F(Privacy, FileThatIsWrittenAnewIsMadePrivate) {
+  write(kOption, "0\n");
+  openToAll(kOption);
+  static_cast<void>(GetTovalinServerOption());
+  EXPECT_EQ(modeOf(kOption), 0700u);
+}
+
+TEST_F(Privacy, FilesAndFoldersOfAnotherUserKeepTheirMode) {
+  write(kToday, kHeader);
+  for (const char* path : {kFolder, kToday}) {
+    openToAll(path);
+    ASSERT_EQ(::chown(path, test_support::kNobody, 0), 0);
+  }
+  ASSERT_EQ(applicationDirectory(), kFolder);
+  TvlWriteQuitToFile();
+  EXPECT_EQ(modeOf(kFolder), 0777u);
+  EXPECT_EQ(modeOf(kToday), 0777u);
+}
+
+TEST_F(Privacy, WhatALinkLeadsToKeepsItsMode) {
+  fs::create_directory("/tmp/support/elsewhere");
+  write("/tmp/support/file", "text");
+  openToAll("/tmp/support/elsewhere");
+  openToAll("/tmp/support/file");
+  fs::create_symlink("/tmp/support/file", std::string(kFolder) + "/link");
+  fs::create_symlink("/tmp/support/elsewhere", std::string(kFolder) + "/folder");
+  makeFolderPrivate(kFolder);
+  makeFolderPrivate(std::string(kFolder) + "/folder");
+  EXPECT_EQ(modeOf("/tmp/support/file"), 0777u);
+  EXPECT_EQ(modeOf("/tmp/support/elsewhere"), 0777u);
+}
+
+TEST_F(Privacy, PipeInTheFolderIsNotWaitedForAndKeepsItsMode) {
+  const std::string pipe = std::string(kFolder) + "/pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0666), 0);
+  makeFolderPrivate(kFolder);
+  EXPECT_EQ(modeOf(pipe), 0666u);
+}
+
+}  // namespace
+}  // namespace settings_test
