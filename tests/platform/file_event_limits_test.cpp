@@ -1,8 +1,12 @@
+#include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "platform/linux/file_identity.h"
+#include "platform/linux/inotify.h"
 #include "tests/platform/file_event_fixture.h"
 #include "tests/support/child_process.h"
 
@@ -25,6 +29,31 @@ TEST_F(FileEvents, NoStreamForAFile) {
 TEST_F(FileEvents, NoStreamForAPathWithoutABeginning) {
   EXPECT_EQ(make(""), nullptr);
   EXPECT_EQ(make("tmp"), nullptr);
+}
+
+// A writer without a pause must not hold the reader up.
+TEST_F(FileEvents, DrainTakesOnlyTheNoticesThatWaitAtItsBeginning) {
+  platform::Inotify queue;
+  ASSERT_GE(queue.add(root_, IN_CREATE), 0);
+  constexpr int enough = 100;
+  int taken = 0;
+  const auto writeNext = [&] { std::ofstream(inRoot(std::to_string(taken))).flush(); };
+  writeNext();
+  queue.drain([&](const platform::Inotify::Notice&) {
+    if (++taken < enough) writeNext();
+  });
+  EXPECT_EQ(taken, 1);
+}
+
+// File systems give the number of a removed folder to a new one; its birth time tells them apart.
+TEST_F(FileEvents, IdentityOfAFolderHoldsItsBirthTime) {
+  struct statx status {};
+  ASSERT_EQ(::statx(AT_FDCWD, root_.c_str(), 0, STATX_BTIME, &status), 0);
+  if ((status.stx_mask & STATX_BTIME) == 0) GTEST_SKIP() << "this file system keeps no birth time";
+  const auto identity = platform::folderAt(root_);
+  ASSERT_TRUE(identity);
+  EXPECT_EQ(identity->madeSeconds, status.stx_btime.tv_sec);
+  EXPECT_EQ(identity->madeNanoseconds, status.stx_btime.tv_nsec);
 }
 
 long watchesForAll() {

@@ -10,6 +10,7 @@ namespace failing_parts {
 
 std::function<ssize_t(int, void*, std::size_t)> insteadOfRead;
 std::function<int(const char*, int, mode_t)> insteadOfOpen;
+std::function<int(const char*, mode_t)> insteadOfMkdir;
 std::function<int(int, struct stat*)> insteadOfFstat;
 std::function<int(const char*, struct stat*)> insteadOfLstat;
 bool memoryIsShort = false;
@@ -17,6 +18,7 @@ bool memoryIsShort = false;
 void mend() {
   insteadOfRead = nullptr;
   insteadOfOpen = nullptr;
+  insteadOfMkdir = nullptr;
   insteadOfFstat = nullptr;
   insteadOfLstat = nullptr;
   memoryIsShort = false;
@@ -37,6 +39,13 @@ extern "C" int openOfTheTest(const char* path, int flags, mode_t mode) __asm__("
 int openOfTheTest(const char* path, int flags, mode_t mode) {
   if (failing_parts::insteadOfOpen) return failing_parts::insteadOfOpen(path, flags, mode);
   return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+}
+
+extern "C" int mkdirOfTheTest(const char* path, mode_t mode) __asm__("__wrap_mkdir");
+
+int mkdirOfTheTest(const char* path, mode_t mode) {
+  if (failing_parts::insteadOfMkdir) return failing_parts::insteadOfMkdir(path, mode);
+  return ::mkdirat(AT_FDCWD, path, mode);
 }
 
 extern "C" int fstatOfTheTest(int descriptor, struct stat* status) __asm__("__wrap_fstat");

@@ -12,8 +12,10 @@ namespace failing_parts {
 // What a read of at most `size` bytes gives instead of what the file holds; nothing: what it holds.
 extern std::function<ssize_t(int descriptor, void* bytes, std::size_t size)> insteadOfRead;
 
-// What becomes of the opening of a file, and of asking for its size, instead; nothing: what the system does.
+// What becomes of the opening of a file, the making of a folder, and of asking for a size, instead; nothing:
+// what the system does.
 extern std::function<int(const char* path, int flags, mode_t mode)> insteadOfOpen;
+extern std::function<int(const char* path, mode_t mode)> insteadOfMkdir;
 extern std::function<int(int descriptor, struct stat* status)> insteadOfFstat;
 extern std::function<int(const char* path, struct stat* status)> insteadOfLstat;
 

@@ -3,12 +3,14 @@
 
 #include <array>
 #include <cerrno>
+#include <vector>
 
 #include "tests/usage/failing_parts.h"
 #include "tests/usage/settings_fixture.h"
 #include "usage/installation_identity.h"
 #include "usage/server_option.h"
 #include "usage/upload_files.h"
+#include "usage/usage_record.h"
 
 namespace settings_test {
 namespace {
@@ -227,6 +229,25 @@ TEST_F(PastFileFault, SentFileThatMayHaveGrownIsKept) {
   insteadOfLstat = [](const char*, struct stat*) { return errno = EACCES, -1; };
   removeSentFile({kPastFile, 7});
   EXPECT_EQ(contentsOf(kPastFile), "records, and more");
+}
+
+// Whoever could open a file between its creation and the change of its mode could keep it open.
+TEST_F(SettingsFault, FilesAndTheirFolderAreTheUsersAloneFromTheirCreationOn) {
+  fs::remove_all(kFolder);
+  std::vector<mode_t> files, folders;
+  insteadOfOpen = [&](const char* path, int flags, mode_t mode) {
+    if ((flags & O_CREAT) != 0) files.push_back(mode);
+    return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+  };
+  failing_parts::insteadOfMkdir = [&](const char* path, mode_t mode) {
+    folders.push_back(mode);
+    return ::mkdirat(AT_FDCWD, path, mode);
+  };
+  TvlWriteQuitToFile();
+  static_cast<void>(GetTovalinServerOption());
+  EXPECT_THAT(folders, testing::ElementsAre(0700));
+  EXPECT_GE(files.size(), 4u) << "the day's file, its lock, the identity, the server's option";
+  EXPECT_THAT(files, testing::Each(0600));
 }
 
 }  // namespace

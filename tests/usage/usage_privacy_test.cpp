@@ -112,5 +112,15 @@ TEST_F(Privacy, PipeInTheFolderIsNotWaitedForAndKeepsItsMode) {
   EXPECT_EQ(modeOf(pipe), 0666u);
 }
 
+TEST_F(Privacy, PipesInThePlacesOfFilesKeepTheirMode) {
+  fs::remove(kIdentity);
+  for (const char* path : {kToday, kIdentity, kOption}) ASSERT_EQ(::mkfifo(path, 0666), 0);
+  TvlWriteQuitToFile();
+  std::array<char, 50> identifier{};
+  GetTovalinUUID(identifier);
+  static_cast<void>(GetTovalinServerOption());
+  for (const char* path : {kToday, kIdentity, kOption}) EXPECT_EQ(modeOf(path), 0666u) << path;
+}
+
 }  // namespace
 }  // namespace settings_test
