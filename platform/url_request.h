@@ -27,13 +27,14 @@ struct UrlRequest {
   std::chrono::milliseconds timeoutInterval = std::chrono::seconds(60);
   // Redirects are followed to these schemes only, written as in "http,https".
   std::string redirectSchemes = "http,https";
-  // A longer reply counts as none, so that no server can fill the memory.
+  // A reply that is longer, as received or decoded, counts as none, so that no server can fill the memory.
   std::size_t maximumReplySize = std::size_t{16} << 20;
 };
 
-// Sends the request, waits, and returns the body of the reply, decoded, whatever its status code; nothing
-// when no whole reply came in time, or no request can be made of what is asked. Blocks its caller; any
-// thread, several at a time. Proxies are those that the environment names.
+// Sends the request, waits, and returns the body of the reply, whatever its status code; nothing when no
+// whole reply came in time, or no request can be made of what is asked. A body in gzip or deflate is decoded;
+// one in another coding, or not in the one that the server names, is returned as received. Blocks its caller;
+// any thread, several at a time. Proxies are those that the environment names.
 [[nodiscard]] std::optional<std::string> sendSynchronousRequest(const UrlRequest& request);
 
 }  // namespace platform

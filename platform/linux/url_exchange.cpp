@@ -1,6 +1,5 @@
 #include "platform/linux/url_exchange.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -8,6 +7,8 @@
 #include <string_view>
 #include <tuple>
 
+#include "platform/linux/bounded_text.h"
+#include "platform/linux/content_coding.h"
 #include "platform/linux/url_request_body.h"
 #include "platform/linux/url_transfer.h"
 
@@ -33,23 +34,9 @@ class HeaderList {
   std::unique_ptr<curl_slist, Cleanup> list_;
 };
 
-// What came of the body so far; it never holds more than its limit.
-struct Reply {
-  std::size_t limit;
-  std::string text = {};
-
-  [[nodiscard]] bool append(std::string_view piece) {
-    if (piece.size() > limit - text.size()) return false;
-    const std::size_t needed = text.size() + piece.size();
-    if (needed > text.capacity()) text.reserve(std::max(needed, std::min(2 * text.capacity(), limit)));
-    text += piece;
-    return true;
-  }
-};
-
 std::size_t takeReply(char* data, std::size_t /*one*/, std::size_t size, void* reply) {
   try {
-    return static_cast<Reply*>(reply)->append({data, size}) ? size : CURL_WRITEFUNC_ERROR;
+    return static_cast<BoundedText*>(reply)->append({data, size}) ? size : CURL_WRITEFUNC_ERROR;
   } catch (const std::exception&) {
     return CURL_WRITEFUNC_ERROR;
   }
@@ -78,9 +65,9 @@ HeaderList headersOf(const UrlRequest& request) {
   // A type that libcurl would make up, and a question that costs a second with servers that don't know it.
   headers.add("Content-Type:");
   headers.add("Expect:");
-  // Lists shrink to a part of their size; the answer to what is sent is a few words. What comes packed all
-  // the same is unpacked.
-  if (request.method == "POST") headers.add("Accept-Encoding:");
+  // Lists shrink to a part of their size; the reply to what is sent is a few words. libcurl is not asked to
+  // decode: it fails where the body is not in the coding that the server names.
+  if (request.method == "GET") headers.add("Accept-Encoding: gzip, deflate");
   if (request.cachePolicy == UrlRequest::CachePolicy::ReloadIgnoringLocalCache) {
     headers.add("Cache-Control: no-cache");
     headers.add("Pragma: no-cache");
@@ -114,8 +101,7 @@ void setBody(UrlTransfer& transfer, UrlRequestBody& body) {
   transfer.set(CURLOPT_POSTREDIR, static_cast<long>(CURL_REDIR_POST_301 | CURL_REDIR_POST_302));
 }
 
-void setReply(UrlTransfer& transfer, Reply& reply) {
-  transfer.set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+void setReply(UrlTransfer& transfer, BoundedText& reply) {
   transfer.set(CURLOPT_WRITEFUNCTION, &takeReply);
   transfer.set(CURLOPT_WRITEDATA, &reply);
 }
@@ -125,14 +111,14 @@ void setReply(UrlTransfer& transfer, Reply& reply) {
 std::optional<std::string> exchange(const UrlRequest& request) {
   const HeaderList headers = headersOf(request);
   UrlRequestBody body(request.body);
-  Reply reply{.limit = request.maximumReplySize};
+  BoundedText reply(request.maximumReplySize);
   UrlTransfer transfer;
   setDestination(transfer, request);
   if (request.method == "POST") setBody(transfer, body);
   transfer.set(CURLOPT_HTTPHEADER, headers.get());
   setReply(transfer, reply);
   if (!transfer.run(request.timeoutInterval)) return std::nullopt;
-  return std::move(reply.text);
+  return withoutContentCodings(reply.take(), transfer.header("Content-Encoding"), request.maximumReplySize);
 }
 
 }  // namespace platform

@@ -48,11 +48,22 @@ UrlTransfer::~UrlTransfer() {
 
 bool UrlTransfer::run(milliseconds interval) {
   if (!accepted_ || curl_multi_add_handle(loop_.get(), handle_.get()) != CURLM_OK) return false;
-  const CURLcode result = waitForTheEnd(interval);
-  if (!hasWholeHead()) return false;
-  // A server that has answered need not take the rest of the request.
-  const bool onlySendingFailed = result == CURLE_SEND_ERROR || result == CURLE_OPERATION_TIMEDOUT;
-  return result == CURLE_OK || (onlySendingFailed && hasWholeBody());
+  return isWholeReply(endOf(waitForTheEnd(interval)));
+}
+
+std::string UrlTransfer::header(const char* name) const {
+  constexpr int lastRequest = -1;
+  // Each call goes through the whole head, so that a head of nothing but such fields would take seconds.
+  constexpr std::size_t maxFields = 10;
+  std::string values;
+  curl_header* field = nullptr;
+  for (std::size_t i = 0; i < maxFields && curl_easy_header(handle_.get(), name, i, CURLH_HEADER, lastRequest,
+                                                            &field) == CURLHE_OK;
+       ++i) {
+    if (i > 0) values += ',';
+    values += field->value;
+  }
+  return values;
 }
 
 // A ready descriptor is the finished look-up of a name, a connection, or bytes that came or can go. It is no
@@ -81,15 +92,12 @@ CURLcode UrlTransfer::result() const {
   return message != nullptr && message->msg == CURLMSG_DONE ? message->data.result : CURLE_FAILED_INIT;
 }
 
-// libcurl takes a connection that ends within the head for the end of a reply without a body.
-bool UrlTransfer::hasWholeHead() const {
-  return answeredRedirects_ == info<long>(CURLINFO_REDIRECT_COUNT);
-}
-
-bool UrlTransfer::hasWholeBody() const {
-  const bool isRedirect = info<long>(CURLINFO_RESPONSE_CODE) / 100 == 3;
-  const auto length = info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T);
-  return !isRedirect && length >= 0 && info<curl_off_t>(CURLINFO_SIZE_DOWNLOAD_T) == length;
+TransferEnd UrlTransfer::endOf(CURLcode result) const {
+  return {.result = result,
+          .headIsWhole = answeredRedirects_ == info<long>(CURLINFO_REDIRECT_COUNT),
+          .status = info<long>(CURLINFO_RESPONSE_CODE),
+          .announcedSize = info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T),
+          .receivedSize = info<curl_off_t>(CURLINFO_SIZE_DOWNLOAD_T)};
 }
 
 long UrlTransfer::unacknowledgedBytes() const {

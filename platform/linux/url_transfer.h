@@ -5,7 +5,10 @@
 #include <chrono>
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <vector>
+
+#include "platform/linux/transfer_end.h"
 
 namespace platform {
 
@@ -27,6 +30,10 @@ class UrlTransfer {
   // by between two signs of life.
   [[nodiscard]] bool run(std::chrono::milliseconds interval);
 
+  // After `run`: the values of the last reply's first ten header fields of that name, joined by commas; empty
+  // if it has none. Interim replies, redirects and trailers are other heads.
+  [[nodiscard]] std::string header(const char* name) const;
+
  private:
   struct HandleCleanup {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
@@ -41,8 +48,7 @@ class UrlTransfer {
 
   [[nodiscard]] CURLcode waitForTheEnd(std::chrono::milliseconds interval);
   [[nodiscard]] CURLcode result() const;
-  [[nodiscard]] bool hasWholeHead() const;
-  [[nodiscard]] bool hasWholeBody() const;
+  [[nodiscard]] TransferEnd endOf(CURLcode result) const;
   [[nodiscard]] long unacknowledgedBytes() const;
 
   template <typename Value>

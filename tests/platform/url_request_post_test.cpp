@@ -176,6 +176,38 @@ TEST(UrlRequestPost, ReplyOfAServerThatTakesNoMoreIsAReply) {
   EXPECT_THAT(sendSynchronousRequest(request), Optional(std::string("enough")));
 }
 
+// Answers early with a redirect to `place`.
+RawHttpServer::Script redirectEarly(const std::string& place, const std::string& status) {
+  return answerEarly(httpReply("moved", "Location: " + place + "\r\nConnection: close\r\n", status));
+}
+
+TEST(UrlRequestPost, RedirectBeforeTheEndOfTheBodyIsFollowed) {
+  const std::string body(std::size_t{40} << 20, 'b');
+  for (const char* status : {"302 Found", "303 See Other", "307 Temporary Redirect"}) {
+    const RawHttpServer target(RawHttpServer::answer(httpReply("there")));
+    const RawHttpServer server(redirectEarly(target.url(), status));
+    EXPECT_THAT(sendSynchronousRequest(postOf(server.url(), body)), Optional(std::string("there"))) << status;
+  }
+}
+
+TEST(UrlRequestPost, RedirectBeforeTheEndOfTheBodyToAServerThatFailsIsNoReply) {
+  const std::string body(std::size_t{40} << 20, 'b');
+  const RawHttpServer resetting([](RawConnection& connection) {
+    connection.readHead();
+    connection.reset();
+  });
+  const RawHttpServer silent([](RawConnection& connection) { connection.waitForEnd(); });
+  for (const std::string& place : {std::string("http://127.0.0.1:1/"), resetting.url(), silent.url(),
+                                   silent.url("/", "ftp"), std::string("http://")}) {
+    for (const char* status : {"302 Found", "303 See Other", "307 Temporary Redirect"}) {
+      const RawHttpServer server(redirectEarly(place, status));
+      UrlRequest request = postOf(server.url(), body);
+      request.timeoutInterval = std::chrono::seconds(2);
+      EXPECT_EQ(sendSynchronousRequest(request), std::nullopt) << status << ' ' << place;
+    }
+  }
+}
+
 TEST(UrlRequestPost, PartOfAReplyBeforeTheEndOfTheBodyIsNone) {
   const std::string body(std::size_t{100} << 20, 'b');
   const RawHttpServer server(answerEarly("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nnot all"));

@@ -150,6 +150,11 @@ TEST(UrlRequestRedirect, PostIsSentAgainWithItsBody) {
   }
 }
 
+TEST(UrlRequestRedirect, PostOfAnEmptyBodyIsSentAgain) {
+  const std::string request = postedAgain("307 Temporary Redirect", "");
+  EXPECT_THAT(request, StartsWith("POST /new HTTP/1.1\r\n"));
+}
+
 TEST(UrlRequestRedirect, SeeOtherTurnsAPostIntoAGet) {
   const std::string request = postedAgain("303 See Other", "body");
   EXPECT_THAT(request, StartsWith("GET /new HTTP/1.1\r\n"));

@@ -65,17 +65,6 @@ TEST(UrlRequestReply, ChunksAreJoined) {
   EXPECT_THAT(replyOf(RawHttpServer::answer(chunkedReply("", 1))), Optional(std::string()));
 }
 
-TEST(UrlRequestReply, GzipIsUnpacked) {
-  const std::string packed = gzipped("packed text");
-  EXPECT_THAT(replyOf(RawHttpServer::answer(httpReply(packed, kGzip))), Optional(std::string("packed text")));
-  EXPECT_THAT(replyOf(RawHttpServer::answer(chunkedReply(packed, 3, kGzip))),
-              Optional(std::string("packed text")));
-}
-
-TEST(UrlRequestReply, WhatIsNoGzipIsNoReply) {
-  EXPECT_EQ(replyOf(RawHttpServer::answer(httpReply("plain text", kGzip))), std::nullopt);
-}
-
 TEST(UrlRequestReply, BodyWithoutLengthEndsWithTheConnection) {
   EXPECT_THAT(replyOf(RawHttpServer::answer("HTTP/1.1 200 OK\r\n\r\nup to the end")),
               Optional(std::string("up to the end")));
