@@ -1,5 +1,9 @@
 #include "app/beacon.h"
 
+#include <cstddef>
+
+#include "platform/ipv6_literal.h"
+
 namespace {
 
 // Written out: the C library's classes of characters follow the user's locale.
@@ -11,6 +15,26 @@ void appendEscape(std::string& address, unsigned char byte) {
   address += '%';
   address += digits[byte >> 4U];
   address += digits[byte & 0xFU];
+}
+
+// Where the host of an origin begins.
+std::size_t hostStart(std::string_view server) {
+  constexpr std::string_view separator = "://";
+  const std::size_t found = server.find(separator);
+  if (found == std::string_view::npos) return 0;
+  const std::size_t start = found + separator.size();
+  const std::string_view authority = server.substr(start, server.find_first_of("/?#", start) - start);
+  return start + authority.rfind('@') + 1;
+}
+
+// Brackets may stand around the host alone, and without them an IPv6 address is no host.
+std::string escapedServer(std::string_view server) {
+  const std::size_t start = hostStart(server);
+  const std::string_view host = server.substr(start, server.find(']', start) - start + 1);
+  if (!platform::isIpv6Literal(host)) return escapedForAddress(server);
+  return escapedForAddress(server.substr(0, start))
+      .append(host)
+      .append(escapedForAddress(server.substr(start + host.size())));
 }
 
 }  // namespace
@@ -29,8 +53,7 @@ std::string escapedForAddress(std::string_view text) {
 }
 
 std::string beaconAddress(std::string_view server, std::string_view category, std::string_view value) {
-  std::string address(server);
-  address.append("/product/nimba/binary/GATovalin.html?category=");
-  address.append(category).append("&").append(category).append("=").append(value);
-  return escapedForAddress(address);
+  std::string page = "/product/nimba/binary/GATovalin.html?category=";
+  page.append(category).append("&").append(category).append("=").append(value);
+  return escapedServer(server) + escapedForAddress(page);
 }

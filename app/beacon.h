@@ -9,6 +9,7 @@
 // address stay, a percent sign does not.
 [[nodiscard]] std::string escapedForAddress(std::string_view text);
 
-// The page on `server` (an origin, no slash behind it) that counts `value` under `category`, escaped.
+// The page on `server` (an origin, no slash behind it) that counts `value` under `category`, escaped but for
+// the brackets of an IPv6 host.
 [[nodiscard]] std::string beaconAddress(std::string_view server, std::string_view category,
                                         std::string_view value);

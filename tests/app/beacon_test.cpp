@@ -62,4 +62,25 @@ TEST(BeaconAddress, EmptyPartsLeaveTheirSeparators) {
   EXPECT_EQ(addressOf("", ""), kPage + "?category=&=");
 }
 
+TEST(BeaconAddress, BracketsOfTheServersIpv6HostStay) {
+  const std::string rest = "/product/nimba/binary/GATovalin.html?category=c&c=v";
+  for (const char* server :
+       {"http://[::1]:8090", "https://[2001:db8::a]", "http://[::ffff:127.0.0.1]", "HTTP://user:word@[::1]"})
+    EXPECT_EQ(beaconAddress(server, "c", "v"), server + rest);
+}
+
+TEST(BeaconAddress, BracketsElsewhereDoNotStay) {
+  EXPECT_EQ(addressOf("c", "[::1]"), kPage + "?category=c&c=%5B::1%5D");
+  EXPECT_EQ(beaconAddress("http://a/[b]", "c", "v").substr(0, 16), "http://a/%5Bb%5D");
+  EXPECT_EQ(beaconAddress("http://a?://[b]", "c", "v").substr(0, 19), "http://a?://%5Bb%5D");
+  for (const char* unclosed : {"http://[::1", "http://::1]", "http://a[::1]"})
+    EXPECT_EQ(beaconAddress(unclosed, "c", "v").find_first_of("[]"), std::string::npos) << unclosed;
+}
+
+TEST(BeaconAddress, OnlyAnIpv6AddressStandsInBrackets) {
+  for (const char* server :
+       {"http://[a b]", "http://[[::1]]", "http://[]", "http://[fe80::1%25lo]", "http://[x]"})
+    EXPECT_EQ(beaconAddress(server, "c", "v").find_first_of("[] "), std::string::npos) << server;
+}
+
 }  // namespace
