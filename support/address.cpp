@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "platform/ipv6_literal.h"
 #include "platform/text_case.h"
 
 namespace {
@@ -26,13 +27,27 @@ bool mayStand(std::string_view text) {
   return isIn(letters, text[0]) || isIn(digits, text[0]) || isIn(marks, text[0]);
 }
 
-// RFC 3986, section 3.1; empty when there is none.
-std::string_view schemeOf(std::string_view text) {
-  const std::string_view scheme = text.substr(0, text.find(':'));
-  if (scheme.empty() || scheme.size() == text.size() || !isIn(letters, scheme[0])) return {};
-  const bool valid = std::ranges::all_of(
-      scheme, [](char c) { return isIn(letters, c) || isIn(digits, c) || isIn("+-.", c); });
-  return valid ? scheme : std::string_view();
+bool isWebScheme(std::string_view text) {
+  return platform::equalButForCase(text, "http") || platform::equalButForCase(text, "https");
+}
+
+// A name or an IPv4 address, without the escapes and marks that RFC 3986 has beyond those of host names; or
+// an IPv6 address.
+bool isHost(std::string_view text) {
+  if (platform::isIpv6Literal(text)) return true;
+  return !text.empty() && std::ranges::all_of(text, [](char c) {
+    return isIn(letters, c) || isIn(digits, c) || isIn("-._", c);
+  });
+}
+
+bool isPort(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return isIn(digits, c); });
+}
+
+bool isHostAndPort(std::string_view text) {
+  const std::size_t colon = text.find(':', text.find(']') + 1);
+  const bool hasPort = colon != std::string_view::npos;
+  return isHost(text.substr(0, colon)) && (!hasPort || isPort(text.substr(colon + 1)));
 }
 
 }  // namespace
@@ -45,6 +60,10 @@ bool isAddress(std::string_view text) {
 }
 
 bool isLink(std::string_view text) {
-  const std::string_view scheme = schemeOf(text);
-  return isAddress(text) && !scheme.empty() && !platform::equalButForCase(scheme, "file");
+  const std::size_t colon = text.find("://");
+  if (!isAddress(text) || colon == std::string_view::npos || !isWebScheme(text.substr(0, colon)))
+    return false;
+  std::string_view authority = text.substr(colon + 3);
+  authority = authority.substr(0, authority.find_first_of("/?#"));
+  return isHostAndPort(authority.substr(authority.rfind('@') + 1));
 }

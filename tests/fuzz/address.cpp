@@ -46,5 +46,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::checkLink(text);
   checkEscapes(text);
   require(isLink(beaconAddress("https://www.tovalin.example", text, text)), "a beacon is a link");
+  require(isAddress(beaconAddress(text, "c", "v")), "a beacon's page on any server is an address");
   return 0;
 }
