@@ -41,6 +41,7 @@ add_library(tovalin_core STATIC
   usage/application_directory.cpp
   usage/bundle_version.cpp
   usage/collect_message.cpp
+  usage/console_text.cpp
   usage/file_bytes.cpp
   usage/installation_identity.cpp
   usage/os_code.cpp

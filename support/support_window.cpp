@@ -14,6 +14,7 @@
 #include "support/support_controls.h"
 #include "support/support_layout.h"
 #include "usage/bundle_version.h"
+#include "usage/console_text.h"
 #include "usage/server_addresses.h"
 
 using platform::LogPriority;
@@ -59,7 +60,7 @@ void nimbatrayAppDelegate::support() {
 void nimbatrayAppDelegate::refreshVersionAndBanners() {
   const bool fetched = getRecentVersion() != 0;
   if (fetched) {
-    platform::consoleLog("recentversion : " + orNull(recentVersion) +
+    platform::consoleLog("recentversion : " + consoleText(orNull(recentVersion)) +
                          ", currentversion : " + orNull(currentVersion));
     versionCheck();
     static_cast<void>(getBannerList());

@@ -3,6 +3,7 @@
 #include "platform/log.h"
 #include "platform/url_request.h"
 #include "usage/application_directory.h"
+#include "usage/console_text.h"
 #include "usage/record_bytes.h"
 #include "usage/server_addresses.h"
 #include "usage/upload_files.h"
@@ -50,6 +51,6 @@ bool nimbatrayAppDelegate::sendPostRequest(std::span<const char> contents) {
       uploadRequest(dataUploadURL == 1 ? productServer() : testUploadServer(), form, contents);
   const auto reply = platform::sendSynchronousRequest(request);
   const bool received = reply && isUtf8(*reply);
-  platform::consoleLog(received ? std::string_view(*reply) : "(null)");
+  platform::consoleLog(received ? consoleText(*reply) : "(null)");
   return received;
 }

@@ -262,6 +262,30 @@ TEST_F(SupportContent, LinksThatAreNoneLeadNowhere) {
   expectNothingRun();
 }
 
+TEST_F(SupportContent, LinksAndBannersOfOtherSchemesLeadNowhere) {
+  server_->put(noticeFile, noticeList("x1:evil.html", "smb://host.example/share"));
+  server_->put(bannerListFile, bannerList(banner("red.ppm", "mailto:a@b.example?attach=/etc/passwd")));
+  launchAndOpen();
+  timeline_.clear();
+  for (const Place place : {firstLink, secondLink, bannerMiddle}) clickAt(place);
+  ASSERT_TRUE(waitUntil([&] { return linesInConsole("bannerImgView clicked") == 1; }));
+  expectNothingRun();
+}
+
+TEST_F(SupportContent, VersionOfTheServerIsOneShortLineOnTheConsole) {
+  server_->putVersion("9.0.0\n2026-11-22 10:00:00.000 TovalinTray[1] forged\xe2\x80\xae" +
+                      std::string(2000, '9'));
+  launchAndOpen();
+  const std::string text = console();
+  const std::size_t start = text.find("recentversion : ");
+  ASSERT_NE(start, std::string::npos) << text;
+  const std::string line = text.substr(start, text.find('\n', start) - start);
+  EXPECT_THAT(line, testing::StartsWith("recentversion : 9.0.0\\u000a2026-11-22 10:00:00.000 TovalinTray[1] "
+                                        "forged\\u202e999"));
+  EXPECT_THAT(line, testing::EndsWith("999\u2026, currentversion : 1.0.0"));
+  EXPECT_LT(line.size(), 1100U);
+}
+
 TEST_F(SupportContent, LinksOpenAsTheAddressThatTheyAreReadAsOrNotAtAll) {
   server_->put(noticeFile, noticeList("HTTP://One.Example/%7ea", "http://two.example:99999/"));
   launchAndOpen();
@@ -277,12 +301,13 @@ TEST_F(SupportContent, LinksOpenAsTheAddressThatTheyAreReadAsOrNotAtAll) {
 TEST_F(SupportContent, WhatTheServerSaysIsTextAndNothingElse) {
   server_->put(
       noticeFile,
-      plist("<dict>" + noticeEntry("notice_1", "&lt;b&gt;&amp;amp; &lt;a href='x:y'&gt;%s%n", "x:y") +
+      plist("<dict>" +
+            noticeEntry("notice_1", "&lt;b&gt;&amp;amp; &lt;a href='x:y'&gt;%s%n", "http://one.example/") +
             noticeEntry("notice_2", std::string(100000, 'W'), "http://two.example/") + "</dict>"));
   launchAndOpen();
   timeline_.clear();
   clickAt(firstLink);
-  EXPECT_TRUE(waitForText("run: open x:y"));
+  EXPECT_TRUE(waitForText("run: open http://one.example/"));
   clickAt(secondLink);
   EXPECT_TRUE(waitForText("run: open http://two.example/"));
   closeWindow();

@@ -4,6 +4,7 @@
 
 #include "tests/support/sanitizer.h"
 #include "tests/usage/upload_fixture.h"
+#include "usage/upload_files.h"
 
 namespace settings_test {
 namespace {
@@ -133,6 +134,23 @@ TEST_F(UploadPass, FileBeyondTheLimitIsKeptAndNotRead) {
   pass({});
   EXPECT_THAT(server_.requests(), IsEmpty());
   EXPECT_THAT(left(), ElementsAre("large.dat"));
+}
+
+TEST_F(UploadPass, FileOfTheLimitIsReadWhole) {
+  write(inFolder("large.dat"), "");
+  fs::resize_file(inFolder("large.dat"), std::uintmax_t{256} << 20);
+  const auto contents = contentsOfFile(inFolder("large.dat"));
+  ASSERT_TRUE(contents);
+  EXPECT_EQ(contents->size(), std::size_t{256} << 20);
+}
+
+TEST_F(UploadPass, FileThatShrankWhileItWasSentIsDeleted) {
+  server_.judgeUploads([](const ServedRequest&) {
+    fs::resize_file(inFolder(kYesterday), 3);
+    return Reply{};
+  });
+  pass({kYesterday});
+  EXPECT_TRUE(left().empty());
 }
 
 TEST_F(UploadPass, FileThatVanishesAfterTheListingIsPassedBy) {

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "tests/support/raw_http_server.h"
 #include "tests/usage/upload_fixture.h"
 
@@ -96,6 +98,30 @@ TEST_F(UploadPass, RedirectToAnotherSchemeIsNotEvenTried) {
   EXPECT_EQ(secure.connections(), 0u);
 }
 
+// A server that answers after the head of the request and then takes some more of it.
+RawHttpServer::Script redirectEarly(const std::string& place) {
+  return [place](RawConnection& connection) {
+    connection.readHead();
+    connection.send("HTTP/1.1 307 Elsewhere\r\nLocation: " + place +
+                    "\r\nConnection: close\r\nContent-Length: 0\r\n\r\n");
+    connection.readBytes(std::size_t{30} << 20);
+  };
+}
+
+TEST_F(UploadPass, RedirectBeforeTheEndOfTheUploadKeepsTheFileUntilTheTargetTakesIt) {
+  write(inFolder(kYesterday), std::string(std::size_t{40} << 20, 'b'));
+  const RawHttpServer astray(redirectEarly("http://127.0.0.1:1/"));
+  record_parts::setServers(astray.url(""), kNobody);
+  EXPECT_THAT(pass({}), testing::EndsWith("] (null)\n"));
+  EXPECT_THAT(left(), ElementsAre(kYesterday));
+
+  const RawHttpServer target(RawHttpServer::answer(test_support::httpReply("taken")));
+  const RawHttpServer server(redirectEarly(target.url()));
+  record_parts::setServers(server.url(""), kNobody);
+  EXPECT_THAT(pass({}), testing::EndsWith("] taken\n"));
+  EXPECT_TRUE(left().empty());
+}
+
 TEST_F(UploadPass, ReplyOfSixteenMegabytesIsTakenAndOneOfAByteMoreIsNot) {
   for (const std::size_t more : {1u, 0u}) {
     server_.judgeUploads([&](const ServedRequest&) {
@@ -104,6 +130,32 @@ TEST_F(UploadPass, ReplyOfSixteenMegabytesIsTakenAndOneOfAByteMoreIsNot) {
     pass({kYesterday});
     EXPECT_EQ(left().empty(), more == 0);
   }
+}
+
+TEST_F(UploadPass, ReplyOfUnknownContentCodingIsTaken) {
+  for (const char* coding : {"utf-8", "text", "8bit", "gzip"}) {
+    const RawHttpServer server(
+        RawHttpServer::answer(test_support::httpReply("OK", "Content-Encoding: "s + coding + "\r\n")));
+    record_parts::setServers(server.url(""), kNobody);
+    EXPECT_THAT(pass({kYesterday}), testing::EndsWith("] OK\n")) << coding;
+    EXPECT_TRUE(left().empty()) << coding;
+  }
+}
+
+TEST_F(UploadPass, LongReplyIsPrintedOnOneLineOfAThousandCharacters) {
+  server_.judgeUploads([](const ServedRequest&) { return Reply{200, std::string(16u << 20, 'x')}; });
+  EXPECT_THAT(pass({kYesterday}), testing::EndsWith("] " + std::string(999, 'x') + "\u2026\n"));
+  EXPECT_TRUE(left().empty());
+}
+
+TEST_F(UploadPass, ControlsOfAReplyAreEscaped) {
+  server_.judgeUploads([](const ServedRequest&) {
+    return Reply{200, "\x1b]0;title\a\n2024-03-07 09:05:00.000 TovalinTray[1] forged\r\u202e"};
+  });
+  const std::string said = pass({kYesterday});
+  EXPECT_THAT(said, testing::EndsWith("] \\u001b]0;title\\u0007\\u000a2024-03-07 09:05:00.000 TovalinTray[1] "
+                                      "forged\\u000d\\u202e\n"));
+  EXPECT_EQ(std::ranges::count(said, '\n'), 1);
 }
 
 }  // namespace
