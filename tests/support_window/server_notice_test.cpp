@@ -17,13 +17,20 @@ namespace {
 
 // What was asked of the server and of the desktop, and what the server answers; nothing when it has no more.
 struct Outside {
-  std::vector<std::string> fetched, opened;
+  std::vector<platform::UrlRequest> requests;
+  std::vector<std::string> opened;
   std::deque<std::optional<std::string>> replies;
 };
 
 Outside& outside() {
   static Outside all;
   return all;
+}
+
+std::vector<std::string> fetched() {
+  std::vector<std::string> urls;
+  for (const auto& request : outside().requests) urls.push_back(request.url);
+  return urls;
 }
 
 constexpr const char* picture = "P6\n1 1\n255\nabc";
@@ -42,7 +49,7 @@ std::string banner(const std::string& name) {
 namespace platform {
 
 std::optional<std::string> sendSynchronousRequest(const UrlRequest& request) {
-  outside().fetched.push_back(request.url);
+  outside().requests.push_back(request);
   if (outside().replies.empty()) return std::nullopt;
   auto reply = outside().replies.front();
   outside().replies.pop_front();
@@ -122,17 +129,17 @@ TEST_F(ServerContent, DataThatIsNoPictureTakesTheEarlierOneAway) {
 
 TEST_F(ServerContent, ANameThatMakesNoAddressIsNotAskedFor) {
   haveBanners(banner("a%2"));
-  outside().fetched.clear();
+  outside().requests.clear();
   EXPECT_EQ(fetchBanner(picture), 0);
-  EXPECT_THAT(outside().fetched, ElementsAre());
+  EXPECT_THAT(fetched(), ElementsAre());
   EXPECT_EQ(delegate_.bannerLink, "http://a%2/");
 }
 
 TEST_F(ServerContent, AnEmptyNameAsksForTheFolder) {
   haveBanners(banner(""));
-  outside().fetched.clear();
+  outside().requests.clear();
   EXPECT_EQ(fetchBanner(std::nullopt), 0);
-  EXPECT_THAT(outside().fetched, ElementsAre(EndsWith("/product/nimba/banner/")));
+  EXPECT_THAT(fetched(), ElementsAre(EndsWith("/product/nimba/banner/")));
 }
 
 TEST_F(ServerContent, EachOfThreeBannersIsChosenSometimes) {
@@ -153,6 +160,49 @@ TEST_F(ServerContent, AnEmptyListOrAnEntryWithoutItsTextsGivesNoBanner) {
   haveBanners("<dict><key>file_name</key><integer>1</integer></dict>");
   EXPECT_EQ(fetchBanner(picture), 0);
   EXPECT_EQ(delegate_.bannerLink, std::nullopt);
+}
+
+TEST_F(ServerContent, EachFetchWaitsThreeSecondsAndPassesCaches) {
+  haveBanners(banner("a.ppm"));
+  fetchBanner(picture);
+  delegate_.getServerNotice();
+  delegate_.getRecentVersion();
+  EXPECT_THAT(fetched(), ElementsAre(EndsWith("/product/nimba/banner/tovalinbanner.xml"),
+                                     EndsWith("/product/nimba/banner/a.ppm"),
+                                     EndsWith("/product/nimba/binary/tovalinnotice.xml"),
+                                     EndsWith("/product/nimba/binary/tovalin_recent_version_info.xml")));
+  for (const platform::UrlRequest& request : outside().requests) {
+    EXPECT_EQ(request.timeoutInterval, std::chrono::seconds(3)) << request.url;
+    EXPECT_EQ(request.cachePolicy, platform::UrlRequest::CachePolicy::ReloadIgnoringLocalCache)
+        << request.url;
+    EXPECT_EQ(request.method, "GET") << request.url;
+    EXPECT_EQ(request.maximumReplySize, std::size_t{16} << 20) << request.url;
+    EXPECT_EQ(request.redirectSchemes, "http,https") << request.url;
+  }
+}
+
+TEST_F(ServerContent, AFailedVersionFetchForgetsTheEarlierVersion) {
+  outside().replies = {list("<dict><key>version</key><string>9.9.9</string></dict>"), std::nullopt,
+                       list("<dict><key>version</key><string>9.9.9</string></dict>"), "no list {"};
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(delegate_.getRecentVersion(), 1);
+    EXPECT_EQ(delegate_.recentVersion, "9.9.9");
+    EXPECT_EQ(delegate_.getRecentVersion(), 0);
+    EXPECT_EQ(delegate_.recentVersion, std::nullopt);
+  }
+}
+
+TEST_F(ServerContent, ABannersClickOpensWebAddressesOnly) {
+  delegate_.bannerImgView = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 1, 1});
+  for (const char* link : {"file:///etc/passwd", "smb://host/share", "mailto:a@b?attach=/etc/passwd",
+                           "javascript:alert(1)", "x1:evil.html", "http:evil.html", "evil.html"}) {
+    delegate_.bannerLink = link;
+    delegate_.myImageView(*delegate_.bannerImgView, {});
+    EXPECT_THAT(outside().opened, ElementsAre()) << link;
+  }
+  delegate_.bannerLink = "HTTPS://banner/";
+  delegate_.myImageView(*delegate_.bannerImgView, {});
+  EXPECT_THAT(outside().opened, ElementsAre("HTTPS://banner/"));
 }
 
 TEST_F(ServerContent, AClickOnAnotherViewThanTheBannersDoesNothing) {
