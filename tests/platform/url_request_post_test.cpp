@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "platform/linux/url_request_body.h"
 #include "tests/platform/url_request_support.h"
 
 namespace {
@@ -100,6 +101,24 @@ TEST(UrlRequestOnTheWire, PiecesOfAnySizeAreJoinedWithoutAGap) {
     request.body.emplace_back();
   }
   EXPECT_TRUE(onTheWire(request).ends_with("\r\nContent-Length: 400000\r\n\r\n" + body));
+}
+
+TEST(UrlRequestBody, SeekReachesEveryPositionAndTheEnd) {
+  const std::string first = "ab", none, second = "cde";
+  const std::vector<std::span<const char>> pieces{first, none, second, none};
+  platform::UrlRequestBody body(pieces);
+  const std::string whole = "abcde";
+  for (std::size_t position = 0; position <= whole.size(); ++position) {
+    ASSERT_TRUE(body.seek(position)) << position;
+    std::string rest(10, '\0');
+    rest.resize(body.read(rest));
+    EXPECT_EQ(rest, whole.substr(position));
+  }
+  ASSERT_TRUE(body.seek(3));
+  EXPECT_FALSE(body.seek(whole.size() + 1));
+  std::string next(1, '\0');
+  EXPECT_EQ(body.read(next), 1U);
+  EXPECT_EQ(next, "d") << "a position behind the end moves nothing";
 }
 
 TEST(UrlRequestPost, LargeBodyIsNeitherCopiedNorCut) {
