@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 
 namespace platform {
@@ -12,5 +14,10 @@ namespace platform {
 // descriptor but 0 to 2. Any thread; blocks it for as long as the command runs and serves no events
 // meanwhile.
 int system(const std::string& command);
+
+// The same in a process group of its own, for `limit` at most: whatever of the group still runs then is ended
+// by SIGKILL. Returns nullopt if it came to that, up to a second after the limit. A process that has left the
+// group stays.
+std::optional<int> system(const std::string& command, std::chrono::milliseconds limit);
 
 }  // namespace platform

@@ -26,6 +26,14 @@ void ask(platform::Window* window, const char* question, const char* firstButton
   alert.beginSheetModalForWindow(window->shared_from_this(), std::move(didEnd));
 }
 
+// What the command ends with is of no interest.
+void runWithinLimit(const CollectionCommand& command) {
+  if (platform::system(command.text, command.limit)) return;
+  platform::systemLog(platform::LogPriority::Error, "log collection : a command was ended after " +
+                                                        std::to_string(command.limit.count()) +
+                                                        " s : " + command.text);
+}
+
 }  // namespace
 
 void nimbatrayAppDelegate::logBtnClick() {
@@ -45,7 +53,7 @@ void nimbatrayAppDelegate::collectLog() {
   const std::string name = collectionName(platform::currentLocalTime());
   const auto commands = collectionCommands(name);
   if (!commands) platform::fatalError("the commands that collect the logs are too long");
-  for (const std::string& command : *commands) platform::system(command);
+  for (const CollectionCommand& command : *commands) runWithinLimit(command);
   if (logButton != nullptr) logButton->setEnabled(true);
   // Posted, so that it comes once the first sheet has gone.
   platform::Application::sharedApplication().performOnMainThread([this] {

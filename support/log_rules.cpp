@@ -7,27 +7,36 @@
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr std::size_t commandBufferSize = 512;
 
 // Stands for the name of the collection.
 constexpr std::string_view placeholder = "%s";
 
-// A folder of the user's own that is there already is shut to others too.
-constexpr std::string_view makeFolder =
-    "mkdir -m 700 /tmp/%s || { test -O /tmp/%s -a ! -L /tmp/%s && chmod 700 /tmp/%s; }";
-
-// Copies of logs are the user's alone, and go into no folder that somebody else has put there.
-constexpr std::string_view whereSafe = "umask 077; test -O /tmp/%s -a ! -L /tmp/%s && ";
-
-constexpr std::array<std::string_view, 5> copiesAndArchive = {
-    "cp /var/log/Tovalin*.log /tmp/%s/",
-    "{ journalctl -q -b --no-pager >/tmp/%s/system.log; test -s /tmp/%s/system.log; } || "
-    "cp /var/log/syslog /tmp/%s/system.log",
-    "cp ~/.local/state/Tovalin/Tovalin*.crash /tmp/%s/",
-    "cp /var/crash/*Tovalin*.crash /tmp/%s/",
-    "desktop=$(xdg-user-dir DESKTOP || echo ~/Desktop) && mkdir -p \"$desktop\" && "
-    "zip -q \"$desktop\"/%s.zip /tmp/%s/*.*",
+struct CommandTemplate {
+  std::string_view text;
+  std::chrono::seconds limit;
 };
+
+// A copy of 20 MB, and the newest 200,000 entries of a journal, take seconds. A limit is what a source that
+// blocks costs: a file system that does not answer, or a folder with millions of entries.
+constexpr std::chrono::seconds copyLimit = 30s;
+
+constexpr std::array<CommandTemplate, 6> commandTemplates = {{
+    {"mkdir -m 700 /tmp/%s", 10s},
+    {"collectlogs newest 20000000 /var/log 'Tovalin*.log' /tmp/%s", copyLimit},
+    {"collectlogs output 20000000 20 /tmp/%s system.log journalctl -q -b -n 200000 --no-pager || "
+     "collectlogs newest 20000000 /var/log syslog /tmp/%s system.log",
+     copyLimit},
+    {"collectlogs whole 20000000 ~/.local/state/Tovalin 'Tovalin*.crash' /tmp/%s", copyLimit},
+    {"collectlogs whole 20000000 /var/crash '*Tovalin*.crash' /tmp/%s", copyLimit},
+    // -y: a link in a folder that was there already is not followed.
+    {"unset ZIPOPT ZIP; desktop=$(xdg-user-dir DESKTOP); "
+     "case $desktop in /*) ;; *) desktop=~/Desktop;; esac; "
+     "collectlogs archive /tmp/%s \"$desktop\" %s.zip zip -qy - /tmp/%s/*.*",
+     120s},
+}};
 
 std::string filledIn(std::string_view command, std::string_view name) {
   std::string text(command);
@@ -45,11 +54,12 @@ std::string collectionName(const std::tm& now) {
   return "tovalinlog_" + time;
 }
 
-std::optional<std::array<std::string, 6>> collectionCommands(std::string_view name) {
-  std::array<std::string, 6> commands = {filledIn(makeFolder, name)};
-  for (std::size_t i = 0; i < copiesAndArchive.size(); ++i)
-    commands[i + 1] = filledIn(whereSafe, name) + filledIn(copiesAndArchive[i], name);
-  const bool fit =
-      std::ranges::all_of(commands, [](const auto& command) { return command.size() < commandBufferSize; });
+std::optional<std::array<CollectionCommand, 6>> collectionCommands(std::string_view name) {
+  std::array<CollectionCommand, 6> commands;
+  std::ranges::transform(commandTemplates, commands.begin(), [&](const CommandTemplate& command) {
+    return CollectionCommand{filledIn(command.text, name), command.limit};
+  });
+  const bool fit = std::ranges::all_of(
+      commands, [](const auto& command) { return command.text.size() < commandBufferSize; });
   return fit ? std::optional(commands) : std::nullopt;
 }

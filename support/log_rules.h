@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <ctime>
 #include <optional>
 #include <string>
@@ -11,7 +12,13 @@
 // "tovalinlog_2026-11-15T22-05-12": the folder below /tmp and the archive are called so.
 [[nodiscard]] std::string collectionName(const std::tm& now);
 
-// The shell commands that fill the folder and pack it, in their order. Whatever one of them fails at, the
-// next is to be run. What they make is the user's alone; a folder that stands there already is filled only
-// when it is his. Nothing when one would not fit the 512 bytes that it may take with its terminator.
-[[nodiscard]] std::optional<std::array<std::string, 6>> collectionCommands(std::string_view name);
+struct CollectionCommand {
+  std::string text;            // for the shell
+  std::chrono::seconds limit;  // after which it is ended
+};
+
+// The commands that fill the folder and pack it, in their order. The next one is run whatever became of the
+// one before. They make files that only the user can read, fill a folder that is there already only if it is
+// the user's own, copy 20 MB from each source at most, and neither follow links nor open FIFOs there. Returns
+// nullopt if a command does not fit the 512 bytes that it may take with its terminator.
+[[nodiscard]] std::optional<std::array<CollectionCommand, 6>> collectionCommands(std::string_view name);

@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* helperNames[] = {"launchctl", "open", "osascript"};
+constexpr const char* helperNames[] = {"collectlogs", "launchctl", "open", "osascript"};
 
 bool isOursAlone(const std::string& folder) {
   struct stat status {};

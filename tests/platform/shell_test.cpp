@@ -6,23 +6,28 @@
 #include <linux/close_range.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <sstream>
 #include <string>
 #include <thread>
 
 #include "tests/ipc/forked_call.h"
 #include "tests/ipc/stream_capture.h"
 #include "tests/support/file_contents.h"
+#include "tests/support/wait_until.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 using test_support::ExitStatus;
 using test_support::StreamCapture;
 
@@ -30,6 +35,11 @@ constexpr const char* kHelpers = "/tmp/run/TovalinTray/helpers";
 constexpr const char* kPath = "/opt/mine:/usr/bin:/bin";
 
 using Environment = std::map<std::string, std::string>;
+
+bool isAlive(const std::string& process) {
+  const std::string status = test_support::contentsOf("/proc/" + process + "/status");
+  return !status.empty() && status.find("State:\tZ") == std::string::npos;
+}
 
 class Shell : public testing::Test {
  protected:
@@ -249,11 +259,72 @@ TEST_F(Shell, ThreadsRunTheirCommandsBesideEachOther) {
   EXPECT_EQ(WEXITSTATUS(second), 4);
 }
 
+TEST_F(Shell, CommandWithinItsLimitEndsAsWithoutOne) {
+  const auto status = platform::system("exit 42", 60s);
+  ASSERT_TRUE(status && WIFEXITED(*status));
+  EXPECT_EQ(WEXITSTATUS(*status), 42);
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+}
+
+TEST_F(Shell, CommandBeyondItsLimitIsKilledWithItsChildren) {
+  StreamCapture output(STDOUT_FILENO);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(platform::system("trap '' TERM; sleep 1000 & echo $!; echo $$; wait", 200ms), std::nullopt);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+  std::istringstream processes(output.end());
+  int found = 0;
+  for (std::string process; processes >> process; ++found)
+    EXPECT_TRUE(test_support::waitUntil([&] { return !isAlive(process); })) << process;
+  EXPECT_EQ(found, 2);
+}
+
+TEST_F(Shell, OnlyTheGroupOfTheCommandIsKilled) {
+  const auto finished = test_support::runForked([] {
+    // A child of the caller's that another command beyond its limit must not reach.
+    const pid_t other = ::fork();
+    if (other == 0) ::pause();
+    const bool limited = !platform::system("sleep 1000", 50ms);
+    const bool alive = ::waitpid(other, nullptr, WNOHANG) == 0;
+    ::kill(other, SIGKILL);
+    return limited && alive ? 0 : 1;
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+}
+
+TEST_F(Shell, CommandWithLimitOnlyWaitsForItsShell) {
+  StreamCapture output(STDOUT_FILENO);
+  EXPECT_EQ(platform::system("sleep 1000 >/dev/null & echo $!", 60s), 0);
+  std::string process = output.end();
+  process.pop_back();
+  EXPECT_TRUE(isAlive(process)) << "what the command left behind within its limit stays";
+  ::kill(std::stoi(process), SIGKILL);
+}
+
+TEST_F(Shell, LimitHoldsWithoutFreeDescriptors) {
+  const auto finished = test_support::runForked([] {
+    const rlimit few{32, 32};
+    if (::setrlimit(RLIMIT_NOFILE, &few) != 0) return 1;
+    while (::open("/dev/null", O_RDONLY | O_CLOEXEC) != -1) continue;
+    return platform::system("sleep 1000", 50ms) ? 2 : 0;
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+}
+
 TEST_F(Shell, WithoutAShellItIsMinusOne) {
   fs::create_directory("/tmp/run/empty");
   const auto finished = test_support::runForked([] {
     if (::chroot("/tmp/run/empty") != 0) return 1;
     return platform::system("true") == -1 ? 0 : 2;
+  });
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+}
+
+TEST_F(Shell, WithoutAShellALimitedCommandIsMinusOneToo) {
+  fs::create_directory("/tmp/run/empty");
+  const auto finished = test_support::runForked([] {
+    if (::chroot("/tmp/run/empty") != 0) return 1;
+    return platform::system("true", 60s) == -1 ? 0 : 2;
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }

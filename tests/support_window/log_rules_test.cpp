@@ -18,18 +18,28 @@ TEST(CollectionName, IsTheLocalTimeToTheSecond) {
 TEST(CollectionCommands, StandInTheirOrder) {
   const auto commands = collectionCommands("N");
   ASSERT_TRUE(commands.has_value());
-  EXPECT_EQ((*commands)[0], "mkdir -m 700 /tmp/N || { test -O /tmp/N -a ! -L /tmp/N && chmod 700 /tmp/N; }");
-  const std::string safe = "umask 077; test -O /tmp/N -a ! -L /tmp/N && ";
-  EXPECT_EQ((*commands)[1], safe + "cp /var/log/Tovalin*.log /tmp/N/");
-  EXPECT_EQ((*commands)[2], safe +
-                                "{ journalctl -q -b --no-pager >/tmp/N/system.log; test -s "
-                                "/tmp/N/system.log; } || cp /var/log/syslog /tmp/N/system.log");
-  EXPECT_EQ((*commands)[3], safe + "cp ~/.local/state/Tovalin/Tovalin*.crash /tmp/N/");
-  EXPECT_EQ((*commands)[4], safe + "cp /var/crash/*Tovalin*.crash /tmp/N/");
-  EXPECT_EQ((*commands)[5],
-            safe +
-                "desktop=$(xdg-user-dir DESKTOP || echo ~/Desktop) && mkdir -p \"$desktop\" && "
-                "zip -q \"$desktop\"/N.zip /tmp/N/*.*");
+  EXPECT_EQ((*commands)[0].text, "mkdir -m 700 /tmp/N");
+  EXPECT_EQ((*commands)[1].text, "collectlogs newest 20000000 /var/log 'Tovalin*.log' /tmp/N");
+  EXPECT_EQ((*commands)[2].text,
+            "collectlogs output 20000000 20 /tmp/N system.log journalctl -q -b -n 200000 --no-pager || "
+            "collectlogs newest 20000000 /var/log syslog /tmp/N system.log");
+  EXPECT_EQ((*commands)[3].text, "collectlogs whole 20000000 ~/.local/state/Tovalin 'Tovalin*.crash' /tmp/N");
+  EXPECT_EQ((*commands)[4].text, "collectlogs whole 20000000 /var/crash '*Tovalin*.crash' /tmp/N");
+  EXPECT_EQ((*commands)[5].text,
+            "unset ZIPOPT ZIP; desktop=$(xdg-user-dir DESKTOP); "
+            "case $desktop in /*) ;; *) desktop=~/Desktop;; esac; "
+            "collectlogs archive /tmp/N \"$desktop\" N.zip zip -qy - /tmp/N/*.*");
+}
+
+TEST(CollectionCommands, TakeFewMinutesTogether) {
+  const auto commands = collectionCommands("N");
+  ASSERT_TRUE(commands.has_value());
+  std::chrono::seconds all{};
+  for (const auto& command : *commands) {
+    EXPECT_GE(command.limit, std::chrono::seconds(10)) << command.text;
+    all += command.limit;
+  }
+  EXPECT_LE(all, std::chrono::minutes(5));
 }
 
 TEST(CollectionCommands, MayTake511BytesEach) {
@@ -37,7 +47,7 @@ TEST(CollectionCommands, MayTake511BytesEach) {
   for (std::size_t length = 1; collectionCommands(std::string(length, 'n')); ++length) longest = length;
   const auto commands = *collectionCommands(std::string(longest, 'n'));
   std::size_t most = 0;
-  for (const auto& command : commands) most = std::max(most, command.size());
+  for (const auto& command : commands) most = std::max(most, command.text.size());
   EXPECT_LE(most, 511u);
   EXPECT_GT(most, 500u);
 }

@@ -1,0 +1,64 @@
+#include <sys/stat.h>
+
+#include <cstring>
+#include <string>
+#include <variant>
+
+#include "platform/linux/helpers/collect_request.h"
+#include "platform/linux/helpers/helper_program.h"
+#include "platform/linux/helpers/log_files.h"
+#include "platform/linux/helpers/program_output.h"
+
+namespace {
+
+constexpr char program[] = "collectlogs";
+
+constexpr char usage[] =
+    "Usage: collectlogs whole|newest LIMIT SOURCE PATTERN TARGET [NAME]\n"
+    "       collectlogs output LIMIT SECONDS TARGET NAME COMMAND...\n"
+    "       collectlogs archive SOURCE TARGET NAME COMMAND...\n"
+    "\n"
+    "Gathers logs in a folder of the user's own, and packs it. Follows no link, opens no FIFO, and takes no "
+    "file of\nanother user from a folder that everybody may write to.\n"
+    "\n"
+    "whole    copies the files of SOURCE that match PATTERN, the newest first, LIMIT bytes in all\n"
+    "newest   the same; of a file that does not fit, its end\n"
+    "output   keeps the last LIMIT bytes that COMMAND prints within SECONDS as TARGET/NAME\n"
+    "archive  keeps what COMMAND prints as TARGET/NAME, if COMMAND succeeds\n";
+
+// Names of files are another user's choice and are not printed.
+int perform(const helpers::CopyFiles& request) {
+  const helpers::CopyResult result = helpers::copyFiles(request);
+  if (result.error != 0) return helpers::fail(program, request.source + ": " + std::strerror(result.error));
+  if (result.leftOut > 0)
+    return helpers::fail(program, request.source + ": files left out: " + std::to_string(result.leftOut));
+  return result.copied > 0 ? helpers::Done : helpers::Failed;
+}
+
+int perform(const helpers::KeepOutput& request) {
+  const std::int64_t kept = helpers::keepOutput(request);
+  if (kept == -1) return helpers::fail(program, request.target + ": " + std::strerror(errno));
+  return kept > 0 ? helpers::Done : helpers::Failed;
+}
+
+int perform(const helpers::KeepArchive& request) {
+  const std::string problem = helpers::keepArchive(request);
+  return problem.empty() ? helpers::Done : helpers::fail(program, problem);
+}
+
+int perform(const helpers::Refusal& refusal) {
+  return helpers::refuse(program, refusal.reason);
+}
+
+int perform(const helpers::ShowUsage&) {
+  return helpers::showUsage(usage);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  helpers::takeUsersEnvironment();
+  ::umask(S_IRWXG | S_IRWXO);
+  return std::visit([](const auto& request) { return perform(request); },
+                    helpers::parseCollectRequest({argv + 1, argv + argc}));
+}

@@ -1,0 +1,163 @@
+#include "platform/linux/helpers/log_files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <fnmatch.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "platform/linux/helpers/new_file.h"
+
+namespace helpers {
+namespace {
+
+using platform::FileDescriptor;
+
+// All of them are arguments of one command that packs them.
+constexpr std::size_t maxFiles = 1000;
+
+struct Candidate {
+  std::string name;
+  timespec modified{};
+};
+
+bool isNewer(const Candidate& one, const Candidate& other) {
+  return std::tie(one.modified.tv_sec, one.modified.tv_nsec) >
+         std::tie(other.modified.tv_sec, other.modified.tv_nsec);
+}
+
+struct CloseFolder {
+  void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+std::vector<std::string> namesIn(int folder, const std::string& pattern) {
+  const std::unique_ptr<DIR, CloseFolder> entries(::fdopendir(::fcntl(folder, F_DUPFD_CLOEXEC, 0)));
+  std::vector<std::string> names;
+  if (!entries) return names;
+  while (const dirent* entry = ::readdir(entries.get())) {
+    if (::fnmatch(pattern.c_str(), entry->d_name, FNM_PERIOD) == 0) names.emplace_back(entry->d_name);
+  }
+  return names;
+}
+
+// One run of the command copies files from one folder to another.
+class Copying {
+ public:
+  Copying(const CopyFiles& request, const FileDescriptor& source, const FileDescriptor& target)
+      : request_(request), source_(source), target_(target), room_(request.limit) {
+    ::fstat(source_.get(), &folder_);
+  }
+
+  CopyResult run() {
+    const std::vector<Candidate> candidates = newestFirst();
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+      if (i < wantedFiles() && copy(candidates[i].name)) {
+        ++result_.copied;
+      } else {
+        ++result_.leftOut;
+      }
+    }
+    return result_;
+  }
+
+ private:
+  [[nodiscard]] std::size_t wantedFiles() const { return request_.name.empty() ? maxFiles : 1; }
+  [[nodiscard]] const std::string& nameOfCopy(const std::string& name) const {
+    return request_.name.empty() ? name : request_.name;
+  }
+
+  std::vector<Candidate> newestFirst() {
+    std::vector<Candidate> candidates;
+    for (std::string& name : namesIn(source_.get(), request_.pattern)) {
+      struct stat status {};
+      if (::fstatat(source_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+          mayBeCopied(status, folder_, ::geteuid())) {
+        candidates.push_back({std::move(name), status.st_mtim});
+      } else {
+        ++result_.leftOut;
+      }
+    }
+    std::ranges::sort(candidates, isNewer);
+    return candidates;
+  }
+
+  // O_NONBLOCK: neither a FIFO that took the file's place nor a lease on it may block the open.
+  [[nodiscard]] FileDescriptor open(const std::string& name) const {
+    return FileDescriptor(
+        ::openat(source_.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  }
+
+  // Asks for the entry again once the file is open: one that was another file's second name, and was removed
+  // since, left a file with a single name behind.
+  [[nodiscard]] bool isStillTheEntry(int file, const std::string& name, struct stat& status) const {
+    struct stat entry {};
+    return ::fstat(file, &status) == 0 &&
+           ::fstatat(source_.get(), name.c_str(), &entry, AT_SYMLINK_NOFOLLOW) == 0 &&
+           entry.st_dev == status.st_dev && entry.st_ino == status.st_ino &&
+           mayBeCopied(entry, folder_, ::geteuid());
+  }
+
+  bool copy(const std::string& name) {
+    const FileDescriptor file = open(name);
+    struct stat status {};
+    if (!file.valid() || !isStillTheEntry(file.get(), name, status)) return false;
+    if (status.st_size > room_ && request_.oversized == CopyFiles::Oversized::LeftOut) return false;
+    const off_t size = std::min<off_t>(status.st_size, room_);
+    NewFile copied(target_.get(), nameOfCopy(name));
+    if (!copied.valid() || !copyBytes(file.get(), status.st_size - size, size, copied)) {
+      result_.error = errno;
+      return false;
+    }
+    copied.keep();
+    room_ -= size;
+    return true;
+  }
+
+  // A file that grows meanwhile is copied up to the size that it had, one that shrinks up to its end.
+  static bool copyBytes(int file, off_t offset, off_t size, NewFile& copied) {
+    std::array<char, 1 << 16> buffer{};
+    while (size > 0) {
+      const auto wanted = std::min(buffer.size(), static_cast<std::size_t>(size));
+      const ssize_t count = ::pread(file, buffer.data(), wanted, offset);
+      if (count == -1 && errno == EINTR) continue;
+      if (count == -1) return false;
+      if (count == 0) return true;
+      if (!copied.write({buffer.data(), static_cast<std::size_t>(count)})) return false;
+      offset += count;
+      size -= count;
+    }
+    return true;
+  }
+
+  const CopyFiles& request_;
+  const FileDescriptor& source_;
+  const FileDescriptor& target_;
+  off_t room_;
+  struct stat folder_ {};
+  CopyResult result_;
+};
+
+}  // namespace
+
+bool mayBeCopied(const struct stat& file, const struct stat& folder, uid_t user) {
+  if (!S_ISREG(file.st_mode) || file.st_nlink != 1) return false;
+  if (file.st_uid == user || file.st_uid == 0) return true;
+  return folder.st_uid == 0 && (folder.st_mode & S_IWOTH) == 0;
+}
+
+CopyResult copyFiles(const CopyFiles& request) {
+  const FileDescriptor source(::open(request.source.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!source.valid()) return {.error = errno};
+  const FileDescriptor target = openOwnFolder(request.target);
+  if (!target.valid()) return {.error = errno};
+  return Copying(request, source, target).run();
+}
+
+}  // namespace helpers

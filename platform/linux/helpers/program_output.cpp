@@ -1,0 +1,151 @@
+#include "platform/linux/helpers/program_output.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "platform/linux/helpers/new_file.h"
+#include "platform/linux/spawn_attributes.h"
+
+namespace helpers {
+namespace {
+
+using platform::FileDescriptor;
+using Clock = std::chrono::steady_clock;
+
+// zip's status when it has packed all but files that it could not read.
+constexpr int zipLeftFilesOut = 18;
+
+// Runs `command` with its standard output on `output`.
+Child startWithOutput(const Arguments& command, int output) {
+  Arguments copy = command;
+  std::vector<char*> pointers;
+  for (std::string& argument : copy) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+
+  const platform::SpawnAttributes attributes;
+  platform::SpawnStreams streams;
+  streams.lead(STDIN_FILENO, "/dev/null", O_RDONLY);
+  streams.set(STDOUT_FILENO, output);
+  Child child;
+  child.error =
+      posix_spawnp(&child.pid, pointers[0], streams.get(), attributes.get(), pointers.data(), environ);
+  return child;
+}
+
+// The wait status; -1 if there is none.
+int statusOf(pid_t child) {
+  int status = 0;
+  while (::waitpid(child, &status, 0) == -1) {
+    if (errno != EINTR) return -1;
+  }
+  return status;
+}
+
+// False once there is nothing more to read, or the deadline has passed.
+bool waitForInput(int input, Clock::time_point deadline) {
+  for (;;) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    if (left.count() <= 0) return false;
+    pollfd readable{input, POLLIN, 0};
+    const int count = ::poll(&readable, 1, static_cast<int>(left.count()));
+    if (count == -1 && errno == EINTR) continue;
+    return count == 1;
+  }
+}
+
+// The last bytes of what is read. Takes twice the limit of memory at most.
+class Tail {
+ public:
+  explicit Tail(std::size_t limit) : limit_(limit) {}
+
+  void add(std::string_view bytes) {
+    bytes_.append(bytes);
+    if (bytes_.size() >= 2 * limit_) cut();
+  }
+  [[nodiscard]] const std::string& take() {
+    if (bytes_.size() > limit_) cut();
+    return bytes_;
+  }
+
+ private:
+  void cut() { bytes_.erase(0, bytes_.size() - limit_); }
+
+  std::size_t limit_;
+  std::string bytes_;
+};
+
+void readInto(Tail& tail, int input, Clock::time_point deadline) {
+  std::array<char, 1 << 16> buffer{};
+  while (waitForInput(input, deadline)) {
+    const ssize_t count = ::read(input, buffer.data(), buffer.size());
+    if (count == -1 && errno == EINTR) continue;
+    if (count <= 0) return;
+    tail.add({buffer.data(), static_cast<std::size_t>(count)});
+  }
+}
+
+// A command that can't be started has printed nothing.
+void readOutput(Tail& tail, const Arguments& command, std::chrono::seconds patience) {
+  std::array<int, 2> ends{-1, -1};
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return;
+  const FileDescriptor input(ends[0]);
+  FileDescriptor output(ends[1]);
+  const Child child = startWithOutput(command, output.get());
+  if (child.error != 0) return;
+  output.reset();
+  readInto(tail, input.get(), Clock::now() + patience);
+  ::kill(child.pid, SIGKILL);
+  statusOf(child.pid);
+}
+
+bool hasPacked(int status) {
+  return WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == zipLeftFilesOut);
+}
+
+std::string problem(const std::string& what, int error) {
+  return what + ": " + std::strerror(error);
+}
+
+}  // namespace
+
+std::int64_t keepOutput(const KeepOutput& request) {
+  const FileDescriptor target = openOwnFolder(request.target);
+  if (!target.valid()) return -1;
+  NewFile file(target.get(), request.name);
+  if (!file.valid()) return -1;
+  Tail tail(static_cast<std::size_t>(request.limit));
+  readOutput(tail, request.command, request.patience);
+  const std::string& kept = tail.take();
+  if (!file.write(kept)) return -1;
+  file.keep();
+  return static_cast<std::int64_t>(kept.size());
+}
+
+std::string keepArchive(const KeepArchive& request) {
+  if (!openOwnFolder(request.source).valid()) return problem(request.source, errno);
+  std::error_code ignored;
+  std::filesystem::create_directories(request.target, ignored);
+  const FileDescriptor target(::open(request.target.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!target.valid()) return problem(request.target, errno);
+  NewFile archive(target.get(), "." + request.name);
+  if (!archive.valid()) return problem(request.target + "/." + request.name, errno);
+
+  const Child child = startWithOutput(request.command, archive.descriptor());
+  if (child.error != 0) return problem(request.command[0], child.error);
+  if (!hasPacked(statusOf(child.pid))) return request.command[0] + " has failed";
+  if (!archive.keepAs(request.name)) return problem(request.target + "/" + request.name, errno);
+  return {};
+}
+
+}  // namespace helpers

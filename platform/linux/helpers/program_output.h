@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/linux/helpers/collect_request.h"
+
+namespace helpers {
+
+// Runs the command, with nothing to read, and keeps the end of what it prints, also if that is nothing. A
+// command that takes longer than its patience is ended by SIGKILL, and what it has printed by then is kept.
+// Returns how many bytes were kept; -1 with errno set if the file could not be made or written.
+[[nodiscard]] std::int64_t keepOutput(const KeepOutput& request);
+
+// Runs the command, with nothing to read and its standard output being a file in the target folder, which is
+// made with the folders above it if it is missing. Once the command has succeeded, the file takes the place
+// of whatever stands at its name. Returns an empty text, or what went wrong.
+[[nodiscard]] std::string keepArchive(const KeepArchive& request);
+
+}  // namespace helpers
