@@ -26,7 +26,8 @@ constexpr std::chrono::seconds copyLimit = 30s;
 constexpr std::array<CommandTemplate, 6> commandTemplates = {{
     {"mkdir -m 700 /tmp/%s", 10s},
     {"collectlogs newest 20000000 /var/log 'Tovalin*.log' /tmp/%s", copyLimit},
-    {"collectlogs output 20000000 20 /tmp/%s system.log journalctl -q -b -n 200000 --no-pager || "
+    {"export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
+     "collectlogs output 20000000 20 /tmp/%s system.log journalctl -q -b -n 200000 --no-pager || "
      "collectlogs newest 20000000 /var/log syslog /tmp/%s system.log",
      copyLimit},
     {"collectlogs whole 20000000 ~/.local/state/Tovalin 'Tovalin*.crash' /tmp/%s", copyLimit},

@@ -117,6 +117,36 @@ TEST_F(SupportLogAttack, JournalThatNeverEndsIsCutOffInTime) {
   EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "an entry\n");
 }
 
+TEST_F(SupportLogAttack, CommandThatHangsIsEndedAndTheNextOnesRun) {
+  placeScript("mkdir", "sleep 1000; exec /bin/mkdir \"$@\"");
+  launchAndOpen();
+  for (const auto& name : namesToCome()) fs::create_directories(name);
+  collectPatiently();
+  EXPECT_THAT(archived(), ElementsAre("system.log"));
+  EXPECT_EQ(count("log 3: log collection : a command was ended after 10 s : mkdir -m 700 /tmp/tovalinlog_"),
+            1);
+  fs::remove(commandFolder + std::string("mkdir"));
+}
+
+TEST_F(SupportLogAttack, OddNamesArePacked) {
+  const std::string folder = "/tmp/home/.local/state/Tovalin/";
+  for (const char* name : {"Tovalin -rf.crash", "Tovalin [1]*?.crash", "Tovalin@'\"$x`.crash"})
+    write(folder + name);
+  launchAndOpen();
+  collect();
+  EXPECT_THAT(archived(), UnorderedElementsAre("system.log", "Tovalin -rf.crash", "Tovalin [1]*?.crash",
+                                               "Tovalin@'\"$x`.crash"));
+}
+
+TEST_F(SupportLogAttack, JournalIsPlainTextWhateverTheEnvironment) {
+  environment_["SYSTEMD_COLORS"] = "1";
+  environment_["SYSTEMD_URLIFY"] = "1";
+  placeScript("journalctl", "echo \"$SYSTEMD_COLORS $SYSTEMD_URLIFY $*\"");
+  launchAndOpen();
+  collect();
+  EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "0 0 -q -b -n 200000 --no-pager\n");
+}
+
 TEST_F(SupportLogAttack, FifoInPlaceOfTheFolderIsLeftAlone) {
   launchAndOpen();
   const auto names = namesToCome();

@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -184,6 +186,17 @@ TEST_F(CollectLogs, WhatIsNoRegularFileIsLeftOut) {
   EXPECT_EQ(ended.code, 1);
   EXPECT_THAT(ended.error, HasSubstr("files left out: 5"));
   EXPECT_THAT(namesIn(target_), ElementsAre("real.log"));
+}
+
+// An open without O_NONBLOCK waits up to 45 seconds for the end of the lease.
+TEST_F(CollectLogs, LeasedFileIsLeftOutAtOnce) {
+  put("leased.log");
+  put("other.log");
+  ASSERT_NE(::signal(SIGIO, SIG_IGN), SIG_ERR);
+  const test_support::FileDescriptor file(::open((source_ + "/leased.log").c_str(), O_RDWR | O_CLOEXEC));
+  ASSERT_EQ(::fcntl(file.get(), F_SETLEASE, F_WRLCK), 0);
+  EXPECT_EQ(copy().code, 1);
+  EXPECT_THAT(namesIn(target_), ElementsAre("other.log"));
 }
 
 TEST_F(CollectLogs, SecondNameOfAFileIsLeftOut) {
