@@ -1,5 +1,7 @@
 #include <sys/stat.h>
 
+#include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <variant>
@@ -46,19 +48,17 @@ int perform(const helpers::KeepArchive& request) {
   return problem.empty() ? helpers::Done : helpers::fail(program, problem);
 }
 
-int perform(const helpers::Refusal& refusal) {
-  return helpers::refuse(program, refusal.reason);
-}
-
-int perform(const helpers::ShowUsage&) {
-  return helpers::showUsage(usage);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   helpers::takeUsersEnvironment();
   ::umask(S_IRWXG | S_IRWXO);
-  return std::visit([](const auto& request) { return perform(request); },
-                    helpers::parseCollectRequest({argv + 1, argv + argc}));
+  const helpers::CollectRequest request = helpers::parseCollectRequest({argv + 1, argv + argc});
+  if (const auto* files = std::get_if<helpers::CopyFiles>(&request)) return perform(*files);
+  if (const auto* output = std::get_if<helpers::KeepOutput>(&request)) return perform(*output);
+  if (const auto* archive = std::get_if<helpers::KeepArchive>(&request)) return perform(*archive);
+  if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
+    return helpers::refuse(program, refusal->reason);
+  }
+  return helpers::showUsage(usage);
 }

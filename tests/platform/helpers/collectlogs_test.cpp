@@ -290,7 +290,7 @@ class CollectLogsOfUser : public CollectLogs {
  private:
   // The build's own folder may be closed to the user.
   [[nodiscard]] std::string ownHelper() const {
-    const std::string place = root_ + "/collectlogs";
+    std::string place = root_ + "/collectlogs";
     fs::copy_file(helper("collectlogs"), place, fs::copy_options::overwrite_existing);
     fs::permissions(place, fs::perms(0755));
     return place;
