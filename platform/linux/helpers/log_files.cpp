@@ -1,6 +1,5 @@
 #include "platform/linux/helpers/log_files.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <fnmatch.h>
 #include <unistd.h>
@@ -8,8 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <memory>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <tuple>
 #include <vector>
 
@@ -33,16 +33,14 @@ bool isNewer(const Candidate& one, const Candidate& other) {
          std::tie(other.modified.tv_sec, other.modified.tv_nsec);
 }
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-
 std::vector<std::string> namesIn(int folder, const std::string& pattern) {
-  const std::unique_ptr<DIR, CloseFolder> entries(::fdopendir(::fcntl(folder, F_DUPFD_CLOEXEC, 0)));
   std::vector<std::string> names;
-  if (!entries) return names;
-  while (const dirent* entry = ::readdir(entries.get())) {
-    if (::fnmatch(pattern.c_str(), entry->d_name, FNM_PERIOD) == 0) names.emplace_back(entry->d_name);
+  std::error_code error;
+  // By its descriptor, so that it is the folder whose owner is known.
+  for (std::filesystem::directory_iterator entry("/proc/self/fd/" + std::to_string(folder), error);
+       !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    const std::string name = entry->path().filename();
+    if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) == 0) names.push_back(name);
   }
   return names;
 }
