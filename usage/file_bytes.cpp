@@ -10,10 +10,8 @@
 #include "usage/private_files.h"
 
 platform::FileDescriptor openForReading(const std::string& path) {
-  platform::FileDescriptor file(
+  return platform::FileDescriptor(
       ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW));
-  if (file.valid()) makePrivate(file);
-  return file;
 }
 
 std::optional<std::size_t> sizeOf(const platform::FileDescriptor& file) {

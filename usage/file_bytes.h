@@ -8,8 +8,7 @@
 
 #include "platform/file_descriptor.h"
 
-// Whole small files: settings, identities, and days of usage that wait to be sent. Each is made private to
-// the user when it is opened. Any thread.
+// Whole small files: settings, identities, and days of usage that wait to be sent. Any thread.
 
 // Opens for reading; never waits, whatever stands at the path, and follows no link there. Not valid on
 // failure, with errno set.

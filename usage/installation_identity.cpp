@@ -8,6 +8,7 @@
 #include "platform/uuid.h"
 #include "usage/application_directory.h"
 #include "usage/file_bytes.h"
+#include "usage/private_files.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ void GetTovalinUUID(std::span<char> buffer) {
   if (const auto file = openForReading(*path); file.valid()) {
     const auto size = sizeOf(file);
     if (!size) return platform::errorLog("file read failed");
+    makePrivate(file);
     if (*size == uuidTextLength) return readIdentifier(file, buffer);
     platform::errorLog("UUID is wrong, new UUID create.");
   } else if (sizeOfFileAt(*path) == uuidTextLength) {

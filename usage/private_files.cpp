@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 #include "usage/file_bytes.h"
@@ -13,14 +14,19 @@ namespace {
 
 constexpr mode_t accessOfOthers = S_IRWXG | S_IRWXO;
 
+// The user may keep other files in the folder.
+bool isOfTheAgent(std::string_view name) {
+  return name.ends_with(".dat") || name == "TovalinUUID.txt" || name == "TovalinServerOption.txt";
+}
+
 void makeFilesPrivate(const std::string& folder) {
   std::error_code error;
   std::filesystem::directory_iterator entry(folder, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
     std::error_code gone;
-    // Opening a file makes it private.
-    if (std::filesystem::is_regular_file(entry->symlink_status(gone)))
-      static_cast<void>(openForReading(entry->path().string()));
+    if (!isOfTheAgent(entry->path().filename().native())) continue;
+    if (!std::filesystem::is_regular_file(entry->symlink_status(gone))) continue;
+    if (const auto file = openForReading(entry->path().string()); file.valid()) makePrivate(file);
   }
 }
 

@@ -9,5 +9,6 @@
 // Takes all access of other users from an open file or folder. Only where it is this user's own.
 void makePrivate(const platform::FileDescriptor& file);
 
-// Does that for the folder at `path` and for the regular files in it. Follows no link.
+// Does that for the folder at `path` and for the usage files, the identity and the server's option in it.
+// Follows no link.
 void makeFolderPrivate(const std::string& path);

@@ -5,6 +5,7 @@
 #include "platform/log.h"
 #include "usage/application_directory.h"
 #include "usage/file_bytes.h"
+#include "usage/private_files.h"
 
 namespace {
 
@@ -34,6 +35,7 @@ int GetTovalinServerOption() {
   if (const auto file = openForReading(*path); file.valid()) {
     const auto size = sizeOf(file);
     if (!size) return unknownOption("file read failed");
+    makePrivate(file);
     if (*size <= longestOption) return storedOption(file, *size);
   } else if (sizeOfFileAt(*path).value_or(longestOption + 1) <= longestOption) {
     // One that is there and can't be opened for now may be right.

@@ -44,8 +44,8 @@ bool isLeftOut(const std::string& path) {
   const auto isBelow = [&](const std::string& top) { return path == top || path.starts_with(top + "/"); };
   return path == pipePath || path == "/tmp/KMPIPE" || path == "/tmp/timeline.sock" ||
          path.starts_with(ownFolder + "/TovalinUUID") ||
-         path.starts_with(ownFolder + "/TovalinServerOption") || path.starts_with(ownFolder + "/Tovalin_") ||
-         isBelow("/tmp/runtime/TovalinTray");
+         path.starts_with(ownFolder + "/TovalinServerOption") || path == ownFolder + "/TovalinUsage.lock" ||
+         path.starts_with(ownFolder + "/Tovalin_") || isBelow("/tmp/runtime/TovalinTray");
 }
 
 using Snapshot = std::map<std::string, std::string>;
@@ -119,6 +119,8 @@ class UntouchedFiles : public SupportTest {
           "/tmp/home/.local/state/Tovalin/Tovalin1.crash", "/tmp/home/.local/share/Tovalin/notes.txt",
           "/tmp/home/.local/share/Tovalin/NOTES.DAT"})
       plant(path);
+    // As the agent makes it.
+    fs::permissions(ownFolder, fs::perms::owner_all);
     // In the places of past days, beside a real one that is sent.
     fs::create_symlink("/tmp/home/canary", ownFolder + "/Tovalin_2024_01_01.dat");
     fs::create_symlink("/tmp/home/Desktop", ownFolder + "/Tovalin_2024_01_02.dat");

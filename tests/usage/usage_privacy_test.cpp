@@ -61,6 +61,16 @@ TEST_F(Privacy, ExistingFolderAndItsFilesAreMadePrivate) {
   EXPECT_EQ(contentsOf(past), kHeader);
 }
 
+TEST_F(Privacy, FilesThatAreNotTheAgentsKeepTheirMode) {
+  for (const std::string name : {"notes.txt", "NOTES.DAT", "other"}) {
+    const std::string path = std::string(kFolder) + "/" + name;
+    write(path, "text");
+    openToAll(path);
+    makeFolderPrivate(kFolder);
+    EXPECT_EQ(modeOf(path), 0777u);
+  }
+}
+
 TEST_F(Privacy, FileThatIsUsedIsMadePrivate) {
   for (const char* file : {kToday, kIdentity, kOption}) {
     write(file, file == kIdentity ? contentsOf(kIdentity) : "1");
