@@ -211,6 +211,7 @@ TEST_F(UntouchedFiles, ALinkInPlaceOfTheIdentityIsNeitherReadNorWritten) {
   for (const std::string& text : {secret, "another length"s, ""s}) {
     for (const char* folder : {"/tmp/home/linked", ownFolder.c_str()}) fs::remove_all(folder);
     fs::create_directories(ownFolder);
+    fs::permissions(ownFolder, fs::perms::owner_all);
     std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
     plantLink("TovalinUUID.txt", text);
     const Snapshot before = snapshot();
