@@ -1,5 +1,6 @@
 #include "support/server_content.h"
 
+#include "platform/text_prefix.h"
 #include "support/address.h"
 
 namespace {
@@ -22,6 +23,11 @@ std::optional<std::array<NoticeEntry, 2>> noticeEntries(const PropertyList& noti
   auto second = noticeEntry(notice, "notice_2");
   if (!first || !second) return std::nullopt;
   return std::array{*std::move(first), *std::move(second)};
+}
+
+std::string shownSubject(std::string_view subject) {
+  constexpr std::size_t maxCharacters = 500, maxCodePoints = 2000;
+  return platform::textPrefix(subject, maxCharacters, maxCodePoints);
 }
 
 std::optional<Banner> chosenBanner(const PropertyList& list, std::uint32_t random) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/property_list.h"
 
@@ -18,6 +19,11 @@ struct NoticeEntry {
 // The two entries of a notice, "notice_1" and "notice_2", each with its two strings. Nothing unless both are
 // complete.
 [[nodiscard]] std::optional<std::array<NoticeEntry, 2>> noticeEntries(const platform::PropertyList& notice);
+
+// What is shown of a notice's subject: its first 500 characters, more than ten times what fits its line.
+// Shaping a text takes the time that its length does, and once more for each move of the mouse; characters
+// may be of any length, so there are at most 2000 code points.
+[[nodiscard]] std::string shownSubject(std::string_view subject);
 
 struct Banner {
   std::string fileName;

@@ -120,9 +120,9 @@ std::shared_ptr<View> nimbatrayAppDelegate::makeNoticePanel(platform::Button& fa
   }
   const auto entries = *noticeEntries(*serverNotice);
   const auto first = makeTextView(support_layout::firstLink, 12);
-  setHyperlinkWithTextView(*first, entries[0].link, entries[0].subject);
+  setHyperlinkWithTextView(*first, entries[0].link, shownSubject(entries[0].subject));
   const auto second = makeTextView(support_layout::secondLink, 12);
-  setHyperlinkWithTextView(*second, entries[1].link, entries[1].subject);
+  setHyperlinkWithTextView(*second, entries[1].link, shownSubject(entries[1].subject));
   return panel(support_layout::noticePanel, {heading, first, second});
 }
 

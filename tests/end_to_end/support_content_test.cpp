@@ -20,6 +20,11 @@ class SupportContent : public SupportTest {
   void clickEverythingFromTheServer() {
     for (const Place place : {updateMiddle, faqMiddle, firstLink, secondLink, bannerMiddle}) clickAt(place);
   }
+  void expectLinkServes() {
+    timeline_.clear();
+    clickAt(secondLink);
+    EXPECT_TRUE(waitForText("run: open http://two.example/b"));
+  }
   void expectNoBanner() {
     EXPECT_TRUE(waitUntil([&] { return linesInConsole(noBanner) == 1; })) << console();
     timeline_.clear();
@@ -311,6 +316,18 @@ TEST_F(SupportContent, WhatTheServerSaysIsTextAndNothingElse) {
   clickAt(secondLink);
   EXPECT_TRUE(waitForText("run: open http://two.example/"));
   closeWindow();
+}
+
+// Each press and each release lays the text out, which takes seconds for all of these marks.
+TEST_F(SupportContent, ClicksOnLinkWithOverlongSubjectAreServedPromptly) {
+  std::string subject = "a";
+  for (int i = 0; i < 450'000; ++i) subject += "\u0301";
+  server_->put(noticeFile, plist("<dict>" + noticeEntry("notice_1", subject, "http://one.example/a") +
+                                 noticeEntry("notice_2", "Two", "http://two.example/b") + "</dict>"));
+  launchAndOpen();
+  ASSERT_TRUE(showsLinks());
+  for (int i = 0; i < 3; ++i) clickAt(firstLink);
+  expectLinkServes();
 }
 
 }  // namespace

@@ -38,6 +38,24 @@ TEST(Notice, WithoutBothCompleteEntriesIsNone) {
     EXPECT_FALSE(noticeEntries(list(incomplete)).has_value()) << incomplete;
 }
 
+std::string repeated(const std::string& text, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+TEST(Subject, IsShownWholeUpTo500Characters) {
+  EXPECT_EQ(shownSubject("News"), "News");
+  EXPECT_EQ(shownSubject(""), "");
+  EXPECT_EQ(shownSubject(repeated("x", 500)), repeated("x", 500));
+  EXPECT_EQ(shownSubject(repeated("x", 501)), repeated("x", 500));
+  EXPECT_EQ(shownSubject(repeated("e\u0301", 501)), repeated("e\u0301", 500));
+}
+
+TEST(Subject, OfOneOverlongCharacterIsCutTo2000CodePoints) {
+  EXPECT_EQ(shownSubject("e" + repeated("\u0301", 450'000)), "e" + repeated("\u0301", 1999));
+}
+
 const char* const three =
     "( { file_name = a; link = A; }, { file_name = b; link = B; }, { file_name = c; link = C; } )";
 
