@@ -4,20 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 #include "platform/linux/x_requests.h"
 
 namespace platform {
 namespace {
-
-// The first number of a property.
-std::optional<std::uint32_t> numberIn(xcb_window_t window, xcb_atom_t property, xcb_atom_t type) {
-  const auto cookie = xcb_get_property(xConnection(), 0, window, property, type, 0, 1);
-  const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(xConnection(), cookie, nullptr));
-  if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.get()) == 0) return std::nullopt;
-  return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-}
 
 // By the range of numbers that the server gave this program, so a window that is already gone, too.
 bool isOfThisProgram(xcb_window_t window) {
@@ -36,7 +27,7 @@ bool holdsInPassing(xcb_window_t window) {
   constexpr std::array passing{"_NET_WM_WINDOW_TYPE_DOCK", "_NET_WM_WINDOW_TYPE_MENU",
                                "_NET_WM_WINDOW_TYPE_POPUP_MENU", "_NET_WM_WINDOW_TYPE_DROPDOWN_MENU",
                                "_NET_WM_WINDOW_TYPE_NOTIFICATION"};
-  const auto type = numberIn(window, xAtom(xConnection(), "_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM);
+  const auto type = xNumber(window, xAtom(xConnection(), "_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM);
   return type && std::ranges::any_of(
                      passing, [type](const char* name) { return xAtom(xConnection(), name) == *type; });
 }
@@ -49,8 +40,7 @@ std::uint32_t keyboardHolderProperty() {
 
 KeyboardHolder keyboardHolder() {
   if (xConnection() == nullptr) return KeyboardHolder::Unknown;
-  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(xConnection())).data->root;
-  const auto holder = numberIn(root, keyboardHolderProperty(), XCB_ATOM_WINDOW);
+  const auto holder = xNumber(xRoot(), keyboardHolderProperty(), XCB_ATOM_WINDOW);
   if (!holder) return KeyboardHolder::Unknown;
   if (*holder == XCB_WINDOW_NONE) return KeyboardHolder::Nobody;
   if (isOfThisProgram(*holder)) return KeyboardHolder::ThisProgram;

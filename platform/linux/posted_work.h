@@ -27,13 +27,15 @@ class PostedWork : public QObject {
   void post(std::function<void()> work);
   // Has the run loop come back to what was left. Any thread.
   void wake();
+  // Serves what is waiting at once, instead of with the run loop's next turn. Main thread, called by the run
+  // loop.
+  void serve();
 
  Q_SIGNALS:
   // A signal rather than a call of its own for each wake: the threads share the queue below and nothing else.
   void woken();
 
  private:
-  void serve();
   [[nodiscard]] std::optional<std::function<void()>> takeNext();
 
   const ModalStack& modalRuns_;

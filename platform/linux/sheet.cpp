@@ -6,10 +6,12 @@
 
 #include <QDialog>
 #include <QHBoxLayout>
+#include <QInputEvent>
 #include <QLabel>
 #include <QPainter>
 
 #include "platform/linux/bezel_button.h"
+#include "platform/linux/input_mark.h"
 #include "platform/linux/text_impl.h"
 #include "platform/linux/window_impl.h"
 
@@ -66,10 +68,12 @@ std::optional<std::size_t> indexOfEscape(const std::vector<QString>& titles) {
 
 }  // namespace
 
-Sheet::Sheet(QWidget& window, const SheetContent& content, std::function<void(int)> chosen)
-    : QWidget(&window), window_(window), chosen_(std::move(chosen)) {
+Sheet::Sheet(QWidget& window, const InputMark& mark, const SheetContent& content,
+             std::function<void(int)> chosen)
+    : QWidget(&window), window_(window), mark_(mark), chosen_(std::move(chosen)) {
   auto* panel = new Panel(*this);
   panel_ = panel;
+  panel_->installEventFilter(this);
   panel_->setAccessibleName(content.message);
   addButtons(content);
   if (const auto index = indexOfEscape(content.buttons)) panel->escapeButton = buttons_[*index];
@@ -81,6 +85,7 @@ void Sheet::addButtons(const SheetContent& content) {
     auto* button = new BezelButton(withoutMnemonic(title), panel_);
     button->setFont(systemFont(button->font(), fontSize));
     button->setMinimumSize(buttonWidth, buttonHeight);
+    button->installEventFilter(this);
     const int index = static_cast<int>(buttons_.size());
     connect(button, &QPushButton::clicked, this, [this, index] {
       if (!isBlocked(*this)) chosen_(index);
@@ -134,6 +139,17 @@ bool Sheet::focusNextPrevChild(bool next) {
   const auto following = next ? (index + 1) % count : (index <= 0 ? count : index) - 1;
   buttons_[static_cast<std::size_t>(following)]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
   return true;
+}
+
+bool Sheet::eventFilter(QObject*, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::KeyPress:
+      return mark_.isAfter(*static_cast<QInputEvent*>(event));
+    default:
+      return false;
+  }
 }
 
 void Sheet::paintEvent(QPaintEvent*) {

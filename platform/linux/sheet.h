@@ -11,6 +11,8 @@
 
 namespace platform {
 
+class InputMark;
+
 // What a sheet shows.
 struct SheetContent {
   std::vector<QString> buttons;  // the default first; never none
@@ -25,8 +27,9 @@ struct SheetContent {
 // keyboard, and would leave a hole in the first one's picture when the program is busy after the answer.
 class Sheet : public QWidget {
  public:
-  // `chosen` is called with the index of the button, within the toolkit's handling of its click.
-  Sheet(QWidget& window, const SheetContent& content, std::function<void(int)> chosen);
+  // `chosen` is called with the index of the button, within the toolkit's handling of its click. Input from
+  // before the mark does nothing.
+  Sheet(QWidget& window, const InputMark& mark, const SheetContent& content, std::function<void(int)> chosen);
 
   // Shows it and gives it the keyboard.
   void open();
@@ -35,6 +38,7 @@ class Sheet : public QWidget {
 
  protected:
   bool focusNextPrevChild(bool next) override;
+  bool eventFilter(QObject* part, QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
@@ -42,6 +46,7 @@ class Sheet : public QWidget {
   void layOut(const SheetContent& content);
 
   QWidget& window_;
+  const InputMark& mark_;
   QPointer<QWidget> focusBefore_;
   std::function<void(int)> chosen_;
   QWidget* panel_;

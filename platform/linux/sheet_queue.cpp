@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/linux/application_impl.h"
+
 namespace platform {
 
 void SheetQueue::begin(SheetContent content, std::function<void(int)> didEnd) {
@@ -14,8 +16,9 @@ void SheetQueue::showNext() {
   if (current_ != nullptr || waiting_.empty()) return;
   Waiting next = std::move(waiting_.front());
   waiting_.pop_front();
-  current_ = std::make_unique<Sheet>(
-      window_, next.content, [this, didEnd = std::move(next.didEnd)](int index) { end(index, didEnd); });
+  current_ =
+      std::make_unique<Sheet>(window_, inputMark_, next.content,
+                              [this, didEnd = std::move(next.didEnd)](int index) { end(index, didEnd); });
   current_->open();
 }
 
@@ -32,6 +35,11 @@ void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
   window_.repaint();  // didEnd may keep the run loop busy
   const QPointer<QWidget> window(&window_);
   didEnd(index);
+  if (window == nullptr) return;
+  // What didEnd has posted comes before the window's events that arrived meanwhile, and these answer no sheet
+  // that is new by then.
+  inputMark_.set();
+  Application::sharedApplication().impl().postedWork.serve();
   if (window != nullptr) showNext();
 }
 

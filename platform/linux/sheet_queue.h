@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+#include "platform/linux/input_mark.h"
 #include "platform/linux/sheet.h"
 
 namespace platform {
@@ -13,7 +14,7 @@ namespace platform {
 // The sheets of one window: one is up, the others wait. Main thread.
 class SheetQueue {
  public:
-  explicit SheetQueue(QWidget& window) : window_(window) {}
+  explicit SheetQueue(QWidget& window) : window_(window), inputMark_(window) {}
 
   // Shows the sheet, once those before it have ended. `didEnd` is called by the run loop with the index of
   // the button, not before the window shows itself without the sheet.
@@ -34,6 +35,7 @@ class SheetQueue {
   void dropCurrent();
 
   QWidget& window_;
+  InputMark inputMark_;
   bool closed_ = false;
   std::unique_ptr<Sheet> current_;
   std::deque<Waiting> waiting_;

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 
+class QWidget;
 struct xcb_connection_t;
 
 namespace platform {
@@ -17,6 +19,17 @@ namespace platform {
 // The atom of this name, made when the server doesn't know it yet; 0 on failure. One round trip to the
 // server.
 [[nodiscard]] std::uint32_t xAtom(xcb_connection_t* connection, const std::string& name);
+
+// The screen's root window. Only where there is a connection.
+[[nodiscard]] std::uint32_t xRoot();
+
+// The first number of a window's property; nullopt where there is none of this type. One round trip.
+[[nodiscard]] std::optional<std::uint32_t> xNumber(std::uint32_t window, std::uint32_t property,
+                                                   std::uint32_t type);
+
+// The widget's window on the display; 0 where it has none. The widget's own number is that of an earlier
+// window once the toolkit has replaced it.
+[[nodiscard]] std::uint32_t xWindowOf(const QWidget& widget);
 
 // An answer of the server's.
 struct FreeXReply {

@@ -211,6 +211,11 @@ class SupportTest : public NoticeTest {
   [[nodiscard]] bool waitForClickBeacon(const std::string& value) {
     return waitForBeacon("?category=clickaction&clickaction=" + value);
   }
+  // Returns when the agent has taken in all that the user did before.
+  void serveAll() {
+    choose("Automount Off");
+    ASSERT_TRUE(waitForText("pipe: -u"));
+  }
   // The agent answers clicks on the menu, and did nothing with what the user did before.
   void expectNothingRun() {
     choose("Automount Off");

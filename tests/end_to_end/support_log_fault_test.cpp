@@ -104,17 +104,47 @@ TEST_F(SupportLog, AFolderOfSomebodyElsesIsNotFilled) {
   EXPECT_THAT(archives(), ElementsAre());
 }
 
-// What the user did in the meantime is served before the sheet that tells of the end, which then has no
-// window.
-TEST_F(SupportLog, ACloseRequestDuringTheCollectionClosesTheWindowAfterIt) {
+TEST_F(SupportLog, CloseRequestDuringCollectionIsRefusedByCompletionAlert) {
   collectUntilPacking();
+  ASSERT_TRUE(sheetIsGone());
   test_support::deliverCloseRequest(display_.name(), window_.id);
   timeline_.release("zip");
-  ASSERT_TRUE(windowGoes());
-  openWindow();
-  EXPECT_FALSE(colourOf(bareSpot).red < 200) << "an earlier window's sheet";
+  ASSERT_TRUE(sheetIsUp());
+  serveAll();
+  EXPECT_EQ(supportWindows(), 1);
+  press("Escape");
+  ASSERT_TRUE(sheetIsGone());
   closeWindow();
   terminateAgent();
+}
+
+TEST_F(SupportLog, InputDuringCollectionReachesNothing) {
+  collectUntilPacking();
+  ASSERT_TRUE(sheetIsGone());
+  timeline_.clear();
+  clickAt(sheetsDefault);
+  press("Return");
+  press("Escape");
+  clickAt(faqMiddle);
+  timeline_.release("zip");
+  ASSERT_TRUE(sheetIsUp());
+  serveAll();
+  EXPECT_TRUE(sheetIsUp());
+  EXPECT_EQ(count("run: open"), 0);
+  clickAt(sheetsDefault);
+  EXPECT_TRUE(sheetIsGone());
+}
+
+TEST_F(SupportLog, NoticesAskedForDuringCollectionLeaveCompletionAlert) {
+  collectUntilPacking();
+  ASSERT_TRUE(sheetIsGone());
+  send("-non");
+  send("-noff");
+  timeline_.release("zip");
+  EXPECT_TRUE(sheetIsUp());
+  EXPECT_TRUE(hides(isAccessNotice));
+  clickAt(sheetsDefault);
+  EXPECT_TRUE(sheetIsGone());
 }
 
 TEST_F(SupportLog, TheSignalDuringTheCollectionIsServedAfterIt) {

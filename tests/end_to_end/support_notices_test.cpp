@@ -33,12 +33,6 @@ class SupportMeets : public SupportTest {
     ASSERT_TRUE(becomesActive(window->id));
   }
 
-  // Returns when the agent has taken in all that the user did before.
-  void serveAll() {
-    choose("Automount Off");
-    ASSERT_TRUE(waitForText("pipe: -u"));
-  }
-
   // While the notice is there a click at `place` of the window and a close request do nothing.
   void expectBlocked(const std::string& on, const std::string& off,
                      bool (*notice)(const test_support::XWindow&), Place place) {
