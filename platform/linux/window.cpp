@@ -15,6 +15,7 @@
 #include "platform/linux/color_impl.h"
 #include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
+#include "platform/linux/window_hints.h"
 #include "platform/linux/window_impl.h"
 #include "platform/linux/x_requests.h"
 
@@ -62,7 +63,16 @@ class WindowWidget : public QWidget {
             Qt::UniqueConnection);
   }
 
-  void paintEvent(QPaintEvent*) override { owner->isComing = false; }
+  void paintEvent(QPaintEvent*) override {
+    owner->isComing = false;
+    owner->firstPicture.takeBack(*this);
+  }
+
+  void changeEvent(QEvent* event) override {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange && style_ == WindowStyle::Titled && isMinimized())
+      comeBackOnceIdle();
+  }
 
   void keyPressEvent(QKeyEvent* event) override {
     if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
@@ -79,6 +89,14 @@ class WindowWidget : public QWidget {
       setGeometry(movedInto(roomFor(*this), place));
     };
     QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
+  }
+
+  // Some window managers draw a control that makes a window an icon whatever its hints say.
+  void comeBackOnceIdle() {
+    const auto comeBack = [this] {
+      if (isMinimized() && windowHandle() != nullptr && isMadeIcon(*windowHandle())) owner->comeBack();
+    };
+    QMetaObject::invokeMethod(this, comeBack, Qt::QueuedConnection);
   }
 
   WindowStyle style_;
@@ -122,8 +140,9 @@ void bringWindowsForward() {
   }
 }
 
-Window::Impl::Impl(Rect contentRect, WindowStyle style)
-    : content(std::make_unique<ContentView>(Rect{0, 0, contentRect.width, contentRect.height}, style)),
+Window::Impl::Impl(Rect contentRect, WindowStyle ofStyle)
+    : style(ofStyle),
+      content(std::make_unique<ContentView>(Rect{0, 0, contentRect.width, contentRect.height}, style)),
       widget(*content->impl().widget),
       sheets(widget) {
   widget.setFixedSize(widget.size());
@@ -148,7 +167,7 @@ void Window::Impl::followActivity(bool active) {
   if (active) {
     if (!std::exchange(hiddenByInactivity, false)) return;
     widget.setAttribute(Qt::WA_ShowWithoutActivating);
-    widget.show();
+    appear(&QWidget::show);
     widget.setAttribute(Qt::WA_ShowWithoutActivating, false);
     // Some window managers put it above the window that keeps it from taking input.
     if (isBlocked(widget)) Application::sharedApplication().impl().modalRuns.bringForward();
@@ -160,13 +179,31 @@ void Window::Impl::followActivity(bool active) {
 
 void Window::Impl::comeForward() {
   if (std::exchange(hiddenByInactivity, false)) {
+    appear(&QWidget::show);
     isComing = true;
-    widget.show();
   }
   if (!widget.isVisible()) return;
-  if (widget.isMinimized()) widget.showNormal();
+  if (widget.isMinimized()) appear(&QWidget::showNormal);
   widget.raise();
   widget.activateWindow();
+}
+
+void Window::Impl::comeBack() {
+  comeForward();
+  if (isBlocked(widget)) Application::sharedApplication().impl().modalRuns.bringForward();
+}
+
+// The toolkit may make another window of the system's for one whose flags have changed since it was shown.
+void Window::Impl::appear(void (QWidget::*show)()) {
+  widget.winId();
+  tellItsControls();
+  (widget.*show)();
+  firstPicture.give(widget);
+  tellItsControls();
+}
+
+void Window::Impl::tellItsControls() {
+  if (QWindow* window = widget.windowHandle()) tellControls(*window, style == WindowStyle::TitledClosable);
 }
 
 bool Window::Impl::isOnScreen() const {
@@ -176,7 +213,10 @@ bool Window::Impl::isOnScreen() const {
 
 // On the window itself: the toolkit would make a new one for a changed flag of the widget.
 void Window::Impl::setAboveOthers(bool above) {
-  if (QWindow* window = widget.windowHandle()) window->setFlag(Qt::WindowStaysOnTopHint, above);
+  QWindow* window = widget.windowHandle();
+  if (window == nullptr) return;
+  window->setFlag(Qt::WindowStaysOnTopHint, above);
+  tellItsControls();
 }
 
 std::shared_ptr<Window> Window::make(Rect contentRect, WindowStyle style) {
@@ -222,9 +262,11 @@ void Window::center() {
 void Window::makeKeyAndOrderFront() {
   if (impl_->closed || impl_->hiddenByInactivity) return;
   impl_->onScreen = shared_from_this();
-  impl_->isComing = impl_->isComing || !impl_->widget.isVisible();
   orderTabsAsMade(*impl_->content);
-  impl_->widget.show();
+  if (!impl_->widget.isVisible()) {
+    impl_->appear(&QWidget::show);
+    impl_->isComing = true;
+  }
   impl_->widget.raise();
   impl_->widget.activateWindow();
 }

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include "platform/linux/activity_watch.h"
+#include "platform/linux/first_picture.h"
 #include "platform/linux/sheet_queue.h"
 #include "platform/view.h"
 #include "platform/window.h"
@@ -13,7 +14,7 @@
 namespace platform {
 
 struct Window::Impl {
-  Impl(Rect contentRect, WindowStyle style);
+  Impl(Rect contentRect, WindowStyle ofStyle);
 
   // Whether this toolkit window is the window itself.
   [[nodiscard]] bool owns(const QWidget& window) const { return &window == &widget; }
@@ -29,7 +30,14 @@ struct Window::Impl {
   void followActivity(bool active);
   // Back from where the program's inactivity has hidden it, and to the front if it is visible.
   void comeForward();
+  // Back from the icon that its user has made of it, below the window that keeps it from taking input.
+  void comeBack();
+  // Has the toolkit show the widget, with its picture in it until it is painted and no controls but its own.
+  void appear(void (QWidget::*show)());
+  // Repeats the window manager's hints, over those that the toolkit has written.
+  void tellItsControls();
 
+  WindowStyle style;
   std::unique_ptr<View> content;
   QWidget& widget;
   SheetQueue sheets;
@@ -38,6 +46,7 @@ struct Window::Impl {
   bool closed = false;
   bool hiddenByInactivity = false;
   bool isComing = false;  // ordered to the front, and not yet drawn
+  FirstPicture firstPicture;
   std::unique_ptr<ActivityWatch> activity;
 };
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <map>
 #include <mutex>
 
@@ -53,6 +54,19 @@ class SupportFault : public SupportTest {
     EXPECT_GE(took, 2900ms);
     EXPECT_LE(took, 10s);
   }
+  // The window comes back by the menu while the agent waits for the server: what is on the display then is
+  // what was there before.
+  void expectReturnsPaintedDuringSilence(const std::vector<test_support::XPicture>& before) {
+    fail(versionFile, Fault::Silence);
+    choose();
+    ASSERT_TRUE(waitUntil([&] { return silences_ == 1 && supportWindows() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return pictures() == before; }, 2s));
+    EXPECT_EQ(silences_, 1);
+  }
+  // Of what looks the same with and without the keyboard.
+  [[nodiscard]] std::vector<test_support::XPicture> pictures() const {
+    return {pictureOfPart({0, 105}, 420, 135), pictureOfPart({0, 0}, 420, 40)};
+  }
   [[nodiscard]] bool bannerIsRed() {
     return waitUntil([&] { return colourOf(bannerMiddle) == red; });
   }
@@ -72,7 +86,9 @@ class SupportFault : public SupportTest {
         connection.send(whole);
         return;
       case Fault::Silence:
+        ++silences_;
         connection.waitForEnd();
+        --silences_;
         return;
       case Fault::Reset:
         connection.reset();
@@ -86,6 +102,7 @@ class SupportFault : public SupportTest {
     }
   }
 
+  std::atomic<int> silences_ = 0;  // that go on
   std::mutex mutex_;
   std::map<std::string, Fault> faults_;
   std::map<std::string, std::string> bodies_;
@@ -99,6 +116,25 @@ TEST_F(SupportFault, ASilentVersionDisablesUpdateAfterThreeSeconds) {
   clickAt(updateMiddle);
   clickFaqAndExpect(true);
   EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate updateBtnClick:]"), 0);
+}
+
+TEST_F(SupportFault, HiddenWindowReturnsPaintedWhileServerIsSilent) {
+  launchAndOpen();
+  ASSERT_TRUE(bannerIsRed());
+  const auto before = pictures();
+  turnToAnotherProgram();
+  ASSERT_TRUE(windowGoes());
+  program_ = test_support::ChildProcess();  // one of its windows would lie above
+  expectReturnsPaintedDuringSilence(before);
+}
+
+TEST_F(SupportFault, MinimisedWindowReturnsPaintedWhileServerIsSilent) {
+  launchAndOpen();
+  ASSERT_TRUE(bannerIsRed());
+  const auto before = pictures();
+  runOnDisplay({"xdotool", "windowminimize", std::to_string(window_.id)});
+  ASSERT_TRUE(windowGoes());
+  expectReturnsPaintedDuringSilence(before);
 }
 
 TEST_F(SupportFault, ASilentNoticeIsNoneAfterThreeSeconds) {
