@@ -9,6 +9,7 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QScreen>
+#include <QVariant>
 #include <QWindow>
 
 #include "platform/linux/application_impl.h"
@@ -119,6 +120,14 @@ QPalette paletteOn(const QColor& background) {
   return palette;
 }
 
+// Whether the window manager is told, by a _NET_WM_USER_TIME of 0, not to give the keyboard to a window when
+// it is shown. Qt hands WA_ShowWithoutActivating on to the QWindow only when it makes that, which is long
+// before; this is the property that it sets there.
+void setWantsKeyboard(QWidget& widget, bool wants) {
+  if (QWindow* window = widget.windowHandle())
+    window->setProperty("_q_showWithoutActivating", wants ? QVariant() : QVariant(true));
+}
+
 }  // namespace
 
 bool isWindowOfProgram(const QWidget& window) {
@@ -166,9 +175,9 @@ void Window::Impl::releaseOnceIdle() {
 void Window::Impl::followActivity(bool active) {
   if (active) {
     if (!std::exchange(hiddenByInactivity, false)) return;
-    widget.setAttribute(Qt::WA_ShowWithoutActivating);
+    setWantsKeyboard(widget, false);
     appear(&QWidget::show);
-    widget.setAttribute(Qt::WA_ShowWithoutActivating, false);
+    setWantsKeyboard(widget, true);
     // Some window managers put it above the window that keeps it from taking input.
     if (isBlocked(widget)) Application::sharedApplication().impl().modalRuns.bringForward();
   } else if (widget.isVisible()) {

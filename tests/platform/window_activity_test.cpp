@@ -9,6 +9,7 @@
 #include "tests/platform/support_layout.h"
 #include "tests/platform/window_fixture.h"
 #include "tests/support/child_process.h"
+#include "tests/support/x_connection.h"
 #include "tests/support/x_input.h"
 #include "tests/support/x_windows.h"
 
@@ -120,6 +121,64 @@ TEST_F(WindowActivity, ComesBackWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
   ASSERT_TRUE(show(*plain.window));
   EXPECT_TRUE(serveEventsUntil([&] { return layout_.window->isVisible(); }));
   plain.window->close();
+}
+
+// openbox gives the keyboard to any window of the program that has it, so what the window asks for is looked
+// at.
+TEST_F(WindowActivity, AsksForTheKeyboardWhenItIsShownAndNotWhenItComesBack) {
+  const auto asksForKeyboard = [] {
+    const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
+    const test_support::XConnection x(display());
+    return window && x.numberProperty(window->id, "_NET_WM_USER_TIME") != 0U;
+  };
+  SupportLayout plain;
+  plain.window->setTitle("Plain");
+  ASSERT_TRUE(show(*layout_.window));
+  EXPECT_TRUE(asksForKeyboard());
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(hides());
+  plain.window->makeKeyAndOrderFront();
+  ASSERT_TRUE(serveEventsUntil([this] { return layout_.window->isVisible(); }));
+  EXPECT_FALSE(asksForKeyboard());
+  layout_.window->orderOut();
+  layout_.window->makeKeyAndOrderFront();
+  EXPECT_TRUE(asksForKeyboard());
+  plain.window->close();
+}
+
+TEST_F(WindowActivity, BlocksOthersFromTheMomentOnInWhichItComesBackForItsModalRun) {
+  SupportLayout plain;
+  plain.window->setTitle("Plain");
+  ASSERT_TRUE(show(*plain.window));
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  bool reachedTheEnd = false;
+  Application& application = Application::sharedApplication();
+  application.performOnMainThread([&] {
+    EXPECT_TRUE(turnToOtherProgram() && hides());
+    application.activateIgnoringOtherApps(true);
+    EXPECT_FALSE(widgetOf(*plain.window).close());
+    reachedTheEnd = true;
+    application.stopModal();
+  });
+  application.runModalForWindow(layout_.window);
+  EXPECT_TRUE(reachedTheEnd);
+  plain.window->close();
+}
+
+// Some window managers minimise a window that offers no control for it.
+TEST_F(WindowActivity, ComesBackFromAnIconWhenActivated) {
+  ASSERT_TRUE(show(*layout_.window));
+  const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
+  ASSERT_TRUE(window);
+  test_support::ChildProcess tool;
+  ASSERT_TRUE(tool.start({"xdotool", "windowminimize", std::to_string(window->id)},
+                         {.environment = {{"DISPLAY", display()}}}));
+  ASSERT_TRUE(serveEventsUntil([this] { return widgetOf(*layout_.window).isMinimized(); }));
+  Application::sharedApplication().activateIgnoringOtherApps(true);
+  EXPECT_TRUE(isBackWithTheKeyboard());
+  EXPECT_FALSE(widgetOf(*layout_.window).isMinimized());
 }
 
 TEST_F(WindowActivity, StaysWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
