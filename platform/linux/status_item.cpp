@@ -49,7 +49,7 @@ void StatusItem::Impl::popUpMenu() {
   const QRect place = icon == nullptr ? QRect() : icon->geometry();
   if (place.isEmpty()) return widget.popup(QCursor::pos());
   const int height = widget.sizeHint().height();
-  widget.popup(place.top() >= height ? place.topLeft() - QPoint(0, height) : place.bottomLeft());
+  widget.popup(place.topLeft() + QPoint(0, place.top() >= height ? -height : place.height()));
 }
 
 StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {

@@ -1,6 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <filesystem>
+
 #include "tests/end_to_end/agent_test.h"
+#include "tests/support/x_connection.h"
 #include "tests/support/x_input.h"
 #include "tests/support/x_picture.h"
 #include "tests/support/x_windows.h"
@@ -28,12 +32,11 @@ constexpr int halfALine = 12;
 // The agent in a real tray of the X screen.
 class XTray : public AgentTest {
  protected:
-  void startTray() {
+  void startTray(const char* edge = "bottom") {
     ChildOptions options;
     options.environment = environment_;
     options.error = Redirection::null();
-    ASSERT_TRUE(
-        tray_.start({"trayer", "--edge", "bottom", "--SetDockType", "true", "--height", "28"}, options));
+    ASSERT_TRUE(tray_.start({"trayer", "--edge", edge, "--SetDockType", "true", "--height", "28"}, options));
   }
 
   [[nodiscard]] std::optional<XWindow> dockedIcon() {
@@ -90,6 +93,26 @@ TEST_F(XTray, DocksInATrayThatStartsAfterTheAgent) {
   EXPECT_TRUE(dockedIcon());
 }
 
+// Managers of other things announce themselves by the same message.
+TEST_F(XTray, DocksInATrayThatStartsAfterAManagerOfSomethingElse) {
+  launchAgent();
+  {
+    const test_support::XConnection x(display_.name());
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = x.root();
+    message.type = x.atom("MANAGER");
+    ASSERT_NE(message.type, static_cast<xcb_atom_t>(XCB_ATOM_NONE));
+    message.data.data32[1] = XCB_ATOM_STRING;
+    xcb_send_event(x.get(), 0, x.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    x.synchronize();
+  }
+  startTray();
+  EXPECT_TRUE(dockedIcon());
+}
+
 TEST_F(XTray, DocksAgainInATrayThatIsStartedAgain) {
   startTray();
   launchAgent();
@@ -110,6 +133,37 @@ TEST_F(XTray, BothButtonsOpenTheMenu) {
     EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu)) << "button " << button;
     EXPECT_TRUE(escapeClosesMenu()) << "button " << button;
   }
+}
+
+TEST_F(XTray, MenuOpensBesideTheIconOnTheSideThatHasRoom) {
+  for (const char* edge : {"bottom", "top"}) {
+    startTray(edge);
+    launchAgent();
+    clickIcon("1");
+    const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+    const auto icon = dockedIcon();
+    ASSERT_TRUE(menu && icon) << edge;
+    EXPECT_EQ(menu->x, std::min(icon->x, 1280 - menu->width)) << edge;
+    EXPECT_EQ(edge == std::string("bottom") ? menu->y + menu->height : menu->y,
+              edge == std::string("bottom") ? icon->y : icon->y + icon->height)
+        << edge;
+    EXPECT_TRUE(escapeClosesMenu());
+    terminateAgent();
+    tray_.kill();
+    ASSERT_TRUE(tray_.wait());
+    timeline_.clear();
+  }
+}
+
+TEST_F(XTray, TheLossOfTheDisplayRunsTheProperEndOnce) {
+  startTray();
+  launchAgent();
+  ASSERT_TRUE(dockedIcon());
+  display_.stop();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_EQ(count(killRun), 1);
+  EXPECT_EQ(recordsLike(quitRecord), 1);
+  EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end broke off";
 }
 
 TEST_F(XTray, TheFirstLineSwitches) {
