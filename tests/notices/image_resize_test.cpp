@@ -94,6 +94,23 @@ TEST(ImageResize, MixesPixelsByAreaWhenItShrinks) {
   EXPECT_NEAR(middle.red(), 128, 6);
 }
 
+// Each column of the small picture stands for twenty of the large one, so the line is a twentieth of one of
+// them.
+TEST(ImageResize, KeepsAThinLineWhereverItIsWhenItShrinks) {
+  for (int line = 0; line < 40; ++line) {
+    Image large({200, 200});
+    QImage& pixels = large.impl().forms.front();
+    pixels = pixels.scaled(200, 200);
+    pixels.fill(Qt::white);
+    for (int y = 0; y < pixels.height(); ++y) pixels.setPixelColor(line, y, Qt::black);
+    const auto resized = imageResize(&large, 10, 10);
+    QImage small = resized->impl().forms.front();
+    int darkness = 0;
+    for (int x = 0; x < small.width(); ++x) darkness += 255 - small.pixelColor(x, small.height() / 2).red();
+    EXPECT_NEAR(darkness, 255.0 * small.width() / pixels.width(), 3) << "line " << line;
+  }
+}
+
 TEST(ImageResize, AStatusIconHoldsOnePixelForEachOfTheScreens) {
   const double scale = qGuiApp->devicePixelRatio();
   const auto source = platform::imageNamed("mount on.png");

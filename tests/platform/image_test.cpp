@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include <QBuffer>
 #include <QGuiApplication>
@@ -59,6 +62,21 @@ TEST(ImageNamed, APictureThatHasChangedIsReadAnew) {
   }
 }
 
+TEST(ImageNamed, APictureThatHasChangedButForItsLengthIsReadAnew) {
+  const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
+  const auto second = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+  const auto first = second - std::chrono::seconds(1);
+  for (const auto& [colour, time] : {std::pair(Qt::red, first), std::pair(Qt::blue, second)}) {
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(colour);
+    ASSERT_TRUE(picture.save(QStringLiteral("/tmp/same length.bmp")));
+    std::filesystem::last_write_time("/tmp/same length.bmp", time);
+    const auto image = imageNamed(toTheTop + "/tmp/same length.bmp");
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->impl().forms.front().pixelColor(0, 0), QColor(colour));
+  }
+}
+
 TEST(Image, HasAsManyPixelsAsTheScreenShowsForItsPoints) {
   const double scale = qGuiApp->devicePixelRatio();
   EXPECT_EQ(Image({20, 17}).pixelSize(), (Size{20 * scale, 17 * scale}));
@@ -92,6 +110,19 @@ QImage pixels(int width, int height, QImage::Format format = QImage::Format_RGB3
   QImage image(width, height, format);
   image.fill(Qt::red);
   return image;
+}
+
+TEST(Image, MayHave64MillionPixelsAndNoMore) {
+  const double side = 8000 / qGuiApp->devicePixelRatio();
+  EXPECT_TRUE(Image({side, side}).isValid());
+  EXPECT_FALSE(Image({side, side + 1}).isValid());
+}
+
+TEST(Image, IsShrunkIntoItsRoomAndNeverEnlarged) {
+  const Image image({40, 20});
+  EXPECT_EQ(image.impl().shrinkInto({400, 400}), 1.0);
+  EXPECT_EQ(image.impl().shrinkInto({20, 20}), 0.5);
+  EXPECT_EQ(image.impl().shrinkInto({40, 5}), 0.25);
 }
 
 TEST(ImageWithData, HasOnePointToThePixel) {
@@ -163,6 +194,36 @@ TEST(ImageFocus, DrawingIntoAScaledImageChangesNoOtherOfThatSize) {
   first.impl().forms.front().fill(Qt::blue);
   drawInto(second);
   EXPECT_EQ(second.impl().forms.front().pixelColor(1, 1), QColor(Qt::red));
+}
+
+// Of a picture with a name, whose scaled pixels are kept.
+TEST(ImageFocus, EachPartOfOnePictureIsDrawnAsWhatItIs) {
+  const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
+  QImage quarters(8, 8, QImage::Format_RGB32);
+  const std::array colours = {Qt::red, Qt::green, Qt::blue, Qt::white};
+  for (int i = 0; i < 64; ++i)
+    quarters.setPixelColor(i % 8, i / 8, colours[static_cast<std::size_t>(i % 8 / 4 + i / 32 * 2)]);
+  ASSERT_TRUE(quarters.save(QStringLiteral("/tmp/quarters.bmp")));
+  const auto source = imageNamed(toTheTop + "/tmp/quarters.bmp");
+  ASSERT_NE(source, nullptr);
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    Image target({4, 4});
+    ImageFocus focus(target);
+    focus.setImageInterpolation(ImageInterpolation::High);
+    const double x = i % 2 == 0 ? 0 : 4, y = i < 2 ? 4 : 0;
+    focus.draw(*source, {0, 0}, {x, y, 4, 4}, CompositingOperation::Copy, 1.0);
+    EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1), QColor(colours[i])) << i;
+  }
+}
+
+TEST(ImageFocus, FractionMixesWithWhatWasThereWithHighInterpolationToo) {
+  Image source({4, 4}), target({4, 4});
+  source.impl().forms.front().fill(Qt::white);
+  target.impl().forms.front().fill(Qt::black);
+  ImageFocus focus(target);
+  focus.setImageInterpolation(ImageInterpolation::High);
+  focus.draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 0.5);
+  EXPECT_NEAR(target.impl().forms.front().pixelColor(1, 1).red(), 128, 2);
 }
 
 TEST(ImageFocus, CountsFromTheLowerLeft) {
