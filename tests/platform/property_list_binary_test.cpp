@@ -301,6 +301,47 @@ TEST(BinaryPropertyList, SharedTextIsCountedEachTime) {
   EXPECT_FALSE(parse(shared(propertyListMaxBytes / 8, 10'000)));
 }
 
+TEST(BinaryPropertyList, SharedDataIsCountedEachTime) {
+  const auto shared = [](std::size_t size, std::size_t times) {
+    return BinaryList{
+        .objects = {bytes({0xAF, 0x11}) + BinaryList::bigEndian(times, 2) + std::string(times, '\1'),
+                    bytes({0x4F, 0x12}) + BinaryList::bigEndian(size, 4) + std::string(size, 'a')},
+        .offsetSize = 4}
+        .build();
+  };
+  EXPECT_TRUE(parse(shared(propertyListMaxBytes / 8, 8)));
+  EXPECT_FALSE(parse(shared(propertyListMaxBytes / 8, 9)));
+  EXPECT_FALSE(parse(shared(propertyListMaxBytes / 8, 1'000)));
+}
+
+TEST(BinaryPropertyList, SharedKeysAreCountedEachTime) {
+  const auto shared = [](std::size_t size, std::size_t times) {
+    return BinaryList{
+        .objects = {bytes({0xDF, 0x11}) + BinaryList::bigEndian(times, 2) + std::string(times, '\1') +
+                        std::string(times, '\2'),
+                    bytes({0x5F, 0x12}) + BinaryList::bigEndian(size, 4) + std::string(size, 'a'),
+                    bytes({0x09})},
+        .offsetSize = 4}
+        .build();
+  };
+  EXPECT_TRUE(parse(shared(propertyListMaxBytes / 8, 8)));
+  EXPECT_FALSE(parse(shared(propertyListMaxBytes / 8, 9)));
+  EXPECT_TRUE(parse(shared(1, (propertyListMaxObjects - 1) / 2)));
+  EXPECT_FALSE(parse(shared(1, propertyListMaxObjects / 2)));
+}
+
+TEST(BinaryPropertyList, SharedUidsAreCountedAsThreeObjectsEachTime) {
+  const auto shared = [](std::size_t times) {
+    return BinaryList{
+        .objects = {bytes({0xAF, 0x11}) + BinaryList::bigEndian(times, 2) + std::string(times, '\1'),
+                    bytes({0x80, 7})},
+        .offsetSize = 4}
+        .build();
+  };
+  EXPECT_TRUE(parse(shared((propertyListMaxObjects - 1) / 3)));
+  EXPECT_FALSE(parse(shared((propertyListMaxObjects - 1) / 3 + 1)));
+}
+
 TEST(BinaryPropertyList, TextIsCountedAsUtf8) {
   const auto letters = [](std::size_t count) {
     return BinaryList{

@@ -63,13 +63,20 @@ std::string dictionaryOfMany() {
   return list + "</dict></plist>";
 }
 
-// A hundred arrays of a hundred references each to the same text, in some hundred bytes beside it.
-std::string sharedText() {
+// A hundred arrays of a hundred references each to the same value, in some hundred bytes beside it.
+std::string shared(const std::string& value) {
   return BinaryList{.objects = {'\xAF' + bytes({0x10, 100}) + std::string(100, '\1'),
-                                '\xAF' + bytes({0x10, 100}) + std::string(100, '\2'),
-                                '\x5F' + bytes({0x12, 0, 1, 0, 0}) + std::string(0x10000, 'a')},
+                                '\xAF' + bytes({0x10, 100}) + std::string(100, '\2'), value},
                     .offsetSize = 4}
       .build();
+}
+
+std::string sharedText() {
+  return shared('\x5F' + bytes({0x12, 0, 1, 0, 0}) + std::string(0x10000, 'a'));
+}
+
+std::string sharedData() {
+  return shared('\x4F' + bytes({0x12, 0, 1, 0, 0}) + std::string(0x10000, 'a'));
 }
 
 std::string binaryArrays() {
@@ -108,6 +115,7 @@ const std::vector<Hostile>& hostileLists() {
       {"XmlStrings", true, stringsInArray},
       {"XmlDictionary", true, dictionaryOfMany},
       {"BinarySharedText", false, sharedText},
+      {"BinarySharedData", false, sharedData},
       {"BinaryArrays", false, binaryArrays},
       {"BinarySelf", false,
        [] {
