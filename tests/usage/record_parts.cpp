@@ -12,6 +12,7 @@ namespace {
 
 std::mutex mutex;
 std::tm shown{};
+std::optional<std::tm> inNewZone;
 
 }  // namespace
 
@@ -20,6 +21,7 @@ std::optional<std::string> bundleVersion;
 void setClock(const std::tm& now) {
   const std::lock_guard lock(mutex);
   shown = now;
+  inNewZone.reset();
 }
 
 std::tm clockAt(const char* now) {
@@ -33,6 +35,11 @@ void setClock(const char* now) {
   setClock(clockAt(now));
 }
 
+void changeZoneTo(const char* now) {
+  const std::lock_guard lock(mutex);
+  inNewZone = clockAt(now);
+}
+
 }  // namespace record_parts
 
 std::tm platform::currentLocalTime() {
@@ -40,7 +47,10 @@ std::tm platform::currentLocalTime() {
   return record_parts::shown;
 }
 
-void platform::noticeTimeZone() {}
+void platform::noticeTimeZone() {
+  const std::lock_guard lock(record_parts::mutex);
+  record_parts::shown = record_parts::inNewZone.value_or(record_parts::shown);
+}
 
 std::int32_t getBundleVersion(std::optional<std::string>& version) {
   if (!record_parts::bundleVersion) return -1;

@@ -12,6 +12,8 @@ void setClock(const std::tm& now);
 // "2024-03-07 09:05:00"
 void setClock(const char* now);
 [[nodiscard]] std::tm clockAt(const char* now);
+// What the clock shows from the next noticeTimeZone on, as after a change of the system's time zone.
+void changeZoneTo(const char* now);
 
 // The bundle's version; nothing: it can't be had.
 extern std::optional<std::string> bundleVersion;

@@ -80,6 +80,15 @@ TEST_F(UploadTicks, FailedPassOfADayIsNotRepeatedBeforeTheNext) {
   EXPECT_THAT(left(), ElementsAre("Tovalin_2024_03_08.dat"));
 }
 
+TEST_F(UploadTicks, ZoneThatChangedWhileTheAgentRunsChangesTheDate) {
+  launchAt("2024-03-06 20:59:30");
+  record_parts::changeZoneTo("2024-03-07 05:00:30");
+  errorsOf([this] { delegate_.TvlCheckDataUpload(); });
+  EXPECT_TRUE(delegate_.bTvlDataUpload);
+  EXPECT_EQ(delegate_.strStartTime.tm_mday, 7);
+  EXPECT_EQ(contentsOf(inFolder(kTodaysName)), kHeader);
+}
+
 TEST_F(UploadTicks, FlagSetByNobodyMakesNoPass) {
   launchAt("2024-03-07 09:05:06");
   write(inFolder(kYesterday), "bytes");
