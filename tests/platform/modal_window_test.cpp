@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <future>
 #include <memory>
@@ -7,6 +8,7 @@
 #include <thread>
 
 #include <QApplication>
+#include <QTimer>
 #include <QWidget>
 
 #include "platform/application.h"
@@ -39,6 +41,11 @@ void requestClose(const std::string& title) {
 }
 bool closes(const std::string& title) {
   return test_support::waitForNoWindow(display(), windowNamed(title));
+}
+test_support::WindowPredicate aboveOthers(const std::string& title, bool above) {
+  return [=](const test_support::XWindow& window) {
+    return window.name == title && above == (std::ranges::count(window.states, "_NET_WM_STATE_ABOVE") > 0);
+  };
 }
 
 // Windows with a close control, closed by the window manager as a user's click there has it.
@@ -147,6 +154,72 @@ TEST_F(ModalWindow, AWindowThatWasBlockedClosesAfterTheRun) {
   ASSERT_TRUE(other->isVisible());
   requestClose(plain);
   EXPECT_TRUE(serveEventsUntil([&] { return !other->isVisible(); }));
+}
+
+TEST_F(ModalWindow, StandsAboveOtherProgramsWhileItsRunLastsAndNoLonger) {
+  const auto modal = open(inner);
+  runModally(modal, [] { EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(inner, true))); });
+  EXPECT_TRUE(modal->isVisible());
+  EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(inner, false)));
+  modal->orderOut();
+}
+
+TEST_F(ModalWindow, OuterWindowStaysAboveOtherProgramsWhenTheInnerRunEnds) {
+  const auto first = open(outer), second = open(inner);
+  runModally(first, [&second] {
+    nestRun(second);
+    EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(inner, true)));
+    Application::sharedApplication().performOnMainThread([] { stopModal(); });
+    EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(inner, false)));
+    EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(outer, true)));
+  });
+  EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(outer, false)));
+  first->orderOut();
+  second->orderOut();
+}
+
+TEST_F(ModalWindow, TwoStopsInOneEventEndTwoRuns) {
+  const auto first = open(outer), second = open(inner);
+  Application& application = Application::sharedApplication();
+  bool innerReturned = false;
+  application.performOnMainThread([&] {
+    application.performOnMainThread([] {
+      stopModal();
+      stopModal();
+    });
+    application.runModalForWindow(second);
+    innerReturned = true;
+  });
+  QTimer::singleShot(test_support::kPatience, [] { stopModal(); });
+  const auto begin = std::chrono::steady_clock::now();
+  application.runModalForWindow(first);
+  EXPECT_TRUE(innerReturned);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, test_support::kPatience);
+  first->orderOut();
+  second->orderOut();
+}
+
+// The first run leaves the other two behind; the second begins with the third waiting.
+TEST_F(ModalWindow, WorkLeftByAStoppedRunIsServedAfterItAndInsideTheNextRun) {
+  const auto first = open(outer), second = open(inner);
+  Application& application = Application::sharedApplication();
+  bool secondReturned = false, servedInside = false;
+  application.performOnMainThread([] { stopModal(); });
+  application.performOnMainThread([&] {
+    QTimer::singleShot(test_support::kPatience / 4, qApp, [] { stopModal(); });
+    application.runModalForWindow(second);
+    secondReturned = true;
+  });
+  application.performOnMainThread([&] {
+    servedInside = !secondReturned;
+    stopModal();
+  });
+  application.runModalForWindow(first);
+  EXPECT_FALSE(secondReturned);
+  EXPECT_TRUE(serveEventsUntil([&] { return secondReturned; }));
+  EXPECT_TRUE(servedInside);
+  first->orderOut();
+  second->orderOut();
 }
 
 TEST_F(ModalWindow, AWindowThatNobodyKeepsIsGoneOnceItIsClosed) {
