@@ -68,10 +68,10 @@ class DelegateSteps : public testing::Test {
 TEST_F(DelegateSteps, LaunchTakesItsStepsInOrder) {
   outside_parts::lookAtEachStep([this] { return delegate_.bThreadRun ? ", listening" : ""; });
   delegate_.applicationDidFinishLaunching();
-  EXPECT_THAT(steps(),
-              ElementsAre(versionRequest, "pipe -ton", "beacon applaunch start",
-                          "beacon applaunch version(null)", "clock, listening", "thread, listening",
-                          "clock, listening", "timer every 60000 ms, listening", "thread, listening"));
+  EXPECT_THAT(steps(), ElementsAre(versionRequest, "pipe -ton", "watch for 500 ms", "watch started",
+                                   "beacon applaunch start", "beacon applaunch version(null)",
+                                   "clock, listening", "thread, listening", "clock, listening",
+                                   "timer every 60000 ms, listening", "thread, listening"));
 }
 
 TEST_F(DelegateSteps, LaunchStoresItsTimeSoThatTicksOfThatDayMakeNoPass) {
@@ -99,20 +99,24 @@ TEST_F(DelegateSteps, QuitTakesItsStepsInOrder) {
   platform::WebView view({});
   delegate_.gaWebView = &view;
   delegate_.bThreadRun = true;
+  delegate_.bannerList = std::make_shared<const platform::PropertyList>();
   delegate_.tvlDataTimer = platform::Timer::scheduledTimer(std::chrono::seconds(60), [] {});
   Application::sharedApplication().impl().delegate = &delegate_;
   outside_parts::reset();
   const auto finished = test_support::runForked([this] {
-    outside_parts::lookAtEachStep([this] { return delegate_.bThreadRun ? ", listening" : ""; });
+    outside_parts::lookAtEachStep([this] {
+      return std::string(delegate_.bThreadRun ? ", listening" : "") +
+             (delegate_.bannerList != nullptr ? ", banners" : "");
+    });
     delegate_.quit();
     return 1;
   });
   Application::sharedApplication().impl().delegate = nullptr;
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
-  const std::string listening = ", listening";
-  EXPECT_THAT(steps(), ElementsAre(killRun + listening, "clock, listening", "timer stopped, listening",
-                                   "beacon clickaction quit", "pipe -toff", unloadRun, killRun, "clock",
-                                   "timer stopped"));
+  const std::string listening = ", listening, banners";
+  EXPECT_THAT(steps(), ElementsAre(killRun + listening, "clock" + listening, "timer stopped" + listening,
+                                   "beacon clickaction quit, banners", "pipe -toff, banners", unloadRun,
+                                   killRun, "clock", "timer stopped"));
 }
 
 TEST_F(DelegateSteps, TerminationReleasesTimerWatchImagesAndIcon) {
@@ -124,7 +128,7 @@ TEST_F(DelegateSteps, TerminationReleasesTimerWatchImagesAndIcon) {
   for (const auto& image : images) ASSERT_FALSE(image.expired());
   outside_parts::reset();
   delegate_.applicationWillTerminate();
-  EXPECT_THAT(steps(), ElementsAre(killRun, "clock", "timer stopped"));
+  EXPECT_THAT(steps(), ElementsAre(killRun, "clock", "timer stopped", "watch stopped"));
   EXPECT_EQ(delegate_.stream, nullptr);
   EXPECT_EQ(delegate_.statusItem, nullptr);
   for (const auto& image : images) EXPECT_TRUE(image.expired());
@@ -180,6 +184,41 @@ TEST_F(DelegateSteps, UpdateLeavesTheSupportWindowKnownAndOpen) {
   EXPECT_TRUE(delegate_.supportWindow.load()->isVisible());
   delegate_.supportWindow.load()->close();
   EXPECT_EQ(delegate_.supportWindow, nullptr);
+}
+
+TEST_F(DelegateSteps, UpdaterFolderIsThisUsersAloneBeforeTheCopyAndGoneAfterAnEmptyOne) {
+  std::filesystem::remove_all("/tmp/tovalinupdate.app");
+  outside_parts::lookAtEachStep([]() -> std::string {
+    std::error_code none;
+    const auto status = std::filesystem::status("/tmp/tovalinupdate.app", none);
+    if (!std::filesystem::is_directory(status)) return ", no folder";
+    return status.permissions() == std::filesystem::perms::owner_all ? ", folder of the user's alone"
+                                                                     : ", folder open to others";
+  });
+  delegate_.updateBtnClick();
+  EXPECT_THAT(steps(), ElementsAre(testing::AllOf(testing::StartsWith("run cp "),
+                                                  testing::EndsWith(", folder of the user's alone")),
+                                   "run open /tmp/tovalinupdate.app, no folder"));
+}
+
+TEST_F(DelegateSteps, SupportWindowIsOrderedToTheFrontAfterItsModalRun) {
+  Application::sharedApplication().performOnMainThread([this] {
+    delegate_.supportWindow.load()->orderOut();
+    Application::sharedApplication().stopModal();
+  });
+  delegate_.support();
+  ASSERT_NE(delegate_.supportWindow, nullptr);
+  EXPECT_TRUE(delegate_.supportWindow.load()->isVisible());
+  delegate_.supportWindow.load()->close();
+}
+
+TEST_F(DelegateSteps, LoadingNoticeIsGoneBeforeTheFrontApplicationIsActivated) {
+  outside_parts::lookAtEachStep(
+      [this]() -> std::string { return delegate_.notiEnumWindow->isVisible() ? ", shown" : ", hidden"; });
+  Application::sharedApplication().performOnMainThread([this] { delegate_.noticeEnumerateOff(); });
+  delegate_.noticeEnumerateOn();
+  EXPECT_THAT(steps(), ElementsAre(testing::AllOf(testing::StartsWith("run osascript "),
+                                                  testing::EndsWith(", hidden"))));
 }
 
 TEST_F(DelegateSteps, NetworkFlagFollowsTheVersionAtLaunchAndTheNoticeInTheSupportWindow) {

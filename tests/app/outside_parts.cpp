@@ -1,6 +1,6 @@
 #include "tests/app/outside_parts.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -8,6 +8,7 @@
 
 #include "ipc/command_pipe.h"
 #include "platform/clock.h"
+#include "platform/file_event_stream.h"
 #include "platform/shell.h"
 #include "platform/thread.h"
 #include "platform/timer.h"
@@ -31,7 +32,9 @@ State& state() {
   return all;
 }
 
-void take(const std::string& step) {
+// One line for each.
+void take(std::string step) {
+  std::ranges::replace(step, '\n', ' ');
   std::ofstream(stepFile, std::ios::app) << step << (state().look ? state().look() : "") << '\n';
 }
 
@@ -129,6 +132,25 @@ Timer::~Timer() = default;
 
 void Timer::invalidate() {
   take("timer stopped");
+}
+
+struct FileEventStream::Impl {};
+
+std::shared_ptr<FileEventStream> FileEventStream::create(const std::string&,
+                                                         std::chrono::milliseconds latency, Callback) {
+  take("watch for " + std::to_string(latency.count()) + " ms");
+  return std::shared_ptr<FileEventStream>(new FileEventStream(std::make_unique<Impl>()));
+}
+
+FileEventStream::FileEventStream(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+FileEventStream::~FileEventStream() = default;
+
+void FileEventStream::start() {
+  take("watch started");
+}
+
+void FileEventStream::stop() {
+  take("watch stopped");
 }
 
 std::tm currentLocalTime() {

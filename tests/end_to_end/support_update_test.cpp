@@ -120,6 +120,10 @@ TEST_F(SupportUpdate, LeavesTheWindowInFrontAndServing) {
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(supportWindows(), 1);
   EXPECT_TRUE(becomesActive(window_.id));
+  // In front of the agent's windows, and not kept above those of other programs.
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), [](const test_support::XWindow& window) {
+    return isSupportWindow(window) && std::ranges::count(window.states, "_NET_WM_STATE_ABOVE") == 0;
+  }));
   clickAt(faqMiddle);
   EXPECT_TRUE(waitForText("run: open " + server_->origin() + "/support/tovalin/"));
   EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]"), 0);
