@@ -202,14 +202,25 @@ TEST_F(DelegateSteps, UpdaterFolderIsThisUsersAloneBeforeTheCopyAndGoneAfterAnEm
 }
 
 TEST_F(DelegateSteps, SupportWindowIsOrderedToTheFrontAfterItsModalRun) {
-  Application::sharedApplication().performOnMainThread([this] {
-    delegate_.supportWindow.load()->orderOut();
+  std::shared_ptr<platform::Window> window;
+  Application::sharedApplication().performOnMainThread([&] {
+    window = delegate_.supportWindow.load()->shared_from_this();
+    window->orderOut();
     Application::sharedApplication().stopModal();
   });
   delegate_.support();
-  ASSERT_NE(delegate_.supportWindow, nullptr);
-  EXPECT_TRUE(delegate_.supportWindow.load()->isVisible());
-  delegate_.supportWindow.load()->close();
+  EXPECT_TRUE(window->isVisible());
+  window->close();
+}
+
+TEST_F(DelegateSteps, RecentVersionIsForgottenBeforeItIsAskedForAgain) {
+  answerAll();
+  ASSERT_EQ(delegate_.getRecentVersion(), 1);
+  outside_parts::reset();
+  outside_parts::lookAtEachStep([this] { return delegate_.recentVersion ? ", known" : ", unknown"; });
+  EXPECT_EQ(delegate_.getRecentVersion(), 0);
+  EXPECT_EQ(delegate_.recentVersion, std::nullopt);
+  EXPECT_THAT(steps(), ElementsAre(versionRequest + std::string(", unknown")));
 }
 
 TEST_F(DelegateSteps, LoadingNoticeIsGoneBeforeTheFrontApplicationIsActivated) {
