@@ -136,14 +136,24 @@ TEST_F(XTray, MenuOpensBesideTheIconOnTheSideThatHasRoom) {
 }
 
 TEST_F(XTray, TheLossOfTheDisplayRunsTheProperEndOnce) {
-  startTray();
-  launchAgent();
-  ASSERT_TRUE(dockedIcon());
-  display_.stop();
-  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
-  EXPECT_EQ(count(killRun), 1);
-  EXPECT_EQ(recordsLike(quitRecord), 1);
-  EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end broke off";
+  for (const bool menuIsOpen : {false, true}) {
+    timeline_.clear();
+    startTray();
+    launchAgent();
+    ASSERT_TRUE(dockedIcon());
+    if (menuIsOpen) {
+      clickIcon("1");
+      ASSERT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+    }
+    display_.stop();
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+    EXPECT_EQ(count(killRun), 1);
+    EXPECT_EQ(recordsLike(quitRecord), menuIsOpen ? 2 : 1);
+    EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end broke off";
+    if (menuIsOpen) return;
+    ASSERT_TRUE(display_.start());
+    environment_["DISPLAY"] = display_.name();
+  }
 }
 
 TEST_F(XTray, TheFirstLineSwitches) {
