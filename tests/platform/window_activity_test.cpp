@@ -157,6 +157,7 @@ TEST_F(WindowActivity, BlocksOthersFromTheMomentOnInWhichItComesBackForItsModalR
   Application& application = Application::sharedApplication();
   application.performOnMainThread([&] {
     EXPECT_TRUE(turnToOtherProgram() && hides());
+    EXPECT_TRUE(serveEventsUntil([this] { return !widgetOf(*layout_.window).windowHandle()->isExposed(); }));
     application.activateIgnoringOtherApps(true);
     EXPECT_FALSE(widgetOf(*plain.window).close());
     reachedTheEnd = true;
