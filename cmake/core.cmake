@@ -62,6 +62,7 @@ target_compile_definitions(tovalin_core PRIVATE
   TOVALIN_PRODUCT_SERVER="${TOVALIN_PRODUCT_SERVER}"
   TOVALIN_TEST_UPLOAD_SERVER="${TOVALIN_TEST_UPLOAD_SERVER}"
 )
+has_headers_of(standard_headers tovalin_core)
 # The core asks the platform for its facilities, and the platform's main asks the core which program it runs.
 target_link_libraries(tovalin_core PUBLIC tovalin_platform)
 target_link_libraries(tovalin_platform PUBLIC tovalin_core)

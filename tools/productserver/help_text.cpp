@@ -46,8 +46,9 @@ faults are:
 }  // namespace
 
 std::string helpText() {
-  return std::string(kOptions) + kPaths + kFaults + tellFaults() +
-         "\nExit status: 0 ended by a signal, 1 failure, 2 wrong command line.\n";
+  std::string text = kOptions;
+  text.append(kPaths).append(kFaults).append(tellFaults());
+  return text.append("\nExit status: 0 ended by a signal, 1 failure, 2 wrong command line.\n");
 }
 
 }  // namespace tools
