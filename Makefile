@@ -4,17 +4,26 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 # The tests would wait for each other's processors.
 .NOTPARALLEL:
-.PHONY: build package bench soak format check check-format check-compilers check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak format check check-format check-compilers check-compilers-clang check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # Where the bundle of the preset is assembled.
 BUNDLE_ROOT = $(CURDIR)/build$(if $(filter release,$(PRESET)),,/$(PRESET))
 
+define configure
+mkdir -p build; echo "Configuring build/$(PRESET)"; \
+cmake --preset $(PRESET) $(1) >build/$(PRESET).configure.log 2>&1 || { cat build/$(PRESET).configure.log; exit 1; }
+endef
+
 # Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
 build:
-	@mkdir -p build
-	@cmake --preset $(PRESET) >build/$(PRESET).configure.log 2>&1 || { cat build/$(PRESET).configure.log; exit 1; }
+	@$(call configure)
 	@cmake --build --preset $(PRESET)
+
+# What ./run shows, without the tests; a tree in which these are configured keeps them.
+tour:
+	@$(call configure,-DBUILD_TESTING=$$(grep -qs '^BUILD_TESTING:.*=ON' build/$(PRESET)/CMakeCache.txt && echo ON || echo OFF))
+	@cmake --build --preset $(PRESET) --target tour
 
 # Leaves build/tovalin-tray_VERSION_ARCHITECTURE.deb.
 package: build
@@ -34,15 +43,19 @@ check-format:
 	clang-format --dry-run --Werror $(SOURCES)
 
 # Both compilers, warnings are errors: gcc by `build`.
-check-compilers: build
+check-compilers: build check-compilers-clang
+
+# Without precompiled headers, so that a file that doesn't include what it uses fails here.
+check-compilers-clang:
 	@$(MAKE) --no-print-directory build PRESET=clang
 
 # With those that a sanitizer leaves no room for.
 check-tests:
 	./test
 
-check-tidy: build
-	git ls-files '*.cpp' | xargs -P $$(nproc) -n 4 clang-tidy --quiet -p build/$(PRESET)
+# By the clang preset's commands: gcc's name precompiled headers that clang can't read.
+check-tidy: check-compilers-clang
+	git ls-files '*.cpp' | xargs -P $$(nproc) -n 1 clang-tidy --quiet -p build/clang
 
 check-cppcheck:
 	cppcheck --quiet --std=c++20 --language=c++ --library=posix --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
