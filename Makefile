@@ -4,7 +4,7 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 # The tests would wait for each other's processors.
 .NOTPARALLEL:
-.PHONY: build tour package bench soak format check check-format check-compilers check-compilers-clang check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # Where the bundle of the preset is assembled.
@@ -37,7 +37,10 @@ format:
 	clang-format -i $(SOURCES)
 
 # What takes longest and finds least comes last.
-check: check-format check-cppcheck check-compilers check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-cppcheck check-compilers check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+
+check-packages:
+	packaging/set_up
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
