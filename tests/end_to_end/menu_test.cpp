@@ -38,15 +38,6 @@ TEST_F(Menu, EveryLineWithATitleCanBeChosen) {
                                    "Support Tovalin", "Quit Tovalin"));
 }
 
-TEST_F(Menu, TwelfthLineIsEnabledWithoutATitle) {
-  launchAgentInPanel();
-  const auto items = host_.menu();
-  ASSERT_EQ(items.size(), 12u);
-  EXPECT_EQ(items.back().label, "");
-  EXPECT_TRUE(items.back().enabled);
-  EXPECT_FALSE(items.back().visible);
-}
-
 TEST_F(Menu, TwoClicksOnTheSwitchSendOffThenOnAndChangeTitleAndIcon) {
   launchAgentInPanel();
   clickAndWait("Automount Off");
