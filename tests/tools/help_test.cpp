@@ -28,8 +28,8 @@ TEST_P(EveryTool, RefusesAnUnknownOption) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Tools, EveryTool,
-                         testing::Values("mainapp", "productserver", "tovalinnotification", "tovalinupdate",
-                                         "tvldump"),
+                         testing::Values("fleet", "mainapp", "productserver", "tovalinnotification",
+                                         "tovalinupdate", "tvldump"),
                          [](const auto& test) { return test.param; });
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <sstream>
 
 #include "tests/tools/usage_sample.h"
+#include "tools/common/json_text.h"
 #include "tools/tvldump/json_printer.h"
-#include "tools/tvldump/json_text.h"
 #include "tools/tvldump/text_printer.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tools/tvldump/json_text.h"
+#include "tools/common/json_text.h"
 
 namespace tools {
 namespace {

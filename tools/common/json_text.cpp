@@ -1,4 +1,4 @@
-#include "tools/tvldump/json_text.h"
+#include "tools/common/json_text.h"
 
 #include <cstddef>
 #include <cstdint>

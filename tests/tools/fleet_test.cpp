@@ -1,0 +1,99 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/file_contents.h"
+#include "tests/tools/tool_process.h"
+
+namespace {
+
+using namespace tools_test;
+using nlohmann::json;
+using test_support::ExitStatus;
+using testing::HasSubstr;
+
+Finished runFleet(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {toolPath("fleet"), "--installations", "6000"});
+  return runToEnd(arguments);
+}
+
+TEST(Fleet, PrintsRequestsAndBytes) {
+  const auto finished = runFleet({});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  EXPECT_THAT(finished.output, testing::StartsWith("6,000 installations; launches uniform; zones utc; 0 % "));
+  for (const char* row : {"\nuploads  ", "\n  in the busiest hour, from ", "\nversion fetches  ",
+                          "\nbeacons  ", "\nuploads, 1291 bytes each  ", "\nlaunches, "})
+    EXPECT_THAT(finished.output, HasSubstr(row));
+  EXPECT_EQ(finished.error, "");
+}
+
+TEST(Fleet, JsonHoldsSettingsAndFigures) {
+  const auto finished = runFleet({"--json", "--launches", "office", "--zones", "+01:00=2,-05:00", "--asleep",
+                                  "12.5", "--delay", "60", "--seed", "7"});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  const json report = json::parse(finished.output);
+  EXPECT_EQ(report["installations"], 6000);
+  EXPECT_EQ(report["launches"], "office");
+  EXPECT_EQ(report["zones"], "+01:00=2,-05:00");
+  EXPECT_EQ(report["sleeping"], 0.125);
+  EXPECT_EQ(report["delay"], 60);
+  EXPECT_EQ(report["seed"], 7);
+  EXPECT_EQ(report["uploads"]["total"], 6000);
+  EXPECT_EQ(report["versionFetches"]["total"], 6000);
+  EXPECT_EQ(report["beacons"]["total"], 12000);
+  EXPECT_EQ(report["beacons"]["peak"], 2 * report["versionFetches"]["peak"].get<int>());
+  EXPECT_LE(report["busiestHour"]["uploads"]["total"], 6000);
+}
+
+TEST(Fleet, FileBytesCountInTheUpload) {
+  const auto bytesWith = [](const char* size) {
+    return json::parse(runFleet({"--json", "--file-bytes", size}).output)["bytes"]["upload"].get<int>();
+  };
+  EXPECT_EQ(bytesWith("8500") - bytesWith("1500"), 7000);
+}
+
+TEST(Fleet, DrawsTheDay) {
+  ASSERT_EQ(runFleet({"--svg", "/tmp/day.svg", "--launches", "office=1,uniform=2"}).status,
+            ExitStatus{.code = 0});
+  const std::string picture = test_support::contentsOf("/tmp/day.svg");
+  EXPECT_THAT(picture, testing::StartsWith("<svg xmlns=\"http://www.w3.org/2000/svg\""));
+  EXPECT_THAT(picture, HasSubstr("6,000 installations"));
+  std::filesystem::remove("/tmp/day.svg");
+}
+
+TEST(Fleet, WrongValuesGiveStatusTwo) {
+  const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+      {{"--installations", "0"}, "--installations is a whole number from 1 to 1000000000"},
+      {{"--installations", "many"}, "--installations is a whole number"},
+      {{"--installations", "1e6"}, "--installations is a whole number"},
+      {{"--launches", "lunch"}, "--launches is uniform, office, power-cut or a mix"},
+      {{"--zones", "+15:00"}, "--zones is utc, world or a mix"},
+      {{"--asleep", "101"}, "--asleep is a percentage from 0 to 100"},
+      {{"--asleep", "nan"}, "--asleep is a percentage from 0 to 100"},
+      {{"--delay", "-1"}, "--delay is a whole number from 0 to 86400"},
+      {{"--file-bytes", "x"}, "--file-bytes is a whole number from 0 to 268435456"},
+      {{"--seed", ""}, "--seed is a whole number"},
+      {{"--svg", ""}, "--svg is a path"},
+      {{"10"}, "there are no arguments, only options"}};
+  for (const auto& [arguments, complaint] : cases) {
+    const auto finished = runFleet(arguments);
+    EXPECT_EQ(finished.status, ExitStatus{.code = 2}) << complaint;
+    EXPECT_EQ(finished.output, "") << complaint;
+    EXPECT_THAT(finished.error, HasSubstr("fleet: " + complaint));
+  }
+}
+
+TEST(Fleet, FileThatCannotBeWrittenGivesStatusTwo) {
+  for (const char* option : {"--svg", "--plan"}) {
+    for (const char* path : {"/tmp/none/file", "/dev/full"}) {
+      const auto finished = runFleet({option, path});
+      EXPECT_EQ(finished.status, ExitStatus{.code = 2}) << option << path;
+      EXPECT_EQ(finished.output, "");
+      EXPECT_EQ(finished.error, std::string("fleet: cannot write \"") + path + "\"\n");
+    }
+  }
+}
+
+}  // namespace

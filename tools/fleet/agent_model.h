@@ -1,0 +1,61 @@
+#pragma once
+
+#include <ctime>
+#include <optional>
+
+#include "tools/fleet/day_plan.h"
+#include "tools/fleet/random.h"
+#include "tools/fleet/seconds.h"
+
+namespace fleet {
+
+// What an installation does, as the model below comes to it. Times are local.
+class Events {
+ public:
+  Events() = default;
+  Events(const Events&) = delete;
+  Events& operator=(const Events&) = delete;
+  virtual ~Events() = default;
+
+  virtual void launch(Seconds time) = 0;
+  // A pass over `files` finished days, one request each. Not called for a pass that finds none.
+  virtual void upload(Seconds time, int files) = 0;
+};
+
+// The part of one agent that decides when it uploads: the day's file, the one-minute timer, which stands
+// still while the machine sleeps, and the product's own `uploadTick`. Every upload succeeds.
+class AgentModel {
+ public:
+  // `delay`: a changed rule, by which a pass after a change of date waits for a random time below it; 0 is
+  // the product's rule. `events` and `random` must outlive the model.
+  AgentModel(Seconds delay, Random& random, Events& events)
+      : delay_(delay), random_(random), events_(events) {}
+
+  // Runs follow one another in their order.
+  void run(const Run& run);
+
+ private:
+  void launch(Seconds time);
+  void sleep(const Nap& nap);
+  void tickUntil(Seconds end);
+  void tick();
+  void skipIdleTicks(Seconds end);
+  void startDay(Seconds time);
+  void pass(Seconds time);
+  void uploadDelayed(Seconds end);
+
+  Seconds delay_;
+  Random& random_;
+  Events& events_;
+
+  std::optional<Seconds> dayOfFile_;  // the local day whose file is written
+  int finishedFiles_ = 0;
+
+  Seconds storedDay_ = 0;
+  std::tm stored_{};
+  bool uploadIsWaiting_ = false;
+  Seconds nextTick_ = 0;
+  std::optional<Seconds> delayedPass_;
+};
+
+}  // namespace fleet

@@ -1,0 +1,136 @@
+#include "tools/fleet/options.h"
+
+#include <charconv>
+#include <limits>
+
+#include "tools/common/command_line.h"
+#include "tools/fleet/requests.h"
+
+namespace fleet {
+namespace {
+
+// What 32-bit counters of one second hold, and far more than there are computers.
+constexpr std::int64_t mostInstallations = 1'000'000'000;
+constexpr std::int64_t largestFile = std::int64_t{256} << 20;
+
+std::optional<std::int64_t> numberIn(const std::string& text, std::int64_t least, std::int64_t most) {
+  std::int64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  const bool good = error == std::errc() && stop == end && number >= least && number <= most;
+  return good ? std::optional(number) : std::nullopt;
+}
+
+// "40" or "12.5"
+std::optional<double> percentIn(const std::string& text) {
+  double number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  const bool good = error == std::errc() && stop == end && number >= 0 && number <= 100;
+  return good ? std::optional(number) : std::nullopt;
+}
+
+// Takes a whole number within bounds.
+template <typename Number>
+tools::CommandLine::Take number(const tools::CommandLine& line, std::string name, std::int64_t least,
+                                std::int64_t most, Number& place) {
+  return [&line, name = std::move(name), least, most, &place](const std::string& text) {
+    const auto value = numberIn(text, least, most);
+    if (!value)
+      return line.complain(name + " is a whole number from " + std::to_string(least) + " to " +
+                           std::to_string(most));
+    place = static_cast<Number>(*value);
+    return true;
+  };
+}
+
+tools::CommandLine::Take path(const tools::CommandLine& line, std::string name, std::string& place) {
+  return [&line, name = std::move(name), &place](const std::string& text) {
+    place = text;
+    return !text.empty() || line.complain(name + " is a path");
+  };
+}
+
+void addFleet(tools::CommandLine& line, Settings& settings, Description& description) {
+  line.addValue("installations",
+                number(line, "--installations", 1, mostInstallations, settings.installations));
+  line.addValue("seed", number(line, "--seed", 0, std::numeric_limits<std::int64_t>::max(), settings.seed));
+  line.addValue("delay", number(line, "--delay", 0, day, settings.delay));
+  line.addValue("launches", [&](const std::string& text) {
+    const auto mix = launchesOf(text);
+    if (!mix)
+      return line.complain("--launches is uniform, office, power-cut or a mix such as office=3,uniform=1");
+    settings.launches = *mix;
+    description.launches = text;
+    return true;
+  });
+  line.addValue("zones", [&](const std::string& text) {
+    const auto zones = zonesOf(text);
+    if (!zones) return line.complain("--zones is utc, world or a mix such as +01:00=3,+05:30=1");
+    settings.zones = *zones;
+    description.zones = text;
+    return true;
+  });
+  line.addValue("asleep", [&](const std::string& text) {
+    const auto percent = percentIn(text);
+    if (!percent) return line.complain("--asleep is a percentage from 0 to 100");
+    settings.sleeping = *percent / 100;
+    return true;
+  });
+}
+
+}  // namespace
+
+std::optional<Options> parseOptions(int argc, char** argv) {
+  Options options;
+  options.description = {
+      .launches = "uniform", .zones = "utc", .fileSize = typicalFileSize(), .host = "www.tovalin.example"};
+  tools::CommandLine line("fleet");
+  line.addFlag("help", options.help);
+  line.addFlag("json", options.json);
+  line.addValue("svg", path(line, "--svg", options.picture));
+  line.addValue("plan", path(line, "--plan", options.plan));
+  line.addValue("file-bytes", number(line, "--file-bytes", 0, largestFile, options.description.fileSize));
+  addFleet(line, options.settings, options.description);
+  const bool good = line.read(argc, argv, [&](const std::vector<std::string>& arguments) {
+    return arguments.empty() || line.complain("there are no arguments, only options");
+  });
+  return good ? std::optional(options) : std::nullopt;
+}
+
+std::string helpText() {
+  return R"(Usage: fleet [OPTION]...
+
+Simulates the requests that many installations make in 24 hours, from noon UTC on. This is a development tool, not part of
+the agent. Whether an installation uploads at a tick of its timer is decided by the agent's own function.
+
+  --installations N  10000000 if not given
+  --launches MIX     when agents are started, alone or as a mix with weights such as office=3,uniform=1:
+                       uniform    once a day, at any second while the machine is awake; on until the next start
+                       office     in the morning, about 08:45; off in the evening, about 17:45
+                       power-cut  once, half a minute to two minutes after the power returned at 20:00; on from then
+                     uniform if not given
+  --zones MIX        utc; world, a rough share of people for each offset; or offsets with weights such as
+                     +01:00=3,+05:30=1; utc if not given
+  --asleep PERCENT   how many of the machines sleep at night, from about 23:30 to about 07:15; 0 if not given
+  --delay SECONDS    a changed rule: a pass after a change of date waits for a random time below this; 0, the agent's
+                     rule, if not given
+  --file-bytes N     the size of a day's file; if not given, )" +
+         std::to_string(typicalFileSize()) + R"(: one start, one end, 4 device events and 40 transfers
+  --seed N           another N draws another fleet; 1 if not given
+  --json             print one JSON object: the settings, and for "uploads", "busiestHour", "versionFetches" and
+                     "beacons" the "total", and for a second the "mean", "percentile99" and "peak" with its "peakAt"
+  --svg FILE         also draw the day
+  --plan FILE        also write what each installation does, a JSON object a line: its "offset" from UTC, and its "runs",
+                     each "[launch,end,[[asleep,awake],...]]", in seconds of local time since the midnight that
+                     precedes the first counted second in UTC
+  --help             show this text
+
+Times of day are bell-shaped: 08:45 deviates by 35 minutes, 17:45 and 23:30 by 60, 07:15 by 50, and never by more than 3.5
+times as much. Every upload succeeds. Summer time does not begin or end.
+
+Exit status: 0 success, 2 wrong command line, or a file or the output can't be written.
+)";
+}
+
+}  // namespace fleet

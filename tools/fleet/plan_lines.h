@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/fleet/day_plan.h"
+
+namespace fleet {
+
+// One installation's runs as a line of JSON with its end:
+// {"offset":3600,"runs":[[LAUNCH,END,[[ASLEEP,AWAKE]]]]}, in seconds of local time.
+[[nodiscard]] std::string planLine(Seconds offset, const std::vector<Run>& runs);
+
+}  // namespace fleet

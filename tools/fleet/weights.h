@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/fleet/random.h"
+
+namespace fleet {
+
+// One of several choices, each as likely as its weight. At least one, with a sum above 0.
+template <typename Choice>
+struct Weighted {
+  Choice choice;
+  double weight = 1;
+};
+
+// Draws an index as likely as its weight.
+class WeightedIndex {
+ public:
+  template <typename Choice>
+  explicit WeightedIndex(const std::vector<Weighted<Choice>>& choices) {
+    for (const auto& each : choices) add(each.weight);
+  }
+
+  [[nodiscard]] std::size_t draw(Random& random) const {
+    if (sums_.size() == 1) return 0;
+    const double place = random.share() * sums_.back();
+    std::size_t index = 0;
+    while (place >= sums_[index]) ++index;
+    return index;
+  }
+
+ private:
+  void add(double weight) { sums_.push_back((sums_.empty() ? 0 : sums_.back()) + weight); }
+
+  std::vector<double> sums_;
+};
+
+// The parts of "NAME=WEIGHT,NAME=WEIGHT"; without "=WEIGHT" the weight is 1. Returns nullopt if a name is
+// empty, a weight is no number of 0 or more, or all are 0.
+[[nodiscard]] std::optional<std::vector<Weighted<std::string>>> weightsOf(std::string_view text);
+
+}  // namespace fleet
