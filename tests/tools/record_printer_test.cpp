@@ -5,6 +5,7 @@
 
 #include "tests/tools/usage_sample.h"
 #include "tools/common/json_text.h"
+#include "tools/tvldump/json_lines_printer.h"
 #include "tools/tvldump/json_printer.h"
 #include "tools/tvldump/text_printer.h"
 
@@ -130,6 +131,111 @@ TEST(JsonPrinter, AnyByteInANameIsStillJson) {
 TEST(JsonPrinter, SizeKeepsAllItsBits) {
   const json items = jsonOf(kUsageFile).at(0).at("items");
   EXPECT_EQ(items.at(9).at("size").get<std::uint64_t>(), 0xFFFFFFFFFFFFFFFFu);
+}
+
+constexpr std::string_view kGoldenLines =
+    R"({"file":"a.dat","date":"2024-03-07","identifier":"{00112233-4455-6677-8899-AABBCCDDEEFF}","operatingSystem":68,"agentVersion":"1.4.2",HEADER
+"offset":71,"type":"start","time":"2024-03-07 09:05:00","version":"1.4.2","fixedVersion":"1.0.0.0"}
+"offset":107,"type":"end","time":"2024-03-07 09:05:01"}
+"offset":128,"type":"deviceEvent","dataCommand":3,"time":"2024-03-07 09:05:02","name":"Pad"}
+"offset":153,"type":"deviceEvent","dataCommand":4,"time":"2024-03-07 09:05:59","name":"a\"\u000aé"}
+"offset":180,"type":"transfer","kind":1,"size":578437695752307201,"name":"jpg"}
+"offset":194,"type":"transfer","kind":2,"size":18446744073709551615,"name":""}
+"offset":205,"type":"transfer","kind":1,"size":9223372036854775808,"name":"�!","nameHex":"ff21"}
+"type":"file","size":218,"damage":null,"damageOffset":null}
+)";
+
+// Each line but the first, behind what the first one says of the header.
+std::string goldenLines() {
+  std::istringstream golden{std::string(kGoldenLines)};
+  std::string header, text;
+  std::getline(golden, header);
+  header.resize(header.find("HEADER"));
+  for (std::string line; std::getline(golden, line);) text.append(header).append(line).append("\n");
+  return text;
+}
+
+TEST(JsonLinesPrinter, PrintsEveryKindOfRecordWithItsHeader) {
+  EXPECT_EQ(printed<tools::JsonLinesPrinter>(kUsageFile), goldenLines());
+}
+
+std::vector<json> linesOf(const std::string& text) {
+  std::vector<json> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(json::parse(line));
+  return lines;
+}
+
+TEST(JsonLinesPrinter, FileCutAnywhereEndsWithTheDamage) {
+  for (std::size_t length = 0; length < kUsageFile.size(); ++length) {
+    const auto lines = linesOf(printed<tools::JsonLinesPrinter>(kUsageFile.substr(0, length)));
+    ASSERT_FALSE(lines.empty());
+    const json& end = lines.back();
+    EXPECT_EQ(end.at("type"), "file");
+    EXPECT_EQ(end.at("size"), length);
+    EXPECT_EQ(end.at("date").is_null(), length < 14) << length;
+    EXPECT_EQ(end.at("agentVersion").is_null(), length < kUsageHeader.size()) << length;
+    if (end.at("damage").is_null()) continue;
+    EXPECT_EQ(end.at("damageOffset"), length);
+  }
+}
+
+TEST(JsonLinesPrinter, AgreesWithTheArray) {
+  std::string bytes = kUsageFile;
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string name = std::string("a") + static_cast<char>(byte) + "b";
+    bytes +=
+        "\x06\x08"
+        "12345678\x03" +
+        name;
+  }
+  const json items = jsonOf(bytes).at(0).at("items");
+  auto lines = linesOf(printed<tools::JsonLinesPrinter>(bytes));
+  lines.pop_back();
+  ASSERT_EQ(lines.size() + 4, items.size());
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    for (const char* key : {"file", "date", "identifier", "operatingSystem", "agentVersion"})
+      EXPECT_EQ(lines[i].erase(key), 1u);
+    EXPECT_EQ(lines[i], items.at(i + 4));
+  }
+}
+
+TEST(JsonLinesPrinter, HeaderOfOneFileIsNotThatOfTheNext) {
+  std::ostringstream stream;
+  tools::JsonLinesPrinter printer(stream);
+  printer.begin();
+  EXPECT_TRUE(tools::printFile("whole", kUsageFile, printer));
+  EXPECT_FALSE(tools::printFile("cut", kUsageHeader.substr(0, 20), printer));
+  printer.end();
+  const json last = linesOf(stream.str()).back();
+  EXPECT_EQ(last.at("file"), "cut");
+  EXPECT_EQ(last.at("date"), "2024-03-07");
+  EXPECT_TRUE(last.at("identifier").is_null());
+}
+
+TEST(JsonLinesPrinter, FileNameThatIsNoUtf8ComesInHexToo) {
+  const json line = linesOf(printed<tools::JsonLinesPrinter>(kUsageHeader, "a\xff\"")).at(0);
+  EXPECT_EQ(line.at("file"), "a\uFFFD\"");
+  EXPECT_EQ(line.at("fileHex"), "61ff22");
+}
+
+TEST(JsonLinesPrinter, LongNamesAndManyLinesStayWhole) {
+  std::string bytes = kUsageHeader;
+  for (int i = 0; i < 5000; ++i)
+    bytes +=
+        "\x04\x13"
+        "2024-03-07 09:05:02" +
+        std::string(1, '\x3f') + std::string(63, i % 2 == 0 ? '\xff' : '\x01');
+  const auto lines = linesOf(printed<tools::JsonLinesPrinter>(bytes));
+  ASSERT_EQ(lines.size(), 5001u);
+  EXPECT_EQ(lines[4998].at("nameHex").get<std::string>().size(), 126u);
+}
+
+TEST(JsonLinesPrinter, LineBeyondOnePieceStaysWhole) {
+  const std::string name(200'000, 'n');
+  const auto lines = linesOf(printed<tools::JsonLinesPrinter>(kUsageFile, name));
+  ASSERT_EQ(lines.size(), 8u);
+  for (const json& line : lines) EXPECT_EQ(line.at("file"), name);
 }
 
 TEST(JsonText, CharactersOfEveryLengthStandAsTheyAre) {

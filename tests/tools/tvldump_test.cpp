@@ -75,6 +75,31 @@ TEST_F(Tvldump, FileThatIsNotThereGivesStatusTwoAndKeepsNoOtherBack) {
   EXPECT_EQ(json::parse(finished.output).size(), 2u);
 }
 
+TEST_F(Tvldump, LinesOfSeveralFilesStandBehindEachOther) {
+  const auto finished = dump({"--lines", kWhole, kNone, kCut});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 2});
+  EXPECT_EQ(finished.error, "tvldump: cannot read \"/tmp/dumped/none.dat\": No such file or directory\n");
+  std::istringstream lines(finished.output);
+  std::vector<json> files;
+  for (std::string line; std::getline(lines, line);) {
+    const json object = json::parse(line);
+    if (object.at("type") == "file") files.push_back(object);
+  }
+  ASSERT_EQ(files.size(), 2u);
+  EXPECT_EQ(files[0].at("file"), kWhole);
+  EXPECT_TRUE(files[0].at("damage").is_null());
+  EXPECT_EQ(files[1].at("file"), kCut);
+  EXPECT_EQ(files[1].at("damage"), "the file ends too early");
+  EXPECT_EQ(files[1].at("damageOffset"), 200);
+}
+
+TEST_F(Tvldump, JsonAndLinesTogetherAreAWrongCommandLine) {
+  const auto finished = dump({"--json", "--lines", kWhole});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 2});
+  EXPECT_EQ(finished.error,
+            "tvldump: --json and --lines exclude each other\ntvldump --help shows how it is used\n");
+}
+
 TEST_F(Tvldump, NothingReadableIsStillJson) {
   EXPECT_EQ(json::parse(dump({"--json", kNone}).output), json::array());
 }

@@ -101,8 +101,8 @@ std::optional<Options> parseOptions(int argc, char** argv) {
 std::string helpText() {
   return R"(Usage: fleet [OPTION]...
 
-Simulates the requests that many installations make in 24 hours, from noon UTC on. This is a development tool, not part of
-the agent. Whether an installation uploads at a tick of its timer is decided by the agent's own function.
+Simulates the requests that many installations make in 24 hours, from noon UTC on. Whether an installation uploads at a tick of its timer is decided by the agent's own function.
+This is a development tool, not part of the agent.
 
   --installations N  10000000 if not given
   --launches MIX     when agents are started, alone or as a mix with weights such as office=3,uniform=1:

@@ -35,36 +35,41 @@ ssize_t readSome(int descriptor, char* place, std::size_t size) {
   return count;
 }
 
-std::optional<std::vector<char>> refuse(std::string& reason, std::string text) {
+std::nullopt_t refuse(std::string& reason, std::string text) {
   reason = std::move(text);
   return std::nullopt;
 }
 
-std::optional<std::vector<char>> readAll(int descriptor, std::string& reason) {
-  const std::size_t size = sizeOf(descriptor);
-  if (size > kMostInput) return refuse(reason, kTooLarge);
-  // One byte more, so that a file that does not grow meanwhile is read in one piece.
-  std::vector<char> bytes(size + 1);
-  std::size_t filled = 0;
-  ssize_t count = 0;
-  while ((count = readSome(descriptor, bytes.data() + filled, bytes.size() - filled)) > 0) {
-    filled += static_cast<std::size_t>(count);
-    if (filled > kMostInput) return refuse(reason, kTooLarge);
-    if (filled == bytes.size()) bytes.resize(std::max(filled + kStep, filled * 2));
-  }
-  if (count == -1) return refuse(reason, reasonOf(errno));
-  bytes.resize(filled);
-  return bytes;
-}
-
 }  // namespace
 
-std::optional<std::vector<char>> readInput(const std::string& path, std::string& reason) {
+std::optional<std::span<const char>> InputFile::read(const std::string& path, std::string& reason) {
   if (path == "-") return readAll(STDIN_FILENO, reason);
   const platform::FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
   if (file.valid()) return readAll(file.get(), reason);
-  reason = reasonOf(errno);
-  return std::nullopt;
+  return refuse(reason, reasonOf(errno));
+}
+
+std::optional<std::span<const char>> InputFile::readAll(int descriptor, std::string& reason) {
+  const std::size_t size = sizeOf(descriptor);
+  if (size > kMostInput) return refuse(reason, kTooLarge);
+  // One byte more, so that a file that does not grow meanwhile is read in one piece.
+  if (size_ < size + 1) grow(std::max(size + 1, kStep), 0);
+  std::size_t filled = 0;
+  ssize_t count = 0;
+  while ((count = readSome(descriptor, bytes_.get() + filled, size_ - filled)) > 0) {
+    filled += static_cast<std::size_t>(count);
+    if (filled > kMostInput) return refuse(reason, kTooLarge);
+    if (filled == size_) grow(filled * 2, filled);
+  }
+  if (count == -1) return refuse(reason, reasonOf(errno));
+  return std::span<const char>(bytes_.get(), filled);
+}
+
+void InputFile::grow(std::size_t size, std::size_t filled) {
+  auto larger = std::make_unique_for_overwrite<char[]>(size);
+  std::copy_n(bytes_.get(), filled, larger.get());
+  bytes_ = std::move(larger);
+  size_ = size;
 }
 
 }  // namespace tools

@@ -5,6 +5,7 @@
 
 #include "tools/common/escaped_text.h"
 #include "tools/tvldump/input_file.h"
+#include "tools/tvldump/json_lines_printer.h"
 #include "tools/tvldump/json_printer.h"
 #include "tools/tvldump/options.h"
 #include "tools/tvldump/text_printer.h"
@@ -19,14 +20,15 @@ Status fail(const std::string& reason) {
   return Failed;
 }
 
-Status print(const std::string& path, tools::Printer& printer) {
+Status print(const std::string& path, tools::InputFile& file, tools::Printer& printer) {
   std::string reason;
-  const auto bytes = tools::readInput(path, reason);
+  const auto bytes = file.read(path, reason);
   if (!bytes) return fail("cannot read " + tools::quotedText(path) + ": " + reason);
   return tools::printFile(path, *bytes, printer) ? Whole : Damaged;
 }
 
 std::unique_ptr<tools::Printer> printerFor(const tools::Options& options) {
+  if (options.lines) return std::make_unique<tools::JsonLinesPrinter>(std::cout);
   if (options.json) return std::make_unique<tools::JsonPrinter>(std::cout);
   return std::make_unique<tools::TextPrinter>(std::cout);
 }
@@ -34,8 +36,9 @@ std::unique_ptr<tools::Printer> printerFor(const tools::Options& options) {
 Status printAll(const tools::Options& options) {
   const std::unique_ptr<tools::Printer> printer = printerFor(options);
   Status status = Whole;
+  tools::InputFile file;
   printer->begin();
-  for (const std::string& path : options.files) status = std::max(status, print(path, *printer));
+  for (const std::string& path : options.files) status = std::max(status, print(path, file, *printer));
   printer->end();
   if (!std::cout.flush()) return fail("cannot write the output");
   return status;

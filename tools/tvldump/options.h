@@ -9,6 +9,7 @@ namespace tools {
 struct Options {
   bool help = false;
   bool json = false;
+  bool lines = false;
   std::vector<std::string> files;  // "-": the standard input
 };
 

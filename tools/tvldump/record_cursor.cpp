@@ -21,48 +21,11 @@ unsigned firstDigitValue(unsigned highest) {
 
 }  // namespace
 
-bool RecordCursor::nextIs(std::uint8_t byte) const {
-  return !atEnd() && static_cast<std::uint8_t>(bytes_[offset_]) == byte;
-}
-
-void RecordCursor::damaged(std::string_view reason) {
-  if (!damage_) damage_ = Damage{offset_, reason};
-}
-
-std::string_view RecordCursor::since(std::size_t start) const {
-  return {bytes_.data() + start, offset_ - start};
-}
-
-std::uint8_t RecordCursor::takeByte(std::uint8_t lowest, std::uint8_t highest, std::string_view reason) {
-  if (atEnd()) damaged("the file ends too early");
-  if (damage_) return 0;
-  const auto byte = static_cast<std::uint8_t>(bytes_[offset_]);
-  if (byte < lowest || byte > highest) {
-    damaged(reason);
-    return 0;
-  }
-  ++offset_;
-  return byte;
-}
-
 void RecordCursor::takeFixed(std::string_view text, std::string_view reason) {
   for (const char character : text) {
     const auto byte = static_cast<std::uint8_t>(character);
     takeByte(byte, byte, reason);
   }
-}
-
-std::string_view RecordCursor::takeText(std::size_t length) {
-  if (damage_) return {};
-  const std::size_t start = offset_;
-  offset_ += std::min(length, bytes_.size() - start);
-  if (offset_ - start == length) return since(start);
-  damaged("the file ends too early");
-  return {};
-}
-
-std::string_view RecordCursor::takeCounted(std::size_t longest, std::string_view reason) {
-  return takeText(takeByte(0, static_cast<std::uint8_t>(longest), reason));
 }
 
 unsigned RecordCursor::takeNumber(unsigned lowest, unsigned highest, std::string_view reason) {
@@ -82,22 +45,48 @@ unsigned RecordCursor::takeNumber(unsigned lowest, unsigned highest, std::string
 std::string_view RecordCursor::takeDate() {
   constexpr std::string_view kReason = "no date of the form YYYY-MM-DD";
   const std::size_t start = offset_;
+  if (takeLastDate()) return since(start);
   const unsigned year = takeNumber(0, kHighestYear, kReason);
   takeFixed("-", kReason);
   const unsigned month = takeNumber(1, 12, kReason);
   takeFixed("-", kReason);
   takeNumber(1, daysOf(month, year), kReason);
+  if (!damage_) lastDate_ = since(start);
   return since(start);
+}
+
+// Nearly all dates of a file are the same.
+bool RecordCursor::takeLastDate() {
+  const std::string_view rest(bytes_.data() + offset_, bytes_.size() - offset_);
+  if (damage_ || lastDate_.empty() || !rest.starts_with(lastDate_)) return false;
+  offset_ += lastDate_.size();
+  return true;
 }
 
 void RecordCursor::takeTimeOfDay() {
   constexpr std::string_view kReason = "no time of the form HH:MM:SS";
+  if (takeUsualTimeOfDay()) return;
   takeFixed(" ", kReason);
   takeNumber(0, 23, kReason);
   takeFixed(":", kReason);
   takeNumber(0, 59, kReason);
   takeFixed(":", kReason);
   takeNumber(0, 60, kReason);
+}
+
+// The ones that need no look at where they go wrong.
+bool RecordCursor::takeUsualTimeOfDay() {
+  constexpr std::size_t length = 9;
+  if (damage_ || bytes_.size() - offset_ < length) return false;
+  const char* const text = bytes_.data() + offset_;
+  const auto isDigit = [text](std::size_t place, char highest) {
+    return text[place] >= '0' && text[place] <= highest;
+  };
+  const bool isUsual = text[0] == ' ' && isDigit(1, '2') && isDigit(2, text[1] == '2' ? '3' : '9') &&
+                       text[3] == ':' && isDigit(4, '5') && isDigit(5, '9') && text[6] == ':' &&
+                       isDigit(7, '5') && isDigit(8, '9');
+  if (isUsual) offset_ += length;
+  return isUsual;
 }
 
 }  // namespace tools

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -19,22 +20,47 @@ class RecordCursor {
 
   [[nodiscard]] std::size_t offset() const { return offset_; }
   [[nodiscard]] bool atEnd() const { return offset_ == bytes_.size(); }
-  [[nodiscard]] bool nextIs(std::uint8_t byte) const;
+  [[nodiscard]] bool nextIs(std::uint8_t byte) const {
+    return !atEnd() && static_cast<std::uint8_t>(bytes_[offset_]) == byte;
+  }
   [[nodiscard]] const std::optional<Damage>& damage() const { return damage_; }
 
   // Makes this place the damage, unless there is one already.
-  void damaged(std::string_view reason);
+  void damaged(std::string_view reason) {
+    if (!damage_) damage_ = Damage{offset_, reason};
+  }
 
   // The bytes from `start` to here.
-  [[nodiscard]] std::string_view since(std::size_t start) const;
+  [[nodiscard]] std::string_view since(std::size_t start) const {
+    return {bytes_.data() + start, offset_ - start};
+  }
 
   // One byte from `lowest` to `highest`.
-  std::uint8_t takeByte(std::uint8_t lowest, std::uint8_t highest, std::string_view reason);
+  std::uint8_t takeByte(std::uint8_t lowest, std::uint8_t highest, std::string_view reason) {
+    if (atEnd()) damaged(endsTooEarly);
+    if (damage_) return 0;
+    const auto byte = static_cast<std::uint8_t>(bytes_[offset_]);
+    if (byte < lowest || byte > highest) {
+      damaged(reason);
+      return 0;
+    }
+    ++offset_;
+    return byte;
+  }
   void takeFixed(std::string_view text, std::string_view reason);
-  std::string_view takeText(std::size_t length);
+  std::string_view takeText(std::size_t length) {
+    if (damage_) return {};
+    const std::size_t start = offset_;
+    offset_ += std::min(length, bytes_.size() - start);
+    if (offset_ - start == length) return since(start);
+    damaged(endsTooEarly);
+    return {};
+  }
 
   // A byte that counts, at most `longest`, and as many bytes of text.
-  std::string_view takeCounted(std::size_t longest, std::string_view reason);
+  std::string_view takeCounted(std::size_t longest, std::string_view reason) {
+    return takeText(takeByte(0, static_cast<std::uint8_t>(longest), reason));
+  }
 
   // As many decimal digits as `highest` has, of a number from `lowest` to `highest`.
   unsigned takeNumber(unsigned lowest, unsigned highest, std::string_view reason);
@@ -46,8 +72,14 @@ class RecordCursor {
   void takeTimeOfDay();
 
  private:
+  static constexpr std::string_view endsTooEarly = "the file ends too early";
+
+  [[nodiscard]] bool takeLastDate();
+  [[nodiscard]] bool takeUsualTimeOfDay();
+
   std::span<const char> bytes_;
   std::size_t offset_ = 0;
+  std::string_view lastDate_;
   std::optional<Damage> damage_;
 };
 

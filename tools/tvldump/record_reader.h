@@ -26,15 +26,15 @@ class RecordReader {
   using Content = decltype(Item::content);
   enum class Expected { Day, Identifier, OperatingSystem, Version, Record };
 
-  Content takeContent();
+  void takeContent(Content& content);
   Day takeDay();
   Identifier takeIdentifier();
   OperatingSystem takeOperatingSystem();
   Version takeVersion();
-  Content takeRecord();
-  Start takeStart();
-  DeviceEvent takeDeviceEvent(unsigned dataCommand);
-  Transfer takeTransfer(unsigned kind);
+  void takeRecord(Content& content);
+  void takeStart(Start& start);
+  void takeDeviceEvent(unsigned dataCommand, DeviceEvent& event);
+  void takeTransfer(unsigned kind, Transfer& transfer);
   std::string_view takeTime();
 
   RecordCursor cursor_;

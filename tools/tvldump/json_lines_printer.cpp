@@ -1,0 +1,130 @@
+#include "tools/tvldump/json_lines_printer.h"
+
+#include "tools/common/json_text.h"
+#include "usage/record_format.h"
+
+namespace tools {
+namespace {
+
+// What follows the beginning of a line: its texts, each byte as six characters and as two digits, and the
+// names of its members with the numbers.
+constexpr std::size_t longestRest = 8 * record_format::longestDeviceName + 512;
+
+// The member of a text that is no plain ASCII.
+void putEscaped(Line& line, std::string_view key, std::string_view bytes) {
+  const std::string begin = ",\"" + std::string(key);
+  line.put(begin + "\":" + jsonString(bytes));
+  if (!isUtf8(bytes)) line.put(begin + "Hex\":\"" + hexText(bytes) + "\"");
+}
+
+// `begin` is ,"KEY":" in full.
+template <std::size_t size>
+void putText(Line& line, const char (&begin)[size], std::string_view key, std::string_view bytes) {
+  const Line before = line;
+  line.put(begin);
+  if (line.putIfPlain(bytes)) return line.put("\"");
+  line = before;
+  putEscaped(line, key, bytes);
+}
+
+void putName(Line& line, std::string_view name) {
+  putText(line, ",\"name\":\"", "name", name);
+}
+
+// The reader lets digits and signs through alone.
+void putTime(Line& line, std::string_view time) {
+  line.put(",\"time\":\"");
+  line.put(time);
+  line.put("\"");
+}
+
+}  // namespace
+
+// The members of each kind of record; what stands in the header is kept for the lines to come.
+struct JsonLinesPrinter::Print {
+  JsonLinesPrinter& printer;
+  std::size_t offset;
+
+  void operator()(const Day& day) const { printer.header_.date = jsonString(day.date); }
+  void operator()(const Identifier& identifier) const {
+    printer.header_.identifier = jsonString(identifier.text);
+  }
+  void operator()(const OperatingSystem& system) const {
+    printer.header_.operatingSystem = std::to_string(system.code);
+  }
+  void operator()(const Version& version) const {
+    printer.header_.agentVersion = jsonString(version.bundle);
+    printer.beginning_ = printer.header_.text() + ",\"offset\":";
+  }
+  void operator()(const Start& start) const {
+    Line line = begin();
+    line.put(",\"type\":\"start\"");
+    putTime(line, start.time);
+    putText(line, ",\"version\":\"", "version", start.version.bundle);
+    putText(line, ",\"fixedVersion\":\"", "fixedVersion", start.version.fixed);
+    end(line);
+  }
+  void operator()(const End& end) const {
+    Line line = begin();
+    line.put(",\"type\":\"end\"");
+    putTime(line, end.time);
+    this->end(line);
+  }
+  void operator()(const DeviceEvent& event) const {
+    Line line = begin();
+    line.put(",\"type\":\"deviceEvent\",\"dataCommand\":");
+    line.putDigit(event.dataCommand);
+    putTime(line, event.time);
+    putName(line, event.name);
+    end(line);
+  }
+  void operator()(const Transfer& transfer) const {
+    Line line = begin();
+    line.put(",\"type\":\"transfer\",\"kind\":");
+    line.putDigit(transfer.kind);
+    line.put(",\"size\":");
+    line.put(transfer.size);
+    putName(line, transfer.name);
+    end(line);
+  }
+
+ private:
+  [[nodiscard]] Line begin() const {
+    Line line = printer.writer_.begin(printer.beginning_.size() + longestRest);
+    line.put(std::string_view(printer.beginning_));
+    line.put(std::uint64_t{offset});
+    return line;
+  }
+  void end(Line& line) const {
+    line.put("}\n");
+    printer.writer_.end(line);
+  }
+};
+
+std::string JsonLinesPrinter::Header::text() const {
+  return "{\"file\":" + file + ",\"date\":" + date.value_or("null") +
+         ",\"identifier\":" + identifier.value_or("null") +
+         ",\"operatingSystem\":" + operatingSystem.value_or("null") +
+         ",\"agentVersion\":" + agentVersion.value_or("null");
+}
+
+void JsonLinesPrinter::beginFile(std::string_view name) {
+  header_ = {
+      .file = jsonString(name), .date = {}, .identifier = {}, .operatingSystem = {}, .agentVersion = {}};
+  if (!isUtf8(name)) header_.file += ",\"fileHex\":\"" + hexText(name) + "\"";
+}
+
+void JsonLinesPrinter::item(const Item& item) {
+  std::visit(Print{*this, item.offset}, item.content);
+}
+
+void JsonLinesPrinter::endFile(std::size_t size, const std::optional<Damage>& damage) {
+  const std::string text = header_.text() + ",\"type\":\"file\",\"size\":" + std::to_string(size) +
+                           ",\"damage\":" + (damage ? jsonString(damage->reason) : "null") +
+                           ",\"damageOffset\":" + (damage ? std::to_string(damage->offset) : "null") + "}\n";
+  Line line = writer_.begin(text.size());
+  line.put(std::string_view(text));
+  writer_.end(line);
+}
+
+}  // namespace tools
