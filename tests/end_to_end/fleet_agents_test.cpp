@@ -1,0 +1,112 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+#include "tests/end_to_end/agent_test.h"
+#include "tests/end_to_end/life_clock.h"
+#include "tests/support/file_contents.h"
+#include "tests/support/product_server_double.h"
+#include "tests/support/wait_until.h"
+#include "tools/fleet/agent_model.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test_support::contentsOf;
+using test_support::ProductServerDouble;
+using test_support::waitUntil;
+
+const std::string folder = "/tmp/home/.local/share/Tovalin";
+const std::string dayBefore = folder + "/Tovalin_2024_03_06.dat";
+const std::string newDay = folder + "/Tovalin_2024_03_07.dat";
+constexpr std::chrono::sys_days launchDay = std::chrono::year(2024) / 3 / 6;
+
+// When the model of the tool `fleet` uploads, launched at that time and awake from then on.
+class FirstUpload : public fleet::Events {
+ public:
+  explicit FirstUpload(LifeClock::Time launch) {
+    fleet::Random random(1);
+    fleet::AgentModel model(0, random, *this);
+    model.run({(launch - launchDay).count(), 2 * fleet::day});
+  }
+  void launch(fleet::Seconds /*time*/) override {}
+  void upload(fleet::Seconds time, int /*files*/) override {
+    if (!time_) time_ = launchDay + std::chrono::seconds(time);
+  }
+  [[nodiscard]] LifeClock::Time time() const { return time_.value(); }
+
+ private:
+  std::optional<LifeClock::Time> time_;
+};
+
+// One installation at a time, on a clock that is put forward to just before the ticks that matter. Its
+// parameter is the second of the minute at which the agent is started.
+class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
+ protected:
+  void SetUp() override {
+    AgentTest::SetUp();
+    if (HasFatalFailure()) return;
+    ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
+    install("/tmp/Applications/Tovalin.app");
+    setServers(server_.origin());
+    for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
+  }
+
+  // The time in the start record, which is written right before the timer is made.
+  [[nodiscard]] static LifeClock::Time launchTime() {
+    const std::string bytes = contentsOf(dayBefore);
+    const std::string time = bytes.substr(bytes.find(startRecord) + startRecord.size() + 11, 8);
+    const auto number = [&](std::size_t place) { return std::stoi(time.substr(place, 2)); };
+    return launchDay + std::chrono::hours(number(0)) + std::chrono::minutes(number(3)) +
+           std::chrono::seconds(number(6));
+  }
+
+  // Ticks that were passed over come as one right behind the tick before this one, which has nothing to do.
+  void forwardToJustBefore(LifeClock::Time tick) {
+    for (const auto before : {58s, 2s}) {
+      clock_.forwardTo(tick - before);
+      // The first question ends the agent's wait, whose length was reckoned before; the second is answered
+      // once all is done that was due.
+      ASSERT_TRUE(host_.ask("properties").ok && host_.ask("properties").ok);
+    }
+  }
+
+  // Whether the file of the day before is sent at that tick and not before it.
+  [[nodiscard]] bool uploadsAt(LifeClock::Time tick) {
+    forwardToJustBefore(tick);
+    if (uploads() > 0 && clock_.now() < tick) ADD_FAILURE() << "uploaded too early";
+    return waitUntil([&] { return uploads() > 0 || clock_.now() > tick + 30s; }) && uploads() > 0;
+  }
+  [[nodiscard]] long uploads() const {
+    return std::ranges::count(server_.requests(), "POST", &test_support::ServedRequest::method);
+  }
+
+  LifeClock clock_{launchDay + 23h + 50min + std::chrono::seconds(GetParam())};
+  ProductServerDouble server_;
+};
+
+TEST_P(FleetAgent, UploadsAtTheSecondThatTheModelSays) {
+  clock_.processStarts();
+  launchAgentInPanel();
+  ASSERT_TRUE(waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; }));
+  const LifeClock::Time launch = launchTime();
+  const LifeClock::Time midnight = launchDay + std::chrono::days(1);
+  LifeClock::Time change = launch;
+  while (change < midnight) change += 60s;
+
+  ASSERT_NO_FATAL_FAILURE(forwardToJustBefore(change));
+  ASSERT_FALSE(fs::exists(newDay));
+  ASSERT_TRUE(waitUntil([] { return fs::exists(newDay); }));
+
+  LifeClock::Time said = FirstUpload(launch).time();
+  // Where the launch was at the end of its second, ticks may show the next one.
+  if (!uploadsAt(said)) said = FirstUpload(launch + 1s).time();
+  EXPECT_TRUE(uploadsAt(said));
+}
+
+INSTANTIATE_TEST_SUITE_P(Launches, FleetAgent, testing::Values(2, 13, 25, 38, 47));
+
+}  // namespace
