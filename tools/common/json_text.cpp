@@ -10,11 +10,14 @@ namespace {
 constexpr std::string_view kDigits = "0123456789abcdef";
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
-std::string escaped(char character) {
-  if (character == '"' || character == '\\') return {'\\', character};
-  const std::string text(1, character);
+void appendEscaped(std::string& text, char character) {
   const bool isControl = character >= '\0' && character < ' ';
-  return isControl ? "\\u00" + hexText(text) : text;
+  if (isControl) {
+    text.append("\\u00").append(hexText({&character, 1}));
+    return;
+  }
+  if (character == '"' || character == '\\') text += '\\';
+  text += character;
 }
 
 }  // namespace
@@ -25,9 +28,10 @@ bool isUtf8(std::string_view bytes) {
 
 std::string jsonString(std::string_view bytes) {
   std::string text = "\"";
+  text.reserve(bytes.size() + 2);
   while (!bytes.empty()) {
     const auto* invalid = utf8::find_invalid(bytes.begin(), bytes.end());
-    for (const char character : std::string_view(bytes.begin(), invalid)) text += escaped(character);
+    for (const char character : std::string_view(bytes.begin(), invalid)) appendEscaped(text, character);
     bytes.remove_prefix(static_cast<std::size_t>(invalid - bytes.begin()));
     if (bytes.empty()) break;
     text += kReplacement;

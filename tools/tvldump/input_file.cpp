@@ -49,19 +49,21 @@ std::optional<std::span<const char>> InputFile::read(const std::string& path, st
   return refuse(reason, reasonOf(errno));
 }
 
+// Most files fit the memory that is there, and their size is not asked for.
 std::optional<std::span<const char>> InputFile::readAll(int descriptor, std::string& reason) {
-  const std::size_t size = sizeOf(descriptor);
-  if (size > kMostInput) return refuse(reason, kTooLarge);
-  // One byte more, so that a file that does not grow meanwhile is read in one piece.
-  if (size_ < size + 1) grow(std::max(size + 1, kStep), 0);
+  if (size_ == 0) grow(kStep, 0);
   std::size_t filled = 0;
   ssize_t count = 0;
   while ((count = readSome(descriptor, bytes_.get() + filled, size_ - filled)) > 0) {
     filled += static_cast<std::size_t>(count);
-    if (filled > kMostInput) return refuse(reason, kTooLarge);
-    if (filled == size_) grow(filled * 2, filled);
+    if (filled < size_) continue;
+    const std::size_t whole = sizeOf(descriptor);
+    if (std::max(filled, whole) > kMostInput) return refuse(reason, kTooLarge);
+    // One byte more, so that the end of a file that does not grow meanwhile is seen without another step.
+    grow(std::max(whole + 1, filled * 2), filled);
   }
   if (count == -1) return refuse(reason, reasonOf(errno));
+  if (filled > kMostInput) return refuse(reason, kTooLarge);
   return std::span<const char>(bytes_.get(), filled);
 }
 

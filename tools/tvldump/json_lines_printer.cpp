@@ -54,7 +54,7 @@ struct JsonLinesPrinter::Print {
   }
   void operator()(const Version& version) const {
     printer.header_.agentVersion = jsonString(version.bundle);
-    printer.beginning_ = printer.header_.text() + ",\"offset\":";
+    printer.beginning_ = printer.header_.text();
   }
   void operator()(const Start& start) const {
     Line line = begin();
@@ -92,6 +92,7 @@ struct JsonLinesPrinter::Print {
   [[nodiscard]] Line begin() const {
     Line line = printer.writer_.begin(printer.beginning_.size() + longestRest);
     line.put(std::string_view(printer.beginning_));
+    line.put(",\"offset\":");
     line.put(std::uint64_t{offset});
     return line;
   }
@@ -119,11 +120,21 @@ void JsonLinesPrinter::item(const Item& item) {
 }
 
 void JsonLinesPrinter::endFile(std::size_t size, const std::optional<Damage>& damage) {
-  const std::string text = header_.text() + ",\"type\":\"file\",\"size\":" + std::to_string(size) +
-                           ",\"damage\":" + (damage ? jsonString(damage->reason) : "null") +
-                           ",\"damageOffset\":" + (damage ? std::to_string(damage->offset) : "null") + "}\n";
-  Line line = writer_.begin(text.size());
-  line.put(std::string_view(text));
+  if (!header_.agentVersion) beginning_ = header_.text();
+  const std::string damaged = damage ? jsonString(damage->reason) : "null";
+  Line line = writer_.begin(beginning_.size() + damaged.size() + longestRest);
+  line.put(std::string_view(beginning_));
+  line.put(",\"type\":\"file\",\"size\":");
+  line.put(std::uint64_t{size});
+  line.put(",\"damage\":");
+  line.put(std::string_view(damaged));
+  line.put(",\"damageOffset\":");
+  if (damage) {
+    line.put(std::uint64_t{damage->offset});
+  } else {
+    line.put("null");
+  }
+  line.put("}\n");
   writer_.end(line);
 }
 
