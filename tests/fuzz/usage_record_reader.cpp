@@ -1,4 +1,4 @@
-// Any bytes as a usage record file, through the reader and both printers.
+// Any bytes as a usage record file, through the reader and its printers.
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -10,6 +10,7 @@
 
 #include "tests/fuzz/requirement.h"
 #include "tests/fuzz/target.h"
+#include "tools/tvldump/json_lines_printer.h"
 #include "tools/tvldump/json_printer.h"
 #include "tools/tvldump/record_reader.h"
 #include "tools/tvldump/text_printer.h"
@@ -74,6 +75,20 @@ void checkJson(const Reading& reading, const std::string& text) {
   require(files[0]["damage"].is_null() == !reading.damage, "the JSON tells the damage");
 }
 
+// A line for each record, and one for the file; the four items of the header have none.
+void checkLines(const Reading& reading, const std::string& text) {
+  std::istringstream stream(text);
+  std::size_t records = 0;
+  nlohmann::json last;
+  for (std::string line; std::getline(stream, line); ++records) {
+    last = nlohmann::json::parse(line, nullptr, false);
+    require(last.is_object() && last.contains("file") && last.contains("type"), "a line is an object");
+  }
+  require(records == std::max<std::size_t>(reading.offsets.size(), 4) - 3, "there is a line for each record");
+  require(last["type"] == "file" && last["damage"].is_null() == !reading.damage,
+          "the last one is the file's");
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -83,5 +98,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   checkBeforeDamage(reading, bytes);
   checkText(reading, printed<tools::TextPrinter>(bytes));
   checkJson(reading, printed<tools::JsonPrinter>(bytes));
+  checkLines(reading, printed<tools::JsonLinesPrinter>(bytes));
   return 0;
 }

@@ -141,6 +141,19 @@ TEST(DayPlan, PowerCutLaunchesOnceWithinTwoMinutes) {
   }
 }
 
+// Rounded towards zero, the middle second would be drawn twice as often as its neighbours.
+TEST(DayPlan, MiddleOfATimeOfDayIsNoSpike) {
+  Settings settings;
+  settings.installations = 200'000;
+  settings.launches = {{Launches::PowerCut, 1}};
+  const FleetDay result = simulate(settings);
+  const auto launches = result.launches.seconds();
+  const auto middle = static_cast<std::size_t>(at(0, 20, 1, 15) - firstCounted);
+  const double neighbours = (launches[middle - 1] + launches[middle + 1]) / 2.0;
+  EXPECT_GT(neighbours, 4000);
+  EXPECT_NEAR(launches[middle], neighbours, neighbours / 10);
+}
+
 TEST(DayPlan, PowerReturnsWithinTheCountedDayOfEveryZone) {
   for (Seconds offset = -14 * hour; offset <= 14 * hour; offset += 30 * minute) {
     const Span counted{firstCounted + offset, firstCounted + offset + day};

@@ -1,6 +1,7 @@
 #include "tools/fleet/day_plan.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace fleet {
 namespace {
@@ -11,7 +12,8 @@ struct TimeOfDay {
   Seconds deviation;
 
   [[nodiscard]] Seconds draw(Seconds dayNumber, Random& random) const {
-    return dayNumber * day + middle + static_cast<Seconds>(random.bell() * static_cast<double>(deviation));
+    return dayNumber * day + middle +
+           static_cast<Seconds>(std::floor(random.bell() * static_cast<double>(deviation)));
   }
 };
 
