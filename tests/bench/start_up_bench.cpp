@@ -117,7 +117,7 @@ bench::Memory settledMemoryOfBareTrayAndPage(Desktop& desktop) {
   return memory;
 }
 
-// Each start sends beacons, for which the helper and its engine are there for a minute.
+// Each start sends beacons, for which the helper and its engine are there for 15 s.
 void measureMemoryWithBeacons(Desktop& desktop) {
   bench::print({.what = "memory 2 s after a beacon, the web view there (Pss)",
                 .unit = "KiB",

@@ -40,6 +40,18 @@ TEST_F(LifetimeTest, LoadThatNeverEndsLeavesTheIdleTimeFromItsAddressOn) {
   EXPECT_EQ(end(), 10s + kIdle);
 }
 
+// A slow server, or an engine that is slow to start, must not cost the page.
+TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsWaitedForUpToPatience) {
+  Lifetime lifetime(at(0s), 15s);
+  EXPECT_EQ(lifetime.end(), at(15s));
+  lifetime.addressCame(at(10s));
+  EXPECT_EQ(lifetime.end(), at(10s) + Lifetime::patience);
+  lifetime.loadingIs(false, at(40s));
+  EXPECT_EQ(lifetime.end(), at(55s));
+  lifetime.loadingIs(true, at(41s));
+  EXPECT_EQ(lifetime.end(), at(55s));
+}
+
 TEST_F(LifetimeTest, NewAddressBeginsAnew) {
   lifetime_.addressCame(at(10s));
   lifetime_.loadingIs(false, at(11s));

@@ -20,8 +20,8 @@ bool isRefused(const Arguments& arguments) {
   return std::holds_alternative<Refusal>(parseWebViewRequest(arguments));
 }
 
-TEST(WebViewOptions, IdleTimeIsAMinuteUnlessGiven) {
-  EXPECT_EQ(idleOf({}), 60s);
+TEST(WebViewOptions, IdleTimeIs15SecondsUnlessGiven) {
+  EXPECT_EQ(idleOf({}), 15s);
   EXPECT_EQ(idleOf({"--idle-seconds", "5"}), 5s);
 }
 

@@ -24,7 +24,7 @@ void Lifetime::inputEnded(Clock::time_point now) {
 }
 
 Lifetime::Clock::time_point Lifetime::end() const {
-  if (!inputEnd_) return news_ + idle_;
+  if (!inputEnd_) return news_ + (firstLoad_ ? std::max<Clock::duration>(idle_, patience) : idle_);
   const Clock::time_point last = *inputEnd_ + leave;
   if (loading_) return last;
   if (!quiet_) return *inputEnd_;

@@ -13,6 +13,8 @@ class Lifetime {
 
   // The time that a page's scripts get to call back once all they have asked for is there.
   static constexpr std::chrono::seconds grace{2};
+  // The time that the load of an address gets, the engine's start included, where the idle time is shorter.
+  static constexpr std::chrono::seconds patience{60};
   // The longest life after the end of the input.
   static constexpr std::chrono::seconds leave{10};
 
@@ -24,9 +26,9 @@ class Lifetime {
   void loadingIs(bool loading, Clock::time_point now);
   void inputEnded(Clock::time_point now);
 
-  // As long as addresses may come: idle after the last one, or after its load was done, if that came to an
-  // end. What a page loads later of its own accord keeps nothing alive. From the input's end on: once the
-  // load is done.
+  // As long as addresses may come: `idle` after the load of the last one was done, or `patience` after it
+  // came if its load never ends. What a page loads later of its own accord keeps nothing alive. From the
+  // input's end on: once the load is done.
   [[nodiscard]] Clock::time_point end() const;
 
  private:

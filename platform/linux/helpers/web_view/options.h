@@ -9,7 +9,7 @@ namespace helpers {
 
 // Serve the addresses that come in, and end when none has come for this long.
 struct ServeAddresses {
-  std::chrono::seconds idle{60};
+  std::chrono::seconds idle{15};
 };
 
 using WebViewRequest = std::variant<ShowUsage, Refusal, ServeAddresses>;
