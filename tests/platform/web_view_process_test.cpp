@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
@@ -147,6 +148,27 @@ TEST_F(WebViewProcessTest, ProgramThatIsStuckGivesWayToANewOneWithAllItHasStarte
   // Told more than once, because the new program took its time.
   EXPECT_THAT(toldAfter(1), testing::AllOf(SizeIs(testing::Ge(1U)), testing::Each("http://b")));
   EXPECT_TRUE(test_support::waitUntil([] { return web_view_test::processesNamed("sleep").empty(); }));
+}
+
+// The patience with the new program begins with the first address that it is handed.
+TEST_F(WebViewProcessTest, ProgramStartedForAStuckOneGetsTheWholePatience) {
+  constexpr auto patience = 3s;
+  process_ = std::make_unique<WebViewProcess>(patience);
+  const std::string gate = folder_ + "/gate";
+  ASSERT_EQ(::mkfifo(gate.c_str(), S_IRUSR | S_IWUSR), 0);
+  helper_test::writeProgram(program_, "exec sleep 1000");
+  const auto begin = Clock::now();
+  send("http://a");
+  helper_test::writeProgram(
+      program_ + " new", "echo $$ >>'" + pids_ + "'; read line <'" + gate + "'; exec cat >>'" + told_ + "'");
+  ASSERT_TRUE(test_support::waitUntil([&] { return Clock::now() - begin > patience + 100ms; }));
+  const auto replaced = Clock::now();
+  process_->send(program_ + " new", "http://b");
+  process_->send(program_ + " new", "http://c");
+  ASSERT_LT(Clock::now() - replaced, patience) << "the machine is too busy to tell";
+  std::ofstream(gate) << "go\n";
+  EXPECT_THAT(toldAfter(2), ElementsAre("http://b", "http://c"));
+  EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 
 TEST_F(WebViewProcessTest, ProgramThatReadsIsNotTakenForStuck) {
