@@ -8,8 +8,8 @@
 #include <QCoreApplication>
 
 #include "platform/linux/application_impl.h"
+#include "platform/linux/helper_folder.h"
 #include "platform/linux/keyboard_holder.h"
-#include "platform/linux/private_folder.h"
 #include "platform/linux/window_impl.h"
 
 // Instrumented builds report where the process ends, since no exit handler runs. The names are those of the

@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QApplication>
@@ -14,8 +16,9 @@
 #include "platform/bundle.h"
 #include "platform/linux/application_impl.h"
 #include "platform/linux/desktop_session.h"
-#include "platform/linux/private_folder.h"
+#include "platform/linux/helper_folder.h"
 #include "platform/linux/process_start.h"
+#include "platform/linux/runtime_folder.h"
 #include "platform/linux/session_bus_guard.h"
 #include "platform/linux/signal_pipe.h"
 #include "platform/linux/single_instance.h"
@@ -88,7 +91,9 @@ int ApplicationMain(int argc, char** argv) {
   describeApplication();
   std::vector<char*> toolkitArgv = toolkitArguments(argv[0]);
   int toolkitArgc = static_cast<int>(toolkitArgv.size());
+  std::optional<ToolkitsRuntimeFolder> runtimeFolder(std::in_place);
   const QApplication toolkit(toolkitArgc, toolkitArgv.data());
+  runtimeFolder.reset();
 
   const auto delegate = program.makeDelegate();
   if (!instance.listen([&] { delegate->applicationShouldHandleReopen(); })) {

@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/linux/private_folder.h"
+#include "platform/linux/helper_folder.h"
 #include "platform/linux/spawn_attributes.h"
 
 namespace platform {

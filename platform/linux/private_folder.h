@@ -10,14 +10,9 @@ namespace platform {
 // user alone; nothing when it can't be had or somebody else could write to it. Any thread.
 [[nodiscard]] std::optional<std::string> privateFolder();
 
-// Where the agent's helper programs are found by name: a folder in the private one, or in the one below /tmp
-// where the file system of the private one lets no program run. Nothing when there is none.
-[[nodiscard]] std::optional<std::string> helperFolder();
-
-// Copies the helper programs of the running bundle to helperFolder(), because some must still run when the
-// bundle is gone. What can't be copied is left out.
-void installHelpers();
-// Takes the copies away again.
-void removeHelpers();
+// Where it is, or would be.
+[[nodiscard]] std::string privateFolderPath();
+// The one below /tmp, also where another place comes first.
+[[nodiscard]] std::optional<std::string> privateFolderBelowTmp();
 
 }  // namespace platform

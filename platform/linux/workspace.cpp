@@ -7,7 +7,7 @@
 
 #include "platform/bundle.h"
 #include "platform/linux/child_run.h"
-#include "platform/linux/private_folder.h"
+#include "platform/linux/helper_folder.h"
 
 namespace platform {
 namespace {

@@ -109,6 +109,25 @@ TEST_F(Launch, WithoutARuntimeFolderThePrivateOneOfTheUserServes) {
   terminateAgent();
 }
 
+// $XDG_RUNTIME_DIR unset, naming a folder that is missing, or one that others may enter.
+class LaunchWithoutRuntimeFolder : public Launch,
+                                   public testing::WithParamInterface<std::optional<std::string>> {};
+
+TEST_P(LaunchWithoutRuntimeFolder, NoOtherFolderIsMade) {
+  std::filesystem::create_directory("/tmp/entered");
+  std::filesystem::permissions("/tmp/entered", std::filesystem::perms(0755));
+  environment_["XDG_RUNTIME_DIR"] = GetParam();
+  launchAgentInPanel();
+  terminateAgent();
+  std::vector<std::string> made;
+  for (const auto& entry : std::filesystem::directory_iterator("/tmp")) made.push_back(entry.path());
+  EXPECT_THAT(made, testing::Not(testing::Contains(
+                        testing::AnyOf(testing::StartsWith("/tmp/runtime-"), testing::Eq("/tmp/missing")))));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, LaunchWithoutRuntimeFolder,
+                         testing::Values(std::nullopt, "/tmp/missing", "/tmp/entered"));
+
 TEST_F(Launch, ClosedStandardStreamsLeadNowhere) {
   std::filesystem::remove("/tmp/KMPIPE");
   test_support::ChildOptions options;
@@ -133,6 +152,7 @@ TEST_F(Launch, APrivateFolderThatIsSomebodyElsesIsToldAndNotUsed) {
                   place),
             1);
   EXPECT_TRUE(std::filesystem::is_empty("/tmp/elsewhere of theirs"));
+  EXPECT_FALSE(std::filesystem::exists("/tmp/runtime-root"));
   std::filesystem::remove(place);
 }
 

@@ -10,6 +10,8 @@
 #include <fstream>
 #include <string>
 
+#include "platform/linux/helper_folder.h"
+#include "platform/linux/runtime_folder.h"
 #include "tests/ipc/forked_call.h"
 
 namespace {
@@ -223,6 +225,54 @@ TEST_F(RuntimeFolderWithoutPrograms, LeavesNoPlaceForHelpersWhereTheOneBelowTmpL
   ASSERT_EQ(::mount("none", belowTmp_.c_str(), "tmpfs", MS_NOEXEC, "mode=700"), 0);
   EXPECT_EQ(helperFolder(), std::nullopt);
   ::umount2(belowTmp_.c_str(), MNT_DETACH);
+}
+
+// $XDG_RUNTIME_DIR as the toolkit finds it while it starts.
+class ToolkitsRuntimeFolderTest : public PrivateFolder {
+ protected:
+  static std::string named() {
+    const char* name = std::getenv("XDG_RUNTIME_DIR");
+    return name == nullptr ? "(unset)" : name;
+  }
+};
+
+TEST_F(ToolkitsRuntimeFolderTest, UsableOneStays) {
+  const platform::ToolkitsRuntimeFolder folder;
+  EXPECT_EQ(named(), kRuntime);
+}
+
+TEST_F(ToolkitsRuntimeFolderTest, UnsetOneIsPrivateFolderUntilTheEnd) {
+  ::unsetenv("XDG_RUNTIME_DIR");
+  {
+    const platform::ToolkitsRuntimeFolder folder;
+    EXPECT_EQ(named(), belowTmp_);
+  }
+  EXPECT_EQ(named(), "(unset)");
+}
+
+TEST_F(ToolkitsRuntimeFolderTest, UnusableOneIsReplacedUntilTheEnd) {
+  const auto isReplacedBy = [](const std::string& other) {
+    const std::string users = named();
+    {
+      const platform::ToolkitsRuntimeFolder folder;
+      EXPECT_EQ(named(), other);
+    }
+    EXPECT_EQ(named(), users);
+  };
+  setMode(kRuntime, 0755);
+  isReplacedBy(kBelowRuntime);
+  setMode(kRuntime, 0777);
+  isReplacedBy(belowTmp_);
+  ::setenv("XDG_RUNTIME_DIR", "/tmp/missing", 1);
+  isReplacedBy(belowTmp_);
+  EXPECT_FALSE(fs::exists("/tmp/missing"));
+  setMode(belowTmp_, 0755);
+  isReplacedBy("/proc/nowhere");
+  EXPECT_EQ(std::getenv("TMPDIR"), nullptr);
+  setMode(kRuntime, 0700);
+  ASSERT_EQ(::chown(kRuntime, 1234, 1234), 0);
+  ::setenv("XDG_RUNTIME_DIR", kRuntime, 1);
+  isReplacedBy("/proc/nowhere");
 }
 
 }  // namespace
