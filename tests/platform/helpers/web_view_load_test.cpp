@@ -21,9 +21,12 @@ using Clock = std::chrono::steady_clock;
 
 using WebViewLoad = WebViewHelper;
 
+constexpr const char* kPrivateFolder = "/tmp/runtime/TovalinTray";
+
 std::vector<std::string> runtimeFolders() {
+  if (!std::filesystem::exists(kPrivateFolder)) return {};
   std::vector<std::string> found;
-  for (const auto& entry : std::filesystem::directory_iterator("/tmp/runtime")) {
+  for (const auto& entry : std::filesystem::directory_iterator(kPrivateFolder)) {
     const std::string name = entry.path().filename();
     if (name.starts_with("TovalinWebView.")) found.push_back(name);
   }
@@ -115,7 +118,7 @@ TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
   ASSERT_TRUE(helper_.writeLine("http://["));
   ASSERT_TRUE(helper_.writeLine("http://%"));
   ASSERT_TRUE(helper_.writeLine(server_.address("/long?" + std::string(70000, 'a'))));
-  EXPECT_TRUE(stillLoads());
+  ASSERT_TRUE(stillLoads());
   EXPECT_EQ(server_.asked().front(), "/next");
 }
 
@@ -190,7 +193,7 @@ class WebViewIdle : public WebViewHelper {
     FAIL() << target << " is not asked for";
   }
 
-  // Without the option it is a minute.
+  // Before the patience for a load that never ends is over.
   static constexpr auto beforeAMinute = 50s;
   std::chrono::seconds idle_{2};
   Clock::time_point begin_;
@@ -201,6 +204,23 @@ TEST_F(WebViewIdle, IdleHelperEnds) {
   EXPECT_EQ(helper_.wait(beforeAMinute), ExitStatus{.code = 0});
   EXPECT_GE(Clock::now() - begin_, idle_);
   EXPECT_THAT(webProcesses(), IsEmpty());
+}
+
+// Shorter than without the option. A busy machine may hold up one try or another.
+TEST_F(WebViewIdle, IdleTimeIsTheOneThatIsGiven) {
+  constexpr auto unlessGiven = 15s;
+  auto shortest = Clock::duration::max();
+  for (int i = 0; i < 5 && shortest >= unlessGiven; ++i) {
+    const std::string page = "/page?" + std::to_string(i);
+    start({"--idle-seconds", "2"});
+    load(page);
+    ASSERT_TRUE(server_.waitFor(page));
+    const auto asked = Clock::now();
+    EXPECT_EQ(helper_.wait(beforeAMinute), ExitStatus{.code = 0});
+    shortest = std::min(shortest, Clock::now() - asked);
+    helper_ = {};
+  }
+  EXPECT_LT(shortest, unlessGiven);
 }
 
 TEST_F(WebViewIdle, PageThatKeepsAskingDoesNotKeepTheHelper) {
@@ -259,7 +279,10 @@ TEST_F(WebViewLoad, NoWindowIsOnTheScreen) {
 
 TEST_F(WebViewLoad, NoFileIsLeftAndNoneOfTheUsersTouched) {
   // What a helper that was killed has left is swept by the next, and would be missed in the end.
-  for (const auto& folder : runtimeFolders()) std::filesystem::remove_all("/tmp/runtime/" + folder);
+  for (const auto& folder : runtimeFolders()) std::filesystem::remove_all(kPrivateFolder + ("/" + folder));
+  // The agent has it as long as it runs.
+  std::filesystem::create_directory(kPrivateFolder);
+  std::filesystem::permissions(kPrivateFolder, std::filesystem::perms::owner_all);
   const auto before = filesBelow("/tmp");
   const auto homeBefore = filesBelow("/tmp/home");
   startWithScript(
@@ -283,15 +306,6 @@ TEST_F(WebViewLoad, WebProcessIsLockedIn) {
   EXPECT_NE(pidNamespaceOf(processes.front()), pidNamespaceOf(helper_.pid()));
 }
 
-TEST_F(WebViewLoad, PageIsLoadedAlsoWhereTheWebProcessCannotBeLockedIn) {
-  ASSERT_EQ(::mount("/dev/null", "/usr/bin/bwrap", nullptr, MS_BIND, nullptr), 0);
-  startWithScript("");
-  const auto processes = processesNamed("WebKitWebProces");
-  EXPECT_EQ(::umount2("/usr/bin/bwrap", MNT_DETACH), 0);
-  ASSERT_THAT(processes, SizeIs(1));
-  EXPECT_EQ(pidNamespaceOf(processes.front()), pidNamespaceOf(helper_.pid()));
-}
-
 // Longer than it takes to find that a script holds a web process up.
 TEST_F(WebViewLoad, WebProcessThatIsSlowToStartIsNotStartedAgain) {
   std::filesystem::copy_file("/usr/bin/bwrap", "/tmp/bwrap",
@@ -305,22 +319,6 @@ TEST_F(WebViewLoad, WebProcessThatIsSlowToStartIsNotStartedAgain) {
   EXPECT_EQ(::umount2("/usr/bin/bwrap", MNT_DETACH), 0);
   EXPECT_EQ(test_support::contentsOf("/tmp/starts"), "\n");
   EXPECT_EQ(server_.timesOf("/page").size(), 1U);
-}
-
-TEST_F(WebViewLoad, PageIsLoadedAlsoWithoutARuntimeFolder) {
-  ASSERT_TRUE(
-      helper_.start({helper_test::helper("TovalinWebView")},
-                    {.environment = {{"DISPLAY", display_->name()}, {"XDG_RUNTIME_DIR", std::nullopt}},
-                     .input = test_support::Redirection::pipe(),
-                     .error = test_support::Redirection::null()}));
-  EXPECT_TRUE(stillLoads());
-}
-
-TEST_F(WebViewLoad, WithoutADisplayItSaysSoAndEnds) {
-  const auto ended =
-      helper_test::run({helper_test::helper("TovalinWebView")}, {.environment = {{"DISPLAY", std::nullopt}}});
-  EXPECT_EQ(ended.code, 1);
-  EXPECT_THAT(ended.error, testing::HasSubstr("TovalinWebView: there is no X display"));
 }
 
 TEST_F(WebViewLoad, UsageAndUnknownArguments) {

@@ -4,13 +4,18 @@
 #include <stdlib.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
+
+#include "platform/linux/private_folder.h"
 
 namespace helpers {
 namespace {
@@ -27,10 +32,23 @@ void set(const char* name, const std::string& value) {
   ::setenv(name, value.c_str(), 1);
 }
 
-// The display's key is found below the home unless it is named.
-void nameDisplayKey() {
-  const char* home = std::getenv("HOME");
-  if (home != nullptr) ::setenv("XAUTHORITY", (std::string(home) + "/.Xauthority").c_str(), 0);
+bool isKept(std::string_view name) {
+  constexpr std::array<std::string_view, 4> names{"LANG", "LANGUAGE", "PATH", "TZ"};
+  return std::ranges::count(names, name) != 0 || name.starts_with("LC_") || name.ends_with("_proxy") ||
+         name.ends_with("_PROXY");
+}
+
+void dropOthersThanKept() {
+  std::vector<std::string> kept;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string_view text = *entry;
+    if (isKept(text.substr(0, text.find('=')))) kept.emplace_back(text);
+  }
+  ::clearenv();
+  for (const std::string& entry : kept) {
+    const std::size_t end = entry.find('=');
+    if (end != std::string::npos) ::setenv(entry.substr(0, end).c_str(), entry.c_str() + end + 1, 1);
+  }
 }
 
 // Held by the folder's user as long as it lives, so that what is not locked is left over. None where another
@@ -44,10 +62,10 @@ platform::FileDescriptor lockFolder(const fs::path& folder) {
   return lock;
 }
 
-void sweep(const fs::path& runtime) {
+void sweep(const fs::path& parent) {
   std::error_code ignored;
   std::vector<fs::path> found;
-  for (fs::directory_iterator entry(runtime, ignored), end; !ignored && entry != end;
+  for (fs::directory_iterator entry(parent, ignored), end; !ignored && entry != end;
        entry.increment(ignored)) {
     if (entry->path().filename().string().starts_with(folderName)) found.push_back(entry->path());
   }
@@ -60,12 +78,12 @@ void sweep(const fs::path& runtime) {
 }  // namespace
 
 RuntimeFolder::RuntimeFolder() {
-  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-  if (runtime == nullptr || runtime[0] != '/') return;
-  sweep(runtime);
+  const auto parent = platform::privateFolder();
+  if (!parent) return;
+  sweep(*parent);
   // Another program's sweep may come between the making and the locking.
   for (int i = 0; i < tries && path_.empty(); ++i) {
-    std::string folder = std::string(runtime) + "/" + std::string(folderName) + "XXXXXX";
+    std::string folder = *parent + "/" + std::string(folderName) + "XXXXXX";
     if (::mkdtemp(folder.data()) == nullptr) return;
     lock_ = lockFolder(folder);
     if (lock_.valid()) path_ = folder;
@@ -79,23 +97,23 @@ void RuntimeFolder::remove() {
   lock_.reset();
 }
 
-void leaveUsersThingsAlone(const std::filesystem::path& runtimeFolder) {
-  nameDisplayKey();
+void replaceEnvironment(const std::filesystem::path& runtimeFolder) {
+  dropOthersThanKept();
   for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
     set(name, nowhere);
   }
-  set("XDG_RUNTIME_DIR", runtimeFolder.empty() ? nowhere : runtimeFolder.string());
+  set("XDG_RUNTIME_DIR", runtimeFolder);
   // Without an address the libraries would start a bus that stays.
   set("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+  set("DBUS_SYSTEM_BUS_ADDRESS", "disabled:");
   set("NO_AT_BRIDGE", "1");
   set("GSETTINGS_BACKEND", "memory");
   set("GIO_USE_VFS", "local");
   set("GIO_USE_VOLUME_MONITOR", "unix");
   set("GTK_USE_PORTAL", "0");
   set("GTK_IM_MODULE", "gtk-im-context-simple");
-  set("GDK_BACKEND", "x11");
+  set("GDK_BACKEND", "wayland");
   set("MESA_SHADER_CACHE_DISABLE", "true");
-  ::unsetenv("GTK_MODULES");
 }
 
 }  // namespace helpers

@@ -6,8 +6,9 @@
 
 namespace helpers {
 
-// A new folder of this program's own below $XDG_RUNTIME_DIR, gone with this object; those that killed
-// programs have left there go with its making. Empty path where there is no such place.
+// A new folder of this program's own in the agent's private folder, removed by the destructor. The
+// constructor also removes those that killed programs have left there. The path is empty if there is no
+// private folder.
 class RuntimeFolder {
  public:
   RuntimeFolder();
@@ -23,9 +24,10 @@ class RuntimeFolder {
   platform::FileDescriptor lock_;
 };
 
-// Sets the environment so that none of the libraries below the view reads the user's settings or leaves a
-// file or a service behind: the home and all that belongs there lead nowhere. `runtimeFolder` is where
-// sockets may be made; empty: nowhere. Before the first thread.
-void leaveUsersThingsAlone(const std::filesystem::path& runtimeFolder);
+// Leaves of the user's environment only PATH, language, time zone and proxies, so that the web engine's
+// processes learn of no display, bus or other service, and sets it so that none of the libraries below the
+// view reads the user's settings or leaves a file or a service behind: the home and all that belongs there
+// lead nowhere. `runtimeFolder` is where sockets may be made. Before the first thread.
+void replaceEnvironment(const std::filesystem::path& runtimeFolder);
 
 }  // namespace helpers

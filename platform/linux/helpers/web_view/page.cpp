@@ -1,6 +1,9 @@
 #include "platform/linux/helpers/web_view/page.h"
 
 #include <chrono>
+#include <memory>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include "platform/linux/helpers/web_view/refusals.h"
@@ -14,13 +17,35 @@ Page& pageOf(gpointer self) {
   return *static_cast<Page*>(self);
 }
 
-ObjectPointer<WebKitWebContext> makeContext(bool lockedIn) {
+void setProxy(WebKitWebsiteDataManager* manager, const std::string& address) {
+  WebKitNetworkProxySettings* settings = webkit_network_proxy_settings_new(address.c_str(), nullptr);
+  webkit_website_data_manager_set_network_proxy_settings(manager, WEBKIT_NETWORK_PROXY_MODE_CUSTOM, settings);
+  webkit_network_proxy_settings_free(settings);
+}
+
+ObjectPointer<WebKitWebContext> makeContext(const std::string& proxy) {
   ObjectPointer<WebKitWebContext> context(webkit_web_context_new_ephemeral());
-  webkit_web_context_set_sandbox_enabled(context.get(), lockedIn ? TRUE : FALSE);
+  webkit_web_context_set_sandbox_enabled(context.get(), TRUE);
   webkit_web_context_set_cache_model(context.get(), WEBKIT_CACHE_MODEL_DOCUMENT_VIEWER);
-  webkit_website_data_manager_set_tls_errors_policy(
-      webkit_web_context_get_website_data_manager(context.get()), WEBKIT_TLS_ERRORS_POLICY_FAIL);
+  WebKitWebsiteDataManager* manager = webkit_web_context_get_website_data_manager(context.get());
+  webkit_website_data_manager_set_tls_errors_policy(manager, WEBKIT_TLS_ERRORS_POLICY_FAIL);
+  setProxy(manager, proxy);
   return context;
+}
+
+// As the engine itself understands the address, so that both mean the same host.
+std::optional<Endpoint> originOf(const std::string& address) {
+  struct Unreference {
+    void operator()(WebKitSecurityOrigin* origin) const { webkit_security_origin_unref(origin); }
+  };
+  const std::unique_ptr<WebKitSecurityOrigin, Unreference> origin(
+      webkit_security_origin_new_for_uri(address.c_str()));
+  const char* scheme = webkit_security_origin_get_protocol(origin.get());
+  const char* host = webkit_security_origin_get_host(origin.get());
+  if (scheme == nullptr || host == nullptr) return std::nullopt;
+  const guint16 port = webkit_security_origin_get_port(origin.get());
+  if (port != 0) return endpointOf(host, port);
+  return endpointOf(host, std::string_view(scheme) == "https" ? 443 : 80);
 }
 
 // All that nobody would see or hear is off.
@@ -42,8 +67,11 @@ ObjectPointer<WebKitWebView> makeView(WebKitWebContext* context) {
 
 }  // namespace
 
-Page::Page(bool lockedIn, std::function<void()> changed)
-    : changed_(std::move(changed)), context_(makeContext(lockedIn)), view_(makeView(context_.get())) {
+Page::Page(FilterProxy& network, std::function<void()> changed)
+    : network_(network),
+      changed_(std::move(changed)),
+      context_(makeContext(network.address())),
+      view_(makeView(context_.get())) {
   // First, as a refusal ends what comes of a failure.
   watchProgress();
   refuseAllButPages(context_.get(), view_.get());
@@ -51,6 +79,7 @@ Page::Page(bool lockedIn, std::function<void()> changed)
 
 void Page::load(const std::string& address) {
   mayStartOver_ = true;
+  network_.setOrigin(originOf(address));
   request(address);
 }
 

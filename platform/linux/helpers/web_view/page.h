@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <webkit2/webkit2.h>
 
+#include "platform/linux/helpers/web_view/filter_proxy.h"
 #include "platform/linux/helpers/web_view/glib_handles.h"
 
 namespace helpers {
@@ -12,8 +13,9 @@ namespace helpers {
 // A web page that is never shown. It runs its scripts and keeps nothing beyond this process.
 class Page {
  public:
-  // The toolkit must have been initialised. `changed` is called when loading() may have changed.
-  Page(bool lockedIn, std::function<void()> changed);
+  // The toolkit must have been initialised. Pages reach the network through `network` alone, which must
+  // outlive this object. `changed` is called when loading() may have changed.
+  Page(FilterProxy& network, std::function<void()> changed);
   Page(const Page&) = delete;
   Page& operator=(const Page&) = delete;
 
@@ -36,6 +38,7 @@ class Page {
                              gpointer self);
   static void processEnded(WebKitWebView* view, WebKitWebProcessTerminationReason reason, gpointer self);
 
+  FilterProxy& network_;
   std::function<void()> changed_;
   std::string requested_;   // until its page begins to come, or can't
   bool hasLoaded_ = false;  // the web process has come as far as a page

@@ -18,11 +18,11 @@ using Clock = Lifetime::Clock;
 
 }  // namespace
 
-Session::Session(platform::FileDescriptor input, bool lockedIn, Clock::duration idle)
+Session::Session(platform::FileDescriptor input, FilterProxy& network, Clock::duration idle)
     : input_(std::move(input)),
       lifetime_(Clock::now(), idle),
       loop_(g_main_loop_new(nullptr, FALSE)),
-      page_(lockedIn, [this] { followPage(); }) {}
+      page_(network, [this] { followPage(); }) {}
 
 void Session::run() {
   constexpr auto arrived = [](int, GIOCondition, gpointer self) -> gboolean {

@@ -16,7 +16,8 @@ namespace helpers {
 // the end.
 class Session {
  public:
-  Session(platform::FileDescriptor input, bool lockedIn, Lifetime::Clock::duration idle);
+  // Pages reach the network through `network`, which must outlive this object.
+  Session(platform::FileDescriptor input, FilterProxy& network, Lifetime::Clock::duration idle);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 

@@ -1,26 +1,34 @@
 #include <fcntl.h>
 #include <gtk/gtk.h>
+#include <syslog.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <string>
 #include <variant>
 
 #include "platform/linux/helpers/helper_program.h"
 #include "platform/linux/helpers/web_view/descendants.h"
+#include "platform/linux/helpers/web_view/display.h"
 #include "platform/linux/helpers/web_view/environment.h"
+#include "platform/linux/helpers/web_view/filter_proxy.h"
 #include "platform/linux/helpers/web_view/options.h"
 #include "platform/linux/helpers/web_view/sandbox.h"
 #include "platform/linux/helpers/web_view/session.h"
+#include "platform/linux/helpers/web_view/users_proxy.h"
 
 namespace {
+
+constexpr char program[] = "TovalinWebView";
 
 constexpr char usage[] =
     "Usage: TovalinWebView [--idle-seconds NUMBER]\n"
     "\n"
     "Loads the pages whose addresses, http or https, come in on the standard input, one a line, into a view\n"
-    "that is never shown. A new page replaces the one before. Ends when no address has come for 60 seconds, "
-    "or\n"
-    "for NUMBER; at the end of the input once the page has been loaded, and 10 seconds after it at the "
-    "latest.\n";
+    "that is never shown. A new page replaces the one before. Ends 15 seconds (or NUMBER) after the last "
+    "page\n"
+    "was loaded or, where that never comes to an end, 60 seconds after its address came; at the end of the\n"
+    "input once the page has been loaded, and 10 seconds after it at the latest.\n";
 
 // Nothing that is started later may hold the input open.
 platform::FileDescriptor takeInput() {
@@ -30,16 +38,28 @@ platform::FileDescriptor takeInput() {
   return input;
 }
 
+int giveUp(const std::string& reason) {
+  const std::string text = "no page is loaded: " + reason;
+  ::openlog(program, 0, LOG_USER);
+  ::syslog(LOG_ERR, "%s", text.c_str());
+  return helpers::fail(program, text);
+}
+
 int serve(const helpers::ServeAddresses& request) {
   platform::FileDescriptor input = takeInput();
-  helpers::RuntimeFolder runtimeFolder;
-  helpers::leaveUsersThingsAlone(runtimeFolder.path());
-  const bool lockedIn = helpers::canLockInWebProcess(runtimeFolder.path());
-  if (gtk_init_check(nullptr, nullptr) == FALSE) {
-    return helpers::fail("TovalinWebView", "there is no X display");
-  }
+  const helpers::RuntimeFolder runtimeFolder;
+  if (runtimeFolder.path().empty()) return giveUp("there is no private folder");
+  helpers::replaceEnvironment(runtimeFolder.path());
+  if (!helpers::canLockInWebProcess(runtimeFolder.path()))
+    return giveUp("the web engine's sandbox can't be had");
+  const helpers::EmptyDisplay display;
+  ::setenv("WAYLAND_DISPLAY", display.name().c_str(), 1);
+  if (display.name().empty() || gtk_init_check(nullptr, nullptr) == FALSE)
+    return giveUp("there is no display");
+  helpers::FilterProxy network(helpers::connectThroughUsersProxy);
+  if (network.address().empty()) return giveUp("there is no socket on loopback");
   helpers::adoptDescendants();
-  helpers::Session(std::move(input), lockedIn, request.idle).run();
+  helpers::Session(std::move(input), network, request.idle).run();
   helpers::endDescendants();
   return helpers::Done;
 }
@@ -51,9 +71,9 @@ int main(int argc, char** argv) {
   const auto request = helpers::parseWebViewRequest({argv + 1, argv + argc});
   if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
-    return helpers::refuse("TovalinWebView", refusal->reason);
+    return helpers::refuse(program, refusal->reason);
   }
   // The folder in which the agent was started stays free to go.
-  if (::chdir("/") != 0) return helpers::fail("TovalinWebView", "there is no root folder");
+  if (::chdir("/") != 0) return helpers::fail(program, "there is no root folder");
   return serve(std::get<helpers::ServeAddresses>(request));
 }

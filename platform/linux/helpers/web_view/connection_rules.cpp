@@ -1,0 +1,115 @@
+#include "platform/linux/helpers/web_view/connection_rules.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <span>
+
+namespace helpers {
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+struct Range {
+  std::array<std::uint8_t, 16> start;
+  unsigned bits;
+};
+
+// The IANA registries of special-purpose addresses, and multicast.
+constexpr std::array notPublic4{
+    Range{{0}, 8},         Range{{10}, 8},       Range{{100, 64}, 10},      Range{{127}, 8},
+    Range{{169, 254}, 16}, Range{{172, 16}, 12}, Range{{192, 0, 0}, 24},    Range{{192, 0, 2}, 24},
+    Range{{192, 168}, 16}, Range{{198, 18}, 15}, Range{{198, 51, 100}, 24}, Range{{203, 0, 113}, 24},
+    Range{{224}, 3},
+};
+constexpr Range globalUnicast6{{0x20}, 3};
+constexpr std::array notPublic6{
+    Range{{0x20, 0x01, 0, 0}, 23},  // Teredo among them, which holds an IPv4 address
+    Range{{0x20, 0x01, 0x0d, 0xb8}, 32},
+};
+
+// IPv6 addresses that lead to the IPv4 address in their bytes from `offset` on: mapped, NAT64 and 6to4.
+struct Embedding {
+  Range range;
+  std::size_t offset;
+};
+constexpr std::array embeddings{
+    Embedding{{{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff}, 96}, 12},
+    Embedding{{{0, 0x64, 0xff, 0x9b}, 96}, 12},
+    Embedding{{{0x20, 0x02}, 16}, 2},
+};
+
+bool isIn(const Range& range, Bytes address) {
+  const std::size_t whole = range.bits / 8;
+  const auto mask = static_cast<std::uint8_t>(0xff00U >> (range.bits % 8));
+  return std::equal(address.begin(), address.begin() + static_cast<std::ptrdiff_t>(whole),
+                    range.start.begin()) &&
+         (mask == 0 || (address[whole] & mask) == (range.start[whole] & mask));
+}
+
+bool isPublic4(Bytes address) {
+  return std::ranges::none_of(notPublic4, [&](const Range& range) { return isIn(range, address); });
+}
+
+bool isPublic6(Bytes address) {
+  for (const Embedding& embedding : embeddings) {
+    if (isIn(embedding.range, address)) return isPublic4(address.subspan(embedding.offset, 4));
+  }
+  return isIn(globalUnicast6, address) &&
+         std::ranges::none_of(notPublic6, [&](const Range& range) { return isIn(range, address); });
+}
+
+bool isPublicText(const std::string& host) {
+  std::array<std::uint8_t, 16> bytes{};
+  if (::inet_pton(AF_INET, host.c_str(), bytes.data()) == 1) return isPublic4(Bytes(bytes).first(4));
+  return ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1 && isPublic6(bytes);
+}
+
+bool isAddress(const std::string& host) {
+  std::array<std::uint8_t, 16> bytes{};
+  return ::inet_pton(AF_INET, host.c_str(), bytes.data()) == 1 ||
+         ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1;
+}
+
+char lowerCase(char character) {
+  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+}  // namespace
+
+Endpoint endpointOf(std::string host, std::uint16_t port) {
+  if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
+  std::ranges::transform(host, host.begin(), lowerCase);
+  in6_addr address{};
+  std::array<char, INET6_ADDRSTRLEN> text{};
+  if (::inet_pton(AF_INET6, host.c_str(), &address) == 1) {
+    host = ::inet_ntop(AF_INET6, &address, text.data(), text.size());
+  }
+  return {std::move(host), port};
+}
+
+bool isPublic(const sockaddr& address) {
+  std::array<std::uint8_t, 16> bytes{};
+  if (address.sa_family == AF_INET) {
+    std::memcpy(bytes.data(), &reinterpret_cast<const sockaddr_in&>(address).sin_addr, 4);
+    return isPublic4(Bytes(bytes).first(4));
+  }
+  if (address.sa_family != AF_INET6) return false;
+  std::memcpy(bytes.data(), &reinterpret_cast<const sockaddr_in6&>(address).sin6_addr, 16);
+  return isPublic6(bytes);
+}
+
+bool isLocal(const std::string& host) {
+  return isAddress(host) ? !isPublicText(host) : host == "localhost" || host.ends_with(".localhost");
+}
+
+Passage passageTo(const Endpoint& target, const std::optional<Endpoint>& origin) {
+  constexpr std::uint16_t https = 443;
+  if (origin && target == *origin) return Passage::Free;
+  return target.port == https && !isLocal(target.host) ? Passage::PublicTls : Passage::None;
+}
+
+}  // namespace helpers

@@ -1,0 +1,217 @@
+#include "platform/linux/helpers/web_view/filter_proxy.h"
+
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/random.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <mutex>
+#include <vector>
+
+#include "platform/linux/helpers/web_view/relay.h"
+#include "platform/linux/helpers/web_view/socks_request.h"
+
+namespace helpers {
+namespace {
+
+using platform::FileDescriptor;
+
+constexpr std::chrono::seconds connectTimeout{20};
+constexpr int maxConnections = 64;
+
+// An address as connect(2) takes it.
+struct SocketAddress {
+  sockaddr_storage storage{};
+  socklen_t size = 0;
+
+  [[nodiscard]] const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&storage); }
+};
+
+std::vector<SocketAddress> resolve(const Endpoint& target) {
+  addrinfo hints{};
+  hints.ai_family = AF_UNSPEC;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_NUMERICSERV;
+  addrinfo* list = nullptr;
+  if (::getaddrinfo(target.host.c_str(), std::to_string(target.port).c_str(), &hints, &list) != 0) return {};
+  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(list, ::freeaddrinfo);
+  std::vector<SocketAddress> found;
+  for (const addrinfo* entry = list; entry != nullptr; entry = entry->ai_next) {
+    SocketAddress address;
+    std::memcpy(&address.storage, entry->ai_addr, entry->ai_addrlen);
+    address.size = entry->ai_addrlen;
+    found.push_back(address);
+  }
+  return found;
+}
+
+bool isConnected(const FileDescriptor& socket) {
+  pollfd ready{socket.get(), POLLOUT, 0};
+  const auto timeout = std::chrono::milliseconds(connectTimeout).count();
+  int error = 0;
+  socklen_t size = sizeof error;
+  return ::poll(&ready, 1, static_cast<int>(timeout)) == 1 &&
+         ::getsockopt(socket.get(), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
+}
+
+FileDescriptor connectTo(const SocketAddress& address) {
+  FileDescriptor socket(
+      ::socket(address.get()->sa_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_TCP));
+  const bool reached = socket.valid() &&
+                       (::connect(socket.get(), address.get(), address.size) == 0 || errno == EINPROGRESS) &&
+                       isConnected(socket);
+  if (!reached) socket.reset();
+  return socket;
+}
+
+std::string randomPassword() {
+  std::array<unsigned char, 16> bytes{};
+  if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return {};
+  std::string text;
+  for (const unsigned char byte : bytes) {
+    text += "0123456789abcdef"[byte >> 4U];
+    text += "0123456789abcdef"[byte & 0xFU];
+  }
+  return text;
+}
+
+// TLS begins with a record of the type "handshake".
+bool beginsWithTls(const FileDescriptor& client) {
+  constexpr unsigned char handshake = 0x16;
+  unsigned char first = 0;
+  return ::recv(client.get(), &first, 1, MSG_PEEK) == 1 && first == handshake;
+}
+
+}  // namespace
+
+// What the connections need of their proxy, which may be gone before they are.
+struct FilterProxy::Shared {
+  struct Outcome {
+    SocksReply reply = SocksReply::Refused;
+    FileDescriptor server;
+  };
+
+  void serve(const FileDescriptor& client);
+  [[nodiscard]] Outcome connect(const Endpoint& target, Passage passage);
+  [[nodiscard]] Outcome connectDirectly(const Endpoint& target, Passage passage);
+  [[nodiscard]] std::vector<SocketAddress> addressesOf(const Endpoint& target, Passage passage);
+  [[nodiscard]] std::optional<Endpoint> currentOrigin();
+  void pin(const Endpoint& target, const SocketAddress& address);
+
+  UsersProxy usersProxy;
+  std::string password;
+  std::atomic<int> connections = 0;
+  std::mutex mutex;
+  std::optional<Endpoint> origin;
+  std::optional<SocketAddress> originsAddress;
+};
+
+void FilterProxy::Shared::serve(const FileDescriptor& client) {
+  const auto target = readSocksRequest(client, password);
+  if (!target) return;
+  const Passage passage = passageTo(*target, currentOrigin());
+  const Outcome outcome = passage == Passage::None ? Outcome{} : connect(*target, passage);
+  if (!sendSocksReply(client, outcome.reply) || !outcome.server.valid()) return;
+  if (passage == Passage::PublicTls && !beginsWithTls(client)) return;
+  relay(client, outcome.server);
+}
+
+FilterProxy::Shared::Outcome FilterProxy::Shared::connect(const Endpoint& target, Passage passage) {
+  auto server = usersProxy ? usersProxy(target) : std::nullopt;
+  if (!server) return connectDirectly(target, passage);
+  if (!server->valid()) return {.reply = SocksReply::Unreachable, .server = {}};
+  return {.reply = SocksReply::Connected, .server = std::move(*server)};
+}
+
+FilterProxy::Shared::Outcome FilterProxy::Shared::connectDirectly(const Endpoint& target, Passage passage) {
+  bool tried = false;
+  for (const SocketAddress& address : addressesOf(target, passage)) {
+    if (passage == Passage::PublicTls && !isPublic(*address.get())) continue;
+    tried = true;
+    FileDescriptor server = connectTo(address);
+    if (!server.valid()) continue;
+    if (passage == Passage::Free) pin(target, address);
+    return {.reply = SocksReply::Connected, .server = std::move(server)};
+  }
+  return {.reply = tried ? SocksReply::Unreachable : SocksReply::Refused, .server = {}};
+}
+
+std::vector<SocketAddress> FilterProxy::Shared::addressesOf(const Endpoint& target, Passage passage) {
+  {
+    const std::lock_guard lock(mutex);
+    if (passage == Passage::Free && originsAddress && target == origin) return {*originsAddress};
+  }
+  return resolve(target);
+}
+
+std::optional<Endpoint> FilterProxy::Shared::currentOrigin() {
+  const std::lock_guard lock(mutex);
+  return origin;
+}
+
+void FilterProxy::Shared::pin(const Endpoint& target, const SocketAddress& address) {
+  const std::lock_guard lock(mutex);
+  if (target == origin && !originsAddress) originsAddress = address;
+}
+
+FilterProxy::FilterProxy(UsersProxy usersProxy)
+    : shared_(std::make_shared<Shared>()),
+      listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, IPPROTO_TCP)),
+      stop_(::eventfd(0, EFD_CLOEXEC)) {
+  shared_->usersProxy = std::move(usersProxy);
+  shared_->password = randomPassword();
+  if (stop_.valid() && !shared_->password.empty()) listen();
+}
+
+void FilterProxy::listen() {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* generic = reinterpret_cast<sockaddr*>(&address);
+  const bool listens = ::bind(listener_.get(), generic, size) == 0 &&
+                       ::listen(listener_.get(), SOMAXCONN) == 0 &&
+                       ::getsockname(listener_.get(), generic, &size) == 0;
+  if (!listens) return;
+  address_ = "socks5://" + std::string(socksUser) + ":" + shared_->password +
+             "@127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+  thread_ = std::thread([this] { acceptUntilStopped(); });
+}
+
+void FilterProxy::acceptUntilStopped() {
+  for (;;) {
+    std::array<pollfd, 2> events{{{listener_.get(), POLLIN, 0}, {stop_.get(), POLLIN, 0}}};
+    if (::poll(events.data(), events.size(), -1) < 0 && errno != EINTR) return;
+    if (events[1].revents != 0) return;
+    if (events[0].revents == 0) continue;
+    FileDescriptor client(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!client.valid() || shared_->connections >= maxConnections) continue;
+    ++shared_->connections;
+    std::thread([shared = shared_, client = std::move(client)] {
+      shared->serve(client);
+      --shared->connections;
+    }).detach();
+  }
+}
+
+FilterProxy::~FilterProxy() {
+  if (!thread_.joinable()) return;
+  ::eventfd_write(stop_.get(), 1);
+  thread_.join();
+}
+
+void FilterProxy::setOrigin(std::optional<Endpoint> origin) {
+  const std::lock_guard lock(shared_->mutex);
+  if (origin == shared_->origin) return;
+  shared_->origin = std::move(origin);
+  shared_->originsAddress.reset();
+}
+
+}  // namespace helpers

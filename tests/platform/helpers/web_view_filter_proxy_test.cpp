@@ -1,0 +1,344 @@
+// The web view's proxy, with a client of SOCKS 5, real servers, and names from the sandbox's own hosts file.
+#include <arpa/inet.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/mount.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "platform/linux/helpers/web_view/filter_proxy.h"
+#include "tests/support/wait_until.h"
+
+namespace helpers {
+namespace {
+
+using platform::FileDescriptor;
+
+// Of the public Internet's, added to the loopback device of the test's own network.
+constexpr const char* kPublicAddress = "8.8.8.8";
+constexpr const char* kHosts = "/tmp/hosts";
+
+sockaddr_in addressOf(const std::string& address, int port) {
+  sockaddr_in result{};
+  result.sin_family = AF_INET;
+  result.sin_port = htons(static_cast<std::uint16_t>(port));
+  EXPECT_EQ(::inet_pton(AF_INET, address.c_str(), &result.sin_addr), 1);
+  return result;
+}
+
+FileDescriptor connectedTo(const std::string& address, int port) {
+  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const sockaddr_in target = addressOf(address, port);
+  if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) socket.reset();
+  return socket;
+}
+
+std::string readSome(const FileDescriptor& socket, std::size_t count) {
+  std::string bytes(count, '\0');
+  const ssize_t got = ::recv(socket.get(), bytes.data(), count, MSG_WAITALL);
+  bytes.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+  return bytes;
+}
+
+bool sendAll(const FileDescriptor& socket, const std::string& bytes) {
+  return ::send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
+}
+
+// Says its name to each client, hands back what comes, and counts clients.
+class EchoServer {
+ public:
+  EchoServer(const std::string& address, int port, std::string name) : name_(std::move(name)) {
+    const int yes = 1;
+    ::setsockopt(socket_.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    sockaddr_in own = addressOf(address, port);
+    socklen_t size = sizeof own;
+    listens_ = ::bind(socket_.get(), reinterpret_cast<const sockaddr*>(&own), size) == 0 &&
+               ::listen(socket_.get(), 10) == 0;
+    ::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&own), &size);
+    port_ = ntohs(own.sin_port);
+    if (listens_) thread_ = std::thread([this] { serve(); });
+  }
+  ~EchoServer() {
+    ::shutdown(socket_.get(), SHUT_RDWR);
+    if (thread_.joinable()) thread_.join();
+  }
+  EchoServer(const EchoServer&) = delete;
+  EchoServer& operator=(const EchoServer&) = delete;
+
+  [[nodiscard]] bool listens() const { return listens_; }
+  [[nodiscard]] std::uint16_t port() const { return port_; }
+  [[nodiscard]] int clients() const { return clients_; }
+
+ private:
+  void serve() {
+    for (;;) {
+      const FileDescriptor client(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+      if (!client.valid()) return;
+      ++clients_;
+      static_cast<void>(sendAll(client, name_));
+      for (std::string bytes = readSome(client, 1); !bytes.empty(); bytes = readSome(client, 1))
+        static_cast<void>(sendAll(client, bytes));
+    }
+  }
+
+  std::string name_;
+  FileDescriptor socket_{::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+  bool listens_ = false;
+  std::uint16_t port_ = 0;
+  std::atomic<int> clients_ = 0;
+  std::thread thread_;
+};
+
+std::string inBytes(std::uint16_t port) {
+  return {static_cast<char>(port >> 8U), static_cast<char>(port & 0xFFU)};
+}
+
+std::string counted(const std::string& text) {
+  return static_cast<char>(text.size()) + text;
+}
+
+class FilterProxyTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    ASSERT_EQ(std::system(("ip address add " + std::string(kPublicAddress) + "/32 dev lo").c_str()), 0);
+    std::ofstream(kHosts) << "";
+    ASSERT_EQ(::mount(kHosts, "/etc/hosts", nullptr, MS_BIND, nullptr), 0);
+  }
+  static void TearDownTestSuite() {
+    ::umount2("/etc/hosts", MNT_DETACH);
+    EXPECT_EQ(std::system(("ip address del " + std::string(kPublicAddress) + "/32 dev lo").c_str()), 0);
+  }
+  void SetUp() override { ASSERT_NE(proxy_->address(), ""); }
+  void TearDown() override { nameIs(""); }
+
+  // In the same file, which is mounted.
+  static void nameIs(const std::string& lines) { std::ofstream(kHosts, std::ios::trunc) << lines; }
+
+  [[nodiscard]] std::string password() const {
+    const std::string text = proxy_->address();
+    const std::size_t begin = text.find("view:") + 5;
+    return text.substr(begin, text.find('@') - begin);
+  }
+  [[nodiscard]] int port() const {
+    return std::stoi(proxy_->address().substr(proxy_->address().rfind(':') + 1));
+  }
+
+  // The client, its request written, and the reply of the proxy: 0 when connected, -1 when it hung up.
+  struct Client {
+    FileDescriptor socket;
+    int reply = -1;
+  };
+  [[nodiscard]] Client request(const std::string& target, const std::string& given) const {
+    Client client{connectedTo("127.0.0.1", port())};
+    const timeval patience{60, 0};
+    ::setsockopt(client.socket.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    if (!sendAll(client.socket, {"\x05\x02\x00\x02", 4}) || readSome(client.socket, 2) != "\x05\x02")
+      return client;
+    if (!sendAll(client.socket, "\x01" + counted("view") + counted(given))) return client;
+    if (readSome(client.socket, 2) != std::string("\x01\x00", 2) || !sendAll(client.socket, target))
+      return client;
+    const std::string reply = readSome(client.socket, 10);
+    if (reply.size() == 10) client.reply = reply[1];
+    return client;
+  }
+  [[nodiscard]] Client toName(const std::string& name, std::uint16_t port) const {
+    return request(std::string("\x05\x01\x00\x03", 4) + counted(name) + inBytes(port), password());
+  }
+  [[nodiscard]] Client toAddress(const std::string& address, std::uint16_t port) const {
+    const sockaddr_in target = addressOf(address, port);
+    return request(std::string("\x05\x01\x00\x01", 4) +
+                       std::string(reinterpret_cast<const char*>(&target.sin_addr), 4) + inBytes(port),
+                   password());
+  }
+
+  static constexpr int kConnected = 0;
+  static constexpr int kRefused = 2;
+  static constexpr int kUnreachable = 4;
+  static constexpr int kHungUp = -1;
+  std::unique_ptr<FilterProxy> proxy_ = std::make_unique<FilterProxy>();
+};
+
+TEST_F(FilterProxyTest, OriginOnLoopbackIsConnected) {
+  const EchoServer server("127.0.0.1", 0, "origin");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  const Client client = toAddress("127.0.0.1", server.port());
+  ASSERT_EQ(client.reply, kConnected);
+  EXPECT_EQ(readSome(client.socket, 6), "origin");
+  ASSERT_TRUE(sendAll(client.socket, "echo"));
+  EXPECT_EQ(readSome(client.socket, 4), "echo");
+}
+
+TEST_F(FilterProxyTest, OtherPortOfOriginsHostIsRefused) {
+  const EchoServer server("127.0.0.1", 0, "other");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", static_cast<std::uint16_t>(server.port() + 1)});
+  EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kRefused);
+  EXPECT_EQ(server.clients(), 0);
+}
+
+TEST_F(FilterProxyTest, FormerOriginIsRefused) {
+  const EchoServer server("127.0.0.1", 0, "origin");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kConnected);
+  proxy_->setOrigin(std::nullopt);
+  EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kRefused);
+}
+
+TEST_F(FilterProxyTest, NameThatLeadsToLoopbackIsRefused) {
+  const EchoServer server("127.0.0.1", 443, "local");
+  ASSERT_TRUE(server.listens());
+  nameIs("127.0.0.1 rebound.example\n::1 rebound6.example\n::ffff:127.0.0.1 mapped.example\n");
+  EXPECT_EQ(toName("rebound.example", 443).reply, kRefused);
+  EXPECT_EQ(toName("rebound6.example", 443).reply, kRefused);
+  EXPECT_EQ(toName("mapped.example", 443).reply, kRefused);
+  EXPECT_EQ(toName("127.1", 443).reply, kRefused);
+  EXPECT_EQ(server.clients(), 0);
+}
+
+TEST_F(FilterProxyTest, PublicAddressIsConnectedForTls) {
+  const EchoServer server(kPublicAddress, 443, "public");
+  ASSERT_TRUE(server.listens());
+  nameIs(std::string(kPublicAddress) + " analytics.example\n");
+  const Client client = toName("Analytics.Example", 443);
+  ASSERT_EQ(client.reply, kConnected);
+  ASSERT_TRUE(sendAll(client.socket, "\x16\x03\x01"));
+  EXPECT_EQ(readSome(client.socket, 9), "public\x16\x03\x01");
+}
+
+TEST_F(FilterProxyTest, NameOfPublicAndLocalAddressLeadsToPublicOne) {
+  const EchoServer local("127.0.0.1", 443, "local");
+  const EchoServer server(kPublicAddress, 443, "public");
+  nameIs("127.0.0.1 both.example\n" + std::string(kPublicAddress) + " both.example\n");
+  const Client client = toName("both.example", 443);
+  ASSERT_EQ(client.reply, kConnected);
+  ASSERT_TRUE(sendAll(client.socket, "\x16"));
+  EXPECT_EQ(readSome(client.socket, 6), "public");
+  EXPECT_EQ(local.clients(), 0);
+}
+
+TEST_F(FilterProxyTest, PlainTextToPublicAddressIsCutOff) {
+  const EchoServer server(kPublicAddress, 443, "public");
+  const Client client = toAddress(kPublicAddress, 443);
+  ASSERT_EQ(client.reply, kConnected);
+  ASSERT_TRUE(sendAll(client.socket, "GET / HTTP/1.1\r\n\r\n"));
+  EXPECT_EQ(readSome(client.socket, 1), "");
+}
+
+TEST_F(FilterProxyTest, OtherPortOfPublicAddressIsRefused) {
+  const EchoServer server(kPublicAddress, 80, "public");
+  ASSERT_TRUE(server.listens());
+  EXPECT_EQ(toAddress(kPublicAddress, 80).reply, kRefused);
+  EXPECT_EQ(server.clients(), 0);
+}
+
+TEST_F(FilterProxyTest, UnusedPortIsUnreachable) {
+  EXPECT_EQ(toAddress(kPublicAddress, 443).reply, kUnreachable);
+}
+
+TEST_F(FilterProxyTest, UnknownNameIsNotConnected) {
+  EXPECT_EQ(toName("unknown.example", 443).reply, kRefused);
+}
+
+// DNS rebinding of the page's own name.
+TEST_F(FilterProxyTest, OriginStaysAtTheAddressOfItsFirstConnection) {
+  const EchoServer server(kPublicAddress, 8090, "public");
+  const EchoServer local("127.0.0.1", 8090, "local");
+  ASSERT_TRUE(server.listens() && local.listens());
+  proxy_->setOrigin(Endpoint{"page.example", 8090});
+  nameIs(std::string(kPublicAddress) + " page.example\n");
+  ASSERT_EQ(readSome(toName("page.example", 8090).socket, 6), "public");
+  nameIs("127.0.0.1 page.example\n");
+  proxy_->setOrigin(Endpoint{"page.example", 8090});
+  EXPECT_EQ(readSome(toName("page.example", 8090).socket, 6), "public");
+  EXPECT_EQ(local.clients(), 0);
+}
+
+TEST_F(FilterProxyTest, NewOriginIsResolvedAnew) {
+  const EchoServer server(kPublicAddress, 8090, "first");
+  const EchoServer local("127.0.0.1", 8090, "other");
+  nameIs(std::string(kPublicAddress) + " first.example\n127.0.0.1 second.example\n");
+  proxy_->setOrigin(Endpoint{"first.example", 8090});
+  ASSERT_EQ(readSome(toName("first.example", 8090).socket, 5), "first");
+  proxy_->setOrigin(Endpoint{"second.example", 8090});
+  EXPECT_EQ(readSome(toName("second.example", 8090).socket, 5), "other");
+}
+
+TEST_F(FilterProxyTest, WrongPasswordIsHungUpOn) {
+  const EchoServer server("127.0.0.1", 0, "origin");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  const std::string target =
+      std::string("\x05\x01\x00\x03", 4) + counted("127.0.0.1") + inBytes(server.port());
+  EXPECT_EQ(request(target, "").reply, kHungUp);
+  EXPECT_EQ(request(target, password() + "x").reply, kHungUp);
+  EXPECT_EQ(request(target, password()).reply, kConnected);
+  EXPECT_THAT(FilterProxy().address(), testing::Not(testing::HasSubstr(password())));
+}
+
+TEST_F(FilterProxyTest, ClientWithoutPasswordIsHungUpOn) {
+  const FileDescriptor client = connectedTo("127.0.0.1", port());
+  ASSERT_TRUE(sendAll(client, {"\x05\x01\x00", 3}));
+  EXPECT_EQ(readSome(client, 3), "\x05\xff");
+}
+
+TEST_F(FilterProxyTest, RequestForAnythingButConnectionIsHungUpOn) {
+  const std::string listen = std::string("\x05\x02\x00\x01\x7f\x00\x00\x01", 8) + inBytes(80);
+  EXPECT_EQ(request(listen, password()).reply, kHungUp);
+  const std::string nul = std::string("\x05\x01\x00\x03", 4) + counted(std::string("a\0b", 3)) + inBytes(443);
+  EXPECT_EQ(request(nul, password()).reply, kHungUp);
+}
+
+TEST_F(FilterProxyTest, BytesBeyondEachBufferArriveBothWays) {
+  const EchoServer server("127.0.0.1", 0, "");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  const Client client = toAddress("127.0.0.1", server.port());
+  ASSERT_EQ(client.reply, kConnected);
+  const std::string bytes(300000, 'x');
+  std::thread writer([&] { EXPECT_TRUE(sendAll(client.socket, bytes)); });
+  EXPECT_EQ(readSome(client.socket, bytes.size()), bytes);
+  writer.join();
+}
+
+TEST_F(FilterProxyTest, ConnectionsBeyondTheBoundWaitForNobody) {
+  const EchoServer server("127.0.0.1", 0, "origin");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  std::vector<FileDescriptor> silent;
+  for (int i = 0; i < 64; ++i) silent.push_back(connectedTo("127.0.0.1", port()));
+  const FileDescriptor extra = connectedTo("127.0.0.1", port());
+  EXPECT_EQ(readSome(extra, 1), "");
+  silent.clear();
+  EXPECT_TRUE(
+      test_support::waitUntil([&] { return toAddress("127.0.0.1", server.port()).reply == kConnected; }));
+}
+
+TEST_F(FilterProxyTest, UsersProxyIsAskedForWhatPasses) {
+  const EchoServer server("127.0.0.1", 0, "through");
+  std::atomic<int> asked = 0;
+  proxy_ = std::make_unique<FilterProxy>([&](const Endpoint& target) -> std::optional<FileDescriptor> {
+    ++asked;
+    if (target.host == "direct.example") return std::nullopt;
+    if (target.host == "failing.example") return FileDescriptor();
+    return connectedTo("127.0.0.1", server.port());
+  });
+  EXPECT_EQ(toName("localhost", 443).reply, kRefused);
+  EXPECT_EQ(toName("www.example", 80).reply, kRefused);
+  EXPECT_EQ(asked, 0);
+  const Client client = toName("www.example", 443);
+  ASSERT_EQ(client.reply, kConnected);
+  ASSERT_TRUE(sendAll(client.socket, "\x16"));
+  EXPECT_EQ(readSome(client.socket, 8), "through\x16");
+  EXPECT_EQ(toName("failing.example", 443).reply, kUnreachable);
+  nameIs("127.0.0.1 direct.example\n");
+  EXPECT_EQ(toName("direct.example", 443).reply, kRefused);
+}
+
+}  // namespace
+}  // namespace helpers
