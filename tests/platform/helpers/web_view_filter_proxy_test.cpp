@@ -307,6 +307,17 @@ TEST_F(FilterProxyTest, BytesBeyondEachBufferArriveBothWays) {
   writer.join();
 }
 
+// More than the buffers of both sockets hold, so that the proxy writes in parts.
+TEST_F(FilterProxyTest, ReplyThatClientReadsLateArrivesWhole) {
+  std::string reply;
+  while (reply.size() < std::size_t{16} * 1024 * 1024) reply += std::to_string(reply.size()) + ' ';
+  const EchoServer server("127.0.0.1", 0, reply);
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  const Client client = toAddress("127.0.0.1", server.port());
+  ASSERT_EQ(client.reply, kConnected);
+  EXPECT_TRUE(readSome(client.socket, reply.size()) == reply);
+}
+
 TEST_F(FilterProxyTest, ConnectionsBeyondTheBoundWaitForNobody) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
