@@ -98,6 +98,10 @@ int system(const std::string& command) {
   return 0;
 }
 
+std::optional<int> system(const std::string& command, std::chrono::milliseconds /*limit*/) {
+  return system(command);
+}
+
 std::optional<std::string> sendSynchronousRequest(const UrlRequest& request) {
   take(outside_parts::described(request));
   const auto& replies = outside_parts::state().replies;

@@ -339,8 +339,8 @@ std::string FaultTest::leftBehind() {
   const long most = plainLife()->descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
   if (!waitUntil([&] { return open() <= most; }, 3s))
     return std::to_string(open()) + " descriptors for " + std::to_string(most);
-  // The agent and its web view.
-  if (!waitUntil([&] { return processes() <= processesBefore_ + 2; }, 3s)) return "leaves children behind";
+  // The agent and its web view. A command that still runs on a busy machine is none of what stays.
+  if (!waitUntil([&] { return processes() <= processesBefore_ + 2; })) return "leaves children behind";
   return {};
 }
 

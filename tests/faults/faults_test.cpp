@@ -130,8 +130,8 @@ constexpr Kind allKinds[] = {{"open", EMFILE},
 // The calls of the parts of a life.
 // clang-format off
 constexpr std::string_view callsOfLogCollection[] = {
-    "open", "openat", "read", "write", "write in part", "close", "lseek", "stat",
-    "lstat", "fstat", "readlink", "fdopendir", "readdir", "mkdir", "unlinkat", "remove",
+    "open", "openat", "read", "write", "write in part", "close", "lseek", "lstat",
+    "fstat", "readlink", "fdopendir", "readdir", "mkdir", "unlinkat", "remove",
     "flock", "select", "send", "ioctl", "posix_spawn", "waitpid", "small malloc"};
 constexpr std::string_view callsOfUpdate[] = {
     "open", "close", "lstat", "mkdir", "rmdir", "flock", "write", "select",

@@ -32,11 +32,12 @@ class UploadPass : public Records {
     delegate_.dataUploadURL = 1;
   }
 
-  // The names of the files that are left, beside the identifier.
+  // The names of the files that are left, beside the identifier and the lock.
   [[nodiscard]] static std::vector<std::string> left() {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(kFolder)) {
-      if (entry.path().extension() != ".txt") names.push_back(entry.path().filename());
+      const fs::path kind = entry.path().extension();
+      if (kind != ".txt" && kind != ".lock") names.push_back(entry.path().filename());
     }
     return names;
   }
