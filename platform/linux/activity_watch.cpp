@@ -5,7 +5,7 @@
 #include <chrono>
 #include <utility>
 
-#include <QGuiApplication>
+#include <QApplication>
 
 #include "platform/linux/keyboard_holder.h"
 
@@ -33,7 +33,9 @@ ActivityWatch::~ActivityWatch() {
 void ActivityWatch::stateChanged(Qt::ApplicationState state) {
   if (state != Qt::ApplicationActive) return settle_.start();
   settle_.stop();
-  tell(true);
+  // The menu of the panel's icon takes the keyboard although the user has not turned to a window, and Qt
+  // closes it when a window is shown.
+  if (QApplication::activePopupWidget() == nullptr) tell(true);
 }
 
 void ActivityWatch::look() {

@@ -171,10 +171,8 @@ bool XmlListBuilder::add(std::optional<T> value) {
 // Of entries with the same key the last counts. Most lists are sorted by key, hence the hint.
 template <typename T>
 void XmlListBuilder::addEntry(Open& dictionary, T value) {
-  const std::size_t before = dictionary.entries.size();
-  const auto entry =
-      dictionary.entries.try_emplace(dictionary.entries.end(), std::move(*dictionary.key), std::move(value));
-  if (dictionary.entries.size() == before) entry->second = PropertyList(std::move(value));
+  const auto entry = dictionary.entries.try_emplace(dictionary.entries.end(), std::move(*dictionary.key));
+  entry->second = PropertyList(std::move(value));
   dictionary.key.reset();
 }
 

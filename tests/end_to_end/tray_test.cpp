@@ -28,6 +28,8 @@ bool isIcon(const XWindow& window) {
 }
 
 constexpr int halfALine = 12;
+// The middle of "Support Tovalin", above a separator and "Quit Tovalin".
+constexpr int supportAboveEnd = 38;
 
 // The agent in a real tray of the X screen.
 class XTray : public AgentTest {
@@ -164,6 +166,29 @@ TEST_F(XTray, TheFirstLineSwitches) {
   ASSERT_TRUE(menu);
   clickMenu(*menu, halfALine);
   EXPECT_TRUE(waitForText("pipe: -u"));
+}
+
+// Qt calls the program active while its menu is open; a hidden window that came back then would close it.
+TEST_F(XTray, MenuStaysOpenAndBringsBackTheHiddenSupportWindow) {
+  const auto isSupportWindow = test_support::windowNamed("Support Tovalin");
+  const auto chooseSupport = [this] {
+    clickIcon("1");
+    const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+    ASSERT_TRUE(menu);
+    clickMenu(*menu, menu->height - supportAboveEnd);
+  };
+  startTray();
+  launchAgent();
+  ASSERT_NO_FATAL_FAILURE(chooseSupport());
+  ASSERT_TRUE(test_support::waitForWindow(display_.name(), isSupportWindow));
+  ChildProcess program;
+  ASSERT_TRUE(program.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
+  const auto other = test_support::waitForWindow(display_.name(), test_support::windowNamed("High"));
+  ASSERT_TRUE(other);
+  runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
+  ASSERT_TRUE(test_support::waitForNoWindow(display_.name(), isSupportWindow));
+  ASSERT_NO_FATAL_FAILURE(chooseSupport());
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isSupportWindow));
 }
 
 // A line below it would be where the click goes.
