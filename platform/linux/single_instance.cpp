@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <fstream>
@@ -45,6 +46,9 @@ std::string nameOwner(const QDBusConnection& bus) {
   std::ifstream file("/proc/" + id + "/comm");
   std::string name;
   std::getline(file, name);
+  // The owner chooses its name, and terminals obey control characters.
+  std::ranges::replace_if(
+      name, [](char c) { return c < ' ' || c > '~'; }, '?');
   return id + " (" + name + ")";
 }
 
