@@ -29,6 +29,8 @@ void InputMark::set() {
 }
 
 bool InputMark::isAfter(const QInputEvent& input) const {
+  // Sent events, of input methods for one, bear no time (CurrentTime).
+  if (input.timestamp() == 0) return false;
   if (isAwaited_) return true;
   if (!time_) return false;
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(input.timestamp()) - *time_) <= 0;

@@ -28,7 +28,7 @@ bool isDirect(const std::string& address) {
   };
   const std::unique_ptr<char*, FreeTexts> proxies(
       g_proxy_resolver_lookup(g_proxy_resolver_get_default(), address.c_str(), nullptr, nullptr));
-  return !proxies || *proxies == nullptr || std::string_view(*proxies.get()) == "direct://";
+  return !proxies || *proxies == nullptr || std::string_view(*proxies) == "direct://";
 }
 
 }  // namespace
