@@ -33,12 +33,14 @@ ActivityWatch::~ActivityWatch() {
 void ActivityWatch::stateChanged(Qt::ApplicationState state) {
   if (state != Qt::ApplicationActive) return settle_.start();
   settle_.stop();
-  // The menu of the panel's icon takes the keyboard although the user has not turned to a window, and Qt
-  // closes it when a window is shown.
-  if (QApplication::activePopupWidget() == nullptr) tell(true);
+  look();
 }
 
+// The menu of the panel's icon takes the keyboard although the user has not turned to a window, and Qt closes
+// it when a window is shown: nothing is told while it is open.
 void ActivityWatch::look() {
+  if (QApplication::activePopupWidget() != nullptr) return settle_.start();
+  if (QGuiApplication::applicationState() == Qt::ApplicationActive) return tell(true);
   holderProperty_ = keyboardHolderProperty();
   const KeyboardHolder holder = keyboardHolder();
   if (holder == KeyboardHolder::OtherProgram || holder == KeyboardHolder::Unknown) tell(false);

@@ -185,10 +185,15 @@ TEST_F(XTray, MenuStaysOpenAndBringsBackTheHiddenSupportWindow) {
   ASSERT_TRUE(program.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
   const auto other = test_support::waitForWindow(display_.name(), test_support::windowNamed("High"));
   ASSERT_TRUE(other);
-  runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
-  ASSERT_TRUE(test_support::waitForNoWindow(display_.name(), isSupportWindow));
-  ASSERT_NO_FATAL_FAILURE(chooseSupport());
-  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isSupportWindow));
+  for (int times = 0; times < 2; ++times) {
+    runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
+    ASSERT_TRUE(test_support::waitForNoWindow(display_.name(), isSupportWindow));
+    ASSERT_NO_FATAL_FAILURE(chooseSupport());
+    const auto back = test_support::waitForWindow(display_.name(), isSupportWindow);
+    ASSERT_TRUE(back);
+    ASSERT_TRUE(
+        test_support::waitUntil([&] { return test_support::activeWindowOn(display_.name()) == back->id; }));
+  }
 }
 
 // A line below it would be where the click goes.
