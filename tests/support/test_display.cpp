@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "tests/support/wait_until.h"
 #include "tests/support/window_manager.h"
 #include "tests/support/x_connection.h"
 
@@ -10,9 +11,7 @@ namespace {
 
 std::vector<std::string> serverCommand(const DisplayOptions& options) {
   const std::string screen = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
-  // Without -noreset the server would forget everything whenever its last program leaves.
-  std::vector<std::string> command{"Xvfb",     "-displayfd", "1", "-nolisten", "tcp",
-                                   "-noreset", "-screen",    "0", screen};
+  std::vector<std::string> command{"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", screen};
   if (options.dpi) command.insert(command.end(), {"-dpi", std::to_string(*options.dpi)});
   return command;
 }
@@ -35,14 +34,72 @@ std::string geometryText(const Monitor& monitor) {
          std::to_string(monitor.y);
 }
 
+// A property of the root window that lasts until the server resets; no program here uses it otherwise.
+constexpr xcb_atom_t inUse = XCB_ATOM_CUT_BUFFER7;
+constexpr const char* inUseName = "CUT_BUFFER7";
+// A test may leave a program behind; a new server is cheaper than to wait for its end.
+constexpr std::chrono::seconds resetLimit{2};
+
+// The server that the last display left behind.
+struct IdleServer {
+  std::vector<std::string> command;
+  std::string name;
+  ChildProcess process;
+};
+IdleServer& idleServer() {
+  static IdleServer server;
+  return server;
+}
+
+// Returns the first client of the server's new generation, or nullptr if the clients of the last one stay.
+std::unique_ptr<XConnection> clientAfterReset(const std::string& display) {
+  std::unique_ptr<XConnection> client;
+  const bool isReset = waitUntil(
+      [&] {
+        client = nullptr;
+        client = std::make_unique<XConnection>(display);
+        return !client->valid() || !client->numberProperty(client->root(), inUseName);
+      },
+      resetLimit);
+  return isReset && client->valid() ? std::move(client) : nullptr;
+}
+
+void markInUse(const XConnection& client) {
+  const std::uint32_t value = 1;
+  xcb_change_property(client.get(), XCB_PROP_MODE_REPLACE, client.root(), inUse, XCB_ATOM_CARDINAL, 32, 1,
+                      &value);
+  client.synchronize();
+}
+
 }  // namespace
+
+TestDisplay::~TestDisplay() {
+  windowManager_ = ChildProcess();
+  client_ = nullptr;
+  if (server_.running()) idleServer() = {std::move(command_), std::move(name_), std::move(server_)};
+}
+
+bool TestDisplay::startServer(const DisplayOptions& options) {
+  command_ = serverCommand(options);
+  IdleServer idle = std::exchange(idleServer(), {});
+  if (idle.command == command_ && idle.process.running()) client_ = clientAfterReset(idle.name);
+  if (client_) {
+    server_ = std::move(idle.process);
+    name_ = std::move(idle.name);
+  } else {
+    if (!server_.start(command_, {.error = Redirection::null()})) return false;
+    const std::optional<std::string> number = server_.readLine();
+    if (!number || number->empty()) return false;
+    name_ = ":" + *number;
+    client_ = std::make_unique<XConnection>(name_);
+  }
+  markInUse(*client_);
+  return client_->valid();
+}
 
 bool TestDisplay::start(const DisplayOptions& options) {
   stop();
-  if (!server_.start(serverCommand(options), {.error = Redirection::null()})) return false;
-  const std::optional<std::string> number = server_.readLine();
-  if (!number || number->empty()) return false;
-  name_ = ":" + *number;
+  if (!startServer(options)) return false;
   if (options.dpi) setFontResolution(name_, *options.dpi);
   return divide(options.monitors) && (!options.windowManager || startWindowManager());
 }
@@ -67,6 +124,7 @@ bool TestDisplay::startWindowManager() {
 }
 
 void TestDisplay::stop() {
+  client_ = nullptr;
   server_ = ChildProcess();
   windowManager_ = ChildProcess();
 }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "tests/support/child_process.h"
+#include "tests/support/x_connection.h"
 
 namespace test_support {
 
@@ -26,9 +28,18 @@ struct DisplayOptions {
 
 // A virtual X display of the test's own, with a window manager on it, both gone with this object. Programs
 // reach it through DISPLAY=name().
+//
+// The server process is kept for the next display of the same kind: an X server resets itself when its last
+// client leaves, which is much cheaper than a new one.
 class TestDisplay {
  public:
-  // Returns when programs can open windows; false when the server or the window manager did not come up.
+  TestDisplay() = default;
+  TestDisplay(const TestDisplay&) = delete;
+  TestDisplay& operator=(const TestDisplay&) = delete;
+  ~TestDisplay();
+
+  // Ends what was started before. Returns when programs can open windows; false when the server or the window
+  // manager did not come up.
   [[nodiscard]] bool start(const DisplayOptions& options = {});
 
   [[nodiscard]] const std::string& name() const { return name_; }  // ":N"
@@ -42,11 +53,15 @@ class TestDisplay {
   [[nodiscard]] bool screenshot(const std::string& path) const;
 
  private:
+  [[nodiscard]] bool startServer(const DisplayOptions& options);
   [[nodiscard]] bool divide(const std::vector<Monitor>& monitors) const;
   [[nodiscard]] bool startWindowManager();
 
   std::string name_;
+  std::vector<std::string> command_;
   ChildProcess server_;
+  std::unique_ptr<XConnection>
+      client_;  // the one that keeps the server from resetting while programs come and go
   ChildProcess windowManager_;
 };
 

@@ -84,6 +84,22 @@ TEST(TestDisplay, StopBreaksTheConnectionOfItsPrograms) {
   EXPECT_FALSE(display.screenshot("/tmp/no_shot.png"));
 }
 
+TEST(TestDisplay, NextOneOnTheSameServerHasNothingOfTheLast) {
+  std::string name;
+  {
+    TestDisplay first;
+    ASSERT_TRUE(first.start({.monitors = {{640, 800, 0, 0}, {640, 600, 640, 0}}}));
+    name = first.name();
+  }
+  TestDisplay next;
+  ASSERT_TRUE(next.start({.windowManager = false}));
+  EXPECT_EQ(next.name(), name);
+  const XConnection connection(next.name());
+  EXPECT_FALSE(connection.numberProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
+  EXPECT_THAT(outputOf({"xrandr", "--display", next.name(), "--listmonitors"}),
+              testing::StartsWith("Monitors: 1\n"));
+}
+
 TEST(TestDisplay, CanBeStartedAgainAfterItsLoss) {
   TestDisplay display;
   ASSERT_TRUE(display.start());
