@@ -17,12 +17,12 @@ struct Kind {
   int error;
 };
 
-// In how many places of a life each of these fails: a few, or all.
+// In which places of a life each of these fails: one as a sample, or all.
 struct Extent {
-  std::uint64_t sample;
+  enum class Place { Middle, Last } sample;
   std::uint64_t ofMany;  // of calls that come by the hundred, or as long as somebody waits
 };
-constexpr Extent kOfWholeLife{2, 60}, kOfPartOfLife{1, 20};
+constexpr Extent kOfWholeLife{Extent::Place::Middle, 60}, kOfPartOfLife{Extent::Place::Last, 20};
 constexpr std::uint64_t kAll = 100'000;
 
 bool isSample() {
@@ -30,15 +30,17 @@ bool isSample() {
 }
 
 std::uint64_t limitFor(const std::string& call, const Extent& extent) {
-  if (isSample()) return extent.sample;
   const bool comesWithoutEnd = call == "small malloc" || call == "curl_multi_poll" ||
                                call == "curl_multi_perform" || call == "ioctl" || call == "select";
   return comesWithoutEnd ? extent.ofMany : kAll;
 }
 
-// The last of `count`, the first where there is more than one, and others between them at equal distances.
+std::uint64_t samplePlace(std::uint64_t count, const Extent& extent) {
+  return extent.sample == Extent::Place::Last ? count : (count + 1) / 2;
+}
+
+// The first, the last and others between them at equal distances.
 std::set<std::uint64_t> placesAmong(std::uint64_t count, std::uint64_t limit) {
-  if (limit == 1) return {count};
   std::set<std::uint64_t> places;
   for (std::uint64_t i = 0; i < std::min(count, limit); ++i)
     places.insert(count <= limit ? i + 1 : 1 + i * (count - 1) / (limit - 1));
@@ -183,14 +185,18 @@ class FaultsIn : public Life, public testing::WithParamInterface<Kind> {
     const std::uint64_t count = this->callsOf(call);
     ASSERT_GT(count, 0u) << "the agent makes no such call";
     int reached = 0;
-    for (const std::uint64_t which : placesAmong(count, limitFor(call, extent)))
-      reached += letFail({call, error, which});
+    for (const std::uint64_t which : placesOf(call, count)) reached += letFail({call, error, which});
     // The last calls may not come again, as of waits that were shorter this time; the first does.
     if (reached == 0) reached += letFail({call, error, 1});
     EXPECT_GT(reached, 0) << "no call was made to fail";
   }
 
  private:
+  static std::set<std::uint64_t> placesOf(const std::string& call, std::uint64_t count) {
+    if (isSample()) return {samplePlace(count, extent)};
+    return placesAmong(count, limitFor(call, extent));
+  }
+
   // Whether the call was made.
   bool letFail(const Fault& fault) {
     const Outcome outcome = this->live(fault);
