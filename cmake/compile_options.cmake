@@ -5,6 +5,10 @@ string(REPLACE "-g" "-g1" CMAKE_CXX_FLAGS_RELWITHDEBINFO "${CMAKE_CXX_FLAGS_RELW
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
                     -Woverloaded-virtual -Werror -fvisibility=hidden)
 add_compile_definitions(_GNU_SOURCE)
+if(CMAKE_UNITY_BUILD)
+  # gcc gives it for a type that a source file of a merged one keeps to itself.
+  add_compile_options(-Wno-subobject-linkage)
+endif()
 # Includes are written from the root of the tree, so that every arrow between folders can be read off them.
 include_directories("${PROJECT_SOURCE_DIR}")
 

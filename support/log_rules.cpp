@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t commandBufferSize = 512;
+constexpr std::size_t collectCommandBufferSize = 512;
 
 // Stands for the name of the collection.
 constexpr std::string_view placeholder = "%s";
@@ -61,6 +61,6 @@ std::optional<std::array<CollectionCommand, 6>> collectionCommands(std::string_v
     return CollectionCommand{filledIn(command.text, name), command.limit};
   });
   const bool fit = std::ranges::all_of(
-      commands, [](const auto& command) { return command.text.size() < commandBufferSize; });
+      commands, [](const auto& command) { return command.text.size() < collectCommandBufferSize; });
   return fit ? std::optional(commands) : std::nullopt;
 }

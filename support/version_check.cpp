@@ -28,7 +28,7 @@ void nimbatrayAppDelegate::updateBtnClick() {
   if (claimUpdaterFolder()) {
     platform::system(*command);
     dropEmptyUpdaterFolder();
-    platform::system(std::string("open ") + updaterFolder);
+    platform::system(std::string("open ").append(updaterFolder));
   }
   platform::Application::sharedApplication().stopModal();
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t commandBufferSize = 512;
+constexpr std::size_t updateCommandBufferSize = 512;
 
 std::array<std::int64_t, 3> components(const std::optional<std::string>& version) {
   std::array<std::int64_t, 3> numbers{};
@@ -32,6 +32,6 @@ std::optional<std::string> versionInList(std::string_view body) {
 
 std::optional<std::string> copyUpdaterCommand(std::string_view bundlePath) {
   std::string command = "cp -Rf " + std::string(bundlePath) + "/Contents/Resources/tovalinupdate.app /tmp/";
-  if (command.size() >= commandBufferSize) return std::nullopt;
+  if (command.size() >= updateCommandBufferSize) return std::nullopt;
   return command;
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char productServer = '1';
+constexpr char productServerOption = '1';
 constexpr char testUploadServer = '0';
 constexpr std::size_t longestOption = 1;
 
@@ -19,7 +19,7 @@ int unknownOption(std::string_view failure) {
 }
 
 int storedOption(const platform::FileDescriptor& file, std::size_t size) {
-  char option = productServer;
+  char option = productServerOption;
   if (!readWhole(file, std::span<char>(&option, size))) platform::errorLog("file read failed");
   return option == testUploadServer ? 0 : 1;
 }
@@ -41,6 +41,6 @@ int GetTovalinServerOption() {
     // One that is there and can't be opened for now may be right.
     return unknownOption("create file failed");
   }
-  static_cast<void>(writeNewFile(*path, std::string_view(&productServer, 1)));
+  static_cast<void>(writeNewFile(*path, std::string_view(&productServerOption, 1)));
   return 1;
 }

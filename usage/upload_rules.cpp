@@ -5,7 +5,7 @@
 namespace {
 
 constexpr std::string_view boundary = "---------------------------14737809831466499882746641449";
-constexpr std::string_view path = "/product/nimba/userlog/postdata.php";
+constexpr std::string_view uploadPath = "/product/nimba/userlog/postdata.php";
 
 std::string delimiter() {
   return "\r\n--" + std::string(boundary);
@@ -24,7 +24,7 @@ UploadTick uploadTick(const std::tm& stored, const std::tm& now, bool uploadIsWa
 std::string uploadAddress(std::string_view origin) {
   const auto scheme = origin.find("://");
   const auto host = scheme == std::string_view::npos ? origin : origin.substr(scheme + 3);
-  return "http://" + std::string(host) + std::string(path);
+  return "http://" + std::string(host) + std::string(uploadPath);
 }
 
 std::string uploadContentType() {

@@ -9,11 +9,11 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
+constexpr std::string_view scalarBlanks = " \t\r\n";
 
 std::string_view trimmed(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-  return text.substr(0, text.find_last_not_of(blanks) + 1);
+  text.remove_prefix(std::min(text.find_first_not_of(scalarBlanks), text.size()));
+  return text.substr(0, text.find_last_not_of(scalarBlanks) + 1);
 }
 
 bool accept(std::string_view& text, char c) {
@@ -137,7 +137,7 @@ std::optional<PropertyList::Date> parseListDate(std::string_view text) {
 
 bool Base64Decoder::add(std::string_view piece) {
   return std::ranges::all_of(
-      piece, [this](char c) { return blanks.find(c) != std::string_view::npos || addDigit(c); });
+      piece, [this](char c) { return scalarBlanks.find(c) != std::string_view::npos || addDigit(c); });
 }
 
 bool Base64Decoder::addDigit(char c) {

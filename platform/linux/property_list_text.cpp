@@ -13,14 +13,14 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
+constexpr std::string_view formatBlanks = " \t\r\n";
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 
 // The value of `encoding` in an XML declaration at the start; empty when there is none.
 std::string declaredEncoding(std::string_view text) {
   constexpr std::string_view opening = "<?xml", attribute = "encoding";
   constexpr std::size_t longestDeclaration = 1024;
-  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  text.remove_prefix(std::min(text.find_first_not_of(formatBlanks), text.size()));
   if (!text.starts_with(opening)) return {};
   text = text.substr(0, longestDeclaration);
   text = text.substr(0, text.find("?>"));

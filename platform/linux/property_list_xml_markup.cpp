@@ -6,7 +6,7 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
+constexpr std::string_view xmlBlanks = " \t\r\n";
 constexpr std::string_view commentStart = "<!--", commentEnd = "-->", emptyComment = "<!---->";
 constexpr std::string_view instructionStart = "<?", instructionEnd = "?>";
 constexpr std::string_view characterDataStart = "<![CDATA[", characterDataEnd = "]]>";
@@ -15,7 +15,7 @@ constexpr std::string_view documentTypeStart = "<!DOCTYPE";
 
 bool XmlMarkup::skipProlog() {
   for (bool documentTypeSeen = false;;) {
-    rest_.remove_prefix(std::min(rest_.find_first_not_of(blanks), rest_.size()));
+    rest_.remove_prefix(std::min(rest_.find_first_not_of(xmlBlanks), rest_.size()));
     if (atHidden()) {
       if (!skipHidden()) return false;
     } else if (rest_.starts_with(documentTypeStart)) {

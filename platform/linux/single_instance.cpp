@@ -27,15 +27,15 @@ using namespace std::chrono_literals;
 // The names that the Desktop Entry Specification gives a program's single instance on the bus.
 constexpr QLatin1StringView busName("com.kesmoor.tovalintrayagent");
 constexpr QLatin1StringView objectPath("/com/kesmoor/tovalintrayagent");
-constexpr QLatin1StringView interface("org.freedesktop.Application");
+constexpr QLatin1StringView applicationInterface("org.freedesktop.Application");
 constexpr QLatin1StringView activate("Activate");
-constexpr int answerLimitMs = 5000;
+constexpr int activationLimitMs = 5000;
 
 bool activateNameOwner(const QDBusConnection& bus) {
-  QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, interface, activate);
+  QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, applicationInterface, activate);
   call << QVariantMap();
   call.setAutoStartService(false);
-  return bus.call(call, QDBus::Block, answerLimitMs).type() == QDBusMessage::ReplyMessage;
+  return bus.call(call, QDBus::Block, activationLimitMs).type() == QDBusMessage::ReplyMessage;
 }
 
 // "PID (NAME)", as far as the bus and the kernel tell.
@@ -69,7 +69,7 @@ class ActivateObject : public QDBusVirtualObject {
   }
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    if (message.interface() != interface || message.member() != activate) return false;
+    if (message.interface() != applicationInterface || message.member() != activate) return false;
     connection.send(message.createReply());
     reopened_();
     return true;

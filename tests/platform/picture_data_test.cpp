@@ -19,7 +19,7 @@ std::string chunk(const std::string& name, const std::string& contents) {
   return std::string(3, '\0') + static_cast<char>(contents.size()) + name + contents + "sum.";
 }
 
-std::string encoded(const QImage& image, const char* format) {
+std::string encodedPicture(const QImage& image, const char* format) {
   QByteArray bytes;
   QBuffer buffer(&bytes);
   EXPECT_TRUE(image.save(&buffer, format));
@@ -75,7 +75,7 @@ TEST(PictureData, OfAnotherFormatStaysAsItIs) {
 TEST(ImageWithData, OfAPngIsItsPixelsWithoutItsTexts) {
   QImage image = pixels();
   image.setText(QStringLiteral("a"), QString(1000, QLatin1Char('b')));
-  const auto picture = imageWithData(encoded(image, "PNG"));
+  const auto picture = imageWithData(encodedPicture(image, "PNG"));
   ASSERT_NE(picture, nullptr);
   EXPECT_EQ(picture->impl().forms.front().convertToFormat(QImage::Format_ARGB32), pixels());
   EXPECT_TRUE(picture->impl().forms.front().textKeys().isEmpty());
@@ -85,7 +85,7 @@ TEST(ImageWithData, OfAPngWithAPaletteAndATransparentColourHasThem) {
   QImage image(6, 4, QImage::Format_Indexed8);
   image.setColorTable({qRgba(200, 100, 50, 128)});
   image.fill(0);
-  const auto picture = imageWithData(encoded(image, "PNG"));
+  const auto picture = imageWithData(encodedPicture(image, "PNG"));
   ASSERT_NE(picture, nullptr);
   EXPECT_EQ(picture->impl().forms.front().pixelColor(0, 0), QColor(200, 100, 50, 128));
 }

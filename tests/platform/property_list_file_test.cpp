@@ -21,7 +21,8 @@ using platform::PropertyListError;
 using platform::readPropertyListFile;
 using Result = std::variant<PropertyList, PropertyListError>;
 
-constexpr std::string_view settings = "<plist version=\"1.0\"><dict><key>Autorun</key><true/></dict></plist>";
+constexpr std::string_view settingsText =
+    "<plist version=\"1.0\"><dict><key>Autorun</key><true/></dict></plist>";
 
 class PropertyListFile : public testing::Test {
  protected:
@@ -68,12 +69,12 @@ class PropertyListFile : public testing::Test {
 };
 
 TEST_F(PropertyListFile, AListIsRead) {
-  const Result result = readPropertyListFile(write("settings.plist", settings));
+  const Result result = readPropertyListFile(write("settings.plist", settingsText));
   EXPECT_EQ(result, Result(PropertyList(PropertyList::Dictionary{{"Autorun", PropertyList(true)}})));
 }
 
 TEST_F(PropertyListFile, AListBehindALinkIsRead) {
-  ASSERT_EQ(::symlink(write("settings.plist", settings).c_str(), path("link").c_str()), 0);
+  ASSERT_EQ(::symlink(write("settings.plist", settingsText).c_str(), path("link").c_str()), 0);
   EXPECT_TRUE(std::holds_alternative<PropertyList>(readPropertyListFile(path("link"))));
 }
 
@@ -91,17 +92,17 @@ TEST_F(PropertyListFile, AFileThatTellsNoSizeIsRead) {
 }
 
 TEST_F(PropertyListFile, WhatCanBeNoPathIsABadPath) {
-  const std::string real = write("settings.plist", settings);
+  const std::string real = write("settings.plist", settingsText);
   EXPECT_EQ(readPropertyListFile(""), Result(PropertyListError::BadPath));
   EXPECT_EQ(readPropertyListFile(real + std::string(1, '\0')), Result(PropertyListError::BadPath));
-  EXPECT_EQ(readPropertyListFile(write("\xE9.plist", settings)), Result(PropertyListError::BadPath));
+  EXPECT_EQ(readPropertyListFile(write("\xE9.plist", settingsText)), Result(PropertyListError::BadPath));
 }
 
 TEST_F(PropertyListFile, APathOfTheLongestSizeIsRead) {
   std::string name = path("");
   while (name.size() + 2 + 8 <= PATH_MAX) name += "./";
   name.resize(PATH_MAX - 2, '/');
-  write("a", settings);
+  write("a", settingsText);
   name += "a";
   ASSERT_EQ(name.size(), std::size_t{PATH_MAX - 1});
   EXPECT_TRUE(std::holds_alternative<PropertyList>(readPropertyListFile(name)));
@@ -151,7 +152,7 @@ TEST_F(PropertyListFile, ASocketIsNoStream) {
 }
 
 TEST_F(PropertyListFile, WhatIsNotThereCannotBeOpened) {
-  const std::string real = write("settings.plist", settings);
+  const std::string real = write("settings.plist", settingsText);
   ASSERT_EQ(::symlink(path("nothing").c_str(), path("link").c_str()), 0);
   ASSERT_EQ(::symlink(path("loop").c_str(), path("loop").c_str()), 0);
   for (const std::string& missing :
@@ -162,7 +163,7 @@ TEST_F(PropertyListFile, WhatIsNotThereCannotBeOpened) {
 }
 
 TEST_F(PropertyListFile, WhatMayNotBeReadCannotBeOpened) {
-  const std::string secret = write("settings.plist", settings);
+  const std::string secret = write("settings.plist", settingsText);
   ASSERT_EQ(::chmod(secret.c_str(), 0), 0);
   const int outcome = asOrdinaryUser([&] {
     const bool refused = ::open(secret.c_str(), O_RDONLY | O_CLOEXEC) == -1 && errno == EACCES;
@@ -174,7 +175,7 @@ TEST_F(PropertyListFile, WhatMayNotBeReadCannotBeOpened) {
 
 TEST_F(PropertyListFile, WhatLiesInAClosedFolderCannotBeOpened) {
   std::filesystem::create_directory(path("closed"));
-  const std::string hidden = write("closed/settings.plist", settings);
+  const std::string hidden = write("closed/settings.plist", settingsText);
   ASSERT_EQ(::chmod(path("closed").c_str(), 0600), 0);
   const int outcome = asOrdinaryUser([&] {
     const bool refused = ::access(hidden.c_str(), F_OK) == -1 && errno == EACCES;
@@ -193,15 +194,15 @@ TEST_F(PropertyListFile, WhatIsNoListIsUnreadable) {
 }
 
 TEST_F(PropertyListFile, AFileOfTheLargestSizeIsRead) {
-  const std::string list = filled(settings, "\n", "");
+  const std::string list = filled(settingsText, "\n", "");
   ASSERT_EQ(list.size(), platform::propertyListMaxBytes);
   EXPECT_TRUE(std::holds_alternative<PropertyList>(readPropertyListFile(write("large", list))));
 }
 
 TEST_F(PropertyListFile, ALargerFileIsUnreadable) {
-  EXPECT_EQ(readPropertyListFile(write("larger", filled(settings, "\n", "") + "\n")),
+  EXPECT_EQ(readPropertyListFile(write("larger", filled(settingsText, "\n", "") + "\n")),
             Result(PropertyListError::Unreadable));
-  const std::string huge = write("huge", settings);
+  const std::string huge = write("huge", settingsText);
   ASSERT_EQ(::truncate(huge.c_str(), off_t{1} << 40), 0);
   EXPECT_EQ(readPropertyListFile(huge), Result(PropertyListError::Unreadable));
 }

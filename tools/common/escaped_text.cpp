@@ -3,13 +3,13 @@
 namespace tools {
 namespace {
 
-constexpr std::string_view kDigits = "0123456789abcdef";
+constexpr std::string_view kHexDigits = "0123456789abcdef";
 
 std::string escapedByte(char byte) {
   if (byte == '"' || byte == '\\') return {'\\', byte};
   if (byte >= ' ' && byte <= '~') return {byte};
   const auto value = static_cast<unsigned char>(byte);
-  return {'\\', 'x', kDigits[value >> 4u], kDigits[value & 15u]};
+  return {'\\', 'x', kHexDigits[value >> 4u], kHexDigits[value & 15u]};
 }
 
 }  // namespace

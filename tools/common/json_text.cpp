@@ -7,7 +7,7 @@
 namespace tools {
 namespace {
 
-constexpr std::string_view kDigits = "0123456789abcdef";
+constexpr std::string_view kJsonDigits = "0123456789abcdef";
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
 void appendEscaped(std::string& text, char character) {
@@ -44,7 +44,7 @@ std::string hexText(std::string_view bytes) {
   std::string text;
   for (const char character : bytes) {
     const auto byte = static_cast<std::uint8_t>(character);
-    text += {kDigits[byte >> 4u], kDigits[byte & 15u]};
+    text += {kJsonDigits[byte >> 4u], kJsonDigits[byte & 15u]};
   }
   return text;
 }

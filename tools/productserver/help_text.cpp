@@ -5,7 +5,7 @@
 namespace tools {
 namespace {
 
-constexpr const char* kOptions =
+constexpr const char* kOptionsText =
     R"(Usage: productserver [--port N] [--port-file FILE] [--uploads FOLDER] [--version-list VERSION]
                      [--fault PATH=NAME ...] FOLDER
 
@@ -22,7 +22,7 @@ method, the path with its query, the status and the bytes of the answer's body. 
   --help                  show this text
 )";
 
-constexpr const char* kPaths = R"(
+constexpr const char* kPathsText = R"(
 Beside the files there are:
 
   POST /product/nimba/userlog/postdata.php
@@ -35,7 +35,7 @@ Beside the files there are:
       without any parameter.
 )";
 
-constexpr const char* kFaults = R"(
+constexpr const char* kFaultsText = R"(
 A fault changes the answer alone: an upload that has come in whole is kept all the same. Of several faults that
 fit a request, the one with the longest PATH meets it, and NAME*COUNT meets the next COUNT requests only. The
 connection ends with the answer. Where "the answer" is named, it is the one that would have been given. The
@@ -46,8 +46,8 @@ faults are:
 }  // namespace
 
 std::string helpText() {
-  std::string text = kOptions;
-  text.append(kPaths).append(kFaults).append(tellFaults());
+  std::string text = kOptionsText;
+  text.append(kPathsText).append(kFaultsText).append(tellFaults());
   return text.append("\nExit status: 0 ended by a signal, 1 failure, 2 wrong command line.\n");
 }
 

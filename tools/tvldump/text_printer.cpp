@@ -15,7 +15,7 @@ std::string versionText(const Version& version) {
 }
 
 // One line for each kind of item, without its offset.
-struct Line {
+struct ItemText {
   std::string operator()(const Day& day) const { return "day " + std::string(day.date); }
   std::string operator()(const Identifier& identifier) const {
     return "identifier " + quotedText(identifier.text);
@@ -45,7 +45,7 @@ void TextPrinter::beginFile(std::string_view name) {
 }
 
 void TextPrinter::item(const Item& item) {
-  stream_ << std::setw(kOffsetWidth) << item.offset << "  " << std::visit(Line{}, item.content) << '\n';
+  stream_ << std::setw(kOffsetWidth) << item.offset << "  " << std::visit(ItemText{}, item.content) << '\n';
 }
 
 void TextPrinter::endFile(std::size_t size, const std::optional<Damage>& damage) {

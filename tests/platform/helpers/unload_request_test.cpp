@@ -14,7 +14,7 @@ std::string labelIn(const Arguments& arguments) {
   return unload == nullptr ? std::string() : unload->label;
 }
 
-std::string reasonAgainst(const Arguments& arguments) {
+std::string reasonAgainstUnload(const Arguments& arguments) {
   const auto request = parseUnloadRequest(arguments);
   const auto* refusal = std::get_if<Refusal>(&request);
   return refusal == nullptr ? std::string() : refusal->reason;
@@ -60,7 +60,8 @@ TEST(UnloadRequest, RefusalNamesWhatIsWrong) {
       {{"unload", ""}, "no launch agent"},
   };
   for (const auto& [arguments, named] : cases) {
-    EXPECT_NE(std::string::npos, reasonAgainst(arguments).find(named)) << reasonAgainst(arguments);
+    EXPECT_NE(std::string::npos, reasonAgainstUnload(arguments).find(named))
+        << reasonAgainstUnload(arguments);
   }
 }
 
