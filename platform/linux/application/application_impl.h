@@ -8,8 +8,8 @@ namespace platform {
 
 struct Application::Impl {
   ApplicationDelegate* delegate = nullptr;
-  ModalStack modalRuns;
-  PostedWork postedWork{modalRuns};
+  ModalStack& modalRuns = ModalStack::shared();
+  PostedWork& postedWork = PostedWork::shared();
   bool hasDisplay = true;
 
   [[noreturn]] void end(int status);

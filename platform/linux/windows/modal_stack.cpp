@@ -43,6 +43,11 @@ bool isInput(const QEvent& event) {
 
 }  // namespace
 
+ModalStack& ModalStack::shared() {
+  static auto& stack = *new ModalStack;
+  return stack;
+}
+
 void ModalStack::run(std::shared_ptr<Window> window) {
   Level level(std::move(window));
   level.window->impl().setAboveOthers(true);

@@ -20,6 +20,9 @@ class Window;
 // ends one.
 class ModalStack : public QObject {
  public:
+  // The program's one stack. Never destroyed.
+  static ModalStack& shared();
+
   // Serves events until this level is stopped.
   void run(std::shared_ptr<Window> window);
   // Stops the innermost level that still runs; nothing when there is none.

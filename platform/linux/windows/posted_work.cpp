@@ -6,6 +6,11 @@
 
 namespace platform {
 
+PostedWork& PostedWork::shared() {
+  static auto& work = *new PostedWork(ModalStack::shared());
+  return work;
+}
+
 PostedWork::PostedWork(const ModalStack& modalRuns) : modalRuns_(modalRuns) {
   connect(this, &PostedWork::woken, this, &PostedWork::serve, Qt::QueuedConnection);
 }

@@ -20,6 +20,9 @@ class PostedWork : public QObject {
   Q_OBJECT
 
  public:
+  // The program's one queue. Never destroyed; first called on the main thread.
+  static PostedWork& shared();
+
   // Main thread, as the destructor.
   explicit PostedWork(const ModalStack& modalRuns);
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/application/application_impl.h"
+#include "platform/linux/windows/posted_work.h"
 
 namespace platform {
 
@@ -39,7 +39,7 @@ void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
   // What didEnd has posted comes before the window's events that arrived meanwhile, and these answer no sheet
   // that is new by then.
   inputMark_.set();
-  Application::sharedApplication().impl().postedWork.serve();
+  PostedWork::shared().serve();
   if (window != nullptr) showNext();
 }
 

@@ -12,9 +12,9 @@
 #include <QVariant>
 #include <QWindow>
 
-#include "platform/linux/application/application_impl.h"
 #include "platform/linux/desktop/x_requests.h"
 #include "platform/linux/windows/color_impl.h"
+#include "platform/linux/windows/modal_stack.h"
 #include "platform/linux/windows/text_impl.h"
 #include "platform/linux/windows/view_impl.h"
 #include "platform/linux/windows/window_hints.h"
@@ -135,7 +135,7 @@ bool isWindowOfProgram(const QWidget& window) {
 }
 
 bool isBlocked(const QWidget& widget) {
-  return Application::sharedApplication().impl().modalRuns.blocks(*widget.window());
+  return ModalStack::shared().blocks(*widget.window());
 }
 
 bool takesInput(const QWidget& widget) {
@@ -179,7 +179,7 @@ void Window::Impl::followActivity(bool active) {
     appear(&QWidget::show);
     setWantsKeyboard(widget, true);
     // Some window managers put it above the window that keeps it from taking input.
-    if (isBlocked(widget)) Application::sharedApplication().impl().modalRuns.bringForward();
+    if (isBlocked(widget)) ModalStack::shared().bringForward();
   } else if (widget.isVisible()) {
     hiddenByInactivity = true;
     widget.hide();
@@ -199,7 +199,7 @@ void Window::Impl::comeForward() {
 
 void Window::Impl::comeBack() {
   comeForward();
-  if (isBlocked(widget)) Application::sharedApplication().impl().modalRuns.bringForward();
+  if (isBlocked(widget)) ModalStack::shared().bringForward();
 }
 
 // The toolkit may make another window of the system's for one whose flags have changed since it was shown.
