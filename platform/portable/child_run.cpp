@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/linux/processes/helper_folder.h"
+#include "platform/helper_folder.h"
 #include "platform/portable/spawn_attributes.h"
 
 namespace platform {

@@ -4,6 +4,8 @@
 #include <spawn.h>
 #include <unistd.h>
 
+#include "platform/spawn_descriptors.h"
+
 namespace platform {
 
 // How every child is started: with default signals and an empty mask, whatever this process has made of its
@@ -47,7 +49,7 @@ class SpawnStreams {
 
   // To be called last.
   [[nodiscard]] const posix_spawn_file_actions_t* get() {
-    posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+    closeDescriptorsFrom(STDERR_FILENO + 1, actions_);
     return &actions_;
   }
 

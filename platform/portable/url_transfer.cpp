@@ -1,13 +1,13 @@
 #include "platform/portable/url_transfer.h"
 
-#include <linux/sockios.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <new>
 #include <string_view>
+
+#include "platform/socket.h"
 
 namespace platform {
 namespace {
@@ -103,14 +103,13 @@ TransferEnd UrlTransfer::endOf(CURLcode result) const {
 long UrlTransfer::unacknowledgedBytes() const {
   long sum = 0;
   for (const curl_socket_t socket : sockets_) {
-    int bytes = 0;
-    if (::ioctl(socket, SIOCOUTQ, &bytes) == 0) sum += bytes;
+    sum += platform::unacknowledgedBytes(socket).value_or(0);
   }
   return sum;
 }
 
 curl_socket_t UrlTransfer::openSocket(void* transfer, curlsocktype /*purpose*/, curl_sockaddr* address) {
-  const curl_socket_t socket = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+  const curl_socket_t socket = platform::openSocket(address->family, address->socktype, address->protocol);
   if (socket == CURL_SOCKET_BAD) return CURL_SOCKET_BAD;
   try {
     static_cast<UrlTransfer*>(transfer)->sockets_.push_back(socket);

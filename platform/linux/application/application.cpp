@@ -7,9 +7,9 @@
 
 #include <QCoreApplication>
 
+#include "platform/helper_folder.h"
 #include "platform/linux/application/application_impl.h"
 #include "platform/linux/desktop/keyboard_holder.h"
-#include "platform/linux/processes/helper_folder.h"
 #include "platform/linux/windows/window_impl.h"
 
 // Instrumented builds report where the process ends, since no exit handler runs. The names are those of the

@@ -14,13 +14,13 @@
 
 #include "platform/application.h"
 #include "platform/bundle.h"
+#include "platform/helper_folder.h"
 #include "platform/linux/application/application_impl.h"
 #include "platform/linux/application/desktop_session.h"
 #include "platform/linux/application/process_start.h"
 #include "platform/linux/application/signal_pipe.h"
 #include "platform/linux/application/single_instance.h"
 #include "platform/linux/desktop/session_bus_guard.h"
-#include "platform/linux/processes/helper_folder.h"
 #include "platform/linux/processes/runtime_folder.h"
 #include "platform/log.h"
 

@@ -6,7 +6,7 @@
 #include <QUrl>
 
 #include "platform/bundle.h"
-#include "platform/linux/processes/helper_folder.h"
+#include "platform/helper_folder.h"
 #include "platform/portable/child_run.h"
 
 namespace platform {

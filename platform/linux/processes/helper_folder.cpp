@@ -1,4 +1,4 @@
-#include "platform/linux/processes/helper_folder.h"
+#include "platform/helper_folder.h"
 
 #include <sys/stat.h>
 #include <sys/statvfs.h>

@@ -1,11 +1,9 @@
 #include "platform/linux/web_view/web_view_process.h"
 
 #include <fcntl.h>
-#include <linux/sockios.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -20,6 +18,7 @@
 #include <QSocketNotifier>
 
 #include "platform/portable/spawn_attributes.h"
+#include "platform/socket.h"
 
 namespace platform {
 namespace {
@@ -99,8 +98,7 @@ bool WebViewProcess::start(const std::string& program) {
 }
 
 bool WebViewProcess::isStuck() {
-  int unread = 0;
-  if (!line_.valid() || ::ioctl(line_.get(), SIOCOUTQ, &unread) != 0 || unread == 0) unreadSince_.reset();
+  if (!line_.valid() || unacknowledgedBytes(line_.get()).value_or(0) == 0) unreadSince_.reset();
   return unreadSince_ && Clock::now() - *unreadSince_ > patience_;
 }
 

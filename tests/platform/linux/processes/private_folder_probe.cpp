@@ -1,6 +1,6 @@
 #include <string_view>
 
-#include "platform/linux/processes/helper_folder.h"
+#include "platform/helper_folder.h"
 #include "platform/workspace.h"
 
 // "install" or "remove": does so with the helper programs of its own bundle. "open": opens a page.

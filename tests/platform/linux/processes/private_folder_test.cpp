@@ -10,7 +10,7 @@
 #include <fstream>
 #include <string>
 
-#include "platform/linux/processes/helper_folder.h"
+#include "platform/helper_folder.h"
 #include "platform/linux/processes/runtime_folder.h"
 #include "tests/ipc/forked_call.h"
 
