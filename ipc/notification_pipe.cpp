@@ -9,6 +9,7 @@
 
 #include "ipc/notification_commands.h"
 #include "platform/log.h"
+#include "platform/reopen.h"
 
 using platform::LogPriority;
 using platform::systemLog;
@@ -26,6 +27,5 @@ int read_pipe(int descriptor, std::span<char> buffer) {
 platform::FileDescriptor holdOpenForWriting(int reader) {
   struct stat status {};
   if (::fstat(reader, &status) != 0 || !S_ISFIFO(status.st_mode)) return {};
-  const std::string path = "/proc/self/fd/" + std::to_string(reader);
-  return platform::FileDescriptor(::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+  return platform::reopen(reader, O_WRONLY | O_NONBLOCK);
 }

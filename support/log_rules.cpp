@@ -3,47 +3,26 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "platform/log_sources.h"
 #include "usage/record_bytes.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using platform::LogSource;
 
 constexpr std::size_t collectCommandBufferSize = 512;
+constexpr std::string_view program = "Tovalin";
+constexpr std::size_t maxBytesOfSource = 20'000'000;
 
-// Stands for the name of the collection.
-constexpr std::string_view placeholder = "%s";
-
-struct CommandTemplate {
-  std::string_view text;
-  std::chrono::seconds limit;
-};
-
-// A copy of 20 MB, and the newest 200,000 entries of a journal, take seconds. A limit is what a source that
-// blocks costs: a file system that does not answer, or a folder with millions of entries.
+// A copy of 20 MB, and the newest entries of a journal, take seconds. A limit is what a source that blocks
+// costs: a file system that does not answer, or a folder with millions of entries.
+constexpr std::chrono::seconds folderLimit = 10s;
 constexpr std::chrono::seconds copyLimit = 30s;
+constexpr std::chrono::seconds archiveLimit = 120s;
 
-constexpr std::array<CommandTemplate, 6> commandTemplates = {{
-    {"mkdir -m 700 /tmp/%s", 10s},
-    {"collectlogs newest 20000000 /var/log 'Tovalin*.log' /tmp/%s", copyLimit},
-    {"export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
-     "collectlogs output 20000000 20 /tmp/%s system.log journalctl -q -b -n 200000 --no-pager || "
-     "collectlogs newest 20000000 /var/log syslog /tmp/%s system.log",
-     copyLimit},
-    {"collectlogs whole 20000000 ~/.local/state/Tovalin 'Tovalin*.crash' /tmp/%s", copyLimit},
-    {"collectlogs whole 20000000 /var/crash '*Tovalin*.crash' /tmp/%s", copyLimit},
-    // -y: a link in a folder that was there already is not followed.
-    {"unset ZIPOPT ZIP; desktop=$(xdg-user-dir DESKTOP); "
-     "case $desktop in /*) ;; *) desktop=~/Desktop;; esac; "
-     "collectlogs archive /tmp/%s \"$desktop\" %s.zip zip -qy - /tmp/%s/*.*",
-     120s},
-}};
-
-std::string filledIn(std::string_view command, std::string_view name) {
-  std::string text(command);
-  for (std::size_t at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder, at))
-    text.replace(at, placeholder.size(), name);
-  return text;
+CollectionCommand copyFrom(LogSource source, const std::string& folder) {
+  return {platform::copyLogsCommand(source, program, folder, maxBytesOfSource), copyLimit};
 }
 
 }  // namespace
@@ -56,10 +35,15 @@ std::string collectionName(const std::tm& now) {
 }
 
 std::optional<std::array<CollectionCommand, 6>> collectionCommands(std::string_view name) {
-  std::array<CollectionCommand, 6> commands;
-  std::ranges::transform(commandTemplates, commands.begin(), [&](const CommandTemplate& command) {
-    return CollectionCommand{filledIn(command.text, name), command.limit};
-  });
+  const std::string folder = "/tmp/" + std::string(name);
+  const std::array<CollectionCommand, 6> commands = {{
+      {"mkdir -m 700 " + folder, folderLimit},
+      copyFrom(LogSource::ProgramLogs, folder),
+      copyFrom(LogSource::SystemLog, folder),
+      copyFrom(LogSource::UserCrashReports, folder),
+      copyFrom(LogSource::SystemCrashReports, folder),
+      {platform::archiveCommand(folder, std::string(name) + ".zip"), archiveLimit},
+  }};
   const bool fit = std::ranges::all_of(
       commands, [](const auto& command) { return command.text.size() < collectCommandBufferSize; });
   return fit ? std::optional(commands) : std::nullopt;

@@ -8,7 +8,7 @@
 #include "platform/button.h"
 #include "platform/file_event_stream.h"
 #include "platform/image.h"
-#include "platform/linux/application_impl.h"
+#include "platform/linux/application/application_impl.h"
 #include "platform/property_list.h"
 #include "platform/status_item.h"
 #include "platform/timer.h"

@@ -6,7 +6,7 @@
 
 #include "notices/image_resize.h"
 #include "platform/image.h"
-#include "platform/linux/image_impl.h"
+#include "platform/linux/images/image_impl.h"
 #include "tests/bench/pairs.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "tests/bench/pairs.h"
-#include "tests/platform/helpers/web_processes.h"
+#include "tests/platform/linux/helpers/web_processes.h"
 #include "tests/support/file_contents.h"
 
 namespace bench {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/bench/process_tree.h"
-#include "tests/platform/helpers/page_server.h"
+#include "tests/platform/linux/helpers/page_server.h"
 #include "tests/support/child_process.h"
 #include "tests/support/message_fifo.h"
 #include "tests/support/portal_double.h"

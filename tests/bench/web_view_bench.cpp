@@ -19,13 +19,13 @@
 #include <QCoreApplication>
 
 #include "app/nimbatrayAppDelegate.h"
-#include "platform/linux/web_view_process.h"
+#include "platform/linux/web_view/web_view_process.h"
 #include "platform/web_view.h"
 #include "tests/bench/pairs.h"
 #include "tests/bench/process_tree.h"
 #include "tests/platform/event_loop.h"
-#include "tests/platform/helpers/page_server.h"
-#include "tests/platform/helpers/web_processes.h"
+#include "tests/platform/linux/helpers/page_server.h"
+#include "tests/platform/linux/helpers/web_processes.h"
 #include "tests/support/child_process.h"
 #include "tests/support/test_display.h"
 

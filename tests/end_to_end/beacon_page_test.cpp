@@ -3,7 +3,7 @@
 #include <signal.h>
 
 #include "tests/end_to_end/agent_test.h"
-#include "tests/platform/helpers/page_server.h"
+#include "tests/platform/linux/helpers/page_server.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // A list of content codings up to the first line end, and behind it the body of a reply: what is decoded
 // keeps within its limit; a body without a coding that is known stays; what is encoded here comes back.
 
-#include "platform/linux/content_coding.h"
+#include "platform/portable/content_coding.h"
 
 #include <algorithm>
 #include <string>

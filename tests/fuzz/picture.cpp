@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "platform/image.h"
-#include "platform/linux/image_impl.h"
+#include "platform/linux/images/image_impl.h"
 #include "tests/fuzz/requirement.h"
 #include "tests/fuzz/target.h"
 

@@ -10,7 +10,7 @@
 
 #include "app/globals.h"
 #include "platform/image.h"
-#include "platform/linux/view_impl.h"
+#include "platform/linux/windows/view_impl.h"
 #include "platform/window.h"
 #include "tests/platform/event_loop.h"
 #include "tests/support/child_process.h"

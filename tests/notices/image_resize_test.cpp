@@ -8,7 +8,7 @@
 #include <QGuiApplication>
 
 #include "platform/image.h"
-#include "platform/linux/image_impl.h"
+#include "platform/linux/images/image_impl.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <QLabel>
 #include <QWidget>
 
-#include "platform/linux/view_impl.h"
+#include "platform/linux/windows/view_impl.h"
 #include "platform/window.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/linux/spawn_attributes.h"
-#include "platform/linux/standard_streams.h"
+#include "platform/portable/spawn_attributes.h"
+#include "platform/portable/standard_streams.h"
 
 namespace helpers {
 namespace {

@@ -15,7 +15,7 @@
 #include <system_error>
 
 #include "platform/linux/helpers/new_file.h"
-#include "platform/linux/spawn_attributes.h"
+#include "platform/portable/spawn_attributes.h"
 
 namespace helpers {
 namespace {

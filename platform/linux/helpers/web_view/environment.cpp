@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/private_folder.h"
+#include "platform/linux/processes/private_folder.h"
 
 namespace helpers {
 namespace {

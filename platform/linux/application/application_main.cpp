@@ -1,0 +1,116 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QApplication>
+
+#include "platform/application.h"
+#include "platform/bundle.h"
+#include "platform/helper_folder.h"
+#include "platform/linux/application/application_impl.h"
+#include "platform/linux/application/desktop_session.h"
+#include "platform/linux/application/process_start.h"
+#include "platform/linux/application/signal_pipe.h"
+#include "platform/linux/application/single_instance.h"
+#include "platform/linux/desktop/session_bus_guard.h"
+#include "platform/linux/processes/runtime_folder.h"
+#include "platform/log.h"
+
+namespace platform {
+namespace {
+
+// What the toolkit ends the process for, before it has a screen, is mostly the want of a display.
+std::string withoutScreen(const std::string& toolkitText) {
+  if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return toolkitText;
+  if (!qEnvironmentVariableIsSet("DISPLAY")) return "cannot open a display: DISPLAY is not set";
+  return "cannot open the display \"" + qgetenv("DISPLAY").toStdString() + "\"";
+}
+
+void takeToolkitMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+  const std::string line = text.toStdString();
+  if (type == QtFatalMsg)
+    fatalError(QGuiApplication::primaryScreen() == nullptr ? withoutScreen(line) : line);
+  std::fprintf(stderr, "TovalinTray: %s\n", line.c_str());
+}
+
+// Brings the running instance forward. One that has ended meanwhile leaves its place to this process, which
+// then starts over.
+int tellRunningInstance(SingleInstance& instance, int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  if (instance.tellFirst()) return 0;
+  ::execv("/proc/self/exe", argv);
+  fatalError(std::string("can't start over: ") + std::strerror(errno));
+}
+
+// The menu and the windows need what Wayland keeps from programs (their own place, staying on top), so X is
+// asked for.
+std::vector<char*> toolkitArguments(char* program) {
+  static char option[] = "-platform";
+  static char xcb[] = "xcb";
+  if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return {program};
+  return {program, option, xcb};
+}
+
+void describeApplication() {
+  // Not the display name: the toolkit would put that behind the title of each window.
+  QCoreApplication::setApplicationName(QStringLiteral("Tovalin"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("com.kesmoor.tovalintrayagent"));
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+
+// The toolkit ends the process with exit(1) when the X server goes away.
+void endWithoutDisplay() {
+  Application::Impl& application = Application::sharedApplication().impl();
+  application.hasDisplay = false;
+  application.end(1);
+}
+
+}  // namespace
+
+int ApplicationMain(int argc, char** argv) {
+  prepareProcess();
+  // Read before anything can wait, so that it belongs to the program that was started.
+  static_cast<void>(Bundle::mainInfoDictionary());
+  const ApplicationRegistration& program = applicationRegistration();
+  const std::vector<std::string_view> arguments(argv + std::min(argc, 1), argv + argc);
+  if (const auto status = program.handleArguments(arguments)) return *status;
+
+  avoidUnusableSessionBus();
+  qInstallMessageHandler(takeToolkitMessage);
+  SingleInstance instance;
+  if (!instance.isFirst()) return tellRunningInstance(instance, argc, argv);
+
+  describeApplication();
+  std::vector<char*> toolkitArgv = toolkitArguments(argv[0]);
+  int toolkitArgc = static_cast<int>(toolkitArgv.size());
+  std::optional<ToolkitsRuntimeFolder> runtimeFolder(std::in_place);
+  const QApplication toolkit(toolkitArgc, toolkitArgv.data());
+  runtimeFolder.reset();
+
+  const auto delegate = program.makeDelegate();
+  if (!instance.listen([&] { delegate->applicationShouldHandleReopen(); })) {
+    instance.deferToNameOwner();
+    return 0;
+  }
+  Application& application = Application::sharedApplication();
+  application.impl().delegate = delegate.get();
+  delegate->awakeFromNib();
+
+  std::atexit(endWithoutDisplay);
+  const SignalPipe signals([&application] { application.terminate(); });
+  const DesktopSession session([&application] { application.terminate(); });
+  installHelpers();
+  application.performOnMainThread([&] { delegate->applicationDidFinishLaunching(); });
+  QApplication::exec();
+  application.terminate();
+}
+
+}  // namespace platform

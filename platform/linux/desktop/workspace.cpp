@@ -1,0 +1,43 @@
+#include "platform/workspace.h"
+
+#include <optional>
+
+#include <QString>
+#include <QUrl>
+
+#include "platform/bundle.h"
+#include "platform/helper_folder.h"
+#include "platform/portable/child_run.h"
+
+namespace platform {
+namespace {
+
+bool wasRun(const std::string& folder, const std::string& url) {
+  return runAndWait(folder + "/open", {"open", url}) != -1;
+}
+
+// What the text says as an address, written anew; nothing when it is none.
+std::optional<std::string> parsed(const std::string& text) {
+  const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
+  if (!url.isValid() || url.isRelative()) return std::nullopt;
+  return url.toEncoded().toStdString();
+}
+
+}  // namespace
+
+Workspace& Workspace::sharedWorkspace() {
+  static Workspace workspace;
+  return workspace;
+}
+
+// The helper hands the address to the desktop and does not wait for the browser. Its copy outlives the
+// bundle; where there is none, the bundle's own does.
+void Workspace::openURL(const std::string& text) {
+  const auto url = parsed(text);
+  if (!url) return;
+  const auto helpers = helperFolder();
+  if (helpers && wasRun(*helpers, *url)) return;
+  if (const auto bundle = Bundle::mainBundle()) wasRun(bundle->bundlePath() + "/Contents/Helpers", *url);
+}
+
+}  // namespace platform

@@ -1,0 +1,39 @@
+#include "platform/linux/file_events/watched_folders.h"
+
+namespace platform {
+
+void WatchedFolders::put(int watch, const std::string& path) {
+  erase(watch);
+  const auto [place, isNew] = paths_.try_emplace(path, watch);
+  if (!isNew) {
+    watches_.erase(place->second);
+    place->second = watch;
+  }
+  watches_.emplace(watch, place);
+}
+
+void WatchedFolders::erase(int watch) {
+  const auto entry = watches_.find(watch);
+  if (entry == watches_.end()) return;
+  paths_.erase(entry->second);
+  watches_.erase(entry);
+}
+
+const std::string* WatchedFolders::find(int watch) const {
+  const auto entry = watches_.find(watch);
+  return entry == watches_.end() ? nullptr : &entry->second->first;
+}
+
+std::vector<int> WatchedFolders::takeTree(const std::string& path) {
+  std::vector<int> taken;
+  if (const auto top = paths_.find(path); top != paths_.end()) taken.push_back(top->second);
+  const std::string prefix = path + '/';
+  for (auto place = paths_.lower_bound(prefix); place != paths_.end() && place->first.starts_with(prefix);
+       ++place) {
+    taken.push_back(place->second);
+  }
+  for (const int watch : taken) erase(watch);
+  return taken;
+}
+
+}  // namespace platform

@@ -1,0 +1,184 @@
+#include "platform/image.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <set>
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <QScreen>
+
+#include "platform/bundle.h"
+#include "platform/linux/images/image_impl.h"
+#include "platform/linux/images/kept_pixels.h"
+#include "platform/portable/picture_data.h"
+
+namespace platform {
+namespace {
+
+constexpr double maxPixels = 64e6;
+constexpr qsizetype bytesOfPixel = 4;
+constexpr int maxBytesOfData = 64 << 20;
+
+// Of the screens, rising; 1 without screens.
+std::set<double> backingScales() {
+  std::set<double> scales;
+  for (const QScreen* screen : QGuiApplication::screens()) scales.insert(screen->devicePixelRatio());
+  return scales.empty() ? std::set{1.0} : scales;
+}
+
+QImage emptyForm(Size size, double scale) {
+  const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
+  if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
+  const auto columns = static_cast<int>(width), rows = static_cast<int>(height);
+  // All zeros are transparent, and zeros of the C library's cost nothing where all is drawn over at once.
+  auto* pixels = static_cast<uchar*>(
+      std::calloc(static_cast<std::size_t>(rows), static_cast<std::size_t>(columns * bytesOfPixel)));
+  if (pixels == nullptr) return {};
+  return {pixels,    columns, rows, columns * bytesOfPixel, QImage::Format_ARGB32_Premultiplied,
+          std::free, pixels};
+}
+
+// Names a file as it is now.
+QString versionOf(const QString& path) {
+  const QFileInfo file(path);
+  return path + QString::asprintf(" %lld %lld", file.size(), file.lastModified().toMSecsSinceEpoch());
+}
+
+// Decoding a large picture takes some milliseconds, so it is kept for as long as it is asked for.
+QImage pixelsIn(const QString& path) {
+  return keptPixels(versionOf(path), [&] {
+    // The file's name tells the format: asking it of the file would load every kind of picture that there is.
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return QImage();
+    QImageReader reader(&file, QFileInfo(path).suffix().toLatin1());
+    reader.setAutoDetectImageFormat(false);
+    QImage pixels = reader.read();
+    pixels.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
+    return pixels;
+  });
+}
+
+// Drawings are documents of their own kind, whose size says nothing about what they take.
+bool isPixelFormat(const QByteArray& format) {
+  constexpr std::array formats = {"png", "jpg",  "jpeg", "gif", "bmp", "webp",
+                                  "tif", "tiff", "pbm",  "pgm", "ppm"};
+  return std::ranges::any_of(formats, [&](const char* known) { return format == known; });
+}
+
+QString withScaleSuffix(const QString& path) {
+  const auto dot = path.lastIndexOf(QLatin1Char('.'));
+  return path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
+}
+
+QPixmap measuring(Size size, const QImage& form) {
+  QPixmap pixmap = QPixmap::fromImage(form);
+  pixmap.setDevicePixelRatio(form.width() / size.width);
+  return pixmap;
+}
+
+}  // namespace
+
+double backingScale() {
+  return qGuiApp == nullptr ? 1.0 : qGuiApp->devicePixelRatio();
+}
+
+double Image::Impl::shrinkInto(Size room) const {
+  return std::min({1.0, room.width / size.width, room.height / size.height});
+}
+
+QImage Image::Impl::scaledTo(QSize pixels) const {
+  return formFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+QPixmap Image::Impl::pixmap() const {
+  return forms.empty() ? QPixmap() : measuring(size, forms.back());
+}
+
+std::vector<QPixmap> Image::Impl::pixmaps() const {
+  std::vector<QPixmap> all;
+  for (const QImage& form : forms) all.push_back(measuring(size, form));
+  return all;
+}
+
+Image::Image() : impl_(std::make_unique<Impl>()) {}
+
+Image::Image(Size size) : Image() {
+  impl_->size = impl_->naturalSize = size;
+  for (const double scale : backingScales()) {
+    QImage form = emptyForm(size, scale);
+    if (!form.isNull()) impl_->forms.push_back(std::move(form));
+  }
+}
+
+Image::~Image() = default;
+
+bool Image::isValid() const {
+  return !impl_->forms.empty();
+}
+
+Size Image::size() const {
+  return impl_->size;
+}
+
+void Image::setSize(Size size) {
+  impl_->size = size;
+}
+
+void Image::setScalesWhenResized(bool scales) {
+  impl_->scalesWhenResized = scales;
+}
+
+Size Image::pixelSize() const {
+  if (!isValid()) return {};
+  const QSize pixels = impl_->forms.back().size();
+  return {static_cast<double>(pixels.width()), static_cast<double>(pixels.height())};
+}
+
+std::shared_ptr<Image> imageNamed(std::string_view name) {
+  const auto bundle = Bundle::mainBundle();
+  if (!bundle) return nullptr;
+  const QString path = QString::fromStdString(bundle->pathForResource(name));
+  QImage plain = pixelsIn(path), fine;
+  // Reading it takes four times as long, so only screens that show it pay for it.
+  if (backingScale() > 1) fine = pixelsIn(withScaleSuffix(path));
+  if (plain.isNull()) return nullptr;
+
+  std::shared_ptr<Image> image(new Image);
+  image->impl_->name = versionOf(path);
+  image->impl_->size =
+      image->impl_->naturalSize = {static_cast<double>(plain.width()), static_cast<double>(plain.height())};
+  image->impl_->forms.push_back(std::move(plain));
+  if (!fine.isNull()) image->impl_->forms.push_back(std::move(fine));
+  return image;
+}
+
+std::shared_ptr<Image> imageWithData(std::string_view bytes) {
+  const auto bounded = boundedPictureData(bytes);
+  if (!bounded) return nullptr;
+  QByteArray data = QByteArray::fromRawData(bounded->data(), static_cast<qsizetype>(bounded->size()));
+  QBuffer buffer(&data);
+  QImageReader reader(&buffer);
+  if (!isPixelFormat(reader.format())) return nullptr;
+  // Told before anything is decoded; formats that don't tell are held to it by the limit.
+  const QSize size = reader.size();
+  if (4.0 * size.width() * size.height() > maxBytesOfData) return nullptr;
+  QImageReader::setAllocationLimit(maxBytesOfData >> 20);
+  QImage pixels = reader.read();
+  if (pixels.isNull() || pixels.sizeInBytes() > maxBytesOfData) return nullptr;
+  pixels.setDevicePixelRatio(1);
+
+  std::shared_ptr<Image> image(new Image);
+  image->impl_->size =
+      image->impl_->naturalSize = {static_cast<double>(pixels.width()), static_cast<double>(pixels.height())};
+  image->impl_->forms.push_back(std::move(pixels));
+  return image;
+}
+
+}  // namespace platform

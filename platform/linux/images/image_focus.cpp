@@ -1,0 +1,83 @@
+#include <QPainter>
+
+#include "platform/image.h"
+#include "platform/linux/images/image_impl.h"
+#include "platform/linux/images/kept_pixels.h"
+
+namespace platform {
+namespace {
+
+// The part `from` of an image, given in its points from the lower left, in the pixels of one of its forms.
+QRectF partInPixels(const Image::Impl& image, const QImage& form, Rect from) {
+  const Size base = image.scalesWhenResized ? image.size : image.naturalSize;
+  const double x = form.width() / base.width, y = form.height() / base.height;
+  return {from.x * x, form.height() - (from.y + from.height) * y, from.width * x, from.height * y};
+}
+
+// The painter's own smoothing looks at four neighbours only and drops lines when it shrinks much, so pixels
+// are averaged by area. A picture with a name is mostly asked for in the same size again; others would only
+// take the room of those.
+QImage averaged(const QString& name, const QImage& form, QRect part, QSize size) {
+  const auto average = [&] {
+    const QImage piece = part == form.rect() ? form : form.copy(part);
+    return piece.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  };
+  if (name.isEmpty()) return average();
+  const QString key = QString::asprintf(" %d %d %d %d %d %d %d", form.width(), part.x(), part.y(),
+                                        part.width(), part.height(), size.width(), size.height());
+  return keptPixels(name + key, average);
+}
+
+}  // namespace
+
+struct ImageFocus::Impl {
+  Image::Impl& target;
+  ImageInterpolation interpolation = ImageInterpolation::Low;
+
+  [[nodiscard]] QRectF inPixelsOf(const QImage& canvas, Rect rect) const {
+    const double x = canvas.width() / target.size.width, y = canvas.height() / target.size.height;
+    return {rect.x * x, canvas.height() - (rect.y + rect.height) * y, rect.width * x, rect.height * y};
+  }
+  void drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from, CompositingOperation operation,
+              double fraction) const;
+};
+
+ImageFocus::ImageFocus(Image& target) : impl_(new Impl{target.impl()}) {}
+ImageFocus::~ImageFocus() = default;
+
+void ImageFocus::setImageInterpolation(ImageInterpolation interpolation) {
+  impl_->interpolation = interpolation;
+}
+
+void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOperation operation,
+                      double fraction) {
+  if (!source.isValid()) return;
+  for (QImage& canvas : impl_->target.forms)
+    impl_->drawOn(canvas, source.impl(), at, from, operation, fraction);
+}
+
+void ImageFocus::Impl::drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from,
+                              CompositingOperation operation, double fraction) const {
+  const QRectF to = inPixelsOf(canvas, {at.x, at.y, from.width, from.height});
+  const QImage& form = source.formFor(to.width());
+  const QRect part = partInPixels(source, form, from).toAlignedRect();
+
+  const bool averages = interpolation == ImageInterpolation::High;
+  // What covers the whole of it takes its place, which spares a copy of all pixels.
+  if (averages && operation == CompositingOperation::Copy && fraction == 1.0 && to == QRectF(canvas.rect())) {
+    canvas = averaged(source.name, form, part, canvas.size()).convertToFormat(canvas.format());
+    return;
+  }
+  QPainter painter(&canvas);
+  painter.setCompositionMode(operation == CompositingOperation::Copy ? QPainter::CompositionMode_Source
+                                                                     : QPainter::CompositionMode_SourceOver);
+  painter.setOpacity(fraction);
+  if (averages) {
+    painter.drawImage(to.topLeft(), averaged(source.name, form, part, to.size().toSize()));
+    return;
+  }
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, interpolation == ImageInterpolation::Low);
+  painter.drawImage(to, form, part);
+}
+
+}  // namespace platform

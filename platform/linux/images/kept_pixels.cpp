@@ -1,0 +1,20 @@
+#include "platform/linux/images/kept_pixels.h"
+
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QPixmapCache>
+
+namespace platform {
+
+QImage keptPixels(const QString& key, const std::function<QImage()>& make) {
+  if (qGuiApp == nullptr) return make();
+  const QString own = QStringLiteral("tovalin ") + key;
+  QPixmap kept;
+  if (!QPixmapCache::find(own, &kept)) {
+    kept = QPixmap::fromImage(make());
+    if (!kept.isNull()) QPixmapCache::insert(own, kept);
+  }
+  return kept.toImage();
+}
+
+}  // namespace platform

@@ -1,0 +1,47 @@
+#include "platform/linux/processes/private_folder.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace platform {
+namespace {
+
+bool isOursAlone(const std::string& folder) {
+  struct stat status {};
+  return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+         (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+std::string pathBelowTmp() {
+  return "/tmp/TovalinTray-" + std::to_string(::geteuid());
+}
+
+std::optional<std::string> folderOfOursAt(const std::string& path) {
+  ::mkdir(path.c_str(), S_IRWXU);
+  if (!isOursAlone(path)) return std::nullopt;
+  return path;
+}
+
+}  // namespace
+
+std::string privateFolderPath() {
+  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+  if (runtime != nullptr && runtime[0] == '/' && isOursAlone(runtime)) {
+    return std::string(runtime) + "/TovalinTray";
+  }
+  const std::string ofSession = "/run/user/" + std::to_string(::geteuid());
+  if (isOursAlone(ofSession)) return ofSession + "/TovalinTray";
+  return pathBelowTmp();
+}
+
+std::optional<std::string> privateFolder() {
+  return folderOfOursAt(privateFolderPath());
+}
+
+std::optional<std::string> privateFolderBelowTmp() {
+  return folderOfOursAt(pathBelowTmp());
+}
+
+}  // namespace platform

@@ -1,0 +1,91 @@
+#include "platform/button.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QPointer>
+
+#include "platform/linux/windows/bezel_button.h"
+#include "platform/linux/windows/text_impl.h"
+#include "platform/linux/windows/view_impl.h"
+#include "platform/linux/windows/window_impl.h"
+
+namespace platform {
+namespace {
+
+constexpr int bezelHeight = 32;
+constexpr int sideMargin = 6;
+constexpr double titleSize = 13;
+
+// The bezel is smaller than the button's frame, and so is what takes clicks.
+class PushButton : public BezelButton {
+ public:
+  std::function<void()> action;
+
+  PushButton() {
+    setFont(systemFont(font(), titleSize));
+    setAutoDefault(true);  // Return presses it
+    // What assistive programs press is clicked a moment later, when input may go elsewhere.
+    connect(this, &QPushButton::pressed, this, [this] { mayAct_ = takesInput(*this); });
+    connect(this, &QPushButton::clicked, this, [this] { act(); });
+  }
+
+  // A button that is disabled for a while gives the keyboard up, and gets it back from who got it then.
+  void enable(bool enabled) {
+    const bool hadKeyboard = window()->focusWidget() == this;
+    setEnabled(enabled);
+    if (enabled) {
+      if (std::exchange(gaveItUp_, false) && window()->focusWidget() == standIn_) setFocus();
+    } else if (hadKeyboard) {
+      gaveItUp_ = true;
+      standIn_ = window()->focusWidget();
+    }
+  }
+
+ protected:
+  [[nodiscard]] QRect bezel() const override {
+    const int bezelRoom = std::min(bezelHeight, height());
+    return {sideMargin, (height() - bezelRoom) / 2, width() - 2 * sideMargin, bezelRoom};
+  }
+
+ private:
+  // The button is seen to be released before an action that takes its time, which may replace itself or end
+  // the button.
+  void act() {
+    repaint();
+    const auto work = action;
+    if (work && mayAct_ && takesInput(*this)) work();
+  }
+
+  bool mayAct_ = false;
+  bool gaveItUp_ = false;
+  QPointer<QWidget> standIn_;
+};
+
+PushButton& pushButton(const Button& button) {
+  return static_cast<PushButton&>(*button.impl().widget);
+}
+
+}  // namespace
+
+Button::Button(Rect frame) : View(std::make_unique<Impl>(frame, std::make_unique<PushButton>())) {}
+
+void Button::setTitle(std::string_view title) {
+  pushButton(*this).setText(withoutMnemonic(textOf(title)));
+}
+
+void Button::setEnabled(bool enabled) {
+  pushButton(*this).enable(enabled);
+}
+
+bool Button::isEnabled() const {
+  return pushButton(*this).isEnabled();
+}
+
+void Button::setBezelStyle(BezelStyle) {}
+
+void Button::setAction(std::function<void()> action) {
+  pushButton(*this).action = std::move(action);
+}
+
+}  // namespace platform

@@ -1,0 +1,159 @@
+#include "platform/linux/windows/sheet.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include <QDialog>
+#include <QHBoxLayout>
+#include <QInputEvent>
+#include <QLabel>
+#include <QPainter>
+
+#include "platform/linux/windows/bezel_button.h"
+#include "platform/linux/windows/input_mark.h"
+#include "platform/linux/windows/text_impl.h"
+#include "platform/linux/windows/window_impl.h"
+
+namespace platform {
+namespace {
+
+constexpr int maxPanelWidth = 420, sideRoom = 20, margin = 20, gap = 16;
+constexpr int buttonWidth = 100, buttonHeight = 32;
+constexpr double fontSize = 13;
+constexpr QColor shade(0, 0, 0, 60);
+
+// The dialog's ways with Return and Escape, as a part of another window.
+class Panel : public QDialog {
+ public:
+  QPushButton* escapeButton = nullptr;
+
+  explicit Panel(QWidget& sheet) : QDialog(&sheet) { setWindowFlags(Qt::Widget); }
+
+  void reject() override {
+    if (escapeButton != nullptr) escapeButton->click();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Dark));
+    painter.setBrush(palette().color(QPalette::Window).lighter(104));
+    painter.drawRect(rect().adjusted(0, -1, -1, -1));  // open towards the title bar
+  }
+};
+
+QLabel* messageLabel(const QString& message) {
+  auto* label = new QLabel(message);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setFont(systemFont(label->font(), Font(fontSize, true)));
+  return label;
+}
+
+QLabel* iconLabel(const QPixmap& icon) {
+  auto* label = new QLabel;
+  label->setPixmap(icon);
+  label->setAlignment(Qt::AlignTop);
+  return label;
+}
+
+std::optional<std::size_t> indexOfEscape(const std::vector<QString>& titles) {
+  for (const auto* title : {"Cancel", "Close"}) {
+    const auto found = std::ranges::find(titles, QLatin1StringView(title));
+    if (found != titles.end()) return static_cast<std::size_t>(found - titles.begin());
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+Sheet::Sheet(QWidget& window, const InputMark& mark, const SheetContent& content,
+             std::function<void(int)> chosen)
+    : QWidget(&window), window_(window), mark_(mark), chosen_(std::move(chosen)) {
+  auto* panel = new Panel(*this);
+  panel_ = panel;
+  panel_->installEventFilter(this);
+  panel_->setAccessibleName(content.message);
+  addButtons(content);
+  if (const auto index = indexOfEscape(content.buttons)) panel->escapeButton = buttons_[*index];
+  layOut(content);
+}
+
+void Sheet::addButtons(const SheetContent& content) {
+  for (const QString& title : content.buttons) {
+    auto* button = new BezelButton(withoutMnemonic(title), panel_);
+    button->setFont(systemFont(button->font(), fontSize));
+    button->setMinimumSize(buttonWidth, buttonHeight);
+    button->installEventFilter(this);
+    const int index = static_cast<int>(buttons_.size());
+    connect(button, &QPushButton::clicked, this, [this, index] {
+      if (!isBlocked(*this)) chosen_(index);
+    });
+    buttons_.push_back(button);
+  }
+  buttons_.front()->setDefault(true);
+}
+
+// The default button stands rightmost.
+void Sheet::layOut(const SheetContent& content) {
+  auto* row = new QHBoxLayout;
+  row->setSpacing(gap / 2);
+  row->addStretch();
+  for (auto button = buttons_.rbegin(); button != buttons_.rend(); ++button) row->addWidget(*button);
+
+  auto* column = new QVBoxLayout;
+  column->setSpacing(gap);
+  column->addWidget(messageLabel(content.message), 1, Qt::AlignTop);
+  column->addLayout(row);
+
+  auto* whole = new QHBoxLayout(panel_);
+  whole->setContentsMargins(margin, margin, margin, margin);
+  whole->setSpacing(gap);
+  if (!content.icon.isNull()) whole->addWidget(iconLabel(content.icon));
+  whole->addLayout(column, 1);
+
+  setGeometry(window_.rect());
+  const int panelWidth = std::min(width() - 2 * sideRoom, maxPanelWidth);
+  panel_->setGeometry((width() - panelWidth) / 2, 0, panelWidth, whole->totalHeightForWidth(panelWidth));
+}
+
+void Sheet::open() {
+  focusBefore_ = window_.focusWidget();
+  show();
+  raise();
+  buttons_.front()->setFocus();
+}
+
+// The keyboard first: the toolkit would look for another place within the sheet.
+void Sheet::dismiss() {
+  const bool returns = focusBefore_ != nullptr && focusBefore_->isEnabled();
+  (returns ? focusBefore_.get() : &window_)->setFocus();
+  hide();
+}
+
+bool Sheet::focusNextPrevChild(bool next) {
+  const auto focused = std::ranges::find_if(buttons_, [](const auto* button) { return button->hasFocus(); });
+  const auto count = static_cast<std::ptrdiff_t>(buttons_.size());
+  const auto index = focused == buttons_.end() ? -1 : focused - buttons_.begin();
+  const auto following = next ? (index + 1) % count : (index <= 0 ? count : index) - 1;
+  buttons_[static_cast<std::size_t>(following)]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+  return true;
+}
+
+bool Sheet::eventFilter(QObject*, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::KeyPress:
+      return mark_.isAfter(*static_cast<QInputEvent*>(event));
+    default:
+      return false;
+  }
+}
+
+void Sheet::paintEvent(QPaintEvent*) {
+  QPainter(this).fillRect(rect(), shade);
+}
+
+}  // namespace platform

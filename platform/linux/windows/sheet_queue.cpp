@@ -1,0 +1,57 @@
+#include "platform/linux/windows/sheet_queue.h"
+
+#include <utility>
+
+#include "platform/linux/windows/posted_work.h"
+
+namespace platform {
+
+void SheetQueue::begin(SheetContent content, std::function<void(int)> didEnd) {
+  if (closed_) return;
+  waiting_.push_back({std::move(content), std::move(didEnd)});
+  showNext();
+}
+
+void SheetQueue::showNext() {
+  if (current_ != nullptr || waiting_.empty()) return;
+  Waiting next = std::move(waiting_.front());
+  waiting_.pop_front();
+  current_ =
+      std::make_unique<Sheet>(window_, inputMark_, next.content,
+                              [this, didEnd = std::move(next.didEnd)](int index) { end(index, didEnd); });
+  current_->open();
+}
+
+// Bound to the window, so that nothing is told once that is gone.
+void SheetQueue::end(int index, const std::function<void(int)>& didEnd) {
+  if (current_ == nullptr) return;
+  QMetaObject::invokeMethod(
+      &window_, [this, index, didEnd] { tellEnd(index, didEnd); }, Qt::QueuedConnection);
+  dropCurrent();
+}
+
+void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
+  if (closed_) return;
+  window_.repaint();  // didEnd may keep the run loop busy
+  const QPointer<QWidget> window(&window_);
+  didEnd(index);
+  if (window == nullptr) return;
+  // What didEnd has posted comes before the window's events that arrived meanwhile, and these answer no sheet
+  // that is new by then.
+  inputMark_.set();
+  PostedWork::shared().serve();
+  if (window != nullptr) showNext();
+}
+
+void SheetQueue::dropCurrent() {
+  current_->dismiss();
+  current_.release()->deleteLater();
+}
+
+void SheetQueue::close() {
+  closed_ = true;
+  waiting_.clear();
+  if (current_ != nullptr) dropCurrent();
+}
+
+}  // namespace platform

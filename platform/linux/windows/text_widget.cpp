@@ -1,0 +1,126 @@
+#include "platform/linux/windows/text_widget.h"
+
+#include <utility>
+
+#include <QKeyEvent>
+#include <QPainter>
+
+#include "platform/linux/windows/color_impl.h"
+#include "platform/linux/windows/link_access.h"
+#include "platform/workspace.h"
+
+namespace platform {
+namespace {
+
+QAccessibleInterface* describeLink(const QString&, QObject* object) {
+  auto* text = dynamic_cast<TextWidget*>(object);
+  if (text == nullptr || !text->isLink()) return nullptr;
+  return new AccessibleLink(*text, text->text(), [text] { text->openLink(); });
+}
+
+}  // namespace
+
+TextWidget::TextWidget() {
+  QAccessible::installFactory(describeLink);  // once, however often it is asked
+  setTextFormat(Qt::PlainText);
+  setWordWrap(true);
+  setMouseTracking(true);
+  settleInteraction();
+}
+
+void TextWidget::showPlain(const QString& text) {
+  attributes_.reset();
+  setText(text);
+  settleInteraction();
+}
+
+void TextWidget::showAttributed(const QString& text, TextAttributes attributes) {
+  attributes_ = std::move(attributes);
+  setText(text);
+  settleInteraction();
+}
+
+void TextWidget::setSelectable(bool selectable) {
+  selectable_ = selectable;
+  settleInteraction();
+}
+
+void TextWidget::setTruncatesTail(bool truncates) {
+  truncates_ = truncates;
+  update();
+}
+
+void TextWidget::settleInteraction() {
+  const bool selects = selectable_ && !attributes_;
+  setTextInteractionFlags(selects ? Qt::TextSelectableByMouse : Qt::NoTextInteraction);
+  if (!selects) setFocusPolicy(isLink() ? Qt::StrongFocus : Qt::NoFocus);
+  unsetCursor();
+  growToText();
+}
+
+void TextWidget::growToText() {
+  if (attributes_ && truncates_) return;
+  if (const int needed = heightForWidth(width()); needed > height()) resize(width(), needed);
+}
+
+void TextWidget::openLink() const {
+  if (isLink()) Workspace::sharedWorkspace().openURL(attributes_->link);
+}
+
+int TextWidget::layoutFlags() const {
+  return static_cast<int>(alignment()) | (truncates_ ? Qt::TextSingleLine : Qt::TextWordWrap);
+}
+
+QString TextWidget::shownText() const {
+  return truncates_ ? fontMetrics().elidedText(text().simplified(), Qt::ElideRight, width()) : text();
+}
+
+QRect TextWidget::textArea() const {
+  return fontMetrics().boundingRect(rect(), layoutFlags(), shownText()).intersected(rect());
+}
+
+void TextWidget::paintEvent(QPaintEvent* event) {
+  if (!attributes_) return QLabel::paintEvent(event);
+  QPainter painter(this);
+  QFont underlined = font();
+  underlined.setUnderline(attributes_->underline);
+  painter.setFont(underlined);
+  if (attributes_->foregroundColor) painter.setPen(toolkitColor(*attributes_->foregroundColor));
+  painter.drawText(rect(), layoutFlags(), shownText());
+  painter.end();
+  if (hasFocus()) drawFocusFrame(*this, textArea().adjusted(-1, 0, 1, 0).intersected(rect()));
+}
+
+void TextWidget::resizeEvent(QResizeEvent* event) {
+  QLabel::resizeEvent(event);
+  growToText();
+}
+
+void TextWidget::mousePressEvent(QMouseEvent* event) {
+  if (!isLink()) return QLabel::mousePressEvent(event);
+  pressed_ = event->button() == Qt::LeftButton && textArea().contains(event->position().toPoint());
+}
+
+void TextWidget::mouseMoveEvent(QMouseEvent* event) {
+  if (!attributes_) return QLabel::mouseMoveEvent(event);
+  const bool over = textArea().contains(event->position().toPoint());
+  setCursor(over && attributes_->pointingHandCursor ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
+void TextWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (!isLink()) return QLabel::mouseReleaseEvent(event);
+  if (event->button() != Qt::LeftButton) return;
+  if (std::exchange(pressed_, false) && textArea().contains(event->position().toPoint())) openLink();
+}
+
+void TextWidget::keyPressEvent(QKeyEvent* event) {
+  if (!isLink() || !pressesControl(event->key())) return QLabel::keyPressEvent(event);
+  if (!heldKey_.isRepeated(*event)) openLink();
+}
+
+void TextWidget::keyReleaseEvent(QKeyEvent* event) {
+  heldKey_.noteRelease(*event);
+  QLabel::keyReleaseEvent(event);
+}
+
+}  // namespace platform

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+
+#include <QLabel>
+
+#include "platform/linux/windows/held_key.h"
+#include "platform/text_view.h"
+
+namespace platform {
+
+// The body of a TextView: plain text as labels show it, or a text that looks and acts as its attributes say.
+class TextWidget : public QLabel {
+ public:
+  TextWidget();
+
+  void showPlain(const QString& text);
+  void showAttributed(const QString& text, TextAttributes attributes);
+  void setSelectable(bool selectable);
+  void setTruncatesTail(bool truncates);
+  // Grows downwards to what the text needs.
+  void growToText();
+
+  [[nodiscard]] bool isLink() const { return attributes_ && !attributes_->link.empty(); }
+  // Opens the link; nothing where there is none.
+  void openLink() const;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+
+ private:
+  void settleInteraction();
+  [[nodiscard]] int layoutFlags() const;
+  [[nodiscard]] QString shownText() const;
+  [[nodiscard]] QRect textArea() const;
+
+  std::optional<TextAttributes> attributes_;
+  bool selectable_ = true;
+  bool truncates_ = false;
+  bool pressed_ = false;
+  HeldKey heldKey_;
+};
+
+}  // namespace platform

@@ -1,0 +1,302 @@
+#include "platform/window.h"
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <utility>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QVariant>
+#include <QWindow>
+
+#include "platform/linux/desktop/x_requests.h"
+#include "platform/linux/windows/color_impl.h"
+#include "platform/linux/windows/modal_stack.h"
+#include "platform/linux/windows/text_impl.h"
+#include "platform/linux/windows/view_impl.h"
+#include "platform/linux/windows/window_hints.h"
+#include "platform/linux/windows/window_impl.h"
+
+namespace platform {
+namespace {
+
+// Where the content of a window may be for its frame to be wholly on the screen.
+QRect roomFor(const QWidget& window) {
+  const QRect content = window.geometry();
+  const QRect frame = window.frameGeometry();
+  return window.windowHandle()->screen()->availableGeometry().adjusted(
+      content.left() - frame.left(), content.top() - frame.top(), content.right() - frame.right(),
+      content.bottom() - frame.bottom());
+}
+
+// Its upper left comes first where there is too little room.
+QRect movedInto(const QRect& room, QRect place) {
+  place.moveRight(std::min(place.right(), room.right()));
+  place.moveBottom(std::min(place.bottom(), room.bottom()));
+  place.moveLeft(std::max(place.left(), room.left()));
+  place.moveTop(std::max(place.top(), room.top()));
+  return place;
+}
+
+// A window whose title bar has no close control is not closed by other means either.
+class WindowWidget : public QWidget {
+ public:
+  Window::Impl* owner = nullptr;
+
+  explicit WindowWidget(WindowStyle style) : style_(style) {
+    const Qt::WindowFlags titled = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint;
+    setWindowFlags(style == WindowStyle::Titled ? titled : titled | Qt::WindowCloseButtonHint);
+  }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override {
+    event->setAccepted(style_ == WindowStyle::TitledClosable && !owner->sheets.isUp());
+    if (!event->isAccepted()) return;
+    owner->willBeClosed();
+    owner->releaseOnceIdle();
+  }
+
+  void showEvent(QShowEvent*) override {
+    connect(windowHandle(), &QWindow::screenChanged, this, &WindowWidget::keepSizeOnceIdle,
+            Qt::UniqueConnection);
+  }
+
+  void paintEvent(QPaintEvent*) override {
+    owner->isComing = false;
+    owner->firstPicture.takeBack(*this);
+  }
+
+  void changeEvent(QEvent* event) override {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange && style_ == WindowStyle::Titled && isMinimized())
+      comeBackOnceIdle();
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
+    close();
+  }
+
+ private:
+  // The toolkit keeps a window's pixels on a screen of another scale, not its points.
+  void keepSizeOnceIdle() {
+    const auto keepSize = [this] {
+      if (size() == minimumSize() || windowHandle() == nullptr) return;
+      QRect place(QPoint(0, 0), minimumSize());
+      place.moveCenter(geometry().center());
+      setGeometry(movedInto(roomFor(*this), place));
+    };
+    QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
+  }
+
+  // Some window managers draw a control that makes a window an icon whatever its hints say.
+  void comeBackOnceIdle() {
+    const auto comeBack = [this] {
+      if (isMinimized() && windowHandle() != nullptr && isMadeIcon(*windowHandle())) owner->comeBack();
+    };
+    QMetaObject::invokeMethod(this, comeBack, Qt::QueuedConnection);
+  }
+
+  WindowStyle style_;
+};
+
+class ContentView : public View {
+ public:
+  ContentView(Rect frame, WindowStyle style)
+      : View(std::make_unique<Impl>(frame, std::make_unique<WindowWidget>(style))) {}
+};
+
+// All of its roles are set, so that none of them follows the desktop. What the toolkit derives from a colour
+// has a dark highlight; the desktop's own stays.
+QPalette paletteOn(const QColor& background) {
+  QPalette palette(background, background);
+  const QPalette desktop = QApplication::palette();
+  for (const auto role : {QPalette::Highlight, QPalette::HighlightedText}) {
+    palette.setColor(role, desktop.color(QPalette::Active, role));
+  }
+  return palette;
+}
+
+// Whether the window manager is told, by a _NET_WM_USER_TIME of 0, not to give the keyboard to a window when
+// it is shown. Qt hands WA_ShowWithoutActivating on to the QWindow only when it makes that, which is long
+// before; this is the property that it sets there.
+void setWantsKeyboard(QWidget& widget, bool wants) {
+  if (QWindow* window = widget.windowHandle())
+    window->setProperty("_q_showWithoutActivating", wants ? QVariant() : QVariant(true));
+}
+
+}  // namespace
+
+bool isWindowOfProgram(const QWidget& window) {
+  return dynamic_cast<const WindowWidget*>(&window) != nullptr;
+}
+
+bool isBlocked(const QWidget& widget) {
+  return ModalStack::shared().blocks(*widget.window());
+}
+
+bool takesInput(const QWidget& widget) {
+  const auto* window = dynamic_cast<const WindowWidget*>(widget.window());
+  return window == nullptr || (!window->owner->sheets.isUp() && !isBlocked(widget));
+}
+
+void bringWindowsForward() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (auto* window = dynamic_cast<WindowWidget*>(widget)) window->owner->comeForward();
+  }
+}
+
+Window::Impl::Impl(Rect contentRect, WindowStyle ofStyle)
+    : style(ofStyle),
+      content(std::make_unique<ContentView>(Rect{0, 0, contentRect.width, contentRect.height}, style)),
+      widget(*content->impl().widget),
+      sheets(widget) {
+  widget.setFixedSize(widget.size());
+  static_cast<WindowWidget&>(widget).owner = this;
+}
+
+void Window::Impl::willBeClosed() {
+  closed = true;
+  hiddenByInactivity = false;
+  activity.reset();
+  sheets.close();
+  if (const auto tell = std::exchange(willClose, nullptr)) tell();
+}
+
+// The toolkit still works on the widget that is being closed.
+void Window::Impl::releaseOnceIdle() {
+  QMetaObject::invokeMethod(
+      qApp, [self = std::move(onScreen)] {}, Qt::QueuedConnection);
+}
+
+void Window::Impl::followActivity(bool active) {
+  if (active) {
+    if (!std::exchange(hiddenByInactivity, false)) return;
+    setWantsKeyboard(widget, false);
+    appear(&QWidget::show);
+    setWantsKeyboard(widget, true);
+    // Some window managers put it above the window that keeps it from taking input.
+    if (isBlocked(widget)) ModalStack::shared().bringForward();
+  } else if (widget.isVisible()) {
+    hiddenByInactivity = true;
+    widget.hide();
+  }
+}
+
+void Window::Impl::comeForward() {
+  if (std::exchange(hiddenByInactivity, false)) {
+    appear(&QWidget::show);
+    isComing = true;
+  }
+  if (!widget.isVisible()) return;
+  if (widget.isMinimized()) appear(&QWidget::showNormal);
+  widget.raise();
+  widget.activateWindow();
+}
+
+void Window::Impl::comeBack() {
+  comeForward();
+  if (isBlocked(widget)) ModalStack::shared().bringForward();
+}
+
+// The toolkit may make another window of the system's for one whose flags have changed since it was shown.
+void Window::Impl::appear(void (QWidget::*show)()) {
+  widget.winId();
+  tellItsControls();
+  (widget.*show)();
+  firstPicture.give(widget);
+  tellItsControls();
+}
+
+void Window::Impl::tellItsControls() {
+  if (QWindow* window = widget.windowHandle()) tellControls(*window, style == WindowStyle::TitledClosable);
+}
+
+bool Window::Impl::isOnScreen() const {
+  if (!widget.isVisible() || widget.isMinimized() || widget.windowHandle() == nullptr) return false;
+  return isComing || widget.windowHandle()->isExposed();
+}
+
+// On the window itself: the toolkit would make a new one for a changed flag of the widget.
+void Window::Impl::setAboveOthers(bool above) {
+  QWindow* window = widget.windowHandle();
+  if (window == nullptr) return;
+  window->setFlag(Qt::WindowStaysOnTopHint, above);
+  tellItsControls();
+}
+
+std::shared_ptr<Window> Window::make(Rect contentRect, WindowStyle style) {
+  return std::shared_ptr<Window>(new Window(contentRect, style));
+}
+
+Window::Window(Rect contentRect, WindowStyle style) : impl_(std::make_unique<Impl>(contentRect, style)) {}
+
+Window::~Window() {
+  impl_.reset();
+  // Pictures and widgets leave holes behind; pages without anything in them go back to the system.
+  ::malloc_trim(0);
+}
+
+void Window::setTitle(std::string_view title) {
+  impl_->widget.setWindowTitle(textOf(title));
+}
+
+void Window::setBackgroundColor(Color color) {
+  impl_->widget.setPalette(paletteOn(toolkitColor(color)));
+}
+
+void Window::setHidesOnDeactivate(bool hides) {
+  impl_->activity.reset();
+  if (hides)
+    impl_->activity = std::make_unique<ActivityWatch>([this](bool active) { impl_->followActivity(active); });
+}
+
+void Window::setWillClose(std::function<void()> willClose) {
+  impl_->willClose = std::move(willClose);
+}
+
+View& Window::contentView() const {
+  return *impl_->content;
+}
+
+void Window::center() {
+  QRect place(QPoint(0, 0), impl_->widget.size());
+  place.moveCenter(QGuiApplication::primaryScreen()->availableGeometry().center());
+  impl_->widget.setGeometry(place);
+}
+
+void Window::makeKeyAndOrderFront() {
+  if (impl_->closed || impl_->hiddenByInactivity) return;
+  impl_->onScreen = shared_from_this();
+  orderTabsAsMade(*impl_->content);
+  if (!impl_->widget.isVisible()) {
+    impl_->appear(&QWidget::show);
+    impl_->isComing = true;
+  }
+  impl_->widget.raise();
+  impl_->widget.activateWindow();
+}
+
+void Window::orderOut() {
+  impl_->hiddenByInactivity = false;
+  impl_->widget.hide();
+  settleXRequests();
+  // May be the last reference: nothing is touched after it.
+  const auto self = std::move(impl_->onScreen);
+}
+
+void Window::close() {
+  if (impl_->closed) return;
+  const auto self = shared_from_this();
+  impl_->willBeClosed();
+  orderOut();
+}
+
+bool Window::isVisible() const {
+  return impl_->widget.isVisible();
+}
+
+}  // namespace platform

@@ -1,0 +1,104 @@
+#include "platform/portable/child_run.h"
+
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "platform/helper_folder.h"
+#include "platform/portable/spawn_attributes.h"
+
+namespace platform {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds pollInterval = 10ms;
+// A process that waits for a dead network file system ends late, if ever.
+constexpr std::chrono::milliseconds killPatience = 1s;
+
+// The environment of the agent with the helper programs first on PATH; what they start gets the original one
+// back.
+std::vector<std::string> environmentWithHelpers() {
+  std::vector<std::string> environment;
+  std::string originalPath = "/usr/local/bin:/usr/bin:/bin";
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string_view text = *entry;
+    if (text.starts_with("PATH=")) {
+      originalPath = text.substr(5);
+    } else if (!text.starts_with("TOVALIN_ORIGINAL_PATH=")) {
+      environment.emplace_back(text);
+    }
+  }
+  const auto helpers = helperFolder();
+  environment.push_back("PATH=" + (helpers ? *helpers + ":" : "") + originalPath);
+  environment.push_back("TOVALIN_ORIGINAL_PATH=" + originalPath);
+  return environment;
+}
+
+int waitFor(pid_t child) {
+  int status = 0;
+  while (::waitpid(child, &status, 0) == -1) {
+    if (errno != EINTR) return -1;
+  }
+  return status;
+}
+
+// The wait status of `child`; nullopt if it still runs at the deadline. Polls, because a pidfd would take a
+// free descriptor, and the limit must hold without one.
+std::optional<int> waitUntil(Clock::time_point deadline, pid_t child) {
+  for (;;) {
+    int status = 0;
+    const pid_t ended = ::waitpid(child, &status, WNOHANG);
+    if (ended == child) return status;
+    if (ended == -1 && errno != EINTR) return -1;
+    if (Clock::now() >= deadline) return std::nullopt;
+    std::this_thread::sleep_for(pollInterval);
+  }
+}
+
+// As execve(2) takes them; they point into `texts`.
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+std::optional<pid_t> start(const std::string& program, std::vector<std::string> arguments,
+                           const SpawnAttributes& attributes) {
+  std::vector<std::string> environment = environmentWithHelpers();
+  SpawnStreams inherited;
+  pid_t child = 0;
+  const int error = posix_spawn(&child, program.c_str(), inherited.get(), attributes.get(),
+                                pointersTo(arguments).data(), pointersTo(environment).data());
+  return error == 0 ? std::optional(child) : std::nullopt;
+}
+
+}  // namespace
+
+int runAndWait(const std::string& program, std::vector<std::string> arguments) {
+  const auto child = start(program, std::move(arguments), SpawnAttributes());
+  return child ? waitFor(*child) : -1;
+}
+
+std::optional<int> runWithLimit(const std::string& program, std::vector<std::string> arguments,
+                                std::chrono::milliseconds limit) {
+  const auto deadline = Clock::now() + limit;
+  const auto child = start(program, std::move(arguments), SpawnAttributes(POSIX_SPAWN_SETPGROUP));
+  if (!child) return -1;
+  if (const auto status = waitUntil(deadline, *child)) return status;
+  // The child has not been reaped, so its number still stands for its group.
+  ::kill(-*child, SIGKILL);
+  waitUntil(Clock::now() + killPatience, *child);
+  return std::nullopt;
+}
+
+}  // namespace platform

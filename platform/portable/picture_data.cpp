@@ -1,0 +1,64 @@
+#include "platform/portable/picture_data.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace platform {
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view pngSignature = "\x89PNG\r\n\x1a\n";
+constexpr std::string_view jpegSignature = "\xff\xd8";
+constexpr std::string_view jpegPass = "\xff\xda";
+
+// A picture that builds up in passes has ten or so.
+constexpr int mostJpegPasses = 64;
+
+// A chunk is the length of its contents, a name, the contents and their check sum.
+constexpr std::size_t lengthSize = 4, nameSize = 4, checkSumSize = 4;
+
+constexpr std::array pixelChunks = {"IHDR"sv, "PLTE"sv, "tRNS"sv, "IDAT"sv, "IEND"sv};
+
+std::size_t contentsLength(std::string_view chunk) {
+  std::size_t length = 0;
+  for (const char byte : chunk.substr(0, lengthSize)) length = length << 8U | static_cast<std::uint8_t>(byte);
+  return length;
+}
+
+// What follows the end is no part of the picture.
+std::optional<std::string> pixelsOfPng(std::string_view rest) {
+  std::string pixels(pngSignature);
+  rest.remove_prefix(pngSignature.size());
+  for (std::string_view name; name != "IEND";) {
+    if (rest.size() < lengthSize + nameSize + checkSumSize) return std::nullopt;
+    const std::size_t length = contentsLength(rest);
+    if (length > rest.size() - lengthSize - nameSize - checkSumSize) return std::nullopt;
+    const std::string_view chunk = rest.substr(0, lengthSize + nameSize + length + checkSumSize);
+    name = chunk.substr(lengthSize, nameSize);
+    if (std::ranges::find(pixelChunks, name) != pixelChunks.end()) pixels += chunk;
+    rest.remove_prefix(chunk.size());
+  }
+  return pixels;
+}
+
+bool hasTooManyPasses(std::string_view bytes) {
+  int passes = 0;
+  for (std::size_t place = bytes.find(jpegPass); place != std::string_view::npos;
+       place = bytes.find(jpegPass, place + jpegPass.size())) {
+    if (++passes > mostJpegPasses) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<std::string> boundedPictureData(std::string_view bytes) {
+  if (bytes.starts_with(pngSignature)) return pixelsOfPng(bytes);
+  if (bytes.starts_with(jpegSignature) && hasTooManyPasses(bytes)) return std::nullopt;
+  return std::string(bytes);
+}
+
+}  // namespace platform

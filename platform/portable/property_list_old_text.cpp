@@ -1,0 +1,223 @@
+#include <algorithm>
+
+#include "platform/portable/property_list_escapes.h"
+#include "platform/portable/property_list_readers.h"
+
+namespace platform {
+namespace {
+
+bool isWordCharacter(char c) {
+  constexpr std::string_view marks = "_$/:.-";
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+         marks.find(c) != marks.npos;
+}
+
+// The size of the white space that `text` begins with: the controls from tab to carriage return, the blank,
+// and the line and paragraph separators U+2028 and U+2029.
+std::size_t blankSize(std::string_view text) {
+  constexpr std::string_view lineSeparator = "\xE2\x80\xA8", paragraphSeparator = "\xE2\x80\xA9";
+  if (text.empty()) return 0;
+  if (text.front() == ' ' || (text.front() >= '\t' && text.front() <= '\r')) return 1;
+  if (text.starts_with(lineSeparator) || text.starts_with(paragraphSeparator)) return lineSeparator.size();
+  return 0;
+}
+
+int hexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+}
+
+// Goes through the text of one list once, from its start.
+class OldTextReader {
+ public:
+  explicit OldTextReader(std::string_view text) : rest_(text) {}
+
+  std::optional<PropertyList> object();
+  // The keys and values of a dictionary without the braces around them.
+  std::optional<PropertyList> stringsFile();
+  // Passes over white space and comments; whether anything is left. False also where a comment never ends.
+  bool skipBlanks();
+  // Nothing of the text is left.
+  [[nodiscard]] bool atEnd() const { return rest_.empty(); }
+
+ private:
+  bool skipComment();
+  bool accept(char c);
+  bool pair(PropertyList::Dictionary& entries);
+  std::optional<PropertyList> array();
+  std::optional<PropertyList> dictionary();
+  std::optional<PropertyList> pairs();
+  std::optional<PropertyList> data();
+  std::optional<std::string> string();
+  std::optional<std::string_view> quoted();
+  std::string_view word();
+
+  std::string_view rest_;
+  ListBounds bounds_;
+};
+
+bool OldTextReader::skipBlanks() {
+  while (!rest_.empty()) {
+    if (const std::size_t size = blankSize(rest_); size > 0) {
+      rest_.remove_prefix(size);
+    } else if (rest_.starts_with("//")) {
+      rest_.remove_prefix(std::min(rest_.find_first_of("\n\r"), rest_.size()));
+    } else if (rest_.starts_with("/*")) {
+      if (!skipComment()) return false;
+    } else {
+      return true;
+    }
+  }
+  return false;
+}
+
+// One that never ends leaves its start where it is, which is no value's start and not the end of the text
+// either.
+bool OldTextReader::skipComment() {
+  constexpr std::string_view opening = "/*", closing = "*/";
+  const std::size_t end = rest_.find(closing, opening.size());
+  if (end == std::string_view::npos) return false;
+  rest_.remove_prefix(end + closing.size());
+  return true;
+}
+
+bool OldTextReader::accept(char c) {
+  if (!skipBlanks() || rest_.front() != c) return false;
+  rest_.remove_prefix(1);
+  return true;
+}
+
+std::optional<PropertyList> OldTextReader::object() {
+  if (!bounds_.takeObjects()) return std::nullopt;
+  if (accept('{')) return dictionary();
+  if (accept('(')) return array();
+  if (accept('<')) return data();
+  auto text = string();
+  if (!text) return std::nullopt;
+  return PropertyList(std::move(*text));
+}
+
+std::optional<PropertyList> OldTextReader::array() {
+  const ListBounds::Level level(bounds_);
+  if (level.tooDeep()) return std::nullopt;
+  PropertyList::Array items;
+  while (!accept(')')) {
+    auto item = object();
+    if (!item) return std::nullopt;
+    items.push_back(std::move(*item));
+    if (accept(',')) continue;
+    if (!accept(')')) return std::nullopt;
+    break;
+  }
+  return PropertyList(std::move(items));
+}
+
+std::optional<PropertyList> OldTextReader::dictionary() {
+  auto entries = pairs();
+  if (!entries || !accept('}')) return std::nullopt;
+  return entries;
+}
+
+std::optional<PropertyList> OldTextReader::stringsFile() {
+  if (!bounds_.takeObjects()) return std::nullopt;
+  return pairs();
+}
+
+// Up to a closing brace or the end.
+std::optional<PropertyList> OldTextReader::pairs() {
+  const ListBounds::Level level(bounds_);
+  if (level.tooDeep()) return std::nullopt;
+  PropertyList::Dictionary entries;
+  while (skipBlanks() && rest_.front() != '}') {
+    if (!pair(entries)) return std::nullopt;
+  }
+  return PropertyList(std::move(entries));
+}
+
+// A key without a value stands for itself.
+bool OldTextReader::pair(PropertyList::Dictionary& entries) {
+  if (!bounds_.takeObjects()) return false;
+  auto key = string();
+  if (!key) return false;
+  if (accept(';')) {
+    if (!bounds_.takeObjects() || !bounds_.takeBytes(key->size())) return false;
+    entries.insert_or_assign(*key, PropertyList(*key));
+    return true;
+  }
+  if (!accept('=')) return false;
+  auto value = object();
+  if (!value || !accept(';')) return false;
+  entries.insert_or_assign(std::move(*key), std::move(*value));
+  return true;
+}
+
+// White space may stand between the bytes, not within one.
+std::optional<PropertyList> OldTextReader::data() {
+  PropertyList::Data bytes;
+  while (!rest_.starts_with('>')) {
+    if (const std::size_t size = blankSize(rest_); size > 0) {
+      rest_.remove_prefix(size);
+      continue;
+    }
+    if (rest_.size() < 2 || !bounds_.takeBytes(1)) return std::nullopt;
+    const int high = hexValue(rest_[0]), low = hexValue(rest_[1]);
+    if (high < 0 || low < 0) return std::nullopt;
+    bytes.push_back(static_cast<std::byte>(high << 4 | low));
+    rest_.remove_prefix(2);
+  }
+  rest_.remove_prefix(1);
+  return PropertyList(std::move(bytes));
+}
+
+std::optional<std::string> OldTextReader::string() {
+  if (!skipBlanks()) return std::nullopt;
+  std::optional<std::string> text;
+  if (rest_.front() == '"' || rest_.front() == '\'') {
+    const auto inside = quoted();
+    if (inside) text = unescapeListText(*inside);
+  } else if (const std::string_view plain = word(); !plain.empty()) {
+    text = plain;
+  }
+  if (!text || !bounds_.takeBytes(text->size())) return std::nullopt;
+  return text;
+}
+
+// What stands between the quote at the start and the next of the same kind that no backslash precedes.
+std::optional<std::string_view> OldTextReader::quoted() {
+  const char stops[] = {rest_.front(), '\\'};
+  for (std::size_t end = 1;; end += 2) {
+    end = rest_.find_first_of(std::string_view(stops, sizeof stops), end);
+    if (end == std::string_view::npos) return std::nullopt;
+    if (rest_[end] == '\\') continue;
+    const std::string_view inside = rest_.substr(1, end - 1);
+    rest_.remove_prefix(end + 1);
+    return inside;
+  }
+}
+
+std::string_view OldTextReader::word() {
+  const auto end = std::ranges::find_if_not(rest_, isWordCharacter);
+  const std::string_view word = rest_.substr(0, static_cast<std::size_t>(end - rest_.begin()));
+  rest_.remove_prefix(word.size());
+  return word;
+}
+
+}  // namespace
+
+std::optional<PropertyList> readOldTextList(std::string_view text) {
+  OldTextReader reader(text);
+  auto list = reader.object();
+  if (!list) return std::nullopt;
+  reader.skipBlanks();
+  if (reader.atEnd()) return list;
+
+  // A string with more behind it is the first key of a strings file.
+  if (list->as<std::string>() == nullptr) return std::nullopt;
+  OldTextReader strings(text);
+  auto entries = strings.stringsFile();
+  if (!strings.atEnd()) return std::nullopt;
+  return entries;
+}
+
+}  // namespace platform

@@ -1,0 +1,277 @@
+#include <expat.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "platform/portable/property_list_readers.h"
+#include "platform/portable/property_list_scalars.h"
+#include "platform/portable/property_list_xml_markup.h"
+
+namespace platform {
+namespace {
+
+enum class Element { Plist, Dict, Array, True, False, Data, Integer, Real, Date, String, Key };
+
+std::optional<Element> elementNamed(std::string_view name) {
+  if (name == "key") return Element::Key;
+  if (name == "string") return Element::String;
+  if (name == "true") return Element::True;
+  if (name == "false") return Element::False;
+  if (name == "integer") return Element::Integer;
+  if (name == "dict") return Element::Dict;
+  if (name == "array") return Element::Array;
+  if (name == "real") return Element::Real;
+  if (name == "date") return Element::Date;
+  if (name == "data") return Element::Data;
+  if (name == "plist") return Element::Plist;
+  return std::nullopt;
+}
+
+bool isContainer(Element element) {
+  return element == Element::Plist || element == Element::Dict || element == Element::Array;
+}
+
+bool isBlank(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
+}
+
+// Builds the list from the parser's events. Each event returns false where the text is no list or exceeds
+// the bounds.
+class XmlListBuilder {
+ public:
+  bool start(std::string_view name);
+  bool text(std::string_view piece);
+  bool end();
+  // The list, once every element has ended.
+  std::optional<PropertyList> take() { return std::exchange(root_, std::nullopt); }
+
+ private:
+  // A container whose end tag is still to come. <plist> is one that holds a single value.
+  struct Open {
+    Element element;
+    PropertyList::Array items = {};
+    PropertyList::Dictionary entries = {};
+    std::optional<std::string> key = {};
+  };
+
+  [[nodiscard]] bool mayStart(Element element) const;
+  [[nodiscard]] bool isTooDeep() const;
+  bool startLeaf(Element element);
+  bool endLeaf();
+  bool endContainer();
+  bool addLeaf(Element element);
+  template <typename T>
+  bool add(std::optional<T> value);
+  template <typename T>
+  static void addEntry(Open& dictionary, T value);
+
+  std::vector<Open> open_;
+  std::optional<Element> leaf_;
+  std::string text_;
+  PropertyList::Data data_;
+  std::optional<Base64Decoder> decoder_;
+  std::optional<PropertyList> root_;
+  ListBounds bounds_;
+};
+
+bool XmlListBuilder::start(std::string_view name) {
+  const auto element = elementNamed(name);
+  if (!element || leaf_ || !mayStart(*element)) return false;
+  if (*element != Element::Plist && !bounds_.takeObjects()) return false;
+  if (!isContainer(*element)) return startLeaf(*element);
+  open_.push_back({.element = *element});
+  return !isTooDeep();
+}
+
+// A value stands in <plist>; without one around it, it is a list as well.
+bool XmlListBuilder::mayStart(Element element) const {
+  if (open_.empty()) return element != Element::Key;
+  const Open& parent = open_.back();
+  if (element == Element::Plist) return false;
+  if (parent.element == Element::Dict) return (element == Element::Key) != parent.key.has_value();
+  return element != Element::Key && (parent.element == Element::Array || !root_);
+}
+
+bool XmlListBuilder::isTooDeep() const {
+  const std::size_t depth = open_.size() - (open_.front().element == Element::Plist ? 1 : 0);
+  return depth > propertyListMaxDepth;
+}
+
+bool XmlListBuilder::startLeaf(Element element) {
+  leaf_ = element;
+  text_.clear();
+  data_.clear();
+  if (element == Element::Data) decoder_.emplace(data_);
+  return true;
+}
+
+bool XmlListBuilder::text(std::string_view piece) {
+  if (!leaf_ || leaf_ == Element::True || leaf_ == Element::False) return isBlank(piece);
+  if (leaf_ != Element::Data) {
+    if (!bounds_.takeBytes(piece.size())) return false;
+    text_ += piece;
+    return true;
+  }
+  const std::size_t before = data_.size();
+  return decoder_->add(piece) && bounds_.takeBytes(data_.size() - before);
+}
+
+bool XmlListBuilder::end() {
+  return leaf_ ? endLeaf() : endContainer();
+}
+
+bool XmlListBuilder::endLeaf() {
+  const Element element = *std::exchange(leaf_, std::nullopt);
+  if (element != Element::Key) return addLeaf(element);
+  open_.back().key = std::move(text_);
+  return true;
+}
+
+bool XmlListBuilder::addLeaf(Element element) {
+  switch (element) {
+    case Element::True:
+    case Element::False:
+      return add(std::optional(element == Element::True));
+    case Element::Data:
+      return decoder_->complete() && add(std::optional(std::move(data_)));
+    case Element::Integer:
+      return add(parseListInteger(text_));
+    case Element::Real:
+      return add(parseListReal(text_));
+    case Element::Date:
+      return add(parseListDate(text_));
+    default:
+      return add(std::optional(std::move(text_)));
+  }
+}
+
+bool XmlListBuilder::endContainer() {
+  Open container = std::move(open_.back());
+  open_.pop_back();
+  if (container.element == Element::Plist) return root_.has_value();
+  if (container.element == Element::Array) return add(std::optional(std::move(container.items)));
+  return !container.key && add(std::optional(std::move(container.entries)));
+}
+
+template <typename T>
+bool XmlListBuilder::add(std::optional<T> value) {
+  if (!value) return false;
+  if (open_.empty() || open_.back().element == Element::Plist) {
+    root_.emplace(std::move(*value));
+  } else if (Open& parent = open_.back(); parent.element == Element::Array) {
+    parent.items.emplace_back(std::move(*value));
+  } else {
+    addEntry(parent, std::move(*value));
+  }
+  return true;
+}
+
+// Of entries with the same key the last counts. Most lists are sorted by key, hence the hint.
+template <typename T>
+void XmlListBuilder::addEntry(Open& dictionary, T value) {
+  const auto entry = dictionary.entries.try_emplace(dictionary.entries.end(), std::move(*dictionary.key));
+  entry->second = PropertyList(std::move(value));
+  dictionary.key.reset();
+}
+
+// Runs Expat (https://libexpat.github.io/doc/) over the text.
+class XmlListParser {
+ public:
+  // The text is UTF-8 already, whatever its declaration names.
+  XmlListParser() : parser_(XML_ParserCreate("UTF-8")) {}
+
+  std::optional<PropertyList> read(std::string_view text);
+
+ private:
+  struct Free {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+  };
+
+  bool feed(std::string_view piece);
+  bool parse(std::string_view slice, bool isLast);
+  // No exception may pass through the parser's C code, which calls handlers even after it was stopped.
+  template <typename Event>
+  void handle(Event event);
+
+  static void XMLCALL onStart(void* self, const XML_Char* name, const XML_Char** attributes);
+  static void XMLCALL onEnd(void* self, const XML_Char* name);
+  static void XMLCALL onText(void* self, const XML_Char* text, int size);
+  static void XMLCALL onOther(void* self, const XML_Char* text, int size);
+
+  std::unique_ptr<XML_ParserStruct, Free> parser_;
+  XmlListBuilder builder_;
+  bool refused_ = false;
+  bool sawEvent_ = false;
+};
+
+std::optional<PropertyList> XmlListParser::read(std::string_view text) {
+  XmlMarkup markup(text);
+  if (parser_ == nullptr || !markup.skipProlog()) return std::nullopt;
+  XML_SetUserData(parser_.get(), this);
+  XML_SetElementHandler(parser_.get(), &onStart, &onEnd);
+  XML_SetCharacterDataHandler(parser_.get(), &onText);
+  XML_SetDefaultHandler(parser_.get(), &onOther);
+  for (;;) {
+    const auto piece = markup.next();
+    if (!piece || !feed(*piece)) return std::nullopt;
+    if (piece->empty()) return parse({}, true) ? builder_.take() : std::nullopt;
+  }
+}
+
+// A whole slice without an event lies within one tag or reference. No list has such a long one, and the
+// parser would store all of its attributes.
+bool XmlListParser::feed(std::string_view piece) {
+  constexpr std::size_t sliceSize = 4096;
+  while (!piece.empty()) {
+    const std::string_view slice = piece.substr(0, sliceSize);
+    sawEvent_ = false;
+    if (!parse(slice, false) || (slice.size() == sliceSize && !sawEvent_)) return false;
+    piece.remove_prefix(slice.size());
+  }
+  return true;
+}
+
+bool XmlListParser::parse(std::string_view slice, bool isLast) {
+  const auto size = static_cast<int>(slice.size());
+  return XML_Parse(parser_.get(), slice.data(), size, isLast ? XML_TRUE : XML_FALSE) == XML_STATUS_OK;
+}
+
+template <typename Event>
+void XmlListParser::handle(Event event) {
+  if (refused_) return;
+  sawEvent_ = true;
+  try {
+    refused_ = !event(builder_);
+  } catch (const std::bad_alloc&) {
+    refused_ = true;
+  }
+  if (refused_) XML_StopParser(parser_.get(), XML_FALSE);
+}
+
+void XmlListParser::onStart(void* self, const XML_Char* name, const XML_Char** /*attributes*/) {
+  static_cast<XmlListParser*>(self)->handle([name](XmlListBuilder& builder) { return builder.start(name); });
+}
+
+void XmlListParser::onEnd(void* self, const XML_Char* /*name*/) {
+  static_cast<XmlListParser*>(self)->handle([](XmlListBuilder& builder) { return builder.end(); });
+}
+
+void XmlListParser::onText(void* self, const XML_Char* text, int size) {
+  const std::string_view piece(text, static_cast<std::size_t>(size));
+  static_cast<XmlListParser*>(self)->handle([piece](XmlListBuilder& builder) { return builder.text(piece); });
+}
+
+// White space behind the root element, for one.
+void XmlListParser::onOther(void* self, const XML_Char* /*text*/, int /*size*/) {
+  static_cast<XmlListParser*>(self)->sawEvent_ = true;
+}
+
+}  // namespace
+
+std::optional<PropertyList> readXmlList(std::string_view text) {
+  return XmlListParser().read(text);
+}
+
+}  // namespace platform

@@ -1,0 +1,182 @@
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "platform/linux/file_events/file_identity.h"
+#include "platform/linux/file_events/inotify.h"
+#include "tests/platform/linux/file_events/file_event_fixture.h"
+#include "tests/support/child_process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using test_support::ChildProcess;
+using testing::Contains;
+using testing::ElementsAre;
+
+TEST_F(FileEvents, NoStreamForAFolderThatIsNotThere) {
+  EXPECT_EQ(make("/tmp/way/nothing"), nullptr);
+}
+
+TEST_F(FileEvents, NoStreamForAFile) {
+  write("file");
+  EXPECT_EQ(make(inRoot("file")), nullptr);
+}
+
+TEST_F(FileEvents, NoStreamForAPathWithoutABeginning) {
+  EXPECT_EQ(make(""), nullptr);
+  EXPECT_EQ(make("tmp"), nullptr);
+}
+
+// A writer without a pause must not hold the reader up.
+TEST_F(FileEvents, DrainTakesOnlyTheNoticesThatWaitAtItsBeginning) {
+  platform::Inotify queue;
+  ASSERT_GE(queue.add(root_, IN_CREATE), 0);
+  constexpr int enough = 100;
+  int taken = 0;
+  const auto writeNext = [&] { std::ofstream(inRoot(std::to_string(taken))).flush(); };
+  writeNext();
+  queue.drain([&](const platform::Inotify::Notice&) {
+    if (++taken < enough) writeNext();
+  });
+  EXPECT_EQ(taken, 1);
+}
+
+// File systems give the number of a removed folder to a new one; its birth time tells them apart.
+TEST_F(FileEvents, IdentityOfAFolderHoldsItsBirthTime) {
+  struct statx status {};
+  ASSERT_EQ(::statx(AT_FDCWD, root_.c_str(), 0, STATX_BTIME, &status), 0);
+  if ((status.stx_mask & STATX_BTIME) == 0) GTEST_SKIP() << "this file system keeps no birth time";
+  const auto identity = platform::folderAt(root_);
+  ASSERT_TRUE(identity);
+  EXPECT_EQ(identity->madeSeconds, status.stx_btime.tv_sec);
+  EXPECT_EQ(identity->madeNanoseconds, status.stx_btime.tv_nsec);
+}
+
+long watchesForAll() {
+  long count = 0;
+  std::ifstream("/proc/sys/fs/inotify/max_user_watches") >> count;
+  return count;
+}
+
+TEST_F(FileEvents, TreeOf20000FoldersIsWatchedToItsLastFolder) {
+  if (watchesForAll() < 25000) GTEST_SKIP() << "this system has room for " << watchesForAll() << " watches";
+  for (int i = 0; i < 100; ++i) {
+    for (int j = 0; j < 199; ++j) makeFolder("folder" + std::to_string(i) + "/folder" + std::to_string(j));
+  }
+  watch();
+  for (const char* name : {"folder0/folder0", "folder57/folder123", "folder99/folder198"})
+    write(std::string(name) + "/file");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("folder0/folder0"), changed("folder57/folder123"),
+                                       changed("folder99/folder198")));
+  fs::rename(root_, root_ + " old");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+// More changes than the kernel's queue holds, while nobody reads it.
+void overflowQueueIn(const std::string& folder) {
+  int room = 0;
+  std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> room;
+  // Each leaves two notices, and notices that are alike in a row are one.
+  for (int i = 0; i <= room / 2; ++i) {
+    std::ofstream(folder + "/file" + std::to_string(i % 2)) << "";
+    fs::remove(folder + "/file" + std::to_string(i % 2));
+  }
+}
+
+TEST_F(FileEvents, QueueThatRanOverSaysThatAllMustBeScanned) {
+  makeFolder("a");
+  watch();
+  overflowQueueIn(inRoot("a"));
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}));
+}
+
+TEST_F(FileEvents, FoldersWhoseMakingTheQueueLostAreWatchedAllTheSame) {
+  makeFolder("a");
+  watch();
+  overflowQueueIn(inRoot("a"));
+  makeFolder("lost/sub");
+  ASSERT_THAT(nextBatch(), Contains(platform::FileEvent{root_, Stream::mustScanSubDirs}));
+  write("lost/sub/file");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("lost/sub")));
+}
+
+TEST_F(FileEvents, RemovalThatTheQueueLostIsSeen) {
+  makeFolder("a");
+  watch();
+  overflowQueueIn(inRoot("a"));
+  fs::remove_all(root_);
+  EXPECT_THAT(nextBatch(),
+              ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}, rootChanged()));
+}
+
+// A watcher in a user namespace with limits of its own.
+class WatchLimits : public FileEvents {
+ protected:
+  void SetUp() override {
+    if (!canSet()) GTEST_SKIP() << "no limits of one's own to be had";
+    FileEvents::SetUp();
+    for (int i = 0; i < 50; ++i) makeFolder("folder" + std::to_string(i));
+  }
+
+  // What the probe says first.
+  std::optional<std::string> startProbe(const std::string& limit, int value) {
+    EXPECT_TRUE(probe_.start(limited(limit, value, "exec \"$0\" \"$1\"")));
+    return probe_.readLine();
+  }
+  static std::string line(const platform::FileEvent& event) {
+    return std::to_string(event.flags) + " " + event.path;
+  }
+
+  ChildProcess probe_;
+
+ private:
+  [[nodiscard]] std::vector<std::string> limited(const std::string& limit, int value,
+                                                 const std::string& command) const {
+    const std::string set = "echo " + std::to_string(value) + " >/proc/sys/user/" + limit;
+    return {"unshare",        "--user", "--map-root-user", "sh", "-c", set + " && " + command,
+            FILE_EVENT_PROBE, root_};
+  }
+  [[nodiscard]] bool canSet() const {
+    ChildProcess trial;
+    return trial.start(limited("max_inotify_watches", 1, "true")) &&
+           trial.wait() == test_support::ExitStatus{.code = 0};
+  }
+};
+
+TEST_F(WatchLimits, TooFewForTheTreeKeepTheUpperFoldersAndTheWay) {
+  ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
+  write("sign");
+  EXPECT_EQ(probe_.readLine(), line(changed()));
+  fs::rename("/tmp/way", "/tmp/way out");
+  EXPECT_EQ(probe_.readLine(), line(rootChanged()));
+  fs::remove_all("/tmp/way out");
+}
+
+TEST_F(WatchLimits, NewFoldersForWhichThereIsNoRoomDisturbNothing) {
+  ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
+  makeFolder("new/sub");
+  EXPECT_EQ(probe_.readLine(), line(changed()));
+  write("new/sub/file");
+  write("sign");
+  EXPECT_EQ(probe_.readLine(), line(changed()));
+}
+
+TEST_F(WatchLimits, TooFewForTheWayGiveNoStream) {
+  EXPECT_EQ(startProbe("max_inotify_watches", 3), "none");
+}
+
+TEST_F(WatchLimits, NoQueueGivesNoStream) {
+  EXPECT_EQ(startProbe("max_inotify_instances", 0), "none");
+}
+
+TEST_F(WatchLimits, OneQueueServesTheRootAlone) {
+  ASSERT_EQ(startProbe("max_inotify_instances", 1), "watching");
+  fs::remove_all(root_);
+  EXPECT_EQ(probe_.readLine(), line(rootChanged()));
+}
+
+}  // namespace

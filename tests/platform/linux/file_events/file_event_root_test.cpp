@@ -1,0 +1,401 @@
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/file_descriptor.h"
+#include "platform/linux/file_events/root_watch.h"
+#include "tests/ipc/forked_call.h"
+#include "tests/platform/linux/file_events/file_event_fixture.h"
+#include "tests/platform/refused_call.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::FileDescriptor;
+using testing::Contains;
+using testing::ElementsAre;
+
+// What makes the path of a root lead elsewhere, and what doesn't.
+class RootChange : public FileEvents {
+ protected:
+  [[nodiscard]] static FileDescriptor hold(const std::string& folder) {
+    return FileDescriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  }
+  // This process goes on as an ordinary user, to whom these folders belong. False where that can't be had.
+  [[nodiscard]] static bool becomesOwnerOf(const std::vector<std::string>& folders) {
+    const bool given = std::ranges::all_of(folders, [](const std::string& folder) {
+      return ::chown(folder.c_str(), test_support::kNobody, test_support::kNobody) == 0;
+    });
+    return given && test_support::becomeNobody();
+  }
+};
+
+TEST_F(RootChange, RenamingTheRoot) {
+  watch();
+  fs::rename(root_, root_ + " old");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingTheRootToAnotherFolder) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingTheFolderAboveIt) {
+  watch();
+  fs::rename("/tmp/way/middle", "/tmp/way/other");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingAFolderFarAboveIt) {
+  fs::remove_all("/tmp/other way");
+  watch();
+  fs::rename("/tmp/way", "/tmp/other way");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingTheEmptyRoot) {
+  watch();
+  fs::remove(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingItWithAllItHoldsTellsTheFoldersBefore) {
+  makeFolder("a/b");
+  write("a/b/file");
+  watch();
+  fs::remove_all(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("a/b"), changed("a"), changed(), rootChanged()));
+}
+
+TEST_F(RootChange, RemovingAllFromFarAboveIt) {
+  makeFolder("a");
+  watch();
+  fs::remove_all("/tmp/way");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed(), rootChanged()));
+}
+
+TEST_F(RootChange, IsSeenWhereTheRootsIdentityIsRefused) {
+  auto watch = platform::RootWatch::create(root_);
+  ASSERT_TRUE(watch);
+  fs::remove(root_);
+  bool changed = false;
+  ASSERT_TRUE(withRefusedCall(SYS_statx, EACCES, [&] { changed = watch->hasChanged(); }));
+  EXPECT_TRUE(changed);
+}
+
+TEST_F(RootChange, RemovingTheEmptyRootWhileItIsHeldOpen) {
+  watch();
+  const FileDescriptor held = hold(root_);
+  fs::remove(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingAllWhileAFolderInsideIsHeldOpen) {
+  makeFolder("a/b");
+  watch();
+  const FileDescriptor held = hold(inRoot("a/b"));
+  fs::remove_all("/tmp/way");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), changed(), rootChanged()));
+}
+
+TEST_F(RootChange, PuttingAnotherFolderInItsPlace) {
+  watch();
+  fs::create_directory("/tmp/way/new");
+  fs::remove(root_);
+  fs::rename("/tmp/way/new", root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, RemovingItAndMakingItAgain) {
+  watch();
+  fs::remove(root_);
+  fs::create_directory(root_);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+// File systems on a disk give the number of a removed folder to the next one; those in memory don't.
+TEST_F(RootChange, PuttingAFolderInItsPlaceThatGetsItsNumber) {
+  std::string onDisk = "/var/tmp/root.XXXXXX";
+  ASSERT_NE(::mkdtemp(onDisk.data()), nullptr);
+  root_ = onDisk + "/root";
+  fs::create_directory(root_);
+  const auto numberOfRoot = [this] {
+    struct stat status {};
+    return ::stat(root_.c_str(), &status) == 0 ? status.st_ino : 0;
+  };
+  watch();
+  const auto first = numberOfRoot();
+  fs::remove(root_);
+  bool sameNumber = false;
+  for (int i = 0; i < 100 && !sameNumber; ++i) {
+    fs::remove(root_);
+    fs::create_directory(root_);
+    sameNumber = numberOfRoot() == first;
+  }
+  const Batch batch = nextBatch();
+  fs::remove_all(onDisk);
+  if (!sameNumber) GTEST_SKIP() << "/var/tmp gives no number twice";
+  EXPECT_THAT(batch, ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, PuttingAFileInItsPlace) {
+  watch();
+  fs::remove(root_);
+  std::ofstream(root_) << "text";
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, WhatHappensToTheMovedRootIsNotTold) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  std::ofstream("/tmp/way/elsewhere/file") << "text";
+  ASSERT_THAT(nextBatch(), Contains(rootChanged()));
+  const auto other = make("/tmp/way/elsewhere");
+  other->start();
+  std::ofstream("/tmp/way/elsewhere/file") << "text";
+  EXPECT_THAT(nextBatch(), ElementsAre(platform::FileEvent{"/tmp/way/elsewhere", 0}));
+}
+
+TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeAnybodyLooks) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  fs::rename("/tmp/way/elsewhere", root_);
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeTheBatchIsDelivered) {
+  watch();
+  fs::rename(root_, "/tmp/way/elsewhere");
+  QCoreApplication::processEvents();  // sees that it is away
+  fs::rename("/tmp/way/elsewhere", root_);
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+  fs::rename(root_, "/tmp/way/elsewhere");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged())) << "it is still watched";
+}
+
+TEST_F(RootChange, IsLookedForWhenEntriesGoBesideTheRootButNotFartherAbove) {
+  auto watch = platform::RootWatch::create(root_);
+  ASSERT_TRUE(watch);
+  const auto isTouched = [&] {
+    pollfd touched{.fd = watch->folders(), .events = POLLIN, .revents = 0};
+    return ::poll(&touched, 1, 0) == 1;
+  };
+  std::ofstream("/tmp/way/file").close();
+  fs::remove("/tmp/way/file");
+  EXPECT_FALSE(isTouched());
+  std::ofstream("/tmp/way/middle/file").close();
+  fs::remove("/tmp/way/middle/file");
+  EXPECT_TRUE(isTouched());
+  EXPECT_FALSE(watch->hasChanged());
+}
+
+TEST_F(RootChange, IsNoneWhenOtherFoldersOnTheWayMove) {
+  fs::create_directory("/tmp/way/beside");
+  watch();
+  fs::rename("/tmp/way/beside", "/tmp/way/middle/beside");
+  fs::remove("/tmp/way/middle/beside");
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
+  const auto finished = test_support::runForked([this] {
+    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
+    watch();
+    fs::permissions("/tmp/way/middle", fs::perms(0));
+    fs::permissions("/tmp/way/middle", fs::perms(0700));
+    write("sign");
+    const bool first = nextBatch() == Batch{changed()};
+    write("sign");
+    fs::permissions("/tmp/way/middle", fs::perms(0));
+    const bool second = nextBatch() == Batch{changed()};
+    fs::permissions("/tmp/way/middle", fs::perms(0700));
+    return first && second ? 0 : 1;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
+}
+
+TEST_F(RootChange, IsToldThoughItCanNoLongerBeSeenWhenTheBatchIsDelivered) {
+  const auto finished = test_support::runForked([this] {
+    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
+    watch();
+    fs::rename(root_, root_ + " old");
+    QCoreApplication::processEvents();  // sees that it is away
+    fs::permissions("/tmp/way/middle", fs::perms(0));
+    const bool told = nextBatch() == Batch{rootChanged()};
+    fs::permissions("/tmp/way/middle", fs::perms(0700));
+    return told ? 0 : 1;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
+}
+
+TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
+  for (const auto& [closed, moved] :
+       {std::pair("/tmp/way", "/tmp/way/middle"), std::pair("/tmp/way/middle", "/tmp/way/middle"),
+        std::pair("/tmp/way/middle", "/tmp/way/middle/root")}) {
+    SetUp();
+    const auto finished = test_support::runForked([this, closed = closed, moved = moved] {
+      if (!becomesOwnerOf({"/tmp/way", "/tmp/way/middle", root_})) return test_support::kNotToBeHad;
+      fs::permissions(closed, fs::perms(0300));
+      watch();
+      fs::rename(moved, std::string(moved) + " old");
+      return nextBatch() == Batch{rootChanged()} ? 0 : 1;
+    });
+    if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+    EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << closed << ", " << moved;
+  }
+}
+
+TEST_F(RootChange, RemovingTheLinkOnItsWay) {
+  fs::create_directory_symlink("/tmp/way/middle", "/tmp/way/link");
+  root_ = "/tmp/way/link/root";
+  watch();
+  fs::remove("/tmp/way/link");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, MovingAFolderToWhichALinkOnItsWayLeads) {
+  fs::create_directories("/tmp/way/real/deep/root");
+  fs::create_directory_symlink("/tmp/way/real/deep", "/tmp/way/middle/link");
+  root_ = "/tmp/way/middle/link/root";
+  watch();
+  fs::rename("/tmp/way/real", "/tmp/way/gone");
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(RootChange, ChangesBehindALinkThatIsTheRootAreTold) {
+  fs::create_directory_symlink(root_, "/tmp/way/link");
+  root_ = "/tmp/way/link";
+  watch();
+  write("file");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(RootChange, IsNoneWhenThePathComesToLeadToTheSameFolderByALink) {
+  watch();
+  fs::rename("/tmp/way/middle", "/tmp/way/other");
+  fs::create_directory_symlink("/tmp/way/other", "/tmp/way/middle");
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+// A file system of its own, unmounted when the test is over.
+class OnAMount : public RootChange {
+ protected:
+  void SetUp() override {
+    RootChange::SetUp();
+    if (::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr) != 0) GTEST_SKIP() << "no mounts to be had";
+    fs::create_directory(root_);
+  }
+  void TearDown() override {
+    RootChange::TearDown();
+    ::umount2("/tmp/way/middle", MNT_DETACH);
+  }
+};
+
+TEST_F(OnAMount, UnmountingIt) {
+  watch();
+  // The watch keeps no file system busy.
+  ASSERT_EQ(::umount("/tmp/way/middle"), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(OnAMount, UnmountingItWhileAFileIsHeldOpen) {
+  write("file");
+  const FileDescriptor held = hold(root_);
+  watch();
+  ASSERT_EQ(::umount2("/tmp/way/middle", MNT_DETACH), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(OnAMount, MountingAnotherOneOverIt) {
+  watch();
+  ASSERT_EQ(::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+  ::umount("/tmp/way/middle");
+}
+
+TEST_F(OnAMount, TakingAwayAFolderThatWasMountedASecondTime) {
+  fs::create_directory("/tmp/way/second");
+  ASSERT_EQ(::mount("/tmp/way/middle", "/tmp/way/second", nullptr, MS_BIND, nullptr), 0);
+  root_ = "/tmp/way/second/root";
+  watch();
+  ASSERT_EQ(::umount("/tmp/way/second"), 0);
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
+}
+
+TEST_F(OnAMount, IsNoneWhenSomethingElseIsMounted) {
+  makeFolder("sub");
+  watch();
+  ASSERT_EQ(::mount("none", inRoot("sub").c_str(), "tmpfs", 0, nullptr), 0);
+  ASSERT_EQ(::umount(inRoot("sub").c_str()), 0);
+  write("sign");
+  EXPECT_THAT(nextBatch(), ElementsAre(changed()));
+}
+
+TEST_F(OnAMount, RootThatIsMountedInsideItselfIsNoEndlessTree) {
+  makeFolder("again");
+  ASSERT_EQ(::mount(root_.c_str(), inRoot("again").c_str(), nullptr, MS_BIND, nullptr), 0);
+  watch();
+  fs::rename(root_, root_ + " old");
+  EXPECT_THAT(nextBatch(), Contains(rootChanged()));
+}
+
+// A root in the lower one of two layers. The first write below it moves it to the upper one, and makes it
+// younger.
+class OnAnOverlay : public RootChange {
+ protected:
+  void SetUp() override {
+    RootChange::SetUp();
+    for (const char* folder : {"lower/root/inner", "upper", "work"})
+      fs::create_directories(std::string("/tmp/way/") + folder);
+    if (::mount("overlay", "/tmp/way/middle", "overlay", 0,
+                "lowerdir=/tmp/way/lower,upperdir=/tmp/way/upper,workdir=/tmp/way/work") != 0)
+      GTEST_SKIP() << "no overlay to be had";
+  }
+  void TearDown() override {
+    RootChange::TearDown();
+    ::umount2("/tmp/way/middle", MNT_DETACH);
+  }
+
+  void moveRootToUpperLayer() {
+    write("inner/file");
+    ASSERT_TRUE(fs::exists("/tmp/way/upper/root/inner/file"));
+  }
+};
+
+TEST_F(OnAnOverlay, TheFirstWriteBelowTheRootIsNone) {
+  watch();
+  moveRootToUpperLayer();
+  EXPECT_THAT(nextBatch(), ElementsAre(changed("inner")));
+}
+
+TEST_F(OnAnOverlay, IsSeenAfterTheFirstWriteToo) {
+  watch();
+  moveRootToUpperLayer();
+  ASSERT_THAT(nextBatch(), ElementsAre(changed("inner")));
+  fs::remove_all(root_);
+  EXPECT_THAT(nextBatch(), Contains(rootChanged()));
+}
+
+TEST_F(OnAnOverlay, RemovingItAndMakingItAgain) {
+  watch();
+  fs::remove_all(root_);
+  fs::create_directory(root_);
+  EXPECT_THAT(nextBatch(), Contains(rootChanged()));
+}
+
+}  // namespace

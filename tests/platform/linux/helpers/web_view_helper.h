@@ -1,0 +1,60 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/platform/linux/helpers/helper_run.h"
+#include "tests/platform/linux/helpers/page_server.h"
+#include "tests/platform/linux/helpers/web_processes.h"
+#include "tests/support/child_process.h"
+#include "tests/support/test_display.h"
+
+namespace web_view_test {
+
+// Runs the real helper on a display of the program's own and talks to it on its input.
+class WebViewHelper : public testing::Test {
+ protected:
+  // Without a window manager, whose own windows would be among those on the screen.
+  static void SetUpTestSuite() {
+    display_ = std::make_unique<test_support::TestDisplay>();
+    ASSERT_TRUE(display_->start({.windowManager = false}));
+  }
+  static void TearDownTestSuite() { display_.reset(); }
+
+  void TearDown() override {
+    helper_.terminate();
+    EXPECT_TRUE(helper_.pid() < 0 || helper_.wait());
+    EXPECT_TRUE(waitForNoWebProcess());
+  }
+
+  void start(const std::vector<std::string>& options = {}) {
+    std::vector<std::string> argv{helper_test::helper("TovalinWebView")};
+    argv.insert(argv.end(), options.begin(), options.end());
+    ASSERT_TRUE(helper_.start(argv, {.environment = {{"DISPLAY", display_->name()}},
+                                     .input = test_support::Redirection::pipe(),
+                                     .error = test_support::Redirection::null()}));
+  }
+  void load(const std::string& path) { ASSERT_TRUE(helper_.writeLine(server_.address(path))); }
+  // Starts the helper with a page and returns once the page's script runs, which asks for "/running" before
+  // anything else.
+  void startWithScript(const std::string& script) {
+    server_.put("/page", "<script>fetch('/running');" + script + "</script>");
+    start();
+    load("/page");
+    ASSERT_TRUE(server_.waitFor("/running"));
+  }
+  // Whether the helper goes on to load pages.
+  [[nodiscard]] bool stillLoads() {
+    server_.put("/next", "<script>fetch('/next-runs')</script>");
+    return helper_.writeLine(server_.address("/next")) && server_.waitFor("/next-runs");
+  }
+
+  static inline std::unique_ptr<test_support::TestDisplay> display_;
+  PageServer server_;
+  test_support::ChildProcess helper_;
+};
+
+}  // namespace web_view_test

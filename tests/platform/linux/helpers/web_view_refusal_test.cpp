@@ -1,0 +1,139 @@
+// What pages ask for beyond being loaded.
+#include <gmock/gmock.h>
+
+#include <atomic>
+
+#include "tests/platform/linux/helpers/web_view_helper.h"
+#include "tests/support/raw_http_server.h"
+#include "tests/support/x_windows.h"
+
+namespace web_view_test {
+namespace {
+
+using testing::IsEmpty;
+
+class WebViewRefusal : public WebViewHelper {
+ protected:
+  // After something was refused, all goes on and there is nothing to be seen.
+  void expectNothingHappened() {
+    EXPECT_TRUE(stillLoads());
+    EXPECT_THAT(test_support::windowsOn(display_->name()), IsEmpty());
+  }
+};
+
+TEST_F(WebViewRefusal, DialogsDoNotHoldUpTheScript) {
+  startWithScript("alert(1); fetch('/said-' + confirm(2) + '-' + prompt(3, 'x'));");
+  EXPECT_TRUE(server_.waitFor("/said-false-null"));
+  expectNothingHappened();
+}
+
+TEST_F(WebViewRefusal, PageThatWantsToStayIsLeft) {
+  startWithScript(
+      "onbeforeunload = event => { event.preventDefault(); return event.returnValue = 'stay'; };");
+  expectNothingHappened();
+}
+
+TEST_F(WebViewRefusal, NewWindowIsNotOpened) {
+  startWithScript("const other = window.open('/other'); fetch('/got-' + other);");
+  EXPECT_TRUE(server_.waitFor("/got-null"));
+  expectNothingHappened();
+  EXPECT_FALSE(server_.wasAsked("/other"));
+}
+
+TEST_F(WebViewRefusal, LinkToANewWindowIsNotFollowed) {
+  startWithScript(
+      "const link = document.createElement('a'); link.target = '_blank'; link.href = '/other';"
+      "document.documentElement.append(link); link.click(); fetch('/clicked');");
+  EXPECT_TRUE(server_.waitFor("/clicked"));
+  expectNothingHappened();
+  EXPECT_FALSE(server_.wasAsked("/other"));
+}
+
+// Its end is not left to the lack of a place for the file, which shows once the answer comes. It may be cut
+// off before it has asked, so the page goes on to try.
+TEST_F(WebViewRefusal, DownloadIsCutOffBeforeItsAnswer) {
+  std::atomic<bool> asked = false;
+  std::atomic<bool> cutOff = false;
+  const test_support::RawHttpServer server([&](test_support::RawConnection& connection) {
+    if (!connection.readHead().starts_with("GET /download.bin ")) {
+      connection.send(test_support::httpReply(
+          "<a download='saved.bin' href='/download.bin'></a>"
+          "<script>setInterval(() => document.querySelector('a').click(), 100)</script>",
+          "Content-Type: text/html\r\nConnection: close\r\n"));
+      return;
+    }
+    asked = true;
+    cutOff = connection.waitForEnd();
+  });
+  start();
+  ASSERT_TRUE(helper_.writeLine(server.url("/page")));
+  ASSERT_TRUE(test_support::waitUntil([&] { return asked.load(); }));
+  EXPECT_TRUE(test_support::waitUntil([&] { return cutOff.load(); }, std::chrono::seconds(5)));
+  expectNothingHappened();
+}
+
+TEST_F(WebViewRefusal, DownloadIsNotKept) {
+  server_.putDownload("/download.bin");
+  const auto before = filesBelow("/tmp");
+  startWithScript(
+      "const link = document.createElement('a'); link.download = 'saved.bin'; link.href = '/download.bin';"
+      "document.documentElement.append(link); link.click(); setTimeout(() => fetch('/clicked'), 500);");
+  EXPECT_TRUE(server_.waitFor("/clicked"));
+  load("/download.bin");
+  EXPECT_TRUE(server_.waitFor("/download.bin"));
+  expectNothingHappened();
+  helper_.terminate();
+  EXPECT_TRUE(helper_.wait());
+  EXPECT_EQ(filesBelow("/tmp"), before);
+}
+
+// Ways in which a page may try to have a local page opened, which would report back.
+class WebViewLocalPage : public WebViewRefusal, public testing::WithParamInterface<const char*> {};
+
+TEST_P(WebViewLocalPage, IsNotOpened) {
+  helper_test::writeFile("/tmp/local.html",
+                         "<script>new Image().src = '" + server_.address("/local") + "'</script>");
+  server_.redirect("/redirect", "file:///tmp/local.html");
+  startWithScript(GetParam());
+  helper_.closeInput();
+  EXPECT_TRUE(helper_.wait());
+  EXPECT_FALSE(server_.wasAsked("/local"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ways, WebViewLocalPage,
+    testing::Values("location.href = 'file:///tmp/local.html';", "location.href = '/redirect';",
+                    "const f = document.createElement('iframe');"
+                    "f.src = 'file:///tmp/local.html'; document.documentElement.append(f);",
+                    "location.href = 'data:text/html,<script>new Image().src = \"' +"
+                    "location.origin + '/local\"<' + '/script>';",
+                    // The engine itself would open these two.
+                    "const f = document.createElement('iframe');"
+                    "f.src = 'data:text/html,<script>new Image().src = \"' + location.origin +"
+                    "'/local\"<' + '/script>'; document.documentElement.append(f);",
+                    "location.href = URL.createObjectURL(new Blob("
+                    "['<script>new Image().src = \"' + location.origin + '/local\"<' + '/script>'],"
+                    "{type: 'text/html'}));"));
+
+TEST_F(WebViewRefusal, PermissionsAreDenied) {
+  startWithScript("Notification.requestPermission().then(answer => fetch('/' + answer));");
+  EXPECT_TRUE(server_.waitFor("/denied"));
+  expectNothingHappened();
+}
+
+TEST_F(WebViewRefusal, PrintingIsTakenAsDone) {
+  startWithScript("setTimeout(() => { window.print(); fetch('/printed'); }, 100);");
+  EXPECT_TRUE(server_.waitFor("/printed"));
+  expectNothingHappened();
+}
+
+TEST_F(WebViewRefusal, FrameThatAScriptFillsIsNotRefused) {
+  startWithScript(
+      "const f = document.createElement('iframe'); document.documentElement.append(f);"
+      "f.contentWindow.fetch('/from-frame');");
+  EXPECT_TRUE(server_.waitFor("/from-frame"));
+  expectNothingHappened();
+}
+
+}  // namespace
+}  // namespace web_view_test

@@ -1,0 +1,200 @@
+// What a page could reach from inside the processes of the web engine.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <filesystem>
+
+#include "tests/ipc/forked_call.h"
+#include "tests/platform/linux/helpers/web_view_helper.h"
+#include "tests/support/file_contents.h"
+#include "tests/support/file_descriptor.h"
+#include "tests/support/syslog_socket.h"
+
+namespace web_view_test {
+namespace {
+
+namespace fs = std::filesystem;
+using test_support::ExitStatus;
+using test_support::FileDescriptor;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+std::string below(pid_t process, const std::string& file) {
+  return "/proc/" + std::to_string(process) + "/" + file;
+}
+
+std::string namespaceOf(pid_t process, const std::string& kind) {
+  return fs::read_symlink(below(process, "ns/" + kind));
+}
+
+// `name` is a path, or an abstract address where it begins with a NUL.
+bool connectsTo(const std::string& name) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  name.copy(address.sun_path, sizeof address.sun_path - 1);
+  const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
+  const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), size) == 0;
+}
+
+bool join(pid_t process, const std::string& kind) {
+  if (namespaceOf(process, kind) == namespaceOf(::getpid(), kind)) return true;
+  const FileDescriptor handle(::open(below(process, "ns/" + kind).c_str(), O_RDONLY | O_CLOEXEC));
+  return ::setns(handle.get(), 0) == 0;
+}
+
+class WebViewSandbox : public WebViewHelper {
+ protected:
+  [[nodiscard]] static pid_t webProcess() {
+    const auto found = processesNamed("WebKitWebProces");
+    EXPECT_THAT(found, SizeIs(1));
+    return found.empty() ? -1 : found.front();
+  }
+  [[nodiscard]] static std::vector<std::string> socketsOfX() {
+    const std::string path = "/tmp/.X11-unix/X" + display_->name().substr(1);
+    return {path, '\0' + path};
+  }
+  // The status of a process in the namespaces of another: 0 if it reaches no socket of X there.
+  [[nodiscard]] static int reachableFrom(pid_t process) {
+    test_support::ForkedCall call([process] {
+      for (const char* kind : {"user", "net", "mnt"}) {
+        if (!join(process, kind)) return 100;
+      }
+      int reached = 0;
+      for (const std::string& name : socketsOfX()) reached += connectsTo(name) ? 1 : 0;
+      return reached;
+    });
+    const auto finished = call.wait();
+    return finished.status && finished.status->code ? *finished.status->code : -1;
+  }
+  void startWith(const std::map<std::string, std::optional<std::string>>& changes) {
+    auto environment = changes;
+    environment.emplace("DISPLAY", display_->name());
+    ASSERT_TRUE(
+        helper_.start({helper_test::helper("TovalinWebView")}, {.environment = environment,
+                                                                .input = test_support::Redirection::pipe(),
+                                                                .error = test_support::Redirection::pipe()}));
+  }
+};
+
+TEST_F(WebViewSandbox, WebProcessReachesNoSocketOfX) {
+  ASSERT_EQ(reachableFrom(::getpid()), 2);
+  startWithScript("");
+  EXPECT_EQ(reachableFrom(webProcess()), 0);
+}
+
+TEST_F(WebViewSandbox, EngineIsToldOfNoServiceOfTheSession) {
+  startWith({{"XAUTHORITY", "/tmp/key"},
+             {"WAYLAND_DISPLAY", "/tmp/wayland-9"},
+             {"AT_SPI_BUS_ADDRESS", "unix:path=/tmp/at-spi"},
+             {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/tmp/bus"},
+             {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/tmp/bus"},
+             {"SESSION_MANAGER", "local/unix:/tmp/session"},
+             {"SSH_AUTH_SOCK", "/tmp/agent"},
+             {"SECRET", "/tmp/secret"},
+             {"LC_ALL", "C.UTF-8"}});
+  ASSERT_TRUE(stillLoads());
+  for (const std::string name : {"WebKitWebProces", "WebKitNetworkPr"}) {
+    const auto found = processesNamed(name);
+    ASSERT_THAT(found, SizeIs(1));
+    const std::string environment = '\0' + test_support::contentsOf(below(found.front(), "environ"));
+    for (const std::string forbidden : {"DISPLAY=", "XAUTHORITY=", "AT_SPI_BUS_ADDRESS=", "SESSION_MANAGER=",
+                                        "SSH_AUTH_SOCK=", "SECRET="}) {
+      EXPECT_THAT(environment, Not(HasSubstr('\0' + forbidden))) << name;
+    }
+    EXPECT_THAT(environment, Not(HasSubstr("/tmp/bus"))) << name;
+    EXPECT_THAT(environment, Not(HasSubstr("/tmp/wayland-9"))) << name;
+    EXPECT_THAT(environment, HasSubstr(std::string("\0LC_ALL=C.UTF-8", 15))) << name;
+  }
+}
+
+TEST_F(WebViewSandbox, PageIsLoadedWithoutAnyDisplay) {
+  startWith({{"DISPLAY", std::nullopt}});
+  EXPECT_TRUE(stillLoads());
+}
+
+// The two that other sockets could be reached by.
+TEST_F(WebViewSandbox, WebProcessHasItsOwnNetworkAndFiles) {
+  startWithScript("");
+  const pid_t process = webProcess();
+  EXPECT_NE(namespaceOf(process, "net"), namespaceOf(helper_.pid(), "net"));
+  EXPECT_NE(namespaceOf(process, "mnt"), namespaceOf(helper_.pid(), "mnt"));
+  EXPECT_NE(namespaceOf(process, "ipc"), namespaceOf(helper_.pid(), "ipc"));
+}
+
+TEST_F(WebViewSandbox, WithoutSandboxNoPageIsLoadedAndItIsLogged) {
+  test_support::SyslogSocket log;
+  ASSERT_TRUE(log.valid());
+  ASSERT_EQ(::mount("/dev/null", "/usr/bin/bwrap", nullptr, MS_BIND, nullptr), 0);
+  startWith({});
+  EXPECT_TRUE(helper_.writeLine(server_.address("/page")));
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 1});
+  EXPECT_EQ(::umount2("/usr/bin/bwrap", MNT_DETACH), 0);
+  EXPECT_TRUE(log.waitFor([](const test_support::SyslogMessage& message) {
+    return message.text.find("no page is loaded: the web engine's sandbox can't be had") != std::string::npos;
+  }));
+  EXPECT_THAT(server_.asked(), IsEmpty());
+  EXPECT_THAT(webProcesses(), IsEmpty());
+}
+
+// What stands for $XDG_RUNTIME_DIR where it can't be used.
+class WebViewRuntimeFolder : public WebViewSandbox {
+ protected:
+  void SetUp() override {
+    fs::remove_all(kOthers);
+    fs::remove_all(belowTmp_);
+    ASSERT_TRUE(fs::create_directories(planted_));
+  }
+  void TearDown() override {
+    WebViewSandbox::TearDown();
+    fs::remove_all(kOthers);
+    fs::remove_all(belowTmp_);
+  }
+  void expectPrivateFolderIsUsed() {
+    EXPECT_TRUE(stillLoads());
+    EXPECT_NE(namespaceOf(webProcess(), "pid"), namespaceOf(helper_.pid(), "pid"));
+    EXPECT_THAT(filesBelow(belowTmp_), testing::Contains(HasSubstr("/TovalinWebView.")));
+    EXPECT_THAT(filesBelow(kOthers), testing::ElementsAre(planted_));
+  }
+
+  static constexpr const char* kOthers = "/tmp/others runtime";
+  const std::string planted_ = std::string(kOthers) + "/TovalinWebView.planted";
+  const std::string belowTmp_ = "/tmp/TovalinTray-" + std::to_string(::geteuid());
+};
+
+TEST_F(WebViewRuntimeFolder, MissingOneIsReplacedByThePrivateFolder) {
+  startWith({{"XDG_RUNTIME_DIR", std::nullopt}});
+  expectPrivateFolderIsUsed();
+}
+
+TEST_F(WebViewRuntimeFolder, OneOfAnotherUserIsNeitherUsedNorCleaned) {
+  ASSERT_EQ(::chown(kOthers, 1234, 1234), 0);
+  startWith({{"XDG_RUNTIME_DIR", kOthers}});
+  expectPrivateFolderIsUsed();
+}
+
+TEST_F(WebViewRuntimeFolder, OneThatOthersMayWriteIsNeitherUsedNorCleaned) {
+  ASSERT_EQ(::chmod(kOthers, 0777), 0);
+  startWith({{"XDG_RUNTIME_DIR", kOthers}});
+  expectPrivateFolderIsUsed();
+}
+
+TEST_F(WebViewRuntimeFolder, WithoutPrivateFolderNoPageIsLoaded) {
+  fs::create_symlink(kOthers, belowTmp_);
+  startWith({{"XDG_RUNTIME_DIR", std::nullopt}});
+  EXPECT_EQ(helper_.wait(), ExitStatus{.code = 1});
+  EXPECT_THAT(helper_.takeErrorOutput(), HasSubstr("no page is loaded: there is no private folder"));
+  EXPECT_THAT(filesBelow(kOthers), testing::ElementsAre(planted_));
+}
+
+}  // namespace
+}  // namespace web_view_test

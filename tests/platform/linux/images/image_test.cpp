@@ -1,0 +1,261 @@
+#include "platform/image.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include <QBuffer>
+#include <QGuiApplication>
+#include <QImage>
+
+#include "platform/linux/images/image_impl.h"
+
+namespace platform {
+namespace {
+
+TEST(ImageNamed, MakesAFreshImageAtEachCall) {
+  const auto first = imageNamed("icon.png");
+  const auto second = imageNamed("icon.png");
+  ASSERT_NE(first, nullptr);
+  EXPECT_NE(first, second);
+  first->setSize({60, 60});
+  EXPECT_EQ(second->size(), (Size{512, 512}));
+}
+
+TEST(ImageNamed, MeasuresInPointsAndHoldsTheFormForTheScreen) {
+  const auto icon = imageNamed("mount on.png");
+  ASSERT_NE(icon, nullptr);
+  EXPECT_EQ(icon->size(), (Size{20, 20}));
+  const double scale = qGuiApp->devicePixelRatio();
+  EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
+  for (const QImage& form : icon->impl().forms) EXPECT_EQ(form.devicePixelRatio(), 1) << "pixels are pixels";
+}
+
+TEST(ImageNamed, IsNothingForAMissingPicture) {
+  EXPECT_EQ(imageNamed("no such picture.png"), nullptr);
+}
+
+TEST(ImageNamed, IsNothingForAFileThatIsNoPicture) {
+  EXPECT_EQ(imageNamed("../MacOS/image_test"), nullptr);
+}
+
+TEST(ImageNamed, DrawingIntoOneChangesNoLaterOne) {
+  const auto first = imageNamed("icon.png");
+  ASSERT_NE(first, nullptr);
+  const QImage before = first->impl().forms.front().copy();
+  first->impl().forms.front().fill(Qt::red);
+  EXPECT_EQ(imageNamed("icon.png")->impl().forms.front(), before);
+}
+
+TEST(ImageNamed, APictureThatHasChangedIsReadAnew) {
+  const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
+  for (const int side : {4, 6}) {
+    ASSERT_TRUE(QImage(side, side, QImage::Format_ARGB32).save(QStringLiteral("/tmp/changing.png")));
+    const auto picture = imageNamed(toTheTop + "/tmp/changing.png");
+    ASSERT_NE(picture, nullptr);
+    EXPECT_EQ(picture->size().width, side);
+  }
+}
+
+TEST(ImageNamed, APictureThatHasChangedButForItsLengthIsReadAnew) {
+  const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
+  const auto second = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+  const auto first = second - std::chrono::seconds(1);
+  for (const auto& [colour, time] : {std::pair(Qt::red, first), std::pair(Qt::blue, second)}) {
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(colour);
+    ASSERT_TRUE(picture.save(QStringLiteral("/tmp/same length.bmp")));
+    std::filesystem::last_write_time("/tmp/same length.bmp", time);
+    const auto image = imageNamed(toTheTop + "/tmp/same length.bmp");
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->impl().forms.front().pixelColor(0, 0), QColor(colour));
+  }
+}
+
+TEST(Image, HasAsManyPixelsAsTheScreenShowsForItsPoints) {
+  const double scale = qGuiApp->devicePixelRatio();
+  EXPECT_EQ(Image({20, 17}).pixelSize(), (Size{20 * scale, 17 * scale}));
+  EXPECT_EQ(Image({10.4, 3.2}).pixelSize(), (Size{std::ceil(10.4 * scale), std::ceil(3.2 * scale)}));
+}
+
+TEST(Image, IsTransparentAtFirst) {
+  const Image image({2, 2});
+  ASSERT_TRUE(image.isValid());
+  EXPECT_EQ(image.impl().forms.front().pixelColor(0, 0).alpha(), 0);
+}
+
+TEST(Image, IsInvalidWithoutAreaOrBeyondAllBounds) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  for (const Size size :
+       {Size{0, 20}, Size{20, 0}, Size{-20, 20}, Size{nan, 20}, Size{1e6, 1e6}, Size{1e300, 1}}) {
+    const Image image(size);
+    EXPECT_FALSE(image.isValid()) << size.width << " by " << size.height;
+    EXPECT_EQ(image.pixelSize(), Size{});
+  }
+}
+
+std::string encoded(const QImage& image, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  EXPECT_TRUE(image.save(&buffer, format));
+  return bytes.toStdString();
+}
+
+QImage pixels(int width, int height, QImage::Format format = QImage::Format_RGB32) {
+  QImage image(width, height, format);
+  image.fill(Qt::red);
+  return image;
+}
+
+TEST(Image, MayHave64MillionPixelsAndNoMore) {
+  const double side = 8000 / qGuiApp->devicePixelRatio();
+  EXPECT_TRUE(Image({side, side}).isValid());
+  EXPECT_FALSE(Image({side, side + 1}).isValid());
+}
+
+TEST(Image, IsShrunkIntoItsRoomAndNeverEnlarged) {
+  const Image image({40, 20});
+  EXPECT_EQ(image.impl().shrinkInto({400, 400}), 1.0);
+  EXPECT_EQ(image.impl().shrinkInto({20, 20}), 0.5);
+  EXPECT_EQ(image.impl().shrinkInto({40, 5}), 0.25);
+}
+
+TEST(ImageWithData, HasOnePointToThePixel) {
+  for (const char* format : {"PNG", "JPG", "BMP", "PPM"}) {
+    const auto image = imageWithData(encoded(pixels(42, 4), format));
+    ASSERT_NE(image, nullptr) << format;
+    EXPECT_EQ(image->size(), (Size{42, 4}));
+    EXPECT_EQ(image->pixelSize(), (Size{42, 4}));
+  }
+}
+
+TEST(ImageWithData, IsNothingForWhatIsNoPicture) {
+  const std::string png = encoded(pixels(42, 4), "PNG");
+  for (const std::string& bytes : {std::string(), std::string("text"), png.substr(0, 20), png.substr(1)})
+    EXPECT_EQ(imageWithData(bytes), nullptr);
+}
+
+// 4096 by 4096 pixels of four bytes are 64 MB.
+TEST(ImageWithData, MayTake64MegabytesAndNoMore) {
+  EXPECT_NE(imageWithData(encoded(pixels(4096, 4096), "PNG")), nullptr);
+  EXPECT_EQ(imageWithData(encoded(pixels(4096, 4097), "PNG")), nullptr);
+  EXPECT_EQ(imageWithData(encoded(pixels(4096, 3000, QImage::Format_RGBA64), "PNG")), nullptr);
+}
+
+TEST(ImageWithData, BombIsToldByItsHead) {
+  std::string bomb = encoded(pixels(1, 1), "BMP");
+  // Width and height, in the head of a BMP file.
+  for (const std::size_t at : {18u, 22u}) bomb.replace(at, 4, std::string("\x30\x75\0\0", 4));
+  EXPECT_EQ(imageWithData(bomb), nullptr);
+}
+
+TEST(ImageWithData, DrawingIsNoPicture) {
+  EXPECT_EQ(imageWithData("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"42\" height=\"4\"/>"), nullptr);
+}
+
+TEST(ImageFocus, DrawsNothingIntoOrFromAnInvalidImage) {
+  Image nowhere({0, 0});
+  const Image source({4, 4});
+  ImageFocus(nowhere).draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+  EXPECT_FALSE(nowhere.isValid());
+
+  Image target({4, 4});
+  ImageFocus(target).draw(nowhere, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+  EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1).alpha(), 0);
+}
+
+TEST(ImageFocus, WhatIsDrawnWithHighInterpolationIsThePictureAsItIsNow) {
+  Image source({8, 8});
+  for (const Qt::GlobalColor colour : {Qt::red, Qt::blue}) {
+    source.impl().forms.front().fill(colour);
+    Image target({4, 4});
+    ImageFocus focus(target);
+    focus.setImageInterpolation(ImageInterpolation::High);
+    focus.draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+    EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1), QColor(colour));
+  }
+}
+
+TEST(ImageFocus, DrawingIntoAScaledImageChangesNoOtherOfThatSize) {
+  Image source({8, 8}), first({4, 4}), second({4, 4});
+  source.impl().forms.front().fill(Qt::red);
+  const auto drawInto = [&](Image& target) {
+    ImageFocus focus(target);
+    focus.setImageInterpolation(ImageInterpolation::High);
+    focus.draw(source, {0, 0}, {0, 0, 8, 8}, CompositingOperation::Copy, 1.0);
+  };
+  source.setScalesWhenResized(true);
+  drawInto(first);
+  first.impl().forms.front().fill(Qt::blue);
+  drawInto(second);
+  EXPECT_EQ(second.impl().forms.front().pixelColor(1, 1), QColor(Qt::red));
+}
+
+// Of a picture with a name, whose scaled pixels are kept.
+TEST(ImageFocus, EachPartOfOnePictureIsDrawnAsWhatItIs) {
+  const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
+  QImage quarters(8, 8, QImage::Format_RGB32);
+  const std::array colours = {Qt::red, Qt::green, Qt::blue, Qt::white};
+  for (int i = 0; i < 64; ++i)
+    quarters.setPixelColor(i % 8, i / 8, colours[static_cast<std::size_t>(i % 8 / 4 + i / 32 * 2)]);
+  ASSERT_TRUE(quarters.save(QStringLiteral("/tmp/quarters.bmp")));
+  const auto source = imageNamed(toTheTop + "/tmp/quarters.bmp");
+  ASSERT_NE(source, nullptr);
+  for (std::size_t i = 0; i < colours.size(); ++i) {
+    Image target({4, 4});
+    ImageFocus focus(target);
+    focus.setImageInterpolation(ImageInterpolation::High);
+    const double x = i % 2 == 0 ? 0 : 4, y = i < 2 ? 4 : 0;
+    focus.draw(*source, {0, 0}, {x, y, 4, 4}, CompositingOperation::Copy, 1.0);
+    EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1), QColor(colours[i])) << i;
+  }
+}
+
+TEST(ImageFocus, FractionMixesWithWhatWasThereWithHighInterpolationToo) {
+  Image source({4, 4}), target({4, 4});
+  source.impl().forms.front().fill(Qt::white);
+  target.impl().forms.front().fill(Qt::black);
+  ImageFocus focus(target);
+  focus.setImageInterpolation(ImageInterpolation::High);
+  focus.draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 0.5);
+  EXPECT_NEAR(target.impl().forms.front().pixelColor(1, 1).red(), 128, 2);
+}
+
+TEST(ImageFocus, CountsFromTheLowerLeft) {
+  Image source({4, 4}), target({4, 4});
+  source.impl().forms.front().fill(Qt::red);
+  ImageFocus(target).draw(source, {0, 0}, {0, 0, 4, 1}, CompositingOperation::Copy, 1.0);
+  const QImage& pixels = target.impl().forms.front();
+  EXPECT_EQ(pixels.pixelColor(0, pixels.height() - 1), QColor(Qt::red));
+  EXPECT_EQ(pixels.pixelColor(0, 0).alpha(), 0);
+}
+
+TEST(ImageFocus, CopyReplacesWhatWasThereAndSourceOverCoversIt) {
+  Image clear({2, 2}), copied({2, 2}), covered({2, 2});
+  for (Image* image : {&copied, &covered}) image->impl().forms.front().fill(Qt::blue);
+  ImageFocus(copied).draw(clear, {0, 0}, {0, 0, 2, 2}, CompositingOperation::Copy, 1.0);
+  ImageFocus(covered).draw(clear, {0, 0}, {0, 0, 2, 2}, CompositingOperation::SourceOver, 1.0);
+  EXPECT_EQ(copied.impl().forms.front().pixelColor(0, 0).alpha(), 0);
+  EXPECT_EQ(covered.impl().forms.front().pixelColor(0, 0), QColor(Qt::blue));
+}
+
+TEST(ImageFocus, StretchesASourceOnlyWhenItScalesWithItsSize) {
+  for (const bool scales : {false, true}) {
+    Image source({2, 2}), target({4, 4});
+    source.impl().forms.front().fill(Qt::red);
+    source.setScalesWhenResized(scales);
+    source.setSize({4, 4});
+    ImageFocus(target).draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
+    const QColor upperRight =
+        target.impl().forms.front().pixelColor(target.impl().forms.front().width() - 1, 0);
+    EXPECT_EQ(upperRight.alpha(), scales ? 255 : 0);
+  }
+}
+
+}  // namespace
+}  // namespace platform

@@ -1,0 +1,94 @@
+#include "platform/portable/picture_data.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <QBuffer>
+#include <QImage>
+
+#include "platform/image.h"
+#include "platform/linux/images/image_impl.h"
+
+namespace platform {
+namespace {
+
+const std::string signature = "\x89PNG\r\n\x1a\n";
+
+std::string chunk(const std::string& name, const std::string& contents) {
+  return std::string(3, '\0') + static_cast<char>(contents.size()) + name + contents + "sum.";
+}
+
+std::string encodedPicture(const QImage& image, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  EXPECT_TRUE(image.save(&buffer, format));
+  return bytes.toStdString();
+}
+
+QImage pixels() {
+  QImage image(6, 4, QImage::Format_ARGB32);
+  image.fill(QColor(200, 100, 50, 128));
+  return image;
+}
+
+TEST(PictureData, OfAPngKeepsWhatThePixelsAreMadeFrom) {
+  const std::string bare = signature + chunk("IHDR", "head") + chunk("PLTE", "colours") + chunk("tRNS", "a") +
+                           chunk("IDAT", "pixels") + chunk("IDAT", "") + chunk("IEND", "");
+  EXPECT_EQ(boundedPictureData(bare), bare);
+}
+
+TEST(PictureData, OfAPngLeavesTheRestOut) {
+  const std::string head = signature + chunk("IHDR", "head"),
+                    end = chunk("IDAT", "pixels") + chunk("IEND", "");
+  for (const char* name : {"tEXt", "zTXt", "iTXt", "iCCP", "eXIf", "sPLT", "gAMA", "xxXx"})
+    EXPECT_EQ(boundedPictureData(std::string(head).append(chunk(name, "much")).append(end)), head + end)
+        << name;
+  EXPECT_EQ(boundedPictureData(head + end + "what follows"), head + end);
+}
+
+TEST(PictureData, OfAPngWithAPartLongerThanTheDataIsNone) {
+  const std::string head = signature + chunk("IHDR", "head");
+  EXPECT_FALSE(boundedPictureData(head + "\x7f\xff\xff\xfftEXt" + chunk("IEND", "")).has_value());
+  EXPECT_FALSE(boundedPictureData(head + std::string("\0\0\0\x05IDATfoursum.", 16)).has_value());
+}
+
+TEST(PictureData, OfAPngWithoutItsEndIsNone) {
+  const std::string whole = signature + chunk("IHDR", "head") + chunk("IEND", "");
+  for (std::size_t size = signature.size(); size < whole.size(); ++size)
+    EXPECT_FALSE(boundedPictureData(whole.substr(0, size)).has_value()) << size;
+}
+
+TEST(PictureData, OfAJpegMayHave64PassesAndNoMore) {
+  std::string picture = "\xff\xd8";
+  for (int i = 0; i < 64; ++i) picture += "\xff\xda pass";
+  EXPECT_EQ(boundedPictureData(picture), picture);
+  EXPECT_FALSE(boundedPictureData(picture + "\xff\xda").has_value());
+}
+
+TEST(PictureData, OfAnotherFormatStaysAsItIs) {
+  const std::string bitmap = "BM" + std::string(100, '\xff') + "\xff\xda";
+  for (const std::string& bytes : {std::string(), bitmap, signature.substr(0, 7)})
+    EXPECT_EQ(boundedPictureData(bytes), bytes);
+}
+
+TEST(ImageWithData, OfAPngIsItsPixelsWithoutItsTexts) {
+  QImage image = pixels();
+  image.setText(QStringLiteral("a"), QString(1000, QLatin1Char('b')));
+  const auto picture = imageWithData(encodedPicture(image, "PNG"));
+  ASSERT_NE(picture, nullptr);
+  EXPECT_EQ(picture->impl().forms.front().convertToFormat(QImage::Format_ARGB32), pixels());
+  EXPECT_TRUE(picture->impl().forms.front().textKeys().isEmpty());
+}
+
+TEST(ImageWithData, OfAPngWithAPaletteAndATransparentColourHasThem) {
+  QImage image(6, 4, QImage::Format_Indexed8);
+  image.setColorTable({qRgba(200, 100, 50, 128)});
+  image.fill(0);
+  const auto picture = imageWithData(encodedPicture(image, "PNG"));
+  ASSERT_NE(picture, nullptr);
+  EXPECT_EQ(picture->impl().forms.front().pixelColor(0, 0), QColor(200, 100, 50, 128));
+}
+
+}  // namespace
+}  // namespace platform

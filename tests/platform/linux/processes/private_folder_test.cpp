@@ -1,0 +1,278 @@
+#include "platform/linux/processes/private_folder.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "platform/helper_folder.h"
+#include "platform/linux/processes/runtime_folder.h"
+#include "tests/ipc/forked_call.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using platform::helperFolder;
+using platform::privateFolder;
+using test_support::ExitStatus;
+
+constexpr const char* kRuntime = "/tmp/run";
+constexpr const char* kBelowRuntime = "/tmp/run/TovalinTray";
+
+class PrivateFolder : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directory(kRuntime);
+    setMode(kRuntime, 0700);
+    ::setenv("XDG_RUNTIME_DIR", kRuntime, 1);
+  }
+  void TearDown() override {
+    fs::remove_all(kRuntime);
+    fs::remove_all(belowTmp_);
+    fs::remove_all("/tmp/elsewhere");
+  }
+
+  static void setMode(const std::string& path, mode_t mode) { ASSERT_EQ(::chmod(path.c_str(), mode), 0); }
+  static mode_t modeOf(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+  }
+
+  const std::string belowTmp_ = "/tmp/TovalinTray-" + std::to_string(::geteuid());
+};
+
+TEST_F(PrivateFolder, IsMadeInTheRuntimeFolderForTheUserAlone) {
+  ::umask(0);
+  EXPECT_EQ(privateFolder(), kBelowRuntime);
+  EXPECT_TRUE(fs::is_directory(kBelowRuntime));
+  EXPECT_EQ(modeOf(kBelowRuntime), 0700U);
+  EXPECT_FALSE(fs::exists(belowTmp_));
+  ::umask(022);
+}
+
+TEST_F(PrivateFolder, IsTheSameTheNextTime) {
+  EXPECT_EQ(privateFolder(), kBelowRuntime);
+  std::ofstream(std::string(kBelowRuntime) + "/kept") << "text";
+  EXPECT_EQ(privateFolder(), kBelowRuntime);
+  EXPECT_TRUE(fs::exists(std::string(kBelowRuntime) + "/kept"));
+}
+
+TEST_F(PrivateFolder, WithoutARuntimeFolderItIsBelowTmp) {
+  ::unsetenv("XDG_RUNTIME_DIR");
+  EXPECT_EQ(privateFolder(), belowTmp_);
+  EXPECT_EQ(modeOf(belowTmp_), 0700U);
+}
+
+TEST_F(PrivateFolder, RelativeRuntimeFolderIsPassedOver) {
+  ::setenv("XDG_RUNTIME_DIR", "run", 1);
+  EXPECT_EQ(privateFolder(), belowTmp_);
+}
+
+TEST_F(PrivateFolder, MissingRuntimeFolderIsPassedOver) {
+  fs::remove(kRuntime);
+  EXPECT_EQ(privateFolder(), belowTmp_);
+  EXPECT_FALSE(fs::exists(kRuntime));
+}
+
+TEST_F(PrivateFolder, RuntimeFolderThatTheGroupMayWriteIsPassedOver) {
+  setMode(kRuntime, 0770);
+  EXPECT_EQ(privateFolder(), belowTmp_);
+}
+
+TEST_F(PrivateFolder, RuntimeFolderThatAllMayWriteIsPassedOver) {
+  setMode(kRuntime, 01707);
+  EXPECT_EQ(privateFolder(), belowTmp_);
+}
+
+TEST_F(PrivateFolder, RuntimeFolderThatIsAFileIsPassedOver) {
+  fs::remove(kRuntime);
+  std::ofstream(std::string(kRuntime)) << "a file";
+  EXPECT_EQ(privateFolder(), belowTmp_);
+}
+
+TEST_F(PrivateFolder, RuntimeFolderOfAnotherUserIsPassedOver) {
+  if (::chown(kRuntime, test_support::kNobody, test_support::kNobody) != 0)
+    GTEST_SKIP() << "this user may not give a folder away";
+  EXPECT_EQ(privateFolder(), belowTmp_);
+}
+
+// The ways in which somebody may have prepared the place of our folder, below the runtime folder or below
+// /tmp.
+class PreparedFolder : public PrivateFolder, public testing::WithParamInterface<bool> {
+ protected:
+  void SetUp() override {
+    PrivateFolder::SetUp();
+    if (GetParam()) return;
+    place_ = belowTmp_;
+    ::unsetenv("XDG_RUNTIME_DIR");
+  }
+
+  std::string place_ = kBelowRuntime;
+};
+
+INSTANTIATE_TEST_SUITE_P(PrivateFolder, PreparedFolder, testing::Values(true, false),
+                         [](const auto& test) { return test.param ? "BelowRuntime" : "BelowTmp"; });
+
+TEST_P(PreparedFolder, OursIsTaken) {
+  fs::create_directory(place_);
+  setMode(place_, 0755);
+  EXPECT_EQ(privateFolder(), place_);
+}
+
+TEST_P(PreparedFolder, LinkIsRefused) {
+  fs::create_directory("/tmp/elsewhere");
+  setMode("/tmp/elsewhere", 0700);
+  fs::create_symlink("/tmp/elsewhere", place_);
+  EXPECT_EQ(privateFolder(), std::nullopt);
+  EXPECT_EQ(helperFolder(), std::nullopt);
+  EXPECT_TRUE(fs::is_empty("/tmp/elsewhere"));
+}
+
+TEST_P(PreparedFolder, LinkToNowhereIsRefused) {
+  fs::create_symlink("/tmp/elsewhere", place_);
+  EXPECT_EQ(privateFolder(), std::nullopt);
+  EXPECT_FALSE(fs::exists("/tmp/elsewhere"));
+}
+
+TEST_P(PreparedFolder, FileIsRefused) {
+  std::ofstream(place_.c_str()) << "a file";
+  EXPECT_EQ(privateFolder(), std::nullopt);
+}
+
+TEST_P(PreparedFolder, FolderThatTheGroupMayWriteIsRefused) {
+  fs::create_directory(place_);
+  setMode(place_, 0720);
+  EXPECT_EQ(privateFolder(), std::nullopt);
+}
+
+TEST_P(PreparedFolder, FolderThatAllMayWriteIsRefused) {
+  fs::create_directory(place_);
+  setMode(place_, 01702);
+  EXPECT_EQ(privateFolder(), std::nullopt);
+}
+
+TEST_P(PreparedFolder, FolderOfAnotherUserIsRefused) {
+  fs::create_directory(place_);
+  setMode(place_, 0700);
+  if (::chown(place_.c_str(), test_support::kNobody, test_support::kNobody) != 0)
+    GTEST_SKIP() << "this user may not give a folder away";
+  EXPECT_EQ(privateFolder(), std::nullopt);
+}
+
+TEST_F(PrivateFolder, FolderThatCannotBeMadeIsNone) {
+  ::unsetenv("XDG_RUNTIME_DIR");
+  setMode("/tmp", 0755);
+  const auto finished = test_support::runForked([] {
+    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (::access("/tmp", W_OK) == 0) return 100;
+    return privateFolder() ? 1 : 0;
+  });
+  setMode("/tmp", 01777);
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+}
+
+TEST_F(PrivateFolder, FoldersBelowTmpDifferBetweenUsers) {
+  const auto finished = test_support::runForked([] {
+    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    std::fputs(privateFolder().value_or("(none)").c_str(), stdout);
+    return 0;
+  });
+  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(finished.output, "/tmp/TovalinTray-65534");
+  fs::remove("/tmp/TovalinTray-65534");
+}
+
+TEST_F(PrivateFolder, HelpersHaveTheirOwnFolderInIt) {
+  EXPECT_EQ(helperFolder(), std::string(kBelowRuntime) + "/helpers");
+}
+
+// A runtime folder whose file system lets no program run.
+class RuntimeFolderWithoutPrograms : public PrivateFolder {
+ protected:
+  void SetUp() override {
+    PrivateFolder::SetUp();
+    if (::mount("none", kRuntime, "tmpfs", MS_NOEXEC, "mode=700") != 0) GTEST_SKIP() << "no mounts to be had";
+  }
+  void TearDown() override {
+    ::umount2(kRuntime, MNT_DETACH);
+    PrivateFolder::TearDown();
+  }
+};
+
+TEST_F(RuntimeFolderWithoutPrograms, StillHasThePrivateFolder) {
+  EXPECT_EQ(privateFolder(), kBelowRuntime);
+}
+
+TEST_F(RuntimeFolderWithoutPrograms, SendsHelpersBelowTmp) {
+  EXPECT_EQ(helperFolder(), belowTmp_ + "/helpers");
+  EXPECT_EQ(modeOf(belowTmp_), 0700U);
+}
+
+TEST_F(RuntimeFolderWithoutPrograms, SendsNoHelpersToALinkBelowTmp) {
+  fs::create_directory("/tmp/elsewhere");
+  fs::create_symlink("/tmp/elsewhere", belowTmp_);
+  EXPECT_EQ(helperFolder(), std::nullopt);
+}
+
+TEST_F(RuntimeFolderWithoutPrograms, LeavesNoPlaceForHelpersWhereTheOneBelowTmpLetsNoneRunEither) {
+  fs::create_directory(belowTmp_);
+  ASSERT_EQ(::mount("none", belowTmp_.c_str(), "tmpfs", MS_NOEXEC, "mode=700"), 0);
+  EXPECT_EQ(helperFolder(), std::nullopt);
+  ::umount2(belowTmp_.c_str(), MNT_DETACH);
+}
+
+// $XDG_RUNTIME_DIR as the toolkit finds it while it starts.
+class ToolkitsRuntimeFolderTest : public PrivateFolder {
+ protected:
+  static std::string named() {
+    const char* name = std::getenv("XDG_RUNTIME_DIR");
+    return name == nullptr ? "(unset)" : name;
+  }
+};
+
+TEST_F(ToolkitsRuntimeFolderTest, UsableOneStays) {
+  const platform::ToolkitsRuntimeFolder folder;
+  EXPECT_EQ(named(), kRuntime);
+}
+
+TEST_F(ToolkitsRuntimeFolderTest, UnsetOneIsPrivateFolderUntilTheEnd) {
+  ::unsetenv("XDG_RUNTIME_DIR");
+  {
+    const platform::ToolkitsRuntimeFolder folder;
+    EXPECT_EQ(named(), belowTmp_);
+  }
+  EXPECT_EQ(named(), "(unset)");
+}
+
+TEST_F(ToolkitsRuntimeFolderTest, UnusableOneIsReplacedUntilTheEnd) {
+  const auto isReplacedBy = [](const std::string& other) {
+    const std::string users = named();
+    {
+      const platform::ToolkitsRuntimeFolder folder;
+      EXPECT_EQ(named(), other);
+    }
+    EXPECT_EQ(named(), users);
+  };
+  setMode(kRuntime, 0755);
+  isReplacedBy(kBelowRuntime);
+  setMode(kRuntime, 0777);
+  isReplacedBy(belowTmp_);
+  ::setenv("XDG_RUNTIME_DIR", "/tmp/missing", 1);
+  isReplacedBy(belowTmp_);
+  EXPECT_FALSE(fs::exists("/tmp/missing"));
+  setMode(belowTmp_, 0755);
+  isReplacedBy("/proc/nowhere");
+  EXPECT_EQ(std::getenv("TMPDIR"), nullptr);
+  setMode(kRuntime, 0700);
+  ASSERT_EQ(::chown(kRuntime, 1234, 1234), 0);
+  ::setenv("XDG_RUNTIME_DIR", kRuntime, 1);
+  isReplacedBy("/proc/nowhere");
+}
+
+}  // namespace

@@ -1,0 +1,94 @@
+#include <gtest/gtest.h>
+
+#include "platform/application.h"
+#include "platform/image_view.h"
+#include "tests/platform/linux/windows/support_layout.h"
+#include "tests/platform/linux/windows/window_fixture.h"
+#include "tests/support/child_process.h"
+#include "tests/support/x_windows.h"
+
+namespace {
+
+using platform::Application;
+using platform::Window;
+
+class Link : public platform::ImageView {
+ public:
+  using ImageView::ImageView;
+  void mouseUp(const platform::MouseEvent&) override { ++presses; }
+  int presses = 0;
+};
+
+// A window with two links, the first of which has the keyboard, and a modal run that keeps input from it.
+class WindowBlocking : public WindowFixture {
+ protected:
+  void SetUp() override {
+    blocked_->setTitle("Blocked");
+    for (const auto& link : {first_, second_}) {
+      link->setActsAsLink(true);
+      blocked_->contentView().addSubview(link);
+    }
+    modal_->setTitle("Modal");
+    ASSERT_TRUE(show(*blocked_));
+    widgetOf(*first_).setFocus();
+  }
+  void TearDown() override {
+    modal_->close();
+    blocked_->close();
+  }
+
+  // The window manager lets a user turn to any window.
+  [[nodiscard]] bool turnToBlockedWindow() {
+    const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Blocked"));
+    test_support::ChildProcess tool;
+    return window &&
+           tool.start({"xdotool", "windowactivate", std::to_string(window->id)},
+                      {.environment = {{"DISPLAY", display()}}}) &&
+           serveEventsUntil([this] { return widgetOf(*blocked_).isActiveWindow(); });
+  }
+
+  // What `user` does while the modal run lasts.
+  void duringModalRun(const std::function<void()>& user) {
+    ASSERT_TRUE(show(*modal_));
+    Application::sharedApplication().performOnMainThread([&] {
+      user();
+      Application::sharedApplication().stopModal();
+    });
+    Application::sharedApplication().runModalForWindow(modal_);
+  }
+
+  std::shared_ptr<Window> blocked_ = Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
+  std::shared_ptr<Window> modal_ = Window::make({0, 0, 100, 40}, platform::WindowStyle::TitledClosable);
+  std::shared_ptr<Link> first_ = std::make_shared<Link>(platform::Rect{0, 0, 100, 80});
+  std::shared_ptr<Link> second_ = std::make_shared<Link>(platform::Rect{100, 0, 100, 80});
+};
+
+TEST_F(WindowBlocking, KeyPressesReachNoControlOfABlockedWindow) {
+  duringModalRun([this] {
+    ASSERT_TRUE(turnToBlockedWindow());
+    press("Return");
+    press("Tab");
+    press("Escape");
+    EXPECT_TRUE(settle(*blocked_));
+    EXPECT_EQ(first_->presses, 0);
+    EXPECT_TRUE(widgetOf(*first_).hasFocus());
+    EXPECT_TRUE(blocked_->isVisible());
+  });
+  ASSERT_TRUE(turnToBlockedWindow());
+  press("Return");
+  EXPECT_TRUE(serveEventsUntil([this] { return first_->presses == 1; }));
+}
+
+TEST_F(WindowBlocking, ClicksReachNoControlOfABlockedWindowAndBringTheModalOneBack) {
+  duringModalRun([this] {
+    ASSERT_TRUE(turnToBlockedWindow());
+    click(widgetOf(*second_), QPoint(90, 70));
+    EXPECT_TRUE(serveEventsUntil([this] { return widgetOf(*modal_).isActiveWindow(); }));
+    EXPECT_EQ(second_->presses, 0);
+  });
+  ASSERT_TRUE(turnToBlockedWindow());
+  click(widgetOf(*second_), QPoint(90, 70));
+  EXPECT_TRUE(serveEventsUntil([this] { return second_->presses == 1; }));
+}
+
+}  // namespace

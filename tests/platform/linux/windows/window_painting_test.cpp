@@ -1,0 +1,83 @@
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <QImage>
+#include <QPixmap>
+
+#include "platform/application.h"
+#include "tests/platform/linux/windows/support_layout.h"
+#include "tests/platform/linux/windows/window_fixture.h"
+#include "tests/support/x_connection.h"
+#include "tests/support/x_picture.h"
+#include "tests/support/x_windows.h"
+
+namespace {
+
+// What a window shows while the program is busy. Nothing here serves events but `serveEventsUntil`.
+class WindowPainting : public WindowFixture {
+ protected:
+  void TearDown() override { layout_.window->close(); }
+
+  [[nodiscard]] static std::optional<test_support::XWindow> onDisplay() {
+    return test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
+  }
+  // Whether the display shows the widget as it draws itself.
+  [[nodiscard]] bool isPainted() {
+    const auto window = onDisplay();
+    if (!window) return false;
+    const QImage expected = widgetOf(*layout_.window).grab().toImage();
+    const auto shown =
+        test_support::pictureOf(display(), {window->x, window->y, window->width, window->height});
+    if (!shown || expected.width() != shown->width() || expected.height() != shown->height()) return false;
+    for (int y = 0; y < shown->height(); ++y) {
+      for (int x = 0; x < shown->width(); ++x) {
+        const test_support::Colour colour = shown->at(x, y);
+        if (expected.pixelColor(x, y) != QColor(colour.red, colour.green, colour.blue)) return false;
+      }
+    }
+    return true;
+  }
+
+  SupportLayout layout_;
+};
+
+TEST_F(WindowPainting, NewWindowIsPaintedWithoutTheRunLoop) {
+  layout_.window->makeKeyAndOrderFront();
+  EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
+}
+
+TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedAsItLooksByThen) {
+  ASSERT_TRUE(show(*layout_.window));
+  layout_.window->orderOut();
+  ASSERT_TRUE(test_support::waitForNoWindow(display(), test_support::windowNamed("Support Tovalin")));
+  layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
+  layout_.window->makeKeyAndOrderFront();
+  EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
+}
+
+// The toolkit makes another window on the display after such a change.
+TEST_F(WindowPainting, WindowShownAgainAfterAModalRunIsPainted) {
+  ASSERT_TRUE(show(*layout_.window));
+  auto& application = platform::Application::sharedApplication();
+  application.performOnMainThread([&application] { application.stopModal(); });
+  application.runModalForWindow(layout_.window);
+  layout_.window->orderOut();
+  ASSERT_TRUE(test_support::waitForNoWindow(display(), test_support::windowNamed("Support Tovalin")));
+  layout_.window->makeKeyAndOrderFront();
+  EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
+}
+
+TEST_F(WindowPainting, BackgroundIsTakenBackOnceTheWindowIsPainted) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
+  layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
+  ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
+  const auto window = onDisplay();
+  ASSERT_TRUE(window);
+  const test_support::XConnection x(display());
+  xcb_clear_area(x.get(), 0, window->id, 0, 0, 0, 0);  // fills the window with its background, if it has one
+  x.synchronize();
+  EXPECT_TRUE(isPainted());
+}
+
+}  // namespace

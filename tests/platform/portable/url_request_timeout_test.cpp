@@ -1,0 +1,263 @@
+#include <arpa/inet.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/mount.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <atomic>
+#include <fstream>
+#include <future>
+#include <tuple>
+#include <vector>
+
+#include "tests/platform/portable/url_request_support.h"
+#include "tests/support/wait_until.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using platform::UrlRequest;
+using test_support::FileDescriptor;
+using test_support::httpReply;
+using test_support::Outcome;
+using test_support::outcomeOf;
+using test_support::postOf;
+using test_support::RawConnection;
+using test_support::RawHttpServer;
+using test_support::requestFor;
+using testing::Each;
+using testing::Optional;
+
+constexpr std::chrono::milliseconds kInterval = 300ms;
+constexpr std::chrono::milliseconds kLongInterval = 3300ms;
+
+// A request that a stall has ended.
+struct Stall {
+  std::chrono::milliseconds interval;
+  Outcome outcome;
+};
+
+void PrintTo(const Stall& stall, std::ostream* stream) {
+  *stream << "with " << stall.interval.count() << " ms: ";
+  PrintTo(stall.outcome, stream);
+}
+
+// What fits one of the two intervals does not fit the other.
+MATCHER(EndedByItsInterval, "") {
+  const auto time = arg.outcome.time;
+  return !arg.outcome.reply && time >= arg.interval - 100ms && time < arg.interval + 2900ms;
+}
+
+Outcome outcomeWithin(std::chrono::milliseconds interval, UrlRequest request) {
+  request.timeoutInterval = interval;
+  return outcomeOf(request);
+}
+
+// What comes of a request with each of the two intervals.
+std::array<Stall, 2> stallsOf(const UrlRequest& request) {
+  auto longer = std::async(std::launch::async, outcomeWithin, kLongInterval, request);
+  const Outcome shorter = outcomeWithin(kInterval, request);
+  return {{{kInterval, shorter}, {kLongInterval, longer.get()}}};
+}
+
+// What comes of requests to a server that sends `bytes` and then falls silent.
+std::array<Stall, 2> silenceAfter(const std::string& bytes) {
+  const RawHttpServer server([&](RawConnection& connection) {
+    connection.readHead();
+    connection.send(bytes);
+    connection.waitForEnd();
+  });
+  return stallsOf(requestFor(server.url()));
+}
+
+sockaddr_in loopback(in_port_t port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(port);
+  return address;
+}
+
+FileDescriptor boundTo(int type, in_port_t port) {
+  FileDescriptor socket(::socket(AF_INET, type | SOCK_CLOEXEC, 0));
+  const sockaddr_in address = loopback(port);
+  if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) socket.reset();
+  return socket;
+}
+
+// A name server that is there and never answers: the sandbox's loopback has a port 53 to give.
+class SilentNameServer {
+ public:
+  SilentNameServer() : socket_(boundTo(SOCK_DGRAM, 53)) {
+    std::ofstream("/tmp/resolv.conf") << "nameserver 127.0.0.1\noptions timeout:5 attempts:2\n";
+    mounted_ = ::mount("/tmp/resolv.conf", "/etc/resolv.conf", nullptr, MS_BIND, nullptr) == 0;
+  }
+  SilentNameServer(const SilentNameServer&) = delete;
+  SilentNameServer& operator=(const SilentNameServer&) = delete;
+  ~SilentNameServer() {
+    if (mounted_) ::umount2("/etc/resolv.conf", MNT_DETACH);
+  }
+  [[nodiscard]] bool valid() const { return socket_.valid() && mounted_; }
+  [[nodiscard]] bool wasAsked() const {
+    std::array<char, 512> question{};
+    return ::recv(socket_.get(), question.data(), question.size(), MSG_DONTWAIT) > 0;
+  }
+
+ private:
+  FileDescriptor socket_;
+  bool mounted_ = false;
+};
+
+TEST(UrlRequestTimeout, EndsTheLookUpOfAName) {
+  const SilentNameServer names;
+  ASSERT_TRUE(names.valid());
+  EXPECT_THAT(stallsOf(requestFor("http://silent.example/")), Each(EndedByItsInterval()));
+  EXPECT_TRUE(names.wasAsked());
+}
+
+TEST(UrlRequestTimeout, EndsAConnectionThatIsNeverMade) {
+  const FileDescriptor listener = boundTo(SOCK_STREAM, 8099);
+  ASSERT_EQ(::listen(listener.get(), 0), 0);
+  // Who is not accepted fills the queue, and those behind get no answer at all.
+  const sockaddr_in address = loopback(8099);
+  std::vector<FileDescriptor> waiting;
+  for (int i = 0; i < 4; ++i) {
+    waiting.emplace_back(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    std::ignore =
+        ::connect(waiting.back().get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  }
+  EXPECT_THAT(stallsOf(requestFor("http://127.0.0.1:8099/")), Each(EndedByItsInterval()));
+}
+
+TEST(UrlRequestTimeout, EndsAHandshakeThatIsNeverAnswered) {
+  std::atomic<int> hellos = 0;
+  {
+    const RawHttpServer server([&](RawConnection& connection) {
+      if (connection.readBytes(5).starts_with("\x16\x03")) ++hellos;
+      connection.waitForEnd();
+    });
+    EXPECT_THAT(stallsOf(requestFor(server.url("/", "https"))), Each(EndedByItsInterval()));
+  }
+  EXPECT_EQ(hellos, 2);
+}
+
+TEST(UrlRequestTimeout, EndsTheSilenceBeforeTheHeader) {
+  EXPECT_THAT(silenceAfter(""), Each(EndedByItsInterval()));
+}
+
+TEST(UrlRequestTimeout, EndsTheSilenceWithinTheHeader) {
+  EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nContent-"), Each(EndedByItsInterval()));
+}
+
+TEST(UrlRequestTimeout, EndsTheSilenceBeforeTheBody) {
+  EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n"), Each(EndedByItsInterval()));
+}
+
+TEST(UrlRequestTimeout, EndsTheSilenceWithinTheBody) {
+  EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n12345"), Each(EndedByItsInterval()));
+  EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\n\r\n12345"), Each(EndedByItsInterval()));
+}
+
+TEST(UrlRequestTimeout, EndsTheSilenceWithinAChunk) {
+  EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\n123"),
+              Each(EndedByItsInterval()));
+}
+
+TEST(UrlRequestTimeout, EndsTheSilenceAfterARedirect) {
+  const RawHttpServer target([](RawConnection& connection) { connection.waitForEnd(); });
+  const RawHttpServer server(
+      RawHttpServer::answer(httpReply("", "Location: " + target.url() + "\r\n", "302 Found")));
+  EXPECT_THAT(stallsOf(requestFor(server.url())), Each(EndedByItsInterval()));
+  EXPECT_EQ(target.connections(), 2U);
+}
+
+TEST(UrlRequestTimeout, EndsABodyThatNobodyTakes) {
+  const std::string body(std::size_t{64} << 20, 'b');
+  const RawHttpServer server([](RawConnection& connection) {
+    connection.readHead();
+    connection.pauseFor(20s);
+  });
+  EXPECT_THAT(stallsOf(postOf(server.url(), body)), Each(EndedByItsInterval()));
+}
+
+TEST(UrlRequestTimeout, ConnectionIsClosedWithTheCall) {
+  std::atomic<int> closed = 0;
+  const RawHttpServer server([&](RawConnection& connection) {
+    connection.readHead();
+    if (connection.waitForEnd()) ++closed;
+  });
+  EXPECT_THAT(stallsOf(requestFor(server.url())), Each(EndedByItsInterval()));
+  EXPECT_TRUE(test_support::waitUntil([&] { return closed == 2; }));
+}
+
+TEST(UrlRequestTimeout, IntervalOfNothingIsNoReply) {
+  const RawHttpServer server([](RawConnection& connection) { connection.waitForEnd(); });
+  for (const auto interval : {0ms, -1000ms}) {
+    const Outcome outcome = outcomeWithin(interval, requestFor(server.url()));
+    EXPECT_EQ(outcome.reply, std::nullopt);
+    EXPECT_LT(outcome.time, 3s);
+  }
+}
+
+TEST(UrlRequestTimeout, IntervalWithoutEndWaits) {
+  const RawHttpServer server([](RawConnection& connection) {
+    connection.readHead();
+    connection.pauseFor(700ms);
+    connection.send(httpReply("late"));
+  });
+  EXPECT_THAT(outcomeWithin(std::chrono::milliseconds::max(), requestFor(server.url())).reply,
+              Optional(std::string("late")));
+}
+
+TEST(UrlRequestTimeout, SlowBodyThatLivesIsAwaited) {
+  const std::string body(20, 's');
+  const RawHttpServer server([&](RawConnection& connection) {
+    connection.readHead();
+    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 20\r\n\r\n");
+    connection.sendSlowly(body, 500ms);
+  });
+  const Outcome outcome = outcomeWithin(3s, requestFor(server.url()));
+  EXPECT_THAT(outcome.reply, Optional(body));
+  EXPECT_GE(outcome.time, 9500ms);
+}
+
+TEST(UrlRequestTimeout, SlowHeaderThatLivesIsAwaited) {
+  const RawHttpServer server([](RawConnection& connection) {
+    connection.readHead();
+    connection.sendSlowly(httpReply("done"), 60ms);
+  });
+  const Outcome outcome = outcomeWithin(1s, requestFor(server.url()));
+  EXPECT_THAT(outcome.reply, Optional(std::string("done")));
+  EXPECT_GE(outcome.time, 2s);
+}
+
+TEST(UrlRequestTimeout, SlowChunksThatLiveAreAwaited) {
+  const RawHttpServer server([](RawConnection& connection) {
+    connection.readHead();
+    connection.sendSlowly(test_support::chunkedReply("chunk", 1), 30ms);
+  });
+  EXPECT_THAT(outcomeWithin(1s, requestFor(server.url())).reply, Optional(std::string("chunk")));
+}
+
+// The whole body fits into what the system buffers, so that nothing is left to send while the server takes
+// it.
+TEST(UrlRequestTimeout, BodyThatIsTakenSlowlyIsAwaited) {
+  const std::string body(1 << 20, 'b');
+  constexpr std::size_t kSteps = 32;
+  const auto takeSlowly = [&](RawConnection& connection) {
+    connection.readHead();
+    for (std::size_t i = 0; i < kSteps; ++i) {
+      connection.readBytes(body.size() / kSteps);
+      connection.pauseFor(100ms);
+    }
+    connection.send(httpReply("taken"));
+  };
+  const RawHttpServer server(std::vector<RawHttpServer::Script>{takeSlowly}, 16 << 10);
+  const Outcome outcome = outcomeWithin(1s, postOf(server.url(), body));
+  EXPECT_THAT(outcome.reply, Optional(std::string("taken")));
+  EXPECT_GE(outcome.time, 3s);
+}
+
+}  // namespace
