@@ -1,6 +1,7 @@
 #include "usage/application_directory.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <system_error>
@@ -16,6 +17,12 @@ std::optional<std::string> applicationPath() {
   return path;
 }
 
+// The user may have moved the folder elsewhere. Another user's link could name any folder of this one's.
+bool isLinkOfTheUser(const std::string& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid == ::geteuid();
+}
+
 }  // namespace
 
 std::optional<std::string> applicationDirectory() {
@@ -26,7 +33,7 @@ std::optional<std::string> applicationDirectory() {
   std::filesystem::create_directories(folder.parent_path(), error);
   if (::mkdir(path->c_str(), S_IRWXU) != 0 && !std::filesystem::is_directory(folder, error))
     return std::nullopt;
-  makeFolderPrivate(*path);
+  makeFolderPrivate(isLinkOfTheUser(*path) ? std::filesystem::canonical(folder, error).string() : *path);
   return path;
 }
 

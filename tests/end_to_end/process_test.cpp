@@ -1,11 +1,15 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
 #include "tests/end_to_end/agent_test.h"
+#include "tests/support/file_descriptor.h"
 #include "tests/support/x_windows.h"
 
 namespace {
@@ -38,6 +42,14 @@ class Process : public AgentTest {
     options.error = Redirection::pipe();
     EXPECT_TRUE(another_.start(command, options));
     return another_.wait().value_or(ExitStatus{});
+  }
+
+  // Of the place where the agent has its own.
+  [[nodiscard]] static test_support::FileDescriptor lockOfTheAgent() {
+    const std::string folder = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/TovalinTray";
+    ::mkdir(folder.c_str(), 0700);
+    return test_support::FileDescriptor(
+        ::open((folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   }
 
   ChildProcess another_;
@@ -148,6 +160,30 @@ TEST_F(Process, StartWithTheBusNameOwnedByAStrangerReportsItsOwnerAndEndsWithZer
   EXPECT_EQ(count("log 3: " + report), 1);
   EXPECT_EQ(count("log 3: " + noAgent), 1);
   EXPECT_EQ(count("pipe: -ton"), 0);
+}
+
+// A program of the user's that holds the agent's lock as well.
+TEST_F(Process, StartWithLockAndBusNameHeldByStrangersReportsTheNamesOwner) {
+  install("/tmp/Applications/Tovalin.app");
+  const test_support::FileDescriptor lock = lockOfTheAgent();
+  ASSERT_EQ(::flock(lock.get(), LOCK_EX | LOCK_NB), 0);
+  test_support::LineProgram stranger;
+  ASSERT_TRUE(stranger.start({TOVALIN_NAME_OWNER, "com.kesmoor.tovalintrayagent"},
+                             {.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}}));
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  EXPECT_EQ(count("log 3: not started: process " + std::to_string(stranger.process().pid()) +
+                  " (name_owner) owns the name com.kesmoor.tovalintrayagent on the session bus"),
+            1);
+  EXPECT_EQ(count("log 3: that process can't open the menu: it does not act as the tray agent"), 1);
+}
+
+TEST_F(Process, StartWithLockHeldByStrangerAndBusNameFreeIsReported) {
+  install("/tmp/Applications/Tovalin.app");
+  const test_support::FileDescriptor lock = lockOfTheAgent();
+  ASSERT_EQ(::flock(lock.get(), LOCK_EX | LOCK_NB), 0);
+  EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
+  EXPECT_EQ(count("log 3: not started: another process holds the agent's lock and no process opens its menu"),
+            1);
 }
 
 // The first start has not answered then: its main thread waits for a command.

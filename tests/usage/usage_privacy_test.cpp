@@ -115,6 +115,43 @@ TEST_F(Privacy, WhatALinkLeadsToKeepsItsMode) {
   EXPECT_EQ(modeOf("/tmp/support/elsewhere"), 0777u);
 }
 
+// The folder that a link in the place of the data folder leads to.
+class LinkedFolder : public Privacy {
+ protected:
+  void SetUp() override {
+    Privacy::SetUp();
+    fs::rename(kFolder, kTarget);
+    write(past_, kHeader);
+    openToAll(kTarget);
+    openToAll(past_);
+    fs::create_symlink(kTarget, kFolder);
+  }
+
+  static constexpr const char* kTarget = "/tmp/support/elsewhere";
+  const std::string past_ = std::string(kTarget) + "/Tovalin_2024_03_06.dat";
+};
+
+TEST_F(LinkedFolder, OfTheUserIsMadePrivateWithItsFiles) {
+  ASSERT_EQ(applicationDirectory(), kFolder);
+  EXPECT_EQ(modeOf(kTarget), 0700u);
+  EXPECT_EQ(modeOf(past_), 0700u);
+  EXPECT_TRUE(fs::is_symlink(kFolder));
+}
+
+TEST_F(LinkedFolder, BehindALinkOfAnotherUserKeepsItsMode) {
+  ASSERT_EQ(::lchown(kFolder, test_support::kNobody, 0), 0);
+  ASSERT_EQ(applicationDirectory(), kFolder);
+  EXPECT_EQ(modeOf(kTarget), 0777u);
+}
+
+TEST_F(LinkedFolder, OfAnotherUserKeepsItsMode) {
+  for (const std::string& path : {std::string(kTarget), past_})
+    ASSERT_EQ(::chown(path.c_str(), test_support::kNobody, 0), 0);
+  ASSERT_EQ(applicationDirectory(), kFolder);
+  EXPECT_EQ(modeOf(kTarget), 0777u);
+  EXPECT_EQ(modeOf(past_), 0777u);
+}
+
 TEST_F(Privacy, PipeInTheFolderIsNotWaitedForAndKeepsItsMode) {
   const std::string pipe = std::string(kFolder) + "/pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0666), 0);

@@ -57,6 +57,13 @@ void report(const std::string& text) {
   consoleLog(text);
 }
 
+constexpr const char* noAgent = "that process can't open the menu: it does not act as the tray agent";
+
+void reportNameOwner(const QDBusConnection& bus) {
+  const std::string name = busName.latin1();
+  report("not started: process " + nameOwner(bus) + " owns the name " + name + " on the session bus");
+}
+
 class ActivateObject : public QDBusVirtualObject {
  public:
   explicit ActivateObject(std::function<void()> reopened) : reopened_(std::move(reopened)) {}
@@ -107,9 +114,8 @@ bool SingleInstance::listen(std::function<void()> reopened) {
 
 void SingleInstance::deferToNameOwner() {
   const auto bus = QDBusConnection::sessionBus();
-  const std::string name = busName.latin1();
-  report("not started: process " + nameOwner(bus) + " owns the name " + name + " on the session bus");
-  if (!activateNameOwner(bus)) report("that process can't open the menu: it does not act as the tray agent");
+  reportNameOwner(bus);
+  if (!activateNameOwner(bus)) report(noAgent);
 }
 
 bool SingleInstance::tellFirst() {
@@ -124,6 +130,12 @@ bool SingleInstance::tellFirst() {
     if (lock_.valid() && takeLock()) return false;
     std::this_thread::sleep_for(50ms);
   } while (std::chrono::steady_clock::now() < deadline);
+  if (bus.interface()->isServiceRegistered(busName)) {
+    reportNameOwner(bus);
+    report(noAgent);
+  } else {
+    report("not started: another process holds the agent's lock and no process opens its menu");
+  }
   return true;
 }
 

@@ -21,6 +21,8 @@ std::string pathBelowTmp() {
 std::optional<std::string> folderOfOursAt(const std::string& path) {
   ::mkdir(path.c_str(), S_IRWXU);
   if (!isOursAlone(path)) return std::nullopt;
+  // One that was there already may let others read.
+  ::chmod(path.c_str(), S_IRWXU);
   return path;
 }
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <span>
+#include <string_view>
 
 namespace helpers {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 struct Range {
-  std::array<std::uint8_t, 16> start;
+  AddressBytes start;
   unsigned bits;
 };
 
@@ -31,7 +32,7 @@ constexpr std::array notPublic6{
     Range{{0x20, 0x01, 0x0d, 0xb8}, 32},
 };
 
-// IPv6 addresses that lead to the IPv4 address in their bytes from `offset` on: mapped, NAT64 and 6to4.
+// IPv6 addresses that lead to the IPv4 address in their bytes from `offset` on.
 struct Embedding {
   Range range;
   std::size_t offset;
@@ -54,24 +55,31 @@ bool isPublic4(Bytes address) {
   return std::ranges::none_of(notPublic4, [&](const Range& range) { return isIn(range, address); });
 }
 
-bool isPublic6(Bytes address) {
-  for (const Embedding& embedding : embeddings) {
-    if (isIn(embedding.range, address)) return isPublic4(address.subspan(embedding.offset, 4));
-  }
+bool isPublic16(const AddressBytes& address) {
+  constexpr std::size_t offset4 = 12;
+  if (const auto embedded = embeddedAddress(address)) return isPublic4(Bytes(*embedded).subspan(offset4));
   return isIn(globalUnicast6, address) &&
          std::ranges::none_of(notPublic6, [&](const Range& range) { return isIn(range, address); });
 }
 
 bool isPublicText(const std::string& host) {
-  std::array<std::uint8_t, 16> bytes{};
+  AddressBytes bytes{};
   if (::inet_pton(AF_INET, host.c_str(), bytes.data()) == 1) return isPublic4(Bytes(bytes).first(4));
-  return ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1 && isPublic6(bytes);
+  return ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1 && isPublic16(bytes);
 }
 
-bool isAddress(const std::string& host) {
-  std::array<std::uint8_t, 16> bytes{};
-  return ::inet_pton(AF_INET, host.c_str(), bytes.data()) == 1 ||
-         ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1;
+// What some resolver takes for an IPv4 address: "127.1", "0x7f.1" and "2130706433" lead to this machine.
+bool endsInNumber(std::string_view host) {
+  const std::string_view label = host.substr(host.rfind('.') + 1);
+  return label.starts_with("0x") || label.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// No public server has one: special-use names (RFC 6761, 6762 and 8375), and names of one label.
+bool isLocalName(std::string_view host) {
+  constexpr std::array<std::string_view, 5> domains{".localhost", ".localdomain", ".local", ".internal",
+                                                    ".home.arpa"};
+  return host.find('.') == std::string_view::npos ||
+         std::ranges::any_of(domains, [&](std::string_view domain) { return host.ends_with(domain); });
 }
 
 char lowerCase(char character) {
@@ -91,19 +99,36 @@ Endpoint endpointOf(std::string host, std::uint16_t port) {
   return {std::move(host), port};
 }
 
-bool isPublic(const sockaddr& address) {
-  std::array<std::uint8_t, 16> bytes{};
+std::optional<AddressBytes> addressBytes(const sockaddr& address) {
   if (address.sa_family == AF_INET) {
-    std::memcpy(bytes.data(), &reinterpret_cast<const sockaddr_in&>(address).sin_addr, 4);
-    return isPublic4(Bytes(bytes).first(4));
+    AddressBytes bytes{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
+    std::memcpy(bytes.data() + 12, &reinterpret_cast<const sockaddr_in&>(address).sin_addr, 4);
+    return bytes;
   }
-  if (address.sa_family != AF_INET6) return false;
-  std::memcpy(bytes.data(), &reinterpret_cast<const sockaddr_in6&>(address).sin6_addr, 16);
-  return isPublic6(bytes);
+  if (address.sa_family != AF_INET6) return std::nullopt;
+  AddressBytes bytes{};
+  std::memcpy(bytes.data(), &reinterpret_cast<const sockaddr_in6&>(address).sin6_addr, bytes.size());
+  return bytes;
+}
+
+std::optional<AddressBytes> embeddedAddress(const AddressBytes& address) {
+  const auto* found = std::ranges::find_if(
+      embeddings, [&](const Embedding& embedding) { return isIn(embedding.range, address); });
+  if (found == embeddings.end()) return std::nullopt;
+  AddressBytes mapped{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
+  std::copy_n(address.begin() + found->offset, 4, mapped.begin() + 12);
+  return mapped;
+}
+
+bool isPublic(const sockaddr& address) {
+  const auto bytes = addressBytes(address);
+  return bytes && isPublic16(*bytes);
 }
 
 bool isLocal(const std::string& host) {
-  return isAddress(host) ? !isPublicText(host) : host == "localhost" || host.ends_with(".localhost");
+  const std::string name = host.substr(0, host.find_last_not_of('.') + 1);
+  if (endsInNumber(name) || name.find(':') != std::string::npos) return !isPublicText(name);
+  return isLocalName(name);
 }
 
 Passage passageTo(const Endpoint& target, const std::optional<Endpoint>& origin) {

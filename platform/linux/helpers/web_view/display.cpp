@@ -9,6 +9,8 @@
 #include <string_view>
 #include <wayland-server.h>
 
+#include "platform/linux/helpers/web_view/thread_start.h"
+
 namespace helpers {
 namespace {
 
@@ -97,8 +99,8 @@ EmptyDisplay::EmptyDisplay() : display_(wl_display_create()), stop_(::eventfd(0,
   wl_event_loop_add_fd(wl_display_get_event_loop(display_.get()), stop_.get(), WL_EVENT_READABLE, stopServing,
                        display_.get());
   if (wl_display_add_socket(display_.get(), socketName) != 0) return;
-  name_ = socketName;
-  thread_ = std::thread([this] { wl_display_run(display_.get()); });
+  thread_ = startThread([this] { wl_display_run(display_.get()); });
+  if (thread_.joinable()) name_ = socketName;
 }
 
 EmptyDisplay::~EmptyDisplay() {

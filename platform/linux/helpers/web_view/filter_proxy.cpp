@@ -8,6 +8,7 @@
 #include <sys/random.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -15,8 +16,11 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/linux/helpers/web_view/own_networks.h"
+#include "platform/linux/helpers/web_view/peer_user.h"
 #include "platform/linux/helpers/web_view/relay.h"
 #include "platform/linux/helpers/web_view/socks_request.h"
+#include "platform/linux/helpers/web_view/thread_start.h"
 
 namespace helpers {
 namespace {
@@ -24,6 +28,7 @@ namespace {
 using platform::FileDescriptor;
 
 constexpr std::chrono::seconds connectTimeout{20};
+constexpr std::chrono::milliseconds acceptRetryDelay{100};
 constexpr int maxConnections = 64;
 
 // An address as connect(2) takes it.
@@ -32,6 +37,9 @@ struct SocketAddress {
   socklen_t size = 0;
 
   [[nodiscard]] const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&storage); }
+  bool operator==(const SocketAddress& other) const {
+    return size == other.size && std::memcmp(&storage, &other.storage, size) == 0;
+  }
 };
 
 std::vector<SocketAddress> resolve(const Endpoint& target) {
@@ -59,6 +67,12 @@ bool isConnected(const FileDescriptor& socket) {
   socklen_t size = sizeof error;
   return ::poll(&ready, 1, static_cast<int>(timeout)) == 1 &&
          ::getsockopt(socket.get(), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
+}
+
+// Not public in the sense of a page's author: the public addresses of this machine and of its network, too.
+bool isElsewhere(const SocketAddress& address) {
+  const auto networks = ownNetworks();
+  return networks && isPublic(*address.get()) && !hold(*networks, *address.get());
 }
 
 FileDescriptor connectTo(const SocketAddress& address) {
@@ -98,20 +112,44 @@ struct FilterProxy::Shared {
     FileDescriptor server;
   };
 
+  // Hangs up if there are too many connections or no thread is left.
+  static void serveOnThread(const std::shared_ptr<Shared>& shared, FileDescriptor client);
   void serve(const FileDescriptor& client);
   [[nodiscard]] Outcome connect(const Endpoint& target, Passage passage);
   [[nodiscard]] Outcome connectDirectly(const Endpoint& target, Passage passage);
   [[nodiscard]] std::vector<SocketAddress> addressesOf(const Endpoint& target, Passage passage);
   [[nodiscard]] std::optional<Endpoint> currentOrigin();
-  void pin(const Endpoint& target, const SocketAddress& address);
+  // The addresses that connections to the origin may lead to: those of the first answer to be `found`. Empty
+  // if it is no longer the origin.
+  [[nodiscard]] std::vector<SocketAddress> originsAddresses(const Endpoint& target,
+                                                            std::vector<SocketAddress> found);
+  // The first connection to be established decides for all. False for one that leads elsewhere.
+  [[nodiscard]] bool pin(const Endpoint& target, const SocketAddress& address);
+  // So that the next connection asks for the name again.
+  void forgetUnreachable(const Endpoint& target);
 
   UsersProxy usersProxy;
   std::string password;
   std::atomic<int> connections = 0;
   std::mutex mutex;
   std::optional<Endpoint> origin;
-  std::optional<SocketAddress> originsAddress;
+  std::vector<SocketAddress> originsKnown;
+  bool isPinned = false;
 };
+
+void FilterProxy::Shared::serveOnThread(const std::shared_ptr<Shared>& shared, FileDescriptor client) {
+  if (shared->connections >= maxConnections) return;
+  ++shared->connections;
+  std::thread thread = startThread([shared, client = std::move(client)] {
+    shared->serve(client);
+    --shared->connections;
+  });
+  if (thread.joinable()) {
+    thread.detach();
+  } else {
+    --shared->connections;
+  }
+}
 
 void FilterProxy::Shared::serve(const FileDescriptor& client) {
   const auto target = readSocksRequest(client, password);
@@ -133,22 +171,21 @@ FilterProxy::Shared::Outcome FilterProxy::Shared::connect(const Endpoint& target
 FilterProxy::Shared::Outcome FilterProxy::Shared::connectDirectly(const Endpoint& target, Passage passage) {
   bool tried = false;
   for (const SocketAddress& address : addressesOf(target, passage)) {
-    if (passage == Passage::PublicTls && !isPublic(*address.get())) continue;
+    if (passage == Passage::PublicTls && !isElsewhere(address)) continue;
     tried = true;
     FileDescriptor server = connectTo(address);
     if (!server.valid()) continue;
-    if (passage == Passage::Free) pin(target, address);
+    if (passage == Passage::Free && !pin(target, address)) return {};
     return {.reply = SocksReply::Connected, .server = std::move(server)};
   }
+  if (passage == Passage::Free) forgetUnreachable(target);
   return {.reply = tried ? SocksReply::Unreachable : SocksReply::Refused, .server = {}};
 }
 
 std::vector<SocketAddress> FilterProxy::Shared::addressesOf(const Endpoint& target, Passage passage) {
-  {
-    const std::lock_guard lock(mutex);
-    if (passage == Passage::Free && originsAddress && target == origin) return {*originsAddress};
-  }
-  return resolve(target);
+  if (passage != Passage::Free) return resolve(target);
+  auto known = originsAddresses(target, {});
+  return known.empty() ? originsAddresses(target, resolve(target)) : known;
 }
 
 std::optional<Endpoint> FilterProxy::Shared::currentOrigin() {
@@ -156,9 +193,25 @@ std::optional<Endpoint> FilterProxy::Shared::currentOrigin() {
   return origin;
 }
 
-void FilterProxy::Shared::pin(const Endpoint& target, const SocketAddress& address) {
+std::vector<SocketAddress> FilterProxy::Shared::originsAddresses(const Endpoint& target,
+                                                                 std::vector<SocketAddress> found) {
   const std::lock_guard lock(mutex);
-  if (target == origin && !originsAddress) originsAddress = address;
+  if (target != origin) return {};
+  if (originsKnown.empty()) originsKnown = std::move(found);
+  return originsKnown;
+}
+
+bool FilterProxy::Shared::pin(const Endpoint& target, const SocketAddress& address) {
+  const std::lock_guard lock(mutex);
+  if (target != origin || std::ranges::count(originsKnown, address) == 0) return false;
+  originsKnown = {address};
+  isPinned = true;
+  return true;
+}
+
+void FilterProxy::Shared::forgetUnreachable(const Endpoint& target) {
+  const std::lock_guard lock(mutex);
+  if (target == origin && !isPinned) originsKnown.clear();
 }
 
 FilterProxy::FilterProxy(UsersProxy usersProxy)
@@ -182,7 +235,8 @@ void FilterProxy::listen() {
   if (!listens) return;
   address_ = "socks5://" + std::string(socksUser) + ":" + shared_->password +
              "@127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-  thread_ = std::thread([this] { acceptUntilStopped(); });
+  thread_ = startThread([this] { acceptUntilStopped(); });
+  if (!thread_.joinable()) address_.clear();
 }
 
 void FilterProxy::acceptUntilStopped() {
@@ -192,12 +246,12 @@ void FilterProxy::acceptUntilStopped() {
     if (events[1].revents != 0) return;
     if (events[0].revents == 0) continue;
     FileDescriptor client(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (!client.valid() || shared_->connections >= maxConnections) continue;
-    ++shared_->connections;
-    std::thread([shared = shared_, client = std::move(client)] {
-      shared->serve(client);
-      --shared->connections;
-    }).detach();
+    if (!client.valid()) {
+      // After EMFILE the connection is still pending, and poll would report it at once.
+      static_cast<void>(::poll(&events[1], 1, static_cast<int>(acceptRetryDelay.count())));
+    } else if (comesFromThisUser(client)) {
+      Shared::serveOnThread(shared_, std::move(client));
+    }
   }
 }
 
@@ -211,7 +265,8 @@ void FilterProxy::setOrigin(std::optional<Endpoint> origin) {
   const std::lock_guard lock(shared_->mutex);
   if (origin == shared_->origin) return;
   shared_->origin = std::move(origin);
-  shared_->originsAddress.reset();
+  shared_->originsKnown.clear();
+  shared_->isPinned = false;
 }
 
 }  // namespace helpers

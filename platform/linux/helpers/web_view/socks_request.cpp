@@ -76,12 +76,19 @@ std::optional<std::string> readHost(const FileDescriptor& client, char type) {
   }
 }
 
+// Anything else would change the meaning of the addresses and requests that the user's proxy gets.
+bool isHost(std::string_view text) {
+  constexpr std::string_view characters =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-_:";
+  return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
+}
+
 std::optional<Endpoint> readTarget(const FileDescriptor& client) {
   const auto head = readBytes(client, 4);
   if (!head || (*head)[0] != version || (*head)[1] != connectCommand) return std::nullopt;
   auto host = readHost(client, (*head)[3]);
   const auto port = host ? readBytes(client, 2) : std::nullopt;
-  if (!port || host->empty() || host->find('\0') != std::string::npos) return std::nullopt;
+  if (!port || !isHost(*host)) return std::nullopt;
   const auto high = static_cast<unsigned char>((*port)[0]);
   const auto low = static_cast<unsigned char>((*port)[1]);
   return endpointOf(std::move(*host), static_cast<std::uint16_t>(high << 8U | low));

@@ -14,7 +14,7 @@ enum class SocksReply : unsigned char { Connected = 0, Refused = 2, Unreachable 
 
 // The server's side of SOCKS 5 (RFC 1928) up to the request, with a user's name and password (RFC 1929).
 // Waits for the client, half a minute for each of its messages. Returns nothing if the client leaves, gives
-// another name or password, or asks for anything but a connection.
+// another name or password, asks for anything but a connection, or names a host that is none.
 [[nodiscard]] std::optional<Endpoint> readSocksRequest(const platform::FileDescriptor& client,
                                                        std::string_view password);
 [[nodiscard]] bool sendSocksReply(const platform::FileDescriptor& client, SocksReply reply);

@@ -22,7 +22,9 @@ TEST(LogFiles, OwnerKindAndFolderDecideWhetherTheyMayBeCopied) {
     bool allowed;
   } cases[] = {
       {entry(kRegular, kUser), entry(kOpen, kRoot), true},
-      {entry(kRegular, kRoot), entry(kOpen, kRoot), true},
+      {entry(kRegular, kRoot), entry(kOpen, kRoot), false},
+      {entry(kRegular, kRoot), entry(kClosed, kRoot), true},
+      {entry(kRegular, kRoot), entry(kClosed, kUser), false},
       {entry(kRegular, kAnother), entry(kOpen, kRoot), false},
       {entry(kRegular, kUser, 2), entry(kOpen, kRoot), false},
       {entry(kRegular, kUser, 2), entry(kClosed, kUser), false},

@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "platform/linux/helpers/web_view/connection_rules.h"
+#include "platform/linux/helpers/web_view/own_networks.h"
 
 namespace helpers {
 namespace {
@@ -91,11 +94,35 @@ TEST(ConnectionRules, AddressOfAnotherFamilyIsNotPublic) {
 }
 
 TEST(ConnectionRules, LocalHostIsKnownByNameAndAddress) {
-  for (const char* host :
-       {"localhost", "a.localhost", "127.0.0.1", "10.0.0.1", "::1", "fe80::1", "::ffff:7f00:1"})
+  for (const char* host : {"localhost",
+                           "a.localhost",
+                           "localhost.",
+                           "a.localhost.",
+                           "127.0.0.1",
+                           "127.0.0.1.",
+                           "10.0.0.1",
+                           "::1",
+                           "fe80::1",
+                           "fe80::1%eth0",
+                           "::ffff:7f00:1",
+                           "127.1",
+                           "0x7f.1",
+                           "0x7f000001",
+                           "2130706433",
+                           "0177.0.0.1",
+                           "08.8.8.8",
+                           "8.8.2056",
+                           "router",
+                           "localhost.localdomain",
+                           "printer.local",
+                           "db.internal",
+                           "nas.home.arpa",
+                           "",
+                           "."})
     EXPECT_TRUE(isLocal(host)) << host;
   for (const char* host :
-       {"tovalin.example", "notlocalhost", "localhost.example", "8.8.8.8", "2a00::1", "127.1"})
+       {"tovalin.example", "www.notlocalhost", "localhost.example", "8.8.8.8", "8.8.8.8.", "2a00::1",
+        "tovalin.example.", "1.example", "0x7f.example", "mylocal.example", "not.mylocal"})
     EXPECT_FALSE(isLocal(host)) << host;
 }
 
@@ -103,6 +130,54 @@ TEST(ConnectionRules, EndpointIsInOneForm) {
   EXPECT_EQ(endpointOf("WWW.Tovalin.Example", 80), (Endpoint{"www.tovalin.example", 80}));
   EXPECT_EQ(endpointOf("[::1]", 80), (Endpoint{"::1", 80}));
   EXPECT_EQ(endpointOf("2A00:0:0::1", 80), (Endpoint{"2a00::1", 80}));
+}
+
+Network network(const std::string& text, unsigned bits) {
+  Network result{{}, bits};
+  EXPECT_EQ(::inet_pton(AF_INET6, text.c_str(), result.start.data()), 1) << text;
+  return result;
+}
+
+bool isHeld(const std::vector<Network>& networks, const std::string& text) {
+  sockaddr_in address4{};
+  address4.sin_family = AF_INET;
+  if (::inet_pton(AF_INET, text.c_str(), &address4.sin_addr) == 1) {
+    return hold(networks, reinterpret_cast<const sockaddr&>(address4));
+  }
+  sockaddr_in6 address6{};
+  address6.sin6_family = AF_INET6;
+  EXPECT_EQ(::inet_pton(AF_INET6, text.c_str(), &address6.sin6_addr), 1) << text;
+  return hold(networks, reinterpret_cast<const sockaddr&>(address6));
+}
+
+TEST(OwnNetworks, HoldAddressesOfTheirPrefixInEachForm) {
+  const std::vector<Network> networks{network("::ffff:9.9.8.1", 96 + 23), network("2a00:1::1", 64),
+                                      network("2002:101::", 48), network("::ffff:5.5.5.5", 128)};
+  for (const char* text : {"9.9.8.0", "9.9.9.255", "5.5.5.5", "::ffff:9.9.9.9", "64:ff9b::9.9.9.9",
+                           "2002:909:909::1", "2a00:1::ffff", "2002:101:0:1::1"})
+    EXPECT_TRUE(isHeld(networks, text)) << text;
+  for (const char* text :
+       {"9.9.7.255", "9.9.10.0", "5.5.5.4", "::ffff:9.9.10.1", "2a00:1:0:1::1", "2002:102::1"})
+    EXPECT_FALSE(isHeld(networks, text)) << text;
+  EXPECT_FALSE(isHeld({}, "9.9.9.9"));
+}
+
+TEST(OwnNetworks, LoopbackOfThisMachineIsAmongThem) {
+  const auto networks = ownNetworks();
+  ASSERT_TRUE(networks);
+  EXPECT_TRUE(isHeld(*networks, "127.0.0.1"));
+  EXPECT_TRUE(isHeld(*networks, "127.255.0.1"));
+  EXPECT_FALSE(isHeld(*networks, "8.8.8.8"));
+}
+
+// A link that claims every address.
+TEST(OwnNetworks, LinkOfAllAddressesHoldsItsOwnAlone) {
+  ASSERT_EQ(std::system("ip address add 9.9.9.1/0 dev lo noprefixroute"), 0);
+  const auto networks = ownNetworks();
+  EXPECT_EQ(std::system("ip address del 9.9.9.1/0 dev lo"), 0);
+  ASSERT_TRUE(networks);
+  EXPECT_TRUE(isHeld(*networks, "9.9.9.1"));
+  EXPECT_FALSE(isHeld(*networks, "8.8.8.8"));
 }
 
 struct Case {

@@ -3,18 +3,27 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <pthread.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <future>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <vector>
 
 #include "platform/linux/helpers/web_view/filter_proxy.h"
 #include "tests/support/wait_until.h"
@@ -24,7 +33,8 @@ namespace {
 
 using platform::FileDescriptor;
 
-// Of the public Internet's, added to the loopback device of the test's own network.
+// Of the public Internet's. A route of the test's own network leads it to the servers here; no interface has
+// it.
 constexpr const char* kPublicAddress = "8.8.8.8";
 constexpr const char* kHosts = "/tmp/hosts";
 
@@ -54,19 +64,22 @@ bool sendAll(const FileDescriptor& socket, const std::string& bytes) {
   return ::send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
 }
 
-// Says its name to each client, hands back what comes, and counts clients.
+// Says its name to each client, hands back what comes, and counts clients. One that starts later keeps a
+// second client's connect waiting until then.
 class EchoServer {
  public:
-  EchoServer(const std::string& address, int port, std::string name) : name_(std::move(name)) {
+  enum class Start { Now, Later };
+  EchoServer(const std::string& address, int port, std::string name, Start start = Start::Now)
+      : name_(std::move(name)) {
     const int yes = 1;
     ::setsockopt(socket_.get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     sockaddr_in own = addressOf(address, port);
     socklen_t size = sizeof own;
     listens_ = ::bind(socket_.get(), reinterpret_cast<const sockaddr*>(&own), size) == 0 &&
-               ::listen(socket_.get(), 10) == 0;
+               ::listen(socket_.get(), start == Start::Now ? 10 : 0) == 0;
     ::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&own), &size);
     port_ = ntohs(own.sin_port);
-    if (listens_) thread_ = std::thread([this] { serve(); });
+    if (start == Start::Now) run();
   }
   ~EchoServer() {
     ::shutdown(socket_.get(), SHUT_RDWR);
@@ -75,6 +88,9 @@ class EchoServer {
   EchoServer(const EchoServer&) = delete;
   EchoServer& operator=(const EchoServer&) = delete;
 
+  void run() {
+    if (listens_) thread_ = std::thread([this] { serve(); });
+  }
   [[nodiscard]] bool listens() const { return listens_; }
   [[nodiscard]] std::uint16_t port() const { return port_; }
   [[nodiscard]] int clients() const { return clients_; }
@@ -110,13 +126,13 @@ std::string counted(const std::string& text) {
 class FilterProxyTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    ASSERT_EQ(std::system(("ip address add " + std::string(kPublicAddress) + "/32 dev lo").c_str()), 0);
+    ASSERT_EQ(std::system(("ip route add local " + std::string(kPublicAddress) + "/32 dev lo").c_str()), 0);
     std::ofstream(kHosts) << "";
     ASSERT_EQ(::mount(kHosts, "/etc/hosts", nullptr, MS_BIND, nullptr), 0);
   }
   static void TearDownTestSuite() {
     ::umount2("/etc/hosts", MNT_DETACH);
-    EXPECT_EQ(std::system(("ip address del " + std::string(kPublicAddress) + "/32 dev lo").c_str()), 0);
+    EXPECT_EQ(std::system(("ip route del local " + std::string(kPublicAddress) + "/32 dev lo").c_str()), 0);
   }
   void SetUp() override { ASSERT_NE(proxy_->address(), ""); }
   void TearDown() override { nameIs(""); }
@@ -262,6 +278,65 @@ TEST_F(FilterProxyTest, OriginStaysAtTheAddressOfItsFirstConnection) {
   EXPECT_EQ(local.clients(), 0);
 }
 
+// How many connections to this port are being made.
+int connectsTo(std::uint16_t port) {
+  constexpr const char* synSent = "02";
+  std::ifstream table("/proc/self/net/tcp");
+  int found = 0;
+  for (std::string line; std::getline(table, line);) {
+    std::istringstream fields(line);
+    std::string slot, local, remote, state;
+    fields >> slot >> local >> remote >> state;
+    if (state == synSent && std::stoi(remote.substr(remote.find(':') + 1), nullptr, 16) == port) ++found;
+  }
+  return found;
+}
+
+// DNS rebinding between connections that are made side by side.
+TEST_F(FilterProxyTest, ParallelFirstConnectionsLeadToOneAddress) {
+  EchoServer first("127.0.0.2", 8090, "first", EchoServer::Start::Later);
+  const EchoServer other("127.0.0.1", 8090, "other");
+  ASSERT_TRUE(first.listens() && other.listens());
+  FileDescriptor filler = connectedTo("127.0.0.2", 8090);
+  proxy_->setOrigin(Endpoint{"page.example", 8090});
+  nameIs("127.0.0.2 page.example\n");
+  const auto nameOfServer = [&] { return readSome(toName("page.example", 8090).socket, 5); };
+  auto one = std::async(std::launch::async, nameOfServer);
+  ASSERT_TRUE(test_support::waitUntil([] { return connectsTo(8090) == 1; }));
+  nameIs("127.0.0.1 page.example\n");
+  auto two = std::async(std::launch::async, nameOfServer);
+  ASSERT_TRUE(test_support::waitUntil([&] { return connectsTo(8090) == 2 || other.clients() == 1; }));
+  filler.reset();
+  first.run();
+  EXPECT_EQ(one.get(), "first");
+  EXPECT_EQ(two.get(), "first");
+  EXPECT_EQ(other.clients(), 0);
+}
+
+TEST_F(FilterProxyTest, OriginThatWasNotReachedIsResolvedAnew) {
+  const EchoServer server("127.0.0.1", 8090, "later");
+  proxy_->setOrigin(Endpoint{"page.example", 8090});
+  nameIs("127.0.0.2 page.example\n");
+  ASSERT_EQ(toName("page.example", 8090).reply, kUnreachable);
+  nameIs("127.0.0.1 page.example\n");
+  EXPECT_EQ(readSome(toName("page.example", 8090).socket, 5), "later");
+}
+
+// Public by the registries, yet this machine's own and its neighbours'.
+TEST_F(FilterProxyTest, AddressOnOwnNetworkIsRefused) {
+  ASSERT_EQ(std::system("ip address add 9.9.9.1/24 dev lo && ip address add 2a00:1::1/64 dev lo nodad"), 0);
+  const EchoServer own("9.9.9.1", 443, "own");
+  const EchoServer neighbour("9.9.9.77", 443, "neighbour");
+  EXPECT_TRUE(own.listens() && neighbour.listens());
+  nameIs("9.9.9.77 neighbour.example\n2a00:1::5 neighbour6.example\n::ffff:9.9.9.77 mapped.example\n");
+  EXPECT_EQ(toAddress("9.9.9.1", 443).reply, kRefused);
+  EXPECT_EQ(toAddress("9.9.9.77", 443).reply, kRefused);
+  for (const char* name : {"neighbour.example", "neighbour6.example", "mapped.example"})
+    EXPECT_EQ(toName(name, 443).reply, kRefused) << name;
+  EXPECT_EQ(own.clients() + neighbour.clients(), 0);
+  EXPECT_EQ(std::system("ip address del 9.9.9.1/24 dev lo && ip address del 2a00:1::1/64 dev lo"), 0);
+}
+
 TEST_F(FilterProxyTest, NewOriginIsResolvedAnew) {
   const EchoServer server(kPublicAddress, 8090, "first");
   const EchoServer local("127.0.0.1", 8090, "other");
@@ -328,6 +403,112 @@ TEST_F(FilterProxyTest, ConnectionsBeyondTheBoundWaitForNobody) {
   silent.clear();
   EXPECT_TRUE(
       test_support::waitUntil([&] { return toAddress("127.0.0.1", server.port()).reply == kConnected; }));
+}
+
+// Connections of another user's, as long as this object lives.
+class Stranger {
+ public:
+  Stranger(int port, int count) {
+    std::thread([&] {
+      // By number: the library's function would change the user of all threads.
+      isAnother_ = ::syscall(SYS_setresuid, kStranger, kStranger, kStranger) == 0;
+      for (int i = 0; i < count; ++i) sockets_.push_back(connectedTo("127.0.0.1", port));
+    }).join();
+  }
+  [[nodiscard]] bool isAnother() const {
+    struct stat status {};
+    return isAnother_ && ::fstat(sockets_.front().get(), &status) == 0 && status.st_uid == kStranger;
+  }
+  [[nodiscard]] const FileDescriptor& last() const { return sockets_.back(); }
+
+ private:
+  static constexpr uid_t kStranger = 65534;
+  bool isAnother_ = false;
+  std::vector<FileDescriptor> sockets_;
+};
+
+TEST_F(FilterProxyTest, ConnectionsOfAnotherUserTakeNoPlaces) {
+  const EchoServer server("127.0.0.1", 0, "origin");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  const Stranger stranger(port(), 100);
+  if (!stranger.isAnother()) GTEST_SKIP() << "this user can't become another";
+  EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kConnected);
+  EXPECT_EQ(readSome(stranger.last(), 1), "");
+}
+
+std::chrono::microseconds processorTime() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return std::chrono::seconds(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+         std::chrono::microseconds(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+}
+
+// accept4 fails with EMFILE, and poll reports the connection at once again.
+TEST_F(FilterProxyTest, ClientThatFindsNoDescriptorLeftIsServedLaterWithoutSpinning) {
+  const EchoServer server("127.0.0.1", 0, "origin");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  const FileDescriptor late(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  constexpr timeval second{1, 0};
+  ::setsockopt(late.get(), SOL_SOCKET, SO_RCVTIMEO, &second, sizeof second);
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{3, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  const sockaddr_in target = addressOf("127.0.0.1", port());
+  EXPECT_EQ(::connect(late.get(), reinterpret_cast<const sockaddr*>(&target), sizeof target), 0);
+  EXPECT_TRUE(sendAll(late, {"\x05\x01\x02", 3}));
+  const auto start = processorTime();
+  char byte = 0;
+  EXPECT_EQ(::recv(late.get(), &byte, 1, 0), -1);
+  EXPECT_LT(processorTime() - start, std::chrono::milliseconds(300));
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  constexpr timeval patience{60, 0};
+  ::setsockopt(late.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  EXPECT_EQ(readSome(late, 2), "\x05\x02");
+}
+
+TEST_F(FilterProxyTest, ClientThatFindsNoThreadLeftIsHungUpOn) {
+  const EchoServer server("127.0.0.1", 0, "origin");
+  proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
+  pthread_attr_t before;
+  pthread_attr_t endless;
+  ASSERT_EQ(::pthread_getattr_default_np(&before), 0);
+  ASSERT_EQ(::pthread_getattr_default_np(&endless), 0);
+  ASSERT_EQ(::pthread_attr_setstacksize(&endless, std::size_t{1} << 50U), 0);
+  ASSERT_EQ(::pthread_setattr_default_np(&endless), 0);
+  EXPECT_THROW(std::thread([] {}).join(), std::system_error);
+  const FileDescriptor client = connectedTo("127.0.0.1", port());
+  EXPECT_EQ(readSome(client, 1), "");
+  EXPECT_EQ(FilterProxy().address(), "");
+  ASSERT_EQ(::pthread_setattr_default_np(&before), 0);
+  EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kConnected);
+}
+
+// They would change the meaning of what the user's proxy is asked.
+TEST_F(FilterProxyTest, NameOfOtherCharactersIsHungUpOn) {
+  std::atomic<int> asked = 0;
+  proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {
+    ++asked;
+    return FileDescriptor();
+  });
+  for (const char* name :
+       {"a.example@localhost", "localhost:80/a.example", "localhost#a.example", "a.example/",
+        "a.example\r\nX: y", "a.example ", "%6c.example", "[::1", "\xc3\xa9.example"})
+    EXPECT_EQ(toName(name, 443).reply, kHungUp) << name;
+  EXPECT_EQ(asked, 0);
+}
+
+TEST_F(FilterProxyTest, UsersProxyIsNotAskedForLocalHosts) {
+  std::atomic<int> asked = 0;
+  proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {
+    ++asked;
+    return FileDescriptor();
+  });
+  for (const char* name :
+       {"localhost", "localhost.", "a.localhost.", "127.1", "0x7f.1", "0x7f000001", "2130706433",
+        "0177.0.0.1", "127.0.0.1.", "::1", "fe80::1", "router", "printer.local"})
+    EXPECT_EQ(toName(name, 443).reply, kRefused) << name;
+  EXPECT_EQ(asked, 0);
 }
 
 TEST_F(FilterProxyTest, UsersProxyIsAskedForWhatPasses) {

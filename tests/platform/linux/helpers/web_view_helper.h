@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,10 +32,12 @@ class WebViewHelper : public testing::Test {
     EXPECT_TRUE(waitForNoWebProcess());
   }
 
-  void start(const std::vector<std::string>& options = {}) {
+  void start(const std::vector<std::string>& options = {},
+             std::map<std::string, std::optional<std::string>> environment = {}) {
+    environment.emplace("DISPLAY", display_->name());
     std::vector<std::string> argv{helper_test::helper("TovalinWebView")};
     argv.insert(argv.end(), options.begin(), options.end());
-    ASSERT_TRUE(helper_.start(argv, {.environment = {{"DISPLAY", display_->name()}},
+    ASSERT_TRUE(helper_.start(argv, {.environment = environment,
                                      .input = test_support::Redirection::pipe(),
                                      .error = test_support::Redirection::null()}));
   }

@@ -1,14 +1,85 @@
 // Which servers a page reaches.
 #include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <sys/mount.h>
+#include <sys/socket.h>
 
+#include <array>
+#include <fstream>
+#include <mutex>
 #include <regex>
+#include <thread>
 
+#include "tests/platform/linux/helpers/loopback_proxy.h"
 #include "tests/platform/linux/helpers/web_view_helper.h"
+#include "tests/support/file_descriptor.h"
 
 namespace web_view_test {
 namespace {
 
 using testing::IsEmpty;
+
+// The name server of this machine while it lives. Knows no name and remembers what it was asked for.
+class NameServer {
+ public:
+  NameServer() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(53);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    std::ofstream(kConfiguration) << "nameserver 127.0.0.1\n";
+    listens_ = ::bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+               ::mount(kConfiguration, "/etc/resolv.conf", nullptr, MS_BIND, nullptr) == 0;
+    if (listens_) thread_ = std::thread([this] { serve(); });
+  }
+  ~NameServer() {
+    ::shutdown(socket_.get(), SHUT_RDWR);
+    if (!thread_.joinable()) return;
+    thread_.join();
+    ::umount2("/etc/resolv.conf", MNT_DETACH);
+  }
+  NameServer(const NameServer&) = delete;
+  NameServer& operator=(const NameServer&) = delete;
+
+  [[nodiscard]] bool listens() const { return listens_; }
+  [[nodiscard]] std::vector<std::string> asked() const {
+    const std::lock_guard lock(mutex_);
+    return asked_;
+  }
+
+ private:
+  void serve() {
+    std::array<char, 512> message{};
+    sockaddr_in client{};
+    for (;;) {
+      socklen_t size = sizeof client;
+      auto* generic = reinterpret_cast<sockaddr*>(&client);
+      const ssize_t count = ::recvfrom(socket_.get(), message.data(), message.size(), 0, generic, &size);
+      if (count <= 12) return;
+      remember({message.data() + 12, static_cast<std::size_t>(count) - 12});
+      message[2] = static_cast<char>(0x81);  // a reply: there is no such name
+      message[3] = static_cast<char>(0x83);
+      ::sendto(socket_.get(), message.data(), static_cast<std::size_t>(count), 0, generic, size);
+    }
+  }
+  void remember(std::string_view question) {
+    std::string name;
+    for (std::size_t at = 0; at < question.size() && question[at] != 0;) {
+      const auto length = static_cast<std::size_t>(static_cast<unsigned char>(question[at]));
+      name += (name.empty() ? "" : ".") + std::string(question.substr(at + 1, length));
+      at += length + 1;
+    }
+    const std::lock_guard lock(mutex_);
+    asked_.push_back(name);
+  }
+
+  static constexpr const char* kConfiguration = "/tmp/resolv.conf";
+  test_support::FileDescriptor socket_{::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
+  bool listens_ = false;
+  mutable std::mutex mutex_;
+  std::vector<std::string> asked_;
+  std::thread thread_;
+};
 
 // Ways in which a page may ask another server for something, with its port in place of PORT.
 class WebViewOtherServer : public WebViewHelper, public testing::WithParamInterface<const char*> {
@@ -43,6 +114,50 @@ INSTANTIATE_TEST_SUITE_P(
         "document.documentElement.append(f);",
         "const l = document.createElement('link'); l.rel = 'preconnect'; l.href = 'http://127.0.0.1:PORT/';"
         "document.head.append(l); fetch('/redirect', {mode: 'no-cors'});"));
+
+TEST_F(WebViewHelper, PageIsLoadedThroughUsersProxy) {
+  const std::string address = server_.address("");
+  const LoopbackProxy proxy(static_cast<std::uint16_t>(std::stoi(address.substr(address.rfind(':') + 1))));
+  server_.put("/page", "<script>fetch('/script?' + location.hostname)</script>");
+  start({}, {{"http_proxy", proxy.address()}});
+  ASSERT_TRUE(helper_.writeLine("http://page.example/page"));
+  EXPECT_TRUE(server_.waitFor("/script?page.example"));
+  EXPECT_THAT(proxy.asked(), testing::Each(testing::StartsWith("CONNECT page.example:80 ")));
+}
+
+// A name that the engine itself asked for would pass the proxy by and carry what a page wants out.
+TEST_F(WebViewHelper, NameServerIsNotAskedForPrefetchedNames) {
+  NameServer names;
+  ASSERT_TRUE(names.listens());
+  startWithScript(
+      "const d = document.createElement('link'); d.rel = 'dns-prefetch'; d.href = '//prefetched.example';"
+      "document.head.append(d);"
+      "const a = document.createElement('a'); a.href = 'https://linked.example/'; a.text = 'a';"
+      "document.documentElement.append(a);"
+      "fetch('https://asked.example/').catch(() => fetch('/failed'));");
+  EXPECT_TRUE(server_.waitFor("/failed"));
+  EXPECT_THAT(names.asked(), testing::Contains("asked.example"));
+  EXPECT_THAT(names.asked(), testing::Each("asked.example"));
+}
+
+// Without them nothing of a page's goes by UDP, which the proxy would not see.
+TEST_F(WebViewHelper, PageHasNeitherWebRtcNorWebTransport) {
+  startWithScript(
+      "fetch('/types?' + [typeof RTCPeerConnection, typeof webkitRTCPeerConnection, typeof "
+      "WebTransport].join());");
+  EXPECT_TRUE(server_.waitFor("/types?undefined,undefined,undefined"))
+      << testing::PrintToString(server_.asked());
+}
+
+TEST_F(WebViewHelper, PageReadsNoFile) {
+  startWithScript(
+      "const f = document.createElement('iframe'); f.src = 'file:///etc/hostname';"
+      "document.documentElement.append(f);"
+      "const x = new XMLHttpRequest(); x.open('GET', 'file:///etc/hostname');"
+      "x.onerror = () => fetch('/failed'); x.onload = () => fetch('/read?' + x.responseText.length);"
+      "try { x.send(); } catch (e) { fetch('/failed'); }");
+  EXPECT_TRUE(server_.waitFor("/failed"));
+}
 
 TEST_F(WebViewHelper, PagesOwnServerIsAskedUnderEachNameThatAddressesGive) {
   const std::string port = server_.address("").substr(server_.address("").rfind(':'));

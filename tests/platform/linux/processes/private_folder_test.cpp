@@ -118,10 +118,11 @@ class PreparedFolder : public PrivateFolder, public testing::WithParamInterface<
 INSTANTIATE_TEST_SUITE_P(PrivateFolder, PreparedFolder, testing::Values(true, false),
                          [](const auto& test) { return test.param ? "BelowRuntime" : "BelowTmp"; });
 
-TEST_P(PreparedFolder, OursIsTaken) {
+TEST_P(PreparedFolder, OursIsTakenAndClosedToOthers) {
   fs::create_directory(place_);
   setMode(place_, 0755);
   EXPECT_EQ(privateFolder(), place_);
+  EXPECT_EQ(fs::status(place_).permissions(), fs::perms(0700));
 }
 
 TEST_P(PreparedFolder, LinkIsRefused) {
