@@ -27,7 +27,7 @@ constexpr std::array<CommandTemplate, 6> commandTemplates = {{
     {"mkdir -m 700 /tmp/%s", 10s},
     {"collectlogs newest 20000000 /var/log 'Tovalin*.log' /tmp/%s", copyLimit},
     {"export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
-     "collectlogs output 20000000 20 /tmp/%s system.log journalctl -q -b -n 200000 --no-pager || "
+     "collectlogs output 20000000 20 /tmp/%s system.log journalctl -q -b --no-pager -n || "
      "collectlogs newest 20000000 /var/log syslog /tmp/%s system.log",
      copyLimit},
     {"collectlogs whole 20000000 ~/.local/state/Tovalin 'Tovalin*.crash' /tmp/%s", copyLimit},
