@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <QApplication>
@@ -14,6 +15,7 @@
 
 #include "platform/linux/application_impl.h"
 #include "platform/linux/color_impl.h"
+#include "platform/linux/desktop_watch.h"
 #include "platform/linux/text_impl.h"
 #include "platform/linux/view_impl.h"
 #include "platform/linux/window_hints.h"
@@ -71,8 +73,7 @@ class WindowWidget : public QWidget {
 
   void changeEvent(QEvent* event) override {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange && style_ == WindowStyle::Titled && isMinimized())
-      comeBackOnceIdle();
+    if (event->type() == QEvent::WindowStateChange && style_ == WindowStyle::Titled) followState();
   }
 
   void keyPressEvent(QKeyEvent* event) override {
@@ -92,7 +93,15 @@ class WindowWidget : public QWidget {
     QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
   }
 
-  // Some window managers draw a control that makes a window an icon whatever its hints say.
+  // Some window managers draw a control that makes a window an icon whatever its hints say. One that has
+  // become an icon on another desktop, or while the user looks at the bare one, comes back when the user
+  // does.
+  void followState() {
+    if (!isMinimized()) return returns_.reset();
+    if (!returns_) returns_.emplace([this] { comeBackOnceIdle(); });
+    comeBackOnceIdle();
+  }
+
   void comeBackOnceIdle() {
     const auto comeBack = [this] {
       if (isMinimized() && windowHandle() != nullptr && isMadeIcon(*windowHandle())) owner->comeBack();
@@ -101,6 +110,7 @@ class WindowWidget : public QWidget {
   }
 
   WindowStyle style_;
+  std::optional<DesktopWatch> returns_;  // while minimised
 };
 
 class ContentView : public View {
