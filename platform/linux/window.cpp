@@ -200,11 +200,19 @@ void Window::Impl::comeForward() {
   if (std::exchange(hiddenByInactivity, false)) {
     appear(&QWidget::show);
     isComing = true;
+  } else if (widget.isVisible() && !widget.isMinimized()) {
+    keepPictureUntilPainted();
   }
   if (!widget.isVisible()) return;
   if (widget.isMinimized()) appear(&QWidget::showNormal);
   widget.raise();
   widget.activateWindow();
+}
+
+// The part that another window covers has that one's picture once it is uncovered.
+void Window::Impl::keepPictureUntilPainted() {
+  firstPicture.give(widget);
+  widget.update();
 }
 
 void Window::Impl::comeBack() {
@@ -285,6 +293,8 @@ void Window::makeKeyAndOrderFront() {
   if (!impl_->widget.isVisible()) {
     impl_->appear(&QWidget::show);
     impl_->isComing = true;
+  } else {
+    impl_->keepPictureUntilPainted();
   }
   impl_->widget.raise();
   impl_->widget.activateWindow();
