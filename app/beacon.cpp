@@ -31,7 +31,7 @@ std::size_t hostStart(std::string_view server) {
 std::string escapedServer(std::string_view server) {
   const std::size_t start = hostStart(server);
   const std::string_view host = server.substr(start, server.find(']', start) - start + 1);
-  if (!platform::isIpv6Literal(host)) return escapedForAddress(server);
+  if (!platform::isIpv6LiteralWithZone(host)) return escapedForAddress(server);
   return escapedForAddress(server.substr(0, start))
       .append(host)
       .append(escapedForAddress(server.substr(start + host.size())));

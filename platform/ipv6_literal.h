@@ -1,8 +1,14 @@
 #pragma once
 
+#include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace platform {
+
+// Of a zone: the unreserved ones of RFC 3986.
+inline constexpr std::string_view zoneCharacters =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
 
 // Whether `host` is an IPv6 address as a URL writes it, in brackets (RFC 3986, section 3.2.2), judged by its
 // characters. Thread-safe.
@@ -11,6 +17,16 @@ namespace platform {
   const std::string_view address = host.substr(1, host.size() - 2);
   return address.find(':') != std::string_view::npos &&
          address.find_first_not_of("0123456789ABCDEFabcdef:.") == std::string_view::npos;
+}
+
+// The same, or one with a zone behind "%25" (RFC 6874). Browsers know no zones, programs that fetch do.
+[[nodiscard]] inline bool isIpv6LiteralWithZone(std::string_view host) {
+  const std::size_t separator = host.find("%25");
+  if (separator == std::string_view::npos) return isIpv6Literal(host);
+  const std::string_view zone = host.substr(separator + 3);
+  return zone.size() > 1 && zone.ends_with(']') &&
+         zone.find_first_not_of(zoneCharacters) == zone.size() - 1 &&
+         isIpv6Literal(std::string(host.substr(0, separator)) + "]");
 }
 
 }  // namespace platform

@@ -69,7 +69,7 @@ announce() { # NAME PROGRAM PLACE
 
 # Puts before the hidden web view a program that tells of each address that it is handed.
 relay_beacons() { # WEB_VIEW
-  mv "$1" "$1.real"
+  mv "$1" "$outside_commands/TovalinWebView"
   cp build/release/tests/support/web_view_relay "$1"
 }
 

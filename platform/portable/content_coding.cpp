@@ -69,12 +69,19 @@ class Inflater {
   std::array<char, std::size_t{32} << 10> piece_{};
 };
 
-// A gzip file is a sequence of members. What follows the last one is ignored, as gzip(1) does.
+// By what each member begins with: its identification, the method deflate, and reserved flags that are zero
+// (RFC 1952, section 2.3.1).
+bool beginsLikeMember(std::string_view bytes) {
+  constexpr unsigned char reservedFlags = 0xe0;
+  return bytes.size() > 3 && bytes.starts_with("\x1f\x8b\x08") &&
+         (static_cast<unsigned char>(bytes[3]) & reservedFlags) == 0;
+}
+
+// A gzip file is a sequence of members. What follows the last one is ignored, as gzip(1) and browsers do.
 Outcome appendGzip(std::string_view body, BoundedText& output) {
-  constexpr std::string_view magic = "\x1f\x8b";
   Inflater inflater(body, Format::Gzip);
   auto outcome = inflater.appendStream(output);
-  while (outcome == Outcome::Decoded && inflater.rest().starts_with(magic))
+  while (outcome == Outcome::Decoded && beginsLikeMember(inflater.rest()))
     outcome = inflater.appendStream(output);
   return outcome;
 }

@@ -65,7 +65,8 @@ TEST(BeaconAddress, EmptyPartsLeaveTheirSeparators) {
 TEST(BeaconAddress, BracketsOfTheServersIpv6HostStay) {
   const std::string rest = "/product/nimba/binary/GATovalin.html?category=c&c=v";
   for (const char* server :
-       {"http://[::1]:8090", "https://[2001:db8::a]", "http://[::ffff:127.0.0.1]", "HTTP://user:word@[::1]"})
+       {"http://[::1]:8090", "https://[2001:db8::a]", "http://[::ffff:127.0.0.1]", "HTTP://user:word@[::1]",
+        "http://[fe80::1%25eth0]:8090", "http://[fe80::1%25br-0.7_a~]"})
     EXPECT_EQ(beaconAddress(server, "c", "v"), server + rest);
 }
 

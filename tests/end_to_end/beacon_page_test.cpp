@@ -2,12 +2,16 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <filesystem>
+
 #include "tests/end_to_end/agent_test.h"
 #include "tests/platform/linux/helpers/page_server.h"
+#include "tests/platform/linux/helpers/web_processes.h"
 
 namespace {
 
 using test_support::ExitStatus;
+using web_view_test::processesNamed;
 
 constexpr const char* kPage = "/product/nimba/binary/GATovalin.html";
 
@@ -27,6 +31,12 @@ class BeaconPage : public AgentTest {
     return waitFor("/counted" + query);
   }
 
+  // The one that runs; the next beacon starts another.
+  static void endWebView() {
+    for (const pid_t process : processesNamed("TovalinWebView")) ::kill(process, SIGTERM);
+    ASSERT_TRUE(test_support::waitUntil([] { return processesNamed("TovalinWebView").empty(); }));
+  }
+
   web_view_test::PageServer server_;
 
  private:
@@ -44,6 +54,18 @@ TEST_F(BeaconPage, LaunchIsCountedThoughTheAgentWasKilledBeforeTheServerAnswered
   EXPECT_EQ(endOfAgent(), ExitStatus{.signal = SIGKILL});
   server_.letGo();
   EXPECT_TRUE(isCounted("?category=applaunch&applaunch=version1.0.0"));
+}
+
+// A change inside the bundle has ended the watch, so the agent outlives the bundle's removal.
+TEST_F(BeaconPage, ClickAfterTheBundleIsRemovedIsCountedAtTheServerOfTheStart) {
+  launchAgentInPanel();
+  ASSERT_TRUE(isCounted("?category=applaunch&applaunch=version1.0.0"));
+  setServers(kNobody);
+  ASSERT_TRUE(waitForText("log 6: filestreamcallback event flag : 0"));
+  endWebView();
+  std::filesystem::remove_all(bundle_);
+  ASSERT_TRUE(host_.click("Automount Off"));
+  EXPECT_TRUE(isCounted("?category=clickaction&clickaction=turnoff"));
 }
 
 TEST_F(BeaconPage, QuitIsCountedThoughTheAgentEndedBeforeTheServerAnswered) {

@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -54,20 +57,14 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
   }
   void requestMaximum() {
     const XConnection x(display_.name());
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = notice_;
-    message.type = x.atom("_NET_WM_STATE");
-    message.data.data32[0] = 1;
-    message.data.data32[1] = x.atom("_NET_WM_STATE_MAXIMIZED_VERT");
-    message.data.data32[2] = x.atom("_NET_WM_STATE_MAXIMIZED_HORZ");
-    message.data.data32[3] = 2;
-    xcb_send_event(x.get(), 0, x.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&message));
-    x.synchronize();
+    ask(x, notice_, "_NET_WM_STATE",
+        {1, x.atom("_NET_WM_STATE_MAXIMIZED_VERT"), x.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), 2});
   }
+  void requestBareDesktop(bool bare) {
+    const XConnection x(display_.name());
+    ask(x, x.root(), "_NET_SHOWING_DESKTOP", {bare ? 1U : 0U, 0, 0, 0});
+  }
+  void requestMinimum() { runOnDisplay({"xdotool", "windowminimize", std::to_string(notice_)}); }
   [[nodiscard]] bool noticeIsThere() {
     return waitForWindow(display_.name(),
                          [this](const test_support::XWindow& window) {
@@ -84,6 +81,19 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
   std::uint32_t notice_ = 0;
 
  private:
+  static void ask(const XConnection& x, xcb_window_t window, const char* what,
+                  const std::array<std::uint32_t, 4>& numbers) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = x.atom(what);
+    std::ranges::copy(numbers, message.data.data32);
+    xcb_send_event(x.get(), 0, x.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message));
+    x.synchronize();
+  }
   [[nodiscard]] bool replaceWindowManager() {
     display_.windowManager() = test_support::ChildProcess();
     const test_support::ChildOptions options{.environment = environment_,
@@ -101,11 +111,31 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
 };
 
 TEST_P(NoticeUnder, RequestsToMinimiseMaximiseAndCloseLeaveItThere) {
-  runOnDisplay({"xdotool", "windowminimize", std::to_string(notice_)});
+  requestMinimum();
   serveAll();
   EXPECT_TRUE(noticeIsThere());
   requestMaximum();
   test_support::requestClose(display_.name(), notice_);
+  serveAll();
+  EXPECT_TRUE(noticeIsThere());
+  expectNoticeGoesAndAgentEnds();
+}
+
+// kwin makes the window of another desktop an icon.
+TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnItsOwn) {
+  runOnDisplay({"xdotool", "set_num_desktops", "2"});
+  runOnDisplay({"xdotool", "set_desktop", "1"});
+  requestMinimum();
+  serveAll();
+  runOnDisplay({"xdotool", "set_desktop", "0"});
+  EXPECT_TRUE(noticeIsThere());
+  expectNoticeGoesAndAgentEnds();
+}
+
+TEST_P(NoticeUnder, MinimisedOnTheBareDesktopItIsBackAfterIt) {
+  requestBareDesktop(true);
+  requestMinimum();
+  requestBareDesktop(false);
   serveAll();
   EXPECT_TRUE(noticeIsThere());
   expectNoticeGoesAndAgentEnds();

@@ -117,6 +117,17 @@ TEST_F(SupportLogAttack, JournalThatNeverEndsIsCutOffInTime) {
   EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "an entry\n");
 }
 
+// A long journal takes longer than the limit, and its oldest entries come first.
+TEST_F(SupportLogAttack, NewestEntriesOfASlowJournalAreKept) {
+  placeScript("journalctl",
+              "while [ \"$1\" != -n ]; do shift; done\n"
+              "[ \"$2\" -lt 200000 ] || { echo 'an old entry'; exec sleep 1000; }\n"
+              "echo \"the last of $2 entries\"");
+  launchAndOpen();
+  collectPatiently();
+  EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "the last of 50000 entries\n");
+}
+
 TEST_F(SupportLogAttack, CommandThatHangsIsEndedAndTheNextOnesRun) {
   placeScript("mkdir", "sleep 1000; exec /bin/mkdir \"$@\"");
   launchAndOpen();
@@ -144,7 +155,7 @@ TEST_F(SupportLogAttack, JournalIsPlainTextWhateverTheEnvironment) {
   placeScript("journalctl", "echo \"$SYSTEMD_COLORS $SYSTEMD_URLIFY $*\"");
   launchAndOpen();
   collect();
-  EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "0 0 -q -b -n 200000 --no-pager\n");
+  EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "0 0 -q -b --no-pager -n 200000\n");
 }
 
 TEST_F(SupportLogAttack, FifoInPlaceOfTheFolderIsLeftAlone) {

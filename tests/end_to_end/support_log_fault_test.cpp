@@ -118,6 +118,22 @@ TEST_F(SupportLog, CloseRequestDuringCollectionIsRefusedByCompletionAlert) {
   terminateAgent();
 }
 
+// The modal runs of the notices serve events.
+TEST_F(SupportLog, CloseRequestBehindNoticesDuringCollectionIsRefusedByCompletionAlert) {
+  collectUntilPacking();
+  ASSERT_TRUE(sheetIsGone());
+  for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) send(message);
+  test_support::deliverCloseRequest(display_.name(), window_.id);
+  timeline_.release("zip");
+  ASSERT_TRUE(sheetIsUp());
+  serveAll();
+  EXPECT_EQ(supportWindows(), 1);
+  clickAt(sheetsDefault);
+  ASSERT_TRUE(sheetIsGone());
+  closeWindow();
+  terminateAgent();
+}
+
 TEST_F(SupportLog, InputDuringCollectionReachesNothing) {
   collectUntilPacking();
   ASSERT_TRUE(sheetIsGone());

@@ -1,5 +1,6 @@
-// web_view_relay: stands in the hidden web view's place, with the real one beside it as NAME.real. Tells the
-// system log, as "beacon", each address that it is handed, hands it on, and ends after the real one.
+// web_view_relay: stands in the hidden web view's place, with the real one among the visit's outside
+// commands. Tells the system log, as "beacon", each address that it is handed, hands it on, and ends after
+// the real one.
 
 #include <poll.h>
 #include <spawn.h>
@@ -16,6 +17,8 @@
 namespace {
 
 using test_support::FileDescriptor;
+
+constexpr const char* realWebView = "/tmp/outside_commands/TovalinWebView";
 
 struct WebView {
   FileDescriptor line;
@@ -65,10 +68,10 @@ void relay(const FileDescriptor& line) {
 
 }  // namespace
 
-int main(int /*count*/, char** arguments) {
+int main() {
   ::openlog("beacon", 0, LOG_USER);
   WebView webView;
-  if (!webView.start(std::string(arguments[0]) + ".real")) return 1;
+  if (!webView.start(realWebView)) return 1;
   relay(webView.line);
   webView.end();
 }

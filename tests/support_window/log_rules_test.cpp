@@ -22,7 +22,7 @@ TEST(CollectionCommands, StandInTheirOrder) {
   EXPECT_EQ((*commands)[1].text, "collectlogs newest 20000000 /var/log 'Tovalin*.log' /tmp/N");
   EXPECT_EQ((*commands)[2].text,
             "export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
-            "collectlogs output 20000000 20 /tmp/N system.log journalctl -q -b -n 200000 --no-pager || "
+            "collectlogs output 20000000 20 /tmp/N system.log journalctl -q -b --no-pager -n || "
             "collectlogs newest 20000000 /var/log syslog /tmp/N system.log");
   EXPECT_EQ((*commands)[3].text, "collectlogs whole 20000000 ~/.local/state/Tovalin 'Tovalin*.crash' /tmp/N");
   EXPECT_EQ((*commands)[4].text, "collectlogs whole 20000000 /var/crash '*Tovalin*.crash' /tmp/N");

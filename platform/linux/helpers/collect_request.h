@@ -23,8 +23,8 @@ struct CopyFiles {
   std::string name;
 };
 
-// Run `command` for `patience` at most and keep the last `limit` bytes that it prints as the file `name` in
-// the folder `target`.
+// Run `command`, followed by a number of entries, for `patience` at most and keep the last `limit` bytes that
+// it prints as the file `name` in the folder `target`.
 struct KeepOutput {
   std::int64_t limit = 0;
   std::chrono::seconds patience{};

@@ -25,7 +25,9 @@ constexpr char usage[] =
     "\n"
     "whole    copies the files of SOURCE that match PATTERN, the newest first, LIMIT bytes in all\n"
     "newest   the same; of a file that does not fit, its end\n"
-    "output   keeps the last LIMIT bytes that COMMAND prints within SECONDS as TARGET/NAME\n"
+    "output   runs COMMAND with a number of entries behind it, up to 200,000 and as far as SECONDS allow, "
+    "and\n"
+    "         keeps the last LIMIT bytes that it prints as TARGET/NAME\n"
     "archive  keeps what COMMAND prints as TARGET/NAME, if COMMAND succeeds\n";
 
 // Names of files are another user's choice and are not printed.

@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* helperNames[] = {"collectlogs", "launchctl", "open", "osascript"};
+constexpr const char* helperNames[] = {"collectlogs", "launchctl", "open", "osascript", "TovalinWebView"};
 
 // Some systems mount runtime folders so that no program runs there.
 bool programsRunIn(const std::string& folder) {

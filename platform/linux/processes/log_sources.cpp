@@ -8,7 +8,7 @@ constexpr std::string_view programLogs = "collectlogs newest %b /var/log '%p*.lo
 // The newest 200,000 entries of a journal take seconds; all of them may take half a minute.
 constexpr std::string_view systemLog =
     "export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
-    "collectlogs output %b 20 %f system.log journalctl -q -b -n 200000 --no-pager || "
+    "collectlogs output %b 20 %f system.log journalctl -q -b --no-pager -n || "
     "collectlogs newest %b /var/log syslog %f system.log";
 constexpr std::string_view userCrashReports = "collectlogs whole %b ~/.local/state/%p '%p*.crash' %f";
 constexpr std::string_view systemCrashReports = "collectlogs whole %b /var/crash '*%p*.crash' %f";

@@ -34,13 +34,16 @@ void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
   if (closed_) return;
   window_.repaint();  // didEnd may keep the run loop busy
   const QPointer<QWidget> window(&window_);
+  isTellingEnd_ = true;
   didEnd(index);
   if (window == nullptr) return;
   // What didEnd has posted comes before the window's events that arrived meanwhile, and these answer no sheet
-  // that is new by then.
+  // that is new by then. A modal run among it serves events, a close request for one.
   inputMark_.set();
   PostedWork::shared().serve();
-  if (window != nullptr) showNext();
+  if (window == nullptr) return;
+  isTellingEnd_ = false;
+  showNext();
 }
 
 void SheetQueue::dropCurrent() {

@@ -19,7 +19,8 @@ class SheetQueue {
   // Shows the sheet, once those before it have ended. `didEnd` is called by the run loop with the index of
   // the button, not before the window shows itself without the sheet.
   void begin(SheetContent content, std::function<void(int)> didEnd);
-  [[nodiscard]] bool isUp() const { return current_ != nullptr; }
+  // Whether a sheet is up, or what the end of one has led to still goes on and may bring the next.
+  [[nodiscard]] bool isUp() const { return current_ != nullptr || isTellingEnd_; }
   // Takes all of them away, unanswered, and takes no more.
   void close();
 
@@ -37,6 +38,7 @@ class SheetQueue {
   QWidget& window_;
   InputMark inputMark_;
   bool closed_ = false;
+  bool isTellingEnd_ = false;
   std::unique_ptr<Sheet> current_;
   std::deque<Waiting> waiting_;
 };

@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QVariant>
 #include <QWindow>
 
+#include "platform/linux/desktop/desktop_watch.h"
 #include "platform/linux/desktop/x_requests.h"
 #include "platform/linux/windows/color_impl.h"
 #include "platform/linux/windows/modal_stack.h"
@@ -71,8 +73,7 @@ class WindowWidget : public QWidget {
 
   void changeEvent(QEvent* event) override {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange && style_ == WindowStyle::Titled && isMinimized())
-      comeBackOnceIdle();
+    if (event->type() == QEvent::WindowStateChange && style_ == WindowStyle::Titled) followState();
   }
 
   void keyPressEvent(QKeyEvent* event) override {
@@ -92,7 +93,15 @@ class WindowWidget : public QWidget {
     QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
   }
 
-  // Some window managers draw a control that makes a window an icon whatever its hints say.
+  // Some window managers draw a control that makes a window an icon whatever its hints say. One that has
+  // become an icon on another desktop, or while the user looks at the bare one, comes back when the user
+  // does.
+  void followState() {
+    if (!isMinimized()) return returns_.reset();
+    if (!returns_) returns_.emplace([this] { comeBackOnceIdle(); });
+    comeBackOnceIdle();
+  }
+
   void comeBackOnceIdle() {
     const auto comeBack = [this] {
       if (isMinimized() && windowHandle() != nullptr && isMadeIcon(*windowHandle())) owner->comeBack();
@@ -101,6 +110,7 @@ class WindowWidget : public QWidget {
   }
 
   WindowStyle style_;
+  std::optional<DesktopWatch> returns_;  // while minimised
 };
 
 class ContentView : public View {
@@ -190,11 +200,19 @@ void Window::Impl::comeForward() {
   if (std::exchange(hiddenByInactivity, false)) {
     appear(&QWidget::show);
     isComing = true;
+  } else if (widget.isVisible() && !widget.isMinimized()) {
+    keepPictureUntilPainted();
   }
   if (!widget.isVisible()) return;
   if (widget.isMinimized()) appear(&QWidget::showNormal);
   widget.raise();
   widget.activateWindow();
+}
+
+// The part that another window covers has that one's picture once it is uncovered.
+void Window::Impl::keepPictureUntilPainted() {
+  firstPicture.give(widget);
+  widget.update();
 }
 
 void Window::Impl::comeBack() {
@@ -275,6 +293,8 @@ void Window::makeKeyAndOrderFront() {
   if (!impl_->widget.isVisible()) {
     impl_->appear(&QWidget::show);
     impl_->isComing = true;
+  } else {
+    impl_->keepPictureUntilPainted();
   }
   impl_->widget.raise();
   impl_->widget.activateWindow();

@@ -32,6 +32,9 @@ struct Window::Impl {
   void comeForward();
   // Back from the icon that its user has made of it, below the window that keeps it from taking input.
   void comeBack();
+  // Has the display show the widget's picture where nothing else is painted, until the toolkit has painted
+  // it.
+  void keepPictureUntilPainted();
   // Has the toolkit show the widget, with its picture in it until it is painted and no controls but its own.
   void appear(void (QWidget::*show)());
   // Repeats the window manager's hints, over those that the toolkit has written.

@@ -89,6 +89,25 @@ TEST(ContentCoding, BytesBehindAWholeStreamAreIgnored) {
   }
 }
 
+TEST(ContentCoding, BytesBehindAMemberThatAreNoHeaderOfAnotherAreIgnored) {
+  const std::string behind[] = {"\x1f",
+                                "\x1f\x8b",
+                                "\x1f\x8b\x08",
+                                "\x1f\x8bgarbage",
+                                "\x1f\x8b\x07\x01garbage",
+                                "\x1f\x8b\x08\x20garbage"};
+  for (const std::string& bytes : behind)
+    EXPECT_THAT(decoded(gzip("a") + gzip("b") + bytes, "gzip"), Optional(std::string("ab")));
+}
+
+TEST(ContentCoding, DamagedMemberLeavesTheWholeBodyUnchanged) {
+  std::string body = gzip("a") + gzip("b");
+  body.back() ^= 1;
+  EXPECT_THAT(decoded(body, "gzip"), Optional(body));
+  const std::string header("\x1f\x8b\x08\0", 4);
+  EXPECT_THAT(decoded(gzip("a") + header + "garbage", "gzip"), Optional(gzip("a") + header + "garbage"));
+}
+
 TEST(ContentCoding, TextThatBeginsLikeRawDeflateIsUnchanged) {
   const std::string body = rawDeflate(kText) + "behind";
   EXPECT_THAT(decoded(body, "deflate"), Optional(body));

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "tests/platform/linux/helpers/helper_run.h"
+#include "tests/platform/linux/web_view/traced_process.h"
 #include "tests/support/file_contents.h"
 #include "tests/support/file_descriptor.h"
 
@@ -335,6 +336,25 @@ TEST_F(CollectLogsOfUser, UnreadableFileDoesNotKeepTheOthersAway) {
   EXPECT_THAT(namesIn(target_), ElementsAre("own.log"));
 }
 
+TEST_F(CollectLogs, FileThatBecomesAnotherOnesSecondNameBeforeItIsOpenedIsLeftOut) {
+  put("a.log");
+  put("b.log");
+  writeFile(root_ + "/secret", "secret");
+  test_support::ChildProcess shell;
+  const std::string script = "read line; exec \"$0\" whole 1000 \"$1\" '*.log' \"$2\"";
+  ASSERT_TRUE(shell.start({"sh", "-c", script, helper("collectlogs"), source_, target_},
+                          {.input = test_support::Redirection::pipe()}));
+  {
+    TracedProcess collecting(shell.pid());
+    ASSERT_TRUE(shell.writeLine("go"));
+    ASSERT_TRUE(collecting.runToOpenOf("a.log"));
+    fs::remove(source_ + "/a.log");
+    fs::create_hard_link(root_ + "/secret", source_ + "/a.log");
+  }
+  EXPECT_TRUE(shell.wait());
+  EXPECT_THAT(namesIn(target_), ElementsAre("b.log"));
+}
+
 TEST_F(CollectLogs, LastBytesOfAnOutputAreKept) {
   const std::string script = "head -c 1000000 /dev/zero; echo the end";
   EXPECT_EQ(collect({"output", "1000", "20", target_, "n.log", "sh", "-c", script}).code, 0);
@@ -370,6 +390,26 @@ TEST_F(CollectLogs, CommandThatTakesTooLongIsKilledAndItsOutputKept) {
   ASSERT_FALSE(process.empty());
   process.pop_back();
   EXPECT_FALSE(isAlive(process));
+}
+
+TEST_F(CollectLogs, OutputForMoreEntriesThanTheTimeAllowsIsNotKept) {
+  const std::string script = "echo entry $0; [ $0 -le 12500 ] || exec sleep 1000; echo last of $0";
+  EXPECT_EQ(collect({"output", "100", "2", target_, "n.log", "sh", "-c", script}).code, 0);
+  EXPECT_EQ(copied("n.log"), "entry 12500\nlast of 12500\n");
+}
+
+TEST_F(CollectLogs, MoreEntriesAreAskedForUntilTheLimitIsReachedOrNothingIsNew) {
+  const std::string counts = root_ + "/counts";
+  const auto countsAskedFor = [&](const std::string& limit, const std::string& script) {
+    fs::remove(counts);
+    const std::string noting = "echo $0 >>" + counts + "; " + script;
+    EXPECT_EQ(collect({"output", limit, "20", target_, "n.log", "sh", "-c", noting}).code, 0);
+    return contentsOf(counts);
+  };
+  EXPECT_EQ(countsAskedFor("100", "echo entry $0"), "12500\n50000\n200000\n");
+  EXPECT_EQ(copied("n.log"), "entry 200000\n");
+  EXPECT_EQ(countsAskedFor("5", "echo entry $0"), "12500\n");
+  EXPECT_EQ(countsAskedFor("100", "echo entry"), "12500\n50000\n");
 }
 
 TEST_F(CollectLogs, CommandThatPrintsWithoutEndIsKilled) {

@@ -41,7 +41,8 @@ class HelperInstallation : public testing::Test {
     fs::create_directories(std::string(kBundle) + "/Contents/MacOS");
     fs::create_directories(std::string(kBundle) + "/Contents/Helpers");
     fs::copy_file(PRIVATE_FOLDER_PROBE, program_);
-    for (const char* name : {"collectlogs", "launchctl", "open", "osascript"}) putHelper(name, name);
+    for (const char* name : {"collectlogs", "launchctl", "open", "osascript", "TovalinWebView"})
+      putHelper(name, name);
   }
   void TearDown() override {
     fs::remove_all("/tmp/run");
@@ -69,9 +70,10 @@ class HelperInstallation : public testing::Test {
   std::string program_ = std::string(kBundle) + "/Contents/MacOS/probe";
 };
 
-TEST_F(HelperInstallation, CopiesAllFour) {
+TEST_F(HelperInstallation, CopiesAllFive) {
   run("install");
-  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript"));
+  EXPECT_THAT(namesIn(kInstalled),
+              UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript", "TovalinWebView"));
 }
 
 TEST_F(HelperInstallation, CopiesRunWhenTheBundleIsGone) {
@@ -89,7 +91,8 @@ TEST_F(HelperInstallation, OtherProgramsOfTheBundleStayThere) {
 TEST_F(HelperInstallation, MissingHelperIsLeftOut) {
   fs::remove(std::string(kBundle) + "/Contents/Helpers/launchctl");
   run("install");
-  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("collectlogs", "open", "osascript"));
+  EXPECT_THAT(namesIn(kInstalled),
+              UnorderedElementsAre("collectlogs", "open", "osascript", "TovalinWebView"));
 }
 
 TEST_F(HelperInstallation, OlderCopiesAreReplaced) {
@@ -98,7 +101,8 @@ TEST_F(HelperInstallation, OlderCopiesAreReplaced) {
   fs::remove(std::string(kBundle) + "/Contents/Helpers/osascript");
   run("install");
   EXPECT_EQ(toldBy("open"), "newer");
-  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("collectlogs", "launchctl", "open"));
+  EXPECT_THAT(namesIn(kInstalled),
+              UnorderedElementsAre("collectlogs", "launchctl", "open", "TovalinWebView"));
 }
 
 TEST_F(HelperInstallation, LinkInThePlaceOfTheCopiesIsReplacedAndItsTargetSpared) {
@@ -129,7 +133,8 @@ TEST_F(HelperInstallation, ProgramOutsideABundleLeavesTheCopiesOfAnother) {
   fs::copy_file(PRIVATE_FOLDER_PROBE, "/tmp/elsewhere");
   program_ = "/tmp/elsewhere";
   run("install");
-  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript"));
+  EXPECT_THAT(namesIn(kInstalled),
+              UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript", "TovalinWebView"));
 }
 
 TEST_F(HelperInstallation, RefusedPrivateFolderGetsNothing) {

@@ -4,9 +4,12 @@
 #include <sys/ptrace.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <sys/wait.h>
 
 #include <chrono>
+#include <cstdint>
+#include <optional>
 #include <thread>
 
 #include "tests/support/wait_until.h"
@@ -19,12 +22,24 @@ long request(int what, pid_t process, long data) {
   return ::ptrace(static_cast<__ptrace_request>(what), process, 0, data);
 }
 
-bool isAtEndOfReading(pid_t process, int status) {
+// The call that the process is about to make; nullopt where it has stopped for another reason.
+std::optional<__ptrace_syscall_info> callAt(pid_t process, int status) {
   __ptrace_syscall_info call{};
-  return WSTOPSIG(status) == kSystemCall &&
-         ::ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof call, &call) > 0 &&
-         call.op == PTRACE_SYSCALL_INFO_ENTRY && call.entry.nr == SYS_shutdown &&
-         call.entry.args[1] == SHUT_RD;
+  if (WSTOPSIG(status) != kSystemCall ||
+      ::ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof call, &call) <= 0 ||
+      call.op != PTRACE_SYSCALL_INFO_ENTRY)
+    return std::nullopt;
+  return call;
+}
+
+// The text of this length and its end in the memory of the process; shorter where that can't be read.
+std::string textIn(pid_t process, std::uint64_t address, std::size_t length) {
+  std::string text(length + 1, 'x');
+  const iovec here{text.data(), text.size()};
+  const iovec there{reinterpret_cast<void*>(address), text.size()};
+  const ssize_t count = ::process_vm_readv(process, &here, 1, &there, 1, 0);
+  text.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
+  return text;
 }
 
 // The signal that stopped the process and is still to reach it; 0 where it was something else.
@@ -46,6 +61,18 @@ void TracedProcess::letGo() {
 }
 
 bool TracedProcess::runToEndOfReading() {
+  return runToCall([](const __ptrace_syscall_info& call) {
+    return call.entry.nr == SYS_shutdown && call.entry.args[1] == SHUT_RD;
+  });
+}
+
+bool TracedProcess::runToOpenOf(const std::string& name) {
+  return runToCall([&](const __ptrace_syscall_info& call) {
+    return call.entry.nr == SYS_openat && textIn(process_, call.entry.args[1], name.size()) == name + '\0';
+  });
+}
+
+bool TracedProcess::runToCall(const std::function<bool(const __ptrace_syscall_info&)>& isAwaited) {
   const auto deadline = std::chrono::steady_clock::now() + test_support::kPatience;
   int status = 0;
   pid_t stopped = process_;
@@ -55,7 +82,8 @@ bool TracedProcess::runToEndOfReading() {
     stopped = ::waitpid(process_, &status, WNOHANG | __WALL);
     if (stopped != process_) continue;
     held_ = held_ && WIFSTOPPED(status);
-    if (held_ && isAtEndOfReading(process_, status)) return true;
+    const auto call = held_ ? callAt(process_, status) : std::nullopt;
+    if (call && isAwaited(*call)) return true;
   }
   return false;
 }

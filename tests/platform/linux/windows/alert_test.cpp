@@ -242,7 +242,7 @@ TEST_F(AlertSheet, ItsWindowsCloseRequestIsRefusedWhileItIsUp) {
   ask({"Continue", "Cancel"});
   const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
   ASSERT_TRUE(window);
-  test_support::requestClose(display(), window->id);
+  test_support::deliverCloseRequest(display(), window->id);
   ASSERT_TRUE(settle(*layout_.window));
   EXPECT_TRUE(layout_.window->isVisible());
   press("Escape");

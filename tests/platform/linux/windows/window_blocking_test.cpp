@@ -1,10 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <vector>
+
+#include <QCoreApplication>
+
 #include "platform/application.h"
 #include "platform/image_view.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
 #include "tests/support/child_process.h"
+#include "tests/support/x_connection.h"
 #include "tests/support/x_windows.h"
 
 namespace {
@@ -47,6 +53,26 @@ class WindowBlocking : public WindowFixture {
            serveEventsUntil([this] { return widgetOf(*blocked_).isActiveWindow(); });
   }
 
+  // Returns once the window manager has dealt with all that it was asked before: it answers a question about
+  // a window that is never shown.
+  static void serveWindowManager() {
+    QCoreApplication::processEvents();
+    const test_support::XConnection x(display());
+    const xcb_window_t window = xcb_generate_id(x.get());
+    xcb_create_window(x.get(), XCB_COPY_FROM_PARENT, window, x.root(), 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_client_message_event_t question{};
+    question.response_type = XCB_CLIENT_MESSAGE;
+    question.format = 32;
+    question.window = window;
+    question.type = x.atom("_NET_REQUEST_FRAME_EXTENTS");
+    xcb_send_event(x.get(), 0, x.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&question));
+    x.synchronize();
+    EXPECT_TRUE(serveEventsUntil([&] { return x.property(window, "_NET_FRAME_EXTENTS").has_value(); }));
+  }
+
   // What `user` does while the modal run lasts.
   void duringModalRun(const std::function<void()>& user) {
     ASSERT_TRUE(show(*modal_));
@@ -77,6 +103,21 @@ TEST_F(WindowBlocking, KeyPressesReachNoControlOfABlockedWindow) {
   ASSERT_TRUE(turnToBlockedWindow());
   press("Return");
   EXPECT_TRUE(serveEventsUntil([this] { return first_->presses == 1; }));
+}
+
+TEST_F(WindowBlocking, ActivationLeavesTheKeyboardWithTheModalWindow) {
+  std::vector<std::shared_ptr<Window>> others;
+  for (int i = 0; i < 8; ++i) {
+    others.push_back(Window::make({0, 0, 100, 40}, platform::WindowStyle::TitledClosable));
+    ASSERT_TRUE(show(*others.back()));
+  }
+  duringModalRun([this] {
+    ASSERT_TRUE(turnToBlockedWindow());
+    Application::sharedApplication().activateIgnoringOtherApps(true);
+    serveWindowManager();
+    EXPECT_TRUE(serveEventsUntil([this] { return widgetOf(*modal_).isActiveWindow(); }));
+  });
+  for (const auto& other : others) other->close();
 }
 
 TEST_F(WindowBlocking, ClicksReachNoControlOfABlockedWindowAndBringTheModalOneBack) {

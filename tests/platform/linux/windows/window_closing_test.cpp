@@ -98,7 +98,7 @@ TEST_F(WindowClosing, ATitledWindowTakesNeitherEscapeNorTheCloseControl) {
   press("Escape");
   const auto onDisplay = test_support::waitForWindow(display(), test_support::windowNamed("Titled"));
   ASSERT_TRUE(onDisplay);
-  test_support::requestClose(display(), onDisplay->id);
+  test_support::deliverCloseRequest(display(), onDisplay->id);
   ASSERT_TRUE(settle(*titled));
   EXPECT_TRUE(titled->isVisible());
   titled->orderOut();

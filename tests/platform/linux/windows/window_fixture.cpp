@@ -11,6 +11,7 @@
 #include "tests/support/child_process.h"
 #include "tests/support/x_input.h"
 #include "tests/support/x_picture.h"
+#include "tests/support/x_windows.h"
 
 namespace {
 
@@ -37,8 +38,11 @@ QWidget& WindowFixture::widgetOf(const platform::Window& window) {
 bool WindowFixture::show(platform::Window& window) {
   window.makeKeyAndOrderFront();
   const QWidget& widget = widgetOf(window);
-  return serveEventsUntil(
-      [&] { return widget.isActiveWindow() && widget.geometry().top() > widget.frameGeometry().top(); });
+  // The toolkit may know of the input focus before the window manager is done with what it was asked.
+  return serveEventsUntil([&] {
+    return widget.isActiveWindow() && widget.geometry().top() > widget.frameGeometry().top() &&
+           test_support::activeWindowOn(display()) == widget.windowHandle()->winId();
+  });
 }
 
 void WindowFixture::click(const QWidget& widget, QPoint place) {

@@ -5,6 +5,7 @@
 #include <QPixmap>
 
 #include "platform/application.h"
+#include "platform/linux/windows/first_picture.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
 #include "tests/support/x_connection.h"
@@ -38,6 +39,16 @@ class WindowPainting : public WindowFixture {
     return true;
   }
 
+  // Fills the window with its background, if it has one.
+  void expectNoBackground() {
+    const auto window = onDisplay();
+    ASSERT_TRUE(window);
+    const test_support::XConnection x(display());
+    xcb_clear_area(x.get(), 0, window->id, 0, 0, 0, 0);
+    x.synchronize();
+    EXPECT_TRUE(isPainted());
+  }
+
   SupportLayout layout_;
 };
 
@@ -67,17 +78,47 @@ TEST_F(WindowPainting, WindowShownAgainAfterAModalRunIsPainted) {
   EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
 }
 
+TEST_F(WindowPainting, CoveredWindowOrderedFrontIsPaintedWithoutTheRunLoop) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
+  SupportLayout cover;
+  cover.window->setTitle("Cover");
+  cover.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
+  cover.window->center();
+  layout_.window->center();
+  ASSERT_TRUE(show(*cover.window));
+  ASSERT_TRUE(serveEventsUntil([&] { return !isPainted(); }));
+  layout_.window->makeKeyAndOrderFront();
+  EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
+  cover.window->close();
+}
+
+TEST_F(WindowPainting, BackgroundOfAWindowThatWasInFrontAlreadyIsTakenBack) {
+  ASSERT_TRUE(show(*layout_.window));
+  layout_.window->makeKeyAndOrderFront();
+  layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
+  ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
+  expectNoBackground();
+}
+
 TEST_F(WindowPainting, BackgroundIsTakenBackOnceTheWindowIsPainted) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
   layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
   ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
-  const auto window = onDisplay();
-  ASSERT_TRUE(window);
-  const test_support::XConnection x(display());
-  xcb_clear_area(x.get(), 0, window->id, 0, 0, 0, 0);  // fills the window with its background, if it has one
-  x.synchronize();
-  EXPECT_TRUE(isPainted());
+  expectNoBackground();
+}
+
+TEST(PictureFormat, PixelsOfTheDisplayAndOfTheToolkitAreTheSame) {
+  using platform::pictureFormat;
+  EXPECT_EQ(pictureFormat({16, 0xf800, 0x7e0, 0x1f}), QImage::Format_RGB16);
+  EXPECT_EQ(pictureFormat({24, 0xff0000, 0xff00, 0xff}), QImage::Format_RGB32);
+  EXPECT_EQ(pictureFormat({30, 0x3ff00000, 0xffc00, 0x3ff}), QImage::Format_RGB30);
+  EXPECT_EQ(pictureFormat({30, 0x3ff, 0xffc00, 0x3ff00000}), QImage::Format_BGR30);
+  EXPECT_EQ(pictureFormat({32, 0xff0000, 0xff00, 0xff}), QImage::Format_ARGB32_Premultiplied);
+  EXPECT_EQ(pictureFormat({24, 0xff, 0xff00, 0xff0000}), std::nullopt) << "red and blue exchanged";
+  EXPECT_EQ(pictureFormat({15, 0x7c00, 0x3e0, 0x1f}), std::nullopt);
+  EXPECT_EQ(pictureFormat({8, 0, 0, 0}), std::nullopt) << "a palette";
 }
 
 }  // namespace
