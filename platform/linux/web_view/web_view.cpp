@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "platform/bundle.h"
-#include "platform/linux/processes/helper_folder.h"
+#include "platform/helper_folder.h"
 #include "platform/linux/web_view/web_view_process.h"
 
 namespace platform {
