@@ -68,21 +68,32 @@ void checkText(const Reading& reading, const std::string& text) {
   require(lines == reading.offsets.size() + 2, "there is a line for each item, one before and one behind");
 }
 
-void checkJson(const Reading& reading, const std::string& text) {
+// Returns the items.
+nlohmann::json checkJson(const Reading& reading, const std::string& text) {
   const auto files = nlohmann::json::parse(text, nullptr, false);
   require(files.is_array() && files.size() == 1, "the JSON is valid");
   require(files[0]["items"].size() == reading.offsets.size(), "the JSON has every item");
   require(files[0]["damage"].is_null() == !reading.damage, "the JSON tells the damage");
+  return files[0]["items"];
+}
+
+bool hasMembersOf(const nlohmann::json& item, const nlohmann::json& line) {
+  for (const auto& [key, value] : item.items()) {
+    if (!line.contains(key) || line[key] != value) return false;
+  }
+  return true;
 }
 
 // A line for each record, and one for the file; the four items of the header have none.
-void checkLines(const Reading& reading, const std::string& text) {
+void checkLines(const Reading& reading, const nlohmann::json& items, const std::string& text) {
   std::istringstream stream(text);
   std::size_t records = 0;
   nlohmann::json last;
   for (std::string line; std::getline(stream, line); ++records) {
     last = nlohmann::json::parse(line, nullptr, false);
     require(last.is_object() && last.contains("file") && last.contains("type"), "a line is an object");
+    const std::size_t item = records + 4;
+    require(item >= items.size() || hasMembersOf(items[item], last), "a line has what the JSON has");
   }
   require(records == std::max<std::size_t>(reading.offsets.size(), 4) - 3, "there is a line for each record");
   require(last["type"] == "file" && last["damage"].is_null() == !reading.damage,
@@ -97,7 +108,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   checkPlaces(reading, size);
   checkBeforeDamage(reading, bytes);
   checkText(reading, printed<tools::TextPrinter>(bytes));
-  checkJson(reading, printed<tools::JsonPrinter>(bytes));
-  checkLines(reading, printed<tools::JsonLinesPrinter>(bytes));
+  const auto items = checkJson(reading, printed<tools::JsonPrinter>(bytes));
+  checkLines(reading, items, printed<tools::JsonLinesPrinter>(bytes));
   return 0;
 }

@@ -181,8 +181,16 @@ TEST(Zones, AreNamedOrListed) {
 TEST(Zones, WrongOnesAreRefused) {
   for (const char* text :
        {"", "mars", "+14:01", "+1:00", "+01:60", "01:00", "+01:00=", "+01:00=x", "+01:00=-1", "+01:00=0",
-        "+01:00,", ",+01:00", "+01:00=nan", "+01:00=inf", "+0a:00"})
+        "+01:00,", ",+01:00", "+01:00=nan", "+01:00=inf", "+01:00=1e10", "+01:00=1e-7", "+0a:00"})
     EXPECT_FALSE(zonesOf(text)) << text;
+}
+
+TEST(Zones, SmallestAndLargestWeightsAreTaken) {
+  const auto zones = zonesOf("+01:00=0.000001,+02:00=1e9,+03:00=0");
+  ASSERT_TRUE(zones);
+  EXPECT_EQ(zones->at(0).weight, 1e-6);
+  EXPECT_EQ(zones->at(1).weight, 1e9);
+  EXPECT_EQ(zones->at(2).weight, 0);
 }
 
 TEST(Launches, WrongOnesAreRefused) {
@@ -280,6 +288,12 @@ TEST(Picture, NumbersAreShort) {
   EXPECT_EQ(shortNumber(1250), "1.25 k");
   EXPECT_EQ(shortNumber(200'000), "200 k");
   EXPECT_EQ(shortNumber(2.5e6), "2.5 M");
+}
+
+TEST(Picture, LongCaptionIsCut) {
+  const std::string words(picturedCaption, 'a');
+  EXPECT_THAT(picture(1, words, {}), testing::HasSubstr(">" + words + "; times are UTC<"));
+  EXPECT_THAT(picture(1, words + "b", {}), testing::HasSubstr("aa...; times are UTC<"));
 }
 
 TEST(Report, ClockBeginsAtNoon) {

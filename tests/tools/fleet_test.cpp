@@ -47,6 +47,17 @@ TEST(Fleet, JsonHoldsSettingsAndFigures) {
   EXPECT_LE(report["busiestHour"]["uploads"]["total"], 6000);
 }
 
+TEST(Fleet, JsonOfALongListOfZonesIsWhole) {
+  std::string zones = "+01:00=1";
+  for (int i = 0; i < 200; ++i) zones += ",+05:30=2";
+  const auto finished = runFleet({"--json", "--zones", zones});
+  EXPECT_EQ(finished.status, ExitStatus{.code = 0});
+  const json report = json::parse(finished.output, nullptr, false);
+  ASSERT_TRUE(report.is_object()) << finished.output;
+  EXPECT_EQ(report["zones"], zones);
+  EXPECT_EQ(report["seed"], 1);
+}
+
 TEST(Fleet, FileBytesCountInTheUpload) {
   const auto bytesWith = [](const char* size) {
     return json::parse(runFleet({"--json", "--file-bytes", size}).output)["bytes"]["upload"].get<int>();
@@ -70,6 +81,9 @@ TEST(Fleet, WrongValuesGiveStatusTwo) {
       {{"--installations", "1e6"}, "--installations is a whole number"},
       {{"--launches", "lunch"}, "--launches is uniform, office, power-cut or a mix"},
       {{"--zones", "+15:00"}, "--zones is utc, world or a mix"},
+      {{"--zones", "+01:00=1e308,+02:00=1e308"}, "--zones is utc, world or a mix"},
+      {{"--launches", "uniform=5e-324,office=5e-324"}, "--launches is uniform, office, power-cut or a mix"},
+      {{"--svg", "/tmp/day", "--plan", "/tmp/day"}, "--svg and --plan name the same file"},
       {{"--asleep", "101"}, "--asleep is a percentage from 0 to 100"},
       {{"--asleep", "nan"}, "--asleep is a percentage from 0 to 100"},
       {{"--delay", "-1"}, "--delay is a whole number from 0 to 86400"},
@@ -86,13 +100,24 @@ TEST(Fleet, WrongValuesGiveStatusTwo) {
 }
 
 TEST(Fleet, FileThatCannotBeWrittenGivesStatusTwo) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"/tmp/none/file", "No such file or directory"}, {"/dev/full", "No space left on device"}};
   for (const char* option : {"--svg", "--plan"}) {
-    for (const char* path : {"/tmp/none/file", "/dev/full"}) {
+    for (const auto& [path, reason] : cases) {
       const auto finished = runFleet({option, path});
       EXPECT_EQ(finished.status, ExitStatus{.code = 2}) << option << path;
       EXPECT_EQ(finished.output, "");
-      EXPECT_EQ(finished.error, std::string("fleet: cannot write \"") + path + "\"\n");
+      EXPECT_EQ(finished.error, "fleet: cannot write \"" + path + "\": " + reason + "\n");
     }
+  }
+}
+
+// The simulation of so many would take half an hour.
+TEST(Fleet, FileThatCannotBeOpenedIsReportedBeforeTheSimulation) {
+  for (const char* option : {"--svg", "--plan"}) {
+    const auto finished = runFleet({"--installations", "1000000000", option, "/tmp"});
+    EXPECT_EQ(finished.status, ExitStatus{.code = 2}) << option;
+    EXPECT_EQ(finished.error, "fleet: cannot write \"/tmp\": Is a directory\n");
   }
 }
 

@@ -20,6 +20,19 @@ TEST_P(EveryTool, SaysInItsHelpThatItIsNoPartOfTheAgent) {
   EXPECT_EQ(finished.error, "");
 }
 
+class Printer : public testing::TestWithParam<std::string> {};
+
+TEST_P(Printer, HelpThatCannotBeWrittenGivesStatusTwo) {
+  test_support::ChildOptions options;
+  options.output = test_support::Redirection::file("/dev/full");
+  test_support::ChildProcess child;
+  ASSERT_TRUE(child.start({toolPath(GetParam()), "--help"}, options));
+  EXPECT_EQ(child.wait(), ExitStatus{.code = 2});
+}
+
+INSTANTIATE_TEST_SUITE_P(Tools, Printer, testing::Values("fleet", "tvldump"),
+                         [](const auto& test) { return test.param; });
+
 TEST_P(EveryTool, RefusesAnUnknownOption) {
   const auto finished = runToEnd({toolPath(GetParam()), "--wrong"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});

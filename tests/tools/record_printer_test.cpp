@@ -231,6 +231,29 @@ TEST(JsonLinesPrinter, LongNamesAndManyLinesStayWhole) {
   EXPECT_EQ(lines[4998].at("nameHex").get<std::string>().size(), 126u);
 }
 
+// The digits of the offset before the last four are kept from one line to the next, and not for another file.
+TEST(JsonLinesPrinter, OffsetsBeyondTenThousandAreThoseOfTheArray) {
+  std::string bytes = kUsageHeader;
+  while (bytes.size() < 120'000) bytes += kUsageRecords;
+  std::ostringstream stream;
+  tools::JsonLinesPrinter printer(stream);
+  printer.begin();
+  for (const char* name : {"long.dat", "again.dat"})
+    static_cast<void>(tools::printFile(name, bytes, printer));
+  printer.end();
+  const json items = jsonOf(bytes)[0]["items"];
+  std::istringstream lines(stream.str());
+  for (int file = 0; file < 2; ++file) {
+    std::string line;
+    for (std::size_t i = 4; i < items.size(); ++i) {
+      ASSERT_TRUE(std::getline(lines, line));
+      ASSERT_EQ(json::parse(line)["offset"], items[i]["offset"]) << line;
+    }
+    ASSERT_TRUE(std::getline(lines, line));
+    ASSERT_EQ(json::parse(line)["size"], bytes.size());
+  }
+}
+
 TEST(JsonLinesPrinter, LineBeyondOnePieceStaysWhole) {
   const std::string name(200'000, 'n');
   const auto lines = linesOf(printed<tools::JsonLinesPrinter>(kUsageFile, name));

@@ -1,6 +1,8 @@
+#include <cerrno>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <system_error>
 
 #include "tools/common/escaped_text.h"
 #include "tools/fleet/options.h"
@@ -17,36 +19,51 @@ Status fail(const std::string& reason) {
 }
 
 Status cannotWrite(const std::string& path) {
-  return fail("cannot write " + tools::quotedText(path));
+  return fail("cannot write " + tools::quotedText(path) + ": " + std::generic_category().message(errno));
+}
+
+// Before the simulation, which may take minutes.
+Status open(std::ofstream& file, const std::string& path) {
+  if (path.empty()) return Done;
+  file.open(path);
+  return file ? Done : cannotWrite(path);
+}
+
+Status finish(std::ofstream& file, const std::string& path) {
+  return path.empty() || file.flush() ? Done : cannotWrite(path);
+}
+
+Status written() {
+  return std::cout.flush() ? Done : fail("cannot write the output");
 }
 
 // Writes each installation's plan where one is asked for.
-Status simulateInto(fleet::FleetDay& result, const fleet::Options& options) {
+Status simulateInto(fleet::FleetDay& result, const fleet::Options& options, std::ofstream& plan) {
   if (options.plan.empty()) {
     result = fleet::simulate(options.settings);
     return Done;
   }
-  std::ofstream plan(options.plan);
   result = fleet::simulate(options.settings, [&](fleet::Seconds offset, const std::vector<fleet::Run>& runs) {
     plan << fleet::planLine(offset, runs);
   });
-  return plan.flush() ? Done : cannotWrite(options.plan);
+  return finish(plan, options.plan);
 }
 
-Status draw(const fleet::FleetDay& result, const fleet::Options& options) {
+Status draw(const fleet::FleetDay& result, const fleet::Options& options, std::ofstream& file) {
   if (options.picture.empty()) return Done;
-  std::ofstream file(options.picture);
   file << fleet::picture(static_cast<std::uint64_t>(options.settings.installations),
                          fleet::captionOf(options.settings, options.description), result);
-  return file.flush() ? Done : cannotWrite(options.picture);
+  return finish(file, options.picture);
 }
 
 Status run(const fleet::Options& options) {
+  std::ofstream plan, picture;
   fleet::FleetDay result;
-  if (simulateInto(result, options) != Done || draw(result, options) != Done) return Failed;
+  if (open(plan, options.plan) != Done || open(picture, options.picture) != Done) return Failed;
+  if (simulateInto(result, options, plan) != Done || draw(result, options, picture) != Done) return Failed;
   std::cout << (options.json ? fleet::jsonReport : fleet::textReport)(options.settings, options.description,
                                                                       result);
-  return std::cout.flush() ? Done : fail("cannot write the output");
+  return written();
 }
 
 }  // namespace
@@ -54,6 +71,7 @@ Status run(const fleet::Options& options) {
 int main(int argc, char** argv) {
   const auto options = fleet::parseOptions(argc, argv);
   if (!options) return Failed;
-  if (options->help) return std::fputs(fleet::helpText().c_str(), stdout) < 0 ? Failed : Done;
-  return run(*options);
+  if (!options->help) return run(*options);
+  std::cout << fleet::helpText();
+  return written();
 }

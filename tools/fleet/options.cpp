@@ -13,6 +13,8 @@ namespace {
 constexpr std::int64_t mostInstallations = 1'000'000'000;
 constexpr std::int64_t largestFile = std::int64_t{256} << 20;
 
+constexpr std::string_view weightBounds = "; a weight is 0 or from 0.000001 to 1000000000";
+
 std::optional<std::int64_t> numberIn(const std::string& text, std::int64_t least, std::int64_t most) {
   std::int64_t number = 0;
   const char* const end = text.data() + text.size();
@@ -59,14 +61,17 @@ void addFleet(tools::CommandLine& line, Settings& settings, Description& descrip
   line.addValue("launches", [&](const std::string& text) {
     const auto mix = launchesOf(text);
     if (!mix)
-      return line.complain("--launches is uniform, office, power-cut or a mix such as office=3,uniform=1");
+      return line.complain("--launches is uniform, office, power-cut or a mix such as office=3,uniform=1" +
+                           std::string(weightBounds));
     settings.launches = *mix;
     description.launches = text;
     return true;
   });
   line.addValue("zones", [&](const std::string& text) {
     const auto zones = zonesOf(text);
-    if (!zones) return line.complain("--zones is utc, world or a mix such as +01:00=3,+05:30=1");
+    if (!zones)
+      return line.complain("--zones is utc, world or a mix such as +01:00=3,+05:30=1" +
+                           std::string(weightBounds));
     settings.zones = *zones;
     description.zones = text;
     return true;
@@ -93,6 +98,8 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   line.addValue("file-bytes", number(line, "--file-bytes", 0, largestFile, options.description.fileSize));
   addFleet(line, options.settings, options.description);
   const bool good = line.read(argc, argv, [&](const std::vector<std::string>& arguments) {
+    if (!options.plan.empty() && options.plan == options.picture)
+      return line.complain("--svg and --plan name the same file");
     return arguments.empty() || line.complain("there are no arguments, only options");
   });
   return good ? std::optional(options) : std::nullopt;
@@ -104,12 +111,12 @@ std::string helpText() {
 Simulates the requests that many installations make in 24 hours, from noon UTC on. Whether an installation uploads at a tick of its timer is decided by the agent's own function.
 This is a development tool, not part of the agent.
 
-  --installations N  10000000 if not given
+  --installations N  1 to 1000000000; 10000000 if not given
   --launches MIX     when agents are started, alone or as a mix with weights such as office=3,uniform=1:
                        uniform    once a day, at any second while the machine is awake; on until the next start
                        office     in the morning, about 08:45; off in the evening, about 17:45
                        power-cut  once, half a minute to two minutes after the power returned at 20:00; on from then
-                     uniform if not given
+                     a weight is 0 or from 0.000001 to 1000000000; uniform if not given
   --zones MIX        utc; world, a rough share of people for each offset; or offsets with weights such as
                      +01:00=3,+05:30=1; utc if not given
   --asleep PERCENT   how many of the machines sleep at night, from about 23:30 to about 07:15; 0 if not given

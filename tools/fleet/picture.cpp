@@ -62,6 +62,10 @@ std::string line(double x1, double y1, double x2, double y2, const char* kind) {
          "\" x2=\"" + number(x2) + "\" y2=\"" + number(y2) + "\"/>\n";
 }
 
+std::string cut(const std::string& caption) {
+  return caption.size() <= picturedCaption ? caption : caption.substr(0, picturedCaption - 3) + "...";
+}
+
 struct Panel {
   std::string title;
   const char* kind;
@@ -149,7 +153,7 @@ std::string picture(std::uint64_t installations, const std::string& caption, con
       {"Launches a second, the highest of each minute (peak " + grouped(launches.peak) + ")", "launches",
        result.launches.seconds(), 0, minute, 2 * hour}};
   std::string content = text(left, 30, grouped(installations) + " installations", "class=\"caption\"") +
-                        text(left, 51, caption + "; times are UTC");
+                        text(left, 51, cut(caption) + "; times are UTC");
   int top = firstPanel;
   for (Panel panel : all) {
     panel.top = top;

@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::uint64_t beaconsPerLaunch = 2;
 
+// At most 511 characters: numbers and short texts.
 [[gnu::format(printf, 1, 2)]] std::string formatted(const char* format, ...) {
   std::array<char, 512> text{};
   std::va_list arguments;
@@ -115,11 +116,11 @@ std::string jsonReport(const Settings& settings, const Description& description,
   const Bytes bytes(description);
   const Rate launches = result.launches.rate();
   const Seconds busiest = result.uploads.busiestHour();
-  return formatted(
-             R"({"installations":%lld,"launches":%s,"zones":%s,"sleeping":%g,"delay":%lld,"seed":%llu,)",
-             static_cast<long long>(settings.installations), tools::jsonString(description.launches).c_str(),
-             tools::jsonString(description.zones).c_str(), settings.sleeping,
-             static_cast<long long>(settings.delay), static_cast<unsigned long long>(settings.seed)) +
+  return formatted(R"({"installations":%lld,)", static_cast<long long>(settings.installations)) +
+         "\"launches\":" + tools::jsonString(description.launches) +
+         ",\"zones\":" + tools::jsonString(description.zones) +
+         formatted(R"(,"sleeping":%g,"delay":%lld,"seed":%llu,)", settings.sleeping,
+                   static_cast<long long>(settings.delay), static_cast<unsigned long long>(settings.seed)) +
          "\n\"uploads\":" + jsonOf(result.uploads.rate()) + ",\n\"busiestHour\":{\"begin\":\"" +
          clockText(busiest) + "\",\"uploads\":" + jsonOf(result.uploads.rate(busiest, hour)) +
          "},\n\"versionFetches\":" + jsonOf(launches) +

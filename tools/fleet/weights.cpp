@@ -1,16 +1,20 @@
 #include "tools/fleet/weights.h"
 
 #include <charconv>
-#include <cmath>
 
 namespace fleet {
 namespace {
+
+// Beyond these bounds sums and products of weights overflow or lose all digits.
+constexpr double leastWeight = 1e-6;
+constexpr double mostWeight = 1e9;
 
 std::optional<double> weightOf(std::string_view text) {
   double weight = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), weight);
   const bool whole = error == std::errc() && end == text.data() + text.size();
-  return whole && std::isfinite(weight) && weight >= 0 ? std::optional(weight) : std::nullopt;
+  const bool good = weight == 0 || (weight >= leastWeight && weight <= mostWeight);
+  return whole && good ? std::optional(weight) : std::nullopt;
 }
 
 std::optional<Weighted<std::string>> partOf(std::string_view text) {

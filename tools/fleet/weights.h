@@ -41,7 +41,7 @@ class WeightedIndex {
 };
 
 // The parts of "NAME=WEIGHT,NAME=WEIGHT"; without "=WEIGHT" the weight is 1. Returns nullopt if a name is
-// empty, a weight is no number of 0 or more, or all are 0.
+// empty, a weight is neither 0 nor a number from 0.000001 to 1000000000, or all are 0.
 [[nodiscard]] std::optional<std::vector<Weighted<std::string>>> weightsOf(std::string_view text);
 
 }  // namespace fleet

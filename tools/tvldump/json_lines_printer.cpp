@@ -10,6 +10,9 @@ namespace {
 // names of its members with the numbers.
 constexpr std::size_t longestRest = 8 * record_format::longestDeviceName + 512;
 
+// Offsets that differ in their last four digits alone.
+constexpr std::uint64_t offsetsWithOneHead = 10'000;
+
 // The member of a text that is no plain ASCII.
 void putEscaped(Line& line, std::string_view key, std::string_view bytes) {
   const std::string begin = ",\"" + std::string(key);
@@ -54,7 +57,7 @@ struct JsonLinesPrinter::Print {
   }
   void operator()(const Version& version) const {
     printer.header_.agentVersion = jsonString(version.bundle);
-    printer.beginning_ = printer.header_.text();
+    printer.setOffsetsHead(0);
   }
   void operator()(const Start& start) const {
     Line line = begin();
@@ -80,9 +83,11 @@ struct JsonLinesPrinter::Print {
   }
   void operator()(const Transfer& transfer) const {
     Line line = begin();
-    line.put(",\"type\":\"transfer\",\"kind\":");
-    line.putDigit(transfer.kind);
-    line.put(",\"size\":");
+    if (transfer.kind == 1) {
+      line.put(",\"type\":\"transfer\",\"kind\":1,\"size\":");
+    } else {
+      line.put(",\"type\":\"transfer\",\"kind\":2,\"size\":");
+    }
     line.put(transfer.size);
     putName(line, transfer.name);
     end(line);
@@ -90,10 +95,15 @@ struct JsonLinesPrinter::Print {
 
  private:
   [[nodiscard]] Line begin() const {
+    const std::uint64_t head = offset / offsetsWithOneHead;
+    if (head != printer.offsetsHead_) printer.setOffsetsHead(head);
     Line line = printer.writer_.begin(printer.beginning_.size() + longestRest);
     line.put(std::string_view(printer.beginning_));
-    line.put(",\"offset\":");
-    line.put(std::uint64_t{offset});
+    if (head == 0) {
+      line.put(std::uint64_t{offset});
+    } else {
+      line.putFourDigits(static_cast<std::uint32_t>(offset % offsetsWithOneHead));
+    }
     return line;
   }
   void end(Line& line) const {
@@ -109,6 +119,11 @@ std::string JsonLinesPrinter::Header::text() const {
          ",\"agentVersion\":" + agentVersion.value_or("null");
 }
 
+void JsonLinesPrinter::setOffsetsHead(std::uint64_t head) {
+  beginning_ = header_.text() + ",\"offset\":" + (head == 0 ? "" : std::to_string(head));
+  offsetsHead_ = head;
+}
+
 void JsonLinesPrinter::beginFile(std::string_view name) {
   header_ = {
       .file = jsonString(name), .date = {}, .identifier = {}, .operatingSystem = {}, .agentVersion = {}};
@@ -116,14 +131,16 @@ void JsonLinesPrinter::beginFile(std::string_view name) {
 }
 
 void JsonLinesPrinter::item(const Item& item) {
-  std::visit(Print{*this, item.offset}, item.content);
+  const Print print{*this, item.offset};
+  if (const auto* transfer = std::get_if<Transfer>(&item.content)) return print(*transfer);
+  std::visit(print, item.content);
 }
 
 void JsonLinesPrinter::endFile(std::size_t size, const std::optional<Damage>& damage) {
-  if (!header_.agentVersion) beginning_ = header_.text();
+  const std::string beginning = header_.text();
   const std::string damaged = damage ? jsonString(damage->reason) : "null";
-  Line line = writer_.begin(beginning_.size() + damaged.size() + longestRest);
-  line.put(std::string_view(beginning_));
+  Line line = writer_.begin(beginning.size() + damaged.size() + longestRest);
+  line.put(std::string_view(beginning));
   line.put(",\"type\":\"file\",\"size\":");
   line.put(std::uint64_t{size});
   line.put(",\"damage\":");

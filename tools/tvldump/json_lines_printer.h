@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -32,9 +33,14 @@ class JsonLinesPrinter : public Printer {
     [[nodiscard]] std::string text() const;
   };
 
+  void setOffsetsHead(std::uint64_t head);
+
   LineWriter writer_;
   Header header_;
-  std::string beginning_;  // of the file's lines, once its header is read
+  // What the lines of nearby records begin with, once the file's header is read: all before the last four
+  // digits of the offset.
+  std::string beginning_;
+  std::uint64_t offsetsHead_ = 0;  // the digits of the offset in it; 0: none
 };
 
 }  // namespace tools

@@ -1,12 +1,14 @@
 #pragma once
 
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <ostream>
 #include <string_view>
 #include <vector>
+
+#include "tools/tvldump/decimal_digits.h"
+#include "tools/tvldump/plain_text.h"
 
 namespace tools {
 
@@ -25,19 +27,16 @@ class Line {
     std::memcpy(place_, text.data(), text.size());
     place_ += text.size();
   }
-  void put(std::uint64_t number) { place_ = std::to_chars(place_, place_ + longestNumber, number).ptr; }
+  void put(std::uint64_t number) { place_ = putDecimal(place_, number); }
+  // From 0 to 9999, with leading zeros.
+  void putFourDigits(std::uint32_t number) { place_ = tools::putFourDigits(place_, number); }
   // From 0 to 9.
   void putDigit(unsigned digit) { *place_++ = static_cast<char>('0' + digit); }
 
-  // Puts a short text if each of its bytes can stand in a JSON string as it is. Returns false, with nothing
+  // Puts a text if each of its bytes can stand in a JSON string as it is. Returns false, with nothing
   // put, if one can't.
   [[nodiscard]] bool putIfPlain(std::string_view text) {
-    bool plain = true;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      const char character = text[i];
-      place_[i] = character;
-      plain = plain && character >= ' ' && character <= '~' && character != '"' && character != '\\';
-    }
+    const bool plain = copyIfPlain(place_, text);
     if (plain) place_ += text.size();
     return plain;
   }
@@ -45,8 +44,6 @@ class Line {
   [[nodiscard]] char* place() const { return place_; }
 
  private:
-  static constexpr std::size_t longestNumber = 20;
-
   char* place_;
 };
 

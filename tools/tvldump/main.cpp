@@ -20,6 +20,10 @@ Status fail(const std::string& reason) {
   return Failed;
 }
 
+Status written() {
+  return std::cout.flush() ? Whole : fail("cannot write the output");
+}
+
 Status print(const std::string& path, tools::InputFile& file, tools::Printer& printer) {
   std::string reason;
   const auto bytes = file.read(path, reason);
@@ -40,8 +44,7 @@ Status printAll(const tools::Options& options) {
   printer->begin();
   for (const std::string& path : options.files) status = std::max(status, print(path, file, *printer));
   printer->end();
-  if (!std::cout.flush()) return fail("cannot write the output");
-  return status;
+  return std::max(status, written());
 }
 
 }  // namespace
@@ -50,6 +53,7 @@ int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
   const std::optional<tools::Options> options = tools::parseOptions(argc, argv);
   if (!options) return Failed;
-  if (options->help) return std::fputs(tools::helpText().c_str(), stdout) < 0 ? Failed : Whole;
-  return printAll(*options);
+  if (!options->help) return printAll(*options);
+  std::cout << tools::helpText();
+  return written();
 }

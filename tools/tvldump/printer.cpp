@@ -7,7 +7,7 @@ namespace tools {
 bool printFile(std::string_view name, std::span<const char> bytes, Printer& printer) {
   RecordReader reader(bytes);
   printer.beginFile(name);
-  while (const std::optional<Item> item = reader.next()) printer.item(*item);
+  for (Item item; reader.read(item);) printer.item(item);
   printer.endFile(bytes.size(), reader.damage());
   return !reader.damage();
 }

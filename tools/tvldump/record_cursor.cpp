@@ -57,8 +57,7 @@ std::string_view RecordCursor::takeDate() {
 
 // Nearly all dates of a file are the same.
 bool RecordCursor::takeLastDate() {
-  const std::string_view rest(bytes_.data() + offset_, bytes_.size() - offset_);
-  if (damage_ || lastDate_.empty() || !rest.starts_with(lastDate_)) return false;
+  if (lastDate_.empty() || !rest().starts_with(lastDate_)) return false;
   offset_ += lastDate_.size();
   return true;
 }
@@ -77,9 +76,9 @@ void RecordCursor::takeTimeOfDay() {
 // The ones that need no look at where they go wrong.
 bool RecordCursor::takeUsualTimeOfDay() {
   constexpr std::size_t length = 9;
-  if (damage_ || bytes_.size() - offset_ < length) return false;
-  const char* const text = bytes_.data() + offset_;
-  const auto isDigit = [text](std::size_t place, char highest) {
+  const std::string_view text = rest();
+  if (text.size() < length) return false;
+  const auto isDigit = [&text](std::size_t place, char highest) {
     return text[place] >= '0' && text[place] <= highest;
   };
   const bool isUsual = text[0] == ' ' && isDigit(1, '2') && isDigit(2, text[1] == '2' ? '3' : '9') &&

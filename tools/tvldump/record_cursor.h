@@ -30,6 +30,13 @@ class RecordCursor {
     if (!damage_) damage_ = Damage{offset_, reason};
   }
 
+  // What was not taken yet; nothing behind damage.
+  [[nodiscard]] std::string_view rest() const {
+    return damage_ ? std::string_view() : std::string_view(bytes_.data() + offset_, bytes_.size() - offset_);
+  }
+  // Takes `size` bytes of `rest`.
+  void skip(std::size_t size) { offset_ += size; }
+
   // The bytes from `start` to here.
   [[nodiscard]] std::string_view since(std::size_t start) const {
     return {bytes_.data() + start, offset_ - start};

@@ -19,27 +19,18 @@ void takeLength(RecordCursor& cursor, std::size_t length, std::string_view reaso
   cursor.takeByte(static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length), reason);
 }
 
-// All eight bytes, or none behind damage. Written out so that compilers make one load of it.
-std::uint64_t littleEndian(std::string_view bytes) {
-  if (bytes.size() != record_format::sizeFieldWidth) return 0;
-  const auto byte = [bytes](std::size_t place) {
-    return std::uint64_t{static_cast<std::uint8_t>(bytes[place])} << (8 * place);
-  };
-  return byte(0) | byte(1) | byte(2) | byte(3) | byte(4) | byte(5) | byte(6) | byte(7);
-}
-
 }  // namespace
 
 std::optional<Item> RecordReader::next() {
-  if (expected_ == Expected::Record && cursor_.atEnd()) return std::nullopt;
-  if (damage()) return std::nullopt;
-  const std::size_t offset = cursor_.offset();
-  // Filled in its place: a copy right after the writing waits for it, which takes longer than the reading.
   std::optional<Item> item(std::in_place);
-  item->offset = offset;
-  takeContent(item->content);
-  if (damage()) item.reset();
+  if (!read(*item)) item.reset();
   return item;
+}
+
+bool RecordReader::takeItem(Content& content) {
+  if (damage() || (expected_ == Expected::Record && cursor_.atEnd())) return false;
+  takeContent(content);
+  return !damage();
 }
 
 void RecordReader::takeContent(Content& content) {
@@ -141,7 +132,8 @@ void RecordReader::takeDeviceEvent(unsigned dataCommand, DeviceEvent& event) {
 void RecordReader::takeTransfer(unsigned kind, Transfer& transfer) {
   transfer.kind = kind;
   takeLength(cursor_, record_format::sizeFieldWidth, "not the width of a size");
-  transfer.size = littleEndian(cursor_.takeText(record_format::sizeFieldWidth));
+  const std::string_view size = cursor_.takeText(record_format::sizeFieldWidth);
+  if (!cursor_.damage()) transfer.size = littleEndian(size.data());
   transfer.name =
       cursor_.takeCounted(record_format::longestTransferName, "a transfer's name longer than any");
 }
