@@ -83,9 +83,9 @@ OPENINGS ?= 1000
 MINUTES ?= 60
 SEED ?=
 soak: build
-	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
-	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
-	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
+	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
+	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
+	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
 
 # FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).
 FUZZ_SECONDS ?= 60

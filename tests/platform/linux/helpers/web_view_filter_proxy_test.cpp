@@ -17,7 +17,7 @@
 #include <thread>
 
 #include "platform/linux/helpers/web_view/filter_proxy.h"
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace helpers {
 namespace {

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <thread>
 
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace {
 
