@@ -76,6 +76,14 @@ TEST(CommandLine, VersionIsThatOfTheBundle) {
   fs::remove_all("/tmp/Agent.app");
 }
 
+TEST(CommandLine, ProcessSerialNumberIsIgnored) {
+  EXPECT_EQ(run({"-psn_0_1048832"}), Told{.status = kGoesOn});
+  EXPECT_EQ(run({"-psn_0_1048832", "--version"}), run({"--version"}));
+  EXPECT_EQ(run({"--version", "-psn_0_1048832"}), run({"--version"}));
+  EXPECT_EQ(run({"-psn_0_1048832", "--wrong"}), refused("--wrong"));
+  EXPECT_EQ(run({"-psn"}), refused("-psn"));
+}
+
 // Arguments, and the one of them that is refused.
 struct Wrong {
   const char* name;
