@@ -99,12 +99,6 @@ void nimbatrayAppDelegate::readVersion() {
   recentVersion.reset();
 }
 
-void nimbatrayAppDelegate::checkForUpdate() {
-  const bool fetched = getRecentVersion() != 0;
-  if (fetched) versionCheck();
-  isNetworkOnline = fetched;
-}
-
 void nimbatrayAppDelegate::showUpdateNotice() {
   if (!bUpdateEnabled) return;
   const auto command = updateNoticeCommand(gBundlePath);

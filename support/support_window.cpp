@@ -58,14 +58,11 @@ void nimbatrayAppDelegate::support() {
 }
 
 void nimbatrayAppDelegate::refreshVersionAndBanners() {
-  const bool fetched = getRecentVersion() != 0;
-  if (fetched) {
-    platform::consoleLog("recentversion : " + consoleText(orNull(recentVersion)) +
-                         ", currentversion : " + orNull(currentVersion));
-    versionCheck();
-    static_cast<void>(getBannerList());
-  }
-  isNetworkOnline = fetched;
+  checkForUpdate();
+  if (!isNetworkOnline) return;
+  platform::consoleLog("recentversion : " + consoleText(orNull(recentVersion)) +
+                       ", currentversion : " + orNull(currentVersion));
+  static_cast<void>(getBannerList());
 }
 
 // The notice is fetched between its heading and its text, the banner's picture once its view is there.
