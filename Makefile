@@ -4,7 +4,7 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 # The tests would wait for each other's processors.
 .NOTPARALLEL:
-.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-portable check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # Where the bundle of the preset is assembled.
@@ -37,7 +37,7 @@ format:
 	clang-format -i $(SOURCES)
 
 # What takes longest and finds least comes last.
-check: check-packages check-format check-cppcheck check-compilers check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-cppcheck check-compilers check-portable check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
 	packaging/set_up
@@ -51,6 +51,10 @@ check-compilers: build check-compilers-clang
 # Without precompiled headers, so that a file that doesn't include what it uses fails here.
 check-compilers-clang:
 	@$(MAKE) --no-print-directory build PRESET=clang
+
+# The product folders and platform/portable as another system would compile them: with clang 16 and libc++.
+check-portable:
+	tests/structure/portable_code
 
 # With those that a sanitizer leaves no room for.
 check-tests:
