@@ -1,5 +1,6 @@
 #include "tools/tvldump/record_reader.h"
 
+#include "usage/little_endian.h"
 #include "usage/record_format.h"
 
 namespace tools {
@@ -19,13 +20,9 @@ void takeLength(RecordCursor& cursor, std::size_t length, std::string_view reaso
   cursor.takeByte(static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length), reason);
 }
 
-// All eight bytes, or none behind damage. Written out so that compilers make one load of it.
-std::uint64_t littleEndian(std::string_view bytes) {
-  if (bytes.size() != record_format::sizeFieldWidth) return 0;
-  const auto byte = [bytes](std::size_t place) {
-    return std::uint64_t{static_cast<std::uint8_t>(bytes[place])} << (8 * place);
-  };
-  return byte(0) | byte(1) | byte(2) | byte(3) | byte(4) | byte(5) | byte(6) | byte(7);
+// Behind damage there are no bytes.
+std::uint64_t sizeIn(std::string_view bytes) {
+  return bytes.size() == record_format::sizeFieldWidth ? littleEndian<std::uint64_t>(bytes) : 0;
 }
 
 }  // namespace
@@ -141,7 +138,7 @@ void RecordReader::takeDeviceEvent(unsigned dataCommand, DeviceEvent& event) {
 void RecordReader::takeTransfer(unsigned kind, Transfer& transfer) {
   transfer.kind = kind;
   takeLength(cursor_, record_format::sizeFieldWidth, "not the width of a size");
-  transfer.size = littleEndian(cursor_.takeText(record_format::sizeFieldWidth));
+  transfer.size = sizeIn(cursor_.takeText(record_format::sizeFieldWidth));
   transfer.name =
       cursor_.takeCounted(record_format::longestTransferName, "a transfer's name longer than any");
 }

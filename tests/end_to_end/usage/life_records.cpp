@@ -2,6 +2,7 @@
 
 #include <variant>
 
+#include "tools/mainapp/collect_message_bytes.h"
 #include "tools/tvldump/record_reader.h"
 #include "usage/record_format.h"
 
@@ -37,17 +38,6 @@ struct RecordTime {
   std::string_view operator()(const auto&) const { return {}; }
 };
 
-void put(std::string& message, std::size_t offset, std::uint64_t value, std::size_t bytes) {
-  for (std::size_t i = 0; i < bytes; ++i) message[offset + i] = static_cast<char>(value >> 8 * i);
-}
-
-std::string messageOf(std::size_t length, std::uint32_t dataCommand) {
-  std::string message = "-ncdat";
-  message.resize(length, '\0');
-  put(message, layout::dataCommandOffset, dataCommand, 4);
-  return message;
-}
-
 }  // namespace
 
 bool countRecords(std::string_view file, RecordCounts& counts) {
@@ -82,32 +72,30 @@ LifeMessage LifeMessages::deviceEvent() {
   const unsigned dataCommand = 3 + below(2);
   const std::string name =
       below(4) == 0 ? "" : "Pad " + std::to_string(++serial_) + std::string(below(50), '+');
-  return {messageOf(layout::deviceNameOffset, dataCommand) + name + '\0',
+  return {tools::collectMessage(layout::deviceNameOffset, dataCommand) + name + '\0',
           {deviceRecord(dataCommand, name.empty() ? record_format::unknownDeviceName : name)}};
 }
 
 // An entry of another kind than 1 and 2 goes by the one before it, and the first one by 1.
 LifeMessage LifeMessages::transfers() {
   const unsigned count = 1 + below(layout::mostEntries);
-  LifeMessage message{messageOf(layout::entriesOffset + count * layout::entrySize, layout::transfers)};
-  put(message.bytes, layout::entryCountOffset, count, 4);
+  LifeMessage message{tools::collectMessage(tools::transferMessageSize(count), layout::transfers)};
+  putLittleEndian(message.bytes, layout::entryCountOffset, count, 4);
   unsigned recorded = 1;
-  for (std::size_t at = layout::entriesOffset; at < message.bytes.size(); at += layout::entrySize) {
+  for (unsigned index = 0; index < count; ++index) {
     const unsigned kind = below(4);
     if (kind == 1 || kind == 2) recorded = kind;
     const std::uint64_t size = ++serial_ * 0x0100'0001;
     const std::string name(below(record_format::longestTransferName + 1), 'n');
-    put(message.bytes, at + layout::entryKindOffset, kind, 4);
-    put(message.bytes, at + layout::entrySizeOffset, size, record_format::sizeFieldWidth);
-    name.copy(message.bytes.data() + at + layout::entryNameOffset, name.size());
+    tools::putTransfer(message.bytes, index, kind, size, name);
     message.records.push_back(transferRecord(recorded, size, name));
   }
   return message;
 }
 
 LifeMessage LifeMessages::nextWithoutRecord() {
-  if (below(2) == 0) return {messageOf(layout::deviceNameOffset + 1, 5)};
-  LifeMessage message{messageOf(layout::size - 1, layout::transfers)};
-  put(message.bytes, layout::entryCountOffset, below(2) == 0 ? 0 : layout::mostEntries + 1, 4);
+  if (below(2) == 0) return {tools::collectMessage(layout::deviceNameOffset + 1, 5)};
+  LifeMessage message{tools::collectMessage(layout::size - 1, layout::transfers)};
+  putLittleEndian(message.bytes, layout::entryCountOffset, below(2) == 0 ? 0 : layout::mostEntries + 1, 4);
   return message;
 }

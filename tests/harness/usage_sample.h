@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace tools_test {
+namespace test_support {
 
 using namespace std::string_literals;
 
@@ -36,4 +36,4 @@ inline const std::string kUsageRecords =
 
 inline const std::string kUsageFile = kUsageHeader + kUsageRecords;
 
-}  // namespace tools_test
+}  // namespace test_support
