@@ -29,6 +29,7 @@ constexpr const char* description =
     " You can transfer contents via Finder.\n"
     " Also, you don't need to jailbreak.";
 
+// Frozen, as all texts of the window: doc/compatibility.md.
 std::string orNull(const std::optional<std::string>& text) {
   return text.value_or("(null)");
 }
@@ -151,7 +152,8 @@ void nimbatrayAppDelegate::setHyperlinkWithTextView(platform::TextView& view, co
 }
 
 void nimbatrayAppDelegate::supportWindowWillClose() {
-  // The message's format is "% supportWindow will be close.", in which "% s" is taken for a name to fill in.
+  // The message's format is "% supportWindow will be close.", in which "% s" is taken for a name to fill in;
+  // support scripts look for this line (doc/compatibility.md).
   platform::systemLog(LogPriority::Info,
                       "-[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close.");
   platform::Application::sharedApplication().stopModal();

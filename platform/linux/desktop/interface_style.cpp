@@ -1,11 +1,10 @@
-#include "platform/global_defaults.h"
+#include "platform/interface_style.h"
 
 #include "platform/linux/desktop/settings_portal.h"
 
 namespace platform {
 
-std::optional<PropertyList> globalDefault(std::string_view key) {
-  if (key != "AppleInterfaceStyle") return std::nullopt;
+std::optional<PropertyList> interfaceStyle() {
   if (!SettingsPortal::shared().readPrefersDark()) return std::nullopt;
   return PropertyList(std::string("Dark"));
 }
