@@ -4,7 +4,7 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h')
 
 # The tests would wait for each other's processors.
 .NOTPARALLEL:
-.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-portable check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # Where the bundle of the preset is assembled.
@@ -37,7 +37,7 @@ format:
 	clang-format -i $(SOURCES)
 
 # What takes longest and finds least comes last.
-check: check-packages check-format check-cppcheck check-compilers check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-cppcheck check-compilers check-portable check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
 	packaging/set_up
@@ -51,6 +51,10 @@ check-compilers: build check-compilers-clang
 # Without precompiled headers, so that a file that doesn't include what it uses fails here.
 check-compilers-clang:
 	@$(MAKE) --no-print-directory build PRESET=clang
+
+# The product folders and platform/portable as another system would compile them: with clang 16 and libc++.
+check-portable:
+	tests/structure/portable_code
 
 # With those that a sanitizer leaves no room for.
 check-tests:
@@ -83,9 +87,9 @@ OPENINGS ?= 1000
 MINUTES ?= 60
 SEED ?=
 soak: build
-	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
-	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
-	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/support/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
+	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
+	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
+	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
 
 # FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).
 FUZZ_SECONDS ?= 60

@@ -1,8 +1,11 @@
 #include "app/command_line.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "usage/bundle_version.h"
 
@@ -30,9 +33,16 @@ int statusOfOutput() {
   return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? 0 : 1;
 }
 
+// Some desktops add their number of the process to what they start.
+bool isAddedByDesktop(std::string_view argument) {
+  return argument.starts_with("-psn_");
+}
+
 }  // namespace
 
-std::optional<int> handleArguments(std::span<const std::string_view> arguments) {
+std::optional<int> handleArguments(std::span<const std::string_view> all) {
+  std::vector<std::string_view> arguments;
+  std::ranges::remove_copy_if(all, std::back_inserter(arguments), isAddedByDesktop);
   if (arguments.empty()) return std::nullopt;
   if (arguments.size() == 1 && arguments[0] == "--help") {
     std::fputs(helpText, stdout);

@@ -11,7 +11,7 @@
 #include "platform/clock.h"
 #include "platform/distributed_notification_center.h"
 #include "platform/file_event_stream.h"
-#include "platform/global_defaults.h"
+#include "platform/interface_style.h"
 #include "platform/log.h"
 #include "platform/shell.h"
 #include "platform/status_item.h"
@@ -63,7 +63,7 @@ void nimbatrayAppDelegate::applicationShouldHandleReopen() {
 }
 
 void nimbatrayAppDelegate::readAppearance() {
-  isDarkModeOn = isDarkAppearance(platform::globalDefault("AppleInterfaceStyle"));
+  isDarkModeOn = isDarkAppearance(platform::interfaceStyle());
 }
 
 // Told as errors, here and in readAutomountState, so that they stand in the log whatever a system keeps of
@@ -97,12 +97,6 @@ void nimbatrayAppDelegate::readVersion() {
   if (getBundleVersion(currentVersion) == 0) return;
   platform::systemLog(LogPriority::Error, bundleVersionFailure);
   recentVersion.reset();
-}
-
-void nimbatrayAppDelegate::checkForUpdate() {
-  const bool fetched = getRecentVersion() != 0;
-  if (fetched) versionCheck();
-  isNetworkOnline = fetched;
 }
 
 void nimbatrayAppDelegate::showUpdateNotice() {

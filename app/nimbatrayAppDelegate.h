@@ -142,7 +142,6 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   void unloadUnlessAutorun();
   void readAutomountState();
   void readVersion();
-  void checkForUpdate();
   void showUpdateNotice();
   void sendLaunchBeacons();
 
@@ -150,6 +149,9 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   void addMenuItems();
   void showStatusIcon();
   void setAutomount(std::uint32_t active);
+
+  // support/version_check.cpp
+  void checkForUpdate();
 
   // support/support_window.cpp
   void refreshVersionAndBanners();

@@ -97,7 +97,8 @@ void nimbatrayAppDelegate::togleswitch() {
     static_cast<void>(sendPipeMsg("-m"));
     notificateGA("clickaction", "turnon");
   }
-  // Gives the main application the time it takes to mount or unmount before the next click is served.
+  // Gives the main application the time it takes to mount or unmount before the next click is served
+  // (doc/compatibility.md).
   std::this_thread::sleep_for(2s);
 }
 

@@ -31,7 +31,7 @@ if(TOVALIN_COVERAGE)
   add_compile_options(--coverage -fprofile-update=atomic -fprofile-abs-path)
   add_link_options(--coverage)
   # Also where a process ends at once.
-  add_library(tovalin_counts STATIC tests/support/counts_at_exit.cpp)
+  add_library(tovalin_counts STATIC tests/harness/counts_at_exit.cpp)
   target_link_options(tovalin_counts INTERFACE LINKER:--wrap=_exit,--wrap=_Exit,--wrap=kill,-u,__wrap__exit)
   link_libraries(tovalin_counts)
 endif()

@@ -15,6 +15,7 @@
 
 namespace {
 
+// Both are frozen: doc/compatibility.md.
 constexpr const char* commandPipe = "/tmp/KMPIPE";
 constexpr std::chrono::milliseconds pauseBeforeWrite(10);
 

@@ -26,6 +26,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
+// Frozen: doc/compatibility.md.
 constexpr std::chrono::milliseconds waitTime = 30ms;
 
 static_assert(record_format::message::size == notificationBufferSize);

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "ipc/notification_commands.h"
+#include "platform/descriptors.h"
 #include "platform/log.h"
-#include "platform/reopen.h"
 
 using platform::LogPriority;
 using platform::systemLog;

@@ -4,7 +4,8 @@
 
 #include "platform/file_descriptor.h"
 
-// Where other programs leave their messages. What follows is for the thread of its listener.
+// Where other programs leave their messages; frozen (doc/compatibility.md). What follows is for the thread of
+// its listener.
 inline constexpr const char* notificationPipe = "/tmp/KMNOTIPIPE";
 
 // Reads once from the notification pipe into `buffer` (1024 zero bytes) and logs what it read. Returns the

@@ -3,7 +3,7 @@
 #include "platform/geometry.h"
 
 // Where everything stands in the two notices, in points from the lower left of the parent. One notice is one
-// of these. Values, any thread.
+// of these. Values, any thread. Frozen: doc/compatibility.md.
 struct NoticeLayout {
   const char* text;
   platform::Rect window;     // its content

@@ -27,7 +27,8 @@ class Alert {
   // the one titled "Close". Without any there is an "OK".
   void addButton(std::string_view title);
   void setMessageText(std::string_view text);
-  // Warning is the only one here and the one of a new alert.
+  // Warning is the one of a new alert. No effect on Linux, where alerts look alike; kept for systems whose
+  // alerts differ by it.
   void setAlertStyle(Style style);
   // Shown at 64 points at most, whatever its size. nullptr for none.
   void setIcon(std::shared_ptr<Image> icon);

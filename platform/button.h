@@ -19,7 +19,8 @@ class Button : public View {
   // A disabled button is dimmed and does nothing.
   void setEnabled(bool enabled);
   [[nodiscard]] bool isEnabled() const;
-  // Rounded is the only one here and the one of a new button.
+  // Rounded is the one of a new button. No effect on Linux, which has this bezel alone; kept for systems with
+  // several.
   void setBezelStyle(BezelStyle style);
   // Called at each click, and for Return or the space bar while the button has the keyboard. It may take as
   // long as it likes and may close the window.

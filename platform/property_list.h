@@ -62,7 +62,8 @@ inline constexpr std::size_t propertyListMaxObjects = 20'000;
 inline constexpr std::size_t propertyListMaxDepth = 64;
 
 // Reads a list in any of its three forms, told apart by the first bytes: binary ("bplist0"), XML (the
-// PropertyList-1.0 DTD) or the old text form (also as a ".strings" file). Any thread. Nothing when the bytes
+// PropertyList-1.0 DTD) or the old text form (also as a ".strings" file), which people write by hand
+// (doc/server.md, doc/compatibility.md). Any thread. Nothing when the bytes
 // are no whole list, or one beyond the bounds above.
 //
 // The root may be a value of any type: one bare word is a list in the old text form, a string. Of entries

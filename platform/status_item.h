@@ -25,8 +25,8 @@ class StatusItem {
   void setTitle(std::string_view title);
   // nullptr shows no icon.
   void setImage(std::shared_ptr<Image> image);
-  // Whether the icon is marked while its menu is open. A wish: panels that decide for themselves pass it
-  // over.
+  // Whether the icon is marked while its menu is open. No effect on Linux, where panels decide; kept for
+  // systems that let the program.
   void setHighlightMode(bool highlights);
 
   // Takes the menu over.

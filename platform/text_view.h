@@ -34,7 +34,7 @@ class TextView : public View {
   void setAlignment(TextAlignment alignment);
   // Whether the text stands on a background of its own, as at first.
   void setDrawsBackground(bool draws);
-  // This view is for reading only: nobody types into it, whatever is set.
+  // No effect on Linux, where a text view is never editable; kept for systems where it is at first.
   void setEditable(bool editable);
   // Whether people can select and copy the text, as at first. A link is clicked, not selected.
   void setSelectable(bool selectable);

@@ -29,6 +29,7 @@ constexpr const char* description =
     " You can transfer contents via Finder.\n"
     " Also, you don't need to jailbreak.";
 
+// Frozen, as all texts of the window: doc/compatibility.md.
 std::string orNull(const std::optional<std::string>& text) {
   return text.value_or("(null)");
 }
@@ -58,14 +59,11 @@ void nimbatrayAppDelegate::support() {
 }
 
 void nimbatrayAppDelegate::refreshVersionAndBanners() {
-  const bool fetched = getRecentVersion() != 0;
-  if (fetched) {
-    platform::consoleLog("recentversion : " + consoleText(orNull(recentVersion)) +
-                         ", currentversion : " + orNull(currentVersion));
-    versionCheck();
-    static_cast<void>(getBannerList());
-  }
-  isNetworkOnline = fetched;
+  checkForUpdate();
+  if (!isNetworkOnline) return;
+  platform::consoleLog("recentversion : " + consoleText(orNull(recentVersion)) +
+                       ", currentversion : " + orNull(currentVersion));
+  static_cast<void>(getBannerList());
 }
 
 // The notice is fetched between its heading and its text, the banner's picture once its view is there.
@@ -154,7 +152,8 @@ void nimbatrayAppDelegate::setHyperlinkWithTextView(platform::TextView& view, co
 }
 
 void nimbatrayAppDelegate::supportWindowWillClose() {
-  // The message's format is "% supportWindow will be close.", in which "% s" is taken for a name to fill in.
+  // The message's format is "% supportWindow will be close.", in which "% s" is taken for a name to fill in;
+  // support scripts look for this line (doc/compatibility.md).
   platform::systemLog(LogPriority::Info,
                       "-[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close.");
   platform::Application::sharedApplication().stopModal();

@@ -7,20 +7,11 @@
 #include <string>
 
 #include "platform/log.h"
-
-namespace {
-
-bool isOwnAlone(const char* path) {
-  struct stat status {};
-  return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
-         (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
-}
-
-}  // namespace
+#include "platform/own_folder.h"
 
 bool claimUpdaterFolder() {
   const int error = ::mkdir(updaterFolder, S_IRWXU) == 0 ? 0 : errno;
-  if (error == 0 || isOwnAlone(updaterFolder)) return true;
+  if (error == 0 || platform::isOwnFolder(updaterFolder)) return true;
   // What isn't there now may be put there by somebody else before the copy begins.
   const std::string what = error == EEXIST
                                ? "updater's folder is not this user's alone : " + std::string(updaterFolder)

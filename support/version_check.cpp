@@ -18,6 +18,12 @@ void nimbatrayAppDelegate::versionCheck() {
   bUpdateEnabled = isNewerVersion(currentVersion, recentVersion);
 }
 
+void nimbatrayAppDelegate::checkForUpdate() {
+  const bool fetched = getRecentVersion() != 0;
+  if (fetched) versionCheck();
+  isNetworkOnline = fetched;
+}
+
 void nimbatrayAppDelegate::updateBtnClick() {
   platform::systemLog(platform::LogPriority::Info,
                       "-[nimbatrayAppDelegate updateBtnClick:] update button click!");

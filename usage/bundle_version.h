@@ -10,5 +10,6 @@
 [[nodiscard]] std::int32_t getBundleVersion(std::optional<std::string>& version);
 
 // What the callers log on failure. The message's format is "% getBundleVersion fail", in which printf(3)
-// takes "% g" for a number; support knows the line by what comes out of that.
+// takes "% g" for a number; support knows the line by what comes out of that
+// (doc/compatibility.md).
 inline constexpr std::string_view bundleVersionFailure = " 0etBundleVersion fail";

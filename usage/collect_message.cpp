@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "usage/little_endian.h"
+
 namespace {
 
 namespace layout = record_format::message;
 
-std::uint32_t littleEndian(std::span<const char, 4> bytes) {
-  std::uint32_t value = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-  return value;
+std::uint32_t integerAt(std::span<const char> bytes, std::size_t offset) {
+  return littleEndian<std::uint32_t>({bytes.data() + offset, sizeof(std::uint32_t)});
 }
 
 std::string_view nameAt(std::span<const char> bytes, std::size_t offset, std::size_t longest) {
@@ -20,7 +20,7 @@ std::string_view nameAt(std::span<const char> bytes, std::size_t offset, std::si
 
 TransferEntry entryAt(CollectMessage message, std::size_t index) {
   const auto bytes = message.subspan(layout::entriesOffset + index * layout::entrySize, layout::entrySize);
-  return {static_cast<std::int32_t>(littleEndian(bytes.subspan<layout::entryKindOffset, 4>())),
+  return {static_cast<std::int32_t>(integerAt(bytes, layout::entryKindOffset)),
           {bytes.data() + layout::entrySizeOffset, record_format::sizeFieldWidth},
           nameAt(bytes, layout::entryNameOffset, record_format::longestTransferName)};
 }
@@ -28,7 +28,7 @@ TransferEntry entryAt(CollectMessage message, std::size_t index) {
 }  // namespace
 
 std::uint32_t dataCommandOf(CollectMessage message) {
-  return littleEndian(message.subspan<layout::dataCommandOffset, 4>());
+  return integerAt(message, layout::dataCommandOffset);
 }
 
 std::string_view deviceNameOf(CollectMessage message) {
@@ -36,7 +36,7 @@ std::string_view deviceNameOf(CollectMessage message) {
 }
 
 std::uint32_t entryCountOf(CollectMessage message) {
-  return littleEndian(message.subspan<layout::entryCountOffset, 4>());
+  return integerAt(message, layout::entryCountOffset);
 }
 
 std::vector<TransferEntry> transferEntriesOf(CollectMessage message) {

@@ -34,6 +34,7 @@ std::int32_t fail(PropertyListError error) {
 }  // namespace
 
 std::int32_t GetProperty(const char* key, std::uint32_t& value) {
+  // "Porperty" is what installers write: doc/compatibility.md.
   const auto file =
       platform::readPropertyListFile(std::string(gBundlePath) + "/Contents/TovalinPorperty.plist");
   if (const auto* error = std::get_if<PropertyListError>(&file)) return fail(*error);

@@ -5,7 +5,8 @@
 #include <string_view>
 
 // The numbers and fixed texts of the usage record file and of the "-ncdat" message, which
-// doc/usage_record_format.md describes. Whoever writes, sends or reads them takes the numbers from here.
+// doc/usage_record_format.md describes and doc/compatibility.md freezes. Whoever writes, sends or reads them
+// takes the numbers from here.
 namespace record_format {
 
 inline constexpr std::string_view magic = "TVLD";

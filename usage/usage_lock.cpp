@@ -39,7 +39,7 @@ platform::FileDescriptor openLockFile(const std::string& path) {
 
 // Whether no other user can have opened the file: others may have put one there while the folder was open to
 // them, or may reach it by another name.
-bool isOursAlone(int descriptor) {
+bool isOwnAlone(int descriptor) {
   struct stat status {};
   return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid() &&
          (status.st_mode & (S_IRWXG | S_IRWXO)) == 0 && status.st_nlink == 1;
@@ -50,13 +50,13 @@ bool isOursAlone(int descriptor) {
 platform::FileDescriptor lockUsageFiles(const std::string& folder) {
   const std::string path = folder + "/TovalinUsage.lock";
   auto file = openLockFile(path);
-  const bool isForeign = file.valid() ? !isOursAlone(file.get()) : errno == ELOOP;
+  const bool isForeign = file.valid() ? !isOwnAlone(file.get()) : errno == ELOOP;
   if (isForeign) {
     ::unlink(path.c_str());
     file = openLockFile(path);
   }
   if (!file.valid()) return {};
-  if (!isOursAlone(file.get())) {
+  if (!isOwnAlone(file.get())) {
     errno = EPERM;
     return {};
   }

@@ -24,7 +24,7 @@ retell_log() {
 
 start_portal() {
   mkfifo /tmp/portal
-  build/release/tests/support/portal_double --value 2 </tmp/portal > >(retell_portal) 2>>"$mutterings" &
+  build/release/tests/harness/portal_double --value 2 </tmp/portal > >(retell_portal) 2>>"$mutterings" &
   exec 4>/tmp/portal
   wait_for_line "portal" "ready"
 }
@@ -70,7 +70,7 @@ announce() { # NAME PROGRAM PLACE
 # Puts before the hidden web view a program that tells of each address that it is handed.
 relay_beacons() { # WEB_VIEW
   mv "$1" "$outside_commands/TovalinWebView"
-  cp build/release/tests/support/web_view_relay "$1"
+  cp build/release/tests/harness/web_view_relay "$1"
 }
 
 start_server() { # OPTION ...

@@ -1,8 +1,13 @@
 #include "platform/portable/property_list_scalars.h"
 
+#include <locale.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
+#include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <string>
 
@@ -35,6 +40,19 @@ std::string lowered(std::string_view text) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }
   return result;
+}
+
+// A number without a sign that fits a double. By strtod_l(3) in the "C" locale, since not every standard
+// library has std::from_chars for double.
+std::optional<double> decimalNumber(const std::string& text) {
+  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  if (text.empty() || text.starts_with('-') || text.starts_with('+')) return std::nullopt;
+  char* end = nullptr;
+  errno = 0;
+  const double number = ::strtod_l(text.c_str(), &end, plain);
+  const bool isBeyondDouble = errno == ERANGE && (number == 0 || std::isinf(number));
+  if (end != text.c_str() + text.size() || isBeyondDouble) return std::nullopt;
+  return number;
 }
 
 // So many digits at least and at most.
@@ -116,10 +134,10 @@ std::optional<double> parseListReal(std::string_view text) {
     number = std::numeric_limits<double>::infinity();
   } else {
     // What stands for digits elsewhere ("nan(1)", a second sign) is no number here.
-    if (name.find_first_not_of("0123456789.e+-") != std::string::npos || name.starts_with('-'))
-      return std::nullopt;
-    const auto result = std::from_chars(name.data(), name.data() + name.size(), number);
-    if (result.ec != std::errc() || result.ptr != name.data() + name.size()) return std::nullopt;
+    if (name.find_first_not_of("0123456789.e+-") != std::string::npos) return std::nullopt;
+    const auto decimal = decimalNumber(name);
+    if (!decimal) return std::nullopt;
+    number = *decimal;
   }
   return negative ? -number : number;
 }

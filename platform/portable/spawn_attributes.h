@@ -4,7 +4,7 @@
 #include <spawn.h>
 #include <unistd.h>
 
-#include "platform/spawn_descriptors.h"
+#include "platform/descriptors.h"
 
 namespace platform {
 

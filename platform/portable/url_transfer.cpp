@@ -7,7 +7,7 @@
 #include <new>
 #include <string_view>
 
-#include "platform/socket.h"
+#include "platform/descriptors.h"
 
 namespace platform {
 namespace {
@@ -109,13 +109,12 @@ long UrlTransfer::unacknowledgedBytes() const {
 }
 
 curl_socket_t UrlTransfer::openSocket(void* transfer, curlsocktype /*purpose*/, curl_sockaddr* address) {
-  const curl_socket_t socket = platform::openSocket(address->family, address->socktype, address->protocol);
-  if (socket == CURL_SOCKET_BAD) return CURL_SOCKET_BAD;
+  FileDescriptor socket = platform::openSocket(address->family, address->socktype, address->protocol);
+  if (!socket.valid()) return CURL_SOCKET_BAD;
   try {
-    static_cast<UrlTransfer*>(transfer)->sockets_.push_back(socket);
-    return socket;
+    static_cast<UrlTransfer*>(transfer)->sockets_.push_back(socket.get());
+    return socket.release();
   } catch (const std::bad_alloc&) {
-    ::close(socket);
     return CURL_SOCKET_BAD;
   }
 }

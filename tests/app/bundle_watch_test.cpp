@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <vector>
 
-#include "tests/support/child_process.h"
-#include "tests/support/timeline.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/timeline.h"
 
 namespace {
 

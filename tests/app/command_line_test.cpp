@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/child_process.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace {
 
@@ -74,6 +74,14 @@ TEST(CommandLine, VersionIsThatOfTheBundle) {
   EXPECT_EQ(run({"--version"}, contents / "MacOS/probe"),
             (Told{.status = ExitStatus{.code = 0}, .output = "TovalinTray 3.2.1 %s\n"}));
   fs::remove_all("/tmp/Agent.app");
+}
+
+TEST(CommandLine, ProcessSerialNumberIsIgnored) {
+  EXPECT_EQ(run({"-psn_0_1048832"}), Told{.status = kGoesOn});
+  EXPECT_EQ(run({"-psn_0_1048832", "--version"}), run({"--version"}));
+  EXPECT_EQ(run({"--version", "-psn_0_1048832"}), run({"--version"}));
+  EXPECT_EQ(run({"-psn_0_1048832", "--wrong"}), refused("--wrong"));
+  EXPECT_EQ(run({"-psn"}), refused("-psn"));
 }
 
 // Arguments, and the one of them that is refused.

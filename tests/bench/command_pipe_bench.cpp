@@ -12,7 +12,7 @@
 
 #include "ipc/command_pipe.h"
 #include "tests/bench/pairs.h"
-#include "tests/support/message_fifo.h"
+#include "tests/harness/processes/message_fifo.h"
 
 namespace {
 

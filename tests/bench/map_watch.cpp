@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace bench {
 

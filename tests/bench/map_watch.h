@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/support/x_connection.h"
+#include "tests/harness/desktop/x_connection.h"
 
 namespace bench {
 

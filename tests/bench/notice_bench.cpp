@@ -13,11 +13,11 @@
 
 #include "tests/bench/map_watch.h"
 #include "tests/bench/pairs.h"
-#include "tests/support/child_process.h"
-#include "tests/support/message_fifo.h"
-#include "tests/support/session_bus.h"
-#include "tests/support/syslog_socket.h"
-#include "tests/support/test_display.h"
+#include "tests/harness/desktop/session_bus.h"
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/message_fifo.h"
+#include "tests/harness/processes/syslog_socket.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <string>
 
-#include "tests/support/process_children.h"
+#include "tests/harness/processes/process_children.h"
 
 namespace bench {
 

@@ -13,7 +13,7 @@
 
 #include "tests/bench/pairs.h"
 #include "tests/bench/start_up_desktop.h"
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace {
 

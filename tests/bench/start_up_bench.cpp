@@ -10,7 +10,7 @@
 #include "tests/bench/pairs.h"
 #include "tests/bench/process_tree.h"
 #include "tests/bench/start_up_desktop.h"
-#include "tests/support/child_process.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "tests/bench/pairs.h"
+#include "tests/harness/processes/file_contents.h"
 #include "tests/platform/linux/helpers/web_processes.h"
-#include "tests/support/file_contents.h"
 
 namespace bench {
 namespace {

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "tests/bench/process_tree.h"
+#include "tests/harness/desktop/portal_double.h"
+#include "tests/harness/desktop/session_bus.h"
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/tray_host_double.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/message_fifo.h"
 #include "tests/platform/linux/helpers/page_server.h"
-#include "tests/support/child_process.h"
-#include "tests/support/message_fifo.h"
-#include "tests/support/portal_double.h"
-#include "tests/support/session_bus.h"
-#include "tests/support/test_display.h"
-#include "tests/support/tray_host_double.h"
 
 namespace bench {
 

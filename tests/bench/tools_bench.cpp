@@ -13,7 +13,7 @@
 
 #include "platform/file_descriptor.h"
 #include "tests/bench/pairs.h"
-#include "tests/support/child_process.h"
+#include "tests/harness/processes/child_process.h"
 #include "usage/record_bytes.h"
 
 namespace {

@@ -15,9 +15,9 @@
 #include "app/nimbatrayAppDelegate.h"
 #include "platform/status_item.h"
 #include "tests/bench/pairs.h"
-#include "tests/support/child_process.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/wait_until.h"
 #include "tests/usage/server_parts.h"
 
 namespace {

@@ -23,11 +23,11 @@
 #include "platform/web_view.h"
 #include "tests/bench/pairs.h"
 #include "tests/bench/process_tree.h"
-#include "tests/platform/event_loop.h"
+#include "tests/harness/desktop/event_loop.h"
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/processes/child_process.h"
 #include "tests/platform/linux/helpers/page_server.h"
 #include "tests/platform/linux/helpers/web_processes.h"
-#include "tests/support/child_process.h"
-#include "tests/support/test_display.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <thread>
 #include <utility>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace fs = std::filesystem;
 using test_support::ChildOptions;

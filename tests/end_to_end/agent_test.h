@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/portal_double.h"
-#include "tests/support/session_bus.h"
-#include "tests/support/test_display.h"
-#include "tests/support/timeline.h"
-#include "tests/support/tray_host_double.h"
+#include "tests/harness/desktop/portal_double.h"
+#include "tests/harness/desktop/session_bus.h"
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/tray_host_double.h"
+#include "tests/harness/processes/timeline.h"
 
 // From the end of the bundle to that of the agent, half a second of it the watch's.
 inline constexpr std::chrono::milliseconds longestEnd{2000};

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/end_to_end/hostile_pipes_fixture.h"
-#include "tests/support/wait_until.h"
+#include "tests/end_to_end/ipc/hostile_pipes_fixture.h"
+#include "tests/harness/processes/wait_until.h"
 
 inline constexpr unsigned user = 65534;
 inline const std::string ownHome = "/tmp/user/home";

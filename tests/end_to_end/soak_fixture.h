@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <functional>
 
-#include "tests/support/sanitizer.h"
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
+#include "tests/harness/sanitizer.h"
 
 // What is done over and over, and what it may cost.
 struct Soak {

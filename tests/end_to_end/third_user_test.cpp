@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "tests/end_to_end/ordinary_user_fixture.h"
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace {
 

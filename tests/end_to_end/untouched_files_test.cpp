@@ -6,8 +6,8 @@
 #include <fstream>
 #include <map>
 
-#include "tests/end_to_end/support_fixture.h"
-#include "tests/support/file_contents.h"
+#include "tests/end_to_end/support/support_fixture.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace {
 

@@ -12,10 +12,10 @@
 #include <map>
 #include <new>
 
-#include "tests/end_to_end/icon_in_panel.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/file_descriptor.h"
-#include "tests/support/wait_until.h"
+#include "tests/end_to_end/app/icon_in_panel.h"
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/file_descriptor.h"
+#include "tests/harness/processes/wait_until.h"
 #include "usage/upload_rules.h"
 
 namespace {

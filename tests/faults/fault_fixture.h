@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "tests/end_to_end/support_fixture.h"
+#include "tests/end_to_end/support/support_fixture.h"
 #include "tests/faults/agents_words.h"
 #include "tests/faults/fault_report.h"
 #include "tests/faults/usage_account.h"

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "tests/faults/lives.h"
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace {
 

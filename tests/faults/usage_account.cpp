@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "tests/end_to_end/agent_test.h"
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 #include "tools/tvldump/record_reader.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 #include "usage/application_directory.h"
 
 namespace fuzz {

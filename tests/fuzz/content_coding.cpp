@@ -9,7 +9,7 @@
 
 #include "tests/fuzz/requirement.h"
 #include "tests/fuzz/target.h"
-#include "tests/support/compressed.h"
+#include "tests/harness/servers/compressed.h"
 
 namespace {
 

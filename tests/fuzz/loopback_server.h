@@ -4,7 +4,7 @@
 #include <string>
 #include <thread>
 
-#include "tests/support/loopback_listener.h"
+#include "tests/harness/servers/loopback_listener.h"
 
 namespace fuzz {
 

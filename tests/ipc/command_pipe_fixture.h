@@ -14,10 +14,10 @@
 #include <vector>
 
 #include "ipc/command_pipe.h"
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/syslog_socket.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/ipc/stream_capture.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/syslog_socket.h"
 
 namespace command_pipe_test {
 

@@ -8,8 +8,8 @@
 #include <ostream>
 #include <string>
 
-#include "tests/support/child_process.h"
-#include "tests/support/file_descriptor.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/file_descriptor.h"
 
 namespace test_support {
 

@@ -14,7 +14,7 @@
 #include "ipc/notification_commands.h"
 #include "ipc/notification_pipe.h"
 #include "ipc/readable.h"
-#include "tests/support/syslog_socket.h"
+#include "tests/harness/processes/syslog_socket.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tests/support/file_descriptor.h"
+#include "tests/harness/processes/file_descriptor.h"
 
 namespace test_support {
 

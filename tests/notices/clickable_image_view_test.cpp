@@ -12,8 +12,8 @@
 #include "platform/image.h"
 #include "platform/linux/windows/view_impl.h"
 #include "platform/window.h"
-#include "tests/platform/event_loop.h"
-#include "tests/support/child_process.h"
+#include "tests/harness/desktop/event_loop.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 #include "tests/tools/tool_process.h"
 
 namespace {

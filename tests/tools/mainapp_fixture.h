@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 #include "tests/tools/tool_process.h"
 
 namespace tools_test {

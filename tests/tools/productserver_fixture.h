@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/child_process.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace tools_test {
 

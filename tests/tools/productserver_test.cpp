@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 #include "tests/tools/productserver_fixture.h"
 #include "tests/tools/tool_process.h"
 

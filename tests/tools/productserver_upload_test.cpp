@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 #include "tests/tools/productserver_fixture.h"
 #include "tests/tools/raw_client.h"
 #include "tests/tools/tool_process.h"

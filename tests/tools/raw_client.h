@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "tests/support/file_descriptor.h"
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/file_descriptor.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace tools_test {
 

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "tests/tools/usage_sample.h"
+#include "tests/harness/usage_sample.h"
 #include "tools/common/json_text.h"
 #include "tools/tvldump/json_lines_printer.h"
 #include "tools/tvldump/json_printer.h"
@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace tools_test;
+using namespace test_support;
 using nlohmann::json;
 
 template <typename Printer>

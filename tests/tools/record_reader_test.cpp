@@ -5,11 +5,11 @@
 
 #include <vector>
 
-#include "tests/tools/usage_sample.h"
+#include "tests/harness/usage_sample.h"
 
 namespace {
 
-using namespace tools_test;
+using namespace test_support;
 using testing::ElementsAreArray;
 using tools::Damage;
 using tools::Item;

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/support/child_process.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace tools_test {
 

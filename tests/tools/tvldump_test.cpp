@@ -6,13 +6,14 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "tests/harness/usage_sample.h"
 #include "tests/tools/tool_process.h"
-#include "tests/tools/usage_sample.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
+using namespace test_support;
 using namespace tools_test;
 using nlohmann::json;
 using test_support::ExitStatus;

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/support/child_process.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace settings_test {
 

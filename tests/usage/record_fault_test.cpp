@@ -8,7 +8,7 @@
 #include <fstream>
 #include <thread>
 
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 #include "tests/usage/record_fixture.h"
 #include "tests/usage/small_disk.h"
 #include "tools/tvldump/record_reader.h"

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/harness/usage_sample.h"
 #include "tests/usage/record_parts.h"
 #include "tests/usage/settings_fixture.h"
 #include "usage/usage_record.h"
@@ -16,15 +17,8 @@ using namespace std::string_literals;
 
 inline constexpr const char* kToday = "/tmp/support/Tovalin/Tovalin_2024_03_07.dat";
 
-// The header of that day for version 1.4.2, byte by byte.
-inline const std::string kHeader =
-    "TVLD2024-03-07"
-    "\x00\x26{00112233-4455-6677-8899-AABBCCDDEEFF}"
-    "\x01\x44"
-    "\x01\x05"
-    "1.4.2"
-    "\x07"
-    "1.0.0.0"s;
+// The header of that day for version 1.4.2.
+inline const std::string& kHeader = test_support::kUsageHeader;
 
 // The quit record of that moment.
 inline constexpr const char* kQuit =

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <csignal>
 
-#include "tests/support/file_descriptor.h"
+#include "tests/harness/processes/file_descriptor.h"
 #include "tests/usage/fake_waits.h"
 #include "tests/usage/record_fixture.h"
 #include "tests/usage/small_disk.h"

@@ -11,10 +11,10 @@
 #include <fstream>
 #include <string>
 
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/syslog_socket.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/ipc/stream_capture.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/syslog_socket.h"
 
 namespace settings_test {
 

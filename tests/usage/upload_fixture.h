@@ -5,7 +5,7 @@
 
 #include "app/nimbatrayAppDelegate.h"
 #include "platform/status_item.h"
-#include "tests/support/product_server_double.h"
+#include "tests/harness/servers/product_server_double.h"
 #include "tests/usage/record_fixture.h"
 #include "tests/usage/server_parts.h"
 

@@ -2,7 +2,7 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 
-#include "tests/support/sanitizer.h"
+#include "tests/harness/sanitizer.h"
 #include "tests/usage/upload_fixture.h"
 #include "usage/upload_files.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/support/raw_http_server.h"
+#include "tests/harness/servers/raw_http_server.h"
 #include "tests/usage/upload_fixture.h"
 
 namespace settings_test {

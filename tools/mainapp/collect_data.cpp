@@ -3,23 +3,12 @@
 #include <cstdint>
 #include <sstream>
 
-#include "usage/record_format.h"
+#include "tools/mainapp/collect_message_bytes.h"
 
 namespace tools {
 namespace {
 
 namespace layout = record_format::message;
-
-void put(std::string& message, std::size_t offset, std::uint64_t value, std::size_t bytes) {
-  for (std::size_t i = 0; i < bytes; ++i) message[offset + i] = static_cast<char>(value >> 8 * i);
-}
-
-std::string messageOfLength(std::size_t length, std::uint32_t dataCommand) {
-  std::string message = "-ncdat";
-  message.resize(length, '\0');
-  put(message, layout::dataCommandOffset, dataCommand, 4);
-  return message;
-}
 
 // The rest of the line behind one blank.
 std::string restOf(std::istringstream& words) {
@@ -38,7 +27,7 @@ std::optional<std::string> deviceEventMessage(const std::string& words) {
   if (command != layout::deviceEvent3 && command != layout::deviceEvent4) return std::nullopt;
   const std::string name = restOf(stream);
   if (name.size() > record_format::longestDeviceName) return std::nullopt;
-  return messageOfLength(layout::deviceNameOffset, command) + name + '\0';
+  return collectMessage(layout::deviceNameOffset, command) + name + '\0';
 }
 
 std::optional<std::string> transferMessage(const std::string& words) {
@@ -48,12 +37,9 @@ std::optional<std::string> transferMessage(const std::string& words) {
   if (!(stream >> kind >> size)) return std::nullopt;
   const std::string name = restOf(stream);
   if (name.size() > record_format::longestTransferName) return std::nullopt;
-  std::string message = messageOfLength(layout::entriesOffset + layout::entrySize, layout::transfers);
-  put(message, layout::entryCountOffset, 1, 4);
-  const std::size_t entry = layout::entriesOffset;
-  put(message, entry + layout::entryKindOffset, static_cast<std::uint32_t>(kind), 4);
-  put(message, entry + layout::entrySizeOffset, size, 8);
-  name.copy(message.data() + entry + layout::entryNameOffset, name.size());
+  std::string message = collectMessage(transferMessageSize(1), layout::transfers);
+  putLittleEndian(message, layout::entryCountOffset, 1, 4);
+  putTransfer(message, 0, static_cast<std::uint32_t>(kind), size, name);
   return message;
 }
 

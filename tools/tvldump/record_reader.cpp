@@ -1,5 +1,6 @@
 #include "tools/tvldump/record_reader.h"
 
+#include "usage/little_endian.h"
 #include "usage/record_format.h"
 
 namespace tools {
@@ -17,6 +18,11 @@ void takeCode(RecordCursor& cursor, Code code, std::string_view reason) {
 
 void takeLength(RecordCursor& cursor, std::size_t length, std::string_view reason) {
   cursor.takeByte(static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length), reason);
+}
+
+// Behind damage there are no bytes.
+std::uint64_t sizeIn(std::string_view bytes) {
+  return bytes.size() == record_format::sizeFieldWidth ? littleEndian<std::uint64_t>(bytes) : 0;
 }
 
 }  // namespace
@@ -132,8 +138,7 @@ void RecordReader::takeDeviceEvent(unsigned dataCommand, DeviceEvent& event) {
 void RecordReader::takeTransfer(unsigned kind, Transfer& transfer) {
   transfer.kind = kind;
   takeLength(cursor_, record_format::sizeFieldWidth, "not the width of a size");
-  const std::string_view size = cursor_.takeText(record_format::sizeFieldWidth);
-  if (!cursor_.damage()) transfer.size = littleEndian(size.data());
+  transfer.size = sizeIn(cursor_.takeText(record_format::sizeFieldWidth));
   transfer.name =
       cursor_.takeCounted(record_format::longestTransferName, "a transfer's name longer than any");
 }

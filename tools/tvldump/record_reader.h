@@ -5,6 +5,7 @@
 
 #include "tools/tvldump/record_cursor.h"
 #include "tools/tvldump/record_item.h"
+#include "usage/little_endian.h"
 #include "usage/record_format.h"
 
 namespace tools {
@@ -31,14 +32,6 @@ class RecordReader {
   [[nodiscard]] const std::optional<Damage>& damage() const { return cursor_.damage(); }
 
  private:
-  [[nodiscard]] static std::uint64_t littleEndian(const char* bytes) {
-    const auto byte = [bytes](std::size_t place) {
-      return std::uint64_t{static_cast<std::uint8_t>(bytes[place])} << (8 * place);
-    };
-    // Written out so that compilers make one load of it.
-    return byte(0) | byte(1) | byte(2) | byte(3) | byte(4) | byte(5) | byte(6) | byte(7);
-  }
-
   using Content = decltype(Item::content);
   enum class Expected { Day, Identifier, OperatingSystem, Version, Record };
 
@@ -74,7 +67,7 @@ inline bool RecordReader::takeUsualTransfer(Content& content) {
   if (rest[widthPlace] != sizeFieldWidth || length > longestTransferName) return false;
   auto& transfer = content.emplace<Transfer>();
   transfer.kind = isKind1 ? 1 : 2;
-  transfer.size = littleEndian(rest.data() + sizePlace);
+  transfer.size = littleEndian<std::uint64_t>(rest.substr(sizePlace, record_format::sizeFieldWidth));
   transfer.name = {rest.data() + namePlace, length};
   cursor_.skip(namePlace + length);
   return true;

@@ -5,14 +5,10 @@
 
 #include <cstdlib>
 
+#include "platform/own_folder.h"
+
 namespace platform {
 namespace {
-
-bool isOursAlone(const std::string& folder) {
-  struct stat status {};
-  return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
-         (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
-}
 
 std::string pathBelowTmp() {
   return "/tmp/TovalinTray-" + std::to_string(::geteuid());
@@ -20,7 +16,7 @@ std::string pathBelowTmp() {
 
 std::optional<std::string> folderOfOursAt(const std::string& path) {
   ::mkdir(path.c_str(), S_IRWXU);
-  if (!isOursAlone(path)) return std::nullopt;
+  if (!isOwnFolder(path.c_str())) return std::nullopt;
   // One that was there already may let others read.
   ::chmod(path.c_str(), S_IRWXU);
   return path;
@@ -30,11 +26,11 @@ std::optional<std::string> folderOfOursAt(const std::string& path) {
 
 std::string privateFolderPath() {
   const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-  if (runtime != nullptr && runtime[0] == '/' && isOursAlone(runtime)) {
+  if (runtime != nullptr && runtime[0] == '/' && isOwnFolder(runtime)) {
     return std::string(runtime) + "/TovalinTray";
   }
   const std::string ofSession = "/run/user/" + std::to_string(::geteuid());
-  if (isOursAlone(ofSession)) return ofSession + "/TovalinTray";
+  if (isOwnFolder(ofSession.c_str())) return ofSession + "/TovalinTray";
   return pathBelowTmp();
 }
 

@@ -17,8 +17,8 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include "platform/descriptors.h"
 #include "platform/portable/spawn_attributes.h"
-#include "platform/socket.h"
 
 namespace platform {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <chrono>
 
-#include "tests/support/compressed.h"
+#include "tests/harness/servers/compressed.h"
 
 namespace {
 

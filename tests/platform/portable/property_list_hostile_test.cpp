@@ -8,9 +8,9 @@
 #include <fstream>
 #include <functional>
 
+#include "tests/harness/sanitizer.h"
 #include "tests/platform/portable/property_list_binary_builder.h"
 #include "tests/platform/portable/property_list_support.h"
-#include "tests/support/sanitizer.h"
 
 namespace {
 

@@ -183,6 +183,7 @@ TEST(XmlPropertyList, RealsAreDecimalNumbers) {
       {"5.", 5},
       {" 1E-2 ", 0.01},
       {"-0", -0.0},
+      {"4e-324", std::numeric_limits<double>::denorm_min()},
       {"inf", infinity},
       {"+Inf", infinity},
       {"-INF", -infinity},
@@ -200,8 +201,8 @@ TEST(XmlPropertyList, RealsAreDecimalNumbers) {
 }
 
 TEST(XmlPropertyList, WhatIsNoRealIsUnreadable) {
-  for (const char* text :
-       {"", "e5", "1,5", "1.5x", "1.5.5", "+-1", "-+1", "--1", "0x10", "nan(1)", "infinit", "1e999"}) {
+  for (const char* text : {"", "e5", "1,5", "1.5x", "1.5.5", "+-1", "-+1", "--1", "0x10", "nan(1)", "infinit",
+                           "1e999", "1e-999", "1e", ".", "+"}) {
     EXPECT_FALSE(parseInPlist("<real>" + std::string(text) + "</real>")) << text;
   }
 }

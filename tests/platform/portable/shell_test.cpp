@@ -19,10 +19,10 @@
 #include <string>
 #include <thread>
 
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/wait_until.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/ipc/stream_capture.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/wait_until.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/harness/servers/compressed.h"
 #include "tests/platform/portable/url_request_support.h"
-#include "tests/support/compressed.h"
 
 namespace {
 

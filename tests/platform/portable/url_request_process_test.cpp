@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "platform/shell.h"
+#include "tests/harness/processes/wait_until.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/platform/portable/url_request_support.h"
-#include "tests/support/wait_until.h"
 
 namespace {
 

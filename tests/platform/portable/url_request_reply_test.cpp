@@ -4,9 +4,9 @@
 
 #include <fstream>
 
+#include "tests/harness/sanitizer.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/platform/portable/url_request_support.h"
-#include "tests/support/sanitizer.h"
 
 namespace {
 

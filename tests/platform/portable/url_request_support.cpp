@@ -5,7 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace test_support {
 

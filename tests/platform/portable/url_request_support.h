@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "platform/url_request.h"
-#include "tests/support/raw_http_server.h"
+#include "tests/harness/servers/raw_http_server.h"
 
 namespace test_support {
 

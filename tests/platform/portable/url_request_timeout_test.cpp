@@ -12,8 +12,8 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/harness/processes/wait_until.h"
 #include "tests/platform/portable/url_request_support.h"
-#include "tests/support/wait_until.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/harness/processes/child_process.h"
 #include "tests/platform/portable/url_request_support.h"
-#include "tests/support/child_process.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/application.h"
-#include "tests/platform/event_loop.h"
+#include "tests/harness/desktop/event_loop.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/file_event_stream.h"
-#include "tests/platform/event_loop.h"
+#include "tests/harness/desktop/event_loop.h"
 
 namespace platform {
 inline void PrintTo(const FileEvent& event, std::ostream* stream) {

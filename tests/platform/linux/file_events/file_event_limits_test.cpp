@@ -7,8 +7,8 @@
 
 #include "platform/linux/file_events/file_identity.h"
 #include "platform/linux/file_events/inotify.h"
+#include "tests/harness/processes/child_process.h"
 #include "tests/platform/linux/file_events/file_event_fixture.h"
-#include "tests/support/child_process.h"
 
 namespace {
 

@@ -16,10 +16,10 @@
 #include <thread>
 #include <vector>
 
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/file_descriptor.h"
 #include "tests/platform/linux/helpers/helper_run.h"
 #include "tests/platform/linux/web_view/traced_process.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/file_descriptor.h"
 
 namespace helper_test {
 namespace {

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <utility>
 
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace helper_test {
 

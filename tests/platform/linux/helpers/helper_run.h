@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/child_process.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace helper_test {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/harness/processes/file_contents.h"
 #include "tests/platform/linux/helpers/helper_run.h"
-#include "tests/support/file_contents.h"
 
 namespace helper_test {
 namespace {

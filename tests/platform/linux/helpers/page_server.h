@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace web_view_test {
 

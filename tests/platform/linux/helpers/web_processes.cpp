@@ -7,7 +7,7 @@
 #include <fstream>
 #include <functional>
 
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace web_view_test {
 namespace {

@@ -26,7 +26,7 @@
 #include <vector>
 
 #include "platform/linux/helpers/web_view/filter_proxy.h"
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace helpers {
 namespace {

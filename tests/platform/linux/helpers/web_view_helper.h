@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/processes/child_process.h"
 #include "tests/platform/linux/helpers/helper_run.h"
 #include "tests/platform/linux/helpers/page_server.h"
 #include "tests/platform/linux/helpers/web_processes.h"
-#include "tests/support/child_process.h"
-#include "tests/support/test_display.h"
 
 namespace web_view_test {
 

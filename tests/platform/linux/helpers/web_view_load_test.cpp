@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/processes/file_contents.h"
 #include "tests/platform/linux/helpers/web_view_helper.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/x_windows.h"
 
 namespace web_view_test {
 namespace {

@@ -10,9 +10,9 @@
 #include <regex>
 #include <thread>
 
+#include "tests/harness/processes/file_descriptor.h"
 #include "tests/platform/linux/helpers/loopback_proxy.h"
 #include "tests/platform/linux/helpers/web_view_helper.h"
-#include "tests/support/file_descriptor.h"
 
 namespace web_view_test {
 namespace {

@@ -3,9 +3,9 @@
 
 #include <atomic>
 
+#include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/servers/raw_http_server.h"
 #include "tests/platform/linux/helpers/web_view_helper.h"
-#include "tests/support/raw_http_server.h"
-#include "tests/support/x_windows.h"
 
 namespace web_view_test {
 namespace {

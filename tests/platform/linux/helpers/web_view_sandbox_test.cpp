@@ -11,11 +11,11 @@
 #include <cstddef>
 #include <filesystem>
 
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/file_descriptor.h"
+#include "tests/harness/processes/syslog_socket.h"
 #include "tests/ipc/forked_call.h"
 #include "tests/platform/linux/helpers/web_view_helper.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/file_descriptor.h"
-#include "tests/support/syslog_socket.h"
 
 namespace web_view_test {
 namespace {

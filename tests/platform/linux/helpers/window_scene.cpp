@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace helper_test {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/test_display.h"
-#include "tests/support/x_connection.h"
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/x_connection.h"
 
 namespace helper_test {
 

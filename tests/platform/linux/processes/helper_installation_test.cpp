@@ -10,8 +10,8 @@
 #include <set>
 #include <string>
 
-#include "tests/support/child_process.h"
-#include "tests/support/file_contents.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <optional>
 #include <thread>
 
-#include "tests/support/wait_until.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace {
 

@@ -16,10 +16,10 @@
 #include <string>
 #include <vector>
 
-#include "tests/platform/event_loop.h"
+#include "tests/harness/desktop/event_loop.h"
+#include "tests/harness/processes/refused_call.h"
 #include "tests/platform/linux/helpers/helper_run.h"
 #include "tests/platform/linux/helpers/web_processes.h"
-#include "tests/platform/refused_call.h"
 
 namespace {
 

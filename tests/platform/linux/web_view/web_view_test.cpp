@@ -13,12 +13,12 @@
 
 #include "platform/bundle.h"
 #include "platform/linux/web_view/web_view_process.h"
-#include "tests/platform/event_loop.h"
+#include "tests/harness/desktop/event_loop.h"
+#include "tests/harness/processes/child_process.h"
 #include "tests/platform/linux/helpers/helper_run.h"
 #include "tests/platform/linux/helpers/page_server.h"
 #include "tests/platform/linux/helpers/web_processes.h"
 #include "tests/platform/linux/web_view/traced_process.h"
-#include "tests/support/child_process.h"
 
 namespace {
 

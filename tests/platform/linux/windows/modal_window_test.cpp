@@ -13,8 +13,8 @@
 
 #include "platform/application.h"
 #include "platform/window.h"
-#include "tests/platform/event_loop.h"
-#include "tests/support/x_windows.h"
+#include "tests/harness/desktop/event_loop.h"
+#include "tests/harness/desktop/x_windows.h"
 
 namespace {
 

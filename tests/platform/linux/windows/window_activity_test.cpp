@@ -6,12 +6,12 @@
 
 #include "platform/alert.h"
 #include "platform/application.h"
+#include "tests/harness/desktop/x_connection.h"
+#include "tests/harness/desktop/x_input.h"
+#include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/processes/child_process.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
-#include "tests/support/child_process.h"
-#include "tests/support/x_connection.h"
-#include "tests/support/x_input.h"
-#include "tests/support/x_windows.h"
 
 namespace {
 

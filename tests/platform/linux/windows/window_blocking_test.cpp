@@ -7,11 +7,11 @@
 
 #include "platform/application.h"
 #include "platform/image_view.h"
+#include "tests/harness/desktop/x_connection.h"
+#include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/processes/child_process.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
-#include "tests/support/child_process.h"
-#include "tests/support/x_connection.h"
-#include "tests/support/x_windows.h"
 
 namespace {
 

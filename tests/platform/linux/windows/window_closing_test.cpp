@@ -4,9 +4,9 @@
 
 #include "platform/alert.h"
 #include "platform/application.h"
+#include "tests/harness/desktop/x_windows.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
-#include "tests/support/x_windows.h"
 
 namespace {
 

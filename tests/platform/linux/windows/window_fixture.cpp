@@ -8,10 +8,10 @@
 
 #include "platform/linux/windows/view_impl.h"
 #include "platform/linux/windows/window_impl.h"
-#include "tests/support/child_process.h"
-#include "tests/support/x_input.h"
-#include "tests/support/x_picture.h"
-#include "tests/support/x_windows.h"
+#include "tests/harness/desktop/x_input.h"
+#include "tests/harness/desktop/x_picture.h"
+#include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/processes/child_process.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "platform/view.h"
 #include "platform/window.h"
-#include "tests/platform/event_loop.h"
+#include "tests/harness/desktop/event_loop.h"
 #include "tests/platform/linux/windows/workspace_double.h"
 
 // Windows on a display of the test's own, and a user's hands on them.

@@ -6,9 +6,9 @@
 #include <QPushButton>
 
 #include "platform/linux/desktop/appearance.h"
+#include "tests/harness/desktop/x_windows.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
-#include "tests/support/x_windows.h"
 
 namespace {
 

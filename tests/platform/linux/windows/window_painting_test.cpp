@@ -6,11 +6,11 @@
 
 #include "platform/application.h"
 #include "platform/linux/windows/first_picture.h"
+#include "tests/harness/desktop/x_connection.h"
+#include "tests/harness/desktop/x_picture.h"
+#include "tests/harness/desktop/x_windows.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
-#include "tests/support/x_connection.h"
-#include "tests/support/x_picture.h"
-#include "tests/support/x_windows.h"
 
 namespace {
 

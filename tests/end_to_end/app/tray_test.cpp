@@ -1,0 +1,286 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "tests/end_to_end/agent_test.h"
+#include "tests/harness/desktop/x_connection.h"
+#include "tests/harness/desktop/x_input.h"
+#include "tests/harness/desktop/x_picture.h"
+#include "tests/harness/desktop/x_windows.h"
+
+namespace {
+
+using test_support::ChildOptions;
+using test_support::ChildProcess;
+using test_support::ExitStatus;
+using test_support::Redirection;
+using test_support::XWindow;
+
+bool isAgents(const XWindow& window) {
+  return window.className == "Tovalin";
+}
+bool isMenu(const XWindow& window) {
+  return isAgents(window) && window.width > 100;
+}
+bool isIcon(const XWindow& window) {
+  return isAgents(window) && !isMenu(window) && window.width >= 20;
+}
+
+constexpr int halfALine = 12;
+// The middle of "Support Tovalin", above a separator and "Quit Tovalin".
+constexpr int supportAboveEnd = 38;
+
+// The agent in a real tray of the X screen.
+class XTray : public AgentTest {
+ protected:
+  void startTray(const char* edge = "bottom") {
+    ChildOptions options;
+    options.environment = environment_;
+    options.error = Redirection::null();
+    ASSERT_TRUE(tray_.start({"trayer", "--edge", edge, "--SetDockType", "true", "--height", "28"}, options));
+  }
+
+  [[nodiscard]] std::optional<XWindow> dockedIcon() {
+    return test_support::waitForWindow(display_.name(), isIcon);
+  }
+
+  // The tray may have put it on the screen before the agent takes clicks there; what it draws comes with
+  // that.
+  void clickIcon(const char* button) {
+    ASSERT_TRUE(test_support::waitUntil([this] { return isDrawn(dockedIcon()); }));
+    const auto icon = dockedIcon();
+    ASSERT_TRUE(icon);
+    runOnDisplay({"xdotool", "mousemove", std::to_string(icon->x + icon->width / 2),
+                  std::to_string(icon->y + icon->height / 2), "click", button});
+  }
+  // Clicks wait for a menu that is on the screen but does not have the keyboard yet; keys would be lost.
+  void clickMenu(const XWindow& menu, int below) {
+    ASSERT_TRUE(test_support::clickMouse(display_.name(), menu.x + menu.width / 2, menu.y + below));
+  }
+  [[nodiscard]] bool escapeClosesMenu() {
+    return test_support::waitUntil([&] {
+      runOnDisplay({"xdotool", "key", "Escape"});
+      return test_support::waitForNoWindow(display_.name(), isMenu, std::chrono::milliseconds(100));
+    });
+  }
+
+  ChildProcess tray_;
+
+ private:
+  [[nodiscard]] bool isDrawn(const std::optional<XWindow>& icon) const {
+    if (!icon) return false;
+    const auto picture =
+        test_support::pictureOf(display_.name(), {icon->x, icon->y, icon->width, icon->height});
+    if (!picture) return false;
+    for (int x = 0; x < icon->width; ++x) {
+      if (!(picture->at(x, icon->height / 2) == picture->at(0, 0))) return true;
+    }
+    return false;
+  }
+};
+
+TEST_F(XTray, DocksItsIcon) {
+  startTray();
+  launchAgent();
+  const auto icon = dockedIcon();
+  ASSERT_TRUE(icon);
+  EXPECT_GE(icon->y, 800 - 28);
+}
+
+TEST_F(XTray, DocksInATrayThatStartsAfterTheAgent) {
+  launchAgent();
+  EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(200)));
+  startTray();
+  EXPECT_TRUE(dockedIcon());
+}
+
+TEST_F(XTray, DocksAgainInATrayThatIsStartedAgain) {
+  startTray();
+  launchAgent();
+  ASSERT_TRUE(dockedIcon());
+  tray_.kill();
+  ASSERT_TRUE(tray_.wait());
+  ASSERT_TRUE(test_support::waitForNoWindow(display_.name(), isIcon));
+  startTray();
+  EXPECT_TRUE(dockedIcon());
+  EXPECT_TRUE(agent_.running());
+}
+
+TEST_F(XTray, BothButtonsOpenTheMenu) {
+  startTray();
+  launchAgent();
+  for (const char* button : {"1", "3"}) {
+    clickIcon(button);
+    EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu)) << "button " << button;
+    EXPECT_TRUE(escapeClosesMenu()) << "button " << button;
+  }
+}
+
+TEST_F(XTray, MenuOpensBesideTheIconOnTheSideThatHasRoom) {
+  for (const char* edge : {"bottom", "top"}) {
+    startTray(edge);
+    launchAgent();
+    clickIcon("1");
+    const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+    const auto icon = dockedIcon();
+    ASSERT_TRUE(menu && icon) << edge;
+    EXPECT_EQ(menu->x, std::min(icon->x, 1280 - menu->width)) << edge;
+    EXPECT_EQ(edge == std::string("bottom") ? menu->y + menu->height : menu->y,
+              edge == std::string("bottom") ? icon->y : icon->y + icon->height)
+        << edge;
+    EXPECT_TRUE(escapeClosesMenu());
+    terminateAgent();
+    tray_.kill();
+    ASSERT_TRUE(tray_.wait());
+    timeline_.clear();
+  }
+}
+
+TEST_F(XTray, TheLossOfTheDisplayRunsTheProperEndOnce) {
+  for (const bool menuIsOpen : {false, true}) {
+    timeline_.clear();
+    startTray();
+    launchAgent();
+    ASSERT_TRUE(dockedIcon());
+    if (menuIsOpen) {
+      clickIcon("1");
+      ASSERT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+    }
+    display_.stop();
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+    EXPECT_EQ(count(killRun), 1);
+    EXPECT_EQ(recordsLike(quitRecord), menuIsOpen ? 2 : 1);
+    EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end broke off";
+    if (menuIsOpen) return;
+    ASSERT_TRUE(display_.start());
+    environment_["DISPLAY"] = display_.name();
+  }
+}
+
+TEST_F(XTray, TheFirstLineSwitches) {
+  startTray();
+  launchAgent();
+  clickIcon("1");
+  const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+  ASSERT_TRUE(menu);
+  clickMenu(*menu, halfALine);
+  EXPECT_TRUE(waitForText("pipe: -u"));
+}
+
+// Qt calls the program active while its menu is open; a hidden window that came back then would close it.
+TEST_F(XTray, MenuStaysOpenAndBringsBackTheHiddenSupportWindow) {
+  const auto isSupportWindow = test_support::windowNamed("Support Tovalin");
+  const auto chooseSupport = [this] {
+    clickIcon("1");
+    const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+    ASSERT_TRUE(menu);
+    clickMenu(*menu, menu->height - supportAboveEnd);
+  };
+  startTray();
+  launchAgent();
+  ASSERT_NO_FATAL_FAILURE(chooseSupport());
+  ASSERT_TRUE(test_support::waitForWindow(display_.name(), isSupportWindow));
+  ChildProcess program;
+  ASSERT_TRUE(program.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
+  const auto other = test_support::waitForWindow(display_.name(), test_support::windowNamed("High"));
+  ASSERT_TRUE(other);
+  for (int times = 0; times < 2; ++times) {
+    runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
+    ASSERT_TRUE(test_support::waitForNoWindow(display_.name(), isSupportWindow));
+    ASSERT_NO_FATAL_FAILURE(chooseSupport());
+    const auto back = test_support::waitForWindow(display_.name(), isSupportWindow);
+    ASSERT_TRUE(back);
+    ASSERT_TRUE(
+        test_support::waitUntil([&] { return test_support::activeWindowOn(display_.name()) == back->id; }));
+  }
+}
+
+// A line below it would be where the click goes.
+TEST_F(XTray, QuitIsTheLastLineAndEndsTheAgent) {
+  startTray();
+  launchAgent();
+  clickIcon("3");
+  const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+  ASSERT_TRUE(menu);
+  clickMenu(*menu, menu->height - halfALine);
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_EQ(count("pipe: -toff"), 1);
+  EXPECT_TRUE(test_support::waitForNoWindow(display_.name(), isAgents));
+}
+
+// The panel's tray: hosts on the bus come late, go and come back.
+class PanelTray : public AgentTest {};
+
+TEST_F(PanelTray, DocksInAHostThatStartsAfterTheAgent) {
+  launchAgent();
+  ASSERT_TRUE(host_.start(bus_));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+}
+
+// Managers of other selections announce themselves by the same message. An icon made then would stay with
+// the X screen for good.
+TEST_F(PanelTray, DocksInAHostThatStartsAfterAManagerOfSomethingElse) {
+  launchAgent();
+  {
+    const test_support::XConnection x(display_.name());
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = x.root();
+    message.type = x.atom("MANAGER");
+    ASSERT_NE(message.type, static_cast<xcb_atom_t>(XCB_ATOM_NONE));
+    message.data.data32[1] = XCB_ATOM_STRING;
+    xcb_send_event(x.get(), 0, x.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    x.synchronize();
+  }
+  ASSERT_TRUE(host_.start(bus_));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+}
+
+TEST_F(PanelTray, DocksOnceAHostIsThereAndNotBefore) {
+  ASSERT_TRUE(host_.start(bus_));
+  ASSERT_TRUE(host_.setHostRegistered(false));
+  launchAgent();
+  EXPECT_FALSE(host_.waitForEvent("registered", std::chrono::milliseconds(300)));
+  ASSERT_TRUE(host_.setHostRegistered(true));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+}
+
+TEST_F(PanelTray, DocksAgainInAHostThatIsStartedAgain) {
+  launchAgentInPanel();
+  host_.process().kill();
+  ASSERT_TRUE(host_.process().wait());
+  ASSERT_TRUE(host_.start(bus_));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+  EXPECT_EQ(host_.menu().front().label, "Automount Off");
+}
+
+TEST_F(PanelTray, ALeftClickOpensTheMenuToo) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.activate(10, 10));
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+}
+
+TEST_F(PanelTray, AHostOnTheBusIsPreferredToATrayOfTheScreen) {
+  ChildProcess tray;
+  ChildOptions options;
+  options.environment = environment_;
+  options.error = Redirection::null();
+  ASSERT_TRUE(tray.start({"trayer", "--edge", "bottom"}, options));
+  ASSERT_TRUE(test_support::waitForWindow(display_.name(), test_support::windowNamed("panel")));
+  launchAgentInPanel();
+  EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(300)));
+}
+
+TEST_F(PanelTray, TheIconTellsTheProgramsNames) {
+  launchAgentInPanel();
+  auto properties = host_.properties();
+  EXPECT_EQ(properties["Id"], "Tovalin");
+  EXPECT_EQ(properties["Title"], "Tovalin");
+  EXPECT_EQ(properties["ToolTip"], "Tovalin");
+  EXPECT_EQ(properties["Status"], "Active");
+}
+
+}  // namespace

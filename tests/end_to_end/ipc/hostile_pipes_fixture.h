@@ -1,0 +1,45 @@
+#pragma once
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/end_to_end/notices/notice_fixture.h"
+
+inline constexpr const char* commandPipe = "/tmp/KMPIPE";
+inline constexpr const char* planted = "/tmp/planted";
+
+inline mode_t modeOf(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+// What somebody has put at the paths of the pipes before the agent starts, and what becomes of the agent.
+class HostilePipes : public NoticeTest {
+ protected:
+  void SetUp() override {
+    NoticeTest::SetUp();
+    if (HasFatalFailure()) return;
+    // The time line listens at the command pipe; here it hears the log and the commands alone.
+    std::filesystem::remove_all(commandPipe);
+    std::filesystem::remove_all(planted);
+    install("/tmp/Applications/Tovalin.app");
+    ASSERT_TRUE(host_.start(bus_));
+  }
+  void TearDown() override {
+    NoticeTest::TearDown();
+    for (const char* path : {commandPipe, pipePath, planted}) std::filesystem::remove_all(path);
+  }
+
+  void start() {
+    startAgent();
+    ASSERT_TRUE(host_.waitForEvent("registered")) << agent_.takeErrorOutput();
+  }
+  // ... whose notification pipe is its own.
+  void startAndListen() {
+    start();
+    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
+  }
+};

@@ -1,0 +1,27 @@
+#include "tests/end_to_end/notices/notice_fixture.h"
+#include "tests/end_to_end/soak_fixture.h"
+
+namespace {
+
+class NoticeSoak : public SoakTest<NoticeTest> {
+ protected:
+  void showAndHideBoth(int pairs) {
+    for (int i = 0; i < pairs && !HasFatalFailure(); ++i) {
+      for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) send(message);
+      // The last thing that the main thread does for a pair: nothing is left waiting when the next one
+      // begins.
+      ASSERT_TRUE(waitForText("run: osascript"));
+      timeline_.clear();
+    }
+    ASSERT_TRUE(hides(isAccessNotice) && hides(isLoadingNotice));
+  }
+};
+
+TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
+  const int pairs = timesAsked("TOVALIN_SOAK_PAIRS", 200);
+  launch();
+  expectNoGrowth({.what = "pairs", .times = pairs, .warmUp = 100, .mostGrowth = 1024},
+                 [this](int times) { showAndHideBoth(times); });
+}
+
+}  // namespace

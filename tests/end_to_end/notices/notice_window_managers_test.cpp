@@ -1,0 +1,179 @@
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/end_to_end/notices/notice_fixture.h"
+#include "tests/harness/desktop/x_connection.h"
+
+namespace {
+
+using test_support::waitForWindow;
+using test_support::waitUntil;
+using test_support::XConnection;
+using testing::HasSubstr;
+
+using Command = std::vector<std::string>;
+
+bool isInstalled(const std::string& program) {
+  std::istringstream folders(std::getenv("PATH"));
+  for (std::string folder; std::getline(folders, folder, ':');) {
+    if (::access((folder + "/" + program).c_str(), X_OK) == 0) return true;
+  }
+  return false;
+}
+
+// A notice under each window manager that is installed.
+class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Command> {
+ protected:
+  void SetUp() override {
+    if (!isInstalled(GetParam()[0])) GTEST_SKIP() << GetParam()[0] << " is not installed";
+    NoticeTest::SetUp();
+    if (HasFatalFailure()) return;
+    ASSERT_TRUE(replaceWindowManager());
+    launch();
+    send("-non");
+    const auto window = waitForWindow(display_.name(), isAccessNotice);
+    ASSERT_TRUE(window);
+    notice_ = window->id;
+  }
+  void TearDown() override {
+    if (!IsSkipped()) NoticeTest::TearDown();
+  }
+
+  // Returns once the window manager has dealt with all that it was asked before: it shows another program's
+  // window.
+  void serveAll() {
+    test_support::ChildProcess program;
+    ASSERT_TRUE(program.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
+    ASSERT_TRUE(waitForWindow(display_.name(), test_support::windowNamed("High")));
+  }
+  void requestMaximum() {
+    const XConnection x(display_.name());
+    ask(x, notice_, "_NET_WM_STATE",
+        {1, x.atom("_NET_WM_STATE_MAXIMIZED_VERT"), x.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), 2});
+  }
+  void requestBareDesktop(bool bare) {
+    const XConnection x(display_.name());
+    ask(x, x.root(), "_NET_SHOWING_DESKTOP", {bare ? 1U : 0U, 0, 0, 0});
+  }
+  void requestMinimum() { runOnDisplay({"xdotool", "windowminimize", std::to_string(notice_)}); }
+  [[nodiscard]] bool noticeIsThere() {
+    return waitForWindow(display_.name(),
+                         [this](const test_support::XWindow& window) {
+                           return window.id == notice_ && window.height == 80 && isAccessNotice(window);
+                         })
+        .has_value();
+  }
+  void expectNoticeGoesAndAgentEnds() {
+    send("-noff");
+    EXPECT_TRUE(hides(isAccessNotice));
+    terminateAgent();
+  }
+
+  std::uint32_t notice_ = 0;
+
+ private:
+  static void ask(const XConnection& x, xcb_window_t window, const char* what,
+                  const std::array<std::uint32_t, 4>& numbers) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = x.atom(what);
+    std::ranges::copy(numbers, message.data.data32);
+    xcb_send_event(x.get(), 0, x.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message));
+    x.synchronize();
+  }
+  [[nodiscard]] bool replaceWindowManager() {
+    display_.windowManager() = test_support::ChildProcess();
+    const test_support::ChildOptions options{.environment = environment_,
+                                             .output = test_support::Redirection::null(),
+                                             .error = test_support::Redirection::null()};
+    if (!manager_.start(GetParam(), options)) return false;
+    const XConnection x(display_.name());
+    return waitUntil([&] {
+      const auto window = x.numberProperty(x.root(), "_NET_SUPPORTING_WM_CHECK");
+      return window && x.numberProperty(*window, "_NET_SUPPORTING_WM_CHECK") == window;
+    });
+  }
+
+  test_support::ChildProcess manager_;
+};
+
+TEST_P(NoticeUnder, RequestsToMinimiseMaximiseAndCloseLeaveItThere) {
+  requestMinimum();
+  serveAll();
+  EXPECT_TRUE(noticeIsThere());
+  requestMaximum();
+  test_support::requestClose(display_.name(), notice_);
+  serveAll();
+  EXPECT_TRUE(noticeIsThere());
+  expectNoticeGoesAndAgentEnds();
+}
+
+// kwin makes the window of another desktop an icon.
+TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnItsOwn) {
+  runOnDisplay({"xdotool", "set_num_desktops", "2"});
+  runOnDisplay({"xdotool", "set_desktop", "1"});
+  requestMinimum();
+  serveAll();
+  runOnDisplay({"xdotool", "set_desktop", "0"});
+  EXPECT_TRUE(noticeIsThere());
+  expectNoticeGoesAndAgentEnds();
+}
+
+TEST_P(NoticeUnder, MinimisedOnTheBareDesktopItIsBackAfterIt) {
+  requestBareDesktop(true);
+  requestMinimum();
+  requestBareDesktop(false);
+  serveAll();
+  EXPECT_TRUE(noticeIsThere());
+  expectNoticeGoesAndAgentEnds();
+}
+
+TEST_P(NoticeUnder, AsksForATitleAndMovingAlone) {
+  EXPECT_THAT(runOnDisplay({"xprop", "-id", std::to_string(notice_), "_MOTIF_WM_HINTS"}),
+              HasSubstr("= 0x3, 0x4, 0xa, 0x0, 0x0"));
+}
+
+std::string nameOf(const testing::TestParamInfo<Command>& info) {
+  return info.param[0];
+}
+
+INSTANTIATE_TEST_SUITE_P(Installed, NoticeUnder,
+                         testing::Values(Command{"openbox", "--sm-disable"},
+                                         Command{"xfwm4", "--compositor=off"},
+                                         Command{"marco", "--no-composite"}, Command{"kwin_x11"},
+                                         Command{"mutter", "--x11"}),
+                         nameOf);
+
+// On openbox, which calls the windows of another desktop icons, too.
+class NoticeOnDesktops : public NoticeTest {};
+
+TEST_F(NoticeOnDesktops, SwitchingDesktopsLeavesTheNoticeOnItsOwn) {
+  ASSERT_TRUE(host_.start(bus_));
+  launch();
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  runOnDisplay({"xdotool", "set_desktop", "1"});
+  ASSERT_TRUE(hides(isAccessNotice));
+  ASSERT_TRUE(host_.click("Automount Off"));
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_THAT(runOnDisplay({"xdotool", "get_desktop"}), HasSubstr("1"));
+  EXPECT_FALSE(waitForWindow(display_.name(), isAccessNotice, std::chrono::milliseconds(0)));
+  runOnDisplay({"xdotool", "set_desktop", "0"});
+  EXPECT_TRUE(shows(isAccessNotice));
+}
+
+}  // namespace

@@ -1,0 +1,30 @@
+#include "tests/end_to_end/soak_fixture.h"
+#include "tests/end_to_end/support/support_fixture.h"
+
+namespace {
+
+class SupportSoak : public SoakTest<SupportTest> {
+ protected:
+  void openAndClose(int times) {
+    for (int i = 0; i < times && !HasFatalFailure(); ++i) {
+      choose();
+      waitForSupportWindow();
+      clickAt(logMiddle);
+      ASSERT_TRUE(sheetIsUp());
+      press("Escape");
+      ASSERT_TRUE(sheetIsGone());
+      closeWindow();
+      timeline_.clear();
+      host_.clearEvents();
+    }
+  }
+};
+
+TEST_F(SupportSoak, OpeningAndClosingWithASheetCostsNoMemoryAndNoDescriptors) {
+  const int openings = timesAsked("TOVALIN_SOAK_OPENINGS", 30);
+  launchInPanel();
+  expectNoGrowth({.what = "openings", .times = openings, .warmUp = 20, .mostGrowth = 2048},
+                 [this](int times) { openAndClose(times); });
+}
+
+}  // namespace

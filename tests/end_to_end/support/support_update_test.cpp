@@ -1,0 +1,186 @@
+#include <gmock/gmock.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <cerrno>
+#include <fstream>
+
+#include "tests/end_to_end/support/support_fixture.h"
+#include "tests/harness/processes/file_contents.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* openUpdater = "run: open /tmp/tovalinupdate.app";
+
+// As long as it lives /tmp has room in the files that it holds, and for no other.
+class NoMoreFilesInTmp {
+ public:
+  NoMoreFilesInTmp() {
+    struct statvfs status {};
+    EXPECT_EQ(::statvfs("/tmp", &status), 0);
+    most_ = status.f_files;
+    setMost(status.f_files - status.f_ffree);
+  }
+  ~NoMoreFilesInTmp() { setMost(most_); }
+  NoMoreFilesInTmp(const NoMoreFilesInTmp&) = delete;
+  NoMoreFilesInTmp& operator=(const NoMoreFilesInTmp&) = delete;
+
+  [[nodiscard]] static bool bites() { return ::mkdir("/tmp/one more", 0700) == -1 && errno == ENOSPC; }
+
+ private:
+  static void setMost(fsfilcnt_t files) {
+    EXPECT_EQ(::mount("", "/tmp", "", MS_REMOUNT, ("nr_inodes=" + std::to_string(files)).c_str()), 0);
+  }
+
+  fsfilcnt_t most_ = 0;
+};
+
+// The Update button and what remains of the window after it.
+class SupportUpdate : public SupportTest {
+ protected:
+  void SetUp() override {
+    std::filesystem::remove_all("/tmp/tovalinupdate.app");
+    SupportTest::SetUp();
+  }
+  void update() {
+    launchAndOpen();
+    timeline_.clear();
+    clickAt(updateMiddle);
+    ASSERT_TRUE(waitForText(openUpdater));
+  }
+};
+
+TEST_F(SupportUpdate, CopiesTheUpdaterAndOpensTheCopy) {
+  update();
+  EXPECT_TRUE(std::filesystem::exists("/tmp/tovalinupdate.app/Contents/Info.plist"));
+}
+
+TEST_F(SupportUpdate, TellsSoSendsItsBeaconAndRunsBothCommandsInTheirOrder) {
+  std::filesystem::copy_file(TOVALIN_RECORDER, "/tmp/outside commands/cp",
+                             std::filesystem::copy_options::overwrite_existing);
+  timeline_.setStatus("cp", 1);
+  update();
+  EXPECT_TRUE(waitForClickBeacon("updatebtn"));
+  EXPECT_EQ(beaconsOf("updatebtn"), 1);
+  EXPECT_THAT(texts(), ElementsAre("log 6: -[nimbatrayAppDelegate updateBtnClick:] update button click!",
+                                   "run: cp -Rf " + bundle_ + "/Contents/Resources/tovalinupdate.app /tmp/",
+                                   openUpdater));
+  std::filesystem::remove("/tmp/outside commands/cp");
+}
+
+TEST_F(SupportUpdate, LeavesNothingWhereTheProductBringsNoUpdater) {
+  launchAndOpen();
+  std::filesystem::remove_all(bundle_ + "/Contents/Resources/tovalinupdate.app");
+  timeline_.clear();
+  clickAt(updateMiddle);
+  ASSERT_TRUE(waitForText(openUpdater));
+  EXPECT_FALSE(std::filesystem::exists("/tmp/tovalinupdate.app"));
+}
+
+TEST_F(SupportUpdate, CopiesOverItsOwnCopyFromBefore) {
+  std::filesystem::create_directories("/tmp/tovalinupdate.app/Contents");
+  std::ofstream("/tmp/tovalinupdate.app/Contents/Info.plist") << "old";
+  update();
+  EXPECT_THAT(test_support::contentsOf("/tmp/tovalinupdate.app/Contents/Info.plist"),
+              testing::Not(testing::HasSubstr("old")));
+}
+
+TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereAnothersFolderStands) {
+  std::filesystem::create_directories("/tmp/tovalinupdate.app");
+  std::filesystem::permissions("/tmp/tovalinupdate.app", std::filesystem::perms(0777));
+  launchAndOpen();
+  timeline_.clear();
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText("log 3: updater's folder is not this user's alone : /tmp/tovalinupdate.app"));
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(count(openUpdater), 0);
+  EXPECT_TRUE(std::filesystem::is_empty("/tmp/tovalinupdate.app"));
+}
+
+// Somebody else could put a folder there between the failure and the copy.
+TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereTheFolderCanNotBeMade) {
+  launchAndOpen();
+  timeline_.clear();
+  const NoMoreFilesInTmp full;
+  ASSERT_TRUE(full.bites());
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText("log 3: updater's folder can't be made. errno : 28"));
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(count("run: "), 0);
+}
+
+TEST_F(SupportUpdate, LeavesTheWindowInFrontAndServing) {
+  update();
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(supportWindows(), 1);
+  EXPECT_TRUE(becomesActive(window_.id));
+  // In front of the agent's windows, and not kept above those of other programs.
+  EXPECT_TRUE(test_support::waitForWindow(display_.name(), [](const test_support::XWindow& window) {
+    return isSupportWindow(window) && std::ranges::count(window.states, "_NET_WM_STATE_ABOVE") == 0;
+  }));
+  clickAt(faqMiddle);
+  EXPECT_TRUE(waitForText("run: open " + server_->origin() + "/support/tovalin/"));
+  EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]"), 0);
+}
+
+TEST_F(SupportUpdate, ChoosingTheWindowAgainOnlyFetchesAgain) {
+  update();
+  static_cast<void>(takeFetches());
+  choose();
+  ASSERT_TRUE(waitForClickBeacon("support"));
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_THAT(takeFetches(), ElementsAre(versionFile, bannerListFile));
+  EXPECT_EQ(supportWindows(), 1);
+}
+
+TEST_F(SupportUpdate, PressedTwiceRunsTwiceAndEndsNothingElse) {
+  update();
+  timeline_.clear();
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText(openUpdater));
+  EXPECT_EQ(supportWindows(), 1);
+  closeWindow();
+  terminateAgent();
+}
+
+TEST_F(SupportUpdate, TheWindowThatStayedClosesAndTheNextOneIsFresh) {
+  update();
+  closeWindow();
+  EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]"));
+  static_cast<void>(takeFetches());
+  openWindow();
+  EXPECT_EQ(takeFetches().size(), 4U);
+  closeWindow();
+}
+
+TEST_F(SupportUpdate, AFailedFetchLaterLeavesTheOpenWindowAlone) {
+  update();
+  server_.reset();
+  choose();
+  choose("Automount Off");
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_EQ(supportWindows(), 1);
+  timeline_.clear();
+  clickAt(updateMiddle);
+  EXPECT_TRUE(waitForText(openUpdater));
+}
+
+TEST_F(SupportUpdate, IsDisabledInAWindowThatOpensWithoutANetworkAfterOneWithAnUpdate) {
+  launchAndOpen();
+  closeWindow();
+  server_.reset();
+  openWindow();
+  timeline_.clear();
+  clickAt(updateMiddle);
+  clickAt(faqMiddle);
+  expectNothingRun();
+}
+
+}  // namespace

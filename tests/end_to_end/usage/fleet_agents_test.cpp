@@ -1,0 +1,168 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "tests/end_to_end/agent_test.h"
+#include "tests/end_to_end/usage/life_clock.h"
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/wait_until.h"
+#include "tests/harness/servers/product_server_double.h"
+#include "tools/fleet/agent_model.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test_support::contentsOf;
+using test_support::ProductServerDouble;
+using test_support::waitUntil;
+
+const std::string folder = "/tmp/home/.local/share/Tovalin";
+const std::string dayBefore = folder + "/Tovalin_2024_03_06.dat";
+const std::string newDay = folder + "/Tovalin_2024_03_07.dat";
+constexpr std::chrono::sys_days launchDay = std::chrono::year(2024) / 3 / 6;
+
+// When the model of the tool `fleet` uploads, launched at that time and awake from then on.
+class FirstUpload : public fleet::Events {
+ public:
+  explicit FirstUpload(LifeClock::Time launch, std::vector<fleet::Nap> naps = {}) {
+    fleet::Random random(1);
+    fleet::AgentModel model(0, random, *this);
+    model.run({(launch - launchDay).count(), 2 * fleet::day, std::move(naps)});
+  }
+  void launch(fleet::Seconds /*time*/) override {}
+  void upload(fleet::Seconds time, int /*files*/) override {
+    if (!time_) time_ = launchDay + std::chrono::seconds(time);
+  }
+  [[nodiscard]] LifeClock::Time time() const { return time_.value(); }
+
+ private:
+  std::optional<LifeClock::Time> time_;
+};
+
+// The time in the start record, which is written right before the timer is made.
+LifeClock::Time launchTime() {
+  const std::string bytes = contentsOf(dayBefore);
+  const std::string time = bytes.substr(bytes.find(startRecord) + startRecord.size() + 11, 8);
+  const auto number = [&](std::size_t place) { return std::stoi(time.substr(place, 2)); };
+  return launchDay + std::chrono::hours(number(0)) + std::chrono::minutes(number(3)) +
+         std::chrono::seconds(number(6));
+}
+
+bool isLaunched() {
+  return waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; });
+}
+
+// One installation at a time, on a clock that is put forward to just before the ticks that matter. Its
+// parameter is the second of the minute at which the agent is started.
+class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
+ protected:
+  void SetUp() override {
+    AgentTest::SetUp();
+    if (HasFatalFailure()) return;
+    ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
+    install("/tmp/Applications/Tovalin.app");
+    setServers(server_.origin());
+    for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
+  }
+
+  // Ticks that were passed over come as one right behind the tick before this one, which has nothing to do.
+  void forwardToJustBefore(LifeClock::Time tick) {
+    for (const auto before : {58s, 2s}) {
+      clock_.forwardTo(tick - before);
+      // The first question ends the agent's wait, whose length was reckoned before; the second is answered
+      // once all is done that was due.
+      ASSERT_TRUE(host_.ask("properties").ok && host_.ask("properties").ok);
+    }
+  }
+
+  // Whether the file of the day before is sent at that tick and not before it.
+  [[nodiscard]] bool uploadsAt(LifeClock::Time tick) {
+    forwardToJustBefore(tick);
+    if (uploads() > 0 && clock_.now() < tick) ADD_FAILURE() << "uploaded too early";
+    return waitUntil([&] { return uploads() > 0 || clock_.now() > tick + 30s; }) && uploads() > 0;
+  }
+  [[nodiscard]] long uploads() const {
+    return std::ranges::count(server_.requests(), "POST", &test_support::ServedRequest::method);
+  }
+
+  LifeClock clock_{launchDay + 23h + 50min + std::chrono::seconds(GetParam())};
+  ProductServerDouble server_;
+};
+
+TEST_P(FleetAgent, UploadsAtTheSecondThatTheModelSays) {
+  clock_.processStarts();
+  launchAgentInPanel();
+  ASSERT_TRUE(isLaunched());
+  const LifeClock::Time launch = launchTime();
+  const LifeClock::Time midnight = launchDay + std::chrono::days(1);
+  LifeClock::Time change = launch;
+  while (change < midnight) change += 60s;
+
+  ASSERT_NO_FATAL_FAILURE(forwardToJustBefore(change));
+  ASSERT_FALSE(fs::exists(newDay));
+  ASSERT_TRUE(waitUntil([] { return fs::exists(newDay); }));
+
+  LifeClock::Time said = FirstUpload(launch).time();
+  // Where the launch was at the end of its second, ticks may show the next one.
+  if (!uploadsAt(said)) said = FirstUpload(launch + 1s).time();
+  EXPECT_TRUE(uploadsAt(said));
+}
+
+INSTANTIATE_TEST_SUITE_P(Launches, FleetAgent, testing::Values(2, 13, 25, 38, 47));
+
+// An agent whose machine sleeps: the wall clock goes on without the clock of its timer.
+class SleepingAgent : public AgentTest {
+ protected:
+  using Wall = std::chrono::sys_time<std::chrono::duration<double>>;
+
+  void SetUp() override {
+    AgentTest::SetUp();
+    if (HasFatalFailure()) return;
+    install("/tmp/Applications/Tovalin.app");
+    setServers(server_.origin());
+    environment_["LD_PRELOAD"] = TOVALIN_FAKETIME;
+    environment_["FAKETIME_TIMESTAMP_FILE"] = file;
+    environment_["FAKETIME_NO_CACHE"] = "1";
+    environment_["FAKETIME_DONT_FAKE_MONOTONIC"] = "1";
+  }
+
+  void setWall(Wall time) {
+    ahead_ = time - std::chrono::system_clock::now();
+    const std::string draft = std::string(file) + ".new";
+    std::ofstream(draft) << std::showpos << std::fixed << ahead_.count() << '\n';
+    fs::rename(draft, file);
+  }
+  [[nodiscard]] Wall wall() const { return std::chrono::system_clock::now() + ahead_; }
+
+  static constexpr const char* file = "/tmp/wall.clock";
+
+  std::chrono::duration<double> ahead_{};
+  ProductServerDouble server_;
+};
+
+TEST_F(SleepingAgent, UploadsAtTheSecondThatTheModelSays) {
+  setWall(launchDay + 23h + 50min + 10s);
+  launchAgentInPanel();
+  ASSERT_TRUE(isLaunched());
+  const LifeClock::Time launch = launchTime();
+  // The first tick comes a minute of the timer's clock after the launch. After this sleep it shows a minute
+  // and a second of the same number, at about the second's middle.
+  const LifeClock::Time tick = launchDay + 24h + 6h + 17min + 17s;
+  const auto asleep = tick - (launch + 60s);
+  setWall(Wall(launch + asleep) + 400ms);
+  const fleet::Seconds from = (launch - launchDay).count() + 5;
+  ASSERT_EQ(FirstUpload(launch, {{from, from + asleep.count()}}).time(), tick);
+
+  ASSERT_TRUE(waitUntil([&] { return server_.requests().size() > 1 || wall() > tick + 30s; }, 120s));
+  EXPECT_GE(wall(), tick);
+  EXPECT_LE(wall(), tick + 10s);
+  EXPECT_TRUE(server_.waitForRequests("POST", 1));
+}
+
+}  // namespace

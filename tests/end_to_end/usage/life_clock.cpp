@@ -1,0 +1,58 @@
+#include "tests/end_to_end/usage/life_clock.h"
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+constexpr const char* kFile = "/tmp/life.clock";
+
+std::string textOf(LifeClock::Time time) {
+  const std::time_t seconds = LifeClock::Time::clock::to_time_t(time);
+  std::tm parts{};
+  ::gmtime_r(&seconds, &parts);
+  std::string text(40, '\0');
+  text.resize(std::strftime(text.data(), text.size(), "@%Y-%m-%d %H:%M:%S", &parts));
+  return text + " x" + std::to_string(LifeClock::rate) + "\n";
+}
+
+}  // namespace
+
+LifeClock::LifeClock(Time begin) : time_(begin) {
+  put(begin);
+}
+
+std::map<std::string, std::optional<std::string>> LifeClock::environment() {
+  return {{"LD_PRELOAD", TOVALIN_FAKETIME}, {"FAKETIME_TIMESTAMP_FILE", kFile}, {"FAKETIME_NO_CACHE", "1"}};
+}
+
+LifeClock::Time LifeClock::now() const {
+  const std::lock_guard lock(mutex_);
+  return current();
+}
+
+LifeClock::Time LifeClock::current() const {
+  const auto passed = std::chrono::steady_clock::now() - putAt_;
+  return time_ + std::chrono::floor<std::chrono::seconds>(passed * rate);
+}
+
+void LifeClock::forward(std::chrono::seconds by) {
+  const std::lock_guard lock(mutex_);
+  put(current() + by);
+}
+
+void LifeClock::forwardTo(Time time) {
+  const std::lock_guard lock(mutex_);
+  if (time > current()) put(time);
+}
+
+// The process takes what is written for the time at which it reads it first, so it must never read half of
+// it.
+void LifeClock::put(Time time) {
+  const std::string draft = std::string(kFile) + ".new";
+  std::ofstream(draft) << textOf(time);
+  std::filesystem::rename(draft, kFile);
+  time_ = time;
+  putAt_ = std::chrono::steady_clock::now();
+}

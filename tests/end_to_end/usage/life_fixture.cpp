@@ -1,0 +1,381 @@
+#include "tests/end_to_end/usage/life_fixture.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+
+#include "tests/end_to_end/ipc/pipe_away.h"
+#include "tests/end_to_end/support/support_log_fixture.h"
+#include "tests/harness/processes/file_contents.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test_support::contentsOf;
+using test_support::ExitStatus;
+using test_support::waitUntil;
+
+const std::string kFolder = "/tmp/home/.local/share/Tovalin";
+constexpr const char* kDesktop = "/tmp/home/Desktop";
+
+std::string fileNameOf(std::chrono::sys_days day) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(day);
+  std::tm parts{};
+  ::gmtime_r(&seconds, &parts);
+  std::string name(30, '\0');
+  name.resize(std::strftime(name.data(), name.size(), "Tovalin_%Y_%m_%d.dat", &parts));
+  return name;
+}
+
+}  // namespace
+
+unsigned LifeTest::seed() {
+  static const char* const asked = std::getenv("TOVALIN_SOAK_SEED");
+  static const unsigned chosen =
+      asked != nullptr && *asked != '\0' ? static_cast<unsigned>(std::atoi(asked)) : std::random_device()();
+  return chosen;
+}
+
+void LifeTest::SetUp() {
+  std::printf("seed %u\n", seed());
+  SupportTest::SetUp();
+  if (HasFatalFailure()) return;
+  ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
+  // A second Escape would close the window behind the sheet.
+  ASSERT_TRUE(test_support::stopKeyRepeat(display_.name()));
+  ASSERT_TRUE(portal_.start(bus_, "2"));
+  placeScript("journalctl", std::string("echo '") + systemEntry + "'");
+  setServers(server_->origin(), uploads_.testServer());
+  server_->judgeUploads([this](const auto& request) { return uploads_.judge(request); });
+  for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
+}
+
+void LifeTest::beginLife() {
+  if (below(2) == 0) clock_.forward(24h);
+  fs::create_directories(kFolder);
+  std::ofstream(kFolder + "/TovalinServerOption.txt") << below(2);
+  const std::size_t past = pastFiles().size(), before = uploads_.arrived();
+  host_.clearEvents();
+  clock_.processStarts();
+  launchInPanel();
+  ++written_["start"];
+  automount_ = true;
+  ASSERT_NO_FATAL_FAILURE(waitForUploads(before, past));
+  ASSERT_NO_FATAL_FAILURE(waitUntilIdle());
+}
+
+void LifeTest::endByMenu() {
+  choose("Quit Tovalin");
+  ASSERT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  written_["end"] += 2;
+}
+
+void LifeTest::endBySignal() {
+  terminateAgent();
+  ++written_["end"];
+}
+
+void LifeTest::endByForce() {
+  agent_.kill();
+  ASSERT_TRUE(agent_.wait());
+}
+
+const std::vector<LifeTest::Act>& LifeTest::everyAct() {
+  static const std::vector<Act> all = {
+      {"record", 30, &LifeTest::record},
+      {"message without record", 5, &LifeTest::recordNothing},
+      {"access notice", 8, &LifeTest::showAccessNotice},
+      {"loading notice", 8, &LifeTest::showLoadingNotice},
+      {"both notices", 5, &LifeTest::showBothNotices},
+      {"both notices crosswise", 5, &LifeTest::showBothCrosswise},
+      {"notice twice", 4, &LifeTest::showTwice},
+      {"switch", 6, &LifeTest::useSwitch},
+      {"switch without reader", 3, &LifeTest::useSwitchWithoutReader},
+      {"switch without pipe", 3, &LifeTest::useSwitchWithoutPipe},
+      {"support window", 4, &LifeTest::lookAtSupport},
+      {"support window offline", 3, &LifeTest::lookAtSupportOffline},
+      {"support window with sheet", 3, &LifeTest::openSheet},
+      {"logs collected", 2, &LifeTest::collectLogs},
+      {"update", 3, &LifeTest::update},
+      {"notice over support window", 3, &LifeTest::showNoticeOverSupport},
+      {"support window over notice", 3, &LifeTest::openSupportOverNotice},
+      {"appearance", 8, &LifeTest::flipAppearance},
+      {"tray host", 3, &LifeTest::restartHost},
+      {"midnight", 3, &LifeTest::passMidnight},
+  };
+  return all;
+}
+
+void LifeTest::act() {
+  int weights = 0;
+  for (const Act& each : everyAct()) weights += each.weight;
+  int drawn = static_cast<int>(below(static_cast<unsigned>(weights)));
+  for (const Act& each : everyAct()) {
+    drawn -= each.weight;
+    if (drawn < 0) return play(each);
+  }
+}
+
+void LifeTest::actOutAll() {
+  for (const Act& each : everyAct()) {
+    if (!HasFatalFailure()) play(each);
+  }
+}
+
+void LifeTest::play(const Act& act) {
+  SCOPED_TRACE(std::string(act.name) + ", seed " + std::to_string(seed()));
+  timeline_.clear();
+  host_.clearEvents();
+  static_cast<void>(agent_.takeOutput() + agent_.takeErrorOutput());
+  ++acts_[act.name];
+  (this->*act.play)();
+  if (HasFatalFailure()) {
+    ADD_FAILURE() << "the act failed" << agentsState() << windowsState();
+    return;
+  }
+  waitUntilIdle();
+}
+
+void LifeTest::showEverything() {
+  showBothNotices();
+  lookAtSupport();
+  for (int i = 0; i < 2; ++i) flipAppearance();
+  waitUntilIdle();
+}
+
+void LifeTest::sendRecord() {
+  const LifeMessage message = messages_.next();
+  send(message.bytes);
+  for (const std::string& each : message.records) ++written_[each];
+}
+
+void LifeTest::record() {
+  for (unsigned left = 1 + below(5); left > 0 && !HasFatalFailure(); --left) sendRecord();
+}
+
+void LifeTest::recordNothing() {
+  send(messages_.nextWithoutRecord().bytes);
+  send("-nothing");
+}
+
+void LifeTest::showAccessNotice() {
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+}
+
+void LifeTest::showLoadingNotice() {
+  send("-neon");
+  ASSERT_TRUE(shows(isLoadingNotice));
+  send("-neoff");
+  ASSERT_TRUE(hides(isLoadingNotice));
+  ASSERT_TRUE(waitForText("run: osascript"));
+}
+
+void LifeTest::showBothNotices() {
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  ASSERT_NO_FATAL_FAILURE(showLoadingNotice());
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+}
+
+void LifeTest::showBothCrosswise() {
+  send("-neon");
+  send("-non");
+  ASSERT_TRUE(shows(isLoadingNotice) && shows(isAccessNotice));
+  send("-neoff");
+  ASSERT_TRUE(hides(isLoadingNotice));
+  ASSERT_TRUE(shows(isAccessNotice));
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+}
+
+void LifeTest::showTwice() {
+  for (const char* message : {"-non", "-non"}) send(message);
+  ASSERT_TRUE(shows(isAccessNotice));
+  for (const char* message : {"-noff", "-noff"}) send(message);
+  ASSERT_TRUE(hides(isAccessNotice));
+}
+
+void LifeTest::flipSwitch() {
+  ASSERT_NO_FATAL_FAILURE(choose(automount_ ? "Automount Off" : "Automount On"));
+  automount_ = !automount_;
+  const char* const next = automount_ ? "Automount Off" : "Automount On";
+  ASSERT_TRUE(waitUntil([&] { return host_.menu().front().label == next; }));
+}
+
+void LifeTest::useSwitch() {
+  ASSERT_NO_FATAL_FAILURE(flipSwitch());
+  ASSERT_TRUE(waitForText(automount_ ? "pipe: -m" : "pipe: -u"));
+}
+
+void LifeTest::useSwitchWithoutReader() {
+  const PipeAway away;
+  ASSERT_TRUE(PipeAway::putUnread());
+  flipSwitch();
+  waitUntilIdle();
+}
+
+void LifeTest::useSwitchWithoutPipe() {
+  const PipeAway away;
+  flipSwitch();
+  waitUntilIdle();
+}
+
+void LifeTest::lookAtSupport() {
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  closeWindow();
+}
+
+void LifeTest::lookAtSupportOffline() {
+  server_->holdFilesBack(true);
+  lookAtSupport();
+  waitUntilIdle();
+  server_->holdFilesBack(false);
+}
+
+void LifeTest::openSheet() {
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  clickAt(logMiddle);
+  ASSERT_TRUE(sheetIsUp());
+  press("Escape");
+  ASSERT_TRUE(sheetIsGone());
+  closeWindow();
+}
+
+void LifeTest::collectLogs() {
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  ASSERT_NO_FATAL_FAILURE(collect());
+  press("Escape");
+  ASSERT_TRUE(sheetIsGone());
+  closeWindow();
+  ASSERT_EQ(inFolder(kDesktop, "tovalinlog_").size(), 1U);
+  fs::remove_all(kDesktop);
+  for (const fs::path& folder : inFolder("/tmp", "tovalinlog_")) fs::remove_all(folder);
+}
+
+// The button is there unless the version could not be had in the agent's short seconds.
+void LifeTest::update() {
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  clickAt(updateMiddle);
+  if (timeline_.waitFor("run: open /tmp/tovalinupdate.app", 5s)) {
+    ++updates_;
+    ASSERT_NO_FATAL_FAILURE(choose());
+    waitUntilIdle();
+  }
+  closeWindow();
+}
+
+void LifeTest::showNoticeOverSupport() {
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  ASSERT_NO_FATAL_FAILURE(showAccessNotice());
+  closeWindow();
+}
+
+// The notice's end stops the run of the window that was opened last.
+void LifeTest::openSupportOverNotice() {
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  ASSERT_NO_FATAL_FAILURE(openWindow());
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+  closeWindow();
+}
+
+void LifeTest::flipAppearance() {
+  dark_ = !dark_;
+  ASSERT_TRUE(portal_.set(dark_ ? "1" : "2"));
+  ASSERT_TRUE(host_.waitForEvent("NewIcon"));
+}
+
+void LifeTest::restartHost() {
+  host_.process().kill();
+  ASSERT_TRUE(host_.process().wait());
+  record();
+  ASSERT_TRUE(host_.start(bus_));
+  ASSERT_TRUE(host_.waitForEvent("registered"));
+}
+
+// Records before, at and after it, then on until the minute of the day's uploads, which comes once an hour
+// and may be the first of the day. A step may pass over it, so some hours are tried, in uneven steps. An
+// upload may lose one of these steps of what it waits for an answer, so they are short.
+void LifeTest::passMidnight() {
+  const std::size_t past = usageFiles().size(), before = uploads_.arrived();
+  const auto midnight = clock_.today() + std::chrono::days(1);
+  clock_.forwardTo(midnight - 3s);
+  while (clock_.now() < midnight + 4s && !HasFatalFailure()) sendRecord();
+  for (int step = 0; step < 1600 && uploads_.arrived() == before && !HasFatalFailure(); ++step) {
+    clock_.forward(std::chrono::seconds(13 + below(10)));
+    if (below(20) == 0) sendRecord();
+    waitUntilIdle();
+  }
+  if (HasFatalFailure()) return;
+  ASSERT_NO_FATAL_FAILURE(waitForUploads(before, past));
+}
+
+// Of that many past files, of which those that are taken go.
+void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
+  ASSERT_TRUE(waitUntil([&] { return uploads_.arrived() >= before + past; }, 60s))
+      << uploads_.arrived() - before << " of " << past << " files were sent to server " << serverOption()
+      << agentsState();
+  ASSERT_TRUE(waitUntil([&] { return uploads_.complaints(pastFiles()).empty(); }))
+      << testing::PrintToString(uploads_.complaints(pastFiles()));
+}
+
+// The main thread answers, so it has done all that it was asked before, but for what the menu's last line
+// begins. It may be among uploads.
+void LifeTest::waitUntilIdle() {
+  const auto answer = host_.ask("properties", 60s);
+  ASSERT_TRUE(answer.ok) << answer.text << ", after " << uploads_.arrived() << " uploads" << agentsState();
+}
+
+std::string LifeTest::serverOption() {
+  return contentsOf(kFolder + "/TovalinServerOption.txt");
+}
+
+std::string LifeTest::agentsState() {
+  if (!agent_.running()) {
+    const auto status = agent_.wait();
+    return "\nthe agent has ended, " +
+           (status->signal ? "signal " + std::to_string(*status->signal)
+                           : "status " + std::to_string(*status->code)) +
+           "; its last words:\n" + agent_.takeErrorOutput();
+  }
+  std::string state = "\nits threads and the calls they wait in:\n";
+  const fs::path tasks = "/proc/" + std::to_string(agent_.pid()) + "/task";
+  for (const auto& task : fs::directory_iterator(tasks))
+    state += contentsOf(task.path() / "comm") + contentsOf(task.path() / "syscall");
+  // What waits in the queues shows who does not read or write.
+  state += "connections:\n" + contentsOf(tasks.parent_path() / "net/tcp");
+  return state + "server " + serverOption() + ", the agent's last words:\n" + agent_.takeErrorOutput();
+}
+
+std::string LifeTest::windowsState() {
+  return "\nthe windows, hidden ones too:\n" + runOnDisplay({"xwininfo", "-root", "-tree"}) +
+         runOnDisplay({"xprop", "-root", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST_STACKING"}) +
+         "the keyboard goes to " + runOnDisplay({"xdotool", "getwindowfocus"});
+}
+
+RecordCounts LifeTest::recordsLeft() {
+  RecordCounts counts;
+  for (const fs::path& file : usageFiles())
+    EXPECT_TRUE(countRecords(contentsOf(file), counts))
+        << file << " is damaged or holds another day's record";
+  return counts;
+}
+
+std::set<std::string> LifeTest::pastFiles() const {
+  std::set<std::string> files;
+  for (const fs::path& file : usageFiles()) {
+    if (file.filename() != fileNameOf(clock_.today())) files.insert(contentsOf(file));
+  }
+  return files;
+}
+
+long LifeTest::threads() const {
+  const fs::directory_iterator all("/proc/" + std::to_string(agent_.pid()) + "/task");
+  return std::distance(begin(all), end(all));
+}

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <iterator>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "tests/end_to_end/support/support_fixture.h"
+#include "tests/end_to_end/usage/life_clock.h"
+#include "tests/end_to_end/usage/life_records.h"
+#include "tests/end_to_end/usage/life_uploads.h"
+#include "tests/harness/processes/process_children.h"
+
+// Leads the real agent through all that a life has, in an order that comes from a seed. Each act ends when
+// the agent is done with it.
+class LifeTest : public SupportTest {
+ protected:
+  void SetUp() override;
+
+  // Launches the agent, sometimes on another day, and waits for the uploads of its launch.
+  void beginLife();
+  void endByMenu();
+  void endBySignal();
+  void endByForce();
+
+  // One of the acts below.
+  void act();
+  // All of them, in an order that reaches whatever the agent keeps for good.
+  void actOutAll();
+  // What takes all the pictures that the agent has.
+  void showEverything();
+
+  [[nodiscard]] const std::map<std::string_view, int>& acts() const { return acts_; }
+  // In how many of the acts that update the updater was opened.
+  [[nodiscard]] int updates() const { return updates_; }
+  [[nodiscard]] const RecordCounts& written() const { return written_; }
+  [[nodiscard]] const LifeUploads& uploads() const { return uploads_; }
+  // The records in the files that are still there; a damaged file fails the test.
+  [[nodiscard]] static RecordCounts recordsLeft();
+  // The contents of those of them that are of past days.
+  [[nodiscard]] std::set<std::string> pastFiles() const;
+
+  [[nodiscard]] long threads() const;
+  [[nodiscard]] long children() const { return std::ssize(test_support::childrenOf(agent_.pid())); }
+  [[nodiscard]] long displaysMemory() { return ownMemoryInKilobytes(display_.server().pid()); }
+
+ private:
+  struct Act {
+    std::string_view name;
+    int weight;
+    void (LifeTest::*play)();
+  };
+  static const std::vector<Act>& everyAct();
+  void play(const Act& act);
+
+  void record();
+  void recordNothing();
+  void showAccessNotice();
+  void showLoadingNotice();
+  void showBothNotices();
+  void showBothCrosswise();
+  void showTwice();
+  void useSwitch();
+  void useSwitchWithoutReader();
+  void useSwitchWithoutPipe();
+  void lookAtSupport();
+  void lookAtSupportOffline();
+  void openSheet();
+  void collectLogs();
+  void update();
+  void showNoticeOverSupport();
+  void openSupportOverNotice();
+  void flipAppearance();
+  void restartHost();
+  void passMidnight();
+
+  void flipSwitch();
+  void sendRecord();
+  void waitForUploads(std::size_t before, std::size_t past);
+  void waitUntilIdle();
+  // What is to be known of an agent that does not answer.
+  [[nodiscard]] std::string agentsState();
+  // Which of them is above which, and has the keyboard.
+  [[nodiscard]] std::string windowsState();
+  [[nodiscard]] static std::string serverOption();
+  [[nodiscard]] unsigned below(unsigned end) { return static_cast<unsigned>(random_()) % end; }
+
+  static unsigned seed();
+
+  std::mt19937 random_{seed()};
+  LifeClock clock_{std::chrono::sys_days(std::chrono::year(2024) / 3 / 6) + std::chrono::hours(8)};
+  LifeMessages messages_{random_};
+  LifeUploads uploads_{seed(), [this] { clock_.forward(std::chrono::seconds(20)); }};
+  RecordCounts written_;
+  std::map<std::string_view, int> acts_;
+  int updates_ = 0;
+  bool automount_ = true;
+  bool dark_ = false;
+};

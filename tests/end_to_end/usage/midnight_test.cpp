@@ -1,0 +1,77 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "tests/end_to_end/agent_test.h"
+#include "tests/end_to_end/usage/life_clock.h"
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/wait_until.h"
+#include "tests/harness/servers/product_server_double.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using test_support::contentsOf;
+using test_support::ProductServerDouble;
+using test_support::waitUntil;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string folder = "/tmp/home/.local/share/Tovalin";
+const std::string dayBefore = folder + "/Tovalin_2024_03_06.dat";
+const std::string newDay = folder + "/Tovalin_2024_03_07.dat";
+
+// An agent whose clock is put forward, from half an hour before midnight.
+class Midnight : public AgentTest {
+ protected:
+  void SetUp() override {
+    AgentTest::SetUp();
+    if (HasFatalFailure()) return;
+    ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
+    install("/tmp/Applications/Tovalin.app");
+    setServers(server_.origin(), testServer_.origin());
+    for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
+  }
+
+  // In steps of less time than an upload waits for its answer.
+  [[nodiscard]] bool comesTrueWithin(std::chrono::hours time, const std::function<bool()>& predicate) {
+    const auto end = clock_.now() + time;
+    while (!predicate() && clock_.now() < end) {
+      clock_.forward(20s);
+      if (!takesTheTimeIn()) return false;
+    }
+    return predicate();
+  }
+
+  LifeClock clock_{std::chrono::sys_days(std::chrono::year(2024) / 3 / 6) + 23h + 30min};
+  ProductServerDouble server_;
+  ProductServerDouble testServer_;
+
+ private:
+  // The first question ends the agent's wait, whose length was reckoned before; the second is answered once
+  // all is done that was due, the upload too.
+  [[nodiscard]] bool takesTheTimeIn() { return host_.ask("properties").ok && host_.ask("properties").ok; }
+};
+
+TEST_F(Midnight, MakesTheNewDaysFileAndUploadsTheDayBefore) {
+  clock_.processStarts();
+  launchAgentInPanel();
+  ASSERT_TRUE(waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; }));
+  const std::string recorded = contentsOf(dayBefore);
+
+  ASSERT_TRUE(comesTrueWithin(1h, [] { return !contentsOf(newDay).empty(); }));
+  // A step may pass over the minute of the upload, which then comes again an hour later.
+  EXPECT_TRUE(comesTrueWithin(3h, [] { return !fs::exists(dayBefore); }));
+
+  EXPECT_THAT(contentsOf(newDay), StartsWith("TVLD2024-03-07"));
+  std::vector<std::string> uploads;
+  for (const auto& request : server_.requests()) {
+    if (request.method == "POST") uploads.push_back(request.body);
+  }
+  EXPECT_THAT(uploads, testing::ElementsAre(HasSubstr(recorded)));
+  EXPECT_THAT(testServer_.requests(), testing::IsEmpty());
+}
+
+}  // namespace

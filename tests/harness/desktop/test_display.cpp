@@ -1,0 +1,139 @@
+#include "tests/harness/desktop/test_display.h"
+
+#include <utility>
+
+#include "tests/harness/desktop/window_manager.h"
+#include "tests/harness/desktop/x_connection.h"
+#include "tests/harness/processes/wait_until.h"
+
+namespace test_support {
+namespace {
+
+std::vector<std::string> serverCommand(const DisplayOptions& options) {
+  const std::string screen = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
+  std::vector<std::string> command{"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-screen", "0", screen};
+  if (options.dpi) command.insert(command.end(), {"-dpi", std::to_string(*options.dpi)});
+  return command;
+}
+
+// Where desktops put the user's choice of a resolution; toolkits look here before they ask the server.
+void setFontResolution(const std::string& name, int dpi) {
+  const XConnection display(name);
+  const std::string resource = "Xft.dpi:\t" + std::to_string(dpi) + "\n";
+  xcb_change_property(display.get(), XCB_PROP_MODE_REPLACE, display.root(), XCB_ATOM_RESOURCE_MANAGER,
+                      XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(resource.size()), resource.c_str());
+  display.synchronize();
+}
+
+std::string geometryText(const Monitor& monitor) {
+  const auto length = [](int pixels) {
+    const int millimetres = pixels * 254 / 960;
+    return std::to_string(pixels) + "/" + std::to_string(millimetres);
+  };
+  return length(monitor.width) + "x" + length(monitor.height) + "+" + std::to_string(monitor.x) + "+" +
+         std::to_string(monitor.y);
+}
+
+// A property of the root window that lasts until the server resets; no program here uses it otherwise.
+constexpr xcb_atom_t inUse = XCB_ATOM_CUT_BUFFER7;
+constexpr const char* inUseName = "CUT_BUFFER7";
+// A test may leave a program behind; a new server is cheaper than to wait for its end.
+constexpr std::chrono::seconds resetLimit{2};
+
+// The server that the last display left behind.
+struct IdleServer {
+  std::vector<std::string> command;
+  std::string name;
+  ChildProcess process;
+};
+IdleServer& idleServer() {
+  static IdleServer server;
+  return server;
+}
+
+// Returns the first client of the server's new generation, or nullptr if the clients of the last one stay.
+std::unique_ptr<XConnection> clientAfterReset(const std::string& display) {
+  std::unique_ptr<XConnection> client;
+  const bool isReset = waitUntil(
+      [&] {
+        client = nullptr;
+        client = std::make_unique<XConnection>(display);
+        return !client->valid() || !client->numberProperty(client->root(), inUseName);
+      },
+      resetLimit);
+  return isReset && client->valid() ? std::move(client) : nullptr;
+}
+
+void markInUse(const XConnection& client) {
+  const std::uint32_t value = 1;
+  xcb_change_property(client.get(), XCB_PROP_MODE_REPLACE, client.root(), inUse, XCB_ATOM_CARDINAL, 32, 1,
+                      &value);
+  client.synchronize();
+}
+
+}  // namespace
+
+TestDisplay::~TestDisplay() {
+  windowManager_ = ChildProcess();
+  client_ = nullptr;
+  if (server_.running()) idleServer() = {std::move(command_), std::move(name_), std::move(server_)};
+}
+
+bool TestDisplay::startServer(const DisplayOptions& options) {
+  command_ = serverCommand(options);
+  IdleServer idle = std::exchange(idleServer(), {});
+  if (idle.command == command_ && idle.process.running()) client_ = clientAfterReset(idle.name);
+  if (client_) {
+    server_ = std::move(idle.process);
+    name_ = std::move(idle.name);
+  } else {
+    if (!server_.start(command_, {.error = Redirection::null()})) return false;
+    const std::optional<std::string> number = server_.readLine();
+    if (!number || number->empty()) return false;
+    name_ = ":" + *number;
+    client_ = std::make_unique<XConnection>(name_);
+  }
+  markInUse(*client_);
+  return client_->valid();
+}
+
+bool TestDisplay::start(const DisplayOptions& options) {
+  stop();
+  if (!startServer(options)) return false;
+  if (options.dpi) setFontResolution(name_, *options.dpi);
+  return divide(options.monitors) && (!options.windowManager || startWindowManager());
+}
+
+bool TestDisplay::divide(const std::vector<Monitor>& monitors) const {
+  // The first takes the server's only output away from the monitor that covers the display.
+  std::string output = "screen";
+  for (const Monitor& monitor : monitors) {
+    ChildProcess xrandr;
+    const bool started =
+        xrandr.start({"xrandr", "--display", name_, "--setmonitor", "at" + std::to_string(monitor.x),
+                      geometryText(monitor), std::exchange(output, "none")});
+    if (!started || xrandr.wait() != ExitStatus{.code = 0}) return false;
+  }
+  return true;
+}
+
+bool TestDisplay::startWindowManager() {
+  const ChildOptions options{
+      .environment = {{"DISPLAY", name_}}, .output = Redirection::null(), .error = Redirection::null()};
+  return windowManager_.start({"openbox", "--sm-disable"}, options) && waitForWindowManager(name_);
+}
+
+void TestDisplay::stop() {
+  client_ = nullptr;
+  server_ = ChildProcess();
+  windowManager_ = ChildProcess();
+}
+
+bool TestDisplay::screenshot(const std::string& path) const {
+  ChildProcess picture;
+  return picture.start({"import", "-display", name_, "-window", "root", path},
+                       {.error = Redirection::null()}) &&
+         picture.wait() == ExitStatus{.code = 0};
+}
+
+}  // namespace test_support

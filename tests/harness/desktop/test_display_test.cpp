@@ -1,0 +1,112 @@
+#include "tests/harness/desktop/test_display.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/harness/desktop/x_connection.h"
+
+namespace test_support {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::string outputOf(const std::vector<std::string>& command) {
+  ChildProcess child;
+  if (!child.start(command) || !child.wait()) return {};
+  return child.takeOutput();
+}
+
+TEST(TestDisplay, HasAWindowManagerOnceStarted) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start());
+  const XConnection connection(display.name());
+  ASSERT_TRUE(connection.valid());
+  EXPECT_TRUE(connection.numberProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
+}
+
+TEST(TestDisplay, HasNoWindowManagerWhereNoneIsWanted) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start({.windowManager = false}));
+  const XConnection connection(display.name());
+  ASSERT_TRUE(connection.valid());
+  EXPECT_FALSE(connection.numberProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
+}
+
+TEST(TestDisplay, TwoAtOnceHaveNamesOfTheirOwn) {
+  TestDisplay first;
+  TestDisplay second;
+  ASSERT_TRUE(first.start({.windowManager = false}));
+  ASSERT_TRUE(second.start({.windowManager = false}));
+  EXPECT_NE(first.name(), second.name());
+}
+
+TEST(TestDisplay, HasTheSizeAndResolutionAskedFor) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start({.width = 640, .height = 480, .dpi = 192, .windowManager = false}));
+  const XConnection connection(display.name());
+  ASSERT_TRUE(connection.valid());
+  const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data;
+  EXPECT_EQ(screen->width_in_pixels, 640);
+  EXPECT_EQ(screen->height_in_pixels, 480);
+  EXPECT_NEAR(640 * 25.4 / screen->width_in_millimeters, 192, 2);
+  EXPECT_EQ(connection.property(connection.root(), "RESOURCE_MANAGER"), "Xft.dpi:\t192\n");
+}
+
+TEST(TestDisplay, IsOneMonitorUnlessDivided) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start({.windowManager = false}));
+  EXPECT_THAT(outputOf({"xrandr", "--display", display.name(), "--listmonitors"}),
+              testing::AllOf(testing::StartsWith("Monitors: 1\n"), testing::HasSubstr(" 1280/")));
+}
+
+TEST(TestDisplay, IsDividedIntoTheMonitorsAskedFor) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start({.monitors = {{640, 800, 0, 0}, {640, 600, 640, 0}}, .windowManager = false}));
+  EXPECT_THAT(outputOf({"xrandr", "--display", display.name(), "--listmonitors"}),
+              testing::AllOf(testing::StartsWith("Monitors: 2\n"), testing::HasSubstr(" 640/169x800/211+0+0"),
+                             testing::HasSubstr(" 640/169x600/158+640+0")));
+}
+
+TEST(TestDisplay, ScreenshotIsAPictureOfTheWholeDisplay) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start({.width = 320, .height = 200, .windowManager = false}));
+  ASSERT_TRUE(display.screenshot("/tmp/shot.png"));
+  EXPECT_EQ(outputOf({"identify", "-format", "%m %wx%h", "/tmp/shot.png"}), "PNG 320x200");
+}
+
+TEST(TestDisplay, StopBreaksTheConnectionOfItsPrograms) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start());
+  const XConnection connection(display.name());
+  ASSERT_TRUE(connection.valid());
+  display.stop();
+  EXPECT_TRUE(waitUntil([&] { return connection.atom("WM_NAME") == XCB_ATOM_NONE && !connection.valid(); }));
+  EXPECT_FALSE(display.screenshot("/tmp/no_shot.png"));
+}
+
+TEST(TestDisplay, NextOneOnTheSameServerHasNothingOfTheLast) {
+  std::string name;
+  {
+    TestDisplay first;
+    ASSERT_TRUE(first.start({.monitors = {{640, 800, 0, 0}, {640, 600, 640, 0}}}));
+    name = first.name();
+  }
+  TestDisplay next;
+  ASSERT_TRUE(next.start({.windowManager = false}));
+  EXPECT_EQ(next.name(), name);
+  const XConnection connection(next.name());
+  EXPECT_FALSE(connection.numberProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
+  EXPECT_THAT(outputOf({"xrandr", "--display", next.name(), "--listmonitors"}),
+              testing::StartsWith("Monitors: 1\n"));
+}
+
+TEST(TestDisplay, CanBeStartedAgainAfterItsLoss) {
+  TestDisplay display;
+  ASSERT_TRUE(display.start());
+  display.server().kill();
+  ASSERT_TRUE(display.server().wait());
+  EXPECT_TRUE(display.start());
+}
+
+}  // namespace
+}  // namespace test_support

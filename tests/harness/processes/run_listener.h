@@ -1,0 +1,51 @@
+#pragma once
+
+#include <list>
+#include <string>
+#include <vector>
+
+#include "tests/harness/processes/file_descriptor.h"
+
+namespace test_support {
+
+// One run of an outside command, which waits until its connection is answered or closed.
+struct CommandRun {
+  std::string program = {};
+  std::vector<std::string> arguments = {};
+  std::string searchPath = {};
+  FileDescriptor connection = {};
+
+  void answer(int status) const;
+};
+
+// Hears the `recorder` programs that stand in for outside commands.
+class RunListener {
+ public:
+  explicit RunListener(std::string path);
+  RunListener(const RunListener&) = delete;
+  RunListener& operator=(const RunListener&) = delete;
+  ~RunListener();
+
+  [[nodiscard]] bool valid() const { return socket_.valid(); }
+  [[nodiscard]] std::vector<int> fds() const;  // any of them readable: there is something to take in
+
+  // The runs of which all has come. Never blocks.
+  [[nodiscard]] std::vector<CommandRun> takeIn();
+
+ private:
+  struct Connection {
+    FileDescriptor fd = {};
+    std::string bytes = {};
+    bool ended = false;
+
+    void read();
+  };
+
+  void acceptAll();
+
+  std::string path_;
+  FileDescriptor socket_;
+  std::list<Connection> connections_;
+};
+
+}  // namespace test_support
