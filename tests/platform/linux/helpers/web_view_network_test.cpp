@@ -81,7 +81,8 @@ class NameServer {
   std::thread thread_;
 };
 
-// Ways in which a page may ask another server for something, with its port in place of PORT.
+// Ways in which a page may ask another server for something, with its port in place of PORT. A navigation
+// waits for the answer to "/running", which it would cancel.
 class WebViewOtherServer : public WebViewHelper, public testing::WithParamInterface<const char*> {
  protected:
   [[nodiscard]] std::string script() const {
@@ -108,12 +109,33 @@ INSTANTIATE_TEST_SUITE_P(
         "fetch('http://localhost:PORT/page', {mode: 'no-cors'});",
         "new Image().src = 'http://127.0.0.1:PORT/page';",
         "navigator.sendBeacon('http://127.0.0.1:PORT/page', 'x');",
-        "new WebSocket('ws://127.0.0.1:PORT/page');", "location.href = 'http://127.0.0.1:PORT/page';",
+        "fetch('http://2130706433:PORT/page', {mode: 'no-cors'});",
+        "fetch('http://0:PORT/page', {mode: 'no-cors'});",
+        "fetch('http://[::ffff:127.0.0.1]:PORT/page', {mode: 'no-cors'});",
+        "new EventSource('http://127.0.0.1:PORT/page');",
+        "new Worker(URL.createObjectURL(new Blob([\"importScripts('http://127.0.0.1:PORT/page')\"])));",
+        "document.documentElement.innerHTML = '<form action=http://127.0.0.1:PORT/page method=post></form>';"
+        "fetch('/running').finally(() => document.forms[0].submit());",
+        "document.documentElement.innerHTML = '<link rel=stylesheet href=http://127.0.0.1:PORT/page>"
+        "<object data=http://127.0.0.1:PORT/page></object><a href=/ ping=http://127.0.0.1:PORT/page>a</a>';"
+        "document.links[0].click();",
+        "new WebSocket('ws://127.0.0.1:PORT/page');",
+        "fetch('/running').finally(() => { location.href = 'http://127.0.0.1:PORT/page'; });",
         "fetch('/redirect', {mode: 'no-cors'});",
         "const f = document.createElement('iframe'); f.src = 'http://127.0.0.1:PORT/page';"
         "document.documentElement.append(f);",
         "const l = document.createElement('link'); l.rel = 'preconnect'; l.href = 'http://127.0.0.1:PORT/';"
         "document.head.append(l); fetch('/redirect', {mode: 'no-cors'});"));
+
+TEST_F(WebViewHelper, RedirectOfThePageToAnotherServerIsNotFollowed) {
+  PageServer other;
+  server_.redirect("/page", other.address("/page"));
+  start();
+  load("/page");
+  ASSERT_TRUE(server_.waitFor("/page"));
+  EXPECT_TRUE(stillLoads());
+  EXPECT_THAT(other.asked(), IsEmpty());
+}
 
 TEST_F(WebViewHelper, PageIsLoadedThroughUsersProxy) {
   const std::string address = server_.address("");

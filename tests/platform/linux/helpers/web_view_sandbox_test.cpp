@@ -1,6 +1,7 @@
 // What a page could reach from inside the processes of the web engine.
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <netinet/in.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/socket.h>
@@ -44,6 +45,15 @@ bool connectsTo(const std::string& name) {
   const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
   const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), size) == 0;
+}
+
+bool isListenedAt(int port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 bool join(pid_t process, const std::string& kind) {
@@ -115,6 +125,20 @@ TEST_F(WebViewSandbox, EngineIsToldOfNoServiceOfTheSession) {
     EXPECT_THAT(environment, Not(HasSubstr("/tmp/wayland-9"))) << name;
     EXPECT_THAT(environment, HasSubstr(std::string("\0LC_ALL=C.UTF-8", 15))) << name;
   }
+}
+
+TEST_F(WebViewSandbox, EnvironmentCannotLoosenTheEngine) {
+  startWith({{"WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "1"},
+             {"WEBKIT_FORCE_SANDBOX", "0"},
+             {"WEBKIT_INSPECTOR_SERVER", "127.0.0.1:9222"},
+             {"WEBKIT_INSPECTOR_HTTP_SERVER", "127.0.0.1:9223"},
+             {"GTK_MODULES", "/tmp/none.so"},
+             {"GIO_EXTRA_MODULES", "/tmp"},
+             {"TMPDIR", "/tmp/none"},
+             {"HOME", std::nullopt}});
+  ASSERT_TRUE(stillLoads());
+  EXPECT_NE(namespaceOf(webProcess(), "net"), namespaceOf(helper_.pid(), "net"));
+  for (const int port : {9222, 9223}) EXPECT_FALSE(isListenedAt(port)) << port;
 }
 
 TEST_F(WebViewSandbox, PageIsLoadedWithoutAnyDisplay) {

@@ -268,6 +268,8 @@ TEST_F(ToolkitsRuntimeFolderTest, UnusableOneIsReplacedUntilTheEnd) {
   isReplacedBy(belowTmp_);
   EXPECT_FALSE(fs::exists("/tmp/missing"));
   setMode(belowTmp_, 0755);
+  isReplacedBy(belowTmp_);
+  setMode(belowTmp_, 0720);
   isReplacedBy("/proc/nowhere");
   EXPECT_EQ(std::getenv("TMPDIR"), nullptr);
   setMode(kRuntime, 0700);
