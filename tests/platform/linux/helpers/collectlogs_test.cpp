@@ -402,7 +402,7 @@ TEST_F(CollectLogs, MoreEntriesAreAskedForUntilTheLimitIsReachedOrNothingIsNew) 
   const std::string counts = root_ + "/counts";
   const auto countsAskedFor = [&](const std::string& limit, const std::string& script) {
     fs::remove(counts);
-    const std::string noting = "echo $0 >>" + counts + "; " + script;
+    const std::string noting = "echo $0 >>'" + counts + "'; " + script;
     EXPECT_EQ(collect({"output", limit, "20", target_, "n.log", "sh", "-c", noting}).code, 0);
     return contentsOf(counts);
   };
