@@ -114,7 +114,7 @@ std::optional<std::string> withoutCoding(std::string body, Coding coding, std::s
   return body;
 }
 
-std::string_view trimmed(std::string_view text) {
+std::string_view trimmedCoding(std::string_view text) {
   constexpr std::string_view blanks = " \t";
   const auto begin = text.find_first_not_of(blanks);
   if (begin == std::string_view::npos) return {};
@@ -132,7 +132,7 @@ std::vector<Coding> knownCodings(std::string_view names) {
   std::vector<Coding> codings;
   while (!names.empty()) {
     const auto name = names.substr(0, names.find(','));
-    if (const auto coding = codingNamed(trimmed(name))) codings.push_back(*coding);
+    if (const auto coding = codingNamed(trimmedCoding(name))) codings.push_back(*coding);
     names.remove_prefix(std::min(names.size(), name.size() + 1));
   }
   return codings;
