@@ -5,6 +5,10 @@ string(REPLACE "-g" "-g1" CMAKE_CXX_FLAGS_RELWITHDEBINFO "${CMAKE_CXX_FLAGS_RELW
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
                     -Woverloaded-virtual -Werror -fvisibility=hidden)
 add_compile_definitions(_GNU_SOURCE)
+# Some programs link an implementation of their own instead of these files', or two libraries of which only one's are used.
+function(compiled_alone)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
 if(CMAKE_UNITY_BUILD)
   # gcc gives it for a type that a source file of a merged one keeps to itself.
   add_compile_options(-Wno-subobject-linkage)

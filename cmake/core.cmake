@@ -62,7 +62,9 @@ target_compile_definitions(tovalin_core PRIVATE
   TOVALIN_PRODUCT_SERVER="${TOVALIN_PRODUCT_SERVER}"
   TOVALIN_TEST_UPLOAD_SERVER="${TOVALIN_TEST_UPLOAD_SERVER}"
 )
+compiled_alone(app/registration.cpp ipc/command_pipe.cpp usage/bundle_version.cpp usage/server_addresses.cpp)
 has_headers_of(standard_headers tovalin_core)
+set_target_properties(tovalin_core PROPERTIES LINK_INTERFACE_MULTIPLICITY 3)
 # The core asks the platform for its facilities, and the platform's main asks the core which program it runs.
 target_link_libraries(tovalin_core PUBLIC tovalin_platform)
 target_link_libraries(tovalin_platform PUBLIC tovalin_core)

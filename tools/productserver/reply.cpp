@@ -11,7 +11,7 @@
 namespace tools {
 namespace {
 
-constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kReplyLineEnd = "\r\n";
 
 bool tellsFraming(std::string_view line) {
   constexpr std::array<std::string_view, 4> kNames = {"content-length", "transfer-encoding", "connection",
@@ -47,9 +47,9 @@ Reply parseReply(std::string_view written) {
   const std::size_t blankLine = written.find("\r\n\r\n");
   if (blankLine == written.npos) return textReply("400 Bad Request", "");
   Reply reply{.head = {}, .body = std::string(written.substr(blankLine + 4))};
-  std::string_view head = written.substr(0, blankLine + kLineEnd.size());
+  std::string_view head = written.substr(0, blankLine + kReplyLineEnd.size());
   while (!head.empty()) {
-    const std::size_t end = head.find(kLineEnd) + kLineEnd.size();
+    const std::size_t end = head.find(kReplyLineEnd) + kReplyLineEnd.size();
     if (!tellsFraming(head)) reply.head += head.substr(0, end);
     head.remove_prefix(end);
   }

@@ -14,7 +14,7 @@ constexpr int portalAnswerLimitMs = 500;
 constexpr uint preferDark = 1;
 
 constexpr QLatin1StringView service("org.freedesktop.portal.Desktop");
-constexpr QLatin1StringView path("/org/freedesktop/portal/desktop");
+constexpr QLatin1StringView portalPath("/org/freedesktop/portal/desktop");
 constexpr QLatin1StringView portalInterface("org.freedesktop.portal.Settings");
 constexpr QLatin1StringView appearance("org.freedesktop.appearance");
 constexpr QLatin1StringView colorScheme("color-scheme");
@@ -25,7 +25,7 @@ bool isTimeOut(const QDBusMessage& answer) {
 }
 
 QDBusMessage question() {
-  return QDBusMessage::createMethodCall(service, path, portalInterface, QStringLiteral("Read"))
+  return QDBusMessage::createMethodCall(service, portalPath, portalInterface, QStringLiteral("Read"))
          << appearance << colorScheme;
 }
 
@@ -45,8 +45,9 @@ SettingsPortal& SettingsPortal::shared() {
 
 SettingsPortal::SettingsPortal()
     : comings_(service, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
-  QDBusConnection::sessionBus().connect(service, path, portalInterface, QStringLiteral("SettingChanged"),
-                                        this, SLOT(settingChanged(QDBusMessage)));
+  QDBusConnection::sessionBus().connect(service, portalPath, portalInterface,
+                                        QStringLiteral("SettingChanged"), this,
+                                        SLOT(settingChanged(QDBusMessage)));
   // A portal tells of changes only; what it finds when it comes up, after the agent or for a second time, it
   // has to be asked for.
   connect(&comings_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askWithoutWaiting(); });
