@@ -79,7 +79,7 @@ THREADED = usage_record_test upload_pass_test url_request_test read_pipe_test co
 check-threads:
 	@cmake --preset tsan >/dev/null
 	cmake --build --preset tsan --target $(THREADED)
-	ctest --preset tsan --tests-regex '^($(subst $() ,|,$(strip $(THREADED))))'
+	ctest --preset tsan --parallel $$(nproc) --tests-regex '^($(subst $() ,|,$(strip $(THREADED))))'
 
 # PAIRS: how often both notices are shown and hidden. OPENINGS: how often the support window is opened and closed.
 # MINUTES: how long the mixed life is. SEED: the order of what happens in it; each run has its own when there is none.

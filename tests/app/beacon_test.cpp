@@ -79,8 +79,8 @@ TEST(BeaconAddress, BracketsElsewhereDoNotStay) {
 }
 
 TEST(BeaconAddress, OnlyAnIpv6AddressStandsInBrackets) {
-  for (const char* server :
-       {"http://[a b]", "http://[[::1]]", "http://[]", "http://[fe80::1%25lo]", "http://[x]"})
+  for (const char* server : {"http://[a b]", "http://[[::1]]", "http://[]", "http://[fe80::1%25]",
+                             "http://[fe80::1%lo]", "http://[x]"})
     EXPECT_EQ(beaconAddress(server, "c", "v").find_first_of("[] "), std::string::npos) << server;
 }
 

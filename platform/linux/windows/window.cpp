@@ -209,8 +209,10 @@ void Window::Impl::comeForward() {
   widget.activateWindow();
 }
 
-// The part that another window covers has that one's picture once it is uncovered.
+// The part that another window covers has that one's picture once it is uncovered. A window that is coming
+// has been given its picture.
 void Window::Impl::keepPictureUntilPainted() {
+  if (isComing) return;
   firstPicture.give(widget);
   widget.update();
 }

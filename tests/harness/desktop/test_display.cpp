@@ -51,17 +51,16 @@ IdleServer& idleServer() {
   return server;
 }
 
-// Returns the first client of the server's new generation, or nullptr if the clients of the last one stay.
+// Returns the first client of the server's new generation, or nullptr if the clients of the last one stay. A
+// server that resets refuses clients meanwhile.
 std::unique_ptr<XConnection> clientAfterReset(const std::string& display) {
   std::unique_ptr<XConnection> client;
-  const bool isReset = waitUntil(
-      [&] {
-        client = nullptr;
-        client = std::make_unique<XConnection>(display);
-        return !client->valid() || !client->numberProperty(client->root(), inUseName);
-      },
-      resetLimit);
-  return isReset && client->valid() ? std::move(client) : nullptr;
+  const auto isReset = [&] {
+    client = nullptr;
+    client = std::make_unique<XConnection>(display);
+    return client->valid() && !client->numberProperty(client->root(), inUseName) && client->valid();
+  };
+  return waitUntil(isReset, resetLimit) ? std::move(client) : nullptr;
 }
 
 void markInUse(const XConnection& client) {

@@ -11,7 +11,7 @@ TEST(LogSources, CommandNamesProgramFolderAndBytes) {
             "collectlogs newest 7 /var/log 'P*.log' /tmp/N");
   EXPECT_EQ(platform::copyLogsCommand(LogSource::SystemLog, "P", "/tmp/N", 7),
             "export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
-            "collectlogs output 7 20 /tmp/N system.log journalctl -q -b -n 200000 --no-pager || "
+            "collectlogs output 7 20 /tmp/N system.log journalctl -q -b --no-pager -n || "
             "collectlogs newest 7 /var/log syslog /tmp/N system.log");
   EXPECT_EQ(platform::copyLogsCommand(LogSource::UserCrashReports, "P", "/tmp/N", 7),
             "collectlogs whole 7 ~/.local/state/P 'P*.crash' /tmp/N");
