@@ -56,6 +56,16 @@ long processes() {
   });
 }
 
+std::string processNames() {
+  std::string names;
+  for (const auto& entry : fs::directory_iterator("/proc")) {
+    std::string name = contentsOf(entry.path() / "comm");
+    if (std::isdigit(static_cast<unsigned char>(entry.path().filename().string()[0])) == 0) continue;
+    names += " " + name.substr(0, name.find('\n'));
+  }
+  return names;
+}
+
 // What a life without faults is like; each kind is led once a test program.
 struct PlainLife {
   std::array<std::uint64_t, faults::callNames.size()> counts{};
@@ -340,7 +350,8 @@ std::string FaultTest::leftBehind() {
   if (!waitUntil([&] { return open() <= most; }, 3s))
     return std::to_string(open()) + " descriptors for " + std::to_string(most);
   // The agent and its web view. A command that still runs on a busy machine is none of what stays.
-  if (!waitUntil([&] { return processes() <= processesBefore_ + 2; })) return "leaves children behind";
+  if (!waitUntil([&] { return processes() <= processesBefore_ + 2; }))
+    return "leaves children behind, of these processes:" + processNames();
   return {};
 }
 
