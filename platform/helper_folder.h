@@ -1,16 +1,17 @@
 #pragma once
 
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace platform {
 
-// Where the agent's helper programs are found by name: a folder in the private one, or in the one below /tmp
-// where the file system of the private one lets no program run. Returns nullopt if there is none. Any thread.
-[[nodiscard]] std::optional<std::string> helperFolder();
+// The folders in which the agent's helper programs are found by name, the first one first: the copies, which
+// outlive the bundle, in the private folder, or in the one below /tmp if the file system of the private one
+// lets no program run; then the bundle's own. Any thread.
+[[nodiscard]] std::vector<std::string> helperFolders();
 
-// Copies the helper programs of the running bundle to helperFolder(), because some must still run when the
-// bundle is gone. What can't be copied is left out.
+// Copies the helper programs of the running bundle, because some must still run when the bundle is gone. What
+// can't be copied is left out.
 void installHelpers();
 // Takes the copies away again.
 void removeHelpers();

@@ -36,8 +36,11 @@ std::vector<std::string> environmentWithHelpers() {
       environment.emplace_back(text);
     }
   }
-  const auto helpers = helperFolder();
-  environment.push_back("PATH=" + (helpers ? *helpers + ":" : "") + originalPath);
+  std::string path = "PATH=";
+  for (const std::string& folder : helperFolders()) {
+    if (folder.find(':') == std::string::npos) path.append(folder).append(":");
+  }
+  environment.push_back(path + originalPath);
   environment.push_back("TOVALIN_ORIGINAL_PATH=" + originalPath);
   return environment;
 }

@@ -5,7 +5,6 @@
 #include <QString>
 #include <QUrl>
 
-#include "platform/bundle.h"
 #include "platform/helper_folder.h"
 #include "platform/portable/child_run.h"
 
@@ -30,14 +29,13 @@ Workspace& Workspace::sharedWorkspace() {
   return workspace;
 }
 
-// The helper hands the address to the desktop and does not wait for the browser. Its copy outlives the
-// bundle; where there is none, the bundle's own does.
+// The helper hands the address to the desktop and does not wait for the browser.
 void Workspace::openURL(const std::string& text) {
   const auto url = parsed(text);
   if (!url) return;
-  const auto helpers = helperFolder();
-  if (helpers && wasRun(*helpers, *url)) return;
-  if (const auto bundle = Bundle::mainBundle()) wasRun(bundle->bundlePath() + "/Contents/Helpers", *url);
+  for (const std::string& folder : helperFolders()) {
+    if (wasRun(folder, *url)) return;
+  }
 }
 
 }  // namespace platform

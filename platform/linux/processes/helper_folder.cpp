@@ -2,8 +2,10 @@
 
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 #include "platform/bundle.h"
@@ -24,44 +26,59 @@ bool programsRunIn(const std::string& folder) {
 }
 
 void complain(const std::string& reason) {
-  const std::string text = "outside commands run without the agent's helpers: " + reason;
+  const std::string text = "the agent's helpers are gone when its bundle is: " + reason;
   systemLog(LogPriority::Error, text);
   consoleLog(text);
 }
 
-std::string whyThereIsNoHelperFolder() {
+std::string whyThereAreNoCopies() {
   const char* reason = privateFolder() ? "no program runs at " : "no folder of the user's own at ";
   return reason + privateFolderPath();
 }
 
-}  // namespace
+std::string helpersOf(const Bundle& bundle) {
+  return bundle.bundlePath() + "/Contents/Helpers";
+}
 
-std::optional<std::string> helperFolder() {
+std::optional<std::string> folderOfCopies() {
   auto folder = privateFolder();
   if (folder && !programsRunIn(*folder)) folder = privateFolderBelowTmp();
   if (!folder || !programsRunIn(*folder)) return std::nullopt;
   return *folder + "/helpers";
 }
 
+}  // namespace
+
+std::vector<std::string> helperFolders() {
+  std::vector<std::string> folders;
+  if (const auto copies = folderOfCopies()) folders.push_back(*copies);
+  if (const auto bundle = Bundle::mainBundle()) folders.push_back(helpersOf(*bundle));
+  return folders;
+}
+
 void installHelpers() {
   const auto bundle = Bundle::mainBundle();
   if (!bundle) return;
-  const auto folder = helperFolder();
-  if (!folder) return complain(whyThereIsNoHelperFolder());
+  const auto folder = folderOfCopies();
+  if (!folder) return complain(whyThereAreNoCopies());
   removeHelpers();
   std::error_code error;
   fs::create_directory(*folder, error);
   for (const char* name : helperNames) {
     const std::string copy = *folder + "/" + name;
-    fs::copy_file(bundle->bundlePath() + "/Contents/Helpers/" + name, copy, error);
-    if (error) complain(copy + ": " + error.message());
+    fs::copy_file(helpersOf(*bundle) + "/" + name, copy, error);
+    if (error) {
+      complain(copy + ": " + error.message());
+      ::unlink(copy.c_str());  // what fits of a copy on a full file system is no program
+      continue;
+    }
     // Those who tidy up runtime folders leave sticky files alone.
     ::chmod(copy.c_str(), S_ISVTX | S_IRWXU);
   }
 }
 
 void removeHelpers() {
-  const auto folder = helperFolder();
+  const auto folder = folderOfCopies();
   std::error_code ignored;
   if (folder) fs::remove_all(*folder, ignored);
 }

@@ -15,10 +15,10 @@ constexpr const char* variable = "XDG_RUNTIME_DIR";
 // Nobody, not even root, can make a folder there.
 constexpr const char* nowhere = "/proc/nowhere";
 
-// As Qt checks it.
+// As Qt checks it, which refuses a link to a folder.
 bool isUsable(const char* folder) {
   struct stat status {};
-  return folder != nullptr && ::stat(folder, &status) == 0 && S_ISDIR(status.st_mode) &&
+  return folder != nullptr && ::lstat(folder, &status) == 0 && S_ISDIR(status.st_mode) &&
          status.st_uid == ::geteuid() && (status.st_mode & 0777) == S_IRWXU;
 }
 

@@ -4,7 +4,6 @@
 
 #include <optional>
 
-#include "platform/bundle.h"
 #include "platform/helper_folder.h"
 #include "platform/linux/web_view/web_view_process.h"
 
@@ -13,13 +12,12 @@ namespace {
 
 constexpr const char* helperName = "/TovalinWebView";
 
-// The copy outlives the bundle; where there is none, the bundle's own program serves.
 std::optional<std::string> helperProgram() {
-  const auto folder = helperFolder();
-  if (folder && ::access((*folder + helperName).c_str(), X_OK) == 0) return *folder + helperName;
-  const auto bundle = Bundle::mainBundle();
-  if (!bundle) return std::nullopt;
-  return bundle->bundlePath() + "/Contents/Helpers" + helperName;
+  for (const std::string& folder : helperFolders()) {
+    const std::string program = folder + helperName;
+    if (::access(program.c_str(), X_OK) == 0) return program;
+  }
+  return std::nullopt;
 }
 
 }  // namespace

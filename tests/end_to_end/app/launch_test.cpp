@@ -148,7 +148,7 @@ TEST_F(Launch, APrivateFolderThatIsSomebodyElsesIsToldAndNotUsed) {
   std::filesystem::remove_all(place);
   std::filesystem::create_symlink("/tmp/elsewhere of theirs", place);
   launchAgent();
-  EXPECT_EQ(count("log 3: outside commands run without the agent's helpers: no folder of the user's own at " +
+  EXPECT_EQ(count("log 3: the agent's helpers are gone when its bundle is: no folder of the user's own at " +
                   place),
             1);
   EXPECT_TRUE(std::filesystem::is_empty("/tmp/elsewhere of theirs"));

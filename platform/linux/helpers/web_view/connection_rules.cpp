@@ -30,6 +30,7 @@ constexpr Range globalUnicast6{{0x20}, 3};
 constexpr std::array notPublic6{
     Range{{0x20, 0x01, 0, 0}, 23},  // Teredo among them, which holds an IPv4 address
     Range{{0x20, 0x01, 0x0d, 0xb8}, 32},
+    Range{{0x3f, 0xff, 0}, 20},
 };
 
 // IPv6 addresses that lead to the IPv4 address in their bytes from `offset` on.

@@ -63,6 +63,7 @@ TEST(ConnectionRules, SpecialPurposeAddressIsNotPublic) {
                            "2001::1",
                            "2001:1ff::1",
                            "2001:db8::1",
+                           "3fff::1",
                            "2002:7f00:1::1",
                            "2002:c0a8:101::1",
                            "fc00::1",

@@ -144,6 +144,22 @@ TEST_F(HelperInstallation, RefusedPrivateFolderGetsNothing) {
   EXPECT_THAT(namesIn("/tmp/elsewhere"), IsEmpty());
 }
 
+TEST_F(HelperInstallation, HelperThatDoesNotFitIsLeftOut) {
+  if (::mount("none", "/tmp/run", "tmpfs", 0, "mode=700,size=64k") != 0)
+    GTEST_SKIP() << "no mounts to be had";
+  putHelper("TovalinWebView", "whole\n#" + std::string(100'000, '#'));
+  run("install");
+  EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript"));
+  ::umount2("/tmp/run", MNT_DETACH);
+}
+
+TEST_F(HelperInstallation, BundlesOwnHelpersRunWhereNoCopiesCanBe) {
+  fs::create_symlink("/tmp/elsewhere", "/tmp/run/TovalinTray");
+  run("install");
+  run("collect");
+  EXPECT_EQ(contentsOf("/tmp/told"), "collectlogs\n");
+}
+
 TEST_F(HelperInstallation, SaysSoWhereNoProgramRuns) {
   const std::string belowTmp = "/tmp/TovalinTray-" + std::to_string(::geteuid());
   fs::create_directory(belowTmp);
@@ -155,7 +171,7 @@ TEST_F(HelperInstallation, SaysSoWhereNoProgramRuns) {
   ASSERT_TRUE(child.start({program_, "install"}, {.error = test_support::Redirection::pipe()}));
   ASSERT_EQ(child.wait(), ExitStatus{.code = 0});
   EXPECT_THAT(child.takeErrorOutput(),
-              HasSubstr("without the agent's helpers: no program runs at /tmp/run/TovalinTray"));
+              HasSubstr("helpers are gone when its bundle is: no program runs at /tmp/run/TovalinTray"));
   for (const std::string& folder : {std::string("/tmp/run"), belowTmp}) ::umount2(folder.c_str(), MNT_DETACH);
   fs::remove(belowTmp);
 }

@@ -1,9 +1,11 @@
 #include <string_view>
 
 #include "platform/helper_folder.h"
+#include "platform/shell.h"
 #include "platform/workspace.h"
 
-// "install" or "remove": does so with the helper programs of its own bundle. "open": opens a page.
+// "install" or "remove": does so with the helper programs of its own bundle. "open": opens a page. "collect":
+// has the shell run a helper.
 int main(int argc, char** argv) {
   const std::string_view task = argc > 1 ? argv[1] : "";
   if (task == "install") {
@@ -12,6 +14,8 @@ int main(int argc, char** argv) {
     platform::removeHelpers();
   } else if (task == "open") {
     platform::Workspace::sharedWorkspace().openURL("http://a");
+  } else if (task == "collect") {
+    return platform::system("collectlogs >/tmp/told");
   } else {
     return 2;
   }

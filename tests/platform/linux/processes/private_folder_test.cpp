@@ -17,7 +17,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using platform::helperFolder;
+using platform::helperFolders;
 using platform::privateFolder;
 using test_support::ExitStatus;
 
@@ -130,7 +130,7 @@ TEST_P(PreparedFolder, LinkIsRefused) {
   setMode("/tmp/elsewhere", 0700);
   fs::create_symlink("/tmp/elsewhere", place_);
   EXPECT_EQ(privateFolder(), std::nullopt);
-  EXPECT_EQ(helperFolder(), std::nullopt);
+  EXPECT_THAT(helperFolders(), testing::IsEmpty());
   EXPECT_TRUE(fs::is_empty("/tmp/elsewhere"));
 }
 
@@ -190,7 +190,7 @@ TEST_F(PrivateFolder, FoldersBelowTmpDifferBetweenUsers) {
 }
 
 TEST_F(PrivateFolder, HelpersHaveTheirOwnFolderInIt) {
-  EXPECT_EQ(helperFolder(), std::string(kBelowRuntime) + "/helpers");
+  EXPECT_THAT(helperFolders(), testing::ElementsAre(std::string(kBelowRuntime) + "/helpers"));
 }
 
 // A runtime folder whose file system lets no program run.
@@ -211,20 +211,20 @@ TEST_F(RuntimeFolderWithoutPrograms, StillHasThePrivateFolder) {
 }
 
 TEST_F(RuntimeFolderWithoutPrograms, SendsHelpersBelowTmp) {
-  EXPECT_EQ(helperFolder(), belowTmp_ + "/helpers");
+  EXPECT_THAT(helperFolders(), testing::ElementsAre(belowTmp_ + "/helpers"));
   EXPECT_EQ(modeOf(belowTmp_), 0700U);
 }
 
 TEST_F(RuntimeFolderWithoutPrograms, SendsNoHelpersToALinkBelowTmp) {
   fs::create_directory("/tmp/elsewhere");
   fs::create_symlink("/tmp/elsewhere", belowTmp_);
-  EXPECT_EQ(helperFolder(), std::nullopt);
+  EXPECT_THAT(helperFolders(), testing::IsEmpty());
 }
 
 TEST_F(RuntimeFolderWithoutPrograms, LeavesNoPlaceForHelpersWhereTheOneBelowTmpLetsNoneRunEither) {
   fs::create_directory(belowTmp_);
   ASSERT_EQ(::mount("none", belowTmp_.c_str(), "tmpfs", MS_NOEXEC, "mode=700"), 0);
-  EXPECT_EQ(helperFolder(), std::nullopt);
+  EXPECT_THAT(helperFolders(), testing::IsEmpty());
   ::umount2(belowTmp_.c_str(), MNT_DETACH);
 }
 
@@ -249,6 +249,14 @@ TEST_F(ToolkitsRuntimeFolderTest, UnsetOneIsPrivateFolderUntilTheEnd) {
     EXPECT_EQ(named(), belowTmp_);
   }
   EXPECT_EQ(named(), "(unset)");
+}
+
+TEST_F(ToolkitsRuntimeFolderTest, LinkToAFolderIsReplaced) {
+  fs::create_symlink(kRuntime, "/tmp/link");
+  ::setenv("XDG_RUNTIME_DIR", "/tmp/link", 1);
+  const platform::ToolkitsRuntimeFolder folder;
+  EXPECT_EQ(named(), "/tmp/link/TovalinTray");
+  fs::remove("/tmp/link");
 }
 
 TEST_F(ToolkitsRuntimeFolderTest, UnusableOneIsReplacedUntilTheEnd) {
