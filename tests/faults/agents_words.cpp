@@ -13,7 +13,7 @@ constexpr std::string_view pipeGone[] = {"notiThread] open pipe error", "notiThr
 constexpr std::string_view commandPipe[] = {"log 3: open pipe failed. ", "log 3: select failed. ",
                                             "log 3: write error. "};
 // How the texts of fatal errors begin.
-constexpr std::string_view ends[] = {
+constexpr std::string_view endMessages[] = {
     "out of memory",      "no pipe to hear of signals by: ", "signals can't be heard: ",
     "can't start over: ", "cannot open the display ",        "not inside a main application's bundle"};
 
@@ -29,7 +29,7 @@ bool isUnusualLine(const std::string& line) {
          line.find("] recentversion") == std::string::npos;
 }
 
-// Without the beginning that the log and the console give to what ends the agent.
+// Without the beginning that the log and the console give to what endMessages the agent.
 std::string_view withoutBeginning(std::string_view text) {
   for (const std::string_view beginning : {"log 3: ", "TovalinTray: "}) {
     if (text.starts_with(beginning)) return text.substr(beginning.size());
@@ -74,6 +74,6 @@ bool AgentsWords::tellOfTheCommandPipe() const {
 bool AgentsWords::tellOfTheEnd() const {
   return std::ranges::any_of(unusual_, [](const std::string& word) {
     const std::string_view text = withoutBeginning(word);
-    return std::ranges::any_of(ends, [&](std::string_view end) { return text.starts_with(end); });
+    return std::ranges::any_of(endMessages, [&](std::string_view end) { return text.starts_with(end); });
   });
 }
