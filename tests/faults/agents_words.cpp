@@ -29,7 +29,7 @@ bool isUnusualLine(const std::string& line) {
          line.find("] recentversion") == std::string::npos;
 }
 
-// Without the beginning that the log and the console give to what endMessages the agent.
+// Without the beginning that the log and the console give to what ends the agent.
 std::string_view withoutBeginning(std::string_view text) {
   for (const std::string_view beginning : {"log 3: ", "TovalinTray: "}) {
     if (text.starts_with(beginning)) return text.substr(beginning.size());
