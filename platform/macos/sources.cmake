@@ -1,0 +1,45 @@
+# The files of platform/macos, also for the build under GNUstep.
+set(macos_cpp_sources
+  ending_signals.cpp
+  helper_folder.cpp
+  log_sources.cpp
+  process_start.cpp
+  spawn_descriptors.cpp
+)
+# What these take of the system is not there under GNUstep.
+set(macos_kernel_sources
+  reopen.cpp
+  socket.cpp
+)
+set(macos_cocoa_sources
+  action.mm
+  alert.mm
+  application.mm
+  application_main.mm
+  bundle.mm
+  button.mm
+  color.mm
+  distributed_notification_center.mm
+  file_event_stream.mm
+  global_defaults.mm
+  image.mm
+  image_focus.mm
+  image_view.mm
+  menu.mm
+  menu_item.mm
+  modal_stack.mm
+  posted_work.mm
+  process_info.mm
+  search_path.mm
+  single_instance.mm
+  status_item.mm
+  text_field.mm
+  text_impl.mm
+  text_prefix.mm
+  text_view.mm
+  timer.mm
+  view.mm
+  web_view.mm
+  window.mm
+  workspace.mm
+)
