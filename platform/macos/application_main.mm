@@ -57,7 +57,7 @@ namespace {
 // Foundation prepares itself for several threads when it starts the first one itself.
 void prepareForThreads() {
   const Retained<NSObject*> target([[NSObject alloc] init]);
-  [NSThread detachNewThreadSelector:@selector(description) toTarget:target.get() withObject:nil];
+  [NSThread detachNewThreadSelector:@selector(self) toTarget:target.get() withObject:nil];
 }
 
 TovalinApplicationDelegate* nativeDelegate(ApplicationDelegate& delegate) {

@@ -1,6 +1,5 @@
 #include "platform/image.h"
 
-#include <array>
 #include <cmath>
 
 #include "platform/bundle.h"
@@ -15,25 +14,10 @@ constexpr double maxPixels = 64e6;
 constexpr double maxBytesOfData = 64 << 20;
 constexpr double bytesOfPixel = 4;
 
-// Pixels to the point: those of plain and of Retina screens. Screens may come and go while an image lives.
-constexpr std::array backingScales = {1.0, 2.0};
-
-// Returns nil if it has no pixels or too many.
-NSBitmapImageRep* emptyForm(Size size, double scale) {
-  const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
-  if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return nil;
-  NSBitmapImageRep* form = [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
-                                                                    pixelsWide:static_cast<NSInteger>(width)
-                                                                    pixelsHigh:static_cast<NSInteger>(height)
-                                                                 bitsPerSample:8
-                                                               samplesPerPixel:4
-                                                                      hasAlpha:YES
-                                                                      isPlanar:NO
-                                                                colorSpaceName:NSCalibratedRGBColorSpace
-                                                                   bytesPerRow:0
-                                                                  bitsPerPixel:0] autorelease];
-  [form setSize:NSMakeSize(size.width, size.height)];
-  return form;
+// Whether something can be drawn into an image of this size.
+bool canBeDrawnInto(Size size) {
+  const double width = std::ceil(size.width), height = std::ceil(size.height);
+  return width >= 1 && height >= 1 && width * height <= maxPixels;
 }
 
 NSBitmapImageRep* formInFile(const std::string& path) {
@@ -64,15 +48,13 @@ Image::Image() : impl_(std::make_unique<Impl>()) {}
 
 Image::Image(Size size) : Image() {
   impl_->image = Retained<NSImage*>([[NSImage alloc] initWithSize:NSMakeSize(size.width, size.height)]);
-  for (const double scale : backingScales) {
-    if (NSBitmapImageRep* form = emptyForm(size, scale)) [impl_->image.get() addRepresentation:form];
-  }
+  impl_->takesDrawing = canBeDrawnInto(size);
 }
 
 Image::~Image() = default;
 
 bool Image::isValid() const {
-  return [[impl_->image.get() representations] count] > 0;
+  return impl_->takesDrawing || [[impl_->image.get() representations] count] > 0;
 }
 
 Size Image::size() const {

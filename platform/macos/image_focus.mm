@@ -11,42 +11,32 @@ NSCompositingOperation nativeOperation(CompositingOperation operation) {
 }  // namespace
 
 struct ImageFocus::Impl {
-  NSImage* target;
-  NSImageInterpolation interpolation = NSImageInterpolationLow;
-
-  void drawOn(NSBitmapImageRep* canvas, NSImage* source, NSRect at, NSRect from,
-              NSCompositingOperation operation, double fraction) const;
+  NSImage* target;  // nil if it can't be drawn into
 };
 
-ImageFocus::ImageFocus(Image& target) : impl_(new Impl{target.impl().image.get()}) {}
-ImageFocus::~ImageFocus() = default;
+ImageFocus::ImageFocus(Image& target)
+    : impl_(new Impl{target.impl().takesDrawing ? target.impl().image.get() : nil}) {
+  [impl_->target lockFocus];
+}
+
+ImageFocus::~ImageFocus() {
+  [impl_->target unlockFocus];
+}
 
 void ImageFocus::setImageInterpolation(ImageInterpolation interpolation) {
-  impl_->interpolation =
-      interpolation == ImageInterpolation::High ? NSImageInterpolationHigh : NSImageInterpolationLow;
+  if (impl_->target == nil) return;
+  [[NSGraphicsContext currentContext] setImageInterpolation:interpolation == ImageInterpolation::High
+                                                                ? NSImageInterpolationHigh
+                                                                : NSImageInterpolationLow];
 }
 
 void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOperation operation,
                       double fraction) {
-  if (!source.isValid()) return;
-  const NSRect to = NSMakeRect(at.x, at.y, from.width, from.height);
-  const NSRect part = NSMakeRect(from.x, from.y, from.width, from.height);
-  NSArray* forms = [impl_->target representations];
-  for (NSUInteger i = 0; i < [forms count]; ++i)
-    impl_->drawOn(static_cast<NSBitmapImageRep*>([forms objectAtIndex:i]), source.impl().image.get(), to, part,
-                  nativeOperation(operation), fraction);
-}
-
-// A context on the pixels themselves instead of lockFocus, whose pixels are the main screen's.
-void ImageFocus::Impl::drawOn(NSBitmapImageRep* canvas, NSImage* source, NSRect at, NSRect from,
-                              NSCompositingOperation operation, double fraction) const {
-  NSGraphicsContext* context = [NSGraphicsContext graphicsContextWithBitmapImageRep:canvas];
-  [NSGraphicsContext saveGraphicsState];
-  [NSGraphicsContext setCurrentContext:context];
-  [context setImageInterpolation:interpolation];
-  [source drawInRect:at fromRect:from operation:operation fraction:fraction];
-  [context flushGraphics];
-  [NSGraphicsContext restoreGraphicsState];
+  if (impl_->target == nil || !source.isValid()) return;
+  [source.impl().image.get() drawInRect:NSMakeRect(at.x, at.y, from.width, from.height)
+                               fromRect:NSMakeRect(from.x, from.y, from.width, from.height)
+                              operation:nativeOperation(operation)
+                               fraction:fraction];
 }
 
 }  // namespace platform

@@ -33,7 +33,8 @@ Rect View::bounds() const {
 }
 
 void View::setAccessibilityLabel(std::string_view label) {
-  [impl_->view.get() setAccessibilityLabel:textOf(label)];
+  id element = impl_->view.get();  // the method is one of the protocol NSAccessibility
+  [element setAccessibilityLabel:textOf(label)];
 }
 
 void View::addSubview(std::shared_ptr<View> view) {

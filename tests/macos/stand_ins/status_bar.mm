@@ -1,11 +1,12 @@
-// A status bar of one item: a small window in the upper right corner of the screen, whose button opens the
-// menu.
+// A status bar of one item: a small window in the upper right corner of the screen, whose button opens the menu.
+// The menu is a window of buttons below it, one of the same height for each item: GNUstep's own does not outlive
+// the modal runs that begin while it is tracked.
 
 #import <Cocoa/Cocoa.h>
 
 namespace {
 
-constexpr CGFloat side = 24;
+constexpr CGFloat side = 24, menuWidth = 200, lineHeight = 20;
 
 }  // namespace
 
@@ -23,6 +24,26 @@ constexpr CGFloat side = 24;
   return NO;
 }
 
+@end
+
+// Its first click counts although the program is not active.
+@interface StandInMenuLine : NSButton
+@end
+
+@implementation StandInMenuLine
+
+- (BOOL)acceptsFirstMouse:(NSEvent*)event {
+  static_cast<void>(event);
+  return YES;
+}
+
+@end
+
+@interface StandInStatusItem (Menu)
+- (void)openMenu:(id)sender;
+- (void)addLine:(NSInteger)index height:(CGFloat)height;
+- (void)chooseLine:(id)sender;
+- (void)closeMenu;
 @end
 
 @implementation StandInStatusItem
@@ -69,16 +90,49 @@ constexpr CGFloat side = 24;
 
 - (void)openMenu:(id)sender {
   static_cast<void>(sender);
-  NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
-                                      location:NSMakePoint(0, 0)
-                                 modifierFlags:0
-                                     timestamp:0
-                                  windowNumber:[window_ windowNumber]
-                                       context:nil
-                                   eventNumber:0
-                                    clickCount:1
-                                      pressure:0];
-  [NSMenu popUpContextMenu:menu_ withEvent:event forView:button_];
+  if (lines_ != nil) return [self closeMenu];
+  const NSInteger count = [menu_ numberOfItems];
+  const CGFloat height = lineHeight * static_cast<CGFloat>(count);
+  const NSRect item = [window_ frame];
+  lines_ = [[StandInStatusPanel alloc]
+      initWithContentRect:NSMakeRect(NSMaxX(item) - menuWidth, NSMinY(item) - height, menuWidth, height)
+                styleMask:NSWindowStyleMaskBorderless
+                  backing:NSBackingStoreBuffered
+                    defer:NO];
+  [lines_ setTitle:@"menu"];
+  [lines_ setReleasedWhenClosed:NO];
+  [lines_ setLevel:NSPopUpMenuWindowLevel];
+  for (NSInteger i = 0; i < count; ++i) [self addLine:i height:height];
+  [lines_ orderFrontRegardless];
+}
+
+- (void)addLine:(NSInteger)index height:(CGFloat)height {
+  NSMenuItem* item = [menu_ itemAtIndex:index];
+  const NSRect frame = NSMakeRect(0, height - lineHeight * static_cast<CGFloat>(index + 1), menuWidth, lineHeight);
+  NSButton* line = [[[StandInMenuLine alloc] initWithFrame:frame] autorelease];
+  [line setTitle:[item isSeparatorItem] ? @"" : [item title]];
+  [line setImage:[item image]];
+  [line setImagePosition:NSImageRight];
+  [line setBordered:NO];
+  [line setAlignment:NSTextAlignmentLeft];
+  [line setEnabled:[item isEnabled]];
+  [line setTag:index];
+  [line setTarget:self];
+  [line setAction:@selector(chooseLine:)];
+  [[lines_ contentView] addSubview:line];
+}
+
+- (void)chooseLine:(id)sender {
+  const NSInteger index = [static_cast<NSButton*>(sender) tag];
+  [[self retain] autorelease];
+  [self closeMenu];
+  [menu_ performActionForItemAtIndex:index];
+}
+
+- (void)closeMenu {
+  [lines_ orderOut:nil];
+  [lines_ autorelease];
+  lines_ = nil;
 }
 
 @end

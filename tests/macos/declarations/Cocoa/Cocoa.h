@@ -42,7 +42,7 @@ BOOL NSPointInRect(NSPoint point, NSRect rect);
 
 @class NSAppearance, NSArray, NSAttributedString, NSBitmapImageRep, NSColor, NSCursor, NSData, NSDictionary, NSError;
 @class NSEvent, NSFont, NSImage, NSMenu, NSMenuItem, NSNotification, NSPanel, NSRegularExpression, NSRunLoop;
-@class NSScreen, NSStatusBarButton, NSStatusItem, NSString, NSTextStorage, NSTimer, NSURL, NSView, NSWindow;
+@class NSStatusBarButton, NSStatusItem, NSString, NSTextStorage, NSTimer, NSURL, NSView, NSWindow;
 
 __attribute__((objc_root_class)) @interface NSObject
 + (instancetype)alloc;
@@ -53,7 +53,7 @@ __attribute__((objc_root_class)) @interface NSObject
 - (instancetype)autorelease;
 - (void)dealloc;
 - (id)mutableCopy;
-- (NSString*)description;
+- (id)self;
 - (BOOL)isKindOfClass:(Class)aClass;
 - (BOOL)respondsToSelector:(SEL)selector;
 - (id)performSelector:(SEL)selector withObject:(id)object;
@@ -249,19 +249,8 @@ enum NSImageInterpolation : NSUInteger { NSImageInterpolationLow = 2, NSImageInt
 - (void)setSize:(NSSize)size;
 @end
 
-extern "C" NSString* const NSCalibratedRGBColorSpace;
 @interface NSBitmapImageRep : NSImageRep
 + (NSArray*)imageRepsWithData:(NSData*)data;
-- (instancetype)initWithBitmapDataPlanes:(unsigned char**)planes
-                              pixelsWide:(NSInteger)width
-                              pixelsHigh:(NSInteger)height
-                           bitsPerSample:(NSInteger)bitsPerSample
-                         samplesPerPixel:(NSInteger)samplesPerPixel
-                                hasAlpha:(BOOL)alpha
-                                isPlanar:(BOOL)planar
-                          colorSpaceName:(NSString*)colorSpace
-                             bytesPerRow:(NSInteger)bytesPerRow
-                            bitsPerPixel:(NSInteger)bitsPerPixel;
 @end
 
 @interface NSImage : NSObject
@@ -269,6 +258,8 @@ extern "C" NSString* const NSCalibratedRGBColorSpace;
 - (NSSize)size;
 - (void)setSize:(NSSize)size;
 - (NSArray*)representations;
+- (void)lockFocus;
+- (void)unlockFocus;
 - (void)addRepresentation:(NSImageRep*)representation;
 - (void)drawInRect:(NSRect)to
           fromRect:(NSRect)from
@@ -277,12 +268,8 @@ extern "C" NSString* const NSCalibratedRGBColorSpace;
 @end
 
 @interface NSGraphicsContext : NSObject
-+ (NSGraphicsContext*)graphicsContextWithBitmapImageRep:(NSBitmapImageRep*)representation;
-+ (void)setCurrentContext:(NSGraphicsContext*)context;
-+ (void)saveGraphicsState;
-+ (void)restoreGraphicsState;
++ (NSGraphicsContext*)currentContext;
 - (void)setImageInterpolation:(NSImageInterpolation)interpolation;
-- (void)flushGraphics;
 @end
 
 typedef NSString* NSAccessibilityRole;

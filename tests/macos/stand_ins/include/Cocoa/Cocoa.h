@@ -25,6 +25,7 @@ extern "C" NSArray* standInSearchPaths(NSSearchPathDirectory directory, NSSearch
   NSWindow* window_;
   NSStatusBarButton* button_;
   NSMenu* menu_;
+  NSPanel* lines_;  // of the menu, while it is open
 }
 - (NSStatusBarButton*)button;
 - (void)setMenu:(NSMenu*)menu;
