@@ -8,10 +8,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/support/file_contents.h"
-#include "tests/support/file_descriptor.h"
-#include "tests/support/wait_until.h"
-#include "tests/support/x_input.h"
+#include "tests/harness/file_contents.h"
+#include "tests/harness/file_descriptor.h"
+#include "tests/harness/wait_until.h"
+#include "tests/harness/x_input.h"
 
 namespace fs = std::filesystem;
 using test_support::ChildOptions;
@@ -132,7 +132,8 @@ void MacosAgentTest::send(const std::string& message) {
 void MacosAgentTest::choose(int line) {
   const auto item = waitForWindow(display_.name(), test_support::windowNamed("status item"));
   ASSERT_TRUE(item);
-  ASSERT_TRUE(test_support::clickMouse(display_.name(), item->x + item->width / 2, item->y + item->height / 2));
+  ASSERT_TRUE(
+      test_support::clickMouse(display_.name(), item->x + item->width / 2, item->y + item->height / 2));
   const auto menu = waitForWindow(display_.name(), isMenu);
   ASSERT_TRUE(menu);
   constexpr int lineHeight = 20;

@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/child_process.h"
-#include "tests/support/product_server_double.h"
-#include "tests/support/test_display.h"
-#include "tests/support/timeline.h"
-#include "tests/support/x_windows.h"
+#include "tests/harness/child_process.h"
+#include "tests/harness/product_server_double.h"
+#include "tests/harness/test_display.h"
+#include "tests/harness/timeline.h"
+#include "tests/harness/x_windows.h"
 
-// The agent of platform/macos under GNUstep, in a copy of its bundle, on a display of the test's own. launchctl,
-// open, osascript, killall and the hidden web view are programs that report to the time line.
+// The agent of platform/macos under GNUstep, in a copy of its bundle, on a display of the test's own.
+// launchctl, open, osascript, killall and the hidden web view are programs that report to the time line.
 class MacosAgentTest : public testing::Test {
  protected:
   void SetUp() override;

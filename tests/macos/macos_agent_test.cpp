@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "tests/harness/file_contents.h"
+#include "tests/harness/wait_until.h"
 #include "tests/macos/macos_agent_fixture.h"
-#include "tests/support/file_contents.h"
-#include "tests/support/wait_until.h"
 
 namespace {
 
@@ -22,9 +22,11 @@ constexpr const char* unloadRun =
     "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";
 constexpr const char* killRun = "run: killall tovalinnotification";
 constexpr const char* noticeList =
-    "<plist version=\"1.0\"><dict><key>notice_1</key><dict><key>subject</key><string>The first notice</string>"
+    "<plist version=\"1.0\"><dict><key>notice_1</key><dict><key>subject</key><string>The first "
+    "notice</string>"
     "<key>link</key><string>http://one.example/a</string></dict><key>notice_2</key><dict><key>subject</key>"
-    "<string>The second notice</string><key>link</key><string>http://two.example/b</string></dict></dict></plist>";
+    "<string>The second "
+    "notice</string><key>link</key><string>http://two.example/b</string></dict></dict></plist>";
 
 bool isAccessNotice(const test_support::XWindow& window) {
   return window.name == "Tovalin Notification" && window.width == 420;
@@ -45,9 +47,9 @@ using MacosAgent = MacosAgentTest;
 TEST_F(MacosAgent, LaunchRunsItsStepsInOrder) {
   writeProperties(false, true);
   launch();
-  EXPECT_EQ(texts(), (std::vector<std::string>{
-                         "log 3: Tovalin working path [" + bundle_ + "]", unloadRun, "log 3: bActive : 1",
-                         "log 3: Dark Mode : 0", "pipe: -ton", "log 6: read_pipe read pipe message : "}));
+  EXPECT_EQ(texts(), (std::vector<std::string>{"log 3: Tovalin working path [" + bundle_ + "]", unloadRun,
+                                               "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton",
+                                               "log 6: read_pipe read pipe message : "}));
   EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=start"));
   EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=version1.0.0"));
   EXPECT_TRUE(contentsOf(std::string(folder) + "/" + fileOfToday()).starts_with("TVLD"));
@@ -153,7 +155,8 @@ TEST_F(MacosAgent, NewerVersionOpensTheNotificationHelper) {
   server.putVersion("9.0.0");
   setServers(server.origin());
   launch();
-  EXPECT_TRUE(waitForText("run: open -a " + bundle_ + "/Contents/Resources/tovalinnotification.app --args -title "
+  EXPECT_TRUE(waitForText("run: open -a " + bundle_ +
+                          "/Contents/Resources/tovalinnotification.app --args -title "
                           "Tovalin Notification"));
 }
 
@@ -162,8 +165,7 @@ TEST_F(MacosAgent, SupportWindowWithoutNetworkClosesAndOpensAgain) {
   for (int i = 0; i < 2; ++i) {
     timeline_.clear();
     choose(supportLine);
-    const auto window =
-        test_support::waitForWindow(display_.name(), windowNamed("Support Tovalin"));
+    const auto window = test_support::waitForWindow(display_.name(), windowNamed("Support Tovalin"));
     ASSERT_TRUE(window);
     EXPECT_EQ(window->width, 420);
     EXPECT_EQ(window->height, 240);
@@ -171,8 +173,8 @@ TEST_F(MacosAgent, SupportWindowWithoutNetworkClosesAndOpensAgain) {
     saveScreen("macos-support-offline");
     test_support::requestClose(display_.name(), window->id);
     ASSERT_TRUE(hides(windowNamed("Support Tovalin")));
-    EXPECT_TRUE(waitForText(
-        "log 6: -[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close."));
+    EXPECT_TRUE(
+        waitForText("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close."));
   }
 }
 
@@ -199,7 +201,9 @@ TEST_F(MacosAgent, CollectionAsksRunsItsCommandsAndReports) {
   clickIn("sheet", 338, 26);
   ASSERT_TRUE(waitUntil([] {
     for (const auto& entry : fs::directory_iterator("/tmp"))
-      if (entry.path().filename().string().starts_with("tovalinlog_")) { return true; }
+      if (entry.path().filename().string().starts_with("tovalinlog_")) {
+        return true;
+      }
     return false;
   }));
   ASSERT_TRUE(shows(windowNamed("sheet")));

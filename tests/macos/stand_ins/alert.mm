@@ -8,7 +8,8 @@ constexpr CGFloat width = 400, height = 120, buttonWidth = 100, buttonHeight = 2
 
 NSTextField* label(NSString* text) {
   NSTextField* field = [[[NSTextField alloc]
-      initWithFrame:NSMakeRect(iconSide + 2 * margin, height - 60, width - iconSide - 3 * margin, 48)] autorelease];
+      initWithFrame:NSMakeRect(iconSide + 2 * margin, height - 60, width - iconSide - 3 * margin, 48)]
+      autorelease];
   [field setBezeled:NO];
   [field setDrawsBackground:NO];
   [field setEditable:NO];
@@ -57,7 +58,8 @@ NSImageView* picture(NSImage* image) {
 - (NSButton*)addButtonWithTitle:(NSString*)title {
   const CGFloat place = static_cast<CGFloat>([buttons_ count] + 1);
   NSButton* button = [[[NSButton alloc]
-      initWithFrame:NSMakeRect(width - place * (buttonWidth + margin), margin, buttonWidth, buttonHeight)] autorelease];
+      initWithFrame:NSMakeRect(width - place * (buttonWidth + margin), margin, buttonWidth, buttonHeight)]
+      autorelease];
   [button setTitle:title];
   if ([buttons_ count] == 0) [button setKeyEquivalent:@"\r"];
   if ([title isEqualToString:@"Cancel"]) [button setKeyEquivalent:@"\x1b"];
@@ -93,7 +95,8 @@ NSImageView* picture(NSImage* image) {
   [panel_ setReleasedWhenClosed:NO];
   [[panel_ contentView] addSubview:picture(icon_)];
   [[panel_ contentView] addSubview:label(message_)];
-  for (NSUInteger i = 0; i < [buttons_ count]; ++i) [[panel_ contentView] addSubview:[buttons_ objectAtIndex:i]];
+  for (NSUInteger i = 0; i < [buttons_ count]; ++i)
+    [[panel_ contentView] addSubview:[buttons_ objectAtIndex:i]];
 }
 
 - (NSPanel*)window {

@@ -1,9 +1,8 @@
-// Stands in for FSEvents: looks once per latency whether the path still leads to the same folder and whether a
-// folder in it was changed. Reports one batch for what it finds.
+// Stands in for FSEvents: looks once per latency whether the path still leads to the same folder and whether
+// a folder in it was changed. Reports one batch for what it finds.
 
 #import <Cocoa/Cocoa.h>
 #import <CoreServices/CoreServices.h>
-
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -39,8 +38,8 @@ Folders foldersBelow(const std::string& root) {
   FolderState state{};
   if (stateOf(root, state)) folders.emplace(root, state);
   std::error_code error;
-  for (fs::recursive_directory_iterator entry(root, error); !error && entry != fs::recursive_directory_iterator();
-       entry.increment(error)) {
+  for (fs::recursive_directory_iterator entry(root, error);
+       !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
     if (entry->is_directory() && stateOf(entry->path().string(), state))
       folders.emplace(entry->path().string(), state);
   }
@@ -106,9 +105,9 @@ void __FSEventStream::look() {
 
 @end
 
-FSEventStreamRef FSEventStreamCreate(const void*, FSEventStreamCallback callback, FSEventStreamContext* context,
-                                     CFArrayRef paths, FSEventStreamEventId, double latency,
-                                     FSEventStreamCreateFlags) {
+FSEventStreamRef FSEventStreamCreate(const void*, FSEventStreamCallback callback,
+                                     FSEventStreamContext* context, CFArrayRef paths, FSEventStreamEventId,
+                                     double latency, FSEventStreamCreateFlags) {
   NSArray* array = reinterpret_cast<NSArray*>(const_cast<__CFArray*>(paths));
   const char* path = [static_cast<NSString*>([array objectAtIndex:0]) UTF8String];
   return new __FSEventStream{callback, context->info, path, latency, foldersBelow(path), nil};

@@ -9,11 +9,11 @@
 NSArray* standInSearchPaths(NSSearchPathDirectory, NSSearchPathDomainMask, BOOL) {
   const char* home = std::getenv("HOME");
   if (home == nullptr || home[0] != '/') return [NSArray array];
-  return [NSArray
-      arrayWithObject:[NSString stringWithFormat:@"%s/Library/Application Support", home]];
+  return [NSArray arrayWithObject:[NSString stringWithFormat:@"%s/Library/Application Support", home]];
 }
 
-// Takes the place of GNUstep's method: pages open through the program `open`, as on the command line of macOS.
+// Takes the place of GNUstep's method: pages open through the program `open`, as on the command line of
+// macOS.
 @implementation NSWorkspace (StandIn)
 
 - (BOOL)openURL:(NSURL*)url {

@@ -1,5 +1,5 @@
-// Modal runs as those of macOS: hiding a window ends no run and a run's end hides no window. GNUstep's own order a
-// window out at the end of its run, and to the front when the run inside it has ended.
+// Modal runs as those of macOS: hiding a window ends no run and a run's end hides no window. GNUstep's own
+// order a window out at the end of its run, and to the front when the run inside it has ended.
 
 #import <Cocoa/Cocoa.h>
 

@@ -1,6 +1,6 @@
-// A status bar of one item: a small window in the upper right corner of the screen, whose button opens the menu.
-// The menu is a window of buttons below it, one of the same height for each item: GNUstep's own does not outlive
-// the modal runs that begin while it is tracked.
+// A status bar of one item: a small window in the upper right corner of the screen, whose button opens the
+// menu. The menu is a window of buttons below it, one of the same height for each item: GNUstep's own does
+// not outlive the modal runs that begin while it is tracked.
 
 #import <Cocoa/Cocoa.h>
 
@@ -91,6 +91,8 @@ constexpr CGFloat side = 24, menuWidth = 200, lineHeight = 20;
 - (void)openMenu:(id)sender {
   static_cast<void>(sender);
   if (lines_ != nil) return [self closeMenu];
+  // The first click into a window of a program that is not active only activates it.
+  [NSApp activateIgnoringOtherApps:YES];
   const NSInteger count = [menu_ numberOfItems];
   const CGFloat height = lineHeight * static_cast<CGFloat>(count);
   const NSRect item = [window_ frame];
@@ -108,7 +110,8 @@ constexpr CGFloat side = 24, menuWidth = 200, lineHeight = 20;
 
 - (void)addLine:(NSInteger)index height:(CGFloat)height {
   NSMenuItem* item = [menu_ itemAtIndex:index];
-  const NSRect frame = NSMakeRect(0, height - lineHeight * static_cast<CGFloat>(index + 1), menuWidth, lineHeight);
+  const NSRect frame =
+      NSMakeRect(0, height - lineHeight * static_cast<CGFloat>(index + 1), menuWidth, lineHeight);
   NSButton* line = [[[StandInMenuLine alloc] initWithFrame:frame] autorelease];
   [line setTitle:[item isSeparatorItem] ? @"" : [item title]];
   [line setImage:[item image]];

@@ -1,8 +1,8 @@
 #pragma once
 
-// The part of Cocoa that platform/macos uses, declared for the type check alone (`make check-macos`): nothing is
-// linked with it. Written from Apple's public documentation. What is not declared here may not be used, so a
-// new call adds its line. Types are spelled as in the documentation; a constant of an enumeration is one of
+// The part of Cocoa that platform/macos uses, declared for the type check alone (`make check-macos`): nothing
+// is linked with it. Written from Apple's public documentation. What is not declared here may not be used, so
+// a new call adds its line. Types are spelled as in the documentation; a constant of an enumeration is one of
 // its own type, so that another one in its place is an error.
 
 #include <cstddef>
@@ -40,11 +40,13 @@ NSSize NSMakeSize(CGFloat width, CGFloat height);
 NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height);
 BOOL NSPointInRect(NSPoint point, NSRect rect);
 
-@class NSAppearance, NSArray, NSAttributedString, NSBitmapImageRep, NSColor, NSCursor, NSData, NSDictionary, NSError;
+@class NSAppearance, NSArray, NSAttributedString, NSBitmapImageRep, NSColor, NSCursor, NSData, NSDictionary,
+    NSError;
 @class NSEvent, NSFont, NSImage, NSMenu, NSMenuItem, NSNotification, NSPanel, NSRegularExpression, NSRunLoop;
 @class NSStatusBarButton, NSStatusItem, NSString, NSTextStorage, NSTimer, NSURL, NSView, NSWindow;
 
-__attribute__((objc_root_class)) @interface NSObject
+__attribute__((objc_root_class))
+@interface NSObject
 + (instancetype)alloc;
 + (Class)class;
 - (instancetype)init;
@@ -69,7 +71,9 @@ __attribute__((objc_root_class)) @interface NSObject
 
 enum NSStringEncoding : NSUInteger { NSUTF8StringEncoding = 4 };
 @interface NSString : NSObject
-- (instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSStringEncoding)encoding;
+- (instancetype)initWithBytes:(const void*)bytes
+                       length:(NSUInteger)length
+                     encoding:(NSStringEncoding)encoding;
 - (NSUInteger)length;
 - (const char*)UTF8String;
 @end
@@ -239,7 +243,10 @@ extern "C" NSString* const NSAppearanceNameDarkAqua;
 // NSTextAlignmentCenter is 1 on Apple silicon and 2 on Intel: only the names may be used.
 enum NSTextAlignment : NSInteger { NSTextAlignmentLeft = 0, NSTextAlignmentCenter = 1 };
 
-enum NSCompositingOperation : NSUInteger { NSCompositingOperationCopy = 1, NSCompositingOperationSourceOver = 2 };
+enum NSCompositingOperation : NSUInteger {
+  NSCompositingOperationCopy = 1,
+  NSCompositingOperationSourceOver = 2
+};
 enum NSImageInterpolation : NSUInteger { NSImageInterpolationLow = 2, NSImageInterpolationHigh = 3 };
 
 @interface NSImageRep : NSObject

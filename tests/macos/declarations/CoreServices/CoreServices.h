@@ -20,8 +20,9 @@ typedef const struct __FSEventStream* ConstFSEventStreamRef;
 typedef std::uint32_t FSEventStreamCreateFlags;
 typedef std::uint32_t FSEventStreamEventFlags;
 typedef std::uint64_t FSEventStreamEventId;
-typedef void (*FSEventStreamCallback)(ConstFSEventStreamRef stream, void* info, std::size_t count, void* paths,
-                                      const FSEventStreamEventFlags* flags, const FSEventStreamEventId* ids);
+typedef void (*FSEventStreamCallback)(ConstFSEventStreamRef stream, void* info, std::size_t count,
+                                      void* paths, const FSEventStreamEventFlags* flags,
+                                      const FSEventStreamEventId* ids);
 struct FSEventStreamContext {
   long version;
   void* info;
@@ -34,8 +35,9 @@ enum : FSEventStreamCreateFlags { kFSEventStreamCreateFlagWatchRoot = 4 };
 
 extern "C" {
 FSEventStreamRef FSEventStreamCreate(CFAllocatorRef allocator, FSEventStreamCallback callback,
-                                     FSEventStreamContext* context, CFArrayRef paths, FSEventStreamEventId since,
-                                     CFTimeInterval latency, FSEventStreamCreateFlags flags);
+                                     FSEventStreamContext* context, CFArrayRef paths,
+                                     FSEventStreamEventId since, CFTimeInterval latency,
+                                     FSEventStreamCreateFlags flags);
 void FSEventStreamScheduleWithRunLoop(FSEventStreamRef stream, CFRunLoopRef loop, CFStringRef mode);
 Boolean FSEventStreamStart(FSEventStreamRef stream);
 void FSEventStreamStop(FSEventStreamRef stream);

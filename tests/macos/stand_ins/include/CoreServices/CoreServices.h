@@ -21,8 +21,9 @@ typedef const struct __FSEventStream* ConstFSEventStreamRef;
 typedef std::uint32_t FSEventStreamEventFlags;
 typedef std::uint32_t FSEventStreamCreateFlags;
 typedef std::uint64_t FSEventStreamEventId;
-typedef void (*FSEventStreamCallback)(ConstFSEventStreamRef stream, void* info, std::size_t count, void* paths,
-                                      const FSEventStreamEventFlags* flags, const FSEventStreamEventId* ids);
+typedef void (*FSEventStreamCallback)(ConstFSEventStreamRef stream, void* info, std::size_t count,
+                                      void* paths, const FSEventStreamEventFlags* flags,
+                                      const FSEventStreamEventId* ids);
 struct FSEventStreamContext {
   long version;
   void* info;
@@ -35,8 +36,9 @@ inline constexpr FSEventStreamEventId kFSEventStreamEventIdSinceNow = ~FSEventSt
 enum { kFSEventStreamCreateFlagWatchRoot = 4 };
 
 FSEventStreamRef FSEventStreamCreate(const void* allocator, FSEventStreamCallback callback,
-                                     FSEventStreamContext* context, CFArrayRef paths, FSEventStreamEventId since,
-                                     double latency, FSEventStreamCreateFlags flags);
+                                     FSEventStreamContext* context, CFArrayRef paths,
+                                     FSEventStreamEventId since, double latency,
+                                     FSEventStreamCreateFlags flags);
 void FSEventStreamScheduleWithRunLoop(FSEventStreamRef stream, CFRunLoopRef loop, CFStringRef mode);
 unsigned char FSEventStreamStart(FSEventStreamRef stream);
 void FSEventStreamStop(FSEventStreamRef stream);
