@@ -66,7 +66,7 @@ check-macos:
 macos-on-gnustep:
 	packaging/set_up build run test macos
 	@$(call configure,-DTOVALIN_MACOS_ON_GNUSTEP=ON)
-	@cmake --build --preset $(PRESET) --target macos_agent_test
+	@cmake --build --preset $(PRESET) --target macos_agent_test macos_differential_test
 	ctest --preset $(PRESET) --tests-regex '^macos_'
 
 # With those that a sanitizer leaves no room for.

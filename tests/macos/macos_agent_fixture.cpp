@@ -8,10 +8,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/harness/file_contents.h"
-#include "tests/harness/file_descriptor.h"
-#include "tests/harness/wait_until.h"
-#include "tests/harness/x_input.h"
+#include "tests/harness/desktop/x_input.h"
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/file_descriptor.h"
+#include "tests/harness/processes/wait_until.h"
 
 namespace fs = std::filesystem;
 using test_support::ChildOptions;
@@ -64,10 +64,7 @@ void MacosAgentTest::SetUp() {
                   fs::copy_options::overwrite_existing);
   environment_ = {{"DISPLAY", display_.name()},
                   {"PATH", std::string(outsideCommands) + ":" + std::getenv("PATH")}};
-  fs::remove_all(bundle_);
-  fs::create_directories(fs::path(bundle_).parent_path());
-  fs::copy(TOVALIN_MACOS_BUNDLE, bundle_, fs::copy_options::recursive);
-  setServers(kNobody);
+  installMacosAgent();
   // No icon of the application on the screen, which macOS does not show for agents either.
   ASSERT_EQ(run({"defaults", "write", "NSGlobalDomain", "GSSuppressAppIcon", "YES"}), 0);
 }
@@ -76,10 +73,34 @@ void MacosAgentTest::TearDown() {
   agent_.kill();
 }
 
+void MacosAgentTest::install(const std::string& built) {
+  fs::remove_all(bundle_);
+  fs::create_directories(fs::path(bundle_).parent_path());
+  fs::copy(built, bundle_, fs::copy_options::recursive);
+}
+
+void MacosAgentTest::installMacosAgent() {
+  install(TOVALIN_MACOS_BUNDLE);
+  setServers(kNobody);
+}
+
+void MacosAgentTest::installLinuxAgent() {
+  const char* root = std::getenv("TOVALIN_BUNDLE_ROOT");
+  install(std::string(root == nullptr ? "" : root) + "/Tovalin.app");
+  fs::copy_file(std::string(TOVALIN_MACOS_BUNDLE) + "/Contents/TovalinPorperty.plist",
+                bundle_ + "/Contents/TovalinPorperty.plist", fs::copy_options::overwrite_existing);
+  const std::string helpers = contents() + "/Helpers/";
+  for (const char* helper : {"launchctl", "open", "osascript"})
+    fs::copy_file(TOVALIN_RECORDER, helpers + helper, fs::copy_options::overwrite_existing);
+  fs::copy_file(TOVALIN_WEB_VIEW_DOUBLE, helpers + "TovalinWebView", fs::copy_options::overwrite_existing);
+  setServers(kNobody);
+}
+
 void MacosAgentTest::setServers(const std::string& product, const std::string& testUpload) {
   const std::string path = contents() + "/Info.plist";
-  std::string list = test_support::contentsOf(std::string(TOVALIN_MACOS_BUNDLE) +
-                                              "/Contents/Resources/TovalinTray.app/Contents/Info.plist");
+  std::string list = test_support::contentsOf(path);
+  if (const auto earlier = list.find("<key>TovalinProductServer"); earlier != std::string::npos)
+    list.erase(earlier, list.rfind("</dict>") - earlier);
   list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + product +
                                          "</string><key>TovalinTestUploadServer</key><string>" + testUpload +
                                          "</string>");

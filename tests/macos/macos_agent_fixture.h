@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/harness/child_process.h"
-#include "tests/harness/product_server_double.h"
-#include "tests/harness/test_display.h"
-#include "tests/harness/timeline.h"
-#include "tests/harness/x_windows.h"
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/timeline.h"
+#include "tests/harness/servers/product_server_double.h"
 
 // The agent of platform/macos under GNUstep, in a copy of its bundle, on a display of the test's own.
 // launchctl, open, osascript, killall and the hidden web view are programs that report to the time line.
@@ -21,6 +21,9 @@ class MacosAgentTest : public testing::Test {
   void SetUp() override;
   void TearDown() override;
 
+  // Has the Linux agent, from the bundle below TOVALIN_BUNDLE_ROOT, take the place of the other one.
+  void installLinuxAgent();
+  void installMacosAgent();
   void setServers(const std::string& product, const std::string& testUpload = kNobody);
   void writeProperties(bool autorun, bool active);
   // Starts the agent, and waits until it told the main application so and listens.
@@ -53,12 +56,16 @@ class MacosAgentTest : public testing::Test {
 
   static constexpr const char* kNobody = "http://127.0.0.1:1";
   static constexpr const char* folder = "/tmp/home/Library/Application Support/Tovalin";
+  static constexpr const char* linuxFolder = "/tmp/home/.local/share/Tovalin";
 
   test_support::TestDisplay display_;
   test_support::Timeline timeline_;
   std::string bundle_ = "/tmp/Applications/Tovalin.app";
   std::map<std::string, std::optional<std::string>> environment_;
   test_support::ChildProcess agent_;
+
+ private:
+  void install(const std::string& built);
 };
 
 // The lines of the menu.

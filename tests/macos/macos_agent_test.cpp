@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/harness/file_contents.h"
-#include "tests/harness/wait_until.h"
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/wait_until.h"
 #include "tests/macos/macos_agent_fixture.h"
 
 namespace {
