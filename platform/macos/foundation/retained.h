@@ -1,5 +1,7 @@
 #pragma once
 
+#import <Cocoa/Cocoa.h>
+
 #include <utility>
 
 namespace platform {
