@@ -1,10 +1,10 @@
 # What there is to do beside ./run and ./test. PRESET: one of CMakePresets.json.
 PRESET ?= release
-SOURCES = $(shell git ls-files '*.cpp' '*.h')
+SOURCES = $(shell git ls-files '*.cpp' '*.h' '*.mm')
 
 # The tests would wait for each other's processors.
 .NOTPARALLEL:
-.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-portable check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-portable check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # Where the bundle of the preset is assembled.
@@ -37,7 +37,7 @@ format:
 	clang-format -i $(SOURCES)
 
 # What takes longest and finds least comes last.
-check: check-packages check-format check-cppcheck check-compilers check-portable check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-cppcheck check-compilers check-portable check-macos check-tests macos-on-gnustep check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
 	packaging/set_up
@@ -55,6 +55,19 @@ check-compilers-clang:
 # The product folders and platform/portable as another system would compile them: with clang 16 and libc++.
 check-portable:
 	tests/structure/portable_code
+
+# The types of platform/macos, and that the check can fail.
+check-macos:
+	packaging/set_up develop
+	tests/macos/check
+	tests/macos/check_can_fail
+
+# Builds the agent of platform/macos with GNUstep and drives it on a private screen.
+macos-on-gnustep:
+	packaging/set_up build run test macos
+	@$(call configure,-DTOVALIN_MACOS_ON_GNUSTEP=ON)
+	@cmake --build --preset $(PRESET) --target macos_agent_test macos_differential_test
+	ctest --preset $(PRESET) --tests-regex '^macos_'
 
 # With those that a sanitizer leaves no room for.
 check-tests:

@@ -22,10 +22,12 @@ include(CheckCXXCompilerFlag)
 check_cxx_compiler_flag(-fcf-protection TOVALIN_BRANCH_TARGETS)
 add_compile_options(-fstack-protector-strong $<$<BOOL:${TOVALIN_BRANCH_TARGETS}>:-fcf-protection>)
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
-add_link_options(LINKER:-z,relro,-z,now)
+if(NOT APPLE)  # whose linker knows no such options and makes position-independent programs anyway
+  add_link_options(LINKER:-z,relro,-z,now)
+  add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>)
+endif()
 # By hand, because CMake's property would compile libraries and programs differently, which then could share no precompiled headers.
 add_compile_options(-fPIE)
-add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>)
 
 if(TOVALIN_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)

@@ -26,7 +26,8 @@ class MenuItem {
   void setEnabled(bool enabled);
   // The picture beside the title, at its own size; nullptr for none.
   void setImage(const std::shared_ptr<Image>& image);
-  // Puts a hidden web view into the item's place, owned by the item: the item then takes no visible room.
+  // Puts a hidden web view into the item's place, owned by the item: the item then takes no more
+  // room than that.
   void setView(std::unique_ptr<WebView> view);
 
   struct Impl;  // for the bodies of platform/ alone

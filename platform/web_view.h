@@ -22,8 +22,10 @@ class WebView {
   // been loaded. Returns at once and without a word, also where there is nothing to load it with.
   void loadRequest(const std::string& url);
 
+  struct Impl;  // for the bodies of platform/ alone
+  [[nodiscard]] Impl& impl() const { return *impl_; }
+
  private:
-  struct Impl;
   Rect frame_;
   std::unique_ptr<Impl> impl_;
 };

@@ -36,7 +36,7 @@ class Window : public std::enable_shared_from_this<Window> {
   void setWillClose(std::function<void()> willClose);
   // The view that fills the window; it lives as long as the window.
   [[nodiscard]] View& contentView() const;
-  // Puts the content in the middle of the screen.
+  // Puts the window in the middle of the screen; AppKit centres it a little above that.
   void center();
   // Shows the window above the program's others and asks for the keyboard. A window that was closed stays
   // away.

@@ -1,0 +1,42 @@
+#include "platform/macos/application/ending_signals.h"
+
+#include <signal.h>
+
+#include <utility>
+
+#include "platform/thread.h"
+
+namespace platform {
+namespace {
+
+bool isIgnored(int number) {
+  struct sigaction current {};
+  return ::sigaction(number, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
+}
+
+sigset_t endingSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+    if (number != SIGHUP || !isIgnored(number)) sigaddset(&signals, number);
+  }
+  return signals;
+}
+
+}  // namespace
+
+// The whole mask: whoever started the process may have blocked others.
+void blockEndingSignals() {
+  const sigset_t signals = endingSignals();
+  ::sigprocmask(SIG_SETMASK, &signals, nullptr);
+}
+
+void hearEndingSignals(std::function<void()> ended) {
+  detachNewThread([ended = std::move(ended), signals = endingSignals()] {
+    for (int number = 0;;) {
+      if (::sigwait(&signals, &number) == 0) ended();
+    }
+  });
+}
+
+}  // namespace platform

@@ -1,0 +1,40 @@
+#include "platform/macos/application/process_start.h"
+
+#include <signal.h>
+#include <syslog.h>
+
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "platform/log.h"
+#include "platform/macos/application/ending_signals.h"
+#include "platform/portable/standard_streams.h"
+
+namespace platform {
+namespace {
+
+[[noreturn]] void endUncaught() {
+  try {
+    if (const auto error = std::current_exception()) std::rethrow_exception(error);
+  } catch (const std::bad_alloc&) {
+    fatalError("out of memory");
+  } catch (const std::exception& error) {
+    fatalError(error.what());
+  } catch (...) {
+  }
+  fatalError("an error of an unknown kind");
+}
+
+}  // namespace
+
+void prepareProcess() {
+  std::set_terminate(endUncaught);
+  fillStandardStreams();
+  blockEndingSignals();
+  ::signal(SIGPIPE, SIG_IGN);
+  ::openlog("TovalinTray", LOG_PID, LOG_USER);
+  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+}
+
+}  // namespace platform

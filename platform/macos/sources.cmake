@@ -1,0 +1,43 @@
+# The files of platform/macos, also for the build under GNUstep.
+set(macos_cpp_sources
+  application/ending_signals.cpp
+  system/helper_folder.cpp
+  system/log_sources.cpp
+  application/process_start.cpp
+)
+# What these take of the system is not there under GNUstep.
+set(macos_kernel_sources
+  system/descriptors.cpp
+)
+set(macos_cocoa_sources
+  foundation/action.mm
+  windows/alert.mm
+  application/application.mm
+  application/application_main.mm
+  system/bundle.mm
+  windows/button.mm
+  windows/color.mm
+  system/distributed_notification_center.mm
+  system/file_event_stream.mm
+  system/interface_style.mm
+  images/image.mm
+  images/image_focus.mm
+  windows/image_view.mm
+  tray/menu.mm
+  tray/menu_item.mm
+  windows/modal_stack.mm
+  windows/posted_work.mm
+  system/process_info.mm
+  system/search_path.mm
+  application/single_instance.mm
+  tray/status_item.mm
+  windows/text_field.mm
+  foundation/text_impl.mm
+  windows/text_prefix.mm
+  windows/text_view.mm
+  application/timer.mm
+  windows/view.mm
+  web_view/web_view.mm
+  windows/window.mm
+  system/workspace.mm
+)

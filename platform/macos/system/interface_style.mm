@@ -1,0 +1,20 @@
+#include "platform/interface_style.h"
+
+#import <Cocoa/Cocoa.h>
+
+#include "platform/macos/foundation/autorelease_pool.h"
+#include "platform/macos/foundation/text_impl.h"
+
+namespace platform {
+
+// Values other than texts are told to be there, and no more.
+std::optional<PropertyList> interfaceStyle() {
+  const AutoreleasePool pool;
+  NSDictionary* domain = [[NSUserDefaults standardUserDefaults] persistentDomainForName:NSGlobalDomain];
+  id value = [domain objectForKey:@"AppleInterfaceStyle"];
+  if (value == nil) return std::nullopt;
+  if (![value isKindOfClass:[NSString class]]) return PropertyList(PropertyList::Null());
+  return PropertyList(utf8Of(static_cast<NSString*>(value)));
+}
+
+}  // namespace platform

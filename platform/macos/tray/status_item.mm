@@ -1,0 +1,56 @@
+#include "platform/status_item.h"
+
+#include <string>
+#include <utility>
+
+#include "platform/application.h"
+#include "platform/image.h"
+#include "platform/macos/foundation/text_impl.h"
+#include "platform/macos/images/image_impl.h"
+#include "platform/macos/tray/menu_impl.h"
+#include "platform/menu.h"
+
+namespace platform {
+
+struct StatusItem::Impl {
+  Retained<NSStatusItem*> item;
+  std::unique_ptr<Menu> menu;
+};
+
+StatusItem::StatusItem(double length) : impl_(std::make_unique<Impl>()) {
+  impl_->item = retained<NSStatusItem*>([[NSStatusBar systemStatusBar] statusItemWithLength:length]);
+}
+
+StatusItem::~StatusItem() {
+  [[NSStatusBar systemStatusBar] removeStatusItem:impl_->item.get()];
+}
+
+void StatusItem::setTitle(std::string_view title) {
+  [[impl_->item.get() button] setTitle:textOf(title)];
+}
+
+void StatusItem::setImage(std::shared_ptr<Image> image) {
+  [[impl_->item.get() button] setImage:image == nullptr ? nil : image->impl().image.get()];
+}
+
+// The status bar highlights a button by itself while its menu is open.
+void StatusItem::setHighlightMode(bool highlights) {
+  static_cast<void>(highlights);
+}
+
+void StatusItem::setMenu(std::unique_ptr<Menu> menu) {
+  impl_->menu = std::move(menu);
+  [impl_->item.get() setMenu:impl_->menu == nullptr ? nil : impl_->menu->impl().menu.get()];
+}
+
+Menu* StatusItem::menu() const {
+  return impl_->menu.get();
+}
+
+// Posted, because a menu is tracked inside the call that opens it.
+void StatusItem::popUpMenu() {
+  const auto item = std::make_shared<Retained<NSStatusItem*>>(retained(impl_->item.get()));
+  Application::sharedApplication().performOnMainThread([=] { [[item->get() button] performClick:nil]; });
+}
+
+}  // namespace platform

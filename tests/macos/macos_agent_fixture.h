@@ -1,0 +1,74 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/timeline.h"
+#include "tests/harness/servers/product_server_double.h"
+
+// The agent of platform/macos under GNUstep, in a copy of its bundle, on a display of the test's own.
+// launchctl, open, osascript, killall and the hidden web view are programs that report to the time line.
+class MacosAgentTest : public testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Has the Linux agent, from the bundle below TOVALIN_BUNDLE_ROOT, take the place of the other one.
+  void installLinuxAgent();
+  void installMacosAgent();
+  void setServers(const std::string& product, const std::string& testUpload = kNobody);
+  void writeProperties(bool autorun, bool active);
+  // Starts the agent, and waits until it told the main application so and listens.
+  void launch();
+  // Starts it a second time and waits for the end of that process.
+  void startAgain();
+  [[nodiscard]] test_support::ExitStatus endOfAgent();
+  void terminateAgent();
+
+  void send(const std::string& message);
+  // Opens the menu by a click on the status item, and clicks its line with this number, separators included.
+  void choose(int line);
+  void clickIn(const std::string& window, int x, int fromBottom);
+  [[nodiscard]] bool shows(const test_support::WindowPredicate& fits);
+  [[nodiscard]] bool hides(const test_support::WindowPredicate& fits);
+  void saveScreen(const std::string& name) const;
+
+  // What is on the time line; the beacons, which nobody waits for, apart.
+  [[nodiscard]] std::vector<std::string> texts();
+  [[nodiscard]] std::vector<std::string> beacons();
+  [[nodiscard]] bool waitForText(const std::string& beginning) {
+    return timeline_.waitFor(beginning).has_value();
+  }
+  [[nodiscard]] bool waitForBeacon(const std::string& query);
+  [[nodiscard]] int count(const std::string& beginning);
+
+  [[nodiscard]] std::string contents() const {
+    return bundle_ + "/Contents/Resources/TovalinTray.app/Contents";
+  }
+
+  static constexpr const char* kNobody = "http://127.0.0.1:1";
+  static constexpr const char* folder = "/tmp/home/Library/Application Support/Tovalin";
+  static constexpr const char* linuxFolder = "/tmp/home/.local/share/Tovalin";
+
+  test_support::TestDisplay display_;
+  test_support::Timeline timeline_;
+  std::string bundle_ = "/tmp/Applications/Tovalin.app";
+  std::map<std::string, std::optional<std::string>> environment_;
+  test_support::ChildProcess agent_;
+
+ private:
+  void install(const std::string& built);
+};
+
+// The lines of the menu.
+inline constexpr int switchLine = 0, websiteLine = 6, supportLine = 8, quitLine = 10;
+
+[[nodiscard]] bool isMenu(const test_support::XWindow& window);

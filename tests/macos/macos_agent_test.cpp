@@ -1,0 +1,239 @@
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/wait_until.h"
+#include "tests/macos/macos_agent_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using test_support::contentsOf;
+using test_support::ExitStatus;
+using test_support::ProductServerDouble;
+using test_support::waitUntil;
+using test_support::windowNamed;
+
+constexpr const char* unloadRun =
+    "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";
+constexpr const char* killRun = "run: killall tovalinnotification";
+constexpr const char* noticeList =
+    "<plist version=\"1.0\"><dict><key>notice_1</key><dict><key>subject</key><string>The first "
+    "notice</string>"
+    "<key>link</key><string>http://one.example/a</string></dict><key>notice_2</key><dict><key>subject</key>"
+    "<string>The second "
+    "notice</string><key>link</key><string>http://two.example/b</string></dict></dict></plist>";
+
+bool isAccessNotice(const test_support::XWindow& window) {
+  return window.name == "Tovalin Notification" && window.width == 420;
+}
+bool isLoadingNotice(const test_support::XWindow& window) {
+  return window.name == "Tovalin Notification" && window.width == 260;
+}
+
+std::string fileOfToday() {
+  const std::time_t now = std::time(nullptr);
+  char name[30];
+  std::strftime(name, sizeof name, "Tovalin_%Y_%m_%d.dat", std::localtime(&now));
+  return name;
+}
+
+using MacosAgent = MacosAgentTest;
+
+TEST_F(MacosAgent, LaunchRunsItsStepsInOrder) {
+  writeProperties(false, true);
+  launch();
+  EXPECT_EQ(texts(), (std::vector<std::string>{"log 3: Tovalin working path [" + bundle_ + "]", unloadRun,
+                                               "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton",
+                                               "log 6: read_pipe read pipe message : "}));
+  EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=start"));
+  EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=version1.0.0"));
+  EXPECT_TRUE(contentsOf(std::string(folder) + "/" + fileOfToday()).starts_with("TVLD"));
+  saveScreen("macos-launch");
+}
+
+TEST_F(MacosAgent, SwitchTellsTheMainApplicationAndChangesItsTitle) {
+  launch();
+  choose(switchLine);
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=turnoff"));
+  saveScreen("macos-switched");
+  choose(switchLine);
+  ASSERT_TRUE(waitForText("pipe: -m"));
+  EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=turnon"));
+}
+
+TEST_F(MacosAgent, QuitSaysSoAndEnds) {
+  launch();
+  timeline_.clear();
+  choose(quitLine);
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  EXPECT_EQ(texts(), (std::vector<std::string>{killRun, "pipe: -toff", unloadRun, killRun}));
+  EXPECT_FALSE(fs::exists("/tmp/KMNOTIPIPE"));
+}
+
+TEST_F(MacosAgent, SignalEndsItFromNestedModalRuns) {
+  launch();
+  send("-non");
+  send("-neon");
+  ASSERT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
+  terminateAgent();
+  EXPECT_EQ(count(killRun), 1);
+}
+
+TEST_F(MacosAgent, NoticesHiddenInReverseOrderGoAway) {
+  launch();
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  send("-neon");
+  ASSERT_TRUE(shows(isLoadingNotice));
+  saveScreen("macos-notices");
+  send("-neoff");
+  ASSERT_TRUE(hides(isLoadingNotice));
+  ASSERT_TRUE(shows(isAccessNotice));
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+}
+
+TEST_F(MacosAgent, NoticeHiddenFirstEndsTheOtherOnesRunAndLeavesThatOnScreen) {
+  launch();
+  send("-neon");
+  ASSERT_TRUE(shows(isLoadingNotice));
+  send("-non");
+  ASSERT_TRUE(shows(isAccessNotice));
+  send("-neoff");
+  ASSERT_TRUE(hides(isLoadingNotice));
+  ASSERT_TRUE(waitForText("run: osascript -e"));
+  ASSERT_TRUE(shows(isAccessNotice));
+  send("-noff");
+  ASSERT_TRUE(hides(isAccessNotice));
+}
+
+TEST_F(MacosAgent, NoticesAreShownAgain) {
+  launch();
+  for (int i = 0; i < 3; ++i) {
+    send("-non");
+    ASSERT_TRUE(shows(isAccessNotice));
+    send("-noff");
+    ASSERT_TRUE(hides(isAccessNotice));
+    send("-neon");
+    ASSERT_TRUE(shows(isLoadingNotice));
+    send("-neoff");
+    ASSERT_TRUE(hides(isLoadingNotice));
+  }
+}
+
+TEST_F(MacosAgent, CollectedDataBecomesARecord) {
+  launch();
+  send("-ncdat\0\0\0\0\x03\0\0\0phone\0"s);
+  EXPECT_TRUE(waitUntil([] {
+    const std::string bytes = contentsOf(std::string(folder) + "/" + fileOfToday());
+    return bytes.find("\x05phone") != std::string::npos;
+  }));
+}
+
+TEST_F(MacosAgent, PastFileIsUploadedAndRemoved) {
+  ProductServerDouble server;
+  setServers(server.origin());
+  fs::create_directories(folder);
+  std::ofstream(std::string(folder) + "/Tovalin_2020_01_02.dat") << "records";
+  launch();
+  ASSERT_TRUE(server.waitForRequests("POST", 1));
+  EXPECT_TRUE(waitUntil([] { return !fs::exists(std::string(folder) + "/Tovalin_2020_01_02.dat"); }));
+  for (const auto& request : server.requests()) {
+    if (request.method != "POST") continue;
+    EXPECT_EQ(request.body.size(), 241 + "records"s.size());
+  }
+}
+
+TEST_F(MacosAgent, NewerVersionOpensTheNotificationHelper) {
+  ProductServerDouble server;
+  server.putVersion("9.0.0");
+  setServers(server.origin());
+  launch();
+  EXPECT_TRUE(waitForText("run: open -a " + bundle_ +
+                          "/Contents/Resources/tovalinnotification.app --args -title "
+                          "Tovalin Notification"));
+}
+
+TEST_F(MacosAgent, SupportWindowWithoutNetworkClosesAndOpensAgain) {
+  launch();
+  for (int i = 0; i < 2; ++i) {
+    timeline_.clear();
+    choose(supportLine);
+    const auto window = test_support::waitForWindow(display_.name(), windowNamed("Support Tovalin"));
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->width, 420);
+    EXPECT_EQ(window->height, 240);
+    EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=support"));
+    saveScreen("macos-support-offline");
+    test_support::requestClose(display_.name(), window->id);
+    ASSERT_TRUE(hides(windowNamed("Support Tovalin")));
+    EXPECT_TRUE(
+        waitForText("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close."));
+  }
+}
+
+TEST_F(MacosAgent, FaqButtonOpensThePage) {
+  ProductServerDouble server;
+  server.putVersion("9.0.0");
+  server.put("/product/nimba/binary/tovalinnotice.xml", noticeList);
+  setServers(server.origin());
+  launch();
+  choose(supportLine);
+  ASSERT_TRUE(shows(windowNamed("Support Tovalin")));
+  saveScreen("macos-support-online");
+  clickIn("Support Tovalin", 210, 62);
+  EXPECT_TRUE(waitForText("run: open " + server.origin() + "/support/tovalin/"));
+}
+
+TEST_F(MacosAgent, CollectionAsksRunsItsCommandsAndReports) {
+  launch();
+  choose(supportLine);
+  ASSERT_TRUE(shows(windowNamed("Support Tovalin")));
+  clickIn("Support Tovalin", 350, 62);
+  ASSERT_TRUE(shows(windowNamed("sheet")));
+  saveScreen("macos-sheet");
+  clickIn("sheet", 338, 26);
+  ASSERT_TRUE(waitUntil([] {
+    for (const auto& entry : fs::directory_iterator("/tmp"))
+      if (entry.path().filename().string().starts_with("tovalinlog_")) {
+        return true;
+      }
+    return false;
+  }));
+  ASSERT_TRUE(shows(windowNamed("sheet")));
+  saveScreen("macos-collected");
+  clickIn("sheet", 226, 26);
+  EXPECT_TRUE(waitForText(std::string("run: open ") + kNobody + "/contact/tovalin/"));
+}
+
+TEST_F(MacosAgent, RemovedBundleEndsIt) {
+  launch();
+  timeline_.clear();
+  fs::rename(bundle_, "/tmp/Applications/Moved.app");
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+  fs::remove_all("/tmp/Applications/Moved.app");
+  EXPECT_EQ(texts(), (std::vector<std::string>{"log 6: filestreamcallback event flag : 32, 0x20", unloadRun,
+                                               killRun}));
+}
+
+TEST_F(MacosAgent, DarkAppearanceIsReadAtTheStart) {
+  test_support::ChildProcess defaults;
+  ASSERT_TRUE(defaults.start({"defaults", "write", "NSGlobalDomain", "AppleInterfaceStyle", "Dark"}, {}));
+  ASSERT_EQ(defaults.wait(), ExitStatus{.code = 0});
+  launch();
+  EXPECT_EQ(count("log 3: Dark Mode : 1"), 1);
+}
+
+TEST_F(MacosAgent, SecondStartOpensTheMenu) {
+  launch();
+  startAgain();
+  EXPECT_TRUE(shows(isMenu));
+}
+
+}  // namespace

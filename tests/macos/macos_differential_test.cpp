@@ -1,0 +1,127 @@
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/wait_until.h"
+#include "tests/macos/macos_agent_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using test_support::ExitStatus;
+using test_support::ProductServerDouble;
+using test_support::waitUntil;
+
+// What one agent did, as others see it.
+struct Outcome {
+  std::vector<std::string> events;  // messages, log entries with their priorities, commands
+  std::vector<std::string> beacons;
+  std::vector<std::string> requests;  // method, path and body, in the order of their paths
+  std::vector<std::string> records;   // the day's file
+};
+
+// Allowed to differ: the installation's identifier, the time of a record, and the code of the system.
+std::string masked(const std::string& file) {
+  std::string text = std::regex_replace(file, std::regex("\\{[0-9A-F-]{36}\\}"), "{identifier}");
+  text =
+      std::regex_replace(text, std::regex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}"), "(time)");
+  return std::regex_replace(text, std::regex("\\}\x01[\x40-\x44]\x01"), "}\x01(system)\x01");
+}
+
+bool isNotice(const test_support::XWindow& window, int width) {
+  return window.name == "Tovalin Notification" && window.width == width;
+}
+bool isAccessNotice(const test_support::XWindow& window) {
+  return isNotice(window, 420);
+}
+bool isLoadingNotice(const test_support::XWindow& window) {
+  return isNotice(window, 260);
+}
+
+class MacosDifferential : public MacosAgentTest {
+ protected:
+  Outcome play(const std::string& folderOfAgent) {
+    Outcome outcome;
+    ProductServerDouble server;
+    server.putVersion("9.0.0");
+    setServers(server.origin());
+    fs::remove_all(folderOfAgent);
+    fs::create_directories(folderOfAgent);
+    std::ofstream(folderOfAgent + "/Tovalin_2020_01_02.dat") << "records of a past day";
+    timeline_.clear();
+    launch();
+    EXPECT_TRUE(server.waitForRequests("POST", 1));
+    EXPECT_TRUE(waitUntil([&] { return !fs::exists(folderOfAgent + "/Tovalin_2020_01_02.dat"); }));
+    sendRecords();
+    showNotices();
+    EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=version1.0.0"));
+    fs::rename(bundle_, "/tmp/Applications/Moved.app");
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+    fs::remove_all("/tmp/Applications/Moved.app");
+    takeOutcome(outcome, server, folderOfAgent);
+    return outcome;
+  }
+
+ private:
+  void sendRecords() {
+    send("-ncdat\0\0\0\0\x03\0\0\0phone\0"s);
+    send("-ncdat\0\0\0\0\x04\0\0\0\0"s);
+    send("-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x09\0\0\0\0\0\0\0name\0\0\0\0\0\0"s);
+    send("-ncdat\0\0\0\0\0\0\0\0\x1f\0\0\0"s);
+    send("-ncdat\0\0\0\0\x07\0\0\0"s);
+    send("-nothing");
+  }
+
+  void showNotices() {
+    send("-noff");
+    for (const char* command : {"-non", "-non"}) send(command);
+    EXPECT_TRUE(shows(isAccessNotice));
+    send("-neon");
+    EXPECT_TRUE(shows(isLoadingNotice));
+    send("-neoff");
+    EXPECT_TRUE(hides(isLoadingNotice));
+    EXPECT_TRUE(waitForText("run: osascript"));
+    send("-noff");
+    EXPECT_TRUE(hides(isAccessNotice));
+    send("-neon");
+    EXPECT_TRUE(shows(isLoadingNotice));
+    send("-non");
+    EXPECT_TRUE(shows(isAccessNotice));
+    send("-neoff");
+    EXPECT_TRUE(hides(isLoadingNotice));
+    EXPECT_TRUE(waitUntil([this] { return count("run: osascript") == 2; }));
+    send("-noff");
+    EXPECT_TRUE(hides(isAccessNotice));
+  }
+
+  void takeOutcome(Outcome& outcome, const ProductServerDouble& server, const std::string& folderOfAgent) {
+    outcome.events = texts();
+    outcome.beacons = beacons();
+    for (const auto& request : server.requests())
+      outcome.requests.push_back(request.method + " " + request.target + " " + request.body);
+    for (const auto& entry : fs::directory_iterator(folderOfAgent)) {
+      if (entry.path().extension() == ".dat")
+        outcome.records.push_back(masked(test_support::contentsOf(entry.path())));
+    }
+  }
+};
+
+// The product server's address has a port of its own in each run, and appears nowhere in what is compared.
+TEST_F(MacosDifferential, DoesOutwardlyWhatTheLinuxAgentDoes) {
+  const Outcome macos = play(folder);
+  ASSERT_FALSE(HasFailure());
+  installLinuxAgent();
+  const Outcome onLinux = play(linuxFolder);
+  EXPECT_EQ(macos.events, onLinux.events);
+  EXPECT_EQ(macos.beacons, onLinux.beacons);
+  EXPECT_EQ(macos.requests, onLinux.requests);
+  EXPECT_EQ(macos.records, onLinux.records);
+  EXPECT_EQ(onLinux.records.size(), 1U);
+  EXPECT_GT(onLinux.events.size(), 30U);
+}
+
+}  // namespace

@@ -1,0 +1,24 @@
+// What GNUstep's Foundation and NSWorkspace do otherwise than those of macOS.
+
+#import <Cocoa/Cocoa.h>
+
+#include <cstdlib>
+
+#include "tests/macos/stand_ins/run_program.h"
+
+NSArray* standInSearchPaths(NSSearchPathDirectory, NSSearchPathDomainMask, BOOL) {
+  const char* home = std::getenv("HOME");
+  if (home == nullptr || home[0] != '/') return [NSArray array];
+  return [NSArray arrayWithObject:[NSString stringWithFormat:@"%s/Library/Application Support", home]];
+}
+
+// Takes the place of GNUstep's method: pages open through the program `open`, as on the command line of
+// macOS.
+@implementation NSWorkspace (StandIn)
+
+- (BOOL)openURL:(NSURL*)url {
+  standInRun({"open", [[url absoluteString] UTF8String]});
+  return YES;
+}
+
+@end

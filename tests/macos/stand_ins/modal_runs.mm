@@ -1,0 +1,56 @@
+// Modal runs as those of macOS: hiding a window ends no run and a run's end hides no window. GNUstep's own
+// order a window out at the end of its run, and to the front when the run inside it has ended.
+
+#import <Cocoa/Cocoa.h>
+
+#include <vector>
+
+namespace {
+
+struct Run {
+  NSWindow* window;
+  bool stopped;
+};
+std::vector<Run*> runs;
+
+bool isOfUser(NSEvent* event) {
+  return [event type] != NSApplicationDefined && [event type] != NSPeriodic && [event window] != nil;
+}
+
+bool isCloseRequest(NSEvent* event) {
+  return [event type] == NSAppKitDefined && [event subtype] == GSAppKitWindowClose;
+}
+
+// Other events of AppKit keep windows drawn, whoever takes input.
+bool isAdmitted(NSEvent* event) {
+  if (!isOfUser(event)) return true;
+  if ([event type] == NSAppKitDefined && !isCloseRequest(event)) return true;
+  return [event window] == runs.back()->window || [[event window] worksWhenModal];
+}
+
+}  // namespace
+
+@implementation NSApplication (StandIn)
+
+- (NSInteger)runModalForWindow:(NSWindow*)window {
+  Run run{window, false};
+  runs.push_back(&run);
+  if (![window isVisible]) [window makeKeyAndOrderFront:nil];
+  while (!run.stopped) {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    NSEvent* event = [self nextEventMatchingMask:NSAnyEventMask
+                                       untilDate:[NSDate distantFuture]
+                                          inMode:NSModalPanelRunLoopMode
+                                         dequeue:YES];
+    if (isAdmitted(event)) [self sendEvent:event];
+    [pool drain];
+  }
+  runs.pop_back();
+  return NSRunStoppedResponse;
+}
+
+- (void)stopModal {
+  if (!runs.empty()) runs.back()->stopped = true;
+}
+
+@end
