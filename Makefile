@@ -37,7 +37,7 @@ format:
 	clang-format -i $(SOURCES)
 
 # What takes longest and finds least comes last.
-check: check-packages check-format check-cppcheck check-compilers check-portable check-macos check-tests macos-on-gnustep check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-cppcheck check-compilers check-portable check-macos check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
 	packaging/set_up

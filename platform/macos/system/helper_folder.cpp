@@ -3,8 +3,8 @@
 namespace platform {
 
 // launchctl, open and osascript are the system's own here.
-std::optional<std::string> helperFolder() {
-  return std::nullopt;
+std::vector<std::string> helperFolders() {
+  return {};
 }
 
 void installHelpers() {}
