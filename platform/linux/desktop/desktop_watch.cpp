@@ -22,6 +22,7 @@ DesktopWatch::DesktopWatch(const std::function<void()>& changed) {
   QObject::connect(&settle_, &QTimer::timeout, &settle_, changed);
   currentDesktop_ = xAtom(xConnection(), "_NET_CURRENT_DESKTOP");
   showingDesktop_ = xAtom(xConnection(), "_NET_SHOWING_DESKTOP");
+  windowsDesktop_ = xAtom(xConnection(), "_NET_WM_DESKTOP");
   qGuiApp->installNativeEventFilter(this);
 }
 
@@ -29,13 +30,15 @@ DesktopWatch::~DesktopWatch() {
   if (qGuiApp != nullptr) qGuiApp->removeNativeEventFilter(this);
 }
 
-// Qt has the root window's property changes reported.
+// Qt has the property changes of the root window and of its own windows reported.
 bool DesktopWatch::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
   if (type != "xcb_generic_event_t") return false;
   const auto* event = static_cast<const xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
   const auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
-  if (change->atom == currentDesktop_ || change->atom == showingDesktop_) settle_.start();
+  for (const std::uint32_t property : {currentDesktop_, showingDesktop_, windowsDesktop_}) {
+    if (change->atom == property) settle_.start();
+  }
   return false;
 }
 

@@ -8,8 +8,9 @@
 
 namespace platform {
 
-// Calls `changed` a moment after the user has turned to another desktop or back from the bare one, by when
-// the window manager has brought its windows there. Never on a display that is no X screen. Main thread.
+// Calls `changed` a moment after the user has turned to another desktop or back from the bare one, or a
+// window of the program's has been moved to another desktop, by when the window manager has brought its
+// windows there. Never on a display that is no X screen. Main thread.
 class DesktopWatch : private QAbstractNativeEventFilter {
  public:
   explicit DesktopWatch(const std::function<void()>& changed);
@@ -21,6 +22,7 @@ class DesktopWatch : private QAbstractNativeEventFilter {
   QTimer settle_;
   std::uint32_t currentDesktop_ = 0;
   std::uint32_t showingDesktop_ = 0;
+  std::uint32_t windowsDesktop_ = 0;
 };
 
 }  // namespace platform

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -102,9 +103,16 @@ bool readInto(Tail& tail, int input, Clock::time_point deadline) {
   return false;
 }
 
+// False if it still runs at the deadline, or there is no descriptor to wait with.
+bool endsBy(Clock::time_point deadline, pid_t child) {
+  // By number: the header of Debian 12 declares pidfd_open with C++ linkage.
+  const FileDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+  return end.valid() && waitForInput(end.get(), deadline);
+}
+
 struct Output {
   std::string text;
-  bool isWhole = false;
+  bool isComplete = false;  // the command printed all of it and ended with status 0
 };
 
 // The last `limit` bytes that the command prints before the deadline; none if it can't be started.
@@ -118,9 +126,9 @@ Output outputOf(const Arguments& command, std::size_t limit, Clock::time_point d
   output.reset();
   Tail tail(limit);
   const bool isWhole = readInto(tail, input.get(), deadline);
-  ::kill(child.pid, SIGKILL);
-  statusOf(child.pid);
-  return {tail.take(), isWhole};
+  if (!isWhole || !endsBy(deadline, child.pid)) ::kill(child.pid, SIGKILL);
+  const int status = statusOf(child.pid);
+  return {tail.take(), isWhole && status == 0};
 }
 
 Arguments withCount(Arguments command, const char* count) {
@@ -128,14 +136,14 @@ Arguments withCount(Arguments command, const char* count) {
   return command;
 }
 
-// Of the last run that came to its end; of the first one if none did.
+// Of the last run before one that failed or took too long; of the first one if that did.
 std::string newestEntries(const KeepOutput& request) {
   const auto limit = static_cast<std::size_t>(request.limit);
   const auto deadline = Clock::now() + request.patience;
   std::string newest;
   for (const char* count : entryCounts) {
     Output output = outputOf(withCount(request.command, count), limit, deadline);
-    if (!output.isWhole) return newest.empty() ? output.text : newest;
+    if (!output.isComplete) return newest.empty() ? output.text : newest;
     const bool hasMore = output.text.size() < limit && output.text != newest;
     newest = std::move(output.text);
     if (!hasMore) break;

@@ -25,6 +25,7 @@ void SheetQueue::showNext() {
 // Bound to the window, so that nothing is told once that is gone.
 void SheetQueue::end(int index, const std::function<void(int)>& didEnd) {
   if (current_ == nullptr) return;
+  ++endsUnderWay_;
   QMetaObject::invokeMethod(
       &window_, [this, index, didEnd] { tellEnd(index, didEnd); }, Qt::QueuedConnection);
   dropCurrent();
@@ -34,15 +35,21 @@ void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
   if (closed_) return;
   window_.repaint();  // didEnd may keep the run loop busy
   const QPointer<QWidget> window(&window_);
-  isTellingEnd_ = true;
   didEnd(index);
   if (window == nullptr) return;
   // What didEnd has posted comes before the window's events that arrived meanwhile, and these answer no sheet
-  // that is new by then. A modal run among it serves events, a close request for one.
+  // that is new by then. Part of it is served later if some of it stops a modal run; so what finishes the end
+  // is posted behind it.
   inputMark_.set();
-  PostedWork::shared().serve();
-  if (window == nullptr) return;
-  isTellingEnd_ = false;
+  PostedWork& postedWork = PostedWork::shared();
+  postedWork.post([this, window] {
+    if (window != nullptr) finishEnd();
+  });
+  postedWork.serve();
+}
+
+void SheetQueue::finishEnd() {
+  --endsUnderWay_;
   showNext();
 }
 

@@ -19,8 +19,8 @@ class SheetQueue {
   // Shows the sheet, once those before it have ended. `didEnd` is called by the run loop with the index of
   // the button, not before the window shows itself without the sheet.
   void begin(SheetContent content, std::function<void(int)> didEnd);
-  // Whether a sheet is up, or what the end of one has led to still goes on and may bring the next.
-  [[nodiscard]] bool isUp() const { return current_ != nullptr || isTellingEnd_; }
+  // Whether a sheet is up, or one has been answered and what its answer leads to may still bring the next.
+  [[nodiscard]] bool isUp() const { return current_ != nullptr || endsUnderWay_ > 0; }
   // Takes all of them away, unanswered, and takes no more.
   void close();
 
@@ -32,13 +32,14 @@ class SheetQueue {
   void showNext();
   void end(int index, const std::function<void(int)>& didEnd);
   void tellEnd(int index, const std::function<void(int)>& didEnd);
+  void finishEnd();
   // The toolkit may still be at work on the sheet.
   void dropCurrent();
 
   QWidget& window_;
   InputMark inputMark_;
   bool closed_ = false;
-  bool isTellingEnd_ = false;
+  int endsUnderWay_ = 0;
   std::unique_ptr<Sheet> current_;
   std::deque<Waiting> waiting_;
 };

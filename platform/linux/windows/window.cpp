@@ -95,7 +95,7 @@ class WindowWidget : public QWidget {
 
   // Some window managers draw a control that makes a window an icon whatever its hints say. One that has
   // become an icon on another desktop, or while the user looks at the bare one, comes back when the user
-  // does.
+  // does, or when it is moved to the user's desktop.
   void followState() {
     if (!isMinimized()) return returns_.reset();
     if (!returns_) returns_.emplace([this] { comeBackOnceIdle(); });

@@ -132,6 +132,16 @@ TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnItsOwn) {
   expectNoticeGoesAndAgentEnds();
 }
 
+TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnceMovedThere) {
+  runOnDisplay({"xdotool", "set_num_desktops", "2"});
+  runOnDisplay({"xdotool", "set_desktop", "1"});
+  requestMinimum();
+  serveAll();
+  runOnDisplay({"xdotool", "set_desktop_for_window", std::to_string(notice_), "1"});
+  EXPECT_TRUE(noticeIsThere());
+  expectNoticeGoesAndAgentEnds();
+}
+
 TEST_P(NoticeUnder, MinimisedOnTheBareDesktopItIsBackAfterIt) {
   requestBareDesktop(true);
   requestMinimum();

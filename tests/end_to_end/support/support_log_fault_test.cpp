@@ -104,6 +104,19 @@ TEST_F(SupportLog, AFolderOfSomebodyElsesIsNotFilled) {
   EXPECT_THAT(archives(), ElementsAre());
 }
 
+TEST_F(SupportLog, CloseRequestTogetherWithAnswerIsRefused) {
+  launchAndOpen();
+  openFirstSheet();
+  const auto question = messageOfSheet();
+  whileAgentStandsStill([&] {
+    clickAt(sheetsDefault);
+    test_support::deliverCloseRequest(display_.name(), window_.id);
+  });
+  waitForSheetAfter(question);
+  EXPECT_EQ(supportWindows(), 1);
+  EXPECT_THAT(archives(), SizeIs(1));
+}
+
 TEST_F(SupportLog, CloseRequestDuringCollectionIsRefusedByCompletionAlert) {
   collectUntilPacking();
   ASSERT_TRUE(sheetIsGone());
@@ -131,6 +144,30 @@ TEST_F(SupportLog, CloseRequestBehindNoticesDuringCollectionIsRefusedByCompletio
   clickAt(sheetsDefault);
   ASSERT_TRUE(sheetIsGone());
   closeWindow();
+  terminateAgent();
+}
+
+// The end of a notice that was up before the support window stops the support window's modal run.
+TEST_F(SupportLog, CloseRequestAroundEndOfEarlierNoticeIsRefusedByCompletionAlert) {
+  launchInPanel();
+  for (const bool noticeFirst : {true, false}) {
+    send("-non");
+    ASSERT_TRUE(test_support::waitForWindow(display_.name(), isAccessNotice));
+    openWindow();
+    continueUntilPacking();
+    ASSERT_TRUE(sheetIsGone());
+    if (noticeFirst) send("-noff");
+    test_support::deliverCloseRequest(display_.name(), window_.id);
+    if (!noticeFirst) send("-noff");
+    timeline_.release("zip");
+    ASSERT_TRUE(sheetIsUp()) << noticeFirst;
+    EXPECT_TRUE(hides(isAccessNotice));
+    EXPECT_EQ(supportWindows(), 1);
+    clickAt(sheetsDefault);
+    ASSERT_TRUE(sheetIsGone());
+    closeWindow();
+    timeline_.clear();
+  }
   terminateAgent();
 }
 

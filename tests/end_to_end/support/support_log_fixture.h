@@ -82,10 +82,13 @@ class SupportLog : public SupportTest {
 
   // Begins a collection that stands still while it packs.
   void collectUntilPacking() {
+    launchAndOpen();
+    continueUntilPacking();
+  }
+  void continueUntilPacking() {
     std::filesystem::copy_file(TOVALIN_RECORDER, commandFolder + std::string("zip"),
                                std::filesystem::copy_options::overwrite_existing);
     timeline_.hold("zip");
-    launchAndOpen();
     openFirstSheet();
     clickAt(sheetsDefault);
     ASSERT_TRUE(waitForText("run: zip"));

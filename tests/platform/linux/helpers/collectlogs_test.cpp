@@ -398,6 +398,21 @@ TEST_F(CollectLogs, OutputForMoreEntriesThanTheTimeAllowsIsNotKept) {
   EXPECT_EQ(copied("n.log"), "entry 12500\nlast of 12500\n");
 }
 
+// A crash in the journal of an earlier day, for one.
+TEST_F(CollectLogs, OutputForMoreEntriesOfACommandThatFailsIsNotKept) {
+  for (const std::string end : {"exit 1", "kill -9 $$"}) {
+    const std::string script = "echo entry $0; [ $0 -le 50000 ] || " + end;
+    EXPECT_EQ(collect({"output", "100", "20", target_, "n.log", "sh", "-c", script}).code, 0);
+    EXPECT_EQ(copied("n.log"), "entry 50000\n") << end;
+  }
+}
+
+TEST_F(CollectLogs, CommandThatEndsLongAfterItsOutputIsWaitedFor) {
+  const std::string script = "echo entry $0; exec >&-; i=0; while [ $i -lt 100000 ]; do i=$((i + 1)); done";
+  EXPECT_EQ(collect({"output", "100", "20", target_, "n.log", "sh", "-c", script}).code, 0);
+  EXPECT_EQ(copied("n.log"), "entry 200000\n");
+}
+
 TEST_F(CollectLogs, MoreEntriesAreAskedForUntilTheLimitIsReachedOrNothingIsNew) {
   const std::string counts = root_ + "/counts";
   const auto countsAskedFor = [&](const std::string& limit, const std::string& script) {

@@ -270,6 +270,15 @@ TEST_F(AlertSheet, AnAnswerIsNotToldOnceTheWindowIsClosed) {
   EXPECT_EQ(sheet(), nullptr);
 }
 
+TEST_F(AlertSheet, CloseRequestBetweenAnswerAndItsTellingIsRefused) {
+  ask({"Continue"});
+  sheetButton("Continue")->click();
+  EXPECT_FALSE(widgetOf(*layout_.window).close());
+  ASSERT_TRUE(ends());
+  ASSERT_TRUE(settle(*layout_.window));
+  EXPECT_TRUE(widgetOf(*layout_.window).close());
+}
+
 TEST_F(AlertSheet, TakesInputInsideItsWindowsModalRun) {
   Application& application = Application::sharedApplication();
   application.performOnMainThread([this, &application] {
