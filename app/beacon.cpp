@@ -53,6 +53,7 @@ std::string escapedForAddress(std::string_view text) {
 }
 
 std::string beaconAddress(std::string_view server, std::string_view category, std::string_view value) {
+  // doc/compatibility.md
   std::string page = "/product/nimba/binary/GATovalin.html?category=";
   page.append(category).append("&").append(category).append("=").append(value);
   return escapedServer(server) + escapedForAddress(page);

@@ -31,7 +31,7 @@ void nimbatrayAppDelegate::awakeFromNib() {
       "AppleInterfaceThemeChangedNotification", [this] { themeChange(); });
 }
 
-// Later steps rely on fields that earlier ones set: the order is part of the design.
+// Later steps rely on fields that earlier ones set. Order: doc/compatibility.md
 void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   readAppearance();
   statusItem = std::make_unique<platform::StatusItem>(platform::StatusItem::variableLength);

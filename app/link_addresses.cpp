@@ -1,5 +1,7 @@
 #include "app/link_addresses.h"
 
+// The addresses: doc/compatibility.md
+
 std::string productPage(std::string_view server) {
   return std::string(server) + "/tovalin";
 }

@@ -26,6 +26,7 @@ std::shared_ptr<platform::Image> scaledImage(const char* name, double width, dou
 
 }  // namespace
 
+// Names of the pictures: doc/compatibility.md
 void nimbatrayAppDelegate::buildStatusItem() {
   statusItem->setTitle("");
   statusOffImg = scaledImage("mount off.png", 20, 20);
@@ -40,6 +41,7 @@ void nimbatrayAppDelegate::buildStatusItem() {
   statusItem->setMenu(std::move(ownedMenu));
 }
 
+// Titles and order: doc/compatibility.md
 void nimbatrayAppDelegate::addMenuItems() {
   const auto add = [this](const char* title, std::function<void()> action = nullptr) -> MenuItem& {
     return menu->addItem(std::make_unique<MenuItem>(title, std::move(action)));
@@ -107,6 +109,7 @@ void nimbatrayAppDelegate::setAutomount(std::uint32_t active) {
   showStatusIcon();
 }
 
+// Order and pause: doc/compatibility.md
 void nimbatrayAppDelegate::quit() {
   platform::system(killNotificationHelperCommand);
   TvlWriteQuitToFile();
@@ -120,6 +123,7 @@ void nimbatrayAppDelegate::quit() {
   platform::Application::sharedApplication().terminate();
 }
 
+// Order: doc/compatibility.md
 void nimbatrayAppDelegate::applicationWillTerminate() {
   platform::system(killNotificationHelperCommand);
   TvlWriteQuitToFile();

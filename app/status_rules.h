@@ -10,6 +10,7 @@ enum class StatusIcon { On, Off, OnReverse, OffReverse };
 // Automount on takes an on icon, off an off icon; a dark panel takes the reverse variant.
 [[nodiscard]] StatusIcon statusIconFor(std::uint32_t active, bool darkMode);
 
+// doc/compatibility.md
 inline constexpr const char* switchOffTitle = "Automount Off";
 inline constexpr const char* switchOnTitle = "Automount On";
 

@@ -7,6 +7,7 @@
 
 namespace {
 
+// doc/compatibility.md
 constexpr const char* reactivateFrontApplicationCommand =
     "osascript -e 'tell application \"System Events\" \n set frontApp to name of first application whose "
     "frontmost is "

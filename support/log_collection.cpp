@@ -64,5 +64,6 @@ void nimbatrayAppDelegate::collectLog() {
 
 void nimbatrayAppDelegate::completeAlertDidEnd(int returnCode) {
   if (returnCode != platform::alertFirstButtonReturn + 1) return;
+  // doc/compatibility.md
   platform::Workspace::sharedWorkspace().openURL(productServer() + "/contact/tovalin/");
 }

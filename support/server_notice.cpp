@@ -23,6 +23,7 @@ std::shared_ptr<const platform::PropertyList> parsed(const std::string& body) {
 
 // A body that is no list takes the earlier notice away; no body at all leaves it.
 int nimbatrayAppDelegate::getServerNotice() {
+  // doc/compatibility.md
   const auto body = fetchFromServer("/product/nimba/binary/tovalinnotice.xml");
   if (!body) return 0;
   serverNotice = parsed(*body);
@@ -30,6 +31,7 @@ int nimbatrayAppDelegate::getServerNotice() {
 }
 
 int nimbatrayAppDelegate::getBannerList() {
+  // doc/compatibility.md
   const auto body = fetchFromServer("/product/nimba/banner/tovalinbanner.xml");
   if (!body) return 0;
   bannerList = parsed(*body);

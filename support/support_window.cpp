@@ -167,5 +167,6 @@ void nimbatrayAppDelegate::supportWindowWillClose() {
 void nimbatrayAppDelegate::faqBtnClick() {
   platform::systemLog(LogPriority::Info, "-[nimbatrayAppDelegate faqBtnClick:] FAQ button click!");
   notificateGA("clickaction", "faqbtn");
+  // doc/compatibility.md
   platform::Workspace::sharedWorkspace().openURL(productServer() + "/support/tovalin/");
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-inline constexpr const char* updaterFolder = "/tmp/tovalinupdate.app";
+inline constexpr const char* updaterFolder = "/tmp/tovalinupdate.app";  // doc/compatibility.md
 
 // Makes the folder that the updater is copied to, in a place where everybody may make files, so that nobody
 // else has put anything into it. Also true when this user's own stands there, which nobody else may write.

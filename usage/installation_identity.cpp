@@ -32,6 +32,7 @@ std::string CreateUUID() {
   return platform::createUuidString();
 }
 
+// doc/compatibility.md
 void GetTovalinUUID(std::span<char> buffer) {
   const auto path = applicationFile("TovalinUUID.txt");
   if (!path || buffer.size() <= uuidTextLength) return;

@@ -11,7 +11,7 @@ namespace {
 using platform::PropertyList;
 using platform::PropertyListError;
 
-// Support reads logs by these names of the steps.
+// Support reads logs by these names of the steps: doc/compatibility.md
 const char* messageFor(PropertyListError error) {
   switch (error) {
     case PropertyListError::BadPath:

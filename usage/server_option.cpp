@@ -9,6 +9,7 @@
 
 namespace {
 
+// doc/compatibility.md
 constexpr char productServerOption = '1';
 constexpr char testUploadServer = '0';
 constexpr std::size_t longestOption = 1;

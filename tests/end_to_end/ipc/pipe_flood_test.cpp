@@ -139,7 +139,8 @@ class PipeFlood : public HostilePipes {
 };
 
 TEST_F(PipeFlood, OfCommandsThatMeanNothingCostsNoMemoryAndNoticesAndMenuServeOn) {
-  constexpr int messages = 100'000;
+  // Under the thread sanitizer each takes a hundred times as long.
+  constexpr int messages = test_support::isThreadSanitized ? 10'000 : 100'000;
   startAndListen();
   showAndHide("-non", "-noff", isAccessNotice);
   const long memory = ownMemoryInKilobytes(agent_.pid());
