@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -32,7 +33,7 @@ class PropertyList {
   using Value = std::variant<bool, std::int64_t, double, std::string, Data, Date, Array, Dictionary, Null>;
 
   PropertyList() : value_(false) {}
-  PropertyList(Value value);
+  PropertyList(Value value) : value_(std::move(value)) {}
 
   // The value when it is of this type, else nullptr. The pointer lives as long as this object is unchanged.
   template <typename T>
@@ -45,6 +46,12 @@ class PropertyList {
 
   // The same, when the entry is text.
   [[nodiscard]] const std::string* textAt(std::string_view key) const;
+
+  // Replaces the value by one of this type, which is built in place.
+  template <typename T>
+  void set(T value) {
+    value_.emplace<T>(std::move(value));
+  }
 
   bool operator==(const PropertyList&) const = default;
 

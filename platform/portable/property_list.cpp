@@ -1,7 +1,5 @@
 #include "platform/property_list.h"
 
-#include <utility>
-
 #include "platform/portable/property_list_readers.h"
 
 namespace platform {
@@ -17,8 +15,6 @@ bool looksLikeXml(std::string_view text) {
 }
 
 }  // namespace
-
-PropertyList::PropertyList(Value value) : value_(std::move(value)) {}
 
 const PropertyList* PropertyList::find(std::string_view key) const {
   const auto* dictionary = as<Dictionary>();

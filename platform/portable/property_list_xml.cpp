@@ -53,7 +53,8 @@ class XmlListBuilder {
     Element element;
     PropertyList::Array items = {};
     PropertyList::Dictionary entries = {};
-    std::optional<std::string> key = {};
+    // The entry of a key whose value is still to come.
+    PropertyList* awaited = nullptr;
   };
 
   [[nodiscard]] bool mayStart(Element element) const;
@@ -61,11 +62,11 @@ class XmlListBuilder {
   bool startLeaf(Element element);
   bool endLeaf();
   bool endContainer();
+  void addKey();
   bool addLeaf(Element element);
   template <typename T>
   bool add(std::optional<T> value);
-  template <typename T>
-  static void addEntry(Open& dictionary, T value);
+  PropertyList& place();
 
   std::vector<Open> open_;
   std::optional<Element> leaf_;
@@ -90,7 +91,7 @@ bool XmlListBuilder::mayStart(Element element) const {
   if (open_.empty()) return element != Element::Key;
   const Open& parent = open_.back();
   if (element == Element::Plist) return false;
-  if (parent.element == Element::Dict) return (element == Element::Key) != parent.key.has_value();
+  if (parent.element == Element::Dict) return (element == Element::Key) == (parent.awaited == nullptr);
   return element != Element::Key && (parent.element == Element::Array || !root_);
 }
 
@@ -125,8 +126,16 @@ bool XmlListBuilder::end() {
 bool XmlListBuilder::endLeaf() {
   const Element element = *std::exchange(leaf_, std::nullopt);
   if (element != Element::Key) return addLeaf(element);
-  open_.back().key = std::move(text_);
+  addKey();
   return true;
+}
+
+// Of entries with the same key the last counts. Most lists are sorted by key, hence the hint.
+void XmlListBuilder::addKey() {
+  Open& dictionary = open_.back();
+  const auto entry =
+      dictionary.entries.emplace_hint(dictionary.entries.end(), std::move(text_), PropertyList());
+  dictionary.awaited = &entry->second;
 }
 
 bool XmlListBuilder::addLeaf(Element element) {
@@ -152,28 +161,22 @@ bool XmlListBuilder::endContainer() {
   open_.pop_back();
   if (container.element == Element::Plist) return root_.has_value();
   if (container.element == Element::Array) return add(std::optional(std::move(container.items)));
-  return !container.key && add(std::optional(std::move(container.entries)));
+  return container.awaited == nullptr && add(std::optional(std::move(container.entries)));
 }
 
 template <typename T>
 bool XmlListBuilder::add(std::optional<T> value) {
   if (!value) return false;
-  if (open_.empty() || open_.back().element == Element::Plist) {
-    root_.emplace(std::move(*value));
-  } else if (Open& parent = open_.back(); parent.element == Element::Array) {
-    parent.items.emplace_back(std::move(*value));
-  } else {
-    addEntry(parent, std::move(*value));
-  }
+  place().set(std::move(*value));
   return true;
 }
 
-// Of entries with the same key the last counts. Most lists are sorted by key, hence the hint.
-template <typename T>
-void XmlListBuilder::addEntry(Open& dictionary, T value) {
-  const auto entry = dictionary.entries.try_emplace(dictionary.entries.end(), std::move(*dictionary.key));
-  entry->second = PropertyList(std::move(value));
-  dictionary.key.reset();
+// Where the value that has just ended belongs.
+PropertyList& XmlListBuilder::place() {
+  if (open_.empty() || open_.back().element == Element::Plist) return root_.emplace();
+  Open& parent = open_.back();
+  if (parent.element == Element::Array) return parent.items.emplace_back();
+  return *std::exchange(parent.awaited, nullptr);
 }
 
 // Runs Expat (https://libexpat.github.io/doc/) over the text.
@@ -189,7 +192,7 @@ class XmlListParser {
     void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
   };
 
-  bool feed(std::string_view piece);
+  bool feed(std::string_view piece, bool isLast);
   bool parse(std::string_view slice, bool isLast);
   // No exception may pass through the parser's C code, which calls handlers even after it was stopped.
   template <typename Event>
@@ -215,21 +218,21 @@ std::optional<PropertyList> XmlListParser::read(std::string_view text) {
   XML_SetDefaultHandler(parser_.get(), &onOther);
   for (;;) {
     const auto piece = markup.next();
-    if (!piece || !feed(*piece)) return std::nullopt;
-    if (piece->empty()) return parse({}, true) ? builder_.take() : std::nullopt;
+    if (!piece || !feed(*piece, markup.atEnd())) return std::nullopt;
+    if (markup.atEnd()) return builder_.take();
   }
 }
 
 // A whole slice without an event lies within one tag or reference. No list has such a long one, and the
 // parser would store all of its attributes.
-bool XmlListParser::feed(std::string_view piece) {
+bool XmlListParser::feed(std::string_view piece, bool isLast) {
   constexpr std::size_t sliceSize = 4096;
-  while (!piece.empty()) {
+  do {
     const std::string_view slice = piece.substr(0, sliceSize);
-    sawEvent_ = false;
-    if (!parse(slice, false) || (slice.size() == sliceSize && !sawEvent_)) return false;
     piece.remove_prefix(slice.size());
-  }
+    sawEvent_ = false;
+    if (!parse(slice, isLast && piece.empty()) || (slice.size() == sliceSize && !sawEvent_)) return false;
+  } while (!piece.empty());
   return true;
 }
 

@@ -20,6 +20,9 @@ class XmlMarkup {
   // Returns the next piece, an empty one at the end of the text, nullopt at markup without an end.
   [[nodiscard]] std::optional<std::string_view> next();
 
+  // Whether next() has returned the whole text.
+  [[nodiscard]] bool atEnd() const { return rest_.empty(); }
+
  private:
   [[nodiscard]] bool atHidden() const;
   [[nodiscard]] bool skipHidden();

@@ -33,6 +33,13 @@ std::string manyAttributes() {
   return inXml("<array>", tag + "/>", "</array>");
 }
 
+// Each tag is longer than any in a list, and short beside the list.
+std::string tagsOfManyAttributes() {
+  std::string tag = "<array";
+  for (int i = 0; tag.size() < 16'000; ++i) tag += " a" + std::to_string(i) + "=\"\"";
+  return inXml("<array>", tag + "/>", "</array>");
+}
+
 std::string oneTagOfAttributes() {
   std::string tag = "<plist";
   for (int i = 0; tag.size() < propertyListMaxBytes - 100; ++i) tag += " a" + std::to_string(i) + "=\"\"";
@@ -105,6 +112,7 @@ const std::vector<Hostile>& hostileLists() {
       {"XmlOpenArrays", false, [] { return filled("<plist>", "<array>", ""); }},
       {"XmlTinyElements", false, [] { return inXml("<array>", "<true/>", "</array>"); }},
       {"XmlAttributes", true, manyAttributes},
+      {"XmlAttributesOfLongTags", false, tagsOfManyAttributes},
       {"XmlAttributesOfOneTag", false, oneTagOfAttributes},
       {"XmlLongName", false, [] { return filled("<p", "x", "><true/>"); }},
       {"XmlEntities", true,

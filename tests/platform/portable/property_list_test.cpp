@@ -17,6 +17,13 @@ TEST(PropertyList, HoldsOneTypeAndNoOther) {
   EXPECT_EQ(list.as<std::string>(), nullptr);
 }
 
+TEST(PropertyList, SetReplacesTypeAndValue) {
+  PropertyList list(PropertyList::Array{number(1)});
+  list.set(std::string("text"));
+  EXPECT_EQ(list, text("text"));
+  EXPECT_EQ(list.as<PropertyList::Array>(), nullptr);
+}
+
 TEST(PropertyList, FindsAnEntryByItsKey) {
   const PropertyList list(PropertyList::Dictionary{{"Autorun", PropertyList(true)}, {"", text("empty key")}});
   ASSERT_NE(list.find("Autorun"), nullptr);

@@ -263,6 +263,13 @@ TEST(XmlPropertyList, OfEqualKeysTheLastCounts) {
             single("a", PropertyList(false)));
 }
 
+TEST(XmlPropertyList, RepeatedKeyTakesLastValueOfAnyType) {
+  EXPECT_EQ(
+      parseInPlist("<dict><key>b</key><true/><key>a</key><integer>1</integer><key>c</key><string>x</string>"
+                   "<key>a</key><dict><key>a</key><array/></dict><key>b</key><string>y</string></dict>"),
+      pairs({{"a", single("a", listOf({}))}, {"b", text("y")}, {"c", text("x")}}));
+}
+
 TEST(XmlPropertyList, ADictionaryIsKeysAndValuesInTurn) {
   EXPECT_EQ(parseInPlist("<dict><key/><true/></dict>"), single("", PropertyList(true)));
   EXPECT_FALSE(parseInPlist("<dict><key>a</key></dict>"));
