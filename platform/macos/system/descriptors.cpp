@@ -60,6 +60,8 @@ void closeDescriptorsFrom(int first, posix_spawn_file_actions_t& actions) {
   static_cast<void>(actions);
   const std::unique_ptr<DIR, CloseFolder> folder(::opendir("/dev/fd"));
   if (folder == nullptr) return;
+  // No other thread reads this folder's handle.
+  // cppcheck-suppress readdirCalled
   while (const dirent* entry = ::readdir(folder.get())) {
     const int descriptor = std::atoi(entry->d_name);
     if (descriptor >= first) ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
