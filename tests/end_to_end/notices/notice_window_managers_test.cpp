@@ -23,7 +23,8 @@ using testing::HasSubstr;
 using Command = std::vector<std::string>;
 
 bool isInstalled(const std::string& program) {
-  std::istringstream folders(std::getenv("PATH"));
+  const char* const path = std::getenv("PATH");
+  std::istringstream folders(path == nullptr ? "" : path);
   for (std::string folder; std::getline(folders, folder, ':');) {
     if (::access((folder + "/" + program).c_str(), X_OK) == 0) return true;
   }
