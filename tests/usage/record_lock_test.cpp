@@ -1,10 +1,12 @@
 #include <sys/file.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 
 #include "tests/harness/processes/file_descriptor.h"
+#include "tests/harness/processes/refused_call.h"
 #include "tests/usage/fake_waits.h"
 #include "tests/usage/record_fixture.h"
 #include "tests/usage/small_disk.h"
@@ -47,6 +49,13 @@ TEST_F(Records, FreeLockIsNotWaitedFor) {
   TvlWriteQuitToFile();
   TvlWriteQuitToFile();
   EXPECT_EQ(waits.waited(), 0s);
+}
+
+TEST_F(Records, FileSystemWithoutLocksDelaysNoRecord) {
+  const FakeWaits waits;
+  ASSERT_TRUE(withRefusedCall(SYS_flock, ENOLCK, TvlWriteQuitToFile));
+  EXPECT_EQ(waits.waited(), 0s);
+  EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
 // A process of another user that holds a lock on the file that was opened while others could read it.
