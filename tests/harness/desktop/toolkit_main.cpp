@@ -21,5 +21,8 @@ int main(int argc, char** argv) {
 
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  return RUN_ALL_TESTS();
+  const int result = RUN_ALL_TESTS();
+  // Closed windows are released by a posted event, and widgets need the application for their destruction.
+  QCoreApplication::processEvents();
+  return result;
 }
