@@ -12,8 +12,8 @@
 #include "platform/linux/desktop/keyboard_holder.h"
 #include "platform/linux/windows/window_impl.h"
 
-// Instrumented builds report where the process ends, since no exit handler runs. The names are those of the
-// compilers' own run time. NOLINTBEGIN(bugprone-reserved-identifier)
+// Instrumented builds write their reports in Impl::end, because _exit runs no exit handlers. The compiler
+// runtimes define these names. NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void __gcov_dump() __attribute__((weak));
 void __lsan_do_leak_check() __attribute__((weak));
@@ -34,7 +34,7 @@ void Application::performOnMainThread(std::function<void()> work) {
 }
 
 void Application::runModalForWindow(std::shared_ptr<Window> window) {
-  // What is left from before is served inside the run, and what the run leaves after it.
+  // Wake before the run so that work already queued runs inside it, and after it for the work that it leaves.
   impl_->postedWork.wake();
   impl_->modalRuns.run(std::move(window));
   impl_->postedWork.wake();
@@ -59,7 +59,7 @@ void Application::terminate() {
 }
 
 void Application::Impl::end(int status) {
-  // A second request that comes up inside applicationWillTerminate ends the process there.
+  // terminate() called again from applicationWillTerminate finds no delegate and ends the process at once.
   if (auto* last = std::exchange(delegate, nullptr)) last->applicationWillTerminate();
   removeHelpers();
   std::fflush(stdout);

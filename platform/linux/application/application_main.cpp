@@ -27,7 +27,7 @@
 namespace platform {
 namespace {
 
-// What the toolkit ends the process for, before it has a screen, is mostly the want of a display.
+// Before the first screen exists, a fatal Qt message almost always means that the display cannot be opened.
 std::string withoutScreen(const std::string& toolkitText) {
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return toolkitText;
   if (!qEnvironmentVariableIsSet("DISPLAY")) return "cannot open a display: DISPLAY is not set";
@@ -41,8 +41,8 @@ void takeToolkitMessage(QtMsgType type, const QMessageLogContext&, const QString
   std::fprintf(stderr, "TovalinTray: %s\n", line.c_str());
 }
 
-// Brings the running instance forward. One that has ended meanwhile leaves its place to this process, which
-// then starts over.
+// Activates the running instance and returns 0. If that instance ends before it answers, restarts this
+// process with execv so that it becomes the first instance.
 int tellRunningInstance(SingleInstance& instance, int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   if (instance.tellFirst()) return 0;
@@ -50,8 +50,8 @@ int tellRunningInstance(SingleInstance& instance, int argc, char** argv) {
   fatalError(std::string("can't start over: ") + std::strerror(errno));
 }
 
-// The menu and the windows need what Wayland keeps from programs (their own place, staying on top), so X is
-// asked for.
+// Requests X11 unless QT_QPA_PLATFORM is set: under Wayland a client can neither position its windows nor
+// keep them on top.
 std::vector<char*> toolkitArguments(char* program) {
   static char option[] = "-platform";
   static char xcb[] = "xcb";
@@ -60,13 +60,13 @@ std::vector<char*> toolkitArguments(char* program) {
 }
 
 void describeApplication() {
-  // Not the display name: the toolkit would put that behind the title of each window.
+  // Not setApplicationDisplayName: Qt appends the display name to the title of every window.
   QCoreApplication::setApplicationName(QStringLiteral("Tovalin"));
   QGuiApplication::setDesktopFileName(QStringLiteral("com.kesmoor.tovalintrayagent"));
   QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
-// The toolkit ends the process with exit(1) when the X server goes away.
+// Qt calls exit(1) when it loses the connection to the X server. Registered with atexit.
 void endWithoutDisplay() {
   Application::Impl& application = Application::sharedApplication().impl();
   application.hasDisplay = false;
@@ -77,7 +77,8 @@ void endWithoutDisplay() {
 
 int ApplicationMain(int argc, char** argv) {
   prepareProcess();
-  // Read before anything can wait, so that it belongs to the program that was started.
+  // Read before any blocking call, so that Info.plist matches this executable even if the bundle is updated
+  // meanwhile.
   static_cast<void>(Bundle::mainInfoDictionary());
   const ApplicationRegistration& program = applicationRegistration();
   const std::vector<std::string_view> arguments(argv + std::min(argc, 1), argv + argc);

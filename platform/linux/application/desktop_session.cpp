@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-// The library hands nothing but the connection to its handler.
+// File-scope state, because libICE passes only the connection to an I/O error handler. -1: none lost.
 int lostConnection = -1;
 
 void noteLostConnection(IceConn connection) {
@@ -20,21 +20,21 @@ void noteLostConnection(IceConn connection) {
 }  // namespace
 
 DesktopSession::DesktopSession(std::function<void()> ended) : ended_(std::move(ended)) {
-  // The library's own handler ends the process.
+  // The default I/O error handler of libICE calls exit.
   IceSetIOErrorHandler(noteLostConnection);
-  // The autostart entry does that.
+  // The autostart entry starts the agent at the next login, so the session manager must not restart it.
   QObject::connect(qGuiApp, &QGuiApplication::saveStateRequest, this,
                    [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
   qGuiApp->installEventFilter(this);
 }
 
 bool DesktopSession::eventFilter(QObject* receiver, QEvent* event) {
-  // The toolkit would first close the windows, and go no further than one that refuses.
+  // Qt handles QEvent::Quit by closing the windows, and gives up if one of them refuses to close.
   if (event->type() == QEvent::Quit && receiver == qGuiApp) {
     ended_();
     return true;
   }
-  // Left alone, the toolkit would find the lost connection ready to read without end.
+  // The lost connection stays readable forever; without this, its notifier would fire in a busy loop.
   if (event->type() == QEvent::SockAct && lostConnection >= 0) {
     auto* notifier = qobject_cast<QSocketNotifier*>(receiver);
     if (notifier == nullptr || notifier->socket() != lostConnection) return false;

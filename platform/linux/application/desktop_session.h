@@ -6,12 +6,12 @@
 
 namespace platform {
 
-// The desktop session as its X session manager leads it (XSMP, spoken by the toolkit): tells its end, asks
-// not to be started again with the next one, and stays when the session manager goes away. One per process,
-// made after the toolkit; main thread.
+// Client of the X session manager, through Qt's XSMP support. Reports the end of the session, asks the
+// session manager not to restart the program at the next login, and keeps the process running if the session
+// manager disconnects. Main thread only. Create one per process, after QApplication.
 class DesktopSession : public QObject {
  public:
-  // Calls `ended` from the run loop, however deep that is nested.
+  // Calls `ended` from the run loop, at any nesting depth.
   explicit DesktopSession(std::function<void()> ended);
 
  private:

@@ -17,7 +17,8 @@
 namespace platform {
 namespace {
 
-// In the words of the C++ library the end is SIGABRT, and nobody reads what it says of it.
+// The default terminate handler aborts with SIGABRT and prints only to standard error, which usually goes
+// unread.
 [[noreturn]] void endUncaught() {
   try {
     std::rethrow_exception(std::current_exception());
@@ -39,10 +40,11 @@ void prepareProcess() {
   const sigset_t endings = endingSignals();
   sigprocmask(SIG_SETMASK, &endings, nullptr);
   ::signal(SIGPIPE, SIG_IGN);
-  // Pictures come and go with each notice: kept out of the heap, where small things that stay would hold
-  // their room.
+  // Images are allocated and freed with each notice. Allocate them with mmap, so that freed images return to
+  // the system instead of leaving holes in the heap. Setting the threshold also turns off its dynamic
+  // adjustment.
   ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
-  // One heap for all threads: what one makes and another frees would spread over theirs.
+  // A single arena, because memory that one thread allocates and another frees would fragment several.
   ::mallopt(M_ARENA_MAX, 1);
   ::openlog("TovalinTray", LOG_PID, LOG_USER);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);

@@ -2,12 +2,13 @@
 
 namespace platform {
 
-// The first thing in main: makes the process fit for all that follows, whoever started it. Standard streams
-// that were closed lead nowhere, instead of to the next file that is opened; what else was handed down stays
-// with this process and goes to none of its commands. SIGTERM, SIGINT and SIGHUP wait until somebody listens
-// to them. SIGPIPE is ignored: a reader that leaves between open and write is a failed write, not the end of
-// the agent. An exception that nobody catches, the want of memory for one, is told and ends the process
-// with 1.
+// Prepares the process, independently of how it was started. Call it first in main, before any other thread
+// exists.
+//
+// Opens /dev/null for standard streams that are closed, so that no later open(2) returns 0 to 2. Marks all
+// other inherited descriptors close-on-exec. Blocks SIGTERM, SIGINT and SIGHUP until SignalPipe unblocks
+// them. Ignores SIGPIPE, so that writing to a pipe without a reader fails with EPIPE. Logs an uncaught
+// exception, std::bad_alloc included, and ends the process with status 1.
 void prepareProcess();
 
 }  // namespace platform

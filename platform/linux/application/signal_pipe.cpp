@@ -15,13 +15,14 @@ namespace {
 
 constexpr int mostTries = 100;
 
-// A signal handler can reach nothing else.
+// Global, because a signal handler receives no context.
 volatile sig_atomic_t pipeForSignals = -1;
 
 void writeByte(int) {
   const int error = errno;
   const char byte = 0;
-  // A full pipe says it already; any other failure, the want of a page for one, would lose the signal.
+  // EAGAIN means that the pipe is full, so a wake-up is already pending. Retry after any other error, such as
+  // ENOMEM: the signal would be lost.
   for (int tries = 0; tries < mostTries; ++tries) {
     if (::write(static_cast<int>(pipeForSignals), &byte, 1) == 1 || errno == EAGAIN) break;
   }
@@ -30,12 +31,12 @@ void writeByte(int) {
 
 void handle(int number) {
   struct sigaction current {};
-  // Who starts a program with nohup(1) wants it to outlive the terminal.
+  // Preserve SIG_IGN for SIGHUP: nohup(1) sets it.
   if (number == SIGHUP && sigaction(number, nullptr, &current) == 0 && current.sa_handler == SIG_IGN) return;
   struct sigaction action {};
   action.sa_handler = writeByte;
   action.sa_flags = SA_RESTART;
-  // What the system does by itself at these signals is an end without its last steps.
+  // Without the handler, the default action would end the process without applicationWillTerminate.
   if (sigaction(number, &action, nullptr) != 0)
     fatalError(std::string("signals can't be heard: ") + std::strerror(errno));
 }
@@ -51,7 +52,7 @@ sigset_t endingSignals() {
 
 SignalPipe::SignalPipe(std::function<void()> ended) {
   int ends[2] = {-1, -1};
-  // Until here the signals are held back: without the pipe the process could only be killed.
+  // These signals are still blocked here: a process without the pipe could be ended only with SIGKILL.
   if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
     fatalError(std::string("no pipe to hear of signals by: ") + std::strerror(errno));
   readEnd_ = FileDescriptor(ends[0]);

@@ -11,12 +11,13 @@
 
 namespace platform {
 
-// The signals that ask the program to end: SIGTERM, SIGINT and SIGHUP.
+// The signals that request the end of the program: SIGTERM, SIGINT and SIGHUP.
 [[nodiscard]] sigset_t endingSignals();
 
-// Brings the ending signals into the run loop (the self-pipe trick): the handler writes a byte, the run loop
-// reads it when the main thread is free. Lets them through from here on, or ends the process with a message
-// when there is no pipe to be had. One per process; main thread.
+// Delivers the signals of endingSignals() to the run loop with the self-pipe trick: the handler writes a byte
+// to a pipe, and `ended` is called when the run loop reads it. The constructor unblocks the signals; SIGHUP
+// stays ignored if it was. Ends the process with status 1 and a message if the pipe or a handler cannot be
+// installed. Main thread only. Create one per process.
 class SignalPipe {
  public:
   explicit SignalPipe(std::function<void()> ended);

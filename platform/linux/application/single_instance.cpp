@@ -24,7 +24,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The names that the Desktop Entry Specification gives a program's single instance on the bus.
+// Bus name, object path and interface as freedesktop.org's D-Bus activation of desktop entries defines them.
 constexpr QLatin1StringView busName("com.kesmoor.tovalintrayagent");
 constexpr QLatin1StringView objectPath("/com/kesmoor/tovalintrayagent");
 constexpr QLatin1StringView applicationInterface("org.freedesktop.Application");
@@ -38,7 +38,7 @@ bool activateNameOwner(const QDBusConnection& bus) {
   return bus.call(call, QDBus::Block, activationLimitMs).type() == QDBusMessage::ReplyMessage;
 }
 
-// "PID (NAME)", as far as the bus and the kernel tell.
+// Returns "PID (NAME)", or less if the bus or /proc does not provide it.
 std::string nameOwner(const QDBusConnection& bus) {
   const auto process = bus.interface()->servicePid(busName);
   if (!process.isValid()) return "of unknown id";
@@ -46,7 +46,7 @@ std::string nameOwner(const QDBusConnection& bus) {
   std::ifstream file("/proc/" + id + "/comm");
   std::string name;
   std::getline(file, name);
-  // The owner chooses its name, and terminals obey control characters.
+  // The owner chooses its own process name. Replace control characters, which a terminal would interpret.
   std::ranges::replace_if(
       name, [](char c) { return c < ' ' || c > '~'; }, '?');
   return id + " (" + name + ")";
@@ -91,7 +91,7 @@ class ActivateObject : public QDBusVirtualObject {
 SingleInstance::SingleInstance() {
   const auto folder = privateFolder();
   if (!folder) return;
-  // Sticky, so that those who tidy up runtime folders leave it alone.
+  // The sticky bit exempts the file from the periodic cleanup of runtime directories.
   lock_ = FileDescriptor(::open((*folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
                                 S_ISVTX | S_IRUSR | S_IWUSR));
   first_ = !lock_.valid() || takeLock();

@@ -9,27 +9,30 @@ class QDBusVirtualObject;
 
 namespace platform {
 
-// Sees to it that the program runs once per user: a lock that dies with its holder says who runs, and a name
-// on the session bus is where a second start knocks. Main thread.
+// Ensures one instance per user. A file lock, which the kernel releases when its holder ends, decides which
+// process is first; a later process reaches the first one through a name on the session bus. Main thread
+// only.
 class SingleInstance {
  public:
   SingleInstance();
   ~SingleInstance();
 
-  // Whether this process is the one that runs; also true where no lock is to be had, so that the program
-  // still works.
+  // Returns whether this process holds the lock. Also returns true if the lock file cannot be opened or
+  // locked for another reason than a second holder, so that the program still works.
   [[nodiscard]] bool isFirst() const { return first_; }
 
-  // First process: takes the bus name and calls `reopened` from the run loop at each second start. Returns
-  // false if another process owns the name: an agent under a lock elsewhere, or any program on the bus.
+  // First process: takes the bus name and calls `reopened` from the run loop for each Activate call. Returns
+  // false if another process owns the name: an instance with a different runtime folder, or any other program
+  // on the bus. Returns true if there is no bus.
   [[nodiscard]] bool listen(std::function<void()> reopened);
 
-  // First process without the name: asks its owner to come forward. Logs who that is, and if it does not
-  // answer within five seconds.
+  // First process without the name: logs the owner's process id and name and sends it an Activate call.
+  // Blocks for at most 5 s; logs if the owner does not answer.
   void deferToNameOwner();
 
-  // Second process: tells the first one, waiting up to ten seconds while that starts, is busy or ends. False
-  // when it has ended instead. Without a bus it is left at a line on standard error.
+  // Second process: sends Activate to the first one and retries for 10 s while that one starts, is busy or
+  // ends. Returns false if the lock has become free; this process then holds it. Otherwise returns true,
+  // after an error message if no process answered. Without a bus, only prints a line on standard error.
   [[nodiscard]] bool tellFirst();
 
  private:

@@ -6,7 +6,8 @@ namespace platform {
 
 using std::chrono::steady_clock;
 
-// The toolkit's own repeating timers start a new count after a tick that was late by more than an interval.
+// A repeating QTimer restarts its interval after a tick that is late by more than one interval. This timer
+// keeps its ticks at multiples of the interval.
 struct Timer::Impl {
   Impl(std::chrono::milliseconds every, std::function<void()> what)
       : interval(every), action(std::move(what)), due(steady_clock::now() + every) {
@@ -23,7 +24,7 @@ struct Timer::Impl {
     if (now < due) return wait();
     due += ((now - due) / interval + 1) * interval;
     wait();
-    // The action may drop the timer, and this with it.
+    // The action may destroy the timer and this object with it, so call a copy.
     const auto running = action;
     running();
   }

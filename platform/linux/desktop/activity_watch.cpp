@@ -12,7 +12,7 @@
 namespace platform {
 namespace {
 
-// For as long as the keyboard is handed from one window to another.
+// The input focus passes through intermediate states while it moves from one window to another.
 constexpr std::chrono::milliseconds settleTime{100};
 
 }  // namespace
@@ -36,8 +36,8 @@ void ActivityWatch::stateChanged(Qt::ApplicationState state) {
   look();
 }
 
-// The menu of the panel's icon takes the keyboard although the user has not turned to a window, and Qt closes
-// it when a window is shown: nothing is told while it is open.
+// Postpones the report while a popup is open. The status menu takes the input focus although the user has not
+// switched to a window, and Qt closes the menu when a window is shown.
 void ActivityWatch::look() {
   if (QApplication::activePopupWidget() != nullptr) return settle_.start();
   if (QGuiApplication::applicationState() == Qt::ApplicationActive) return tell(true);
@@ -50,7 +50,8 @@ void ActivityWatch::tell(bool active) {
   if (std::exchange(active_, active) != active) changed_(active);
 }
 
-// While the program is inactive and nobody has taken the keyboard yet, the window manager's word is awaited.
+// If Qt reports the program as inactive while no window has the input focus yet, waits for the window manager
+// to update its active-window property.
 bool ActivityWatch::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
   if (!active_ || QGuiApplication::applicationState() == Qt::ApplicationActive) return false;
   if (type != "xcb_generic_event_t") return false;

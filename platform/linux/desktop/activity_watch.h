@@ -9,11 +9,12 @@
 
 namespace platform {
 
-// Tells when the user turns from this program's windows to another program's, and back.
+// Reports when the user switches from this program's windows to another program's, and back. Main thread
+// only.
 //
-// The toolkit also takes the program for inactive while a panel or the window manager holds the keyboard for
-// a moment, and before the first window has got it. This tells only of a program that was active and whose
-// keyboard now belongs to a window of another one. Main thread.
+// Qt also reports the program as inactive while a panel or the window manager has the input focus for a
+// moment, and before the first window has received it. This class reports inactivity only when the program
+// was active and the focused window belongs to another program.
 class ActivityWatch : public QObject, private QAbstractNativeEventFilter {
  public:
   explicit ActivityWatch(std::function<void(bool active)> changed);

@@ -18,7 +18,7 @@ QPalette darkPalette() {
   palette.setColor(QPalette::Highlight, accent);
   palette.setColor(QPalette::HighlightedText, Qt::white);
   palette.setColor(QPalette::Link, accent.lighter(130));
-  // Dimmed text gets a shadow in this colour, which is meant for light windows.
+  // The Fusion style draws disabled text with a shadow in this colour, which suits light windows only.
   palette.setColor(QPalette::Disabled, QPalette::Light, Qt::transparent);
   for (const auto role :
        {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {

@@ -2,8 +2,8 @@
 
 namespace platform {
 
-// Gives menus and windows dark or light colours, where the toolkit's own style leaves that to the program: a
-// desktop theme that brings its own colours is left alone. Main thread.
+// Sets a dark or light palette for menus and windows. Main thread only. Has an effect only with the Fusion
+// style, which leaves the colours to the program; a desktop theme with its own colours stays unchanged.
 void applyAppearance(bool dark);
 
 }  // namespace platform

@@ -30,7 +30,7 @@ DesktopWatch::~DesktopWatch() {
   if (qGuiApp != nullptr) qGuiApp->removeNativeEventFilter(this);
 }
 
-// Qt has the property changes of the root window and of its own windows reported.
+// Qt selects PropertyChangeMask on the root window and on its own windows.
 bool DesktopWatch::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
   if (type != "xcb_generic_event_t") return false;
   const auto* event = static_cast<const xcb_generic_event_t*>(message);

@@ -8,9 +8,9 @@
 
 namespace platform {
 
-// Calls `changed` a moment after the user has turned to another desktop or back from the bare one, or a
-// window of the program's has been moved to another desktop, by when the window manager has brought its
-// windows there. Never on a display that is no X screen. Main thread.
+// Calls `changed` 100 ms after the last of these events: the user switches desktops or leaves the "show
+// desktop" mode, or a window of this program moves to another desktop. By then the window manager has placed
+// its windows. Main thread only. Does nothing on a display that is not X11.
 class DesktopWatch : private QAbstractNativeEventFilter {
  public:
   explicit DesktopWatch(const std::function<void()>& changed);

@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-// By the range of numbers that the server gave this program, so a window that is already gone, too.
+// Compares the client's range of resource ids, which works for a destroyed window too.
 bool isOfThisProgram(xcb_window_t window) {
   const xcb_setup_t* setup = xcb_get_setup(xConnection());
   return (window & ~setup->resource_id_mask) == setup->resource_id_base;
@@ -44,7 +44,7 @@ KeyboardHolder keyboardHolder() {
   if (!holder) return KeyboardHolder::Unknown;
   if (*holder == XCB_WINDOW_NONE) return KeyboardHolder::Nobody;
   if (isOfThisProgram(*holder)) return KeyboardHolder::ThisProgram;
-  // In this order: a menu that goes between the two questions is no longer on the screen.
+  // Check the type first: a menu that closes between the two requests then fails the second one.
   const bool isPrograms = !holdsInPassing(*holder) && isOnScreen(*holder);
   return isPrograms ? KeyboardHolder::OtherProgram : KeyboardHolder::Nobody;
 }

@@ -4,15 +4,16 @@
 
 namespace platform {
 
-// Whose window the desktop's keyboard belongs to. Nobody's: none has it, or one that has just left the screen
-// and after which the window manager has yet to name the next, or a panel's, a menu's or the like, which hold
-// it only in passing. Unknown where the window manager doesn't tell.
+// Owner of the window with the input focus. Nobody: no window has it; or the focused window has just left the
+// screen and the window manager has not set the next one; or a panel, a menu or the like holds it
+// temporarily. Unknown: the window manager does not set _NET_ACTIVE_WINDOW.
 enum class KeyboardHolder { ThisProgram, OtherProgram, Nobody, Unknown };
 
-// Asks the display; some round trips to the server. Main thread.
+// Returns the current owner. Main thread only. Makes several round trips to the X server.
 [[nodiscard]] KeyboardHolder keyboardHolder();
 
-// The atom of the property in which the window manager tells it; 0 where there is none.
+// Returns the atom _NET_ACTIVE_WINDOW, the root-window property that names the focused window; 0 without an X
+// connection. Main thread only. One round trip.
 [[nodiscard]] std::uint32_t keyboardHolderProperty();
 
 }  // namespace platform

@@ -4,7 +4,7 @@
 
 namespace platform {
 
-// XDG Base Directory Specification 0.8: $XDG_DATA_HOME when it is an absolute path, else $HOME/.local/share.
+// XDG Base Directory 0.8: $XDG_DATA_HOME if it is an absolute path, else $HOME/.local/share.
 std::optional<std::string> applicationSupportDirectory() {
   const char* data = std::getenv("XDG_DATA_HOME");
   if (data != nullptr && data[0] == '/') return data;

@@ -29,7 +29,8 @@ std::string busAddress() {
   return runtime != nullptr && std::filesystem::is_socket(path, error) ? "unix:path=" + path : "";
 }
 
-// The value of `key` in the first address of the list, when that is a unix socket without escaped bytes.
+// Returns the value of `key` in the first address of the list. Returns nullopt if that is not a unix socket
+// or contains escaped bytes.
 std::optional<std::string> unixSocket(std::string_view addresses, std::string_view key) {
   std::string_view first = addresses.substr(0, addresses.find(';'));
   if (!first.starts_with("unix:") || first.find('%') != std::string_view::npos) return std::nullopt;
@@ -42,10 +43,10 @@ std::optional<std::string> unixSocket(std::string_view addresses, std::string_vi
   return std::nullopt;
 }
 
-// The authentication protocol of D-Bus: a NUL, then lines. Any answer will do.
+// Starts the D-Bus authentication: a NUL byte, then lines. Any reply shows that the bus answers.
 bool answersOn(const sockaddr_un& address, socklen_t length) {
   const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-  // A bus that is not there is no matter: the library finds that out at once.
+  // Any error but EAGAIN (backlog full) is harmless: the D-Bus library fails with it at once too.
   if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), length) != 0)
     return errno != EAGAIN;
   constexpr char hello[] = "\0AUTH\r\n";

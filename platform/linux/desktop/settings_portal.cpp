@@ -48,16 +48,15 @@ SettingsPortal::SettingsPortal()
   QDBusConnection::sessionBus().connect(service, portalPath, portalInterface,
                                         QStringLiteral("SettingChanged"), this,
                                         SLOT(settingChanged(QDBusMessage)));
-  // A portal tells of changes only; what it finds when it comes up, after the agent or for a second time, it
-  // has to be asked for.
+  // The portal signals only changes. Read the value whenever it registers on the bus: after the agent, or
+  // again after a restart.
   connect(&comings_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askWithoutWaiting(); });
 }
 
 bool SettingsPortal::readPrefersDark() {
   const QDBusMessage answer =
       QDBusConnection::sessionBus().call(question(), QDBus::Block, portalAnswerLimitMs);
-  // A portal that is only just being started by this call answers too late for it; what it says then counts
-  // as a change.
+  // A portal that this call starts may answer after the timeout. Its late answer counts as a change.
   if (isTimeOut(answer)) askWithoutWaiting();
   const bool answered = answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();
   setDark(answered && isDarkColorScheme(answer.arguments().constFirst()));

@@ -10,15 +10,15 @@
 
 namespace platform {
 
-// The desktop's settings portal (org.freedesktop.portal.Settings), of which one key is asked: whether the
-// user prefers a dark appearance. Main thread only.
+// Client of the desktop's settings portal (org.freedesktop.portal.Settings) for one key: whether the user
+// prefers a dark appearance. Main thread only.
 class SettingsPortal : public QObject {
   Q_OBJECT
  public:
-  // Listens from its first use on and lives as long as the process.
+  // The instance subscribes to changes on first use and is never destroyed.
   [[nodiscard]] static SettingsPortal& shared();
 
-  // Asks anew; blocks for 500 ms at most. False also when nobody answers.
+  // Reads the preference from the portal. Blocks for at most 500 ms. Returns false if there is no answer.
   [[nodiscard]] bool readPrefersDark();
   // Calls `observer` each time the preference changes from dark to not dark or back.
   void onChange(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
@@ -37,8 +37,7 @@ class SettingsPortal : public QObject {
   std::vector<std::function<void()>> observers_;
 };
 
-// Whether the value of org.freedesktop.appearance color-scheme means dark; variants in variants are looked
-// through.
+// Returns whether `value`, of org.freedesktop.appearance color-scheme, means dark. Unwraps nested variants.
 [[nodiscard]] bool isDarkColorScheme(const QVariant& value);
 
 }  // namespace platform

@@ -15,7 +15,7 @@ bool wasRun(const std::string& folder, const std::string& url) {
   return runAndWait(folder + "/open", {"open", url}) != -1;
 }
 
-// What the text says as an address, written anew; nothing when it is none.
+// Returns the URL re-encoded by QUrl, or nullopt if `text` is not a valid absolute URL.
 std::optional<std::string> parsed(const std::string& text) {
   const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
   if (!url.isValid() || url.isRelative()) return std::nullopt;
@@ -29,7 +29,7 @@ Workspace& Workspace::sharedWorkspace() {
   return workspace;
 }
 
-// The helper hands the address to the desktop and does not wait for the browser.
+// The helper passes the URL to the desktop and does not wait for the browser.
 void Workspace::openURL(const std::string& text) {
   const auto url = parsed(text);
   if (!url) return;

@@ -11,35 +11,35 @@ struct xcb_connection_t;
 
 namespace platform {
 
-// What the parts that talk to the X server past the toolkit do so with. Main thread.
+// Access to the X server for code that bypasses Qt. Main thread only.
 
-// The toolkit's own connection; nullptr on a display of another kind.
+// Returns Qt's own connection, or nullptr if the display is not X11.
 [[nodiscard]] xcb_connection_t* xConnection();
 
-// The atom of this name, made when the server doesn't know it yet; 0 on failure. One round trip to the
-// server.
+// Returns the atom of this name and creates it if it does not exist; 0 on error. One round trip.
 [[nodiscard]] std::uint32_t xAtom(xcb_connection_t* connection, const std::string& name);
 
-// The screen's root window. Only where there is a connection.
+// Returns the root window of the first screen. Requires a connection.
 [[nodiscard]] std::uint32_t xRoot();
 
-// The first number of a window's property; nullopt where there is none of this type. One round trip.
+// Returns the first 32-bit value of a window property, or nullopt if there is none of this type. One round
+// trip.
 [[nodiscard]] std::optional<std::uint32_t> xNumber(std::uint32_t window, std::uint32_t property,
                                                    std::uint32_t type);
 
-// The widget's window on the display; 0 where it has none. The widget's own number is that of an earlier
-// window once the toolkit has replaced it.
+// Returns the widget's native window, or 0 if it has none. Unlike QWidget::winId(), it is current after Qt
+// has replaced the window.
 [[nodiscard]] std::uint32_t xWindowOf(const QWidget& widget);
 
-// An answer of the server's.
+// Owns a reply of the server, which the caller must free.
 struct FreeXReply {
   void operator()(void* reply) const { std::free(reply); }
 };
 template <typename Reply>
 using XReply = std::unique_ptr<Reply, FreeXReply>;
 
-// Lets Xlib forget the requests that it has sent. The toolkit sets window titles through Xlib but takes its
-// answers past it, so Xlib would keep a note of each request for good. One round trip to the server.
+// Makes Xlib discard its records of sent requests. Qt sets window titles through Xlib but reads all replies
+// through XCB, so the records would accumulate for the lifetime of the process. One round trip.
 void settleXRequests();
 
 }  // namespace platform
