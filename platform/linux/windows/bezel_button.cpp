@@ -13,10 +13,11 @@ namespace platform {
 namespace {
 
 constexpr const char* keptInApplication = "palettes of buttons";
-// Light and dark, in windows of their own colour and in sheets, take four.
+// Four palettes are in use at most: light and dark, each in windows with a background colour and in sheets.
 constexpr qsizetype mostKept = 8;
 
-// Equal to this one, and the same as for an equal one before.
+// Returns a palette equal to `palette`, with the same QPalette::cacheKey() for all equal palettes that are in
+// the cache.
 QPalette keptPalette(const QPalette& palette) {
   auto all = qApp->property(keptInApplication).value<QList<QPalette>>();
   const auto equal = std::ranges::find(all, palette);
@@ -26,7 +27,7 @@ QPalette keptPalette(const QPalette& palette) {
     all.append(kept);
     qApp->setProperty(keptInApplication, QVariant::fromValue(all));
   }
-  kept.setCurrentColorGroup(palette.currentColorGroup());  // which equal palettes may differ in
+  kept.setCurrentColorGroup(palette.currentColorGroup());  // operator== ignores the colour group
   return kept;
 }
 

@@ -6,21 +6,21 @@
 
 namespace platform {
 
-// A push button whose bezel may be smaller than itself. Main thread.
+// A push button whose bezel may be smaller than the widget. Main thread only.
 //
-// The style keeps the picture of a bezel under the identity of the palette it was drawn with, and every
-// widget of a window of its own colour has a palette of its own; here equal ones have one identity, for as
-// long as few others were drawn since.
+// Painting uses one shared palette for equal palettes: the style caches bezel images by QPalette::cacheKey(),
+// and every widget in a window with its own background colour has its own key. At most eight palettes are
+// cached.
 class BezelButton : public QPushButton {
  public:
   using QPushButton::QPushButton;
 
  protected:
-  // What is drawn as the button and takes clicks.
+  // Returns the rectangle, in widget coordinates, that is painted as the button and accepts clicks.
   [[nodiscard]] virtual QRect bezel() const { return rect(); }
 
   void paintEvent(QPaintEvent* event) override;
-  // A key that is held down presses the button once.
+  // A key that is held down clicks the button once.
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   [[nodiscard]] bool hitButton(const QPoint& point) const override { return bezel().contains(point); }

@@ -17,20 +17,22 @@ constexpr int bezelHeight = 32;
 constexpr int sideMargin = 6;
 constexpr double titleSize = 13;
 
-// The bezel is smaller than the button's frame, and so is what takes clicks.
+// The bezel, which is smaller than the button's frame, also bounds the clickable area.
 class PushButton : public BezelButton {
  public:
   std::function<void()> action;
 
   PushButton() {
     setFont(systemFont(font(), titleSize));
-    setAutoDefault(true);  // Return presses it
-    // What assistive programs press is clicked a moment later, when input may go elsewhere.
+    setAutoDefault(true);  // Return clicks the focused button
+    // A press through an accessibility interface emits clicked() after a delay. Check at both signals whether
+    // the button accepts input.
     connect(this, &QPushButton::pressed, this, [this] { mayAct_ = takesInput(*this); });
     connect(this, &QPushButton::clicked, this, [this] { act(); });
   }
 
-  // A button that is disabled for a while gives the keyboard up, and gets it back from who got it then.
+  // Restores the input focus that Qt moved to another widget when the button was disabled, if that widget
+  // still has it.
   void enable(bool enabled) {
     const bool hadKeyboard = window()->focusWidget() == this;
     setEnabled(enabled);
@@ -49,8 +51,8 @@ class PushButton : public BezelButton {
   }
 
  private:
-  // The button is seen to be released before an action that takes its time, which may replace itself or end
-  // the button.
+  // Repaints the button as released first, because the action may take seconds. Calls a copy, because the
+  // action may replace itself or destroy the button.
   void act() {
     repaint();
     const auto work = action;

@@ -18,7 +18,8 @@ bool sharesByteOrder(const xcb_setup_t& setup) {
   return isLittleEndian == (Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
 }
 
-// Each row of the display's images of this depth is as long as the toolkit's, which pads to 32 bits.
+// Returns whether the server's images of this depth have the row layout of QImage, which pads rows to 32
+// bits.
 bool hasRowsLike(QImage::Format format, std::uint8_t depth, const xcb_setup_t& setup) {
   const auto bits = static_cast<std::uint8_t>(QImage::toPixelFormat(format).bitsPerPixel());
   for (auto it = xcb_setup_pixmap_formats_iterator(&setup); it.rem > 0; xcb_format_next(&it)) {
@@ -45,7 +46,7 @@ struct Target {
   QImage::Format format = QImage::Format_Invalid;
 };
 
-// Two round trips to the server.
+// Makes two round trips to the server.
 std::optional<Target> targetIn(xcb_window_t window) {
   xcb_connection_t* const x = xConnection();
   const auto geometryCookie = xcb_get_geometry(x, window);
@@ -111,9 +112,9 @@ void FirstPicture::give(QWidget& widget) {
                     static_cast<std::uint16_t>(picture.height()));
   upload(picture, target->depth, pixmap);
   setBackground(target->window, pixmap);
-  xcb_clear_area(xConnection(), 0, target->window, 0, 0, 0, 0);  // paints a window that is mapped already
+  xcb_clear_area(xConnection(), 0, target->window, 0, 0, 0, 0);  // repaints a window that is already mapped
   xcb_flush(xConnection());
-  xcb_free_pixmap(xConnection(), pixmap);  // the window keeps it
+  xcb_free_pixmap(xConnection(), pixmap);  // the window keeps its own reference
   given_ = true;
 }
 

@@ -9,7 +9,7 @@ class QWidget;
 
 namespace platform {
 
-// How a window's pixels hold their colours: the bits in use, and those of each colour.
+// Pixel layout of an X visual: its depth in bits and the mask of each colour.
 struct ColorLayout {
   std::uint8_t depth = 0;
   std::uint32_t red = 0, green = 0, blue = 0;
@@ -17,20 +17,23 @@ struct ColorLayout {
   bool operator==(const ColorLayout&) const = default;
 };
 
-// The toolkit's format of the same pixels; nullopt if it has none, as for 8 bits of a palette. Pure.
+// Returns the QImage format with this pixel layout, or nullopt if there is none, as for an 8-bit palette.
+// Thread-safe.
 [[nodiscard]] std::optional<QImage::Format> pictureFormat(const ColorLayout& layout);
 
-// What a window shows between its being mapped and the toolkit's first painting of it. The program may be
-// busy for seconds then, and a window without a background of its own would be black.
+// Content of a window between its mapping and its first painting by Qt. Main thread only.
 //
-// The display gets the picture as the window's background and needs the program no more. Where it takes no
-// such picture (another kind of display, a palette of colours) nothing happens. Main thread.
+// The main thread may be busy for seconds at that time, and a window without a background would be black.
+// This class therefore sets an image of the widget as the X window's background, which the server paints by
+// itself. It does nothing if the display is not X11, the visual has no matching QImage format, or the image
+// exceeds the maximum request length.
 class FirstPicture {
  public:
-  // Hands the display the widget as it looks now. The widget is a window that has been shown and will be
-  // painted soon, whether or not it has been mapped by now.
+  // Sets the background to the widget's current look. `widget` must be a top-level widget that has been
+  // shown, mapped or not, and that Qt paints soon.
   void give(QWidget& widget);
-  // Takes it back once the widget has been painted: what is uncovered later must not show the old picture.
+  // Removes the background. Call it once the widget has been painted: areas exposed later must not show the
+  // old image.
   void takeBack(const QWidget& widget);
 
  private:

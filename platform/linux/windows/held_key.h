@@ -4,13 +4,13 @@
 
 namespace platform {
 
-// Whether this key presses the control that has the keyboard.
+// Returns whether this key activates the focused control.
 [[nodiscard]] inline bool pressesControl(int key) {
   return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
 }
 
-// Tells the repetitions of a key that is held down. The toolkit overlooks some when the program was busy: it
-// takes a release for a real one while the press that follows is still to come. Both bear the same time.
+// Detects auto-repeated key presses. Qt misses some when the program was busy: it reports a release as final
+// if the press that follows it has not been read yet. Both events then carry the same timestamp.
 class HeldKey {
  public:
   void noteRelease(const QKeyEvent& event) {

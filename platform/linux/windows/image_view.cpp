@@ -83,7 +83,7 @@ void PictureWidget::showCursorAt(QPoint point) {
   setCursor(found == cursorRects.end() ? Qt::ArrowCursor : found->second);
 }
 
-// May become a link after it was first described.
+// Role and actions are computed per call: setActsAsLink may follow the creation of this interface.
 class AccessiblePicture : public AccessibleLink {
  public:
   explicit AccessiblePicture(PictureWidget& picture)
@@ -112,7 +112,7 @@ PictureWidget& pictureWidget(const ImageView& view) {
 }  // namespace
 
 ImageView::ImageView(Rect frame) : View(std::make_unique<Impl>(frame, std::make_unique<PictureWidget>())) {
-  QAccessible::installFactory(describePicture);  // once, however often it is asked
+  QAccessible::installFactory(describePicture);  // a repeated installation is ignored
   pictureWidget(*this).owner = this;
   pictureWidget(*this).setMouseTracking(true);
 }

@@ -29,7 +29,7 @@ void InputMark::set() {
 }
 
 bool InputMark::isAfter(const QInputEvent& input) const {
-  // Sent events, of input methods for one, bear no time (CurrentTime).
+  // Synthetic events, such as those of input methods, have the timestamp CurrentTime (0).
   if (input.timestamp() == 0) return false;
   if (isAwaited_) return true;
   if (!time_) return false;

@@ -10,17 +10,17 @@ class QWidget;
 
 namespace platform {
 
-// Tells the input that arrived while the program was busy from what came later, by the display's own time:
-// that of a change to a property of the program's window, which the display reports behind all events before
-// it. Main thread.
+// Separates input that arrived while the program was busy from later input, by the X server's timestamps. The
+// mark is a change to a property of the window: the server reports it with its time, after all earlier
+// events. Main thread only. `window` must outlive this object.
 class InputMark : private QAbstractNativeEventFilter {
  public:
   explicit InputMark(const QWidget& window);
   ~InputMark() override;
 
-  // Marks this moment.
+  // Sets the mark to the current time.
   void set();
-  // Whether the input was made before the mark. False where there is no mark yet.
+  // Returns whether `input` was made before the mark. Returns false if no mark has been set.
   [[nodiscard]] bool isAfter(const QInputEvent& input) const;
 
  private:
@@ -29,7 +29,7 @@ class InputMark : private QAbstractNativeEventFilter {
   const QWidget& window_;
   std::uint32_t property_ = 0;
   bool isAwaited_ = false;
-  std::optional<std::uint32_t> time_;  // in the display's milliseconds, which start over every 50 days
+  std::optional<std::uint32_t> time_;  // in ms of server time, which wraps every 50 days
 };
 
 }  // namespace platform

@@ -6,8 +6,8 @@
 
 namespace platform {
 
-// What assistive programs are told of a link: its name, and that it can be pressed while its window takes
-// input. Main thread.
+// Accessibility interface of a link: its name, and a press action that works while its window accepts input.
+// Main thread only.
 class AccessibleLink : public QAccessibleWidget {
  public:
   AccessibleLink(QWidget& widget, const QString& name, std::function<void()> press);
@@ -19,7 +19,7 @@ class AccessibleLink : public QAccessibleWidget {
   std::function<void()> press_;
 };
 
-// Shows that what is drawn in `area` of the widget has the keyboard.
+// Draws the focus frame around `area` of the widget.
 void drawFocusFrame(QWidget& widget, const QRect& area);
 
 }  // namespace platform

@@ -12,26 +12,25 @@ namespace platform {
 
 class Window;
 
-// The modal runs under way, each a run loop nested in the one before. The innermost level's window takes
-// input; the other windows of the program don't, while it is on screen. Menus and the panel's icon always do.
-// Main thread.
+// Stack of the active modal runs, each a run loop nested in the previous one. While the window of the
+// innermost run is on screen, only it accepts input; menus and the tray icon always do. Main thread only.
 //
-// The toolkit's own modality would end with the window's being hidden, and with it the run; here only `stop`
-// ends one.
+// Not based on Qt's modality, which ends when the window is hidden: only `stop` ends a run.
 class ModalStack : public QObject {
  public:
-  // The program's one stack. Never destroyed.
+  // Returns the only instance, which is never destroyed.
   static ModalStack& shared();
 
-  // Serves events until this level is stopped.
+  // Runs a nested event loop until this level is stopped. Keeps `window` alive meanwhile.
   void run(std::shared_ptr<Window> window);
-  // Stops the innermost level that still runs; nothing when there is none.
+  // Stops the innermost level that is still running. No-op if there is none.
   void stop();
-  // Has the innermost level's window come forward.
+  // Raises and activates the window of the innermost level.
   void bringForward();
-  // Whether this toolkit window of the program's takes no input now.
+  // Returns whether a modal run keeps input from this top-level widget. Always false for menus and the tray
+  // icon.
   [[nodiscard]] bool blocks(const QWidget& window) const;
-  // Whether the level on top has been stopped and control is on its way back to who ran it.
+  // Returns whether the top level has been stopped but `run` has not returned to its caller yet.
   [[nodiscard]] bool isUnwinding() const { return !levels_.empty() && levels_.back()->stopped; }
 
   bool eventFilter(QObject* receiver, QEvent* event) override;
@@ -45,7 +44,7 @@ class ModalStack : public QObject {
   };
   [[nodiscard]] Level* innermost() const;
 
-  std::vector<Level*> levels_;  // each lives in its own `run`
+  std::vector<Level*> levels_;  // each is a local variable of `run`
 };
 
 }  // namespace platform

@@ -11,31 +11,31 @@ namespace platform {
 
 class ModalStack;
 
-// What threads have posted to the main thread, served there in the order of posting.
+// Queue of functions that any thread posts and the main thread runs in the order of posting.
 //
-// The toolkit's own queue would go on serving inside a modal run that has just been stopped, and a run begun
-// there would nest in it: a quick writer of "show" and "hide" would pile up runs without end. This queue
-// waits until the stopped run has returned.
+// Qt's event queue continues to deliver events in a modal run that has been stopped but has not returned. A
+// run started there would nest in it, so rapid alternation of "show" and "hide" commands would nest runs
+// without bound. This queue pauses until the stopped run has returned.
 class PostedWork : public QObject {
   Q_OBJECT
 
  public:
-  // The program's one queue. Never destroyed; first called on the main thread.
+  // Returns the only instance, which is never destroyed. Call it first on the main thread.
   static PostedWork& shared();
 
-  // Main thread, as the destructor.
+  // Main thread only, like the destructor. `modalRuns` must outlive this object.
   explicit PostedWork(const ModalStack& modalRuns);
 
-  // Any thread.
+  // Appends `work` to the queue. Thread-safe; returns at once.
   void post(std::function<void()> work);
-  // Has the run loop come back to what was left. Any thread.
+  // Schedules `serve` on the run loop. Thread-safe.
   void wake();
-  // Serves what is waiting at once, instead of with the run loop's next turn. Main thread, called by the run
-  // loop.
+  // Runs the queued functions now. Main thread only, called from the run loop. Returns early while a stopped
+  // modal run unwinds.
   void serve();
 
  Q_SIGNALS:
-  // A signal rather than a call of its own for each wake: the threads share the queue below and nothing else.
+  // A queued signal rather than a queued functor, so that `waiting_` is the only state that threads share.
   void woken();
 
  private:

@@ -23,7 +23,7 @@ constexpr int buttonWidth = 100, buttonHeight = 32;
 constexpr double fontSize = 13;
 constexpr QColor shade(0, 0, 0, 60);
 
-// The dialog's ways with Return and Escape, as a part of another window.
+// Embeds a QDialog in the window for its handling of Return and Escape.
 class Panel : public QDialog {
  public:
   QPushButton* escapeButton = nullptr;
@@ -39,7 +39,7 @@ class Panel : public QDialog {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::Dark));
     painter.setBrush(palette().color(QPalette::Window).lighter(104));
-    painter.drawRect(rect().adjusted(0, -1, -1, -1));  // open towards the title bar
+    painter.drawRect(rect().adjusted(0, -1, -1, -1));  // the top edge, at the title bar, has no border
   }
 };
 
@@ -95,7 +95,7 @@ void Sheet::addButtons(const SheetContent& content) {
   buttons_.front()->setDefault(true);
 }
 
-// The default button stands rightmost.
+// The default button is rightmost.
 void Sheet::layOut(const SheetContent& content) {
   auto* row = new QHBoxLayout;
   row->setSpacing(gap / 2);
@@ -125,7 +125,7 @@ void Sheet::open() {
   buttons_.front()->setFocus();
 }
 
-// The keyboard first: the toolkit would look for another place within the sheet.
+// Moves the input focus before hiding: otherwise Qt would move it to another widget in the sheet.
 void Sheet::dismiss() {
   const bool returns = focusBefore_ != nullptr && focusBefore_->isEnabled();
   (returns ? focusBefore_.get() : &window_)->setFocus();

@@ -13,27 +13,28 @@ namespace platform {
 
 class InputMark;
 
-// What a sheet shows.
+// Content of a sheet.
 struct SheetContent {
-  std::vector<QString> buttons;  // the default first; never none
+  std::vector<QString> buttons;  // never empty; the first is the default
   QString message;
   QPixmap icon;
 };
 
-// A question hung on a window's upper edge. It stands inside the window, over all of its content, so it
-// moves, hides and shows with the window, and input ends at it. Main thread.
+// A question at the upper edge of a window. The sheet is a child widget that covers the whole content of the
+// window, so it moves, hides and shows with the window and intercepts its input. Main thread only.
 //
-// A window of its own would have to follow the first one around, would fight with the window manager for the
-// keyboard, and would leave a hole in the first one's picture when the program is busy after the answer.
+// Not a top-level window: that would have to follow the first one, would compete with the window manager for
+// the input focus, and would leave an unpainted area in the first one if the program is busy after the
+// answer.
 class Sheet : public QWidget {
  public:
-  // `chosen` is called with the index of the button, within the toolkit's handling of its click. Input from
-  // before the mark does nothing.
+  // Calls `chosen` with the index of the clicked button, from Qt's handling of the click. Ignores input that
+  // precedes `mark`. `window` and `mark` must outlive the sheet.
   Sheet(QWidget& window, const InputMark& mark, const SheetContent& content, std::function<void(int)> chosen);
 
-  // Shows it and gives it the keyboard.
+  // Shows the sheet and moves the input focus into it.
   void open();
-  // Takes it away and gives the keyboard back.
+  // Hides the sheet and restores the input focus.
   void dismiss();
 
  protected:

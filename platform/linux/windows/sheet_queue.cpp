@@ -22,7 +22,7 @@ void SheetQueue::showNext() {
   current_->open();
 }
 
-// Bound to the window, so that nothing is told once that is gone.
+// The window is the context object of the queued call, which is dropped if the window is destroyed.
 void SheetQueue::end(int index, const std::function<void(int)>& didEnd) {
   if (current_ == nullptr) return;
   ++endsUnderWay_;
@@ -33,13 +33,13 @@ void SheetQueue::end(int index, const std::function<void(int)>& didEnd) {
 
 void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
   if (closed_) return;
-  window_.repaint();  // didEnd may keep the run loop busy
+  window_.repaint();  // didEnd may block the main thread
   const QPointer<QWidget> window(&window_);
   didEnd(index);
   if (window == nullptr) return;
-  // What didEnd has posted comes before the window's events that arrived meanwhile, and these answer no sheet
-  // that is new by then. Part of it is served later if some of it stops a modal run; so what finishes the end
-  // is posted behind it.
+  // Work that didEnd has posted runs before the window's events that arrived meanwhile, and those events must
+  // not answer a sheet opened by that work. If the work stops a modal run, its rest runs later; therefore
+  // finishEnd is posted behind it.
   inputMark_.set();
   PostedWork& postedWork = PostedWork::shared();
   postedWork.post([this, window] {

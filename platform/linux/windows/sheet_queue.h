@@ -11,17 +11,18 @@
 
 namespace platform {
 
-// The sheets of one window: one is up, the others wait. Main thread.
+// The sheets of one window: one is shown, the others wait. Main thread only. `window` must outlive the queue.
 class SheetQueue {
  public:
   explicit SheetQueue(QWidget& window) : window_(window), inputMark_(window) {}
 
-  // Shows the sheet, once those before it have ended. `didEnd` is called by the run loop with the index of
-  // the button, not before the window shows itself without the sheet.
+  // Shows the sheet once the previous ones have ended. The run loop calls `didEnd` with the index of the
+  // clicked button, after the window has been repainted without the sheet. No-op after `close`.
   void begin(SheetContent content, std::function<void(int)> didEnd);
-  // Whether a sheet is up, or one has been answered and what its answer leads to may still bring the next.
+  // Returns whether a sheet is shown, or `didEnd` of an answered one, or work that it posted, is still to run
+  // and may begin the next sheet.
   [[nodiscard]] bool isUp() const { return current_ != nullptr || endsUnderWay_ > 0; }
-  // Takes all of them away, unanswered, and takes no more.
+  // Dismisses all sheets without calling `didEnd`, and ignores further ones.
   void close();
 
  private:
@@ -33,7 +34,7 @@ class SheetQueue {
   void end(int index, const std::function<void(int)>& didEnd);
   void tellEnd(int index, const std::function<void(int)>& didEnd);
   void finishEnd();
-  // The toolkit may still be at work on the sheet.
+  // Deletes the sheet with deleteLater, because Qt may still be handling an event in it.
   void dropCurrent();
 
   QWidget& window_;

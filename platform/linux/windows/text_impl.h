@@ -13,14 +13,14 @@ namespace platform {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// By pixels, so that the text fits its frame at any resolution that the screen reports.
+// Sets the size in pixels, so that the text fits its frame whatever resolution the screen reports.
 [[nodiscard]] inline QFont systemFont(QFont base, Font font) {
   base.setPixelSize(qRound(font.size));
   base.setBold(font.bold);
   return base;
 }
 
-// An ampersand in the title of a button or a menu's line would mark a letter for the keyboard.
+// Escapes ampersands, which Qt would turn into keyboard mnemonics in titles of buttons and menu items.
 [[nodiscard]] inline QString withoutMnemonic(QString title) {
   return title.replace(QLatin1Char('&'), QLatin1String("&&"));
 }

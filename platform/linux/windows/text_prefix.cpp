@@ -7,7 +7,7 @@
 namespace platform {
 namespace {
 
-// Up to the first byte that begins a code point at or before `length`; malformed text is cut anywhere.
+// Cuts before the last code point that does not fit into `length` bytes. Cuts malformed UTF-8 anywhere.
 std::string_view cutToBytes(std::string_view text, std::size_t length) {
   if (text.size() <= length) return text;
   constexpr std::size_t maxContinuations = 3;
@@ -24,8 +24,8 @@ QString cutToCodePoints(QString text, std::size_t count) {
   return text;
 }
 
-// Where the last whole character ends, `maxCharacters` at most. What follows the last boundary of a text that
-// has been cut may be half a character.
+// Returns the end of the last whole grapheme, of at most `maxCharacters`. In a text that has been cut, the
+// last grapheme may be incomplete and is left out unless it is the only one.
 qsizetype endOfCharacters(const QString& text, std::size_t maxCharacters, bool isCut) {
   QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
   qsizetype end = 0;

@@ -21,7 +21,7 @@ QAccessibleInterface* describeLink(const QString&, QObject* object) {
 }  // namespace
 
 TextWidget::TextWidget() {
-  QAccessible::installFactory(describeLink);  // once, however often it is asked
+  QAccessible::installFactory(describeLink);  // a repeated installation is ignored
   setTextFormat(Qt::PlainText);
   setWordWrap(true);
   setMouseTracking(true);

@@ -9,7 +9,8 @@
 
 namespace platform {
 
-// The body of a TextView: plain text as labels show it, or a text that looks and acts as its attributes say.
+// Implementation of TextView: a label with plain text, or text drawn and made clickable by its attributes.
+// Main thread only.
 class TextWidget : public QLabel {
  public:
   TextWidget();
@@ -18,11 +19,11 @@ class TextWidget : public QLabel {
   void showAttributed(const QString& text, TextAttributes attributes);
   void setSelectable(bool selectable);
   void setTruncatesTail(bool truncates);
-  // Grows downwards to what the text needs.
+  // Increases the height to fit the text. Never shrinks.
   void growToText();
 
   [[nodiscard]] bool isLink() const { return attributes_ && !attributes_->link.empty(); }
-  // Opens the link; nothing where there is none.
+  // Opens the link in the browser. No-op if there is none.
   void openLink() const;
 
  protected:

@@ -12,7 +12,7 @@ using Views = std::vector<const View*>;
 
 void collectControls(const View& root, Views& views) {
   for (const auto& view : root.impl().subviews) {
-    // The toolkit orders nothing behind a widget that takes no keyboard.
+    // QWidget::setTabOrder ignores widgets that do not accept the focus.
     if ((view->impl().widget->focusPolicy() & Qt::TabFocus) != 0) views.push_back(view.get());
     collectControls(*view, views);
   }
@@ -40,7 +40,8 @@ View::Impl::Impl(Rect rect, std::unique_ptr<QWidget> body) : frame(rect), widget
   widget->resize(fromTop(rect, 0).size());
 }
 
-// The toolkit's parent would destroy the widgets of subviews that somebody else still keeps.
+// Detaches the subviews' widgets, which QWidget would otherwise delete although callers may still own the
+// views.
 View::Impl::~Impl() {
   for (const auto& view : subviews) view->impl().widget->setParent(nullptr);
 }

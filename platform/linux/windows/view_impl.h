@@ -20,12 +20,12 @@ struct View::Impl {
   std::chrono::steady_clock::time_point madeAt = std::chrono::steady_clock::now();
 };
 
-// Has the Tab key go through the views below `root` in the order in which they were made, and gives the
-// keyboard to the first that takes it, unless one has it already.
+// Sets the Tab order of the views below `root` to their order of creation, and focuses the first enabled one
+// that accepts the focus, unless a widget of the window already has it.
 void orderTabsAsMade(const View& root);
 
-// Where a rectangle counted from the lower left of a room of this height stands for the toolkit, which counts
-// from the upper left in whole pixels.
+// Converts a rectangle with its origin at the lower left of a parent of this height to Qt's coordinates:
+// origin at the upper left, whole pixels.
 [[nodiscard]] QRect fromTop(Rect rect, double roomHeight);
 
 }  // namespace platform

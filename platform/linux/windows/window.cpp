@@ -25,7 +25,7 @@
 namespace platform {
 namespace {
 
-// Where the content of a window may be for its frame to be wholly on the screen.
+// Returns the area for the window's content in which its frame is wholly on the screen.
 QRect roomFor(const QWidget& window) {
   const QRect content = window.geometry();
   const QRect frame = window.frameGeometry();
@@ -34,7 +34,7 @@ QRect roomFor(const QWidget& window) {
       content.bottom() - frame.bottom());
 }
 
-// Its upper left comes first where there is too little room.
+// If `room` is too small, keeps the upper left corner visible.
 QRect movedInto(const QRect& room, QRect place) {
   place.moveRight(std::min(place.right(), room.right()));
   place.moveBottom(std::min(place.bottom(), room.bottom()));
@@ -43,7 +43,7 @@ QRect movedInto(const QRect& room, QRect place) {
   return place;
 }
 
-// A window whose title bar has no close control is not closed by other means either.
+// Without a close control in the title bar, ignores all close requests.
 class WindowWidget : public QWidget {
  public:
   Window::Impl* owner = nullptr;
@@ -82,7 +82,7 @@ class WindowWidget : public QWidget {
   }
 
  private:
-  // The toolkit keeps a window's pixels on a screen of another scale, not its points.
+  // When a window moves to a screen with another scale, Qt keeps its size in device pixels instead of points.
   void keepSizeOnceIdle() {
     const auto keepSize = [this] {
       if (size() == minimumSize() || windowHandle() == nullptr) return;
@@ -93,9 +93,9 @@ class WindowWidget : public QWidget {
     QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
   }
 
-  // Some window managers draw a control that makes a window an icon whatever its hints say. One that has
-  // become an icon on another desktop, or while the user looks at the bare one, comes back when the user
-  // does, or when it is moved to the user's desktop.
+  // Some window managers offer a minimise control whatever the hints say. A window that is minimised on
+  // another desktop, or while the desktop is shown, returns when the user does or when it is moved to the
+  // current desktop.
   void followState() {
     if (!isMinimized()) return returns_.reset();
     if (!returns_) returns_.emplace([this] { comeBackOnceIdle(); });
@@ -110,7 +110,7 @@ class WindowWidget : public QWidget {
   }
 
   WindowStyle style_;
-  std::optional<DesktopWatch> returns_;  // while minimised
+  std::optional<DesktopWatch> returns_;  // set while minimised
 };
 
 class ContentView : public View {
@@ -119,8 +119,8 @@ class ContentView : public View {
       : View(std::make_unique<Impl>(frame, std::make_unique<WindowWidget>(style))) {}
 };
 
-// All of its roles are set, so that none of them follows the desktop. What the toolkit derives from a colour
-// has a dark highlight; the desktop's own stays.
+// Sets all roles, so that none follows the desktop's palette. The palette that Qt derives from one colour has
+// a dark highlight, so the desktop's highlight roles are kept.
 QPalette paletteOn(const QColor& background) {
   QPalette palette(background, background);
   const QPalette desktop = QApplication::palette();
@@ -130,9 +130,9 @@ QPalette paletteOn(const QColor& background) {
   return palette;
 }
 
-// Whether the window manager is told, by a _NET_WM_USER_TIME of 0, not to give the keyboard to a window when
-// it is shown. Qt hands WA_ShowWithoutActivating on to the QWindow only when it makes that, which is long
-// before; this is the property that it sets there.
+// Sets whether Qt asks the window manager, with _NET_WM_USER_TIME 0, not to focus the window when it is
+// shown. Qt copies WA_ShowWithoutActivating to the QWindow only when it creates the QWindow; this sets the
+// copy, a dynamic property.
 void setWantsKeyboard(QWidget& widget, bool wants) {
   if (QWindow* window = widget.windowHandle())
     window->setProperty("_q_showWithoutActivating", wants ? QVariant() : QVariant(true));
@@ -176,7 +176,7 @@ void Window::Impl::willBeClosed() {
   if (const auto tell = std::exchange(willClose, nullptr)) tell();
 }
 
-// The toolkit still works on the widget that is being closed.
+// Queued, because Qt still uses the widget that it is closing.
 void Window::Impl::releaseOnceIdle() {
   QMetaObject::invokeMethod(
       qApp, [self = std::move(onScreen)] {}, Qt::QueuedConnection);
@@ -188,7 +188,7 @@ void Window::Impl::followActivity(bool active) {
     setWantsKeyboard(widget, false);
     appear(&QWidget::show);
     setWantsKeyboard(widget, true);
-    // Some window managers put it above the window that keeps it from taking input.
+    // Some window managers place the shown window above the modal window.
     if (isBlocked(widget)) ModalStack::shared().bringForward();
   } else if (widget.isVisible()) {
     hiddenByInactivity = true;
@@ -209,8 +209,8 @@ void Window::Impl::comeForward() {
   widget.activateWindow();
 }
 
-// The part that another window covers has that one's picture once it is uncovered. A window that is coming
-// has been given its picture.
+// A part that another window covers shows that window's pixels when it is uncovered, until Qt paints it. A
+// window that is about to appear already has its background image.
 void Window::Impl::keepPictureUntilPainted() {
   if (isComing) return;
   firstPicture.give(widget);
@@ -222,7 +222,7 @@ void Window::Impl::comeBack() {
   if (isBlocked(widget)) ModalStack::shared().bringForward();
 }
 
-// The toolkit may make another window of the system's for one whose flags have changed since it was shown.
+// winId() creates the native window now: Qt may replace a window whose flags have changed since it was shown.
 void Window::Impl::appear(void (QWidget::*show)()) {
   widget.winId();
   tellItsControls();
@@ -240,7 +240,7 @@ bool Window::Impl::isOnScreen() const {
   return isComing || widget.windowHandle()->isExposed();
 }
 
-// On the window itself: the toolkit would make a new one for a changed flag of the widget.
+// Sets the flag on the QWindow: setting it on the widget would create a new native window.
 void Window::Impl::setAboveOthers(bool above) {
   QWindow* window = widget.windowHandle();
   if (window == nullptr) return;
@@ -256,7 +256,7 @@ Window::Window(Rect contentRect, WindowStyle style) : impl_(std::make_unique<Imp
 
 Window::~Window() {
   impl_.reset();
-  // Pictures and widgets leave holes behind; pages without anything in them go back to the system.
+  // Returns the free pages that images and widgets leave in the heap to the system.
   ::malloc_trim(0);
 }
 
@@ -306,7 +306,7 @@ void Window::orderOut() {
   impl_->hiddenByInactivity = false;
   impl_->widget.hide();
   settleXRequests();
-  // May be the last reference: nothing is touched after it.
+  // `self` may be the last reference, so do not use this object after it.
   const auto self = std::move(impl_->onScreen);
 }
 

@@ -22,13 +22,13 @@ void tellControls(QWindow& window, bool closable) {
   constexpr std::uint32_t hasFunctions = 1, hasDecorations = 2;
   constexpr std::uint32_t moves = 4, closes = 32;
   constexpr std::uint32_t border = 2, title = 8, menu = 16;
-  // Flags, functions, decorations, input mode, status.
+  // Fields: flags, functions, decorations, input mode, status.
   const std::array<std::uint32_t, 5> hints{hasFunctions | hasDecorations, moves | (closable ? closes : 0U),
                                            border | title | (closable ? menu : 0U), 0, 0};
   const std::uint32_t name = xAtom(xConnection(), "_MOTIF_WM_HINTS");
   xcb_change_property(xConnection(), XCB_PROP_MODE_REPLACE, idOf(window), name, name, 32, hints.size(),
                       hints.data());
-  xcb_flush(xConnection());  // the program may be busy for a while
+  xcb_flush(xConnection());  // the main thread may block before the next flush
 }
 
 bool isMadeIcon(QWindow& window) {

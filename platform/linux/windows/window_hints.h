@@ -4,14 +4,13 @@ class QWindow;
 
 namespace platform {
 
-// Tells the window manager which controls the window has: it can be moved, and closed where `closable`, but
-// neither be made an icon nor larger. The window has been created in the window system. To be called before
-// it is mapped and after each change of the window's flags, with which the toolkit writes hints of its own.
-// Main thread.
+// Sets _MOTIF_WM_HINTS: the window can be moved, and closed if `closable`, but neither minimised nor
+// maximised. The native window must exist. Call it before the window is mapped and after each change of the
+// window's flags, because Qt then writes its own hints. Main thread only.
 void tellControls(QWindow& window, bool closable);
 
-// Whether the window's user has made it an icon. False where it has only left the screen with its desktop, or
-// for as long as the user looks at the bare desktop. Some round trips to the server. Main thread.
+// Returns whether the user has minimised the window. Returns false if the window is on another desktop or the
+// desktop is being shown. Main thread only. Makes several round trips to the server.
 [[nodiscard]] bool isMadeIcon(QWindow& window);
 
 }  // namespace platform

@@ -16,54 +16,53 @@ namespace platform {
 struct Window::Impl {
   Impl(Rect contentRect, WindowStyle ofStyle);
 
-  // Whether this toolkit window is the window itself.
+  // Returns whether `window` is this window's widget.
   [[nodiscard]] bool owns(const QWidget& window) const { return &window == &widget; }
-  // Visible, and neither made an icon nor on another desktop; from the moment on at which it was ordered
-  // there.
+  // Returns whether the window is visible, and neither minimised nor on another desktop. Also true between
+  // the order to show it and its first painting.
   [[nodiscard]] bool isOnScreen() const;
   void setAboveOthers(bool above);
-  // Tells the will-close handler, and lets the window show no more.
+  // Closes the window permanently: dismisses its sheets and calls the will-close handler.
   void willBeClosed();
-  // Gives up what keeps the window while it shows, once control is back in the run loop.
+  // Drops the self-reference `onScreen` from the run loop.
   void releaseOnceIdle();
-  // Hides the window, or shows it again without asking for the keyboard.
+  // Hides the window, or shows it again without requesting the input focus.
   void followActivity(bool active);
-  // Back from where the program's inactivity has hidden it, and to the front if it is visible.
+  // Shows the window if inactivity has hidden it, and raises and activates it if it is visible.
   void comeForward();
-  // Back from the icon that its user has made of it, below the window that keeps it from taking input.
+  // Restores a minimised window, below the modal window that blocks its input, if any.
   void comeBack();
-  // Has the display show the widget's picture where nothing else is painted, until the toolkit has painted
-  // it.
+  // Sets the current image as the X window's background until Qt has painted the window.
   void keepPictureUntilPainted();
-  // Has the toolkit show the widget, with its picture in it until it is painted and no controls but its own.
+  // Calls `show` and sets the window's background image and its window-manager hints.
   void appear(void (QWidget::*show)());
-  // Repeats the window manager's hints, over those that the toolkit has written.
+  // Rewrites the window-manager hints after Qt has written its own.
   void tellItsControls();
 
   WindowStyle style;
   std::unique_ptr<View> content;
   QWidget& widget;
   SheetQueue sheets;
-  std::shared_ptr<Window> onScreen;  // itself, while it shows or is hidden by inactivity
+  std::shared_ptr<Window> onScreen;  // self-reference while shown or hidden by inactivity
   std::function<void()> willClose;
   bool closed = false;
   bool hiddenByInactivity = false;
-  bool isComing = false;  // ordered to the front, and not yet drawn
+  bool isComing = false;  // shown, not painted yet
   FirstPicture firstPicture;
   std::unique_ptr<ActivityWatch> activity;
 };
 
-// Whether a toolkit window was made by Window, in contrast to menus and the panel's icon.
+// Returns whether a top-level widget belongs to a Window, in contrast to menus and the tray icon.
 [[nodiscard]] bool isWindowOfProgram(const QWidget& window);
 
-// Whether a modal run keeps input from the widget's window.
+// Returns whether a modal run keeps input from the widget's window.
 [[nodiscard]] bool isBlocked(const QWidget& widget);
 
-// Whether the widget, which stands in a Window and in no sheet, takes the user's input now: no sheet is up
-// there, and no modal run keeps it. Events come by that anyway; assistive programs do not.
+// Returns whether a widget in a Window, outside sheets, accepts input now: neither a sheet nor a modal run
+// blocks it. Needed for accessibility actions, which bypass the event filters.
 [[nodiscard]] bool takesInput(const QWidget& widget);
 
-// Has each Window come forward.
+// Calls comeForward on every Window.
 void bringWindowsForward();
 
 }  // namespace platform
