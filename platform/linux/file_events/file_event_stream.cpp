@@ -44,7 +44,7 @@ struct FileEventStream::Impl {
   std::vector<FileEvent> batch;
   std::set<std::pair<std::string, std::uint32_t>> inBatch;
   bool treeIsIncomplete = false;
-  bool rootIsAway = false;  // at the last look; it may come back before the batch is delivered
+  bool rootIsAway = false;  // result of the last check; may revert before the batch is delivered
 };
 
 void FileEventStream::Impl::start() {
@@ -77,7 +77,7 @@ void FileEventStream::Impl::wake() {
   if ((!batch.empty() || rootIsAway) && !latency.isActive()) latency.start();
 }
 
-// The tree comes first: a folder is emptied before it is removed.
+// Reads the tree's events first: a folder's entries are removed before the folder itself.
 void FileEventStream::Impl::takeIn() {
   if (tree->takeChanges([this](const std::string& folder) { note({folder, 0}); })) {
     treeIsIncomplete = true;
@@ -90,7 +90,7 @@ void FileEventStream::Impl::note(FileEvent event) {
   if (inBatch.emplace(event.path, event.flags).second) batch.push_back(std::move(event));
 }
 
-// The old watch goes first, because there may be no room for two.
+// Frees the old watches first: the limits of inotify may not allow two sets.
 void FileEventStream::Impl::watchTreeAnew() {
   treeIsIncomplete = false;
   treeNotices.reset();
@@ -110,7 +110,7 @@ void FileEventStream::Impl::deliver() {
   } else if (treeIsIncomplete) {
     watchTreeAnew();
   }
-  // The callback may drop the stream, and this with it.
+  // The callback may destroy the stream and this object with it, so call a copy.
   const auto told = callback;
   told(*stream, events);
 }

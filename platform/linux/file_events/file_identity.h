@@ -6,9 +6,8 @@
 
 namespace platform {
 
-// What tells one file from all others, also from a later one that was given its number again: file systems
-// reuse the numbers of files that are gone, but not the moment of their making. That is zero where a file
-// system doesn't keep it.
+// Identifies a file uniquely, even after its inode number has been reused: the birth time differs then. The
+// birth time is zero on file systems that do not record it.
 struct FileIdentity {
   std::uint64_t device = 0;
   std::uint64_t number = 0;
@@ -18,15 +17,16 @@ struct FileIdentity {
   bool operator==(const FileIdentity&) const = default;
 };
 
-// Whether this errno says of a path that nothing is there, rather than that it can't be found out. Any
-// thread.
+// Returns whether this errno means that no file exists at a path (ENOENT, ENOTDIR, ELOOP, ESTALE), rather
+// than that its existence is unknown. Thread-safe.
 [[nodiscard]] bool saysThereIsNone(int error);
 
-// The folder to which `path` leads, over links too; nothing when there is none. Any thread.
+// Returns the identity of the folder at `path`, following links. Returns nullopt, with errno set, if there is
+// none. Thread-safe.
 [[nodiscard]] std::optional<FileIdentity> folderAt(const std::string& path);
 
-// Whether `path` leads to this folder; nothing where that can't be found out, as behind a folder that may not
-// be entered. Any thread.
+// Returns whether `path` leads to `folder`. Returns nullopt if that cannot be determined, for example EACCES
+// on a parent folder. Thread-safe.
 [[nodiscard]] std::optional<bool> leadsTo(const std::string& path, const FileIdentity& folder);
 
 }  // namespace platform

@@ -18,8 +18,8 @@ std::string below(const std::string& folder, std::string_view name) {
   return folder.empty() ? std::string(name) : folder + '/' + std::string(name);
 }
 
-// A notice without a name is about the watched folder itself. The watch on the folder above reports the same
-// with its name.
+// Ignores events without a name, which concern the watched folder itself: the watch on its parent reports the
+// same with a name.
 bool isChange(const Inotify::Notice& notice) {
   return !notice.name.empty() && (notice.mask & changes) != 0;
 }
@@ -29,7 +29,7 @@ struct Contents {
   bool empty = true;
 };
 
-// A folder that can't be read counts as empty.
+// A folder that cannot be read counts as empty.
 Contents contentsOf(const std::string& path) {
   Contents contents;
   std::error_code error;
@@ -67,17 +67,18 @@ void FolderTreeWatch::take(const Inotify::Notice& notice, const Report& changed)
 
   const std::string entry = below(folder, notice.name);
   if ((notice.mask & IN_MOVED_FROM) != 0) forgetTree(entry);
-  // What is in it already came with it, or before the watch on it.
+  // The new folder may already have entries: it was moved with them, or they were created before the watch
+  // was added.
   if ((notice.mask & (IN_CREATE | IN_MOVED_TO)) != 0) watchTree(entry, changed);
 }
 
-// Each folder is read after it has come under watch, so that none made meanwhile is missed. `filled` hears of
-// those that are not empty.
+// Adds the watch on each folder before it reads the folder, so that it misses no new subfolder. Calls
+// `filled` for each folder that is not empty.
 void FolderTreeWatch::watchTree(const std::string& top, const Report& filled) {
   std::deque<std::string> waiting{top};
   for (; !waiting.empty(); waiting.pop_front()) {
     const std::string& folder = waiting.front();
-    // With nothing behind it, the slash has the root's link followed.
+    // For the root, the path ends in a slash, which overrides IN_DONT_FOLLOW if the root is a link.
     const std::string path = root_ + '/' + folder;
     const int watch = inotify_.add(path, changes | IN_ONLYDIR | IN_DONT_FOLLOW | IN_EXCL_UNLINK);
     if (watch < 0) continue;

@@ -8,19 +8,20 @@
 
 namespace platform {
 
-// Reports in which folders of a tree entries come, go, are written to or get new attributes. Links are not
-// followed, but for the root itself. Any thread, but one at a time.
+// Reports the folders of a tree in which entries are created, deleted, moved, written to or change
+// attributes. Does not follow links, except for the root. Any thread, one at a time.
 class FolderTreeWatch {
  public:
-  // Watches as much of the tree as there is room for, the upper folders first.
+  // Watches the tree breadth-first, as far as the inotify limits allow.
   explicit FolderTreeWatch(std::string root);
 
-  // Readable when something has changed; -1 when nothing at all can be watched.
+  // Returns the inotify descriptor, still owned here, which is readable while events are pending; -1 if
+  // inotify is unavailable.
   [[nodiscard]] int descriptor() const { return inotify_.descriptor(); }
 
-  // Calls `changed` with the path of each folder in which something has changed, some more than once, and
-  // takes new folders into the watch. True when the queue ran over: changes went untold, and only a new watch
-  // on the tree knows all its folders.
+  // Calls `changed` with the path of each changed folder, possibly more than once, and adds watches for new
+  // folders. Returns true if the inotify queue overflowed (IN_Q_OVERFLOW): events are lost, and the caller
+  // must create a new FolderTreeWatch to know all folders again.
   [[nodiscard]] bool takeChanges(const std::function<void(const std::string& folder)>& changed);
 
  private:
@@ -32,7 +33,7 @@ class FolderTreeWatch {
 
   std::string root_;
   Inotify inotify_;
-  WatchedFolders folders_;  // by their paths below the root, which is the empty one
+  WatchedFolders folders_;  // keyed by path relative to the root, which is ""
 };
 
 }  // namespace platform

@@ -11,12 +11,11 @@
 namespace platform {
 namespace {
 
-// Calls `take` for each notice in what was read.
 void parse(std::span<const char> bytes, const std::function<void(const Inotify::Notice&)>& take) {
   while (bytes.size() >= sizeof(inotify_event)) {
     inotify_event header{};
     std::memcpy(&header, bytes.data(), sizeof header);
-    // The name is filled up with NULs, and is not there at all in notices about the watched file itself.
+    // The name is padded with NULs. Events on the watched file itself have no name (len is 0).
     const char* name = bytes.data() + sizeof header;
     take({header.wd, header.mask, {name, ::strnlen(name, header.len)}});
     bytes = bytes.subspan(sizeof header + header.len);

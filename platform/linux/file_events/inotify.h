@@ -9,28 +9,28 @@
 
 namespace platform {
 
-// A queue of the kernel's notices about files, and the watches that fill it. Any thread, but one at a time.
+// An inotify instance: its watches and its event queue. Any thread, one at a time.
 class Inotify {
  public:
   struct Notice {
     int watch = -1;
-    std::uint32_t mask = 0;  // of the IN_ bits
+    std::uint32_t mask = 0;  // IN_* bits
     std::string_view name = {};
   };
 
-  // Not valid when there is none to be had; then every watch fails and no notice comes.
+  // If inotify_init1 fails, the object is not valid: `add` fails and `drain` returns no events.
   Inotify();
 
   [[nodiscard]] bool valid() const { return descriptor_.valid(); }
-  // Readable while notices wait; still owned here.
+  // Returns the descriptor, still owned here, which is readable while events are pending.
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }
 
-  // The number of the watch, the same for every path to one file; -1 with errno set.
+  // Returns the watch descriptor, which is the same for all paths to one file; -1 with errno set on error.
   [[nodiscard]] int add(const std::string& path, std::uint32_t mask);
   void remove(int watch);
 
-  // Takes what waits now out of the queue. What comes meanwhile is left for the next call, so that a busy
-  // writer holds nobody up.
+  // Reads the events that are queued at the time of the call and calls `take` for each. Leaves later ones to
+  // the next call, so that a busy writer cannot keep the caller in this loop.
   void drain(const std::function<void(const Notice& notice)>& take);
 
  private:

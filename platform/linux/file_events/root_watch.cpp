@@ -15,8 +15,8 @@ namespace fs = std::filesystem;
 
 constexpr std::uint32_t itself = IN_MOVE_SELF | IN_DELETE_SELF;
 constexpr std::uint32_t rootItself = itself | IN_ONLYDIR | IN_MASK_ADD;
-// Where a folder doesn't tell of its own end, the one above does. Not asked for elsewhere: a folder such as
-// /tmp sees entries go all day.
+// Events for a folder whose child does not report its own deletion. Not used for other folders: entries of a
+// folder such as /tmp come and go all the time.
 constexpr std::uint32_t itsEntries = IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE;
 
 }  // namespace
@@ -41,9 +41,9 @@ bool RootWatch::hasChanged() {
   return hasChanged_;
 }
 
-// Asking for the root's watch again gives its number only for the very same folder, because the watch holds
-// on to it. What a folder is made of may change under it: the first write to one in an overlay moves it to
-// another layer, and its time of making with it.
+// inotify_add_watch returns the same watch descriptor only for the same inode, which the watch keeps alive.
+// The identity alone does not suffice: the first write to a folder on overlayfs copies it up and changes its
+// birth time.
 std::optional<bool> RootWatch::leadsToWatchedRoot() {
   if (root_ >= 0) {
     const int found = way_.add(path_, rootItself);
@@ -53,8 +53,8 @@ std::optional<bool> RootWatch::leadsToWatchedRoot() {
   return leadsTo(path_, identity_);
 }
 
-// Moving a folder tells those below it nothing, so each on the way is watched; where the path runs over
-// links, each on the way by which they lead too.
+// Watches every ancestor, because moving a folder raises no event in the folders below it. If the path
+// contains links, also watches every ancestor of the canonical path.
 bool RootWatch::watchWay() {
   root_ = way_.add(path_, rootItself);
   std::error_code error;
@@ -64,8 +64,9 @@ bool RootWatch::watchWay() {
   return watchesAny_;
 }
 
-// The root, held open by somebody, tells of its removal only when it is let go; those above it must be empty
-// before they can be removed. A link tells of nothing. A folder that may not be read can't be watched.
+// Adds itsEntries to the parents of three kinds of folders: the root, whose IN_DELETE_SELF is delayed while a
+// process holds it open (the other ancestors must be empty before they can be removed); links, which raise no
+// events; and folders that cannot be watched (EACCES).
 bool RootWatch::watchFoldersOf(const fs::path& way) {
   std::uint32_t mask = itself;
   for (fs::path folder = way;; folder = folder.parent_path()) {

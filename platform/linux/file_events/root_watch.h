@@ -10,20 +10,22 @@
 
 namespace platform {
 
-// Says when a path may have come to lead to another folder than it did at first, or to none. Any thread, but
-// one at a time.
+// Detects that a path leads to another folder than at first, or to none. Any thread, one at a time.
 class RootWatch {
  public:
-  // Nothing when `path`, an absolute one, leads to no folder or its way can't be watched.
+  // `path` must be absolute. Returns nullopt if it leads to no folder, or if neither the folder nor an
+  // ancestor can be watched.
   [[nodiscard]] static std::optional<RootWatch> create(const std::string& path);
 
-  // Readable when a folder on the way was touched.
+  // Returns the inotify descriptor, still owned here, which is readable after an event on the folder or an
+  // ancestor.
   [[nodiscard]] int folders() const { return way_.descriptor(); }
-  // In an exceptional state when file systems were mounted or unmounted; -1 where that can't be seen.
+  // Returns the descriptor of /proc/self/mountinfo, still owned here, which polls with POLLPRI after a change
+  // of the mounts; -1 if it cannot be opened.
   [[nodiscard]] int mounts() const { return mounts_.get(); }
 
-  // Asks the file system, and takes the notices that led to the question. Where the answer can't be had, the
-  // one before holds.
+  // Discards the pending events and checks where the path leads now. If the check fails, returns the previous
+  // result.
   [[nodiscard]] bool hasChanged();
 
  private:
@@ -35,7 +37,7 @@ class RootWatch {
   std::string path_;
   FileIdentity identity_;
   Inotify way_;
-  int root_ = -1;  // its number in way_; -1 where it may not be read, and only its identity is known
+  int root_ = -1;  // watch descriptor in way_; -1 if the root is unreadable, then identity_ decides
   FileDescriptor mounts_;
   bool watchesAny_ = false;
   bool hasChanged_ = false;

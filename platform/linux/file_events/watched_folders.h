@@ -7,18 +7,18 @@
 
 namespace platform {
 
-// Which folder each number of a watch stands for: two ways into one list, for trees of tens of thousands. A
-// plain value.
+// Bidirectional map between watch descriptors and folder paths, for trees of tens of thousands of folders.
+// Any thread, one at a time.
 class WatchedFolders {
  public:
-  // The pair takes the place of earlier ones of that number or that path.
+  // Inserts the pair and replaces earlier entries of this watch or this path.
   void put(int watch, const std::string& path);
   void erase(int watch);
 
-  // Null for a number that is not in the list; good until the list is changed.
+  // Returns the path, or nullptr if `watch` is not in the map. The pointer is valid until the map changes.
   [[nodiscard]] const std::string* find(int watch) const;
 
-  // Takes the folder at `path` and all that are below it out of the list, and returns their numbers.
+  // Removes `path` and all folders below it, and returns their watches.
   [[nodiscard]] std::vector<int> takeTree(const std::string& path);
 
  private:

@@ -26,7 +26,7 @@ constexpr double maxPixels = 64e6;
 constexpr qsizetype bytesOfPixel = 4;
 constexpr int maxBytesOfData = 64 << 20;
 
-// Of the screens, rising; 1 without screens.
+// Returns the scales of all screens in ascending order; 1 if there are no screens.
 std::set<double> backingScales() {
   std::set<double> scales;
   for (const QScreen* screen : QGuiApplication::screens()) scales.insert(screen->devicePixelRatio());
@@ -37,7 +37,8 @@ QImage emptyForm(Size size, double scale) {
   const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
   if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
   const auto columns = static_cast<int>(width), rows = static_cast<int>(height);
-  // All zeros are transparent, and zeros of the C library's cost nothing where all is drawn over at once.
+  // All zeros are transparent. calloc maps zero pages on demand, so a canvas that is overwritten at once
+  // costs no clearing.
   auto* pixels = static_cast<uchar*>(
       std::calloc(static_cast<std::size_t>(rows), static_cast<std::size_t>(columns * bytesOfPixel)));
   if (pixels == nullptr) return {};
@@ -45,27 +46,27 @@ QImage emptyForm(Size size, double scale) {
           std::free, pixels};
 }
 
-// Names a file as it is now.
+// Returns a key that changes when the file does: path, size and modification time.
 QString versionOf(const QString& path) {
   const QFileInfo file(path);
   return path + QString::asprintf(" %lld %lld", file.size(), file.lastModified().toMSecsSinceEpoch());
 }
 
-// Decoding a large picture takes some milliseconds, so it is kept for as long as it is asked for.
+// Cached, because decoding a large image takes several milliseconds.
 QImage pixelsIn(const QString& path) {
   return keptPixels(versionOf(path), [&] {
-    // The file's name tells the format: asking it of the file would load every kind of picture that there is.
+    // The file name determines the format. Detection by content would load every image plugin.
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return QImage();
     QImageReader reader(&file, QFileInfo(path).suffix().toLatin1());
     reader.setAutoDetectImageFormat(false);
     QImage pixels = reader.read();
-    pixels.setDevicePixelRatio(1);  // set by the toolkit from the name; pixels are pixels here
+    pixels.setDevicePixelRatio(1);  // Qt sets it from "@2x" in the name
     return pixels;
   });
 }
 
-// Drawings are documents of their own kind, whose size says nothing about what they take.
+// Excludes vector formats, in which the size of the image does not bound the memory needed for decoding.
 bool isPixelFormat(const QByteArray& format) {
   constexpr std::array formats = {"png", "jpg",  "jpeg", "gif", "bmp", "webp",
                                   "tif", "tiff", "pbm",  "pgm", "ppm"};
@@ -146,7 +147,7 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   if (!bundle) return nullptr;
   const QString path = QString::fromStdString(bundle->pathForResource(name));
   QImage plain = pixelsIn(path), fine;
-  // Reading it takes four times as long, so only screens that show it pay for it.
+  // Decoding the 2x representation takes four times as long, so skip it if no screen shows it.
   if (backingScale() > 1) fine = pixelsIn(withScaleSuffix(path));
   if (plain.isNull()) return nullptr;
 
@@ -166,7 +167,7 @@ std::shared_ptr<Image> imageWithData(std::string_view bytes) {
   QBuffer buffer(&data);
   QImageReader reader(&buffer);
   if (!isPixelFormat(reader.format())) return nullptr;
-  // Told before anything is decoded; formats that don't tell are held to it by the limit.
+  // Checks the size in the header before decoding. The allocation limit covers formats without one.
   const QSize size = reader.size();
   if (4.0 * size.width() * size.height() > maxBytesOfData) return nullptr;
   QImageReader::setAllocationLimit(maxBytesOfData >> 20);

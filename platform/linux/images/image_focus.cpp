@@ -7,16 +7,15 @@
 namespace platform {
 namespace {
 
-// The part `from` of an image, given in its points from the lower left, in the pixels of one of its forms.
+// Converts the part `from` of an image, in points from the lower left, to pixels of a bitmap representation.
 QRectF partInPixels(const Image::Impl& image, const QImage& form, Rect from) {
   const Size base = image.scalesWhenResized ? image.size : image.naturalSize;
   const double x = form.width() / base.width, y = form.height() / base.height;
   return {from.x * x, form.height() - (from.y + from.height) * y, from.width * x, from.height * y};
 }
 
-// The painter's own smoothing looks at four neighbours only and drops lines when it shrinks much, so pixels
-// are averaged by area. A picture with a name is mostly asked for in the same size again; others would only
-// take the room of those.
+// Scales by area averaging: QPainter's smoothing samples four neighbours only and drops lines at large
+// reductions. Caches only named images, which are usually scaled to the same size again.
 QImage averaged(const QString& name, const QImage& form, QRect part, QSize size) {
   const auto average = [&] {
     const QImage piece = part == form.rect() ? form : form.copy(part);
@@ -63,7 +62,7 @@ void ImageFocus::Impl::drawOn(QImage& canvas, const Image::Impl& source, Point a
   const QRect part = partInPixels(source, form, from).toAlignedRect();
 
   const bool averages = interpolation == ImageInterpolation::High;
-  // What covers the whole of it takes its place, which spares a copy of all pixels.
+  // An image that replaces the whole canvas is assigned, which avoids copying all pixels.
   if (averages && operation == CompositingOperation::Copy && fraction == 1.0 && to == QRectF(canvas.rect())) {
     canvas = averaged(source.name, form, part, canvas.size()).convertToFormat(canvas.format());
     return;

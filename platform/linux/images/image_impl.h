@@ -11,8 +11,8 @@
 
 namespace platform {
 
-// Of a picture's forms at rising numbers of pixels: the first that has at least so many across, else the most
-// detailed one. There is at least one.
+// Returns the first of the bitmap representations, in ascending order of width, that is at least
+// `pixelsAcross` wide, else the last one. `forms` must not be empty.
 template <typename Form>
 [[nodiscard]] const Form& formAmong(const std::vector<Form>& forms, double pixelsAcross) {
   const auto enough =
@@ -24,24 +24,24 @@ struct Image::Impl {
   Size size;
   Size naturalSize;
   bool scalesWhenResized = false;
-  // Names the picture where it will be asked for again; empty for one that comes and goes.
+  // Cache key of an image from a file; empty for other images, which are not cached.
   QString name;
-  // The same picture at rising numbers of pixels; empty when there is none.
+  // Bitmap representations in ascending order of width; empty if the image is not valid.
   std::vector<QImage> forms;
 
-  // All three only for a valid image: the form for so many pixels across, the factor that fits it into
-  // `room`, no larger than it is, and the picture of just so many pixels.
+  // For valid images only. Return: the representation for a width of `pixelsAcross` pixels; the factor, at
+  // most 1, that fits the image into `room` in points; the image scaled to exactly `pixels`.
   [[nodiscard]] const QImage& formFor(double pixelsAcross) const { return formAmong(forms, pixelsAcross); }
   [[nodiscard]] double shrinkInto(Size room) const;
   [[nodiscard]] QImage scaledTo(QSize pixels) const;
-  // The most detailed form with its pixels to the point set, so that it measures `size`. Null for an invalid
-  // image.
+  // Returns the most detailed representation with the device pixel ratio at which it measures `size`. Returns
+  // a null pixmap if the image is not valid.
   [[nodiscard]] QPixmap pixmap() const;
-  // Each form like that, for screens of different scales.
+  // Returns all representations in the same way, for screens of different scales.
   [[nodiscard]] std::vector<QPixmap> pixmaps() const;
 };
 
-// Device pixels to the point on the finest screen; 1 without screens.
+// Returns the number of device pixels per point on the screen with the largest scale; 1 without screens.
 [[nodiscard]] double backingScale();
 
 }  // namespace platform

@@ -7,10 +7,10 @@
 
 namespace platform {
 
-// The pixels that `make` has given under this key before, else those that it gives now; null ones are not
-// kept. They share their memory until somebody draws into them. What is not asked for is forgotten after half
-// a minute or so, and the memory of all that is kept is bounded: it is the toolkit's own cache of pictures,
-// and nothing is kept without the toolkit. Main thread.
+// Returns the pixels cached under `key`, or else the result of `make`, which it caches unless it is null.
+// Main thread only. The returned images share their memory until one is modified. The cache is QPixmapCache:
+// it is bounded in size and drops entries not used for about 30 s. Nothing is cached without a
+// QGuiApplication.
 [[nodiscard]] QImage keptPixels(const QString& key, const std::function<QImage()>& make);
 
 }  // namespace platform

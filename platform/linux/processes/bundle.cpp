@@ -21,7 +21,7 @@ std::optional<Bundle> Bundle::mainBundle() {
   return Bundle(folder.parent_path().parent_path().string());
 }
 
-// Never destroyed: threads may read it while the process exits.
+// Never destroyed, because other threads may read it while the process exits.
 const std::optional<PropertyList>& Bundle::mainInfoDictionary() {
   static const auto& dictionary = *new std::optional(readMainInfoDictionary());
   return dictionary;

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* helperNames[] = {"collectlogs", "launchctl", "open", "osascript", "TovalinWebView"};
 
-// Some systems mount runtime folders so that no program runs there.
+// Some systems mount runtime folders with noexec.
 bool programsRunIn(const std::string& folder) {
   struct statvfs status {};
   return ::statvfs(folder.c_str(), &status) != 0 || (status.f_flag & ST_NOEXEC) == 0;
@@ -69,10 +69,10 @@ void installHelpers() {
     fs::copy_file(helpersOf(*bundle) + "/" + name, copy, error);
     if (error) {
       complain(copy + ": " + error.message());
-      ::unlink(copy.c_str());  // what fits of a copy on a full file system is no program
+      ::unlink(copy.c_str());  // after ENOSPC the copy is incomplete
       continue;
     }
-    // Those who tidy up runtime folders leave sticky files alone.
+    // The sticky bit exempts the file from the periodic cleanup of runtime directories.
     ::chmod(copy.c_str(), S_ISVTX | S_IRWXU);
   }
 }

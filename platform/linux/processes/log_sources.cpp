@@ -3,16 +3,17 @@
 namespace platform {
 namespace {
 
-// Each is filled in where its marks stand: the bytes (%b), the program (%p), the folder (%f), the name (%n).
+// Command templates. Placeholders: maximum bytes (%b), program (%p), folder (%f), archive name (%n).
 constexpr std::string_view programLogs = "collectlogs newest %b /var/log '%p*.log' %f";
-// The newest 200,000 entries of a journal take seconds; all of them may take half a minute.
+// Limited with -n, because printing the newest 200,000 journal entries takes seconds, but all of them up to
+// half a minute.
 constexpr std::string_view systemLog =
     "export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
     "collectlogs output %b 20 %f system.log journalctl -q -b --no-pager -n || "
     "collectlogs newest %b /var/log syslog %f system.log";
 constexpr std::string_view userCrashReports = "collectlogs whole %b ~/.local/state/%p '%p*.crash' %f";
 constexpr std::string_view systemCrashReports = "collectlogs whole %b /var/crash '*%p*.crash' %f";
-// -y: a link in a folder that was there already is not followed.
+// zip -y stores links instead of following them.
 constexpr std::string_view archive =
     "unset ZIPOPT ZIP; desktop=$(xdg-user-dir DESKTOP); "
     "case $desktop in /*) ;; *) desktop=~/Desktop;; esac; "

@@ -7,8 +7,8 @@
 
 namespace platform {
 
-// The value of `key` in a file of os-release(5), quotes and escapes taken off; nothing when the key isn't
-// there.
+// Returns the value of `key` in a file of os-release(5), without quotes and escapes; nullopt if there is no
+// such key. Any thread, one at a time per stream.
 [[nodiscard]] std::optional<std::string> osReleaseValue(std::istream& file, std::string_view key);
 
 }  // namespace platform

@@ -17,7 +17,7 @@ std::string pathBelowTmp() {
 std::optional<std::string> folderOfOursAt(const std::string& path) {
   ::mkdir(path.c_str(), S_IRWXU);
   if (!isOwnFolder(path.c_str())) return std::nullopt;
-  // One that was there already may let others read.
+  // A folder that existed before may be readable by other users.
   ::chmod(path.c_str(), S_IRWXU);
   return path;
 }

@@ -5,14 +5,15 @@
 
 namespace platform {
 
-// The folder for what lives as long as the agent's process: below $XDG_RUNTIME_DIR, else below
-// /run/user/UID, else below /tmp with the user's id in its name. Made when missing, and then readable by the
-// user alone; nothing when it can't be had or somebody else could write to it. Any thread.
+// Returns the folder for files that live as long as the agent's process: TovalinTray in $XDG_RUNTIME_DIR or
+// in /run/user/UID, else /tmp/TovalinTray-UID. Creates it with mode 0700 if it does not exist. Returns
+// nullopt if it cannot be created, is not owned by this user, or is writable by others. Thread-safe.
 [[nodiscard]] std::optional<std::string> privateFolder();
 
-// Where it is, or would be.
+// Returns the path of that folder, whether or not it exists. Thread-safe.
 [[nodiscard]] std::string privateFolderPath();
-// The one below /tmp, also where another place comes first.
+// Returns the folder below /tmp, under the same conditions, even if another location takes precedence.
+// Thread-safe.
 [[nodiscard]] std::optional<std::string> privateFolderBelowTmp();
 
 }  // namespace platform

@@ -12,10 +12,10 @@ namespace {
 
 constexpr const char* variable = "XDG_RUNTIME_DIR";
 
-// Nobody, not even root, can make a folder there.
+// A path at which nobody, not even root, can create a folder.
 constexpr const char* nowhere = "/proc/nowhere";
 
-// As Qt checks it, which refuses a link to a folder.
+// The same check as in Qt, which also refuses a link to a folder.
 bool isUsable(const char* folder) {
   struct stat status {};
   return folder != nullptr && ::lstat(folder, &status) == 0 && S_ISDIR(status.st_mode) &&

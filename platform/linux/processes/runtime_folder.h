@@ -6,11 +6,13 @@
 
 namespace platform {
 
-// While Qt starts and finds $XDG_RUNTIME_DIR unset, missing, another user's or open to others, it makes the
-// folder runtime-USER in $TMPDIR or /tmp, or what the variable names. As long as this object lives, the
-// variable names the agent's private folder in these cases; if there is none, both variables name no
-// folder. Then they are the user's again, for the programs that the agent starts. Main thread only; other
-// threads may read the environment meanwhile, since glibc changes its entries in place.
+// Sets XDG_RUNTIME_DIR for the start of Qt. If the variable is unset or names a folder that is missing, not
+// owned by the user or accessible to others, Qt creates the folder it names, or runtime-USER in $TMPDIR or
+// /tmp. While this object exists, the variable names the agent's private folder in these cases. If there is
+// no private folder, XDG_RUNTIME_DIR and TMPDIR name a path that cannot be created.
+//
+// The destructor restores the variables for the programs that the agent starts. Main thread only. Other
+// threads may read the environment meanwhile, because glibc replaces its entries in place.
 class ToolkitsRuntimeFolder {
  public:
   ToolkitsRuntimeFolder();
@@ -26,7 +28,7 @@ class ToolkitsRuntimeFolder {
 
   void replace(const char* name, const char* value);
 
-  std::vector<Variable> usersOwn_;  // those that were replaced
+  std::vector<Variable> usersOwn_;  // replaced variables
 };
 
 }  // namespace platform

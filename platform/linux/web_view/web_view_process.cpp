@@ -25,12 +25,13 @@ namespace {
 
 constexpr std::size_t longestAddress = std::size_t{64} * 1024;
 
-// A session of its own keeps the terminal's Ctrl-C, which is meant for the agent, from the last page.
+// Starts the program in its own session, so that Ctrl-C in the agent's terminal does not interrupt the last
+// page load.
 pid_t spawn(std::string program, int input) {
   const SpawnAttributes attributes(POSIX_SPAWN_SETSID);
   SpawnStreams streams;
   streams.set(STDIN_FILENO, input);
-  // What the program writes goes nowhere: it may outlive whoever reads the agent's own streams.
+  // Discards the program's output: it may outlive the readers of the agent's own streams.
   streams.lead(STDOUT_FILENO, "/dev/null", O_WRONLY);
   streams.set(STDERR_FILENO, STDOUT_FILENO);
   char* arguments[] = {program.data(), nullptr};
@@ -39,7 +40,7 @@ pid_t spawn(std::string program, int input) {
   return error == 0 ? child : -1;
 }
 
-// By number: the header of Debian 12 declares pidfd_open with C++ linkage.
+// Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
 std::shared_ptr<const FileDescriptor> openHandle(pid_t child) {
   return std::make_shared<const FileDescriptor>(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
 }
@@ -49,7 +50,7 @@ bool hasEnded(const FileDescriptor& handle) {
   return ::poll(&end, 1, 0) != 0;
 }
 
-// Without anybody waiting, and also when the line to the child has long been given up.
+// Reaps the child from the run loop, without blocking, even if the socket to it has been closed before.
 void reapOnceEnded(pid_t child, const std::shared_ptr<const FileDescriptor>& handle) {
   auto* notifier = new QSocketNotifier(handle->get(), QSocketNotifier::Read, QCoreApplication::instance());
   QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier, child, handle] {
@@ -69,8 +70,8 @@ void WebViewProcess::send(const std::string& program, const std::string& address
   if (!write(line) && start(program)) static_cast<void>(write(line));
 }
 
-// False when nobody reads. Each write is one packet, so that a line arrives whole or not at all; one that the
-// system's buffers can't hold is lost on a new program too.
+// Returns false if the peer has closed the socket. SOCK_SEQPACKET delivers each line whole or not at all. A
+// line that does not fit into the socket buffer is dropped: a new program would not receive it either.
 bool WebViewProcess::write(const std::string& line) {
   const ssize_t written = ::send(line_.get(), line.data(), line.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
   if (written < 0) return errno == EAGAIN || errno == ENOBUFS || errno == ENOMEM || errno == EMSGSIZE;
@@ -102,13 +103,13 @@ bool WebViewProcess::isStuck() {
   return unreadSince_ && Clock::now() - *unreadSince_ > patience_;
 }
 
-// While its number still stands for it: it has not been reaped.
+// Returns whether the child has not been reaped, so that its pid cannot have been reused.
 bool WebViewProcess::isRunning() const {
   if (handle_ != nullptr && handle_->valid()) return !hasEnded(*handle_);
   return std::ranges::find(unwatched_, pid_) != unwatched_.end();
 }
 
-// With all that it has started.
+// Kills the program's whole process group and closes the socket.
 void WebViewProcess::end() {
   if (isRunning()) ::kill(-pid_, SIGKILL);
   line_.reset();

@@ -12,17 +12,20 @@
 
 namespace platform {
 
-// The helper program of a web view and the line on which it is told addresses. No call waits for the program
-// or blocks on the line. When this object goes away the program finds its input at its end. Main thread only.
+// The helper program of a web view and the socket over which it receives addresses. No call waits for the
+// program or blocks on the socket. The destructor closes the socket, and the program reads end-of-file. Main
+// thread only.
 class WebViewProcess {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // A program that leaves addresses unread for longer than `patience` is ended in favour of a new one.
+  // A program that leaves addresses unread for longer than `patience` is killed and replaced at the next call
+  // of `send`.
   explicit WebViewProcess(Clock::duration patience = std::chrono::seconds(60)) : patience_(patience) {}
 
-  // Tells the address to the running program, or to a new one where none reads; lost where `program` can't be
-  // run or the line is full. An address is one line of at most 64 KiB, any other is dropped.
+  // Sends the address to the running program, or starts `program` if none reads the socket. Drops the address
+  // if `program` cannot be started, the socket buffer is full, or the address contains a newline or exceeds
+  // 64 KiB.
   void send(const std::string& program, const std::string& address);
 
  private:
@@ -36,8 +39,8 @@ class WebViewProcess {
   Clock::duration patience_;
   FileDescriptor line_;
   pid_t pid_ = -1;
-  std::shared_ptr<const FileDescriptor> handle_;  // readable once the program has ended
-  std::vector<pid_t> unwatched_;  // programs that the system gave no handle for, until they are reaped
+  std::shared_ptr<const FileDescriptor> handle_;  // pidfd, readable once the program has ended
+  std::vector<pid_t> unwatched_;                  // children without a pidfd that are still to be reaped
   std::optional<Clock::time_point> unreadSince_;
 };
 
