@@ -1,11 +1,11 @@
-# The files of platform/macos, also for the build under GNUstep.
+# Sources of platform/macos, shared with the build under GNUstep.
 set(macos_cpp_sources
   application/ending_signals.cpp
   system/helper_folder.cpp
   system/log_sources.cpp
   application/process_start.cpp
 )
-# What these take of the system is not there under GNUstep.
+# Not built under GNUstep, which lacks these system interfaces.
 set(macos_kernel_sources
   system/descriptors.cpp
 )

@@ -21,7 +21,7 @@ void Application::performOnMainThread(std::function<void()> work) {
 }
 
 void Application::runModalForWindow(std::shared_ptr<Window> window) {
-  // What is left from before is served inside the run, and what the run leaves after it.
+  // Wake before the run so that work already queued runs inside it, and after it for the work that it leaves.
   impl_->postedWork.wake();
   impl_->modalRuns.run(std::move(window));
   impl_->postedWork.wake();
@@ -43,10 +43,10 @@ void Application::terminate() {
   impl_->end(0);
 }
 
-// Not through -[NSApplication terminate:], which ends in exit(3) and runs static destructors below the
-// threads that still run, and which a sheet may refuse.
+// Not through -[NSApplication terminate:]: a sheet can refuse it, and it calls exit(3), which runs static
+// destructors while other threads still run.
 void Application::Impl::end(int status) {
-  // A second request that comes up inside applicationWillTerminate ends the process there.
+  // terminate() called again from applicationWillTerminate finds no delegate and ends the process at once.
   if (auto* last = std::exchange(delegate, nullptr)) last->applicationWillTerminate();
   std::fflush(stdout);
   ::_exit(status);

@@ -13,7 +13,7 @@
 #include "platform/macos/foundation/autorelease_pool.h"
 #include "platform/macos/foundation/retained.h"
 
-// Hands what AppKit asks of the program's delegate to the one of C++.
+// Forwards the calls of NSApplicationDelegate to an ApplicationDelegate.
 @interface TovalinApplicationDelegate : NSObject {
   platform::ApplicationDelegate* delegate_;
 }
@@ -43,7 +43,7 @@
   return NO;
 }
 
-// The end of the user's session.
+// Called at the end of the user's session.
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)application {
   static_cast<void>(application);
   platform::Application::sharedApplication().terminate();
@@ -54,7 +54,7 @@
 namespace platform {
 namespace {
 
-// Foundation prepares itself for several threads when it starts the first one itself.
+// Foundation enters its multithreaded mode only when NSThread starts a thread.
 void prepareForThreads() {
   const Retained<NSObject*> target([[NSObject alloc] init]);
   [NSThread detachNewThreadSelector:@selector(self) toTarget:target.get() withObject:nil];
@@ -68,7 +68,8 @@ TovalinApplicationDelegate* nativeDelegate(ApplicationDelegate& delegate) {
 
 int ApplicationMain(int argc, char** argv) {
   prepareProcess();
-  // Read before anything can wait, so that it belongs to the program that was started.
+  // Read before any blocking call, so that Info.plist matches this executable even if the bundle is updated
+  // meanwhile.
   static_cast<void>(Bundle::mainInfoDictionary());
   const ApplicationRegistration& program = applicationRegistration();
   const std::vector<std::string_view> arguments(argv + std::min(argc, 1), argv + argc);

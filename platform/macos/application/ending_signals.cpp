@@ -25,7 +25,7 @@ sigset_t endingSignals() {
 
 }  // namespace
 
-// The whole mask: whoever started the process may have blocked others.
+// SIG_SETMASK, not SIG_BLOCK: the parent process may have blocked other signals.
 void blockEndingSignals() {
   const sigset_t signals = endingSignals();
   ::sigprocmask(SIG_SETMASK, &signals, nullptr);

@@ -2,10 +2,12 @@
 
 namespace platform {
 
-// The first thing in main. Standard streams that are closed lead nowhere, so that no file opened later takes
-// their place. SIGPIPE is ignored: a reader that leaves between open and write is a failed write. SIGTERM,
-// SIGINT and SIGHUP are blocked in this thread and in those that it starts, until hearEndingSignals. An
-// uncaught exception is logged and ends the process with status 1.
+// Prepares the process. Call it first in main, before any other thread exists.
+//
+// Opens /dev/null for standard streams that are closed, so that no later open(2) returns 0 to 2. Ignores
+// SIGPIPE, so that writing to a pipe without a reader fails with EPIPE. Blocks SIGTERM, SIGINT and SIGHUP in
+// this thread and those that it starts, until hearEndingSignals. Logs an uncaught exception and ends the
+// process with status 1.
 void prepareProcess();
 
 }  // namespace platform

@@ -6,20 +6,20 @@
 
 namespace platform {
 
-// Sees to it that the program runs once per user: a lock that dies with its holder says who runs, and a
-// distributed notification is how a second start asks it to come forward. Main thread.
+// Ensures one instance per user. A file lock, which the kernel releases when its holder ends, decides which
+// process is first; a later process reaches the first one with a distributed notification. Main thread only.
 class SingleInstance {
  public:
   SingleInstance();
 
-  // Whether this process is the one that runs; also true where no lock is to be had, so that the program
-  // still works.
+  // Returns whether this process holds the lock. Also returns true if the lock file cannot be opened or
+  // locked for another reason than a second holder, so that the program still works.
   [[nodiscard]] bool isFirst() const { return first_; }
 
-  // First process: calls `reopened` from the run loop at each second start.
+  // First process: calls `reopened` from the run loop for each notification of a later process.
   void listen(std::function<void()> reopened);
 
-  // Second process: tells the first one, and does not wait for it.
+  // Second process: posts the notification. Does not wait for the first process.
   void tellFirst();
 
  private:

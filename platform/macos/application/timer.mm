@@ -15,8 +15,8 @@ struct Timer::Impl {
   Retained<NSTimer*> timer;
 };
 
-// A repeating NSTimer keeps to the times that it was scheduled for, and makes one of those that it missed. It
-// keeps its target.
+// A repeating NSTimer keeps to its original schedule and fires once for all ticks that it has missed. It
+// retains its target.
 std::shared_ptr<Timer> Timer::scheduledTimer(std::chrono::milliseconds interval,
                                              std::function<void()> action) {
   const AutoreleasePool pool;

@@ -4,22 +4,22 @@
 
 #include <functional>
 
-// Calls a C++ function for what AppKit and Foundation call with a selector: actions of controls and menu
-// items, timers, observers. Thread: the one that sends `perform:`.
+// Wraps a C++ function as target and selector for AppKit and Foundation: actions of controls and menu items,
+// timers, observers. The function runs on the thread that sends `perform:`.
 @interface TovalinAction : NSObject {
-  // A std::function<void()>. Not every runtime constructs C++ instance variables, and not every compiler can
-  // describe this type to the runtime.
+  // Points to a std::function<void()>. Not a C++ instance variable: some runtimes do not construct those, and
+  // some compilers cannot encode the type.
   void* work_;
 }
 
-// The argument is ignored. The function may release the last other reference to this object.
+// Calls the function; ignores `sender`. The function may release the last other reference to this object.
 - (void)perform:(id)sender;
 
 @end
 
 namespace platform {
 
-// Owned by the caller.
+// Returns a new object owned by the caller.
 [[nodiscard]] TovalinAction* makeAction(std::function<void()> work);
 
 }  // namespace platform

@@ -4,7 +4,7 @@
 
 namespace platform {
 
-// Releases what is autoreleased while it lives, on the thread that makes it.
+// Autorelease pool for a scope. Belongs to the thread that creates it.
 class AutoreleasePool {
  public:
   AutoreleasePool() = default;

@@ -6,13 +6,13 @@
 
 namespace platform {
 
-// Owns one reference to an Objective-C object and releases it when it goes away. `Object` is a pointer to
-// the class, as in Retained<NSWindow*>. The thread is the object's.
+// Owns one reference to an Objective-C object and releases it on destruction. `Object` is a pointer type, as
+// in Retained<NSWindow*>. The thread rules are those of the object.
 template <typename Object>
 class Retained {
  public:
   Retained() = default;
-  // Takes over the reference that alloc, new and copy return.
+  // Takes over the reference that alloc, new or copy returns.
   explicit Retained(Object object) : object_(object) {}
   ~Retained() { [object_ release]; }
 
@@ -24,14 +24,14 @@ class Retained {
   Retained(const Retained&) = delete;
   Retained& operator=(const Retained&) = delete;
 
-  // nil if there is none; still owned here.
+  // Returns the object, still owned here; nil if there is none.
   [[nodiscard]] Object get() const { return object_; }
 
  private:
   Object object_ = nil;
 };
 
-// Keeps an object that somebody else owns.
+// Retains an object and returns the new reference.
 template <typename Object>
 [[nodiscard]] Retained<Object> retained(Object object) {
   [object retain];

@@ -4,8 +4,8 @@
 
 namespace platform {
 
-// The modes in which the main run loop serves posted work and timers: also while a window runs modally and
-// while a menu is open. Autoreleased.
+// Returns the modes in which the main run loop runs posted work and timers: the default mode, modal runs and
+// menu tracking. Autoreleased.
 [[nodiscard]] inline NSArray* servedModes() {
   return [NSArray
       arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode, nil];

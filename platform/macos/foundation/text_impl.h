@@ -9,10 +9,11 @@
 
 namespace platform {
 
-// The text, autoreleased; never nil. What is no UTF-8 becomes U+FFFD. Any thread with an autorelease pool.
+// Converts UTF-8 to an autoreleased NSString, never nil. Replaces invalid UTF-8 by U+FFFD. Any thread with an
+// autorelease pool.
 [[nodiscard]] NSString* textOf(std::string_view text);
 
-// Empty for nil.
+// Converts to UTF-8. Returns "" for nil.
 [[nodiscard]] std::string utf8Of(NSString* text);
 
 [[nodiscard]] NSFont* systemFont(Font font);

@@ -14,7 +14,7 @@ constexpr double maxPixels = 64e6;
 constexpr double maxBytesOfData = 64 << 20;
 constexpr double bytesOfPixel = 4;
 
-// Whether something can be drawn into an image of this size.
+// Returns whether an image of this size can be a drawing target.
 bool canBeDrawnInto(Size size) {
   const double width = std::ceil(size.width), height = std::ceil(size.height);
   return width >= 1 && height >= 1 && width * height <= maxPixels;
@@ -34,7 +34,7 @@ NSSize pixelsOf(NSBitmapImageRep* form) {
   return NSMakeSize(static_cast<CGFloat>([form pixelsWide]), static_cast<CGFloat>([form pixelsHigh]));
 }
 
-// One point to each pixel of the first form.
+// Creates an image with one point per pixel of its first representation.
 Retained<NSImage*> imageOf(NSBitmapImageRep* form) {
   Retained<NSImage*> image([[NSImage alloc] initWithSize:pixelsOf(form)]);
   [form setSize:pixelsOf(form)];
@@ -66,7 +66,7 @@ void Image::setSize(Size size) {
   [impl_->image.get() setSize:NSMakeSize(size.width, size.height)];
 }
 
-// AppKit's images always stretch with their size.
+// NSImage always scales its content to its size.
 void Image::setScalesWhenResized(bool scales) {
   static_cast<void>(scales);
 }
@@ -96,7 +96,7 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   return image;
 }
 
-// Read as bitmaps alone: drawings are documents, whose size says nothing about what they take.
+// Decodes bitmap formats only: in vector formats, the size of the image does not bound the memory needed.
 std::shared_ptr<Image> imageWithData(std::string_view bytes) {
   const auto bounded = boundedPictureData(bytes);
   if (!bounded) return nullptr;

@@ -11,7 +11,7 @@ NSCompositingOperation nativeOperation(CompositingOperation operation) {
 }  // namespace
 
 struct ImageFocus::Impl {
-  NSImage* target;  // nil if it can't be drawn into
+  NSImage* target;  // nil if the image is no drawing target
 };
 
 ImageFocus::ImageFocus(Image& target)

@@ -9,7 +9,7 @@ namespace platform {
 
 struct Image::Impl {
   Retained<NSImage*> image;
-  bool takesDrawing = false;  // AppKit counts an image without pixels as invalid until it is drawn into
+  bool takesDrawing = false;  // NSImage without representations, invalid until drawn into
 };
 
 }  // namespace platform

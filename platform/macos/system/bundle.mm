@@ -11,7 +11,8 @@
 namespace platform {
 namespace {
 
-// With links resolved; empty if it can't be told. Found once: the bundle may move while the program runs.
+// Returns the executable's folder with links resolved, or an empty path on error. Computed once, because the
+// bundle may move while the program runs.
 const std::filesystem::path& executableFolder() {
   static const auto& folder = *new auto([] {
     const AutoreleasePool pool;
@@ -36,7 +37,7 @@ std::optional<Bundle> Bundle::mainBundle() {
   return Bundle(folder.parent_path().parent_path().string());
 }
 
-// Never destroyed: threads may read it while the process exits.
+// Never destroyed, because other threads may read it while the process exits.
 const std::optional<PropertyList>& Bundle::mainInfoDictionary() {
   static const auto& dictionary = *new std::optional(readMainInfoDictionary());
   return dictionary;

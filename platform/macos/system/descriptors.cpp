@@ -24,8 +24,9 @@ struct CloseFolder {
 
 }  // namespace
 
-// By the file's path, since /dev/fd gives a duplicate with the same access. Looked at before it is opened,
-// because opening a device may have effects of its own, and once more on what was opened.
+// Opens the file by its path, because opening /dev/fd/N only duplicates the descriptor with its access mode.
+// Compares device and inode before opening, since opening a device can have side effects, and again on the
+// opened file.
 FileDescriptor reopen(int descriptor, int flags) {
   std::array<char, MAXPATHLEN> path{};
   struct stat own {
@@ -54,13 +55,13 @@ std::optional<int> unacknowledgedBytes(int socket) {
   return bytes;
 }
 
-// There is no file action for a range of descriptors. So all that are open are marked close-on-exec in this
-// process, which no child of it inherits then.
+// macOS has no spawn file action for a range of descriptors. Marks all open descriptors from `first` on as
+// close-on-exec in this process instead.
 void closeDescriptorsFrom(int first, posix_spawn_file_actions_t& actions) {
   static_cast<void>(actions);
   const std::unique_ptr<DIR, CloseFolder> folder(::opendir("/dev/fd"));
   if (folder == nullptr) return;
-  // No other thread reads this folder's handle.
+  // This DIR is local to the function, so readdir is safe.
   // cppcheck-suppress readdirCalled
   while (const dirent* entry = ::readdir(folder.get())) {
     const int descriptor = std::atoi(entry->d_name);

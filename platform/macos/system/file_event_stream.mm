@@ -33,9 +33,9 @@ struct FileEventStream::Impl {
   [[nodiscard]] FSEventStreamRef makeNative(std::chrono::milliseconds latency);
   static void takeEvents(ConstFSEventStreamRef, void* owner, std::size_t count, void* paths,
                          const FSEventStreamEventFlags* flags, const FSEventStreamEventId*);
-  // The flags of FSEvents are those of the header.
+  // Passes the flags of FSEvents on unchanged: FileEvent uses the same values.
   void deliver(std::size_t count, char* const* paths, const FSEventStreamEventFlags* flags);
-  // Renamed and back before the batch was delivered.
+  // Returns whether a renamed root has its original name again when the batch is delivered.
   [[nodiscard]] bool isBack(std::uint32_t flags) const {
     return (flags & rootChanged) != 0 && folderAt(path) == root;
   }
@@ -77,7 +77,7 @@ void FileEventStream::Impl::deliver(std::size_t count, char* const* paths,
     if (!isBack(flags[i])) events.push_back({paths[i], flags[i]});
   }
   if (events.empty()) return;
-  // The callback may drop the stream, and this with it.
+  // The callback may destroy the stream and this object with it, so call a copy.
   const auto told = callback;
   told(*stream, events);
 }

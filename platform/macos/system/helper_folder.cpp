@@ -2,7 +2,7 @@
 
 namespace platform {
 
-// launchctl, open and osascript are the system's own here.
+// No helper programs: macOS provides launchctl, open and osascript.
 std::vector<std::string> helperFolders() {
   return {};
 }

@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// Values other than texts are told to be there, and no more.
+// Returns PropertyList::Null for a value that is not a string.
 std::optional<PropertyList> interfaceStyle() {
   const AutoreleasePool pool;
   NSDictionary* domain = [[NSUserDefaults standardUserDefaults] persistentDomainForName:NSGlobalDomain];

@@ -3,9 +3,9 @@
 namespace platform {
 namespace {
 
-// Only root and the user write these folders, so cp meets no link and no FIFO of others; and its copies lie
-// in a folder that only the user can enter. All of a file is copied: the system rotates its logs at some
-// megabytes.
+// Plain cp is safe here: only root and the user can write to the source folders, so these contain no links or
+// FIFOs of other users, and only the user can enter the target folder. Copies whole files without a limit,
+// because the system rotates its logs at a few megabytes.
 std::string sourceOf(LogSource source, std::string_view program) {
   const std::string name(program);
   switch (source) {

@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-// nil unless the text is a whole address.
+// Returns nil unless `text` is a URL with a scheme and a host.
 NSURL* parsed(const std::string& text) {
   NSURL* url = [NSURL URLWithString:textOf(text)];
   return [[url scheme] length] == 0 || [[url host] length] == 0 ? nil : url;

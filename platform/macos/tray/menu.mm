@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// Items are enabled as they say, and not by who would take their action, which a modal run changes.
+// Turns off automatic enabling, which depends on the responder chain and changes in modal runs.
 Menu::Menu() : impl_(std::make_unique<Impl>()) {
   impl_->menu = Retained<NSMenu*>([[NSMenu alloc] initWithTitle:@""]);
   [impl_->menu.get() setAutoenablesItems:NO];

@@ -18,7 +18,7 @@ struct Menu::Impl {
 };
 
 struct MenuItem::Impl {
-  Retained<TovalinAction*> action;  // an item does not keep its target
+  Retained<TovalinAction*> action;  // NSMenuItem does not retain its target
   std::unique_ptr<WebView> view;
   Retained<NSMenuItem*> item;
 };

@@ -11,7 +11,7 @@
 namespace platform {
 namespace {
 
-// Posted, so that the menu is closed and its tracking over before an action that takes its time begins.
+// Posts the action, so that it runs after the menu has closed and its tracking loop has ended.
 TovalinAction* postingAction(const std::function<void()>& action) {
   return makeAction([=] { Application::sharedApplication().performOnMainThread(action); });
 }

@@ -33,7 +33,7 @@ void StatusItem::setImage(std::shared_ptr<Image> image) {
   [[impl_->item.get() button] setImage:image == nullptr ? nil : image->impl().image.get()];
 }
 
-// The status bar highlights a button by itself while its menu is open.
+// No-op: the status bar button highlights itself while its menu is open.
 void StatusItem::setHighlightMode(bool highlights) {
   static_cast<void>(highlights);
 }
@@ -47,7 +47,7 @@ Menu* StatusItem::menu() const {
   return impl_->menu.get();
 }
 
-// Posted, because a menu is tracked inside the call that opens it.
+// Posted, because performClick: returns only after the menu has closed.
 void StatusItem::popUpMenu() {
   const auto item = std::make_shared<Retained<NSStatusItem*>>(retained(impl_->item.get()));
   Application::sharedApplication().performOnMainThread([=] { [[item->get() button] performClick:nil]; });

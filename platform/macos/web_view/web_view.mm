@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-// Nothing of the pages is kept beyond the process.
+// Uses a non-persistent data store: pages leave nothing on disk.
 WKWebView* makeView(Rect frame) {
   const Retained<WKWebViewConfiguration*> configuration([[WKWebViewConfiguration alloc] init]);
   [configuration.get() setWebsiteDataStore:[WKWebsiteDataStore nonPersistentDataStore]];

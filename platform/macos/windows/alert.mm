@@ -22,7 +22,7 @@ void answer(Window::Impl& window, NSAlert* alert, int code, const AlertEnd& didE
   if (didEnd) Application::sharedApplication().performOnMainThread([=] { didEnd(code); });
 }
 
-// The buttons tell the answer themselves: the alert's own way to tell that of a sheet is a block.
+// Replaces the targets of the alert's buttons: NSAlert reports the answer of a sheet only through a block.
 void takeButtons(Window::Impl& window, NSAlert* alert, const AlertEnd& didEnd) {
   NSArray* buttons = [alert buttons];
   for (NSUInteger i = 0; i < [buttons count]; ++i) {

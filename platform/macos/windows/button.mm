@@ -6,7 +6,7 @@
 #include "platform/macos/foundation/text_impl.h"
 #include "platform/macos/windows/view_impl.h"
 
-// A control does not keep its target, so the button does.
+// Owns its action, because NSControl does not retain its target.
 @interface TovalinButton : NSButton {
   TovalinAction* action_;
 }

@@ -7,9 +7,9 @@
 #include "platform/macos/images/image_impl.h"
 #include "platform/macos/windows/view_impl.h"
 
-// Hands clicks and the request for cursor rectangles to the view of C++.
+// Forwards clicks and resetCursorRects to an ImageView.
 @interface TovalinImageView : NSImageView {
-  platform::ImageView* owner_;  // nullptr once that is gone
+  platform::ImageView* owner_;  // nullptr after the owner's destruction
   bool actsAsLink_;
 }
 - (void)setOwner:(platform::ImageView*)owner;
@@ -30,7 +30,7 @@
   return actsAsLink_ ? NSAccessibilityLinkRole : NSAccessibilityImageRole;
 }
 
-// Takes the press, so that its release comes here, too.
+// Overridden to accept the press, so that the release is delivered to this view too.
 - (void)mouseDown:(NSEvent*)event {
   static_cast<void>(event);
 }

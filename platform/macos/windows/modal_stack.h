@@ -9,16 +9,17 @@ namespace platform {
 
 class Window;
 
-// The modal runs under way, each of them AppKit's, nested in the one before. Main thread.
+// Stack of the active AppKit modal runs, each nested in the previous one. Main thread only.
 class ModalStack {
  public:
-  // Serves events until this level is stopped.
+  // Runs a modal loop until this level is stopped. Keeps `window` alive meanwhile.
   void run(std::shared_ptr<Window> window);
-  // Stops the innermost level that still runs; nothing when there is none.
+  // Stops the innermost level that is still running. No-op if there is none.
   void stop();
-  // Whether the level on top has been stopped and control is on its way back to who ran it.
+  // Returns whether the top level has been stopped but `run` has not returned to its caller yet.
   [[nodiscard]] bool isUnwinding() const { return !levels_.empty() && levels_.back()->stopped; }
-  // Whether the window takes input: it is the innermost level's, or that level's is not on screen.
+  // Returns whether `window` accepts input: no run is active, it is the innermost level's window, or that
+  // window is not visible.
   [[nodiscard]] bool admits(NSWindow* window) const;
 
  private:
@@ -28,7 +29,7 @@ class ModalStack {
   };
   [[nodiscard]] Level* innermost() const;
 
-  std::vector<Level*> levels_;  // each lives in its own `run`
+  std::vector<Level*> levels_;  // each is a local variable of `run`
 };
 
 }  // namespace platform

@@ -9,7 +9,7 @@
 namespace platform {
 namespace {
 
-// A modal run looks at its end only after an event, so it gets one.
+// Posts an event, because a modal loop checks for stopModal only after an event.
 void endRunOnTop() {
   [NSApp stopModal];
   NSEvent* event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
@@ -31,7 +31,7 @@ void ModalStack::run(std::shared_ptr<Window> window) {
   levels_.push_back(&level);
   [NSApp runModalForWindow:level.window->impl().window.get()];
   levels_.pop_back();
-  // The level below was stopped while this one was still on its way back.
+  // The level below was stopped while this one was returning.
   if (isUnwinding()) endRunOnTop();
 }
 

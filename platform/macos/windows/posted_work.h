@@ -14,24 +14,24 @@ namespace platform {
 
 class ModalStack;
 
-// What threads have posted to the main thread, served there in the order of posting.
+// Queue of functions that any thread posts and the main thread runs in the order of posting.
 //
-// One call for each wake-up of the run loop, and the next wake-up is asked for before the call begins: the
-// run loop takes the performs that it finds as one batch, and those behind a call that begins a modal run
-// would wait for the end of that run. Nothing is served while a run that has been stopped returns: a run
-// begun there would nest in it.
+// Runs one function per wake-up of the run loop, and requests the next wake-up before the function starts:
+// the run loop takes all pending performs as one batch, and those behind a function that begins a modal run
+// would wait for the end of that run. Pauses while a stopped modal run returns, because a run started then
+// would nest in it.
 class PostedWork {
  public:
-  // Main thread. Lives as long as the process.
+  // Main thread only. Lives as long as the process. `modalRuns` must outlive this object.
   explicit PostedWork(const ModalStack& modalRuns);
   PostedWork(const PostedWork&) = delete;
   PostedWork& operator=(const PostedWork&) = delete;
 
-  // Any thread.
+  // Appends `work` to the queue. Thread-safe; returns at once.
   void post(std::function<void()> work);
-  // Has the run loop come back to what was left, after a modal run. Main thread.
+  // Requests a wake-up if functions are queued. Main thread only, after a modal run.
   void wake();
-  // Serves the next call. Main thread, called by the run loop.
+  // Runs the next function. Main thread only, called from the run loop.
   void serveNext();
 
  private:

@@ -12,7 +12,7 @@
 namespace platform {
 namespace {
 
-// As valid UTF-8, up to that many code points. Reads no more of the text than these need.
+// Returns the first `count` code points as valid UTF-8. Reads only the bytes that these can occupy.
 std::string firstCodePoints(std::string_view text, std::size_t count) {
   constexpr std::size_t maxBytesOfCodePoint = 4;
   std::string valid;
@@ -24,8 +24,8 @@ std::string firstCodePoints(std::string_view text, std::size_t count) {
   return valid;
 }
 
-// Where the last whole character ends, `maxCharacters` at most. What follows the last boundary of a text that
-// has been cut may be half a character.
+// Returns the end of the last whole grapheme, of at most `maxCharacters`. In a text that has been cut, the
+// last grapheme may be incomplete and is left out unless it is the only one.
 NSUInteger endOfCharacters(NSString* text, std::size_t maxCharacters, bool isCut) {
   NSRegularExpression* character = [NSRegularExpression regularExpressionWithPattern:@"\\X"
                                                                              options:0
@@ -44,7 +44,7 @@ NSUInteger endOfCharacters(NSString* text, std::size_t maxCharacters, bool isCut
   return end;
 }
 
-// The beginning of a valid UTF-8 text that takes that many units of UTF-16.
+// Returns the prefix of a valid UTF-8 text that occupies `units` UTF-16 code units.
 std::string_view firstUnits(std::string_view text, NSUInteger units) {
   constexpr std::uint32_t lastOfOneUnit = 0xFFFF;
   const char* end = text.data();

@@ -16,7 +16,7 @@ NSRange wholeOf(NSTextView* view) {
   return NSMakeRange(0, [[view textStorage] length]);
 }
 
-// No font among them: the text is shown in the text system's own.
+// Sets no font attribute, so the text appears in the default font of the text system.
 NSDictionary* nativeAttributes(const TextAttributes& attributes) {
   NSMutableDictionary* native = [NSMutableDictionary dictionary];
   if (attributes.pointingHandCursor)

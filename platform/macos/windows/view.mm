@@ -8,7 +8,7 @@
 namespace platform {
 namespace {
 
-// Views of programs built for macOS 14 and later draw outside their bounds unless told otherwise.
+// In programs built for macOS 14 or later, NSView does not clip drawing to its bounds by default.
 void clip(NSView* view) {
   if ([view respondsToSelector:@selector(setClipsToBounds:)]) [view setClipsToBounds:YES];
 }
@@ -33,7 +33,7 @@ Rect View::bounds() const {
 }
 
 void View::setAccessibilityLabel(std::string_view label) {
-  id element = impl_->view.get();  // the method is one of the protocol NSAccessibility
+  id element = impl_->view.get();  // declared in NSAccessibility
   [element setAccessibilityLabel:textOf(label)];
 }
 

@@ -11,7 +11,7 @@
 namespace platform {
 
 struct View::Impl {
-  // Takes over the reference to `body`.
+  // Takes over the caller's reference to `body`.
   Impl(Rect rect, NSView* body);
 
   Rect frame;

@@ -22,7 +22,7 @@
   return YES;
 }
 
-// Escape.
+// AppKit sends this for Escape.
 - (void)cancelOperation:(id)sender {
   [self performClose:sender];
 }
@@ -73,7 +73,7 @@ NSWindow* makeNative(Rect contentRect, WindowStyle style) {
                   backing:NSBackingStoreBuffered
                     defer:NO];
   [window setReleasedWhenClosed:NO];
-  // Else the end of the user's session would be refused while the window runs modally.
+  // Otherwise the window would block the end of the user's session during a modal run.
   [window setPreventsApplicationTerminationWhenModal:NO];
   return window;
 }
@@ -84,7 +84,7 @@ class ContentView : public View {
       : View(std::make_unique<Impl>(frame, [[NSView alloc] initWithFrame:nativeRect(frame)])) {}
 };
 
-// The appearance whose texts can be read on this colour.
+// Returns the appearance in which text is readable on this colour.
 NSAppearance* appearanceOn(Color background) {
   const bool isLight = background.red + background.green + background.blue > 1.5;
   return [NSAppearance appearanceNamed:isLight ? NSAppearanceNameAqua : NSAppearanceNameDarkAqua];
@@ -124,7 +124,7 @@ void Window::Impl::keepForSheet(NSAlert* alert, TovalinAction* action) {
   keptForSheets.push_back({retained(alert), retained(action)});
 }
 
-// The action under way may be among them: it goes once its call has returned.
+// The action that is being performed may be among them; autorelease keeps it until the call returns.
 void Window::Impl::dropForSheet(NSAlert* alert) {
   for (const SheetPart& part : keptForSheets) {
     if (part.alert.get() == alert) [[part.action.get() retain] autorelease];
@@ -178,7 +178,7 @@ void Window::makeKeyAndOrderFront() {
 
 void Window::orderOut() {
   [impl_->window.get() orderOut:nil];
-  // May be the last reference: nothing is touched after it.
+  // `self` may be the last reference, so do not use this object after it.
   const auto self = std::move(impl_->onScreen);
 }
 

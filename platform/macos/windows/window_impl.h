@@ -17,27 +17,27 @@ struct Window::Impl {
   Impl(Rect contentRect, WindowStyle ofStyle);
   ~Impl();
 
-  // Whether the user may close the window now: its style has the control, and no sheet hangs on it.
+  // Returns whether the user may close the window: its style has a close control and it has no sheet.
   [[nodiscard]] bool mayBeClosed() const;
-  // Tells the will-close handler once, takes the sheets away and lets the window show no more.
+  // Closes the window permanently: ends its sheet and calls the will-close handler. No-op when repeated.
   void willBeClosed();
-  // Gives up what keeps the window while it shows, once control is back in the run loop.
+  // Drops the self-reference `onScreen` from the run loop.
   void releaseOnceIdle();
-  // Keeps an alert and the action of one of its buttons until dropForSheet, or until the window is closed.
+  // Retains an alert and the action of one of its buttons until dropForSheet or the close of the window.
   void keepForSheet(NSAlert* alert, TovalinAction* action);
   void dropForSheet(NSAlert* alert);
 
   WindowStyle style;
   Retained<NSWindow*> window;
-  Retained<NSObject*> delegate;  // a window does not keep its delegate
+  Retained<NSObject*> delegate;  // NSWindow does not retain its delegate
   std::unique_ptr<View> content;
-  std::shared_ptr<Window> onScreen;  // itself, while it shows or is hidden by inactivity
+  std::shared_ptr<Window> onScreen;  // self-reference while shown or hidden by inactivity
   std::function<void()> willClose;
   bool closed = false;
 
   struct SheetPart {
     Retained<NSAlert*> alert;
-    Retained<TovalinAction*> action;  // a button does not keep its target
+    Retained<TovalinAction*> action;  // NSButton does not retain its target
   };
   std::vector<SheetPart> keptForSheets;
 };
