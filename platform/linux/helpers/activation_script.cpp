@@ -11,7 +11,7 @@ constexpr std::string_view activateFront =
     "end tell "
     "end tell";
 
-// The words of a script with a single space between them.
+// Returns the words of a script, separated by single spaces.
 std::string normalized(std::string_view script) {
   constexpr std::string_view whiteSpace = " \t\r\n";
   std::string words;

@@ -8,7 +8,7 @@
 
 namespace helpers {
 
-// The one script there is: bring the application in front forward again.
+// The only supported script: activate the frontmost application again.
 struct ActivateFrontApplication {};
 
 [[nodiscard]] std::variant<ShowUsage, Refusal, ActivateFrontApplication> parseScript(

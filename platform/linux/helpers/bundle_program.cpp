@@ -17,7 +17,7 @@ std::string withoutTrailingSlashes(const std::string& path) {
   return path.substr(0, path.find_last_not_of('/') + 1);
 }
 
-// By the kernel's measure for protected_symlinks: see proc(5).
+// Uses the rule of fs.protected_symlinks, see proc(5).
 bool isPlanted(const fs::path& bundle) {
   const fs::path folder = bundle.has_parent_path() ? bundle.parent_path() : fs::path(".");
   struct stat around {};

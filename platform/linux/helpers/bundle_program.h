@@ -4,15 +4,17 @@
 
 namespace helpers {
 
-// The program of a bundle, or in a sentence for the user why there is none to start.
+// The executable of a bundle, or a message for the user why there is none to start.
 struct BundleProgram {
   std::string path;
-  std::string problem;  // empty when there is a program
+  std::string problem;  // empty on success
 };
 
-// Looks for Contents/MacOS/NAME, NAME being the bundle's; else for the only executable file there.
+// Looks for Contents/MacOS/NAME, where NAME is the bundle's name, else for the only executable file in that
+// folder. Follows links.
 //
-// A bundle that another user has put into a folder like /tmp is not taken: it would run as this user.
+// Refuses a bundle that another user has placed in a world-writable sticky folder such as /tmp, because its
+// program would run as this user.
 [[nodiscard]] BundleProgram findBundleProgram(const std::string& bundle);
 
 }  // namespace helpers

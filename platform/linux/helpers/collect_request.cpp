@@ -56,7 +56,7 @@ CollectRequest parseOutput(const Arguments& arguments) {
 
 CollectRequest parseArchive(const Arguments& arguments) {
   if (arguments.size() < 5) return Refusal{"expected SOURCE TARGET NAME COMMAND"};
-  // A relative path would lead wherever the agent happened to be started.
+  // A relative path would depend on the folder in which the agent was started.
   if (!isAbsolute(arguments[2])) return Refusal{"\"" + arguments[2] + "\" is no absolute path"};
   if (!isFileName(arguments[3])) return wrongName(arguments[3]);
   return KeepArchive{arguments[1], arguments[2], arguments[3], {arguments.begin() + 4, arguments.end()}};

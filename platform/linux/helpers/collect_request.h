@@ -9,10 +9,10 @@
 
 namespace helpers {
 
-// Copy the files of `source` whose names match `pattern` to the folder `target`: the newest first, `limit`
-// bytes in all. With a `name`: only the newest one, under that name.
+// Copies the files of `source` whose names match `pattern` to the folder `target`, the newest first, up to
+// `limit` bytes in total. With a `name`, copies only the newest one, under that name.
 struct CopyFiles {
-  // What becomes of a file that does not fit: it is left out, or its end is copied.
+  // Treatment of a file that exceeds the rest of the limit: it is left out, or its end is copied.
   enum class Oversized { LeftOut, CutToItsEnd };
 
   Oversized oversized = Oversized::LeftOut;
@@ -23,8 +23,8 @@ struct CopyFiles {
   std::string name;
 };
 
-// Run `command`, followed by a number of entries, for `patience` at most and keep the last `limit` bytes that
-// it prints as the file `name` in the folder `target`.
+// Runs `command` with a number of entries as its last argument, for at most `patience`, and keeps the last
+// `limit` bytes of its output as the file `name` in the folder `target`.
 struct KeepOutput {
   std::int64_t limit = 0;
   std::chrono::seconds patience{};
@@ -33,7 +33,7 @@ struct KeepOutput {
   Arguments command;
 };
 
-// Run `command`, which packs what is in the folder `source`, and keep what it prints as the file `name` in
+// Runs `command`, which packs the contents of the folder `source`, and keeps its output as the file `name` in
 // the folder `target`.
 struct KeepArchive {
   std::string source;

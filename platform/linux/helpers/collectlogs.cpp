@@ -30,7 +30,7 @@ constexpr char usage[] =
     "         keeps the last LIMIT bytes that it prints as TARGET/NAME\n"
     "archive  keeps what COMMAND prints as TARGET/NAME, if COMMAND succeeds\n";
 
-// Names of files are another user's choice and are not printed.
+// Prints no names of files, because other users may have chosen them.
 int perform(const helpers::CopyFiles& request) {
   const helpers::CopyResult result = helpers::copyFiles(request);
   if (result.error != 0) return helpers::fail(program, request.source + ": " + std::strerror(result.error));

@@ -5,7 +5,7 @@
 namespace helpers {
 namespace {
 
-// A window without a type that the hints know is an ordinary one.
+// A window without a known type is a normal one, as the Extended Window Manager Hints define it.
 bool isForWork(const std::vector<std::string>& types) {
   const auto known = std::find_if(types.begin(), types.end(), [](const std::string& type) {
     return type.starts_with("_NET_WM_WINDOW_TYPE_");

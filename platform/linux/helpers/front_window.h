@@ -5,29 +5,30 @@
 #include <string>
 #include <vector>
 
-// Which window is in front, in the terms of the Extended Window Manager Hints.
+// Selection of the frontmost window, in the terms of the Extended Window Manager Hints. Thread-safe.
 namespace helpers {
 
-using Window = std::uint32_t;  // 0 is none
+using Window = std::uint32_t;  // 0: none
 
 inline constexpr std::uint32_t onAllDesktops = 0xFFFFFFFF;
 
-// A window that the window manager takes care of.
+// A window managed by the window manager.
 struct ManagedWindow {
   Window window = 0;
-  bool viewable = false;           // neither minimised nor put away by its program
-  std::vector<std::string> types;  // _NET_WM_WINDOW_TYPE by name, most wanted first
+  bool viewable = false;           // mapped: neither minimised nor withdrawn
+  std::vector<std::string> types;  // names of _NET_WM_WINDOW_TYPE, preferred first
   std::uint32_t desktop = 0;       // _NET_WM_DESKTOP
 };
 
-// What the screen shows at one moment.
+// Snapshot of the screen.
 struct ScreenState {
-  ManagedWindow active;                 // _NET_ACTIVE_WINDOW; it may be gone
+  ManagedWindow active;                 // _NET_ACTIVE_WINDOW; may be destroyed already
   std::uint32_t currentDesktop = 0;     // _NET_CURRENT_DESKTOP
   std::vector<ManagedWindow> stacking;  // _NET_CLIENT_LIST_STACKING, bottom to top
 };
 
-// The active window; when it is gone, the topmost one that people work in, which panels and the like are not.
+// Returns the active window if it is viewable, else the topmost viewable normal window or dialog on the
+// current desktop. Returns nullopt if there is none.
 [[nodiscard]] std::optional<Window> frontWindow(const ScreenState& screen);
 
 }  // namespace helpers

@@ -49,7 +49,7 @@ Child startDetached(const Arguments& argv, Output output) {
     streams.set(STDERR_FILENO, STDOUT_FILENO);
   }
   Child child;
-  // The C library's own spawn waits for the exec and hands back its errno.
+  // posix_spawnp of glibc waits for the exec and returns its errno.
   child.error = posix_spawnp(&child.pid, pointers[0], streams.get(), session.get(), pointers.data(), environ);
   return child;
 }

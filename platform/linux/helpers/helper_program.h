@@ -6,38 +6,39 @@
 #include <string_view>
 #include <vector>
 
-// What the helper programs have in common. They have one thread and live for an instant.
+// Shared code of the helper programs, which are single-threaded and short-lived.
 namespace helpers {
 
 enum ExitStatus : int { Done = 0, Failed = 1, Misused = 2 };
 
-// The command line without the program's name.
+// The command line without the program name.
 using Arguments = std::vector<std::string>;
 
-// What a command line may ask for, whatever the helper.
+// Results of command-line parsing that all helpers share.
 struct ShowUsage {};
 struct Refusal {
   std::string reason;
 };
 
-// First call of every helper: leaves this process, and with it all that it starts, with the PATH that the
-// user's session has, the three standard streams (each /dev/null where it was closed) and no other
-// descriptor.
+// Prepares the environment of this process and its children. Call it first in main. Restores the PATH of the
+// user's session, opens /dev/null for standard streams that are closed, and closes all other descriptors.
 void takeUsersEnvironment();
 
-// A child just started, or why there is none.
+// Result of starting a child process.
 struct Child {
   pid_t pid = -1;
-  int error = 0;  // errno; 0 when the child runs the program
+  int error = 0;  // errno; 0 if the child runs the program
 };
 
 enum class Output { Inherited, Discarded };
 
-// Runs argv[0], looked up on PATH when it holds no slash, in a session of its own with default signals, an
-// empty signal mask and nothing to read. Returns once the program has taken the child over, or could not.
+// Runs argv[0], looked up in PATH if it contains no slash, in a new session with default signal actions, an
+// empty signal mask and /dev/null as standard input. Returns after the exec has succeeded or failed. Does not
+// wait for the child to end.
 [[nodiscard]] Child startDetached(const Arguments& argv, Output output);
 
-// The ends of a helper: each prints its text and returns the status to exit with.
+// Print a text and return the exit status of the helper. showUsage returns Done, or Failed if standard output
+// is not writable; fail returns Failed; refuse returns Misused.
 int showUsage(std::string_view usage);
 int fail(std::string_view program, std::string_view reason);
 int refuse(std::string_view program, std::string_view reason);

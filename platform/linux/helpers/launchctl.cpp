@@ -23,12 +23,13 @@ constexpr char usage[] =
 constexpr std::chrono::milliseconds patience = 1s;
 
 bool outlasts(pid_t child, std::chrono::milliseconds limit) {
-  // By number: the header of Debian 12 declares pidfd_open with C++ linkage.
+  // Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
   pollfd end{static_cast<int>(::syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
   return end.fd >= 0 && ::poll(&end, 1, static_cast<int>(limit.count())) == 0;
 }
 
-// Only the main process: its control group also holds the browser and the web view that it has started.
+// Signals only the main process: the unit's control group also contains the browser and the web view that it
+// started.
 void signalMainProcess(const std::string& unit) {
   const helpers::Child child = helpers::startDetached(
       {"systemctl", "--user", "kill", "--kill-whom=main", "-s", "TERM", unit}, helpers::Output::Discarded);

@@ -20,10 +20,10 @@ namespace {
 
 using platform::FileDescriptor;
 
-// All of them are arguments of one command that packs them.
+// Bounds the argument list of the command that packs the files.
 constexpr std::size_t maxFiles = 1000;
 
-// Everybody may fill a shared folder.
+// Bounds the run time in shared folders, which any user can fill.
 constexpr int maxEntries = 20'000;
 
 struct Candidate {
@@ -39,7 +39,8 @@ bool isNewer(const Candidate& one, const Candidate& other) {
 std::vector<std::string> namesIn(int folder, const std::string& pattern) {
   std::vector<std::string> names;
   std::error_code error;
-  // By its descriptor, so that it is the folder whose owner is known.
+  // Lists the folder through its descriptor: a path could lead to another folder than the one whose owner has
+  // been checked.
   std::filesystem::directory_iterator entry("/proc/self/fd/" + std::to_string(folder), error);
   for (int read = 0; !error && entry != std::filesystem::directory_iterator() && read < maxEntries; ++read) {
     const std::string name = entry->path().filename();
@@ -49,7 +50,7 @@ std::vector<std::string> namesIn(int folder, const std::string& pattern) {
   return names;
 }
 
-// One run of the command copies files from one folder to another.
+// State of one copyFiles call.
 class Copying {
  public:
   Copying(const CopyFiles& request, const FileDescriptor& source, const FileDescriptor& target)
@@ -90,14 +91,14 @@ class Copying {
     return candidates;
   }
 
-  // O_NONBLOCK: neither a FIFO that took the file's place nor a lease on it may block the open.
+  // O_NONBLOCK prevents a FIFO that has replaced the file, or a lease on it, from blocking the open.
   [[nodiscard]] FileDescriptor open(const std::string& name) const {
     return FileDescriptor(
         ::openat(source_.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   }
 
-  // Asks for the entry again once the file is open: one that was another file's second name, and was removed
-  // since, left a file with a single name behind.
+  // Checks the directory entry again after the open. If the entry was a second link to another file and has
+  // been removed, that file has a link count of 1 and fstat alone would accept it.
   [[nodiscard]] bool isStillTheEntry(int file, const std::string& name, struct stat& status) const {
     struct stat entry {};
     return ::fstat(file, &status) == 0 &&
@@ -122,7 +123,7 @@ class Copying {
     return true;
   }
 
-  // A file that grows meanwhile is copied up to the size that it had, one that shrinks up to its end.
+  // Copies at most the size at the time of the check if the file grows, and up to its end if it shrinks.
   static bool copyBytes(int file, off_t offset, off_t size, NewFile& copied) {
     std::array<char, 1 << 16> buffer{};
     while (size > 0) {

@@ -8,22 +8,22 @@
 
 namespace helpers {
 
-// Whether a file found in `folder` may be copied for `user`: a regular file with this one name only, which
-// belongs to the user, or stands in a folder of root's that not everybody may write to.
+// Returns whether a file in `folder` may be copied for `user`: a regular file with a link count of 1 that
+// belongs to the user, or is in a folder that is owned by root and not world-writable. Thread-safe.
 //
-// In a folder that all may write to, another user may have planted a FIFO, a link, or a second name of a file
+// In a world-writable folder, another local user may have planted a FIFO, a link, or a hard link to a file
 // that only this user may read.
 [[nodiscard]] bool mayBeCopied(const struct stat& file, const struct stat& folder, uid_t user);
 
-// What became of the files that matched.
+// Numbers of files that matched the pattern.
 struct CopyResult {
   std::size_t copied = 0;
   std::size_t leftOut = 0;
-  int error = 0;  // errno; 0 if both folders could be opened and every file that fits could be copied
+  int error = 0;  // errno; 0 if both folders were opened and all files that fit were copied
 };
 
-// Copies as the request says, at most 1000 files, of the first 20,000 entries of the source. Replaces what
-// stands at their names in the target, which has to be the user's own.
+// Copies the requested files: at most 1000, from the first 20,000 entries of the source. Replaces files of
+// the same name in the target, which must be owned by the user.
 [[nodiscard]] CopyResult copyFiles(const CopyFiles& request);
 
 }  // namespace helpers

@@ -7,14 +7,14 @@
 
 namespace helpers {
 
-// Opens the folder at `path` if it is a folder of this user's own and no link, and takes from all others the
-// right to enter it. Empty, with errno set, if it is anything else.
+// Opens the folder at `path` and sets its mode to 0700. Returns an invalid descriptor, with errno set, if it
+// is a link, not a folder, or not owned by this user (EPERM).
 [[nodiscard]] platform::FileDescriptor openOwnFolder(const std::string& path);
 
-// A file that is being made in an open folder, readable by its owner alone. It is removed again unless it is
-// kept. The folder's descriptor has to outlive it.
+// A new file, with mode 0600, in an open folder. The destructor removes it unless it is kept. The folder's
+// descriptor must outlive this object.
 //
-// Whatever stands at its name is replaced and never opened, so that neither a link nor a FIFO there matters.
+// An existing file of that name is unlinked and never opened, so a link or FIFO there does no harm.
 class NewFile {
  public:
   NewFile(int folder, std::string name);
@@ -22,15 +22,16 @@ class NewFile {
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
 
-  // False if the file could not be made.
+  // Returns whether the file was created.
   [[nodiscard]] bool valid() const { return file_.valid(); }
   [[nodiscard]] int descriptor() const { return file_.get(); }
 
-  // Returns false, with errno set, if not all of it could be written.
+  // Writes all bytes. Returns false, with errno set, on error.
   [[nodiscard]] bool write(std::string_view bytes);
 
   void keep() { kept_ = true; }
-  // Keeps the file, under another name of the same folder. Returns false, with errno set, if that fails.
+  // Keeps the file under another name in the same folder and replaces a file of that name. Returns false,
+  // with errno set, on error.
   [[nodiscard]] bool keepAs(const std::string& name);
 
  private:

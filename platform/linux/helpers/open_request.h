@@ -8,13 +8,13 @@
 
 namespace helpers {
 
-// Start the program of this bundle with these arguments.
+// Starts the program of this bundle with these arguments.
 struct OpenBundle {
   std::string path;
   Arguments arguments;
 };
 
-// Hand this to the program that the user's desktop has for it.
+// Opens the URL or file with the desktop's program for it.
 struct OpenUrl {
   std::string url;
 };
@@ -26,7 +26,7 @@ using OpenRequest = std::variant<ShowUsage, Refusal, OpenBundle, OpenUrl, OpenFi
 
 [[nodiscard]] OpenRequest parseOpenRequest(const Arguments& arguments);
 
-// The NAME of a path ending in NAME.app, with or without slashes behind it; empty for any other path.
+// Returns NAME for a path that ends in NAME.app, with or without trailing slashes; empty for other paths.
 [[nodiscard]] std::string bundleName(std::string_view path);
 
 }  // namespace helpers

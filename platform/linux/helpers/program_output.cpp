@@ -25,14 +25,14 @@ namespace {
 using platform::FileDescriptor;
 using Clock = std::chrono::steady_clock;
 
-// journalctl prints the newest entries last, so a run that is ended early lacks them. A run for fewer entries
-// takes less time; the three together take a third more than the last one alone.
+// journalctl prints the newest entries last, so a run that is killed early lacks them. Runs with fewer
+// entries come first; all three take a third more time than the last one alone.
 constexpr std::array entryCounts{"12500", "50000", "200000"};
 
-// zip's status when it has packed all but files that it could not read.
+// Exit status of zip if some files could not be read.
 constexpr int zipLeftFilesOut = 18;
 
-// Runs `command` with its standard output on `output`.
+// Runs `command` with its standard output redirected to `output`.
 Child startWithOutput(const Arguments& command, int output) {
   Arguments copy = command;
   std::vector<char*> pointers;
@@ -49,7 +49,7 @@ Child startWithOutput(const Arguments& command, int output) {
   return child;
 }
 
-// The wait status; -1 if there is none.
+// Returns the wait status, or -1 on error.
 int statusOf(pid_t child) {
   int status = 0;
   while (::waitpid(child, &status, 0) == -1) {
@@ -58,7 +58,7 @@ int statusOf(pid_t child) {
   return status;
 }
 
-// False once there is nothing more to read, or the deadline has passed.
+// Waits until `input` is readable. Returns false at the deadline or on error.
 bool waitForInput(int input, Clock::time_point deadline) {
   for (;;) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
@@ -70,7 +70,7 @@ bool waitForInput(int input, Clock::time_point deadline) {
   }
 }
 
-// The last bytes of what is read. Takes twice the limit of memory at most.
+// Keeps the last `limit` bytes of a stream. Uses at most twice the limit of memory, plus one read.
 class Tail {
  public:
   explicit Tail(std::size_t limit) : limit_(limit) {}
@@ -91,7 +91,7 @@ class Tail {
   std::string bytes_;
 };
 
-// False if the deadline passed before the end of the input.
+// Reads to the end of the input. Returns false if the deadline comes first.
 bool readInto(Tail& tail, int input, Clock::time_point deadline) {
   std::array<char, 1 << 16> buffer{};
   while (waitForInput(input, deadline)) {
@@ -103,19 +103,19 @@ bool readInto(Tail& tail, int input, Clock::time_point deadline) {
   return false;
 }
 
-// False if it still runs at the deadline, or there is no descriptor to wait with.
+// Returns false if the child still runs at the deadline, or if no pidfd is available.
 bool endsBy(Clock::time_point deadline, pid_t child) {
-  // By number: the header of Debian 12 declares pidfd_open with C++ linkage.
+  // Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
   const FileDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
   return end.valid() && waitForInput(end.get(), deadline);
 }
 
 struct Output {
   std::string text;
-  bool isComplete = false;  // the command printed all of it and ended with status 0
+  bool isComplete = false;  // printed in full, with exit status 0
 };
 
-// The last `limit` bytes that the command prints before the deadline; none if it can't be started.
+// Returns the last `limit` bytes that the command prints before the deadline; empty if it cannot be started.
 Output outputOf(const Arguments& command, std::size_t limit, Clock::time_point deadline) {
   std::array<int, 2> ends{-1, -1};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) return {};
@@ -136,7 +136,7 @@ Arguments withCount(Arguments command, const char* count) {
   return command;
 }
 
-// Of the last run before one that failed or took too long; of the first one if that did.
+// Returns the output of the last complete run; if the first run fails or times out, its partial output.
 std::string newestEntries(const KeepOutput& request) {
   const auto limit = static_cast<std::size_t>(request.limit);
   const auto deadline = Clock::now() + request.patience;

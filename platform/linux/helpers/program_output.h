@@ -4,16 +4,16 @@
 
 namespace helpers {
 
-// Runs the command, with nothing to read, for more and more entries until it prints no more than before, and
-// keeps the end of what it prints last, also if that is nothing. A run that is still going when the patience
-// is over is ended by SIGKILL. After such a run, or one that ends with another status than 0, the output of
-// the run before it is kept or, if it was the first one, what it has printed. Returns how many bytes were
-// kept; -1 with errno set if the file could not be made or written.
+// Runs the command, with /dev/null as input, for increasing numbers of entries until the output no longer
+// grows, and keeps the end of the last output, even if it is empty. Kills a run with SIGKILL when `patience`
+// has passed. If a run is killed or exits with a status other than 0, keeps the output of the previous run
+// or, for the first run, its partial output. Blocks. Returns the number of bytes kept; -1 with errno set if
+// the file cannot be created or written.
 [[nodiscard]] std::int64_t keepOutput(const KeepOutput& request);
 
-// Runs the command, with nothing to read and its standard output being a file in the target folder, which is
-// made with the folders above it if it is missing. Once the command has succeeded, the file takes the place
-// of whatever stands at its name. Returns an empty text, or what went wrong.
+// Runs the command with /dev/null as input and a temporary file in the target folder as output. Creates the
+// target folder and its parents if they do not exist. If the command succeeds, renames the file to its name
+// and replaces a file of that name. Blocks. Returns an empty string, or an error message.
 [[nodiscard]] std::string keepArchive(const KeepArchive& request);
 
 }  // namespace helpers

@@ -12,7 +12,7 @@ bool isUnloadOption(const std::string& argument) {
   return argument == "-w" || argument == "-F";
 }
 
-// The LABEL of /Library/LaunchAgents/LABEL.plist; empty for any other path.
+// Returns the LABEL of /Library/LaunchAgents/LABEL.plist; empty for other paths.
 std::string labelOf(std::string_view path) {
   if (!path.starts_with(folder) || !path.ends_with(suffix)) return {};
   path.remove_prefix(folder.size());
@@ -32,7 +32,7 @@ std::string escaped(char character) {
   return {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
 }
 
-// As systemd-escape(1) does it; a label holds no slash.
+// Same escaping as systemd-escape(1). A label contains no slash.
 std::string escapeForUnitName(std::string_view label) {
   std::string name;
   for (const char character : label) {

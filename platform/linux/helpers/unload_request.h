@@ -15,7 +15,7 @@ struct UnloadRequest {
 
 [[nodiscard]] std::variant<ShowUsage, Refusal, UnloadRequest> parseUnloadRequest(const Arguments& arguments);
 
-// The user unit that systemd makes from the autostart entry LABEL.desktop:
+// Returns the user unit that systemd generates from the autostart entry LABEL.desktop, see
 // systemd-xdg-autostart-generator(8).
 [[nodiscard]] std::string autostartUnit(std::string_view label);
 

@@ -34,7 +34,7 @@ std::string XDesktop::problem() const {
   return {};
 }
 
-// What a window manager leaves behind when it dies names a window that died with it.
+// The property on the root window may survive its window manager, but the window that it names does not.
 bool XDesktop::hasWindowManager() const {
   const Window proof = firstOf(root_, "_NET_SUPPORTING_WM_CHECK");
   return proof != 0 && firstOf(proof, "_NET_SUPPORTING_WM_CHECK") == proof;

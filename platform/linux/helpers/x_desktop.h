@@ -12,17 +12,18 @@
 
 namespace helpers {
 
-// The windows of the X display that DISPLAY names, as its window manager tells of them.
+// The X display that DISPLAY names: windows as the window manager reports them.
 class XDesktop {
  public:
   XDesktop();
 
-  // In a sentence for the user why nothing can be asked or done here; empty when all is well.
+  // Returns a message for the user if there is no display or no usable window manager; otherwise an empty
+  // string.
   [[nodiscard]] std::string problem() const;
 
   [[nodiscard]] ScreenState screenState() const;
 
-  // Asks the window manager to bring the window forward. False when the display has gone.
+  // Asks the window manager to activate the window. Returns false if the connection is lost.
   [[nodiscard]] bool activate(Window window) const;
 
  private:

@@ -7,20 +7,20 @@
 
 namespace helpers {
 
-// Whether a page may be fetched from here: http or https, and nothing but visible ASCII.
+// Returns whether pages may be fetched from this address: http or https, printable ASCII only. Thread-safe.
 [[nodiscard]] bool isWebAddress(std::string_view text);
 
-// Whether a page may lead its view, or a frame in it, here: where a page may be fetched from, or to the empty
-// page that a script fills. `address` may be missing.
+// Returns whether a page may navigate its view or a frame to `address`: a web address, about:blank or
+// about:srcdoc. Returns false for nullptr. Thread-safe.
 [[nodiscard]] bool mayLeadTo(const char* address);
 
-// Takes a stream of bytes, whoever wrote it, apart into lines, and hands out those that are web addresses.
+// Splits a stream of untrusted bytes into lines and returns those that are web addresses.
 class AddressLines {
  public:
   static constexpr std::size_t longestLine = std::size_t{64} * 1024;
 
-  // The addresses whose lines end in `bytes`, in their order. A line without its end is kept for the next
-  // call; one that grows too long is passed over.
+  // Returns the addresses whose lines end in `bytes`, in order. Keeps an incomplete line for the next call.
+  // Discards a line longer than longestLine.
   [[nodiscard]] std::vector<std::string> take(std::string_view bytes);
 
  private:

@@ -19,7 +19,7 @@ struct Range {
   unsigned bits;
 };
 
-// The IANA registries of special-purpose addresses, and multicast.
+// The IANA special-purpose address registries, and multicast.
 constexpr std::array notPublic4{
     Range{{0}, 8},         Range{{10}, 8},       Range{{100, 64}, 10},      Range{{127}, 8},
     Range{{169, 254}, 16}, Range{{172, 16}, 12}, Range{{192, 0, 0}, 24},    Range{{192, 0, 2}, 24},
@@ -28,12 +28,12 @@ constexpr std::array notPublic4{
 };
 constexpr Range globalUnicast6{{0x20}, 3};
 constexpr std::array notPublic6{
-    Range{{0x20, 0x01, 0, 0}, 23},  // Teredo among them, which holds an IPv4 address
+    Range{{0x20, 0x01, 0, 0}, 23},  // includes Teredo, which embeds an IPv4 address
     Range{{0x20, 0x01, 0x0d, 0xb8}, 32},
     Range{{0x3f, 0xff, 0}, 20},
 };
 
-// IPv6 addresses that lead to the IPv4 address in their bytes from `offset` on.
+// IPv6 ranges that embed an IPv4 address at byte `offset`.
 struct Embedding {
   Range range;
   std::size_t offset;
@@ -69,13 +69,13 @@ bool isPublicText(const std::string& host) {
   return ::inet_pton(AF_INET6, host.c_str(), bytes.data()) == 1 && isPublic16(bytes);
 }
 
-// What some resolver takes for an IPv4 address: "127.1", "0x7f.1" and "2130706433" lead to this machine.
+// Some resolvers read such a name as an IPv4 address: "127.1", "0x7f.1" and "2130706433" are the local host.
 bool endsInNumber(std::string_view host) {
   const std::string_view label = host.substr(host.rfind('.') + 1);
   return label.starts_with("0x") || label.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// No public server has one: special-use names (RFC 6761, 6762 and 8375), and names of one label.
+// Names that no public server has: special-use names (RFC 6761, 6762 and 8375) and names of a single label.
 bool isLocalName(std::string_view host) {
   constexpr std::array<std::string_view, 5> domains{".localhost", ".localdomain", ".local", ".internal",
                                                     ".home.arpa"};

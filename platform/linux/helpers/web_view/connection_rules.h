@@ -9,42 +9,45 @@
 
 namespace helpers {
 
-// One end of a connection by name: a host in lower case, or an address as inet_ntop writes it, and a port.
+// A host and a port. The host is a name in lower case, or an address as inet_ntop(3) writes it.
 struct Endpoint {
   std::string host;
   std::uint16_t port = 0;
   bool operator==(const Endpoint&) const = default;
 };
 
-// The endpoint for a host as an address on the web names it: in either case, an IPv6 address in brackets or
-// without.
+// Returns the endpoint of a host in the syntax of a URL: any case, an IPv6 address with or without brackets.
+// Thread-safe, like all functions of this header.
 [[nodiscard]] Endpoint endpointOf(std::string host, std::uint16_t port);
 
-// An IPv6 address, or an IPv4 address in the mapped form, ::ffff:A.B.C.D.
+// An IPv6 address, or an IPv4 address in mapped form, ::ffff:A.B.C.D.
 using AddressBytes = std::array<std::uint8_t, 16>;
 
-// Returns nullopt for an address of another family.
+// Returns the bytes of an IPv4 or IPv6 address; nullopt for other address families.
 [[nodiscard]] std::optional<AddressBytes> addressBytes(const sockaddr& address);
 
-// The IPv4 address, in the mapped form, that an IPv6 address leads to: a mapped, NAT64 or 6to4 one.
+// Returns the IPv4 address, in mapped form, that is embedded in a mapped, NAT64 or 6to4 address; nullopt for
+// other addresses.
 [[nodiscard]] std::optional<AddressBytes> embeddedAddress(const AddressBytes& address);
 
-// Whether this IPv4 or IPv6 address is one of the public Internet's: not this machine, a private or
-// link-local network, a multicast group or a reserved range, nor an IPv6 form of such an IPv4 address.
+// Returns whether this IPv4 or IPv6 address is on the public Internet: not the local host, a private or
+// link-local network, a multicast group or a reserved range, nor an IPv6 address that embeds such an IPv4
+// address.
 [[nodiscard]] bool isPublic(const sockaddr& address);
 
-// Whether the host is an address that is not public, a number in another form than that of an IPv4 address
-// (resolvers differ about it), or a name that stands for this machine or one of a local network.
+// Returns whether the host is an address that is not public, a number in another syntax than that of an IPv4
+// address (resolvers disagree about those), or a name of the local host or the local network.
 [[nodiscard]] bool isLocal(const std::string& host);
 
-// How far a page may connect to an endpoint.
+// How a page may connect to an endpoint.
 enum class Passage {
   None,
-  PublicTls,  // to public addresses, by TLS
-  Free,       // wherever it is, in any form
+  PublicTls,  // to public addresses, over TLS
+  Free,       // to any address, with any protocol
 };
 
-// A page whose own origin is `origin` reaches that one, and others at the port of https.
+// Returns how a page with the origin `origin` may connect to `target`: freely to its own origin, with
+// PublicTls to port 443 of hosts that are not local, otherwise not at all.
 [[nodiscard]] Passage passageTo(const Endpoint& target, const std::optional<Endpoint>& origin);
 
 }  // namespace helpers

@@ -30,7 +30,7 @@ void adoptDescendants() {
 }
 
 void endDescendants() {
-  // Those that the dead leave behind come up in the next round.
+  // Orphans of the killed processes are found in the next iteration.
   for (auto found = children(); !found.empty(); found = children()) {
     for (const pid_t child : found) ::kill(child, SIGKILL);
     for (const pid_t child : found) ::waitpid(child, nullptr, 0);

@@ -2,10 +2,10 @@
 
 namespace helpers {
 
-// Makes this process the parent of all that its children leave behind, so that endDescendants finds them.
+// Makes this process the subreaper of its descendants, so that endDescendants finds orphans too.
 void adoptDescendants();
 
-// Kills whatever this process and its children have started, and returns when it is gone.
+// Kills and reaps all descendants of this process. Blocks until they are gone. Requires adoptDescendants.
 void endDescendants();
 
 }  // namespace helpers

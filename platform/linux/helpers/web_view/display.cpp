@@ -16,8 +16,7 @@ namespace {
 
 constexpr const char* socketName = "wayland-0";
 
-// GTK wants a shell to be there. A view that is never shown calls none of its requests, so they need no
-// types.
+// GTK requires xdg_wm_base. A view that is never shown sends no requests to it, so these need no types.
 constexpr std::array<wl_message, 4> shellRequests{{{"destroy", "", nullptr},
                                                    {"create_positioner", "", nullptr},
                                                    {"get_xdg_surface", "", nullptr},
@@ -37,7 +36,7 @@ wl_resource* addObject(wl_client* client, const wl_interface* type, int version,
   return object;
 }
 
-// Makes the objects that a request asks for, so that requests to them have a target, and does nothing else.
+// Creates the objects that a request asks for, so that later requests have a target. Ignores the rest.
 int ignoreRequest(const void*, void* target, std::uint32_t, const wl_message* request,
                   wl_argument* arguments) {
   auto* object = static_cast<wl_resource*>(target);

@@ -10,18 +10,18 @@ struct wl_display;
 
 namespace helpers {
 
-// A Wayland display with nothing behind it, for a toolkit and a web engine that can't start without one: one
-// screen, a seat without devices, and no other program's windows or input. Serves its clients on a thread of
-// its own for as long as this object lives, which must be longer than the toolkit is used.
+// A Wayland display without output, because GTK and the web engine cannot start without a display. It offers
+// one screen, a seat without devices, and no windows or input of other programs. Serves its clients on its
+// own thread until the destructor. Must outlive the use of GTK.
 class EmptyDisplay {
  public:
-  // Puts the socket into $XDG_RUNTIME_DIR. name() is empty if that fails.
+  // Creates the socket in $XDG_RUNTIME_DIR. On error, name() is empty.
   EmptyDisplay();
   ~EmptyDisplay();
   EmptyDisplay(const EmptyDisplay&) = delete;
   EmptyDisplay& operator=(const EmptyDisplay&) = delete;
 
-  // What $WAYLAND_DISPLAY is to be.
+  // Returns the value for $WAYLAND_DISPLAY.
   [[nodiscard]] const std::string& name() const { return name_; }
 
  private:

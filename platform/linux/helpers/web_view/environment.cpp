@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 constexpr std::string_view folderName = "TovalinWebView.";
 constexpr int tries = 5;
 
-// Nobody, not even root, can make a folder there.
+// A path at which nobody, not even root, can create a folder.
 constexpr const char* nowhere = "/proc/nowhere";
 
 void set(const char* name, const std::string& value) {
@@ -51,8 +51,8 @@ void dropOthersThanKept() {
   }
 }
 
-// Held by the folder's user as long as it lives, so that what is not locked is left over. None where another
-// has the lock or has removed the folder.
+// The owner holds this lock for the lifetime of the folder, so an unlocked folder is a leftover. Returns an
+// invalid descriptor if another process holds the lock or has removed the folder.
 platform::FileDescriptor lockFolder(const fs::path& folder) {
   platform::FileDescriptor lock(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
@@ -81,7 +81,7 @@ RuntimeFolder::RuntimeFolder() {
   const auto parent = platform::privateFolder();
   if (!parent) return;
   sweep(*parent);
-  // Another program's sweep may come between the making and the locking.
+  // Retries, because the sweep of another process may remove the folder before it is locked.
   for (int i = 0; i < tries && path_.empty(); ++i) {
     std::string folder = *parent + "/" + std::string(folderName) + "XXXXXX";
     if (::mkdtemp(folder.data()) == nullptr) return;
@@ -103,7 +103,7 @@ void replaceEnvironment(const std::filesystem::path& runtimeFolder) {
     set(name, nowhere);
   }
   set("XDG_RUNTIME_DIR", runtimeFolder);
-  // Without an address the libraries would start a bus that stays.
+  // If these variables were unset, the libraries would start a bus that outlives this process.
   set("DBUS_SESSION_BUS_ADDRESS", "disabled:");
   set("DBUS_SYSTEM_BUS_ADDRESS", "disabled:");
   set("NO_AT_BRIDGE", "1");

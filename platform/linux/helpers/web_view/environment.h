@@ -6,9 +6,9 @@
 
 namespace helpers {
 
-// A new folder of this program's own in the agent's private folder, removed by the destructor. The
-// constructor also removes those that killed programs have left there. The path is empty if there is no
-// private folder.
+// A new folder in the agent's private folder, removed by the destructor. The constructor also removes the
+// leftover folders of killed processes. path() is empty if there is no private folder or the folder cannot be
+// created.
 class RuntimeFolder {
  public:
   RuntimeFolder();
@@ -24,10 +24,10 @@ class RuntimeFolder {
   platform::FileDescriptor lock_;
 };
 
-// Leaves of the user's environment only PATH, language, time zone and proxies, so that the web engine's
-// processes learn of no display, bus or other service, and sets it so that none of the libraries below the
-// view reads the user's settings or leaves a file or a service behind: the home and all that belongs there
-// lead nowhere. `runtimeFolder` is where sockets may be made. Before the first thread.
+// Replaces the environment. Keeps only PATH, language, time zone and proxies, so that the web engine's
+// processes have no access to a display, a bus or another service. Points the home and XDG folders to a
+// nonexistent path and configures the libraries so that they neither read the user's settings nor leave files
+// or services behind. Sockets are created in `runtimeFolder`. Call it before any other thread exists.
 void replaceEnvironment(const std::filesystem::path& runtimeFolder);
 
 }  // namespace helpers

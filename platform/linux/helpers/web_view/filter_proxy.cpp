@@ -31,7 +31,7 @@ constexpr std::chrono::seconds connectTimeout{20};
 constexpr std::chrono::milliseconds acceptRetryDelay{100};
 constexpr int maxConnections = 64;
 
-// An address as connect(2) takes it.
+// An address in the form that connect(2) takes.
 struct SocketAddress {
   sockaddr_storage storage{};
   socklen_t size = 0;
@@ -69,7 +69,7 @@ bool isConnected(const FileDescriptor& socket) {
          ::getsockopt(socket.get(), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
 }
 
-// Not public in the sense of a page's author: the public addresses of this machine and of its network, too.
+// Also excludes the public addresses of this machine and of its own networks.
 bool isElsewhere(const SocketAddress& address) {
   const auto networks = ownNetworks();
   return networks && isPublic(*address.get()) && !hold(*networks, *address.get());
@@ -96,7 +96,7 @@ std::string randomPassword() {
   return text;
 }
 
-// TLS begins with a record of the type "handshake".
+// The first byte of a TLS connection is the record type "handshake".
 bool beginsWithTls(const FileDescriptor& client) {
   constexpr unsigned char handshake = 0x16;
   unsigned char first = 0;
@@ -105,27 +105,27 @@ bool beginsWithTls(const FileDescriptor& client) {
 
 }  // namespace
 
-// What the connections need of their proxy, which may be gone before they are.
+// State that connection threads share with the proxy and that outlives it.
 struct FilterProxy::Shared {
   struct Outcome {
     SocksReply reply = SocksReply::Refused;
     FileDescriptor server;
   };
 
-  // Hangs up if there are too many connections or no thread is left.
+  // Closes the connection if there are too many or no thread can be started.
   static void serveOnThread(const std::shared_ptr<Shared>& shared, FileDescriptor client);
   void serve(const FileDescriptor& client);
   [[nodiscard]] Outcome connect(const Endpoint& target, Passage passage);
   [[nodiscard]] Outcome connectDirectly(const Endpoint& target, Passage passage);
   [[nodiscard]] std::vector<SocketAddress> addressesOf(const Endpoint& target, Passage passage);
   [[nodiscard]] std::optional<Endpoint> currentOrigin();
-  // The addresses that connections to the origin may lead to: those of the first answer to be `found`. Empty
-  // if it is no longer the origin.
+  // Returns the addresses to which connections to the origin may go. The first answer of the resolver,
+  // `found`, sets them. Returns an empty list if `target` is no longer the origin.
   [[nodiscard]] std::vector<SocketAddress> originsAddresses(const Endpoint& target,
                                                             std::vector<SocketAddress> found);
-  // The first connection to be established decides for all. False for one that leads elsewhere.
+  // The first established connection sets the only allowed address. Returns false for other addresses.
   [[nodiscard]] bool pin(const Endpoint& target, const SocketAddress& address);
-  // So that the next connection asks for the name again.
+  // Clears the addresses if none is pinned, so that the next connection resolves the name again.
   void forgetUnreachable(const Endpoint& target);
 
   UsersProxy usersProxy;
@@ -247,7 +247,8 @@ void FilterProxy::acceptUntilStopped() {
     if (events[0].revents == 0) continue;
     FileDescriptor client(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!client.valid()) {
-      // After EMFILE the connection is still pending, and poll would report it at once.
+      // After EMFILE the connection stays pending and poll would return at once, so wait before the next
+      // accept.
       static_cast<void>(::poll(&events[1], 1, static_cast<int>(acceptRetryDelay.count())));
     } else if (comesFromThisUser(client)) {
       Shared::serveOnThread(shared_, std::move(client));

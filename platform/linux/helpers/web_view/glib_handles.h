@@ -6,22 +6,22 @@
 
 namespace helpers {
 
-// One reference to an object of the toolkit.
+// Owns one reference to a GObject.
 struct Unreference {
   void operator()(gpointer object) const { g_object_unref(object); }
 };
 template <typename Type>
 using ObjectPointer = std::unique_ptr<Type, Unreference>;
 
-// Calls `handler` for each signal, with `data` as its last argument, as long as `object` lives.
+// Connects `handler` to a signal, with `data` as its last argument, for the lifetime of `object`.
 template <typename Result, typename... Arguments>
 void connect(gpointer object, const char* signal, Result (*handler)(Arguments...), gpointer data) {
   g_signal_connect_data(object, signal, reinterpret_cast<GCallback>(handler), data, nullptr,
                         GConnectFlags(0));
 }
 
-// Something that the main loop watches or waits for, until this object goes away. A callback that ends its
-// own source by what it returns must release it first.
+// Owns a GLib event source and removes it on destruction. A callback that returns G_SOURCE_REMOVE must
+// release its source first.
 class EventSource {
  public:
   EventSource() = default;

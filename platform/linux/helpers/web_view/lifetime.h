@@ -5,37 +5,37 @@
 
 namespace helpers {
 
-// When the web view is to end. It is told what happens and answers with a point of time, which moves with
-// each event.
+// Computes when the web view is to end from the events that it receives. Each event may move that time.
 class Lifetime {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // The time that a page's scripts get to call back once all they have asked for is there.
+  // Time for a page's scripts to send further requests once all resources have been loaded.
   static constexpr std::chrono::seconds grace{2};
-  // The time that the load of an address gets, the engine's start included, where the idle time is shorter.
+  // Minimum time for the load of an address, including the start of the engine, if the idle time is shorter.
   static constexpr std::chrono::seconds patience{60};
-  // The longest life after the end of the input.
+  // Maximum time from the end of the input to the end of the web view.
   static constexpr std::chrono::seconds leave{10};
 
   Lifetime(Clock::time_point now, Clock::duration idle) : news_(now), idle_(idle) {}
 
-  // A new address is being loaded from now on.
+  // The load of a new address begins.
   void addressCame(Clock::time_point now);
-  // Whether anything is still being loaded, by the page itself or by its scripts.
+  // `loading` tells whether the page or one of its scripts is loading anything.
   void loadingIs(bool loading, Clock::time_point now);
   void inputEnded(Clock::time_point now);
 
-  // As long as addresses may come: `idle` after the load of the last one was done, or `patience` after it
-  // came if its load never ends. What a page loads later of its own accord keeps nothing alive. From the
-  // input's end on: once the load is done.
+  // Returns the end. Before the end of the input: `idle` after the last address has been loaded, or the
+  // longer of `idle` and `patience` after it arrived if it still loads. Later loads by the page do not extend
+  // this time. After the end of the input: `grace` after the load is complete, but at most `leave` after the
+  // end of the input.
   [[nodiscard]] Clock::time_point end() const;
 
  private:
   Clock::time_point news_;
   Clock::duration idle_;
   bool loading_ = false;
-  bool firstLoad_ = false;  // the one that an address has begun
+  bool firstLoad_ = false;  // the load that addressCame started
   std::optional<Clock::time_point> quiet_;
   std::optional<Clock::time_point> inputEnd_;
 };

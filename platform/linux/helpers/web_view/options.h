@@ -7,7 +7,7 @@
 
 namespace helpers {
 
-// Serve the addresses that come in, and end when none has come for this long.
+// Loads incoming addresses, and ends when none has arrived for `idle`.
 struct ServeAddresses {
   std::chrono::seconds idle{15};
 };

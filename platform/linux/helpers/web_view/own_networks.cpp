@@ -26,13 +26,13 @@ bool isIn(const Network& network, const AddressBytes& address) {
          (mask == 0 || ((address[whole] ^ network.start[whole]) & mask) == 0);
 }
 
-// A link that claims every address has no network of its own.
+// An interface whose netmask is all zeros has no network of its own, so count it as a single address.
 unsigned prefixBits(const sockaddr& netmask) {
   const auto bytes = addressBytes(netmask);
   unsigned bits = 0;
   for (const std::uint8_t byte : *bytes) bits += static_cast<unsigned>(std::popcount(byte));
   if (netmask.sa_family == AF_INET6) return bits == 0 ? 128 : bits;
-  // The mapped form has 16 bits set before the four bytes.
+  // The mapped form has 16 bits set before the IPv4 address.
   return bits == 16 ? 128 : bits - 16 + bitsBefore4;
 }
 

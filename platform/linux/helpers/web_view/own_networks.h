@@ -9,18 +9,19 @@
 
 namespace helpers {
 
-// The addresses that begin like `start`, in their first `bits`. IPv4 in the mapped form, ::ffff:A.B.C.D.
+// The addresses whose first `bits` equal those of `start`. IPv4 in mapped form, ::ffff:A.B.C.D.
 struct Network {
   std::array<std::uint8_t, 16> start{};
   unsigned bits = 128;
   bool operator==(const Network&) const = default;
 };
 
-// What is reached without a router: this machine's addresses, the networks on its links, and the other ends
-// of its point-to-point links. Returns nullopt if the system does not tell. Any thread.
+// Returns what is reachable without a router: this machine's addresses, the networks of its interfaces, and
+// the peers of its point-to-point interfaces. Returns nullopt if getifaddrs(3) fails. Thread-safe.
 [[nodiscard]] std::optional<std::vector<Network>> ownNetworks();
 
-// Whether one of them holds this IPv4 or IPv6 address or the IPv4 address that is embedded in it.
+// Returns whether one of the networks contains this IPv4 or IPv6 address, or the IPv4 address embedded in it.
+// Thread-safe.
 [[nodiscard]] bool hold(const std::vector<Network>& networks, const sockaddr& address);
 
 }  // namespace helpers

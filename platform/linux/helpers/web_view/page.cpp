@@ -33,7 +33,7 @@ ObjectPointer<WebKitWebContext> makeContext(const std::string& proxy) {
   return context;
 }
 
-// As the engine itself understands the address, so that both mean the same host.
+// Uses the engine's own URL parser, so that proxy and engine agree on the host.
 std::optional<Endpoint> originOf(const std::string& address) {
   struct Unreference {
     void operator()(WebKitSecurityOrigin* origin) const { webkit_security_origin_unref(origin); }
@@ -48,7 +48,7 @@ std::optional<Endpoint> originOf(const std::string& address) {
   return endpointOf(host, std::string_view(scheme) == "https" ? 443 : 80);
 }
 
-// All that nobody would see or hear is off.
+// Disables everything that only serves to be seen or heard.
 ObjectPointer<WebKitSettings> makeSettings() {
   return ObjectPointer<WebKitSettings>(webkit_settings_new_with_settings(
       "hardware-acceleration-policy", WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER, "enable-webgl", FALSE,
@@ -72,7 +72,7 @@ Page::Page(FilterProxy& network, std::function<void()> changed)
       changed_(std::move(changed)),
       context_(makeContext(network.address())),
       view_(makeView(context_.get())) {
-  // First, as a refusal ends what comes of a failure.
+  // Connected before refuseAllButPages, whose handler of "load-failed" stops the emission of that signal.
   watchProgress();
   refuseAllButPages(context_.get(), view_.get());
 }
@@ -101,10 +101,11 @@ void Page::requestOnceMore() {
   changed_();
 }
 
-// Of two requests that come while the web process starts the engine now and then drops both, without a word.
-// And a page whose script never ends also holds up the page that is to replace it: a web process that answers
-// nothing from one beat to the next is ended, once for each address. One that has had no page yet is held up
-// by none, only slow to start.
+// Works around two problems of the engine. First, it sometimes drops both of two requests that arrive while
+// the web process starts, without a signal; the request is then repeated. Second, a page with an endless
+// script also blocks the load of the next page. A web process that does not answer from one pulse to the next
+// is therefore terminated, once for each address. A process that has not loaded any page yet is exempt: it is
+// only slow to start.
 void Page::checkPulse() {
   if (requested_.empty()) return pulse_.reset();
   if (webkit_web_view_is_loading(view_.get()) == FALSE) return requestOnceMore();
@@ -138,7 +139,7 @@ void Page::resourceFinished(WebKitWebResource* resource, gpointer self) {
   pageOf(self).changed_();
 }
 
-// Once a load starts nothing more is heard of what the page before was loading.
+// After the start of a load, the engine reports no more events for the resources of the previous page.
 void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
   Page& page = pageOf(self);
   if (event == WEBKIT_LOAD_STARTED) {
@@ -150,7 +151,7 @@ void Page::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
   page.requestAnswered();
 }
 
-// A load that makes room for the next one is cancelled; any other failure is the answer.
+// A load that is replaced by the next one fails with "cancelled". Any other failure completes the request.
 gboolean Page::loadFailed(WebKitWebView*, WebKitLoadEvent, const char*, GError* error, gpointer self) {
   const bool isCancelled =
       g_error_matches(error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED) != FALSE;
@@ -158,14 +159,14 @@ gboolean Page::loadFailed(WebKitWebView*, WebKitLoadEvent, const char*, GError* 
   return FALSE;
 }
 
-// What comes before the load has started is the page's before.
+// Events before the start of the load belong to the previous page.
 void Page::requestAnswered() {
   if (!started_) return;
   requested_.clear();
   changed_();
 }
 
-// What was asked of the dead process is asked once more, of a new one.
+// Repeats the pending request once, in a new web process.
 void Page::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
   Page& page = pageOf(self);
   page.hasLoaded_ = false;

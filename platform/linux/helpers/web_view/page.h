@@ -10,18 +10,20 @@
 
 namespace helpers {
 
-// A web page that is never shown. It runs its scripts and keeps nothing beyond this process.
+// A web page that is never shown. It runs its scripts and stores nothing beyond this process. Main thread
+// only.
 class Page {
  public:
-  // The toolkit must have been initialised. Pages reach the network through `network` alone, which must
-  // outlive this object. `changed` is called when loading() may have changed.
+  // Requires an initialised GTK. Pages reach the network only through `network`, which must outlive this
+  // object. Calls `changed` when loading() may have changed.
   Page(FilterProxy& network, std::function<void()> changed);
   Page(const Page&) = delete;
   Page& operator=(const Page&) = delete;
 
-  // Replaces whatever the page shows or loads.
+  // Replaces the current page or load.
   void load(const std::string& address);
-  // Whether a page has been asked for and not come yet, or one of its scripts waits for a reply.
+  // Returns whether a requested page has not arrived yet, or the page or one of its scripts is loading
+  // something.
   [[nodiscard]] bool loading() const;
 
  private:
@@ -40,9 +42,9 @@ class Page {
 
   FilterProxy& network_;
   std::function<void()> changed_;
-  std::string requested_;   // until its page begins to come, or can't
-  bool hasLoaded_ = false;  // the web process has come as far as a page
-  bool started_ = false;    // a load has begun since it was requested
+  std::string requested_;   // set until the page begins to arrive or fails
+  bool hasLoaded_ = false;  // the web process has committed a load
+  bool started_ = false;    // a load has started since the request
   bool mayStartOver_ = false;
   bool answered_ = false;
   EventSource pulse_;

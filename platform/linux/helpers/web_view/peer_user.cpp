@@ -15,7 +15,8 @@ namespace {
 
 using NameOfEnd = int (*)(int, sockaddr*, socklen_t*);
 
-// As /proc/net/tcp writes an address: in the order of its bytes in memory; the port in the host's order.
+// Formats an address as /proc/net/tcp does: the IPv4 address as a number in memory byte order, the port in
+// host byte order.
 std::string endText(const platform::FileDescriptor& socket, NameOfEnd nameOfEnd) {
   sockaddr_in address{};
   socklen_t size = sizeof address;
@@ -27,7 +28,7 @@ std::string endText(const platform::FileDescriptor& socket, NameOfEnd nameOfEnd)
 
 }  // namespace
 
-// SO_PEERCRED is for Unix sockets alone.
+// Searches /proc/net/tcp, because SO_PEERCRED works only with Unix sockets.
 bool comesFromThisUser(const platform::FileDescriptor& client) {
   const std::string peer = endText(client, ::getpeername);
   const std::string own = endText(client, ::getsockname);

@@ -4,8 +4,8 @@
 
 namespace helpers {
 
-// Whether the other end of this accepted IPv4 connection is a socket of this process's own user, on this
-// machine. False if that can't be told. Any thread.
+// Returns whether the peer of this accepted IPv4 connection is a socket of this process's user on this
+// machine. Returns false if that cannot be determined. Thread-safe.
 [[nodiscard]] bool comesFromThisUser(const platform::FileDescriptor& client);
 
 }  // namespace helpers

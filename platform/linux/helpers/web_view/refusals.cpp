@@ -38,7 +38,7 @@ gboolean decide(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDeci
   return TRUE;
 }
 
-// Answered as by somebody who dismisses it, only that a page may always be left.
+// Dismisses dialogs, but confirms leaving the page.
 gboolean answerDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer) {
   if (webkit_script_dialog_get_dialog_type(dialog) == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
     webkit_script_dialog_confirm_set_confirmed(dialog, TRUE);
@@ -70,12 +70,12 @@ WebKitWebView* openNoWindow(WebKitWebView*, WebKitNavigationAction*, gpointer) {
   return nullptr;
 }
 
-// In place of the page that would tell people of the failure.
+// Suppresses the engine's error page.
 gboolean leaveFailedPage(WebKitWebView*, WebKitLoadEvent, const char*, GError*, gpointer) {
   return TRUE;
 }
 
-// For signals that show something: taken as shown. All of them pass one object.
+// For several signals that show something, all with one object as argument: claims that it has been shown.
 gboolean showNothing(WebKitWebView*, gpointer, gpointer) {
   return TRUE;
 }

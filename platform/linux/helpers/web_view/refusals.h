@@ -4,8 +4,9 @@
 
 namespace helpers {
 
-// Has the view fetch pages by http and https and refuse whatever else they ask for: other addresses, windows,
-// downloads, dialogs, permissions, passwords. Nothing of it waits for an answer.
+// Restricts the view to pages over http and https. Refuses everything else that pages request: other
+// addresses, windows, downloads, dialogs, permissions, passwords. Nothing blocks for an answer. Main thread
+// only.
 void refuseAllButPages(WebKitWebContext* context, WebKitWebView* view);
 
 }  // namespace helpers

@@ -15,7 +15,7 @@ bool isTemporary(int error) {
   return error == EAGAIN || error == EINTR;
 }
 
-// One way of a connection, with what has been read and not yet been written.
+// One direction of a connection and its buffer of bytes that have been read but not written.
 class Way {
  public:
   Way(int from, int to) : from_(from), to_(to) {}
@@ -24,7 +24,7 @@ class Way {
   [[nodiscard]] bool wantsToWrite() const { return begin_ < end_; }
   [[nodiscard]] bool isDone() const { return ended_ && begin_ == end_; }
 
-  // False if the way is broken.
+  // Reads and writes as far as possible without blocking. Returns false on an error.
   [[nodiscard]] bool move() {
     if (wantsToRead() && !read()) return false;
     return !wantsToWrite() || write();
@@ -58,7 +58,7 @@ short eventsFor(const Way& in, const Way& out) {
   return static_cast<short>((in.wantsToRead() ? POLLIN : 0) | (out.wantsToWrite() ? POLLOUT : 0));
 }
 
-// An end that wants nothing is left out: poll reports its hang-up whether or not it was asked for.
+// Ignores a socket without requested events (fd -1): poll would report its POLLHUP anyway, in a busy loop.
 pollfd watched(int socket, short events) {
   return {events == 0 ? -1 : socket, events, 0};
 }

@@ -4,9 +4,9 @@
 
 namespace helpers {
 
-// Hands the bytes of each of two stream sockets to the other until one of them fails, or has ended and all of
-// its bytes are handed on. No half-closed connection goes on: a client of HTTP that ends has left. Makes both
-// non-blocking.
+// Copies bytes between two stream sockets in both directions. Makes both non-blocking. Blocks until one
+// socket fails, or is at end-of-file and all of its bytes have been written. Half-closed connections are not
+// kept open, because an HTTP client that closes its side has left. Any thread.
 void relay(const platform::FileDescriptor& one, const platform::FileDescriptor& other);
 
 }  // namespace helpers

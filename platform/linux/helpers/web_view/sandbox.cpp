@@ -8,7 +8,7 @@
 namespace helpers {
 namespace {
 
-// The places at which the web engine looks for the two.
+// The paths at which the web engine looks for these programs.
 constexpr const char* lock = "/usr/bin/bwrap";
 constexpr const char* busProxy = "/usr/bin/xdg-dbus-proxy";
 

@@ -4,9 +4,9 @@
 
 namespace helpers {
 
-// Whether a web process can be locked in here, tried with the same programs and the same means: where it
-// can't, the web engine would end this process. Takes some ten milliseconds. `runtimeFolder` is the one that
-// the web process is to see.
+// Returns whether the sandbox of the web process works here, by a trial run of the same programs with the
+// same options: without a working sandbox, the engine would abort this process. Takes about 10 ms.
+// `runtimeFolder` is the folder that the web process is to see.
 [[nodiscard]] bool canLockInWebProcess(const std::filesystem::path& runtimeFolder);
 
 }  // namespace helpers

@@ -42,7 +42,8 @@ void Session::run() {
   g_main_loop_run(loop_.get());
 }
 
-// One read for each call of the loop, so that it never blocks. An address that came as one packet fits.
+// One read per event, so that it never blocks. The buffer holds the longest address, which the agent sends as
+// one packet.
 void Session::readInput() {
   std::vector<char> buffer(AddressLines::longestLine + 1);
   const ssize_t count = ::read(input_.get(), buffer.data(), buffer.size());
@@ -76,8 +77,8 @@ void Session::waitForEnd() {
   alarm_.reset(g_timeout_add(static_cast<guint>(std::max<std::int64_t>(rest, 0)), +timeIsUp, this));
 }
 
-// No address gets lost between the end of the patience and the end of the process: from the shutdown on the
-// agent's writes fail, so that it starts a new helper, and what came before is read up to the input's end.
+// No address is lost between the decision to end and the end of the process. After shutdown(SHUT_RD) the
+// agent's writes fail, so that it starts a new helper; addresses sent before are read up to end-of-file.
 void Session::endOrTakeLeave() {
   if (!leaving_ && ::shutdown(input_.get(), SHUT_RD) == 0) {
     leaving_ = true;

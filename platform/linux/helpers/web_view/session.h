@@ -12,8 +12,8 @@
 
 namespace helpers {
 
-// The helper's life: loads what comes in on `input` until nothing is left to wait for, or a signal asks for
-// the end.
+// Main loop of the helper: loads the addresses that arrive on `input` until the lifetime is over or SIGTERM,
+// SIGINT or SIGHUP arrives. Main thread only.
 class Session {
  public:
   // Pages reach the network through `network`, which must outlive this object.

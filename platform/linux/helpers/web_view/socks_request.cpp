@@ -20,7 +20,7 @@ constexpr char connectCommand = 1;
 
 enum AddressType : unsigned char { Address4 = 1, Name = 3, Address6 = 4 };
 
-// Exactly so many bytes.
+// Reads exactly `count` bytes.
 std::optional<std::string> readBytes(const FileDescriptor& client, std::size_t count) {
   std::string bytes(count, '\0');
   if (count == 0) return bytes;
@@ -28,7 +28,7 @@ std::optional<std::string> readBytes(const FileDescriptor& client, std::size_t c
   return got == static_cast<ssize_t>(count) ? std::optional(bytes) : std::nullopt;
 }
 
-// So many bytes as a byte before them says.
+// Reads a length byte and that many bytes.
 std::optional<std::string> readCounted(const FileDescriptor& client) {
   const auto count = readBytes(client, 1);
   return count ? readBytes(client, static_cast<unsigned char>(count->front())) : std::nullopt;
@@ -76,7 +76,7 @@ std::optional<std::string> readHost(const FileDescriptor& client, char type) {
   }
 }
 
-// Anything else would change the meaning of the addresses and requests that the user's proxy gets.
+// Other characters could change the meaning of the addresses and requests that the user's proxy receives.
 bool isHost(std::string_view text) {
   constexpr std::string_view characters =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-_:";

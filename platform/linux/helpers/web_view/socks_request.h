@@ -12,9 +12,9 @@ inline constexpr std::string_view socksUser = "view";
 
 enum class SocksReply : unsigned char { Connected = 0, Refused = 2, Unreachable = 4 };
 
-// The server's side of SOCKS 5 (RFC 1928) up to the request, with a user's name and password (RFC 1929).
-// Waits for the client, half a minute for each of its messages. Returns nothing if the client leaves, gives
-// another name or password, asks for anything but a connection, or names a host that is none.
+// Server side of SOCKS 5 (RFC 1928) up to the request, with username/password authentication (RFC 1929).
+// Blocks up to 30 s for each read. Returns nullopt if the client disconnects, fails the authentication,
+// requests another command than CONNECT, or names an invalid host. Thread-safe.
 [[nodiscard]] std::optional<Endpoint> readSocksRequest(const platform::FileDescriptor& client,
                                                        std::string_view password);
 [[nodiscard]] bool sendSocksReply(const platform::FileDescriptor& client, SocksReply reply);

@@ -6,7 +6,8 @@
 
 namespace helpers {
 
-// Starts `work` on a thread of its own. Returns an empty thread if the system has none left. Any thread.
+// Starts `work` on a new thread. Returns a thread that is not joinable if the system cannot start one.
+// Thread-safe.
 template <typename Work>
 [[nodiscard]] std::thread startThread(Work work) {
   try {

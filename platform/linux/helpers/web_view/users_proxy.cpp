@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::chrono::seconds timeout{20};
 
-// The scheme decides which of the user's proxies it is.
+// The scheme selects the proxy variable: https_proxy or http_proxy.
 std::string addressOf(const Endpoint& target) {
   const std::string scheme = target.port == 443 ? "https://" : "http://";
   const bool isAddress6 = target.host.find(':') != std::string::npos;
@@ -40,7 +40,7 @@ std::optional<platform::FileDescriptor> connectThroughUsersProxy(const Endpoint&
   g_socket_client_set_timeout(client.get(), timeout.count());
   const ObjectPointer<GSocketConnection> connection(
       g_socket_client_connect_to_uri(client.get(), address.c_str(), target.port, nullptr, nullptr));
-  // A connection to the proxy that is itself by TLS has no descriptor of plain bytes.
+  // A connection over TLS to the proxy has no descriptor for plaintext.
   if (!connection || G_IS_TCP_WRAPPER_CONNECTION(connection.get())) return platform::FileDescriptor();
   const int socket = g_socket_get_fd(g_socket_connection_get_socket(connection.get()));
   return platform::FileDescriptor(::fcntl(socket, F_DUPFD_CLOEXEC, 0));

@@ -7,9 +7,9 @@
 
 namespace helpers {
 
-// Returns a connection to the endpoint through the proxy that the user's environment names for it: none if it
-// names none, an invalid descriptor if the proxy can't be reached, refuses, or is itself one by TLS. Blocks.
-// Any thread.
+// Returns a connection to the endpoint through the proxy that the user's environment sets for it; nullopt if
+// none is set; an invalid descriptor if the proxy cannot be reached, refuses, or itself requires TLS. Blocks.
+// Thread-safe.
 [[nodiscard]] std::optional<platform::FileDescriptor> connectThroughUsersProxy(const Endpoint& target);
 
 }  // namespace helpers

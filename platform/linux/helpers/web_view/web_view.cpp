@@ -30,7 +30,7 @@ constexpr char usage[] =
     "was loaded or, where that never comes to an end, 60 seconds after its address came; at the end of the\n"
     "input once the page has been loaded, and 10 seconds after it at the latest.\n";
 
-// Nothing that is started later may hold the input open.
+// Moves the input to a close-on-exec descriptor, so that no child process keeps it open.
 platform::FileDescriptor takeInput() {
   platform::FileDescriptor input(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
   const platform::FileDescriptor nothing(::open("/dev/null", O_RDONLY | O_CLOEXEC));
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
     return helpers::refuse(program, refusal->reason);
   }
-  // The folder in which the agent was started stays free to go.
+  // Leaves the agent's working directory, so that its file system can be unmounted.
   if (::chdir("/") != 0) return helpers::fail(program, "there is no root folder");
   return serve(std::get<helpers::ServeAddresses>(request));
 }
