@@ -34,7 +34,7 @@ bool DesktopSession::eventFilter(QObject* receiver, QEvent* event) {
     ended_();
     return true;
   }
-  // The lost connection stays readable forever; without this, its notifier would fire in a busy loop.
+  // The lost connection stays readable: an enabled notifier for it would fire in a busy loop.
   if (event->type() == QEvent::SockAct && lostConnection >= 0) {
     auto* notifier = qobject_cast<QSocketNotifier*>(receiver);
     if (notifier == nullptr || notifier->socket() != lostConnection) return false;

@@ -17,8 +17,9 @@ class SingleInstance {
   SingleInstance();
   ~SingleInstance();
 
-  // Returns whether this process holds the lock. Also returns true if the lock file cannot be opened or
-  // locked for another reason than a second holder, so that the program still works.
+  // Returns whether this process is the first one, which holds the lock. Also returns true if the lock file
+  // cannot be opened or flock(2) fails with another error than EWOULDBLOCK, so that the program works without
+  // a lock.
   [[nodiscard]] bool isFirst() const { return first_; }
 
   // First process: takes the bus name and calls `reopened` from the run loop for each Activate call. Returns

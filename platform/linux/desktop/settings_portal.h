@@ -15,7 +15,7 @@ namespace platform {
 class SettingsPortal : public QObject {
   Q_OBJECT
  public:
-  // The instance subscribes to changes on first use and is never destroyed.
+  // Returns the only instance, which subscribes to changes on first use and is never destroyed.
   [[nodiscard]] static SettingsPortal& shared();
 
   // Reads the preference from the portal. Blocks for at most 500 ms. Returns false if there is no answer.

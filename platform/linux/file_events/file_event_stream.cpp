@@ -77,7 +77,8 @@ void FileEventStream::Impl::wake() {
   if ((!batch.empty() || rootIsAway) && !latency.isActive()) latency.start();
 }
 
-// Reads the tree's events first: a folder's entries are removed before the folder itself.
+// Reads the events of the tree before those of the root: the entries of a folder are removed before the
+// folder itself.
 void FileEventStream::Impl::takeIn() {
   if (tree->takeChanges([this](const std::string& folder) { note({folder, 0}); })) {
     treeIsIncomplete = true;

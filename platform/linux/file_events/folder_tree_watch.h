@@ -9,7 +9,7 @@
 namespace platform {
 
 // Reports the folders of a tree in which entries are created, deleted, moved, written to or change
-// attributes. Does not follow links, except for the root. Any thread, one at a time.
+// attributes. Does not follow links, except for the root. Usable on any thread, one at a time.
 class FolderTreeWatch {
  public:
   // Watches the tree breadth-first, as far as the inotify limits allow.

@@ -9,7 +9,7 @@
 
 namespace platform {
 
-// An inotify instance: its watches and its event queue. Any thread, one at a time.
+// An inotify instance: its watches and its event queue. Usable on any thread, one at a time.
 class Inotify {
  public:
   struct Notice {

@@ -15,8 +15,8 @@ namespace fs = std::filesystem;
 
 constexpr std::uint32_t itself = IN_MOVE_SELF | IN_DELETE_SELF;
 constexpr std::uint32_t rootItself = itself | IN_ONLYDIR | IN_MASK_ADD;
-// Events for a folder whose child does not report its own deletion. Not used for other folders: entries of a
-// folder such as /tmp come and go all the time.
+// Events on the entries of a folder, for the case that a child does not report its own removal. Not used for
+// all folders: the entries of a folder such as /tmp change all the time.
 constexpr std::uint32_t itsEntries = IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE;
 
 }  // namespace
@@ -64,9 +64,10 @@ bool RootWatch::watchWay() {
   return watchesAny_;
 }
 
-// Adds itsEntries to the parents of three kinds of folders: the root, whose IN_DELETE_SELF is delayed while a
-// process holds it open (the other ancestors must be empty before they can be removed); links, which raise no
-// events; and folders that cannot be watched (EACCES).
+// Adds itsEntries to the parent of a folder that may not report its own removal: the root, whose
+// IN_DELETE_SELF is delayed while a process holds it open; a link, which raises no events; a folder that
+// cannot be watched (EACCES). The other ancestors need no itsEntries: they can be removed only when they are
+// empty, after the root.
 bool RootWatch::watchFoldersOf(const fs::path& way) {
   std::uint32_t mask = itself;
   for (fs::path folder = way;; folder = folder.parent_path()) {

@@ -10,7 +10,7 @@
 
 namespace platform {
 
-// Detects that a path leads to another folder than at first, or to none. Any thread, one at a time.
+// Detects that a path leads to another folder than at first, or to none. Usable on any thread, one at a time.
 class RootWatch {
  public:
   // `path` must be absolute. Returns nullopt if it leads to no folder, or if neither the folder nor an

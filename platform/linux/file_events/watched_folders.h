@@ -8,7 +8,7 @@
 namespace platform {
 
 // Bidirectional map between watch descriptors and folder paths, for trees of tens of thousands of folders.
-// Any thread, one at a time.
+// Usable on any thread, one at a time.
 class WatchedFolders {
  public:
   // Inserts the pair and replaces earlier entries of this watch or this path.

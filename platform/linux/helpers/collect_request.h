@@ -9,8 +9,8 @@
 
 namespace helpers {
 
-// Copies the files of `source` whose names match `pattern` to the folder `target`, the newest first, up to
-// `limit` bytes in total. With a `name`, copies only the newest one, under that name.
+// Request to copy the files of `source` whose names match `pattern` to the folder `target`, the newest first,
+// up to `limit` bytes in total. With a `name`, only the newest file is copied, under that name.
 struct CopyFiles {
   // Treatment of a file that exceeds the rest of the limit: it is left out, or its end is copied.
   enum class Oversized { LeftOut, CutToItsEnd };
@@ -23,8 +23,8 @@ struct CopyFiles {
   std::string name;
 };
 
-// Runs `command` with a number of entries as its last argument, for at most `patience`, and keeps the last
-// `limit` bytes of its output as the file `name` in the folder `target`.
+// Request to run `command` with a number of entries as its last argument, for at most `patience`, and to keep
+// the last `limit` bytes of its output as the file `name` in the folder `target`.
 struct KeepOutput {
   std::int64_t limit = 0;
   std::chrono::seconds patience{};
@@ -33,8 +33,8 @@ struct KeepOutput {
   Arguments command;
 };
 
-// Runs `command`, which packs the contents of the folder `source`, and keeps its output as the file `name` in
-// the folder `target`.
+// Request to run `command`, which packs the contents of the folder `source`, and to keep its output as the
+// file `name` in the folder `target`.
 struct KeepArchive {
   std::string source;
   std::string target;

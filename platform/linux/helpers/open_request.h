@@ -8,13 +8,13 @@
 
 namespace helpers {
 
-// Starts the program of this bundle with these arguments.
+// Request to start the program of this bundle with these arguments.
 struct OpenBundle {
   std::string path;
   Arguments arguments;
 };
 
-// Opens the URL or file with the desktop's program for it.
+// Request to open a URL, or a file, with the desktop's program for it.
 struct OpenUrl {
   std::string url;
 };

@@ -8,7 +8,7 @@
 
 namespace helpers {
 
-// `unload` of the launch agent with this label.
+// Request to unload the launch agent with this label.
 struct UnloadRequest {
   std::string label;
 };

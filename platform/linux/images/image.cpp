@@ -37,8 +37,8 @@ QImage emptyForm(Size size, double scale) {
   const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
   if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
   const auto columns = static_cast<int>(width), rows = static_cast<int>(height);
-  // All zeros are transparent. calloc maps zero pages on demand, so a canvas that is overwritten at once
-  // costs no clearing.
+  // All-zero pixels are transparent. calloc provides pages that the kernel zeroes on first access, so no time
+  // is spent on clearing a canvas that is overwritten at once.
   auto* pixels = static_cast<uchar*>(
       std::calloc(static_cast<std::size_t>(rows), static_cast<std::size_t>(columns * bytesOfPixel)));
   if (pixels == nullptr) return {};

@@ -29,10 +29,11 @@ struct Image::Impl {
   // Bitmap representations in ascending order of width; empty if the image is not valid.
   std::vector<QImage> forms;
 
-  // For valid images only. Return: the representation for a width of `pixelsAcross` pixels; the factor, at
-  // most 1, that fits the image into `room` in points; the image scaled to exactly `pixels`.
+  // Returns the representation for a width of `pixelsAcross` pixels. The image must be valid.
   [[nodiscard]] const QImage& formFor(double pixelsAcross) const { return formAmong(forms, pixelsAcross); }
+  // Returns the factor, at most 1, that fits the image into `room`, in points. The image must be valid.
   [[nodiscard]] double shrinkInto(Size room) const;
+  // Returns the image scaled to exactly `pixels`. The image must be valid.
   [[nodiscard]] QImage scaledTo(QSize pixels) const;
   // Returns the most detailed representation with the device pixel ratio at which it measures `size`. Returns
   // a null pixmap if the image is not valid.

@@ -5,8 +5,8 @@ namespace {
 
 // Command templates. Placeholders: maximum bytes (%b), program (%p), folder (%f), archive name (%n).
 constexpr std::string_view programLogs = "collectlogs newest %b /var/log '%p*.log' %f";
-// Limited with -n, because printing the newest 200,000 journal entries takes seconds, but all of them up to
-// half a minute.
+// collectlogs appends the number of entries to -n, at most 200,000. Printing these takes seconds; printing a
+// whole journal can take half a minute.
 constexpr std::string_view systemLog =
     "export SYSTEMD_COLORS=0 SYSTEMD_URLIFY=0; "
     "collectlogs output %b 20 %f system.log journalctl -q -b --no-pager -n || "

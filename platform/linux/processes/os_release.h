@@ -8,7 +8,7 @@
 namespace platform {
 
 // Returns the value of `key` in a file of os-release(5), without quotes and escapes; nullopt if there is no
-// such key. Any thread, one at a time per stream.
+// such key. Thread-safe for distinct streams.
 [[nodiscard]] std::optional<std::string> osReleaseValue(std::istream& file, std::string_view key);
 
 }  // namespace platform

@@ -5,9 +5,9 @@
 
 namespace platform {
 
-// Returns the folder for files that live as long as the agent's process: TovalinTray in $XDG_RUNTIME_DIR or
-// in /run/user/UID, else /tmp/TovalinTray-UID. Creates it with mode 0700 if it does not exist. Returns
-// nullopt if it cannot be created, is not owned by this user, or is writable by others. Thread-safe.
+// Returns the folder for files that exist only while the agent runs: TovalinTray in $XDG_RUNTIME_DIR or in
+// /run/user/UID, else /tmp/TovalinTray-UID. Creates it with mode 0700 if it does not exist. Returns nullopt
+// if it cannot be created, is not owned by this user, or is writable by others. Thread-safe.
 [[nodiscard]] std::optional<std::string> privateFolder();
 
 // Returns the path of that folder, whether or not it exists. Thread-safe.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* variable = "XDG_RUNTIME_DIR";
 
-// A path at which nobody, not even root, can create a folder.
+// A path at which no user, not even root, can create a folder.
 constexpr const char* nowhere = "/proc/nowhere";
 
 // The same check as in Qt, which also refuses a link to a folder.

@@ -25,8 +25,8 @@ class PushButton : public BezelButton {
   PushButton() {
     setFont(systemFont(font(), titleSize));
     setAutoDefault(true);  // Return clicks the focused button
-    // A press through an accessibility interface emits clicked() after a delay. Check at both signals whether
-    // the button accepts input.
+    // An accessibility interface emits clicked() some time after pressed(). Check at both signals whether the
+    // button accepts input.
     connect(this, &QPushButton::pressed, this, [this] { mayAct_ = takesInput(*this); });
     connect(this, &QPushButton::clicked, this, [this] { act(); });
   }

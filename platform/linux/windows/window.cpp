@@ -256,7 +256,7 @@ Window::Window(Rect contentRect, WindowStyle style) : impl_(std::make_unique<Imp
 
 Window::~Window() {
   impl_.reset();
-  // Returns the free pages that images and widgets leave in the heap to the system.
+  // Returns free heap pages to the system: the destroyed images and widgets leave many behind.
   ::malloc_trim(0);
 }
 

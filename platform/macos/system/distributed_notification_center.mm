@@ -15,8 +15,8 @@ DistributedNotificationCenter& DistributedNotificationCenter::defaultCenter() {
   return center;
 }
 
-// The center does not retain its observers. The action is never released, so that it lives as long as the
-// process.
+// The center does not retain its observers. The action is never released, so that it stays valid until the
+// process ends.
 void DistributedNotificationCenter::addObserver(std::string_view name, std::function<void()> observer) {
   const AutoreleasePool pool;
   TovalinAction* action = makeAction(std::move(observer));

@@ -22,7 +22,7 @@ class ModalStack;
 // would nest in it.
 class PostedWork {
  public:
-  // Main thread only. Lives as long as the process. `modalRuns` must outlive this object.
+  // Main thread only. The object must never be destroyed. `modalRuns` must outlive it.
   explicit PostedWork(const ModalStack& modalRuns);
   PostedWork(const PostedWork&) = delete;
   PostedWork& operator=(const PostedWork&) = delete;

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 constexpr std::string_view folderName = "TovalinWebView.";
 constexpr int tries = 5;
 
-// A path at which nobody, not even root, can create a folder.
+// A path at which no user, not even root, can create a folder.
 constexpr const char* nowhere = "/proc/nowhere";
 
 void set(const char* name, const std::string& value) {

@@ -30,9 +30,9 @@ class FilterProxy {
   // other programs of this user.
   [[nodiscard]] const std::string& address() const { return address_; }
 
-  // Sets the origin of the page to be loaded; nullopt for none. Connections to the origin may go to any
-  // address, but only to the one of the first established connection from then on, as protection against DNS
-  // rebinding. Parallel first connections use the same answer of the resolver. Thread-safe.
+  // Sets the origin of the page to be loaded; nullopt for none. The first connection to the origin may go to
+  // any address; later ones may go only to that address, as protection against DNS rebinding. Connections
+  // made in parallel with the first one use the same answer of the resolver. Thread-safe.
   void setOrigin(std::optional<Endpoint> origin);
 
  private:

@@ -21,7 +21,7 @@ class Lifetime {
 
   // The load of a new address begins.
   void addressCame(Clock::time_point now);
-  // `loading` tells whether the page or one of its scripts is loading anything.
+  // `loading` is true while the page or one of its scripts loads anything.
   void loadingIs(bool loading, Clock::time_point now);
   void inputEnded(Clock::time_point now);
 

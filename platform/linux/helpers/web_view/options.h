@@ -7,7 +7,7 @@
 
 namespace helpers {
 
-// Loads incoming addresses, and ends when none has arrived for `idle`.
+// Request to load incoming addresses and to end when none has arrived for `idle`.
 struct ServeAddresses {
   std::chrono::seconds idle{15};
 };

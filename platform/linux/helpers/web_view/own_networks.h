@@ -16,8 +16,9 @@ struct Network {
   bool operator==(const Network&) const = default;
 };
 
-// Returns what is reachable without a router: this machine's addresses, the networks of its interfaces, and
-// the peers of its point-to-point interfaces. Returns nullopt if getifaddrs(3) fails. Thread-safe.
+// Returns the addresses that are reachable without a router: this machine's addresses, the networks of its
+// interfaces, and the peers of its point-to-point interfaces. Returns nullopt if getifaddrs(3) fails.
+// Thread-safe.
 [[nodiscard]] std::optional<std::vector<Network>> ownNetworks();
 
 // Returns whether one of the networks contains this IPv4 or IPv6 address, or the IPv4 address embedded in it.

@@ -48,7 +48,7 @@ std::optional<Endpoint> originOf(const std::string& address) {
   return endpointOf(host, std::string_view(scheme) == "https" ? 443 : 80);
 }
 
-// Disables everything that only serves to be seen or heard.
+// Disables features that have an effect only if the page is seen or heard.
 ObjectPointer<WebKitSettings> makeSettings() {
   return ObjectPointer<WebKitSettings>(webkit_settings_new_with_settings(
       "hardware-acceleration-policy", WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER, "enable-webgl", FALSE,
