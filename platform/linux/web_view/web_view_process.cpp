@@ -103,7 +103,8 @@ bool WebViewProcess::isStuck() {
   return unreadSince_ && Clock::now() - *unreadSince_ > patience_;
 }
 
-// Returns whether the child has not been reaped, so that its pid cannot have been reused.
+// Returns whether the program may still run. If so, it has not been reaped, and its pid cannot have been
+// reused.
 bool WebViewProcess::isRunning() const {
   if (handle_ != nullptr && handle_->valid()) return !hasEnded(*handle_);
   return std::ranges::find(unwatched_, pid_) != unwatched_.end();

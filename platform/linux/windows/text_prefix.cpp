@@ -7,7 +7,8 @@
 namespace platform {
 namespace {
 
-// Cuts before the last code point that does not fit into `length` bytes. Cuts malformed UTF-8 anywhere.
+// Returns the longest prefix of at most `length` bytes that ends at a code point boundary. Cuts malformed
+// UTF-8 anywhere.
 std::string_view cutToBytes(std::string_view text, std::size_t length) {
   if (text.size() <= length) return text;
   constexpr std::size_t maxContinuations = 3;

@@ -43,7 +43,7 @@ QRect movedInto(const QRect& room, QRect place) {
   return place;
 }
 
-// Without a close control in the title bar, ignores all close requests.
+// A window without a close control in its title bar ignores all close requests.
 class WindowWidget : public QWidget {
  public:
   Window::Impl* owner = nullptr;

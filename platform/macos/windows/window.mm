@@ -124,7 +124,7 @@ void Window::Impl::keepForSheet(NSAlert* alert, TovalinAction* action) {
   keptForSheets.push_back({retained(alert), retained(action)});
 }
 
-// The action that is being performed may be among them; autorelease keeps it until the call returns.
+// The action that is being performed may be among those dropped; autorelease keeps it until its call returns.
 void Window::Impl::dropForSheet(NSAlert* alert) {
   for (const SheetPart& part : keptForSheets) {
     if (part.alert.get() == alert) [[part.action.get() retain] autorelease];

@@ -75,7 +75,8 @@ gboolean leaveFailedPage(WebKitWebView*, WebKitLoadEvent, const char*, GError*, 
   return TRUE;
 }
 
-// For several signals that show something, all with one object as argument: claims that it has been shown.
+// Handles several signals that ask the view to show something, each with one object as argument. TRUE claims
+// that it has been shown.
 gboolean showNothing(WebKitWebView*, gpointer, gpointer) {
   return TRUE;
 }
