@@ -10,10 +10,10 @@ namespace platform {
 
 class Window;
 
-// What a sheet's end tells of the first button; the second is one more, and so on.
+// The value that `didEnd` receives for the first button. Each further button has the next number.
 inline constexpr int alertFirstButtonReturn = 1000;
 
-// A question to the user. Main thread only.
+// A question to the user, shown as a sheet. Main thread only.
 class Alert {
  public:
   enum class Style { Warning = 0 };
@@ -23,22 +23,24 @@ class Alert {
   Alert(const Alert&) = delete;
   Alert& operator=(const Alert&) = delete;
 
-  // The first one added is the default, which Return presses; Escape presses the one titled "Cancel", or else
-  // the one titled "Close". Without any there is an "OK".
+  // Adds a button. Return presses the first button; Escape presses the button titled "Cancel" or, without
+  // one, the button titled "Close". An alert without buttons shows "OK".
   void addButton(std::string_view title);
   void setMessageText(std::string_view text);
-  // Warning is the one of a new alert. No effect on Linux, where alerts look alike; kept for systems whose
-  // alerts differ by it.
+  // A new alert has the style Warning. No effect on Linux, where all alerts look alike; kept for systems
+  // whose alerts differ by style.
   void setAlertStyle(Style style);
-  // Shown at 64 points at most, whatever its size. nullptr for none.
+  // The icon is scaled down to at most 64 points. nullptr shows no icon.
   void setIcon(std::shared_ptr<Image> icon);
 
-  // Hangs the question as it is now on the window's upper edge, inside its content, and returns at once; the
-  // alert itself may go. Until it is answered the window's other contents take no input and its close control
-  // does nothing; other windows go on. A question that is hung on a window with one waits its turn.
+  // Shows the alert, with its present contents, as a sheet at the upper edge of the window's content area and
+  // returns at once. The alert object may be destroyed immediately. Until the user answers, the rest of the
+  // window takes no input and its close control does nothing; other windows are unaffected. If the window
+  // already has a sheet, this one is shown after it.
   //
-  // `didEnd` is called by the run loop once the sheet has gone, with the number of the button. It may hang up
-  // the next. It is not called when the window is closed or goes away first, or the program ends.
+  // The run loop calls `didEnd` with the number of the pressed button after the sheet has been removed.
+  // `didEnd` may begin another sheet. It is not called if the window is closed or destroyed first, or if the
+  // program ends.
   void beginSheetModalForWindow(const std::shared_ptr<Window>& window, std::function<void(int)> didEnd);
 
  private:

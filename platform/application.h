@@ -10,66 +10,69 @@ namespace platform {
 
 class Window;
 
-// What the run loop asks of the program, always on the main thread.
+// Callbacks of the run loop. All are called on the main thread.
 class ApplicationDelegate {
  public:
   virtual ~ApplicationDelegate() = default;
-  // The delegate has been made; nothing else has happened yet.
+  // Called first, right after the delegate was created.
   virtual void awakeFromNib() = 0;
-  // The run loop is up. Called once, as its first event.
+  // Called once, as the first event of the run loop.
   virtual void applicationDidFinishLaunching() = 0;
-  // The program was started a second time; that second process has already left.
+  // Called when the program was started a second time. The second process has already ended.
   virtual void applicationShouldHandleReopen() = 0;
-  // The process is about to end, for whatever cause. Called once.
+  // Called once before the process ends, for whatever reason.
   virtual void applicationWillTerminate() = 0;
 };
 
-// What ApplicationMain needs to know of the program it runs.
+// What ApplicationMain needs from the program.
 struct ApplicationRegistration {
   std::unique_ptr<ApplicationDelegate> (*makeDelegate)();
-  // Judges the command line (without the program's name) before anything else: the status to end with, or
-  // nothing to go on.
+  // Examines the command line (without the program's name) before anything else happens. Returns the exit
+  // status if the process is to end, else nullopt.
   std::optional<int> (*handleArguments)(std::span<const std::string_view> arguments);
 };
 
-// The program defines this, and platform code asks nothing else of it.
+// Defined by the program. This is the only function of the program that platform code calls.
 [[nodiscard]] const ApplicationRegistration& applicationRegistration();
 
-// Runs the program: arguments, single instance, delegate, run loop. Returns only what handleArguments
-// decided, 0 for a second start, which brings the running instance forward, and 1 when there is nothing to
-// run on (then said on standard error). Otherwise the process ends in Application::terminate. Call it first
-// thing in main.
+// Runs the program: examines the arguments, takes the single-instance lock, creates the delegate and runs the
+// run loop. Call it first in main.
+//
+// Returns the status that handleArguments returned; 0 if an instance is already running, which is brought
+// forward; 1 if there is no display to run on, after printing an error on standard error. Otherwise the
+// process ends in Application::terminate.
 int ApplicationMain(int argc, char** argv);
 
-// The running program. Main thread only, unless said otherwise.
+// The running program. Main thread only, unless noted otherwise.
 class Application {
  public:
   [[nodiscard]] static Application& sharedApplication();
 
-  // Has the run loop call `work` on the main thread, after what was posted before. Any thread; returns at
-  // once.
+  // Queues `work` for the run loop of the main thread, in the order of the calls. Returns at once.
+  // Thread-safe.
   void performOnMainThread(std::function<void()> work);
 
-  // Serves events until this run is stopped: a run loop inside the caller. Its window, which should be on
-  // screen, takes the input that goes to the program's windows; posted work, timers and the status menu go
-  // on. Runs nest. Hiding the window ends no run, and a run whose window is hidden keeps input from none.
+  // Runs a nested run loop until stopModal ends it. While the window is visible, it takes all input meant for
+  // the program's windows. Posted work, timers and the status menu keep working. Modal runs may be nested.
+  // Hiding the window neither ends the run nor blocks input to other windows.
   void runModalForWindow(std::shared_ptr<Window> window);
-  // Stops the innermost run, which returns to its caller once control is back in it. Nothing when there is
-  // none.
+  // Stops the innermost modal run. runModalForWindow returns once control is back in that run. Does nothing
+  // if there is no modal run.
   void stopModal();
 
-  // Brings the program's windows back that are hidden while it is inactive, all its windows to the front, and
-  // asks for the keyboard for them; unless `flag` says otherwise, also while another program has it.
+  // Shows the program's windows that were hidden because it was inactive, raises all its windows and requests
+  // the input focus for them. With `flag` false, does not take the focus from another program.
   void activateIgnoringOtherApps(bool flag = true);
 
-  // Lets the delegate do its applicationWillTerminate, then ends the process with status 0 from however deep
-  // in the run loop. Threads that still run are not waited for, and no static destructor runs below them.
+  // Calls the delegate's applicationWillTerminate, then ends the process with status 0. May be called from
+  // any depth of nested run loops. Does not wait for other threads and runs no static destructors.
   [[noreturn]] void terminate();
 
-  // Whether windows, menus and status items can still be touched; false once the display is lost.
+  // Returns whether windows, menus and status items may still be used; false once the connection to the
+  // display is lost.
   [[nodiscard]] bool hasDisplay() const;
 
-  struct Impl;  // for the bodies of platform/ alone
+  struct Impl;  // for implementations in platform/ only
   [[nodiscard]] Impl& impl() const { return *impl_; }
 
  private:

@@ -8,30 +8,31 @@
 
 namespace platform {
 
-// A program's bundle: the folder NAME.app that holds it with its resources and its Info.plist. A value type,
-// any thread.
+// An application bundle: the folder NAME.app, which holds the program, its resources and its Info.plist. A
+// value type; usable on any thread.
 class Bundle {
  public:
-  // The bundle of the running program, found from its executable's own path NAME.app/Contents/MacOS/PROGRAM.
-  // Nothing when the executable doesn't stand in such a place.
+  // Returns the bundle of the running program, derived from the path of the executable,
+  // NAME.app/Contents/MacOS/PROGRAM. Returns nullopt if the executable is not in such a place.
   [[nodiscard]] static std::optional<Bundle> mainBundle();
 
-  // That bundle's Info.plist, read once, at the first call: an update of the bundle in place or its removal
-  // changes nothing for the running program. Nullopt if it can't be read or is no dictionary.
+  // Returns the Info.plist of the main bundle, read once at the first call, so that an update or removal of
+  // the bundle does not affect the running program. Returns nullopt if it cannot be read or is not a
+  // dictionary.
   [[nodiscard]] static const std::optional<PropertyList>& mainInfoDictionary();
 
-  // The text `key` of that dictionary; nullopt if there is none.
+  // Returns the text `key` of that dictionary; nullopt if there is none.
   [[nodiscard]] static std::optional<std::string> mainBundleText(std::string_view key);
 
   explicit Bundle(std::string path) : path_(std::move(path)) {}
 
-  // Absolute, without a slash at its end.
+  // An absolute path without a trailing slash.
   [[nodiscard]] const std::string& bundlePath() const { return path_; }
 
-  // The file `name` in Contents/Resources, whether or not it exists.
+  // Returns the path of the file `name` in Contents/Resources, whether or not it exists.
   [[nodiscard]] std::string pathForResource(std::string_view name) const;
 
-  // Contents/Info.plist, read anew; nothing when it can't be read or is no dictionary.
+  // Reads Contents/Info.plist at each call. Returns nullopt if it cannot be read or is not a dictionary.
   [[nodiscard]] std::optional<PropertyList> infoDictionary() const;
 
  private:

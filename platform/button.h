@@ -7,23 +7,23 @@
 
 namespace platform {
 
-// A push button. Its bezel stands in the middle of its frame, with some room around it. Main thread only.
+// A push button. Its bezel is centred in its frame with a margin around it. Main thread only.
 class Button : public View {
  public:
   enum class BezelStyle { Rounded = 1 };
 
   explicit Button(Rect frame);
 
-  // Also what people who can't see the button are told it is.
+  // Sets the title, which is also the accessible name.
   void setTitle(std::string_view title);
-  // A disabled button is dimmed and does nothing.
+  // A disabled button is drawn dimmed and takes no input.
   void setEnabled(bool enabled);
   [[nodiscard]] bool isEnabled() const;
-  // Rounded is the one of a new button. No effect on Linux, which has this bezel alone; kept for systems with
-  // several.
+  // A new button has the style Rounded. No effect on Linux, where this is the only style; kept for systems
+  // with several.
   void setBezelStyle(BezelStyle style);
-  // Called at each click, and for Return or the space bar while the button has the keyboard. It may take as
-  // long as it likes and may close the window.
+  // Sets the function to call when the button is clicked, or when Return or the space bar is pressed while it
+  // has the input focus. The function may block and may close the window.
   void setAction(std::function<void()> action);
 };
 

@@ -4,12 +4,12 @@
 
 namespace platform {
 
-// The wall clock, broken down in the local time zone, to the second. All zero when the system can't break it
-// down (a year beyond its integers). Any thread.
+// Returns the wall-clock time in the local time zone, to the second. Returns all zeros if localtime_r(3)
+// fails (EOVERFLOW). Thread-safe.
 [[nodiscard]] std::tm currentLocalTime();
 
-// Has the clock follow when the system's time zone has been changed since the start. Costs a look at the
-// system's file. Any thread.
+// Calls tzset(3), so that later calls use a system time zone that was changed since the start. Checks the
+// system's time zone file. Thread-safe.
 void noticeTimeZone();
 
 }  // namespace platform

@@ -2,7 +2,7 @@
 
 namespace platform {
 
-// A calibrated colour (sRGB); each part runs from 0 to 1. A value, any thread.
+// A calibrated colour (sRGB) with components from 0 to 1. A value type; usable on any thread.
 struct Color {
   double red = 0;
   double green = 0;
@@ -11,7 +11,8 @@ struct Color {
   bool operator==(const Color&) const = default;
 };
 
-// The colour of this hue (a part of the full circle), saturation and brightness, each from 0 to 1.
+// Returns the colour of this hue (as a fraction of the full circle), saturation and brightness, each from 0
+// to 1.
 [[nodiscard]] Color colorFromHsb(double hue, double saturation, double brightness, double alpha = 1);
 
 [[nodiscard]] constexpr Color blueColor() {

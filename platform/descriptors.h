@@ -8,21 +8,21 @@
 
 namespace platform {
 
-// What systems do differently with descriptors. Any thread.
+// Descriptor operations that differ between systems. Thread-safe.
 
-// Opens the file behind `descriptor` once more, with these flags of open(2) and close-on-exec. Invalid, and
-// errno set, if it can't be opened.
+// Opens the file of `descriptor` again with these flags of open(2) and O_CLOEXEC. Returns an invalid
+// descriptor and sets errno on failure.
 [[nodiscard]] FileDescriptor reopen(int descriptor, int flags);
 
-// socket(2) with close-on-exec. Invalid, and errno set, if it fails.
+// Calls socket(2) and sets close-on-exec. Returns an invalid descriptor and sets errno on failure.
 [[nodiscard]] FileDescriptor openSocket(int domain, int type, int protocol);
 
-// The bytes that were written to `socket` and that its peer has neither acknowledged (TCP) nor read (local
-// sockets). Returns nullopt if the system can't tell.
+// Returns the number of bytes written to `socket` that its peer has not yet acknowledged (TCP) or read (local
+// sockets). Returns nullopt if the system does not report it.
 [[nodiscard]] std::optional<int> unacknowledgedBytes(int socket);
 
-// Has a child of posix_spawn(3) close every descriptor from `first` on, also those that libraries opened
-// without close-on-exec.
+// Adds file actions that close, in the child of posix_spawn(3), every descriptor from `first` on, including
+// those that libraries opened without close-on-exec.
 void closeDescriptorsFrom(int first, posix_spawn_file_actions_t& actions);
 
 }  // namespace platform

@@ -5,15 +5,16 @@
 
 namespace platform {
 
-// Notices that the desktop posts to every program that asks for them. Main thread only.
+// Receives notifications that the desktop posts to all programs. Main thread only.
 class DistributedNotificationCenter {
  public:
-  // The one center of the process; it lives as long as the process.
+  // Returns the only instance, which exists until the process ends.
   [[nodiscard]] static DistributedNotificationCenter& defaultCenter();
 
-  // Calls `observer` on the main thread, from the run loop, each time a notice of this name is posted, until
-  // the process ends. "AppleInterfaceThemeChangedNotification" is posted when the desktop changes between
-  // light and dark. A name that is never posted, or a desktop without such notices, is no error.
+  // Registers `observer` until the process ends. The run loop calls it on the main thread each time a
+  // notification of this name is posted. "AppleInterfaceThemeChangedNotification" is posted when the desktop
+  // switches between the light and the dark appearance. An unknown name, or a desktop without such
+  // notifications, is not an error.
   void addObserver(std::string_view name, std::function<void()> observer);
 
  private:

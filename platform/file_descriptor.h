@@ -7,13 +7,13 @@
 
 namespace platform {
 
-// Owns one file descriptor and closes it when it goes away; -1 stands for none. Moves, never copies. A plain
-// value: any thread, but one at a time. What close reports is dropped, so a writer that must know calls fsync
-// first.
+// Owns one file descriptor and closes it on destruction; -1 means none. Movable, not copyable. Usable on any
+// thread, by one thread at a time. Errors of close(2) are ignored; a writer that must detect write errors
+// calls fsync(2) first.
 class FileDescriptor {
  public:
   FileDescriptor() = default;
-  // Takes ownership of `descriptor`, as open and its kin return it: -1 makes an empty owner.
+  // Takes ownership of `descriptor`, the result of open(2) or a similar call; -1 makes an empty object.
   explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
   ~FileDescriptor() { reset(); }
 
@@ -25,12 +25,12 @@ class FileDescriptor {
   FileDescriptor(const FileDescriptor&) = delete;
   FileDescriptor& operator=(const FileDescriptor&) = delete;
 
-  // The descriptor, still owned here; -1 when there is none.
+  // Returns the descriptor without releasing it; -1 if there is none.
   [[nodiscard]] int get() const { return descriptor_; }
   [[nodiscard]] bool valid() const { return descriptor_ >= 0; }
 
-  // Closes what is owned and takes `descriptor` instead. errno is left as it was: a destructor on the way out
-  // of a failed call must not overwrite the reason.
+  // Closes the owned descriptor and takes ownership of `descriptor`. Preserves errno, because a destructor
+  // that runs after a failed call must not overwrite the error.
   void reset(int descriptor = -1) {
     const int previous = std::exchange(descriptor_, descriptor);
     if (previous < 0) return;
@@ -39,7 +39,7 @@ class FileDescriptor {
     errno = reason;
   }
 
-  // Hands the descriptor to the caller, who closes it from now on.
+  // Releases the descriptor to the caller, who must close it.
   [[nodiscard]] int release() { return std::exchange(descriptor_, -1); }
 
  private:

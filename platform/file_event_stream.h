@@ -9,7 +9,7 @@
 
 namespace platform {
 
-// One folder in which something has changed, or what `flags` says of it.
+// A change in one folder, or a condition named by `flags`.
 struct FileEvent {
   std::string path = {};
   std::uint32_t flags = 0;
@@ -17,27 +17,29 @@ struct FileEvent {
   bool operator==(const FileEvent&) const = default;
 };
 
-// Tells of changes in a folder, the root, and in all folders below it, from its creation on. Main thread
-// only; reported by the run loop, in modal runs too, so never while the thread is busy.
+// Reports changes in a root folder and in all folders below it, from its creation on. Main thread only. The
+// run loop delivers the events, also during modal runs.
 //
-// A folder has changed when an entry of it came, went, was renamed, was written to, or got a new mode, owner,
-// extended attribute or time of writing. Reading, opening, a new access time alone, and attributes of the
-// root itself are no changes. Links below the root are not followed. All changes within the latency after the
-// first are one batch, with each folder once, in the order of their first changes.
+// A folder has changed if one of its entries was created, removed, renamed or written, or if the entry's
+// mode, owner, extended attributes or modification time changed. Reading, opening, a new access time and
+// changed attributes of the root itself do not count. Symbolic links below the root are not followed. All
+// changes within the latency after the first one form a batch, which names each folder once, in the order of
+// first changes.
 class FileEventStream {
  public:
-  // Changes went by untold somewhere in the folder or below it.
+  // Events were lost somewhere in the folder or below it.
   static constexpr std::uint32_t mustScanSubDirs = 0x1;
-  // The root's path no longer leads to the root: it, or a folder above it, was moved, renamed or removed, and
-  // was not back when the batch was delivered. The event bears the path of the root, and is the last of all.
+  // The root's path no longer leads to the root: the root or a folder above it was moved, renamed or removed,
+  // and was not back when the batch was delivered. The event's path is that of the root. It is the last event
+  // of the stream.
   static constexpr std::uint32_t rootChanged = 0x20;
 
-  // May stop and drop its stream.
+  // The callback may stop the stream and release it.
   using Callback = std::function<void(FileEventStream& stream, std::span<const FileEvent> events)>;
 
-  // Watches the folder at `path`, an absolute one. Null when there is no such folder or no watch on it and
-  // those above it can be had; where the system has no room for all that are below, some of those are left
-  // out. The stream lasts as long as somebody holds it.
+  // Watches the folder at the absolute `path`. Returns nullptr if the folder does not exist, or if it or a
+  // folder above it cannot be watched. If the system's watch limit is reached, some folders below the root
+  // are not watched. The stream is active for as long as a reference to it exists.
   [[nodiscard]] static std::shared_ptr<FileEventStream> create(const std::string& path,
                                                                std::chrono::milliseconds latency,
                                                                Callback callback);
@@ -45,9 +47,9 @@ class FileEventStream {
   FileEventStream(const FileEventStream&) = delete;
   FileEventStream& operator=(const FileEventStream&) = delete;
 
-  // Has the run loop report what has changed since the creation.
+  // Begins delivery, including the changes since the creation.
   void start();
-  // Nothing is reported from now on. For good: the watch is given up.
+  // Ends delivery for good and releases the watches.
   void stop();
 
  private:

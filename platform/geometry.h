@@ -2,8 +2,8 @@
 
 namespace platform {
 
-// All geometry is in points, origin at the lower left of the parent, y growing upwards. One point is one
-// logical pixel. All are values, any thread.
+// Geometry is in points with the origin at the parent's lower left corner and y growing upwards. One point is
+// one logical pixel. These are value types, usable on any thread.
 
 struct Point {
   double x = 0;

@@ -5,15 +5,15 @@
 
 namespace platform {
 
-// The folders in which the agent's helper programs are found by name, the first one first: the copies, which
-// outlive the bundle, in the private folder, or in the one below /tmp if the file system of the private one
-// lets no program run; then the bundle's own. Any thread.
+// Returns the folders in which the agent's helper programs are searched, in order. The first holds the
+// copies, which remain available after the bundle is removed: a folder in the private folder or, if that file
+// system is mounted noexec, below /tmp. The second is the bundle's own. Thread-safe.
 [[nodiscard]] std::vector<std::string> helperFolders();
 
-// Copies the helper programs of the running bundle, because some must still run when the bundle is gone. What
-// can't be copied is left out.
+// Copies the helper programs of the running bundle, because some must still run after the bundle is removed.
+// Logs an error for each program that cannot be copied and leaves it out.
 void installHelpers();
-// Takes the copies away again.
+// Removes the copies.
 void removeHelpers();
 
 }  // namespace platform

@@ -8,36 +8,36 @@
 
 namespace platform {
 
-// How pixels are found for another size: between the nearest ones (Low), or as the mean of all that each new
-// pixel covers (High).
+// How pixels are resampled: the nearest pixel (Low), or the mean of all pixels that a new one covers (High).
 enum class ImageInterpolation { Low, High };
-// Whether what is drawn takes the place of what was there, transparent parts too, or lies upon it.
+// Whether drawing replaces the destination, including where the source is transparent (Copy), or is blended
+// over it (SourceOver).
 enum class CompositingOperation { Copy, SourceOver };
 
-// A picture with a size in points. Its pixels are kept apart from that: a picture of 20 by 20 points made on
-// a screen with two device pixels to the point holds 40 by 40 pixels. Main thread only.
+// A picture with a size in points, which is independent of its pixel count: an image of 20 by 20 points made
+// on a screen with two device pixels per point holds 40 by 40 pixels. Main thread only.
 class Image {
  public:
-  // An empty picture of this size, to be drawn into. Not valid when a side is not positive or the whole is
-  // beyond 64 million pixels.
+  // Makes a transparent image of this size to be drawn into. The image is invalid if a side is not positive
+  // or if it would have more than 64 million pixels.
   explicit Image(Size size);
   ~Image();
   Image(const Image&) = delete;
   Image& operator=(const Image&) = delete;
 
-  // Whether there is a picture at all.
+  // Returns whether the image has pixels.
   [[nodiscard]] bool isValid() const;
 
   [[nodiscard]] Size size() const;
   void setSize(Size size);
-  // Whether a change of size stretches what is drawn (true), or only the frame around it (false, as at
-  // first).
+  // Whether a change of size stretches the contents (true) or only changes the frame around them (false, the
+  // default).
   void setScalesWhenResized(bool scales);
 
-  // The width and height in pixels of the most detailed form that it holds.
+  // Returns the width and height in pixels of the largest bitmap representation.
   [[nodiscard]] Size pixelSize() const;
 
-  struct Impl;  // for the bodies of platform/ alone
+  struct Impl;  // for implementations in platform/ only
   [[nodiscard]] Impl& impl() const { return *impl_; }
 
  private:
@@ -47,16 +47,17 @@ class Image {
   std::unique_ptr<Impl> impl_;
 };
 
-// A fresh image of the file `name` among the program's resources, in the format that its ending names; on
-// screens of more than one pixel to the point with its form for those ("NAME@2x.png"), where there is one.
-// Nothing when there is no such file or it is no picture. Main thread.
+// Loads the file `name` from the program's resources into a new image, in the format of its suffix. On
+// screens with more than one pixel per point, also loads the 2x representation "NAME@2x.png" if it exists.
+// Returns nullptr if the file does not exist or cannot be decoded. Main thread only.
 [[nodiscard]] std::shared_ptr<Image> imageNamed(std::string_view name);
 
-// A fresh image of picture data in any format of pixels that the desktop reads, one point to the pixel.
-// Nothing when it is no such picture, or one whose pixels would take more than 64 MB. Main thread.
+// Decodes picture data in any pixel format that the desktop supports into a new image, one point per pixel.
+// Returns nullptr if the data cannot be decoded or if its pixels would take more than 64 MB. Main thread
+// only.
 [[nodiscard]] std::shared_ptr<Image> imageWithData(std::string_view bytes);
 
-// Drawing into an image, for as long as this object lives; the image must outlive it. Main thread.
+// Draws into an image until destroyed. The image must outlive this object. Main thread only.
 class ImageFocus {
  public:
   explicit ImageFocus(Image& target);
@@ -64,9 +65,9 @@ class ImageFocus {
   ImageFocus(const ImageFocus&) = delete;
   ImageFocus& operator=(const ImageFocus&) = delete;
 
-  // Low at first.
+  // The default is Low.
   void setImageInterpolation(ImageInterpolation interpolation);
-  // Draws the part `from` of `source` (in the source's points) with its lower left corner at `at`; `fraction`
+  // Draws the part `from` of `source` (in the source's points) with its lower left corner at `at`. `fraction`
   // is the opacity from 0 to 1.
   void draw(const Image& source, Point at, Rect from, CompositingOperation operation, double fraction);
 

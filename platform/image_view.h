@@ -8,34 +8,35 @@ namespace platform {
 
 class Image;
 
-// What the pointer looks like; the hand tells of a link.
+// The shape of the pointer; PointingHand marks a link.
 enum class Cursor { Arrow, PointingHand };
 
 struct MouseEvent {
-  Point locationInView;  // in the view's own points
+  Point locationInView;  // in the view's own coordinates
 };
 
-// A view that shows a picture, centred, scaled down in proportion where it is too large. Main thread only.
+// A view that shows an image, centred and scaled down proportionally if it is larger than the view. Main
+// thread only.
 class ImageView : public View {
  public:
   explicit ImageView(Rect frame);
   ~ImageView() override;
 
-  // nullptr shows nothing. The view keeps the image.
+  // nullptr shows nothing. The view keeps a reference to the image.
   void setImage(std::shared_ptr<Image> image);
 
-  // Whether the keyboard reaches the view, where Return and Space are a click in its middle, and assistive
-  // programs are told of a link. Not at first; to be set before the view shows.
+  // Whether the view accepts the input focus and is exposed to assistive technology as a link. Return and
+  // Space then act as a click in its centre. Off by default; must be set before the view is shown.
   void setActsAsLink(bool acts);
 
-  // The main button was released over the view after it was pressed there. Does nothing
-  // here.
+  // Called when the main button is pressed and released over the view. The default implementation does
+  // nothing.
   virtual void mouseUp(const MouseEvent& event);
 
-  // Asked each time the pointer comes into the view: it then tells its cursor rectangles with addCursorRect.
-  // None here.
+  // Called each time the pointer enters the view. An override registers its cursor rectangles with
+  // addCursorRect. The default implementation does nothing.
   virtual void resetCursorRects();
-  // Shows `cursor` while the pointer is in `rect`. To be called from resetCursorRects.
+  // Shows `cursor` while the pointer is in `rect`. Call it from resetCursorRects only.
   void addCursorRect(Rect rect, Cursor cursor);
 };
 

@@ -6,8 +6,8 @@
 
 namespace platform {
 
-// The user's setting "AppleInterfaceStyle": the text "Dark" in the dark appearance. Returns nullopt in the
-// light one, and if the desktop does not answer. Main thread; may block it for half a second.
+// Returns the user's setting "AppleInterfaceStyle": the text "Dark" for the dark appearance. Returns nullopt
+// for the light one, and if the desktop does not answer. Main thread only; may block for up to half a second.
 [[nodiscard]] std::optional<PropertyList> interfaceStyle();
 
 }  // namespace platform

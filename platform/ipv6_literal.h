@@ -6,12 +6,12 @@
 
 namespace platform {
 
-// Of a zone: the unreserved ones of RFC 3986.
+// The characters of a zone identifier: the unreserved characters of RFC 3986.
 inline constexpr std::string_view zoneCharacters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
 
-// Whether `host` is an IPv6 address as a URL writes it, in brackets (RFC 3986, section 3.2.2), judged by its
-// characters. Thread-safe.
+// Returns whether `host` looks like an IPv6 address in brackets (RFC 3986, section 3.2.2). Checks the
+// characters only. Thread-safe.
 [[nodiscard]] inline bool isIpv6Literal(std::string_view host) {
   if (!host.starts_with('[') || !host.ends_with(']')) return false;
   const std::string_view address = host.substr(1, host.size() - 2);
@@ -19,7 +19,8 @@ inline constexpr std::string_view zoneCharacters =
          address.find_first_not_of("0123456789ABCDEFabcdef:.") == std::string_view::npos;
 }
 
-// The same, or one with a zone behind "%25" (RFC 6874). Browsers know no zones, programs that fetch do.
+// The same, but also accepts a zone identifier after "%25" (RFC 6874). Browsers do not support zone
+// identifiers; programs that fetch URLs do.
 [[nodiscard]] inline bool isIpv6LiteralWithZone(std::string_view host) {
   const std::size_t separator = host.find("%25");
   if (separator == std::string_view::npos) return isIpv6Literal(host);

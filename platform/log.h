@@ -4,22 +4,22 @@
 
 namespace platform {
 
-enum class LogPriority { Error = 3, Info = 6 };  // the numbers of syslog(3)
+enum class LogPriority { Error = 3, Info = 6 };  // the values of syslog(3)
 
-// The channels on which the agent speaks. All may be used on any thread, none fails, and a text is always
-// taken as it stands: no character of it is a format.
+// The agent's log channels. All functions are thread-safe and never fail. Texts are never interpreted as
+// format strings.
 
-// One entry in the system log, under the identity "TovalinTray".
+// Writes one entry with the identity "TovalinTray" to the system log.
 void systemLog(LogPriority priority, std::string_view text);
 
-// The text, a colon and the system's words for the current errno, on standard error, as perror(3) writes it.
+// Writes the text, a colon and the description of the current errno to standard error, in the format of
+// perror(3).
 void errorLog(std::string_view text);
 
-// One line on standard error with date, time and process, the console log of desktop programs.
+// Writes one line with date, time and process to standard error, the console log of desktop programs.
 void consoleLog(std::string_view text);
 
-// Says on standard error and in the system log why the process can't go on, and ends it with status 1 at
-// once.
+// Writes the reason to standard error and the system log and ends the process at once with status 1.
 [[noreturn]] void fatalError(std::string_view text);
 
 }  // namespace platform

@@ -6,21 +6,22 @@
 
 namespace platform {
 
-// What the system keeps of a program's logs, as commands for `system` (platform/shell.h). A command follows
-// no links, opens no FIFOs, and makes files that only the user can read. Any thread.
+// Builds commands for `system` (platform/shell.h) that collect a program's logs. The commands follow no
+// symbolic links, open no FIFOs, and create files that only the user can read. Thread-safe.
 
 enum class LogSource {
-  ProgramLogs,         // log files of the program: the newest bytes
-  SystemLog,           // the log of the system since its start: the newest bytes, as "system.log"
-  UserCrashReports,    // reports on the user's processes: whole ones, the newest first
-  SystemCrashReports,  // reports that the system has made: whole ones, the newest first
+  ProgramLogs,         // the program's log files: the newest bytes
+  SystemLog,           // the system log since boot: the newest bytes, as "system.log"
+  UserCrashReports,    // crash reports of the user's processes: whole reports, newest first
+  SystemCrashReports,  // crash reports made by the system: whole reports, newest first
 };
 
-// Copies what there is of `program`, `maxBytes` at most, into `folder`, an absolute path.
+// Returns a command that copies the logs of `program`, at most `maxBytes`, into `folder`, an absolute path.
 [[nodiscard]] std::string copyLogsCommand(LogSource source, std::string_view program, std::string_view folder,
                                           std::size_t maxBytes);
 
-// Packs the files of `folder` into a zip archive of this name in the user's desktop folder.
+// Returns a command that packs the files of `folder` into a zip archive called `name` in the user's desktop
+// folder.
 [[nodiscard]] std::string archiveCommand(std::string_view folder, std::string_view name);
 
 }  // namespace platform

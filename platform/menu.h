@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// A menu: items from top to bottom. Main thread only.
+// A menu; its items are listed from top to bottom. Main thread only.
 class Menu {
  public:
   Menu();
@@ -15,13 +15,13 @@ class Menu {
   Menu(const Menu&) = delete;
   Menu& operator=(const Menu&) = delete;
 
-  // Appends the item, which the menu owns from here on. Returns it.
+  // Appends the item and takes ownership of it. Returns a reference to it.
   MenuItem& addItem(std::unique_ptr<MenuItem> item);
 
-  // The first item with exactly this title; nullptr when there is none. It lives as long as the menu.
+  // Returns the first item with exactly this title, or nullptr if there is none. The menu owns the item.
   [[nodiscard]] MenuItem* itemWithTitle(std::string_view title) const;
 
-  struct Impl;  // for the bodies of platform/ alone
+  struct Impl;  // for implementations in platform/ only
   [[nodiscard]] Impl& impl() const { return *impl_; }
 
  private:

@@ -10,11 +10,11 @@ namespace platform {
 class Image;
 class WebView;
 
-// One line of a menu. Main thread only.
+// One item of a menu. Main thread only.
 class MenuItem {
  public:
-  // The action is called from the run loop when the item is chosen, never from inside another action that is
-  // at work without a run loop. An item without an action is disabled unless setEnabled says otherwise.
+  // The run loop calls `action` when the item is chosen, never while another action blocks the main thread.
+  // An item without an action is disabled unless setEnabled enables it.
   MenuItem(std::string_view title, std::function<void()> action);
   [[nodiscard]] static std::unique_ptr<MenuItem> separatorItem();
   ~MenuItem();
@@ -24,13 +24,13 @@ class MenuItem {
   [[nodiscard]] std::string title() const;
   void setTitle(std::string_view title);
   void setEnabled(bool enabled);
-  // The picture beside the title, at its own size; nullptr for none.
+  // The icon beside the title, shown at its own size; nullptr for none.
   void setImage(const std::shared_ptr<Image>& image);
-  // Puts a hidden web view into the item's place, owned by the item: the item then takes no more
-  // room than that.
+  // Replaces the item by a hidden web view and takes ownership of the view. The item then takes no space in
+  // the menu.
   void setView(std::unique_ptr<WebView> view);
 
-  struct Impl;  // for the bodies of platform/ alone
+  struct Impl;  // for implementations in platform/ only
   [[nodiscard]] Impl& impl() const { return *impl_; }
 
  private:

@@ -5,8 +5,8 @@
 
 namespace platform {
 
-// Whether `path` is a folder, and no link to one, that belongs to this user and that no other user may write
-// to. Any thread.
+// Returns whether `path` is a folder, not a symbolic link, that belongs to this user and is not writable by
+// others. Thread-safe.
 [[nodiscard]] inline bool isOwnFolder(const char* path) {
   struct stat status {};
   return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&

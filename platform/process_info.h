@@ -4,8 +4,8 @@
 
 namespace platform {
 
-// The system's release as text for people: the word Version, a blank and the release, as in "Version 12
-// (bookworm)". Empty when the system doesn't tell. Any thread.
+// Returns the system's release for display: "Version", a space and the release, as in "Version 12
+// (bookworm)". Returns an empty text if the system does not provide it. Thread-safe.
 [[nodiscard]] std::string operatingSystemVersionString();
 
 }  // namespace platform

@@ -5,8 +5,8 @@
 
 namespace platform {
 
-// The folder below which programs keep their files for this user ("Application Support"); nothing when the
-// user has no such place. It need not exist. Any thread.
+// Returns the folder for this user's program files ("Application Support"), which need not exist. Returns
+// nullopt if the user has no such folder. Thread-safe.
 [[nodiscard]] std::optional<std::string> applicationSupportDirectory();
 
 }  // namespace platform

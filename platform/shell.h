@@ -6,18 +6,16 @@
 
 namespace platform {
 
-// Runs `command` with the shell (/bin/sh -c) and waits for its end, as system(3) does. Returns the wait
-// status; -1 when no shell could be started.
+// Runs `command` with /bin/sh -c and waits for it, like system(3). Returns the wait status, or -1 if the
+// shell could not be started. Thread-safe; blocks the caller without running its run loop.
 //
-// The agent's own helper programs are found before all others by their bare names, also when the bundle they
-// came in is gone. The command gets the environment the agent was started with, default signals and no
-// descriptor but 0 to 2. Any thread; blocks it for as long as the command runs and serves no events
-// meanwhile.
+// PATH begins with the agent's helper programs, which are found even after the bundle was removed. The
+// command otherwise gets the environment the agent was started with, default signal handling, and no
+// descriptors but 0 to 2.
 int system(const std::string& command);
 
-// The same in a process group of its own, for `limit` at most: whatever of the group still runs then is ended
-// by SIGKILL. Returns nullopt if it came to that, up to a second after the limit. A process that has left the
-// group stays.
+// The same in a process group of its own and for at most `limit`. Then kills the group with SIGKILL and
+// returns nullopt, at the latest one second after the limit. A process that has left the group is not killed.
 std::optional<int> system(const std::string& command, std::chrono::milliseconds limit);
 
 }  // namespace platform

@@ -8,33 +8,33 @@ namespace platform {
 class Image;
 class Menu;
 
-// One icon with a menu in the desktop's panel. It shows as soon as it has an image and the panel has room for
-// such icons, comes back when the panel is started again, and goes away with this object. A click of either
-// button opens the menu. Main thread only.
+// An icon with a menu in the desktop's panel. It is shown once it has an image and the panel accepts icons,
+// reappears after the panel restarts, and is removed by the destructor. Clicks of the left and the right
+// button open the menu. Main thread only.
 class StatusItem {
  public:
   static constexpr double variableLength = -1.0;
 
-  // `length` is the room along the panel in points, or variableLength for what the icon takes.
+  // `length` is the space along the panel in points, or variableLength for the width of the icon.
   explicit StatusItem(double length);
   ~StatusItem();
   StatusItem(const StatusItem&) = delete;
   StatusItem& operator=(const StatusItem&) = delete;
 
-  // The item's text, for panels that show one, beside the icon or as its hint.
+  // The item's text, which panels show beside the icon or as its tooltip.
   void setTitle(std::string_view title);
   // nullptr shows no icon.
   void setImage(std::shared_ptr<Image> image);
-  // Whether the icon is marked while its menu is open. No effect on Linux, where panels decide; kept for
-  // systems that let the program.
+  // Whether the icon is highlighted while its menu is open. No effect on Linux, where the panel decides; kept
+  // for systems where the program does.
   void setHighlightMode(bool highlights);
 
-  // Takes the menu over.
+  // Takes ownership of the menu.
   void setMenu(std::unique_ptr<Menu> menu);
-  // nullptr while there is none.
+  // Returns nullptr if no menu is set.
   [[nodiscard]] Menu* menu() const;
-  // Opens the menu and returns at once: at the icon, or at the pointer where the panel doesn't tell the
-  // icon's place or there is none.
+  // Opens the menu and returns at once. The menu opens at the icon, or at the pointer if the panel does not
+  // report the icon's position or there is no icon.
   void popUpMenu();
 
  private:

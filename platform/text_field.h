@@ -7,15 +7,15 @@
 
 namespace platform {
 
-// A view with a text that nobody types into: no frame, no background, not selectable. Line breaks in the text
-// are kept; lines stand from the top down. Main thread only.
+// A view with read-only text: no frame, no background, not selectable. Keeps line breaks; the text starts at
+// the top. Main thread only.
 class TextField : public View {
  public:
   explicit TextField(Rect frame);
 
   void setAlignment(TextAlignment alignment);
   void setText(std::string_view text);
-  // 12 points at first.
+  // The default size is 12 points.
   void setFont(Font font);
 };
 

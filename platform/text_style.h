@@ -2,10 +2,10 @@
 
 namespace platform {
 
-// Where the lines of a text stand in their frame. A value, any thread, as is the other.
+// The alignment of text lines in their frame. This and Font are value types, usable on any thread.
 enum class TextAlignment { Left = 0, Center = 2 };
 
-// The desktop's own font; `size` in points.
+// The desktop's default font; `size` in points.
 struct Font {
   Font(double ofSize, bool isBold = false) : size(ofSize), bold(isBold) {}
   double size;

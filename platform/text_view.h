@@ -10,35 +10,36 @@
 
 namespace platform {
 
-// How all of a text looks and what it does.
+// The appearance and behaviour of a whole text.
 struct TextAttributes {
   bool pointingHandCursor = false;
   std::optional<Color> foregroundColor;
-  // The address that a click on the text opens through the workspace, or Return or the space bar while it has
-  // the keyboard; empty for a text that is no link.
+  // The URL to open through Workspace when the text is clicked, or when Return or Space is pressed while it
+  // has the input focus. Empty if the text is not a link.
   std::string link;
   bool underline = false;
 };
 
-// A view with a text to be read; lines stand from the top down and wrap at the frame's width. Text that needs
-// more height than the frame has makes the view longer downwards. Main thread only.
+// A view with text to read. The text starts at the top and wraps at the frame's width. Text higher than the
+// frame extends the view downwards. Main thread only.
 class TextView : public View {
  public:
   explicit TextView(Rect frame);
 
   void setString(std::string_view text);
-  // In the text system's own font, whatever font was set before.
+  // Shows the text in the text system's default font, whatever font was set before.
   void setAttributedString(std::string_view text, const TextAttributes& attributes);
-  // The font of what is shown and of the strings to come.
+  // Sets the font of the text shown and of later calls of setString.
   void setFont(Font font);
   void setAlignment(TextAlignment alignment);
-  // Whether the text stands on a background of its own, as at first.
+  // Whether the text has a background of its own. On by default.
   void setDrawsBackground(bool draws);
-  // No effect on Linux, where a text view is never editable; kept for systems where it is at first.
+  // No effect on Linux, where a text view is never editable; kept for systems where it is editable by
+  // default.
   void setEditable(bool editable);
-  // Whether people can select and copy the text, as at first. A link is clicked, not selected.
+  // Whether the user can select and copy the text. On by default. A link can be clicked but not selected.
   void setSelectable(bool selectable);
-  // Shows an attributed string on one line, which ends in an ellipsis where it is too long.
+  // Shows an attributed string on one line, which is cut with an ellipsis if it is too long.
   void setTruncatesTail(bool truncates);
 };
 

@@ -4,8 +4,8 @@
 
 namespace platform {
 
-// Runs `body` on a thread of its own, which nobody waits for. Signals never interrupt it. Says so on the
-// console log when the system has no thread to give; `body` then never runs. Any thread.
+// Runs `body` on a new detached thread with all signals blocked. If the system cannot create a thread, writes
+// an error to the console log and does not run `body`. Thread-safe.
 void detachNewThread(std::function<void()> body);
 
 }  // namespace platform

@@ -6,22 +6,21 @@
 
 namespace platform {
 
-// Fires again and again on the main thread's run loop, in modal runs too. Main thread only.
+// A repeating timer on the main thread's run loop, which also fires during modal runs. Main thread only.
 //
-// Every tick is due a whole number of intervals after the timer was made and never comes early; one that
-// comes late, because the thread was busy, moves none of those behind it. Ticks that were missed meanwhile
-// come as one.
+// Each tick is due a whole number of intervals after the creation and never fires early. A late tick does not
+// delay the later ones. Ticks missed while the thread was busy are delivered as one.
 class Timer {
  public:
-  // The first tick comes one interval from now. The timer lasts as long as somebody holds it; an `action`
-  // that drops it runs to its end.
+  // Starts a timer whose first tick is due after one interval. The timer runs while a reference to it exists.
+  // An `action` that releases the last reference still completes.
   [[nodiscard]] static std::shared_ptr<Timer> scheduledTimer(std::chrono::milliseconds interval,
                                                              std::function<void()> action);
   ~Timer();
   Timer(const Timer&) = delete;
   Timer& operator=(const Timer&) = delete;
 
-  // No tick comes from now on.
+  // Stops the timer. No tick is delivered after this call.
   void invalidate();
 
  private:

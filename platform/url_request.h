@@ -9,32 +9,33 @@
 
 namespace platform {
 
-// One HTTP request and how long to wait for its reply.
+// One HTTP request and its limits.
 struct UrlRequest {
   enum class CachePolicy {
-    UseProtocol,               // what HTTP allows
-    ReloadIgnoringLocalCache,  // the reply comes from the server, never from a store on the way
+    UseProtocol,               // as HTTP allows
+    ReloadIgnoringLocalCache,  // the origin server answers, never a cache on the way
   };
 
   std::string url = {};                   // http or https
   std::string method = "GET";             // or "POST"
   std::vector<std::string> headers = {};  // "Name: value"
-  // Of a POST: the pieces are sent one after the other, not copied. They must outlive the call.
+  // The body of a POST, sent in this order. The pieces are not copied and must outlive the call.
   std::vector<std::span<const char>> body = {};
   CachePolicy cachePolicy = CachePolicy::UseProtocol;
-  // How long nothing may come or go, from the look-up of the name to the last byte of the reply. A slow
-  // transfer that lives may take longer.
+  // The maximum time without any progress, from name resolution to the last byte of the reply. A slow
+  // transfer that makes progress may take longer.
   std::chrono::milliseconds timeoutInterval = std::chrono::seconds(60);
-  // Redirects are followed to these schemes only, written as in "http,https".
+  // The schemes to which redirects are followed, as in "http,https".
   std::string redirectSchemes = "http,https";
-  // A reply that is longer, as received or decoded, counts as none, so that no server can fill the memory.
+  // A longer reply, as received or decoded, counts as a failure. Bounds the memory that a server can make the
+  // process use.
   std::size_t maximumReplySize = std::size_t{16} << 20;
 };
 
-// Sends the request, waits, and returns the body of the reply, whatever its status code; nothing when no
-// whole reply came in time, or no request can be made of what is asked. A body in gzip or deflate is decoded;
-// one in another coding, or not in the one that the server names, is returned as received. Blocks its caller;
-// any thread, several at a time. Proxies are those that the environment names.
+// Sends the request and blocks until the reply is complete. Returns the body of the reply, whatever its
+// status code. Returns nullopt if no complete reply arrives in time or if the request is invalid. Decodes
+// gzip and deflate; a body in another coding, or not in the coding that the server names, is returned as
+// received. Uses the proxies that the environment names. Thread-safe.
 [[nodiscard]] std::optional<std::string> sendSynchronousRequest(const UrlRequest& request);
 
 }  // namespace platform

@@ -7,25 +7,25 @@
 
 namespace platform {
 
-// A rectangle in a window that shows something or holds other views. Shared by whoever keeps it and by the
-// view that it was added to. What lies outside its parent is clipped. Main thread only.
+// A rectangle in a window that shows something or holds other views. Its parent view shares ownership.
+// Clipped to its parent. Main thread only.
 class View {
  public:
-  // `frame` is in the parent's points.
+  // `frame` is in the parent's coordinates.
   explicit View(Rect frame);
   virtual ~View();
   View(const View&) = delete;
   View& operator=(const View&) = delete;
 
   [[nodiscard]] Rect frame() const;
-  // The same room in its own points: origin (0, 0).
+  // The frame in the view's own coordinates, with the origin (0, 0).
   [[nodiscard]] Rect bounds() const;
-  // What people who can't see the view are told it is.
+  // Sets the accessible name.
   void setAccessibilityLabel(std::string_view label);
-  // Puts `view` above those already there.
+  // Adds `view` above the present subviews.
   void addSubview(std::shared_ptr<View> view);
 
-  struct Impl;  // for the bodies of platform/ alone
+  struct Impl;  // for implementations in platform/ only
   [[nodiscard]] Impl& impl() const { return *impl_; }
 
  protected:

@@ -7,7 +7,7 @@
 
 namespace platform {
 
-// A web page that nobody sees: it is fetched and runs its scripts, and nobody hears of the outcome. Main
+// A web page that is loaded and runs its scripts without being shown. Load results are not reported. Main
 // thread only.
 class WebView {
  public:
@@ -18,11 +18,11 @@ class WebView {
 
   [[nodiscard]] Rect frame() const { return frame_; }
 
-  // Has the page at `url`, http or https and escaped, replace the one before, whether or not that one has
-  // been loaded. Returns at once and without a word, also where there is nothing to load it with.
+  // Replaces the present page, loaded or not, by the page at `url`, a percent-encoded http or https address.
+  // Returns at once. Reports no error, not even if the web view cannot be started.
   void loadRequest(const std::string& url);
 
-  struct Impl;  // for the bodies of platform/ alone
+  struct Impl;  // for implementations in platform/ only
   [[nodiscard]] Impl& impl() const { return *impl_; }
 
  private:

@@ -13,42 +13,41 @@ namespace platform {
 // The controls in a window's title bar.
 enum class WindowStyle { Titled, TitledClosable };
 
-// A window of fixed size. It lives as long as somebody keeps it, it is on screen, or it is hidden while the
-// program is inactive. Main thread only.
+// A window of fixed size. It exists while a reference to it exists, while it is visible, and while it is
+// hidden because the program is inactive. Main thread only.
 class Window : public std::enable_shared_from_this<Window> {
  public:
-  // Makes a window that is not yet on screen. `contentRect` is the room inside the frame, in the screen's
-  // points; its size is kept. nullptr when there is none to be had.
+  // Creates a hidden window. `contentRect` is the content area in screen coordinates; its size is fixed.
+  // Returns nullptr if no window can be created.
   [[nodiscard]] static std::shared_ptr<Window> make(Rect contentRect, WindowStyle style);
   ~Window();
   Window(const Window&) = delete;
   Window& operator=(const Window&) = delete;
 
   void setTitle(std::string_view title);
-  // The colour behind the window's views; their texts and bezels then follow it instead of the desktop's dark
-  // or light.
+  // Sets the background colour. Text and bezels then follow this colour instead of the desktop's appearance.
   void setBackgroundColor(Color color);
-  // Whether the window is off the screen while the user works in another program. It goes when the program
-  // has been active and another gets the keyboard, and comes back when this program is active again. No modal
-  // run ends by that.
+  // Whether the window is hidden while another program is active. The window is hidden when the program loses
+  // the input focus after it was active, and shown again when the program becomes active. This does not end a
+  // modal run.
   void setHidesOnDeactivate(bool hides);
-  // Called once, when the window is about to be closed by its user or by `close`.
+  // Sets a function that is called once, before the user or `close` closes the window.
   void setWillClose(std::function<void()> willClose);
-  // The view that fills the window; it lives as long as the window.
+  // Returns the view that fills the window. The window owns it.
   [[nodiscard]] View& contentView() const;
-  // Puts the window in the middle of the screen; AppKit centres it a little above that.
+  // Centres the window on the screen. AppKit places it slightly above the centre.
   void center();
-  // Shows the window above the program's others and asks for the keyboard. A window that was closed stays
-  // away.
+  // Shows the window above the program's other windows and requests the input focus. Does nothing if the
+  // window was closed.
   void makeKeyAndOrderFront();
-  // Takes the window off the screen. No modal run ends by that.
+  // Hides the window. This does not end a modal run.
   void orderOut();
-  // Takes the window off the screen for good, with the sheets on it. Its user does the same with the close
-  // control or Escape, where the style has that control and no sheet hangs on the window.
+  // Hides the window for good, with its sheets. The user can do the same with the close control or Escape if
+  // the style has a close control and the window has no sheet.
   void close();
   [[nodiscard]] bool isVisible() const;
 
-  struct Impl;  // for the bodies of platform/ alone
+  struct Impl;  // for implementations in platform/ only
   [[nodiscard]] Impl& impl() const { return *impl_; }
 
  private:

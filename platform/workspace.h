@@ -4,14 +4,14 @@
 
 namespace platform {
 
-// What the desktop does for its programs.
+// Services of the desktop. Main thread only.
 class Workspace {
  public:
   [[nodiscard]] static Workspace& sharedWorkspace();
 
-  // Shows the page at the address that `text` is in the user's default browser. Only the address that the
-  // text is read as (RFC 3986) is handed on, as one argument and through no shell; a text that is no whole
-  // one opens nothing. Nobody learns whether a browser came up. Main thread.
+  // Opens the address `text` in the user's default browser. The text is parsed as an absolute URI (RFC 3986)
+  // and passed on as one re-encoded argument, without a shell. Does nothing if it cannot be parsed. Errors of
+  // the browser are not reported.
   void openURL(const std::string& text);
 
  private:
