@@ -6,7 +6,7 @@
 
 namespace {
 
-// Written out: the C library's classes of characters follow the user's locale.
+// Listed explicitly, because isalnum(3) and its relatives depend on the locale.
 constexpr std::string_view kept =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!$&'()*+,-./:;=?@_~";
 
@@ -17,7 +17,7 @@ void appendEscape(std::string& address, unsigned char byte) {
   address += digits[byte & 0xFU];
 }
 
-// Where the host of an origin begins.
+// Returns the offset of the host in an origin.
 std::size_t hostStart(std::string_view server) {
   constexpr std::string_view separator = "://";
   const std::size_t found = server.find(separator);
@@ -27,7 +27,7 @@ std::size_t hostStart(std::string_view server) {
   return start + authority.rfind('@') + 1;
 }
 
-// Brackets may stand around the host alone, and without them an IPv6 address is no host.
+// Escapes `server` except for the brackets of an IPv6 host. Brackets are allowed around an IPv6 address only.
 std::string escapedServer(std::string_view server) {
   const std::size_t start = hostStart(server);
   const std::string_view host = server.substr(start, server.find(']', start) - start + 1);
@@ -53,7 +53,7 @@ std::string escapedForAddress(std::string_view text) {
 }
 
 std::string beaconAddress(std::string_view server, std::string_view category, std::string_view value) {
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   std::string page = "/product/nimba/binary/GATovalin.html?category=";
   page.append(category).append("&").append(category).append("=").append(value);
   return escapedServer(server) + escapedForAddress(page);

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 namespace {
 
 void logFlags(std::uint32_t flags) {
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), "filestreamcallback event flag : %d, 0x%x", static_cast<int>(flags),
                 flags);
@@ -38,7 +38,7 @@ void filestreamcallback(platform::FileEventStream& stream, std::span<const platf
 }
 
 std::shared_ptr<platform::FileEventStream> startBundleWatch(const std::string& path) {
-  // doc/compatibility.md
+  // The latency is frozen: doc/compatibility.md.
   auto stream = platform::FileEventStream::create(path, 500ms, filestreamcallback);
   if (stream != nullptr) stream->start();
   return stream;

@@ -7,16 +7,15 @@
 
 #include "platform/file_event_stream.h"
 
-// The watch on the main application's bundle, which ends the agent when the bundle is moved, renamed or
-// removed.
+// Watches the main application's bundle and ends the agent when the bundle is moved, renamed or removed.
 
-// Whether an event with these flags ends the agent; one without the flag for it is only logged.
+// Returns whether an event with these flags ends the agent. Other events are only logged.
 [[nodiscard]] bool endsAgent(std::uint32_t flags);
 
-// Takes a batch of events from the stream on the bundle. The watch is good for one batch, whatever it holds:
-// the stream is stopped before anything else. Main thread; does not return where an event ends the agent.
+// Handles one batch of events of the bundle's stream. Stops the stream first, so the watch handles one batch
+// only. Does not return if an event ends the agent. Main thread only.
 void filestreamcallback(platform::FileEventStream& stream, std::span<const platform::FileEvent> events);
 
-// Starts the watch on the bundle at `path`, which reports to filestreamcallback. Returns null if there is no
-// watch to be had. Main thread; the watch lasts as long as the stream is held.
+// Starts the watch on the bundle at `path`, with filestreamcallback as its callback. Returns nullptr if the
+// bundle cannot be watched. The watch is active for as long as the stream exists. Main thread only.
 [[nodiscard]] std::shared_ptr<platform::FileEventStream> startBundleWatch(const std::string& path);

@@ -28,12 +28,12 @@ std::string versionText() {
   return getBundleVersion(version) == 0 ? *version : "(version unknown)";
 }
 
-// 1 when standard output could not take it all, as on a full disk.
+// Returns 1 if standard output could not be written completely (ENOSPC, for example), else 0.
 int statusOfOutput() {
   return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? 0 : 1;
 }
 
-// Some desktops add their number of the process to what they start.
+// Some desktops append a process serial number to the command line.
 bool isAddedByDesktop(std::string_view argument) {
   return argument.starts_with("-psn_");
 }

@@ -4,8 +4,8 @@
 #include <span>
 #include <string_view>
 
-// Judges the agent's arguments: --help and --version print to standard output and end with 0, anything else
-// is refused on standard error with 2. No arguments: nothing, the agent goes on. An
-// argument that begins with "-psn_" comes from the desktop and is ignored. At the start, before there are
-// threads.
+// Handles the agent's command line. Prints the text for --help or --version on standard output and returns 0.
+// Prints an error on standard error and returns 2 for any other argument. Returns nullopt, so that the agent
+// starts, if there are no arguments; ignores arguments that begin with "-psn_", which desktops add. Call it
+// before any thread is started.
 [[nodiscard]] std::optional<int> handleArguments(std::span<const std::string_view> arguments);

@@ -1,10 +1,10 @@
 #pragma once
 
-// The two facts about the process that every folder may read. Both are written by the main thread alone.
+// Process-wide state. Written by the main thread only.
 
-// The main application's bundle, around the agent's own: an absolute path, NUL-terminated; empty until launch
-// has derived it, unchanged afterwards.
+// The path of the main application's bundle, which contains the agent's: absolute and NUL-terminated. Empty
+// until the launch has set it, constant afterwards.
 extern char gBundlePath[1024];
 
-// Whether the product server answered when it was last asked.
+// Whether the last request to the product server succeeded.
 extern bool isNetworkOnline;

@@ -31,7 +31,7 @@ void nimbatrayAppDelegate::awakeFromNib() {
       "AppleInterfaceThemeChangedNotification", [this] { themeChange(); });
 }
 
-// Later steps rely on fields that earlier ones set. Order: doc/compatibility.md
+// Later steps use fields that earlier ones set. The order is frozen: doc/compatibility.md.
 void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   readAppearance();
   statusItem = std::make_unique<platform::StatusItem>(platform::StatusItem::variableLength);
@@ -47,7 +47,7 @@ void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   sendLaunchBeacons();
   bsupportWindow = false;
   bThreadRun = true;
-  // Makes what an earlier version wrote private before the first record is added.
+  // Makes files of earlier versions private before the first record is added.
   static_cast<void>(applicationDirectory());
   TvlWriteStartToFile();
   dataUploadURL = GetTovalinServerOption();
@@ -66,8 +66,8 @@ void nimbatrayAppDelegate::readAppearance() {
   isDarkModeOn = isDarkAppearance(platform::interfaceStyle());
 }
 
-// Told as errors, here and in readAutomountState, so that they stand in the log whatever a system keeps of
-// it: support starts from them.
+// Logged with priority Error, here and in readAutomountState, so that the lines are kept whatever the
+// system's log level. Support needs them.
 void nimbatrayAppDelegate::readBundlePath() {
   const auto agent = platform::Bundle::mainBundle();
   const auto path = agent ? mainApplicationBundlePath(agent->bundlePath()) : std::nullopt;
@@ -85,7 +85,7 @@ void nimbatrayAppDelegate::unloadUnlessAutorun() {
   if (GetProperty("Autorun", autorun) == 0 && autorun == 0) platform::system(unloadLaunchAgentCommand);
 }
 
-// An unreadable file means automount on, a readable one without the key means off.
+// If the file is unreadable, automount is on; if the file lacks the key, automount is off.
 void nimbatrayAppDelegate::readAutomountState() {
   bActive = 0;
   if (GetProperty("Active", bActive) != 0) bActive = 1;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// doc/compatibility.md
+// Frozen: doc/compatibility.md.
 constexpr std::string_view placeOfAgent = "/Contents/Resources/TovalinTray.app";
 constexpr std::size_t commandBufferSize = 1024;
 
@@ -25,7 +25,7 @@ std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundl
 
 std::optional<std::string> updateNoticeCommand(std::string_view bundlePath) {
   const std::string path(bundlePath);
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   std::string command = "open -a " + path +
                         "/Contents/Resources/tovalinnotification.app --args -title \"Tovalin Notification\" "
                         "-subtitle \"New version available\" -message \"Do you want to install now?\" "

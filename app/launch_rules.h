@@ -6,16 +6,16 @@
 
 #include "platform/property_list.h"
 
-// The decisions of the launch, as functions of what they decide on. Any thread.
+// Pure functions for the decisions of the launch. Thread-safe.
 
-// Whether the desktop's "AppleInterfaceStyle" (nothing when it isn't set) means the dark appearance: a string
-// that reads "dark" without regard to case.
+// Returns whether the desktop's "AppleInterfaceStyle" (nullopt if not set) selects the dark appearance: the
+// text "dark", ignoring case.
 [[nodiscard]] bool isDarkAppearance(const std::optional<platform::PropertyList>& interfaceStyle);
 
-// The bundle of the main application, from the path of the agent's own bundle inside it: the path without its
-// first "/Contents/Resources/TovalinTray.app". Nothing when the agent does not stand in such a place.
+// Returns the path of the main application's bundle: the path of the agent's bundle without the first
+// "/Contents/Resources/TovalinTray.app". Returns nullopt if the agent is not in such a place.
 [[nodiscard]] std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundlePath);
 
-// The shell command that has the notification helper tell of an update. Nothing when it would not fit the
-// 1024 bytes that a command may take with its terminator, which leaves 404 for the bundle's path.
+// Returns the shell command that shows the update notice through the notification helper. Returns nullopt if
+// the command with its terminator exceeds 1024 bytes, that is, if the bundle's path exceeds 404 bytes.
 [[nodiscard]] std::optional<std::string> updateNoticeCommand(std::string_view bundlePath);

@@ -1,6 +1,6 @@
 #include "app/link_addresses.h"
 
-// The addresses: doc/compatibility.md
+// Frozen: doc/compatibility.md.
 
 std::string productPage(std::string_view server) {
   return std::string(server) + "/tovalin";

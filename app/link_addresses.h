@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-// The pages that the menu opens. They are opened as they stand. `server` is the product server's origin, as
-// in "https://www.tovalin.example". Any thread.
+// The URLs that the menu opens, already escaped. `server` is the product server's origin, as in
+// "https://www.tovalin.example". Thread-safe.
 
 inline constexpr std::string_view makersPage = "https://www.facebook.com/kesmoor";
 

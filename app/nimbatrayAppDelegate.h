@@ -29,14 +29,12 @@ class NoticeCalls;
 enum class NotificationAction;
 struct ShownNotices;
 
-// The one object that carries the agent: the methods of its subsystems, each defined in the folder it is
-// listed under, and all long-lived state, in its fields. The fields are open to those methods and to tests;
-// no other code has hold of the object. Main thread only, but for what is atomic, and for the methods marked
-// "any thread".
+// The application delegate. Its methods are grouped by the file that defines them. Its fields hold all
+// long-lived state; they are public for these methods and for tests, and no other code uses them. Main thread
+// only, except for atomic fields and for methods marked "thread-safe" or with a thread of their own.
 class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private tovalinNSImageViewDelegate {
  public:
-  // A reference that anyone may set and read at any time and that keeps nothing alive: the atomic is getter
-  // and setter.
+  // A non-owning pointer that any thread may read and set.
   template <typename T>
   using NonOwningProperty = std::atomic<T*>;
 
@@ -72,7 +70,7 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   void setHyperlinkWithTextView(platform::TextView& view, const std::string& linkurl,
                                 const std::string& linkString);
 
-  // support/server_notice.cpp; the fetches return 1 when there is something to show, else 0
+  // support/server_notice.cpp; each returns 1 if there is something to show, else 0
   int getServerNotice();
   int getBannerList();
   int getBannerImg();
@@ -85,18 +83,18 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   void completeAlertDidEnd(int returnCode);
 
   // support/version_check.cpp
-  int getRecentVersion();  // 1 when a version was fetched, else 0
+  int getRecentVersion();  // returns 1 if a version was fetched, else 0
   void versionCheck();
   void updateBtnClick();
 
-  // ipc/notification_listener.cpp; on a thread of its own
+  // ipc/notification_listener.cpp; runs on its own thread
   void notiThread();
 
   // usage/usage_upload.cpp
-  void TvlDataFileUploadThread();  // on a thread of its own
+  void TvlDataFileUploadThread();  // runs on its own thread
   void TvlCheckDataUpload();
-  bool TvlDataFileCheck();                               // one pass, true at its end; any thread
-  bool sendPostRequest(std::span<const char> contents);  // true when the server took it; any thread
+  bool TvlDataFileCheck();  // one upload pass, returns true at its end; thread-safe
+  bool sendPostRequest(std::span<const char> contents);  // true if the server received it; thread-safe
 
   // notices/notice_methods.cpp
   void notificationOn();
@@ -109,7 +107,7 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   std::shared_ptr<platform::Button> logButton;
   std::shared_ptr<platform::Button> updateButton;
   std::unique_ptr<platform::StatusItem> statusItem;
-  platform::Menu* menu = nullptr;  // the status item's, once it is handed over
+  platform::Menu* menu = nullptr;  // owned by the status item after the hand-over
   std::shared_ptr<platform::FileEventStream> stream;
   bool bsupportWindow = false;
   std::shared_ptr<platform::Image> statusOnImg;
@@ -124,13 +122,13 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   std::shared_ptr<platform::Image> bannerImg;
   std::shared_ptr<const platform::PropertyList> serverNotice;
   std::shared_ptr<const platform::PropertyList> bannerList;
-  NonOwningProperty<platform::WebView> gaWebView = nullptr;  // the last menu item's
-  std::atomic<bool> bThreadRun = false;                      // cleared here, read by the pipe's listener
+  NonOwningProperty<platform::WebView> gaWebView = nullptr;  // owned by the last menu item
+  std::atomic<bool> bThreadRun = false;  // cleared on the main thread, read by the listener
   bool isDarkModeOn = false;
   std::uint32_t bActive = 0;  // automount: 1 on, 0 off
   std::shared_ptr<platform::Window> notiWindow;
   std::shared_ptr<platform::Window> notiEnumWindow;
-  std::atomic<bool> bTvlDataUpload = false;  // an upload pass is due
+  std::atomic<bool> bTvlDataUpload = false;  // an upload pass is pending
   std::shared_ptr<platform::Timer> tvlDataTimer;
   std::tm strStartTime = {};       // local time
   std::int32_t dataUploadURL = 0;  // the server option: 1 product server, 0 test upload server
@@ -157,11 +155,11 @@ class nimbatrayAppDelegate final : public platform::ApplicationDelegate, private
   void refreshVersionAndBanners();
   std::shared_ptr<platform::Window> makeSupportWindow();
   std::shared_ptr<platform::View> makeHeaderPanel();
-  std::shared_ptr<platform::Button> makeButtons();  // gives the one that no field keeps
+  std::shared_ptr<platform::Button> makeButtons();  // returns the FAQ button, which has no field
   std::shared_ptr<platform::View> makeNoticePanel(platform::Button& faqButton);
   std::shared_ptr<platform::View> makeBannerBand();
 
-  // ipc/notification_listener.cpp; on the listener's thread, but for runNoticeCall
+  // ipc/notification_listener.cpp; on the listener's thread, except runNoticeCall
   void listen(int pipe);
   void dispatch(std::span<const char> buffer, ShownNotices& shown, NoticeCalls& calls);
   void runNoticeCall(NotificationAction call);

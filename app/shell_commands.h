@@ -1,6 +1,6 @@
 #pragma once
 
-// Commands that more than one concern runs through the shell. Frozen: doc/compatibility.md.
+// Shell commands used in several modules. Frozen: doc/compatibility.md.
 
 inline constexpr const char* killNotificationHelperCommand = "killall tovalinnotification";
 inline constexpr const char* unloadLaunchAgentCommand =

@@ -26,7 +26,7 @@ std::shared_ptr<platform::Image> scaledImage(const char* name, double width, dou
 
 }  // namespace
 
-// Names of the pictures: doc/compatibility.md
+// The picture names are frozen: doc/compatibility.md.
 void nimbatrayAppDelegate::buildStatusItem() {
   statusItem->setTitle("");
   statusOffImg = scaledImage("mount off.png", 20, 20);
@@ -41,7 +41,7 @@ void nimbatrayAppDelegate::buildStatusItem() {
   statusItem->setMenu(std::move(ownedMenu));
 }
 
-// Titles and order: doc/compatibility.md
+// Titles and order are frozen: doc/compatibility.md.
 void nimbatrayAppDelegate::addMenuItems() {
   const auto add = [this](const char* title, std::function<void()> action = nullptr) -> MenuItem& {
     return menu->addItem(std::make_unique<MenuItem>(title, std::move(action)));
@@ -80,13 +80,13 @@ void nimbatrayAppDelegate::showStatusIcon() {
   }
 }
 
-// Every notice counts as a flip, whatever the desktop's setting says by now.
+// Flips the appearance at every notification, without reading the desktop's setting again.
 void nimbatrayAppDelegate::themeChange() {
   isDarkModeOn = !isDarkModeOn;
   showStatusIcon();
 }
 
-// The menu's title, not bActive, says which way to switch.
+// The menu title, not bActive, determines the direction of the switch.
 void nimbatrayAppDelegate::togleswitch() {
   if (MenuItem* off = statusItem->menu()->itemWithTitle(switchOffTitle)) {
     off->setTitle(switchOnTitle);
@@ -99,8 +99,8 @@ void nimbatrayAppDelegate::togleswitch() {
     static_cast<void>(sendPipeMsg("-m"));
     notificateGA("clickaction", "turnon");
   }
-  // Gives the main application the time it takes to mount or unmount before the next click is served
-  // (doc/compatibility.md).
+  // Gives the main application time to mount or unmount before the next click is handled. Frozen:
+  // doc/compatibility.md.
   std::this_thread::sleep_for(2s);
 }
 
@@ -109,7 +109,7 @@ void nimbatrayAppDelegate::setAutomount(std::uint32_t active) {
   showStatusIcon();
 }
 
-// Order and pause: doc/compatibility.md
+// The order and the pause are frozen: doc/compatibility.md.
 void nimbatrayAppDelegate::quit() {
   platform::system(killNotificationHelperCommand);
   TvlWriteQuitToFile();
@@ -123,7 +123,7 @@ void nimbatrayAppDelegate::quit() {
   platform::Application::sharedApplication().terminate();
 }
 
-// Order: doc/compatibility.md
+// The order is frozen: doc/compatibility.md.
 void nimbatrayAppDelegate::applicationWillTerminate() {
   platform::system(killNotificationHelperCommand);
   TvlWriteQuitToFile();

@@ -15,11 +15,11 @@
 
 namespace {
 
-// Both are frozen: doc/compatibility.md.
+// Frozen: doc/compatibility.md.
 constexpr const char* commandPipe = "/tmp/KMPIPE";
 constexpr std::chrono::milliseconds pauseBeforeWrite(10);
 
-// Returns the negated errno of the step that failed.
+// Logs the failed step. Returns the negated errno.
 int report(const char* step, int error) {
   const std::string text = std::string(step) + ". errno : " + std::to_string(error);
   platform::systemLog(platform::LogPriority::Error, text);
@@ -32,7 +32,8 @@ int report(const char* step, int error) {
 int sendPipeMsg(const char* message) {
   platform::FileDescriptor pipe(::open(commandPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC, 0666));
   if (!pipe.valid()) return report("open pipe failed", errno);
-  // A write-only descriptor never gets ready to read, so this is a pause, cut short when the reader leaves.
+  // A write-only descriptor never becomes readable, so this call is a pause. It ends early if the reader
+  // closes the pipe.
   if (waitUntilReadable(pipe.get(), pauseBeforeWrite) == -1) {
     pipe.reset();
     return report("select failed", errno);

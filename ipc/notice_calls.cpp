@@ -11,8 +11,8 @@ void NoticeCalls::postLocked(NotificationAction call) {
   post_([self = shared_from_this(), call] { self->begin(call); });
 }
 
-// The merged calls are queued before this one runs: a call that shows a notice returns only once it is
-// hidden.
+// Posts the merged calls before running this one, because a call that shows a notice returns only when the
+// notice is hidden.
 void NoticeCalls::begin(NotificationAction call) {
   {
     const std::lock_guard lock(mutex_);

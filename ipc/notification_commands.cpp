@@ -4,7 +4,7 @@
 
 namespace {
 
-// Sets `shown` to `wanted` and gives the action, when that is a change.
+// Sets `shown` to `wanted` and returns `action` if that is a change, else None.
 NotificationAction change(bool& shown, bool wanted, NotificationAction action) {
   if (shown == wanted) return NotificationAction::None;
   shown = wanted;

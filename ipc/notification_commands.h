@@ -4,12 +4,11 @@
 #include <span>
 #include <string_view>
 
-// A message of the notification pipe is read into a buffer of this many bytes, zero-filled before; what is
-// behind its first NUL belongs to it only in a "-ncdat" message.
+// The size of the zero-filled buffer into which a message is read. Only in a "-ncdat" message do the bytes
+// after the first NUL belong to the message.
 inline constexpr std::size_t notificationBufferSize = 1024;
 
-// What the listener has asked the main thread to show and not yet to hide. Not whether a window really is
-// there.
+// The notices that the listener has requested to show and not yet to hide. The windows may lag behind.
 struct ShownNotices {
   bool notice = false;           // the device-access notice
   bool enumerateNotice = false;  // the loading notice
@@ -17,7 +16,7 @@ struct ShownNotices {
 };
 
 enum class NotificationAction {
-  None,  // a command whose condition is not met
+  None,  // the command changes nothing
   NotificationOn,
   NotificationOff,
   NoticeEnumerateOn,
@@ -26,9 +25,9 @@ enum class NotificationAction {
   UnknownCommand
 };
 
-// The text in `buffer` up to its first NUL, or all of it when there is none.
+// Returns the text in `buffer` up to its first NUL; the whole buffer if there is none.
 [[nodiscard]] std::string_view textIn(std::span<const char> buffer);
 
-// What a message asks for: a notice is shown only when it was not asked for before, and hidden only when it
-// was. Moves `shown` along. Pure; any thread.
+// Returns the action for a message and updates `shown`. A notice is shown only if it is not shown yet, and
+// hidden only if it is. Thread-safe.
 [[nodiscard]] NotificationAction notificationActionFor(std::string_view text, ShownNotices& shown);

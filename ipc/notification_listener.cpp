@@ -39,19 +39,19 @@ void logFailure(const char* step) {
   logStep(LogPriority::Error, std::string(step) + ". errno : " + std::to_string(errno));
 }
 
-// Whatever stands at the path already is used as it is.
+// Uses a file that already exists at the path, whatever its type.
 platform::FileDescriptor openNotificationPipe() {
   struct stat status {};
   if (::stat(notificationPipe, &status) != 0 && ::mkfifo(notificationPipe, 0666) != 0)
     logFailure("make pipe failed");
-  // Whoever runs the main application must be able to write, whatever this process's umask.
+  // Independent of the umask: the main application may run as another user and must be able to write.
   ::chmod(notificationPipe, 0666);
   platform::FileDescriptor pipe(::open(notificationPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   if (!pipe.valid()) logFailure("open pipe error");
   return pipe;
 }
 
-// A regular file that was read to its end stays ready to be read, without anything to read.
+// select(2) reports a regular file as readable even at its end.
 bool isAtEndOfFile(int descriptor) {
   struct stat status {};
   return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
@@ -102,7 +102,8 @@ void nimbatrayAppDelegate::listen(int pipe) {
     buffer.fill('\0');
     const int count = read_pipe(pipe, buffer);
     if (count != 0) dispatch(buffer, shown, *calls);
-    // What is no FIFO is always ready: a folder gives nothing, and a device may never end.
+    // select(2) always reports files other than FIFOs as readable: a folder has nothing to read, and a device
+    // may never end.
     if (!ownEnd.valid() && (count <= 0 || isDevice(pipe))) std::this_thread::sleep_for(waitTime);
   }
 }

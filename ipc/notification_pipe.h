@@ -4,16 +4,16 @@
 
 #include "platform/file_descriptor.h"
 
-// Where other programs leave their messages; frozen (doc/compatibility.md). What follows is for the thread of
-// its listener.
+// The FIFO to which other programs write their messages. Frozen: doc/compatibility.md. The functions below
+// are for the listener's thread.
 inline constexpr const char* notificationPipe = "/tmp/KMNOTIPIPE";
 
-// Reads once from the notification pipe into `buffer` (1024 zero bytes) and logs what it read. Returns the
-// count; 0 at the end of the file, when nobody writes; the negated errno when there is nothing to read just
-// now (EAGAIN); -1, and a line in the system log, on any other failure. Blocks only if the descriptor does.
+// Calls read(2) once on the notification pipe with `buffer` (1024 zero bytes) and logs the text. Returns the
+// byte count; 0 at end of file, when there is no writer; -EAGAIN if there is nothing to read; -1 after any
+// other error, which is written to the system log. Blocks only if the descriptor does.
 [[nodiscard]] int read_pipe(int descriptor, std::span<char> buffer);
 
-// A writing end of the FIFO that `reader` reads, which keeps it from reporting the end of the file without
-// pause once its last writer has left. Not valid when `reader` is no FIFO, or when it can't be had. See
-// fifo(7).
+// Opens the FIFO of `reader` for writing. While this end is open, the reader gets EAGAIN instead of end of
+// file after its last writer has closed, and select(2) does not return at once. Returns an invalid descriptor
+// if `reader` is not a FIFO or cannot be reopened. See fifo(7).
 [[nodiscard]] platform::FileDescriptor holdOpenForWriting(int reader);

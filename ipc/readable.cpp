@@ -12,6 +12,6 @@ int waitUntilReadable(int descriptor, std::chrono::microseconds limit) {
   fd_set readable;
   FD_ZERO(&readable);
   FD_SET(descriptor, &readable);
-  timeval wait{0, static_cast<suseconds_t>(limit.count())};  // select(2) uses it up
+  timeval wait{0, static_cast<suseconds_t>(limit.count())};  // select(2) may modify it
   return ::select(descriptor + 1, &readable, nullptr, nullptr, &wait);
 }

@@ -6,7 +6,7 @@
 
 class tovalinNSImageView;
 
-// Who wants to hear of clicks on a tovalinNSImageView. Not overriding the method is not wanting to.
+// Receives the clicks on a tovalinNSImageView. The default implementation ignores them.
 class tovalinNSImageViewDelegate {
  public:
   virtual void myImageView(tovalinNSImageView& view, const platform::MouseEvent& mouseUp);
@@ -15,8 +15,8 @@ class tovalinNSImageViewDelegate {
   ~tovalinNSImageViewDelegate() = default;
 };
 
-// An image view that hands its clicks to a delegate and, while the network is there, shows the pointing hand
-// over the whole of itself. Main thread.
+// An image view that passes its clicks to a delegate and shows the pointing-hand cursor over its whole area
+// while the network is available. Main thread only.
 class tovalinNSImageView : public platform::ImageView {
  public:
   using ImageView::ImageView;
@@ -24,6 +24,6 @@ class tovalinNSImageView : public platform::ImageView {
   void resetCursorRects() override;
   void mouseUp(const platform::MouseEvent& event) override;
 
-  // Not owned: the delegate outlives the view or is taken out before. nullptr for none.
+  // Not owned. The delegate must outlive the view or be reset before. nullptr for none.
   std::atomic<tovalinNSImageViewDelegate*> delegate = nullptr;
 };

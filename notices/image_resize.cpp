@@ -10,7 +10,7 @@ std::shared_ptr<platform::Image> imageResize(platform::Image* image, double widt
     return nullptr;
   }
   auto resized = std::make_shared<platform::Image>(platform::Size{width, height});
-  // Without memory for it, too, there is nothing to show.
+  // Also reached when out of memory. An invalid image is returned all the same.
   if (!resized->isValid()) platform::consoleLog("Invalid Image");
   platform::ImageFocus focus(*resized);
   image->setSize({width, height});

@@ -6,9 +6,9 @@ namespace platform {
 class Image;
 }
 
-// Makes a new image of width by height points in which the whole of `image` is drawn, scaled to fill it. The
-// source is left with that size too, and with scalesWhenResized set. nullptr, and "Invalid Image" on the
-// console log, when there is no source, or no picture in it (its size then stays). The same is said of a new
-// image that is not valid, as one of an impossible size or without memory. Main thread.
+// Returns a new image of width by height points with the whole of `image` scaled to fill it. Sets the size
+// and scalesWhenResized of the source. Returns nullptr and writes "Invalid Image" to the console log if
+// `image` is nullptr or invalid; its size is then unchanged. Writes the same line if the new image is
+// invalid, because of its size or when out of memory. Main thread only.
 [[nodiscard]] std::shared_ptr<platform::Image> imageResize(platform::Image* image, double width,
                                                            double height);

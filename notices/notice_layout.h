@@ -2,16 +2,16 @@
 
 #include "platform/geometry.h"
 
-// Where everything stands in the two notices, in points from the lower left of the parent. One notice is one
-// of these. Values, any thread. Frozen: doc/compatibility.md.
+// The layout of the two notices, in points from the lower left corner of the parent. Values, usable on any
+// thread. Frozen: doc/compatibility.md.
 struct NoticeLayout {
   const char* text;
-  platform::Rect window;     // its content
-  platform::Rect leftPane;   // in the content
-  platform::Rect rightPane;  // in the content
+  platform::Rect window;     // its content area
+  platform::Rect leftPane;   // in the content area
+  platform::Rect rightPane;  // in the content area
   platform::Rect iconView;   // in the left pane
-  double iconSide;           // what the picture is scaled to before the view draws it smaller
-  platform::Rect textField;  // in the right pane; may reach beyond it and is clipped there
+  double iconSide;           // the image is scaled to this size before the view scales it down
+  platform::Rect textField;  // in the right pane; clipped to it
 };
 
 inline constexpr const char* noticeTitle = "Tovalin Notification";

@@ -7,13 +7,13 @@
 
 namespace {
 
-// doc/compatibility.md
+// Frozen: doc/compatibility.md.
 constexpr const char* reactivateFrontApplicationCommand =
     "osascript -e 'tell application \"System Events\" \n set frontApp to name of first application whose "
     "frontmost is "
     "true \n tell application frontApp \n activate \n end tell \n end tell'";
 
-// Returns when the modal run is stopped.
+// Blocks until the modal run is stopped.
 void runNotice(const std::shared_ptr<platform::Window>& window, const char* method) {
   if (window == nullptr) {
     platform::systemLog(platform::LogPriority::Error,
@@ -25,7 +25,7 @@ void runNotice(const std::shared_ptr<platform::Window>& window, const char* meth
   platform::Application::sharedApplication().runModalForWindow(window);
 }
 
-// Ends the innermost modal run, whichever notice that belongs to.
+// Ends the innermost modal run, whichever notice it belongs to.
 void hideNotice(platform::Window& window) {
   window.orderOut();
   platform::Application::sharedApplication().stopModal();

@@ -8,5 +8,5 @@ namespace platform {
 class Window;
 }
 
-// Builds a notice, not yet on screen; nullptr when no window is to be had. Main thread.
+// Creates the window of a notice, hidden. Returns nullptr if no window can be created. Main thread only.
 [[nodiscard]] std::shared_ptr<platform::Window> makeNoticeWindow(const NoticeLayout& layout);

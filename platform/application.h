@@ -35,12 +35,12 @@ struct ApplicationRegistration {
 // Defined by the program. This is the only function of the program that platform code calls.
 [[nodiscard]] const ApplicationRegistration& applicationRegistration();
 
-// Runs the program: examines the arguments, takes the single-instance lock, creates the delegate and runs the
+// Runs the program: examines the arguments, checks for a running instance, creates the delegate and runs the
 // run loop. Call it first in main.
 //
-// Returns the status that handleArguments returned; 0 if an instance is already running, which is brought
-// forward; 1 if there is no display to run on, after printing an error on standard error. Otherwise the
-// process ends in Application::terminate.
+// Returns the status that handleArguments returned, or 0 if an instance is already running, which is brought
+// forward. If there is no display to run on, prints an error on standard error and ends the process with
+// status 1. Otherwise the process ends in Application::terminate.
 int ApplicationMain(int argc, char** argv);
 
 // The running program. Main thread only, unless noted otherwise.

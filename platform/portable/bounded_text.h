@@ -8,12 +8,12 @@
 
 namespace platform {
 
-// A text that is put together piece by piece and never holds more than `limit` bytes, nor memory for more.
+// A text that is built piece by piece. Its length and its capacity never exceed `limit` bytes.
 class BoundedText {
  public:
   explicit BoundedText(std::size_t limit) : limit_(limit) {}
 
-  // Returns false, and appends nothing, if the text would exceed its limit. Throws std::bad_alloc.
+  // Returns false and appends nothing if the text would exceed the limit. Throws std::bad_alloc.
   [[nodiscard]] bool append(std::string_view piece) {
     if (piece.size() > limit_ - text_.size()) return false;
     const std::size_t needed = text_.size() + piece.size();

@@ -20,11 +20,12 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds pollInterval = 10ms;
-// A process that waits for a dead network file system ends late, if ever.
+// How long to wait for a process after SIGKILL. A process blocked on an unreachable network file system may
+// not end before that, if ever.
 constexpr std::chrono::milliseconds killPatience = 1s;
 
-// The environment of the agent with the helper programs first on PATH; what they start gets the original one
-// back.
+// The agent's environment with the folders of the helper programs at the front of PATH. Helpers restore
+// TOVALIN_ORIGINAL_PATH as PATH for the programs they start.
 std::vector<std::string> environmentWithHelpers() {
   std::vector<std::string> environment;
   std::string originalPath = "/usr/local/bin:/usr/bin:/bin";
@@ -53,8 +54,8 @@ int waitFor(pid_t child) {
   return status;
 }
 
-// The wait status of `child`; nullopt if it still runs at the deadline. Polls, because a pidfd would take a
-// free descriptor, and the limit must hold without one.
+// Returns the wait status of `child`; nullopt if it is still running at the deadline. Polls, because a pidfd
+// needs a free descriptor and the limit must hold even after EMFILE.
 std::optional<int> waitUntil(Clock::time_point deadline, pid_t child) {
   for (;;) {
     int status = 0;
@@ -66,7 +67,7 @@ std::optional<int> waitUntil(Clock::time_point deadline, pid_t child) {
   }
 }
 
-// As execve(2) takes them; they point into `texts`.
+// The argument format of execve(2). The pointers point into `texts`.
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   pointers.reserve(texts.size() + 1);
@@ -98,7 +99,7 @@ std::optional<int> runWithLimit(const std::string& program, std::vector<std::str
   const auto child = start(program, std::move(arguments), SpawnAttributes(POSIX_SPAWN_SETPGROUP));
   if (!child) return -1;
   if (const auto status = waitUntil(deadline, *child)) return status;
-  // The child has not been reaped, so its number still stands for its group.
+  // The child has not been reaped, so its process group ID has not been reused.
   ::kill(-*child, SIGKILL);
   waitUntil(Clock::now() + killPatience, *child);
   return std::nullopt;

@@ -16,17 +16,17 @@
 namespace platform {
 namespace {
 
-// Each one may expand the body to its limit once more; servers apply one, proxies seldom a second.
+// Each coding may expand the body to the limit again. Servers apply one; proxies rarely add a second.
 constexpr std::size_t maxCodings = 5;
 
 enum class Coding { Gzip, Deflate };
 
-// zlib's numbers for the wrappers of a deflate stream: RFC 1952, RFC 1950, none.
+// zlib's window-bits values for the stream formats: gzip (RFC 1952), zlib (RFC 1950), raw deflate.
 enum class Format { Gzip = MAX_WBITS + 16, Zlib = MAX_WBITS, Raw = -MAX_WBITS };
 
 enum class Outcome { Decoded, NotInFormat, TooLong };
 
-// Reads the streams of one format at the beginning of a text.
+// Decodes consecutive streams of one format from the beginning of the input.
 class Inflater {
  public:
   Inflater(std::string_view input, Format format) : rest_(input) {
@@ -36,10 +36,10 @@ class Inflater {
   Inflater(const Inflater&) = delete;
   Inflater& operator=(const Inflater&) = delete;
 
-  // What no stream has taken yet.
+  // The input that has not been consumed.
   [[nodiscard]] std::string_view rest() const { return rest_; }
 
-  // Appends the content of the next stream. A stream without its end is none.
+  // Appends the content of the next stream. A stream that is not complete counts as NotInFormat.
   [[nodiscard]] Outcome appendStream(BoundedText& output) {
     std::ignore = ::inflateReset(&stream_);
     for (int status = Z_OK; status != Z_STREAM_END;) {
@@ -69,15 +69,15 @@ class Inflater {
   std::array<char, std::size_t{32} << 10> piece_{};
 };
 
-// By what each member begins with: its identification, the method deflate, and reserved flags that are zero
-// (RFC 1952, section 2.3.1).
+// Returns whether `bytes` begin with a gzip member header: the magic number, the method deflate, and reserved
+// flags that are zero (RFC 1952, section 2.3.1).
 bool beginsLikeMember(std::string_view bytes) {
   constexpr unsigned char reservedFlags = 0xe0;
   return bytes.size() > 3 && bytes.starts_with("\x1f\x8b\x08") &&
          (static_cast<unsigned char>(bytes[3]) & reservedFlags) == 0;
 }
 
-// A gzip file is a sequence of members. What follows the last one is ignored, as gzip(1) and browsers do.
+// A gzip file is a sequence of members. Bytes after the last member are ignored, as in gzip(1) and browsers.
 Outcome appendGzip(std::string_view body, BoundedText& output) {
   Inflater inflater(body, Format::Gzip);
   auto outcome = inflater.appendStream(output);
@@ -90,20 +90,20 @@ Outcome appendZlib(std::string_view body, BoundedText& output) {
   return Inflater(body, Format::Zlib).appendStream(output);
 }
 
-// Without a header or check sum, only a stream that ends with the body is taken for one.
+// Raw deflate has no header or checksum, so a stream counts only if it ends with the body.
 Outcome appendRawDeflate(std::string_view body, BoundedText& output) {
   Inflater inflater(body, Format::Raw);
   const auto outcome = inflater.appendStream(output);
   return outcome == Outcome::Decoded && !inflater.rest().empty() ? Outcome::NotInFormat : outcome;
 }
 
-// "deflate" means zlib's wrapper; some servers leave it out.
+// "deflate" means the zlib format; some servers send raw deflate instead.
 std::vector<decltype(&appendGzip)> decodersOf(Coding coding) {
   if (coding == Coding::Gzip) return {&appendGzip};
   return {&appendZlib, &appendRawDeflate};
 }
 
-// The body without that coding, or unchanged if it is not in it.
+// Returns the decoded body, or the body unchanged if it is not in this coding; nullopt beyond `limit`.
 std::optional<std::string> withoutCoding(std::string body, Coding coding, std::size_t limit) {
   for (const auto append : decodersOf(coding)) {
     BoundedText output(limit);
@@ -127,7 +127,7 @@ std::optional<Coding> codingNamed(std::string_view name) {
   return std::nullopt;
 }
 
-// In the order in which they were applied.
+// Returns the known codings in the order in which they were applied.
 std::vector<Coding> knownCodings(std::string_view names) {
   std::vector<Coding> codings;
   while (!names.empty()) {

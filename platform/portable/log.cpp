@@ -17,7 +17,7 @@ namespace platform {
 namespace {
 
 void writeLine(const std::string& line) {
-  // One write a line, so that lines of several threads never mix.
+  // A single write(2) per line, so that lines of different threads do not mix.
   const std::string whole = line + "\n";
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, whole.data(), whole.size());
 }
@@ -55,7 +55,7 @@ void consoleLog(std::string_view text) {
             std::string(text));
 }
 
-// Takes no memory: the want of it may be what there is to tell.
+// Allocates no memory, because the error may be out of memory.
 void fatalError(std::string_view text) {
   systemLog(LogPriority::Error, text);
   constexpr std::string_view program = "TovalinTray: ";

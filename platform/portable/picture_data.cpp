@@ -14,10 +14,10 @@ constexpr std::string_view pngSignature = "\x89PNG\r\n\x1a\n";
 constexpr std::string_view jpegSignature = "\xff\xd8";
 constexpr std::string_view jpegPass = "\xff\xda";
 
-// A picture that builds up in passes has ten or so.
+// A progressive JPEG usually has about ten scans.
 constexpr int mostJpegPasses = 64;
 
-// A chunk is the length of its contents, a name, the contents and their check sum.
+// A PNG chunk consists of the length of its data, a name, the data and a checksum.
 constexpr std::size_t lengthSize = 4, nameSize = 4, checkSumSize = 4;
 
 constexpr std::array pixelChunks = {"IHDR"sv, "PLTE"sv, "tRNS"sv, "IDAT"sv, "IEND"sv};
@@ -28,7 +28,7 @@ std::size_t contentsLength(std::string_view chunk) {
   return length;
 }
 
-// What follows the end is no part of the picture.
+// Bytes after the IEND chunk are dropped.
 std::optional<std::string> pixelsOfPng(std::string_view rest) {
   std::string pixels(pngSignature);
   rest.remove_prefix(pngSignature.size());

@@ -6,11 +6,11 @@
 
 namespace platform {
 
-// The data of a picture that comes from outside, without what costs its decoder more than the pixels do: of a
-// PNG only the parts that the pixels are made from are left, since a packed text of some kilobytes takes
-// megabytes, a thousand times over. Nothing for a PNG with a part that is longer than the data, for which
-// memory would be taken all the same, and for a JPEG of so many passes that it would take hours. Other
-// formats stay as they are. Any thread.
+// Removes from untrusted picture data what can cost the decoder more than the pixels do. Of a PNG, keeps only
+// the chunks that define pixels, because a compressed text chunk of some kilobytes can expand a thousandfold.
+// Returns nullopt for a PNG with a chunk longer than the data, for which a decoder would still allocate
+// memory, and for a JPEG with so many scans that decoding would take hours. Returns other formats unchanged.
+// Thread-safe.
 [[nodiscard]] std::optional<std::string> boundedPictureData(std::string_view bytes);
 
 }  // namespace platform

@@ -8,8 +8,8 @@
 
 namespace platform {
 
-// How every child is started: with default signals and an empty mask, whatever this process has made of its
-// own.
+// Attributes for all child processes: default signal handling and an empty signal mask, regardless of the
+// parent's.
 class SpawnAttributes {
  public:
   explicit SpawnAttributes(short moreFlags = 0) {
@@ -32,8 +32,8 @@ class SpawnAttributes {
   posix_spawnattr_t attributes_{};
 };
 
-// The streams of a child. What else this process has open stays with it: libraries open descriptors that a
-// child would inherit.
+// File actions for a child's standard streams. All other descriptors are closed in the child, because
+// libraries open descriptors without close-on-exec.
 class SpawnStreams {
  public:
   SpawnStreams() { posix_spawn_file_actions_init(&actions_); }
@@ -41,13 +41,13 @@ class SpawnStreams {
   SpawnStreams(const SpawnStreams&) = delete;
   SpawnStreams& operator=(const SpawnStreams&) = delete;
 
-  // Both for one of the streams 0 to 2.
+  // `stream` is one of the descriptors 0 to 2.
   void set(int stream, int descriptor) { posix_spawn_file_actions_adddup2(&actions_, descriptor, stream); }
   void lead(int stream, const char* path, int flags) {
     posix_spawn_file_actions_addopen(&actions_, stream, path, flags, 0);
   }
 
-  // To be called last.
+  // Call last: closes all descriptors above standard error.
   [[nodiscard]] const posix_spawn_file_actions_t* get() {
     closeDescriptorsFrom(STDERR_FILENO + 1, actions_);
     return &actions_;

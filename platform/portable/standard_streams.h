@@ -5,8 +5,7 @@
 
 namespace platform {
 
-// Leads those of the three standard streams that are closed nowhere, so that no file opened later takes their
-// place.
+// Opens /dev/null for each standard stream that is closed, so that no file opened later gets its descriptor.
 inline void fillStandardStreams() {
   int descriptor = ::open("/dev/null", O_RDWR);
   while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDWR);

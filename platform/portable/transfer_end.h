@@ -4,16 +4,16 @@
 
 namespace platform {
 
-// How a transfer of libcurl's ended.
+// The outcome of a libcurl transfer.
 struct TransferEnd {
   CURLcode result = CURLE_OK;
-  bool headIsWhole = false;  // that of the last request: a redirect's head is none of its target
+  bool headIsWhole = false;  // the last request's head is complete; a redirect's head does not count
   long status = 0;
-  curl_off_t announcedSize = -1;  // of the body, in bytes as received; -1 if the server didn't announce it
+  curl_off_t announcedSize = -1;  // of the body, in bytes as received; -1 if the server did not announce it
   curl_off_t receivedSize = 0;
 };
 
-// Whether a whole reply came, whatever its status. Pure; thread-safe.
+// Returns whether a complete reply was received, whatever its status. Thread-safe.
 [[nodiscard]] bool isWholeReply(const TransferEnd& end);
 
 }  // namespace platform

@@ -52,7 +52,7 @@ int seekBody(void* body, curl_off_t offset, int origin) {
   return found ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
 }
 
-// libcurl takes "Name:" for the wish to leave that header out, and "Name;" for one without a value.
+// In libcurl's header syntax, "Name:" removes a header and "Name;" sends one without a value.
 std::string inLibcurlsWords(const std::string& header) {
   const std::size_t colon = header.find(':');
   const bool empty =
@@ -62,11 +62,12 @@ std::string inLibcurlsWords(const std::string& header) {
 
 HeaderList headersOf(const UrlRequest& request) {
   HeaderList headers;
-  // A type that libcurl would make up, and a question that costs a second with servers that don't know it.
+  // Suppresses the Content-Type that libcurl adds by default, and "Expect: 100-continue", which delays
+  // requests to servers without support for it by one second.
   headers.add("Content-Type:");
   headers.add("Expect:");
-  // Lists shrink to a part of their size; the reply to what is sent is a few words. libcurl is not asked to
-  // decode: it fails where the body is not in the coding that the server names.
+  // Only GET: lists compress well, replies to POST are short. The body is decoded here and not by libcurl,
+  // which fails if the body is not in the coding that the server names.
   if (request.method == "GET") headers.add("Accept-Encoding: gzip, deflate");
   if (request.cachePolicy == UrlRequest::CachePolicy::ReloadIgnoringLocalCache) {
     headers.add("Cache-Control: no-cache");
@@ -79,13 +80,13 @@ HeaderList headersOf(const UrlRequest& request) {
 void setDestination(UrlTransfer& transfer, const UrlRequest& request) {
   transfer.set(CURLOPT_URL, request.url.c_str());
   transfer.set(CURLOPT_PROTOCOLS_STR, "http,https");
-  // An address without a scheme is none: libcurl would guess one.
+  // Makes a URL without a scheme invalid; by default libcurl guesses the scheme.
   transfer.set(CURLOPT_DEFAULT_PROTOCOL, "file");
   transfer.set(CURLOPT_FOLLOWLOCATION, 1L);
   transfer.set(CURLOPT_MAXREDIRS, request.redirectSchemes.empty() ? 0 : mostRedirects);
   if (!request.redirectSchemes.empty())
     transfer.set(CURLOPT_REDIR_PROTOCOLS_STR, request.redirectSchemes.c_str());
-  // One request a connection gains nothing from later versions.
+  // With one request per connection, later HTTP versions bring no benefit.
   transfer.set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   transfer.set(CURLOPT_USERAGENT, "TovalinTray");
 }
@@ -97,7 +98,7 @@ void setBody(UrlTransfer& transfer, UrlRequestBody& body) {
   transfer.set(CURLOPT_READDATA, &body);
   transfer.set(CURLOPT_SEEKFUNCTION, &seekBody);
   transfer.set(CURLOPT_SEEKDATA, &body);
-  // 307 and 308 keep the method anyway, and 303 asks for another.
+  // 307 and 308 preserve the method without this option; 303 requires GET.
   transfer.set(CURLOPT_POSTREDIR, static_cast<long>(CURL_REDIR_POST_301 | CURL_REDIR_POST_302));
 }
 

@@ -7,8 +7,8 @@
 
 namespace platform {
 
-// Sends a GET or POST and waits for its reply on the calling thread; nothing when no whole reply came in
-// time. Throws when there is no memory to send it. libcurl must have been initialized.
+// Sends a GET or POST and blocks until the reply is complete. Returns nullopt if no complete reply arrives in
+// time. Throws std::bad_alloc. curl_global_init must have been called.
 [[nodiscard]] std::optional<std::string> exchange(const UrlRequest& request);
 
 }  // namespace platform

@@ -6,15 +6,16 @@
 
 namespace platform {
 
-// The body of a request, read piece after piece as if the pieces were one. It owns none of them.
+// Reads the pieces of a request body as one sequence of bytes. Does not own the pieces.
 class UrlRequestBody {
  public:
   explicit UrlRequestBody(const std::vector<std::span<const char>>& pieces);
 
   [[nodiscard]] std::size_t size() const { return size_; }
-  // Copies what follows into `buffer` and goes on behind it. Returns the number of bytes, 0 at the end.
+  // Copies the next bytes into `buffer`. Returns their number, 0 at the end.
   [[nodiscard]] std::size_t read(std::span<char> buffer);
-  // Goes on at `position`, counted from the start; false, and no move, when that is behind the end.
+  // Continues at `position`, counted from the start. Returns false and does not move if `position` is beyond
+  // the end.
   [[nodiscard]] bool seek(std::size_t position);
 
  private:

@@ -15,11 +15,12 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// How often the bytes on their way to the server are looked at, which wake nobody when they arrive there.
+// How often to query the number of unacknowledged bytes, because no event is raised when the peer
+// acknowledges them.
 constexpr milliseconds samplingTime{250};
 
-// What a server may say beside its reply. Interim heads and trailers have no end of their own, and libcurl
-// keeps every line.
+// The maximum size of all heads and trailers. The protocol limits neither interim replies nor trailers, and
+// libcurl stores every line.
 constexpr std::size_t mostHeadBytes = std::size_t{1} << 20;
 
 milliseconds since(Clock::time_point time) {
@@ -38,7 +39,7 @@ UrlTransfer::UrlTransfer() : loop_(curl_multi_init()), handle_(curl_easy_init())
   set(CURLOPT_HEADERDATA, this);
   set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
   set(CURLOPT_NOSIGNAL, 1L);
-  // The end does not wait for a name server that never answers.
+  // curl_easy_cleanup must not wait for a name server that does not answer.
   set(CURLOPT_QUICK_EXIT, 1L);
 }
 
@@ -53,7 +54,7 @@ bool UrlTransfer::run(milliseconds interval) {
 
 std::string UrlTransfer::header(const char* name) const {
   constexpr int lastRequest = -1;
-  // Each call goes through the whole head, so that a head of nothing but such fields would take seconds.
+  // Each call searches the whole head, so that a head full of such fields would take seconds.
   constexpr std::size_t maxFields = 10;
   std::string values;
   curl_header* field = nullptr;
@@ -66,8 +67,9 @@ std::string UrlTransfer::header(const char* name) const {
   return values;
 }
 
-// A ready descriptor is the finished look-up of a name, a connection, or bytes that came or can go. It is no
-// sign of what libcurl has long handed to the system, which may be megabytes on a slow line.
+// A ready descriptor means a finished name look-up, a connection, or bytes received or sendable. It does not
+// show the progress of bytes already in the socket buffer, which may be megabytes on a slow line; the count
+// of unacknowledged bytes does.
 CURLcode UrlTransfer::waitForTheEnd(milliseconds interval) {
   auto lastLife = Clock::now();
   for (int running = 1;;) {

@@ -12,7 +12,7 @@
 
 namespace platform {
 
-// One transfer of libcurl's, ended when nothing comes or goes for a while. Used by one thread.
+// One libcurl transfer, aborted after a time without progress. For use by one thread.
 class UrlTransfer {
  public:
   UrlTransfer();
@@ -20,18 +20,18 @@ class UrlTransfer {
   UrlTransfer(const UrlTransfer&) = delete;
   UrlTransfer& operator=(const UrlTransfer&) = delete;
 
-  // Sets an option of the transfer. One that libcurl refuses makes `run` fail.
+  // Sets an option of the transfer. If libcurl rejects it, `run` fails.
   template <typename Value>
   void set(CURLoption option, Value value) {
     accepted_ = accepted_ && curl_easy_setopt(handle_.get(), option, value) == CURLE_OK;
   }
 
-  // Runs the transfer, once. True when a whole reply came, whatever its status code, without `interval` going
-  // by between two signs of life.
+  // Runs the transfer; call it once. Returns true if a complete reply was received, whatever its status code,
+  // and no period without progress reached `interval`.
   [[nodiscard]] bool run(std::chrono::milliseconds interval);
 
-  // After `run`: the values of the last reply's first ten header fields of that name, joined by commas; empty
-  // if it has none. Interim replies, redirects and trailers are other heads.
+  // Returns, after `run`, the values of the last reply's first ten header fields of that name, joined by
+  // commas; an empty text if there are none. Interim replies, redirects and trailers do not count.
   [[nodiscard]] std::string header(const char* name) const;
 
  private:
@@ -59,8 +59,8 @@ class UrlTransfer {
   }
 
   std::vector<curl_socket_t> sockets_;
-  std::size_t headBytes_ = 0;    // of all heads and trailers
-  long answeredRedirects_ = -1;  // how many redirects came before the last whole head
+  std::size_t headBytes_ = 0;    // in all heads and trailers
+  long answeredRedirects_ = -1;  // number of redirects before the last complete head
   std::unique_ptr<CURLM, LoopCleanup> loop_;
   std::unique_ptr<CURL, HandleCleanup> handle_;
   bool accepted_ = false;

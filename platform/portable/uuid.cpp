@@ -10,7 +10,7 @@ namespace {
 
 using Bytes = std::array<std::uint8_t, 16>;
 
-// RFC 4122, 4.4: all bits are random but those of the version and the variant.
+// RFC 4122, section 4.4: all bits are random except version and variant.
 Bytes randomUuid() {
   Bytes bytes{};
   ::arc4random_buf(bytes.data(), bytes.size());
