@@ -8,7 +8,7 @@
 
 namespace {
 
-// Written out: the C library's classes of characters follow the user's locale.
+// Listed explicitly, because isalnum(3) and its relatives depend on the locale.
 constexpr std::string_view letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view hexDigits = "0123456789ABCDEFabcdef";
@@ -31,8 +31,8 @@ bool isWebScheme(std::string_view text) {
   return platform::equalButForCase(text, "http") || platform::equalButForCase(text, "https");
 }
 
-// A name or an IPv4 address, without the escapes and marks that RFC 3986 has beyond those of host names; or
-// an IPv6 address.
+// A host name or IPv4 address, without the escapes and punctuation that RFC 3986 additionally allows; or an
+// IPv6 address.
 bool isHost(std::string_view text) {
   if (platform::isIpv6Literal(text)) return true;
   return !text.empty() && std::ranges::all_of(text, [](char c) {

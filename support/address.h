@@ -2,13 +2,13 @@
 
 #include <string_view>
 
-// What the server may name as an address. Pure; any thread.
+// Checks of addresses received from the server. Pure functions; thread-safe.
 
-// Whether `text` has only characters that may stand in an address, and whole percent escapes (RFC 3986,
-// section 2). An empty one is none.
+// Returns whether `text` is not empty and consists only of characters that RFC 3986, section 2, allows in a
+// URI, with complete percent escapes.
 [[nodiscard]] bool isAddress(std::string_view text);
 
-// Whether the desktop may be asked to open `text`: a whole address of the web, with "http" or "https" and a
-// host. Handlers of other schemes mount shares, attach files to mails or start what lies on this machine, and
-// a text without "//" is a file's name to some of them.
+// Returns whether `text` may be opened by the desktop: an absolute URL with "http" or "https" and a host.
+// Handlers of other schemes mount shares, attach files to mails or start local programs, and some handlers
+// treat a text without "//" as a file name.
 [[nodiscard]] bool isLink(std::string_view text);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Hangs a question with two buttons on the window, if that is still there.
+// Shows a question with two buttons as a sheet. Does nothing if the window was closed.
 void ask(platform::Window* window, const char* question, const char* firstButton, const char* secondButton,
          std::function<void(int)> didEnd) {
   if (window == nullptr) return;
@@ -26,7 +26,7 @@ void ask(platform::Window* window, const char* question, const char* firstButton
   alert.beginSheetModalForWindow(window->shared_from_this(), std::move(didEnd));
 }
 
-// What the command ends with is of no interest.
+// The exit status is ignored; only a timeout is logged.
 void runWithinLimit(const CollectionCommand& command) {
   if (platform::system(command.text, command.limit)) return;
   platform::systemLog(platform::LogPriority::Error, "log collection : a command was ended after " +
@@ -55,7 +55,7 @@ void nimbatrayAppDelegate::collectLog() {
   if (!commands) platform::fatalError("the commands that collect the logs are too long");
   for (const CollectionCommand& command : *commands) runWithinLimit(command);
   if (logButton != nullptr) logButton->setEnabled(true);
-  // Posted, so that it comes once the first sheet has gone.
+  // Posted, so that the sheet is shown after the first one has been removed.
   platform::Application::sharedApplication().performOnMainThread([this] {
     ask(supportWindow, "Log file is created on desktop.", "Close", "Contact us",
         [this](int returnCode) { completeAlertDidEnd(returnCode); });
@@ -64,6 +64,6 @@ void nimbatrayAppDelegate::collectLog() {
 
 void nimbatrayAppDelegate::completeAlertDidEnd(int returnCode) {
   if (returnCode != platform::alertFirstButtonReturn + 1) return;
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   platform::Workspace::sharedWorkspace().openURL(productServer() + "/contact/tovalin/");
 }

@@ -15,8 +15,8 @@ constexpr std::size_t collectCommandBufferSize = 512;  // doc/compatibility.md
 constexpr std::string_view program = "Tovalin";
 constexpr std::size_t maxBytesOfSource = 20'000'000;
 
-// A copy of 20 MB, and the newest entries of a journal, take seconds. A limit is what a source that blocks
-// costs: a file system that does not answer, or a folder with millions of entries.
+// Copying 20 MB, or the newest entries of a journal, takes seconds. The limits bound the time lost to a
+// source that blocks, such as an unreachable file system or a folder with millions of entries.
 constexpr std::chrono::seconds folderLimit = 10s;
 constexpr std::chrono::seconds copyLimit = 30s;
 constexpr std::chrono::seconds archiveLimit = 120s;

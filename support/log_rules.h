@@ -7,18 +7,18 @@
 #include <string>
 #include <string_view>
 
-// The decisions of the log collection, as functions of what they decide on. Any thread.
+// Pure functions for the decisions of the log collection. Thread-safe.
 
-// "tovalinlog_2026-11-15T22-05-12": the folder below /tmp and the archive are called so.
+// Returns the name of the folder below /tmp and of the archive, such as "tovalinlog_2026-11-15T22-05-12".
 [[nodiscard]] std::string collectionName(const std::tm& now);
 
 struct CollectionCommand {
-  std::string text;            // for the shell
-  std::chrono::seconds limit;  // after which it is ended
+  std::string text;            // a shell command
+  std::chrono::seconds limit;  // after which the command is killed
 };
 
-// The commands that fill the folder and pack it, in their order. The next one is run whatever became of the
-// one before. They make files that only the user can read, fill a folder that is there already only if it is
-// the user's own, copy 20 MB from each source at most, and neither follow links nor open FIFOs there. Returns
-// nullopt if a command does not fit the 512 bytes that it may take with its terminator.
+// Returns the commands that create, fill and pack the folder, in order. Each command is run even if an
+// earlier one failed. The commands create files that only the user can read, use an existing folder only if
+// it belongs to the user, copy at most 20 MB from each source, follow no symbolic links and open no FIFOs.
+// Returns nullopt if a command with its terminator exceeds 512 bytes.
 [[nodiscard]] std::optional<std::array<CollectionCommand, 6>> collectionCommands(std::string_view name);

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// The body of what the product server has at `path`, fetched anew past every cache; nothing when the server
-// was silent for three seconds or no whole reply came. Whatever the reply's status: an error page is no
-// property list. Blocks its caller; any thread.
+// Fetches `path` from the product server, bypassing caches. Returns the body whatever its status code; an
+// error page is not a valid property list anyway. Returns nullopt if nothing is received for three seconds or
+// the reply is incomplete. Blocks the caller. Thread-safe.
 [[nodiscard]] std::optional<std::string> fetchFromServer(std::string_view path);

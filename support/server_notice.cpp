@@ -13,7 +13,7 @@
 
 namespace {
 
-// Nothing when the body is no property list.
+// Returns nullptr if the body is not a property list.
 std::shared_ptr<const platform::PropertyList> parsed(const std::string& body) {
   auto list = platform::parsePropertyList(std::as_bytes(std::span(body)));
   return list ? std::make_shared<const platform::PropertyList>(*std::move(list)) : nullptr;
@@ -21,9 +21,9 @@ std::shared_ptr<const platform::PropertyList> parsed(const std::string& body) {
 
 }  // namespace
 
-// A body that is no list takes the earlier notice away; no body at all leaves it.
+// An invalid body discards the previous notice; a failed request keeps it.
 int nimbatrayAppDelegate::getServerNotice() {
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   const auto body = fetchFromServer("/product/nimba/binary/tovalinnotice.xml");
   if (!body) return 0;
   serverNotice = parsed(*body);
@@ -31,14 +31,14 @@ int nimbatrayAppDelegate::getServerNotice() {
 }
 
 int nimbatrayAppDelegate::getBannerList() {
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   const auto body = fetchFromServer("/product/nimba/banner/tovalinbanner.xml");
   if (!body) return 0;
   bannerList = parsed(*body);
   return bannerList != nullptr ? 1 : 0;
 }
 
-// The link is that of the banner chosen last, also when its picture can't be had.
+// The link is replaced even if the banner's picture cannot be loaded.
 int nimbatrayAppDelegate::getBannerImg() {
   const auto banner = chosenBanner(*bannerList, ::arc4random());
   if (!banner) return 0;

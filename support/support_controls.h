@@ -13,7 +13,8 @@ class TextField;
 class TextView;
 }  // namespace platform
 
-// The kinds of controls that the support window is made of. Frames and font sizes are in points. Main thread.
+// Factory functions for the controls of the support window. Frames and font sizes are in points. Main thread
+// only.
 
 [[nodiscard]] std::shared_ptr<platform::TextField> makeLabel(platform::Rect frame, std::string_view text,
                                                              platform::TextAlignment alignment,
@@ -22,5 +23,5 @@ class TextView;
 [[nodiscard]] std::shared_ptr<platform::Button> makePushButton(platform::Rect frame, std::string_view title,
                                                                std::function<void()> action);
 
-// A text without a background, to be read only.
+// Returns a read-only text view without a background.
 [[nodiscard]] std::shared_ptr<platform::TextView> makeTextView(platform::Rect frame, double fontSize);

@@ -2,8 +2,8 @@
 
 #include "platform/geometry.h"
 
-// Where things stand in the support window, in points; the origin is the lower left corner of the parent.
-// Values, any thread. Frozen: doc/compatibility.md.
+// The layout of the support window in points; the origin is the lower left corner of the parent. Values,
+// usable on any thread. Frozen: doc/compatibility.md.
 namespace support_layout {
 
 using platform::Rect;

@@ -29,7 +29,7 @@ constexpr const char* description =
     " You can transfer contents via Finder.\n"
     " Also, you don't need to jailbreak.";
 
-// Frozen, as all texts of the window: doc/compatibility.md.
+// Frozen, like all texts of the window: doc/compatibility.md.
 std::string orNull(const std::optional<std::string>& text) {
   return text.value_or("(null)");
 }
@@ -54,7 +54,7 @@ void nimbatrayAppDelegate::support() {
   bsupportWindow = true;
   built->makeKeyAndOrderFront();
   platform::Application::sharedApplication().runModalForWindow(built);
-  // Not before the run: after "Update" the window stays, in front and no longer modal.
+  // Repeated after the modal run: after "Update" the window remains visible and modeless.
   built->makeKeyAndOrderFront();
 }
 
@@ -66,12 +66,13 @@ void nimbatrayAppDelegate::refreshVersionAndBanners() {
   static_cast<void>(getBannerList());
 }
 
-// The notice is fetched between its heading and its text, the banner's picture once its view is there.
+// The notice is fetched after its heading was created and the banner's picture after its view was created.
+// Frozen: doc/compatibility.md.
 std::shared_ptr<platform::Window> nimbatrayAppDelegate::makeSupportWindow() {
   auto built = platform::Window::make(support_layout::window, platform::WindowStyle::TitledClosable);
   if (built == nullptr) return nullptr;
   built->setTitle("Support Tovalin");
-  // The keyboard goes from control to control in the order in which they are made.
+  // The tab order is the order in which the controls are created.
   const auto header = makeHeaderPanel();
   const auto faqButton = makeButtons();
   const auto notice = makeNoticePanel(*faqButton);
@@ -140,7 +141,7 @@ std::shared_ptr<View> nimbatrayAppDelegate::makeBannerBand() {
   return panel(support_layout::bannerBand, {bannerImgView});
 }
 
-// A link that the desktop may not be asked to open is shown and leads nowhere.
+// A link that is not allowed (isLink) is shown but opens nothing.
 void nimbatrayAppDelegate::setHyperlinkWithTextView(platform::TextView& view, const std::string& linkurl,
                                                     const std::string& linkString) {
   view.setSelectable(true);
@@ -152,8 +153,8 @@ void nimbatrayAppDelegate::setHyperlinkWithTextView(platform::TextView& view, co
 }
 
 void nimbatrayAppDelegate::supportWindowWillClose() {
-  // The message's format is "% supportWindow will be close.", in which "% s" is taken for a name to fill in;
-  // support scripts look for this line (doc/compatibility.md).
+  // The result of printf(3) with the format "% supportWindow will be close.", where "% s" is replaced by the
+  // method name. Support scripts search for this line. Frozen: doc/compatibility.md.
   platform::systemLog(LogPriority::Info,
                       "-[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close.");
   platform::Application::sharedApplication().stopModal();
@@ -167,6 +168,6 @@ void nimbatrayAppDelegate::supportWindowWillClose() {
 void nimbatrayAppDelegate::faqBtnClick() {
   platform::systemLog(LogPriority::Info, "-[nimbatrayAppDelegate faqBtnClick:] FAQ button click!");
   notificateGA("clickaction", "faqbtn");
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   platform::Workspace::sharedWorkspace().openURL(productServer() + "/support/tovalin/");
 }

@@ -12,7 +12,7 @@
 bool claimUpdaterFolder() {
   const int error = ::mkdir(updaterFolder, S_IRWXU) == 0 ? 0 : errno;
   if (error == 0 || platform::isOwnFolder(updaterFolder)) return true;
-  // What isn't there now may be put there by somebody else before the copy begins.
+  // A folder that does not exist could be created by another user before the copy begins.
   const std::string what = error == EEXIST
                                ? "updater's folder is not this user's alone : " + std::string(updaterFolder)
                                : "updater's folder can't be made. errno : " + std::to_string(error);

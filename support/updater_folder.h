@@ -1,12 +1,12 @@
 #pragma once
 
-inline constexpr const char* updaterFolder = "/tmp/tovalinupdate.app";  // doc/compatibility.md
+inline constexpr const char* updaterFolder = "/tmp/tovalinupdate.app";  // frozen: doc/compatibility.md
 
-// Makes the folder that the updater is copied to, in a place where everybody may make files, so that nobody
-// else has put anything into it. Also true when this user's own stands there, which nobody else may write.
-// False, and a line in the system log, when it is somebody else's or no folder, since the copy would follow
-// links in it, or when it can't be made. Any thread.
+// Creates the folder that the updater is copied to. /tmp is writable for all users, so the folder must not
+// contain another user's files. Returns true if it was created, or if it already exists, belongs to this user
+// and is writable for this user only. Otherwise writes an error to the system log and returns false, because
+// the copy would follow another user's symbolic links. Thread-safe.
 [[nodiscard]] bool claimUpdaterFolder();
 
-// Removes the folder where nothing was copied into it. Any thread.
+// Removes the folder if it is empty. Thread-safe.
 void dropEmptyUpdaterFolder();

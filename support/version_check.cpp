@@ -9,7 +9,7 @@
 
 int nimbatrayAppDelegate::getRecentVersion() {
   recentVersion.reset();
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   const auto body = fetchFromServer("/product/nimba/binary/tovalin_recent_version_info.xml");
   if (body) recentVersion = versionInList(*body);
   return recentVersion ? 1 : 0;

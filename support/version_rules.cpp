@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t updateCommandBufferSize = 512;  // doc/compatibility.md
+constexpr std::size_t updateCommandBufferSize = 512;  // frozen: doc/compatibility.md
 
 std::array<std::int64_t, 3> components(const std::optional<std::string>& version) {
   std::array<std::int64_t, 3> numbers{};
@@ -31,7 +31,7 @@ std::optional<std::string> versionInList(std::string_view body) {
 }
 
 std::optional<std::string> copyUpdaterCommand(std::string_view bundlePath) {
-  // doc/compatibility.md
+  // Frozen: doc/compatibility.md.
   std::string command = "cp -Rf " + std::string(bundlePath) + "/Contents/Resources/tovalinupdate.app /tmp/";
   if (command.size() >= updateCommandBufferSize) return std::nullopt;
   return command;

@@ -6,17 +6,17 @@
 
 #include "platform/property_list.h"
 
-// The decisions of the version check, as functions of what they decide on. Any thread.
+// Pure functions for the decisions of the version check. Thread-safe.
 
-// Whether `recent` is newer than `current`: the first three components, between the dots, are compared as
-// numbers, a missing one as 0. No version counts as 0.0.0.
+// Returns whether `recent` is newer than `current`. Compares the first three dot-separated components as
+// numbers; a missing component is 0, a missing version is 0.0.0.
 [[nodiscard]] bool isNewerVersion(const std::optional<std::string>& current,
                                   const std::optional<std::string>& recent);
 
-// The newest released version, from the body of the server's list: a dictionary whose "version" is a string.
-// Nothing for anything else.
+// Returns the newest released version from the body of the server's list, a dictionary with the string
+// "version". Returns nullopt for anything else.
 [[nodiscard]] std::optional<std::string> versionInList(std::string_view body);
 
-// The shell command that copies the updater out of the main application's bundle. Nothing when it would not
-// fit the 512 bytes that it may take with its terminator.
+// Returns the shell command that copies the updater out of the main application's bundle. Returns nullopt if
+// the command with its terminator exceeds 512 bytes.
 [[nodiscard]] std::optional<std::string> copyUpdaterCommand(std::string_view bundlePath);

@@ -17,7 +17,8 @@ std::optional<std::string> applicationPath() {
   return path;
 }
 
-// The user may have moved the folder elsewhere. Another user's link could name any folder of this one's.
+// Only a link of the user's own is followed: the user may have moved the folder, but another user's link
+// could lead to any of the user's folders.
 bool isLinkOfTheUser(const std::string& path) {
   struct stat status {};
   return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid == ::geteuid();

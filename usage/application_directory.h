@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-// The folder of this user's files of the product, "Tovalin" in the system's place for such. Made with the
-// folders above it when missing. It and the agent's files in it are made private to the user, where they are
-// not and are the user's own. Returns nullopt if there is no such place or it can't be made. Any thread.
+// Returns the folder "Tovalin" in the user's folder for program files. Creates it and its parents if missing.
+// Removes other users' access to it and to the agent's files in it, as far as they belong to the user.
+// Returns nullopt if there is no such folder or it cannot be created. Thread-safe.
 [[nodiscard]] std::optional<std::string> applicationDirectory();
 
-// Where the file `name` stands in that folder, without making the folder; nothing when there is no place for
-// it. Any thread.
+// Returns the path of the file `name` in that folder, without creating the folder. Returns nullopt if the
+// user has no folder for program files. Thread-safe.
 [[nodiscard]] std::optional<std::string> applicationFile(std::string_view name);

@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
-// Stores the agent's own version, CFBundleVersion of its bundle when it was started, in `version`. Returns 0;
-// or -1, `version` untouched, when the program runs outside a bundle or the bundle does not tell. Any thread.
+// Stores the agent's version, CFBundleVersion of its bundle at start, in `version` and returns 0. Returns -1
+// and leaves `version` unchanged if the program runs outside a bundle or the bundle has no version.
+// Thread-safe.
 [[nodiscard]] std::int32_t getBundleVersion(std::optional<std::string>& version);
 
-// What the callers log on failure. The message's format is "% getBundleVersion fail", in which printf(3)
-// takes "% g" for a number; support knows the line by what comes out of that
-// (doc/compatibility.md).
+// What callers log on failure. It is the result of printf(3) with the format "% getBundleVersion fail", where
+// "% g" formats a number. Frozen: doc/compatibility.md.
 inline constexpr std::string_view bundleVersionFailure = " 0etBundleVersion fail";

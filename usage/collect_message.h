@@ -8,22 +8,22 @@
 
 #include "usage/record_format.h"
 
-// A "-ncdat" message as it was read from the notification pipe: its first byte is the '-' of the command, and
-// what was not received is zero. The layout is in doc/usage_record_format.md.
+// A "-ncdat" message as read from the notification pipe. Begins with the command's '-'; bytes that were not
+// received are zero. Layout: doc/usage_record_format.md.
 using CollectMessage = std::span<const char, record_format::message::size>;
 
-// Points into its message.
+// The views point into the message.
 struct TransferEntry {
   std::int32_t kind;
-  std::string_view size;  // 8 bytes as they came, little-endian
+  std::string_view size;  // 8 bytes, little-endian, unchanged
   std::string_view name;
 };
 
-// The fields of a message. Every value of every byte is allowed: names end at their NUL, and a name without
-// one is cut to the longest that its field may hold. Pure; any thread.
+// Read the fields of a message. Any byte value is valid. A name ends at its NUL; a name without one is cut to
+// its maximum length. Thread-safe.
 [[nodiscard]] std::uint32_t dataCommandOf(CollectMessage message);
 [[nodiscard]] std::string_view deviceNameOf(CollectMessage message);
 [[nodiscard]] std::uint32_t entryCountOf(CollectMessage message);
 
-// The entries of a message with a count of at most `record_format::message::mostEntries`; none beyond it.
+// Returns the message's entries, at most `record_format::message::mostEntries`.
 [[nodiscard]] std::vector<TransferEntry> transferEntriesOf(CollectMessage message);

@@ -16,18 +16,18 @@ struct Range {
   char32_t last;
 };
 
-// Unicode's controls, its two separators, and the marks of the bidirectional algorithm.
+// Unicode's control characters, line and paragraph separators, and bidirectional formatting characters.
 constexpr std::array escaped{Range{0x00, 0x1f},     Range{0x7f, 0x9f},     Range{0x61c, 0x61c},
                              Range{0x200e, 0x200f}, Range{0x2028, 0x202e}, Range{0x2066, 0x2069}};
 
-// One character of the input and what is printed for it.
+// One input character and its printed form.
 struct Character {
   std::size_t bytes;
   std::string printed;
-  std::size_t width;  // of what is printed, in characters
+  std::size_t width;  // of the printed form, in characters
 };
 
-// The number of bytes of the character at the beginning of `text`; 0 if there is none in UTF-8.
+// Returns the length in bytes of the first character of `text`; 0 if it is not valid UTF-8.
 std::size_t lengthOfFirst(std::string_view text) {
   for (std::size_t length = 1; length <= std::min<std::size_t>(text.size(), 4); ++length) {
     if (utf8::is_valid(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length))) return length;
@@ -59,7 +59,7 @@ Character firstOf(std::string_view text) {
 std::string consoleText(std::string_view text) {
   std::string line;
   std::size_t width = 0;
-  std::size_t cut = 0;  // where the ellipsis goes: the longest beginning that leaves it its place
+  std::size_t cut = 0;  // length of the longest prefix that leaves space for the ellipsis
   while (!text.empty()) {
     const Character next = firstOf(text);
     if (width + next.width > maxCharacters) return line.substr(0, cut).append(ellipsis);

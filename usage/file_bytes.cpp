@@ -47,7 +47,7 @@ bool writeNewFile(const std::string& path, std::string_view text) {
     return false;
   }
   makePrivate(file);
-  // One byte or an identifier is written whole or, on a full disk, not at all, which leaves an empty file.
+  // A text this short is written completely or, on ENOSPC, not at all, which leaves an empty file.
   [[maybe_unused]] const ssize_t written = ::write(file.get(), text.data(), text.size());
   return true;
 }

@@ -8,22 +8,23 @@
 
 #include "platform/file_descriptor.h"
 
-// Whole small files: settings, identities, and days of usage that wait to be sent. Any thread.
+// Reading and writing whole small files: settings, identifiers and finished usage files. Thread-safe.
 
-// Opens for reading; never waits, whatever stands at the path, and follows no link there. Not valid on
-// failure, with errno set.
+// Opens the file for reading without blocking on a FIFO or following a symbolic link at `path`. Returns an
+// invalid descriptor and sets errno on failure.
 [[nodiscard]] platform::FileDescriptor openForReading(const std::string& path);
 
-// The size in bytes, 0 for what has none; nothing when it can't be told, with errno set.
+// Returns the size in bytes; 0 for files without a size, such as FIFOs. Returns nullopt and sets errno if
+// fstat(2) fails.
 [[nodiscard]] std::optional<std::size_t> sizeOf(const platform::FileDescriptor& file);
 
-// The size of the file at the path, without opening it or following a link there; nothing when there is none.
-// Leaves errno as it is.
+// Returns the size of the regular file at `path` without opening it. Returns nullopt if there is none; a
+// symbolic link does not count. Preserves errno.
 [[nodiscard]] std::optional<std::size_t> sizeOfFileAt(const std::string& path);
 
-// Fills all of `bytes` from where the file stands. False when there are fewer.
+// Reads until `bytes` is full. Returns false if the file ends or fails before.
 [[nodiscard]] bool readWhole(const platform::FileDescriptor& file, std::span<char> bytes);
 
-// Makes the file, or empties the one that is there, but never what a link there leads to, and writes `text`.
-// On failure to make it: "create file failed" on the error log, and false.
+// Creates or truncates the file at `path` and writes `text`. Does not follow a symbolic link at `path`. If
+// the file cannot be opened, writes "create file failed" to the error log and returns false.
 [[nodiscard]] bool writeNewFile(const std::string& path, std::string_view text);

@@ -32,7 +32,7 @@ std::string CreateUUID() {
   return platform::createUuidString();
 }
 
-// doc/compatibility.md
+// Frozen: doc/compatibility.md.
 void GetTovalinUUID(std::span<char> buffer) {
   const auto path = applicationFile("TovalinUUID.txt");
   if (!path || buffer.size() <= uuidTextLength) return;
@@ -43,7 +43,7 @@ void GetTovalinUUID(std::span<char> buffer) {
     if (*size == uuidTextLength) return readIdentifier(file, buffer);
     platform::errorLog("UUID is wrong, new UUID create.");
   } else if (sizeOfFileAt(*path) == uuidTextLength) {
-    // Whoever has no descriptor to spare just now is no other installation for that.
+    // Opening fails with EMFILE, for example. The stored identifier may be valid and must not be replaced.
     return platform::errorLog("create file failed");
   }
   makeIdentifier(*path, buffer);

@@ -4,15 +4,15 @@
 #include <span>
 #include <string>
 
-// The installation's identifier is the 36 characters of a UUID, in the file TovalinUUID.txt of the
-// application directory, without line end.
+// The installation's identifier is a UUID, stored as 36 characters without a line end in TovalinUUID.txt in
+// the application directory.
 inline constexpr std::size_t uuidTextLength = 36;
 
-// A fresh identifier. Any thread.
+// Returns a new random identifier. Thread-safe.
 [[nodiscard]] std::string CreateUUID();
 
-// Puts the installation's identifier into `buffer`, which must hold at least 37 zero bytes; those behind the
-// identifier stay as they are. A missing file, or one of any other size than 36 bytes, is replaced by a new
-// identifier; 36 bytes of any content are kept. What goes wrong stands on the error log, and leaves the
-// buffer untouched. Any thread.
+// Copies the installation's identifier into `buffer`, which must hold at least 37 zero bytes; bytes after the
+// identifier stay unchanged. A missing file, or one with a size other than 36 bytes, is replaced by a new
+// identifier; the content of 36 bytes is not checked. Errors go to the error log and leave `buffer`
+// unchanged. Thread-safe.
 void GetTovalinUUID(std::span<char> buffer);

@@ -11,7 +11,7 @@ namespace {
 using record_format::highestOsCode;
 using record_format::lowestOsCode;
 
-// The dotted number: what follows the word Version, else the whole text.
+// Returns the dotted release number: the word after "Version", or the whole text without that word.
 std::string_view releaseIn(std::string_view versionText) {
   const auto pieces = splitAtEach(versionText, " ()");
   const auto word = std::ranges::find(pieces, "Version");
@@ -27,7 +27,7 @@ std::uint8_t osCodeFor(std::string_view versionText) {
   const std::int64_t minor = parts.size() > 1 ? integerValue(parts[1]) : 0;
   if (major > 10) return highestOsCode;
   if (major < 10) return lowestOsCode;
-  // Clamped before the 9 is taken off: a minor may be the least number there is.
+  // Clamped before subtracting 9, because `minor` may be the lowest 64-bit integer.
   const std::int64_t release = std::clamp<std::int64_t>(minor, 9, 9 + highestOsCode - lowestOsCode);
   return static_cast<std::uint8_t>(lowestOsCode + (release - 9));
 }

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <string_view>
 
-// The one-byte code of the system's release that usage records carry: 64 (0x40) for anything before 10.10,
-// one more for each release up to 68 (0x44), which stands for 10.13 and all that came after, every later
-// major release included. The ceiling is meant: records keep their meaning.
+// Returns the one-byte code of the system's release in usage records: 64 (0x40) for releases before 10.10,
+// one more for each release up to 68 (0x44), which stands for 10.13 and everything later. New releases get no
+// new code, so that the meaning of existing records does not change. Thread-safe.
 [[nodiscard]] std::uint8_t osCodeFor(std::string_view versionText);
 
-// The code of the running system. Any thread.
+// Returns the code of the running system. Thread-safe.
 [[nodiscard]] std::uint8_t GetOSVersion();

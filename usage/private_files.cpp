@@ -14,7 +14,7 @@ namespace {
 
 constexpr mode_t accessOfOthers = S_IRWXG | S_IRWXO;
 
-// The user may keep other files in the folder.
+// Other files in the folder belong to the user and are left unchanged.
 bool isOfTheAgent(std::string_view name) {
   return name.ends_with(".dat") || name == "TovalinUUID.txt" || name == "TovalinServerOption.txt";
 }

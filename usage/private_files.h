@@ -4,11 +4,11 @@
 
 #include "platform/file_descriptor.h"
 
-// Usage data is for its user alone. Any thread; nothing is reported and nothing is thrown.
+// Restricts access to usage data to its user. Reports no errors and throws nothing. Thread-safe.
 
-// Takes all access of other users from an open file or folder. Only where it is this user's own.
+// Removes all permissions of group and others from an open regular file or folder if it belongs to this user.
 void makePrivate(const platform::FileDescriptor& file);
 
-// Does that for the folder at `path` and for the usage files, the identity and the server's option in it.
-// Follows no link.
+// Does the same for the folder at `path` and for the usage files, the identity file and the server option
+// file in it. Follows no symbolic links.
 void makeFolderPrivate(const std::string& path);

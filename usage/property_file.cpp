@@ -11,7 +11,7 @@ namespace {
 using platform::PropertyList;
 using platform::PropertyListError;
 
-// Support reads logs by these names of the steps: doc/compatibility.md
+// Support searches logs for these step names. Frozen: doc/compatibility.md.
 const char* messageFor(PropertyListError error) {
   switch (error) {
     case PropertyListError::BadPath:
@@ -34,7 +34,7 @@ std::int32_t fail(PropertyListError error) {
 }  // namespace
 
 std::int32_t GetProperty(const char* key, std::uint32_t& value) {
-  // "Porperty" is what installers write: doc/compatibility.md.
+  // The misspelling "Porperty" is frozen: doc/compatibility.md.
   const auto file =
       platform::readPropertyListFile(std::string(gBundlePath) + "/Contents/TovalinPorperty.plist");
   if (const auto* error = std::get_if<PropertyListError>(&file)) return fail(*error);

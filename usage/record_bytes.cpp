@@ -12,7 +12,7 @@ void add(std::string& bytes, Code code) {
   bytes += static_cast<char>(code);
 }
 
-// A length byte and the text it counts.
+// Adds a length byte followed by the text.
 void addCounted(std::string& bytes, std::string_view text) {
   bytes += static_cast<char>(text.size());
   bytes.append(text);
@@ -24,13 +24,11 @@ void addVersion(std::string& bytes, std::string_view bundleVersion) {
   addCounted(bytes, record_format::fixedVersion);
 }
 
-// Puts the last digits of `value` before `end`, so that every clock gives a text of
-// the same length.
+// Writes the last `digits` digits of `value` before `end`, so that any time yields a text of the same length.
 void putDigits(char* end, int digits, int value) {
   for (; digits > 0; --digits, value /= 10) *--end = static_cast<char>('0' + std::abs(value % 10));
 }
 
-// `separator` stands between year, month and day.
 std::array<char, record_format::dateLength> dateText(const std::tm& day, char separator) {
   std::array<char, record_format::dateLength> text;
   text.fill(separator);

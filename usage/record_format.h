@@ -4,21 +4,20 @@
 #include <cstdint>
 #include <string_view>
 
-// The numbers and fixed texts of the usage record file and of the "-ncdat" message, which
-// doc/usage_record_format.md describes and doc/compatibility.md freezes. Whoever writes, sends or reads them
-// takes the numbers from here.
+// Constants of the usage record file and of the "-ncdat" message (doc/usage_record_format.md), shared by
+// writers, senders and readers. Frozen: doc/compatibility.md.
 namespace record_format {
 
 inline constexpr std::string_view magic = "TVLD";
-inline constexpr std::string_view fixedVersion = "1.0.0.0";  // stands behind every bundle version
+inline constexpr std::string_view fixedVersion = "1.0.0.0";  // follows every bundle version
 inline constexpr std::string_view unknownBundleVersion = "0.0.0";
 inline constexpr std::string_view unknownDeviceName = "Unknown";
 
-// The byte that an item begins with.
+// The first byte of an item.
 enum class Code : std::uint8_t {
   Identifier = 0x00,
-  OperatingSystem = 0x01,  // in the header, right behind the identifier
-  Version = 0x01,          // in the header, and as the beginning of a start record
+  OperatingSystem = 0x01,  // in the header, after the identifier
+  Version = 0x01,          // in the header, and at the beginning of a start record
   StartTime = 0x02,
   Quit = 0x03,
   DeviceEvent3 = 0x04,
@@ -31,19 +30,19 @@ inline constexpr std::size_t dateLength = 10;  // YYYY-MM-DD
 inline constexpr std::size_t timeLength = 19;  // YYYY-MM-DD HH:MM:SS
 inline constexpr std::size_t sizeFieldWidth = 8;
 
-inline constexpr std::size_t longestIdentifierText = 49;  // with its braces
+inline constexpr std::size_t longestIdentifierText = 49;  // including the braces
 inline constexpr std::size_t longestBundleVersion = 15;
 inline constexpr std::size_t longestDeviceName = 63;
 inline constexpr std::size_t longestTransferName = 9;
 
-// The longest records, each with its code and the length bytes before its texts.
+// The maximum record lengths, including the code and the length bytes of texts.
 inline constexpr std::size_t longestDeviceEvent = 1 + 1 + timeLength + 1 + longestDeviceName;
 inline constexpr std::size_t longestTransfer = 1 + 1 + sizeFieldWidth + 1 + longestTransferName;
 
 inline constexpr std::uint8_t lowestOsCode = 64;
 inline constexpr std::uint8_t highestOsCode = 68;
 
-// Where the fields of a "-ncdat" message stand. Integers are little-endian.
+// Field offsets in a "-ncdat" message. Integers are little-endian.
 namespace message {
 
 inline constexpr std::size_t size = 1024;

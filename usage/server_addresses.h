@@ -2,13 +2,12 @@
 
 #include <string>
 
-// Where the product's servers are, each an origin such as "https://www.tovalin.example", without a slash at
-// its end: the key of the agent's own Info.plist, so that a bundle can be pointed elsewhere without being
-// built anew; else the address that the agent was built with. As it was when the agent was started; any
-// thread.
+// The origins of the product's servers, such as "https://www.tovalin.example", without a trailing slash.
+// Returns the value of the given key in the agent's Info.plist as of the agent's start, so that a bundle can
+// use other servers without a rebuild; without that key, the address set at build time. Thread-safe.
 
-// Key "TovalinProductServer".
+// Key: "TovalinProductServer".
 [[nodiscard]] std::string productServer();
 
-// Key "TovalinTestUploadServer".
+// Key: "TovalinTestUploadServer".
 [[nodiscard]] std::string testUploadServer();

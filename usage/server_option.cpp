@@ -9,7 +9,7 @@
 
 namespace {
 
-// doc/compatibility.md
+// Frozen: doc/compatibility.md.
 constexpr char productServerOption = '1';
 constexpr char testUploadServer = '0';
 constexpr std::size_t longestOption = 1;
@@ -39,7 +39,7 @@ int GetTovalinServerOption() {
     makePrivate(file);
     if (*size <= longestOption) return storedOption(file, *size);
   } else if (sizeOfFileAt(*path).value_or(longestOption + 1) <= longestOption) {
-    // One that is there and can't be opened for now may be right.
+    // The file exists but cannot be opened now; its content may be valid and must not be replaced.
     return unknownOption("create file failed");
   }
   static_cast<void>(writeNewFile(*path, std::string_view(&productServerOption, 1)));

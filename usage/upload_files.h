@@ -5,23 +5,23 @@
 #include <string>
 #include <vector>
 
-// A past file beyond this many bytes is not read: the agent's memory stays bounded.
+// The maximum size of a usage file to upload, in bytes. Bounds the agent's memory.
 inline constexpr std::size_t largestUpload = std::size_t{256} << 20;
 
-// The names in the folder that end with ".dat", in the order in which the system lists them; none when it
-// can't be listed. Any thread.
+// Returns the names in the folder that end with ".dat", in directory order; an empty list if the folder
+// cannot be read. Thread-safe.
 [[nodiscard]] std::vector<std::string> uploadCandidates(const std::string& folder);
 
-// The bytes of a file, held once; nothing when it is no regular file, can't be read whole, or is too large.
-// Never waits for whoever holds another end of it. Any thread.
+// Returns the bytes of a file. Returns nullopt if it is not a regular file, cannot be read completely, or
+// exceeds `largestUpload`. Never blocks on a FIFO. Thread-safe.
 [[nodiscard]] std::optional<std::string> contentsOfFile(const std::string& path);
 
-// A file that the server has.
+// A file that the server has received.
 struct SentFile {
   std::string path;
-  std::size_t size;  // of what was sent
+  std::size_t size;  // when it was sent
 };
 
-// Deletes it, unless it has grown since, or may have: what was added is not on the server yet. Failure is
-// ignored; the file is then sent again. Any thread.
+// Deletes the file unless it has grown since it was sent, because the server lacks the new records. Errors
+// are ignored; the file is then sent again. Thread-safe.
 void removeSentFile(const SentFile& file);

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Frozen, as the whole form is: doc/compatibility.md.
+// Frozen, like the rest of the form: doc/compatibility.md.
 constexpr std::string_view boundary = "---------------------------14737809831466499882746641449";
 constexpr std::string_view uploadPath = "/product/nimba/userlog/postdata.php";
 

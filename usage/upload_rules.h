@@ -8,40 +8,41 @@
 
 #include "platform/url_request.h"
 
-// What a tick of the one-minute timer does about the upload of finished days.
+// The upload decisions of one tick of the one-minute timer.
 struct UploadTick {
-  bool dateChanged = false;  // another day of the month than the stored time's: the tick's time is stored
-  bool passIsDue = false;    // an upload pass runs now
+  bool dateChanged =
+      false;               // the day of the month differs from the stored time's; the current time is stored
+  bool passIsDue = false;  // run an upload pass now
   bool operator==(const UploadTick&) const = default;
 };
 
-// A pass waits until the minute of the clock equals the second at which the date was seen to change, so that
-// installations spread their uploads over the first hour of the day. Only the day of the month is compared. A
-// minute that was slept through comes again an hour later. Pure; any thread.
+// Computes the decisions of a tick. A pass is due when the minute of the clock equals the second at which the
+// date change was detected, so that installations spread their uploads over the first hour of the day. Only
+// the day of the month is compared. A pass missed during sleep is due again one hour later. Thread-safe.
 [[nodiscard]] UploadTick uploadTick(const std::tm& stored, const std::tm& now, bool uploadIsWaiting);
 
-// Where uploads go: `origin` is the product server's, or the test upload server's, as in
-// "https://www.tovalin.example". Always over plain HTTP. Pure; any thread.
+// Returns the upload URL, always plain HTTP. `origin` is that of the product server or of the test upload
+// server, as in "https://www.tovalin.example". Thread-safe.
 [[nodiscard]] std::string uploadAddress(std::string_view origin);
 
-// A form of RFC 7578 with one file in it: the header's line, and what stands before and behind the file's
-// bytes. The line end before the first delimiter is meant: the server's parser knows it. Pure; any thread, as
-// all here.
+// A multipart form (RFC 7578) with one file: the request header and the bytes before and after the file's
+// contents. The server's parser expects the line break before the first delimiter. Thread-safe, like all
+// functions here.
 [[nodiscard]] std::string uploadContentType();
 [[nodiscard]] std::string uploadBodyHead();  // 177 bytes
 [[nodiscard]] std::string uploadBodyTail();  // 64 bytes
 
-// What stands around the file's bytes, for as long as a request with them lives.
+// The bytes around the file's contents. Must outlive a request made with it.
 struct UploadForm {
   std::string head = uploadBodyHead();
   std::string tail = uploadBodyTail();
 };
 
-// The request that sends `contents` to the server at `origin`. It points into `form` and `contents`. A
-// redirect is followed over plain HTTP alone.
+// Returns a request that sends `contents` to the server at `origin`. It refers to `form` and `contents`.
+// Redirects are followed over plain HTTP only.
 [[nodiscard]] platform::UrlRequest uploadRequest(std::string_view origin, const UploadForm& form,
                                                  std::span<const char> contents);
 
-// Whether a reply counts as received: its text is UTF-8, an empty one included. Overlong forms, surrogates
-// and anything beyond U+10FFFF are none.
+// Returns whether `text` is valid UTF-8, in which case a reply counts as received; an empty one is valid.
+// Overlong forms, surrogates and values beyond U+10FFFF are invalid.
 [[nodiscard]] bool isUtf8(std::string_view text);

@@ -20,7 +20,8 @@ bool isRegular(int descriptor) {
 }  // namespace
 
 std::optional<UsageFile> UsageFile::open(const std::string& path) {
-  // Not waiting for the other end of a pipe that somebody put there, nor following a link to another file.
+  // Does not wait for the other end of a FIFO and does not follow a symbolic link, either of which another
+  // user may have put there.
   constexpr int flags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
   platform::FileDescriptor descriptor(::open(path.c_str(), flags, S_IRUSR | S_IWUSR));
   if (!descriptor.valid()) return std::nullopt;
@@ -29,12 +30,12 @@ std::optional<UsageFile> UsageFile::open(const std::string& path) {
   const int lockError = errno;
   const off_t length = ::lseek(descriptor.get(), 0, SEEK_END);
   if (length == -1) return std::nullopt;
-  // The header is written once, so only under the lock.
+  // The header must be written only once, so an empty file is opened only with the lock.
   if (length == 0 && !lock.valid()) {
     errno = lockError;
     return std::nullopt;
   }
-  // Devices measure nothing, too.
+  // The length of a device is 0, too.
   if (length == 0 && !isRegular(descriptor.get())) {
     errno = EINVAL;
     return std::nullopt;
@@ -52,7 +53,7 @@ bool UsageFile::append(std::string_view bytes) {
   }
   if (written >= 0) errno = ENOSPC;
   platform::errorLog("write log failed");
-  // Without the lock, what stands behind may be another writer's.
+  // Without the lock, bytes after this write may belong to another writer, so the file is not truncated.
   if (written <= 0 || !lock_.valid()) return false;
   [[maybe_unused]] const int result = ::ftruncate(descriptor_.get(), length_);
   return false;

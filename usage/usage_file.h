@@ -8,31 +8,30 @@
 
 #include "platform/file_descriptor.h"
 
-// One day's file, open for appending, for as long as the object lives. Meanwhile no other writer of usage
-// files, in this process or another, writes, except as described at open. Any thread; an object belongs to
-// one.
+// One day's usage file, open for appending. While the object exists, no other writer in this or another
+// process writes usage files, except as described at open. Usable on any thread, by one thread at a time.
 class UsageFile {
  public:
   UsageFile() = default;
 
-  // Opens the file at `path`, made when missing, and makes it private to the user. Takes the lock of
-  // usage/usage_lock.h, for which it waits up to 1 s. Without the lock, records are appended to a non-empty
-  // file and an empty one is not opened. Returns nullopt on failure, with errno set: ENOENT without the
-  // folder, EINVAL or ESPIPE for what is no regular file, EWOULDBLOCK for an empty file while another writer
-  // has the lock.
+  // Opens the file at `path`, creates it if missing, and makes it private to the user. Waits up to 1 s for
+  // the lock of usage/usage_lock.h. Without the lock, records are appended to a non-empty file, and an empty
+  // file is not opened. Returns nullopt and sets errno on failure: ENOENT if the folder does not exist,
+  // EINVAL or ESPIPE if the file is not regular, EWOULDBLOCK if it is empty and another writer holds the
+  // lock.
   [[nodiscard]] static std::optional<UsageFile> open(const std::string& path);
 
   [[nodiscard]] bool isEmpty() const { return length_ == 0; }
 
-  // Puts `bytes` at the end in one write. When they don't fit whole, none of them stays: false, and
-  // "write log failed" on the error log.
+  // Appends `bytes` in one write(2). If they do not fit, removes the partial record, writes "write log
+  // failed" to the error log and returns false.
   [[nodiscard]] bool append(std::string_view bytes);
 
  private:
   UsageFile(platform::FileDescriptor descriptor, platform::FileDescriptor lock, off_t length)
       : lock_(std::move(lock)), descriptor_(std::move(descriptor)), length_(length) {}
 
-  platform::FileDescriptor lock_;  // not valid where it was not to be had
+  platform::FileDescriptor lock_;  // not valid if it could not be acquired
   platform::FileDescriptor descriptor_;
   off_t length_ = 0;
 };

@@ -16,9 +16,8 @@ namespace {
 constexpr auto maxWait = 1s;
 constexpr auto pauseBetweenTries = 1ms;
 
-// Returns false if another writer held the lock all the time. It is tried for without waiting and again
-// later, because flock(2) itself has no time limit. A file system without locks (ENOLCK) has no other writers
-// to wait for.
+// Returns false if another writer held the lock until the end of `maxWait`. Polls with LOCK_NB, because
+// flock(2) has no timeout. On a file system without locks (ENOLCK), proceeds as if locked.
 bool waitForLock(int descriptor) {
   const auto end = std::chrono::steady_clock::now() + maxWait;
   while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
@@ -37,8 +36,8 @@ platform::FileDescriptor openLockFile(const std::string& path) {
   return platform::FileDescriptor(::open(path.c_str(), flags, S_IRUSR | S_IWUSR));
 }
 
-// Whether no other user can have opened the file: others may have put one there while the folder was open to
-// them, or may reach it by another name.
+// Returns whether no other user can have opened the file. Another user may have created it while the folder
+// was writable for others, or may reach it through a hard link.
 bool isOwnAlone(int descriptor) {
   struct stat status {};
   return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid() &&

@@ -4,10 +4,10 @@
 
 #include "platform/file_descriptor.h"
 
-// Locks the usage files in `folder` against other writers, in this process and others. The lock ends with the
-// returned descriptor. It is a file of its own that no other user can open: a lock on a usage file could be
-// held by anyone who opened that for reading before it was made private.
+// Locks the usage files in `folder` against other writers in this and other processes. The lock is released
+// with the returned descriptor. It is held on a separate file that no other user can open; a usage file
+// itself could be locked by anyone who opened it before it was made private.
 //
-// Waits up to 1 s for the writer that holds it. Not valid on failure, with errno set: EWOULDBLOCK at the end
-// of that time, else why there is no lock file. Any thread.
+// Waits up to 1 s. Returns an invalid descriptor and sets errno on failure: EWOULDBLOCK on timeout, otherwise
+// the reason why the lock file cannot be used. Thread-safe.
 [[nodiscard]] platform::FileDescriptor lockUsageFiles(const std::string& folder);

@@ -34,7 +34,7 @@ std::string bundleVersionForRecord() {
   return std::string(record_format::unknownBundleVersion);
 }
 
-// The folder is made only when the file can't be had without: a record costs no more than its file.
+// Creates the folder only after ENOENT, so that a record normally costs only the access to its file.
 std::optional<UsageFile> openInApplicationDirectory(const std::string& name) {
   const auto path = applicationFile(name);
   if (!path) return std::nullopt;

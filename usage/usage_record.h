@@ -7,30 +7,30 @@
 #include "usage/usage_file.h"
 
 // The writers of the usage records. Each opens the file of the current local day, appends its record and
-// closes the file again, so that records are split at midnight and no two writers mix within one. What goes
-// wrong stands on the error log or in the system log; the record is then dropped. Any thread; nothing is
-// thrown.
+// closes the file, so that records are split at midnight and each record is contiguous. On failure, an error
+// is written to the error log or the system log and the record is dropped. Throws nothing. Thread-safe.
 
-// Opens the file of the day `now` in the application directory, making both when missing, and writes the
-// header into an empty one. On failure "open log failed" on the error log, and false. A writer hands on the
-// time that it puts into its record, so that both are of the same day.
+// Opens the file of the day `now` in the application directory, creates folder and file if missing, and
+// writes the header into an empty file. On failure, writes "open log failed" to the error log and returns
+// false. A writer passes the time in its record as `now`, so that both refer to the same day.
 [[nodiscard]] bool TvlDataOpenFile(UsageFile& file, const std::tm& now = platform::currentLocalTime());
 
-// Writes the header of the day `now`. False when it could not be written whole.
+// Writes the header for the day `now`. Returns false if it could not be written completely.
 [[nodiscard]] bool TvlWriteHeadDataToFile(UsageFile& file, const std::tm& now = platform::currentLocalTime());
 
-// The agent has started: the version and the time.
+// Records the start of the agent: version and time.
 void TvlWriteStartToFile();
 
-// The agent ends: the time.
+// Records the end of the agent: the time.
 void TvlWriteQuitToFile();
 
-// Records what a "-ncdat" message tells, a device event or transfers; "unknown command" in the system log
-// when it is neither.
+// Records the device event or the transfers of a "-ncdat" message. Writes "unknown command" to the system log
+// if it holds neither.
 void TvlGetCollectData(CollectMessage message);
 
-// A device event (data command 3 or 4); nothing for any other command.
+// Records a device event (data command 3 or 4). Ignores other commands.
 void TvlWriteMountDataToFile(CollectMessage message);
 
-// The 1 to 30 transfers of a message; with any other count "data count wrong!!" on the error log.
+// Records the 1 to 30 transfers of a message. For any other count, writes "data count wrong!!" to the error
+// log.
 void TvlWriteTransferDataToFile(CollectMessage message);

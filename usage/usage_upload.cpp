@@ -32,7 +32,7 @@ bool nimbatrayAppDelegate::TvlDataFileCheck() {
   if (!folder) return true;
   const auto names = uploadCandidates(*folder);
   const std::string today = usageFileName(platform::currentLocalTime());
-  std::optional<SentFile> sent;  // the file before; its deletion is the next step's first act
+  std::optional<SentFile> sent;  // the previous file, deleted at the beginning of the next step
   for (const std::string& name : names) {
     if (sent) removeSentFile(*sent);
     sent.reset();

@@ -29,7 +29,7 @@ std::int64_t integerValue(std::string_view text) {
   const bool negative = text.starts_with('-');
   if (negative || text.starts_with('+')) text.remove_prefix(1);
 
-  // Counted downwards, since the range reaches one further there.
+  // Accumulates negative values, because the lowest integer has no positive counterpart.
   constexpr auto lowest = std::numeric_limits<std::int64_t>::min();
   std::int64_t value = 0;
   for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {

@@ -4,11 +4,11 @@
 #include <string_view>
 #include <vector>
 
-// The parts that versions are compared by. Any thread.
+// Helpers for parsing version texts. Thread-safe.
 
-// The pieces of `text` between every character of `separators`; empty pieces count. They point into `text`.
+// Splits `text` at every character of `separators` and keeps empty pieces. The pieces point into `text`.
 [[nodiscard]] std::vector<std::string_view> splitAtEach(std::string_view text, std::string_view separators);
 
-// The number that `text` begins with: white space is skipped, then come an optional sign and decimal digits
-// up to the first other character. 0 without digits; a number beyond 64 bits gives the nearest one within.
+// Returns the number at the beginning of `text`: optional white space, an optional sign and decimal digits up
+// to the first other character. Returns 0 if there are no digits. Saturates at the limits of 64 bits.
 [[nodiscard]] std::int64_t integerValue(std::string_view text);
