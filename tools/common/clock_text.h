@@ -5,7 +5,7 @@
 
 namespace tools {
 
-// The local time of day to the millisecond, as in "14:03:07.123". Any thread.
+// Returns the local time of day with milliseconds, as in "14:03:07.123". Thread-safe.
 [[nodiscard]] std::string clockText(std::chrono::system_clock::time_point time);
 
 }  // namespace tools

@@ -28,7 +28,7 @@ bool CommandLine::readOptions(int argc, char** argv) const {
   known.push_back({nullptr, 0, nullptr, 0});
   int index = 0;
   for (int found = 0; (found = ::getopt_long(argc, argv, "", known.data(), &index)) != -1;) {
-    if (found != 0) return false;  // getopt_long has said why
+    if (found != 0) return false;  // getopt_long has printed the error
     const char* const value = options_[static_cast<std::size_t>(index)].hasValue ? optarg : "";
     if (!options_[static_cast<std::size_t>(index)].take(value)) return false;
   }

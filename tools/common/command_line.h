@@ -7,7 +7,8 @@
 
 namespace tools {
 
-// A tool's command line: long options, each with what takes it, and arguments. Used once, by one thread.
+// Parser for a tool's command line: long options, each with a handler, and arguments. For one use by one
+// thread.
 class CommandLine {
  public:
   using Take = std::function<bool(const std::string&)>;
@@ -15,16 +16,16 @@ class CommandLine {
 
   explicit CommandLine(std::string tool) : tool_(std::move(tool)) {}
 
-  // `set` outlives this object, as `name` does.
+  // `set` and `name` must outlive this object.
   void addFlag(const char* name, bool& set);
-  // `take` gets the option's value; it returns false after it has complained.
+  // `take` receives the option's value. If the value is invalid, it prints an error and returns false.
   void addValue(const char* name, Take take);
 
-  // Hands out what is there, the arguments last. False when the line is wrong, after saying on standard error
-  // how.
+  // Calls the handlers, then `takeArguments`. Returns false after printing an error on standard error if the
+  // command line is invalid.
   [[nodiscard]] bool read(int argc, char** argv, const TakeAll& takeArguments);
 
-  // Says so on standard error. False, always.
+  // Prints an error on standard error. Always returns false.
   bool complain(const std::string& text) const;
 
  private:

@@ -5,11 +5,11 @@
 
 namespace tools {
 
-// The bytes as text that fits a terminal and a line of a log: printable ASCII as it is, but \" and \\, all
-// else as \xNN. Any thread.
+// Returns the bytes in a form that is safe for a terminal and a log line: printable ASCII unchanged, except
+// \" and \\; all other bytes as \xNN. Thread-safe.
 [[nodiscard]] std::string escapedText(std::string_view bytes);
 
-// The same between double quotes.
+// The same in double quotes.
 [[nodiscard]] std::string quotedText(std::string_view bytes);
 
 }  // namespace tools

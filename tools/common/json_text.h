@@ -7,11 +7,11 @@ namespace tools {
 
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 
-// The bytes as a JSON string with its quotes. Valid UTF-8 stands as it is, but for what JSON wants escaped;
-// every byte that is no part of valid UTF-8 becomes U+FFFD.
+// Returns the bytes as a JSON string with quotes. Escapes what JSON requires and replaces each byte that is
+// not part of valid UTF-8 by U+FFFD. Thread-safe, as all functions here.
 [[nodiscard]] std::string jsonString(std::string_view bytes);
 
-// Two lower-case digits for each byte.
+// Returns two lower-case hexadecimal digits for each byte.
 [[nodiscard]] std::string hexText(std::string_view bytes);
 
 }  // namespace tools

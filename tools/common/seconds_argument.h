@@ -6,8 +6,8 @@
 
 namespace tools {
 
-// A time given on a command line in seconds, with or without decimals, as in "10" or "0.5"; up to 1,000,000
-// s, rounded to the millisecond. Nothing when it is no such number.
+// Parses a command-line time in seconds, with or without decimals, as in "10" or "0.5"; at most 1,000,000 s,
+// rounded to milliseconds. Returns nullopt if it is invalid.
 [[nodiscard]] std::optional<std::chrono::milliseconds> secondsArgument(std::string_view text);
 
 }  // namespace tools

@@ -8,10 +8,10 @@
 
 namespace tools {
 
-// Takes SIGINT and SIGTERM for the whole program and calls `onStop` at the first of them, on a thread of its
-// own, where everything may be called; later ones are dropped. Make it before the program's first thread,
-// which would otherwise still take the signals in the default way. Both signals stay blocked when it goes
-// away.
+// Handles SIGINT and SIGTERM for the whole program. Calls `onStop` at the first signal, on a thread of its
+// own and not in a signal handler; ignores later signals. Create it before any other thread, because threads
+// inherit the signal mask and an unmasked thread would be terminated by the default action. Both signals stay
+// blocked after destruction.
 class StopSignals {
  public:
   explicit StopSignals(std::function<void()> onStop);

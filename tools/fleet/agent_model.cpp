@@ -7,7 +7,7 @@
 namespace fleet {
 namespace {
 
-// Some month; the rule asks for the day of the month alone.
+// Any day of a month will do, because uploadTick uses only the day of the month.
 constexpr Seconds firstDayOfMonth = 10;
 
 std::tm brokenDown(Seconds time) {
@@ -62,7 +62,8 @@ void AgentModel::tickUntil(Seconds end) {
   uploadDelayed(end);
 }
 
-// Without a waiting upload a tick of the stored day does nothing; ten million days can't afford to ask.
+// Without a pending upload, a tick within the stored day does nothing. Skipping these ticks keeps the
+// simulation of ten million days fast.
 void AgentModel::skipIdleTicks(Seconds end) {
   const Seconds midnight = (storedDay_ + 1) * day;
   nextTick_ += ticksUpTo(nextTick_, std::min(end, midnight)) * minute;

@@ -9,7 +9,7 @@
 
 namespace fleet {
 
-// What an installation does, as the model below comes to it. Times are local.
+// Receives the events of a simulated installation. Times are local.
 class Events {
  public:
   Events() = default;
@@ -18,20 +18,20 @@ class Events {
   virtual ~Events() = default;
 
   virtual void launch(Seconds time) = 0;
-  // A pass over `files` finished days, one request each. Not called for a pass that finds none.
+  // An upload pass over `files` finished days, one request each. Not called if there are no files.
   virtual void upload(Seconds time, int files) = 0;
 };
 
-// The part of one agent that decides when it uploads: the day's file, the one-minute timer, which stands
-// still while the machine sleeps, and the product's own `uploadTick`. Every upload succeeds.
+// Models the parts of an agent that determine when it uploads: the day's file, the one-minute timer, which
+// stops while the machine sleeps, and the product's own `uploadTick`. Every upload succeeds.
 class AgentModel {
  public:
-  // `delay`: a changed rule, by which a pass after a change of date waits for a random time below it; 0 is
+  // `delay` models a changed rule: a pass after a date change is delayed by a random time below `delay`; 0 is
   // the product's rule. `events` and `random` must outlive the model.
   AgentModel(Seconds delay, Random& random, Events& events)
       : delay_(delay), random_(random), events_(events) {}
 
-  // Runs follow one another in their order.
+  // Simulates one run. Call in chronological order.
   void run(const Run& run);
 
  private:

@@ -6,7 +6,7 @@
 namespace fleet {
 namespace {
 
-// A time of day, bell-shaped around its middle.
+// A random time of day with a bell-shaped distribution.
 struct TimeOfDay {
   Seconds middle;
   Seconds deviation;
@@ -21,12 +21,12 @@ constexpr TimeOfDay officeOpens{8 * hour + 45 * minute, 35 * minute};
 constexpr TimeOfDay officeCloses{17 * hour + 45 * minute, 60 * minute};
 constexpr TimeOfDay bedtime{23 * hour + 30 * minute, 60 * minute};
 constexpr TimeOfDay wakeTime{7 * hour + 15 * minute, 50 * minute};
-// The machine's start and the log-in, behind the return of the power.
+// The delay after the return of power covers booting and login.
 constexpr Seconds powerReturns = 20 * hour;
 constexpr TimeOfDay powerCutLaunch{powerReturns + 75, 13};
 constexpr Seconds warmUpDays = 2;
 
-// The drawn runs, whose elements keep their memory between installations.
+// Reuses the elements of `runs`, so that their memory is allocated only once.
 class RunList {
  public:
   explicit RunList(std::vector<Run>& runs) : runs_(runs) {}
@@ -54,7 +54,7 @@ void drawOfficeDays(Seconds firstDay, Seconds lastDay, Random& random, RunList& 
     runs.add(officeOpens.draw(each, random), officeCloses.draw(each, random));
 }
 
-// The end of a run is the next one's launch, or the end of the plan.
+// A run ends when the next one is launched, or at the end of the plan.
 void start(Seconds launch, Seconds endOfPlan, RunList& runs) {
   if (Run* before = runs.last()) before->end = launch;
   runs.add(launch, endOfPlan);

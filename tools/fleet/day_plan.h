@@ -10,14 +10,14 @@
 
 namespace fleet {
 
-// The machine sleeps: its agent's timer stands still, its clock goes on.
+// A period in which the machine sleeps: the agent's timer stops, the clock continues.
 struct Nap {
   Seconds from;
   Seconds to;
   bool operator==(const Nap&) const = default;
 };
 
-// One run of the agent, from its launch to its end, with the naps in it in their order.
+// One run of the agent, with its naps in chronological order.
 struct Run {
   Seconds launch;
   Seconds end;
@@ -25,27 +25,28 @@ struct Run {
   bool operator==(const Run&) const = default;
 };
 
-// When agents are started. The numbers are assumptions; they stand in the help.
+// When agents are launched. The times are assumptions, which the help text lists.
 enum class Launches {
-  Uniform,   // once a day, at any second while the machine is awake; on until the next start
-  Office,    // in the morning, about 08:45; off in the evening, about 17:45
-  PowerCut,  // once, half a minute to two minutes after the power returned at 20:00; on from then
+  Uniform,   // once a day, at a random time while the machine is awake; until the next launch
+  Office,    // from about 08:45 to about 17:45
+  PowerCut,  // once, 0.5 to 2 minutes after power returns at 20:00; runs from then on
 };
 
 using LaunchMix = std::vector<Weighted<Launches>>;
 
-// "uniform", "office", "power-cut", or a mix such as "office=3,uniform=1". Returns nullopt if it is none.
+// Parses "uniform", "office", "power-cut" or a mix such as "office=3,uniform=1". Returns nullopt if it is
+// invalid.
 [[nodiscard]] std::optional<LaunchMix> launchesOf(std::string_view text);
 
-// The 24 hours of local time that are counted.
+// The 24 hours of local time to be counted.
 struct Span {
   Seconds from;
   Seconds to;
 };
 
-// Draws the runs of one installation into `runs`, whose memory is used again: those that reach into
-// `counted`, and those of the two days before, which decide what is left to upload. `sleeps`: the machine
-// sleeps at night, from about 23:30 to about 07:15; an office machine is off then anyway.
+// Draws the runs of one installation into `runs`, reusing its memory: the runs that overlap `counted`, and
+// those of the two days before, which determine the files to upload. `sleeps`: the machine sleeps at night,
+// from about 23:30 to about 07:15; office machines are off then anyway.
 void drawRuns(Launches launches, bool sleeps, Span counted, Random& random, std::vector<Run>& runs);
 
 }  // namespace fleet

@@ -22,7 +22,7 @@ Status cannotWrite(const std::string& path) {
   return fail("cannot write " + tools::quotedText(path) + ": " + std::generic_category().message(errno));
 }
 
-// Before the simulation, which may take minutes.
+// Called before the simulation, which may take minutes, so that an error is reported early.
 Status open(std::ofstream& file, const std::string& path) {
   if (path.empty()) return Done;
   file.open(path);
@@ -37,7 +37,7 @@ Status written() {
   return std::cout.flush() ? Done : fail("cannot write the output");
 }
 
-// Writes each installation's plan where one is asked for.
+// Also writes each installation's plan if the option is set.
 Status simulateInto(fleet::FleetDay& result, const fleet::Options& options, std::ofstream& plan) {
   if (options.plan.empty()) {
     result = fleet::simulate(options.settings);

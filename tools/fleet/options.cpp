@@ -9,7 +9,7 @@
 namespace fleet {
 namespace {
 
-// What 32-bit counters of one second hold, and far more than there are computers.
+// The capacity of the 32-bit counters per second, and far more than any real number of installations.
 constexpr std::int64_t mostInstallations = 1'000'000'000;
 constexpr std::int64_t largestFile = std::int64_t{256} << 20;
 
@@ -23,7 +23,7 @@ std::optional<std::int64_t> numberIn(const std::string& text, std::int64_t least
   return good ? std::optional(number) : std::nullopt;
 }
 
-// "40" or "12.5"
+// Accepts "40" or "12.5".
 std::optional<double> percentIn(const std::string& text) {
   double number = 0;
   const char* const end = text.data() + text.size();
@@ -32,7 +32,7 @@ std::optional<double> percentIn(const std::string& text) {
   return good ? std::optional(number) : std::nullopt;
 }
 
-// Takes a whole number within bounds.
+// Returns a handler for an integer option with bounds.
 template <typename Number>
 tools::CommandLine::Take number(const tools::CommandLine& line, std::string name, std::int64_t least,
                                 std::int64_t most, Number& place) {

@@ -11,13 +11,13 @@ namespace fleet {
 struct Options {
   bool help = false;
   bool json = false;
-  std::string picture = {};  // a path; empty: none
-  std::string plan = {};     // a path; empty: none
+  std::string picture = {};  // a path, or empty
+  std::string plan = {};     // a path, or empty
   Settings settings = {};
   Description description = {};
 };
 
-// Reads the command line. Returns nullopt if it is wrong, after saying on standard error how.
+// Parses the command line. Returns nullopt after printing an error on standard error if it is invalid.
 [[nodiscard]] std::optional<Options> parseOptions(int argc, char** argv);
 
 [[nodiscard]] std::string helpText();

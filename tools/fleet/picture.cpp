@@ -10,7 +10,7 @@
 namespace fleet {
 namespace {
 
-// Points of the picture.
+// In points.
 constexpr int width = 960;
 constexpr int left = 72;
 constexpr int right = 24;
@@ -70,10 +70,10 @@ struct Panel {
   std::string title;
   const char* kind;
   std::span<const std::uint32_t> seconds;
-  Seconds begin;      // of the first of them, in the counted day
-  Seconds perColumn;  // a column shows the highest of so many
-  Seconds perLabel;   // how far the times below are apart
-  int top = 0;        // of the plot
+  Seconds begin;      // of the first element, in the counted day
+  Seconds perColumn;  // a column shows the maximum of this many seconds
+  Seconds perLabel;   // distance of the time labels
+  int top = 0;        // of the plot area
 };
 
 double placeOf(const Panel& panel, Seconds second) {
@@ -96,8 +96,8 @@ std::string gridOf(const Panel& panel, double most) {
   return lines;
 }
 
-// One shape for all columns; empty ones are left out, so that spikes stand alone. A column of less than a
-// point is drawn a point wide.
+// Draws all columns as one path. Omits empty columns, so that spikes stay visible. Columns are at least one
+// point wide.
 std::string columnsOf(const Panel& panel, double most) {
   const double bottom = panel.top + panelHeight;
   const auto count = static_cast<std::size_t>(panel.perColumn);

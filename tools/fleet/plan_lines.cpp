@@ -3,7 +3,6 @@
 namespace fleet {
 namespace {
 
-// The pieces with commas between them, in brackets.
 template <typename Pieces, typename TextOf>
 std::string listOf(const Pieces& pieces, TextOf textOf) {
   std::string text = "[";

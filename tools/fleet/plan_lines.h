@@ -7,7 +7,7 @@
 
 namespace fleet {
 
-// One installation's runs as a line of JSON with its end:
+// Returns one installation's runs as a line of JSON including the line end:
 // {"offset":3600,"runs":[[LAUNCH,END,[[ASLEEP,AWAKE]]]]}, in seconds of local time.
 [[nodiscard]] std::string planLine(Seconds offset, const std::vector<Run>& runs);
 

@@ -5,7 +5,8 @@
 
 namespace fleet {
 
-// A stream of random numbers that is the same on every machine for the same seed (SplitMix64). One thread.
+// A random number generator (SplitMix64) with the same sequence on every machine for the same seed. For one
+// thread.
 class Random {
  public:
   explicit Random(std::uint64_t seed) : state_(seed) {}
@@ -18,16 +19,17 @@ class Random {
     return value ^ (value >> 31u);
   }
 
-  // From 0 to `count` - 1; `count` is at least 1 and at most 2^32.
+  // Returns a number from 0 to `count` - 1; `count` is from 1 to 2^32.
   [[nodiscard]] std::int64_t below(std::int64_t count) {
     return static_cast<std::int64_t>((next() >> 32u) * static_cast<std::uint64_t>(count) >> 32u);
   }
 
-  // From 0 to less than 1.
+  // Returns a number in [0, 1).
   [[nodiscard]] double share() { return static_cast<double>(next() >> 11u) * 0x1p-53; }
 
-  // Bell-shaped around 0 with the standard deviation 1: the sum of four uniform numbers. Bounded, at 3.47, so
-  // that a time of day drawn with it stays on its side of the day.
+  // Returns an approximately normally distributed number with mean 0 and standard deviation 1: the sum of
+  // four uniform numbers. It is bounded by 3.47, so that a time of day drawn with it stays within its half of
+  // the day.
   [[nodiscard]] double bell() {
     const std::uint64_t bits = next();
     double sum = 0;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint64_t beaconsPerLaunch = 2;
 
-// At most 511 characters: numbers and short texts.
+// The result is cut to 511 characters; the arguments are numbers and short texts.
 [[gnu::format(printf, 1, 2)]] std::string formatted(const char* format, ...) {
   std::array<char, 512> text{};
   std::va_list arguments;

@@ -8,7 +8,7 @@
 
 namespace fleet {
 
-// How the settings were written, and what is assumed of one request.
+// The settings as given on the command line, and assumptions about a request.
 struct Description {
   std::string launches;
   std::string zones;
@@ -16,21 +16,21 @@ struct Description {
   std::string host;
 };
 
-// The settings in a line for people.
+// Returns the settings as one line of text.
 [[nodiscard]] std::string captionOf(const Settings& settings, const Description& description);
 
-// The day in a few lines for people.
+// Returns the statistics of the day as text.
 [[nodiscard]] std::string textReport(const Settings& settings, const Description& description,
                                      const FleetDay& result);
 
-// The same as one JSON object, for programs. Its members are in the help.
+// Returns the same as a JSON object. The help text describes its members.
 [[nodiscard]] std::string jsonReport(const Settings& settings, const Description& description,
                                      const FleetDay& result);
 
-// "00:23:23", the time of day in UTC of a second of the counted day.
+// Formats a second of the counted day as the time of day in UTC, as in "00:23:23".
 [[nodiscard]] std::string clockText(Seconds second);
 
-// "1,234,567"
+// Formats a number as in "1,234,567".
 [[nodiscard]] std::string grouped(std::uint64_t number);
 
 }  // namespace fleet

@@ -4,19 +4,19 @@
 
 namespace fleet {
 
-// Seconds as plain numbers: ten million days are simulated with them. Times are local unless they are named
-// otherwise, and count from the local midnight with which the simulated day's date begins.
+// Seconds as plain integers, for speed. Times are local unless noted otherwise and count from the local
+// midnight at the beginning of the simulated date.
 using Seconds = std::int64_t;
 
 inline constexpr Seconds minute = 60;
 inline constexpr Seconds hour = 60 * minute;
 inline constexpr Seconds day = 24 * hour;
 
-// The 24 hours that are counted begin at noon UTC, so that a midnight of Europe or Africa stands in their
-// middle and not at their edge.
+// The 24 counted hours begin at noon UTC, so that midnight in Europe and Africa is in the middle and not at
+// the edge.
 inline constexpr Seconds firstCounted = 12 * hour;
 
-// Rounds towards minus infinity.
+// Rounds towards negative infinity.
 [[nodiscard]] constexpr Seconds daysIn(Seconds time) {
   return (time >= 0 ? time : time - (day - 1)) / day;
 }

@@ -5,7 +5,7 @@
 namespace fleet {
 namespace {
 
-// Counts what one installation after another does.
+// Counts the events of all installations.
 class Counter : public Events {
  public:
   explicit Counter(FleetDay& counted) : day_(counted) {}

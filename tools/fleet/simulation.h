@@ -14,20 +14,21 @@ struct Settings {
   LaunchMix launches{{Launches::Uniform, 1}};
   Zones zones{{0, 1}};
   double sleeping = 0;  // the share of machines that sleep at night
-  Seconds delay = 0;    // a changed rule: see AgentModel
+  Seconds delay = 0;    // see AgentModel
   std::uint64_t seed = 1;
 };
 
-// What reaches the server within the counted day, second by second. Its size doesn't depend on the fleet's.
+// The requests to the server in each second of the counted day. The size does not depend on the number of
+// installations.
 struct FleetDay {
   DayLoad uploads;
-  DayLoad launches;  // each fetches the version list and sends two beacons
+  DayLoad launches;  // each one fetches the version list and sends two beacons
 };
 
-// Is shown each installation before it is simulated: its offset from UTC and its runs, in local time.
+// Called for each installation before it is simulated, with its offset from UTC and its runs in local time.
 using Watcher = std::function<void(Seconds offset, const std::vector<Run>& runs)>;
 
-// Simulates the installations one after another. The same settings give the same day.
+// Simulates all installations. Deterministic for the same settings.
 [[nodiscard]] FleetDay simulate(const Settings& settings, const Watcher& watcher = nullptr);
 
 }  // namespace fleet

@@ -5,7 +5,7 @@ namespace {
 
 constexpr Seconds furthest = 14 * hour;
 
-// In per cent, rounded; an assumption and no statistics.
+// Per cent of the installations, rounded; an assumption, not a statistic.
 constexpr std::string_view world =
     "-08:00=3,-07:00=2,-06:00=5,-05:00=8,-04:00=2,-03:00=5,+00:00=6,+01:00=15,+02:00=9,+03:00=8,+03:30=1,"
     "+04:00=1,+05:00=4,+05:30=14,+06:00=2,+07:00=4,+08:00=7,+09:00=3,+10:00=1";
@@ -14,7 +14,7 @@ bool isDigit(char character) {
   return character >= '0' && character <= '9';
 }
 
-// "+05:30"
+// Parses an offset such as "+05:30".
 std::optional<Seconds> offsetOf(std::string_view text) {
   constexpr std::string_view form = "+00:00";
   if (text.size() != form.size() || (text[0] != '+' && text[0] != '-') || text[3] != ':') return std::nullopt;

@@ -5,7 +5,7 @@
 namespace fleet {
 namespace {
 
-// Beyond these bounds sums and products of weights overflow or lose all digits.
+// Outside these bounds, sums and products of weights overflow or lose all significant digits.
 constexpr double leastWeight = 1e-6;
 constexpr double mostWeight = 1e9;
 

@@ -11,14 +11,15 @@
 
 namespace fleet {
 
-// One of several choices, each as likely as its weight. At least one, with a sum above 0.
+// A choice with its weight. The probability of a choice is its weight divided by the sum of all weights,
+// which must be above 0.
 template <typename Choice>
 struct Weighted {
   Choice choice;
   double weight = 1;
 };
 
-// Draws an index as likely as its weight.
+// Draws an index with a probability proportional to its weight.
 class WeightedIndex {
  public:
   template <typename Choice>
@@ -40,8 +41,8 @@ class WeightedIndex {
   std::vector<double> sums_;
 };
 
-// The parts of "NAME=WEIGHT,NAME=WEIGHT"; without "=WEIGHT" the weight is 1. Returns nullopt if a name is
-// empty, a weight is neither 0 nor a number from 0.000001 to 1000000000, or all are 0.
+// Parses "NAME=WEIGHT,NAME=WEIGHT"; a missing weight is 1. Returns nullopt if a name is empty, a weight is
+// neither 0 nor from 0.000001 to 1000000000, or all weights are 0.
 [[nodiscard]] std::optional<std::vector<Weighted<std::string>>> weightsOf(std::string_view text);
 
 }  // namespace fleet

@@ -10,7 +10,7 @@ namespace {
 
 namespace layout = record_format::message;
 
-// The rest of the line behind one blank.
+// Returns the rest of the line after one space.
 std::string restOf(std::istringstream& words) {
   std::string rest;
   words.get();

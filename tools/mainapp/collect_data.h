@@ -5,13 +5,13 @@
 
 namespace tools {
 
-// The "-ncdat" messages with which the main application reports what happens; doc/usage_record_format.md has
-// their layout. `words` is what a person typed; nothing when it makes no message.
+// Build the "-ncdat" messages of the main application (doc/usage_record_format.md). `words` is the argument
+// typed by the user. Return nullopt if it is invalid.
 
-// "3 NAME" or "4 NAME": a device event. The name may hold blanks, and may be missing.
+// Parses "3 NAME" or "4 NAME": a device event. The name may contain spaces and may be missing.
 [[nodiscard]] std::optional<std::string> deviceEventMessage(const std::string& words);
 
-// "KIND SIZE NAME": one transfer.
+// Parses "KIND SIZE NAME": one transfer.
 [[nodiscard]] std::optional<std::string> transferMessage(const std::string& words);
 
 }  // namespace tools

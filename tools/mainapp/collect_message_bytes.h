@@ -10,7 +10,7 @@
 
 namespace tools {
 
-// A "-ncdat" message of `length` bytes, at least those up to its data command; all others are 0.
+// Returns a "-ncdat" message of `length` bytes, which must include the data command. All other bytes are 0.
 [[nodiscard]] inline std::string collectMessage(std::size_t length, std::uint32_t dataCommand) {
   std::string message = "-ncdat";
   message.resize(length, '\0');
@@ -18,12 +18,12 @@ namespace tools {
   return message;
 }
 
-// The size of a message with so many transfers.
+// Returns the size of a message with `count` transfers.
 [[nodiscard]] inline std::size_t transferMessageSize(std::size_t count) {
   return record_format::message::entriesOffset + count * record_format::message::entrySize;
 }
 
-// Writes the transfer `index` into a message that has space for it. The name fits its field.
+// Writes the transfer `index` into a message that is large enough. The name must fit its field.
 inline void putTransfer(std::string& message, std::size_t index, std::uint32_t kind, std::uint64_t size,
                         std::string_view name) {
   namespace layout = record_format::message;

@@ -35,7 +35,7 @@ CommandFifo::~CommandFifo() {
   if (open.st_dev == there.st_dev && open.st_ino == there.st_ino) ::unlink(path_.c_str());
 }
 
-// Returns the reason of a failure; empty on success.
+// Returns an error text, empty on success.
 std::string CommandFifo::make() {
   made_ = ::mkfifo(path_.c_str(), 0666) == 0;
   if (made_) return {};
@@ -46,7 +46,7 @@ std::string CommandFifo::make() {
   return path_ + " is there already and is no FIFO; it was left as it is";
 }
 
-// Returns the reason of a failure; empty on success.
+// Returns an error text, empty on success.
 std::string CommandFifo::openBothEnds() {
   constexpr int kFlags = O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC;
   reader_.reset(::open(path_.c_str(), O_RDONLY | kFlags));

@@ -9,23 +9,23 @@
 
 namespace tools {
 
-// The reader's side of the command pipe. Holds a write end of its own too: a FIFO whose last writer has
-// closed reads as ready without end. Removes the FIFO when it goes away, if it made it and it still stands
-// there.
+// The reading end of the command pipe. Also keeps a writing end open, because poll(2) reports a FIFO without
+// writers as ready all the time. Removes the FIFO on destruction if it created it and the path still leads to
+// it.
 class CommandFifo {
  public:
-  // Makes the FIFO at `path` for everybody to write to, whatever the umask; one that is there already is used
-  // as it is, and anything else there is left alone. Null with `reason` set when it can't be had.
+  // Creates the FIFO at `path`, writable for all users independently of the umask. Uses an existing FIFO
+  // unchanged and does not touch any other file. Returns nullptr and sets `reason` on failure.
   [[nodiscard]] static std::unique_ptr<CommandFifo> open(const std::string& path, std::string& reason);
 
   CommandFifo(const CommandFifo&) = delete;
   CommandFifo& operator=(const CommandFifo&) = delete;
   ~CommandFifo();
 
-  // To be polled for reading.
+  // The descriptor to poll for reading.
   [[nodiscard]] int descriptor() const { return reader_.get(); }
 
-  // All that has been written so far, up to what a pipe holds; empty when there is nothing. Never blocks.
+  // Returns the bytes written so far, at most the capacity of a pipe; empty if there are none. Never blocks.
   [[nodiscard]] std::string read();
 
  private:

@@ -23,7 +23,7 @@ void complain(const std::string& text) {
   std::fprintf(stderr, "mainapp: %s\n", text.c_str());
 }
 
-// A notice is switched by one of two messages.
+// Sends the message that shows or hides a notice.
 Outcome switchNotice(const std::string& argument, const char* on, const char* off) {
   if (argument != "on" && argument != "off") {
     complain("a notice is switched on or off, not " + quotedText(argument));
@@ -41,7 +41,7 @@ Outcome runLoading(const std::string& argument) {
   return switchNotice(argument, "-neon", "-neoff");
 }
 
-// Sends what the words of a person make, or says that they make nothing.
+// Sends the message built from a command's argument, or prints an error if there is none.
 Outcome report(const std::optional<std::string>& message, const std::string& words) {
   if (!message) {
     complain("there is no such report: " + quotedText(words));

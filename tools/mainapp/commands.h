@@ -10,24 +10,24 @@ inline constexpr const char* kNotificationPipe = "/tmp/KMNOTIPIPE";
 
 enum class Outcome { Continue, Quit };
 
-// One command of the standard input: its name, what follows the name, and what it does.
+// A command on standard input.
 struct Command {
   std::string_view name;
-  std::string_view argument;  // as the help shows it; empty for a command that takes none
+  std::string_view argument;  // as shown in the help text; empty for none
   std::string_view purpose;
   Outcome (*run)(const std::string& argument);
 };
 
 [[nodiscard]] std::span<const Command> commands();
 
-// The help's part on the commands, a line each.
+// Returns the help text of the commands, one line each.
 [[nodiscard]] std::string commandHelp();
 
-// Runs the command in `line`, a name and, after one blank, its argument as it stands. Results go to standard
-// output, failures to standard error; an empty line does nothing.
+// Runs the command in `line`: a name, a space and the rest as its argument, verbatim. Prints results to
+// standard output and errors to standard error. An empty line does nothing.
 [[nodiscard]] Outcome runCommand(const std::string& line);
 
-// Writes `text` into the notification pipe and reports the outcome; false when that failed.
+// Writes `text` to the notification pipe and prints the result. Returns false on failure.
 bool sendAndReport(const std::string& text);
 
 }  // namespace tools

@@ -11,10 +11,10 @@
 
 namespace tools {
 
-// Serves the command pipe and the standard input until one of the ends that the options name. One thread.
+// Serves the command pipe and standard input until an exit condition of the options is met. For one thread.
 class EventLoop {
  public:
-  // `stopDescriptor` becomes readable when the loop has to end; the caller's.
+  // `stopDescriptor` becomes readable when the loop must end. Not owned.
   EventLoop(std::unique_ptr<CommandFifo> fifo, const Options& options, int stopDescriptor);
 
   // Returns the program's exit status.
@@ -32,9 +32,9 @@ class EventLoop {
   std::optional<std::string> until_;
   std::optional<std::chrono::steady_clock::time_point> deadline_;
   int stopDescriptor_;
-  int inputDescriptor_ = 0;  // -1 once the standard input has ended
+  int inputDescriptor_ = 0;  // -1 after end of file on standard input
   LineBuffer input_;
-  std::optional<int> status_;  // set: the loop is over
+  std::optional<int> status_;  // set when the loop must end
 };
 
 }  // namespace tools

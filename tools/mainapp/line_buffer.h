@@ -6,15 +6,15 @@
 
 namespace tools {
 
-// Turns a stream of bytes that comes in pieces into lines, without their ends.
+// Splits a stream of bytes into lines without line ends.
 class LineBuffer {
  public:
   void append(std::string_view bytes) { text_ += bytes; }
 
-  // The next whole line; nothing when there is none yet.
+  // Returns the next complete line; nullopt if there is none yet.
   [[nodiscard]] std::optional<std::string> takeLine();
 
-  // What stands after the last line end, for when nothing more comes; nothing when that is empty.
+  // Returns the text after the last line end, for use at end of file; nullopt if it is empty.
   [[nodiscard]] std::optional<std::string> takeRest();
 
  private:

@@ -7,7 +7,7 @@
 
 namespace tools {
 
-// What the agent says on the command pipe.
+// The messages of the agent on the command pipe.
 inline constexpr std::array<std::string_view, 4> kMessages = {"-ton", "-toff", "-m", "-u"};
 
 struct Message {
@@ -19,10 +19,10 @@ struct Message {
 
 [[nodiscard]] bool isKnownMessage(std::string_view text);
 
-// Takes apart what one read of the command pipe gave: messages carry no delimiter, so that several which were
-// written before the reader came stand in a row. The longest message that fits is taken at each place; bytes
-// that start none make up one unknown message, up to the next place that starts one. Joined in their order,
-// the results give the bytes.
+// Splits the bytes of one read(2) of the command pipe. Messages have no delimiter, so several messages
+// written before the read follow one another. At each position the longest matching message is taken; bytes
+// that match none are collected into one unknown message up to the next match. The concatenation of the
+// results equals the input.
 [[nodiscard]] std::vector<Message> splitMessages(std::string_view bytes);
 
 }  // namespace tools

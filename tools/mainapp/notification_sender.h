@@ -6,9 +6,9 @@
 
 namespace tools {
 
-// Writes the bytes of `text` into the FIFO at `path` without waiting for a reader, in one write of one open
-// and close. Then waits up to a second until the reader has taken them, because messages that are read
-// together are one message to the agent. Nothing on success, else the reason. SIGPIPE must be ignored.
+// Writes the bytes of `text` to the FIFO at `path` in one write(2), without waiting for a reader. Then waits
+// up to one second until they have been read, because the agent treats messages read together as one. Returns
+// nullopt on success, else the error text. SIGPIPE must be ignored.
 [[nodiscard]] std::optional<std::string> sendNotification(const std::string& path, std::string_view text);
 
 }  // namespace tools

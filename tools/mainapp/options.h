@@ -9,12 +9,12 @@ namespace tools {
 
 struct Options {
   bool help = false;
-  std::vector<std::string> sends;  // not empty: send these and end
+  std::vector<std::string> sends;  // if not empty, send these and exit
   std::optional<std::string> until;
   std::optional<std::chrono::milliseconds> timeout;
 };
 
-// Reads the command line. Nothing when it is wrong, after saying on standard error how.
+// Parses the command line. Returns nullopt after printing an error on standard error if it is invalid.
 [[nodiscard]] std::optional<Options> parseOptions(int argc, char** argv);
 
 [[nodiscard]] std::string helpText();

@@ -17,7 +17,7 @@ constexpr std::size_t kBlock = 65536;
 
 }  // namespace
 
-// True when one of the events is there; the end of the connection counts as every event.
+// Returns true if one of the events occurred; the end of the connection counts as every event.
 bool Connection::waitFor(short events, int timeout) const {
   std::array<pollfd, 2> watched = {{{socket_.get(), events, 0}, {stopDescriptor_, POLLIN, 0}}};
   int ready = 0;
@@ -63,8 +63,8 @@ void Connection::reset() {
   socket_.reset();
 }
 
-// A socket that is closed over unread bytes resets the connection, and what was just sent may be lost with
-// it.
+// close(2) with unread bytes in the receive buffer resets the connection, and the client may lose data that
+// was just sent. So read until the client closes.
 void Connection::closeGently() {
   constexpr std::chrono::seconds kLongest{1};
   const auto end = std::chrono::steady_clock::now() + kLongest;
@@ -107,7 +107,7 @@ ssize_t Connection::write(const char* data, std::size_t size) {
   return static_cast<ssize_t>(size);
 }
 
-// Everything here is on loopback, and nothing asks for the peer's address.
+// The server listens on loopback only, and no code uses the peer's address.
 void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {
   ip = "127.0.0.1";
   port = -1;

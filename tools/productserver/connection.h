@@ -10,27 +10,29 @@
 
 namespace tools {
 
-// One client's connection, as a stream of the HTTP library. A request can be looked at before it is served:
-// what was read ahead is handed out first. No wait outlasts the client or the server's stop. One thread.
+// A client's connection as a stream of the HTTP library. Data can be read ahead to examine a request before
+// it is served; the stream returns it first. No call blocks after the client has left or the server was
+// stopped. For one thread.
 class Connection : public httplib::Stream {
  public:
   using Milliseconds = std::chrono::milliseconds;
 
-  // Owns the socket; `stopDescriptor` becomes readable when the server stops and is the caller's.
+  // Owns the socket. `stopDescriptor` becomes readable when the server stops; not owned.
   Connection(socket_t socket, int stopDescriptor) : socket_(socket), stopDescriptor_(stopDescriptor) {}
 
-  // Reads until `mark` and `more` bytes behind it are there; false when that does not come.
+  // Reads until `mark` and `more` bytes after it were received. Returns false on timeout or if the connection
+  // ended.
   [[nodiscard]] bool readAhead(std::string_view mark, std::size_t more, Milliseconds patience);
   [[nodiscard]] std::string_view ahead() const { return std::string_view(ahead_).substr(handedOut_); }
 
-  // Sends all of it, however long the client takes; false once it has left.
+  // Sends all of `text`, however slowly the client reads. Returns false if the client has left.
   bool send(std::string_view text);
-  // False when the client left or the server stopped within this time.
+  // Returns false if the client left or the server stopped within this time.
   bool pause(Milliseconds time) const;
   void waitForEnd() const;
 
-  void reset();        // ends the connection hard; the client gets an error
-  void closeGently();  // the client gets all that was sent, then the end
+  void reset();        // resets the connection (RST)
+  void closeGently();  // the client receives all data sent, then end of file
 
   [[nodiscard]] bool is_readable() const override;
   [[nodiscard]] bool is_writable() const override;
@@ -47,7 +49,7 @@ class Connection : public httplib::Stream {
   platform::FileDescriptor socket_;
   int stopDescriptor_;
   std::string ahead_;
-  std::size_t handedOut_ = 0;  // bytes of ahead_ that were read
+  std::size_t handedOut_ = 0;  // number of bytes of ahead_ already returned
 };
 
 }  // namespace tools

@@ -5,7 +5,7 @@
 
 namespace tools {
 
-// The MIME type for the file at `path`, told by the ending of its name.
+// Returns the MIME type for the suffix of `path`.
 [[nodiscard]] std::string contentType(std::string_view path);
 
 }  // namespace tools

@@ -6,7 +6,7 @@
 
 namespace tools {
 
-// What can go wrong with an answer; tellFaults describes each.
+// Faults of an answer; tellFaults describes them.
 enum class Fault {
   RefuseStatus500,
   EmptyBody,
@@ -30,7 +30,7 @@ enum class Fault {
 
 [[nodiscard]] std::string_view nameOf(Fault fault);
 
-// A fault and the number of requests that it meets; without one all of them.
+// A fault and the number of requests it applies to; without a number it applies to all.
 struct FaultOrder {
   Fault fault;
   std::optional<unsigned> count = {};
@@ -38,14 +38,14 @@ struct FaultOrder {
   bool operator==(const FaultOrder&) const = default;
 };
 
-// Reads "NAME" or "NAME*COUNT". Nothing when there is no such fault, or the count is not one from 1 to a
-// million.
+// Parses "NAME" or "NAME*COUNT". Returns nullopt if there is no such fault or the count is not from 1 to
+// 1,000,000.
 [[nodiscard]] std::optional<FaultOrder> parseFaultOrder(std::string_view text);
 
-// The same form again.
+// Formats an order in the same syntax.
 [[nodiscard]] std::string textOf(const FaultOrder& order);
 
-// A line for each fault: its name and what it does.
+// Returns one line for each fault: its name and description.
 [[nodiscard]] std::string tellFaults();
 
 }  // namespace tools

@@ -38,8 +38,8 @@ void sendSlowly(Connection& connection, const Reply& reply) {
   connection.send(reply.body.substr(slow));
 }
 
-// Blanks may follow a property list or a text, so that nothing but the size is wrong. The pause keeps a
-// client that takes them all from filling its memory within a moment.
+// White space is valid after a property list or a text, so that only the size is wrong. The pause limits how
+// fast a client without a size limit uses up memory.
 void sendWithoutEnd(Connection& connection, const Reply& reply) {
   const std::string blanks = chunk(std::string(65536, ' '));
   bool there = connection.send(headForChunks(reply));

@@ -8,14 +8,14 @@
 
 namespace tools {
 
-// Whether the fault comes before the request was taken.
+// Returns whether the fault occurs before the request was received completely.
 [[nodiscard]] bool cutsRequest(Fault fault);
 
-// Ends the connection of a fault that cuts the request.
+// Ends the connection for such a fault.
 void cutRequest(Fault fault, Connection& connection);
 
-// Answers a request that was taken, in the fault's way: `reply` is the answer that it would have got,
-// `target` what it asked for. Returns once the client may be left; the connection is over then.
+// Answers a complete request with the fault: `reply` is the normal answer, `target` the request target. The
+// caller closes the connection afterwards.
 void answerWithFault(Fault fault, Connection& connection, const Reply& reply, const std::string& target);
 
 }  // namespace tools

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* kText = "text/plain; charset=utf-8";
 
-// What is wrong, else nothing.
+// Returns an error text, empty on success.
 std::string change(FaultList& faults, const std::string& path, const std::string& name) {
   if (!path.starts_with('/')) return "the path does not begin with a slash";
   if (name == "none") {

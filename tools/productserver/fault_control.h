@@ -6,8 +6,8 @@
 
 namespace tools {
 
-// Answers a request whose parameters "path" and "name" set a fault, or with the name "none" clear it; without
-// both nothing is changed. The answer is the list of faults that are set.
+// Answers a control request. The parameters "path" and "name" set a fault; the name "none" clears it. Without
+// parameters, changes nothing. The answer lists the faults that are set.
 void controlFaults(FaultList& faults, const httplib::Request& request, httplib::Response& response);
 
 }  // namespace tools

@@ -10,18 +10,18 @@
 
 namespace tools {
 
-// Which requests are met by which fault, told by how their paths begin. Any thread.
+// Maps path prefixes to faults. Thread-safe.
 class FaultList {
  public:
-  // Takes the place of the one that was set for the same beginning.
+  // Replaces the fault of the same prefix.
   void set(const std::string& pathPrefix, const FaultOrder& order);
   void clear(const std::string& pathPrefix);
 
-  // The fault for the next request of this path, counted as used; of several that fit, the one with the
-  // longest beginning. Nothing when none fits.
+  // Returns the fault for a request and counts it as used. If several prefixes match, the longest applies.
+  // Returns nullopt if none matches.
   [[nodiscard]] std::optional<Fault> take(std::string_view path);
 
-  // A line for each: the beginning, "=" and the order, with the count that is left.
+  // Returns one line for each entry: the prefix, "=" and the order with the remaining count.
   [[nodiscard]] std::string text() const;
 
  private:

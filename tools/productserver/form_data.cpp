@@ -16,8 +16,8 @@ using Headers = std::map<std::string, std::string>;
 using PartResult = std::variant<FormPart, FormError>;
 
 struct Delimiter {
-  std::size_t begin;  // of the line end before it, which belongs to it
-  std::size_t end;    // behind its own line end
+  std::size_t begin;  // of the preceding line end, which is part of the delimiter
+  std::size_t end;    // after the delimiter's own line end
   bool last;
 };
 
@@ -34,7 +34,7 @@ std::variant<std::string, FormError> boundaryIn(std::string_view contentType) {
   return text;
 }
 
-// The rest of a delimiter's line behind the boundary; nothing when more than padding stands there.
+// Parses the rest of a delimiter line after the boundary. Returns nullopt if it contains more than padding.
 std::optional<Delimiter> delimiterAt(std::string_view body, std::size_t begin, std::size_t afterBoundary) {
   std::string_view rest = body.substr(afterBoundary);
   const bool last = rest.starts_with("--");
@@ -55,7 +55,7 @@ std::optional<Delimiter> findDelimiter(std::string_view body, const std::string&
   return std::nullopt;
 }
 
-// Takes the next header off the text, its continuation lines included.
+// Removes the next header from the text, including its continuation lines.
 std::string takeHeaderLine(std::string_view& text) {
   std::string line;
   do {
@@ -95,7 +95,7 @@ PartResult describedPart(const Headers& headers) {
   return part;
 }
 
-// `text` is what stands between two delimiters.
+// `text` is the part between two delimiters.
 PartResult parsePart(std::string_view text) {
   const std::size_t blankLine = text.find(kBlankLine);
   const std::optional<Headers> headers = parseHeaders(text.substr(0, blankLine));

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t";
 
-// Takes off the text what stands before the first of the `ends`, or all of it when there is none.
+// Removes and returns the text before the first of the characters `ends`, or all of it if there is none.
 std::string_view takeUpTo(std::string_view& text, std::string_view ends) {
   const std::size_t end = std::min(text.find_first_of(ends), text.size());
   const std::string_view taken = text.substr(0, end);
@@ -20,7 +20,7 @@ void skipBlanks(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
 }
 
-// The text begins behind the opening quote.
+// `text` begins after the opening quote.
 std::optional<std::string> takeQuoted(std::string_view& text) {
   std::string value;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -45,7 +45,7 @@ std::optional<std::string> takeParameterValue(std::string_view& text) {
   return token.empty() ? std::nullopt : std::optional(std::string(token));
 }
 
-// The text begins behind a semicolon.
+// `text` begins after a semicolon.
 bool takeParameter(std::string_view& text, HeaderValue& header) {
   const std::string name = lowerCase(trimmed(takeUpTo(text, "=;")));
   if (name.empty() || !text.starts_with('=')) return false;
@@ -78,7 +78,7 @@ std::optional<HeaderValue> parseHeaderValue(std::string_view text) {
   if (header.value.empty()) return std::nullopt;
   while (text.starts_with(';')) {
     text.remove_prefix(1);
-    if (trimmed(text).empty()) return header;  // a semicolon at the end is common
+    if (trimmed(text).empty()) return header;  // a trailing semicolon is common
     if (!takeParameter(text, header)) return std::nullopt;
   }
   return text.empty() ? std::optional(std::move(header)) : std::nullopt;

@@ -7,20 +7,20 @@
 
 namespace tools {
 
-// A structured value of a header, as in: form-data; name="a b"; filename=c
+// A structured header value, as in: form-data; name="a b"; filename=c
 struct HeaderValue {
   std::string value;                              // in lower case
-  std::map<std::string, std::string> parameters;  // names in lower case, quotes taken off
+  std::map<std::string, std::string> parameters;  // names in lower case, values without quotes
 };
 
-// Nothing when the text has not that form or gives a parameter twice. A backslash escapes a quote or a
-// backslash only: file names of some systems hold others.
+// Returns nullopt if the text is malformed or repeats a parameter. A backslash escapes only a quote or a
+// backslash, because file names of some systems contain other backslashes.
 [[nodiscard]] std::optional<HeaderValue> parseHeaderValue(std::string_view text);
 
-// The text without the blanks and tabs around it.
+// Returns the text without leading and trailing spaces and tabs.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
-// ASCII letters in lower case, all else as it is.
+// Converts ASCII letters to lower case.
 [[nodiscard]] std::string lowerCase(std::string_view text);
 
 }  // namespace tools

@@ -4,7 +4,7 @@
 
 namespace tools {
 
-// What --help shows.
+// Returns the text of --help.
 [[nodiscard]] std::string helpText();
 
 }  // namespace tools

@@ -26,7 +26,7 @@ RequestLine requestLineIn(std::string_view head) {
   return {std::string(line.substr(0, blank)), std::string(rest.substr(0, rest.find(' ')))};
 }
 
-// Takes a request from the connection and keeps what would be sent.
+// Reads a request from the connection and captures the reply.
 class ReplyCapture : public httplib::Stream {
  public:
   explicit ReplyCapture(Connection& connection) : connection_(connection) {}
@@ -63,7 +63,7 @@ void prepare(httplib::Request& request) {
     request.headers.erase("Content-Type");
     request.headers.emplace(kFormTypeHeader, type);
   }
-  // Without either there is no body; the library would wait for one until the connection ends.
+  // Without either header there is no body, but the library would wait for one until the connection ends.
   if (!request.has_header("Content-Length") && !request.has_header("Transfer-Encoding"))
     request.headers.emplace("Content-Length", "0");
 }
@@ -77,7 +77,7 @@ std::string outcomeOf(const httplib::Request& request, const httplib::Response& 
 }  // namespace
 
 HttpServer::HttpServer() {
-  constexpr std::size_t kThreads = 32;  // many clients may be kept waiting by faults at a time
+  constexpr std::size_t kThreads = 32;  // faults may block many clients at the same time
   set_keep_alive_max_count(100);
   set_keep_alive_timeout(5);
   new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
@@ -126,7 +126,7 @@ void HttpServer::serveFaulty(Connection& connection, Fault fault) {
   cutRequest(fault, connection);
 }
 
-// Uncompressed, so that every fault can work on the answer as it is.
+// Requests no compression, so that every fault can modify the plain answer.
 Reply HttpServer::takeRequest(Connection& connection, Fault fault) {
   ReplyCapture capture(connection);
   bool closed = false;

@@ -10,27 +10,27 @@
 
 namespace tools {
 
-// Under this header a request keeps the type of its body where the HTTP library would take a form apart by
-// itself: its parser refuses forms that others take.
+// Replacement name for the Content-Type header of forms. Hides forms from the HTTP library, whose own parser
+// rejects forms that other servers accept.
 constexpr const char* kFormTypeHeader = "Form-Type";
 
-// The HTTP library's server, whose requests can be met by faults, and whose end waits for no client.
+// The HTTP library's server with faults, and with a shutdown that does not wait for clients.
 class HttpServer : public httplib::Server {
  public:
   HttpServer();
 
-  // Gets a line for each request. To be called before the server listens.
+  // `log` receives a line for each request. Call before the server listens.
   void setLog(LogLine log);
 
-  // Requests whose path begins with "/_" meet no fault.
+  // Requests whose path begins with "/_" are exempt from faults.
   [[nodiscard]] FaultList& faults() { return faults_; }
 
-  // Ends listening and all connections; any thread.
+  // Stops listening and ends all connections. Thread-safe.
   void end();
 
  private:
   bool process_and_close_socket(socket_t socket) override;
-  // False when the connection is over.
+  // Returns false if the connection has ended.
   [[nodiscard]] bool serve(Connection& connection, bool last);
   void serveFaulty(Connection& connection, Fault fault);
   [[nodiscard]] Reply takeRequest(Connection& connection, Fault fault);

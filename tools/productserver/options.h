@@ -11,15 +11,15 @@ namespace tools {
 
 struct Options {
   bool help = false;
-  int port = 8090;  // 0: any free one
+  int port = 8090;  // 0: any free port
   std::string portFile;
-  std::string uploads;  // the folder that keeps uploads; empty: none
+  std::string uploads;  // the folder for uploads; empty: none
   std::optional<std::string> version;
-  std::vector<std::pair<std::string, FaultOrder>> faults;  // the beginnings of paths
+  std::vector<std::pair<std::string, FaultOrder>> faults;  // path prefixes with their faults
   std::string folder;
 };
 
-// Reads the command line. Nothing when it is wrong, after saying on standard error how.
+// Parses the command line. Returns nullopt after printing an error on standard error if it is invalid.
 [[nodiscard]] std::optional<Options> parseOptions(int argc, char** argv);
 
 }  // namespace tools

@@ -4,8 +4,8 @@
 
 namespace tools {
 
-// Writes the port and a line end into a file that appears whole, so that who waits for it never reads half a
-// number. False with errno set on failure.
+// Writes the port and a line end to a file that appears atomically, so that a waiting process never reads a
+// partial number. Returns false and sets errno on failure.
 [[nodiscard]] bool writePortFile(const std::string& path, int port);
 
 }  // namespace tools

@@ -37,14 +37,15 @@ HandlerResponse answerWithFile(const Offer& offer, const httplib::Request& reque
   return HandlerResponse::Handled;
 }
 
-// The query reads category=C&C=V.
+// The query is category=C&C=V.
 std::string beaconText(const httplib::Request& request) {
   const std::string category = request.get_param_value("category");
   return "beacon category=" + escapedText(category) +
          " value=" + escapedText(request.get_param_value(category));
 }
 
-// The library's own choice would let two servers share one port, each getting some of the requests.
+// Replaces the library's default, SO_REUSEPORT, with which two servers could share a port and each get some
+// of the requests.
 void allowQuickRestart(socket_t socket) {
   const int on = 1;
   ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
@@ -54,7 +55,7 @@ void allowQuickRestart(socket_t socket) {
 
 ProductServer::ProductServer(Offer offer, const LogLine& log) : offer_(std::move(offer)) {
   server_.set_socket_options(allowQuickRestart);
-  // Whoever asks again wants to know what is there now, and the server wants to see it.
+  // A repeated request must reach the server.
   server_.set_default_headers({{"Cache-Control", "no-store"}});
   server_.setLog(log);
   addRoutes(log);

@@ -11,29 +11,29 @@
 
 namespace tools {
 
-// What the server has to offer.
+// The content of the server.
 struct Offer {
   ServedFolder folder;
-  std::unique_ptr<UploadFolder> uploads;  // null: uploads are taken, but not kept
-  std::optional<std::string> version;     // told instead of the one in the folder
+  std::unique_ptr<UploadFolder> uploads;  // nullptr: uploads are accepted but not stored
+  std::optional<std::string> version;     // replaces the version in the folder
 };
 
-// Serves the files of one folder over HTTP on the loopback address alone, takes uploads and beacons.
+// Serves the files of one folder over HTTP on the loopback address only; accepts uploads and beacons.
 class ProductServer {
  public:
-  // `log` gets a line for each request, upload and beacon.
+  // `log` receives a line for each request, upload and beacon.
   ProductServer(Offer offer, const LogLine& log);
 
-  // Which requests go wrong; any thread, any time.
+  // The faults of requests. Thread-safe.
   [[nodiscard]] FaultList& faults() { return server_.faults(); }
 
-  // Takes the port, 0 for any free one, and listens; returns the port taken, nothing when it can't be had.
+  // Binds to the port, 0 for any free one, and listens. Returns the port; nullopt if it is not available.
   [[nodiscard]] std::optional<int> bind(int port);
 
-  // Answers requests until `stop`, or until listening fails: then false. To be called once, after `bind`.
+  // Serves requests until `stop`. Returns false if listening fails. Call once, after `bind`.
   [[nodiscard]] bool serve();
 
-  // Ends `serve`; any thread, also before `serve` has begun, for which it then waits.
+  // Ends `serve`. If `serve` has not begun yet, waits for it. Thread-safe.
   void stop();
 
  private:

@@ -5,25 +5,25 @@
 
 namespace tools {
 
-// An answer in pieces.
+// An HTTP answer.
 struct Reply {
-  std::string head;  // status line and header lines, without those that tell how the body is framed
+  std::string head;  // status line and headers, without those for the framing of the body
   std::string body;
 };
 
-// Takes apart what the HTTP library has written.
+// Parses an answer written by the HTTP library.
 [[nodiscard]] Reply parseReply(std::string_view written);
 
-// A line of text with its status, as in "200 OK".
+// Returns a plain-text answer with a status such as "200 OK".
 [[nodiscard]] Reply textReply(std::string_view status, std::string_view body);
 
-// The whole head, blank line included, of an answer after which the connection ends.
+// Return the complete head, including the blank line, of the last answer on a connection.
 [[nodiscard]] std::string headWithLength(const Reply& reply);
 [[nodiscard]] std::string headForChunks(const Reply& reply);
 
 [[nodiscard]] std::string chunk(std::string_view data);
 
-// The same answer with its body compressed.
+// Returns the answer with a gzip-compressed body.
 [[nodiscard]] Reply gzipped(const Reply& reply);
 
 }  // namespace tools

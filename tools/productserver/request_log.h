@@ -6,10 +6,10 @@
 
 namespace tools {
 
-// Gets each line to be shown; called on the server's threads, several at a time.
+// Receives each log line. Called on the server's threads, possibly concurrently.
 using LogLine = std::function<void(const std::string& line)>;
 
-// The line for a request: the time, the method, the target and what came of it.
+// Returns the log line for a request: time, method, target and outcome.
 [[nodiscard]] std::string requestLine(std::string_view method, std::string_view target,
                                       std::string_view outcome);
 

@@ -6,15 +6,14 @@
 
 namespace tools {
 
-// A folder whose files may be read by the paths of requests. Nothing outside the folder can be reached,
-// neither by ".." nor by a symbolic link. Any thread.
+// A folder whose files can be read by request path. Neither ".." nor symbolic links lead outside the folder.
+// Thread-safe.
 class ServedFolder {
  public:
-  // Nothing when there is no folder at `path`.
+  // Returns nullopt if there is no folder at `path`.
   [[nodiscard]] static std::optional<ServedFolder> at(const std::string& path);
 
-  // The contents of the file that the decoded path of a request leads to; nothing when there is none to be
-  // read.
+  // Returns the contents of the file at the decoded request path; nullopt if it cannot be read.
   [[nodiscard]] std::optional<std::string> read(const std::string& requestPath) const;
 
   [[nodiscard]] std::string path() const { return root_.string(); }

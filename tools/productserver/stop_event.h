@@ -6,7 +6,7 @@
 
 namespace tools {
 
-// Ends the waits of every connection: once raised, its descriptor stays readable. Any thread.
+// Interrupts the waits of all connections: after `raise`, the descriptor stays readable. Thread-safe.
 class StopEvent {
  public:
   [[nodiscard]] int descriptor() const { return descriptor_.get(); }

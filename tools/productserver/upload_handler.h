@@ -8,10 +8,10 @@
 
 namespace tools {
 
-// Takes requests that upload files as forms, and tells of each. Any thread.
+// Handles requests that upload files as forms, and logs each. Thread-safe.
 class UploadHandler {
  public:
-  // The files are kept in the folder; without one they are told of alone.
+  // Stores the files in `folder`; without a folder they are only logged.
   UploadHandler(UploadFolder* folder, LogLine log);
 
   void operator()(const httplib::Request& request, httplib::Response& response,

@@ -5,7 +5,7 @@
 
 namespace tools {
 
-// The property list that tells the newest released version.
+// Returns the property list with the newest released version.
 [[nodiscard]] std::string versionList(std::string_view version);
 
 }  // namespace tools

@@ -18,7 +18,7 @@ using Values = std::map<std::string, std::string, std::less<>>;
 constexpr std::array<std::string_view, 7> kNames = {"-title",   "-subtitle",   "-message", "-closeLabel",
                                                     "-actions", "-bundlepath", "-timeout"};
 
-// Puts each option's value under its name; returns what is wrong, empty when nothing is.
+// Collects the options' values. Returns an error text, empty on success.
 std::string collect(const std::vector<std::string>& arguments, Values& values) {
   for (std::size_t i = 0; i < arguments.size(); i += 2) {
     const std::string& name = arguments[i];

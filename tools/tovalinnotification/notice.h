@@ -7,7 +7,7 @@
 
 namespace tools {
 
-// What the agent asks the notification helper to show.
+// The notice that the agent passes to the notification helper.
 struct Notice {
   std::string title;
   std::string subtitle;
@@ -20,11 +20,11 @@ struct Notice {
   bool operator==(const Notice&) const = default;
 };
 
-// Reads the command line that follows the program's name: the seven options of the help, each once, in any
-// order, a value after each. Otherwise says what is wrong.
+// Parses the command line without the program's name: the seven options of the help text, each exactly once,
+// in any order, each followed by a value. Returns an error text if it is invalid.
 [[nodiscard]] std::variant<Notice, std::string> parseNotice(const std::vector<std::string>& arguments);
 
-// What would be shown, a line for each part.
+// Returns the notice as text, one line for each part.
 [[nodiscard]] std::string noticeText(const Notice& notice);
 
 }  // namespace tools

@@ -15,7 +15,7 @@ constexpr const char* kHelp =
     "\n"
     "Exit status: 0, or 2 for a wrong command line.\n";
 
-// The bundle that this program lies in; the program itself when it lies in none.
+// Returns the path of the bundle that contains this program; of the program itself if there is none.
 std::string openedFrom(const char* program) {
   std::error_code error;
   const std::filesystem::path own = std::filesystem::read_symlink("/proc/self/exe", error);

@@ -21,7 +21,7 @@ std::string reasonOf(int error) {
   return std::generic_category().message(error);
 }
 
-// 0 for what has no size before it is read.
+// Returns 0 for files without a size, such as pipes.
 std::size_t sizeOf(int descriptor) {
   struct stat status {};
   const bool known = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
@@ -49,7 +49,7 @@ std::optional<std::span<const char>> InputFile::read(const std::string& path, st
   return refuse(reason, reasonOf(errno));
 }
 
-// Most files fit the memory that is there, and their size is not asked for.
+// Most files fit the buffer of the previous file, so their size is not queried.
 std::optional<std::span<const char>> InputFile::readAll(int descriptor, std::string& reason) {
   if (size_ == 0) grow(kStep, 0);
   std::size_t filled = 0;
@@ -59,7 +59,7 @@ std::optional<std::span<const char>> InputFile::readAll(int descriptor, std::str
     if (filled < size_) continue;
     const std::size_t whole = sizeOf(descriptor);
     if (std::max(filled, whole) > kMostInput) return refuse(reason, kTooLarge);
-    // One byte more, so that the end of a file that does not grow meanwhile is seen without another step.
+    // One extra byte, so that the next read(2) detects the end of a file that does not grow.
     grow(std::max(whole + 1, filled * 2), filled);
   }
   if (count == -1) return refuse(reason, reasonOf(errno));

@@ -8,15 +8,15 @@
 
 namespace tools {
 
-// What is read of one file at most, far beyond a day's records: a device without an end must not take all
-// memory.
+// The maximum number of bytes to read from a file, far more than a day's records. Prevents running out of
+// memory on an endless device.
 inline constexpr std::size_t kMostInput = std::size_t{1} << 30;
 
-// Reads whole files into one piece of memory, which is used again for the next. One thread at a time.
+// Reads whole files into a reusable buffer. For use by one thread at a time.
 class InputFile {
  public:
-  // All bytes of the file at `path`; "-" is the standard input. Waits for whoever writes into a pipe. They
-  // last until the next call. Returns nullopt when it can't be read or is too large, with the reason.
+  // Reads the file at `path`; "-" is standard input. Waits for the writers of a pipe. The bytes are valid
+  // until the next call. Returns nullopt and sets `reason` if the file cannot be read or is too large.
   [[nodiscard]] std::optional<std::span<const char>> read(const std::string& path, std::string& reason);
 
  private:
@@ -24,7 +24,7 @@ class InputFile {
 
   void grow(std::size_t size, std::size_t filled);
 
-  // Not a vector, which would write zeros where the file's bytes come next.
+  // Not a std::vector, which would zero the memory before it is overwritten.
   std::unique_ptr<char[]> bytes_;
   std::size_t size_ = 0;
 };

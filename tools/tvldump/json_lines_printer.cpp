@@ -6,21 +6,21 @@
 namespace tools {
 namespace {
 
-// What follows the beginning of a line: its texts, each byte as six characters and as two digits, and the
-// names of its members with the numbers.
+// The maximum size of a line after its fixed beginning: the longest text, with up to six characters per byte
+// escaped and two per byte in hexadecimal, and the member names and numbers.
 constexpr std::size_t longestRest = 8 * record_format::longestDeviceName + 512;
 
-// Offsets that differ in their last four digits alone.
+// Offsets that share all digits except the last four.
 constexpr std::uint64_t offsetsWithOneHead = 10'000;
 
-// The member of a text that is no plain ASCII.
+// Writes the member for a text that is not plain ASCII.
 void putEscaped(Line& line, std::string_view key, std::string_view bytes) {
   const std::string begin = ",\"" + std::string(key);
   line.put(begin + "\":" + jsonString(bytes));
   if (!isUtf8(bytes)) line.put(begin + "Hex\":\"" + hexText(bytes) + "\"");
 }
 
-// `begin` is ,"KEY":" in full.
+// `begin` is the complete ,"KEY":" of the member.
 template <std::size_t size>
 void putText(Line& line, const char (&begin)[size], std::string_view key, std::string_view bytes) {
   const Line before = line;
@@ -34,7 +34,7 @@ void putName(Line& line, std::string_view name) {
   putText(line, ",\"name\":\"", "name", name);
 }
 
-// The reader lets digits and signs through alone.
+// The reader accepts only digits and separators here.
 void putTime(Line& line, std::string_view time) {
   line.put(",\"time\":\"");
   line.put(time);
@@ -43,7 +43,7 @@ void putTime(Line& line, std::string_view time) {
 
 }  // namespace
 
-// The members of each kind of record; what stands in the header is kept for the lines to come.
+// Prints each kind of record. Values of the header are stored for the lines that follow.
 struct JsonLinesPrinter::Print {
   JsonLinesPrinter& printer;
   std::size_t offset;

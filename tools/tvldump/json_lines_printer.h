@@ -10,13 +10,13 @@
 
 namespace tools {
 
-// Prints a flat JSON object a line for each record, and one of the type "file" behind those of a file. Each
-// has what the header says, so that a line can be understood, sorted and counted without those around it:
-// "file", "date", "identifier", "operatingSystem" and "agentVersion", the last four null where the file ended
-// before them. The lines of different files and runs can be put one behind another.
+// Prints one flat JSON object per line for each record, followed by one of type "file" for each file. Every
+// line contains the header values "file", "date", "identifier", "operatingSystem" and "agentVersion" (the
+// last four null if the file ended before them), so that lines can be sorted and counted individually.
+// Outputs of several files and runs can be concatenated.
 class JsonLinesPrinter : public Printer {
  public:
-  // `stream` must outlive this object. It gets pieces of some 100 KB, the last at `end`.
+  // `stream` must outlive this object. It is written in blocks of about 100 KB, the last one in `end`.
   explicit JsonLinesPrinter(std::ostream& stream) : writer_(stream) {}
 
   void begin() override {}
@@ -28,8 +28,8 @@ class JsonLinesPrinter : public Printer {
  private:
   struct Print;
   struct Header {
-    std::string file;                                                            // the member alone
-    std::optional<std::string> date, identifier, operatingSystem, agentVersion;  // as JSON
+    std::string file;                                                            // without braces
+    std::optional<std::string> date, identifier, operatingSystem, agentVersion;  // JSON values
     [[nodiscard]] std::string text() const;
   };
 
@@ -37,10 +37,9 @@ class JsonLinesPrinter : public Printer {
 
   LineWriter writer_;
   Header header_;
-  // What the lines of nearby records begin with, once the file's header is read: all before the last four
-  // digits of the offset.
+  // The common beginning of the lines of nearby records: everything up to the last four digits of the offset.
   std::string beginning_;
-  std::uint64_t offsetsHead_ = 0;  // the digits of the offset in it; 0: none
+  std::uint64_t offsetsHead_ = 0;  // the digits of the offset in beginning_; 0: none
 };
 
 }  // namespace tools

@@ -21,7 +21,7 @@ std::string versionMembers(const Version& version) {
   return member("version", version.bundle) + "," + member("fixedVersion", version.fixed);
 }
 
-// The members of each kind of item, beginning with its type.
+// Returns the members of each kind of item, beginning with its type.
 struct Members {
   std::string operator()(const Day& day) const { return R"("type":"day",)" + member("date", day.date); }
   std::string operator()(const Identifier& identifier) const {

@@ -6,8 +6,8 @@
 
 namespace tools {
 
-// Prints one JSON array with an object for each file: "file", "items", "damage", the last with "offset" and
-// "reason", or null. Texts that are no UTF-8 have a member of their name and "Hex" beside them.
+// Prints one JSON array with an object for each file: "file", "items" and "damage", which is null or has
+// "offset" and "reason". A text that is not valid UTF-8 has an additional member with the suffix "Hex".
 class JsonPrinter : public Printer {
  public:
   // `stream` must outlive this object.

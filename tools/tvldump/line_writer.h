@@ -12,8 +12,8 @@
 
 namespace tools {
 
-// Where the next byte of a line goes. A local variable of whoever writes the line, so that the place stays in
-// a register: behind a reference each byte put would have it read and written anew.
+// The write position in a line. Use it as a local variable, so that the compiler keeps the position in a
+// register.
 class Line {
  public:
   explicit Line(char* place) : place_(place) {}
@@ -28,13 +28,13 @@ class Line {
     place_ += text.size();
   }
   void put(std::uint64_t number) { place_ = putDecimal(place_, number); }
-  // From 0 to 9999, with leading zeros.
+  // `number` is from 0 to 9999; writes leading zeros.
   void putFourDigits(std::uint32_t number) { place_ = tools::putFourDigits(place_, number); }
-  // From 0 to 9.
+  // `digit` is from 0 to 9.
   void putDigit(unsigned digit) { *place_++ = static_cast<char>('0' + digit); }
 
-  // Puts a text if each of its bytes can stand in a JSON string as it is. Returns false, with nothing
-  // put, if one can't.
+  // Writes a text if it can be part of a JSON string without escapes. Otherwise returns false and writes
+  // nothing.
   [[nodiscard]] bool putIfPlain(std::string_view text) {
     const bool plain = copyIfPlain(place_, text);
     if (plain) place_ += text.size();
@@ -47,13 +47,14 @@ class Line {
   char* place_;
 };
 
-// Gathers lines for a stream, which gets them in large pieces.
+// Buffers lines and writes them to a stream in large blocks.
 class LineWriter {
  public:
   // `stream` must outlive this object.
   explicit LineWriter(std::ostream& stream) : stream_(stream), text_(pieceSize) {}
 
-  // The next line, with space for `size` bytes; it counts once it has been handed to `end`.
+  // Returns the next line, with space for `size` bytes. The line becomes part of the output when passed to
+  // `end`.
   [[nodiscard]] Line begin(std::size_t size) {
     if (text_.size() - used_ < size) makeRoom(size);
     return Line(text_.data() + used_);

@@ -10,10 +10,10 @@ struct Options {
   bool help = false;
   bool json = false;
   bool lines = false;
-  std::vector<std::string> files;  // "-": the standard input
+  std::vector<std::string> files;  // "-": standard input
 };
 
-// Reads the command line. Nothing when it is wrong, after saying on standard error how.
+// Parses the command line. Returns nullopt after printing an error on standard error if it is invalid.
 [[nodiscard]] std::optional<Options> parseOptions(int argc, char** argv);
 
 [[nodiscard]] std::string helpText();

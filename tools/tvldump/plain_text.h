@@ -11,12 +11,12 @@ namespace plain_text {
 
 inline constexpr std::uint64_t everyByte = 0x0101'0101'0101'0101;
 
-// The highest bit of a byte is set where the byte is 0, or behind such a one.
+// Sets the highest bit of each zero byte; may also set that of bytes above a zero byte.
 [[nodiscard]] constexpr std::uint64_t zeroBytes(std::uint64_t word) {
   return (word - everyByte) & ~word;
 }
 
-// Whether each of the eight bytes can stand in a JSON string as it is, and is ASCII.
+// Returns whether all eight bytes are ASCII and can be part of a JSON string without escapes.
 [[nodiscard]] constexpr bool isPlain(std::uint64_t word) {
   const std::uint64_t controls = (word - everyByte * ' ') & ~word;
   const std::uint64_t bad = word | controls | zeroBytes(word ^ everyByte * '"') |
@@ -31,7 +31,7 @@ inline constexpr std::uint64_t everyByte = 0x0101'0101'0101'0101;
   return word;
 }
 
-// The last eight bytes may overlap those before them.
+// The last eight bytes may overlap the previous ones.
 [[nodiscard]] inline bool copyLong(char* place, std::string_view text) {
   const std::size_t last = text.size() - sizeof(std::uint64_t);
   bool plain = true;
@@ -58,8 +58,7 @@ inline constexpr std::uint64_t everyByte = 0x0101'0101'0101'0101;
 
 }  // namespace plain_text
 
-// Copies `text` to `place`. Returns whether each of its bytes is printable ASCII that can stand in a JSON
-// string as it is.
+// Copies `text` to `place`. Returns whether all bytes are printable ASCII that JSON does not escape.
 [[nodiscard]] inline bool copyIfPlain(char* place, std::string_view text) {
   return text.size() < sizeof(std::uint64_t) ? plain_text::copyShort(place, text)
                                              : plain_text::copyLong(place, text);

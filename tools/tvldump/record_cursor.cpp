@@ -12,7 +12,7 @@ unsigned daysOf(unsigned month, unsigned year) {
   return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
 }
 
-// The value of the first of the digits that `highest` has.
+// Returns the place value of the first digit of a number with as many digits as `highest`.
 unsigned firstDigitValue(unsigned highest) {
   unsigned value = 1;
   while (highest / value >= 10) value *= 10;
@@ -31,7 +31,7 @@ void RecordCursor::takeFixed(std::string_view text, std::string_view reason) {
 unsigned RecordCursor::takeNumber(unsigned lowest, unsigned highest, std::string_view reason) {
   unsigned number = 0;
   for (unsigned value = firstDigitValue(highest); value > 0; value /= 10) {
-    // The digits that leave the number within its range, whatever follows.
+    // The range of this digit for which the number can still be within its bounds.
     const unsigned least = lowest < number ? 0 : (lowest - number) / value;
     const unsigned most = std::min(9u, (highest - number) / value);
     const std::uint8_t digit =
@@ -55,7 +55,7 @@ std::string_view RecordCursor::takeDate() {
   return since(start);
 }
 
-// Nearly all dates of a file are the same.
+// Fast path: nearly all dates in a file are the same.
 bool RecordCursor::takeLastDate() {
   if (lastDate_.empty() || !rest().starts_with(lastDate_)) return false;
   offset_ += lastDate_.size();
@@ -73,7 +73,7 @@ void RecordCursor::takeTimeOfDay() {
   takeNumber(0, 60, kReason);
 }
 
-// The ones that need no look at where they go wrong.
+// Fast path for valid times; other times need the offset of the first invalid byte.
 bool RecordCursor::takeUsualTimeOfDay() {
   constexpr std::size_t length = 9;
   const std::string_view text = rest();

@@ -11,9 +11,10 @@
 
 namespace tools {
 
-// A place in the bytes of a usage record file that moves behind each field taken. The first byte that can't
-// belong to the field asked for is the damage; from then on the place stays and every field comes out empty,
-// so that who takes several fields looks for damage once. Views point into the bytes; nothing is allocated.
+// A read position in a usage record file. Each `take` function returns a field and moves past it. The first
+// byte that is not valid in the requested field is recorded as the damage. After that the position does not
+// change and all fields are empty, so that callers can take several fields before they check for damage.
+// Views point into the file's bytes; nothing is allocated.
 class RecordCursor {
  public:
   explicit RecordCursor(std::span<const char> bytes) : bytes_(bytes) {}
@@ -25,24 +26,24 @@ class RecordCursor {
   }
   [[nodiscard]] const std::optional<Damage>& damage() const { return damage_; }
 
-  // Makes this place the damage, unless there is one already.
+  // Records damage at the current position, unless there is damage already.
   void damaged(std::string_view reason) {
     if (!damage_) damage_ = Damage{offset_, reason};
   }
 
-  // What was not taken yet; nothing behind damage.
+  // Returns the bytes not taken yet; empty after damage.
   [[nodiscard]] std::string_view rest() const {
     return damage_ ? std::string_view() : std::string_view(bytes_.data() + offset_, bytes_.size() - offset_);
   }
-  // Takes `size` bytes of `rest`.
+  // Skips `size` bytes, which must be in `rest`.
   void skip(std::size_t size) { offset_ += size; }
 
-  // The bytes from `start` to here.
+  // Returns the bytes from `start` to the current position.
   [[nodiscard]] std::string_view since(std::size_t start) const {
     return {bytes_.data() + start, offset_ - start};
   }
 
-  // One byte from `lowest` to `highest`.
+  // Takes one byte from `lowest` to `highest`.
   std::uint8_t takeByte(std::uint8_t lowest, std::uint8_t highest, std::string_view reason) {
     if (atEnd()) damaged(endsTooEarly);
     if (damage_) return 0;
@@ -64,18 +65,18 @@ class RecordCursor {
     return {};
   }
 
-  // A byte that counts, at most `longest`, and as many bytes of text.
+  // Takes a length byte, at most `longest`, and that many bytes of text.
   std::string_view takeCounted(std::size_t longest, std::string_view reason) {
     return takeText(takeByte(0, static_cast<std::uint8_t>(longest), reason));
   }
 
-  // As many decimal digits as `highest` has, of a number from `lowest` to `highest`.
+  // Takes a number from `lowest` to `highest`, with as many decimal digits as `highest`.
   unsigned takeNumber(unsigned lowest, unsigned highest, std::string_view reason);
 
-  // "2024-03-07", a day of the calendar.
+  // Takes a calendar date such as "2024-03-07".
   std::string_view takeDate();
 
-  // " 09:05:00" behind a date; a leap second is one.
+  // Takes a time such as " 09:05:00" after a date. Accepts leap seconds.
   void takeTimeOfDay();
 
  private:

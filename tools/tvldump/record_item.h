@@ -7,15 +7,14 @@
 
 namespace tools {
 
-// The items of a usage record file as they were read. Texts are bytes as they stand in the file and point
-// into it.
+// The items of a usage record file. Texts are the file's bytes, unchanged; the views point into the file.
 
 struct Day {
   std::string_view date;  // YYYY-MM-DD
 };
 
 struct Identifier {
-  std::string_view text;  // with its braces
+  std::string_view text;  // including the braces
 };
 
 struct OperatingSystem {
@@ -53,10 +52,10 @@ struct Item {
   std::variant<Day, Identifier, OperatingSystem, Version, Start, End, DeviceEvent, Transfer> content;
 };
 
-// Where a file stops making sense: no whole file begins with more bytes than these first `offset` ones.
+// The offset of the first corrupt byte: no valid file begins with the first `offset` + 1 bytes.
 struct Damage {
   std::size_t offset = 0;
-  std::string_view reason;  // a text that lasts
+  std::string_view reason;  // has static storage duration
 };
 
 }  // namespace tools

@@ -20,7 +20,7 @@ void takeLength(RecordCursor& cursor, std::size_t length, std::string_view reaso
   cursor.takeByte(static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length), reason);
 }
 
-// Behind damage there are no bytes.
+// After damage, `bytes` is empty.
 std::uint64_t sizeIn(std::string_view bytes) {
   return bytes.size() == record_format::sizeFieldWidth ? littleEndian<std::uint64_t>(bytes) : 0;
 }
@@ -89,7 +89,7 @@ OperatingSystem RecordReader::takeOperatingSystem() {
                            "no code of an operating system")};
 }
 
-// Behind its code.
+// The version's code has already been taken.
 Version RecordReader::takeVersion() {
   const std::string_view bundle =
       cursor_.takeCounted(record_format::longestBundleVersion, "a version longer than any");

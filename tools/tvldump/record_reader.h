@@ -10,25 +10,26 @@
 
 namespace tools {
 
-// Reads a usage record file item by item; its layout is in doc/usage_record_format.md. Every byte of it may
-// be anything. The items point into the bytes, which must outlive them; nothing is copied or allocated. One
-// thread at a time.
+// Reads a usage record file (doc/usage_record_format.md) item by item. The bytes are untrusted. The items
+// point into the bytes, which must outlive them; nothing is copied or allocated. For use by one thread at a
+// time.
 class RecordReader {
  public:
   explicit RecordReader(std::span<const char> bytes) : cursor_(bytes) {}
 
-  // The next item: the four of the header in their order, then the records. Nothing at the end of a whole
-  // file, and nothing any more once there is damage.
+  // Returns the next item: the four of the header in order, then the records. Returns nullopt at the end of a
+  // valid file and after damage.
   [[nodiscard]] std::optional<Item> next();
 
-  // The same into `item`, whose content is undefined at the end. Returns false where `next` returns nullopt.
-  // For large files: copying an item right after it was written stalls, for longer than reading it takes.
+  // The same, but stores the item in `item`, whose content is unspecified at the end. Returns false where
+  // `next` returns nullopt. Faster for large files: copying an item right after it was written stalls the
+  // processor for longer than reading it takes.
   [[nodiscard]] bool read(Item& item) {
     item.offset = cursor_.offset();
     return (expected_ == Expected::Record && takeUsualTransfer(item.content)) || takeItem(item.content);
   }
 
-  // Where the sense ends, once `next` has come upon it.
+  // Returns the damage after `next` has reached it.
   [[nodiscard]] const std::optional<Damage>& damage() const { return cursor_.damage(); }
 
  private:
@@ -52,8 +53,8 @@ class RecordReader {
   Expected expected_ = Expected::Day;
 };
 
-// Nearly all records are transfers: takes one that needs no look at where it goes wrong, and leaves any
-// other.
+// Fast path for transfers, which nearly all records are. Takes a valid transfer; leaves any other record to
+// takeItem, which determines the offset of the damage.
 inline bool RecordReader::takeUsualTransfer(Content& content) {
   using namespace record_format;
   constexpr std::size_t widthPlace = 1, sizePlace = 2;

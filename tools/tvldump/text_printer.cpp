@@ -14,7 +14,7 @@ std::string versionText(const Version& version) {
   return "version " + quotedText(version.bundle) + " " + std::string(version.fixed);
 }
 
-// One line for each kind of item, without its offset.
+// Returns the line for each kind of item, without its offset.
 struct ItemText {
   std::string operator()(const Day& day) const { return "day " + std::string(day.date); }
   std::string operator()(const Identifier& identifier) const {

@@ -6,8 +6,8 @@
 
 namespace tools {
 
-// Prints a line for each item, its offset first, for people. Names stand in quotes, whatever is no printable
-// ASCII in them as \xNN.
+// Prints one line of text for each item, beginning with its offset. Names are quoted; bytes other than
+// printable ASCII are shown as \xNN.
 class TextPrinter : public Printer {
  public:
   // `stream` must outlive this object.
