@@ -1,13 +1,13 @@
-# What there is to do beside ./run and ./test. PRESET: one of CMakePresets.json.
+# Development tasks besides ./run and ./test. PRESET is one of CMakePresets.json.
 PRESET ?= release
 SOURCES = $(shell git ls-files '*.cpp' '*.h' '*.mm')
 
-# The tests would wait for each other's processors.
+# Parallel targets would compete for processors and make tests time out.
 .NOTPARALLEL:
 .PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-portable check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
-# Where the bundle of the preset is assembled.
+# The folder in which the preset's bundle is assembled.
 BUNDLE_ROOT = $(CURDIR)/build$(if $(filter release,$(PRESET)),,/$(PRESET))
 
 define configure
@@ -15,28 +15,28 @@ mkdir -p build; echo "Configuring build/$(PRESET)"; \
 cmake --preset $(PRESET) $(1) >build/$(PRESET).configure.log 2>&1 || { cat build/$(PRESET).configure.log; exit 1; }
 endef
 
-# Leaves the assembled bundle at build/Tovalin.app (release), else at build/PRESET/Tovalin.app.
+# Assembles the bundle at build/Tovalin.app (release) or build/PRESET/Tovalin.app.
 build:
 	@$(call configure)
 	@cmake --build --preset $(PRESET)
 
-# What ./run shows, without the tests; a tree in which these are configured keeps them.
+# Builds what ./run needs. Does not configure the tests unless they are configured already.
 tour:
 	@$(call configure,-DBUILD_TESTING=$$(grep -qs '^BUILD_TESTING:.*=ON' build/$(PRESET)/CMakeCache.txt && echo ON || echo OFF))
 	@cmake --build --preset $(PRESET) --target tour
 
-# Leaves build/tovalin-tray_VERSION_ARCHITECTURE.deb.
+# Writes build/tovalin-tray_VERSION_ARCHITECTURE.deb.
 package: build
 	packaging/deb/build build/$(PRESET) build
 
-# Prints a table and leaves every figure in build/bench.json.
+# Prints a table and writes all results to build/bench.json.
 bench: build
 	@tests/bench/run build/$(PRESET)
 
 format:
 	clang-format -i $(SOURCES)
 
-# What takes longest and finds least comes last.
+# The slowest checks, which find the fewest errors, come last.
 check: check-packages check-format check-cppcheck check-compilers check-portable check-macos check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
@@ -45,35 +45,36 @@ check-packages:
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
 
-# Both compilers, warnings are errors: gcc by `build`.
+# Both compilers with warnings as errors; `build` runs gcc.
 check-compilers: build check-compilers-clang
 
-# Compiles each file of the product and the tools alone, without precompiled headers: one that doesn't include what it uses fails.
+# Compiles each file of the product and the tools separately, without precompiled headers, so that a missing include is an error.
 check-compilers-clang:
 	@$(MAKE) --no-print-directory build PRESET=clang
 
-# The product folders and platform/portable as another system would compile them: with clang 16 and libc++.
+# Compiles the product folders and platform/portable with clang 16 and libc++, as another system would.
 check-portable:
 	tests/structure/portable_code
 
-# The types of platform/macos, and that the check can fail.
+# Checks the types of platform/macos, and tests that this check detects errors.
 check-macos:
 	packaging/set_up develop
 	tests/macos/check
 	tests/macos/check_can_fail
 
-# Builds the agent of platform/macos with GNUstep and drives it on a private screen.
+# Builds the agent of platform/macos with GNUstep and tests it on a private display.
 macos-on-gnustep:
 	packaging/set_up build run test macos
 	@$(call configure,-DTOVALIN_MACOS_ON_GNUSTEP=ON)
 	@cmake --build --preset $(PRESET) --target macos_agent_test macos_differential_test
 	ctest --preset $(PRESET) --tests-regex '^macos_'
 
-# With those that a sanitizer leaves no room for.
+# Includes the tests that do not run under a sanitizer.
 check-tests:
 	./test
 
-# The tidy preset has a command for each file, and is not built. The macOS files do not compile here: check-macos looks at their types.
+# The tidy preset is only configured, for its compile commands. The macOS files do not compile on Linux; check-macos checks their
+# types.
 check-tidy:
 	@mkdir -p build; cmake --preset tidy >build/tidy.configure.log
 	git ls-files '*.cpp' ':!*/macos/*' | xargs -P $$(nproc) -n 1 clang-tidy --quiet -p build/tidy
@@ -85,7 +86,7 @@ check-cppcheck:
 check-sanitizers:
 	./test asan
 
-# The parts that several threads use, and the agent as a whole; the toolkit itself is not built for the thread sanitizer.
+# Tests of code that runs on several threads, and of the whole agent. Qt itself is not instrumented.
 THREADED = usage_record_test upload_pass_test url_request_test read_pipe_test command_pipe_test \
   launch_test menu_test notice_test process_test tray_test usage_test hostile_pipes_test bundle_watch_agent_test \
   support_window_test
@@ -94,8 +95,8 @@ check-threads:
 	cmake --build --preset tsan --target $(THREADED)
 	ctest --preset tsan --parallel $$(nproc) --tests-regex '^($(subst $() ,|,$(strip $(THREADED))))'
 
-# PAIRS: how often both notices are shown and hidden. OPENINGS: how often the support window is opened and closed.
-# MINUTES: how long the mixed life is. SEED: the order of what happens in it; each run has its own when there is none.
+# PAIRS: how often both notices are shown and hidden. OPENINGS: how often the support window is opened and closed. MINUTES:
+# duration of the randomised soak test. SEED: the order of its events; random if empty.
 PAIRS ?= 10000
 OPENINGS ?= 1000
 MINUTES ?= 60
@@ -105,18 +106,18 @@ soak: build
 	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
 	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/life_soak_test
 
-# FUZZ_SECONDS: how long each target is fed. FUZZ_TARGETS: only these (files of tests/fuzz without their ending).
+# FUZZ_SECONDS: run time of each target. FUZZ_TARGETS: only these targets (files of tests/fuzz without suffix).
 FUZZ_SECONDS ?= 60
 FUZZ_TARGETS ?=
 fuzz:
 	@$(MAKE) --no-print-directory build PRESET=fuzz
 	tests/fuzz/run build/fuzz $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
-# Makes each call of the agent's own code fail in each place of a short life, and prints what became of it.
+# Injects a failure into each call that the agent's code makes in a scripted session and prints the outcomes.
 faults: build
 	TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/faults/run build/$(PRESET)
 
-# Which lines the tests run, of the product folders and of platform/; doc/coverage.md says why the others aren't.
+# Line coverage of the product folders and platform/; doc/coverage.md explains the uncovered lines.
 coverage:
 	@$(MAKE) --no-print-directory build PRESET=coverage
 	tests/coverage build/coverage

@@ -1,7 +1,7 @@
 set(TOVALIN_PRODUCT_SERVER "https://www.tovalin.example" CACHE STRING "The product server's origin")
 set(TOVALIN_TEST_UPLOAD_SERVER "http://test.tovalin.example" CACHE STRING "The test upload server's origin")
 
-# The product folders. Linked to no toolkit: what the operating system gives is reached through platform/*.h alone.
+# The product folders. They do not link Qt and use the operating system only through platform/*.h.
 add_library(tovalin_core STATIC
   app/beacon.cpp
   app/beacon_methods.cpp
@@ -65,7 +65,8 @@ target_compile_definitions(tovalin_core PRIVATE
 compiled_alone(app/registration.cpp ipc/command_pipe.cpp usage/bundle_version.cpp usage/server_addresses.cpp)
 has_headers_of(standard_headers tovalin_core)
 set_target_properties(tovalin_core PROPERTIES LINK_INTERFACE_MULTIPLICITY 3)
-# The core asks the platform for its facilities, and the platform's main asks the core which program it runs.
+# The dependency is mutual: the core uses the platform, and the platform's ApplicationMain calls applicationRegistration of the
+# core.
 target_link_libraries(tovalin_core PUBLIC tovalin_platform)
 target_link_libraries(tovalin_platform PUBLIC tovalin_core)
 

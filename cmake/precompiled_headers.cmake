@@ -1,5 +1,5 @@
-# Headers that most files include are compiled once for all targets that share their compile options. Each file includes what it
-# uses all the same: the clang preset compiles without them.
+# Frequently included headers are compiled once for all targets with the same compile options. Each file must nevertheless include
+# what it uses: the clang preset compiles without precompiled headers.
 set(standard_headers
   <algorithm> <array> <atomic> <cerrno> <charconv> <chrono> <cstddef> <cstdint> <cstdio> <cstdlib> <cstring> <ctime> <filesystem>
   <fstream> <functional> <map> <memory> <mutex> <optional> <span> <sstream> <string> <string_view> <system_error> <thread> <utility>
@@ -18,14 +18,14 @@ function(precompiled_headers name)
   target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
 endfunction()
 
-# has_headers_of(NAME targets...): the targets are compiled with NAME's headers.
+# has_headers_of(NAME targets...): compiles the targets with NAME's precompiled headers.
 function(has_headers_of name)
   foreach(target IN LISTS ARGN)
     target_precompile_headers(${target} REUSE_FROM ${name})
   endforeach()
 endfunction()
 
-# Without it gcc's precompiled headers keep ccache from storing anything.
+# Without this option, ccache cannot store compilations that use gcc's precompiled headers.
 if(CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   add_compile_options(-fpch-preprocess)
 endif()

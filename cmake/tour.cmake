@@ -1,4 +1,4 @@
-# What ./run shows the agent with, besides the bundle and the tools; tests use the first two as well.
+# Programs for ./run besides the bundle and the tools. Tests use portal_double and web_view_relay, too.
 find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
 set(bus_doubles "${PROJECT_SOURCE_DIR}/tests/harness/bus_doubles")
 

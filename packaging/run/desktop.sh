@@ -1,12 +1,12 @@
-# The private desktop: a screen, a session bus, a window manager, and a panel that takes icons.
+# The private desktop: an X server, a session bus, a window manager, and a panel that shows icons.
 
 start_desktop() {
-  # Else the panel would look for an accessibility bus and a settings service, which are not there.
+  # The panel must not search for an accessibility bus and a settings service, which do not exist here.
   export NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
   start_screen
   start_bus
   start_window_manager
-  # It says 1 whether it could or not.
+  # display exits with 1 even on success.
   display -size "${screen_width}x$screen_height" -window root gradient:'#a9c2d4-#5f809a' || true
   start_panel
 }
@@ -37,7 +37,7 @@ start_window_manager() {
   tell "desktop" "a window manager: openbox"
 }
 
-# Asking for a desktop also wakes openbox, which looks at what it has read while starting only when more comes.
+# Setting the desktop also triggers openbox, which handles requests received during its start only when more arrive.
 window_manager_answers() { xdotool set_desktop 0 get_desktop >/dev/null 2>&1; }
 
 start_panel() {
@@ -70,7 +70,7 @@ run_trayer() { # COLOUR
   wait_for "the panel" xdotool search --onlyvisible --class trayer >/dev/null
 }
 
-# Makes the desktop light or dark, its panel and what its portal says.
+# Switches the desktop between light and dark: the panel's theme and the portal's setting.
 paint_desktop() { # light|dark
   "paint_$panel" "$1"
   tell_portal "$([ "$1" = dark ] && echo "set 1" || echo "set 2")"
@@ -81,7 +81,7 @@ paint_xfce4-panel() { # light|dark
   xfconf-query --channel xfce4-panel --property /panels/dark-mode --set "$([ "$1" = dark ] && echo true || echo false)"
 }
 
-# Its colour is settled at its start; the icon moves over to the new one.
+# trayer reads its colour only at start, so it is restarted; the icon moves to the new panel.
 paint_trayer() { # light|dark
   kill "$trayer_process"
   run_trayer "$([ "$1" = dark ] && echo 0x353535 || echo 0xf6f5f4)"

@@ -1,4 +1,4 @@
-# The agent, and the programs around it that it talks to; what each of them says is told line by line.
+# The agent and the programs that it communicates with. Their output is added to the transcript line by line.
 
 bundle=/tmp/Applications/Tovalin.app
 agent_contents=$bundle/Contents/Resources/TovalinTray.app/Contents
@@ -10,7 +10,7 @@ start_log() {
   wait_for "the system log" test -S /dev/log
 }
 
-# The outside commands and the web view's relay announce themselves in the log too, so that all is in its order.
+# Outside commands and the relay of the web view log their calls to the system log, so that all lines are in order.
 retell_log() {
   local identity text
   while read -r identity text; do
@@ -29,12 +29,12 @@ start_portal() {
   wait_for_line "portal" "ready"
 }
 
-# Without its answer to each command.
+# Omits the portal's "ok" after each command.
 retell_portal() { sed --unbuffered '/^ok$/d' | retell "portal"; }
 
 tell_portal() { echo "$1" >&4; }
 
-# What a run of the agent on the day before would have left.
+# Creates the records that a run of the agent on the previous day would have left.
 leave_yesterdays_records() {
   local folder=$HOME/.local/share/Tovalin yesterday
   mkdir -p "$folder"
@@ -45,7 +45,7 @@ leave_yesterdays_records() {
   } >"$folder/Tovalin_${yesterday//-/_}.dat"
 }
 
-# A copy, because this one's commands and beacons are announced and its product server is the stand-in.
+# A copy, because its helpers are wrapped to log their calls and its product server is the stand-in.
 install_bundle() {
   mkdir -p "${bundle%/*}" "$outside_commands"
   cp -r build/Tovalin.app "$bundle"
@@ -53,7 +53,7 @@ install_bundle() {
   for helper in launchctl open osascript; do
     announce "$helper" "$PWD/build/${agent_contents#/tmp/Applications/}/Helpers/$helper" "$agent_contents/Helpers/$helper"
   done
-  # The browser of the private desktop.
+  # The web browser of the private desktop.
   announce x-www-browser /bin/true "$outside_commands/x-www-browser"
   announce killall "$(command -v killall)" "$outside_commands/killall"
   relay_beacons "$agent_contents/Helpers/TovalinWebView"
@@ -61,13 +61,13 @@ install_bundle() {
     "$agent_contents/Info.plist"
 }
 
-# Makes a command that says in the log what it was called with, and then does it.
+# Creates a wrapper that logs its arguments and then runs the program.
 announce() { # NAME PROGRAM PLACE
   printf '#!/bin/sh\nlogger -t shell -- "%s $*"\nexec "%s" "$@"\n' "$1" "$2" >"$3"
   chmod +x "$3"
 }
 
-# Puts before the hidden web view a program that tells of each address that it is handed.
+# Replaces the hidden web view by a relay that logs each address and passes it on.
 relay_beacons() { # WEB_VIEW
   mv "$1" "$outside_commands/TovalinWebView"
   cp build/release/tests/harness/web_view_relay "$1"
@@ -94,7 +94,7 @@ start_main_application() {
   wait_for_line "main app" "reading"
 }
 
-# What a usage record file holds, line by line.
+# Prints a usage record file line by line.
 tell_records() { # FILE
   build/release/tools/tvldump "$1" > >(retell "tvldump") 2>&1 || fail "$1 is no whole file of records"
 }
@@ -105,10 +105,10 @@ has_upload() { compgen -G "$results/uploads/*.dat" >/dev/null; }
 
 yesterdays_records_are_gone() { [ -z "$(find "$HOME/.local/share/Tovalin" -name "*.dat" ! -name "Tovalin_$(date +%Y_%m_%d).dat")" ]; }
 
-# Has the main application ask the agent for something: "access on", "loading off" ...
+# Makes the main application send a request to the agent: "access on", "loading off" ...
 ask_agent() { echo "$1" >&5; }
 
-# Without the time that it puts before each message.
+# Omits the time before each message.
 retell_main_application() { sed --unbuffered -e 's/^[0-9:.]*  "/read "/' -e 's/^[0-9:.]*  sent/sent/' | retell "main app"; }
 
 start_agent() {

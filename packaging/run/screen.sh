@@ -1,10 +1,9 @@
-# Looking at the private screen and clicking on it. What is to be seen is looked for in pictures of the screen, so that any
-# panel will do.
+# Examines and clicks on the private display. Works on screenshots, so that it does not depend on the panel.
 
 screen_width=1000
 screen_height=640
 panel_height=32
-# The end of the panel where the icons are; a clock ticks at the other.
+# The end of the panel with the icons; the other end has a clock, which changes.
 icon_area=300x$panel_height+$((screen_width - 300))+0
 desktop_area=${screen_width}x$((screen_height - panel_height))+0+$panel_height
 
@@ -14,7 +13,7 @@ icon_x=0
 
 shoot() { import -silent -window root "$shot"; }
 
-# Whether the screen looks as it did in the shot before.
+# Succeeds if the screen equals the previous screenshot.
 stands_still() {
   mv "$shot" "$shot.before" && shoot && cmp --silent "$shot" "$shot.before"
 }
@@ -31,7 +30,7 @@ remember_empty_screen() {
   cp "$shot" "$empty_shot"
 }
 
-# A panel is of one colour, the background is not.
+# The panel has a uniform colour; the background is a gradient.
 panel_is_painted() {
   shoot || return 1
   [ "$(colour_at $((screen_width / 2)),1)" = "$(colour_at $((screen_width / 2)),$((panel_height - 4)))" ]
@@ -39,7 +38,7 @@ panel_is_painted() {
 
 colour_at() { convert "$shot" -format "%[pixel:p{$1}]" info:; } # X,Y
 
-# Whether the agent's picture of this name stands in the panel, pixel by pixel; notes where.
+# Succeeds if the panel shows the agent's picture of this name, and stores the position in icon_x.
 icon_is() { # NAME
   local found
   shoot || return 1
@@ -65,7 +64,7 @@ notice_is_open() { xdotool search --onlyvisible --name '^Tovalin Notification$' 
 
 notice_is_closed() { ! notice_is_open; }
 
-# Sets support_x and support_y, the upper left corner of its content.
+# Sets support_x and support_y, the upper left corner of the window's content.
 support_window_is_open() {
   local found
   found=$(xwininfo -name 'Support Tovalin' 2>/dev/null) || return 1
@@ -81,7 +80,7 @@ click_in_support_window() { # WHAT X Y
   xdotool mousemove $((support_x + $2)) $((support_y + $3)) click 1
 }
 
-# A sheet shades the window's grey wherever it does not cover it.
+# A sheet darkens the part of the window that it does not cover.
 sheet_is_up() {
   shoot || return 1
   [ "$(convert "$shot" -format "%[fx:p{$((support_x + 4)),$((support_y + 180))}.r<0.8]" info:)" = 1 ]
@@ -89,7 +88,7 @@ sheet_is_up() {
 
 sheet_is_gone() { ! sheet_is_up; }
 
-# Sets menu_left, menu_top, menu_width and menu_height; a tooltip is no menu.
+# Sets menu_left, menu_top, menu_width and menu_height. Ignores tooltips, which are smaller.
 menu_is_open() {
   shoot || return 1
   read -r menu_width menu_height menu_left menu_top < <(
@@ -101,7 +100,7 @@ menu_is_open() {
 
 menu_is_closed() { ! menu_is_open; }
 
-# At the panel's lower edge, where no menu that opens at the pointer hides the panel.
+# Clicks the panel's lower edge, so that a menu opened at the pointer does not hide the panel.
 open_menu() {
   xdotool mousemove "$icon_x" $((panel_height - 4)) click 3
   wait_for "the menu" menu_is_open

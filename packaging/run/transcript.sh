@@ -1,10 +1,10 @@
-# What happens during the visit, line by line: on the terminal and in a file that the waits look at.
+# The transcript of the visit, written to the terminal and to a file that the wait functions read.
 
 results=build/run
 transcript=$results/transcript.txt
-# What the desktop's programs say for themselves is shown only when something fails.
+# Output of the desktop's programs, shown only after a failure.
 mutterings=/tmp/mutterings
-# How many seconds anything may take to be seen.
+# The timeout of all waits, in seconds.
 patience=20
 
 tell() { # WHO WHAT
@@ -14,7 +14,7 @@ tell() { # WHO WHAT
   printf '%s\n' "$line"
 }
 
-# Tells each line of the standard input.
+# Adds each line of standard input to the transcript.
 retell() { # WHO
   local line
   while IFS= read -r line; do tell "$1" "$line"; done
@@ -30,7 +30,7 @@ fail() { # WHAT
   exit 1
 }
 
-# Tries a command again and again until it succeeds.
+# Repeats a command until it succeeds.
 wait_for() { # WHAT COMMAND...
   local what=$1 deadline=$((SECONDS + patience))
   shift
@@ -44,7 +44,7 @@ has_lines() { # COUNT TEXT
   [ "$(grep --count --fixed-strings -- "$2" "$transcript")" -ge "$1" ]
 }
 
-# Waits until so many lines of one teller begin like this.
+# Waits until the transcript has COUNT lines of WHO that begin with BEGINNING.
 wait_for_line() { # WHO BEGINNING [COUNT]
   local text
   printf -v text '  %-9s %s' "$1" "$2"
