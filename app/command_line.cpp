@@ -14,11 +14,9 @@ namespace {
 constexpr const char* helpText =
     "Usage: TovalinTray [--help | --version]\n"
     "\n"
-    "The tray agent of Tovalin. It shows one icon in the panel, whose menu switches the automatic mounting "
-    "of\n"
-    "devices on and off, and ends with the menu's \"Quit Tovalin\". It runs from inside the bundle of the "
-    "main\n"
-    "application, once per user; a second start opens the menu of the running one.\n"
+    "The tray agent of Tovalin. It shows an icon in the panel; its menu switches automatic mounting of\n"
+    "devices on and off, and \"Quit Tovalin\" ends the agent. The agent runs from inside the main\n"
+    "application's bundle, once per user; a second start opens the menu of the running agent.\n"
     "\n"
     "  --help     show this text and end\n"
     "  --version  show the version and end\n";

@@ -27,7 +27,7 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
   if (!file.valid() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   const auto size = static_cast<std::size_t>(status.st_size);
   if (size > largestUpload) {
-    platform::systemLog(platform::LogPriority::Error, "usage file too large to be sent : " + path);
+    platform::systemLog(platform::LogPriority::Error, "usage file too large to upload : " + path);
     return std::nullopt;
   }
   try {

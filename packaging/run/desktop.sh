@@ -74,7 +74,7 @@ run_trayer() { # COLOUR
 paint_desktop() { # light|dark
   "paint_$panel" "$1"
   tell_portal "$([ "$1" = dark ] && echo "set 1" || echo "set 2")"
-  tell "visit" "made the desktop $1"
+  tell "visit" "switched the desktop to $1"
 }
 
 paint_xfce4-panel() { # light|dark

@@ -96,7 +96,7 @@ start_main_application() {
 
 # Prints a usage record file line by line.
 tell_records() { # FILE
-  build/release/tools/tvldump "$1" > >(retell "tvldump") 2>&1 || fail "$1 is no whole file of records"
+  build/release/tools/tvldump "$1" > >(retell "tvldump") 2>&1 || fail "$1 is damaged"
 }
 
 has_archive() { compgen -G "$HOME/Desktop/tovalinlog_*.zip" >/dev/null; }

@@ -52,7 +52,7 @@ icon_is() { # NAME
 
 wait_for_icon() { # NAME
   wait_for "the icon \"$1\" in the panel" icon_is "$1"
-  tell "screen" "the icon \"$1\" stands in the panel"
+  tell "screen" "the panel shows the icon \"$1\""
 }
 
 panel_is_empty() {
@@ -115,7 +115,7 @@ point_at() { # first|last
 
 choose() { # first|last
   point_at "$1"
-  tell "visit" "clicks the menu's $1 line"
+  tell "visit" "clicks the menu's $1 item"
   xdotool click 1
   wait_for "the menu to close" menu_is_closed
 }

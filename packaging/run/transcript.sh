@@ -22,9 +22,9 @@ retell() { # WHO
 
 fail() { # WHAT
   tell "FAILED" "$1"
-  if [ -n "${agent:-}" ] && has_ended "$agent"; then tell "FAILED" "the agent is no longer there"; fi
+  if [ -n "${agent:-}" ] && has_ended "$agent"; then tell "FAILED" "the agent has ended"; fi
   if [ -n "${DISPLAY:-}" ] && import -silent -window root "$results/failed.png"; then
-    tell "picture" "$results/failed.png shows the screen at that moment"
+    tell "picture" "$results/failed.png shows the screen at the time of the failure"
   fi
   retell "desktop" <"$mutterings"
   exit 1
@@ -35,7 +35,7 @@ wait_for() { # WHAT COMMAND...
   local what=$1 deadline=$((SECONDS + patience))
   shift
   until "$@"; do
-    [ "$SECONDS" -lt "$deadline" ] || fail "waited $patience seconds in vain for $what"
+    [ "$SECONDS" -lt "$deadline" ] || fail "timed out after $patience seconds waiting for $what"
     sleep 0.05
   done
 }

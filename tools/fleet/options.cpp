@@ -108,35 +108,36 @@ std::optional<Options> parseOptions(int argc, char** argv) {
 std::string helpText() {
   return R"(Usage: fleet [OPTION]...
 
-Simulates the requests that many installations make in 24 hours, from noon UTC on. Whether an installation uploads at a tick of its timer is decided by the agent's own function.
+Simulates the requests of many installations in 24 hours, beginning at noon UTC. Uses the agent's own function to decide
+whether an installation uploads at a tick of its timer.
 This is a development tool, not part of the agent.
 
-  --installations N  1 to 1000000000; 10000000 if not given
-  --launches MIX     when agents are started, alone or as a mix with weights such as office=3,uniform=1:
-                       uniform    once a day, at any second while the machine is awake; on until the next start
-                       office     in the morning, about 08:45; off in the evening, about 17:45
-                       power-cut  once, half a minute to two minutes after the power returned at 20:00; on from then
-                     a weight is 0 or from 0.000001 to 1000000000; uniform if not given
-  --zones MIX        utc; world, a rough share of people for each offset; or offsets with weights such as
-                     +01:00=3,+05:30=1; utc if not given
-  --asleep PERCENT   how many of the machines sleep at night, from about 23:30 to about 07:15; 0 if not given
-  --delay SECONDS    a changed rule: a pass after a change of date waits for a random time below this; 0, the agent's
-                     rule, if not given
-  --file-bytes N     the size of a day's file; if not given, )" +
-         std::to_string(typicalFileSize()) + R"(: one start, one end, 4 device events and 40 transfers
-  --seed N           another N draws another fleet; 1 if not given
+  --installations N  1 to 1000000000 (default 10000000)
+  --launches MIX     launch times (default uniform), or a weighted mix such as office=3,uniform=1:
+                       uniform    once a day, at a random time while the machine is awake; until the next launch
+                       office     from about 08:45 to about 17:45
+                       power-cut  once, 0.5 to 2 minutes after power returns at 20:00; runs from then on
+                     a weight is 0 or from 0.000001 to 1000000000
+  --zones MIX        utc (default); world, a rough share of the population per offset; or weighted offsets such as
+                     +01:00=3,+05:30=1
+  --asleep PERCENT   share of machines that sleep at night, from about 23:30 to about 07:15 (default 0)
+  --delay SECONDS    simulate a changed rule: delay each pass after a date change by a random time below this
+                     (default 0, the agent's rule)
+  --file-bytes N     size of a day's file (default )" +
+         std::to_string(typicalFileSize()) + R"(: one start, one end, 4 device events and 40 transfers)
+  --seed N           seed of the random numbers (default 1)
   --json             print one JSON object: the settings, and for "uploads", "busiestHour", "versionFetches" and
                      "beacons" the "total", and for a second the "mean", "percentile99" and "peak" with its "peakAt"
-  --svg FILE         also draw the day
-  --plan FILE        also write what each installation does, a JSON object a line: its "offset" from UTC, and its "runs",
+  --svg FILE         also write a diagram of the day
+  --plan FILE        also write one JSON object per line for each installation: its "offset" from UTC, and its "runs",
                      each "[launch,end,[[asleep,awake],...]]", in seconds of local time since the midnight that
                      precedes the first counted second in UTC
   --help             show this text
 
-Times of day are bell-shaped: 08:45 deviates by 35 minutes, 17:45 and 23:30 by 60, 07:15 by 50, and never by more than 3.5
-times as much. Every upload succeeds. Summer time does not begin or end.
+Times of day are normally distributed with standard deviations of 35 minutes (08:45), 60 (17:45 and 23:30) and 50 (07:15),
+limited to 3.5 deviations. Every upload succeeds. Daylight saving time does not begin or end.
 
-Exit status: 0 success, 2 wrong command line, or a file or the output can't be written.
+Exit status: 0 success, 2 wrong command line or a write error.
 )";
 }
 

@@ -39,21 +39,21 @@ CommandFifo::~CommandFifo() {
 std::string CommandFifo::make() {
   made_ = ::mkfifo(path_.c_str(), 0666) == 0;
   if (made_) return {};
-  if (errno != EEXIST) return failure("make", path_);
+  if (errno != EEXIST) return failure("create", path_);
   struct stat there {};
-  if (::lstat(path_.c_str(), &there) != 0) return failure("look at", path_);
+  if (::lstat(path_.c_str(), &there) != 0) return failure("examine", path_);
   if (S_ISFIFO(there.st_mode)) return {};
-  return path_ + " is there already and is no FIFO; it was left as it is";
+  return path_ + " is there already and is no FIFO; it was not changed";
 }
 
 // Returns an error text, empty on success.
 std::string CommandFifo::openBothEnds() {
   constexpr int kFlags = O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC;
   reader_.reset(::open(path_.c_str(), O_RDONLY | kFlags));
-  if (!reader_.valid()) return failure("read", path_);
-  if (made_ && ::fchmod(reader_.get(), 0666) != 0) return failure("open to everybody", path_);
+  if (!reader_.valid()) return failure("open for reading", path_);
+  if (made_ && ::fchmod(reader_.get(), 0666) != 0) return failure("make writable for all users", path_);
   writer_.reset(::open(path_.c_str(), O_WRONLY | kFlags));
-  if (!writer_.valid()) return failure("hold open", path_);
+  if (!writer_.valid()) return failure("open for writing", path_);
   return {};
 }
 

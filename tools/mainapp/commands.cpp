@@ -69,13 +69,13 @@ Outcome runQuit(const std::string&) {
 }
 
 constexpr std::array kCommands = {
-    Command{"send", "TEXT", "write TEXT into the notification pipe", runSend},
+    Command{"send", "TEXT", "write TEXT to the notification pipe", runSend},
     Command{"access", "on|off", "show or hide the device-access notice", runAccess},
     Command{"loading", "on|off", "show or hide the loading notice", runLoading},
     Command{"device", "3|4 [NAME]", "report a device event", runDevice},
     Command{"transfer", "KIND SIZE [NAME]", "report a transfer; KIND is 1 or 2", runTransfer},
     Command{"help", "", "show the commands", runHelp},
-    Command{"quit", "", "end the stand-in", runQuit},
+    Command{"quit", "", "exit", runQuit},
 };
 
 std::string helpLine(const Command& command) {
@@ -106,7 +106,7 @@ Outcome runCommand(const std::string& line) {
   const auto found = std::find_if(kCommands.begin(), kCommands.end(),
                                   [&](const Command& command) { return command.name == name; });
   if (found == kCommands.end()) {
-    complain("there is no command " + quotedText(name) + "; \"help\" shows those there are");
+    complain("there is no command " + quotedText(name) + "; \"help\" lists the commands");
     return Outcome::Continue;
   }
   if (argument.empty() != found->argument.empty()) {

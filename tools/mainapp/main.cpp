@@ -31,7 +31,7 @@ int sendAll(const std::vector<std::string>& texts) {
 
 int serve(const tools::Options& options) {
   std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return fail("no pipe to be had");
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return fail("cannot create a pipe");
   const platform::FileDescriptor stopped(ends[0]);
   platform::FileDescriptor stop(ends[1]);
   const tools::StopSignals signals([&stop] { stop.reset(); });

@@ -47,9 +47,9 @@ std::optional<std::string> sendNotification(const std::string& path, std::string
   if (!fifo.valid()) return openFailure(path);
   if (!isFifo(fifo.get())) return path + " is no FIFO; nothing was written";
   const ssize_t count = ::write(fifo.get(), text.data(), text.size());
-  if (count < 0 && errno == EAGAIN) return path + " is full: nobody reads it";
+  if (count < 0 && errno == EAGAIN) return path + " is full: it is not being read";
   if (count < 0) return "cannot write " + path + ": " + std::strerror(errno);
-  if (static_cast<std::size_t>(count) < text.size()) return "only the start of the text fitted into " + path;
+  if (static_cast<std::size_t>(count) < text.size()) return "only a part of the text was written to " + path;
   waitUntilRead(fifo.get());
   return std::nullopt;
 }

@@ -28,7 +28,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   const bool good = line.read(argc, argv, [&](const std::vector<std::string>& arguments) {
     if (!arguments.empty()) return line.complain("unexpected argument " + quotedText(arguments[0]));
     if (options.sends.empty() || (!options.until && !options.timeout)) return true;
-    return line.complain("--send sends and ends; it does not go with --until and --timeout");
+    return line.complain("--send excludes --until and --timeout");
   });
   return good ? std::optional(options) : std::nullopt;
 }
@@ -39,22 +39,21 @@ std::string helpText() {
          "\n"
          "A stand-in for the main application. This is a development tool, not part of the agent.\n"
          "\n"
-         "It makes the command pipe /tmp/KMPIPE, prints each message that the agent writes there with the "
-         "time it\n"
-         "was read, and takes commands from its standard input. It ends at \"quit\", SIGINT or SIGTERM.\n"
+         "It creates the command pipe /tmp/KMPIPE, prints each message of the agent with the time at which "
+         "it\n"
+         "was read, and reads commands from standard input. It exits at \"quit\", SIGINT or SIGTERM.\n"
          "\n"
-         "  --send TEXT        write TEXT into the notification pipe /tmp/KMNOTIPIPE and end; may be "
+         "  --send TEXT        write TEXT to the notification pipe /tmp/KMNOTIPIPE and exit; may be "
          "repeated\n"
-         "  --until MESSAGE    end with status 0 once MESSAGE was read: -ton, -toff, -m or -u\n"
-         "  --timeout SECONDS  end with status 3 after this time\n"
+         "  --until MESSAGE    exit with status 0 after reading MESSAGE: -ton, -toff, -m or -u\n"
+         "  --timeout SECONDS  exit with status 3 after this time\n"
          "  --help             show this text\n"
          "\n"
-         "Commands of the standard input, a line each:\n" +
+         "Commands on standard input, one per line:\n" +
          commandHelp() +
          "\n"
-         "Exit status: 0 ended as asked, 1 failure or ended before the message of --until, 2 wrong command "
-         "line,\n"
-         "3 time over.\n";
+         "Exit status: 0 success, 1 failure, or ended before the message of --until, 2 wrong command line,\n"
+         "3 timeout.\n";
 }
 
 }  // namespace tools

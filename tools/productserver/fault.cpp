@@ -15,23 +15,23 @@ struct Entry {
 };
 
 constexpr std::array kFaults = {
-    Entry{Fault::RefuseStatus500, "refuse-status-500", "status 500 with a line of text"},
+    Entry{Fault::RefuseStatus500, "refuse-status-500", "status 500 with one line of text"},
     Entry{Fault::EmptyBody, "empty-body", "status 200 without a body"},
     Entry{Fault::NotUtf8, "not-utf8", "a body of bytes 0xff"},
     Entry{Fault::Overlong, "overlong", "a body with an overlong UTF-8 form, c0 af"},
     Entry{Fault::Surrogate, "surrogate", "a body with an encoded surrogate, ed a0 80"},
-    Entry{Fault::ResetBefore, "reset-before", "a reset once the path was read"},
-    Entry{Fault::ResetWithinBody, "reset-within-body", "a reset once the request's body has begun to arrive"},
-    Entry{Fault::ResetAfter, "reset-after", "takes the request, then a reset instead of an answer"},
-    Entry{Fault::Drop, "drop", "takes the request, then closes without an answer"},
-    Entry{Fault::Silent, "silent", "takes the request, then nothing until the client leaves"},
+    Entry{Fault::ResetBefore, "reset-before", "reset after the path was read"},
+    Entry{Fault::ResetWithinBody, "reset-within-body", "reset after the first byte of the request's body"},
+    Entry{Fault::ResetAfter, "reset-after", "reads the request, then resets"},
+    Entry{Fault::Drop, "drop", "reads the request, then closes without an answer"},
+    Entry{Fault::Silent, "silent", "reads the request, then sends nothing until the client leaves"},
     Entry{Fault::StallHeader, "stall-header", "stops within the answer's header until the client leaves"},
     Entry{Fault::StallBody, "stall-body", "stops in the middle of the answer's body until the client leaves"},
-    Entry{Fault::Slow, "slow", "the body's first 20 bytes at 0.5 s each, then the rest"},
-    Entry{Fault::Endless, "endless", "the answer, then chunks of blanks without end"},
-    Entry{Fault::Huge, "huge", "the answer, filled up with blanks to 17 MiB"},
+    Entry{Fault::Slow, "slow", "the first 20 bytes of the body at 0.5 s each, then the rest"},
+    Entry{Fault::Endless, "endless", "the answer, then endless chunks of spaces"},
+    Entry{Fault::Huge, "huge", "the answer, padded with spaces to 17 MiB"},
     Entry{Fault::RedirectLoop, "redirect-loop", "status 302 to the same address"},
-    Entry{Fault::Gzip, "gzip", "the answer compressed, whether the client takes that or not"},
+    Entry{Fault::Gzip, "gzip", "the answer compressed, even if the client does not accept that"},
     Entry{Fault::Chunked, "chunked", "the answer in chunks of 7 bytes"},
 };
 

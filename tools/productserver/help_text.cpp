@@ -11,35 +11,34 @@ constexpr const char* kOptionsText =
 
 A stand-in for the product server. This is a development tool, not part of the agent.
 
-It serves the files of FOLDER over HTTP on 127.0.0.1 alone, and prints a line for each request: the time, the
-method, the path with its query, the status and the bytes of the answer's body. It ends at SIGINT or SIGTERM.
+It serves the files of FOLDER over HTTP on 127.0.0.1 only and prints one line per request: the time, the method,
+the path with its query, the status and the size of the answer's body in bytes. It exits at SIGINT or SIGTERM.
 
-  --port N                the port; 0 takes any free one (8090 when not given)
-  --port-file FILE        write the port into FILE once the server listens
-  --uploads FOLDER        keep each uploaded file in FOLDER, which is made when it is not there
-  --version-list VERSION  tell VERSION as the newest one, whatever the version list in FOLDER says
-  --fault PATH=NAME       let requests whose path begins with PATH meet a fault; may be repeated
+  --port N                the port (default 8090); 0 selects any free port
+  --port-file FILE        write the port to FILE when the server listens
+  --uploads FOLDER        store uploaded files in FOLDER, which is created if missing
+  --version-list VERSION  report VERSION as the newest version instead of the one in FOLDER
+  --fault PATH=NAME       apply the fault NAME to requests whose path begins with PATH; may be repeated
   --help                  show this text
 )";
 
 constexpr const char* kPathsText = R"(
-Beside the files there are:
+Paths besides the files:
 
   POST /product/nimba/userlog/postdata.php
-      takes a form with a file (multipart/form-data), prints a line with the field, the file's name and its size,
-      and keeps it as NNNN_NAME, numbered in order; a malformed form gets status 400 and is not kept
+      accepts a form with a file (multipart/form-data), prints the field, the file's name and its size, and stores
+      the file as NNNN_NAME, numbered in order; a malformed form is answered with status 400 and not stored
   GET /product/nimba/binary/beacon_seen?category=C&C=V
-      called back by the analytics page of FOLDER once its script runs; prints "beacon category=C value=V"
+      requested by the script of the analytics page in FOLDER; prints "beacon category=C value=V"
   GET or POST /_control/fault?path=PATH&name=NAME
-      sets a fault while the server runs; the name "none" clears it. Answers with the faults that are set, also
-      without any parameter.
+      sets a fault while the server runs; the name "none" clears it. Answers with the list of faults; without
+      parameters, changes nothing.
 )";
 
 constexpr const char* kFaultsText = R"(
-A fault changes the answer alone: an upload that has come in whole is kept all the same. Of several faults that
-fit a request, the one with the longest PATH meets it, and NAME*COUNT meets the next COUNT requests only. The
-connection ends with the answer. Where "the answer" is named, it is the one that would have been given. The
-faults are:
+A fault changes only the answer: an upload received completely is stored nevertheless. If several faults match a
+request, the one with the longest PATH applies. NAME*COUNT applies to the next COUNT requests only. The connection
+ends with the answer. Below, "the answer" is the answer without the fault. The faults are:
 
 )";
 

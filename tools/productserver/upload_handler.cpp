@@ -33,11 +33,11 @@ void UploadHandler::take(const std::string& path, const std::vector<FormPart>& p
                          httplib::Response& response) const {
   const auto isFile = [](const FormPart& part) { return part.fileName.has_value(); };
   if (std::none_of(parts.begin(), parts.end(), isFile))
-    return refuse(path, 400, "the form holds no file", response);
+    return refuse(path, 400, "the form contains no file", response);
   response.set_content("", "text/plain; charset=utf-8");
   for (const FormPart& part : parts) {
     if (isFile(part) && !takeFile(path, part, response))
-      return refuse(path, 500, "the file can't be kept", response);
+      return refuse(path, 500, "the file cannot be stored", response);
   }
 }
 

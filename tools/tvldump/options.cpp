@@ -23,23 +23,21 @@ std::string helpText() {
 
 Prints usage record files. This is a development tool, not part of the agent.
 
-Each item of a file stands on a line of its own, after the offset of its first byte. Of a damaged file all
-that stands before the damage is printed, and then at which byte it stops making sense, and why. A FILE of
-"-" is the standard input.
+Prints one line per item, beginning with the offset of its first byte. For a damaged file, prints the items
+before the damage, then the offset of the first corrupt byte and the reason. "-" as FILE is standard input.
 
   --json   print an array with an object for each file: its name in "file", its "items", its "size" in
-           bytes, and "damage", which is null or has an "offset" and a "reason"; a text that is no UTF-8
-           comes in hexadecimal digits too, as in "nameHex"
-  --lines  print a JSON object a line for each record: the "file", what its header says ("date",
-           "identifier", "operatingSystem", "agentVersion"), the "offset" and "type" of the record, and
-           its own members as with --json; and one of the type "file" behind the records of each file,
-           with "size", "damage" (null, or the reason) and "damageOffset". For programs that query large
-           amounts: the lines of many runs can be put one behind another, as in
+           bytes, and "damage", which is null or has an "offset" and a "reason"; a text that is not UTF-8
+           is also given in hexadecimal, as in "nameHex"
+  --lines  print one JSON object per line for each record: the "file", the header's "date",
+           "identifier", "operatingSystem" and "agentVersion", the record's "offset" and "type", and
+           its members as with --json; and after the records of each file one object of type "file"
+           with "size", "damage" (null, or the reason) and "damageOffset". Outputs of several runs can
+           be concatenated, for queries over large amounts of data, as in
              find uploads -name '*.dat' -print0 | xargs -0 tvldump --lines
   --help   show this text
 
-Exit status: 0 every file is whole, 1 one is damaged, 2 wrong command line, or something can't be read or
-written.
+Exit status: 0 no file is damaged, 1 a file is damaged, 2 wrong command line, or a read or write error.
 )";
 }
 

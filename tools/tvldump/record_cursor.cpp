@@ -43,7 +43,7 @@ unsigned RecordCursor::takeNumber(unsigned lowest, unsigned highest, std::string
 }
 
 std::string_view RecordCursor::takeDate() {
-  constexpr std::string_view kReason = "no date of the form YYYY-MM-DD";
+  constexpr std::string_view kReason = "expected a date of the form YYYY-MM-DD";
   const std::size_t start = offset_;
   if (takeLastDate()) return since(start);
   const unsigned year = takeNumber(0, kHighestYear, kReason);
@@ -63,7 +63,7 @@ bool RecordCursor::takeLastDate() {
 }
 
 void RecordCursor::takeTimeOfDay() {
-  constexpr std::string_view kReason = "no time of the form HH:MM:SS";
+  constexpr std::string_view kReason = "expected a time of the form HH:MM:SS";
   if (takeUsualTimeOfDay()) return;
   takeFixed(" ", kReason);
   takeNumber(0, 23, kReason);

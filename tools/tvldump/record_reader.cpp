@@ -55,7 +55,7 @@ void RecordReader::takeContent(Content& content) {
       return;
     case Expected::Version:
       expected_ = Expected::Record;
-      takeCode(cursor_, Code::Version, "no version of the agent here");
+      takeCode(cursor_, Code::Version, "expected the agent's version");
       content = takeVersion();
       return;
     case Expected::Record:
@@ -65,16 +65,16 @@ void RecordReader::takeContent(Content& content) {
 
 Day RecordReader::takeDay() {
   if (cursor_.atEnd()) cursor_.damaged("the file is empty");
-  cursor_.takeFixed(record_format::magic, "no usage record file begins like this");
+  cursor_.takeFixed(record_format::magic, "not a usage record file");
   return {cursor_.takeDate()};
 }
 
 Identifier RecordReader::takeIdentifier() {
   constexpr std::string_view kBraces = "{}";
-  constexpr std::string_view kReason = "an identifier without its braces";
-  takeCode(cursor_, Code::Identifier, "no identifier here");
-  const std::uint8_t length =
-      cursor_.takeByte(kBraces.size(), record_format::longestIdentifierText, "no length of an identifier");
+  constexpr std::string_view kReason = "identifier without braces";
+  takeCode(cursor_, Code::Identifier, "expected an identifier");
+  const std::uint8_t length = cursor_.takeByte(kBraces.size(), record_format::longestIdentifierText,
+                                               "invalid length of an identifier");
   if (cursor_.damage()) return {};
   const std::size_t start = cursor_.offset();
   cursor_.takeFixed(kBraces.substr(0, 1), kReason);
@@ -84,25 +84,25 @@ Identifier RecordReader::takeIdentifier() {
 }
 
 OperatingSystem RecordReader::takeOperatingSystem() {
-  takeCode(cursor_, Code::OperatingSystem, "no operating system here");
+  takeCode(cursor_, Code::OperatingSystem, "expected an operating system");
   return {cursor_.takeByte(record_format::lowestOsCode, record_format::highestOsCode,
-                           "no code of an operating system")};
+                           "invalid operating system code")};
 }
 
 // The version's code has already been taken.
 Version RecordReader::takeVersion() {
   const std::string_view bundle =
-      cursor_.takeCounted(record_format::longestBundleVersion, "a version longer than any");
-  takeLength(cursor_, record_format::fixedVersion.size(), "not the length of the second version");
+      cursor_.takeCounted(record_format::longestBundleVersion, "version too long");
+  takeLength(cursor_, record_format::fixedVersion.size(), "invalid length of the second version");
   const std::size_t start = cursor_.offset();
-  cursor_.takeFixed(record_format::fixedVersion, "not the second version");
+  cursor_.takeFixed(record_format::fixedVersion, "invalid second version");
   return {bundle, cursor_.since(start)};
 }
 
 void RecordReader::takeRecord(Content& content) {
   if (cursor_.nextIs(byteOf(Code::StartTime))) cursor_.damaged("the time of a start without its version");
-  const auto code = static_cast<Code>(cursor_.takeByte(byteOf(Code::Version), byteOf(Code::TransferKind2),
-                                                       "no record begins with this byte"));
+  const auto code = static_cast<Code>(
+      cursor_.takeByte(byteOf(Code::Version), byteOf(Code::TransferKind2), "invalid record code"));
   switch (code) {
     case Code::Version:
       return takeStart(content.emplace<Start>());
@@ -125,26 +125,25 @@ void RecordReader::takeRecord(Content& content) {
 
 void RecordReader::takeStart(Start& start) {
   start.version = takeVersion();
-  takeCode(cursor_, Code::StartTime, "no time behind the version of a start");
+  takeCode(cursor_, Code::StartTime, "no time after the version of a start");
   start.time = takeTime();
 }
 
 void RecordReader::takeDeviceEvent(unsigned dataCommand, DeviceEvent& event) {
   event.dataCommand = dataCommand;
   event.time = takeTime();
-  event.name = cursor_.takeCounted(record_format::longestDeviceName, "a device name longer than any");
+  event.name = cursor_.takeCounted(record_format::longestDeviceName, "device name too long");
 }
 
 void RecordReader::takeTransfer(unsigned kind, Transfer& transfer) {
   transfer.kind = kind;
-  takeLength(cursor_, record_format::sizeFieldWidth, "not the width of a size");
+  takeLength(cursor_, record_format::sizeFieldWidth, "invalid width of a size");
   transfer.size = sizeIn(cursor_.takeText(record_format::sizeFieldWidth));
-  transfer.name =
-      cursor_.takeCounted(record_format::longestTransferName, "a transfer's name longer than any");
+  transfer.name = cursor_.takeCounted(record_format::longestTransferName, "transfer name too long");
 }
 
 std::string_view RecordReader::takeTime() {
-  takeLength(cursor_, record_format::timeLength, "not the length of a time");
+  takeLength(cursor_, record_format::timeLength, "invalid length of a time");
   const std::size_t start = cursor_.offset();
   cursor_.takeDate();
   cursor_.takeTimeOfDay();
