@@ -27,7 +27,7 @@ std::size_t hostStart(std::string_view server) {
   return start + authority.rfind('@') + 1;
 }
 
-// Escapes `server` except for the brackets of an IPv6 host. Brackets are allowed around an IPv6 address only.
+// Escapes `server` except for an IPv6 address in brackets, the only place where a URL may contain brackets.
 std::string escapedServer(std::string_view server) {
   const std::size_t start = hostStart(server);
   const std::string_view host = server.substr(start, server.find(']', start) - start + 1);

@@ -10,6 +10,6 @@
 [[nodiscard]] std::string escapedForAddress(std::string_view text);
 
 // Returns the URL on `server` (an origin without a trailing slash) that counts `value` under `category`. The
-// URL is escaped except for the brackets of an IPv6 host.
+// URL is escaped except for an IPv6 address in brackets.
 [[nodiscard]] std::string beaconAddress(std::string_view server, std::string_view category,
                                         std::string_view value);

@@ -37,9 +37,9 @@ class FileEventStream {
   // The callback may stop the stream and release it.
   using Callback = std::function<void(FileEventStream& stream, std::span<const FileEvent> events)>;
 
-  // Watches the folder at the absolute `path`. Returns nullptr if the folder does not exist, or if it or a
-  // folder above it cannot be watched. If the system's watch limit is reached, some folders below the root
-  // are not watched. The stream is active for as long as a reference to it exists.
+  // Watches the folder at the absolute `path`. Returns nullptr if the folder does not exist or no watch can
+  // be established. If the system's limit of watches is reached, some folders below the root are not watched.
+  // The stream is active for as long as a reference to it exists.
   [[nodiscard]] static std::shared_ptr<FileEventStream> create(const std::string& path,
                                                                std::chrono::milliseconds latency,
                                                                Callback callback);

@@ -11,7 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 using platform::LogSource;
 
-constexpr std::size_t collectCommandBufferSize = 512;  // doc/compatibility.md
+constexpr std::size_t collectCommandBufferSize = 512;  // frozen: doc/compatibility.md
 constexpr std::string_view program = "Tovalin";
 constexpr std::size_t maxBytesOfSource = 20'000'000;
 

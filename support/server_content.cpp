@@ -42,5 +42,5 @@ std::optional<Banner> chosenBanner(const PropertyList& list, std::uint32_t rando
 
 std::optional<std::string> bannerPath(const Banner& banner) {
   if (!banner.fileName.empty() && !isAddress(banner.fileName)) return std::nullopt;
-  return "/product/nimba/banner/" + banner.fileName;  // doc/compatibility.md
+  return "/product/nimba/banner/" + banner.fileName;  // frozen: doc/compatibility.md
 }

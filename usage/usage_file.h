@@ -23,8 +23,8 @@ class UsageFile {
 
   [[nodiscard]] bool isEmpty() const { return length_ == 0; }
 
-  // Appends `bytes` in one write(2). If they do not fit, removes the partial record, writes "write log
-  // failed" to the error log and returns false.
+  // Appends `bytes` in one write(2). If they are not written completely, writes "write log failed" to the
+  // error log and returns false; if the lock is held, also removes the partial record.
   [[nodiscard]] bool append(std::string_view bytes);
 
  private:
