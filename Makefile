@@ -4,7 +4,7 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h' '*.mm')
 
 # Parallel targets would compete for processors and make tests time out.
 .NOTPARALLEL:
-.PHONY: build tour package bench soak format check check-packages check-format check-compilers check-compilers-clang check-portable check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak format check check-packages check-format check-language check-compilers check-compilers-clang check-portable check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # The folder in which the preset's bundle is assembled.
@@ -37,13 +37,17 @@ format:
 	clang-format -i $(SOURCES)
 
 # The slowest checks, which find the fewest errors, come last.
-check: check-packages check-format check-cppcheck check-compilers check-portable check-macos check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-language check-cppcheck check-compilers check-portable check-macos check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
 	packaging/set_up
 
 check-format:
 	clang-format --dry-run --Werror $(SOURCES)
+
+# Documents and comments use standard terms.
+check-language:
+	tests/structure/plain_language
 
 # Both compilers with warnings as errors; `build` runs gcc.
 check-compilers: build check-compilers-clang
