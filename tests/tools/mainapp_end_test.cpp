@@ -94,7 +94,7 @@ TEST_F(MainAppEnd, AnUnknownCommandIsReportedAndSurvived) {
   EXPECT_THAT(app_.readLine().value_or(""), HasSubstr("send TEXT"));
 }
 
-class MainAppSignal : public MainAppEnd, public testing::WithParamInterface<int> {};
+class MainAppSignal : public tools_test::MainAppTest, public testing::WithParamInterface<int> {};
 
 TEST_P(MainAppSignal, EndsItTidily) {
   startReading();

@@ -75,14 +75,20 @@ inline Message deviceEvent(std::uint32_t dataCommand, const std::string& name) {
 }
 
 // At 09:05:00 on 7 March 2024, version 1.4.2, a known identifier.
-class Records : public LoggedSettings {
+inline void setUpRecords() {
+  makeUserFiles();
+  write("/tmp/support/Tovalin/TovalinUUID.txt", "00112233-4455-6677-8899-AABBCCDDEEFF");
+  record_parts::setClock("2024-03-07 09:05:00");
+  record_parts::bundleVersion = "1.4.2";
+}
+
+class Records : public testing::Test, protected HeardLog {
  protected:
   void SetUp() override {
-    LoggedSettings::SetUp();
-    write("/tmp/support/Tovalin/TovalinUUID.txt", "00112233-4455-6677-8899-AABBCCDDEEFF");
-    record_parts::setClock("2024-03-07 09:05:00");
-    record_parts::bundleVersion = "1.4.2";
+    setUpRecords();
+    ASSERT_TRUE(log_.valid());
   }
+  void TearDown() override { removeUserFiles(); }
 };
 
 }  // namespace settings_test

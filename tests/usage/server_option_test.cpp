@@ -39,7 +39,7 @@ void PrintTo(const Case& example, std::ostream* stream) {
 }
 
 class ServerOption : public LoggedSettings {};
-class StoredServerOption : public ServerOption, public testing::WithParamInterface<Case> {};
+class StoredServerOption : public LoggedSettings, public testing::WithParamInterface<Case> {};
 
 TEST_P(StoredServerOption, MeansAndStaysOrIsReplaced) {
   write(kFile, GetParam().before);

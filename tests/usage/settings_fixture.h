@@ -39,25 +39,19 @@ std::string errorsOf(Call call) {
 }
 
 // A place for this user's files, with the folder of the product in it, for each case anew.
-class Settings : public testing::Test {
- protected:
-  void SetUp() override {
-    fs::remove_all(kSupport);
-    fs::create_directories(kFolder);
-    ::setenv("XDG_DATA_HOME", kSupport, 1);
-    ::setenv("HOME", "/tmp/home", 1);
-  }
-  void TearDown() override { fs::remove_all(kSupport); }
-};
+inline void makeUserFiles() {
+  fs::remove_all(kSupport);
+  fs::create_directories(kFolder);
+  ::setenv("XDG_DATA_HOME", kSupport, 1);
+  ::setenv("HOME", "/tmp/home", 1);
+}
+inline void removeUserFiles() {
+  fs::remove_all(kSupport);
+}
 
-// The same with the system log listened to.
-class LoggedSettings : public Settings {
- protected:
-  void SetUp() override {
-    Settings::SetUp();
-    ASSERT_TRUE(log_.valid());
-  }
-
+// The system log, listened to.
+class HeardLog {
+ public:
   static auto error(const std::string& text) {
     using test_support::SyslogMessage;
     return testing::AllOf(testing::Field("priority", &SyslogMessage::priority, LOG_ERR),
@@ -65,6 +59,21 @@ class LoggedSettings : public Settings {
   }
 
   test_support::SyslogSocket log_;
+};
+
+class Settings : public testing::Test {
+ protected:
+  void SetUp() override { makeUserFiles(); }
+  void TearDown() override { removeUserFiles(); }
+};
+
+class LoggedSettings : public testing::Test, protected HeardLog {
+ protected:
+  void SetUp() override {
+    makeUserFiles();
+    ASSERT_TRUE(log_.valid());
+  }
+  void TearDown() override { removeUserFiles(); }
 };
 
 }  // namespace settings_test

@@ -24,13 +24,15 @@ inline std::string inFolder(const std::string& name) {
 }
 
 // An upload pass on 7 March 2024 with a server of its own.
-class UploadPass : public Records {
+class UploadPass : public testing::Test, protected HeardLog {
  protected:
   void SetUp() override {
-    Records::SetUp();
+    setUpRecords();
+    ASSERT_TRUE(log_.valid());
     record_parts::setServers(server_.origin(), kNobody);
     delegate_.dataUploadURL = 1;
   }
+  void TearDown() override { removeUserFiles(); }
 
   // The names of the files that are left, beside the identifier and the lock.
   [[nodiscard]] static std::vector<std::string> left() {

@@ -17,20 +17,25 @@ mode_t modeOf(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
+void openToAll(const std::string& path) {
+  ASSERT_EQ(::chmod(path.c_str(), 0777), 0);
+}
+
+// The user's mask, which lets others do everything.
+class OpenMask {
+ public:
+  OpenMask() = default;
+  ~OpenMask() { ::umask(before_); }
+  OpenMask(const OpenMask&) = delete;
+  OpenMask& operator=(const OpenMask&) = delete;
+
+ private:
+  const mode_t before_ = ::umask(0);
+};
+
 // Whatever the user's mask lets others do.
 class Privacy : public Records {
- protected:
-  void SetUp() override {
-    before_ = ::umask(0);
-    Records::SetUp();
-  }
-  void TearDown() override {
-    Records::TearDown();
-    ::umask(before_);
-  }
-  static void openToAll(const std::string& path) { ASSERT_EQ(::chmod(path.c_str(), 0777), 0); }
-
-  mode_t before_ = 0;
+  OpenMask mask_;
 };
 
 TEST_F(Privacy, NewFolderAndNewFilesAreTheUsersAlone) {
@@ -116,10 +121,10 @@ TEST_F(Privacy, WhatALinkLeadsToKeepsItsMode) {
 }
 
 // The folder that a link in the place of the data folder leads to.
-class LinkedFolder : public Privacy {
+class LinkedFolder : public Records {
  protected:
   void SetUp() override {
-    Privacy::SetUp();
+    Records::SetUp();
     fs::rename(kFolder, kTarget);
     write(past_, kHeader);
     openToAll(kTarget);
@@ -128,6 +133,7 @@ class LinkedFolder : public Privacy {
   }
 
   static constexpr const char* kTarget = "/tmp/support/elsewhere";
+  OpenMask mask_;
   const std::string past_ = std::string(kTarget) + "/Tovalin_2024_03_06.dat";
 };
 

@@ -22,20 +22,20 @@ using platform::FileDescriptor;
 using testing::Contains;
 using testing::ElementsAre;
 
+FileDescriptor hold(const std::string& folder) {
+  return FileDescriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+// This process goes on as an ordinary user, to whom these folders belong. False where that can't be had.
+bool becomesOwnerOf(const std::vector<std::string>& folders) {
+  const bool given = std::ranges::all_of(folders, [](const std::string& folder) {
+    return ::chown(folder.c_str(), test_support::kNobody, test_support::kNobody) == 0;
+  });
+  return given && test_support::becomeNobody();
+}
+
 // What makes the path of a root lead elsewhere, and what doesn't.
-class RootChange : public FileEvents {
- protected:
-  [[nodiscard]] static FileDescriptor hold(const std::string& folder) {
-    return FileDescriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  }
-  // This process goes on as an ordinary user, to whom these folders belong. False where that can't be had.
-  [[nodiscard]] static bool becomesOwnerOf(const std::vector<std::string>& folders) {
-    const bool given = std::ranges::all_of(folders, [](const std::string& folder) {
-      return ::chown(folder.c_str(), test_support::kNobody, test_support::kNobody) == 0;
-    });
-    return given && test_support::becomeNobody();
-  }
-};
+using RootChange = FileEvents;
 
 TEST_F(RootChange, RenamingTheRoot) {
   watch();
@@ -293,15 +293,15 @@ TEST_F(RootChange, IsNoneWhenThePathComesToLeadToTheSameFolderByALink) {
 }
 
 // A file system of its own, unmounted when the test is over.
-class OnAMount : public RootChange {
+class OnAMount : public FileEvents {
  protected:
   void SetUp() override {
-    RootChange::SetUp();
+    FileEvents::SetUp();
     if (::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr) != 0) GTEST_SKIP() << "no mounts to be had";
     fs::create_directory(root_);
   }
   void TearDown() override {
-    RootChange::TearDown();
+    FileEvents::TearDown();
     ::umount2("/tmp/way/middle", MNT_DETACH);
   }
 };
@@ -356,10 +356,10 @@ TEST_F(OnAMount, RootThatIsMountedInsideItselfIsNoEndlessTree) {
 
 // A root in the lower one of two layers. The first write below it moves it to the upper one, and makes it
 // younger.
-class OnAnOverlay : public RootChange {
+class OnAnOverlay : public FileEvents {
  protected:
   void SetUp() override {
-    RootChange::SetUp();
+    FileEvents::SetUp();
     for (const char* folder : {"lower/root/inner", "upper", "work"})
       fs::create_directories(std::string("/tmp/way/") + folder);
     if (::mount("overlay", "/tmp/way/middle", "overlay", 0,
@@ -367,7 +367,7 @@ class OnAnOverlay : public RootChange {
       GTEST_SKIP() << "no overlay to be had";
   }
   void TearDown() override {
-    RootChange::TearDown();
+    FileEvents::TearDown();
     ::umount2("/tmp/way/middle", MNT_DETACH);
   }
 

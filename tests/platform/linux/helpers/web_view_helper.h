@@ -41,6 +41,15 @@ class WebViewHelper : public testing::Test {
                                      .input = test_support::Redirection::pipe(),
                                      .error = test_support::Redirection::null()}));
   }
+  // With these changes of the environment alone, and what it writes on standard error at hand.
+  void startWith(const std::map<std::string, std::optional<std::string>>& changes) {
+    auto environment = changes;
+    environment.emplace("DISPLAY", display_->name());
+    ASSERT_TRUE(
+        helper_.start({helper_test::helper("TovalinWebView")}, {.environment = environment,
+                                                                .input = test_support::Redirection::pipe(),
+                                                                .error = test_support::Redirection::pipe()}));
+  }
   void load(const std::string& path) { ASSERT_TRUE(helper_.writeLine(server_.address(path))); }
   // Starts the helper with a page and returns once the page's script runs, which asks for "/running" before
   // anything else.

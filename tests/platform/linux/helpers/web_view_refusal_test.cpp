@@ -88,7 +88,7 @@ TEST_F(WebViewRefusal, DownloadIsNotKept) {
 }
 
 // Ways in which a page may try to have a local page opened, which would report back.
-class WebViewLocalPage : public WebViewRefusal, public testing::WithParamInterface<const char*> {};
+class WebViewLocalPage : public WebViewHelper, public testing::WithParamInterface<const char*> {};
 
 TEST_P(WebViewLocalPage, IsNotOpened) {
   helper_test::writeFile("/tmp/local.html",

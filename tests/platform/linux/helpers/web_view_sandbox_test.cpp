@@ -62,13 +62,14 @@ bool join(pid_t process, const std::string& kind) {
   return ::setns(handle.get(), 0) == 0;
 }
 
+[[nodiscard]] pid_t webProcess() {
+  const auto found = processesNamed("WebKitWebProces");
+  EXPECT_THAT(found, SizeIs(1));
+  return found.empty() ? -1 : found.front();
+}
+
 class WebViewSandbox : public WebViewHelper {
  protected:
-  [[nodiscard]] static pid_t webProcess() {
-    const auto found = processesNamed("WebKitWebProces");
-    EXPECT_THAT(found, SizeIs(1));
-    return found.empty() ? -1 : found.front();
-  }
   [[nodiscard]] static std::vector<std::string> socketsOfX() {
     const std::string path = "/tmp/.X11-unix/X" + display_->name().substr(1);
     return {path, '\0' + path};
@@ -85,14 +86,6 @@ class WebViewSandbox : public WebViewHelper {
     });
     const auto finished = call.wait();
     return finished.status && finished.status->code ? *finished.status->code : -1;
-  }
-  void startWith(const std::map<std::string, std::optional<std::string>>& changes) {
-    auto environment = changes;
-    environment.emplace("DISPLAY", display_->name());
-    ASSERT_TRUE(
-        helper_.start({helper_test::helper("TovalinWebView")}, {.environment = environment,
-                                                                .input = test_support::Redirection::pipe(),
-                                                                .error = test_support::Redirection::pipe()}));
   }
 };
 
@@ -171,7 +164,7 @@ TEST_F(WebViewSandbox, WithoutSandboxNoPageIsLoadedAndItIsLogged) {
 }
 
 // What stands for $XDG_RUNTIME_DIR where it can't be used.
-class WebViewRuntimeFolder : public WebViewSandbox {
+class WebViewRuntimeFolder : public WebViewHelper {
  protected:
   void SetUp() override {
     fs::remove_all(kOthers);
@@ -179,7 +172,7 @@ class WebViewRuntimeFolder : public WebViewSandbox {
     ASSERT_TRUE(fs::create_directories(planted_));
   }
   void TearDown() override {
-    WebViewSandbox::TearDown();
+    WebViewHelper::TearDown();
     fs::remove_all(kOthers);
     fs::remove_all(belowTmp_);
   }

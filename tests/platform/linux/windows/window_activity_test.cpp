@@ -48,6 +48,20 @@ class WindowActivity : public WindowFixture {
         [this] { return layout_.window->isVisible() && widgetOf(*layout_.window).isActiveWindow(); });
   }
 
+  // The window manager takes the keyboard for as long as its user chooses among windows.
+  [[nodiscard]] bool beginChoice() {
+    if (!show(*layout_.window) || !startOtherProgram()) return false;
+    layout_.window->makeKeyAndOrderFront();
+    return isBackWithTheKeyboard() && keys({"keydown", "alt", "key", "Tab"}) &&
+           serveEventsUntil([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; });
+  }
+  [[nodiscard]] static bool endChoice() { return keys({"keyup", "alt"}); }
+  [[nodiscard]] static bool keys(std::vector<std::string> actions) {
+    actions.insert(actions.begin(), "xdotool");
+    test_support::ChildProcess tool;
+    return tool.start(actions) && tool.wait() == test_support::ExitStatus{.code = 0};
+  }
+
   SupportLayout layout_;
   test_support::ChildProcess other_;
 };
@@ -213,37 +227,20 @@ TEST_F(WindowActivity, StaysWhileAMenuOfTheProgramIsOpen) {
   EXPECT_TRUE(stays());
 }
 
-// The window manager takes the keyboard for as long as its user chooses among windows.
-class WindowChoice : public WindowActivity {
- protected:
-  [[nodiscard]] bool begin() {
-    if (!show(*layout_.window) || !startOtherProgram()) return false;
-    layout_.window->makeKeyAndOrderFront();
-    return isBackWithTheKeyboard() && keys({"keydown", "alt", "key", "Tab"}) &&
-           serveEventsUntil([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; });
-  }
-  [[nodiscard]] static bool letGo() { return keys({"keyup", "alt"}); }
-
- private:
-  [[nodiscard]] static bool keys(std::vector<std::string> actions) {
-    actions.insert(actions.begin(), "xdotool");
-    test_support::ChildProcess tool;
-    return tool.start(actions) && tool.wait() == test_support::ExitStatus{.code = 0};
-  }
-};
+using WindowChoice = WindowActivity;
 
 TEST_F(WindowChoice, TheWindowStaysWhileItGoesOnAndWhenItIsChosenItself) {
-  ASSERT_TRUE(begin());
+  ASSERT_TRUE(beginChoice());
   EXPECT_TRUE(stays());
   press("Escape");
-  ASSERT_TRUE(letGo());
+  ASSERT_TRUE(endChoice());
   EXPECT_TRUE(isBackWithTheKeyboard());
 }
 
 TEST_F(WindowChoice, TheWindowHidesWhenAnotherProgramsIsChosenAtLast) {
-  ASSERT_TRUE(begin());
+  ASSERT_TRUE(beginChoice());
   EXPECT_TRUE(stays());
-  ASSERT_TRUE(letGo());
+  ASSERT_TRUE(endChoice());
   EXPECT_TRUE(hides());
 }
 
