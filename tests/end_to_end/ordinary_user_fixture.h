@@ -15,10 +15,16 @@ inline constexpr unsigned user = 65534;
 inline const std::string ownHome = "/tmp/user/home";
 
 // The agent of a user for whom permissions count, and the test as the neighbour who takes them away.
-class OrdinaryUser : public NoticeTest {
+class OrdinaryUser : public testing::Test,
+                     protected TestDesktop,
+                     protected InstalledBundle,
+                     protected RunningAgent,
+                     protected NoticePipe {
  protected:
+  OrdinaryUser() : RunningAgent(*this, *this), NoticePipe(*this, *this) {}
   void SetUp() override {
-    NoticeTest::SetUp();
+    removePipe();
+    setUpAgent();
     if (HasFatalFailure()) return;
     if (!succeeds({"true"})) GTEST_SKIP() << "this user may not change into another";
     install("/tmp/Applications/Tovalin.app");
@@ -36,7 +42,7 @@ class OrdinaryUser : public NoticeTest {
   }
   void TearDown() override {
     ::chmod("/tmp", 01777);
-    NoticeTest::TearDown();
+    tearDownAgent();
   }
 
   static std::vector<std::string> asUser(const std::vector<std::string>& command, unsigned who = user) {

@@ -110,7 +110,7 @@ TEST_F(Launch, WithoutARuntimeFolderThePrivateOneOfTheUserServes) {
 }
 
 // $XDG_RUNTIME_DIR unset, naming a folder that is missing, or one that others may enter.
-class LaunchWithoutRuntimeFolder : public Launch,
+class LaunchWithoutRuntimeFolder : public InstalledAgentTest,
                                    public testing::WithParamInterface<std::optional<std::string>> {};
 
 TEST_P(LaunchWithoutRuntimeFolder, NoOtherFolderIsMade) {

@@ -153,7 +153,7 @@ struct Link {
   const char* page;
 };
 
-class Links : public Menu, public testing::WithParamInterface<Link> {};
+class Links : public InstalledAgentTest, public testing::WithParamInterface<Link> {};
 
 TEST_P(Links, AreReportedOnceAndOpenedAsTheyStand) {
   install("/tmp/Applications/Tovalin.app");

@@ -45,28 +45,28 @@ double meanDifference(const XPicture& one, const XPicture& other) {
   return static_cast<double>(sum) / (3.0 * one.width() * one.height());
 }
 
-// The agent on two screens of different scales that stand beside each other.
-template <typename Base>
-class OnTwoScreens : public Base, public testing::WithParamInterface<Scales> {
+void useDisplay(TestDesktop& desktop, const test_support::DisplayOptions& options,
+                const std::string& scales) {
+  ASSERT_TRUE(desktop.display_.start(options));
+  desktop.environment_["DISPLAY"] = desktop.display_.name();
+  desktop.environment_["QT_SCREEN_SCALE_FACTORS"] = scales;
+}
+
+// Two screens of different scales that stand beside each other.
+void useTwoScreens(TestDesktop& desktop, const Scales& scales) {
+  useDisplay(desktop,
+             {.width = 2 * screenWidth,
+              .monitors = {{screenWidth, screenHeight, 0, 0}, {screenWidth, screenHeight, screenWidth, 0}}},
+             std::to_string(scales.first) + ";" + std::to_string(scales.second));
+}
+
+class TwoScreens : public SupportTest, public testing::WithParamInterface<Scales> {
  protected:
   void SetUp() override {
-    Base::SetUp();
-    if (this->HasFatalFailure()) return;
-    const auto [first, second] = GetParam();
-    useDisplay({.width = 2 * screenWidth,
-                .monitors = {{screenWidth, screenHeight, 0, 0}, {screenWidth, screenHeight, screenWidth, 0}}},
-               std::to_string(first) + ";" + std::to_string(second));
+    SupportTest::SetUp();
+    if (!HasFatalFailure()) useTwoScreens(*this, GetParam());
   }
 
-  void useDisplay(const test_support::DisplayOptions& options, const std::string& scales) {
-    ASSERT_TRUE(this->display_.start(options));
-    this->environment_["DISPLAY"] = this->display_.name();
-    this->environment_["QT_SCREEN_SCALE_FACTORS"] = scales;
-  }
-};
-
-class TwoScreens : public OnTwoScreens<SupportTest> {
- protected:
   // A window of this many points in the middle of the first screen.
   void expectCentred(const XWindow& window, int width, int height) {
     EXPECT_EQ(window.width, width * GetParam().first);
@@ -131,7 +131,7 @@ TEST_P(TwoScreens, WindowsStandInTheMiddleOfThePrimaryScreenAtItsScale) {
 // notice would differ by 3.5 and more.
 TEST_P(TwoScreens, ANoticeIsAsSharpAsOnADesktopThatHasOnlyItsScreensScale) {
   const XPicture notice = settledNotice();
-  useDisplay({}, std::to_string(GetParam().first));
+  useDisplay(*this, {}, std::to_string(GetParam().first));
   EXPECT_LT(meanDifference(notice, settledNotice()), 2);
 }
 
@@ -157,8 +157,18 @@ TEST_P(TwoScreens, APanelOnTheBusIsOfferedTheIconPixelByPixelForBothScales) {
 INSTANTIATE_TEST_SUITE_P(, TwoScreens, testing::Values(Scales{1, 2}, Scales{2, 1}));
 
 // A tray of the X screen that stands on one of the two.
-class TrayOnTwoScreens : public OnTwoScreens<AgentTest> {
+class TrayOnTwoScreens : public testing::TestWithParam<Scales>,
+                         protected TestDesktop,
+                         protected InstalledBundle,
+                         protected RunningAgent {
  protected:
+  TrayOnTwoScreens() : RunningAgent(*this, *this) {}
+  void SetUp() override {
+    setUpAgent();
+    if (!HasFatalFailure()) useTwoScreens(*this, GetParam());
+  }
+  void TearDown() override { tearDownAgent(); }
+
   void startTray(const std::string& monitor) {
     ASSERT_TRUE(tray_.start({"trayer", "--edge", "bottom", "--align", "left", "--monitor", monitor,
                              "--SetDockType", "true", "--height", "48"},

@@ -17,10 +17,16 @@ inline mode_t modeOf(const std::string& path) {
 }
 
 // What somebody has put at the paths of the pipes before the agent starts, and what becomes of the agent.
-class HostilePipes : public NoticeTest {
+class HostilePipes : public testing::Test,
+                     protected TestDesktop,
+                     protected InstalledBundle,
+                     protected RunningAgent,
+                     protected NoticePipe {
  protected:
+  HostilePipes() : RunningAgent(*this, *this), NoticePipe(*this, *this) {}
   void SetUp() override {
-    NoticeTest::SetUp();
+    removePipe();
+    setUpAgent();
     if (HasFatalFailure()) return;
     // The time line listens at the command pipe; here it hears the log and the commands alone.
     std::filesystem::remove_all(commandPipe);
@@ -29,7 +35,7 @@ class HostilePipes : public NoticeTest {
     ASSERT_TRUE(host_.start(bus_));
   }
   void TearDown() override {
-    NoticeTest::TearDown();
+    tearDownAgent();
     for (const char* path : {commandPipe, pipePath, planted}) std::filesystem::remove_all(path);
   }
 

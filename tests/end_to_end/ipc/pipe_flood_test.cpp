@@ -82,6 +82,12 @@ class Flood {
   std::jthread thread_{[this](const std::stop_token& stop) { run(stop); }};
 };
 
+// One message beside those of others, without the wait until it was read.
+void writeInFlood(const std::string& text) {
+  const FileDescriptor pipe = openPipe();
+  EXPECT_TRUE(waitUntil([&] { return writeWholeRead(pipe, text); }));
+}
+
 // A neighbour who writes into the notification pipe without a pause.
 class PipeFlood : public HostilePipes {
  protected:
@@ -101,11 +107,6 @@ class PipeFlood : public HostilePipes {
 
   [[nodiscard]] bool isUp(bool (*notice)(const test_support::XWindow&)) const {
     return test_support::waitForWindow(display_.name(), notice, 0ms).has_value();
-  }
-  // One message beside those of others, without the wait until it was read.
-  static void writeInFlood(const std::string& text) {
-    const FileDescriptor pipe = openPipe();
-    EXPECT_TRUE(waitUntil([&] { return writeWholeRead(pipe, text); }));
   }
   // Whether the condition comes true; the log is heard all the time, and not kept.
   [[nodiscard]] bool comes(const std::function<bool()>& condition,
@@ -188,10 +189,10 @@ constexpr const char* mergingLogged =
     "log 3: -[nimbatrayAppDelegate notiThread] 64 notice calls wait for the main thread; merging";
 
 // The main thread is blocked in the command that brings the front application back.
-class BlockedMainThread : public PipeFlood {
+class BlockedMainThread : public HostilePipes {
  protected:
   void SetUp() override {
-    PipeFlood::SetUp();
+    HostilePipes::SetUp();
     if (HasFatalFailure()) return;
     startAndListen();
     timeline_.hold("osascript");

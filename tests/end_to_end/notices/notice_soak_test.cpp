@@ -1,9 +1,9 @@
 #include "tests/end_to_end/notices/notice_fixture.h"
-#include "tests/end_to_end/soak_fixture.h"
+#include "tests/end_to_end/soak.h"
 
 namespace {
 
-class NoticeSoak : public SoakTest<NoticeTest> {
+class NoticeSoak : public NoticeTest {
  protected:
   void showAndHideBoth(int pairs) {
     for (int i = 0; i < pairs && !HasFatalFailure(); ++i) {
@@ -20,7 +20,7 @@ class NoticeSoak : public SoakTest<NoticeTest> {
 TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
   const int pairs = timesAsked("TOVALIN_SOAK_PAIRS", 200);
   launch();
-  expectNoGrowth({.what = "pairs", .times = pairs, .warmUp = 100, .mostGrowth = 1024},
+  expectNoGrowth(*this, {.what = "pairs", .times = pairs, .warmUp = 100, .mostGrowth = 1024},
                  [this](int times) { showAndHideBoth(times); });
 }
 

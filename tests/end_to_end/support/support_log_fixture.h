@@ -58,8 +58,16 @@ inline void takeVarForItself() {
 }
 
 // The collection of the logs, in a system whose logs are the test's own.
-class SupportLog : public SupportTest {
+class SupportLog : public testing::Test,
+                   protected TestDesktop,
+                   protected InstalledBundle,
+                   protected RunningAgent,
+                   protected NoticePipe,
+                   protected SupportServer,
+                   protected SupportWindowDriver {
  protected:
+  SupportLog()
+      : RunningAgent(*this, *this), NoticePipe(*this, *this), SupportWindowDriver(*this, *this, *this) {}
   static void SetUpTestSuite() { takeVarForItself(); }
 
   void SetUp() override {
@@ -68,12 +76,17 @@ class SupportLog : public SupportTest {
     for (const char* folder : {"/var/log", "/var/crash"}) {
       for (const auto& path : inFolder(folder)) std::filesystem::remove_all(path);
     }
-    SupportTest::SetUp();
+    removePipe();
+    setUpAgent();
+    if (HasFatalFailure()) return;
+    setUpForSupport(*this, *this, *this);
     if (HasFatalFailure()) return;
     ASSERT_TRUE(test_support::stopKeyRepeat(display_.name()));
     placeScript("journalctl", std::string("echo '") + systemEntry + "'");
     std::filesystem::remove(commandFolder + std::string("zip"));
   }
+
+  void TearDown() override { tearDownAgent(); }
 
   static void write(const std::filesystem::path& path, const std::string& text = "text") {
     std::filesystem::create_directories(path.parent_path());

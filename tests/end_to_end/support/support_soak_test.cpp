@@ -1,9 +1,9 @@
-#include "tests/end_to_end/soak_fixture.h"
+#include "tests/end_to_end/soak.h"
 #include "tests/end_to_end/support/support_fixture.h"
 
 namespace {
 
-class SupportSoak : public SoakTest<SupportTest> {
+class SupportSoak : public SupportTest {
  protected:
   void openAndClose(int times) {
     for (int i = 0; i < times && !HasFatalFailure(); ++i) {
@@ -23,7 +23,7 @@ class SupportSoak : public SoakTest<SupportTest> {
 TEST_F(SupportSoak, OpeningAndClosingWithASheetCostsNoMemoryAndNoDescriptors) {
   const int openings = timesAsked("TOVALIN_SOAK_OPENINGS", 30);
   launchInPanel();
-  expectNoGrowth({.what = "openings", .times = openings, .warmUp = 20, .mostGrowth = 2048},
+  expectNoGrowth(*this, {.what = "openings", .times = openings, .warmUp = 20, .mostGrowth = 2048},
                  [this](int times) { openAndClose(times); });
 }
 

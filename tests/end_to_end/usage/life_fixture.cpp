@@ -39,7 +39,10 @@ unsigned LifeTest::seed() {
 
 void LifeTest::SetUp() {
   std::printf("seed %u\n", seed());
-  SupportTest::SetUp();
+  removePipe();
+  setUpAgent();
+  if (HasFatalFailure()) return;
+  setUpForSupport(*this, *this, *this);
   if (HasFatalFailure()) return;
   ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
   // A second Escape would close the window behind the sheet.

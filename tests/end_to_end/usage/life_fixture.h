@@ -17,9 +17,18 @@
 
 // Leads the real agent through all that a life has, in an order that comes from a seed. Each act ends when
 // the agent is done with it.
-class LifeTest : public SupportTest {
+class LifeTest : public testing::Test,
+                 protected TestDesktop,
+                 protected InstalledBundle,
+                 protected RunningAgent,
+                 protected NoticePipe,
+                 protected SupportServer,
+                 protected SupportWindowDriver {
  protected:
+  LifeTest()
+      : RunningAgent(*this, *this), NoticePipe(*this, *this), SupportWindowDriver(*this, *this, *this) {}
   void SetUp() override;
+  void TearDown() override { tearDownAgent(); }
 
   // Launches the agent, sometimes on another day, and waits for the uploads of its launch.
   void beginLife();

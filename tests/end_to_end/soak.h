@@ -1,0 +1,40 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+
+#include "tests/end_to_end/running_agent.h"
+#include "tests/harness/processes/wait_until.h"
+#include "tests/harness/sanitizer.h"
+
+// What is done over and over, and what it may cost.
+struct Soak {
+  const char* what;  // as in "pairs"
+  int times;
+  int warmUp;       // of them, the first, after which everything is there that is kept for good
+  long mostGrowth;  // in kilobytes
+};
+
+// The number that this variable of the environment holds, or the usual one.
+[[nodiscard]] inline int timesAsked(const char* variable, int usual) {
+  const char* asked = std::getenv(variable);
+  return asked != nullptr ? std::atoi(asked) : usual;
+}
+
+// Has the agent do one thing over and over; `repeat` does it so many times.
+inline void expectNoGrowth(RunningAgent& agent, const Soak& soak, const std::function<void(int)>& repeat) {
+  ASSERT_GT(soak.times, soak.warmUp);
+  repeat(soak.warmUp);
+  const auto once = [&] { repeat(1); };
+  const long memory = agent.memoryWithAllPictures(once), open = agent.descriptors();
+  repeat(soak.times - soak.warmUp);
+  EXPECT_TRUE(test_support::waitUntil([&] { return agent.descriptors() == open; }))
+      << agent.descriptors() << " for " << open;
+  if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
+  const long end = agent.memoryWithAllPictures(once);
+  EXPECT_LE(std::labs(end - memory), soak.mostGrowth);
+  std::printf("%d %s: %ld kB after %d, %ld kB at the end\n", soak.times, soak.what, memory, soak.warmUp, end);
+}
