@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <span>
 #include <string_view>
@@ -177,12 +179,32 @@ std::vector<Kind> kindsOf(std::span<const std::string_view> calls) {
   return kinds;
 }
 
-template <typename Life, Extent extent = kOfPartOfLife>
-class FaultsIn : public Life, public testing::WithParamInterface<Kind> {
+// The session without faults of each kind, which is led once a test program.
+struct PlainLife {
+  std::array<std::uint64_t, faults::callNames.size()> calls{};
+  std::optional<long> descriptors = {};
+};
+
+template <typename Session, Extent extent = kOfPartOfLife>
+class FaultsIn : public testing::TestWithParam<Kind> {
  protected:
+  void SetUp() override {
+#ifdef TOVALIN_SANITIZED
+    GTEST_SKIP() << "the failing calls and the sanitizers both want to be loaded first";
+#endif
+    run_.setUp();
+    if (HasFatalFailure() || plainLife()) return;
+    const Outcome plain = live({});
+    ASSERT_EQ(plain.survival, life_.expected().survival) << "without any fault: " << plain.detail;
+    plainLife() = PlainLife{run_.injector_.allCalls(), run_.openAtLast()};
+  }
+  void TearDown() override {
+    run_.tearDownAgent();
+  }
+
   void letEachFail() {
     const auto [call, error] = GetParam();
-    const std::uint64_t count = this->callsOf(call);
+    const std::uint64_t count = plainLife()->calls[faults::indexOf(call)];
     ASSERT_GT(count, 0u) << "the agent makes no such call";
     int reached = 0;
     for (const std::uint64_t which : placesOf(call, count)) reached += letFail({call, error, which});
@@ -192,27 +214,50 @@ class FaultsIn : public Life, public testing::WithParamInterface<Kind> {
   }
 
  private:
+  static std::optional<PlainLife>& plainLife() {
+    static std::optional<PlainLife> plain;
+    return plain;
+  }
+
   static std::set<std::uint64_t> placesOf(const std::string& call, std::uint64_t count) {
     if (isSample()) return {samplePlace(count, extent)};
     return placesAmong(count, limitFor(call, extent));
   }
 
+  // Leads a session in which this fails, and judges it.
+  Outcome live(const Fault& fault) {
+    Expected expected = life_.expected();
+    if (plainLife()) expected.descriptors = plainLife()->descriptors;
+    run_.begin(fault, expected);
+    life_.lead();
+    Outcome outcome = life_.judge();
+    const bool hasFailed = run_.injector_.hasFailed();
+    if (outcome.survival == Survival::Failed) run_.agent_.kill();
+    if (fault.which == 0 || hasFailed || outcome.survival == Survival::Failed) return outcome;
+    // What a fault may excuse, nothing does without it.
+    if (outcome.survival == expected.survival) return {Survival::NotReached, outcome.detail};
+    return {Survival::Failed, "not as usual without its fault: " + outcome.detail};
+  }
+
   // Whether the call was made.
   bool letFail(const Fault& fault) {
-    const Outcome outcome = this->live(fault);
+    const Outcome outcome = live(fault);
     tell(fault, outcome);
     EXPECT_NE(outcome.survival, Survival::Failed) << outcome.detail;
-    return this->hasFailed();
+    return run_.injector_.hasFailed();
   }
 
   // A line that tests/faults/run makes its tables of.
   void tell(const Fault& fault, const Outcome& outcome) const {
-    std::printf("fault\t%s\t%s\t%s\t%llu\t%s\t0x%llx %s\n", Life::title, fault.call.c_str(),
+    std::printf("fault\t%s\t%s\t%s\t%llu\t%s\t0x%llx %s\n", Session::title, fault.call.c_str(),
                 ::strerrorname_np(fault.error), static_cast<unsigned long long>(fault.which),
-                nameOf(outcome.survival), static_cast<unsigned long long>(this->place()),
+                nameOf(outcome.survival), static_cast<unsigned long long>(run_.injector_.place()),
                 outcome.detail.substr(0, 200).c_str());
     std::fflush(stdout);
   }
+
+  FaultyAgent run_;
+  Session life_{run_};
 };
 
 std::string nameOfKind(const testing::TestParamInfo<Kind>& kind) {

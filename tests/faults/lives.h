@@ -2,18 +2,39 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
-#include "tests/faults/fault_fixture.h"
+#include "tests/faults/faulty_agent.h"
 
-// The kinds of lives in which calls fail.
+// A session of always the same steps, in which calls fail: the steps and what must hold after them.
+class Life {
+ public:
+  explicit Life(FaultyAgent& agent, Expected expected = {}) : run_(agent), expected_(std::move(expected)) {}
+  virtual ~Life() = default;
+  Life(const Life&) = delete;
+  Life& operator=(const Life&) = delete;
+
+  // From the agent's start on.
+  virtual void lead() = 0;
+  // After them, the end included.
+  [[nodiscard]] virtual Outcome judge() { return run_.judge(); }
+  [[nodiscard]] const Expected& expected() const { return expected_; }
+
+ protected:
+  FaultyAgent& run_;
+
+ private:
+  Expected expected_;
+};
 
 // Launch with an update, upload, records, the switch, the support window, a notice, the end. Calls fail from
 // the first one on.
-class ShortLife : public FaultTest {
+class ShortLife : public Life {
  public:
   static constexpr const char* title = "short life";
 
- protected:
+  using Life::Life;
+
   void lead() override;
   [[nodiscard]] Outcome judge() override;
 
@@ -27,24 +48,25 @@ class ShortLife : public FaultTest {
 };
 
 // Calls fail in the first launch of all, which makes the settings.
-class FirstLaunchLife : public FaultTest {
+class FirstLaunchLife : public Life {
  public:
   static constexpr const char* title = "first launch";
 
- protected:
+  explicit FirstLaunchLife(FaultyAgent& agent) : Life(agent, {.isFirstLaunch = true}) {}
+
   void lead() override {
-    letCallsFail();
-    launchToItsEnd();
+    run_.injector_.letCallsFail();
+    run_.launchToItsEnd();
   }
-  [[nodiscard]] bool isFirstLaunch() const override { return true; }
 };
 
 // Calls fail while the logs are collected out of the support window.
-class LogCollectionLife : public FaultTest {
+class LogCollectionLife : public Life {
  public:
   static constexpr const char* title = "collection of logs";
 
- protected:
+  using Life::Life;
+
   void lead() override;
   [[nodiscard]] Outcome judge() override;
 
@@ -57,11 +79,12 @@ class LogCollectionLife : public FaultTest {
 };
 
 // Calls fail while the updater is copied and opened by the support window's button.
-class UpdateLife : public FaultTest {
+class UpdateLife : public Life {
  public:
   static constexpr const char* title = "update";
 
- protected:
+  using Life::Life;
+
   void lead() override;
   [[nodiscard]] Outcome judge() override;
 
@@ -72,14 +95,14 @@ class UpdateLife : public FaultTest {
 };
 
 // Calls fail from before midnight until after the day's upload; records are written on both days.
-class MidnightLife : public FaultTest {
+class MidnightLife : public Life {
  public:
   static constexpr const char* title = "midnight";
 
- protected:
+  explicit MidnightLife(FaultyAgent& agent);
+
   void lead() override;
   [[nodiscard]] Outcome judge() override;
-  [[nodiscard]] std::vector<PastFile> pastFiles() const override;
 
  private:
   [[nodiscard]] std::string judgeDays() const;
@@ -89,11 +112,12 @@ class MidnightLife : public FaultTest {
 };
 
 // Calls fail in a second process, which is started while the agent runs and hands over to it.
-class SecondStartLife : public FaultTest {
+class SecondStartLife : public Life {
  public:
   static constexpr const char* title = "second start";
 
- protected:
+  using Life::Life;
+
   void lead() override;
   [[nodiscard]] Outcome judge() override;
 
@@ -106,50 +130,65 @@ class SecondStartLife : public FaultTest {
 };
 
 // Calls fail in a second process that finds the first one ended before that has answered it, and starts over.
-class StartOverLife : public FaultTest {
+class StartOverLife : public Life {
  public:
   static constexpr const char* title = "start over";
 
- protected:
+  explicit StartOverLife(FaultyAgent& agent) : Life(agent, {.starts = 2}) {}
+
   void lead() override;
-  [[nodiscard]] int starts() const override { return 2; }
 };
 
 // Calls fail in a process that finds no display, which ends it.
-class DisplaylessLife : public FaultTest {
+class DisplaylessLife : public Life {
  public:
   static constexpr const char* title = "launch without a display";
 
- protected:
+  explicit DisplaylessLife(FaultyAgent& agent) : Life(agent, {.survival = Survival::EndedWithMessage}) {}
+
   void lead() override;
   [[nodiscard]] Outcome judge() override;
-  [[nodiscard]] Survival usual() const override { return Survival::EndedWithMessage; }
 };
 
-// Calls fail when a folder of the bundle is moved and then the bundle is removed, which ends the agent.
-class RemovalLife : public FaultTest {
+// The bundle is taken away from under a running agent, which ends with it.
+class BundleLoss {
  public:
-  static constexpr const char* title = "removal of the bundle";
-
- protected:
-  void lead() override;
-  [[nodiscard]] Outcome judge() override;
+  explicit BundleLoss(FaultyAgent& agent) : run_(agent) {}
 
   void installAnew();
   void loseBundle(const std::function<void()>& takeAway);
+  [[nodiscard]] Outcome judge();
 
  private:
   [[nodiscard]] Outcome judgeUnwatched();
   [[nodiscard]] std::string judgeProperEnd();
 
+  FaultyAgent& run_;
   bool hasWatch_ = false;
 };
 
+// Calls fail when a folder of the bundle is moved and then the bundle is removed, which ends the agent.
+class RemovalLife : public Life {
+ public:
+  static constexpr const char* title = "removal of the bundle";
+
+  using Life::Life;
+  void lead() override;
+  [[nodiscard]] Outcome judge() override { return loss_.judge(); }
+
+ private:
+  BundleLoss loss_{run_};
+};
+
 // Calls fail from the launch on, so that there may be no watch when the bundle is renamed.
-class WatchLife : public RemovalLife {
+class WatchLife : public Life {
  public:
   static constexpr const char* title = "watch on the bundle";
 
- protected:
+  using Life::Life;
   void lead() override;
+  [[nodiscard]] Outcome judge() override { return loss_.judge(); }
+
+ private:
+  BundleLoss loss_{run_};
 };

@@ -39,35 +39,35 @@ void LogCollectionLife::lead() {
   placeJournal();
   removeCollections();
   toldOfItsEnd_ = false;
-  leadInSupportWindow([this] { collectLogs(); });
+  run_.leadInSupportWindow([this] { collectLogs(); });
 }
 
 void LogCollectionLife::collectLogs() {
-  clickAt(logMiddle);
-  static_cast<void>(comesTrue([&] { return isShaded(); }));
+  run_.clickAt(logMiddle);
+  static_cast<void>(run_.comesTrue([&] { return isShaded(); }));
   const auto question = sheetsMessage();
   // A key that a busy machine holds for long might answer the next sheet too.
-  clickAt(kContinue);
-  toldOfItsEnd_ = comesTrue([&] { return isShaded() && !(sheetsMessage() == question); });
-  press("Escape");
-  static_cast<void>(comesTrue([&] { return !isShaded(); }));
+  run_.clickAt(kContinue);
+  toldOfItsEnd_ = run_.comesTrue([&] { return isShaded() && !(sheetsMessage() == question); });
+  run_.press("Escape");
+  static_cast<void>(run_.comesTrue([&] { return !isShaded(); }));
 }
 
 // A sheet shades all of the window that it does not cover.
 bool LogCollectionLife::isShaded() const {
-  return colourOf(bareSpot).red < 200;
+  return run_.colourOf(bareSpot).red < 200;
 }
 
 test_support::XPicture LogCollectionLife::sheetsMessage() const {
-  return pictureOfPart({100, 180}, 300, 55);
+  return run_.pictureOfPart({100, 180}, 300, 55);
 }
 
 Outcome LogCollectionLife::judge() {
-  Outcome outcome = FaultTest::judge();
+  Outcome outcome = run_.judge();
   if (outcome.survival != Survival::Served && outcome.survival != Survival::ServedWithoutPipe) return outcome;
   if (!toldOfItsEnd_) return {Survival::Failed, "does not tell of the collection's end: " + outcome.detail};
   // A command that can't be run is left out without a word, as one that fails.
-  const bool isCommand = fault().call == "posix_spawn";
+  const bool isCommand = run_.injector_.fault().call == "posix_spawn";
   if (!isCommand && !hasArchive()) return {Survival::Failed, "makes no archive: " + outcome.detail};
   return outcome;
 }

@@ -37,27 +37,30 @@ std::string minuteOfNewDay(int minute) {
 
 }  // namespace
 
+MidnightLife::MidnightLife(FaultyAgent& agent)
+    : Life(agent, {.pastFiles = {UsageAccount::waiting, {kDayBefore, kBeginningOfDayBefore}}}) {}
+
 void MidnightLife::lead() {
-  environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS ":" TOVALIN_FAKETIME;
-  environment_["FAKETIME_TIMESTAMP_FILE"] = kClock;
-  environment_["FAKETIME_NO_CACHE"] = "1";
+  run_.environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS ":" TOVALIN_FAKETIME;
+  run_.environment_["FAKETIME_TIMESTAMP_FILE"] = kClock;
+  run_.environment_["FAKETIME_NO_CACHE"] = "1";
   putClock("2024-05-01 23:59:00");
-  launchToItsEnd();
-  letCallsFail();
-  sendRecord(deviceMessage, deviceRecord);
+  run_.launchToItsEnd();
+  run_.injector_.letCallsFail();
+  run_.sendRecord(deviceMessage, deviceRecord);
   passMidnight();
 }
 
 void MidnightLife::passMidnight() {
   putClock(minuteOfNewDay(1));
-  static_cast<void>(comesTrue([&] { return wakes() && fs::exists(kNewDay); }));
-  sendRecord(transferMessage, transferRecord);
+  static_cast<void>(run_.comesTrue([&] { return wakes() && fs::exists(kNewDay); }));
+  run_.sendRecord(transferMessage, transferRecord);
   waitForPass();
 }
 
 // The pass comes in one of the minutes of an hour, which is some second of that tick which saw the new day.
 void MidnightLife::waitForPass() {
-  for (int minute = 2; minute < 70 && agent_.running() && fs::exists(kDayBefore); ++minute) {
+  for (int minute = 2; minute < 70 && run_.agent_.running() && fs::exists(kDayBefore); ++minute) {
     putClock(minuteOfNewDay(minute));
     // The first wakes the agent, which then sees that its timer is due; the second is answered after that.
     if (!wakes() || !wakes()) return;
@@ -67,15 +70,11 @@ void MidnightLife::waitForPass() {
 // Asking for the icon ends the main thread's wait, whose length was reckoned before the clock was put
 // forward.
 bool MidnightLife::wakes() {
-  return host_.ask("properties").ok;
-}
-
-std::vector<PastFile> MidnightLife::pastFiles() const {
-  return {UsageAccount::waiting, {kDayBefore, kBeginningOfDayBefore}};
+  return run_.host_.ask("properties").ok;
 }
 
 Outcome MidnightLife::judge() {
-  Outcome outcome = FaultTest::judge();
+  Outcome outcome = run_.judge();
   const std::string wrong = judgeDays();
   if (outcome.survival == Survival::Failed || wrong.empty()) return outcome;
   return {Survival::Failed, wrong + ": " + outcome.detail};
@@ -83,7 +82,7 @@ Outcome MidnightLife::judge() {
 
 // Each record in the file of its own day.
 std::string MidnightLife::judgeDays() const {
-  std::vector<std::string> before = uploads();
+  std::vector<std::string> before = run_.uploads();
   before.push_back(contentsOf(kDayBefore));
   for (const std::string& day : before) {
     if (holds(day, transferRecord) || holds(day, quitRecord))

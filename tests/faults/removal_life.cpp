@@ -19,59 +19,61 @@ bool watchesFiles(pid_t process) {
 
 }  // namespace
 
-void RemovalLife::lead() {
-  installAnew();
-  launchToItsEnd();
-  letCallsFail();
-  loseBundle([&] {
-    fs::rename(bundle_ + movedFolder, bundle_ + movedFolder + " elsewhere");
-    fs::remove_all(bundle_);
-  });
+void BundleLoss::installAnew() {
+  fs::remove_all(run_.bundle_ + " old");
+  run_.install(run_.bundle_);
+  run_.setServers(run_.server_->origin(), run_.server_->origin());
+  fs::create_directory(run_.bundle_ + movedFolder);
 }
 
-void WatchLife::lead() {
-  installAnew();
-  letCallsFail();
-  launchToItsEnd();
-  loseBundle([&] { fs::rename(bundle_, bundle_ + " old"); });
-}
-
-void RemovalLife::installAnew() {
-  fs::remove_all(bundle_ + " old");
-  install(bundle_);
-  setServers(server_->origin(), server_->origin());
-  fs::create_directory(bundle_ + movedFolder);
-}
-
-void RemovalLife::loseBundle(const std::function<void()>& takeAway) {
-  if (!agent_.running()) return;
-  hasWatch_ = watchesFiles(agent_.pid());
+void BundleLoss::loseBundle(const std::function<void()>& takeAway) {
+  if (!run_.agent_.running()) return;
+  hasWatch_ = watchesFiles(run_.agent_.pid());
   takeAway();
-  if (hasWatch_) static_cast<void>(comesTrue([&] { return !agent_.running(); }));
+  if (hasWatch_) static_cast<void>(run_.comesTrue([&] { return !run_.agent_.running(); }));
 }
 
-Outcome RemovalLife::judge() {
-  if (agent_.running()) return judgeUnwatched();
-  const bool isProper = count(rootChangeLogged) == 1 && agent_.wait() == test_support::ExitStatus{.code = 0};
-  if (!isProper) return *judgeEarlyEnd();
+Outcome BundleLoss::judge() {
+  if (run_.agent_.running()) return judgeUnwatched();
+  const bool isProper =
+      run_.count(rootChangeLogged) == 1 && run_.agent_.wait() == test_support::ExitStatus{.code = 0};
+  if (!isProper) return *run_.judgeEarlyEnd();
   const std::string wrong = judgeProperEnd();
-  return {wrong.empty() ? Survival::Served : Survival::Failed, wrong + message()};
+  return {wrong.empty() ? Survival::Served : Survival::Failed, wrong + run_.message()};
 }
 
 // Who got no watch goes on without a word, and ends as it would otherwise.
-Outcome RemovalLife::judgeUnwatched() {
-  if (hasWatch_) return {Survival::Failed, "does not notice that its bundle is gone: " + message()};
-  const Outcome outcome = FaultTest::judge();
+Outcome BundleLoss::judgeUnwatched() {
+  if (hasWatch_) return {Survival::Failed, "does not notice that its bundle is gone: " + run_.message()};
+  const Outcome outcome = run_.judge();
   return {outcome.survival == Survival::Served ? Survival::ServedWithoutWatch : outcome.survival,
           outcome.detail};
 }
 
-std::string RemovalLife::judgeProperEnd() {
-  if (!nothingOutlivesIt()) return "processes outlive it: ";
-  if (const std::string wrong = judgeFiles(); !wrong.empty()) return wrong + ": ";
+std::string BundleLoss::judgeProperEnd() {
+  if (!run_.nothingOutlivesIt()) return "processes outlive it: ";
+  if (const std::string wrong = run_.judgeFiles(); !wrong.empty()) return wrong + ": ";
   // A command that can't be run is left out without a word; of one that isn't found, the shell says so.
-  const int missing = fault().call == "posix_spawn" || words().tellOf("launchctl: not found") ? 1 : 0;
-  if (count(unloadRun) + count(killRun) < 2 - missing) return "is not unloaded: ";
-  const std::string wrong = judgeUsage(1);
+  const int missing =
+      run_.injector_.fault().call == "posix_spawn" || run_.words().tellOf("launchctl: not found") ? 1 : 0;
+  if (run_.count(unloadRun) + run_.count(killRun) < 2 - missing) return "is not unloaded: ";
+  const std::string wrong = run_.judgeUsage(1);
   return wrong.empty() ? "" : wrong + ": ";
+}
+
+void RemovalLife::lead() {
+  loss_.installAnew();
+  run_.launchToItsEnd();
+  run_.injector_.letCallsFail();
+  loss_.loseBundle([&] {
+    fs::rename(run_.bundle_ + movedFolder, run_.bundle_ + movedFolder + " elsewhere");
+    fs::remove_all(run_.bundle_);
+  });
+}
+
+void WatchLife::lead() {
+  loss_.installAnew();
+  run_.injector_.letCallsFail();
+  run_.launchToItsEnd();
+  loss_.loseBundle([&] { fs::rename(run_.bundle_, run_.bundle_ + " old"); });
 }

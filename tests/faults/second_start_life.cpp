@@ -13,14 +13,14 @@ constexpr const char* noMenu = "its menu can't be opened from here";
 }  // namespace
 
 void SecondStartLife::lead() {
-  environment_["LD_PRELOAD"] = std::nullopt;
-  launchToItsEnd();
+  run_.environment_["LD_PRELOAD"] = std::nullopt;
+  run_.launchToItsEnd();
   test_support::ChildOptions options;
-  options.environment = environment_;
+  options.environment = run_.environment_;
   options.environment["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
   options.error = test_support::Redirection::pipe();
-  letCallsFail();
-  ASSERT_TRUE(second_.start({agentProgram()}, options));
+  run_.injector_.letCallsFail();
+  ASSERT_TRUE(second_.start({run_.agentProgram()}, options));
 }
 
 Outcome SecondStartLife::judge() {
@@ -28,7 +28,7 @@ Outcome SecondStartLife::judge() {
   if (second.survival == Survival::Failed) return second;
   const std::string harm = harmToFirst();
   if (!harm.empty()) return {Survival::Failed, harm};
-  const Outcome first = FaultTest::judge();
+  const Outcome first = run_.judge();
   if (first.survival != Survival::Served) return {Survival::Failed, "the first agent: " + first.detail};
   return second;
 }
@@ -36,15 +36,15 @@ Outcome SecondStartLife::judge() {
 Outcome SecondStartLife::judgeSecond() {
   const auto status = second_.wait(15s);
   second_.kill();
-  addToConsole(second_.takeErrorOutput());
+  run_.addToConsole(second_.takeErrorOutput());
   if (!status) return {Survival::Failed, "the second start does not end"};
   if (status->signal)
     return {Survival::Failed, "the second start: signal " + std::to_string(*status->signal)};
   const bool opened =
-      test_support::waitForWindow(display_.name(), isMenu, status->code == 0 ? 5s : 0s).has_value();
+      test_support::waitForWindow(run_.display_.name(), isMenu, status->code == 0 ? 5s : 0s).has_value();
   if (opened) closeMenu();
-  const std::string said = message();
-  const bool saysWhy = status->code == 0 ? words().tellOf(noMenu) : words().tellOfTheEnd();
+  const std::string said = run_.message();
+  const bool saysWhy = status->code == 0 ? run_.words().tellOf(noMenu) : run_.words().tellOfTheEnd();
   if (!saysWhy && (status->code != 0 || !opened))
     return {Survival::Failed, "the second start ends without menu or word of it: " +
                                   std::to_string(*status->code) + " " + said};
@@ -52,9 +52,9 @@ Outcome SecondStartLife::judgeSecond() {
 }
 
 void SecondStartLife::closeMenu() {
-  static_cast<void>(comesTrue([&] {
-    press("Escape");
-    return test_support::waitForNoWindow(display_.name(), isMenu, 100ms);
+  static_cast<void>(run_.comesTrue([&] {
+    run_.press("Escape");
+    return test_support::waitForNoWindow(run_.display_.name(), isMenu, 100ms);
   }));
 }
 
@@ -63,5 +63,5 @@ std::string SecondStartLife::harmToFirst() {
     if (!fs::exists(std::string("/tmp/runtime/TovalinTray/helpers/") + name))
       return std::string("the first agent has lost its helper ") + name;
   }
-  return count("pipe: -ton") == 1 ? "" : "the second start tells the main application that it is up";
+  return run_.count("pipe: -ton") == 1 ? "" : "the second start tells the main application that it is up";
 }

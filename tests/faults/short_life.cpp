@@ -5,38 +5,39 @@
 using namespace std::chrono_literals;
 
 void ShortLife::lead() {
-  letCallsFail();
-  launchToItsEnd();
+  run_.injector_.letCallsFail();
+  run_.launchToItsEnd();
   record();
   useSwitch();
   useSupportWindow();
 }
 
 void ShortLife::record() {
-  sendRecord(deviceMessage, deviceRecord);
-  sendRecord(transferMessage, transferRecord);
+  run_.sendRecord(deviceMessage, deviceRecord);
+  run_.sendRecord(transferMessage, transferRecord);
 }
 
 void ShortLife::useSwitch() {
-  hasSwitched_ = agent_.running() && turnsTheSwitch() &&
-                 comesTrue([&] { return count("pipe: -u") == 1 || words().tellOfTheCommandPipe(); });
+  hasSwitched_ = run_.agent_.running() && run_.turnsTheSwitch() && run_.comesTrue([&] {
+    return run_.count("pipe: -u") == 1 || run_.words().tellOfTheCommandPipe();
+  });
 }
 
 void ShortLife::useSupportWindow() {
   hasOpened_ = false;
-  if (!agent_.running() || !showsItsMenu() || !host_.click("Support Tovalin")) return;
+  if (!run_.agent_.running() || !run_.showsItsMenu() || !run_.host_.click("Support Tovalin")) return;
   std::optional<test_support::XWindow> window;
   // What its contents are asked of may be long in answering, or not be there.
   hasOpened_ = test_support::waitUntil([&] {
-                 window = test_support::waitForWindow(display_.name(), isSupportWindow, 0ms);
-                 return window.has_value() || !agent_.running();
+                 window = test_support::waitForWindow(run_.display_.name(), isSupportWindow, 0ms);
+                 return window.has_value() || !run_.agent_.running();
                }) &&
                window.has_value();
-  if (hasOpened_) closeSupportWindow(window->id);
+  if (hasOpened_) run_.closeSupportWindow(window->id);
 }
 
 Outcome ShortLife::judge() {
-  Outcome outcome = FaultTest::judge();
+  Outcome outcome = run_.judge();
   if (outcome.survival != Survival::Served && outcome.survival != Survival::ServedWithoutPipe) return outcome;
   if (!hasSwitched_) return {Survival::Failed, "does not switch: " + outcome.detail};
   if (!hasOpened_) return {Survival::Failed, "opens no support window: " + outcome.detail};

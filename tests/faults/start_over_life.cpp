@@ -5,17 +5,17 @@
 #include "tests/faults/lives.h"
 
 void StartOverLife::lead() {
-  environment_["LD_PRELOAD"] = std::nullopt;
-  launchToItsEnd();
-  test_support::ChildProcess first = std::exchange(agent_, {});
+  run_.environment_["LD_PRELOAD"] = std::nullopt;
+  run_.launchToItsEnd();
+  test_support::ChildProcess first = std::exchange(run_.agent_, {});
   first.signal(SIGSTOP);
-  host_.clearEvents();
-  environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
-  letCallsFail();
-  startAgent();
+  run_.host_.clearEvents();
+  run_.environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
+  run_.injector_.letCallsFail();
+  run_.startAgent();
   // Its place is taken, so it asks the first one, which won't answer any more.
-  static_cast<void>(comesTrue([&] { return callsSoFar("flock") > 0; }));
+  static_cast<void>(run_.comesTrue([&] { return run_.injector_.calls("flock") > 0; }));
   first.kill();
   static_cast<void>(first.wait());
-  waitForLaunch();
+  run_.waitForLaunch();
 }

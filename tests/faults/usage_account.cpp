@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "tests/end_to_end/agent_test.h"
+#include "tests/end_to_end/usage_files.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tools/tvldump/record_reader.h"
 

@@ -5,22 +5,16 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tests/end_to_end/support/support_fixture.h"
 #include "tests/faults/agents_words.h"
-#include "tests/faults/fault_report.h"
+#include "tests/faults/fault_injector.h"
 #include "tests/faults/usage_account.h"
 
 inline bool isMenu(const test_support::XWindow& window) {
   return window.className == "Tovalin" && window.width > 100;
 }
-
-// One call of the agent's own code that is to fail.
-struct Fault {
-  std::string call = "none";
-  int error = 0;
-  std::uint64_t which = 0;
-};
 
 // What the main application sends of a device and of a transfer, and how the records of it begin.
 extern const std::string deviceMessage, deviceRecord, transferMessage, transferRecord;
@@ -40,40 +34,39 @@ struct Outcome {
   std::string detail = {};
 };
 
-// Leads the real agent through a life of always the same steps, which a class of its own says for each kind
-// of life. A step that the fault has spoilt is passed over; what must hold is asked at the end.
-class FaultTest : public SupportTest {
- protected:
-  void SetUp() override;
-
-  // Leads a life in which this fails, and judges it.
-  [[nodiscard]] Outcome live(const Fault& fault);
-  // Whether the fault of the last life was reached.
-  [[nodiscard]] bool hasFailed() const { return report_->failed != 0; }
-  // How often a call is made in a life of this kind without faults.
-  [[nodiscard]] static std::uint64_t callsOf(const std::string& name);
-  // Where in the agent's program the fault of the last life was, for addr2line(1).
-  [[nodiscard]] std::uint64_t place() const { return report_->place; }
-
-  // The steps of the life, from the agent's start on.
-  virtual void lead() = 0;
-  // What must hold after them, the end included.
-  [[nodiscard]] virtual Outcome judge();
-  // What becomes of an agent that meets no fault.
-  [[nodiscard]] virtual Survival usual() const { return Survival::Served; }
+// What becomes of the agent that meets no fault.
+struct Expected {
+  Survival survival = Survival::Served;
   // Whether no agent ran for this user before.
-  [[nodiscard]] virtual bool isFirstLaunch() const { return false; }
+  bool isFirstLaunch = false;
   // How many starts its files are to have.
-  [[nodiscard]] virtual int starts() const { return 1; }
+  int starts = 1;
   // The files that it is to send.
-  [[nodiscard]] virtual std::vector<PastFile> pastFiles() const { return {UsageAccount::waiting}; }
+  std::vector<PastFile> pastFiles = {UsageAccount::waiting};
+  // How many descriptors it has open before its end; nullopt until a session without faults has counted them.
+  std::optional<long> descriptors = {};
+};
 
-  // How often it was made in this life so far.
-  [[nodiscard]] std::uint64_t callsSoFar(std::string_view name) const {
-    return report_->counts[faults::indexOf(name)];
-  }
-  // From here on calls are counted, and the one that is meant fails.
-  void letCallsFail() { report_->isOpen = 1; }
+// The real agent with a fault: the steps of which its sessions are made, and what must hold after them. A
+// step that the fault has spoilt is passed over; what must hold is asked at the end.
+class FaultyAgent : public TestDesktop,
+                    public InstalledBundle,
+                    public RunningAgent,
+                    public NoticePipe,
+                    public SupportServer,
+                    public SupportWindowDriver {
+ public:
+  FaultyAgent()
+      : RunningAgent(*this, *this), NoticePipe(*this, *this), SupportWindowDriver(*this, *this, *this) {}
+
+  // Makes ready what all sessions of a test share; fails the test if it can't.
+  void setUp();
+  // What each session begins with, before the agent's start.
+  void begin(const Fault& fault, const Expected& expected);
+
+  // What must hold after a session, the end included.
+  [[nodiscard]] Outcome judge();
+
   // Starts the agent, and returns when it listens and has its icon and its upload, or won't have them any
   // more.
   void launchToItsEnd();
@@ -112,12 +105,14 @@ class FaultTest : public SupportTest {
   // Launches and opens the support window; calls fail while `use` is at work on it.
   void leadInSupportWindow(const std::function<void()>& use);
 
-  [[nodiscard]] const Fault& fault() const { return fault_; }
   [[nodiscard]] bool hasPipe() const { return hasPipe_; }
-  void addToConsole(const std::string& text) { console_ += text; }
+  void addToConsole(const std::string& text) { said_ += text; }
+  // How many descriptors it had open before its end; nullopt if it ended earlier.
+  [[nodiscard]] std::optional<long> openAtLast() const { return openAtLast_; }
+
+  FaultInjector injector_;
 
  private:
-  void begin(const Fault& fault);
   void waitForListener();
   [[nodiscard]] std::string leftBehind();
   [[nodiscard]] bool answersThePipe();
@@ -126,8 +121,8 @@ class FaultTest : public SupportTest {
   [[nodiscard]] bool showsItsIcon();
   [[nodiscard]] bool pictureIsLost();
   [[nodiscard]] bool turnsTheSwitchByAnotherStart();
-  faults::Report* report_ = nullptr;
-  Fault fault_;
+
+  Expected expected_;
   bool endsProperly_ = false;
   bool endedBySignal_ = false;
   bool hasPipe_ = true;
@@ -136,5 +131,6 @@ class FaultTest : public SupportTest {
   UsageAccount usage_;
   long processesBefore_ = 0;
   std::size_t requestsBefore_ = 0;
-  std::string console_ = {};
+  std::string said_ = {};
+  std::optional<long> openAtLast_ = {};
 };

@@ -1,16 +1,13 @@
-#include "tests/faults/fault_fixture.h"
+#include "tests/faults/faulty_agent.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
 #include <fstream>
 #include <limits>
-#include <map>
-#include <new>
 
 #include "tests/end_to_end/app/icon_in_panel.h"
 #include "tests/harness/processes/file_contents.h"
@@ -27,21 +24,11 @@ using test_support::contentsOf;
 using test_support::FileDescriptor;
 using test_support::waitUntil;
 
-constexpr const char* kReport = "/tmp/faults.report";
 constexpr std::chrono::seconds kPatienceAfterFault{4};
 // What the agent says of a picture that it has not.
 constexpr const char* kLostPicture = "Invalid Image";
 // As they are in the bundle, which some lives take away.
 const std::string kPictures = "/tmp/pictures";
-
-// Shared with the agent, in which the calls fail.
-faults::Report* makeReport() {
-  const FileDescriptor file(::open(kReport, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-  if (::ftruncate(file.get(), sizeof(faults::Report)) != 0) return nullptr;
-  void* const memory =
-      ::mmap(nullptr, sizeof(faults::Report), PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
-  return memory == MAP_FAILED ? nullptr : new (memory) faults::Report;
-}
 
 long openDescriptorsOf(pid_t process) {
   std::error_code gone;
@@ -66,17 +53,6 @@ std::string processNames() {
   return names;
 }
 
-// What a life without faults is like; each kind is led once a test program.
-struct PlainLife {
-  std::array<std::uint64_t, faults::callNames.size()> counts{};
-  // In the end, unless the agent had ended by then.
-  std::optional<long> descriptors = {};
-};
-std::optional<PlainLife>& plainLife() {
-  static std::map<std::string, std::optional<PlainLife>> lives;
-  return lives[testing::UnitTest::GetInstance()->current_test_suite()->name()];
-}
-
 // The toolkit's pool has as many threads as it needs at the time, and each of them holds a descriptor.
 long pooledThreadsOf(pid_t process) {
   std::error_code gone;
@@ -95,102 +71,78 @@ const std::string transferMessage =
     "-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x00\x10\0\0\0\0\0\0mp4\0\0\0\0\0\0\0"s;
 const std::string transferRecord = "\x07\x08";
 
-void FaultTest::SetUp() {
-#ifdef TOVALIN_SANITIZED
-  GTEST_SKIP() << "the failing calls and the sanitizers both want to be loaded first";
-#endif
-  SupportTest::SetUp();
-  if (HasFatalFailure()) return;
+void FaultyAgent::setUp() {
+  removePipe();
+  setUpAgent();
+  if (testing::Test::HasFatalFailure()) return;
+  setUpForSupport(*this, *this, *this);
+  if (testing::Test::HasFatalFailure()) return;
   server_->put(bannerFolder + std::string("red.ppm"), pictureFile(red, 420, 120));
-  report_ = makeReport();
-  ASSERT_NE(report_, nullptr);
+  ASSERT_TRUE(injector_.open());
   // Whichever server the option names.
   setServers(server_->origin(), server_->origin());
   fs::copy(agentContents() + "/Resources", kPictures,
            fs::copy_options::recursive | fs::copy_options::overwrite_existing);
   environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
-  environment_["TOVALIN_FAULT_REPORT"] = kReport;
-  if (plainLife()) return;
-  const Outcome plain = live({});
-  if (plain.survival != usual()) plainLife().reset();
-  ASSERT_EQ(plain.survival, usual()) << "without any fault: " << plain.detail;
-  if (!plainLife()) plainLife().emplace();
-  for (std::size_t i = 0; i < faults::callNames.size(); ++i) plainLife()->counts[i] = report_->counts[i];
 }
 
-std::uint64_t FaultTest::callsOf(const std::string& name) {
-  return plainLife()->counts[faults::indexOf(name)];
-}
-
-Outcome FaultTest::live(const Fault& fault) {
-  begin(fault);
-  lead();
-  Outcome outcome = judge();
-  if (outcome.survival == Survival::Failed) agent_.kill();
-  if (fault.which == 0 || hasFailed() || outcome.survival == Survival::Failed) return outcome;
-  // What a fault may excuse, nothing does without it.
-  if (outcome.survival == usual()) return {Survival::NotReached, outcome.detail};
-  return {Survival::Failed, "not as usual without its fault: " + outcome.detail};
-}
-
-void FaultTest::begin(const Fault& fault) {
-  usage_.begin(isFirstLaunch());
+void FaultyAgent::begin(const Fault& fault, const Expected& expected) {
+  expected_ = expected;
+  usage_.begin(expected_.isFirstLaunch);
   fs::remove(pipePath);
   timeline_.clear();
   host_.clearEvents();
-  console_.clear();
+  said_.clear();
+  openAtLast_.reset();
   endsProperly_ = false;
   hasPipe_ = true;
   patience_ = kPatienceAfterFault;
-  new (report_) faults::Report;
-  environment_["TOVALIN_FAULT"] =
-      fault.call + " " + std::to_string(fault.which) + " " + std::to_string(fault.error);
-  fault_ = fault;
+  injector_.arm(fault, environment_);
   processesBefore_ = processes();
   requestsBefore_ = server_->requests().size();
 }
 
-void FaultTest::launchToItsEnd() {
+void FaultyAgent::launchToItsEnd() {
   startAgent();
   waitForLaunch();
 }
 
-void FaultTest::waitForLaunch() {
+void FaultyAgent::waitForLaunch() {
   waitForListener();
   static_cast<void>(comesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
   static_cast<void>(comesTrue([] { return !fs::exists(UsageAccount::waiting.path); }));
 }
 
 // Once the fault is there, what does not come soon does not come.
-bool FaultTest::comesTrue(const std::function<bool()>& condition) {
+bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
   const auto begin = std::chrono::steady_clock::now();
   std::optional<std::chrono::steady_clock::time_point> failedAt;
   return waitUntil([&] {
            const auto now = std::chrono::steady_clock::now();
-           if (!failedAt && hasFailed()) failedAt = now;
+           if (!failedAt && injector_.hasFailed()) failedAt = now;
            const bool givesUp = failedAt ? now - *failedAt > patience_ && now - begin > 2s : false;
            return condition() || givesUp || !agent_.running();
          }) &&
          condition();
 }
 
-void FaultTest::waitForListener() {
+void FaultyAgent::waitForListener() {
   static_cast<void>(comesTrue([&] { return listens() || toldThatThePipeIsGone(); }));
 }
 
-bool FaultTest::listens() {
+bool FaultyAgent::listens() {
   return FileDescriptor(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC)).valid();
 }
 
 // Returns when it was read: two that are read at once are one.
-bool FaultTest::sendToPipe(const std::string& text) {
+bool FaultyAgent::sendToPipe(const std::string& text) {
   const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   const int before = count("log 6: read_pipe");
   if (::write(pipe.get(), text.data(), text.size()) <= 0) return false;
   return comesTrue([&] { return count("log 6: read_pipe") > before; });
 }
 
-void FaultTest::sendRecord(const std::string& text, const std::string& record) {
+void FaultyAgent::sendRecord(const std::string& text, const std::string& record) {
   usage_.ask(record);
   if (!sendToPipe(text)) return;
   usage_.tellRead(record);
@@ -198,23 +150,23 @@ void FaultTest::sendRecord(const std::string& text, const std::string& record) {
     usage_.tellWritten(record);
 }
 
-void FaultTest::closeSupportWindow(std::uint32_t window) {
+void FaultyAgent::closeSupportWindow(std::uint32_t window) {
   static_cast<void>(comesTrue([&] {
     test_support::requestClose(display_.name(), window);
     return test_support::waitForNoWindow(display_.name(), isSupportWindow, 100ms);
   }));
 }
 
-void FaultTest::leadInSupportWindow(const std::function<void()>& use) {
+void FaultyAgent::leadInSupportWindow(const std::function<void()>& use) {
   launchToItsEnd();
   openWindow();
-  if (HasFatalFailure()) return;
-  letCallsFail();
+  if (testing::Test::HasFatalFailure()) return;
+  injector_.letCallsFail();
   use();
   closeSupportWindow(window_.id);
 }
 
-bool FaultTest::answersThePipe() {
+bool FaultyAgent::answersThePipe() {
   sendToPipe("-noff");
   sendToPipe("-non");
   const auto isUp = [&] {
@@ -225,14 +177,14 @@ bool FaultTest::answersThePipe() {
   return comesTrue([&] { return !isUp(); });
 }
 
-std::string FaultTest::switchLabel() {
+std::string FaultyAgent::switchLabel() {
   for (const auto& item : host_.menu()) {
     if (item.label.starts_with("Automount ")) return item.label;
   }
   return {};
 }
 
-bool FaultTest::turnsTheSwitch() {
+bool FaultyAgent::turnsTheSwitch() {
   const std::string before = switchLabel();
   if (before.empty()) return words().tellOf(kLostPicture) && turnsTheSwitchByAnotherStart();
   const char* after = before == "Automount Off" ? "Automount On" : "Automount Off";
@@ -241,13 +193,13 @@ bool FaultTest::turnsTheSwitch() {
 }
 
 // A picture that is lost takes the item off the panel for as long as it would be shown.
-bool FaultTest::pictureIsLost() {
+bool FaultyAgent::pictureIsLost() {
   return words().tellOf(kLostPicture) && host_.items().empty();
 }
 
 // A second start opens the menu at the pointer, and the first line is the switch. The picture of the other
 // state brings the item back.
-bool FaultTest::turnsTheSwitchByAnotherStart() {
+bool FaultyAgent::turnsTheSwitchByAnotherStart() {
   test_support::ChildOptions options;
   options.environment = environment_;
   options.environment["LD_PRELOAD"] = std::nullopt;
@@ -260,20 +212,20 @@ bool FaultTest::turnsTheSwitchByAnotherStart() {
   return waitUntil([&] { return !agent_.running() || !switchLabel().empty(); });
 }
 
-bool FaultTest::showsItsIcon() {
+bool FaultyAgent::showsItsIcon() {
   const char* picture = switchLabel() == "Automount Off" ? "mount on" : "mount off";
   return comesTrue(
       [&] { return host_.saveIcon("/tmp/icon.png", "20") && panelShows(host_, kPictures, picture); });
 }
 
-AgentsWords FaultTest::words() {
-  return {texts(), console_ += agent_.takeErrorOutput()};
+AgentsWords FaultyAgent::words() {
+  return {texts(), said_ += agent_.takeErrorOutput()};
 }
 
-Outcome FaultTest::judge() {
+Outcome FaultyAgent::judge() {
   if (const auto early = judgeEarlyEnd()) return *early;
-  for (const auto step : {&FaultTest::judgePipe, &FaultTest::judgeItem, &FaultTest::leftBehind,
-                          &FaultTest::judgeEnd, &FaultTest::judgeFiles, &FaultTest::judgeEndOfLife}) {
+  for (const auto step : {&FaultyAgent::judgePipe, &FaultyAgent::judgeItem, &FaultyAgent::leftBehind,
+                          &FaultyAgent::judgeEnd, &FaultyAgent::judgeFiles, &FaultyAgent::judgeEndOfLife}) {
     const std::string wrong = (this->*step)();
     if (wrong.empty()) continue;
     if (const auto early = judgeEarlyEnd(); early && !endsProperly_) return *early;
@@ -283,7 +235,7 @@ Outcome FaultTest::judge() {
   return {hasPipe_ ? Survival::Served : Survival::ServedWithoutPipe, message()};
 }
 
-std::string FaultTest::judgePipe() {
+std::string FaultyAgent::judgePipe() {
   // A thread that could not be had may have been the listener's.
   const auto toldOfIt = [&] { return toldThatThePipeIsGone() || words().tellOf("] no thread: "); };
   const bool told = toldOfIt();
@@ -296,7 +248,7 @@ std::string FaultTest::judgePipe() {
 }
 
 // Its icon shows before and after the switch was turned, but for pictures that it tells to be invalid.
-std::string FaultTest::judgeItem() {
+std::string FaultyAgent::judgeItem() {
   patience_ = words().tellOf(kLostPicture) ? kPatienceAfterFault : test_support::kPatience;
   int missing = 0;
   for (int turn = 0; turn < 2; ++turn) {
@@ -307,28 +259,29 @@ std::string FaultTest::judgeItem() {
   return showsItsMenu() ? "" : "does not answer its menu";
 }
 
-bool FaultTest::showsItsMenu() {
+bool FaultyAgent::showsItsMenu() {
   return !switchLabel().empty() || turnsTheSwitch();
 }
 
-std::string FaultTest::judgeFiles() {
+std::string FaultyAgent::judgeFiles() {
   const std::string damage = usage_.damage(uploads());
-  return damage.empty() ? usage_.doublesOrLosses(starts(), uploads(), words()) : damage;
+  return damage.empty() ? usage_.doublesOrLosses(expected_.starts, uploads(), words()) : damage;
 }
 
-std::string FaultTest::judgeEndOfLife() {
+std::string FaultyAgent::judgeEndOfLife() {
   return endsProperly_ ? judgeUsage(endedBySignal_ ? 1 : 2) : "";
 }
 
-std::string FaultTest::judgeUsage(int ends) {
-  std::string missing = usage_.missingRecords(starts(), ends, hasPipe_, uploads(), words());
+std::string FaultyAgent::judgeUsage(int ends) {
+  std::string missing = usage_.missingRecords(expected_.starts, ends, hasPipe_, uploads(), words());
   if (!missing.empty()) return missing;
   // The thread that could not be had was that of the launch's upload, when the listener has its own.
   if (hasPipe_ && words().tellOf("] no thread: ")) return {};
-  return UsageAccount::unsent(pastFiles(), hasFailed() ? fault_.call : "", uploads(), words());
+  return UsageAccount::unsent(expected_.pastFiles, injector_.hasFailed() ? injector_.fault().call : "",
+                              uploads(), words());
 }
 
-std::optional<Outcome> FaultTest::judgeEarlyEnd() {
+std::optional<Outcome> FaultyAgent::judgeEarlyEnd() {
   if (agent_.running()) return std::nullopt;
   const auto status = agent_.wait();
   const std::string said = message();
@@ -342,11 +295,11 @@ std::optional<Outcome> FaultTest::judgeEarlyEnd() {
 }
 
 // While the agent runs: descriptors and children that it has left.
-std::string FaultTest::leftBehind() {
+std::string FaultyAgent::leftBehind() {
   const auto open = [&] { return openDescriptorsOf(agent_.pid()) - pooledThreadsOf(agent_.pid()); };
-  if (!plainLife()) plainLife() = PlainLife{.descriptors = open()};
+  openAtLast_ = open();
   // The two ends of the pipe go with it.
-  const long most = plainLife()->descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
+  const long most = expected_.descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
   if (!waitUntil([&] { return open() <= most; }, 3s))
     return std::to_string(open()) + " descriptors for " + std::to_string(most);
   // The agent and its web view. A command that still runs on a busy machine is none of what stays.
@@ -355,9 +308,9 @@ std::string FaultTest::leftBehind() {
   return {};
 }
 
-std::string FaultTest::judgeEnd() {
+std::string FaultyAgent::judgeEnd() {
   // Every other time; but who has not met the fault yet may do so in the menu's longer end.
-  endedBySignal_ = hasFailed() && fault_.which % 2 == 1;
+  endedBySignal_ = injector_.hasFailed() && injector_.fault().which % 2 == 1;
   if (endedBySignal_) agent_.terminate();
   if (!endedBySignal_ && !host_.click("Quit Tovalin") && !agent_.wait(1s))
     return "can't be ended by its menu";
@@ -369,11 +322,11 @@ std::string FaultTest::judgeEnd() {
   return nothingOutlivesIt() ? "" : "processes outlive it";
 }
 
-bool FaultTest::nothingOutlivesIt() const {
+bool FaultyAgent::nothingOutlivesIt() const {
   return waitUntil([&] { return processes() <= processesBefore_; });
 }
 
-std::vector<std::string> FaultTest::uploads() const {
+std::vector<std::string> FaultyAgent::uploads() const {
   const std::size_t head = uploadBodyHead().size(), around = head + uploadBodyTail().size();
   std::vector<std::string> contents;
   const auto requests = server_->requests();
