@@ -14,8 +14,7 @@
 // From the end of the bundle to that of the agent, half a second of it the watch's.
 inline constexpr std::chrono::milliseconds longestEnd{2000};
 
-// The installed agent, run on a desktop. What it does is seen from outside: its messages, its log entries and
-// the commands that it runs, on one time line.
+// Runs the installed agent on a desktop and records its messages, log entries and commands on one time line.
 class RunningAgent {
  public:
   RunningAgent(TestDesktop& desktop, InstalledBundle& bundle) : desktop_(desktop), installed_(bundle) {}
@@ -27,11 +26,11 @@ class RunningAgent {
   // Waits for the web view's end, so that no beacon reaches the next test.
   void tearDownAgent();
 
-  // Starts the installed agent, or at first one installed where it fits.
+  // Starts the installed agent; installs one first if there is none.
   void startAgent(const std::vector<std::string>& arguments = {});
-  // ... and waits until it told the main application so.
+  // Starts the agent and waits for its "-ton".
   void launchAgent();
-  // ... and until its icon is in the host's panel.
+  // Starts the tray host and the agent, and waits until the agent's icon is registered.
   void launchAgentInPanel();
   [[nodiscard]] test_support::ExitStatus endOfAgent();
   // How long the agent that `prepare` brings up takes from the removal of its bundle to its end: the shortest
@@ -40,20 +39,21 @@ class RunningAgent {
                                                     const std::function<void()>& removal);
   // Sends SIGTERM and expects a proper end.
   void terminateAgent();
-  // Does this while the agent stands still, so that its watch comes to see the whole of it at once.
+  // Calls `act` while the agent is stopped by SIGSTOP, so that its watch reads all events at once.
   void whileAgentStandsStill(const std::function<void()>& act);
-  // A removal that took longer than the watch waits would be a change of the bundle, with which the watch is
-  // over.
+  // Removes the folder while the agent is stopped. The watch would treat a removal that exceeds its latency
+  // as a change of the bundle, and end.
   void removeAtOnce(const std::string& folder);
 
-  // What is on the time line; the beacons, which nobody waits for, apart.
+  // The time line without the beacons, and the beacons alone: the agent does not wait for them, so that their
+  // position varies.
   [[nodiscard]] std::vector<std::string> texts();
   [[nodiscard]] std::vector<std::string> beacons();
   // The address of a beacon of the installed agent without its server and path: "?category=C&C=V".
   [[nodiscard]] bool waitForBeacon(const std::string& query);
   // How many events begin so.
   [[nodiscard]] int count(const std::string& beginning);
-  // Where in the time line the first such event stands; fails the test when there is none.
+  // The index of the first such event in the time line; fails the test if there is none.
   [[nodiscard]] std::size_t position(const std::string& beginning);
   [[nodiscard]] bool waitForText(const std::string& beginning) {
     return timeline_.waitFor(beginning).has_value();

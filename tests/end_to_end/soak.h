@@ -14,7 +14,7 @@
 struct Soak {
   const char* what;  // as in "pairs"
   int times;
-  int warmUp;       // of them, the first, after which everything is there that is kept for good
+  int warmUp;       // the first of them, which fill the caches
   long mostGrowth;  // in kilobytes
 };
 

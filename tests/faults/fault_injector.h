@@ -16,8 +16,8 @@ struct Fault {
   std::uint64_t which = 0;
 };
 
-// Has one call of an agent fail, and tells what became of it. One of them at a time: it shares a file with
-// the agent.
+// Makes one call of an agent fail, and reports whether it was reached. Only one injector may be open at a
+// time, because it shares a file with the agent.
 class FaultInjector {
  public:
   using Environment = std::map<std::string, std::optional<std::string>>;

@@ -19,10 +19,10 @@ struct Kind {
   int error;
 };
 
-// In which places of a life each of these fails: one as a sample, or all.
+// At which of its calls in a session a function fails: at one as a sample, or at all.
 struct Extent {
   enum class Place { Middle, Last } sample;
-  std::uint64_t ofMany;  // of calls that come by the hundred, or as long as somebody waits
+  std::uint64_t ofMany;  // for functions that are called hundreds of times, or repeatedly during a wait
 };
 constexpr Extent kOfWholeLife{Extent::Place::Middle, 60}, kOfPartOfLife{Extent::Place::Last, 20};
 constexpr std::uint64_t kAll = 100'000;
@@ -131,7 +131,7 @@ constexpr Kind allKinds[] = {{"open", EMFILE},
                              {"realpath", EACCES},
                              {"write in part", ENOSPC}};
 
-// The calls of the parts of a life.
+// The functions that each session calls.
 // clang-format off
 constexpr std::string_view callsOfLogCollection[] = {
     "open", "openat", "read", "write", "write in part", "close", "lseek", "lstat",
@@ -157,7 +157,7 @@ constexpr std::string_view callsOfWatch[] = {
     "open", "lstat", "statx", "readlink", "fdopendir", "inotify_init1", "inotify_add_watch"};
 constexpr std::string_view callsOfStartOver[] = {"execv"};
 constexpr std::string_view callsOfDisplayless[] = {"writev"};
-// The short life has all but these.
+// The functions that only the other sessions call.
 constexpr std::string_view callsOfOthersAlone[] = {"execv", "inotify_rm_watch", "rmdir", "writev"};
 // clang-format on
 

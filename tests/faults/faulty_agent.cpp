@@ -247,7 +247,7 @@ std::string FaultyAgent::judgePipe() {
   return hasPipe_ || toldOfIt() ? "" : "does not answer the pipe";
 }
 
-// Its icon shows before and after the switch was turned, but for pictures that it tells to be invalid.
+// Its icon is shown before and after a click on the switch, except for pictures that it logs as invalid.
 std::string FaultyAgent::judgeItem() {
   patience_ = words().tellOf(kLostPicture) ? kPatienceAfterFault : test_support::kPatience;
   int missing = 0;

@@ -23,7 +23,7 @@ extern const std::string deviceMessage, deviceRecord, transferMessage, transferR
 enum class Survival {
   NotReached,          // the call was not made so often this time
   Served,              // it goes on, shows its icon, and answers its menu and the pipe
-  ServedWithoutPipe,   // ... all but the pipe, of which it told
+  ServedWithoutPipe,   // ... except for the pipe, which it logs
   ServedWithoutWatch,  // it goes on without the watch on its bundle
   EndedWithMessage,
   Failed,
@@ -80,7 +80,7 @@ class FaultyAgent : public TestDesktop,
   // ... with so many records of the end.
   [[nodiscard]] std::string judgeUsage(int ends);
   [[nodiscard]] bool nothingOutlivesIt() const;
-  // The contents of what the product server got in this life.
+  // The contents that the product server received in this session.
   [[nodiscard]] std::vector<std::string> uploads() const;
   // What the agent has said of its fault, in the log or on its console.
   [[nodiscard]] AgentsWords words();
@@ -88,7 +88,7 @@ class FaultyAgent : public TestDesktop,
 
   [[nodiscard]] bool comesTrue(const std::function<bool()>& condition);
   [[nodiscard]] bool toldThatThePipeIsGone() { return words().tellThatThePipeIsGone(); }
-  // Whether somebody reads the pipe.
+  // Whether a process reads the pipe.
   [[nodiscard]] static bool listens();
   // Whether it was read.
   bool sendToPipe(const std::string& text);
@@ -96,8 +96,8 @@ class FaultyAgent : public TestDesktop,
   void sendRecord(const std::string& text, const std::string& record);
   // The menu's line that switches; empty without a menu.
   [[nodiscard]] std::string switchLabel();
-  // Whether the line says the other thing once it was clicked; without an item, for want of its picture, in
-  // the menu that a second start opens.
+  // Whether the line's text changes after a click; if the item is missing because its picture was not loaded,
+  // in the menu that a second start opens.
   [[nodiscard]] bool turnsTheSwitch();
   // Whether the panel has the menu, if need be with the switch turned to where there is a picture.
   [[nodiscard]] bool showsItsMenu();

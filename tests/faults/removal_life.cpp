@@ -53,7 +53,7 @@ Outcome BundleLoss::judgeUnwatched() {
 std::string BundleLoss::judgeProperEnd() {
   if (!run_.nothingOutlivesIt()) return "processes outlive it: ";
   if (const std::string wrong = run_.judgeFiles(); !wrong.empty()) return wrong + ": ";
-  // A command that can't be run is left out without a word; of one that isn't found, the shell says so.
+  // A failing posix_spawn is not logged; the shell reports a missing command.
   const int missing =
       run_.injector_.fault().call == "posix_spawn" || run_.words().tellOf("launchctl: not found") ? 1 : 0;
   if (run_.count(unloadRun) + run_.count(killRun) < 2 - missing) return "is not unloaded: ";

@@ -7,7 +7,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-// Without a bus the first one can't be told.
+// Logged if the second process has no bus to reach the first one.
 constexpr const char* noMenu = "its menu can't be opened from here";
 
 }  // namespace

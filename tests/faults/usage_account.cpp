@@ -78,7 +78,7 @@ bool mayStay(const PastFile& file, const Uploads& uploads, const std::string& ca
 }
 
 int startsKept(const Uploads& uploads, const AgentsWords& words) {
-  // Of an unreadable version the record says so.
+  // If the version is unreadable, the start record differs.
   const bool isUnknown = words.tellOf("0etBundleVersion fail");
   return UsageAccount::kept(startRecord, uploads) +
          (isUnknown ? UsageAccount::kept(startRecordWithoutVersion, uploads) : 0);

@@ -175,8 +175,8 @@ class TrayOnTwoScreens : public testing::TestWithParam<Scales>,
                             {.environment = environment_, .error = test_support::Redirection::null()}));
   }
 
-  // Whether the docked icon is, pixel by pixel, the agent's picture of this scale in the middle of its room,
-  // which is a point that may lie between two pixels.
+  // Whether the docked icon equals, pixel by pixel, the agent's picture of this scale centred in the tray's
+  // slot. The centre may lie between two pixels.
   [[nodiscard]] bool isDocked(int scale) {
     const auto room = test_support::waitForWindow(display_.name(), isDockedIcon);
     if (!room) return false;
@@ -221,7 +221,7 @@ TEST_P(TrayOnTwoScreens, OnThePrimaryScreenShowsTheIconPixelByPixel) {
 
 INSTANTIATE_TEST_SUITE_P(, TrayOnTwoScreens, testing::Values(Scales{1, 2}, Scales{2, 1}, Scales{2, 2}));
 
-// A tray gives an icon the room that the primary screen's scale asks for.
+// A tray sizes the icon's slot for the scale of the primary screen.
 class TrayOnTheCoarserScreen : public TrayOnTwoScreens {};
 
 TEST_P(TrayOnTheCoarserScreen, ShowsTheIconPixelByPixel) {

@@ -16,7 +16,7 @@ inline mode_t modeOf(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
-// What somebody has put at the paths of the pipes before the agent starts, and what becomes of the agent.
+// Puts files of another local user at the paths of the pipes before the agent starts.
 class HostilePipes : public testing::Test,
                      protected TestDesktop,
                      protected InstalledBundle,

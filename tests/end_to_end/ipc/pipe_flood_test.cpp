@@ -33,8 +33,8 @@ constexpr long kMostGrowthWithNotices = mostGrowth(4096);
 const std::string deviceName(63, 'x');
 const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0"s + deviceName;
 
-// A message of a whole read, so that what comes with it does not run into it. False where the pipe has no
-// room.
+// Writes a message as long as one read, so that the next message is not read with it. Returns false if the
+// pipe is full.
 bool writeWholeRead(const FileDescriptor& pipe, std::string text) {
   text.resize(1024, '\0');
   return ::write(pipe.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
@@ -108,7 +108,7 @@ class PipeFlood : public HostilePipes {
   [[nodiscard]] bool isUp(bool (*notice)(const test_support::XWindow&)) const {
     return test_support::waitForWindow(display_.name(), notice, 0ms).has_value();
   }
-  // Whether the condition comes true; the log is heard all the time, and not kept.
+  // Whether the condition becomes true. Meanwhile the log is read and discarded.
   [[nodiscard]] bool comes(const std::function<bool()>& condition,
                            std::chrono::milliseconds limit = test_support::kPatience) {
     const auto comesTrue = [&] {

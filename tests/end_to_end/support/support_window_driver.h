@@ -122,7 +122,7 @@ class SupportWindowDriver {
     return test_support::waitUntil([&] { return colourOf(bareSpot).red > 220; });
   }
 
-  // What tells one sheet from the other: the message, on the sheet's upper part.
+  // The upper part of the sheet, which shows its message and distinguishes it from other sheets.
   [[nodiscard]] test_support::XPicture messageOfSheet() const { return pictureOfPart({100, 180}, 300, 55); }
 
   void openFirstSheet() {

@@ -15,8 +15,8 @@
 #include "tests/end_to_end/usage/life_uploads.h"
 #include "tests/harness/processes/process_children.h"
 
-// Leads the real agent through all that a life has, in an order that comes from a seed. Each act ends when
-// the agent is done with it.
+// Has the real agent do everything that it can do, in a pseudo-random order. Each act ends when the agent has
+// completed it.
 class LifeTest : public testing::Test,
                  protected TestDesktop,
                  protected InstalledBundle,
@@ -38,7 +38,7 @@ class LifeTest : public testing::Test,
 
   // One of the acts below.
   void act();
-  // All of them, in an order that reaches whatever the agent keeps for good.
+  // Every act once, so that the agent's caches are full afterwards.
   void actOutAll();
   // What takes all the pictures that the agent has.
   void showEverything();
