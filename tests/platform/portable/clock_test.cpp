@@ -13,7 +13,7 @@ int hoursAhead() {
   return static_cast<int>(local.tm_gmtoff / 3600);
 }
 
-TEST(Clock, ShowsTheLocalTime) {
+TEST(Clock, ReturnsLocalTime) {
   const std::time_t before = std::time(nullptr);
   std::tm shown = platform::currentLocalTime();
   const std::time_t after = std::time(nullptr);
@@ -22,7 +22,7 @@ TEST(Clock, ShowsTheLocalTime) {
   EXPECT_LE(time, after);
 }
 
-TEST(Clock, FollowsAZoneThatWasChangedOnceItIsNoticed) {
+TEST(Clock, NoticeTimeZoneAppliesChangedTz) {
   ::setenv("TZ", "FAR-9", 1);
   platform::noticeTimeZone();
   EXPECT_EQ(hoursAhead(), 9);

@@ -56,11 +56,11 @@ std::string stringsSample() {
 
 class Damage : public testing::TestWithParam<Sample> {};
 
-TEST_P(Damage, TheWholeListIsRead) {
+TEST_P(Damage, CompleteListIsRead) {
   EXPECT_TRUE(parse(GetParam().list));
 }
 
-TEST_P(Damage, NoStartOfTheListIsReadAsAll) {
+TEST_P(Damage, PrefixIsNeverReadAsCompleteList) {
   const std::string& list = GetParam().list;
   const auto whole = parse(list);
   for (std::size_t size = 0; size < list.size(); ++size) {
@@ -68,7 +68,7 @@ TEST_P(Damage, NoStartOfTheListIsReadAsAll) {
   }
 }
 
-TEST_P(Damage, AnyOtherByteInAnyPlaceIsSurvived) {
+TEST_P(Damage, ReplacedByteDoesNotCrash) {
   std::string list = GetParam().list;
   const auto whole = parse(list);
   std::size_t noticed = 0;
@@ -83,7 +83,7 @@ TEST_P(Damage, AnyOtherByteInAnyPlaceIsSurvived) {
   EXPECT_GT(noticed, list.size() * 255 / 4);
 }
 
-TEST_P(Damage, AnyMissingByteIsSurvived) {
+TEST_P(Damage, RemovedByteDoesNotCrash) {
   const std::string& list = GetParam().list;
   const auto whole = parse(list);
   std::size_t noticed = 0;

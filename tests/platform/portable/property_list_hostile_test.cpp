@@ -153,7 +153,7 @@ double processorSeconds() {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-TEST_P(HostilePropertyList, TakesLittleTime) {
+TEST_P(HostilePropertyList, IsParsedWithinFiveSecondsOfCpuTime) {
   const GuardedBytes list(GetParam().build());
   const double start = processorSeconds();
   const auto result = platform::parsePropertyList(list.span());
@@ -187,7 +187,7 @@ long peakMegabytes(const std::function<void()>& work) {
   return WIFEXITED(status) && WEXITSTATUS(status) != 255 ? WEXITSTATUS(status) : -1;
 }
 
-TEST_P(HostilePropertyList, TakesLittleMemoryBesideItself) {
+TEST_P(HostilePropertyList, IsParsedWithinFiveMebibytes) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   constexpr long most = 5;
   const GuardedBytes list(GetParam().build());
@@ -199,7 +199,7 @@ TEST_P(HostilePropertyList, TakesLittleMemoryBesideItself) {
 INSTANTIATE_TEST_SUITE_P(AllForms, HostilePropertyList, testing::ValuesIn(hostileLists()),
                          [](const auto& instance) { return instance.param.name; });
 
-TEST(HostileMemory, TheMeasureSeesWhatIsTaken) {
+TEST(HostileMemory, PeakMegabytesMeasuresAllocation) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   const long peak = peakMegabytes([] {
     std::string taken(32u << 20, 'x');

@@ -14,7 +14,7 @@ struct Case {
 
 class TransferEnds : public testing::TestWithParam<Case> {};
 
-TEST_P(TransferEnds, AreJudgedAsTheTableSays) {
+TEST_P(TransferEnds, IsWholeReplyMatchesTable) {
   EXPECT_EQ(platform::isWholeReply(GetParam().end), GetParam().isWhole);
 }
 

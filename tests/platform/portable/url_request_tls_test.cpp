@@ -82,24 +82,24 @@ class UrlRequestTls : public testing::Test {
   std::string port_;
 };
 
-TEST_F(UrlRequestTls, ReplyOfATrustedServerIsTaken) {
+TEST_F(UrlRequestTls, ReplyOfTrustedServerIsReturned) {
   const TrustedAuthority authority;
   ASSERT_TRUE(authority.valid());
   EXPECT_THAT(sendSynchronousRequest(requestFor(page("localhost"))),
               Optional(std::string("behind the lock")));
 }
 
-TEST_F(UrlRequestTls, ServerOfAnUnknownAuthorityIsNoReply) {
+TEST_F(UrlRequestTls, UnknownAuthorityIsNoReply) {
   EXPECT_EQ(sendSynchronousRequest(requestFor(page("localhost"))), std::nullopt);
 }
 
-TEST_F(UrlRequestTls, ServerOfAnotherNameIsNoReply) {
+TEST_F(UrlRequestTls, CertificateForOtherHostIsNoReply) {
   const TrustedAuthority authority;
   ASSERT_TRUE(authority.valid());
   EXPECT_EQ(sendSynchronousRequest(requestFor(page("127.0.0.1"))), std::nullopt);
 }
 
-TEST_F(UrlRequestTls, RedirectFromPlainToTrustedIsFollowed) {
+TEST_F(UrlRequestTls, RedirectFromHttpToTrustedServerIsFollowed) {
   const TrustedAuthority authority;
   ASSERT_TRUE(authority.valid());
   const RawHttpServer plain(
@@ -107,7 +107,7 @@ TEST_F(UrlRequestTls, RedirectFromPlainToTrustedIsFollowed) {
   EXPECT_THAT(sendSynchronousRequest(requestFor(plain.url())), Optional(std::string("behind the lock")));
 }
 
-TEST_F(UrlRequestTls, RedirectFromPlainToUnknownIsNoReply) {
+TEST_F(UrlRequestTls, RedirectFromHttpToUnknownAuthorityIsNoReply) {
   const RawHttpServer plain(
       RawHttpServer::answer(httpReply("moved", "Location: " + page("localhost") + "\r\n", "302 Found")));
   EXPECT_EQ(sendSynchronousRequest(requestFor(plain.url())), std::nullopt);
