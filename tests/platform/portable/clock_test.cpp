@@ -7,7 +7,7 @@
 
 namespace {
 
-// Hours that the clock shows beyond those of universal time.
+// Returns the UTC offset of the current local time in whole hours.
 int hoursAhead() {
   const std::tm local = platform::currentLocalTime();
   return static_cast<int>(local.tm_gmtoff / 3600);

@@ -16,19 +16,19 @@ using platform::propertyListMaxObjects;
 
 // {Active = true; Autorun = false;}
 const std::string settings = bytes({
-    'b',  'p', 'l', 'i', 's', 't', '0', '0',  // the form and its version
-    0xD2, 1,   2,   3,   4,                   // 8: a dictionary of two: the keys, then the values
-    0x56, 'A', 'c', 't', 'i', 'v', 'e',       // 13: six characters
-    0x57, 'A', 'u', 't', 'o', 'r', 'u', 'n',  // 20: seven characters
+    'b',  'p', 'l', 'i', 's', 't', '0', '0',  // magic and version
+    0xD2, 1,   2,   3,   4,                   // 8: a dictionary of two entries: keys, then values
+    0x56, 'A', 'c', 't', 'i', 'v', 'e',       // 13: six ASCII characters
+    0x57, 'A', 'u', 't', 'o', 'r', 'u', 'n',  // 20: seven ASCII characters
     0x09,                                     // 28: true
     0x08,                                     // 29: false
-    8,    13,  20,  28,  29,                  // 30: where the five objects are
+    8,    13,  20,  28,  29,                  // 30: table with the offsets of the five objects
     0,    0,   0,   0,   0,   0,              // unused
-    1,                                        // bytes of an offset
-    1,                                        // bytes of a reference
-    0,    0,   0,   0,   0,   0,   0,   5,    // objects
-    0,    0,   0,   0,   0,   0,   0,   0,    // the top one
-    0,    0,   0,   0,   0,   0,   0,   30,   // where the offsets are
+    1,                                        // size of an offset in bytes
+    1,                                        // size of a reference in bytes
+    0,    0,   0,   0,   0,   0,   0,   5,    // number of objects
+    0,    0,   0,   0,   0,   0,   0,   0,    // index of the top object
+    0,    0,   0,   0,   0,   0,   0,   30,   // offset of the offset table
 });
 
 TEST(BinaryPropertyList, ReadsSettingsFile) {
@@ -251,7 +251,7 @@ TEST(BinaryPropertyList, CyclicReferenceIsUnreadable) {
   EXPECT_FALSE(parse(BinaryList{.objects = {bytes({0xA2, 1, 1}), bytes({0xA2, 0, 0})}}.build()));
 }
 
-// So many arrays, each in the one before it.
+// Returns a list of `depth` arrays, each nested in the previous one.
 std::string nested(std::size_t depth) {
   BinaryList list{.objects = {}, .referenceSize = 2};
   for (std::size_t i = 1; i < depth; ++i) list.objects.push_back('\xA1' + BinaryList::bigEndian(i, 2));
@@ -280,7 +280,7 @@ TEST(BinaryPropertyList, ObjectsAreLimitedToMaxObjects) {
 }
 
 TEST(BinaryPropertyList, SharedObjectIsCountedForEachReference) {
-  // Ten levels of four references each: a million strings from a few bytes.
+  // Ten levels of four references each expand to a million strings.
   BinaryList list;
   for (unsigned level = 1; level <= 10; ++level)
     list.objects.push_back(bytes({0xA4, level, level, level, level}));

@@ -12,7 +12,7 @@ struct Sample {
   std::string list;
 };
 
-// Each ends with the last byte that it needs.
+// No sample has optional trailing bytes: every proper prefix must differ from the whole.
 std::string xmlSample() {
   return "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
          "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "

@@ -50,7 +50,8 @@ class PropertyListFile : public testing::Test {
                          std::filesystem::directory_iterator());
   }
 
-  // Whether `check` holds in a process of a user without rights. 2: there is no such user to become here.
+  // Runs `check` in a child process with the uid and gid 65534. Returns 0 if it returns true, 1 if it returns
+  // false, 2 if the child cannot change its uid or gid, -1 if a signal ends the child.
   static int asOrdinaryUser(const std::function<bool()>& check) {
     constexpr uid_t nobody = 65534;
     const pid_t child = ::fork();

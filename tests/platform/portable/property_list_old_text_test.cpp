@@ -159,7 +159,7 @@ TEST(OldTextPropertyList, NestingIsLimitedToMaxDepth) {
   EXPECT_TRUE(parse(repeated("{a=", propertyListMaxDepth) + "b" + repeated(";}", propertyListMaxDepth)));
   EXPECT_FALSE(
       parse(repeated("{a=", propertyListMaxDepth + 1) + "b" + repeated(";}", propertyListMaxDepth + 1)));
-  // A strings file is a dictionary as well.
+  // A strings file is a dictionary too and adds one level.
   EXPECT_TRUE(parse("a = " + nested(propertyListMaxDepth - 1) + ";"));
   EXPECT_FALSE(parse("a = " + nested(propertyListMaxDepth) + ";"));
 }
@@ -167,7 +167,7 @@ TEST(OldTextPropertyList, NestingIsLimitedToMaxDepth) {
 TEST(OldTextPropertyList, ObjectsAreLimitedToMaxObjects) {
   EXPECT_TRUE(parse("(" + repeated("a,", propertyListMaxObjects - 1) + ")"));
   EXPECT_FALSE(parse("(" + repeated("a,", propertyListMaxObjects) + ")"));
-  // Two for each pair, one for the dictionary around them.
+  // Each pair counts as two objects, the enclosing dictionary as one.
   EXPECT_TRUE(parse(repeated("a=b;", propertyListMaxObjects / 2 - 1)));
   EXPECT_FALSE(parse(repeated("a=b;", propertyListMaxObjects / 2)));
   EXPECT_TRUE(parse(repeated("a;", propertyListMaxObjects / 2 - 1)));

@@ -91,7 +91,7 @@ TEST(ParsePropertyList, ListBeyondMaximumSizeIsUnreadable) {
 }
 
 TEST(ParsePropertyList, TextBeyondMaximumSizeInUtf8IsUnreadable) {
-  // Each of these letters takes two bytes in UTF-16 and three in UTF-8.
+  // Each letter takes two bytes in UTF-16 and three in UTF-8.
   const std::string letters = bytes({0xFE, 0xFF}) + repeated(bytes({0, '"'}), 1) +
                               repeated(bytes({0x4E, 0x00}), propertyListMaxBytes / 3) + bytes({0, '"'});
   EXPECT_FALSE(parse(letters));
@@ -104,13 +104,13 @@ TEST(ParsePropertyList, Utf8IsReadVerbatim) {
 TEST(ParsePropertyList, InvalidUtf8IsUnreadable) {
   EXPECT_FALSE(parse("<plist><string>\xFF</string></plist>"));
   EXPECT_FALSE(parse("<plist><string>\xC3</string></plist>"));
-  EXPECT_FALSE(parse("\"\xC0\x80\""));          // a longer form than needed
-  EXPECT_FALSE(parse("\"\xED\xA0\x80\""));      // a surrogate
-  EXPECT_FALSE(parse("\"\xF4\x90\x80\x80\""));  // beyond the last code point
-  EXPECT_FALSE(parse("{ a = b; } // \xE9\n"));  // even in a comment
+  EXPECT_FALSE(parse("\"\xC0\x80\""));          // overlong encoding
+  EXPECT_FALSE(parse("\"\xED\xA0\x80\""));      // surrogate
+  EXPECT_FALSE(parse("\"\xF4\x90\x80\x80\""));  // above U+10FFFF
+  EXPECT_FALSE(parse("{ a = b; } // \xE9\n"));  // invalid in a comment
 }
 
-// A text in UTF-16 or UTF-32, from ASCII.
+// Returns ASCII text as UTF-16 (`width` 2) or UTF-32 (`width` 4).
 std::string widened(std::string_view ascii, std::size_t width, bool bigEndian) {
   std::string result;
   for (const char c : ascii) {

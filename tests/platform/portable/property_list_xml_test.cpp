@@ -125,7 +125,8 @@ TEST(XmlPropertyList, StringsKeepWhiteSpace) {
 }
 
 TEST(XmlPropertyList, LongStringIsJoinedFromParserSlices) {
-  // Whatever the reader's slices are, some character, reference and line end lies across a cut.
+  // With twelve shifts, every kind of sequence (character, reference, line end) crosses a boundary of the
+  // parser's slices.
   for (std::size_t shift = 0; shift < 12; ++shift) {
     const std::string start(shift, 'x');
     const std::string written = start + repeated("\xF0\x9F\x98\x80&lt;\r\n\xC3\xA9", 3000);
@@ -356,7 +357,7 @@ TEST(XmlPropertyList, NestingIsLimitedToMaxDepth) {
   };
   EXPECT_TRUE(parseInPlist(nested(propertyListMaxDepth)));
   EXPECT_FALSE(parseInPlist(nested(propertyListMaxDepth + 1)));
-  // Beside each other they are no deeper than one of them.
+  // Sibling containers add no depth.
   EXPECT_TRUE(parseInPlist("<array>" + repeated("<array/>", propertyListMaxDepth + 1) + "</array>"));
 }
 
@@ -366,7 +367,7 @@ TEST(XmlPropertyList, ObjectsAreLimitedToMaxObjects) {
   };
   EXPECT_TRUE(parseInPlist(listOf(propertyListMaxObjects)));
   EXPECT_FALSE(parseInPlist(listOf(propertyListMaxObjects + 1)));
-  // Keys count as well, even when they are the same.
+  // Keys count too, even equal ones.
   EXPECT_FALSE(
       parseInPlist("<dict>" + repeated("<key>a</key><true/>", propertyListMaxObjects / 2) + "</dict>"));
 }

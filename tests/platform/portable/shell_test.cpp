@@ -55,14 +55,14 @@ class Shell : public testing::Test {
     fs::remove("/tmp/told");
   }
 
-  // What the command tells by writing it to /tmp/told.
+  // Runs `command` and returns what it wrote to /tmp/told.
   static std::string toldBy(const std::string& command) {
     fs::remove("/tmp/told");
     platform::system(command);
     return test_support::contentsOf("/tmp/told");
   }
 
-  // The environment that the shell itself was started with.
+  // Returns the initial environment of the shell.
   static Environment environmentOfTheShell() {
     Environment environment;
     const std::string entries = toldBy("cat /proc/$$/environ >/tmp/told; true");
@@ -172,7 +172,7 @@ TEST_F(Shell, HelperPrecedesProgramOfSameName) {
   EXPECT_EQ(toldBy("cat argument"), "the helper with argument\n");
 }
 
-// A set of signals as /proc shows it, without the two that the C library keeps to itself.
+// Returns a signal set of /proc/PID/status without signals 32 and 33, which the C library reserves.
 unsigned long long signalsIn(const std::string& status, const std::string& field) {
   constexpr unsigned long long kInternal = 0b11ULL << 31;
   const std::size_t start = status.find(field + ":\t");
@@ -211,7 +211,7 @@ TEST_F(Shell, SignalStateOfCallerIsUnchanged) {
 
 TEST_F(Shell, CommandInheritsOnlyStandardStreams) {
   const auto finished = test_support::runForked([] {
-    // Whoever started this program may have left descriptors of its own to it.
+    // The parent of the test program may have leaked descriptors to it.
     ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     const test_support::FileDescriptor file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     return file.get() > STDERR_FILENO ? platform::system("ls /proc/$$/fd; true") : 1;
@@ -234,7 +234,7 @@ TEST_F(Shell, SignalDoesNotInterruptWait) {
   action.sa_handler = [](int) { ++signalsTaken; };
   signalsTaken = 0;
   ::sigaction(SIGUSR1, &action, &before);
-  // The state letter S: the caller sleeps in its wait.
+  // Process state S: the caller is blocked in its wait.
   const int status = platform::system(
       "until grep -q '^State:.S' /proc/$PPID/status; do :; done\n"
       "kill -USR1 $PPID\n"
@@ -251,7 +251,7 @@ TEST_F(Shell, ThreadsRunCommandsConcurrently) {
   int second = 0;
   ASSERT_EQ(::mkfifo("/tmp/run/meeting", 0600), 0);
   {
-    // Each end of a pipe waits for the other to be opened.
+    // Opening a FIFO blocks until the other end is opened, so both commands must run at once.
     const std::jthread reader([&] { first = platform::system("read word </tmp/run/meeting; exit $word"); });
     const std::jthread writer([&] { second = platform::system("echo 3 >/tmp/run/meeting; exit 4"); });
   }
@@ -281,7 +281,7 @@ TEST_F(Shell, CommandBeyondLimitIsKilledWithItsChildren) {
 
 TEST_F(Shell, OnlyProcessGroupOfCommandIsKilled) {
   const auto finished = test_support::runForked([] {
-    // A child of the caller's that another command beyond its limit must not reach.
+    // Another child of the caller, which the kill of the command must not reach.
     const pid_t other = ::fork();
     if (other == 0) ::pause();
     const bool limited = !platform::system("sleep 1000", 50ms);

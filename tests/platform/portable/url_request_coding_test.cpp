@@ -119,7 +119,7 @@ TEST(UrlRequestCoding, CodingOfInterimReplyOrTrailerDoesNotApplyToReply) {
   EXPECT_THAT(replyOf(RawHttpServer::answer(chunks)), Optional(kGzipped));
 }
 
-// Answers after the head of the request and takes no more of it.
+// The server replies after the request header and does not read the body.
 TEST(UrlRequestCoding, EarlyReplyIsDecoded) {
   const std::string body(std::size_t{100} << 20, 'b');
   const RawHttpServer server([](RawConnection& connection) {

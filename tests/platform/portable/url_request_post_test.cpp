@@ -19,7 +19,8 @@ using test_support::RawHttpServer;
 using test_support::requestFor;
 using testing::Optional;
 
-// What a server reads of `request`, which is sent to "/path" there.
+// Sends `request` to "/path?a=b%20c" of a local server. Returns the bytes that the server receives, with its
+// address replaced by "HOST".
 std::string onTheWire(UrlRequest request) {
   std::string bytes;
   std::string host;
@@ -146,7 +147,8 @@ TEST(UrlRequestPost, ContinueReplyIsNotAwaited) {
     request = connection.readRequest();
     connection.send("HTTP/1.1 100 Continue\r\n\r\n" + httpReply("taken"));
   });
-  // One second is how long a client waits for that word; a busy machine may hold up one try or another.
+  // A client that sends "Expect: 100-continue" waits 1 s. The shortest of five attempts discounts delays of a
+  // busy machine.
   constexpr std::chrono::milliseconds wait{900};
   auto shortest = std::chrono::milliseconds::max();
   for (int i = 0; i < 5 && shortest >= wait; ++i) {
@@ -159,7 +161,8 @@ TEST(UrlRequestPost, ContinueReplyIsNotAwaited) {
   EXPECT_EQ(request.find("\r\nExpect:"), std::string::npos);
 }
 
-// Answers after the head, then takes some more of the body, so that the client has seen the answer, and goes.
+// Sends `reply` after the request header, then reads 30 MiB of the body, so that the client receives the
+// reply before the connection closes.
 RawHttpServer::Script answerEarly(const std::string& reply) {
   return [reply](RawConnection& connection) {
     connection.readHead();
@@ -195,7 +198,7 @@ TEST(UrlRequestPost, ReplyOfServerThatStopsReadingIsReply) {
   EXPECT_THAT(sendSynchronousRequest(request), Optional(std::string("enough")));
 }
 
-// Answers early with a redirect to `place`.
+// Sends a redirect to `place` before the end of the body.
 RawHttpServer::Script redirectEarly(const std::string& place, const std::string& status) {
   return answerEarly(httpReply("moved", "Location: " + place + "\r\nConnection: close\r\n", status));
 }

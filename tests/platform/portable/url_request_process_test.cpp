@@ -35,12 +35,12 @@ TEST(UrlRequestProcess, LeaksNoDescriptor) {
   const int before = openDescriptors();
   for (int i = 0; i < 50; ++i)
     EXPECT_THAT(sendSynchronousRequest(requestFor(server.url())), Optional(std::string("text")));
-  // The server closes its ends on its own time.
+  // The server closes its descriptors asynchronously.
   EXPECT_TRUE(test_support::waitUntil([&] { return openDescriptors() <= before; }))
       << before << ' ' << openDescriptors();
 }
 
-// Runs `during` while a request waits for its reply.
+// Runs `during` between the request and its reply. Returns the reply.
 template <typename During>
 std::optional<std::string> replyWith(During during) {
   const RawHttpServer server([&](RawConnection& connection) {
@@ -66,7 +66,7 @@ TEST(UrlRequestProcess, ThreadsSendConcurrently) {
   std::latch together(kThreads);
   const RawHttpServer server([&](RawConnection& connection) {
     const std::string head = connection.readHead();
-    // None is answered before all are there.
+    // Replies to none before all requests have arrived.
     together.arrive_and_wait();
     connection.send(httpReply(head.substr(0, head.find(" HTTP"))));
   });
@@ -109,7 +109,8 @@ TEST(UrlRequestProcess, SignalMaskOfCallerIsUnchanged) {
     EXPECT_EQ(::sigismember(&before, signal), ::sigismember(&after, signal)) << signal;
 }
 
-// Sends a request where there is no network at all, not even a loopback that is up.
+// Sends a request in a new network namespace, whose loopback interface is down. The exit status is 0 if the
+// call returns without a reply within 5 s.
 ExitStatus sentWithoutNetwork(const std::string& url) {
   const auto finished = test_support::runForked([&] {
     if (::unshare(CLONE_NEWNET) != 0) return test_support::kNotToBeHad;

@@ -41,7 +41,7 @@ TEST(UrlRequestRedirect, RelativeLocationIsResolved) {
   EXPECT_THAT(head, StartsWith("GET /a/other?x=1 HTTP/1.1\r\n"));
 }
 
-// Serves redirects to itself without end, all over one connection.
+// Redirects to itself without end over one connection.
 void redirectForever(RawConnection& connection) {
   while (!connection.readHead().empty()) connection.send(redirectTo("/again"));
 }
@@ -127,7 +127,7 @@ TEST(UrlRequestRedirect, WithoutLocationIsReply) {
   EXPECT_THAT(sendSynchronousRequest(requestFor(server.url())), Optional(std::string("nowhere")));
 }
 
-// The request that reaches the target of a redirect with that status.
+// Returns the request that the target receives after a POST is redirected with `status`.
 std::string postedAgain(const std::string& status, const std::string& body) {
   std::string request;
   const RawHttpServer target([&](RawConnection& connection) {

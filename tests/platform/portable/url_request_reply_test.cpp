@@ -22,7 +22,7 @@ using testing::Optional;
 
 constexpr const char* kGzip = "Content-Encoding: gzip\r\n";
 
-// A script that reads the request, sends `bytes`, and ends the connection without a farewell.
+// Reads the request header, sends `bytes` and resets the connection (RST).
 RawHttpServer::Script resetAfter(const std::string& bytes) {
   return [bytes](RawConnection& connection) {
     connection.readHead();
@@ -192,7 +192,7 @@ TEST(UrlRequestReply, GzipBombUsesLittleMemory) {
   const std::string bomb = gzipped(std::string(kUnpacked, '\0'));
   const auto finished = test_support::runForked([&] {
     const RawHttpServer server(RawHttpServer::answer(httpReply(bomb, kGzip)));
-    // The copy of this process starts with the peak of its parent, so it is measured as it stands.
+    // A fork inherits the peak (VmHWM) of its parent; "5" resets it.
     std::ofstream("/proc/self/clear_refs") << "5";
     const auto peak = [] {
       std::ifstream status("/proc/self/status");
@@ -232,7 +232,7 @@ TEST(UrlRequestReply, OutOfMemoryIsNoReply) {
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
-// Sends the beginning of a reply, and then one line again and again until the client goes.
+// Sends `beginning`, then repeats `line` until the client closes the connection.
 RawHttpServer::Script withEndless(const std::string& line, const std::string& beginning) {
   return [=](RawConnection& connection) {
     connection.readRequest();

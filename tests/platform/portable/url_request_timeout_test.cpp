@@ -33,7 +33,7 @@ using testing::Optional;
 constexpr std::chrono::milliseconds kInterval = 300ms;
 constexpr std::chrono::milliseconds kLongInterval = 3300ms;
 
-// A request that a stall has ended.
+// The outcome of a request to a server that stalls, and its timeout.
 struct Stall {
   std::chrono::milliseconds interval;
   Outcome outcome;
@@ -44,7 +44,7 @@ void PrintTo(const Stall& stall, std::ostream* stream) {
   PrintTo(stall.outcome, stream);
 }
 
-// What fits one of the two intervals does not fit the other.
+// The accepted ranges of kInterval and kLongInterval do not overlap.
 MATCHER(EndedByItsInterval, "") {
   const auto time = arg.outcome.time;
   return !arg.outcome.reply && time >= arg.interval - 100ms && time < arg.interval + 2900ms;
@@ -55,14 +55,14 @@ Outcome outcomeWithin(std::chrono::milliseconds interval, UrlRequest request) {
   return outcomeOf(request);
 }
 
-// What comes of a request with each of the two intervals.
+// Sends `request` twice at once, with kInterval and with kLongInterval.
 std::array<Stall, 2> stallsOf(const UrlRequest& request) {
   auto longer = std::async(std::launch::async, outcomeWithin, kLongInterval, request);
   const Outcome shorter = outcomeWithin(kInterval, request);
   return {{{kInterval, shorter}, {kLongInterval, longer.get()}}};
 }
 
-// What comes of requests to a server that sends `bytes` and then falls silent.
+// Sends requests to a server that sends `bytes` and then stalls.
 std::array<Stall, 2> silenceAfter(const std::string& bytes) {
   const RawHttpServer server([&](RawConnection& connection) {
     connection.readHead();
@@ -87,7 +87,8 @@ FileDescriptor boundTo(int type, in_port_t port) {
   return socket;
 }
 
-// A name server that is there and never answers: the sandbox's loopback has a port 53 to give.
+// A name server that never replies. Binds port 53 of the sandbox's loopback interface and bind-mounts its own
+// /etc/resolv.conf.
 class SilentNameServer {
  public:
   SilentNameServer() : socket_(boundTo(SOCK_DGRAM, 53)) {
@@ -120,7 +121,7 @@ TEST(UrlRequestTimeout, EndsStalledNameLookup) {
 TEST(UrlRequestTimeout, EndsStalledConnect) {
   const FileDescriptor listener = boundTo(SOCK_STREAM, 8099);
   ASSERT_EQ(::listen(listener.get(), 0), 0);
-  // Who is not accepted fills the queue, and those behind get no answer at all.
+  // Connections that are not accepted fill the backlog; the kernel drops the SYN of later ones.
   const sockaddr_in address = loopback(8099);
   std::vector<FileDescriptor> waiting;
   for (int i = 0; i < 4; ++i) {
@@ -241,7 +242,7 @@ TEST(UrlRequestTimeout, SlowChunksResetTimeout) {
   EXPECT_THAT(outcomeWithin(1s, requestFor(server.url())).reply, Optional(std::string("chunk")));
 }
 
-// The whole body fits into what the system buffers, so that nothing is left to send while the server takes
+// The body fits into the socket buffers, so that the client has nothing left to send while the server reads
 // it.
 TEST(UrlRequestTimeout, SlowlyReadUploadResetsTimeout) {
   const std::string body(1 << 20, 'b');

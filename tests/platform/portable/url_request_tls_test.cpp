@@ -18,7 +18,8 @@ using testing::Optional;
 
 const std::string folder = "/tmp/tls";
 
-// A certificate of the subject's, signed by the test's own authority or, without one, by itself.
+// Creates the certificate NAME.pem and its key NAME.key in `folder`, self-signed unless `options` name a
+// signing authority. Returns false on failure.
 bool makeCertificate(const std::string& name, const std::string& subject, const std::string& options) {
   const std::string command =
       "cd " + folder +
@@ -35,7 +36,7 @@ bool makeCertificates() {
                          "-CA authority.pem -CAkey authority.key");
 }
 
-// While it lives, the system trusts the test's own authority and no other.
+// Bind-mounts the test authority over the system's CA bundle for the lifetime of the object.
 class TrustedAuthority {
  public:
   TrustedAuthority()
@@ -52,7 +53,7 @@ class TrustedAuthority {
   bool mounted_;
 };
 
-// A server that is "localhost" and has one page.
+// An openssl s_server with a certificate for "localhost" that serves /page.
 class UrlRequestTls : public testing::Test {
  protected:
   static void SetUpTestSuite() {

@@ -12,7 +12,7 @@ namespace {
 
 TEST(Uuid, HasVersion4InUpperCaseCanonicalForm) {
   for (int i = 0; i < 1000; ++i) {
-    // The version is 4, the variant 8 to B.
+    // Version 4 (random), variant bits 10 (8 to B).
     ASSERT_THAT(platform::createUuidString(),
                 testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
   }
