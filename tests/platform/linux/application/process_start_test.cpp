@@ -43,7 +43,7 @@ auto endedSaying(const std::string& text) {
                Field("error", &Finished::error, "TovalinTray: " + text + "\n"));
 }
 
-TEST(ProcessStart, WantOfMemoryOnAnyThreadEndsTheProcessWithItsName) {
+TEST(ProcessStart, OutOfMemoryOnAnyThreadEndsProcessWithMessage) {
   EXPECT_THAT(endOf([] { fail(std::bad_alloc()); }), endedSaying("out of memory"));
   EXPECT_THAT(endOf([] { std::thread([] { fail(std::bad_alloc()); }).join(); }),
               endedSaying("out of memory"));
@@ -59,7 +59,7 @@ void takeAllMemory() {
   }
 }
 
-TEST(ProcessStart, WantOfMemoryIsToldWithoutMemory) {
+TEST(ProcessStart, OutOfMemoryIsReportedWithoutAllocation) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   EXPECT_THAT(endOf([] {
                 takeAllMemory();
@@ -68,7 +68,7 @@ TEST(ProcessStart, WantOfMemoryIsToldWithoutMemory) {
               endedSaying("out of memory"));
 }
 
-TEST(ProcessStart, AnErrorThatNobodyExpectsIsToldInItsOwnWords) {
+TEST(ProcessStart, UncaughtExceptionIsReportedWithItsText) {
   EXPECT_THAT(endOf([] { fail(std::runtime_error("its own words")); }), endedSaying("its own words"));
   EXPECT_THAT(endOf([] { fail(7); }), endedSaying("an error of an unknown kind"));
 }

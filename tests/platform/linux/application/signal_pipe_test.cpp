@@ -49,7 +49,7 @@ auto runUntilItIsServed(const std::function<void()>& raiseSignals) {
   });
 }
 
-TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafToSignals) {
+TEST(SignalPipe, WithoutDescriptorsProcessExitsWithMessage) {
   const auto finished = test_support::runForked([] {
     const rlimit noMore{3, 3};
     if (::setrlimit(RLIMIT_NOFILE, &noMore) != 0) return 0;
@@ -60,7 +60,7 @@ TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafT
   EXPECT_EQ(finished.error, "TovalinTray: no pipe to hear of signals by: Too many open files\n");
 }
 
-TEST(SignalPipe, WithoutHandlersTheProcessEndsWithAMessageInsteadOfDyingOfTheNextSignal) {
+TEST(SignalPipe, FailedSigactionExitsWithMessage) {
   const auto finished = test_support::runForked([] {
     const bool refused =
         withRefusedCall(SYS_rt_sigaction, EPERM, [] { const platform::SignalPipe pipe([] {}); });
@@ -71,7 +71,7 @@ TEST(SignalPipe, WithoutHandlersTheProcessEndsWithAMessageInsteadOfDyingOfTheNex
               testing::EndsWith("TovalinTray: signals can't be heard: Operation not permitted\n"));
 }
 
-TEST(SignalPipe, ASignalThatCouldNotBeNotedAtFirstIsServedAllTheSame) {
+TEST(SignalPipe, SignalIsHandledAfterFailedWrites) {
   const auto finished = runUntilItIsServed([] {
     failingWrites = 3;
     ::raise(SIGTERM);
@@ -80,7 +80,7 @@ TEST(SignalPipe, ASignalThatCouldNotBeNotedAtFirstIsServedAllTheSame) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 7});
 }
 
-TEST(SignalPipe, APipeThatTakesNoByteMoreHoldsNoSignalUp) {
+TEST(SignalPipe, FullPipeDoesNotBlockSignalHandler) {
   const auto finished = runUntilItIsServed([] {
     for (int i = 0; i < 100'000; ++i) ::raise(SIGTERM);
   });

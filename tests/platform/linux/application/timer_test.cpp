@@ -36,7 +36,7 @@ void sleepOnTheMainThread(steady_clock::duration time) {
   std::this_thread::sleep_for(time);
 }
 
-TEST(Timer, TicksAgainAndAgainAndNeverEarly) {
+TEST(Timer, FiresRepeatedlyAndNeverEarly) {
   Ticks ticks;
   ASSERT_TRUE(ticks.wait(10));
   for (std::size_t i = 0; i < ticks.moments.size(); ++i) EXPECT_GE(ticks.moments[i], (i + 1) * interval) << i;
@@ -49,14 +49,14 @@ steady_clock::duration leastLateness(const std::vector<steady_clock::duration>& 
   return least;
 }
 
-TEST(Timer, TickThatComesLateMovesNoneBehindIt) {
+TEST(Timer, LateTickDoesNotDelayLaterOnes) {
   Ticks ticks;
   ticks.onFirst = [] { sleepOnTheMainThread(2 * interval + interval / 2); };
   ASSERT_TRUE(ticks.wait(40));
   EXPECT_LT(leastLateness(ticks.moments, 2), interval / 4);
 }
 
-TEST(Timer, TicksMissedWhileTheThreadWasBusyComeAsOne) {
+TEST(Timer, TicksMissedWhileThreadIsBusyAreMerged) {
   Ticks ticks;
   ticks.onFirst = [] { sleepOnTheMainThread(10 * interval + interval / 2); };
   ASSERT_TRUE(ticks.wait(4));
@@ -65,7 +65,7 @@ TEST(Timer, TicksMissedWhileTheThreadWasBusyComeAsOne) {
   EXPECT_GE(ticks.moments[3], 13 * interval);
 }
 
-TEST(Timer, InvalidatedTimerTicksNoMore) {
+TEST(Timer, InvalidatedTimerDoesNotFire) {
   Ticks ticks;
   ASSERT_TRUE(ticks.wait(1));
   ticks.timer->invalidate();
@@ -75,7 +75,7 @@ TEST(Timer, InvalidatedTimerTicksNoMore) {
   EXPECT_EQ(ticks.moments.size(), before);
 }
 
-TEST(Timer, DroppedTimerTicksNoMore) {
+TEST(Timer, DestroyedTimerDoesNotFire) {
   int count = 0;
   auto timer = Timer::scheduledTimer(1ms, [&] { ++count; });
   timer.reset();
@@ -84,7 +84,7 @@ TEST(Timer, DroppedTimerTicksNoMore) {
   EXPECT_EQ(count, 0);
 }
 
-TEST(Timer, ActionMayDropItsOwnTimer) {
+TEST(Timer, ActionMayDestroyItsTimer) {
   int count = 0;
   std::shared_ptr<Timer> timer;
   std::vector<int> captured(1000, 7);

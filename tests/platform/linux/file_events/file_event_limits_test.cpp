@@ -17,22 +17,22 @@ using test_support::ChildProcess;
 using testing::Contains;
 using testing::ElementsAre;
 
-TEST_F(FileEvents, NoStreamForAFolderThatIsNotThere) {
+TEST_F(FileEvents, MissingFolderReturnsNoStream) {
   EXPECT_EQ(make("/tmp/way/nothing"), nullptr);
 }
 
-TEST_F(FileEvents, NoStreamForAFile) {
+TEST_F(FileEvents, FileReturnsNoStream) {
   write("file");
   EXPECT_EQ(make(inRoot("file")), nullptr);
 }
 
-TEST_F(FileEvents, NoStreamForAPathWithoutABeginning) {
+TEST_F(FileEvents, RelativePathReturnsNoStream) {
   EXPECT_EQ(make(""), nullptr);
   EXPECT_EQ(make("tmp"), nullptr);
 }
 
 // A writer without a pause must not hold the reader up.
-TEST_F(FileEvents, DrainTakesOnlyTheNoticesThatWaitAtItsBeginning) {
+TEST_F(FileEvents, DrainReadsOnlyNoticesQueuedAtItsStart) {
   platform::Inotify queue;
   ASSERT_GE(queue.add(root_, IN_CREATE), 0);
   constexpr int enough = 100;
@@ -46,7 +46,7 @@ TEST_F(FileEvents, DrainTakesOnlyTheNoticesThatWaitAtItsBeginning) {
 }
 
 // File systems give the number of a removed folder to a new one; its birth time tells them apart.
-TEST_F(FileEvents, IdentityOfAFolderHoldsItsBirthTime) {
+TEST_F(FileEvents, FolderIdentityIncludesBirthTime) {
   struct statx status {};
   ASSERT_EQ(::statx(AT_FDCWD, root_.c_str(), 0, STATX_BTIME, &status), 0);
   if ((status.stx_mask & STATX_BTIME) == 0) GTEST_SKIP() << "this file system keeps no birth time";
@@ -62,7 +62,7 @@ long watchesForAll() {
   return count;
 }
 
-TEST_F(FileEvents, TreeOf20000FoldersIsWatchedToItsLastFolder) {
+TEST_F(FileEvents, TreeOf20000FoldersIsWatchedCompletely) {
   if (watchesForAll() < 25000) GTEST_SKIP() << "this system has room for " << watchesForAll() << " watches";
   for (int i = 0; i < 100; ++i) {
     for (int j = 0; j < 199; ++j) makeFolder("folder" + std::to_string(i) + "/folder" + std::to_string(j));
@@ -87,14 +87,14 @@ void overflowQueueIn(const std::string& folder) {
   }
 }
 
-TEST_F(FileEvents, QueueThatRanOverSaysThatAllMustBeScanned) {
+TEST_F(FileEvents, QueueOverflowReportsMustScanSubDirs) {
   makeFolder("a");
   watch();
   overflowQueueIn(inRoot("a"));
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}));
 }
 
-TEST_F(FileEvents, FoldersWhoseMakingTheQueueLostAreWatchedAllTheSame) {
+TEST_F(FileEvents, FoldersCreatedDuringOverflowAreWatched) {
   makeFolder("a");
   watch();
   overflowQueueIn(inRoot("a"));
@@ -104,7 +104,7 @@ TEST_F(FileEvents, FoldersWhoseMakingTheQueueLostAreWatchedAllTheSame) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("lost/sub")));
 }
 
-TEST_F(FileEvents, RemovalThatTheQueueLostIsSeen) {
+TEST_F(FileEvents, RemovalDuringOverflowIsReported) {
   makeFolder("a");
   watch();
   overflowQueueIn(inRoot("a"));
@@ -147,7 +147,7 @@ class WatchLimits : public FileEvents {
   }
 };
 
-TEST_F(WatchLimits, TooFewForTheTreeKeepTheUpperFoldersAndTheWay) {
+TEST_F(WatchLimits, TooFewForTreeKeepUpperFoldersAndAncestors) {
   ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
   write("sign");
   EXPECT_EQ(probe_.readLine(), line(changed()));
@@ -156,7 +156,7 @@ TEST_F(WatchLimits, TooFewForTheTreeKeepTheUpperFoldersAndTheWay) {
   fs::remove_all("/tmp/way out");
 }
 
-TEST_F(WatchLimits, NewFoldersForWhichThereIsNoRoomDisturbNothing) {
+TEST_F(WatchLimits, NewFoldersBeyondLimitAreIgnored) {
   ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
   makeFolder("new/sub");
   EXPECT_EQ(probe_.readLine(), line(changed()));
@@ -165,15 +165,15 @@ TEST_F(WatchLimits, NewFoldersForWhichThereIsNoRoomDisturbNothing) {
   EXPECT_EQ(probe_.readLine(), line(changed()));
 }
 
-TEST_F(WatchLimits, TooFewForTheWayGiveNoStream) {
+TEST_F(WatchLimits, TooFewForAncestorsReturnNoStream) {
   EXPECT_EQ(startProbe("max_inotify_watches", 3), "none");
 }
 
-TEST_F(WatchLimits, NoQueueGivesNoStream) {
+TEST_F(WatchLimits, WithoutInstanceReturnsNoStream) {
   EXPECT_EQ(startProbe("max_inotify_instances", 0), "none");
 }
 
-TEST_F(WatchLimits, OneQueueServesTheRootAlone) {
+TEST_F(WatchLimits, SingleInstanceReportsRemovalOfRoot) {
   ASSERT_EQ(startProbe("max_inotify_instances", 1), "watching");
   fs::remove_all(root_);
   EXPECT_EQ(probe_.readLine(), line(rootChanged()));

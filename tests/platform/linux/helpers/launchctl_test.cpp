@@ -48,14 +48,14 @@ class LaunchctlTest : public testing::Test {
   const std::string userPath_ = folder_ + "/bin:/usr/bin:/bin";
 };
 
-TEST_F(LaunchctlTest, SignalsTheMainProcessOfTheUnitAlone) {
+TEST_F(LaunchctlTest, SignalsOnlyMainProcessOfUnit) {
   placeReporter(folder_ + "/bin/systemctl");
   EXPECT_EQ((std::vector<std::string>{"systemctl", "--user", "kill", "--kill-whom=main", "-s", "TERM",
                                       "app-com.example.the\\x2dagent@autostart.service"}),
             fieldsAfter(reportOfUnload(), "argv="));
 }
 
-TEST_F(LaunchctlTest, RunsTheUsersOwnSystemctlWithTheUsersPath) {
+TEST_F(LaunchctlTest, RunsSystemctlOfUserWithUsersPath) {
   placeReporter(folder_ + "/bin/systemctl");
   writeProgram(folder_ + "/private/systemctl", "exit 0");
   const auto report = reportOfUnload();
@@ -63,7 +63,7 @@ TEST_F(LaunchctlTest, RunsTheUsersOwnSystemctlWithTheUsersPath) {
   EXPECT_EQ(std::vector<std::string>{" is unset"}, fieldsAfter(report, "TOVALIN_ORIGINAL_PATH"));
 }
 
-TEST_F(LaunchctlTest, FailingSystemctlIsNotHeardOf) {
+TEST_F(LaunchctlTest, FailedSystemctlIsIgnored) {
   writeProgram(folder_ + "/bin/systemctl", "echo to output; echo to error >&2; exit 5");
   const Ended ended = unload(userPath_);
   EXPECT_EQ(0, ended.code);
@@ -71,19 +71,19 @@ TEST_F(LaunchctlTest, FailingSystemctlIsNotHeardOf) {
   EXPECT_EQ("", ended.error);
 }
 
-TEST_F(LaunchctlTest, AbsentSystemctlIsNotHeardOf) {
+TEST_F(LaunchctlTest, MissingSystemctlIsIgnored) {
   const Ended ended = unload(folder_ + "/nothing here");
   EXPECT_EQ(0, ended.code);
   EXPECT_EQ("", ended.output + ended.error);
 }
 
-TEST_F(LaunchctlTest, AbsentUserManagerIsNotHeardOf) {
+TEST_F(LaunchctlTest, MissingUserManagerIsIgnored) {
   const Ended ended = unload("/usr/bin:/bin");
   EXPECT_EQ(0, ended.code);
   EXPECT_EQ("", ended.output + ended.error);
 }
 
-TEST_F(LaunchctlTest, WaitsForASlowSystemctl) {
+TEST_F(LaunchctlTest, WaitsForSlowSystemctl) {
   bool waited = false;
   // A mark for each try, so that none is taken for that of one that was not waited for.
   for (int i = 0; i < 5 && !waited; ++i) {
@@ -95,7 +95,7 @@ TEST_F(LaunchctlTest, WaitsForASlowSystemctl) {
   EXPECT_TRUE(waited);
 }
 
-TEST_F(LaunchctlTest, GivesUpOnAHangingSystemctlAndEndsItWithItsChildren) {
+TEST_F(LaunchctlTest, KillsHangingSystemctlWithItsChildren) {
   const std::string file = folder_ + "/pids";
   writeProgram(folder_ + "/bin/systemctl", "trap '' TERM; sleep 1000 & echo $$ $! >'" + file + "'; wait");
   unloadUntil([&] { return contentsOf(file).ends_with('\n'); });
@@ -108,7 +108,7 @@ TEST_F(LaunchctlTest, GivesUpOnAHangingSystemctlAndEndsItWithItsChildren) {
 }
 
 // The agent waits for it, and has half a second behind it when it has lost its bundle.
-TEST_F(LaunchctlTest, GivesUpSoEarlyThatTheAgentEndsWithinTwoSeconds) {
+TEST_F(LaunchctlTest, GivesUpOnHangingSystemctlWithin1300Milliseconds) {
   writeProgram(folder_ + "/bin/systemctl", "exec sleep 1000");
   auto shortest = std::chrono::steady_clock::duration::max();
   // A busy machine may hold up one run or another.
@@ -120,7 +120,7 @@ TEST_F(LaunchctlTest, GivesUpSoEarlyThatTheAgentEndsWithinTwoSeconds) {
   EXPECT_LT(shortest, 1300ms);
 }
 
-TEST_F(LaunchctlTest, SurvivesAParentThatIgnoresAndBlocksSignals) {
+TEST_F(LaunchctlTest, ResetsInheritedSignalStateAndDescriptors) {
   placeReporter(folder_ + "/bin/systemctl");
   for (int i = 0; i < 5 && !std::filesystem::exists(report_); ++i) {
     const Ended ended = run({testProgram("careless_parent"), helper("launchctl"), "unload", kAgent},
@@ -134,7 +134,7 @@ TEST_F(LaunchctlTest, SurvivesAParentThatIgnoresAndBlocksSignals) {
             fieldsAfter(report, "fd"));
 }
 
-TEST_F(LaunchctlTest, AnythingElseIsRefusedAloud) {
+TEST_F(LaunchctlTest, OtherArgumentsAreRefusedWithMessage) {
   for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
            {}, {"load", kAgent}, {"unload"}, {"unload", "-F"}, {"unload", "-F", "a.plist"}}) {
     std::vector<std::string> argv{helper("launchctl")};

@@ -184,7 +184,7 @@ class FilterProxyTest : public testing::Test {
   std::unique_ptr<FilterProxy> proxy_ = std::make_unique<FilterProxy>();
 };
 
-TEST_F(FilterProxyTest, OriginOnLoopbackIsConnected) {
+TEST_F(FilterProxyTest, ConnectsToOriginOnLoopback) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const Client client = toAddress("127.0.0.1", server.port());
@@ -194,7 +194,7 @@ TEST_F(FilterProxyTest, OriginOnLoopbackIsConnected) {
   EXPECT_EQ(readSome(client.socket, 4), "echo");
 }
 
-TEST_F(FilterProxyTest, OtherPortOfOriginsHostIsRefused) {
+TEST_F(FilterProxyTest, OtherPortOfOriginIsRefused) {
   const EchoServer server("127.0.0.1", 0, "other");
   proxy_->setOrigin(Endpoint{"127.0.0.1", static_cast<std::uint16_t>(server.port() + 1)});
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kRefused);
@@ -209,7 +209,7 @@ TEST_F(FilterProxyTest, FormerOriginIsRefused) {
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kRefused);
 }
 
-TEST_F(FilterProxyTest, NameThatLeadsToLoopbackIsRefused) {
+TEST_F(FilterProxyTest, NameResolvingToLoopbackIsRefused) {
   const EchoServer server("127.0.0.1", 443, "local");
   ASSERT_TRUE(server.listens());
   nameIs("127.0.0.1 rebound.example\n::1 rebound6.example\n::ffff:127.0.0.1 mapped.example\n");
@@ -220,7 +220,7 @@ TEST_F(FilterProxyTest, NameThatLeadsToLoopbackIsRefused) {
   EXPECT_EQ(server.clients(), 0);
 }
 
-TEST_F(FilterProxyTest, PublicAddressIsConnectedForTls) {
+TEST_F(FilterProxyTest, ConnectsToPublicAddressForTls) {
   const EchoServer server(kPublicAddress, 443, "public");
   ASSERT_TRUE(server.listens());
   nameIs(std::string(kPublicAddress) + " analytics.example\n");
@@ -230,7 +230,7 @@ TEST_F(FilterProxyTest, PublicAddressIsConnectedForTls) {
   EXPECT_EQ(readSome(client.socket, 9), "public\x16\x03\x01");
 }
 
-TEST_F(FilterProxyTest, NameOfPublicAndLocalAddressLeadsToPublicOne) {
+TEST_F(FilterProxyTest, NameOfPublicAndLocalAddressConnectsToPublicOne) {
   const EchoServer local("127.0.0.1", 443, "local");
   const EchoServer server(kPublicAddress, 443, "public");
   nameIs("127.0.0.1 both.example\n" + std::string(kPublicAddress) + " both.example\n");
@@ -241,7 +241,7 @@ TEST_F(FilterProxyTest, NameOfPublicAndLocalAddressLeadsToPublicOne) {
   EXPECT_EQ(local.clients(), 0);
 }
 
-TEST_F(FilterProxyTest, PlainTextToPublicAddressIsCutOff) {
+TEST_F(FilterProxyTest, PlainTextToPublicAddressIsClosed) {
   const EchoServer server(kPublicAddress, 443, "public");
   const Client client = toAddress(kPublicAddress, 443);
   ASSERT_EQ(client.reply, kConnected);
@@ -265,7 +265,7 @@ TEST_F(FilterProxyTest, UnknownNameIsNotConnected) {
 }
 
 // DNS rebinding of the page's own name.
-TEST_F(FilterProxyTest, OriginStaysAtTheAddressOfItsFirstConnection) {
+TEST_F(FilterProxyTest, OriginKeepsAddressOfFirstConnection) {
   const EchoServer server(kPublicAddress, 8090, "public");
   const EchoServer local("127.0.0.1", 8090, "local");
   ASSERT_TRUE(server.listens() && local.listens());
@@ -293,7 +293,7 @@ int connectsTo(std::uint16_t port) {
 }
 
 // DNS rebinding between connections that are made side by side.
-TEST_F(FilterProxyTest, ParallelFirstConnectionsLeadToOneAddress) {
+TEST_F(FilterProxyTest, ConcurrentFirstConnectionsUseOneAddress) {
   EchoServer first("127.0.0.2", 8090, "first", EchoServer::Start::Later);
   const EchoServer other("127.0.0.1", 8090, "other");
   ASSERT_TRUE(first.listens() && other.listens());
@@ -313,7 +313,7 @@ TEST_F(FilterProxyTest, ParallelFirstConnectionsLeadToOneAddress) {
   EXPECT_EQ(other.clients(), 0);
 }
 
-TEST_F(FilterProxyTest, OriginThatWasNotReachedIsResolvedAnew) {
+TEST_F(FilterProxyTest, UnreachableOriginIsResolvedAgain) {
   const EchoServer server("127.0.0.1", 8090, "later");
   proxy_->setOrigin(Endpoint{"page.example", 8090});
   nameIs("127.0.0.2 page.example\n");
@@ -337,7 +337,7 @@ TEST_F(FilterProxyTest, AddressOnOwnNetworkIsRefused) {
   EXPECT_EQ(std::system("ip address del 9.9.9.1/24 dev lo && ip address del 2a00:1::1/64 dev lo"), 0);
 }
 
-TEST_F(FilterProxyTest, NewOriginIsResolvedAnew) {
+TEST_F(FilterProxyTest, NewOriginIsResolvedAgain) {
   const EchoServer server(kPublicAddress, 8090, "first");
   const EchoServer local("127.0.0.1", 8090, "other");
   nameIs(std::string(kPublicAddress) + " first.example\n127.0.0.1 second.example\n");
@@ -347,7 +347,7 @@ TEST_F(FilterProxyTest, NewOriginIsResolvedAnew) {
   EXPECT_EQ(readSome(toName("second.example", 8090).socket, 5), "other");
 }
 
-TEST_F(FilterProxyTest, WrongPasswordIsHungUpOn) {
+TEST_F(FilterProxyTest, WrongPasswordClosesConnection) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const std::string target =
@@ -358,20 +358,20 @@ TEST_F(FilterProxyTest, WrongPasswordIsHungUpOn) {
   EXPECT_THAT(FilterProxy().address(), testing::Not(testing::HasSubstr(password())));
 }
 
-TEST_F(FilterProxyTest, ClientWithoutPasswordIsHungUpOn) {
+TEST_F(FilterProxyTest, ClientWithoutPasswordIsRejected) {
   const FileDescriptor client = connectedTo("127.0.0.1", port());
   ASSERT_TRUE(sendAll(client, {"\x05\x01\x00", 3}));
   EXPECT_EQ(readSome(client, 3), "\x05\xff");
 }
 
-TEST_F(FilterProxyTest, RequestForAnythingButConnectionIsHungUpOn) {
+TEST_F(FilterProxyTest, OtherRequestThanConnectClosesConnection) {
   const std::string listen = std::string("\x05\x02\x00\x01\x7f\x00\x00\x01", 8) + inBytes(80);
   EXPECT_EQ(request(listen, password()).reply, kHungUp);
   const std::string nul = std::string("\x05\x01\x00\x03", 4) + counted(std::string("a\0b", 3)) + inBytes(443);
   EXPECT_EQ(request(nul, password()).reply, kHungUp);
 }
 
-TEST_F(FilterProxyTest, BytesBeyondEachBufferArriveBothWays) {
+TEST_F(FilterProxyTest, LargeTransferArrivesInBothDirections) {
   const EchoServer server("127.0.0.1", 0, "");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const Client client = toAddress("127.0.0.1", server.port());
@@ -383,7 +383,7 @@ TEST_F(FilterProxyTest, BytesBeyondEachBufferArriveBothWays) {
 }
 
 // More than the buffers of both sockets hold, so that the proxy writes in parts.
-TEST_F(FilterProxyTest, ReplyThatClientReadsLateArrivesWhole) {
+TEST_F(FilterProxyTest, ReplyReadLateArrivesWhole) {
   std::string reply;
   while (reply.size() < std::size_t{16} * 1024 * 1024) reply += std::to_string(reply.size()) + ' ';
   const EchoServer server("127.0.0.1", 0, reply);
@@ -393,7 +393,7 @@ TEST_F(FilterProxyTest, ReplyThatClientReadsLateArrivesWhole) {
   EXPECT_TRUE(readSome(client.socket, reply.size()) == reply);
 }
 
-TEST_F(FilterProxyTest, ConnectionsBeyondTheBoundWaitForNobody) {
+TEST_F(FilterProxyTest, ConnectionsBeyondLimitAreClosed) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   std::vector<FileDescriptor> silent;
@@ -427,7 +427,7 @@ class Stranger {
   std::vector<FileDescriptor> sockets_;
 };
 
-TEST_F(FilterProxyTest, ConnectionsOfAnotherUserTakeNoPlaces) {
+TEST_F(FilterProxyTest, ConnectionsOfAnotherUserDoNotCount) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const Stranger stranger(port(), 100);
@@ -444,7 +444,7 @@ std::chrono::microseconds processorTime() {
 }
 
 // accept4 fails with EMFILE, and poll reports the connection at once again.
-TEST_F(FilterProxyTest, ClientThatFindsNoDescriptorLeftIsServedLaterWithoutSpinning) {
+TEST_F(FilterProxyTest, OutOfDescriptorsDelaysClientWithoutSpinning) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const FileDescriptor late(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -467,7 +467,7 @@ TEST_F(FilterProxyTest, ClientThatFindsNoDescriptorLeftIsServedLaterWithoutSpinn
   EXPECT_EQ(readSome(late, 2), "\x05\x02");
 }
 
-TEST_F(FilterProxyTest, ClientThatFindsNoThreadLeftIsHungUpOn) {
+TEST_F(FilterProxyTest, FailedThreadCreationClosesConnection) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   pthread_attr_t before;
@@ -485,7 +485,7 @@ TEST_F(FilterProxyTest, ClientThatFindsNoThreadLeftIsHungUpOn) {
 }
 
 // They would change the meaning of what the user's proxy is asked.
-TEST_F(FilterProxyTest, NameOfOtherCharactersIsHungUpOn) {
+TEST_F(FilterProxyTest, NameWithInvalidCharactersClosesConnection) {
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {
     ++asked;
@@ -498,7 +498,7 @@ TEST_F(FilterProxyTest, NameOfOtherCharactersIsHungUpOn) {
   EXPECT_EQ(asked, 0);
 }
 
-TEST_F(FilterProxyTest, UsersProxyIsNotAskedForLocalHosts) {
+TEST_F(FilterProxyTest, UsersProxyIsNotUsedForLocalHosts) {
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {
     ++asked;
@@ -511,7 +511,7 @@ TEST_F(FilterProxyTest, UsersProxyIsNotAskedForLocalHosts) {
   EXPECT_EQ(asked, 0);
 }
 
-TEST_F(FilterProxyTest, UsersProxyIsAskedForWhatPasses) {
+TEST_F(FilterProxyTest, UsersProxyIsUsedForAllowedRequests) {
   const EchoServer server("127.0.0.1", 0, "through");
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint& target) -> std::optional<FileDescriptor> {

@@ -42,13 +42,13 @@ void expectOneRequest(const std::vector<Clock::time_point>& requests, std::size_
     EXPECT_GE(requests[again] - begin, 6s);
 }
 
-TEST_F(WebViewLoad, ScriptsOfThePageRun) {
+TEST_F(WebViewLoad, RunsScriptsOfPage) {
   startWithScript("new Image().src = '/image'; setTimeout(() => fetch('/later?a=' + (1 + 1)), 100);");
   EXPECT_TRUE(server_.waitFor("/image"));
   EXPECT_TRUE(server_.waitFor("/later?a=2"));
 }
 
-TEST_F(WebViewLoad, LastOfManyQuickLoadsArrives) {
+TEST_F(WebViewLoad, LastOfManyQuickLoadsIsRequested) {
   start();
   for (int i = 0; i < 20; ++i) load("/quick?" + std::to_string(i));
   EXPECT_TRUE(server_.waitFor("/quick?19"));
@@ -56,7 +56,7 @@ TEST_F(WebViewLoad, LastOfManyQuickLoadsArrives) {
 
 // The engine drops both now and then, about once in forty starts; hundreds of starts show it for certain
 // (--gtest_repeat).
-TEST_F(WebViewLoad, SecondOfTwoLoadsArrivesAtEachStart) {
+TEST_F(WebViewLoad, SecondOfTwoLoadsIsRequestedAtEachStart) {
   for (int i = 0; i < 20; ++i) {
     const std::string number = std::to_string(i);
     start();
@@ -93,7 +93,7 @@ class WebViewAnswer : public WebViewHelper, public testing::WithParamInterface<c
   }
 };
 
-TEST_P(WebViewAnswer, EndsTheLoad) {
+TEST_P(WebViewAnswer, EndsLoad) {
   server_.answerNothing("/nothing");
   server_.askForPassword("/password");
   server_.putDownload("/download");
@@ -110,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(Each, WebViewAnswer,
                          testing::Values("/nothing", "/password", "/download", "/refused", "/elsewhere"),
                          [](const auto& which) { return std::string(which.param + 1); });
 
-TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
+TEST_F(WebViewLoad, InvalidAndOverlongLinesAreSkipped) {
   start();
   const std::string garbage("\0\x01\xff\xfe http://", 12);
   ASSERT_TRUE(helper_.writeLine(garbage));
@@ -122,7 +122,7 @@ TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
   EXPECT_EQ(server_.asked().front(), "/next");
 }
 
-TEST_F(WebViewLoad, HangingServerDoesNotHoldUpTheNextLoad) {
+TEST_F(WebViewLoad, HangingServerDoesNotBlockNextLoad) {
   server_.hang("/hangs");
   start();
   load("/hangs");
@@ -130,12 +130,12 @@ TEST_F(WebViewLoad, HangingServerDoesNotHoldUpTheNextLoad) {
   EXPECT_TRUE(stillLoads());
 }
 
-TEST_F(WebViewLoad, ScriptThatNeverEndsDoesNotHoldUpTheNextLoad) {
+TEST_F(WebViewLoad, EndlessScriptDoesNotBlockNextLoad) {
   startWithScript("setTimeout(() => { while (true); }, 50);");
   EXPECT_TRUE(stillLoads());
 }
 
-TEST_F(WebViewLoad, DeadWebProcessIsReplacedByTheNextLoad) {
+TEST_F(WebViewLoad, KilledWebProcessIsReplacedAtNextLoad) {
   startWithScript("");
   const auto dead = processesNamed("WebKitWebProces");
   ASSERT_THAT(dead, SizeIs(1));
@@ -146,7 +146,7 @@ TEST_F(WebViewLoad, DeadWebProcessIsReplacedByTheNextLoad) {
   EXPECT_TRUE(stillLoads());
 }
 
-TEST_F(WebViewLoad, EndOfTheInputWaitsForTheLoadAndItsScripts) {
+TEST_F(WebViewLoad, EndOfInputWaitsForLoadAndScripts) {
   server_.put("/page", "<script>fetch('/a').then(() => setTimeout(() => fetch('/b'), 500))</script>");
   start();
   load("/page");
@@ -156,7 +156,7 @@ TEST_F(WebViewLoad, EndOfTheInputWaitsForTheLoadAndItsScripts) {
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-TEST_F(WebViewLoad, EndOfTheInputWithoutALoadIsTheEnd) {
+TEST_F(WebViewLoad, EndOfInputWithoutLoadEndsHelper) {
   start();
   const auto begin = Clock::now();
   helper_.closeInput();
@@ -164,7 +164,7 @@ TEST_F(WebViewLoad, EndOfTheInputWithoutALoadIsTheEnd) {
   EXPECT_LT(Clock::now() - begin, 5s);
 }
 
-TEST_F(WebViewLoad, LoadThatNeverEndsIsLeftTenSecondsAfterTheInput) {
+TEST_F(WebViewLoad, EndlessLoadEndsTenSecondsAfterInput) {
   server_.hang("/hangs");
   start();
   load("/hangs");
@@ -199,7 +199,7 @@ class WebViewIdle : public WebViewHelper {
   Clock::time_point begin_;
 };
 
-TEST_F(WebViewIdle, IdleHelperEnds) {
+TEST_F(WebViewIdle, EndsAfterIdleTime) {
   ASSERT_NO_FATAL_FAILURE(loadUntilAskedFor("/page"));
   EXPECT_EQ(helper_.wait(beforeAMinute), ExitStatus{.code = 0});
   EXPECT_GE(Clock::now() - begin_, idle_);
@@ -207,7 +207,7 @@ TEST_F(WebViewIdle, IdleHelperEnds) {
 }
 
 // Shorter than without the option. A busy machine may hold up one try or another.
-TEST_F(WebViewIdle, IdleTimeIsTheOneThatIsGiven) {
+TEST_F(WebViewIdle, IdleTimeIsConfigurable) {
   constexpr auto unlessGiven = 15s;
   auto shortest = Clock::duration::max();
   for (int i = 0; i < 5 && shortest >= unlessGiven; ++i) {
@@ -223,27 +223,27 @@ TEST_F(WebViewIdle, IdleTimeIsTheOneThatIsGiven) {
   EXPECT_LT(shortest, unlessGiven);
 }
 
-TEST_F(WebViewIdle, PageThatKeepsAskingDoesNotKeepTheHelper) {
+TEST_F(WebViewIdle, RequestsOfPageDoNotRestartIdleTime) {
   server_.put("/page", "<script>setInterval(() => fetch('/again'), 200)</script>");
   ASSERT_NO_FATAL_FAILURE(loadUntilAskedFor("/again"));
   EXPECT_EQ(helper_.wait(beforeAMinute), ExitStatus{.code = 0});
 }
 
-TEST_F(WebViewLoad, RequestToEndTakesEveryProcessAlong) {
+TEST_F(WebViewLoad, SigtermEndsEveryProcess) {
   startWithScript("setTimeout(() => { while (true); }, 50);");
   helper_.terminate();
   EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-TEST_F(WebViewLoad, KilledHelperTakesEveryProcessAlong) {
+TEST_F(WebViewLoad, KilledHelperEndsEveryProcess) {
   startWithScript("");
   helper_.kill();
   EXPECT_TRUE(helper_.wait());
   EXPECT_TRUE(waitForNoWebProcess());
 }
 
-TEST_F(WebViewLoad, FolderThatAKilledHelperLeftGoesAtTheNextStart) {
+TEST_F(WebViewLoad, FolderOfKilledHelperIsRemovedAtNextStart) {
   startWithScript("");
   const auto left = runtimeFolders();
   ASSERT_THAT(left, SizeIs(1));
@@ -256,7 +256,7 @@ TEST_F(WebViewLoad, FolderThatAKilledHelperLeftGoesAtTheNextStart) {
   EXPECT_NE(runtimeFolders(), left);
 }
 
-TEST_F(WebViewLoad, FolderOfARunningHelperIsLeftToItByTheNextOne) {
+TEST_F(WebViewLoad, FolderOfRunningHelperIsKeptByNextOne) {
   startWithScript("");
   const auto own = runtimeFolders();
   ASSERT_THAT(own, SizeIs(1));
@@ -270,14 +270,14 @@ TEST_F(WebViewLoad, FolderOfARunningHelperIsLeftToItByTheNextOne) {
   EXPECT_THAT(runtimeFolders(), testing::AllOf(SizeIs(1), testing::Not(testing::Contains(own.front()))));
 }
 
-TEST_F(WebViewLoad, NoWindowIsOnTheScreen) {
+TEST_F(WebViewLoad, ShowsNoWindow) {
   startWithScript("setTimeout(() => { document.title = 'Title'; window.focus(); fetch('/shown'); }, 100);");
   ASSERT_TRUE(server_.waitFor("/shown"));
   EXPECT_TRUE(stillLoads());
   EXPECT_THAT(test_support::windowsOn(display_->name()), IsEmpty());
 }
 
-TEST_F(WebViewLoad, NoFileIsLeftAndNoneOfTheUsersTouched) {
+TEST_F(WebViewLoad, LeavesNoFileAndKeepsUsersFiles) {
   // What a helper that was killed has left is swept by the next, and would be missed in the end.
   for (const auto& folder : runtimeFolders()) std::filesystem::remove_all(kPrivateFolder + ("/" + folder));
   // The agent has it as long as it runs.
@@ -299,7 +299,7 @@ std::string pidNamespaceOf(pid_t process) {
   return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/ns/pid");
 }
 
-TEST_F(WebViewLoad, WebProcessIsLockedIn) {
+TEST_F(WebViewLoad, WebProcessRunsInPidNamespace) {
   startWithScript("");
   const auto processes = processesNamed("WebKitWebProces");
   ASSERT_THAT(processes, SizeIs(1));
@@ -307,7 +307,7 @@ TEST_F(WebViewLoad, WebProcessIsLockedIn) {
 }
 
 // Longer than it takes to find that a script holds a web process up.
-TEST_F(WebViewLoad, WebProcessThatIsSlowToStartIsNotStartedAgain) {
+TEST_F(WebViewLoad, SlowlyStartingWebProcessIsNotRestarted) {
   std::filesystem::copy_file("/usr/bin/bwrap", "/tmp/bwrap",
                              std::filesystem::copy_options::overwrite_existing);
   helper_test::writeProgram("/tmp/slow bwrap",
@@ -321,7 +321,7 @@ TEST_F(WebViewLoad, WebProcessThatIsSlowToStartIsNotStartedAgain) {
   EXPECT_EQ(server_.timesOf("/page").size(), 1U);
 }
 
-TEST_F(WebViewLoad, UsageAndUnknownArguments) {
+TEST_F(WebViewLoad, HelpIsPrintedAndUnknownArgumentRefused) {
   const auto usage = helper_test::run({helper_test::helper("TovalinWebView"), "--help"});
   EXPECT_EQ(usage.code, 0);
   EXPECT_THAT(usage.output, testing::HasSubstr("--idle-seconds"));

@@ -94,7 +94,7 @@ class WebViewOtherServer : public WebViewHelper, public testing::WithParamInterf
   PageServer other_;
 };
 
-TEST_P(WebViewOtherServer, OnLoopbackIsNotAsked) {
+TEST_P(WebViewOtherServer, OnLoopbackIsNotReached) {
   server_.redirect("/redirect", other_.address("/page"));
   startWithScript(script());
   helper_.closeInput();
@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(
         "const l = document.createElement('link'); l.rel = 'preconnect'; l.href = 'http://127.0.0.1:PORT/';"
         "document.head.append(l); fetch('/redirect', {mode: 'no-cors'});"));
 
-TEST_F(WebViewHelper, RedirectOfThePageToAnotherServerIsNotFollowed) {
+TEST_F(WebViewHelper, RedirectToOtherServerIsNotFollowed) {
   PageServer other;
   server_.redirect("/page", other.address("/page"));
   start();
@@ -148,7 +148,7 @@ TEST_F(WebViewHelper, PageIsLoadedThroughUsersProxy) {
 }
 
 // A name that the engine itself asked for would pass the proxy by and carry what a page wants out.
-TEST_F(WebViewHelper, NameServerIsNotAskedForPrefetchedNames) {
+TEST_F(WebViewHelper, PrefetchedNamesAreNotResolved) {
   NameServer names;
   ASSERT_TRUE(names.listens());
   startWithScript(
@@ -163,7 +163,7 @@ TEST_F(WebViewHelper, NameServerIsNotAskedForPrefetchedNames) {
 }
 
 // Without them nothing of a page's goes by UDP, which the proxy would not see.
-TEST_F(WebViewHelper, PageHasNeitherWebRtcNorWebTransport) {
+TEST_F(WebViewHelper, WebRtcAndWebTransportAreDisabled) {
   startWithScript(
       "fetch('/types?' + [typeof RTCPeerConnection, typeof webkitRTCPeerConnection, typeof "
       "WebTransport].join());");
@@ -171,7 +171,7 @@ TEST_F(WebViewHelper, PageHasNeitherWebRtcNorWebTransport) {
       << testing::PrintToString(server_.asked());
 }
 
-TEST_F(WebViewHelper, PageReadsNoFile) {
+TEST_F(WebViewHelper, PageCannotReadFiles) {
   startWithScript(
       "const f = document.createElement('iframe'); f.src = 'file:///etc/hostname';"
       "document.documentElement.append(f);"
@@ -181,7 +181,7 @@ TEST_F(WebViewHelper, PageReadsNoFile) {
   EXPECT_TRUE(server_.waitFor("/failed"));
 }
 
-TEST_F(WebViewHelper, PagesOwnServerIsAskedUnderEachNameThatAddressesGive) {
+TEST_F(WebViewHelper, OwnServerIsReachedUnderEachGivenName) {
   const std::string port = server_.address("").substr(server_.address("").rfind(':'));
   server_.put("/page", "<script>fetch('/script?' + location.hostname)</script>");
   start();

@@ -41,12 +41,12 @@ class UsersProxyTest : public testing::Test {
   PageServer server_;
 };
 
-TEST_F(UsersProxyTest, NoneIsUsedIfTheEnvironmentNamesNone) {
+TEST_F(UsersProxyTest, ReturnsNulloptWithoutProxyInEnvironment) {
   EXPECT_FALSE(connectThroughUsersProxy({"www.example", 443}));
   EXPECT_FALSE(connectThroughUsersProxy({"www.example", 80}));
 }
 
-TEST_F(UsersProxyTest, ProxyOfTheSchemeConnectsToTheEndpoint) {
+TEST_F(UsersProxyTest, ProxyOfSchemeConnectsToEndpoint) {
   const LoopbackProxy plain(serversPort());
   const LoopbackProxy secure(serversPort());
   name("http_proxy", plain.address());
@@ -61,7 +61,7 @@ TEST_F(UsersProxyTest, ProxyOfTheSchemeConnectsToTheEndpoint) {
   EXPECT_THAT(secure.asked(), ElementsAre(StartsWith("CONNECT www.example:443 "), StartsWith("CONNECT ")));
 }
 
-TEST_F(UsersProxyTest, ProxyThatRefusesIsAnInvalidDescriptor) {
+TEST_F(UsersProxyTest, RefusalReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", proxy.address());
   const auto socket = connectThroughUsersProxy({"www.example", 443});
@@ -70,14 +70,14 @@ TEST_F(UsersProxyTest, ProxyThatRefusesIsAnInvalidDescriptor) {
   EXPECT_THAT(proxy.asked(), ElementsAre(StartsWith("CONNECT www.example:443 ")));
 }
 
-TEST_F(UsersProxyTest, ProxyThatIsNotThereIsAnInvalidDescriptor) {
+TEST_F(UsersProxyTest, UnreachableProxyReturnsInvalidDescriptor) {
   name("https_proxy", "http://127.0.0.1:1");
   const auto socket = connectThroughUsersProxy({"www.example", 443});
   ASSERT_TRUE(socket);
   EXPECT_FALSE(socket->valid());
 }
 
-TEST_F(UsersProxyTest, ProxyThatSpeaksNoTlsIsAnInvalidDescriptor) {
+TEST_F(UsersProxyTest, ProxyWithoutTlsReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", "https://127.0.0.1:1");
   const auto socket = connectThroughUsersProxy({"www.example", 443});
@@ -85,7 +85,7 @@ TEST_F(UsersProxyTest, ProxyThatSpeaksNoTlsIsAnInvalidDescriptor) {
   EXPECT_FALSE(socket->valid());
 }
 
-TEST_F(UsersProxyTest, ExceptedHostIsReachedDirectly) {
+TEST_F(UsersProxyTest, HostOfNoProxyReturnsNullopt) {
   const LoopbackProxy proxy(serversPort());
   name("https_proxy", proxy.address());
   name("no_proxy", "direct.example");

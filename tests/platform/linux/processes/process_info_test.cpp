@@ -28,7 +28,7 @@ void PrintTo(const Facts& facts, std::ostream* stream) {
 
 class OsRelease : public testing::TestWithParam<Facts> {};
 
-TEST_P(OsRelease, ValueOfTheKey) {
+TEST_P(OsRelease, ReturnsValueOfKey) {
   std::istringstream file{std::string(GetParam().text)};
   EXPECT_EQ(platform::osReleaseValue(file, "VERSION"), GetParam().version);
 }
@@ -77,19 +77,19 @@ std::string versionOf(const SystemFiles& files) {
       .output;
 }
 
-TEST(OperatingSystemVersion, IsTheWordVersionAndTheRelease) {
+TEST(OperatingSystemVersion, IsVersionAndValueOfOsRelease) {
   EXPECT_EQ(versionOf({.etc = "VERSION=\"12 (bookworm)\"\n", .usrLib = {}}), "Version 12 (bookworm)");
 }
 
-TEST(OperatingSystemVersion, FileOfTheAdministratorComesFirst) {
+TEST(OperatingSystemVersion, EtcPrecedesUsrLib) {
   EXPECT_EQ(versionOf({.etc = "VERSION=1\n", .usrLib = "VERSION=2\n"}), "Version 1");
 }
 
-TEST(OperatingSystemVersion, FileOfTheVendorStandsIn) {
+TEST(OperatingSystemVersion, UsrLibIsFallback) {
   EXPECT_EQ(versionOf({.etc = {}, .usrLib = "VERSION=2\n"}), "Version 2");
 }
 
-TEST(OperatingSystemVersion, SystemThatDoesNotTellHasNone) {
+TEST(OperatingSystemVersion, IsEmptyWithoutVersion) {
   EXPECT_EQ(versionOf({.etc = "NAME=x\n", .usrLib = "VERSION_ID=12\n"}), "");
   EXPECT_EQ(versionOf({.etc = {}, .usrLib = {}}), "");
 }

@@ -99,7 +99,7 @@ class Rescue {
 };
 
 // The manager passes the requests on in their order, so what came before the one that is granted was refused.
-TEST_F(ModalWindow, BlocksTheCloseRequestsOfOtherWindowsAndTakesItsOwn) {
+TEST_F(ModalWindow, RefusesCloseRequestsOfOtherWindowsOnly) {
   const auto other = open(plain), modal = open(inner);
   runModally(modal, [] {
     requestClose(plain);
@@ -112,7 +112,7 @@ TEST_F(ModalWindow, BlocksTheCloseRequestsOfOtherWindowsAndTakesItsOwn) {
 }
 
 // Before the display has drawn it, and however often it is ordered to the front by then.
-TEST_F(ModalWindow, BlocksOthersFromTheMomentOnInWhichItIsShown) {
+TEST_F(ModalWindow, BlocksOthersAsSoonAsShown) {
   const auto other = open(plain);
   const auto modal = Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
   int closings = 0;
@@ -134,7 +134,7 @@ TEST_F(ModalWindow, BlocksOthersFromTheMomentOnInWhichItIsShown) {
   other->orderOut();
 }
 
-TEST_F(ModalWindow, OfNestedRunsOnlyTheInnermostWindowIsClosed) {
+TEST_F(ModalWindow, OnlyInnermostOfNestedRunsCanBeClosed) {
   const auto other = open(plain), first = open(outer), second = open(inner);
   runModally(first, [&second] {
     nestRun(second);
@@ -149,7 +149,7 @@ TEST_F(ModalWindow, OfNestedRunsOnlyTheInnermostWindowIsClosed) {
   first->orderOut();
 }
 
-TEST_F(ModalWindow, AClosedOneBlocksNobodyThoughItsRunGoesOn) {
+TEST_F(ModalWindow, ClosedWindowDoesNotBlockOthersDuringRun) {
   const auto other = open(plain), modal = open(inner);
   bool ranOn = false;
   runModally(modal, [&ranOn] {
@@ -162,7 +162,7 @@ TEST_F(ModalWindow, AClosedOneBlocksNobodyThoughItsRunGoesOn) {
   EXPECT_TRUE(ranOn);
 }
 
-TEST_F(ModalWindow, AWindowThatWasBlockedClosesAfterTheRun) {
+TEST_F(ModalWindow, BlockedWindowClosesAfterRun) {
   const auto other = open(plain), modal = open(inner);
   runModally(modal, [] {
     requestClose(plain);
@@ -174,7 +174,7 @@ TEST_F(ModalWindow, AWindowThatWasBlockedClosesAfterTheRun) {
   EXPECT_TRUE(serveEventsUntil([&] { return !other->isVisible(); }));
 }
 
-TEST_F(ModalWindow, StandsAboveOtherProgramsWhileItsRunLastsAndNoLonger) {
+TEST_F(ModalWindow, StaysAboveOtherProgramsDuringRunOnly) {
   const auto modal = open(inner);
   runModally(modal, [] { EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(inner, true))); });
   EXPECT_TRUE(modal->isVisible());
@@ -182,7 +182,7 @@ TEST_F(ModalWindow, StandsAboveOtherProgramsWhileItsRunLastsAndNoLonger) {
   modal->orderOut();
 }
 
-TEST_F(ModalWindow, OuterWindowStaysAboveOtherProgramsWhenTheInnerRunEnds) {
+TEST_F(ModalWindow, OuterWindowStaysAboveOtherProgramsAfterInnerRun) {
   const auto first = open(outer), second = open(inner);
   runModally(first, [&second] {
     nestRun(second);
@@ -196,7 +196,7 @@ TEST_F(ModalWindow, OuterWindowStaysAboveOtherProgramsWhenTheInnerRunEnds) {
   second->orderOut();
 }
 
-TEST_F(ModalWindow, TwoStopsInOneEventEndTwoRuns) {
+TEST_F(ModalWindow, TwoStopsInOneEventEndTwoNestedRuns) {
   const auto first = open(outer), second = open(inner);
   Application& application = Application::sharedApplication();
   bool innerReturned = false;
@@ -217,7 +217,7 @@ TEST_F(ModalWindow, TwoStopsInOneEventEndTwoRuns) {
 }
 
 // The first run leaves the other two behind; the second begins with the third waiting.
-TEST_F(ModalWindow, WorkLeftByAStoppedRunIsServedAfterItAndInsideTheNextRun) {
+TEST_F(ModalWindow, PendingCallsOfStoppedRunAreHandledAfterItAndInNextRun) {
   const auto first = open(outer), second = open(inner);
   Application& application = Application::sharedApplication();
   bool secondReturned = false, servedInside = false;
@@ -239,14 +239,14 @@ TEST_F(ModalWindow, WorkLeftByAStoppedRunIsServedAfterItAndInsideTheNextRun) {
   second->orderOut();
 }
 
-TEST_F(ModalWindow, AWindowThatNobodyKeepsIsGoneOnceItIsClosed) {
+TEST_F(ModalWindow, ClosedWindowWithoutOwnerIsDestroyed) {
   const std::weak_ptr<Window> window = open(plain);
   ASSERT_FALSE(window.expired());
   requestClose(plain);
   EXPECT_TRUE(serveEventsUntil([&] { return window.expired(); }));
 }
 
-TEST_F(ModalWindow, AClosedWindowStaysAway) {
+TEST_F(ModalWindow, ClosedWindowIsNotShownAgain) {
   const auto window = open(plain);
   requestClose(plain);
   ASSERT_TRUE(serveEventsUntil([&] { return window.use_count() == 1; }));

@@ -89,7 +89,7 @@ class WindowBlocking : public WindowFixture {
   std::shared_ptr<Link> second_ = std::make_shared<Link>(platform::Rect{100, 0, 100, 80});
 };
 
-TEST_F(WindowBlocking, KeyPressesReachNoControlOfABlockedWindow) {
+TEST_F(WindowBlocking, BlockedWindowIgnoresKeys) {
   duringModalRun([this] {
     ASSERT_TRUE(turnToBlockedWindow());
     press("Return");
@@ -105,7 +105,7 @@ TEST_F(WindowBlocking, KeyPressesReachNoControlOfABlockedWindow) {
   EXPECT_TRUE(serveEventsUntil([this] { return first_->presses == 1; }));
 }
 
-TEST_F(WindowBlocking, ActivationLeavesTheKeyboardWithTheModalWindow) {
+TEST_F(WindowBlocking, ActivationKeepsFocusOnModalWindow) {
   std::vector<std::shared_ptr<Window>> others;
   for (int i = 0; i < 8; ++i) {
     others.push_back(Window::make({0, 0, 100, 40}, platform::WindowStyle::TitledClosable));
@@ -120,7 +120,7 @@ TEST_F(WindowBlocking, ActivationLeavesTheKeyboardWithTheModalWindow) {
   for (const auto& other : others) other->close();
 }
 
-TEST_F(WindowBlocking, ClicksReachNoControlOfABlockedWindowAndBringTheModalOneBack) {
+TEST_F(WindowBlocking, BlockedWindowIgnoresClicksAndModalWindowIsRaised) {
   duringModalRun([this] {
     ASSERT_TRUE(turnToBlockedWindow());
     click(widgetOf(*second_), QPoint(90, 70));

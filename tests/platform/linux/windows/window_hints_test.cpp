@@ -54,7 +54,7 @@ class WindowHints : public WindowFixture {
   SupportLayout layout_;
 };
 
-TEST_F(WindowHints, EachShowAsksForATitleMovingAndClosingAlone) {
+TEST_F(WindowHints, RequestsTitleMoveAndCloseOnlyAtEachShow) {
   for (int i = 0; i < 4; ++i) {
     ASSERT_TRUE(show(*layout_.window)) << "show " << i;
     EXPECT_EQ(hintsOnDisplay(), wanted_) << "show " << i;

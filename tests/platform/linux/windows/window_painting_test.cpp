@@ -52,12 +52,12 @@ class WindowPainting : public WindowFixture {
   SupportLayout layout_;
 };
 
-TEST_F(WindowPainting, NewWindowIsPaintedWithoutTheRunLoop) {
+TEST_F(WindowPainting, NewWindowIsPaintedWithoutRunLoop) {
   layout_.window->makeKeyAndOrderFront();
   EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
 }
 
-TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedAsItLooksByThen) {
+TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedWithCurrentContent) {
   ASSERT_TRUE(show(*layout_.window));
   layout_.window->orderOut();
   ASSERT_TRUE(test_support::waitForNoWindow(display(), test_support::windowNamed("Support Tovalin")));
@@ -67,7 +67,7 @@ TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedAsItLooksByThen) {
 }
 
 // The toolkit makes another window on the display after such a change.
-TEST_F(WindowPainting, WindowShownAgainAfterAModalRunIsPainted) {
+TEST_F(WindowPainting, WindowShownAgainAfterModalRunIsPainted) {
   ASSERT_TRUE(show(*layout_.window));
   auto& application = platform::Application::sharedApplication();
   application.performOnMainThread([&application] { application.stopModal(); });
@@ -78,7 +78,7 @@ TEST_F(WindowPainting, WindowShownAgainAfterAModalRunIsPainted) {
   EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
 }
 
-TEST_F(WindowPainting, CoveredWindowOrderedFrontIsPaintedWithoutTheRunLoop) {
+TEST_F(WindowPainting, CoveredWindowOrderedFrontIsPaintedWithoutRunLoop) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
   SupportLayout cover;
@@ -93,7 +93,7 @@ TEST_F(WindowPainting, CoveredWindowOrderedFrontIsPaintedWithoutTheRunLoop) {
   cover.window->close();
 }
 
-TEST_F(WindowPainting, BackgroundOfAWindowThatWasInFrontAlreadyIsTakenBack) {
+TEST_F(WindowPainting, BackgroundOfFrontWindowIsRemoved) {
   ASSERT_TRUE(show(*layout_.window));
   layout_.window->makeKeyAndOrderFront();
   layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
@@ -101,7 +101,7 @@ TEST_F(WindowPainting, BackgroundOfAWindowThatWasInFrontAlreadyIsTakenBack) {
   expectNoBackground();
 }
 
-TEST_F(WindowPainting, BackgroundIsTakenBackOnceTheWindowIsPainted) {
+TEST_F(WindowPainting, BackgroundIsRemovedAfterPainting) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
   layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
@@ -109,7 +109,7 @@ TEST_F(WindowPainting, BackgroundIsTakenBackOnceTheWindowIsPainted) {
   expectNoBackground();
 }
 
-TEST(PictureFormat, PixelsOfTheDisplayAndOfTheToolkitAreTheSame) {
+TEST(PictureFormat, MatchesPixelFormatOfDisplay) {
   using platform::pictureFormat;
   EXPECT_EQ(pictureFormat({16, 0xf800, 0x7e0, 0x1f}), QImage::Format_RGB16);
   EXPECT_EQ(pictureFormat({24, 0xff0000, 0xff00, 0xff}), QImage::Format_RGB32);
