@@ -29,7 +29,7 @@ void withoutCatching(void (*work)()) noexcept {
   work();
 }
 
-// What a prepared process says at its end.
+// Runs `work` in a child after prepareProcess(), without catching its exceptions.
 Finished endOf(void (*work)()) {
   return runForked([=] {
     platform::prepareProcess();
@@ -52,7 +52,7 @@ TEST(ProcessStart, OutOfMemoryOnAnyThreadEndsProcessWithMessage) {
 void takeAllMemory() {
   const rlimit nothing{0, 0};
   ::setrlimit(RLIMIT_AS, &nothing);
-  // Until also the smallest piece is refused.
+  // Halves the size until an allocation of one byte fails too.
   for (std::size_t size = std::size_t{1} << 20; size > 0;) {
     void* volatile const taken = std::malloc(size);
     if (taken == nullptr) size /= 2;

@@ -19,12 +19,12 @@ namespace {
 
 using test_support::ExitStatus;
 
-// How many of the writes to come fail.
+// Number of following write(2) calls that fail with ENOMEM.
 int failingWrites = 0;
 
 }  // namespace
 
-// Stands before the C library's.
+// Interposes write(2) of the C library.
 ssize_t write(int descriptor, const void* bytes, std::size_t size) {
   if (failingWrites > 0) {
     --failingWrites;
@@ -36,7 +36,8 @@ ssize_t write(int descriptor, const void* bytes, std::size_t size) {
 
 namespace {
 
-// A program that raises signals before its event loop runs, and ends with 7 when one of them is served.
+// Runs a child that raises signals before its event loop starts. It exits with 7 when the loop handles one of
+// them.
 auto runUntilItIsServed(const std::function<void()>& raiseSignals) {
   return test_support::runForked([&] {
     int argc = 1;

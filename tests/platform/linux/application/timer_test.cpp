@@ -17,7 +17,7 @@ using std::chrono::steady_clock;
 
 constexpr auto interval = 50ms;
 
-// The moments at which a timer ticks, since it was made.
+// The times at which a timer fires, relative to its creation.
 struct Ticks {
   std::vector<steady_clock::duration> moments = {};
   std::function<void()> onFirst = [] {};
@@ -42,7 +42,7 @@ TEST(Timer, FiresRepeatedlyAndNeverEarly) {
   for (std::size_t i = 0; i < ticks.moments.size(); ++i) EXPECT_GE(ticks.moments[i], (i + 1) * interval) << i;
 }
 
-// The smallest distance of the ticks from the first on to the last moment that was due before them.
+// Returns the smallest delay of a tick behind the latest due time before it, from tick `first` on.
 steady_clock::duration leastLateness(const std::vector<steady_clock::duration>& moments, std::size_t first) {
   steady_clock::duration least = interval;
   for (std::size_t i = first; i < moments.size(); ++i) least = std::min(least, moments[i] % interval);

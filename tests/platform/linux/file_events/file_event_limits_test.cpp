@@ -31,7 +31,7 @@ TEST_F(FileEvents, RelativePathReturnsNoStream) {
   EXPECT_EQ(make("tmp"), nullptr);
 }
 
-// A writer without a pause must not hold the reader up.
+// A continuous writer must not keep the reader in its loop.
 TEST_F(FileEvents, DrainReadsOnlyNoticesQueuedAtItsStart) {
   platform::Inotify queue;
   ASSERT_GE(queue.add(root_, IN_CREATE), 0);
@@ -45,7 +45,7 @@ TEST_F(FileEvents, DrainReadsOnlyNoticesQueuedAtItsStart) {
   EXPECT_EQ(taken, 1);
 }
 
-// File systems give the number of a removed folder to a new one; its birth time tells them apart.
+// A file system may reuse the inode number of a removed folder; the birth time tells them apart.
 TEST_F(FileEvents, FolderIdentityIncludesBirthTime) {
   struct statx status {};
   ASSERT_EQ(::statx(AT_FDCWD, root_.c_str(), 0, STATX_BTIME, &status), 0);
@@ -76,11 +76,11 @@ TEST_F(FileEvents, TreeOf20000FoldersIsWatchedCompletely) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-// More changes than the kernel's queue holds, while nobody reads it.
+// Makes more changes than the inotify queue holds (max_queued_events) while nothing reads it.
 void overflowQueueIn(const std::string& folder) {
   int room = 0;
   std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> room;
-  // Each leaves two notices, and notices that are alike in a row are one.
+  // Each iteration queues two events. Alternating names keep the kernel from merging equal successive ones.
   for (int i = 0; i <= room / 2; ++i) {
     std::ofstream(folder + "/file" + std::to_string(i % 2)) << "";
     fs::remove(folder + "/file" + std::to_string(i % 2));
@@ -113,7 +113,7 @@ TEST_F(FileEvents, RemovalDuringOverflowIsReported) {
               ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}, rootChanged()));
 }
 
-// A watcher in a user namespace with limits of its own.
+// Runs the probe in a user namespace with its own inotify limits.
 class WatchLimits : public FileEvents {
  protected:
   void SetUp() override {
@@ -122,7 +122,7 @@ class WatchLimits : public FileEvents {
     for (int i = 0; i < 50; ++i) makeFolder("folder" + std::to_string(i));
   }
 
-  // What the probe says first.
+  // Starts the probe and returns the first line of its output.
   std::optional<std::string> startProbe(const std::string& limit, int value) {
     EXPECT_TRUE(probe_.start(limited(limit, value, "exec \"$0\" \"$1\"")));
     return probe_.readLine();

@@ -80,13 +80,13 @@ TEST_F(FileEvents, ReadingAndOpeningAreNotReported) {
   std::ifstream file(inRoot("a/file"));
   const std::string contents(std::istreambuf_iterator<char>(file), {});
   EXPECT_EQ(std::distance(fs::directory_iterator(inRoot("a")), {}), 1);
-  // Opened for writing, and nothing written.
+  // Opened for writing without a write.
   ::close(::open(inRoot("a/file").c_str(), O_RDWR | O_CLOEXEC));
   write("sign");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-// One way to give an entry a new attribute, the call that a shell's command makes for it.
+// A shell command and the system call that it makes to change an attribute.
 struct AttributeChange {
   const char* command;
   int (*make)(const char* path);
@@ -264,7 +264,7 @@ TEST_F(FileEvents, BatchIsDelayedByLatency) {
   EXPECT_GE(steady_clock::now() - start, 500ms);
 }
 
-// The run loop serves timers in the order in which they are due, however busy the machine is.
+// The run loop fires timers in the order of their due times, independent of the load of the machine.
 TEST_F(FileEvents, BatchPrecedesTimerOfTwoAndAHalfLatencies) {
   watch(2000ms);
   bool timerFired = false;
@@ -334,7 +334,7 @@ TEST_F(FileEvents, StoppedStreamDiscardsPendingEvents) {
   stopped->start();
   watch(2 * kLatency);
   write("file");
-  // It has taken the change in once the other one would soon tell.
+  // After half a latency the stopped stream holds the pending event.
   ASSERT_TRUE(
       serveEventsUntil([start = steady_clock::now()] { return steady_clock::now() - start > kLatency / 2; }));
   stopped->stop();

@@ -40,7 +40,7 @@ std::set<std::string> namesIn(const fs::path& folder) {
   return names;
 }
 
-// The helper with a folder to take from and a folder to fill.
+// Runs the helper with a source and a target folder.
 class CollectLogs : public testing::Test {
  protected:
   void SetUp() override {
@@ -59,7 +59,7 @@ class CollectLogs : public testing::Test {
   void put(const std::string& name, const std::string& text = "text") const {
     writeFile(source_ + "/" + name, text);
   }
-  // `age` decides which of two files is the newer one.
+  // `age` sets the modification time, by which the helper orders files.
   void put(const std::string& name, const std::string& text, std::chrono::seconds age) const {
     put(name, text);
     fs::last_write_time(source_ + "/" + name, fs::file_time_type::clock::now() - age);
@@ -196,7 +196,7 @@ TEST_F(CollectLogs, OtherThanRegularFileIsLeftOut) {
   EXPECT_THAT(namesIn(target_), ElementsAre("real.log"));
 }
 
-// An open without O_NONBLOCK waits up to 45 seconds for the end of the lease.
+// open(2) without O_NONBLOCK blocks up to 45 s (lease-break-time) until the lease is released.
 TEST_F(CollectLogs, LeasedFileIsLeftOutWithoutWaiting) {
   put("leased.log");
   put("other.log");
@@ -272,7 +272,7 @@ TEST_F(CollectLogs, IncompleteCopyOnFullDiskIsRemoved) {
   EXPECT_EQ(::umount2(target_.c_str(), MNT_DETACH), 0);
 }
 
-// The helper as an ordinary user's.
+// Runs the helper as an unprivileged user.
 class CollectLogsOfUser : public CollectLogs {
  protected:
   void SetUp() override {
@@ -296,7 +296,7 @@ class CollectLogsOfUser : public CollectLogs {
   }
 
  private:
-  // The build's own folder may be closed to the user.
+  // Copies the helper, because the user may not have access to the build folder.
   [[nodiscard]] std::string ownHelper() const {
     std::string place = root_ + "/collectlogs";
     fs::copy_file(helper("collectlogs"), place, fs::copy_options::overwrite_existing);
@@ -398,7 +398,7 @@ TEST_F(CollectLogs, RunBeyondTimeLimitKeepsOutputOfPreviousRun) {
   EXPECT_EQ(copied("n.log"), "entry 12500\nlast of 12500\n");
 }
 
-// A crash in the journal of an earlier day, for one.
+// For example journalctl crashing in a journal file of an earlier day.
 TEST_F(CollectLogs, FailedRunKeepsOutputOfPreviousRun) {
   for (const std::string end : {"exit 1", "kill -9 $$"}) {
     const std::string script = "echo entry $0; [ $0 -le 50000 ] || " + end;
@@ -447,7 +447,7 @@ TEST_F(CollectLogs, IncompleteOutputOnFullDiskIsRemoved) {
   EXPECT_EQ(::umount2(target_.c_str(), MNT_DETACH), 0);
 }
 
-// The folder that is packed is the target of the cases above.
+// Packs target_ of CollectLogs.
 class Archiving : public CollectLogs {
  protected:
   [[nodiscard]] Ended archive(const std::string& script) const {

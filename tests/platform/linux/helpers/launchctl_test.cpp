@@ -21,7 +21,7 @@ constexpr char kAgent[] = "/Library/LaunchAgents/com.example.the-agent.plist";
 
 class LaunchctlTest : public testing::Test {
  protected:
-  // As the agent runs it: found on a PATH that begins with the helpers' own folder.
+  // Like the agent: PATH begins with the folder of the helpers.
   [[nodiscard]] Ended unload(const std::string& originalPath) const {
     const std::string path = folder_ + "/private:" + originalPath;
     return run(
@@ -29,7 +29,7 @@ class LaunchctlTest : public testing::Test {
         {.environment = {{"PATH", path}, {"TOVALIN_ORIGINAL_PATH", originalPath}, {"REPORT", report_}}});
   }
 
-  // launchctl gives systemctl a second, in which a busy machine may not have let it come so far.
+  // launchctl kills systemctl after a second, which may be too short on a busy machine: up to five attempts.
   void unloadUntil(const std::function<bool()>& hasComeSoFar) const {
     for (int i = 0; i < 5 && !hasComeSoFar(); ++i) {
       const Ended ended = unload(userPath_);
@@ -37,7 +37,7 @@ class LaunchctlTest : public testing::Test {
       EXPECT_EQ("", ended.output + ended.error);
     }
   }
-  // What the systemctl of this call tells of itself.
+  // Returns the report of the systemctl that the call starts.
   [[nodiscard]] std::vector<std::string> reportOfUnload() const {
     unloadUntil([&] { return std::filesystem::exists(report_); });
     return awaitReport(report_);
@@ -85,7 +85,7 @@ TEST_F(LaunchctlTest, MissingUserManagerIsIgnored) {
 
 TEST_F(LaunchctlTest, WaitsForSlowSystemctl) {
   bool waited = false;
-  // A mark for each try, so that none is taken for that of one that was not waited for.
+  // One mark file per attempt: an earlier systemctl that was not waited for may still write its own.
   for (int i = 0; i < 5 && !waited; ++i) {
     const std::string mark = folder_ + "/mark" + std::to_string(i);
     writeProgram(folder_ + "/bin/systemctl", "sleep 0.3; echo done >'" + mark + "'");
@@ -107,11 +107,11 @@ TEST_F(LaunchctlTest, KillsHangingSystemctlWithItsChildren) {
   EXPECT_EQ(2, ended);
 }
 
-// The agent waits for it, and has half a second behind it when it has lost its bundle.
+// The agent waits for launchctl and, after the loss of its bundle, has 0.5 s left for the rest.
 TEST_F(LaunchctlTest, GivesUpOnHangingSystemctlWithin1300Milliseconds) {
   writeProgram(folder_ + "/bin/systemctl", "exec sleep 1000");
   auto shortest = std::chrono::steady_clock::duration::max();
-  // A busy machine may hold up one run or another.
+  // The shortest of five attempts discounts delays of a busy machine.
   for (int i = 0; i < 5 && shortest >= 1300ms; ++i) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(0, unload(userPath_).code);

@@ -23,7 +23,7 @@ class OpenTest : public testing::Test {
     return run(argv, {.environment = environment()});
   }
 
-  // As the agent runs it: the helpers' own folder leads PATH, the user's PATH comes along.
+  // Like the agent: PATH begins with the folder of the helpers, TOVALIN_ORIGINAL_PATH is the user's PATH.
   [[nodiscard]] std::map<std::string, std::optional<std::string>> environment() const {
     return {{"PATH", folder_ + "/private:" + userPath_},
             {"TOVALIN_ORIGINAL_PATH", userPath_},

@@ -22,7 +22,7 @@ Ended activateFrontOn(const std::optional<std::string>& display) {
   return run({helper("osascript"), "-e", kScript}, {.environment = {{"DISPLAY", display}}});
 }
 
-// Two windows, the second of them on top and active.
+// Two windows; the second is on top and active.
 class OsascriptTest : public testing::Test {
  protected:
   void SetUp() override {

@@ -171,7 +171,7 @@ TEST(OwnNetworks, IncludeLoopback) {
   EXPECT_FALSE(isHeld(*networks, "8.8.8.8"));
 }
 
-// A link that claims every address.
+// An interface address with prefix length 0.
 TEST(OwnNetworks, PrefixLengthZeroContainsOnlyItsAddress) {
   ASSERT_EQ(std::system("ip address add 9.9.9.1/0 dev lo noprefixroute"), 0);
   const auto networks = ownNetworks();

@@ -1,4 +1,4 @@
-// The web view's proxy, with a client of SOCKS 5, real servers, and names from the sandbox's own hosts file.
+// Tests the web view's proxy with a SOCKS 5 client, real servers, and names from the sandbox's /etc/hosts.
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,8 +33,7 @@ namespace {
 
 using platform::FileDescriptor;
 
-// Of the public Internet's. A route of the test's own network leads it to the servers here; no interface has
-// it.
+// An address of the public Internet, routed to loopback within the sandbox. No interface has it.
 constexpr const char* kPublicAddress = "8.8.8.8";
 constexpr const char* kHosts = "/tmp/hosts";
 
@@ -64,8 +63,8 @@ bool sendAll(const FileDescriptor& socket, const std::string& bytes) {
   return ::send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
 }
 
-// Says its name to each client, hands back what comes, and counts clients. One that starts later keeps a
-// second client's connect waiting until then.
+// Sends `name` to each client, echoes what it receives and counts clients. With Start::Later and a backlog of
+// 0, a second client's connect() blocks until run().
 class EchoServer {
  public:
   enum class Start { Now, Later };
@@ -137,7 +136,7 @@ class FilterProxyTest : public testing::Test {
   void SetUp() override { ASSERT_NE(proxy_->address(), ""); }
   void TearDown() override { nameIs(""); }
 
-  // In the same file, which is mounted.
+  // Truncates the file instead of replacing it, because it is bind-mounted.
   static void nameIs(const std::string& lines) { std::ofstream(kHosts, std::ios::trunc) << lines; }
 
   [[nodiscard]] std::string password() const {
@@ -149,7 +148,8 @@ class FilterProxyTest : public testing::Test {
     return std::stoi(proxy_->address().substr(proxy_->address().rfind(':') + 1));
   }
 
-  // The client, its request written, and the reply of the proxy: 0 when connected, -1 when it hung up.
+  // A client after its request. `reply` is the SOCKS reply code, or kHungUp if the proxy closed the
+  // connection.
   struct Client {
     FileDescriptor socket;
     int reply = -1;
@@ -264,7 +264,7 @@ TEST_F(FilterProxyTest, UnknownNameIsNotConnected) {
   EXPECT_EQ(toName("unknown.example", 443).reply, kRefused);
 }
 
-// DNS rebinding of the page's own name.
+// DNS rebinding of the origin's name.
 TEST_F(FilterProxyTest, OriginKeepsAddressOfFirstConnection) {
   const EchoServer server(kPublicAddress, 8090, "public");
   const EchoServer local("127.0.0.1", 8090, "local");
@@ -278,7 +278,7 @@ TEST_F(FilterProxyTest, OriginKeepsAddressOfFirstConnection) {
   EXPECT_EQ(local.clients(), 0);
 }
 
-// How many connections to this port are being made.
+// Returns the number of connections to `port` in state SYN_SENT.
 int connectsTo(std::uint16_t port) {
   constexpr const char* synSent = "02";
   std::ifstream table("/proc/self/net/tcp");
@@ -292,7 +292,7 @@ int connectsTo(std::uint16_t port) {
   return found;
 }
 
-// DNS rebinding between connections that are made side by side.
+// DNS rebinding between concurrent connections.
 TEST_F(FilterProxyTest, ConcurrentFirstConnectionsUseOneAddress) {
   EchoServer first("127.0.0.2", 8090, "first", EchoServer::Start::Later);
   const EchoServer other("127.0.0.1", 8090, "other");
@@ -322,7 +322,7 @@ TEST_F(FilterProxyTest, UnreachableOriginIsResolvedAgain) {
   EXPECT_EQ(readSome(toName("page.example", 8090).socket, 5), "later");
 }
 
-// Public by the registries, yet this machine's own and its neighbours'.
+// Public address ranges that are assigned to an interface of this machine.
 TEST_F(FilterProxyTest, AddressOnOwnNetworkIsRefused) {
   ASSERT_EQ(std::system("ip address add 9.9.9.1/24 dev lo && ip address add 2a00:1::1/64 dev lo nodad"), 0);
   const EchoServer own("9.9.9.1", 443, "own");
@@ -382,7 +382,7 @@ TEST_F(FilterProxyTest, LargeTransferArrivesInBothDirections) {
   writer.join();
 }
 
-// More than the buffers of both sockets hold, so that the proxy writes in parts.
+// More than both socket buffers hold, so that the proxy's writes are partial.
 TEST_F(FilterProxyTest, ReplyReadLateArrivesWhole) {
   std::string reply;
   while (reply.size() < std::size_t{16} * 1024 * 1024) reply += std::to_string(reply.size()) + ' ';
@@ -405,12 +405,13 @@ TEST_F(FilterProxyTest, ConnectionsBeyondLimitAreClosed) {
       test_support::waitUntil([&] { return toAddress("127.0.0.1", server.port()).reply == kConnected; }));
 }
 
-// Connections of another user's, as long as this object lives.
+// Connections of another user, for the lifetime of the object.
 class Stranger {
  public:
   Stranger(int port, int count) {
     std::thread([&] {
-      // By number: the library's function would change the user of all threads.
+      // The raw system call changes the user of this thread only; the C library's setresuid() changes all
+      // threads.
       isAnother_ = ::syscall(SYS_setresuid, kStranger, kStranger, kStranger) == 0;
       for (int i = 0; i < count; ++i) sockets_.push_back(connectedTo("127.0.0.1", port));
     }).join();
@@ -443,7 +444,7 @@ std::chrono::microseconds processorTime() {
          std::chrono::microseconds(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
 }
 
-// accept4 fails with EMFILE, and poll reports the connection at once again.
+// accept4() fails with EMFILE, and poll() reports the pending connection again immediately.
 TEST_F(FilterProxyTest, OutOfDescriptorsDelaysClientWithoutSpinning) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
@@ -484,7 +485,7 @@ TEST_F(FilterProxyTest, FailedThreadCreationClosesConnection) {
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kConnected);
 }
 
-// They would change the meaning of what the user's proxy is asked.
+// Such characters would change the request to the user's proxy.
 TEST_F(FilterProxyTest, NameWithInvalidCharactersClosesConnection) {
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {

@@ -11,7 +11,7 @@ constexpr auto kIdle = 60s;
 constexpr auto grace = Lifetime::grace;
 constexpr auto leave = Lifetime::leave;
 
-// Begins at second 0; all times are seconds from there.
+// The lifetime begins at 0 s; all times are relative to it.
 class LifetimeTest : public testing::Test {
  protected:
   [[nodiscard]] static Lifetime::Clock::time_point at(std::chrono::seconds time) {
@@ -40,7 +40,7 @@ TEST_F(LifetimeTest, EndlessLoadEndsIdleTimeAfterAddress) {
   EXPECT_EQ(end(), 10s + kIdle);
 }
 
-// A slow server, or an engine that is slow to start, must not cost the page.
+// A slow server or a slow start of the engine must not end the load.
 TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsAwaitedUpToPatience) {
   Lifetime lifetime(at(0s), 15s);
   EXPECT_EQ(lifetime.end(), at(15s));

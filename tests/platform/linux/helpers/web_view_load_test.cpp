@@ -1,4 +1,4 @@
-// The helper loads what it is told, and goes when it should.
+// Tests that the helper loads the given addresses and ends in time.
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -33,8 +33,9 @@ std::vector<std::string> runtimeFolders() {
   return found;
 }
 
-// Of a load that began then, after so many requests before. An engine that shows no life from one beat of
-// three seconds to the next is started again and asks again, which a busy machine may bring about.
+// Checks the requests of a load that began at `begin` after `before` earlier requests. An engine that does
+// not respond between two heartbeats of 3 s is restarted and requests the page again, which may happen on a
+// busy machine.
 void expectOneRequest(const std::vector<Clock::time_point>& requests, std::size_t before,
                       Clock::time_point begin) {
   EXPECT_GT(requests.size(), before);
@@ -54,8 +55,7 @@ TEST_F(WebViewLoad, LastOfManyQuickLoadsIsRequested) {
   EXPECT_TRUE(server_.waitFor("/quick?19"));
 }
 
-// The engine drops both now and then, about once in forty starts; hundreds of starts show it for certain
-// (--gtest_repeat).
+// The engine drops both loads in about one of forty starts; hundreds of runs (--gtest_repeat) reproduce it.
 TEST_F(WebViewLoad, SecondOfTwoLoadsIsRequestedAtEachStart) {
   for (int i = 0; i < 20; ++i) {
     const std::string number = std::to_string(i);
@@ -71,10 +71,10 @@ TEST_F(WebViewLoad, SecondOfTwoLoadsIsRequestedAtEachStart) {
   }
 }
 
-// What brings no page of its own is an answer, too: it is not asked for again, and not waited for.
+// A reply without a page is an answer too: it is neither requested again nor waited for.
 class WebViewAnswer : public WebViewHelper, public testing::WithParamInterface<const char*> {
  protected:
-  // From the end of the input on.
+  // Returns the time from the end of the input to the end of the helper.
   [[nodiscard]] Clock::duration timeToTheEnd() {
     const std::size_t before = server_.timesOf(GetParam()).size();
     start();
@@ -99,7 +99,7 @@ TEST_P(WebViewAnswer, EndsLoad) {
   server_.putDownload("/download");
   server_.redirect("/refused", "http://127.0.0.1:9/nobody-listens");
   server_.redirect("/elsewhere", "mailto:a@b");
-  // What a load gets that goes on. A busy machine may hold up one try or another.
+  // The time that an unfinished load gets. The shortest of five attempts discounts delays of a busy machine.
   constexpr auto leave = 10s;
   auto shortest = Clock::duration::max();
   for (int i = 0; i < 5 && shortest >= leave; ++i) shortest = std::min(shortest, timeToTheEnd());
@@ -140,7 +140,7 @@ TEST_F(WebViewLoad, KilledWebProcessIsReplacedAtNextLoad) {
   const auto dead = processesNamed("WebKitWebProces");
   ASSERT_THAT(dead, SizeIs(1));
   ASSERT_EQ(::kill(dead.front(), SIGKILL), 0);
-  // Where the page's load was still to be heard of, another one is there at once.
+  // If the load has not been reported yet, the helper starts another web process immediately.
   ASSERT_TRUE(test_support::waitUntil(
       [&] { return std::ranges::count(processesNamed("WebKitWebProces"), dead.front()) == 0; }));
   EXPECT_TRUE(stillLoads());
@@ -179,8 +179,8 @@ TEST_F(WebViewLoad, EndlessLoadEndsTenSecondsAfterInput) {
 
 class WebViewIdle : public WebViewHelper {
  protected:
-  // Loads the page with a short idle time until this is asked for. The time also counts while the engine
-  // starts, so that a busy machine may need more of it.
+  // Loads the page with a short idle time until `target` is requested. The idle time includes the start of
+  // the engine, so it is doubled until it suffices.
   void loadUntilAskedFor(const std::string& target) {
     for (; idle_ < beforeAMinute; idle_ *= 2) {
       start({"--idle-seconds", std::to_string(idle_.count())});
@@ -193,7 +193,7 @@ class WebViewIdle : public WebViewHelper {
     FAIL() << target << " is not asked for";
   }
 
-  // Before the patience for a load that never ends is over.
+  // Less than the patience for a load that does not finish.
   static constexpr auto beforeAMinute = 50s;
   std::chrono::seconds idle_{2};
   Clock::time_point begin_;
@@ -206,7 +206,7 @@ TEST_F(WebViewIdle, EndsAfterIdleTime) {
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-// Shorter than without the option. A busy machine may hold up one try or another.
+// Shorter than the default. The shortest of five attempts discounts delays of a busy machine.
 TEST_F(WebViewIdle, IdleTimeIsConfigurable) {
   constexpr auto unlessGiven = 15s;
   auto shortest = Clock::duration::max();
@@ -278,9 +278,9 @@ TEST_F(WebViewLoad, ShowsNoWindow) {
 }
 
 TEST_F(WebViewLoad, LeavesNoFileAndKeepsUsersFiles) {
-  // What a helper that was killed has left is swept by the next, and would be missed in the end.
+  // Removes the folders of killed helpers, which the next helper would remove during the comparison.
   for (const auto& folder : runtimeFolders()) std::filesystem::remove_all(kPrivateFolder + ("/" + folder));
-  // The agent has it as long as it runs.
+  // The agent creates the folder and keeps it while it runs.
   std::filesystem::create_directory(kPrivateFolder);
   std::filesystem::permissions(kPrivateFolder, std::filesystem::perms::owner_all);
   const auto before = filesBelow("/tmp");
@@ -306,7 +306,7 @@ TEST_F(WebViewLoad, WebProcessRunsInPidNamespace) {
   EXPECT_NE(pidNamespaceOf(processes.front()), pidNamespaceOf(helper_.pid()));
 }
 
-// Longer than it takes to find that a script holds a web process up.
+// The delay exceeds the time after which an unresponsive web process is restarted.
 TEST_F(WebViewLoad, SlowlyStartingWebProcessIsNotRestarted) {
   std::filesystem::copy_file("/usr/bin/bwrap", "/tmp/bwrap",
                              std::filesystem::copy_options::overwrite_existing);

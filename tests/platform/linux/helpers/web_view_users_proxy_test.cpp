@@ -1,4 +1,4 @@
-// Connections through the proxy that the environment names, with a real proxy.
+// Tests connections through the proxy of the environment, with a real proxy.
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 
@@ -30,7 +30,7 @@ class UsersProxyTest : public testing::Test {
     const std::string address = server_.address("");
     return static_cast<std::uint16_t>(std::stoi(address.substr(address.rfind(':') + 1)));
   }
-  // Whether the page server is at the other end.
+  // Sends a GET over `socket`. Returns whether the page server receives it.
   [[nodiscard]] bool reachesServer(const FileDescriptor& socket, const std::string& path) const {
     const std::string request = "GET " + path + " HTTP/1.0\r\n\r\n";
     return ::send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL) ==

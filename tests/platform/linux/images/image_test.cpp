@@ -140,7 +140,7 @@ TEST(ImageWithData, ReturnsNullForInvalidPicture) {
     EXPECT_EQ(imageWithData(bytes), nullptr);
 }
 
-// 4096 by 4096 pixels of four bytes are 64 MB.
+// 4096 x 4096 pixels of four bytes take 64 MiB.
 TEST(ImageWithData, IsLimitedTo64Mebibytes) {
   EXPECT_NE(imageWithData(encoded(pixels(4096, 4096), "PNG")), nullptr);
   EXPECT_EQ(imageWithData(encoded(pixels(4096, 4097), "PNG")), nullptr);
@@ -149,7 +149,7 @@ TEST(ImageWithData, IsLimitedTo64Mebibytes) {
 
 TEST(ImageWithData, BombIsDetectedByItsHeader) {
   std::string bomb = encoded(pixels(1, 1), "BMP");
-  // Width and height, in the head of a BMP file.
+  // Offsets of width and height in the header of a BMP file.
   for (const std::size_t at : {18u, 22u}) bomb.replace(at, 4, std::string("\x30\x75\0\0", 4));
   EXPECT_EQ(imageWithData(bomb), nullptr);
 }
@@ -196,7 +196,7 @@ TEST(ImageFocus, DrawingIntoScaledImageDoesNotChangeOthers) {
   EXPECT_EQ(second.impl().forms.front().pixelColor(1, 1), QColor(Qt::red));
 }
 
-// Of a picture with a name, whose scaled pixels are kept.
+// A named picture, whose scaled pixels are cached.
 TEST(ImageFocus, PartsOfOnePictureAreCachedSeparately) {
   const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
   QImage quarters(8, 8, QImage::Format_RGB32);

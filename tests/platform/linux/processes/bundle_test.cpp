@@ -22,7 +22,7 @@ class MainBundle : public testing::Test {
     fs::remove_all("/tmp/bundles");
   }
 
-  // Puts the program at this place and starts it; returns what it takes for its bundle.
+  // Copies the probe to `place` and starts it. Returns the bundle path that it prints.
   std::string startedAt(const std::string& place) {
     fs::create_directories(fs::path(place).parent_path());
     fs::copy_file(BUNDLE_PROBE, place);

@@ -50,7 +50,7 @@ class HelperInstallation : public testing::Test {
     fs::remove_all("/tmp/elsewhere");
   }
 
-  // A program of this name, which tells `text`.
+  // Creates a helper that prints `text`.
   static void putHelper(const std::string& name, const std::string& text) {
     const std::string path = std::string(kBundle) + "/Contents/Helpers/" + name;
     std::ofstream(path, std::ios::trunc) << "#!/bin/sh\necho " + text + "\n";
@@ -176,14 +176,14 @@ TEST_F(HelperInstallation, NoexecFolderIsReported) {
   fs::remove(belowTmp);
 }
 
-// Pages, which the helper of the name "open" opens.
+// Opens pages through the helper "open".
 class PageOpening : public HelperInstallation {
  protected:
   void TearDown() override {
     fs::remove("/tmp/opened");
     HelperInstallation::TearDown();
   }
-  // Has `open` of the bundle note that it was `version` that was asked for a page.
+  // Makes the bundle's helper "open" append `version` and its arguments to /tmp/opened.
   static void putOpener(const std::string& version) { putHelper("open", version + " \"$@\" >>/tmp/opened"); }
 };
 

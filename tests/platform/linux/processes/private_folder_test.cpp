@@ -101,8 +101,8 @@ TEST_F(PrivateFolder, RuntimeFolderOfAnotherUserIsSkipped) {
   EXPECT_EQ(privateFolder(), belowTmp_);
 }
 
-// The ways in which somebody may have prepared the place of our folder, below the runtime folder or below
-// /tmp.
+// Entries that another user may have created at the path of the private folder, below the runtime folder
+// (true) or below /tmp (false).
 class PreparedFolder : public PrivateFolder, public testing::WithParamInterface<bool> {
  protected:
   void SetUp() override {
@@ -193,7 +193,7 @@ TEST_F(PrivateFolder, HelperFolderIsInPrivateFolder) {
   EXPECT_THAT(helperFolders(), testing::ElementsAre(std::string(kBelowRuntime) + "/helpers"));
 }
 
-// A runtime folder whose file system lets no program run.
+// A runtime folder on a file system mounted with noexec.
 class RuntimeFolderWithoutPrograms : public PrivateFolder {
  protected:
   void SetUp() override {
@@ -228,7 +228,7 @@ TEST_F(RuntimeFolderWithoutPrograms, NoexecFolderBelowTmpIsNoHelperFolder) {
   ::umount2(belowTmp_.c_str(), MNT_DETACH);
 }
 
-// $XDG_RUNTIME_DIR as the toolkit finds it while it starts.
+// Tests the value of XDG_RUNTIME_DIR while Qt starts.
 class ToolkitsRuntimeFolderTest : public PrivateFolder {
  protected:
   static std::string named() {

@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file of facts about the system, and the value of VERSION in it.
+// The text of an os-release file and the value of VERSION in it.
 struct Facts {
   const char* name;
   std::string_view text;
@@ -51,8 +51,8 @@ INSTANTIATE_TEST_SUITE_P(
         Facts{"NoText", "", std::nullopt}),
     [](const auto& test) { return test.param.name; });
 
-// What is told of a system with these two files of facts, nothing for a missing one, in a process that has
-// them at their places to itself.
+// The texts of /etc/os-release and /usr/lib/os-release (nullopt: missing). versionOf() bind-mounts them in a
+// mount namespace of a child process.
 struct SystemFiles {
   std::optional<std::string> etc;
   std::optional<std::string> usrLib;

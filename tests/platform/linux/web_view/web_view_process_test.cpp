@@ -1,4 +1,4 @@
-// The line to the helper program, with small programs in its place.
+// Tests the socket to the helper with small programs in place of the helper.
 #include "platform/linux/web_view/web_view_process.h"
 
 #include <gmock/gmock.h>
@@ -54,7 +54,7 @@ class WebViewProcessTest : public testing::Test {
     static_cast<void>(test_support::waitUntil([&] { return linesOf(told_).size() >= count; }));
     return linesOf(told_);
   }
-  // Ends the program that was started last, unnoticed by the object so far.
+  // Kills the program that was started last; process_ has not noticed yet when this returns.
   void killProgram() const {
     ASSERT_FALSE(linesOf(pids_).empty());
     const std::string pid = linesOf(pids_).back();
@@ -145,12 +145,12 @@ TEST_F(WebViewProcessTest, HangingProgramIsReplacedAndKilledWithItsChildren) {
     process_->send(program_ + " new", "http://b");
     return fs::exists(told_);
   }));
-  // Told more than once, because the new program took its time.
+  // The address may be sent more than once while the new program starts.
   EXPECT_THAT(toldAfter(1), testing::AllOf(SizeIs(testing::Ge(1U)), testing::Each("http://b")));
   EXPECT_TRUE(test_support::waitUntil([] { return web_view_test::processesNamed("sleep").empty(); }));
 }
 
-// The patience with the new program begins with the first address that it is handed.
+// The timeout of the new program starts with its first address.
 TEST_F(WebViewProcessTest, ReplacementOfHangingProgramGetsWholeTimeout) {
   constexpr auto patience = 3s;
   process_ = std::make_unique<WebViewProcess>(patience);
@@ -202,10 +202,10 @@ TEST_F(WebViewProcessTest, ProgramInheritsNoSignalStateOrDescriptors) {
   EXPECT_THAT(helper_test::fieldsAfter(report, "fd2=/dev/null"), SizeIs(1));
 }
 
-// Where the system has no handles of processes, or keeps them from us.
+// Simulates a system where pidfd_open() fails with ENOSYS or EPERM.
 class WebViewProcessUnwatched : public WebViewProcessTest, public testing::WithParamInterface<int> {
  protected:
-  // Nobody reaps the last program before the next address.
+  // Reaps the last program, which is otherwise reaped at the next address.
   void TearDown() override {
     ASSERT_FALSE(linesOf(pids_).empty());
     process_.reset();

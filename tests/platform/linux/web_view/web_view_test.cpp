@@ -1,4 +1,4 @@
-// The view with its real helper.
+// Tests the view with the real helper.
 #include "platform/web_view.h"
 
 #include <gmock/gmock.h>
@@ -63,7 +63,7 @@ TEST_F(WebViewTest, LoadAfterKilledHelperIsRequested) {
   ASSERT_THAT(processesNamed(kHelper), SizeIs(1));
   const pid_t killed = processesNamed(kHelper).front();
   ASSERT_EQ(::kill(killed, SIGKILL), 0);
-  // Its threads end one by one; it is reaped after the last.
+  // The threads end one by one; the process is reaped after the last one.
   ASSERT_TRUE(serveEventsUntil([&] { return !fs::exists("/proc/" + std::to_string(killed)); }));
   load("/second");
   EXPECT_TRUE(server_.waitFor("/second"));
@@ -91,8 +91,7 @@ TEST_F(WebViewTest, MissingHelperIsIgnored) {
   EXPECT_TRUE(server_.waitFor("/page"));
 }
 
-// A helper that has nothing to do any more three seconds after its load, which a busy machine needs to catch
-// it.
+// A helper with an idle time of 3 s, long enough for the test to observe its end on a busy machine.
 class WebViewIdleEnd : public WebViewTest {
  protected:
   void SetUp() override {
@@ -127,7 +126,7 @@ TEST_F(WebViewIdleEnd, AddressBeforeHelperStopsReadingIsLoaded) {
   EXPECT_TRUE(server_.waitFor("/second"));
 }
 
-// The caller is gone before the page has come, and its script calls back later still.
+// The caller ends before the reply, and the script of the page makes its request later still.
 TEST_F(WebViewTest, PageIsLoadedAfterCallerWasKilled) {
   server_.put("/page", "<script>fetch('/script')</script>");
   server_.holdBack("/page");

@@ -44,7 +44,7 @@ class AlertSheet : public WindowFixture {
     });
   }
 
-  // Of the sheet that is up.
+  // Returns a button of the open sheet, or null.
   [[nodiscard]] QPushButton* sheetButton(const char* title) {
     for (auto* button : sheetsPart<QPushButton>())
       if (button->text() == QLatin1StringView(title)) return button;
@@ -143,7 +143,7 @@ TEST_F(AlertSheet, ReturnsImmediatelyAndReportsOnRunLoop) {
 TEST_F(AlertSheet, BlocksControlsOfItsWindow) {
   ask({"Continue", "Cancel"});
   click(widgetOf(*layout_.log));
-  click(widgetOf(*layout_.secondLink), {272, 7});  // where the sheet itself is not
+  click(widgetOf(*layout_.secondLink), {272, 7});  // outside the sheet
   press("Down");
   ASSERT_TRUE(settle(*layout_.window));
   EXPECT_EQ(layout_.clicks, Titles{});
@@ -224,7 +224,7 @@ TEST_F(AlertSheet, SecondSheetWaitsForFirst) {
   ASSERT_TRUE(ends(2));
 }
 
-// With the run loop at work in didEnd, nobody would paint what the sheet has covered.
+// didEnd may block the run loop, so the covered area must be painted before.
 TEST_F(AlertSheet, IsErasedFromDisplayBeforeDidEnd) {
   const QPoint beneath(210, 20);
   const QWidget& content = widgetOf(*layout_.window);

@@ -18,7 +18,7 @@ class ButtonInAWindow : public WindowFixture {
   void SetUp() override { ASSERT_TRUE(show(*layout_.window)); }
   void TearDown() override { layout_.window->close(); }
 
-  // What had acted when a click on the last button, made after all else, had come through.
+  // Clicks the last button and waits for its action. Returns the actions so far.
   [[nodiscard]] Titles clicksInAll() {
     click(widgetOf(*layout_.log));
     EXPECT_TRUE(
@@ -146,7 +146,7 @@ TEST_F(ButtonInAWindow, WithoutActionClickIsIgnored) {
   EXPECT_EQ(clicksInAll(), (Titles{"Log file"}));
 }
 
-// Tells under which palette's identity the style keeps the picture of a button.
+// Records the cache key of the palette with which the style draws a button.
 class BezelPictures : public QProxyStyle {
  public:
   qint64 identityFor(const QColor& colour) {

@@ -30,7 +30,7 @@ std::string display() {
   return qEnvironmentVariable("DISPLAY").toStdString();
 }
 
-// From any thread: seen on the display, not asked of the program.
+// Queries the display. Thread-safe.
 bool isShown(const std::string& title) {
   return test_support::waitForWindow(display(), windowNamed(title), std::chrono::milliseconds(0)).has_value();
 }
@@ -48,7 +48,7 @@ test_support::WindowPredicate aboveOthers(const std::string& title, bool above) 
   };
 }
 
-// Windows with a close control, closed by the window manager as a user's click there has it.
+// Windows with a close button, closed through the window manager like by a user's click.
 class ModalWindow : public testing::Test {
  protected:
   static std::shared_ptr<Window> open(const char* title) {
@@ -59,7 +59,7 @@ class ModalWindow : public testing::Test {
     return window;
   }
 
-  // Runs the window modally while `user` acts on a thread of its own, and stops the run after that.
+  // Runs the window modally while `user` runs on a thread of its own, then stops the modal run.
   static void runModally(const std::shared_ptr<Window>& window, const std::function<void()>& user) {
     const std::jthread hands([&user] {
       user();
@@ -68,7 +68,7 @@ class ModalWindow : public testing::Test {
     Application::sharedApplication().runModalForWindow(window);
   }
 
-  // Begins a run inside the one under way. Call it from the user's thread.
+  // Starts a modal run inside the current one and waits for it. Call from the thread of `user`.
   static void nestRun(const std::shared_ptr<Window>& window) {
     std::promise<void> begun;
     Application& application = Application::sharedApplication();
@@ -80,7 +80,7 @@ class ModalWindow : public testing::Test {
   static void stopModal() { Application::sharedApplication().stopModal(); }
 };
 
-// Stops the run that lasts longer than anything is waited for.
+// Stops a modal run that exceeds the timeout.
 class Rescue {
  public:
   Rescue() {
@@ -98,7 +98,8 @@ class Rescue {
   bool wasNeeded_ = false;
 };
 
-// The manager passes the requests on in their order, so what came before the one that is granted was refused.
+// The window manager delivers the requests in order: once a later one is granted, the earlier one was
+// refused.
 TEST_F(ModalWindow, RefusesCloseRequestsOfOtherWindowsOnly) {
   const auto other = open(plain), modal = open(inner);
   runModally(modal, [] {
@@ -111,7 +112,7 @@ TEST_F(ModalWindow, RefusesCloseRequestsOfOtherWindowsOnly) {
   other->orderOut();
 }
 
-// Before the display has drawn it, and however often it is ordered to the front by then.
+// Holds before the window is mapped, however often it is ordered to the front.
 TEST_F(ModalWindow, BlocksOthersAsSoonAsShown) {
   const auto other = open(plain);
   const auto modal = Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
@@ -216,7 +217,7 @@ TEST_F(ModalWindow, TwoStopsInOneEventEndTwoNestedRuns) {
   second->orderOut();
 }
 
-// The first run leaves the other two behind; the second begins with the third waiting.
+// The first run leaves two calls pending; the second of them is handled inside the run that the first starts.
 TEST_F(ModalWindow, PendingCallsOfStoppedRunAreHandledAfterItAndInNextRun) {
   const auto first = open(outer), second = open(inner);
   Application& application = Application::sharedApplication();

@@ -22,13 +22,13 @@ class TextViewInAWindow : public WindowFixture {
   }
   void TearDown() override { layout_.window->close(); }
 
-  // What was opened when all the hands have done so far has come through.
+  // Returns the addresses opened once all input so far is handled.
   [[nodiscard]] Addresses openedInAll() {
     EXPECT_TRUE(settle(*layout_.window));
     return openedAddresses();
   }
 
-  // The columns, in points, in which the view shows blue.
+  // Returns the first and last column, in points, with blue pixels.
   [[nodiscard]] static std::pair<int, int> blueColumns(QWidget& view) {
     const QImage seen = view.grab().toImage();
     std::pair columns(view.width(), -1);

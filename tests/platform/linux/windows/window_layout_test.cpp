@@ -12,7 +12,7 @@
 
 namespace {
 
-// A window with every kind of control, as it is seen on the display.
+// Tests the layout of a window with every kind of control on the display.
 class WindowLayout : public WindowFixture {
  protected:
   [[nodiscard]] static QWidget* labelled(const platform::Window& window, const QString& text) {
@@ -31,7 +31,7 @@ class WindowLayout : public WindowFixture {
     return {widget.mapTo(widget.window(), QPoint(0, 0)), widget.size()};
   }
 
-  // From 0 for black; of the widget's darkest pixel on the display.
+  // Returns the grey value (0: black) of the darkest pixel of the widget.
   [[nodiscard]] static int darkestIn(const QWidget& widget) {
     const QImage seen = widget.window()->grab(place(widget)).toImage();
     int darkest = 255;

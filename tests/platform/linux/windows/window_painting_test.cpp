@@ -14,7 +14,7 @@
 
 namespace {
 
-// What a window shows while the program is busy. Nothing here serves events but `serveEventsUntil`.
+// Tests what a window shows while the program is busy. Only serveEventsUntil() handles events here.
 class WindowPainting : public WindowFixture {
  protected:
   void TearDown() override { layout_.window->close(); }
@@ -22,7 +22,7 @@ class WindowPainting : public WindowFixture {
   [[nodiscard]] static std::optional<test_support::XWindow> onDisplay() {
     return test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
   }
-  // Whether the display shows the widget as it draws itself.
+  // Returns whether the display shows the widget as it would paint itself.
   [[nodiscard]] bool isPainted() {
     const auto window = onDisplay();
     if (!window) return false;
@@ -39,7 +39,7 @@ class WindowPainting : public WindowFixture {
     return true;
   }
 
-  // Fills the window with its background, if it has one.
+  // Clears the window on the server: a background pixmap or pixel would overwrite its content.
   void expectNoBackground() {
     const auto window = onDisplay();
     ASSERT_TRUE(window);
@@ -66,7 +66,7 @@ TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedWithCurrentContent) {
   EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
 }
 
-// The toolkit makes another window on the display after such a change.
+// Qt creates a new native window after such a change.
 TEST_F(WindowPainting, WindowShownAgainAfterModalRunIsPainted) {
   ASSERT_TRUE(show(*layout_.window));
   auto& application = platform::Application::sharedApplication();
