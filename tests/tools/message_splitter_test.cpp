@@ -32,7 +32,7 @@ tools::Message unknown(std::string_view text) {
 
 class MessageSplitter : public testing::TestWithParam<SplitCase> {};
 
-TEST_P(MessageSplitter, Splits) {
+TEST_P(MessageSplitter, MatchesTable) {
   EXPECT_THAT(tools::splitMessages(GetParam().bytes), testing::ElementsAreArray(GetParam().messages));
 }
 

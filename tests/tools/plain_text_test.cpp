@@ -12,7 +12,7 @@ bool standsAsItIs(char character) {
 }
 
 // Texts of a length that is copied in one word, in two that overlap, and in several.
-TEST(PlainText, EveryByteAtEveryPlaceIsJudgedForItself) {
+TEST(PlainText, EveryByteIsCheckedAtEveryPosition) {
   for (std::size_t size = 1; size <= 35; ++size) {
     for (std::size_t place = 0; place < size; ++place) {
       for (int byte = 0; byte < 256; ++byte) {
@@ -27,7 +27,7 @@ TEST(PlainText, EveryByteAtEveryPlaceIsJudgedForItself) {
 }
 
 // A byte below a blank borrows from the one behind it.
-TEST(PlainText, EveryPairOfBytesIsJudgedTogether) {
+TEST(PlainText, EveryPairOfBytesIsChecked) {
   for (int first = 0; first < 256; ++first) {
     for (int second = 0; second < 256; ++second) {
       const std::string text{'x', static_cast<char>(first), static_cast<char>(second), 'y', 'z'};
