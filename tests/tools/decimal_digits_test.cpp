@@ -26,7 +26,7 @@ TEST(DecimalDigits, LargestNumberHasTwentyDigits) {
   EXPECT_EQ(decimal(std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
 }
 
-// Each half of a group of eight digits takes each value, with and without zeros before and behind it.
+// Each half of an eight-digit group takes each value, with and without zeros around it.
 TEST(DecimalDigits, EveryFourDigitsMatchToString) {
   for (std::uint64_t four = 0; four < 10'000; ++four) {
     for (const std::uint64_t number :

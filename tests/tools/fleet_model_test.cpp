@@ -69,7 +69,7 @@ TEST(AgentModel, DaysWithoutPassAreUploadedTogether) {
 }
 
 TEST(AgentModel, NapShiftsTicks) {
-  // Ticks come at :10; asleep for 5 h 59 min 23 s they come at :33.
+  // Ticks come at :10, and at :33 after 5 h 59 min 23 s of sleep.
   EXPECT_THAT(uploadsOf({{at(0, 23, 0, 10), at(1, 12, 0, 0), {{at(0, 23, 30, 0), at(1, 5, 29, 23)}}}}),
               ElementsAre(Pair(at(1, 5, 33, 33), 1)));
 }
@@ -79,7 +79,7 @@ TEST(AgentModel, NapOverMinuteOfPassDelaysItByAnHour) {
               ElementsAre(Pair(at(1, 1, 20, 20), 1)));
 }
 
-// The stored second stays what it was when the date was seen to change.
+// The stored second is that of the tick that saw the date change.
 TEST(AgentModel, NapAfterChangeOfDateKeepsMinute) {
   EXPECT_THAT(uploadsOf({{at(0, 23, 0, 20), at(1, 12, 0, 0), {{at(1, 0, 5, 0), at(1, 0, 6, 15)}}}}),
               ElementsAre(Pair(at(1, 0, 20, 35), 1)));
@@ -141,7 +141,7 @@ TEST(DayPlan, PowerCutLaunchesOnceWithinTwoMinutes) {
   }
 }
 
-// Rounded towards zero, the middle second would be drawn twice as often as its neighbours.
+// Rounding towards zero would draw the middle second twice as often as its neighbours.
 TEST(DayPlan, MiddleSecondIsNoSpike) {
   Settings settings;
   settings.installations = 200'000;
@@ -161,7 +161,7 @@ TEST(DayPlan, PowerReturnsWithinCountedDayOfEveryZone) {
     std::vector<fleet::Run> runs;
     drawRuns(Launches::PowerCut, false, counted, random, runs);
     EXPECT_GE(runs[0].launch, counted.from);
-    // Of a zone where the power returns as the counted day ends.
+    // In one zone the power returns at the end of the counted day.
     EXPECT_LT(runs[0].launch, counted.to + 2 * minute);
     EXPECT_GE(runs[0].end, counted.to);
   }

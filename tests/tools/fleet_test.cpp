@@ -112,7 +112,7 @@ TEST(Fleet, UnwritableFileExitsWithTwo) {
   }
 }
 
-// The simulation of so many would take half an hour.
+// Simulating this many installations would take half an hour.
 TEST(Fleet, UnopenableFileIsReportedBeforeSimulation) {
   for (const char* option : {"--svg", "--plan"}) {
     const auto finished = runFleet({"--installations", "1000000000", option, "/tmp"});

@@ -19,7 +19,7 @@ using tools_test::kNotificationPipe;
 using tools_test::runToEnd;
 using tools_test::toolPath;
 
-// Stands where the agent reads: holds the notification pipe open and takes one read at a time.
+// Replaces the agent: holds the notification pipe open and makes one read at a time.
 class Listener {
  public:
   Listener() {
@@ -28,7 +28,7 @@ class Listener {
     writer_.reset(::open(kNotificationPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   }
 
-  // What the next read gives; empty when nothing comes.
+  // Returns the bytes of the next read, or an empty string after the timeout.
   [[nodiscard]] std::string take() const {
     const std::chrono::milliseconds patience = test_support::kPatience;
     pollfd entry{reader_.get(), POLLIN, 0};

@@ -5,7 +5,6 @@
 
 namespace tools {
 
-// How GoogleTest shows a message when a case fails.
 void PrintTo(const Message& message, std::ostream* stream) {
   *stream << (message.known ? "known " : "unknown ") << testing::PrintToString(message.text);
 }

@@ -17,7 +17,7 @@ Arguments agentsArguments() {
           "-timeout",    "10"};
 }
 
-// What is wrong with these arguments; empty when nothing is.
+// Returns the error message for `arguments`, or an empty string.
 std::string complaint(const Arguments& arguments) {
   const auto parsed = tools::parseNotice(arguments);
   const auto* const reason = std::get_if<std::string>(&parsed);

@@ -25,7 +25,7 @@ using tools_test::toolPath;
 using End = RawClient::End;
 
 constexpr const char* kText = "0123456789abcdefghijklmnopqrstuvwxyz\n";
-constexpr auto kAWhile = 700ms;  // of silence
+constexpr auto kAWhile = 700ms;  // without any byte
 
 class Faults : public tools_test::ProductServer {
  protected:
@@ -34,7 +34,7 @@ class Faults : public tools_test::ProductServer {
     write(std::string(kFolder) + "/t.xml", kText);
   }
 
-  // The answer to a plain GET of the file after the fault was set for it.
+  // Sets the fault and returns the answer to a GET of the file.
   RawClient::Answer answerWith(const std::string& fault,
                                std::chrono::milliseconds silence = test_support::kPatience) {
     setFault("/t.xml", fault);
@@ -45,7 +45,7 @@ class Faults : public tools_test::ProductServer {
     return answer;
   }
 
-  // The same for an answer that stops somewhere.
+  // Like answerWith(), for an answer that stalls.
   RawClient::Answer stalledAnswerWith(const std::string& fault) {
     setFault("/t.xml", fault);
     const RawClient client(port_);

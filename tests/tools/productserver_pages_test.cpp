@@ -17,7 +17,7 @@ using testing::SizeIs;
 constexpr const char* kVersionPath = "/product/nimba/binary/tovalin_recent_version_info.xml";
 constexpr const char* kBannerFolder = "/product/nimba/banner/";
 
-// What stands in the text between the one and the other, each time.
+// Returns each part of `text` between `before` and `after`.
 std::vector<std::string> between(const std::string& text, const std::string& before,
                                  const std::string& after) {
   std::vector<std::string> found;
@@ -28,7 +28,7 @@ std::vector<std::string> between(const std::string& text, const std::string& bef
   return found;
 }
 
-// The strings of this key, which stand on the lines behind it.
+// Returns the <string> values that follow the lines of `key`.
 std::vector<std::string> stringsOf(const std::string& list, const std::string& key) {
   std::vector<std::string> strings;
   for (const std::string& rest : between(list, "<key>" + key + "</key>\n", "</string>")) {

@@ -22,7 +22,8 @@ using tools_test::ProductServer;
 using tools_test::runToEnd;
 using tools_test::toolPath;
 
-// The local addresses, in the hexadecimal form of this table of the kernel, that listen on the port.
+// Returns the local addresses that listen on `port`, in the hexadecimal form of the kernel's table
+// (/proc/net/tcp or tcp6).
 std::vector<std::string> listeningAddresses(const std::string& table, int port) {
   constexpr const char* kListening = "0A";
   std::istringstream lines(test_support::contentsOf(table));

@@ -22,7 +22,7 @@ using tools_test::kUploads;
 
 constexpr const char* kBoundary = "---------------------------14737809831466499882746641449";
 
-// The form that the agent sends.
+// Returns the multipart form of an upload of the agent.
 std::string formOf(const std::string& data) {
   const std::string mark = std::string("\r\n--") + kBoundary;
   return mark + "\r\nContent-Disposition: form-data; name=\"userdata\"; filename=\"Tovalin.dat\"\r\n" +

@@ -145,7 +145,7 @@ constexpr std::string_view kGoldenLines =
 "type":"file","size":218,"damage":null,"damageOffset":null}
 )";
 
-// Each line but the first, behind what the first one says of the header.
+// Returns the golden lines: each line but the first, preceded by the header fields of the first.
 std::string goldenLines() {
   std::istringstream golden{std::string(kGoldenLines)};
   std::string header, text;
@@ -231,7 +231,7 @@ TEST(JsonLinesPrinter, LongNamesAndManyLinesAreComplete) {
   EXPECT_EQ(lines[4998].at("nameHex").get<std::string>().size(), 126u);
 }
 
-// The digits of the offset before the last four are kept from one line to the next, and not for another file.
+// The printer caches the leading digits of the offset between lines and must reset them for another file.
 TEST(JsonLinesPrinter, OffsetsBeyondTenThousandMatchJsonPrinter) {
   std::string bytes = kUsageHeader;
   while (bytes.size() < 120'000) bytes += kUsageRecords;

@@ -25,11 +25,11 @@ struct Reading {
     for (const Item& item : items) offsets.push_back(item.offset);
     return offsets;
   }
-  // -1 when there is no damage.
+  // Returns the offset of the damage, or -1.
   [[nodiscard]] long damagedAt() const { return damage ? static_cast<long>(damage->offset) : -1; }
 };
 
-// The bytes are held in memory of exactly their size, so that a reader beyond their end is found out.
+// The vector has exactly the size of the file, so that AddressSanitizer detects a read beyond the end.
 Reading readingOf(const std::vector<char>& bytes) {
   tools::RecordReader reader(bytes);
   Reading reading;
@@ -39,7 +39,7 @@ Reading readingOf(const std::vector<char>& bytes) {
   return reading;
 }
 
-// Whose items point to nothing any more.
+// The items of the result refer to freed memory; only their offsets may be used.
 Reading readingOf(const std::string& bytes) {
   return readingOf(std::vector<char>(bytes.begin(), bytes.end()));
 }
@@ -179,7 +179,7 @@ TEST(RecordReader, SecondHeaderIsDamage) {
 struct TimeCase {
   const char* name;
   const char* time;
-  long damage;  // the byte of the text; -1: none
+  long damage;  // offset in the text, -1: none
 };
 
 void PrintTo(const TimeCase& value, std::ostream* stream) {

@@ -70,7 +70,7 @@ TEST(HarmlessName, IsLastComponent) {
   EXPECT_EQ(harmlessName("Tovalin.dat"), "Tovalin.dat");
   EXPECT_EQ(harmlessName("/etc/passwd"), "passwd");
   EXPECT_EQ(harmlessName("C:\\a\\b.dat"), "b.dat");
-  EXPECT_EQ(harmlessName("../.."), "..");  // harmless behind a number
+  EXPECT_EQ(harmlessName("../.."), "..");  // harmless after the number prefix
 }
 
 TEST(HarmlessName, ReplacesShellAndTerminalCharacters) {
