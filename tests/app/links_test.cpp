@@ -67,7 +67,7 @@ class Links : public testing::TestWithParam<Link> {
   nimbatrayAppDelegate delegate_;
 };
 
-TEST_P(Links, TellsItsBeaconFirstAndThenOpensItsPage) {
+TEST_P(Links, SendsBeaconBeforeOpeningPage) {
   platform::WebView view({});
   delegate_.gaWebView = &view;
   choose();
@@ -75,7 +75,7 @@ TEST_P(Links, TellsItsBeaconFirstAndThenOpensItsPage) {
                                     "open " + GetParam().page));
 }
 
-TEST_P(Links, WithoutAWebViewStillOpensItsPage) {
+TEST_P(Links, OpensPageWithoutWebView) {
   choose();
   EXPECT_THAT(visits(), ElementsAre("open " + GetParam().page));
 }

@@ -32,33 +32,33 @@ class Backlog : public testing::Test {
   NoticeBacklog backlog_;
 };
 
-TEST_F(Backlog, CallsWithinTheBoundArePosted) {
+TEST_F(Backlog, CallsWithinLimitArePosted) {
   fill();
   EXPECT_THAT(beginAll(), IsEmpty());
 }
 
-TEST_F(Backlog, CallThatBeganMakesRoomForAnother) {
+TEST_F(Backlog, BegunCallMakesRoomForAnother) {
   fill();
   EXPECT_THAT(backlog_.begin(), IsEmpty());
   EXPECT_EQ(backlog_.request(Call::NotificationOn), Verdict::Post);
   EXPECT_EQ(backlog_.request(Call::NotificationOff), Verdict::BeginMerging);
 }
 
-TEST_F(Backlog, OnlyTheFirstMergedCallBeginsMerging) {
+TEST_F(Backlog, OnlyFirstMergedCallBeginsMerging) {
   fill();
   EXPECT_EQ(backlog_.request(Call::NotificationOn), Verdict::BeginMerging);
   EXPECT_EQ(backlog_.request(Call::NotificationOff), Verdict::Merge);
   EXPECT_EQ(backlog_.request(Call::NoticeEnumerateOn), Verdict::Merge);
 }
 
-TEST_F(Backlog, CallsAreMergedUntilAllPostedOnesHaveBegun) {
+TEST_F(Backlog, CallsAreMergedUntilAllPostedCallsHaveBegun) {
   fill();
   merge({Call::NotificationOn});
   EXPECT_THAT(backlog_.begin(), IsEmpty());
   EXPECT_EQ(backlog_.request(Call::NotificationOff), Verdict::Merge);
 }
 
-TEST_F(Backlog, MergedCallsLeadToTheLastStateRequested) {
+TEST_F(Backlog, MergedCallsLeadToLastRequestedState) {
   struct Row {
     std::vector<Call> merged;
     std::vector<Call> released;
@@ -82,7 +82,7 @@ TEST_F(Backlog, MergedCallsLeadToTheLastStateRequested) {
   }
 }
 
-TEST_F(Backlog, NoticeThatThePostedCallsShowIsHiddenWhenThatWasRequestedLast) {
+TEST_F(Backlog, NoticeShownByPostedCallsIsHiddenIfRequestedLast) {
   ASSERT_EQ(backlog_.request(Call::NotificationOn), Verdict::Post);
   EXPECT_THAT(backlog_.begin(), IsEmpty());
   fill();
@@ -99,7 +99,7 @@ TEST_F(Backlog, ReleasedCallsCountAsWaiting) {
   EXPECT_EQ(backlog_.request(Call::NoticeEnumerateOff), Verdict::BeginMerging);
 }
 
-TEST_F(Backlog, CallsThatCancelEachOtherEndTheMerging) {
+TEST_F(Backlog, CancellingCallsEndMerging) {
   fill();
   merge({Call::NotificationOn, Call::NotificationOff});
   EXPECT_THAT(beginAll(), IsEmpty());
@@ -108,7 +108,7 @@ TEST_F(Backlog, CallsThatCancelEachOtherEndTheMerging) {
 
 // Whatever comes and whenever the calls begin: no more wait than the bound and one for each notice, each
 // notice's calls alternate, and the last of them leads to the state requested last.
-TEST_F(Backlog, AnyOrderOfRequestsAndBeginningsEndsInTheLastStateRequested) {
+TEST_F(Backlog, RandomRequestsAndBeginsEndInLastRequestedState) {
   std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same order each time
   ShownNotices requested;
   ShownNotices shown;

@@ -53,7 +53,7 @@ class Calls : public testing::Test {
   Queue queue_;
 };
 
-TEST_F(Calls, CommandsWithinTheBoundRunInOrder) {
+TEST_F(Calls, CommandsWithinLimitRunInOrder) {
   std::vector<Call> ran;
   const auto calls = make([&](Call call) { ran.push_back(call); });
   for (const Call call : {Call::NotificationOn, Call::NoticeEnumerateOn, Call::NotificationOff})
@@ -63,7 +63,7 @@ TEST_F(Calls, CommandsWithinTheBoundRunInOrder) {
   EXPECT_THAT(ran, ElementsAre(Call::NotificationOn, Call::NoticeEnumerateOn, Call::NotificationOff));
 }
 
-TEST_F(Calls, WorkThatOutlivesTheListenerRuns) {
+TEST_F(Calls, WorkThatOutlivesListenerRuns) {
   std::vector<Call> ran;
   EXPECT_EQ(make([&](Call call) { ran.push_back(call); })->request(Call::NotificationOn), Verdict::Post);
   while (queue_.runNext()) continue;
@@ -71,7 +71,7 @@ TEST_F(Calls, WorkThatOutlivesTheListenerRuns) {
 }
 
 // The last call that waits shows a notice and returns only when a merged one has hidden it.
-TEST_F(Calls, MergedCallRunsInsideTheLastWaitingOne) {
+TEST_F(Calls, MergedCallRunsInsideLastWaitingOne) {
   std::vector<Call> ran;
   const auto calls = make([&](Call call) {
     ran.push_back(call);
@@ -87,7 +87,7 @@ TEST_F(Calls, MergedCallRunsInsideTheLastWaitingOne) {
   EXPECT_EQ(ran.back(), Call::NotificationOff);
 }
 
-TEST_F(Calls, FloodFromAnotherThreadStaysBoundedAndEndsInTheLastState) {
+TEST_F(Calls, FloodFromOtherThreadIsBoundedAndEndsInLastState) {
   constexpr int rounds = 100'000;
   bool shown = false;
   const auto calls = make([&](Call call) {

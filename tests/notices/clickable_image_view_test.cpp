@@ -73,7 +73,7 @@ class ClickableImageView : public testing::Test {
   double scale_ = 1;
 };
 
-TEST_F(ClickableImageView, HandsAClickToItsDelegateWithItselfAndThePlace) {
+TEST_F(ClickableImageView, ClickCallsDelegateWithViewAndLocation) {
   Listener listener;
   view_->delegate = &listener;
   pointAt(110, 60);
@@ -84,7 +84,7 @@ TEST_F(ClickableImageView, HandsAClickToItsDelegateWithItselfAndThePlace) {
   EXPECT_NEAR(listener.event.locationInView.y, 10, 1.5);
 }
 
-TEST_F(ClickableImageView, AClickOnADelegateThatDoesNotListenOrOnNoneDoesNothing) {
+TEST_F(ClickableImageView, ClickWithoutDelegateMethodOrDelegateIsNoOp) {
   DeafListener deaf;
   view_->delegate = &deaf;
   pointAt(110, 60);
@@ -100,7 +100,7 @@ TEST_F(ClickableImageView, AClickOnADelegateThatDoesNotListenOrOnNoneDoesNothing
   EXPECT_EQ(listener.clicks, 1);
 }
 
-TEST_F(ClickableImageView, AReleaseOutsideOrOfAnotherButtonIsNoClick) {
+TEST_F(ClickableImageView, ReleaseOutsideOrOfOtherButtonIsNoClick) {
   Listener listener;
   view_->delegate = &listener;
   pointAt(110, 60);
@@ -116,7 +116,7 @@ TEST_F(ClickableImageView, AReleaseOutsideOrOfAnotherButtonIsNoClick) {
   EXPECT_EQ(listener.clicks, 1);
 }
 
-TEST_F(ClickableImageView, ShowsThePointingHandOverAllOfItselfWhileTheNetworkIsThere) {
+TEST_F(ClickableImageView, ShowsPointingHandWhileOnline) {
   pointAt(20, 20);
   for (const auto& [x, y] : {std::pair(101.5, 51.5), std::pair(178.0, 88.0)}) {
     pointAt(x, y);
@@ -126,7 +126,7 @@ TEST_F(ClickableImageView, ShowsThePointingHandOverAllOfItselfWhileTheNetworkIsT
   }
 }
 
-TEST_F(ClickableImageView, ShowsTheArrowWithoutTheNetwork) {
+TEST_F(ClickableImageView, ShowsArrowWhileOffline) {
   pointAt(20, 20);
   ASSERT_TRUE(serveEventsUntil([&] { return !view_->impl().widget->underMouse(); }));
   isNetworkOnline = false;
@@ -141,13 +141,13 @@ TEST_F(ClickableImageView, ShowsTheArrowWithoutTheNetwork) {
   EXPECT_TRUE(serveEventsUntil([&] { return cursor() == Qt::PointingHandCursor; }));
 }
 
-TEST_F(ClickableImageView, IsGoneFromTheWindowOnlyWithItsLastOwner) {
+TEST_F(ClickableImageView, WindowKeepsViewAlive) {
   std::weak_ptr<tovalinNSImageView> watched = view_;
   view_.reset();
   EXPECT_FALSE(watched.expired());
 }
 
-TEST_F(ClickableImageView, TheKeyboardDoesNotReachIt) {
+TEST_F(ClickableImageView, IgnoresKeyboardByDefault) {
   Listener listener;
   view_->delegate = &listener;
   xdotool({"key", "Tab", "Return", "space"});
@@ -158,7 +158,7 @@ TEST_F(ClickableImageView, TheKeyboardDoesNotReachIt) {
   EXPECT_EQ(listener.clicks, 1);
 }
 
-TEST_F(ClickableImageView, ActingAsALinkItIsPressedWithReturnAndSpace) {
+TEST_F(ClickableImageView, ActingAsLinkIsPressedByReturnAndSpace) {
   Listener listener;
   view_->delegate = &listener;
   view_->setActsAsLink(true);
@@ -170,7 +170,7 @@ TEST_F(ClickableImageView, ActingAsALinkItIsPressedWithReturnAndSpace) {
   EXPECT_EQ(listener.event.locationInView.y, 20);
 }
 
-TEST_F(ClickableImageView, AssistiveProgramsAreToldOfALinkThatTheyCanPress) {
+TEST_F(ClickableImageView, ActingAsLinkIsExposedToAccessibility) {
   Listener listener;
   const auto link = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 80, 40});
   link->delegate = &listener;
