@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What the watch asked of the streams below, which stand here for the system's.
+// The calls that the fake FileEventStream below receives.
 struct Asked {
   std::string path = {};
   std::chrono::milliseconds latency{};

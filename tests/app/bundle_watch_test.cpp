@@ -30,7 +30,8 @@ TEST(EndsAgent, OnlyRootChangedFlagEndsAgent) {
   EXPECT_FALSE(endsAgent(0xffffffdf));
 }
 
-// The callback in a process of its own, which it may end: 0 when it did, kReturned when it came back.
+// Runs the callback in a child process. The exit status is 0 if the callback ends the agent, kReturned if it
+// returns.
 class BundleWatch : public testing::Test {
  protected:
   static constexpr int kReturned = 3;
@@ -88,7 +89,7 @@ TEST_F(BundleWatch, EmptyBatchLogsNothing) {
   EXPECT_THAT(timeline_.texts(), IsEmpty());
 }
 
-// How many queues of file events a process has open; a stream has its own until it is stopped.
+// Returns the number of inotify instances of a process; a stream holds one until it is stopped.
 int queuesOf(const std::string& process) {
   int count = 0;
   for (const auto& entry : fs::directory_iterator("/proc/" + process + "/fd")) {

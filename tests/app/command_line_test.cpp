@@ -17,7 +17,7 @@ using testing::StartsWith;
 
 constexpr ExitStatus kGoesOn{.code = 100};
 
-// What a program with these arguments says on each of its streams, and how it ends.
+// The exit status and the output of a program.
 struct Told {
   std::optional<ExitStatus> status = {};
   std::string output = {};
@@ -84,7 +84,7 @@ TEST(CommandLine, ProcessSerialNumberIsIgnored) {
   EXPECT_EQ(run({"-psn"}), refused("-psn"));
 }
 
-// Arguments, and the one of them that is refused.
+// Arguments, and the one that is refused.
 struct Wrong {
   const char* name;
   std::vector<std::string> arguments;

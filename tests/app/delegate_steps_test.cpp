@@ -40,7 +40,7 @@ std::string entry(const std::string& first, const std::string& second) {
          "</key><string>http://one.example/</string></dict>";
 }
 
-// The delegate with bodies of the test's own for what it reaches outside, and a real desktop.
+// The delegate with the fakes of outside_parts.h and a real desktop.
 class DelegateSteps : public testing::Test {
  protected:
   void SetUp() override {
@@ -64,7 +64,7 @@ class DelegateSteps : public testing::Test {
   nimbatrayAppDelegate delegate_;
 };
 
-// The first reading of the clock is the start record's, the second is the start time.
+// The first "clock" belongs to the start record, the second to the start time.
 TEST_F(DelegateSteps, LaunchRunsStepsInOrder) {
   outside_parts::lookAtEachStep([this] { return delegate_.bThreadRun ? ", listening" : ""; });
   delegate_.applicationDidFinishLaunching();

@@ -35,7 +35,7 @@ TEST(Delegate, HasThirtyFieldsInOrder) {
   EXPECT_TRUE(std::ranges::is_sorted(fields, std::ranges::less_equal()));
 }
 
-// The field after the thirtieth would lie in the padding behind it, or make the object larger.
+// Another field would lie in the padding after the thirtieth or enlarge the object.
 TEST(Delegate, HasNoFieldAfterLast) {
   constexpr std::byte paint{0xA5};
   constexpr std::size_t size = sizeof(nimbatrayAppDelegate);

@@ -9,7 +9,7 @@ namespace {
 using platform::PropertyList;
 using Text = std::string;
 
-// What "AppleInterfaceStyle" holds, and whether that is the dark appearance.
+// A value of "AppleInterfaceStyle" and whether it selects the dark appearance.
 struct Style {
   const char* name;
   std::optional<PropertyList> value;
@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(
         Style{"Data", PropertyList(PropertyList::Data{std::byte{'d'}}), false}),
     [](const auto& test) { return test.param.name; });
 
-// The place of the agent's bundle, and of the one around it; nothing where there is none.
+// The paths of the agent's bundle and of the enclosing bundle (nullopt: none).
 struct Place {
   const char* name;
   std::string_view agent;

@@ -13,7 +13,7 @@ std::function<void()> duringThePause;
 
 }  // namespace
 
-// Stands before the C library's, so that a case can act between the open and the write.
+// Interposes select(2), so that a case can act between open() and write().
 int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, timeval* wait) {
   if (duringThePause) duringThePause();
   const timespec time{wait->tv_sec, wait->tv_usec * 1000};
@@ -30,7 +30,7 @@ Sent failed(const std::string& text, int result) {
   return {.result = result, .output = text + "\n", .newDescriptors = 0};
 }
 
-// A pipe that takes no byte more; both ends are held.
+// Returns a descriptor of a full pipe, open for reading and writing.
 FileDescriptor fullPipe(const char* path) {
   FileDescriptor pipe(::open(path, O_RDWR | O_NONBLOCK | O_CLOEXEC));
   const std::string block(4096, '.');
@@ -39,7 +39,7 @@ FileDescriptor fullPipe(const char* path) {
   return pipe;
 }
 
-// Sends "-ton" in a process of its own; its status is the negated result.
+// Runs in a child process: sends "-ton" and returns the negated result as its status.
 int sendForked() {
   const Sent sent = send("-ton");
   std::fputs(sent.output.c_str(), stdout);
@@ -113,7 +113,7 @@ TEST_F(CommandPipe, ReaderClosedBetweenOpenAndWriteFailsWrite) {
   duringThePause = [&] { reader.reset(); };
   const Sent sent = send("-ton");
   duringThePause = nullptr;
-  // One descriptor fewer: the reader's.
+  // The closed descriptor is the reader's.
   EXPECT_EQ(sent, (Sent{.result = -32, .output = "write error. errno : 32\n", .newDescriptors = -1}));
   EXPECT_THAT(log_.messages(), ElementsAre(error("write error. errno : 32")));
 }
@@ -122,7 +122,7 @@ TEST_F(CommandPipe, SignalDuringPauseFailsSelect) {
   makePipe();
   const FileDescriptor reader = openReader();
   const auto finished = runForked([] {
-    // As long as the pause is, at least one of these falls into it; nothing else is disturbed by them.
+    // A timer of 3 ms fires within the 10 ms pause; SA_RESTART restarts all other calls.
     struct sigaction action {};
     action.sa_handler = [](int) {};
     action.sa_flags = SA_RESTART;

@@ -13,14 +13,13 @@ using testing::IsEmpty;
 
 class Backlog : public testing::Test {
  protected:
-  // Requests the calls of the loading notice, shown and hidden in turn, until the bound is reached: the last
-  // one hides it.
+  // Fills the backlog with calls that show and hide the loading notice in turn; the last one hides it.
   void fill() {
     for (int i = 0; i < NoticeBacklog::maxWaiting; ++i)
       ASSERT_EQ(backlog_.request(i % 2 == 0 ? Call::NoticeEnumerateOn : Call::NoticeEnumerateOff),
                 Verdict::Post);
   }
-  // Begins the waiting calls; only the last may release others.
+  // Begins the waiting calls. Returns those released by the last one; the others release none.
   std::vector<Call> beginAll() {
     for (int i = 1; i < NoticeBacklog::maxWaiting; ++i) EXPECT_THAT(backlog_.begin(), IsEmpty());
     return backlog_.begin();
@@ -106,8 +105,8 @@ TEST_F(Backlog, CancellingCallsEndMerging) {
   EXPECT_EQ(backlog_.request(Call::NotificationOn), Verdict::Post);
 }
 
-// Whatever comes and whenever the calls begin: no more wait than the bound and one for each notice, each
-// notice's calls alternate, and the last of them leads to the state requested last.
+// For random requests and begins: at most the limit plus one call per notice waits, the calls of each notice
+// alternate, and the last of them leads to the state requested last.
 TEST_F(Backlog, RandomRequestsAndBeginsEndInLastRequestedState) {
   std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same order each time
   ShownNotices requested;

@@ -12,7 +12,7 @@ using Call = NotificationAction;
 using Verdict = NoticeBacklog::Verdict;
 using testing::ElementsAre;
 
-// A queue of work, as the main thread has one.
+// A work queue like that of the main thread. Thread-safe.
 class Queue {
  public:
   void post(std::function<void()> work) {
@@ -20,7 +20,7 @@ class Queue {
     work_.push_back(std::move(work));
     longest_ = std::max(longest_, work_.size());
   }
-  // False when there was nothing to run.
+  // Returns false if the queue is empty.
   bool runNext() {
     std::function<void()> work;
     {
@@ -70,7 +70,7 @@ TEST_F(Calls, WorkThatOutlivesListenerRuns) {
   EXPECT_THAT(ran, ElementsAre(Call::NotificationOn));
 }
 
-// The last call that waits shows a notice and returns only when a merged one has hidden it.
+// The last waiting call shows a notice and returns only after a merged call has hidden it.
 TEST_F(Calls, MergedCallRunsInsideLastWaitingOne) {
   std::vector<Call> ran;
   const auto calls = make([&](Call call) {

@@ -90,7 +90,7 @@ TEST(TextInBuffer, IsEmptyForEmptyBuffer) {
 }
 
 TEST(TextInBuffer, IsWholeBufferWithoutNul) {
-  // Behind it stands what must not be read.
+  // The bytes after the buffer must not be read.
   std::array<char, notificationBufferSize + 16> memory;
   memory.fill('x');
   EXPECT_EQ(textIn(std::span(memory).first(notificationBufferSize)),

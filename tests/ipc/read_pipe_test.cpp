@@ -86,7 +86,7 @@ TEST_F(ReadPipe, WaitWithoutDataLastsWholeTimeout) {
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
 }
 
-// select(2) has bits for the descriptors below FD_SETSIZE alone.
+// select(2) handles only descriptors below FD_SETSIZE.
 TEST_F(ReadPipe, WaitAcceptsDescriptorsBelowFdSetsizeOnly) {
   rlimit limit{};
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);

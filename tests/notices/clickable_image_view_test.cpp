@@ -31,8 +31,7 @@ class Listener final : public tovalinNSImageViewDelegate {
 
 class DeafListener final : public tovalinNSImageViewDelegate {};
 
-// A window on the real display with the view at (100, 50), and a pointer that is moved from outside the
-// program.
+// A window on the display with the view at (100, 50). xdotool moves the pointer.
 class ClickableImageView : public testing::Test {
  protected:
   void SetUp() override {
@@ -40,14 +39,14 @@ class ClickableImageView : public testing::Test {
     window_->contentView().addSubview(view_);
     window_->makeKeyAndOrderFront();
     QWidget& widget = *window_->contentView().impl().widget;
-    // Only with its frame around it does the window stand where it stays.
+    // The window manager moves the window until it has its frame.
     ASSERT_TRUE(serveEventsUntil(
         [&] { return widget.isActiveWindow() && widget.geometry().top() > widget.frameGeometry().top(); }));
     origin_ = widget.mapToGlobal(QPoint(0, 0)) * widget.devicePixelRatioF();
     scale_ = widget.devicePixelRatioF();
   }
 
-  // A place in the window's points, from its lower left.
+  // Moves the pointer to a position of the window in points from its lower left corner.
   void pointAt(double x, double y) {
     const int pixelX = origin_.x() + static_cast<int>(x * scale_);
     const int pixelY = origin_.y() + static_cast<int>((200 - y) * scale_);

@@ -15,7 +15,7 @@ namespace {
 using platform::Image;
 using platform::Size;
 
-// Left half opaque red, right half fully transparent.
+// Returns an image whose left half is opaque red and whose right half is transparent.
 std::unique_ptr<Image> halfRed(double side) {
   auto image = std::make_unique<Image>(Size{side, side});
   QImage& pixels = image->impl().forms.front();
@@ -94,8 +94,7 @@ TEST(ImageResize, ShrinkingAveragesPixelsByArea) {
   EXPECT_NEAR(middle.red(), 128, 6);
 }
 
-// Each column of the small picture stands for twenty of the large one, so the line is a twentieth of one of
-// them.
+// Each column of the small picture covers twenty of the large one, so the line has a weight of one twentieth.
 TEST(ImageResize, ShrinkingKeepsThinLineAtAnyPosition) {
   for (int line = 0; line < 40; ++line) {
     Image large({200, 200});
@@ -117,7 +116,7 @@ TEST(ImageResize, StatusIconHasOnePixelPerScreenPixel) {
   const auto icon = imageResize(source.get(), 20, 20);
   ASSERT_NE(icon, nullptr);
   EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
-  // Drawn for just this grid, it comes through pixel by pixel.
+  // The representation of exactly this size is copied pixel by pixel.
   EXPECT_EQ(icon->impl().forms.front(),
             source->impl().formFor(20 * scale).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }

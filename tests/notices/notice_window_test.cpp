@@ -17,7 +17,7 @@ struct Expectation {
   const NoticeLayout& layout;
   int width;
   QRect rightPane;
-  QRect field;  // counted from the upper left, as the toolkit does
+  QRect field;  // from the upper left corner, as in Qt
   const char* text;
   int lines;
 };
@@ -50,7 +50,7 @@ TEST_P(NoticeWindow, LeftPaneHasIconWithAccessibleName) {
   ASSERT_EQ(inside.size(), 1);
   EXPECT_EQ(inside[0]->geometry(), QRect(15, 10, 60, 60));
   EXPECT_EQ(inside[0]->accessibleName(), QStringLiteral("Tovalin"));
-  // Something is drawn: not all of it is of one colour.
+  // The icon is not of a single colour, hence drawn.
   const QImage drawn = inside[0]->grab().toImage();
   EXPECT_NE(drawn.pixelColor(drawn.width() / 2, drawn.height() / 2), drawn.pixelColor(0, 0));
 }

@@ -15,7 +15,8 @@ using testing::EndsWith;
 
 namespace {
 
-// What was asked of the server and of the desktop, and what the server answers; nothing when it has no more.
+// The requests and opened addresses, and the remaining replies of the fake server; without one a request
+// fails.
 struct Outside {
   std::vector<platform::UrlRequest> requests;
   std::vector<std::string> opened;
@@ -45,7 +46,7 @@ std::string banner(const std::string& name) {
 
 }  // namespace
 
-// The real ones would need a server and a browser.
+// Fakes: the real ones would need a server and a browser.
 namespace platform {
 
 std::optional<std::string> sendSynchronousRequest(const UrlRequest& request) {
