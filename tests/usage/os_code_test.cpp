@@ -24,7 +24,7 @@ void PrintTo(const Release& release, std::ostream* stream) {
 
 class OsCode : public testing::TestWithParam<Release> {};
 
-TEST_P(OsCode, FollowsTheRelease) {
+TEST_P(OsCode, DependsOnRelease) {
   EXPECT_EQ(osCodeFor(GetParam().text), GetParam().code);
 }
 
@@ -81,7 +81,7 @@ int codeOfSystemWith(const std::string& osRelease) {
   return finished.status ? finished.status->code.value_or(-1) : -1;
 }
 
-TEST(GetOSVersion, IsTheCodeOfTheRunningSystem) {
+TEST(GetOSVersion, ReturnsCodeOfOsRelease) {
   EXPECT_EQ(codeOfSystemWith("VERSION=\"12 (bookworm)\"\n"), 68);
   EXPECT_EQ(codeOfSystemWith("NAME=Other\nVERSION=\"10.11 (El)\"\n"), 66);
   EXPECT_EQ(codeOfSystemWith("VERSION=trixie/sid\n"), 64);
