@@ -17,7 +17,8 @@ constexpr const char* kStored = "00112233-4455-6677-8899-AABBCCDDEEFF";
 constexpr const char* kCanonical = "[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}";
 constexpr const char* kWrong = "UUID is wrong, new UUID create.: ";
 
-// What the function makes of a buffer of 50 bytes, as the usage records pass it.
+// Runs GetTovalinUUID() on a buffer of 50 bytes, the size that the usage records use. Returns the buffer and
+// the error output.
 struct Filled {
   std::array<char, 50> buffer = {};
   std::string errors = {};
@@ -181,7 +182,8 @@ TEST_F(InstallationIdentity, LeaksNoDescriptor) {
   EXPECT_EQ(test_support::openDescriptors(), before);
 }
 
-// A user without rights gets the identifier; what comes back is its buffer, after its errors.
+// Runs GetTovalinUUID() as an unprivileged user in a child process, which writes the buffer to standard
+// output.
 test_support::Finished fillAsNobody() {
   return test_support::runForked([] {
     if (!test_support::becomeNobody()) return test_support::kNotToBeHad;

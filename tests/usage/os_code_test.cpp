@@ -70,7 +70,8 @@ INSTANTIATE_TEST_SUITE_P(
         Release{"HugeNegativeMinor", "Version 10.-99999999999999999999", 64}),
     nameOf);
 
-// What the function says of a system with this file of facts; the file's own place is left alone.
+// Returns GetOSVersion() for a system with this /etc/os-release, bind-mounted in a mount namespace of a child
+// process; -1 on failure.
 int codeOfSystemWith(const std::string& osRelease) {
   std::filesystem::create_directories("/tmp/etc");
   std::ofstream("/tmp/etc/os-release") << osRelease;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint32_t kUntouched = 0xDEADBEEF;
 
-// What came of asking for a switch whose place held `kUntouched` before.
+// The result of GetProperty() with a value initialised to `kUntouched`.
 struct Property {
   std::int32_t status = 0;
   std::uint32_t value = kUntouched;
@@ -198,7 +198,7 @@ TEST_F(PropertyFile, OtherRootThanDictionaryFailsParsing) {
 }
 
 TEST_F(PropertyFile, LeaksNoDescriptor) {
-  static_cast<void>(get("Autorun"));  // which opens the connection to the system log
+  static_cast<void>(get("Autorun"));  // opens the syslog connection
   const int before = test_support::openDescriptors();
   putDictionary("<key>Autorun</key><true/>");
   static_cast<void>(get("Autorun"));

@@ -121,8 +121,8 @@ TEST_F(SmallDisk, HeaderBeyondDiskSpaceLeavesEmptyFileThatGetsItLater) {
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
-// What stands in the file behind one header: how many quit records, and how many of the transfers that
-// `kBatch` makes. Nothing when anything else stands there.
+// The number of quit records and of `kBatch` transfers after one header. countRecords() returns nullopt for
+// any other content.
 struct Counts {
   int quits = 0;
   int batches = 0;
@@ -154,7 +154,7 @@ void writeBoth(int times) {
   }
 }
 
-// Two writers on a disk that a third one fills and frees, so that writes are cut short at any moment.
+// Two writers on a disk that another thread fills and frees, so that any write may be partial.
 TEST_F(SmallDisk, NoRecordIsTornWhileDiskIsFilledAndFreed) {
   fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");
   std::atomic<bool> ended = false;
@@ -213,7 +213,7 @@ TEST_F(Records, ConcurrentFirstWritersWriteOneHeader) {
   }
 }
 
-// Nothing in the file is wrong but that its last record may have been cut off.
+// Returns true if the file has no damage except a truncated last record.
 bool readsUpToItsLastWholeRecord(const std::string& bytes) {
   tools::RecordReader reader(bytes);
   while (reader.next()) continue;
@@ -228,7 +228,7 @@ TEST_F(Records, KilledWriterLeavesFileReadableUpToLastCompleteRecord) {
       writeBoth(100'000);
       return 0;
     });
-    // Later and later, from before the first byte on.
+    // Each attempt kills the writer at a larger file size, starting before the first byte.
     const std::size_t enough = static_cast<std::size_t>(attempt) * 97;
     ASSERT_TRUE(test_support::waitUntil([&] {
       std::error_code none;

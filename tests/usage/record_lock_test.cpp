@@ -58,7 +58,7 @@ TEST_F(Records, FileSystemWithoutLocksDoesNotDelayRecord) {
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
-// A process of another user that holds a lock on the file that was opened while others could read it.
+// A process of another user that opened the file while it was readable for others and holds a lock on it.
 class LockOfAnotherUser {
  public:
   explicit LockOfAnotherUser(const char* path) {
@@ -159,7 +159,7 @@ TEST_F(Records, LockIsReleasedAfterRecord) {
   EXPECT_TRUE(lock.valid());
 }
 
-// The other writer's record has come behind the end that this one saw.
+// The other writer appends its record after this one has determined the end of the file.
 TEST_F(SmallDisk, PartialRecordWithoutLockKeepsRecordOfOtherWriter) {
   write(kToday, kHeader);
   std::optional<UsageFile> passedBy;

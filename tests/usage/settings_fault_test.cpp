@@ -37,7 +37,7 @@ ssize_t readReally(int descriptor, void* bytes, std::size_t size) {
   return ::syscall(SYS_read, descriptor, bytes, size);
 }
 
-// Gets the stored identifier into a buffer of 50 "#"; returns the buffer, and in `errors` what was reported.
+// Runs GetTovalinUUID() on a buffer of 50 "#". Returns the buffer, and in `errors` the error output.
 std::string fill(std::string& errors) {
   std::array<char, 50> buffer;
   buffer.fill('#');
@@ -46,7 +46,7 @@ std::string fill(std::string& errors) {
   return {buffer.data(), buffer.size()};
 }
 
-// Likewise the option, and in `errors` what was reported.
+// Returns GetTovalinServerOption(), and in `errors` the error output.
 int option(std::string& errors) {
   int value = -1;
   errors = errorsOf([&] { value = GetTovalinServerOption(); });
@@ -63,14 +63,14 @@ int sizeReally(int descriptor, struct stat* status) {
   return ::fstatat(descriptor, "", status, AT_EMPTY_PATH);
 }
 
-// The capture of what is reported asks for a size itself, later.
+// Fails once only, because the capture of the error output calls fstat() later.
 void refuseSizeOnce() {
   insteadOfFstat = [calls = 0](int descriptor, struct stat* status) mutable {
     return ++calls == 1 ? refuseSize(descriptor, status) : sizeReally(descriptor, status);
   };
 }
 
-// The first opening finds no descriptor, and the next one does.
+// The first open() fails with EMFILE, later ones succeed.
 void refuseToOpenOnce() {
   insteadOfOpen = [calls = 0](const char* path, int flags, mode_t mode) mutable -> int {
     if (++calls > 1) return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
@@ -211,7 +211,7 @@ TEST_F(SettingsFault, EmfileForServerOptionIsReportedAndKeepsFile) {
 using PastFileFault = SettingsFault;
 constexpr const char* kPastFile = "/tmp/support/Tovalin/Tovalin_2024_03_06.dat";
 
-// Each look at its size may be the one that fails.
+// Lets each of the fstat() calls fail in turn.
 TEST_F(PastFileFault, FailedFstatDoesNotReturnEmptyContents) {
   write(kPastFile, "records");
   for (int failing = 1; failing <= 3; ++failing) {
@@ -231,7 +231,7 @@ TEST_F(PastFileFault, FailedLstatKeepsSentFile) {
   EXPECT_EQ(contentsOf(kPastFile), "records, and more");
 }
 
-// Whoever could open a file between its creation and the change of its mode could keep it open.
+// Another user could open a file between its creation and a later chmod() and keep it open.
 TEST_F(SettingsFault, FilesAndFolderAreCreatedWithPrivateModes) {
   fs::remove_all(kFolder);
   std::vector<mode_t> files, folders;

@@ -197,7 +197,7 @@ long residentPages() {
 }
 
 TEST_F(UploadPass, TenThousandFilesAreSentWithoutLeak) {
-  // In a process of its own, whose memory is its own affair.
+  // The server is a separate process, so that its memory does not count.
   test_support::ChildProcess server;
   test_support::ChildOptions quiet;
   quiet.output = test_support::Redirection::null();
@@ -217,7 +217,7 @@ TEST_F(UploadPass, TenThousandFilesAreSentWithoutLeak) {
   passOver(10'000);
   EXPECT_EQ(test_support::openDescriptors(), descriptors);
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
-  // The list of names takes some of it.
+  // Allows for the list of names.
   EXPECT_LE(residentPages(), before + 512);
 }
 

@@ -98,7 +98,7 @@ TEST_F(UploadPass, RedirectToOtherSchemeIsNotFollowed) {
   EXPECT_EQ(secure.connections(), 0u);
 }
 
-// A server that answers after the head of the request and then takes some more of it.
+// Sends a redirect after the request header, then reads 30 MiB of the body.
 RawHttpServer::Script redirectEarly(const std::string& place) {
   return [place](RawConnection& connection) {
     connection.readHead();

@@ -68,7 +68,7 @@ TEST(UploadTick, StoredLeapSecondMatchesNoMinute) {
   }
 }
 
-// How many passes the ticks of one night make, from 23:59:30 local time before `midnight` on, a minute apart.
+// Returns the number of upload passes in one night with a tick per minute, starting 30 s before `midnight`.
 int passesInTheNightOf(std::time_t midnight, int hours) {
   std::tm stored{};
   std::time_t now = midnight - 30;
@@ -92,7 +92,7 @@ int passesInTheNightOf(std::time_t midnight, int hours) {
   return passes;
 }
 
-// Clocks go forward at 2:00 on 31 March and back at 3:00 on 27 October 2024.
+// DST starts at 2:00 on 31 March and ends at 3:00 on 27 October 2024.
 TEST(UploadTick, DstChangeMakesOnePass) {
   ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
   ::tzset();
@@ -100,7 +100,7 @@ TEST(UploadTick, DstChangeMakesOnePass) {
   EXPECT_EQ(passesInTheNightOf(1729980000, 6), 1);
 }
 
-// Here midnight itself is skipped, and comes twice in autumn: the date then changes back and forth.
+// The DST change at midnight skips or repeats it: in autumn the date changes back and forth.
 TEST(UploadTick, DstChangeAtMidnightMakesOnePass) {
   ::setenv("TZ", "XST3XDT,M10.3.0/0,M2.3.0/0", 1);
   ::tzset();

@@ -27,7 +27,7 @@ TEST_F(UploadPass, LaunchThreadAndTicksShareFlag) {
   EXPECT_THAT(left(), ElementsAre(kTodaysName));
 }
 
-// A minute's ticks with a clock that is stepped.
+// Simulates the 60 s ticks with the fake clock.
 class UploadTicks : public UploadPass {
  protected:
   void launchAt(const char* time) {
