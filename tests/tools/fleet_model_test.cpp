@@ -209,7 +209,7 @@ TEST(WeightedIndex, DrawsInProportionToWeights) {
   EXPECT_NEAR(counts[2], 30'000, 500);
 }
 
-TEST(Random, BellHasItsDeviationAndBounds) {
+TEST(Random, BellHasUnitDeviationAndBounds) {
   Random random(2);
   double sum = 0, squares = 0;
   constexpr int count = 200'000;

@@ -166,7 +166,7 @@ TEST(BinaryPropertyList, UidIsReadAsDictionary) {
   EXPECT_FALSE(parse(binaryOf(bytes({0x8F}) + std::string(16, '\0'))));
 }
 
-TEST(BinaryPropertyList, ArraysAndSetsKeepTheirOrder) {
+TEST(BinaryPropertyList, ArraysAndSetsKeepOrder) {
   const BinaryList list{
       .objects = {bytes({0xA3, 1, 2, 1}), bytes({0x51, 'a'}), bytes({0xC1, 3}), bytes({0x51, 'b'})}};
   EXPECT_EQ(parse(list.build()), listOf({text("a"), listOf({text("b")}), text("a")}));

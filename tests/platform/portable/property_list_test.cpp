@@ -74,7 +74,7 @@ TEST(ParsePropertyList, RootNeedNotBeDictionary) {
   }
 }
 
-TEST(ParsePropertyList, DataThatBeginsLikeXmlIsReadAsOldText) {
+TEST(ParsePropertyList, DataResemblingXmlIsReadAsOldText) {
   EXPECT_EQ(parse(" <6162 63>"), dataOf("abc"));
   EXPECT_EQ(parse("<da>"), dataOf("\xDA"));
 }

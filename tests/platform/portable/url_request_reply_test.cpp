@@ -65,7 +65,7 @@ TEST(UrlRequestReply, ChunksAreJoined) {
   EXPECT_THAT(replyOf(RawHttpServer::answer(chunkedReply("", 1))), Optional(std::string()));
 }
 
-TEST(UrlRequestReply, BodyWithoutLengthEndsWithTheConnection) {
+TEST(UrlRequestReply, BodyWithoutLengthEndsWithConnection) {
   EXPECT_THAT(replyOf(RawHttpServer::answer("HTTP/1.1 200 OK\r\n\r\nup to the end")),
               Optional(std::string("up to the end")));
 }

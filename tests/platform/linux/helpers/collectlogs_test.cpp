@@ -119,14 +119,14 @@ TEST_F(CollectLogs, WholeFilesThatFitAreCopiedNewestFirst) {
   EXPECT_THAT(ended.error, HasSubstr("files left out: 1"));
 }
 
-TEST_F(CollectLogs, WholeFileBeyondTheLimitIsLeftOut) {
+TEST_F(CollectLogs, WholeFileBeyondLimitIsLeftOut) {
   put("fits.log", std::string(1000, 'x'), 2h);
   put("too large.log", std::string(1001, 'x'), 1h);
   EXPECT_EQ(copy("1000").code, 1);
   EXPECT_THAT(namesIn(target_), ElementsAre("fits.log"));
 }
 
-TEST_F(CollectLogs, SparseFileOfATerabyteIsLeftOut) {
+TEST_F(CollectLogs, SparseFileOfOneTerabyteIsLeftOut) {
   put("huge.log");
   fs::resize_file(source_ + "/huge.log", std::uintmax_t{1} << 40);
   EXPECT_EQ(copy("1000").code, 1);
