@@ -38,14 +38,14 @@ struct Case {
   std::string data;
 };
 
-class GoodForm : public testing::TestWithParam<Case> {};
+class ValidForm : public testing::TestWithParam<Case> {};
 
-TEST_P(GoodForm, DataIsReturnedVerbatim) {
+TEST_P(ValidForm, DataIsReturnedVerbatim) {
   EXPECT_THAT(parseFormData(kType, GetParam().body), isForm(field(GetParam().data)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Forms, GoodForm,
+    Forms, ValidForm,
     testing::Values(
         Case{"AFirstDelimiterAtTheVeryBeginning", form(kNamed, "d"), "d"},
         Case{"ALineEndBeforeTheFirstDelimiter", "\r\n" + form(kNamed, "d"), "d"},
@@ -72,9 +72,9 @@ struct HeaderCase {
   FormPart part;
 };
 
-class GoodHeader : public testing::TestWithParam<HeaderCase> {};
+class ValidHeader : public testing::TestWithParam<HeaderCase> {};
 
-TEST_P(GoodHeader, PartIsDescribed) {
+TEST_P(ValidHeader, PartIsDescribed) {
   EXPECT_THAT(parseFormData(kType, form(GetParam().headers, "d")), isForm(GetParam().part));
 }
 
@@ -85,7 +85,7 @@ FormPart file(const std::string& fileName, const std::string& type = "text/plain
 const std::string kFile = "Content-Disposition: form-data; name=\"a\"; filename=";
 
 INSTANTIATE_TEST_SUITE_P(
-    Headers, GoodHeader,
+    Headers, ValidHeader,
     testing::Values(
         HeaderCase{"AFileWithItsType", kFile + "\"f\"\r\nContent-Type: application/octet-stream\r\n",
                    file("f", "application/octet-stream")},
@@ -161,14 +161,14 @@ struct BadCase {
   std::string reason;
 };
 
-class BadForm : public testing::TestWithParam<BadCase> {};
+class InvalidForm : public testing::TestWithParam<BadCase> {};
 
-TEST_P(BadForm, IsRefusedWithReason) {
+TEST_P(InvalidForm, IsRefusedWithReason) {
   EXPECT_THAT(parseFormData(kType, GetParam().body), isRefusedBecause(GetParam().reason));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Forms, BadForm,
+    Forms, InvalidForm,
     testing::Values(
         BadCase{"NoBody", "", "the boundary does not occur"},
         BadCase{"AnotherBoundary", "--YY\r\n\r\n--YY--\r\n", "the boundary does not occur"},

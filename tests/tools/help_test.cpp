@@ -20,9 +20,9 @@ TEST_P(EveryTool, HelpStatesThatItIsNotPartOfAgent) {
   EXPECT_EQ(finished.error, "");
 }
 
-class Printer : public testing::TestWithParam<std::string> {};
+class PrintingTool : public testing::TestWithParam<std::string> {};
 
-TEST_P(Printer, UnwritableHelpExitsWithTwo) {
+TEST_P(PrintingTool, UnwritableHelpExitsWithTwo) {
   test_support::ChildOptions options;
   options.output = test_support::Redirection::file("/dev/full");
   test_support::ChildProcess child;
@@ -30,7 +30,7 @@ TEST_P(Printer, UnwritableHelpExitsWithTwo) {
   EXPECT_EQ(child.wait(), ExitStatus{.code = 2});
 }
 
-INSTANTIATE_TEST_SUITE_P(Tools, Printer, testing::Values("fleet", "tvldump"),
+INSTANTIATE_TEST_SUITE_P(Tools, PrintingTool, testing::Values("fleet", "tvldump"),
                          [](const auto& test) { return test.param; });
 
 TEST_P(EveryTool, UnknownOptionIsRefused) {

@@ -89,7 +89,7 @@ TEST_F(Log, SystemLogWritesNothingToStandardStreams) {
   EXPECT_EQ(output.end(), "");
 }
 
-TEST(LogWithoutAListener, SystemLogIsDiscardedSilently) {
+TEST(LogWithoutSyslogSocket, SystemLogIsDiscardedSilently) {
   EXPECT_FALSE(std::filesystem::exists("/dev/log"));
   EXPECT_EQ(errorsOf([] { platform::systemLog(LogPriority::Error, "text"); }), "");
 }

@@ -200,7 +200,7 @@ TEST_P(HostilePropertyList, IsParsedWithinFiveMebibytes) {
 INSTANTIATE_TEST_SUITE_P(AllForms, HostilePropertyList, testing::ValuesIn(hostileLists()),
                          [](const auto& instance) { return instance.param.name; });
 
-TEST(HostileMemory, PeakMegabytesMeasuresAllocation) {
+TEST(PeakMemory, PeakMegabytesMeasuresAllocation) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   const long peak = peakMegabytes([] {
     std::string taken(32u << 20, 'x');

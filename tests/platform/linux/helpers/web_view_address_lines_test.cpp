@@ -31,13 +31,13 @@ TEST(WebAddress, RejectsBytesOtherThanVisibleAscii) {
   }
 }
 
-TEST(WayOfAPage, AllowsHttpAndEmptyPage) {
+TEST(PageNavigation, AllowsHttpAndEmptyPage) {
   for (const char* address :
        {"http://a", "HTTPS://a", "http://127.0.0.1:80/?a=b%20c#d", "about:blank", "about:srcdoc"})
     EXPECT_TRUE(mayLeadTo(address)) << address;
 }
 
-TEST(WayOfAPage, RejectsOtherSchemes) {
+TEST(PageNavigation, RejectsOtherSchemes) {
   for (const char* address : {"", "file:///etc/passwd", "FILE:///etc/passwd", "ftp://a", "data:text/html,x",
                               "blob:http://a/b", "javascript:alert(1)", "resource:///a", "webkit://gpu",
                               "about:", "about:gpu", "about:blank2", "http:"})

@@ -14,7 +14,7 @@ namespace {
 
 using Addresses = std::vector<std::string>;
 
-class TextViewInAWindow : public WindowFixture {
+class TextViewInWindow : public WindowFixture {
  protected:
   void SetUp() override {
     WindowFixture::SetUp();
@@ -46,37 +46,37 @@ class TextViewInAWindow : public WindowFixture {
   SupportLayout layout_;
 };
 
-TEST_F(TextViewInAWindow, ClickOnLinkOpensAddressVerbatim) {
+TEST_F(TextViewInWindow, ClickOnLinkOpensAddressVerbatim) {
   click(widgetOf(*layout_.secondLink), {20, 7});
   EXPECT_EQ(openedInAll(), (Addresses{"http://two.example/?a=b&c=d"}));
 }
 
-TEST_F(TextViewInAWindow, ClickNextToLinkOpensNothing) {
+TEST_F(TextViewInWindow, ClickNextToLinkOpensNothing) {
   click(widgetOf(*layout_.firstLink), {250, 7});
   click(widgetOf(*layout_.firstLink), {20, 18});
   EXPECT_EQ(openedInAll(), Addresses{});
 }
 
-TEST_F(TextViewInAWindow, FocusedLinkOpensOnReturnAndSpace) {
+TEST_F(TextViewInWindow, FocusedLinkOpensOnReturnAndSpace) {
   widgetOf(*layout_.firstLink).setFocus();
   press("Return");
   press("space");
   EXPECT_EQ(openedInAll(), (Addresses{"http://one.example/", "http://one.example/"}));
 }
 
-TEST_F(TextViewInAWindow, AutoRepeatOpensLinkOnce) {
+TEST_F(TextViewInWindow, AutoRepeatOpensLinkOnce) {
   holdReturnAndPressItAgain(widgetOf(*layout_.firstLink));
   EXPECT_EQ(openedInAll(), (Addresses{"http://one.example/", "http://one.example/"}));
 }
 
-TEST_F(TextViewInAWindow, AccessibilityPressOpensLink) {
+TEST_F(TextViewInWindow, AccessibilityPressOpensLink) {
   auto* interface = QAccessible::queryAccessibleInterface(&widgetOf(*layout_.firstLink));
   ASSERT_NE(interface, nullptr);
   interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
   EXPECT_EQ(openedAddresses(), (Addresses{"http://one.example/"}));
 }
 
-TEST_F(TextViewInAWindow, PointingHandIsShownOverLinkTextOnly) {
+TEST_F(TextViewInWindow, PointingHandIsShownOverLinkTextOnly) {
   const QWidget& link = widgetOf(*layout_.firstLink);
   point(link, {20, 7});
   EXPECT_TRUE(serveEventsUntil([&] { return link.cursor().shape() == Qt::PointingHandCursor; }));
@@ -84,14 +84,14 @@ TEST_F(TextViewInAWindow, PointingHandIsShownOverLinkTextOnly) {
   EXPECT_TRUE(serveEventsUntil([&] { return link.cursor().shape() == Qt::ArrowCursor; }));
 }
 
-TEST_F(TextViewInAWindow, LinkIsBlueAndUnderlined) {
+TEST_F(TextViewInWindow, LinkIsBlueAndUnderlined) {
   const auto [first, last] = blueColumns(widgetOf(*layout_.firstLink));
   EXPECT_LE(first, 1);
   EXPECT_GT(last, 60);
   EXPECT_LT(last, 140);
 }
 
-TEST_F(TextViewInAWindow, OverlongTextEndsWithEllipsis) {
+TEST_F(TextViewInWindow, OverlongTextEndsWithEllipsis) {
   QWidget& link = widgetOf(*layout_.secondLink);
   const auto before = link.grab().toImage();
   EXPECT_LT(blueColumns(link).second, 280);
@@ -100,7 +100,7 @@ TEST_F(TextViewInAWindow, OverlongTextEndsWithEllipsis) {
   EXPECT_NE(link.grab().toImage(), before);
 }
 
-TEST_F(TextViewInAWindow, TruncatedTextReplacesLineBreaksWithSpaces) {
+TEST_F(TextViewInWindow, TruncatedTextReplacesLineBreaksWithSpaces) {
   layout_.firstLink->setAttributedString("One\ntwo",
                                          {true, platform::blueColor(), "http://x.example/", true});
   const QImage broken = widgetOf(*layout_.firstLink).grab().toImage();
@@ -108,12 +108,12 @@ TEST_F(TextViewInAWindow, TruncatedTextReplacesLineBreaksWithSpaces) {
   EXPECT_EQ(widgetOf(*layout_.firstLink).grab().toImage(), broken);
 }
 
-TEST_F(TextViewInAWindow, AttributedStringUsesHelvetica12) {
+TEST_F(TextViewInWindow, AttributedStringUsesHelvetica12) {
   EXPECT_EQ(widgetOf(*layout_.firstLink).font().pixelSize(), 12);
   EXPECT_EQ(widgetOf(*layout_.firstLink).font().family(), QStringLiteral("Helvetica"));
 }
 
-TEST_F(TextViewInAWindow, PlainTextReplacesLink) {
+TEST_F(TextViewInWindow, PlainTextReplacesLink) {
   layout_.firstLink->setString("Plain");
   click(widgetOf(*layout_.firstLink), {10, 7});
   press("Return");
