@@ -100,7 +100,8 @@ TEST(UploadTick, DstChangeMakesOnePass) {
   EXPECT_EQ(passesInTheNightOf(1729980000, 6), 1);
 }
 
-// The DST change at midnight skips or repeats it: in autumn the date changes back and forth.
+// DST changes at midnight in this time zone. In spring midnight is skipped; in autumn the clock returns from
+// 0:00 to 23:00, so that the date changes back and forth.
 TEST(UploadTick, DstChangeAtMidnightMakesOnePass) {
   ::setenv("TZ", "XST3XDT,M10.3.0/0,M2.3.0/0", 1);
   ::tzset();

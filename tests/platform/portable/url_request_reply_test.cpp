@@ -192,7 +192,7 @@ TEST(UrlRequestReply, GzipBombUsesLittleMemory) {
   const std::string bomb = gzipped(std::string(kUnpacked, '\0'));
   const auto finished = test_support::runForked([&] {
     const RawHttpServer server(RawHttpServer::answer(httpReply(bomb, kGzip)));
-    // A fork inherits the peak (VmHWM) of its parent; "5" resets it.
+    // A forked child inherits the peak (VmHWM) of its parent; writing "5" to clear_refs resets it.
     std::ofstream("/proc/self/clear_refs") << "5";
     const auto peak = [] {
       std::ifstream status("/proc/self/status");

@@ -80,7 +80,7 @@ TEST_F(FileEvents, ReadingAndOpeningAreNotReported) {
   std::ifstream file(inRoot("a/file"));
   const std::string contents(std::istreambuf_iterator<char>(file), {});
   EXPECT_EQ(std::distance(fs::directory_iterator(inRoot("a")), {}), 1);
-  // Opened for writing without a write.
+  // open() for writing without a write() must not be reported either.
   ::close(::open(inRoot("a/file").c_str(), O_RDWR | O_CLOEXEC));
   write("sign");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));

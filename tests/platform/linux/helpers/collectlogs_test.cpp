@@ -398,7 +398,7 @@ TEST_F(CollectLogs, RunBeyondTimeLimitKeepsOutputOfPreviousRun) {
   EXPECT_EQ(copied("n.log"), "entry 12500\nlast of 12500\n");
 }
 
-// For example journalctl crashing in a journal file of an earlier day.
+// For example, journalctl crashes in a journal file of an earlier day.
 TEST_F(CollectLogs, FailedRunKeepsOutputOfPreviousRun) {
   for (const std::string end : {"exit 1", "kill -9 $$"}) {
     const std::string script = "echo entry $0; [ $0 -le 50000 ] || " + end;

@@ -44,7 +44,7 @@ void placeReporter(const std::string& path);
 // the timeout.
 [[nodiscard]] std::string awaitContent(const std::string& path);
 
-// Returns false for a zombie too.
+// Returns whether the process runs; false for a zombie.
 [[nodiscard]] bool isAlive(const std::string& pid);
 
 }  // namespace helper_test

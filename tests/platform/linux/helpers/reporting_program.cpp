@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
   const char* path = std::getenv("REPORT");
   if (path == nullptr) return 1;
   const std::string unfinished = std::string(path) + ".unfinished";
-  // Before the report file is opened, so that its descriptor is not listed.
+  // Collected before the report file is opened, so that its descriptor is not listed.
   std::ostringstream fields;
   reportDescriptors(fields);
   for (int i = 0; i < argc; ++i) fields << "argv=" << argv[i] << '\0';

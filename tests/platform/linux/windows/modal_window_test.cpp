@@ -112,7 +112,7 @@ TEST_F(ModalWindow, RefusesCloseRequestsOfOtherWindowsOnly) {
   other->orderOut();
 }
 
-// Holds before the window is mapped, however often it is ordered to the front.
+// Blocking must begin before the window is mapped, even if it is ordered to the front repeatedly.
 TEST_F(ModalWindow, BlocksOthersAsSoonAsShown) {
   const auto other = open(plain);
   const auto modal = Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
