@@ -1,5 +1,5 @@
-// Hands a batch of events with the flags at its arguments behind the first, the root, to the bundle's watch.
-// Ends with 3 when that comes back.
+// bundle_watch_probe ROOT [FLAGS...]: calls filestreamcallback() with one event per FLAGS. Exits with 3 if
+// the callback returns.
 
 #include <cstdlib>
 #include <vector>

@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What the watch asked of the streams below, which stand here for the system's.
+// The calls that the fake FileEventStream below receives.
 struct Asked {
   std::string path = {};
   std::chrono::milliseconds latency{};
@@ -45,7 +45,7 @@ void FileEventStream::stop() {}
 
 namespace {
 
-TEST(BundleWatchStart, IsOnTheBundleWithALatencyOfHalfASecond) {
+TEST(BundleWatchStart, WatchesBundleWithLatencyOf500Milliseconds) {
   const auto stream = startBundleWatch("/X.app");
   ASSERT_NE(stream, nullptr);
   EXPECT_EQ(asked.path, "/X.app");
@@ -57,7 +57,7 @@ TEST(BundleWatchStart, IsOnTheBundleWithALatencyOfHalfASecond) {
   EXPECT_EQ(*function, &filestreamcallback);
 }
 
-TEST(BundleWatchStart, WithoutAStreamThereIsNoWatch) {
+TEST(BundleWatchStart, WithoutStreamReturnsNull) {
   thereIsAStream = false;
   EXPECT_EQ(startBundleWatch("/X.app"), nullptr);
 }

@@ -21,7 +21,7 @@ constexpr const char* root = "/tmp/Watched.app";
 constexpr const char* unloadRun =
     "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";
 
-TEST(EndsAgent, TheFlagForTheRootAloneDoes) {
+TEST(EndsAgent, OnlyRootChangedFlagEndsAgent) {
   EXPECT_TRUE(endsAgent(0x20));
   EXPECT_TRUE(endsAgent(0x21));
   EXPECT_TRUE(endsAgent(0xffffffff));
@@ -30,7 +30,8 @@ TEST(EndsAgent, TheFlagForTheRootAloneDoes) {
   EXPECT_FALSE(endsAgent(0xffffffdf));
 }
 
-// The callback in a process of its own, which it may end: 0 when it did, kReturned when it came back.
+// Runs the callback in a child process. The exit status is 0 if the callback ends the agent, kReturned if it
+// returns.
 class BundleWatch : public testing::Test {
  protected:
   static constexpr int kReturned = 3;
@@ -58,13 +59,13 @@ class BundleWatch : public testing::Test {
   test_support::ChildProcess probe_;
 };
 
-TEST_F(BundleWatch, EventsBehindTheOneThatEndsTheAgentAreNotLogged) {
+TEST_F(BundleWatch, EventsAfterRootChangedAreNotLogged) {
   EXPECT_EQ(callWith({"0", "0x20", "0x1"}), ExitStatus{.code = 0});
   EXPECT_THAT(timeline_.texts(), ElementsAre("log 6: filestreamcallback event flag : 0, 0x0",
                                              "log 6: filestreamcallback event flag : 32, 0x20", unloadRun));
 }
 
-TEST_F(BundleWatch, OtherEventsAreLoggedInTheirOrderAndEndNothing) {
+TEST_F(BundleWatch, OtherEventsAreLoggedInOrderAndDoNotEndAgent) {
   EXPECT_EQ(callWith({"0x1", "0", "0x80000000"}), ExitStatus{.code = kReturned});
   EXPECT_THAT(timeline_.texts(),
               ElementsAre("log 6: filestreamcallback event flag : 1, 0x1",
@@ -72,12 +73,12 @@ TEST_F(BundleWatch, OtherEventsAreLoggedInTheirOrderAndEndNothing) {
                           "log 6: filestreamcallback event flag : -2147483648, 0x80000000"));
 }
 
-TEST_F(BundleWatch, TheFlagForTheRootCountsBesideOthers) {
+TEST_F(BundleWatch, RootChangedAmongOtherFlagsEndsAgent) {
   EXPECT_EQ(callWith({"0x21"}), ExitStatus{.code = 0});
   EXPECT_THAT(timeline_.texts(), ElementsAre("log 6: filestreamcallback event flag : 33, 0x21", unloadRun));
 }
 
-TEST_F(BundleWatch, UnloadThatFailsEndsTheAgentAllTheSame) {
+TEST_F(BundleWatch, FailedUnloadStillEndsAgent) {
   timeline_.setStatus("launchctl", 1);
   EXPECT_EQ(callWith({"0x20", "0x20"}), ExitStatus{.code = 0});
   EXPECT_THAT(timeline_.texts(), ElementsAre("log 6: filestreamcallback event flag : 32, 0x20", unloadRun));
@@ -88,7 +89,7 @@ TEST_F(BundleWatch, EmptyBatchLogsNothing) {
   EXPECT_THAT(timeline_.texts(), IsEmpty());
 }
 
-// How many queues of file events a process has open; a stream has its own until it is stopped.
+// Returns the number of inotify instances of a process; a stream holds one until it is stopped.
 int queuesOf(const std::string& process) {
   int count = 0;
   for (const auto& entry : fs::directory_iterator("/proc/" + process + "/fd")) {
@@ -98,7 +99,7 @@ int queuesOf(const std::string& process) {
   return count;
 }
 
-TEST_F(BundleWatch, AnyBatchStopsTheStreamAlsoAnEmptyOne) {
+TEST_F(BundleWatch, AnyBatchStopsStreamEvenEmptyOne) {
   for (const std::vector<FileEvent>& events : {std::vector<FileEvent>{}, {{root, 0}}}) {
     const auto stream = FileEventStream::create(root, std::chrono::milliseconds(500), filestreamcallback);
     ASSERT_GT(queuesOf("self"), 0);
@@ -107,7 +108,7 @@ TEST_F(BundleWatch, AnyBatchStopsTheStreamAlsoAnEmptyOne) {
   }
 }
 
-TEST_F(BundleWatch, TheStreamIsStoppedBeforeTheCommandRuns) {
+TEST_F(BundleWatch, StreamIsStoppedBeforeCommandRuns) {
   timeline_.hold("launchctl");
   startWith({"0x20"});
   ASSERT_TRUE(timeline_.waitFor(unloadRun));

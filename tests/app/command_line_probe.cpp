@@ -4,7 +4,7 @@
 
 #include "app/command_line.h"
 
-// Judges its arguments as the agent does; status 100 when the agent would go on.
+// Handles its arguments like the agent. Exits with 100 if the agent would start.
 int main(int argc, char** argv) {
   const std::vector<std::string_view> arguments(argv + 1, argv + argc);
   return handleArguments(arguments).value_or(100);

@@ -17,7 +17,7 @@ using testing::StartsWith;
 
 constexpr ExitStatus kGoesOn{.code = 100};
 
-// What a program with these arguments says on each of its streams, and how it ends.
+// The exit status and the output of a program.
 struct Told {
   std::optional<ExitStatus> status = {};
   std::string output = {};
@@ -46,11 +46,11 @@ Told refused(const std::string& argument) {
           .error = "TovalinTray: unexpected argument \"" + argument + "\"; see TovalinTray --help\n"};
 }
 
-TEST(CommandLine, WithoutArgumentsTheAgentGoesOn) {
+TEST(CommandLine, WithoutArgumentsAgentStarts) {
   EXPECT_EQ(run({}), Told{.status = kGoesOn});
 }
 
-TEST(CommandLine, HelpIsPrintedOnStandardOutput) {
+TEST(CommandLine, HelpIsPrintedToStandardOutput) {
   const Told told = run({"--help"});
   EXPECT_EQ(told.status, ExitStatus{.code = 0});
   EXPECT_EQ(told.error, "");
@@ -60,12 +60,12 @@ TEST(CommandLine, HelpIsPrintedOnStandardOutput) {
   EXPECT_TRUE(told.output.ends_with('\n'));
 }
 
-TEST(CommandLine, VersionOutsideABundleIsUnknown) {
+TEST(CommandLine, VersionOutsideBundleIsUnknown) {
   EXPECT_EQ(run({"--version"}),
             (Told{.status = ExitStatus{.code = 0}, .output = "TovalinTray (version unknown)\n"}));
 }
 
-TEST(CommandLine, VersionIsThatOfTheBundle) {
+TEST(CommandLine, VersionIsThatOfBundle) {
   const fs::path contents = "/tmp/Agent.app/Contents";
   fs::create_directories(contents / "MacOS");
   fs::copy_file(COMMAND_LINE_PROBE, contents / "MacOS/probe");
@@ -84,7 +84,7 @@ TEST(CommandLine, ProcessSerialNumberIsIgnored) {
   EXPECT_EQ(run({"-psn"}), refused("-psn"));
 }
 
-// Arguments, and the one of them that is refused.
+// Arguments, and the one that is refused.
 struct Wrong {
   const char* name;
   std::vector<std::string> arguments;
@@ -97,7 +97,7 @@ void PrintTo(const Wrong& wrong, std::ostream* stream) {
 
 class WrongCommandLine : public testing::TestWithParam<Wrong> {};
 
-TEST_P(WrongCommandLine, IsRefusedOnStandardErrorWithItsFirstWrongArgument) {
+TEST_P(WrongCommandLine, FirstWrongArgumentIsReportedOnStandardError) {
   EXPECT_EQ(run(GetParam().arguments), refused(GetParam().refused));
 }
 

@@ -40,7 +40,7 @@ std::string entry(const std::string& first, const std::string& second) {
          "</key><string>http://one.example/</string></dict>";
 }
 
-// The delegate with bodies of the test's own for what it reaches outside, and a real desktop.
+// The delegate with the fakes of outside_parts.h and a real desktop.
 class DelegateSteps : public testing::Test {
  protected:
   void SetUp() override {
@@ -64,8 +64,8 @@ class DelegateSteps : public testing::Test {
   nimbatrayAppDelegate delegate_;
 };
 
-// The first reading of the clock is the start record's, the second is the start time.
-TEST_F(DelegateSteps, LaunchTakesItsStepsInOrder) {
+// The first "clock" belongs to the start record, the second to the start time.
+TEST_F(DelegateSteps, LaunchRunsStepsInOrder) {
   outside_parts::lookAtEachStep([this] { return delegate_.bThreadRun ? ", listening" : ""; });
   delegate_.applicationDidFinishLaunching();
   EXPECT_THAT(steps(), ElementsAre(versionRequest, "pipe -ton", "watch for 500 ms", "watch started",
@@ -74,7 +74,7 @@ TEST_F(DelegateSteps, LaunchTakesItsStepsInOrder) {
                                    "timer every 60000 ms, listening", "thread, listening"));
 }
 
-TEST_F(DelegateSteps, LaunchStoresItsTimeSoThatTicksOfThatDayMakeNoPass) {
+TEST_F(DelegateSteps, LaunchStoresTimeSoThatTicksOfSameDayMakeNoPass) {
   delegate_.applicationDidFinishLaunching();
   EXPECT_EQ(delegate_.strStartTime.tm_year, 124);
   EXPECT_EQ(delegate_.strStartTime.tm_mday, 6);
@@ -83,19 +83,19 @@ TEST_F(DelegateSteps, LaunchStoresItsTimeSoThatTicksOfThatDayMakeNoPass) {
   EXPECT_FALSE(delegate_.bTvlDataUpload);
 }
 
-TEST_F(DelegateSteps, TickNoticesTheTimeZoneBeforeItReadsTheClock) {
+TEST_F(DelegateSteps, TickUpdatesTimeZoneBeforeReadingClock) {
   delegate_.applicationDidFinishLaunching();
   outside_parts::reset();
   delegate_.TvlCheckDataUpload();
   EXPECT_THAT(steps(), ElementsAre("time zone", "clock"));
 }
 
-TEST_F(DelegateSteps, UploadWaitsAMinuteAtThePlatform) {
+TEST_F(DelegateSteps, UploadTimeoutIsOneMinute) {
   static_cast<void>(delegate_.sendPostRequest({}));
   EXPECT_THAT(steps(), ElementsAre("POST /product/nimba/userlog/postdata.php within 60000 ms"));
 }
 
-TEST_F(DelegateSteps, QuitTakesItsStepsInOrder) {
+TEST_F(DelegateSteps, QuitRunsStepsInOrder) {
   platform::WebView view({});
   delegate_.gaWebView = &view;
   delegate_.bThreadRun = true;
@@ -134,7 +134,7 @@ TEST_F(DelegateSteps, TerminationReleasesTimerWatchImagesAndIcon) {
   for (const auto& image : images) EXPECT_TRUE(image.expired());
 }
 
-TEST_F(DelegateSteps, SupportAsksForVersionBannersNoticeAndPictureEachForThreeSeconds) {
+TEST_F(DelegateSteps, SupportFetchesVersionBannersNoticeAndPictureWithThreeSecondTimeouts) {
   answerAll();
   platform::WebView view({});
   delegate_.gaWebView = &view;
@@ -144,7 +144,7 @@ TEST_F(DelegateSteps, SupportAsksForVersionBannersNoticeAndPictureEachForThreeSe
                                    noticeRequest, pictureRequest));
 }
 
-TEST_F(DelegateSteps, SupportWindowIsKnownWhileItIsOpenAndForgottenOnceClosed) {
+TEST_F(DelegateSteps, SupportWindowFieldsAreSetWhileOpenAndClearedOnClose) {
   answerAll();
   std::weak_ptr<platform::Button> update, log;
   std::weak_ptr<tovalinNSImageView> banner;
@@ -169,7 +169,7 @@ TEST_F(DelegateSteps, SupportWindowIsKnownWhileItIsOpenAndForgottenOnceClosed) {
   EXPECT_TRUE(update.expired() && log.expired() && banner.expired());
 }
 
-TEST_F(DelegateSteps, UpdateLeavesTheSupportWindowKnownAndOpen) {
+TEST_F(DelegateSteps, UpdateKeepsSupportWindowOpen) {
   answerAll();
   Application::sharedApplication().performOnMainThread([this] {
     outside_parts::reset();
@@ -186,7 +186,7 @@ TEST_F(DelegateSteps, UpdateLeavesTheSupportWindowKnownAndOpen) {
   EXPECT_EQ(delegate_.supportWindow, nullptr);
 }
 
-TEST_F(DelegateSteps, UpdaterFolderIsThisUsersAloneBeforeTheCopyAndGoneAfterAnEmptyOne) {
+TEST_F(DelegateSteps, UpdaterFolderHasMode0700BeforeCopyAndIsRemovedIfEmpty) {
   std::filesystem::remove_all("/tmp/tovalinupdate.app");
   outside_parts::lookAtEachStep([]() -> std::string {
     std::error_code none;
@@ -201,7 +201,7 @@ TEST_F(DelegateSteps, UpdaterFolderIsThisUsersAloneBeforeTheCopyAndGoneAfterAnEm
                                    "run open /tmp/tovalinupdate.app, no folder"));
 }
 
-TEST_F(DelegateSteps, SupportWindowIsOrderedToTheFrontAfterItsModalRun) {
+TEST_F(DelegateSteps, SupportWindowIsOrderedFrontAfterModalRun) {
   std::shared_ptr<platform::Window> window;
   Application::sharedApplication().performOnMainThread([&] {
     window = delegate_.supportWindow.load()->shared_from_this();
@@ -213,7 +213,7 @@ TEST_F(DelegateSteps, SupportWindowIsOrderedToTheFrontAfterItsModalRun) {
   window->close();
 }
 
-TEST_F(DelegateSteps, RecentVersionIsForgottenBeforeItIsAskedForAgain) {
+TEST_F(DelegateSteps, RecentVersionIsClearedBeforeFetch) {
   answerAll();
   ASSERT_EQ(delegate_.getRecentVersion(), 1);
   outside_parts::reset();
@@ -223,7 +223,7 @@ TEST_F(DelegateSteps, RecentVersionIsForgottenBeforeItIsAskedForAgain) {
   EXPECT_THAT(steps(), ElementsAre(versionRequest + std::string(", unknown")));
 }
 
-TEST_F(DelegateSteps, LoadingNoticeIsGoneBeforeTheFrontApplicationIsActivated) {
+TEST_F(DelegateSteps, LoadingNoticeIsHiddenBeforeFrontApplicationIsActivated) {
   outside_parts::lookAtEachStep(
       [this]() -> std::string { return delegate_.notiEnumWindow->isVisible() ? ", shown" : ", hidden"; });
   Application::sharedApplication().performOnMainThread([this] { delegate_.noticeEnumerateOff(); });
@@ -232,7 +232,7 @@ TEST_F(DelegateSteps, LoadingNoticeIsGoneBeforeTheFrontApplicationIsActivated) {
                                                   testing::EndsWith(", hidden"))));
 }
 
-TEST_F(DelegateSteps, NetworkFlagFollowsTheVersionAtLaunchAndTheNoticeInTheSupportWindow) {
+TEST_F(DelegateSteps, NetworkFlagFollowsVersionAtLaunchAndNoticeInSupportWindow) {
   delegate_.applicationDidFinishLaunching();
   EXPECT_FALSE(isNetworkOnline);
   answerAll();

@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST(Delegate, ItsThirtyFieldsStandInTheirOrder) {
+TEST(Delegate, HasThirtyFieldsInOrder) {
   const nimbatrayAppDelegate delegate;
   const std::vector<const void*> fields = {&delegate.window,         &delegate.supportWindow,
                                            &delegate.logButton,      &delegate.updateButton,
@@ -35,8 +35,8 @@ TEST(Delegate, ItsThirtyFieldsStandInTheirOrder) {
   EXPECT_TRUE(std::ranges::is_sorted(fields, std::ranges::less_equal()));
 }
 
-// The field after the thirtieth would lie in the padding behind it, or make the object larger.
-TEST(Delegate, NothingStandsBehindTheLastField) {
+// Another field would lie in the padding after the thirtieth or enlarge the object.
+TEST(Delegate, HasNoFieldAfterLast) {
   constexpr std::byte paint{0xA5};
   constexpr std::size_t size = sizeof(nimbatrayAppDelegate);
   alignas(nimbatrayAppDelegate) std::array<std::byte, size> memory;
@@ -50,7 +50,7 @@ TEST(Delegate, NothingStandsBehindTheLastField) {
   delegate->~nimbatrayAppDelegate();
 }
 
-TEST(Delegate, ItsFieldsStartEmptyAndItsFlagsClear) {
+TEST(Delegate, FieldsAreInitiallyEmpty) {
   const nimbatrayAppDelegate delegate;
   EXPECT_EQ(delegate.window, nullptr);
   EXPECT_EQ(delegate.supportWindow, nullptr);
@@ -84,7 +84,7 @@ TEST(Delegate, ItsFieldsStartEmptyAndItsFlagsClear) {
   EXPECT_EQ(delegate.dataUploadURL, 0);
 }
 
-TEST(Delegate, ThePropertiesGiveBackWhatWasSetAndKeepNothingAlive) {
+TEST(Delegate, PropertiesAreNonOwning) {
   nimbatrayAppDelegate delegate;
   int anything = 0;
   auto* window = reinterpret_cast<platform::Window*>(&anything);
@@ -94,17 +94,17 @@ TEST(Delegate, ThePropertiesGiveBackWhatWasSetAndKeepNothingAlive) {
   EXPECT_EQ(delegate.window, nullptr);
 }
 
-TEST(Delegate, ASecondStartBeforeTheLaunchIsNoHarm) {
+TEST(Delegate, ReopenBeforeLaunchIsNoOp) {
   nimbatrayAppDelegate delegate;
   delegate.applicationShouldHandleReopen();
   EXPECT_EQ(delegate.statusItem, nullptr);
 }
 
-TEST(Globals, TheNetworkCountsAsThereUntilItWasAsked) {
+TEST(Globals, NetworkIsInitiallyOnline) {
   EXPECT_TRUE(isNetworkOnline);
 }
 
-TEST(Globals, TheBundlePathIsZeroFilled) {
+TEST(Globals, BundlePathIsZeroFilled) {
   ASSERT_EQ(sizeof gBundlePath, 1024u);
   EXPECT_TRUE(std::ranges::all_of(gBundlePath, [](char c) { return c == '\0'; }));
 }

@@ -9,7 +9,7 @@ namespace {
 using platform::PropertyList;
 using Text = std::string;
 
-// What "AppleInterfaceStyle" holds, and whether that is the dark appearance.
+// A value of "AppleInterfaceStyle" and whether it selects the dark appearance.
 struct Style {
   const char* name;
   std::optional<PropertyList> value;
@@ -22,7 +22,7 @@ void PrintTo(const Style& style, std::ostream* stream) {
 
 class Appearance : public testing::TestWithParam<Style> {};
 
-TEST_P(Appearance, IsDarkOnlyForTheTextDark) {
+TEST_P(Appearance, IsDarkOnlyForDark) {
   EXPECT_EQ(isDarkAppearance(GetParam().value), GetParam().dark);
 }
 
@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(
         Style{"Data", PropertyList(PropertyList::Data{std::byte{'d'}}), false}),
     [](const auto& test) { return test.param.name; });
 
-// The place of the agent's bundle, and of the one around it; nothing where there is none.
+// The paths of the agent's bundle and of the enclosing bundle (nullopt: none).
 struct Place {
   const char* name;
   std::string_view agent;
@@ -57,7 +57,7 @@ void PrintTo(const Place& place, std::ostream* stream) {
 
 class BundlePath : public testing::TestWithParam<Place> {};
 
-TEST_P(BundlePath, IsTheAgentsWithoutItsPlaceInside) {
+TEST_P(BundlePath, IsPathOfEnclosingBundle) {
   EXPECT_EQ(mainApplicationBundlePath(GetParam().agent), GetParam().mainApplication);
 }
 
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
         Place{"OtherName", "/Y.app/Contents/Resources/Other.app", std::nullopt}),
     [](const auto& test) { return test.param.name; });
 
-TEST(UpdateNotice, CommandNamesTheBundleTwice) {
+TEST(UpdateNotice, CommandNamesBundleTwice) {
   EXPECT_EQ(updateNoticeCommand("/X/Y.app"),
             "open -a /X/Y.app/Contents/Resources/tovalinnotification.app --args "
             "-title \"Tovalin Notification\" -subtitle \"New version available\" "
@@ -88,7 +88,7 @@ TEST(UpdateNotice, CommandNamesTheBundleTwice) {
             "-bundlepath /X/Y.app -timeout 10");
 }
 
-TEST(UpdateNotice, PathGoesInAsItStands) {
+TEST(UpdateNotice, PathIsInsertedVerbatim) {
   const auto command = updateNoticeCommand("/My $Y \"%s\".app");
   ASSERT_TRUE(command);
   EXPECT_TRUE(command->starts_with("open -a /My $Y \"%s\".app/Contents/Resources/"));
@@ -111,7 +111,7 @@ TEST(UpdateNotice, PathOf405BytesDoesNotFit) {
   EXPECT_EQ(updateNoticeCommand(std::string(405, 'p')), std::nullopt);
 }
 
-TEST(UpdateNotice, BytesCountAndNotLetters) {
+TEST(UpdateNotice, LimitCountsBytes) {
   std::string path;
   for (int i = 0; i < 203; ++i) path += "\u00e4";
   EXPECT_EQ(updateNoticeCommand(path), std::nullopt) << "203 letters of two bytes each";

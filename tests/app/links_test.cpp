@@ -15,7 +15,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// What the delegate had the web view load and the desktop open, in their order.
+// The loads of the web view and the addresses opened on the desktop, in order.
 std::vector<std::string>& visits() {
   static std::vector<std::string> all;
   return all;
@@ -23,7 +23,7 @@ std::vector<std::string>& visits() {
 
 }  // namespace
 
-// The real ones would start a helper and a browser.
+// Fakes: the real ones would start a helper and a browser.
 namespace platform {
 
 struct WebView::Impl {};
@@ -51,7 +51,7 @@ namespace {
 struct Link {
   const char* name;
   void (nimbatrayAppDelegate::*method)();
-  const char* value;  // of the beacon
+  const char* value;  // value of the beacon
   std::string page;
 };
 
@@ -67,7 +67,7 @@ class Links : public testing::TestWithParam<Link> {
   nimbatrayAppDelegate delegate_;
 };
 
-TEST_P(Links, TellsItsBeaconFirstAndThenOpensItsPage) {
+TEST_P(Links, SendsBeaconBeforeOpeningPage) {
   platform::WebView view({});
   delegate_.gaWebView = &view;
   choose();
@@ -75,7 +75,7 @@ TEST_P(Links, TellsItsBeaconFirstAndThenOpensItsPage) {
                                     "open " + GetParam().page));
 }
 
-TEST_P(Links, WithoutAWebViewStillOpensItsPage) {
+TEST_P(Links, OpensPageWithoutWebView) {
   choose();
   EXPECT_THAT(visits(), ElementsAre("open " + GetParam().page));
 }

@@ -18,7 +18,7 @@
 namespace outside_parts {
 namespace {
 
-// A file, so that copies of this process write to the same steps.
+// A file, so that forked children append to the same steps.
 constexpr const char* stepFile = "/tmp/steps";
 
 struct State {
@@ -32,7 +32,7 @@ State& state() {
   return all;
 }
 
-// One line for each.
+// Appends one line per step.
 void take(std::string step) {
   std::ranges::replace(step, '\n', ' ');
   std::ofstream(stepFile, std::ios::app) << step << (state().look ? state().look() : "") << '\n';
@@ -49,7 +49,7 @@ std::string described(const platform::UrlRequest& request) {
          std::to_string(request.timeoutInterval.count()) + " ms" + (pastCaches ? ", no cache" : "");
 }
 
-// "clickaction quit" of an address that ends in "?category=clickaction&clickaction=quit".
+// Returns "clickaction quit" for an address that ends in "?category=clickaction&clickaction=quit".
 std::string beaconIn(const std::string& address) {
   const std::string query = address.substr(address.find("?category=") + 10);
   const std::string category = query.substr(0, query.find('&'));

@@ -8,25 +8,25 @@ namespace {
 
 constexpr std::uint32_t kGreatest = std::numeric_limits<std::uint32_t>::max();
 
-TEST(StatusIcon, FollowsAutomountAndThePanel) {
+TEST(StatusIcon, DependsOnAutomountAndPanel) {
   EXPECT_EQ(statusIconFor(1, false), StatusIcon::On);
   EXPECT_EQ(statusIconFor(1, true), StatusIcon::OnReverse);
   EXPECT_EQ(statusIconFor(0, false), StatusIcon::Off);
   EXPECT_EQ(statusIconFor(0, true), StatusIcon::OffReverse);
 }
 
-TEST(StatusIcon, EveryNumberButZeroIsOn) {
+TEST(StatusIcon, NonZeroIsOn) {
   EXPECT_EQ(statusIconFor(2, false), StatusIcon::On);
   EXPECT_EQ(statusIconFor(256, true), StatusIcon::OnReverse);
   EXPECT_EQ(statusIconFor(kGreatest, false), StatusIcon::On);
 }
 
-TEST(SwitchTitle, NamesWhatAClickWillDo) {
+TEST(SwitchTitle, NamesActionOfClick) {
   EXPECT_STREQ(switchTitleFor(1), "Automount Off");
   EXPECT_STREQ(switchTitleFor(0), "Automount On");
 }
 
-TEST(SwitchTitle, EveryNumberButZeroIsOn) {
+TEST(SwitchTitle, NonZeroIsOn) {
   EXPECT_STREQ(switchTitleFor(256), "Automount Off");
   EXPECT_STREQ(switchTitleFor(kGreatest), "Automount Off");
 }

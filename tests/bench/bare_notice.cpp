@@ -1,5 +1,5 @@
-// bare_notice FIFO PICTURE: the least that shows a window of the notice's size and contents for "-non" in a
-// FIFO that it makes, a new one each time, and takes it away for "-noff".
+// bare_notice FIFO PICTURE: the reference for a notice. Creates FIFO, shows a new window of the notice's size
+// and contents for each "-non" and hides it for "-noff".
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -46,7 +46,7 @@ int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   if (argc != 3 || ::mkfifo(argv[1], 0600) != 0) return 1;
-  // With a writing end of its own it never reads as ended.
+  // O_RDWR keeps a writer open, so that read() never returns end of file.
   const int pipe = ::open(argv[1], O_RDWR | O_NONBLOCK | O_CLOEXEC);
   std::unique_ptr<QWidget> notice;
   const QSocketNotifier readable(pipe, QSocketNotifier::Read);

@@ -1,4 +1,4 @@
-// bare_page URL: the least that has the web engine load a page that nobody sees.
+// bare_page URL: the reference for the web view. Loads a page in an unmapped view.
 
 #include <webkit2/webkit2.h>
 

@@ -1,5 +1,5 @@
-// bare_tray URL: the least that makes one fetch and shows an icon with a menu of the agent's length in a
-// panel.
+// bare_tray URL: the reference for the agent. Makes one fetch and shows a tray icon with a menu of the
+// agent's length.
 
 #include <curl/curl.h>
 

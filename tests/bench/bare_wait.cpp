@@ -1,4 +1,4 @@
-// bare_wait: does nothing but wait for 30 ms and again, as the agent's listener must.
+// bare_wait: calls select() with a timeout of 30 ms in a loop, like the agent's listener thread.
 
 #include <fcntl.h>
 #include <sys/select.h>

@@ -1,4 +1,4 @@
-// A message to the main application beyond its pause, beside the bare system calls with the same pause.
+// Measures sendPipeMsg() without its pause against the bare system calls with the same pause.
 
 #include <fcntl.h>
 #include <sys/select.h>

@@ -1,4 +1,4 @@
-// Scaling a picture, beside the toolkit's own scaling of the same pixels.
+// Measures imageResize() against QImage::scaled() on the same pixels.
 
 #include <malloc.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int side = 512;
 
-// In the format in which pictures come out of their files.
+// Uses the format of decoded picture files.
 QImage picture() {
   QImage pixels(side, side, QImage::Format_ARGB32);
   for (int y = 0; y < side; ++y)
@@ -25,7 +25,7 @@ QImage picture() {
 }  // namespace
 
 int main() {
-  // As the agent has it: large pieces come from the kernel, and go back to it.
+  // The agent's malloc settings: large blocks are mapped and unmapped.
   ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   const QImage pixels = picture();
   platform::Image source({side, side});

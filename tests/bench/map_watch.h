@@ -8,15 +8,15 @@
 
 namespace bench {
 
-// Sees a window of one size come and go on a display, by the server's own notices. A window counts as shown
-// once its frame is: the window manager maps the frame behind the window, and nothing is to be seen before.
+// Reports when a window of the given size is mapped and unmapped, from X events. A window counts as shown
+// when its frame is mapped: the window manager maps the frame after the window.
 class MapWatch {
  public:
   MapWatch(const std::string& display, int width, int height);
 
-  // Forgets what has happened so far.
+  // Discards the events so far.
   void forget();
-  // False when it did not happen within a generous time.
+  // Return false after the timeout.
   [[nodiscard]] bool waitUntilShown() { return waitFor(true); }
   [[nodiscard]] bool waitUntilHidden() { return waitFor(false); }
 
@@ -28,7 +28,7 @@ class MapWatch {
   int width_;
   int height_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
-  xcb_window_t outermost_ = XCB_WINDOW_NONE;  // its frame, or itself as long as it has none
+  xcb_window_t outermost_ = XCB_WINDOW_NONE;  // its frame, or the window itself without one
   bool shown_ = false;
 };
 

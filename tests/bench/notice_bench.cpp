@@ -1,5 +1,4 @@
-// From the message into the notification pipe to the notice on the screen, beside the least program that
-// shows such a window.
+// Measures the time from "-non" in the notification pipe to the mapped notice against bare_notice.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -27,11 +26,10 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr int pairsOfNotices = 200;
 constexpr int width = 420, height = 80;
-// For what a program and the window manager still do behind a window that has gone.
+// Time for the program and the window manager to finish hiding a window.
 constexpr auto settled = 20ms;
 
-// What the programs need around them: a display, a bus, a system log and a main application's end of the
-// command pipe.
+// Display, session bus, syslog socket and reader of the command pipe for the measured programs.
 class Desktop {
  public:
   Desktop() {
@@ -52,7 +50,7 @@ class Desktop {
   test_support::MessageFifo pipe_{"/tmp/KMPIPE"};
 };
 
-// A program that shows its notice for "-non" and takes it away for "-noff".
+// A program that shows a notice for "-non" and hides it for "-noff".
 class NoticeProgram {
  public:
   NoticeProgram(const Desktop& desktop, const std::vector<std::string>& command, const std::string& fifo)
@@ -65,7 +63,7 @@ class NoticeProgram {
       giveUp(name_ + " does not listen");
   }
 
-  // Shows and hides the notice once: the time until it was there.
+  // Shows and hides the notice once. Returns the time until it was shown.
   Milliseconds showAndHide() {
     watch_.forget();
     const auto begin = std::chrono::steady_clock::now();

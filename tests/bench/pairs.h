@@ -6,13 +6,13 @@
 
 namespace bench {
 
-// What one pair of runs, side by side in time, came to.
+// The figures of two runs made one after the other.
 struct Pair {
   double ours = 0;
   double reference = 0;
 };
 
-// One line of the table.
+// One row of the table.
 struct Result {
   std::string what = {};
   std::string unit = {};
@@ -20,23 +20,24 @@ struct Result {
   bool hasReference = true;
 };
 
-// Says why there is nothing to measure, and ends the program with 1.
+// Prints `reason` to standard error and exits with status 1.
 [[noreturn]] void giveUp(const std::string& reason);
 
-// How often `work` is to be called for one run, so that the clock and the scheduler weigh little in it.
+// Returns the number of calls of `work` in one run, large enough to make the resolution of the clock and the
+// scheduling negligible.
 [[nodiscard]] int callsInOneRun(const std::function<void()>& work);
 
-// Runs `ours` and `reference` alternately, so that whatever else the machine does meets both alike, and takes
-// turns in who goes first, so that neither always finds the other's leavings. Each gives the figure of one
-// run.
+// Runs `ours` and `reference` alternately, so that other load affects both alike, and swaps their order in
+// each pair, so that neither always runs after the other. Each returns the figure of one run.
 [[nodiscard]] std::vector<Pair> runPairs(int pairs, const std::function<double()>& ours,
                                          const std::function<double()>& reference);
 
-// The same for work that is timed here, in microseconds a call. `reference` may be absent.
+// Like runPairs(), but measures the time of `ours` and `reference` in microseconds per call. `reference` may
+// be null.
 [[nodiscard]] Result timePairs(const std::string& what, const std::function<void()>& ours,
                                const std::function<void()>& reference = nullptr);
 
-// One line of JSON on standard output.
+// Prints one line of JSON to standard output.
 void print(const Result& result);
 
 }  // namespace bench

@@ -7,25 +7,25 @@
 
 namespace bench {
 
-// A process, its children, their children, and so on.
+// Returns a process and all its descendants.
 [[nodiscard]] std::vector<pid_t> processTree(pid_t root);
 
 // Memory in KiB.
 struct Memory {
-  double proportional = 0;  // what is shared with other programs counted in part (Pss)
-  double own = 0;           // written by the processes themselves, so that nobody can share it
+  double proportional = 0;  // Pss: shared pages counted in proportion
+  double own = 0;           // Private_Dirty: pages written by the processes
 };
 
-// Of all processes of a tree together.
+// Returns the sum over all processes of a tree.
 [[nodiscard]] Memory memoryOf(const std::vector<pid_t>& tree);
 
-// What the processes have done since their starts.
+// The work of processes since their start.
 struct Work {
-  double wakeUps = 0;  // how often a thread came back from waiting
+  double wakeUps = 0;  // voluntary context switches
   std::chrono::duration<double> processor = {};
 };
 
-// Of all threads of all processes of a tree together.
+// Returns the sum over all threads of all processes of a tree.
 [[nodiscard]] Work workOf(const std::vector<pid_t>& tree);
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// Reading property lists, beside a bare pass of Expat over the same bytes, or, for a binary list, over the
+// Measures parsePropertyList() against a bare Expat pass over the same bytes or, for a binary list, over the
 // same content as XML.
 
 #include <expat.h>
@@ -25,7 +25,7 @@ constexpr std::string_view head =
     "<plist version=\"1.0\">\n<dict>\n";
 constexpr std::string_view tail = "</dict>\n</plist>\n";
 
-// A third each of texts, numbers and truths.
+// A third each of strings, integers and booleans.
 struct Entry {
   std::string key = {};
   std::string xml = {};
@@ -55,7 +55,7 @@ std::vector<Entry> entries(std::size_t count) {
   return result;
 }
 
-// Like the main application's property file.
+// The content of the main application's property file.
 std::vector<Entry> propertyFile() {
   return {{.key = "Active", .xml = "<true/>", .binary = "\x09"},
           {.key = "Autorun", .xml = "<true/>", .binary = "\x09"}};
@@ -67,7 +67,7 @@ std::string xmlList(const std::vector<Entry>& all) {
   return list.append(tail);
 }
 
-// The dictionary first, then its keys, then its values.
+// Layout: the dictionary, its keys, its values.
 std::string binaryList(const std::vector<Entry>& all) {
   std::string dictionary = "\xdf\x11" + BinaryList::bigEndian(all.size(), 2);
   for (std::size_t i = 1; i <= 2 * all.size(); ++i) dictionary += BinaryList::bigEndian(i, 2);
@@ -78,11 +78,11 @@ std::string binaryList(const std::vector<Entry>& all) {
 }
 
 void parse(const std::string& list) {
-  // A list that isn't read in full would look fast.
+  // Parsing that fails early would distort the figure.
   if (!platform::parsePropertyList(std::as_bytes(std::span(list)))) std::abort();
 }
 
-// What the parser itself takes to report each element and text.
+// Runs Expat with handlers that only count elements and texts.
 void readThrough(const std::string& list) {
   const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate("UTF-8"),
                                                                             &XML_ParserFree);

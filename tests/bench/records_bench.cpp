@@ -1,4 +1,5 @@
-// Usage records, beside a bare loop of open, write and close with the same bytes, on the same disk.
+// Measures the writing of usage records against open(), write() and close() with the same bytes on the same
+// disk.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,7 +17,7 @@
 
 namespace {
 
-// On the disk that this program lies on; the sandbox's own files are in memory.
+// On the disk of this program; the sandbox's own file systems are in memory.
 const std::filesystem::path support =
     std::filesystem::canonical("/proc/self/exe").parent_path() / "records_bench.files";
 const std::filesystem::path folder = support / "Tovalin";
@@ -48,7 +49,7 @@ std::string todaysFile() {
   std::abort();
 }
 
-// What a message adds to the day's file.
+// Returns the bytes that a message adds to the day's file.
 std::string recordOf(const Message& message) {
   TvlGetCollectData(message);
   const auto before = std::filesystem::file_size(todaysFile());
@@ -68,7 +69,7 @@ void compare(const std::string& what, const Message& message) {
   const std::string record = recordOf(message);
   bench::print(bench::timePairs(
       what, [&] { TvlGetCollectData(message); }, [&] { writeBare(record); }));
-  // Both files begin small, and memory is given back.
+  // Both files start empty for the next comparison.
   std::filesystem::remove(bareFile);
   std::filesystem::remove(todaysFile());
 }

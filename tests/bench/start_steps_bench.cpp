@@ -1,7 +1,6 @@
-// Where the time of a start goes: the spans between calls that the agent and the least program with an icon
-// both make, beside each other, and the agent's own steps within them. A step ends with the first system call
-// of the next one, which strace(1) tells the time of. Only a few calls are traced, so the start takes little
-// longer than by itself.
+// Breaks down the start-up time: spans between calls that both the agent and bare_tray make, and the agent's
+// own steps within them. A step ends with the first system call of the next step, whose time strace(1)
+// prints. Only a few calls are traced, to keep the overhead small.
 
 #include <chrono>
 #include <cstdlib>
@@ -23,11 +22,11 @@ using Desktop = bench::StartUpDesktop;
 constexpr int pairsOfStarts = 11;
 constexpr const char* traceFile = "/tmp/start.trace";
 
-// A step, and what stands in the trace's line of the call that follows it.
+// A step and the text that identifies the following call in the trace.
 struct Step {
   const char* what;
   const char* end;
-  bool endsSpan = false;  // that call ends a span too
+  bool endsSpan = false;  // the call ends a span too
 };
 
 const std::vector<Step> stepsOfAgent = {
@@ -52,10 +51,10 @@ const std::vector<Step> stepsOfBareTray = {
     {"icon registered", "RegisterStatusNotifierItem", true},
 };
 
-// Several steps at once, from the end of the span before to a call that both programs make.
+// Several steps, from the end of the previous span to a call that both programs make.
 struct Span {
   const char* what;
-  double pause = 0;  // of the agent's own in it, in milliseconds
+  double pause = 0;  // pause of the agent within the span, in milliseconds
 };
 
 const std::vector<Span> spans = {
@@ -65,8 +64,8 @@ const std::vector<Span> spans = {
     {"both: ... to the icon's registration"},
 };
 
-// How long each step took, in milliseconds; nothing when the trace doesn't hold them all yet. A line of it:
-// PID SECONDS.MICROSECONDS call(...) = result
+// Returns the duration of each step in milliseconds, or nullopt if the trace does not contain all steps yet.
+// Format of a line: PID SECONDS.MICROSECONDS call(...) = result
 std::optional<std::vector<double>> timesIn(std::istream& trace, const std::vector<Step>& steps) {
   std::vector<double> times;
   double last = 0;
@@ -84,7 +83,7 @@ std::optional<std::vector<double>> timesIn(std::istream& trace, const std::vecto
 }
 
 std::vector<double> timesOf(Desktop& desktop, const Command& program, const std::vector<Step>& steps) {
-  // -D makes the program the child and not the tracer, so that signals find it.
+  // -D makes the program, not the tracer, the child process, so that it receives the signals.
   Command traced = {"strace",
                     "-D",
                     "-f",
@@ -99,7 +98,7 @@ std::vector<double> timesOf(Desktop& desktop, const Command& program, const std:
   traced.insert(traced.end(), program.begin(), program.end());
   static_cast<void>(desktop.startAndEnd(traced));
   std::optional<std::vector<double>> times;
-  // The tracer writes its last lines after the program's end.
+  // strace writes its last lines after the program has ended.
   const bool complete = test_support::waitUntil([&] {
     std::ifstream trace(traceFile);
     return (times = timesIn(trace, steps)).has_value();

@@ -1,5 +1,4 @@
-// The agent's start, memory and rest, beside those of the least program that has fetched a page and has an
-// icon and a menu in the panel.
+// Measures start-up time, memory and idle load of the agent against bare_tray.
 
 #include <chrono>
 #include <filesystem>
@@ -42,7 +41,7 @@ bench::Memory settledMemory(Desktop& desktop, const Command& program) {
   return memory;
 }
 
-// What is shared depends on which other programs run; what a program has written itself does not.
+// Pss depends on which other programs run; Private_Dirty does not.
 void measureMemory(Desktop& desktop) {
   std::vector<double> ourOwn, referencesOwn;
   const auto measure = [&](const Command& measured, std::vector<double>& own) {
@@ -61,8 +60,8 @@ void measureMemory(Desktop& desktop) {
 }
 
 struct Rest {
-  double wakeUps = 0;  // a second
-  double load = 0;     // of a core, in per cent
+  double wakeUps = 0;  // per second
+  double load = 0;     // per cent of a core
 };
 
 Rest restOf(const std::vector<pid_t>& tree) {
@@ -87,7 +86,7 @@ void printOne(const std::string& what, const std::string& unit, double ours, dou
   bench::print({.what = what, .unit = unit, .pairs = {{ours, reference}}});
 }
 
-// The programs it stands beside have come to their rest within seconds.
+// The reference programs are idle within seconds.
 void measureRest(Desktop& desktop) {
   static_cast<void>(desktop.start(desktop.agent()));
   std::this_thread::sleep_for(webViewGone);
@@ -101,7 +100,7 @@ void measureRest(Desktop& desktop) {
   printOne("... per cent of a core", "%", ours.load, reference.load);
 }
 
-// An icon and a page take two programs.
+// The reference for icon and page consists of two programs.
 bench::Memory settledMemoryOfBareTrayAndPage(Desktop& desktop) {
   static_cast<void>(desktop.start(desktop.bareTray()));
   test_support::ChildProcess page;
@@ -117,7 +116,7 @@ bench::Memory settledMemoryOfBareTrayAndPage(Desktop& desktop) {
   return memory;
 }
 
-// Each start sends beacons, for which the helper and its engine are there for 15 s.
+// Each start sends beacons, for which the helper and the web engine run for 15 s.
 void measureMemoryWithBeacons(Desktop& desktop) {
   bench::print({.what = "memory 2 s after a beacon, the web view there (Pss)",
                 .unit = "KiB",

@@ -38,7 +38,7 @@ StartUpDesktop::StartUpDesktop() {
   copyBundle(contents(), server_.address(""));
   if (!bus_.start() || !display_.start() || !portal_.start(bus_, "2") || !host_.start(bus_) || !pipe_.valid())
     giveUp("the desktop did not come up");
-  // The first start of each finds its files on the disk.
+  // The first start of each program loads its files from disk into the page cache.
   for (const auto& program : {agent(), bareTray()}) static_cast<void>(startAndEnd(program));
 }
 
@@ -67,7 +67,7 @@ Milliseconds StartUpDesktop::start(const Command& program) {
 }
 
 void StartUpDesktop::end() {
-  // The answer comes once the host follows the item; before that it could miss the item's end.
+  // The host answers once it watches the item; before that it could miss the item's removal.
   if (host_.properties().empty()) giveUp("a program's icon does not answer");
   program_.terminate();
   if (!program_.wait()) giveUp("a program did not end");

@@ -17,35 +17,34 @@
 
 namespace bench {
 
-// A program with its arguments.
+// A program and its arguments.
 using Command = std::vector<std::string>;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-// A desktop with a panel, a portal, the product's server and a main application that reads the agent's
-// messages. Whatever fails ends the benchmark.
+// A desktop with a panel, a portal, a product server and a reader of the command pipe. Any failure ends the
+// benchmark.
 class StartUpDesktop {
  public:
   StartUpDesktop();
 
-  // The agent in a bundle of its own, whose product server is the one here; and the least program that makes
-  // one fetch and has an icon with a menu.
+  // Return the commands of the agent, in a bundle that names the product server of this desktop, and of
+  // bare_tray.
   [[nodiscard]] Command agent() const { return {contents() + "/MacOS/TovalinTray"}; }
   [[nodiscard]] Command bareTray() const;
-  // The least program that has the web engine load a page, to be run with options(). It has no icon.
+  // Returns the command of bare_page, to be run with options(). It shows no icon.
   [[nodiscard]] Command barePage() const;
-  // With what the programs are run: they find the display and the bus, and what they say goes nowhere.
+  // Returns options with the display and the session bus of this desktop; standard error is discarded.
   [[nodiscard]] test_support::ChildOptions options() const;
-  // The folder `Contents` of the agent's bundle.
+  // Returns the path of the folder Contents of the agent's bundle.
   [[nodiscard]] static std::string contents();
 
-  // Starts a program and waits until its icon is in the panel.
+  // Starts a program and waits until its icon is registered. Returns the time.
   Milliseconds start(const Command& program);
-  // Ends it, and the helper with the web view, which would outlive the agent for a while and slow down the
-  // next start.
+  // Ends the program and the web view helper, which would outlive the agent and slow down the next start.
   void end();
   Milliseconds startAndEnd(const Command& program);
 
-  // Of the program that was started last.
+  // Returns the process tree of the program that was started last.
   [[nodiscard]] std::vector<pid_t> tree() const { return processTree(program_.pid()); }
 
  private:

@@ -1,5 +1,5 @@
-// From the choice in the menu to the support window on the screen, with a product server on the loopback,
-// beside the window's four fetches alone, made over libcurl's easy interface.
+// Measures the time from the menu click to the mapped support window, with a product server on loopback,
+// against its four fetches with libcurl's easy interface.
 
 #include <curl/curl.h>
 
@@ -33,7 +33,7 @@ constexpr int openings = 50;
 constexpr int width = 420, height = 240;
 constexpr const char* line = "Support Tovalin";
 constexpr const char* bundle = "/tmp/Tovalin.app";
-// For what a program and the window manager still do behind a window that has gone.
+// Time for the program and the window manager to finish hiding a window.
 constexpr auto settled = 20ms;
 
 constexpr const char* noticeFile = "/product/nimba/binary/tovalinnotice.xml";
@@ -47,7 +47,7 @@ std::string wholeFile(const std::string& path) {
   return contents;
 }
 
-// The files of the stand-in server; every banner is the same one, so that all openings fetch alike.
+// Fills the fake server. All openings fetch the same single banner.
 void fill(test_support::ProductServerDouble& server) {
   const std::string root = TOVALIN_PRODUCTSERVER_ROOT;
   server.putVersion("9.0.0");
@@ -58,7 +58,7 @@ void fill(test_support::ProductServerDouble& server) {
   server.put(bannerFile, wholeFile(root + bannerFile));
 }
 
-// A copy of the built bundle whose product server is this one, and whose beacons go nowhere.
+// Copies the bundle, sets its product server and removes the web view helper, so that no beacon is sent.
 void install(const std::string& origin) {
   fs::copy(TOVALIN_BUNDLE, bundle, fs::copy_options::recursive);
   const std::string contents = bundle + std::string("/Contents/Resources/TovalinTray.app/Contents/");
@@ -82,11 +82,11 @@ class Agent {
         bundle + std::string("/Contents/Resources/TovalinTray.app/Contents/MacOS/TovalinTray");
     if (!program_.start({program}, options) || !host_.waitForEvent("registered")) giveUp("no agent");
     watch_ = std::make_unique<bench::MapWatch>(display_.name(), width, height);
-    // Makes the menu known.
+    // Fetches the menu layout for clickKnown().
     if (host_.menu().empty()) giveUp("no menu");
   }
 
-  // Opens and closes the window once: the time until it was there.
+  // Opens and closes the window once. Returns the time until it was shown.
   double open() {
     watch_->forget();
     const auto begin = std::chrono::steady_clock::now();

@@ -1,5 +1,5 @@
-// The tools for large inputs: tvldump over what a fleet uploads, beside a plain read of the same bytes, and a
-// simulated day.
+// Measures tvldump on a fleet's uploads against a plain read of the same bytes, and the simulation of a day
+// by fleet.
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -24,7 +24,7 @@ constexpr std::size_t sizeOfLargeFile = 100'000'000;
 constexpr int smallFiles = 20'000;
 constexpr const char* folder = "/tmp/days";
 
-// The records of a day with four devices and 40 transfers, 15 bytes each in the mean.
+// Returns the records of a day with four devices and 40 transfers, 15 bytes each on average.
 std::string recordsOfADay(const std::tm& time) {
   const std::vector<TransferEntry> entries(
       40, {1, std::string_view("\x10\x32\x54\x06\0\0\0\0", record_format::sizeFieldWidth), "jpg"});
@@ -45,7 +45,7 @@ void write(const std::string& path, std::size_t size) {
     bench::giveUp("cannot write " + path);
 }
 
-// Of the processor, so that other programs on the machine weigh less: these programs wait for nothing else.
+// Returns CPU time, so that other programs on the machine have less influence; the tools do not wait.
 double secondsUsed(int who) {
   rusage used{};
   ::getrusage(who, &used);

@@ -1,5 +1,5 @@
-// An upload pass, beside a plain loop over libcurl's easy interface that reads, sends and deletes the same
-// files; and the peak of memory while a large file is sent, beside the file's own size.
+// Measures an upload pass against a plain loop over libcurl's easy interface that reads, sends and deletes
+// the same files, and the peak memory of the upload of a large file against the size of the file.
 
 #include <curl/curl.h>
 #include <sys/resource.h>
@@ -30,7 +30,7 @@ constexpr std::size_t sizeOfAFile = 4096;
 constexpr std::size_t sizeOfTheLargeFile = 100'000'000;
 const fs::path folder = "/tmp/support/Tovalin";
 
-// What the plain loop sends, written out so that none of the agent's code is in its time.
+// The request of the reference, written out so that none of the agent's code is in its time.
 constexpr const char* path = "/product/nimba/userlog/postdata.php";
 constexpr const char* contentType =
     "Content-Type: multipart/form-data; boundary=---------------------------14737809831466499882746641449";
@@ -55,7 +55,7 @@ bool sendPlainly(const std::string& address, const std::string& contents) {
   CURL* curl = curl_easy_init();
   const std::string body = bodyHead + contents + bodyTail;
   curl_slist* headers = curl_slist_append(nullptr, contentType);
-  // Else it would wait a second for a server that does not answer the question.
+  // Without this header libcurl waits 1 s for "100 Continue".
   headers = curl_slist_append(headers, "Expect:");
   std::string reply;
   curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
@@ -85,7 +85,7 @@ double millisecondsOf(const std::function<void()>& pass) {
   return std::chrono::duration<double, std::milli>(took).count();
 }
 
-// In a process of its own, whose peak is that of the pass alone.
+// Runs the pass in a child process, so that ru_maxrss covers the pass alone.
 double peakMegabytesOfOnePass(nimbatrayAppDelegate& delegate) {
   writeFiles(1, sizeOfTheLargeFile);
   const pid_t child = ::fork();

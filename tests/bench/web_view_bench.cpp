@@ -1,5 +1,5 @@
-// A beacon and its load for their caller, beside a bare write to a socket or a bare start of a program, and
-// what a page takes as long as it is there, beside the least program that loads one.
+// Measures the time that a beacon and its load take for the caller, against a bare write to a socket or a
+// bare start of a program, and the memory of a loaded page against bare_page.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -61,7 +61,7 @@ void loadAndAwait(platform::WebViewProcess& process, web_view_test::PageServer& 
   if (!server.waitFor(page)) std::abort();
 }
 
-// What a beacon comes to: a line of its length into a socket like the helper's.
+// Sends a line of the length of a beacon through a socket like the helper's.
 class BareLine {
  public:
   BareLine() {
@@ -73,7 +73,7 @@ class BareLine {
   BareLine(const BareLine&) = delete;
   BareLine& operator=(const BareLine&) = delete;
 
-  // The time that one sending takes.
+  // Returns the time of one send() in microseconds.
   double send() {
     const double time = timeOf([&] { static_cast<void>(::send(ends_[0], line.data(), line.size(), 0)); });
     std::array<char, line.size()> room{};
@@ -88,8 +88,8 @@ class BareLine {
   std::array<int, 2> ends_{};
 };
 
-// The time that the start of a program takes which ends at once: with a socket to be read, silent and in a
-// session of its own, as the helper is.
+// Returns the time of posix_spawn() for a program that ends immediately: like the helper, in a new session,
+// with a socket as standard input and /dev/null as output.
 double bareStart() {
   std::array<int, 2> ends{};
   if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) std::abort();
@@ -125,7 +125,7 @@ void measureLoads(web_view_test::PageServer& server) {
                 .pairs = bench::runPairs(loads, ours, [&] { return line.send(); })});
 }
 
-// As the delegate sends it, which reads the product server from the bundle each time.
+// The delegate reads the product server from the bundle for each beacon.
 double timeOfBeacon(nimbatrayAppDelegate& delegate) {
   return timeOf([&] { delegate.notificateGA("clickaction", "turnon"); });
 }
@@ -195,7 +195,7 @@ void measureMemory(web_view_test::PageServer& server) {
                 .pairs = bench::runPairs(pages, ours, bare)});
 }
 
-// After that there is nothing left whose memory could be measured.
+// Measured last, because no process is left afterwards.
 void measureIdleTime(web_view_test::PageServer& server) {
   platform::WebViewProcess process;
   loadAndAwait(process, server, 2000);

@@ -1,4 +1,4 @@
-// Any bytes as an address that the server names, and as a text that goes into an address.
+// Input: an address that the server names, and a text that is inserted into an address.
 
 #include "support/address.h"
 
@@ -20,7 +20,7 @@ bool isHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-// What may not stand in an address among the visible characters of ASCII, worked out here a second time.
+// Second implementation of isAddress(), by the visible ASCII characters that an address may not contain.
 bool isAddressBySecondWay(const std::string& text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] <= ' ' || text[i] > '~') return false;

@@ -6,8 +6,8 @@
 
 namespace fuzz {
 
-// An application directory of this process's own, so that no target touches the user's; removed with this
-// object. One a process.
+// A temporary application directory of this process, so that no target uses the user's. The destructor
+// removes it. One object per process. The constructor throws std::runtime_error on failure.
 class ApplicationFolder {
  public:
   ApplicationFolder();
@@ -15,7 +15,7 @@ class ApplicationFolder {
   ApplicationFolder(const ApplicationFolder&) = delete;
   ApplicationFolder& operator=(const ApplicationFolder&) = delete;
 
-  // Puts a file with these bytes there, in the place of an earlier one.
+  // Creates or replaces the file `name`.
   void write(const std::string& name, std::string_view bytes) const;
   [[nodiscard]] std::string read(const std::string& name) const;
 

@@ -1,5 +1,5 @@
-// Any bytes as the server's list of banners: what is chosen is an entry of it, what is fetched stays in the
-// server's folder of banners as far as an address can say, and what is opened is a link.
+// Input: the banner list of the server. The chosen banner must be an entry of the list, the fetched path must
+// lie in the banner folder, and the opened address must be a link.
 
 #include <algorithm>
 #include <array>

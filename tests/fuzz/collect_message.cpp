@@ -1,5 +1,5 @@
-// Any bytes as a "-ncdat" message: the records written from it are read whole, and tell what the message
-// said.
+// Input: a "-ncdat" message. The records written for it must be readable and contain the values of the
+// message.
 
 #include "usage/collect_message.h"
 
@@ -34,14 +34,14 @@ constexpr std::tm kTime = [] {
 }();
 constexpr std::string_view kTimeText = "2024-02-29 23:59:60";
 
-// What was not sent is zero.
+// The rest of the message is zero.
 Message messageOf(const std::uint8_t* data, std::size_t size) {
   Message message{};
   std::copy_n(data, std::min(size, message.size()), message.begin());
   return message;
 }
 
-// The field's text, read here a second time by itself.
+// Second implementation of the reading of a text field.
 std::string textAt(const Message& message, std::size_t offset, std::size_t longest) {
   std::string text;
   while (text.size() < longest && message.at(offset + text.size()) != '\0')
@@ -65,7 +65,7 @@ std::vector<tools::Item> itemsOf(const std::string& bytes) {
   return items;
 }
 
-// The message's name stands in for the texts of the header too.
+// Uses the name of the message for the texts of the header too.
 std::string headerFor(const Message& message, const std::string& name) {
   const auto osCode = static_cast<std::uint8_t>(64 + static_cast<std::uint8_t>(message[7]) % 5);
   return headerBytes(kTime, std::string_view(name).substr(0, kIdentifierLength), osCode, name);

@@ -1,5 +1,5 @@
-// A list of content codings up to the first line end, and behind it the body of a reply: what is decoded
-// keeps within its limit; a body without a coding that is known stays; what is encoded here comes back.
+// Input: a line with content codings, then the body of a reply. A decoded body must not exceed the limit, a
+// body without a known coding must be unchanged, and an encoded body must be restored.
 
 #include "platform/portable/content_coding.h"
 

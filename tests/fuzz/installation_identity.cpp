@@ -1,4 +1,4 @@
-// Any bytes as the file of the installation's identifier.
+// Input: the file of the installation's identifier.
 
 #include "usage/installation_identity.h"
 

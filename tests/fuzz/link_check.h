@@ -4,8 +4,8 @@
 
 namespace fuzz {
 
-// What must hold of a link that the server names, judged by the toolkit's own reader of addresses: the
-// desktop is asked to open it only when it is a whole address of the web, which has a host.
+// Checks a link with Qt's parser: an accepted link must be an http or https address with a host, because the
+// desktop is asked to open it.
 void checkLink(const std::string& link);
 
 }  // namespace fuzz

@@ -10,7 +10,7 @@ namespace {
 
 using test_support::FileDescriptor;
 
-// A client that says nothing is none.
+// Gives up on a client that sends nothing for this time.
 constexpr timeval kPatience{1, 0};
 
 void readHead(int connection) {
@@ -31,7 +31,7 @@ void send(int connection, std::string_view bytes) {
   }
 }
 
-// Unread bytes at the end would reset the connection before the client has read its answer.
+// Closing a socket with unread bytes resets the connection before the client has read its answer.
 void readToTheEnd(int connection) {
   std::array<char, 4096> buffer{};
   while (::recv(connection, buffer.data(), buffer.size(), 0) > 0) continue;

@@ -8,8 +8,8 @@
 
 namespace fuzz {
 
-// A server on the loopback that answers every request with the same bytes and ends the connection, one
-// connection after the other, on a thread of its own.
+// A server on 127.0.0.1 that answers every request with the same bytes and closes the connection. Serves one
+// connection at a time on its own thread.
 class LoopbackServer {
  public:
   LoopbackServer();
@@ -17,9 +17,9 @@ class LoopbackServer {
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
 
-  // As in "http://127.0.0.1:8080".
+  // Returns for example "http://127.0.0.1:8080".
   [[nodiscard]] const std::string& origin() const { return origin_; }
-  // What the next connections get.
+  // Sets the answer for the next connections. Thread-safe.
   void setAnswer(std::string answer);
 
  private:

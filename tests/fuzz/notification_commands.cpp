@@ -1,4 +1,4 @@
-// Any bytes as a series of messages, one a line: what is acted on is a change of what was asked for before.
+// Input: messages, one per line. Each action must change the requested state of a notice.
 
 #include "ipc/notification_commands.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 using fuzz::require;
 
-// The action of a notice's two commands, worked out here a second time.
+// Second implementation of the command table.
 NotificationAction expected(std::string_view text, const ShownNotices& before) {
   const auto when = [](bool condition, NotificationAction action) {
     return condition ? action : NotificationAction::None;

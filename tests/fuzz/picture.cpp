@@ -1,5 +1,4 @@
-// Any bytes as a picture of the server's. The check sums of a PNG are set right first, so that what stands
-// behind them is read.
+// Input: a picture of the server. The CRCs of a PNG are corrected first, so that the decoder reads past them.
 
 #include <zlib.h>
 
@@ -26,7 +25,7 @@ std::uint32_t bigEndianAt(const std::string& bytes, std::size_t offset) {
   return number;
 }
 
-// A chunk is a length, a kind, as many bytes as the length says, and their sum with the kind's.
+// A PNG chunk consists of length, type, data and a CRC over type and data.
 void setCheckSums(std::string& bytes) {
   if (!bytes.starts_with(kPngSignature)) return;
   for (std::size_t chunk = kPngSignature.size(); chunk + 12 <= bytes.size();) {
@@ -50,7 +49,7 @@ void checkForm(const platform::Image& image, const QImage& form) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  // The toolkit's words on each damaged picture would fill the disk.
+  // Qt's warnings about damaged pictures would fill the disk.
   qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
   std::string bytes(data, data + size);
   setCheckSums(bytes);

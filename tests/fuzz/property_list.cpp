@@ -1,4 +1,4 @@
-// Any bytes as a property list in one of its three forms: what is read keeps within the bounds.
+// Input: a property list in one of its three formats. The result must respect the limits.
 
 #include "platform/property_list.h"
 

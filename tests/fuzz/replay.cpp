@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The same order everywhere.
+// Sorted, so that the order is the same on every machine.
 std::vector<fs::path> filesIn(const fs::path& folder) {
   std::error_code error;
   std::vector<fs::path> files;
@@ -20,7 +20,7 @@ std::vector<fs::path> filesIn(const fs::path& folder) {
   return files;
 }
 
-// The last name printed is that of the input that fails.
+// The last name printed is that of the failing input.
 void replay(const fs::path& path) {
   std::printf("%s\n", path.filename().c_str());
   std::fflush(stdout);
@@ -31,7 +31,7 @@ void replay(const fs::path& path) {
 
 }  // namespace
 
-// replay FOLDER: feeds every file of a corpus to the target once. Fails when there is none.
+// replay FOLDER: passes every file of a corpus to the target once. Fails if there is none.
 int main(int argc, char** argv) {
   const std::vector<fs::path> files = argc == 2 ? filesIn(argv[1]) : std::vector<fs::path>();
   if (files.empty()) {

@@ -1,4 +1,4 @@
-// Any bytes as the body of a reply to an upload: whether it counts as received.
+// Input: the body of a reply to an upload, which counts as received if it is valid UTF-8.
 
 #include <string_view>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-// The toolkit's decoder, which stops at no damage, tells at the end.
+// Second implementation with Qt's decoder, which reports errors at the end.
 bool isUtf8BySecondWay(QByteArrayView bytes) {
   QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
   static_cast<void>(QString(decoder(bytes)));

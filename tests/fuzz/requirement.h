@@ -5,7 +5,7 @@
 
 namespace fuzz {
 
-// What must hold whatever the input; a fuzzer takes the abort for a finding and keeps the input.
+// Aborts unless `holds`. The fuzzer reports the abort as a finding and keeps the input.
 inline void require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "does not hold: %s\n", what);

@@ -1,4 +1,5 @@
-// Any bytes as the server's notice: what is shown of it are its own strings, what is opened is a link.
+// Input: the notice of the server. The shown texts must be strings of the notice, and the opened addresses
+// must be links.
 
 #include <span>
 #include <string>
@@ -14,7 +15,8 @@ namespace {
 using fuzz::require;
 using platform::PropertyList;
 
-// Whether the entry is a dictionary with those two strings, and these are they.
+// Returns whether the entry is a dictionary with both strings, equal to `subject` and `link` unless these are
+// null.
 bool isComplete(const PropertyList* entry, const std::string* subject, const std::string* link) {
   const PropertyList* const ownSubject = entry == nullptr ? nullptr : entry->find("subject");
   const PropertyList* const ownLink = entry == nullptr ? nullptr : entry->find("link");

@@ -1,4 +1,4 @@
-// Any bytes as the file of the server option.
+// Input: the file of the server option.
 
 #include "usage/server_option.h"
 

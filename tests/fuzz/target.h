@@ -3,6 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 
-// Each target's one function, called with one input after the other; the name is the fuzzing engine's. It
-// returns 0, and aborts or crashes at a finding.
+// The function of each target, named by libFuzzer and called with one input after another. Returns 0; aborts
+// or crashes on a finding.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

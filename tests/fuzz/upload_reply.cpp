@@ -1,6 +1,6 @@
-// Any bytes as what a server answers to an upload, sent to the real request over the loopback. An input that
-// begins with one of four letters is the body of a well-formed answer, which must arrive as it was sent; any
-// other input is the answer itself.
+// Input: the answer of a server to an upload, made with the real request over loopback. An input that begins
+// with 'l', 's', 'e' or 'c' is the body of a well-formed answer, which must be returned verbatim; any other
+// input is the whole answer.
 
 #include <algorithm>
 #include <cctype>
@@ -22,7 +22,7 @@ using fuzz::require;
 struct Exchange {
   std::string answer;
   bool bodyIsKnown = false;
-  std::optional<std::string> body = {};  // where it is known: nothing for an answer that is not whole
+  std::optional<std::string> body = {};  // if known; nullopt for an incomplete answer
 };
 
 std::string inChunksOf(std::size_t size, std::string_view body) {
@@ -57,14 +57,14 @@ Exchange exchangeOf(std::string_view input) {
   }
 }
 
-// The HTTP library takes the protocol's name in letters of any size.
+// libcurl accepts the protocol name case-insensitively.
 bool namesProtocol(std::string_view answer) {
   constexpr std::string_view name = "http/";
   const auto isSame = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
   return std::search(answer.begin(), answer.end(), name.begin(), name.end(), isSame) != answer.end();
 }
 
-// A line that begins with a line end of either kind is the head's last.
+// An empty line, with LF or CRLF, ends the header.
 bool hasHead(std::string_view answer) {
   return namesProtocol(answer) &&
          (answer.find("\n\r") != std::string_view::npos || answer.find("\n\n") != std::string_view::npos);

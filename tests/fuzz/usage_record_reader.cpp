@@ -1,4 +1,4 @@
-// Any bytes as a usage record file, through the reader and its printers.
+// Input: a usage record file, passed to the reader and its printers.
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -41,7 +41,7 @@ void checkPlaces(const Reading& reading, std::size_t size) {
   require(reading.damage || offsets.size() >= 4, "a whole file has a header");
 }
 
-// What stands before the damage is the beginning of a whole file.
+// The bytes before the damage must be the beginning of an undamaged file.
 void checkBeforeDamage(const Reading& reading, std::span<const char> bytes) {
   if (!reading.damage) return;
   const std::size_t end = reading.damage->offset;
@@ -68,7 +68,7 @@ void checkText(const Reading& reading, const std::string& text) {
   require(lines == reading.offsets.size() + 2, "there is a line for each item, one before and one behind");
 }
 
-// Returns the items.
+// Returns the items of the JSON document.
 nlohmann::json checkJson(const Reading& reading, const std::string& text) {
   const auto files = nlohmann::json::parse(text, nullptr, false);
   require(files.is_array() && files.size() == 1, "the JSON is valid");
@@ -84,7 +84,7 @@ bool hasMembersOf(const nlohmann::json& item, const nlohmann::json& line) {
   return true;
 }
 
-// A line for each record, and one for the file; the four items of the header have none.
+// Expects a line for each record and one for the file, but none for the four items of the header.
 void checkLines(const Reading& reading, const nlohmann::json& items, const std::string& text) {
   std::istringstream stream(text);
   std::size_t records = 0;

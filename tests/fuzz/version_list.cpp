@@ -1,4 +1,4 @@
-// Any bytes as the server's word on the newest version.
+// Input: the version list of the server.
 
 #include <span>
 #include <string>

@@ -1,4 +1,4 @@
-// Any bytes as a version: pieces, numbers and the code of the operating system.
+// Input: a version, split into pieces, numbers and the code of the operating system.
 
 #include "usage/version_text.h"
 
@@ -25,7 +25,7 @@ void checkPieces(std::string_view text, std::string_view separators) {
   require(place == text.data() + text.size() + 1, "the pieces and separators are the text");
 }
 
-// The C library agrees on every text up to its first NUL.
+// strtoll() must agree on every text up to its first NUL.
 void checkNumber(const std::string& text) {
   require(integerValue(text.c_str()) == std::strtoll(text.c_str(), nullptr, 10),
           "the number is the right one");

@@ -1,5 +1,5 @@
-// Any bytes on the input of the web view helper: what is loaded are the web addresses among its lines,
-// however the bytes were cut up on the way.
+// Input: the input of the web view helper. It must load exactly the web addresses among the lines, however
+// the bytes are split into reads.
 
 #include <algorithm>
 #include <string>
@@ -19,7 +19,7 @@ char lowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// Worked out here a second time.
+// Second implementation of the line rules.
 bool isExpected(std::string_view line) {
   std::string start(line.substr(0, std::string_view("https://").size()));
   std::ranges::transform(start, start.begin(), lowerCase);
@@ -29,7 +29,7 @@ bool isExpected(std::string_view line) {
          std::ranges::all_of(line, [](char c) { return c > ' ' && c < '\x7f'; });
 }
 
-// The piece behind the last line end is no line.
+// Text after the last newline is not a line.
 std::vector<std::string> expectedAddresses(std::string_view bytes) {
   std::vector<std::string> addresses;
   for (auto end = bytes.find('\n'); end != std::string_view::npos; end = bytes.find('\n')) {

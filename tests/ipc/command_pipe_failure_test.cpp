@@ -13,7 +13,7 @@ std::function<void()> duringThePause;
 
 }  // namespace
 
-// Stands before the C library's, so that a case can act between the open and the write.
+// Interposes select(2), so that a case can act between open() and write().
 int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, timeval* wait) {
   if (duringThePause) duringThePause();
   const timespec time{wait->tv_sec, wait->tv_usec * 1000};
@@ -30,7 +30,7 @@ Sent failed(const std::string& text, int result) {
   return {.result = result, .output = text + "\n", .newDescriptors = 0};
 }
 
-// A pipe that takes no byte more; both ends are held.
+// Returns a descriptor of a full pipe, open for reading and writing.
 FileDescriptor fullPipe(const char* path) {
   FileDescriptor pipe(::open(path, O_RDWR | O_NONBLOCK | O_CLOEXEC));
   const std::string block(4096, '.');
@@ -39,21 +39,21 @@ FileDescriptor fullPipe(const char* path) {
   return pipe;
 }
 
-// Sends "-ton" in a process of its own; its status is the negated result.
+// Runs in a child process: sends "-ton" and returns the negated result as its status.
 int sendForked() {
   const Sent sent = send("-ton");
   std::fputs(sent.output.c_str(), stdout);
   return sent.newDescriptors == 0 ? -sent.result : 255;
 }
 
-TEST_F(CommandPipe, NoReaderLosesTheMessage) {
+TEST_F(CommandPipe, WithoutReaderMessageIsLost) {
   makePipe();
   EXPECT_EQ(send("-ton"), failed("open pipe failed. errno : 6", -6));
   EXPECT_THAT(log_.messages(), ElementsAre(error("open pipe failed. errno : 6")));
   EXPECT_EQ(readAll(openReader()), "");
 }
 
-TEST_F(CommandPipe, SystemLogIsToldBeforeStandardOutput) {
+TEST_F(CommandPipe, SyslogIsWrittenBeforeStandardOutput) {
   makePipe();
   ASSERT_EQ(::mkfifo("/tmp/output", 0600), 0);
   const FileDescriptor output = fullPipe("/tmp/output");
@@ -79,13 +79,13 @@ TEST_F(CommandPipe, MissingPipeIsNotCreated) {
   EXPECT_FALSE(std::filesystem::exists(kCommandPipe));
 }
 
-TEST_F(CommandPipe, FolderAtThePathIsAFailedOpen) {
+TEST_F(CommandPipe, FolderAtPathFailsOpen) {
   std::filesystem::create_directory(kCommandPipe);
   EXPECT_EQ(send("-ton"), failed("open pipe failed. errno : 21", -21));
   EXPECT_THAT(log_.messages(), ElementsAre(error("open pipe failed. errno : 21")));
 }
 
-TEST_F(CommandPipe, NoPermissionIsAFailedOpen) {
+TEST_F(CommandPipe, MissingPermissionFailsOpen) {
   makePipe(0600);
   const FileDescriptor reader = openReader();
   const auto finished = runForked([] {
@@ -99,7 +99,7 @@ TEST_F(CommandPipe, NoPermissionIsAFailedOpen) {
   EXPECT_EQ(readAll(reader), "");
 }
 
-TEST_F(CommandPipe, FullPipeIsAWriteError) {
+TEST_F(CommandPipe, FullPipeFailsWrite) {
   makePipe();
   const FileDescriptor pipe = fullPipe(kCommandPipe);
   EXPECT_EQ(send("-ton"), failed("write error. errno : 11", -11));
@@ -107,22 +107,22 @@ TEST_F(CommandPipe, FullPipeIsAWriteError) {
   EXPECT_EQ(readAll(pipe).find_first_not_of('.'), std::string::npos);
 }
 
-TEST_F(CommandPipe, ReaderThatLeavesBetweenOpenAndWriteIsAWriteError) {
+TEST_F(CommandPipe, ReaderClosedBetweenOpenAndWriteFailsWrite) {
   makePipe();
   FileDescriptor reader = openReader();
   duringThePause = [&] { reader.reset(); };
   const Sent sent = send("-ton");
   duringThePause = nullptr;
-  // One descriptor fewer: the reader's.
+  // The closed descriptor is the reader's.
   EXPECT_EQ(sent, (Sent{.result = -32, .output = "write error. errno : 32\n", .newDescriptors = -1}));
   EXPECT_THAT(log_.messages(), ElementsAre(error("write error. errno : 32")));
 }
 
-TEST_F(CommandPipe, SignalDuringThePauseIsAFailedSelect) {
+TEST_F(CommandPipe, SignalDuringPauseFailsSelect) {
   makePipe();
   const FileDescriptor reader = openReader();
   const auto finished = runForked([] {
-    // As long as the pause is, at least one of these falls into it; nothing else is disturbed by them.
+    // A timer of 3 ms fires within the 10 ms pause; SA_RESTART restarts all other calls.
     struct sigaction action {};
     action.sa_handler = [](int) {};
     action.sa_flags = SA_RESTART;
@@ -137,7 +137,7 @@ TEST_F(CommandPipe, SignalDuringThePauseIsAFailedSelect) {
   EXPECT_EQ(readAll(reader), "") << "nothing is written after a failed select";
 }
 
-TEST_F(CommandPipe, DescriptorThatSelectCannotNameIsAFailedSelect) {
+TEST_F(CommandPipe, DescriptorBeyondFdSetsizeFailsSelect) {
   makeFile("kept");
   const auto finished = runForked([] {
     const rlimit enough{FD_SETSIZE + 64, FD_SETSIZE + 64};
@@ -153,7 +153,7 @@ TEST_F(CommandPipe, DescriptorThatSelectCannotNameIsAFailedSelect) {
   EXPECT_EQ(fileContents(), "kept");
 }
 
-TEST_F(CommandPipe, FileThatMayNotGrowIsAWriteError) {
+TEST_F(CommandPipe, FileSizeLimitFailsWrite) {
   makeFile("");
   const auto finished = runForked([] {
     ::signal(SIGXFSZ, SIG_IGN);
@@ -165,7 +165,7 @@ TEST_F(CommandPipe, FileThatMayNotGrowIsAWriteError) {
   EXPECT_THAT(log_.messages(), ElementsAre(error("write error. errno : 27")));
 }
 
-TEST_F(CommandPipe, FailureWithoutASystemLogStillStandsOnStandardOutput) {
+TEST_F(CommandPipe, WithoutSyslogFailureIsPrintedToStandardOutput) {
   const auto finished = runForked([] {
     ::closelog();
     std::filesystem::remove("/dev/log");

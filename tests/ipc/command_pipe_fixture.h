@@ -28,7 +28,7 @@ using testing::IsEmpty;
 
 inline constexpr const char* kCommandPipe = "/tmp/KMPIPE";
 
-// The result of one message, what it left on standard output, and the descriptors it left open.
+// The result of one message, its standard output and the change in the number of open descriptors.
 struct Sent {
   int result = 0;
   std::string output = {};
@@ -54,7 +54,7 @@ inline FileDescriptor openReader() {
   return FileDescriptor(::open(kCommandPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
 }
 
-// What waits in the pipe.
+// Returns the unread content of the pipe.
 inline std::string readAll(const FileDescriptor& reader) {
   std::string text(1 << 17, '\0');
   const ssize_t count = ::read(reader.get(), text.data(), text.size());
@@ -66,20 +66,20 @@ inline std::string fileContents() {
   return test_support::contentsOf(kCommandPipe);
 }
 
-// An entry of the system log at the priority of errors.
+// Matches a syslog entry of priority LOG_ERR.
 inline auto error(const std::string& text) {
   return testing::AllOf(Field("priority", &test_support::SyslogMessage::priority, LOG_ERR),
                         Field("text", &test_support::SyslogMessage::text, text));
 }
 
-// Nothing stands at the path before a case; the process ignores SIGPIPE as the agent does.
+// Removes the entry at the path before each case. The process ignores SIGPIPE like the agent.
 class CommandPipe : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(log_.valid());
     std::filesystem::remove_all(kCommandPipe);
     ::signal(SIGPIPE, SIG_IGN);
-    // The connection to the system log is open from here on, so that it counts as no new descriptor.
+    // Opens the syslog connection beforehand, so that it does not count as a new descriptor.
     ::closelog();
     ::openlog("command_pipe_test", LOG_NDELAY, LOG_USER);
   }

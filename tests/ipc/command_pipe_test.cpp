@@ -11,7 +11,7 @@ const Sent kDelivered{.result = 0, .output = "", .newDescriptors = 0};
 
 class CommandPipeMessage : public CommandPipe, public testing::WithParamInterface<const char*> {};
 
-TEST_P(CommandPipeMessage, IsExactlyItsBytes) {
+TEST_P(CommandPipeMessage, IsSentVerbatim) {
   makePipe();
   const FileDescriptor reader = openReader();
   EXPECT_EQ(send(GetParam()), kDelivered);
@@ -22,14 +22,14 @@ TEST_P(CommandPipeMessage, IsExactlyItsBytes) {
 INSTANTIATE_TEST_SUITE_P(Vocabulary, CommandPipeMessage, testing::Values("-ton", "-toff", "-m", "-u"),
                          [](const auto& test) { return std::string(test.param + 1); });
 
-TEST_F(CommandPipe, TonIsFourBytesWithoutATerminator) {
+TEST_F(CommandPipe, TonIsFourBytesWithoutTerminator) {
   makePipe();
   const FileDescriptor reader = openReader();
   EXPECT_EQ(send("-ton"), kDelivered);
   EXPECT_EQ(readAll(reader), std::string({'-', 't', 'o', 'n'}));
 }
 
-TEST_F(CommandPipe, WriterClosesAfterTheMessage) {
+TEST_F(CommandPipe, WriterClosesAfterMessage) {
   makePipe();
   const FileDescriptor reader = openReader();
   EXPECT_EQ(send("-ton"), kDelivered);
@@ -38,7 +38,7 @@ TEST_F(CommandPipe, WriterClosesAfterTheMessage) {
   EXPECT_EQ(::read(reader.get(), &byte, 1), 0) << "a writer is left, so the reader sees no end";
 }
 
-TEST_F(CommandPipe, TwoMessagesBeforeAReadAreNotSeparated) {
+TEST_F(CommandPipe, TwoMessagesBeforeReadAreNotSeparated) {
   makePipe();
   const FileDescriptor reader = openReader();
   EXPECT_EQ(send("-ton"), kDelivered);
@@ -46,7 +46,7 @@ TEST_F(CommandPipe, TwoMessagesBeforeAReadAreNotSeparated) {
   EXPECT_EQ(readAll(reader), "-ton-m");
 }
 
-TEST_F(CommandPipe, PausesTenMillisecondsBeforeTheWrite) {
+TEST_F(CommandPipe, PausesTenMillisecondsBeforeWrite) {
   makePipe();
   const FileDescriptor reader = openReader();
   const auto before = std::chrono::steady_clock::now();
@@ -54,21 +54,21 @@ TEST_F(CommandPipe, PausesTenMillisecondsBeforeTheWrite) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(10));
 }
 
-TEST_F(CommandPipe, PlainFileIsOverwrittenAtItsStart) {
+TEST_F(CommandPipe, RegularFileIsOverwrittenAtStart) {
   makeFile("0123456789");
   EXPECT_EQ(send("-ton"), kDelivered);
   EXPECT_EQ(fileContents(), "-ton456789");
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
-TEST_F(CommandPipe, SecondMessageIntoAPlainFileIsNotAppended) {
+TEST_F(CommandPipe, SecondMessageToRegularFileIsNotAppended) {
   makeFile("");
   EXPECT_EQ(send("-toff"), kDelivered);
   EXPECT_EQ(send("-m"), kDelivered);
   EXPECT_EQ(fileContents(), "-moff");
 }
 
-TEST_F(CommandPipe, ShortWriteCountsAsSuccess) {
+TEST_F(CommandPipe, ShortWriteIsSuccess) {
   makeFile("");
   const auto finished = test_support::runForked([] {
     const rlimit twoBytes{2, 2};

@@ -70,13 +70,13 @@ bool wasNotToBeHad(const Finished& finished) {
 bool becomeNobody() {
   return ::setgroups(0, nullptr) == 0 && ::setresgid(kNobody, kNobody, kNobody) == 0 &&
          ::setresuid(kNobody, kNobody, kNobody) == 0 &&
-         // The change took away the right to look into /proc/self.
+         // Changing the user makes the process non-dumpable, which denies access to /proc/self.
          ::prctl(PR_SET_DUMPABLE, 1) == 0;
 }
 
 int openDescriptors() {
   const std::filesystem::directory_iterator entries("/proc/self/fd");
-  // The listing itself takes one.
+  // The directory iterator itself holds one descriptor.
   return static_cast<int>(std::distance(begin(entries), end(entries))) - 1;
 }
 

@@ -13,7 +13,7 @@
 
 namespace test_support {
 
-// How a call in a process of its own went; no status when it did not end in time.
+// The outcome of a call in a child process; `status` is nullopt after the timeout.
 struct Finished {
   std::optional<ExitStatus> status = {};
   std::string output = {};
@@ -21,9 +21,9 @@ struct Finished {
 };
 void PrintTo(const Finished& finished, std::ostream* stream);
 
-// Runs a function in a copy of this process, for what a test must not do to itself: give up rights, use up
-// descriptors, be ended. What the function returns becomes the status of the copy (0 to 255), and its two
-// output streams are taken. The copy has one thread, and is killed when this object goes away.
+// Runs a function in a forked child, for calls that would affect the test process: dropping privileges,
+// exhausting descriptors, ending the process. The result of the function (0 to 255) becomes the exit status;
+// both output streams are captured. The child has one thread. The destructor kills it.
 class ForkedCall {
  public:
   explicit ForkedCall(const std::function<int()>& function);
@@ -45,16 +45,16 @@ class ForkedCall {
 
 [[nodiscard]] Finished runForked(const std::function<int()>& function);
 
-// Where a forked function ends when it can't bring about what is to be tested, and the test is skipped.
+// Exit status of a forked function that cannot set up its condition; the test is skipped.
 inline constexpr int kNotToBeHad = 77;
 [[nodiscard]] bool wasNotToBeHad(const Finished& finished);
 
-// Goes on as a user without rights, for whom the permissions of files count. False where this user may not
-// change into another.
+// Changes the process to the user and group kNobody, for whom file permissions apply. Returns false if this
+// user may not change to another.
 [[nodiscard]] bool becomeNobody();
 inline constexpr unsigned kNobody = 65534;
 
-// How many descriptors this process has open.
+// Returns the number of open descriptors of this process.
 [[nodiscard]] int openDescriptors();
 
 }  // namespace test_support

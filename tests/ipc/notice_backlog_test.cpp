@@ -13,14 +13,13 @@ using testing::IsEmpty;
 
 class Backlog : public testing::Test {
  protected:
-  // Requests the calls of the loading notice, shown and hidden in turn, until the bound is reached: the last
-  // one hides it.
+  // Fills the backlog with calls that show and hide the loading notice in turn; the last one hides it.
   void fill() {
     for (int i = 0; i < NoticeBacklog::maxWaiting; ++i)
       ASSERT_EQ(backlog_.request(i % 2 == 0 ? Call::NoticeEnumerateOn : Call::NoticeEnumerateOff),
                 Verdict::Post);
   }
-  // Begins the waiting calls; only the last may release others.
+  // Begins the waiting calls. Returns those released by the last one; the others release none.
   std::vector<Call> beginAll() {
     for (int i = 1; i < NoticeBacklog::maxWaiting; ++i) EXPECT_THAT(backlog_.begin(), IsEmpty());
     return backlog_.begin();
@@ -32,33 +31,33 @@ class Backlog : public testing::Test {
   NoticeBacklog backlog_;
 };
 
-TEST_F(Backlog, CallsWithinTheBoundArePosted) {
+TEST_F(Backlog, CallsWithinLimitArePosted) {
   fill();
   EXPECT_THAT(beginAll(), IsEmpty());
 }
 
-TEST_F(Backlog, CallThatBeganMakesRoomForAnother) {
+TEST_F(Backlog, BegunCallMakesRoomForAnother) {
   fill();
   EXPECT_THAT(backlog_.begin(), IsEmpty());
   EXPECT_EQ(backlog_.request(Call::NotificationOn), Verdict::Post);
   EXPECT_EQ(backlog_.request(Call::NotificationOff), Verdict::BeginMerging);
 }
 
-TEST_F(Backlog, OnlyTheFirstMergedCallBeginsMerging) {
+TEST_F(Backlog, OnlyFirstMergedCallBeginsMerging) {
   fill();
   EXPECT_EQ(backlog_.request(Call::NotificationOn), Verdict::BeginMerging);
   EXPECT_EQ(backlog_.request(Call::NotificationOff), Verdict::Merge);
   EXPECT_EQ(backlog_.request(Call::NoticeEnumerateOn), Verdict::Merge);
 }
 
-TEST_F(Backlog, CallsAreMergedUntilAllPostedOnesHaveBegun) {
+TEST_F(Backlog, CallsAreMergedUntilAllPostedCallsHaveBegun) {
   fill();
   merge({Call::NotificationOn});
   EXPECT_THAT(backlog_.begin(), IsEmpty());
   EXPECT_EQ(backlog_.request(Call::NotificationOff), Verdict::Merge);
 }
 
-TEST_F(Backlog, MergedCallsLeadToTheLastStateRequested) {
+TEST_F(Backlog, MergedCallsLeadToLastRequestedState) {
   struct Row {
     std::vector<Call> merged;
     std::vector<Call> released;
@@ -82,7 +81,7 @@ TEST_F(Backlog, MergedCallsLeadToTheLastStateRequested) {
   }
 }
 
-TEST_F(Backlog, NoticeThatThePostedCallsShowIsHiddenWhenThatWasRequestedLast) {
+TEST_F(Backlog, NoticeShownByPostedCallsIsHiddenIfRequestedLast) {
   ASSERT_EQ(backlog_.request(Call::NotificationOn), Verdict::Post);
   EXPECT_THAT(backlog_.begin(), IsEmpty());
   fill();
@@ -99,17 +98,17 @@ TEST_F(Backlog, ReleasedCallsCountAsWaiting) {
   EXPECT_EQ(backlog_.request(Call::NoticeEnumerateOff), Verdict::BeginMerging);
 }
 
-TEST_F(Backlog, CallsThatCancelEachOtherEndTheMerging) {
+TEST_F(Backlog, CancellingCallsEndMerging) {
   fill();
   merge({Call::NotificationOn, Call::NotificationOff});
   EXPECT_THAT(beginAll(), IsEmpty());
   EXPECT_EQ(backlog_.request(Call::NotificationOn), Verdict::Post);
 }
 
-// Whatever comes and whenever the calls begin: no more wait than the bound and one for each notice, each
-// notice's calls alternate, and the last of them leads to the state requested last.
-TEST_F(Backlog, AnyOrderOfRequestsAndBeginningsEndsInTheLastStateRequested) {
-  std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same order each time
+// For random requests and begins: at most the limit plus one call per notice waits, the calls of each notice
+// alternate, and the last of them leads to the state requested last.
+TEST_F(Backlog, RandomRequestsAndBeginsEndInLastRequestedState) {
+  std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): a fixed seed, so that failures reproduce
   ShownNotices requested;
   ShownNotices shown;
   std::vector<Call> queue;

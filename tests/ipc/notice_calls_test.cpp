@@ -12,7 +12,7 @@ using Call = NotificationAction;
 using Verdict = NoticeBacklog::Verdict;
 using testing::ElementsAre;
 
-// A queue of work, as the main thread has one.
+// A work queue like that of the main thread. Thread-safe.
 class Queue {
  public:
   void post(std::function<void()> work) {
@@ -20,7 +20,7 @@ class Queue {
     work_.push_back(std::move(work));
     longest_ = std::max(longest_, work_.size());
   }
-  // False when there was nothing to run.
+  // Returns false if the queue is empty.
   bool runNext() {
     std::function<void()> work;
     {
@@ -53,7 +53,7 @@ class Calls : public testing::Test {
   Queue queue_;
 };
 
-TEST_F(Calls, CommandsWithinTheBoundRunInOrder) {
+TEST_F(Calls, CommandsWithinLimitRunInOrder) {
   std::vector<Call> ran;
   const auto calls = make([&](Call call) { ran.push_back(call); });
   for (const Call call : {Call::NotificationOn, Call::NoticeEnumerateOn, Call::NotificationOff})
@@ -63,15 +63,15 @@ TEST_F(Calls, CommandsWithinTheBoundRunInOrder) {
   EXPECT_THAT(ran, ElementsAre(Call::NotificationOn, Call::NoticeEnumerateOn, Call::NotificationOff));
 }
 
-TEST_F(Calls, WorkThatOutlivesTheListenerRuns) {
+TEST_F(Calls, WorkThatOutlivesListenerRuns) {
   std::vector<Call> ran;
   EXPECT_EQ(make([&](Call call) { ran.push_back(call); })->request(Call::NotificationOn), Verdict::Post);
   while (queue_.runNext()) continue;
   EXPECT_THAT(ran, ElementsAre(Call::NotificationOn));
 }
 
-// The last call that waits shows a notice and returns only when a merged one has hidden it.
-TEST_F(Calls, MergedCallRunsInsideTheLastWaitingOne) {
+// The last waiting call shows a notice and returns only after a merged call has hidden it.
+TEST_F(Calls, MergedCallRunsInsideLastWaitingOne) {
   std::vector<Call> ran;
   const auto calls = make([&](Call call) {
     ran.push_back(call);
@@ -87,7 +87,7 @@ TEST_F(Calls, MergedCallRunsInsideTheLastWaitingOne) {
   EXPECT_EQ(ran.back(), Call::NotificationOff);
 }
 
-TEST_F(Calls, FloodFromAnotherThreadStaysBoundedAndEndsInTheLastState) {
+TEST_F(Calls, FloodFromOtherThreadIsBoundedAndEndsInLastState) {
   constexpr int rounds = 100'000;
   bool shown = false;
   const auto calls = make([&](Call call) {

@@ -12,7 +12,7 @@ using Action = NotificationAction;
 
 constexpr const char* commands[] = {"-non", "-noff", "-neon", "-neoff", "-ncdat"};
 
-TEST(NotificationCommands, EachRowOfTheTable) {
+TEST(NotificationCommands, MatchesTable) {
   struct Row {
     const char* text;
     Action action;
@@ -49,7 +49,7 @@ TEST(NotificationCommands, EachRowOfTheTable) {
   }
 }
 
-TEST(NotificationCommands, EveryTruePrefixOfACommandIsUnknown) {
+TEST(NotificationCommands, ProperPrefixOfCommandIsUnknown) {
   for (const std::string command : commands) {
     for (std::size_t length = 0; length < command.size(); ++length) {
       ShownNotices shown{true, false};
@@ -59,7 +59,7 @@ TEST(NotificationCommands, EveryTruePrefixOfACommandIsUnknown) {
   }
 }
 
-TEST(NotificationCommands, EveryContinuationOfACommandIsUnknown) {
+TEST(NotificationCommands, CommandWithSuffixIsUnknown) {
   for (const std::string command : commands) {
     for (int byte = 1; byte < 256; ++byte) {
       ShownNotices shown;
@@ -68,7 +68,7 @@ TEST(NotificationCommands, EveryContinuationOfACommandIsUnknown) {
   }
 }
 
-TEST(NotificationCommands, OnTwiceThenOffTwiceAsksOnceForEach) {
+TEST(NotificationCommands, RepeatedOnAndOffRequestEachOnce) {
   ShownNotices shown;
   std::vector<Action> actions;
   for (const char* text : {"-non", "-non", "-noff", "-noff"})
@@ -77,20 +77,20 @@ TEST(NotificationCommands, OnTwiceThenOffTwiceAsksOnceForEach) {
             (std::vector{Action::NotificationOn, Action::None, Action::NotificationOff, Action::None}));
 }
 
-TEST(TextInBuffer, EndsAtTheFirstNul) {
+TEST(TextInBuffer, EndsAtFirstNul) {
   std::array<char, notificationBufferSize> buffer{};
   std::string("-non").copy(buffer.data(), 4);
   std::string("-noff").copy(buffer.data() + 5, 5);
   EXPECT_EQ(textIn(buffer), "-non");
 }
 
-TEST(TextInBuffer, IsEmptyWhenTheBufferIs) {
+TEST(TextInBuffer, IsEmptyForEmptyBuffer) {
   const std::array<char, notificationBufferSize> buffer{};
   EXPECT_EQ(textIn(buffer), "");
 }
 
-TEST(TextInBuffer, IsTheWholeBufferAndNoMoreWhenNothingEndsIt) {
-  // Behind it stands what must not be read.
+TEST(TextInBuffer, IsWholeBufferWithoutNul) {
+  // The bytes after the buffer must not be read.
   std::array<char, notificationBufferSize + 16> memory;
   memory.fill('x');
   EXPECT_EQ(textIn(std::span(memory).first(notificationBufferSize)),

@@ -41,31 +41,31 @@ class ReadPipe : public testing::Test {
   std::array<char, notificationBufferSize> buffer_{};
 };
 
-TEST_F(ReadPipe, GivesTheCountAndLogsTheText) {
+TEST_F(ReadPipe, ReturnsCountAndLogsText) {
   ASSERT_EQ(::write(writer_.get(), "-non", 4), 4);
   EXPECT_EQ(read_pipe(reader_.get(), buffer_), 4);
   EXPECT_EQ(textIn(buffer_), "-non");
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : -non")));
 }
 
-TEST_F(ReadPipe, TheEndOfTheFileIsZeroAndLogsAnEmptyText) {
+TEST_F(ReadPipe, EndOfFileReturnsZeroAndLogsEmptyText) {
   writer_.reset();
   EXPECT_EQ(read_pipe(reader_.get(), buffer_), 0);
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : ")));
 }
 
-TEST_F(ReadPipe, NothingToReadJustNowIsTheNegatedErrnoWithoutALineOfItsOwn) {
+TEST_F(ReadPipe, EmptyPipeReturnsNegatedErrnoWithoutErrorMessage) {
   EXPECT_EQ(read_pipe(reader_.get(), buffer_), -EAGAIN);
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : ")));
 }
 
-TEST_F(ReadPipe, AnyOtherFailureIsMinusOneAndSaysSo) {
+TEST_F(ReadPipe, OtherFailureReturnsMinusOneAndLogsError) {
   EXPECT_EQ(read_pipe(-1, buffer_), -1);
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "read_pipe read pipe message : "),
                                            entry(LOG_ERR, "read_pipe read error. errno : 9")));
 }
 
-TEST_F(ReadPipe, AWriteEndIsHeldOfAFifoOnly) {
+TEST_F(ReadPipe, HoldOpenForWritingAcceptsFifoOnly) {
   EXPECT_TRUE(holdOpenForWriting(reader_.get()).valid());
   const platform::FileDescriptor file(::open("/tmp/regular", O_RDONLY | O_CREAT | O_CLOEXEC, 0600));
   EXPECT_FALSE(holdOpenForWriting(file.get()).valid());
@@ -74,20 +74,20 @@ TEST_F(ReadPipe, AWriteEndIsHeldOfAFifoOnly) {
   EXPECT_FALSE(holdOpenForWriting(-1).valid());
 }
 
-TEST_F(ReadPipe, TheHeldEndKeepsTheEndOfTheFileAway) {
+TEST_F(ReadPipe, HeldWriteEndPreventsEndOfFile) {
   const platform::FileDescriptor held = holdOpenForWriting(reader_.get());
   writer_.reset();
   EXPECT_EQ(read_pipe(reader_.get(), buffer_), -EAGAIN);
 }
 
-TEST_F(ReadPipe, WaitWithNothingToReadLastsTheWholeLimit) {
+TEST_F(ReadPipe, WaitWithoutDataLastsWholeTimeout) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(waitUntilReadable(reader_.get(), std::chrono::milliseconds(30)), 0);
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
 }
 
-// select(2) has bits for the descriptors below FD_SETSIZE alone.
-TEST_F(ReadPipe, WaitTakesTheLastDescriptorOfSelectAndRefusesTheNext) {
+// select(2) handles only descriptors below FD_SETSIZE.
+TEST_F(ReadPipe, WaitAcceptsDescriptorsBelowFdSetsizeOnly) {
   rlimit limit{};
   ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
   const rlimit enough{FD_SETSIZE + 1, std::max<rlim_t>(limit.rlim_max, FD_SETSIZE + 1)};

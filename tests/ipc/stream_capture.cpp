@@ -11,7 +11,8 @@ namespace test_support {
 
 FileDescriptor memoryFile() {
   FileDescriptor file(::memfd_create("stream", MFD_CLOEXEC));
-  // Writers on several threads share one position, which the kernel does not guard in such a file.
+  // Several threads write through one file position, which the kernel does not lock for this file; O_APPEND
+  // keeps the writes from overlapping.
   ::fcntl(file.get(), F_SETFL, O_APPEND);
   return file;
 }

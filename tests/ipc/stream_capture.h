@@ -6,8 +6,8 @@
 
 namespace test_support {
 
-// Takes what this process writes on one of its standard streams, for as long as it lives. One at a time for a
-// stream; the C library's buffer of standard output is emptied into where it belongs at both ends.
+// Captures a standard stream of this process for the lifetime of the object. At most one object per stream.
+// Flushes stdout at the beginning and the end, so that buffered output goes to the right place.
 class StreamCapture {
  public:
   explicit StreamCapture(int stream);
@@ -15,10 +15,10 @@ class StreamCapture {
   StreamCapture& operator=(const StreamCapture&) = delete;
   ~StreamCapture();
 
-  // All that was written so far; also after end().
+  // Returns all captured text; valid after end() too.
   [[nodiscard]] std::string text() const;
 
-  // Gives the stream back, and returns all that was written.
+  // Restores the stream and returns all captured text.
   std::string end();
 
  private:
@@ -27,7 +27,7 @@ class StreamCapture {
   FileDescriptor memory_;
 };
 
-// A file without a name, and what stands in it.
+// Create an anonymous file, and return the content of one.
 [[nodiscard]] FileDescriptor memoryFile();
 [[nodiscard]] std::string contentsOf(const FileDescriptor& file);
 

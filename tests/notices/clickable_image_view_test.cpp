@@ -31,8 +31,7 @@ class Listener final : public tovalinNSImageViewDelegate {
 
 class DeafListener final : public tovalinNSImageViewDelegate {};
 
-// A window on the real display with the view at (100, 50), and a pointer that is moved from outside the
-// program.
+// A window on the display with the view at (100, 50). xdotool moves the pointer.
 class ClickableImageView : public testing::Test {
  protected:
   void SetUp() override {
@@ -40,14 +39,14 @@ class ClickableImageView : public testing::Test {
     window_->contentView().addSubview(view_);
     window_->makeKeyAndOrderFront();
     QWidget& widget = *window_->contentView().impl().widget;
-    // Only with its frame around it does the window stand where it stays.
+    // The window manager moves the window until it has its frame.
     ASSERT_TRUE(serveEventsUntil(
         [&] { return widget.isActiveWindow() && widget.geometry().top() > widget.frameGeometry().top(); }));
     origin_ = widget.mapToGlobal(QPoint(0, 0)) * widget.devicePixelRatioF();
     scale_ = widget.devicePixelRatioF();
   }
 
-  // A place in the window's points, from its lower left.
+  // Moves the pointer to a position of the window in points from its lower left corner.
   void pointAt(double x, double y) {
     const int pixelX = origin_.x() + static_cast<int>(x * scale_);
     const int pixelY = origin_.y() + static_cast<int>((200 - y) * scale_);
@@ -73,7 +72,7 @@ class ClickableImageView : public testing::Test {
   double scale_ = 1;
 };
 
-TEST_F(ClickableImageView, HandsAClickToItsDelegateWithItselfAndThePlace) {
+TEST_F(ClickableImageView, ClickCallsDelegateWithViewAndLocation) {
   Listener listener;
   view_->delegate = &listener;
   pointAt(110, 60);
@@ -84,7 +83,7 @@ TEST_F(ClickableImageView, HandsAClickToItsDelegateWithItselfAndThePlace) {
   EXPECT_NEAR(listener.event.locationInView.y, 10, 1.5);
 }
 
-TEST_F(ClickableImageView, AClickOnADelegateThatDoesNotListenOrOnNoneDoesNothing) {
+TEST_F(ClickableImageView, ClickWithoutDelegateMethodOrDelegateIsNoOp) {
   DeafListener deaf;
   view_->delegate = &deaf;
   pointAt(110, 60);
@@ -100,7 +99,7 @@ TEST_F(ClickableImageView, AClickOnADelegateThatDoesNotListenOrOnNoneDoesNothing
   EXPECT_EQ(listener.clicks, 1);
 }
 
-TEST_F(ClickableImageView, AReleaseOutsideOrOfAnotherButtonIsNoClick) {
+TEST_F(ClickableImageView, ReleaseOutsideOrOfOtherButtonIsNoClick) {
   Listener listener;
   view_->delegate = &listener;
   pointAt(110, 60);
@@ -116,7 +115,7 @@ TEST_F(ClickableImageView, AReleaseOutsideOrOfAnotherButtonIsNoClick) {
   EXPECT_EQ(listener.clicks, 1);
 }
 
-TEST_F(ClickableImageView, ShowsThePointingHandOverAllOfItselfWhileTheNetworkIsThere) {
+TEST_F(ClickableImageView, ShowsPointingHandWhileOnline) {
   pointAt(20, 20);
   for (const auto& [x, y] : {std::pair(101.5, 51.5), std::pair(178.0, 88.0)}) {
     pointAt(x, y);
@@ -126,7 +125,7 @@ TEST_F(ClickableImageView, ShowsThePointingHandOverAllOfItselfWhileTheNetworkIsT
   }
 }
 
-TEST_F(ClickableImageView, ShowsTheArrowWithoutTheNetwork) {
+TEST_F(ClickableImageView, ShowsArrowWhileOffline) {
   pointAt(20, 20);
   ASSERT_TRUE(serveEventsUntil([&] { return !view_->impl().widget->underMouse(); }));
   isNetworkOnline = false;
@@ -141,13 +140,13 @@ TEST_F(ClickableImageView, ShowsTheArrowWithoutTheNetwork) {
   EXPECT_TRUE(serveEventsUntil([&] { return cursor() == Qt::PointingHandCursor; }));
 }
 
-TEST_F(ClickableImageView, IsGoneFromTheWindowOnlyWithItsLastOwner) {
+TEST_F(ClickableImageView, WindowKeepsViewAlive) {
   std::weak_ptr<tovalinNSImageView> watched = view_;
   view_.reset();
   EXPECT_FALSE(watched.expired());
 }
 
-TEST_F(ClickableImageView, TheKeyboardDoesNotReachIt) {
+TEST_F(ClickableImageView, IgnoresKeyboardByDefault) {
   Listener listener;
   view_->delegate = &listener;
   xdotool({"key", "Tab", "Return", "space"});
@@ -158,7 +157,7 @@ TEST_F(ClickableImageView, TheKeyboardDoesNotReachIt) {
   EXPECT_EQ(listener.clicks, 1);
 }
 
-TEST_F(ClickableImageView, ActingAsALinkItIsPressedWithReturnAndSpace) {
+TEST_F(ClickableImageView, ActingAsLinkIsPressedByReturnAndSpace) {
   Listener listener;
   view_->delegate = &listener;
   view_->setActsAsLink(true);
@@ -170,7 +169,7 @@ TEST_F(ClickableImageView, ActingAsALinkItIsPressedWithReturnAndSpace) {
   EXPECT_EQ(listener.event.locationInView.y, 20);
 }
 
-TEST_F(ClickableImageView, AssistiveProgramsAreToldOfALinkThatTheyCanPress) {
+TEST_F(ClickableImageView, ActingAsLinkIsExposedToAccessibility) {
   Listener listener;
   const auto link = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 80, 40});
   link->delegate = &listener;

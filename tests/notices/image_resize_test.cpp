@@ -15,7 +15,7 @@ namespace {
 using platform::Image;
 using platform::Size;
 
-// Left half opaque red, right half fully transparent.
+// Returns an image whose left half is opaque red and whose right half is transparent.
 std::unique_ptr<Image> halfRed(double side) {
   auto image = std::make_unique<Image>(Size{side, side});
   QImage& pixels = image->impl().forms.front();
@@ -31,13 +31,13 @@ std::size_t occurrences(const std::string& text, const std::string& word) {
   return count;
 }
 
-TEST(ImageResize, NoSourceGivesNothingAndOneLineOnTheConsoleLog) {
+TEST(ImageResize, NullSourceReturnsNullAndLogsOnce) {
   testing::internal::CaptureStderr();
   EXPECT_EQ(imageResize(nullptr, 20, 20), nullptr);
   EXPECT_EQ(occurrences(testing::internal::GetCapturedStderr(), "Invalid Image\n"), 1u);
 }
 
-TEST(ImageResize, AnInvalidSourceGivesNothingAndKeepsItsSize) {
+TEST(ImageResize, InvalidSourceReturnsNullAndKeepsItsSize) {
   Image source({0, 7});
   testing::internal::CaptureStderr();
   EXPECT_EQ(imageResize(&source, 20, 20), nullptr);
@@ -45,7 +45,7 @@ TEST(ImageResize, AnInvalidSourceGivesNothingAndKeepsItsSize) {
   EXPECT_EQ(source.size(), (Size{0, 7}));
 }
 
-TEST(ImageResize, AnInvalidSourceIsStillSetToScaleWithItsSize) {
+TEST(ImageResize, InvalidSourceStillScalesWhenResized) {
   Image source({0, 7});
   testing::internal::CaptureStderr();
   EXPECT_EQ(imageResize(&source, 20, 20), nullptr);
@@ -53,7 +53,7 @@ TEST(ImageResize, AnInvalidSourceIsStillSetToScaleWithItsSize) {
   EXPECT_TRUE(source.impl().scalesWhenResized);
 }
 
-TEST(ImageResize, LeavesTheSourceWithTheNewSize) {
+TEST(ImageResize, SetsNewSizeOfSource) {
   Image source({100, 100});
   const auto resized = imageResize(&source, 240, 240);
   ASSERT_NE(resized, nullptr);
@@ -62,7 +62,7 @@ TEST(ImageResize, LeavesTheSourceWithTheNewSize) {
   EXPECT_TRUE(source.impl().scalesWhenResized);
 }
 
-TEST(ImageResize, MakesANewImageAndSaysNothing) {
+TEST(ImageResize, ReturnsNewImageAndLogsNothing) {
   Image source({20, 20});
   testing::internal::CaptureStderr();
   const auto resized = imageResize(&source, 20, 20);
@@ -70,7 +70,7 @@ TEST(ImageResize, MakesANewImageAndSaysNothing) {
   EXPECT_NE(resized.get(), &source);
 }
 
-TEST(ImageResize, FillsTheWholeOfTheNewImageWhateverItsProportions) {
+TEST(ImageResize, FillsNewImageOfAnyProportions) {
   for (const Size size : {Size{240, 240}, Size{420, 40}, Size{20, 17}, Size{7, 90}}) {
     const auto resized = imageResize(halfRed(100).get(), size.width, size.height);
     ASSERT_NE(resized, nullptr);
@@ -83,7 +83,7 @@ TEST(ImageResize, FillsTheWholeOfTheNewImageWhateverItsProportions) {
   }
 }
 
-TEST(ImageResize, MixesPixelsByAreaWhenItShrinks) {
+TEST(ImageResize, ShrinkingAveragesPixelsByArea) {
   Image stripes({200, 200});
   QImage& pixels = stripes.impl().forms.front();
   for (int y = 0; y < pixels.height(); ++y) {
@@ -94,9 +94,8 @@ TEST(ImageResize, MixesPixelsByAreaWhenItShrinks) {
   EXPECT_NEAR(middle.red(), 128, 6);
 }
 
-// Each column of the small picture stands for twenty of the large one, so the line is a twentieth of one of
-// them.
-TEST(ImageResize, KeepsAThinLineWhereverItIsWhenItShrinks) {
+// Each column of the small picture covers twenty of the large one, so the line has a weight of one twentieth.
+TEST(ImageResize, ShrinkingKeepsThinLineAtAnyPosition) {
   for (int line = 0; line < 40; ++line) {
     Image large({200, 200});
     QImage& pixels = large.impl().forms.front();
@@ -111,18 +110,18 @@ TEST(ImageResize, KeepsAThinLineWhereverItIsWhenItShrinks) {
   }
 }
 
-TEST(ImageResize, AStatusIconHoldsOnePixelForEachOfTheScreens) {
+TEST(ImageResize, StatusIconHasOnePixelPerScreenPixel) {
   const double scale = qGuiApp->devicePixelRatio();
   const auto source = platform::imageNamed("mount on.png");
   const auto icon = imageResize(source.get(), 20, 20);
   ASSERT_NE(icon, nullptr);
   EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
-  // Drawn for just this grid, it comes through pixel by pixel.
+  // The representation of exactly this size is copied pixel by pixel.
   EXPECT_EQ(icon->impl().forms.front(),
             source->impl().formFor(20 * scale).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
-TEST(ImageResize, AnImpossibleSizeGivesAnImageThatIsNotValidAndOneLineOnTheConsoleLog) {
+TEST(ImageResize, InvalidSizeReturnsInvalidImageAndLogsOnce) {
   testing::internal::CaptureStderr();
   const auto resized = imageResize(halfRed(10).get(), -1, 20);
   EXPECT_EQ(occurrences(testing::internal::GetCapturedStderr(), "Invalid Image\n"), 1u);

@@ -17,7 +17,7 @@ struct Expectation {
   const NoticeLayout& layout;
   int width;
   QRect rightPane;
-  QRect field;  // counted from the upper left, as the toolkit does
+  QRect field;  // from the upper left corner, as in Qt
   const char* text;
   int lines;
 };
@@ -32,30 +32,30 @@ class NoticeWindow : public testing::TestWithParam<Expectation> {
   QWidget& content_ = *window_->contentView().impl().widget;
 };
 
-TEST_P(NoticeWindow, HasItsSizeAndTitleAndIsNotYetOnScreen) {
+TEST_P(NoticeWindow, HasSizeAndTitleAndIsHidden) {
   EXPECT_EQ(content_.size(), QSize(GetParam().width, 80));
   EXPECT_EQ(content_.windowTitle(), QStringLiteral("Tovalin Notification"));
   EXPECT_FALSE(window_->isVisible());
 }
 
-TEST_P(NoticeWindow, HasTheLeftPaneThenTheRightOne) {
+TEST_P(NoticeWindow, HasLeftPaneThenRightPane) {
   const auto panes = childrenOf(content_);
   ASSERT_EQ(panes.size(), 2);
   EXPECT_EQ(panes[0]->geometry(), QRect(0, 0, 90, 80));
   EXPECT_EQ(panes[1]->geometry(), GetParam().rightPane);
 }
 
-TEST_P(NoticeWindow, HasTheIconWithANameInTheLeftPane) {
+TEST_P(NoticeWindow, LeftPaneHasIconWithAccessibleName) {
   const auto inside = childrenOf(*childrenOf(content_)[0]);
   ASSERT_EQ(inside.size(), 1);
   EXPECT_EQ(inside[0]->geometry(), QRect(15, 10, 60, 60));
   EXPECT_EQ(inside[0]->accessibleName(), QStringLiteral("Tovalin"));
-  // Something is drawn: not all of it is of one colour.
+  // The icon is not of a single colour, hence drawn.
   const QImage drawn = inside[0]->grab().toImage();
   EXPECT_NE(drawn.pixelColor(drawn.width() / 2, drawn.height() / 2), drawn.pixelColor(0, 0));
 }
 
-TEST_P(NoticeWindow, HasTheTextInTheRightPaneWhole) {
+TEST_P(NoticeWindow, RightPaneHasCompleteText) {
   const auto inside = childrenOf(*childrenOf(content_)[1]);
   ASSERT_EQ(inside.size(), 1);
   const auto* label = qobject_cast<QLabel*>(inside[0]);

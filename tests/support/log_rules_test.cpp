@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(CollectionName, IsTheLocalTimeToTheSecond) {
+TEST(CollectionName, HasLocalTimeInSeconds) {
   std::tm time{};
   time.tm_year = 126;
   time.tm_mon = 10;
@@ -15,7 +15,7 @@ TEST(CollectionName, IsTheLocalTimeToTheSecond) {
   EXPECT_EQ(collectionName(time), "tovalinlog_2026-11-15T22-05-12");
 }
 
-TEST(CollectionCommands, StandInTheirOrder) {
+TEST(CollectionCommands, AreInOrder) {
   const auto commands = collectionCommands("N");
   ASSERT_TRUE(commands.has_value());
   EXPECT_EQ((*commands)[0].text, "mkdir -m 700 /tmp/N");
@@ -32,7 +32,7 @@ TEST(CollectionCommands, StandInTheirOrder) {
             "collectlogs archive /tmp/N \"$desktop\" N.zip zip -qy - /tmp/N/*.*");
 }
 
-TEST(CollectionCommands, TakeFewMinutesTogether) {
+TEST(CollectionCommands, LimitsSumUpToAtMostFiveMinutes) {
   const auto commands = collectionCommands("N");
   ASSERT_TRUE(commands.has_value());
   std::chrono::seconds all{};
@@ -43,7 +43,7 @@ TEST(CollectionCommands, TakeFewMinutesTogether) {
   EXPECT_LE(all, std::chrono::minutes(5));
 }
 
-TEST(CollectionCommands, MayTake511BytesEach) {
+TEST(CollectionCommands, AreLimitedTo511Bytes) {
   std::size_t longest = 0;
   for (std::size_t length = 1; collectionCommands(std::string(length, 'n')); ++length) longest = length;
   const auto commands = *collectionCommands(std::string(longest, 'n'));

@@ -16,7 +16,7 @@ PropertyList list(const std::string& content) {
   return parsed.value_or(PropertyList());
 }
 
-TEST(Notice, GivesItsTwoEntriesInOrder) {
+TEST(Notice, ReturnsTwoEntriesInOrder) {
   const auto entries =
       noticeEntries(list("{ notice_2 = { subject = B; link = \"http://b\"; other = 1; };"
                          "  notice_1 = { subject = A; link = \"http://a\"; }; more = (); }"));
@@ -27,7 +27,7 @@ TEST(Notice, GivesItsTwoEntriesInOrder) {
   EXPECT_EQ((*entries)[1].link, "http://b");
 }
 
-TEST(Notice, WithoutBothCompleteEntriesIsNone) {
+TEST(Notice, WithoutTwoCompleteEntriesReturnsNullopt) {
   for (const char* incomplete :
        {"{}", "()", "text", "{ notice_1 = { subject = A; link = L; }; }",
         "{ notice_2 = { subject = A; link = L; }; }",
@@ -44,7 +44,7 @@ std::string repeated(const std::string& text, int times) {
   return all;
 }
 
-TEST(Subject, IsShownWholeUpTo500Characters) {
+TEST(Subject, IsLimitedTo500Characters) {
   EXPECT_EQ(shownSubject("News"), "News");
   EXPECT_EQ(shownSubject(""), "");
   EXPECT_EQ(shownSubject(repeated("x", 500)), repeated("x", 500));
@@ -52,14 +52,14 @@ TEST(Subject, IsShownWholeUpTo500Characters) {
   EXPECT_EQ(shownSubject(repeated("e\u0301", 501)), repeated("e\u0301", 500));
 }
 
-TEST(Subject, OfOneOverlongCharacterIsCutTo2000CodePoints) {
+TEST(Subject, OverlongCharacterIsTruncatedTo2000CodePoints) {
   EXPECT_EQ(shownSubject("e" + repeated("\u0301", 450'000)), "e" + repeated("\u0301", 1999));
 }
 
 const char* const three =
     "( { file_name = a; link = A; }, { file_name = b; link = B; }, { file_name = c; link = C; } )";
 
-TEST(Banner, IsChosenByTheRemainder) {
+TEST(Banner, IsChosenByRemainder) {
   const PropertyList banners = list(three);
   EXPECT_EQ(chosenBanner(banners, 0)->fileName, "a");
   EXPECT_EQ(chosenBanner(banners, 1)->link, "B");
@@ -69,35 +69,35 @@ TEST(Banner, IsChosenByTheRemainder) {
   EXPECT_EQ(chosenBanner(banners, 0xfffffffe)->fileName, "c");
 }
 
-TEST(Banner, OnlyOneIsAlwaysChosen) {
+TEST(Banner, SingleBannerIsAlwaysChosen) {
   const PropertyList banners = list("( { file_name = a; link = A; } )");
   for (const std::uint32_t random : {0u, 1u, 0x80000000u, 0xffffffffu})
     EXPECT_EQ(chosenBanner(banners, random)->fileName, "a");
 }
 
-TEST(Banner, IsRefusedSoftlyWhereThereIsNone) {
+TEST(Banner, ReturnsNulloptForInvalidList) {
   for (const char* none :
        {"()", "{}", "text", "{ file_name = a; link = A; }", "( text )", "( ( ) )", "( { file_name = a; } )",
         "( { link = A; } )", "( { file_name = (); link = A; } )"})
     EXPECT_FALSE(chosenBanner(list(none), 7).has_value()) << none;
 }
 
-TEST(Banner, IncompleteEntryAmongOthersIsRefusedOnlyWhenChosen) {
+TEST(Banner, IncompleteEntryIsRefusedOnlyIfChosen) {
   const PropertyList banners = list("( { file_name = a; link = A; }, { link = B; } )");
   EXPECT_TRUE(chosenBanner(banners, 0).has_value());
   EXPECT_FALSE(chosenBanner(banners, 1).has_value());
 }
 
-TEST(BannerPath, NamesTheFileBelowTheBanners) {
+TEST(BannerPath, IsFileInBannerFolder) {
   EXPECT_EQ(bannerPath({.fileName = "a.png", .link = ""}), "/product/nimba/banner/a.png");
   EXPECT_EQ(bannerPath({.fileName = "a%20b.png?c", .link = ""}), "/product/nimba/banner/a%20b.png?c");
 }
 
-TEST(BannerPath, OfNoNameIsTheFolder) {
+TEST(BannerPath, EmptyNameIsBannerFolder) {
   EXPECT_EQ(bannerPath({.fileName = "", .link = ""}), "/product/nimba/banner/");
 }
 
-TEST(BannerPath, OfANameThatIsNoAddressIsNone) {
+TEST(BannerPath, InvalidNameReturnsNullopt) {
   for (const char* name : {"a b.png", "a\r\nHost: b", "%", "\xc3\xa4.png", "a\"b"})
     EXPECT_FALSE(bannerPath({.fileName = name, .link = ""}).has_value()) << name;
 }

@@ -15,7 +15,8 @@ using testing::EndsWith;
 
 namespace {
 
-// What was asked of the server and of the desktop, and what the server answers; nothing when it has no more.
+// The requests and opened addresses, and the remaining replies of the fake server; without one a request
+// fails.
 struct Outside {
   std::vector<platform::UrlRequest> requests;
   std::vector<std::string> opened;
@@ -45,7 +46,7 @@ std::string banner(const std::string& name) {
 
 }  // namespace
 
-// The real ones would need a server and a browser.
+// Fakes: the real ones would need a server and a browser.
 namespace platform {
 
 std::optional<std::string> sendSynchronousRequest(const UrlRequest& request) {
@@ -85,7 +86,7 @@ class ServerContent : public testing::Test {
   nimbatrayAppDelegate delegate_;
 };
 
-TEST_F(ServerContent, NoBodyLeavesTheEarlierListsAndIsNoSuccess) {
+TEST_F(ServerContent, FailedFetchKeepsEarlierLists) {
   haveBanners(banner("a.ppm"));
   outside().replies = {list("<dict/>")};
   EXPECT_EQ(delegate_.getServerNotice(), 0);
@@ -98,7 +99,7 @@ TEST_F(ServerContent, NoBodyLeavesTheEarlierListsAndIsNoSuccess) {
   EXPECT_EQ(delegate_.bannerList, banners);
 }
 
-TEST_F(ServerContent, ABodyThatIsNoListTakesTheEarlierOnesAway) {
+TEST_F(ServerContent, InvalidListClearsEarlierLists) {
   haveBanners(banner("a.ppm"));
   outside().replies = {list("<dict/>"), "<plist><dict>", "no list {"};
   EXPECT_EQ(delegate_.getServerNotice(), 0);
@@ -109,7 +110,7 @@ TEST_F(ServerContent, ABodyThatIsNoListTakesTheEarlierOnesAway) {
   EXPECT_EQ(delegate_.bannerList, nullptr);
 }
 
-TEST_F(ServerContent, ABannersLinkIsThatOfTheOneChosenLastAlsoWithoutItsPicture) {
+TEST_F(ServerContent, BannerLinkIsThatOfLastChosenBannerWithoutPicture) {
   haveBanners(banner("a.ppm"));
   EXPECT_EQ(fetchBanner(picture), 1);
   const auto shown = delegate_.bannerImg;
@@ -120,14 +121,14 @@ TEST_F(ServerContent, ABannersLinkIsThatOfTheOneChosenLastAlsoWithoutItsPicture)
   EXPECT_EQ(delegate_.bannerLink, "http://b.ppm/");
 }
 
-TEST_F(ServerContent, DataThatIsNoPictureTakesTheEarlierOneAway) {
+TEST_F(ServerContent, InvalidPictureClearsEarlierOne) {
   haveBanners(banner("a.ppm"));
   EXPECT_EQ(fetchBanner(picture), 1);
   EXPECT_EQ(fetchBanner("<html>"), 0);
   EXPECT_EQ(delegate_.bannerImg, nullptr);
 }
 
-TEST_F(ServerContent, ANameThatMakesNoAddressIsNotAskedFor) {
+TEST_F(ServerContent, InvalidBannerNameIsNotFetched) {
   haveBanners(banner("a%2"));
   outside().requests.clear();
   EXPECT_EQ(fetchBanner(picture), 0);
@@ -135,14 +136,14 @@ TEST_F(ServerContent, ANameThatMakesNoAddressIsNotAskedFor) {
   EXPECT_EQ(delegate_.bannerLink, "http://a%2/");
 }
 
-TEST_F(ServerContent, AnEmptyNameAsksForTheFolder) {
+TEST_F(ServerContent, EmptyBannerNameFetchesFolder) {
   haveBanners(banner(""));
   outside().requests.clear();
   EXPECT_EQ(fetchBanner(std::nullopt), 0);
   EXPECT_THAT(fetched(), ElementsAre(EndsWith("/product/nimba/banner/")));
 }
 
-TEST_F(ServerContent, EachOfThreeBannersIsChosenSometimes) {
+TEST_F(ServerContent, EachOfThreeBannersIsChosenEventually) {
   haveBanners(banner("a.ppm") + banner("b.ppm") + banner("c.ppm"));
   std::set<std::string> chosen;
   for (int i = 0; i < 1000 && chosen.size() < 3; ++i) {
@@ -152,7 +153,7 @@ TEST_F(ServerContent, EachOfThreeBannersIsChosenSometimes) {
   EXPECT_EQ(chosen.size(), 3U);
 }
 
-TEST_F(ServerContent, AnEmptyListOrAnEntryWithoutItsTextsGivesNoBanner) {
+TEST_F(ServerContent, EmptyListOrIncompleteEntryReturnsNoBanner) {
   haveBanners("");
   EXPECT_EQ(fetchBanner(picture), 0);
   haveBanners("<dict><key>link</key><string>http://a/</string></dict>");
@@ -162,7 +163,7 @@ TEST_F(ServerContent, AnEmptyListOrAnEntryWithoutItsTextsGivesNoBanner) {
   EXPECT_EQ(delegate_.bannerLink, std::nullopt);
 }
 
-TEST_F(ServerContent, EachFetchWaitsThreeSecondsAndPassesCaches) {
+TEST_F(ServerContent, FetchesHaveThreeSecondTimeoutAndIgnoreCache) {
   haveBanners(banner("a.ppm"));
   fetchBanner(picture);
   delegate_.getServerNotice();
@@ -181,7 +182,7 @@ TEST_F(ServerContent, EachFetchWaitsThreeSecondsAndPassesCaches) {
   }
 }
 
-TEST_F(ServerContent, AFailedVersionFetchForgetsTheEarlierVersion) {
+TEST_F(ServerContent, FailedVersionFetchClearsEarlierVersion) {
   outside().replies = {list("<dict><key>version</key><string>9.9.9</string></dict>"), std::nullopt,
                        list("<dict><key>version</key><string>9.9.9</string></dict>"), "no list {"};
   for (int i = 0; i < 2; ++i) {
@@ -192,7 +193,7 @@ TEST_F(ServerContent, AFailedVersionFetchForgetsTheEarlierVersion) {
   }
 }
 
-TEST_F(ServerContent, ABannersClickOpensWebAddressesOnly) {
+TEST_F(ServerContent, BannerClickOpensHttpAddressesOnly) {
   delegate_.bannerImgView = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 1, 1});
   for (const char* link : {"file:///etc/passwd", "smb://host/share", "mailto:a@b?attach=/etc/passwd",
                            "javascript:alert(1)", "x1:evil.html", "http:evil.html", "evil.html"}) {
@@ -205,7 +206,7 @@ TEST_F(ServerContent, ABannersClickOpensWebAddressesOnly) {
   EXPECT_THAT(outside().opened, ElementsAre("HTTPS://banner/"));
 }
 
-TEST_F(ServerContent, AClickOnAnotherViewThanTheBannersDoesNothing) {
+TEST_F(ServerContent, ClickOnOtherViewIsNoOp) {
   delegate_.bannerLink = "http://banner/";
   delegate_.bannerImgView = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 1, 1});
   tovalinNSImageView another({0, 0, 1, 1});
@@ -215,7 +216,7 @@ TEST_F(ServerContent, AClickOnAnotherViewThanTheBannersDoesNothing) {
   EXPECT_THAT(outside().opened, ElementsAre("http://banner/"));
 }
 
-TEST_F(ServerContent, ABannersClickWithoutALinkOpensNothing) {
+TEST_F(ServerContent, BannerClickWithoutLinkIsNoOp) {
   delegate_.bannerImgView = std::make_shared<tovalinNSImageView>(platform::Rect{0, 0, 1, 1});
   delegate_.myImageView(*delegate_.bannerImgView, {});
   delegate_.bannerLink = "";

@@ -14,7 +14,7 @@ struct Comparison {
 
 class Versions : public testing::TestWithParam<Comparison> {};
 
-TEST_P(Versions, CompareByTheirFirstThreeNumbers) {
+TEST_P(Versions, CompareFirstThreeNumbers) {
   EXPECT_EQ(isNewerVersion(GetParam().current, GetParam().recent), GetParam().newer)
       << GetParam().current.value_or("none") << " and " << GetParam().recent.value_or("none");
 }
@@ -50,7 +50,7 @@ std::string list(const std::string& content) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\">" + content + "</plist>";
 }
 
-TEST(VersionList, GivesItsVersion) {
+TEST(VersionList, ReturnsVersion) {
   EXPECT_EQ(versionInList(list("<dict><key>version</key><string>1.2.3</string></dict>")), "1.2.3");
 }
 
@@ -60,11 +60,11 @@ TEST(VersionList, OtherKeysAreIgnored) {
             "2.0.0");
 }
 
-TEST(VersionList, EmptyVersionIsOne) {
+TEST(VersionList, EmptyVersionIsReturned) {
   EXPECT_EQ(versionInList(list("<dict><key>version</key><string></string></dict>")), "");
 }
 
-TEST(VersionList, OldTextAndBinaryListsAreListsToo) {
+TEST(VersionList, AcceptsOldTextAndBinaryLists) {
   EXPECT_EQ(versionInList("{ version = \"1.2.3\"; }"), "1.2.3");
   using namespace std::string_literals;
   const std::string binary =
@@ -74,7 +74,7 @@ TEST(VersionList, OldTextAndBinaryListsAreListsToo) {
   EXPECT_EQ(versionInList(binary), "1.2.3");
 }
 
-TEST(VersionList, AnythingElseIsAFailedFetch) {
+TEST(VersionList, InvalidListReturnsNullopt) {
   EXPECT_EQ(versionInList(""), std::nullopt);
   EXPECT_EQ(versionInList("<html><body>502 Bad Gateway</body></html>"), std::nullopt);
   EXPECT_EQ(versionInList(list("<dict/>")), std::nullopt);
@@ -87,12 +87,12 @@ TEST(VersionList, AnythingElseIsAFailedFetch) {
   EXPECT_EQ(versionInList(list("<dict><key>version</key><string>1.2.3")), std::nullopt);
 }
 
-TEST(CopyUpdaterCommand, NamesTheBundleAsItStands) {
+TEST(CopyUpdaterCommand, NamesBundleVerbatim) {
   EXPECT_EQ(copyUpdaterCommand("/opt/Tovalin.app"),
             "cp -Rf /opt/Tovalin.app/Contents/Resources/tovalinupdate.app /tmp/");
 }
 
-TEST(CopyUpdaterCommand, MayTake511Bytes) {
+TEST(CopyUpdaterCommand, IsLimitedTo511Bytes) {
   const std::size_t fixed = copyUpdaterCommand("")->size();
   EXPECT_EQ(copyUpdaterCommand(std::string(511 - fixed, 'p'))->size(), 511u);
   EXPECT_EQ(copyUpdaterCommand(std::string(512 - fixed, 'p')), std::nullopt);

@@ -14,7 +14,7 @@ std::string decimal(std::uint64_t number) {
   return {space.data(), static_cast<std::size_t>(end - space.data())};
 }
 
-TEST(DecimalDigits, NumbersAroundEveryPowerOfTenAgreeWithTheLibrary) {
+TEST(DecimalDigits, NumbersAroundPowersOfTenMatchToString) {
   for (std::uint64_t power = 1;; power *= 10) {
     for (const std::uint64_t number : {power - 1, power, power + 1, power * 7 / 3})
       EXPECT_EQ(decimal(number), std::to_string(number));
@@ -26,8 +26,8 @@ TEST(DecimalDigits, LargestNumberHasTwentyDigits) {
   EXPECT_EQ(decimal(std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
 }
 
-// Each half of a group of eight digits takes each value, with and without zeros before and behind it.
-TEST(DecimalDigits, EveryFourDigitsAgreeWithTheLibrary) {
+// Each half of an eight-digit group takes each value, with and without zeros around it.
+TEST(DecimalDigits, EveryFourDigitsMatchToString) {
   for (std::uint64_t four = 0; four < 10'000; ++four) {
     for (const std::uint64_t number :
          {four, four * 10'000, four * 10'001, 100'000'000 + four, four * 1'000'000'000'000})
@@ -35,7 +35,7 @@ TEST(DecimalDigits, EveryFourDigitsAgreeWithTheLibrary) {
   }
 }
 
-TEST(DecimalDigits, FourDigitsKeepTheirZeros) {
+TEST(DecimalDigits, FourDigitsKeepLeadingZeros) {
   for (std::uint32_t number = 0; number < 10'000; ++number) {
     std::array<char, 8> space{};
     ASSERT_EQ(tools::putFourDigits(space.data(), number), space.data() + 4);
@@ -43,7 +43,7 @@ TEST(DecimalDigits, FourDigitsKeepTheirZeros) {
   }
 }
 
-TEST(DecimalDigits, GroupsInTheMiddleKeepTheirZeros) {
+TEST(DecimalDigits, MiddleGroupsKeepLeadingZeros) {
   EXPECT_EQ(decimal(10'000'000'000'000'001), "10000000000000001");
   EXPECT_EQ(decimal(1'000'000'050'000'000), "1000000050000000");
 }

@@ -11,7 +11,7 @@ using tools::FaultList;
 using tools::FaultOrder;
 using tools::parseFaultOrder;
 
-TEST(FaultOrder, EveryFaultThatTheHelpNamesIsKnownByItsName) {
+TEST(FaultOrder, EveryFaultInHelpIsParsed) {
   std::istringstream lines(tools::tellFaults());
   std::string line;
   int count = 0;
@@ -24,21 +24,21 @@ TEST(FaultOrder, EveryFaultThatTheHelpNamesIsKnownByItsName) {
   EXPECT_EQ(count, 18);
 }
 
-TEST(FaultOrder, ACountFollowsAStar) {
+TEST(FaultOrder, CountFollowsAsterisk) {
   EXPECT_EQ(parseFaultOrder("silent*3"), (FaultOrder{Fault::Silent, 3}));
   EXPECT_EQ(parseFaultOrder("silent*1000000"), (FaultOrder{Fault::Silent, 1'000'000}));
   EXPECT_EQ(textOf(FaultOrder{Fault::Silent, 3}), "silent*3");
   EXPECT_EQ(textOf(FaultOrder{Fault::Silent}), "silent");
 }
 
-TEST(FaultOrder, WhatIsNoFaultOrNoCountIsRefused) {
+TEST(FaultOrder, UnknownFaultOrInvalidCountIsRefused) {
   for (const char* const text : {"", "none", "Silent", "silent ", "silen", "*3", "silent*", "silent*0",
                                  "silent*-1", "silent*1000001", "silent*3x", "silent* 3", "silent*3*3"}) {
     EXPECT_EQ(parseFaultOrder(text), std::nullopt) << text;
   }
 }
 
-TEST(FaultList, APathIsMetByWhatItBeginsWith) {
+TEST(FaultList, MatchesPathByPrefix) {
   FaultList list;
   list.set("/a/b", {Fault::Silent});
   EXPECT_EQ(list.take("/a/bc?d"), Fault::Silent);
@@ -46,7 +46,7 @@ TEST(FaultList, APathIsMetByWhatItBeginsWith) {
   EXPECT_EQ(list.take("/x/a/b"), std::nullopt);
 }
 
-TEST(FaultList, TheLongestBeginningWins) {
+TEST(FaultList, LongestPrefixWins) {
   FaultList list;
   list.set("/a", {Fault::Silent});
   list.set("/a/b/c", {Fault::Drop});
@@ -56,7 +56,7 @@ TEST(FaultList, TheLongestBeginningWins) {
   EXPECT_EQ(list.take("/a/x"), Fault::Silent);
 }
 
-TEST(FaultList, ACountIsUsedUpByRequestsThatFitAlone) {
+TEST(FaultList, CountIsReducedByMatchingRequestsOnly) {
   FaultList list;
   list.set("/a", {Fault::Silent, 2});
   EXPECT_EQ(list.take("/b"), std::nullopt);
@@ -67,7 +67,7 @@ TEST(FaultList, ACountIsUsedUpByRequestsThatFitAlone) {
   EXPECT_EQ(list.text(), "");
 }
 
-TEST(FaultList, AUsedUpFaultLeavesTheShorterBeginningToItself) {
+TEST(FaultList, ShorterPrefixAppliesAfterCountIsUsedUp) {
   FaultList list;
   list.set("/", {Fault::Slow});
   list.set("/a", {Fault::Silent, 1});
@@ -75,14 +75,14 @@ TEST(FaultList, AUsedUpFaultLeavesTheShorterBeginningToItself) {
   EXPECT_EQ(list.take("/a"), Fault::Slow);
 }
 
-TEST(FaultList, ANewFaultTakesTheOldOnesPlace) {
+TEST(FaultList, NewFaultReplacesOldOne) {
   FaultList list;
   list.set("/a", {Fault::Silent, 5});
   list.set("/a", {Fault::Drop});
   EXPECT_EQ(list.text(), "/a=drop\n");
 }
 
-TEST(FaultList, AClearedFaultMeetsNothing) {
+TEST(FaultList, ClearedFaultDoesNotMatch) {
   FaultList list;
   list.set("/a", {Fault::Silent});
   list.clear("/a/b");

@@ -45,54 +45,54 @@ TEST(AgentModel, LaunchAtSecondSUploadsAtMinuteSSecondS) {
   }
 }
 
-TEST(AgentModel, LaunchHalfAMinuteBeforeMidnightUploadsHalfAnHourAfterIt) {
+TEST(AgentModel, LaunchAt235930UploadsAt003030) {
   EXPECT_THAT(uploadsOf({{at(0, 23, 59, 30), at(1, 12, 0, 0)}}), ElementsAre(Pair(at(1, 0, 30, 30), 1)));
 }
 
-TEST(AgentModel, LaunchUploadsTheDayBefore) {
+TEST(AgentModel, LaunchUploadsPreviousDay) {
   EXPECT_THAT(uploadsOf({{at(0, 9, 0, 0), at(0, 17, 0, 0)}, {at(1, 8, 30, 12), at(1, 17, 0, 0)}}),
               ElementsAre(Pair(at(1, 8, 30, 12), 1)));
 }
 
-TEST(AgentModel, SecondLaunchOfADayUploadsNothing) {
+TEST(AgentModel, SecondLaunchOfDayUploadsNothing) {
   EXPECT_THAT(uploadsOf({{at(0, 9, 0, 0), at(0, 12, 0, 0)}, {at(0, 13, 0, 0), at(0, 17, 0, 0)}}), IsEmpty());
 }
 
-TEST(AgentModel, EndBeforeThePassLeavesTheFileToTheNextLaunch) {
+TEST(AgentModel, EndBeforePassPostponesUploadToNextLaunch) {
   EXPECT_THAT(uploadsOf({{at(0, 9, 0, 50), at(1, 0, 50, 50)}, {at(1, 8, 0, 0), at(1, 9, 0, 0)}}),
               ElementsAre(Pair(at(1, 8, 0, 0), 1)));
 }
 
-TEST(AgentModel, DaysWithoutAPassAreUploadedTogether) {
+TEST(AgentModel, DaysWithoutPassAreUploadedTogether) {
   EXPECT_THAT(uploadsOf({{at(0, 23, 30, 59), at(1, 0, 30, 0)}, {at(2, 8, 0, 0), at(2, 9, 0, 0)}}),
               ElementsAre(Pair(at(2, 8, 0, 0), 2)));
 }
 
-TEST(AgentModel, NapMovesTheTicksOn) {
-  // Ticks come at :10; asleep for 5 h 59 min 23 s they come at :33.
+TEST(AgentModel, NapShiftsTicks) {
+  // Ticks come at :10, and at :33 after 5 h 59 min 23 s of sleep.
   EXPECT_THAT(uploadsOf({{at(0, 23, 0, 10), at(1, 12, 0, 0), {{at(0, 23, 30, 0), at(1, 5, 29, 23)}}}}),
               ElementsAre(Pair(at(1, 5, 33, 33), 1)));
 }
 
-TEST(AgentModel, NapOverTheMinuteOfThePassDelaysItByAnHour) {
+TEST(AgentModel, NapOverMinuteOfPassDelaysItByAnHour) {
   EXPECT_THAT(uploadsOf({{at(0, 23, 0, 20), at(1, 12, 0, 0), {{at(1, 0, 19, 0), at(1, 0, 22, 0)}}}}),
               ElementsAre(Pair(at(1, 1, 20, 20), 1)));
 }
 
-// The stored second stays what it was when the date was seen to change.
-TEST(AgentModel, NapAfterTheChangeOfDateKeepsTheMinute) {
+// The stored second is that of the tick that saw the date change.
+TEST(AgentModel, NapAfterChangeOfDateKeepsMinute) {
   EXPECT_THAT(uploadsOf({{at(0, 23, 0, 20), at(1, 12, 0, 0), {{at(1, 0, 5, 0), at(1, 0, 6, 15)}}}}),
               ElementsAre(Pair(at(1, 0, 20, 35), 1)));
 }
 
-TEST(AgentModel, DelayedPassComesWithinTheDelay) {
+TEST(AgentModel, DelayedPassRunsWithinDelay) {
   const auto uploads = uploadsOf({{at(0, 15, 0, 20), at(1, 12, 0, 0)}}, hour);
   ASSERT_EQ(uploads.size(), 1u);
   EXPECT_GT(uploads[0].first, at(1, 0, 20, 20));
   EXPECT_LT(uploads[0].first, at(1, 1, 20, 20));
 }
 
-TEST(AgentModel, DelayedPassIsDroppedByTheEndOfTheRun) {
+TEST(AgentModel, EndOfRunCancelsDelayedPass) {
   const auto uploads =
       uploadsOf({{at(0, 15, 0, 20), at(1, 0, 20, 21)}, {at(1, 9, 0, 0), at(1, 10, 0, 0)}}, hour);
   EXPECT_THAT(uploads, ElementsAre(Pair(at(1, 9, 0, 0), 1)));
@@ -105,7 +105,7 @@ std::vector<Run> drawn(Launches launches, bool sleeps, std::uint64_t seed) {
   return runs;
 }
 
-TEST(DayPlan, RunsFollowOneAnotherWithTheirNapsInside) {
+TEST(DayPlan, RunsDoNotOverlapAndContainTheirNaps) {
   for (std::uint64_t seed = 0; seed < 3000; ++seed) {
     for (const Launches launches : {Launches::Uniform, Launches::Office, Launches::PowerCut}) {
       Seconds last = -10 * day;
@@ -124,7 +124,7 @@ TEST(DayPlan, RunsFollowOneAnotherWithTheirNapsInside) {
   }
 }
 
-TEST(DayPlan, UniformCoversTheCountedDay) {
+TEST(DayPlan, UniformCoversCountedDay) {
   for (const bool sleeps : {false, true}) {
     const auto runs = drawn(Launches::Uniform, sleeps, 7);
     EXPECT_LT(runs.front().launch, -12 * hour);
@@ -141,8 +141,8 @@ TEST(DayPlan, PowerCutLaunchesOnceWithinTwoMinutes) {
   }
 }
 
-// Rounded towards zero, the middle second would be drawn twice as often as its neighbours.
-TEST(DayPlan, MiddleOfATimeOfDayIsNoSpike) {
+// Rounding towards zero would draw the middle second twice as often as its neighbours.
+TEST(DayPlan, MiddleSecondIsNoSpike) {
   Settings settings;
   settings.installations = 200'000;
   settings.launches = {{Launches::PowerCut, 1}};
@@ -154,20 +154,20 @@ TEST(DayPlan, MiddleOfATimeOfDayIsNoSpike) {
   EXPECT_NEAR(launches[middle], neighbours, neighbours / 10);
 }
 
-TEST(DayPlan, PowerReturnsWithinTheCountedDayOfEveryZone) {
+TEST(DayPlan, PowerReturnsWithinCountedDayOfEveryZone) {
   for (Seconds offset = -14 * hour; offset <= 14 * hour; offset += 30 * minute) {
     const Span counted{firstCounted + offset, firstCounted + offset + day};
     Random random(1);
     std::vector<fleet::Run> runs;
     drawRuns(Launches::PowerCut, false, counted, random, runs);
     EXPECT_GE(runs[0].launch, counted.from);
-    // Of a zone where the power returns as the counted day ends.
+    // In one zone the power returns at the end of the counted day.
     EXPECT_LT(runs[0].launch, counted.to + 2 * minute);
     EXPECT_GE(runs[0].end, counted.to);
   }
 }
 
-TEST(Zones, AreNamedOrListed) {
+TEST(Zones, AcceptNameOrList) {
   EXPECT_EQ(zonesOf("utc")->size(), 1u);
   EXPECT_GT(zonesOf("world")->size(), 10u);
   const auto two = zonesOf("+05:30=3,-14:00");
@@ -178,14 +178,14 @@ TEST(Zones, AreNamedOrListed) {
   EXPECT_EQ(two->at(1).weight, 1);
 }
 
-TEST(Zones, WrongOnesAreRefused) {
+TEST(Zones, InvalidTextIsRefused) {
   for (const char* text :
        {"", "mars", "+14:01", "+1:00", "+01:60", "01:00", "+01:00=", "+01:00=x", "+01:00=-1", "+01:00=0",
         "+01:00,", ",+01:00", "+01:00=nan", "+01:00=inf", "+01:00=1e10", "+01:00=1e-7", "+0a:00"})
     EXPECT_FALSE(zonesOf(text)) << text;
 }
 
-TEST(Zones, SmallestAndLargestWeightsAreTaken) {
+TEST(Zones, AcceptSmallestAndLargestWeights) {
   const auto zones = zonesOf("+01:00=0.000001,+02:00=1e9,+03:00=0");
   ASSERT_TRUE(zones);
   EXPECT_EQ(zones->at(0).weight, 1e-6);
@@ -193,13 +193,13 @@ TEST(Zones, SmallestAndLargestWeightsAreTaken) {
   EXPECT_EQ(zones->at(2).weight, 0);
 }
 
-TEST(Launches, WrongOnesAreRefused) {
+TEST(Launches, InvalidTextIsRefused) {
   EXPECT_EQ(launchesOf("office=3,uniform=1")->size(), 2u);
   for (const char* text : {"", "never", "office=", "office=0", "office,"})
     EXPECT_FALSE(launchesOf(text)) << text;
 }
 
-TEST(WeightedIndex, DrawsAsOftenAsTheWeightsSay) {
+TEST(WeightedIndex, DrawsInProportionToWeights) {
   const WeightedIndex index(*weightsOf("a=1,b=0,c=3"));
   Random random(5);
   std::vector<int> counts(3);
@@ -209,7 +209,7 @@ TEST(WeightedIndex, DrawsAsOftenAsTheWeightsSay) {
   EXPECT_NEAR(counts[2], 30'000, 500);
 }
 
-TEST(Random, BellHasItsDeviationAndBounds) {
+TEST(Random, BellHasUnitDeviationAndBounds) {
   Random random(2);
   double sum = 0, squares = 0;
   constexpr int count = 200'000;
@@ -223,7 +223,7 @@ TEST(Random, BellHasItsDeviationAndBounds) {
   EXPECT_NEAR(squares / count, 1, 0.02);
 }
 
-TEST(DayLoad, CountsSecondsOfTheDayAlone) {
+TEST(DayLoad, CountsOnlySecondsOfDay) {
   DayLoad load;
   for (const Seconds time : {Seconds{-1}, Seconds{0}, day - 1, day}) load.add(time);
   EXPECT_EQ(load.rate().total, 2u);
@@ -231,7 +231,7 @@ TEST(DayLoad, CountsSecondsOfTheDayAlone) {
   EXPECT_EQ(load.seconds().back(), 1u);
 }
 
-TEST(DayLoad, PercentileIsTheNearestRank) {
+TEST(DayLoad, PercentileIsNearestRank) {
   DayLoad load;
   for (Seconds second = 0; second < day; ++second) load.add(second, static_cast<int>(second / (day / 100)));
   const Rate rate = load.rate();
@@ -241,7 +241,7 @@ TEST(DayLoad, PercentileIsTheNearestRank) {
   EXPECT_DOUBLE_EQ(rate.mean, 49.5);
 }
 
-TEST(DayLoad, BusiestHourBeginsAtAFullMinute) {
+TEST(DayLoad, BusiestHourBeginsAtFullMinute) {
   DayLoad load;
   load.add(5 * hour + 30);
   load.add(6 * hour - 1);
@@ -251,7 +251,7 @@ TEST(DayLoad, BusiestHourBeginsAtAFullMinute) {
   EXPECT_EQ(load.rate(load.busiestHour(), hour).total, 2u);
 }
 
-TEST(Simulation, SameSeedGivesTheSameDay) {
+TEST(Simulation, SameSeedGivesSameDay) {
   Settings settings;
   settings.installations = 2000;
   settings.sleeping = 0.5;
@@ -266,7 +266,7 @@ TEST(Simulation, SameSeedGivesTheSameDay) {
   EXPECT_NE(secondsOf(), first);
 }
 
-TEST(Simulation, DelayOfAMinuteSpreadsTheSpikes) {
+TEST(Simulation, DelayOfOneMinuteSpreadsSpikes) {
   Settings settings;
   settings.installations = 60'000;
   const auto peak = [&] { return simulate(settings).uploads.rate().peak; };
@@ -275,14 +275,14 @@ TEST(Simulation, DelayOfAMinuteSpreadsTheSpikes) {
   EXPECT_LT(peak(), 60u);
 }
 
-TEST(Picture, AxisEndsAtAnEvenNumber) {
+TEST(Picture, AxisEndsAtRoundNumber) {
   const std::vector<std::pair<double, double>> cases = {
       {0, 1},     {1, 1},     {2, 2},      {2.1, 2.5},        {3, 5}, {9, 10}, {11, 20},
       {100, 100}, {101, 200}, {978, 1000}, {166'625, 200'000}};
   for (const auto& [value, top] : cases) EXPECT_EQ(topOfAxis(value), top) << value;
 }
 
-TEST(Picture, NumbersAreShort) {
+TEST(Picture, NumbersAreAbbreviated) {
   EXPECT_EQ(shortNumber(0), "0");
   EXPECT_EQ(shortNumber(750), "750");
   EXPECT_EQ(shortNumber(1250), "1.25 k");
@@ -290,13 +290,13 @@ TEST(Picture, NumbersAreShort) {
   EXPECT_EQ(shortNumber(2.5e6), "2.5 M");
 }
 
-TEST(Picture, LongCaptionIsCut) {
+TEST(Picture, LongCaptionIsTruncated) {
   const std::string words(picturedCaption, 'a');
   EXPECT_THAT(picture(1, words, {}), testing::HasSubstr(">" + words + "; times are UTC<"));
   EXPECT_THAT(picture(1, words + "b", {}), testing::HasSubstr("aa...; times are UTC<"));
 }
 
-TEST(Report, ClockBeginsAtNoon) {
+TEST(Report, ClockStartsAtNoon) {
   EXPECT_EQ(clockText(0), "12:00:00");
   EXPECT_EQ(clockText(12 * hour + 61), "00:01:01");
   EXPECT_EQ(clockText(day - 1), "11:59:59");

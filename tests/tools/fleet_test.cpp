@@ -29,7 +29,7 @@ TEST(Fleet, PrintsRequestsAndBytes) {
   EXPECT_EQ(finished.error, "");
 }
 
-TEST(Fleet, JsonHoldsSettingsAndFigures) {
+TEST(Fleet, JsonContainsSettingsAndFigures) {
   const auto finished = runFleet({"--json", "--launches", "office", "--zones", "+01:00=2,-05:00", "--asleep",
                                   "12.5", "--delay", "60", "--seed", "7"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
@@ -47,7 +47,7 @@ TEST(Fleet, JsonHoldsSettingsAndFigures) {
   EXPECT_LE(report["busiestHour"]["uploads"]["total"], 6000);
 }
 
-TEST(Fleet, JsonOfALongListOfZonesIsWhole) {
+TEST(Fleet, JsonOfLongZoneListIsComplete) {
   std::string zones = "+01:00=1";
   for (int i = 0; i < 200; ++i) zones += ",+05:30=2";
   const auto finished = runFleet({"--json", "--zones", zones});
@@ -58,14 +58,14 @@ TEST(Fleet, JsonOfALongListOfZonesIsWhole) {
   EXPECT_EQ(report["seed"], 1);
 }
 
-TEST(Fleet, FileBytesCountInTheUpload) {
+TEST(Fleet, FileBytesAddToUpload) {
   const auto bytesWith = [](const char* size) {
     return json::parse(runFleet({"--json", "--file-bytes", size}).output)["bytes"]["upload"].get<int>();
   };
   EXPECT_EQ(bytesWith("8500") - bytesWith("1500"), 7000);
 }
 
-TEST(Fleet, DrawsTheDay) {
+TEST(Fleet, SvgContainsDay) {
   ASSERT_EQ(runFleet({"--svg", "/tmp/day.svg", "--launches", "office=1,uniform=2"}).status,
             ExitStatus{.code = 0});
   const std::string picture = test_support::contentsOf("/tmp/day.svg");
@@ -74,7 +74,7 @@ TEST(Fleet, DrawsTheDay) {
   std::filesystem::remove("/tmp/day.svg");
 }
 
-TEST(Fleet, WrongValuesGiveStatusTwo) {
+TEST(Fleet, InvalidValueExitsWithTwo) {
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
       {{"--installations", "0"}, "--installations is a whole number from 1 to 1000000000"},
       {{"--installations", "many"}, "--installations is a whole number"},
@@ -99,7 +99,7 @@ TEST(Fleet, WrongValuesGiveStatusTwo) {
   }
 }
 
-TEST(Fleet, FileThatCannotBeWrittenGivesStatusTwo) {
+TEST(Fleet, UnwritableFileExitsWithTwo) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"/tmp/none/file", "No such file or directory"}, {"/dev/full", "No space left on device"}};
   for (const char* option : {"--svg", "--plan"}) {
@@ -112,8 +112,8 @@ TEST(Fleet, FileThatCannotBeWrittenGivesStatusTwo) {
   }
 }
 
-// The simulation of so many would take half an hour.
-TEST(Fleet, FileThatCannotBeOpenedIsReportedBeforeTheSimulation) {
+// Simulating this many installations would take half an hour.
+TEST(Fleet, UnopenableFileIsReportedBeforeSimulation) {
   for (const char* option : {"--svg", "--plan"}) {
     const auto finished = runFleet({"--installations", "1000000000", option, "/tmp"});
     EXPECT_EQ(finished.status, ExitStatus{.code = 2}) << option;

@@ -38,14 +38,14 @@ struct Case {
   std::string data;
 };
 
-class GoodForm : public testing::TestWithParam<Case> {};
+class ValidForm : public testing::TestWithParam<Case> {};
 
-TEST_P(GoodForm, GivesTheDataBytewise) {
+TEST_P(ValidForm, DataIsReturnedVerbatim) {
   EXPECT_THAT(parseFormData(kType, GetParam().body), isForm(field(GetParam().data)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Forms, GoodForm,
+    Forms, ValidForm,
     testing::Values(
         Case{"AFirstDelimiterAtTheVeryBeginning", form(kNamed, "d"), "d"},
         Case{"ALineEndBeforeTheFirstDelimiter", "\r\n" + form(kNamed, "d"), "d"},
@@ -72,9 +72,9 @@ struct HeaderCase {
   FormPart part;
 };
 
-class GoodHeader : public testing::TestWithParam<HeaderCase> {};
+class ValidHeader : public testing::TestWithParam<HeaderCase> {};
 
-TEST_P(GoodHeader, DescribesThePart) {
+TEST_P(ValidHeader, PartIsDescribed) {
   EXPECT_THAT(parseFormData(kType, form(GetParam().headers, "d")), isForm(GetParam().part));
 }
 
@@ -85,7 +85,7 @@ FormPart file(const std::string& fileName, const std::string& type = "text/plain
 const std::string kFile = "Content-Disposition: form-data; name=\"a\"; filename=";
 
 INSTANTIATE_TEST_SUITE_P(
-    Headers, GoodHeader,
+    Headers, ValidHeader,
     testing::Values(
         HeaderCase{"AFileWithItsType", kFile + "\"f\"\r\nContent-Type: application/octet-stream\r\n",
                    file("f", "application/octet-stream")},
@@ -107,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(
         HeaderCase{"AHeaderThatSaysNothingHere", "X-Other: 1\r\n" + kFile + "\"f\"\r\n", file("f")}),
     [](const auto& test) { return test.param.name; });
 
-TEST(FormData, SeveralPartsInTheirOrder) {
+TEST(FormData, PartsAreReturnedInOrder) {
   const std::string body = std::string("--XX\r\n") + kNamed + "\r\none\r\n--XX\r\n" + kFile +
                            "\"f\"\r\n\r\ntwo" + "\r\n--XX\r\n" + kNamed + "\r\n\r\n--XX--\r\n";
   FormPart second = file("f");
@@ -115,26 +115,26 @@ TEST(FormData, SeveralPartsInTheirOrder) {
   EXPECT_THAT(parseFormData(kType, body), VariantWith<Parts>(ElementsAre(field("one"), second, field(""))));
 }
 
-TEST(FormData, AFormWithoutPartsIsOne) {
+TEST(FormData, FormWithoutPartsIsValid) {
   EXPECT_THAT(parseFormData(kType, "--XX--\r\n"), VariantWith<Parts>(testing::IsEmpty()));
 }
 
-TEST(FormData, ADelimiterThatDoesNotBeginALineIsPreamble) {
+TEST(FormData, DelimiterNotAtStartOfLineIsPreamble) {
   EXPECT_THAT(parseFormData(kType, " " + form(kNamed, "d")), VariantWith<Parts>(testing::IsEmpty()));
 }
 
-TEST(FormData, TheBoundaryMayBeQuoted) {
+TEST(FormData, BoundaryMayBeQuoted) {
   const std::string body = std::string("--a b:\r\n") + kNamed + "\r\nd\r\n--a b:--\r\n";
   EXPECT_THAT(parseFormData("Multipart/FORM-data; charset=x; Boundary=\"a b:\"", body), isForm(field("d")));
 }
 
-TEST(FormData, ABoundaryOfManyHyphens) {
+TEST(FormData, BoundaryMayStartWithHyphens) {
   const std::string boundary = "---------------------------14737809831466499882746641449";
   const std::string body = "\r\n--" + boundary + "\r\n" + kNamed + "\r\n--\r\n\r\n--" + boundary + "--\r\n";
   EXPECT_THAT(parseFormData("multipart/form-data; boundary=" + boundary, body), isForm(field("--\r\n")));
 }
 
-TEST(FormData, ATypeThatNamesNoFormIsRefused) {
+TEST(FormData, OtherContentTypeIsRefused) {
   const std::string body = form(kNamed, "d");
   EXPECT_THAT(parseFormData("", body), isRefusedBecause("the type is not multipart/form-data"));
   EXPECT_THAT(parseFormData("multipart/mixed; boundary=XX", body),
@@ -144,7 +144,7 @@ TEST(FormData, ATypeThatNamesNoFormIsRefused) {
   EXPECT_THAT(parseFormData("multipart/form-data", body), isRefusedBecause("the type names no boundary"));
 }
 
-TEST(FormData, ABoundaryHasOneToSeventyCharacters) {
+TEST(FormData, BoundaryIsLimitedToSeventyCharacters) {
   const std::string reason = "the boundary has not 1 to 70 fitting characters";
   for (const std::size_t length : {70U, 71U}) {
     const std::string mark(length, 'x');
@@ -161,14 +161,14 @@ struct BadCase {
   std::string reason;
 };
 
-class BadForm : public testing::TestWithParam<BadCase> {};
+class InvalidForm : public testing::TestWithParam<BadCase> {};
 
-TEST_P(BadForm, IsRefusedWithItsReason) {
+TEST_P(InvalidForm, IsRefusedWithReason) {
   EXPECT_THAT(parseFormData(kType, GetParam().body), isRefusedBecause(GetParam().reason));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Forms, BadForm,
+    Forms, InvalidForm,
     testing::Values(
         BadCase{"NoBody", "", "the boundary does not occur"},
         BadCase{"AnotherBoundary", "--YY\r\n\r\n--YY--\r\n", "the boundary does not occur"},

@@ -12,7 +12,7 @@ using tools_test::toolPath;
 
 class EveryTool : public testing::TestWithParam<std::string> {};
 
-TEST_P(EveryTool, SaysInItsHelpThatItIsNoPartOfTheAgent) {
+TEST_P(EveryTool, HelpStatesThatItIsNotPartOfAgent) {
   const auto finished = runToEnd({toolPath(GetParam()), "--help"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
   EXPECT_THAT(finished.output, HasSubstr("Usage: " + GetParam()));
@@ -20,9 +20,9 @@ TEST_P(EveryTool, SaysInItsHelpThatItIsNoPartOfTheAgent) {
   EXPECT_EQ(finished.error, "");
 }
 
-class Printer : public testing::TestWithParam<std::string> {};
+class PrintingTool : public testing::TestWithParam<std::string> {};
 
-TEST_P(Printer, HelpThatCannotBeWrittenGivesStatusTwo) {
+TEST_P(PrintingTool, UnwritableHelpExitsWithTwo) {
   test_support::ChildOptions options;
   options.output = test_support::Redirection::file("/dev/full");
   test_support::ChildProcess child;
@@ -30,10 +30,10 @@ TEST_P(Printer, HelpThatCannotBeWrittenGivesStatusTwo) {
   EXPECT_EQ(child.wait(), ExitStatus{.code = 2});
 }
 
-INSTANTIATE_TEST_SUITE_P(Tools, Printer, testing::Values("fleet", "tvldump"),
+INSTANTIATE_TEST_SUITE_P(Tools, PrintingTool, testing::Values("fleet", "tvldump"),
                          [](const auto& test) { return test.param; });
 
-TEST_P(EveryTool, RefusesAnUnknownOption) {
+TEST_P(EveryTool, UnknownOptionIsRefused) {
   const auto finished = runToEnd({toolPath(GetParam()), "--wrong"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.output, "");

@@ -33,21 +33,21 @@ std::vector<std::string> notificationFor(const std::string& seconds) {
           seconds};
 }
 
-TEST(NotificationStandIn, EndsWhenItsTimeIsOver) {
+TEST(FakeNotification, EndsAfterTimeout) {
   const auto begin = std::chrono::steady_clock::now();
   const auto finished = runToEnd(notificationFor("0.2"));
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(200));
 }
 
-TEST(NotificationStandIn, ShowsTheNoticeWhileItWaits) {
+TEST(FakeNotification, PrintsNoticeBeforeTimeout) {
   ChildProcess notification;
   ASSERT_TRUE(notification.start(notificationFor("1000")));
   EXPECT_EQ(notification.readLine(), "title:        Title");
   EXPECT_TRUE(notification.running());
 }
 
-TEST(NotificationStandIn, KillallFindsItByItsLongName) {
+TEST(FakeNotification, KillallFindsItByLongName) {
   ASSERT_EQ(runToEnd({"killall", "tovalinnotification"}).status, ExitStatus{.code = 1})
       << "one is there already";
   ChildProcess notification;
@@ -57,7 +57,7 @@ TEST(NotificationStandIn, KillallFindsItByItsLongName) {
   EXPECT_EQ(notification.wait(), ExitStatus{.signal = SIGTERM});
 }
 
-TEST(UpdateStandIn, NamesTheBundleItWasOpenedFrom) {
+TEST(FakeUpdater, PrintsItsBundle) {
   const std::string program = "/tmp/tovalinupdate.app/Contents/MacOS/tovalinupdate";
   fs::create_directories(fs::path(program).parent_path());
   fs::copy_file(toolPath("tovalinupdate"), program);
@@ -67,7 +67,7 @@ TEST(UpdateStandIn, NamesTheBundleItWasOpenedFrom) {
   fs::remove_all("/tmp/tovalinupdate.app");
 }
 
-TEST(UpdateStandIn, OutsideABundleItNamesItself) {
+TEST(FakeUpdater, PrintsItsPathOutsideBundle) {
   EXPECT_EQ(runToEnd({toolPath("tovalinupdate")}).output,
             "the updater was opened from " + toolPath("tovalinupdate") + "\n");
 }

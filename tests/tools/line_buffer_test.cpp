@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(LineBuffer, ALineThatComesInPiecesIsOneLine) {
+TEST(LineBuffer, JoinsLineOfSeveralPieces) {
   tools::LineBuffer buffer;
   buffer.append("sen");
   EXPECT_EQ(buffer.takeLine(), std::nullopt);
@@ -13,7 +13,7 @@ TEST(LineBuffer, ALineThatComesInPiecesIsOneLine) {
   EXPECT_EQ(buffer.takeLine(), std::nullopt);
 }
 
-TEST(LineBuffer, SeveralLinesInOnePieceComeOutInOrder) {
+TEST(LineBuffer, SplitsSeveralLinesOfOnePiece) {
   tools::LineBuffer buffer;
   buffer.append("a\n\nb\n");
   EXPECT_EQ(buffer.takeLine(), "a");
@@ -22,7 +22,7 @@ TEST(LineBuffer, SeveralLinesInOnePieceComeOutInOrder) {
   EXPECT_EQ(buffer.takeRest(), std::nullopt);
 }
 
-TEST(LineBuffer, TheRestIsWhatHasNoLineEnd) {
+TEST(LineBuffer, RestIsTextWithoutNewline) {
   tools::LineBuffer buffer;
   buffer.append("quit");
   EXPECT_EQ(buffer.takeRest(), "quit");

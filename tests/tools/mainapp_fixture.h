@@ -14,7 +14,7 @@ namespace tools_test {
 inline constexpr const char* kCommandPipe = "/tmp/KMPIPE";
 inline constexpr const char* kNotificationPipe = "/tmp/KMNOTIPIPE";
 
-// Runs the stand-in main application; no pipe is there before a case, nor after it.
+// Runs the fake main application. Removes both pipes before and after each case.
 class MainAppTest : public testing::Test {
  protected:
   void SetUp() override { removePipes(); }
@@ -23,7 +23,7 @@ class MainAppTest : public testing::Test {
     removePipes();
   }
 
-  // Starts it and returns once it reads the command pipe.
+  // Starts mainapp and waits until it reads the command pipe.
   void startReading(const std::vector<std::string>& arguments = {}) {
     std::vector<std::string> argv = {toolPath("mainapp")};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
@@ -38,14 +38,14 @@ class MainAppTest : public testing::Test {
     ASSERT_EQ(app_.readLine(), "reading /tmp/KMPIPE") << app_.takeErrorOutput();
   }
 
-  // The next line of its output without the time.
+  // Returns the next line of its output without the time.
   std::string nextLine() {
     constexpr std::size_t kTime = sizeof "14:03:07.123  " - 1;
     const std::string line = app_.readLine().value_or("");
     return line.size() < kTime ? "no such line: " + line : line.substr(kTime);
   }
 
-  // The state letter of the child's main thread, as in /proc/PID/stat.
+  // Returns the state letter of /proc/PID/stat.
   char processState() {
     const std::string text = test_support::contentsOf("/proc/" + std::to_string(app_.pid()) + "/stat");
     const std::size_t end = text.rfind(')');

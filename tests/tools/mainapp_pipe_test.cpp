@@ -27,13 +27,13 @@ class MainAppPipe : public tools_test::MainAppTest {
   }
 };
 
-TEST_F(MainAppPipe, IsMadeForEverybodyUnderANarrowUmask) {
+TEST_F(MainAppPipe, IsCreatedWithMode0666DespiteUmask) {
   start({"/bin/sh", "-c", "umask 077; exec " + toolPath("mainapp")});
   EXPECT_TRUE(S_ISFIFO(statusOfPipe().st_mode));
   EXPECT_EQ(statusOfPipe().st_mode & 07777, 0666u);
 }
 
-TEST_F(MainAppPipe, OneThatIsThereIsUsedAndKept) {
+TEST_F(MainAppPipe, ExistingPipeIsUsedAndKept) {
   ASSERT_EQ(::mkfifo(kCommandPipe, 0600), 0);
   const auto before = statusOfPipe();
   startReading();
@@ -45,7 +45,7 @@ TEST_F(MainAppPipe, OneThatIsThereIsUsedAndKept) {
   EXPECT_EQ(statusOfPipe().st_mode & 07777, 0600u);
 }
 
-TEST_F(MainAppPipe, APlainFileThereIsRefusedAndLeftAsItIs) {
+TEST_F(MainAppPipe, RegularFileIsRefusedAndKept) {
   std::ofstream(kCommandPipe) << "keep me";
   const auto finished = runToEnd({toolPath("mainapp")});
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
@@ -54,7 +54,7 @@ TEST_F(MainAppPipe, APlainFileThereIsRefusedAndLeftAsItIs) {
   EXPECT_EQ(test_support::contentsOf(kCommandPipe), "keep me");
 }
 
-TEST_F(MainAppPipe, ASymbolicLinkThereIsRefused) {
+TEST_F(MainAppPipe, SymbolicLinkIsRefused) {
   ASSERT_EQ(::mkfifo("/tmp/elsewhere", 0600), 0);
   std::filesystem::create_symlink("/tmp/elsewhere", kCommandPipe);
   EXPECT_EQ(runToEnd({toolPath("mainapp")}).status, ExitStatus{.code = 1});
@@ -62,13 +62,13 @@ TEST_F(MainAppPipe, ASymbolicLinkThereIsRefused) {
   std::filesystem::remove("/tmp/elsewhere");
 }
 
-TEST_F(MainAppPipe, EachMessageIsShownWithItsTime) {
+TEST_F(MainAppPipe, MessageIsPrintedWithTime) {
   startReading();
   ASSERT_TRUE(writeInto(kCommandPipe, "-ton"));
   EXPECT_THAT(app_.readLine().value_or(""), MatchesRegex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}  \"-ton\""));
 }
 
-TEST_F(MainAppPipe, TwoMessagesWrittenBeforeTheReadAreTwoLines) {
+TEST_F(MainAppPipe, MessagesOfOneReadArePrintedSeparately) {
   startReading();
   app_.signal(SIGSTOP);
   ASSERT_TRUE(waitUntil([this] { return processState() == 'T'; }));
@@ -79,21 +79,21 @@ TEST_F(MainAppPipe, TwoMessagesWrittenBeforeTheReadAreTwoLines) {
   EXPECT_EQ(nextLine(), "\"-u\"");
 }
 
-TEST_F(MainAppPipe, UnknownBytesAreShownEscaped) {
+TEST_F(MainAppPipe, UnknownBytesAreEscaped) {
   startReading();
   ASSERT_TRUE(writeInto(kCommandPipe, "-ton\n"));
   EXPECT_EQ(nextLine(), "\"-ton\"");
   EXPECT_EQ(nextLine(), "\"\\x0a\"  unknown");
 }
 
-TEST_F(MainAppPipe, RestsAfterAWriterHasClosed) {
+TEST_F(MainAppPipe, SleepsAfterWriterHasClosed) {
   startReading();
   ASSERT_TRUE(writeInto(kCommandPipe, "-ton"));
   EXPECT_EQ(nextLine(), "\"-ton\"");
   EXPECT_TRUE(waitUntil([this] { return processState() == 'S'; }));
 }
 
-TEST_F(MainAppPipe, OneThatTookItsPlaceMeanwhileIsNotRemoved) {
+TEST_F(MainAppPipe, ReplacedPipeIsNotRemoved) {
   startReading();
   std::filesystem::remove(kCommandPipe);
   ASSERT_EQ(::mkfifo(kCommandPipe, 0600), 0);
@@ -102,7 +102,7 @@ TEST_F(MainAppPipe, OneThatTookItsPlaceMeanwhileIsNotRemoved) {
   EXPECT_TRUE(std::filesystem::exists(kCommandPipe));
 }
 
-TEST_F(MainAppPipe, IsRemovedWhenNobodyTakesTheOutputAnyMore) {
+TEST_F(MainAppPipe, IsRemovedIfOutputIsClosed) {
   ASSERT_TRUE(app_.start({"/bin/sh", "-c", toolPath("mainapp") + " | head -n 1"}));
   ASSERT_EQ(app_.readLine(), "reading /tmp/KMPIPE");
   EXPECT_TRUE(

@@ -19,7 +19,7 @@ using tools_test::kNotificationPipe;
 using tools_test::runToEnd;
 using tools_test::toolPath;
 
-// Stands where the agent reads: holds the notification pipe open and takes one read at a time.
+// Replaces the agent: holds the notification pipe open and makes one read at a time.
 class Listener {
  public:
   Listener() {
@@ -28,7 +28,7 @@ class Listener {
     writer_.reset(::open(kNotificationPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   }
 
-  // What the next read gives; empty when nothing comes.
+  // Returns the bytes of the next read, or an empty string after the timeout.
   [[nodiscard]] std::string take() const {
     const std::chrono::milliseconds patience = test_support::kPatience;
     pollfd entry{reader_.get(), POLLIN, 0};
@@ -45,7 +45,7 @@ class Listener {
 
 class MainAppSend : public tools_test::MainAppTest {};
 
-TEST_F(MainAppSend, TheBytesArriveWithoutATerminator) {
+TEST_F(MainAppSend, SendWritesNoTerminator) {
   const Listener listener;
   startReading();
   ASSERT_TRUE(app_.writeLine("send -non"));
@@ -53,7 +53,7 @@ TEST_F(MainAppSend, TheBytesArriveWithoutATerminator) {
   EXPECT_EQ(nextLine(), "sent \"-non\"");
 }
 
-TEST_F(MainAppSend, TheNoticesAreSwitchedByTheirNames) {
+TEST_F(MainAppSend, AccessAndLoadingSendNoticeMessages) {
   const Listener listener;
   startReading();
   for (const auto& [command, message] :
@@ -65,27 +65,27 @@ TEST_F(MainAppSend, TheNoticesAreSwitchedByTheirNames) {
   }
 }
 
-TEST_F(MainAppSend, ANoticeIsSwitchedOnOrOffAndNothingElse) {
+TEST_F(MainAppSend, NoticeArgumentMustBeOnOrOff) {
   startReading();
   ASSERT_TRUE(app_.writeLine("access maybe"));
   EXPECT_EQ(app_.readErrorLine(), "mainapp: a notice is switched on or off, not \"maybe\"");
 }
 
-TEST_F(MainAppSend, BlanksInTheTextAreKept) {
+TEST_F(MainAppSend, BlanksInTextAreKept) {
   const Listener listener;
   startReading();
   ASSERT_TRUE(app_.writeLine("send  a b "));
   EXPECT_EQ(listener.take(), " a b ");
 }
 
-TEST_F(MainAppSend, SendWithoutATextIsRefused) {
+TEST_F(MainAppSend, SendWithoutTextIsRefused) {
   const Listener listener;
   startReading();
   ASSERT_TRUE(app_.writeLine("send"));
   EXPECT_EQ(app_.readErrorLine(), "mainapp: send takes an argument: TEXT");
 }
 
-TEST_F(MainAppSend, ALastLineWithoutItsEndIsStillRun) {
+TEST_F(MainAppSend, LastLineWithoutNewlineIsRun) {
   const Listener listener;
   std::ofstream("/tmp/input") << "send -neon";
   test_support::ChildOptions options;
@@ -94,7 +94,7 @@ TEST_F(MainAppSend, ALastLineWithoutItsEndIsStillRun) {
   EXPECT_EQ(listener.take(), "-neon");
 }
 
-TEST_F(MainAppSend, NobodyListeningIsReportedAndSurvived) {
+TEST_F(MainAppSend, MissingReaderIsReported) {
   ASSERT_EQ(::mkfifo(kNotificationPipe, 0600), 0);
   startReading();
   ASSERT_TRUE(app_.writeLine("send -non"));
@@ -102,14 +102,14 @@ TEST_F(MainAppSend, NobodyListeningIsReportedAndSurvived) {
   EXPECT_TRUE(app_.running());
 }
 
-TEST_F(MainAppSend, TheOptionFailsWhenNobodyListens) {
+TEST_F(MainAppSend, SendOptionFailsWithoutReader) {
   ASSERT_EQ(::mkfifo(kNotificationPipe, 0600), 0);
   const auto finished = runToEnd({toolPath("mainapp"), "--send", "-non"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_THAT(finished.error, HasSubstr("nobody listens on /tmp/KMNOTIPIPE"));
 }
 
-TEST_F(MainAppSend, TheOptionMakesNeitherPipe) {
+TEST_F(MainAppSend, SendOptionCreatesNoPipe) {
   const auto finished = runToEnd({toolPath("mainapp"), "--send", "-non"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_THAT(finished.error, HasSubstr("there is no /tmp/KMNOTIPIPE"));
@@ -117,13 +117,13 @@ TEST_F(MainAppSend, TheOptionMakesNeitherPipe) {
   EXPECT_FALSE(std::filesystem::exists(tools_test::kCommandPipe));
 }
 
-TEST_F(MainAppSend, APlainFileIsNotWrittenOver) {
+TEST_F(MainAppSend, RegularFileIsNotOverwritten) {
   std::ofstream(kNotificationPipe) << "keep me";
   EXPECT_EQ(runToEnd({toolPath("mainapp"), "--send", "-non"}).status, ExitStatus{.code = 1});
   EXPECT_EQ(test_support::contentsOf(kNotificationPipe), "keep me");
 }
 
-TEST_F(MainAppSend, RepeatedOptionsArriveAsMessagesOfTheirOwn) {
+TEST_F(MainAppSend, RepeatedSendOptionsWriteSeparateMessages) {
   const Listener listener;
   ASSERT_TRUE(app_.start({toolPath("mainapp"), "--send", "-non", "--send", "-noff"}));
   EXPECT_EQ(listener.take(), "-non");
@@ -131,12 +131,12 @@ TEST_F(MainAppSend, RepeatedOptionsArriveAsMessagesOfTheirOwn) {
   EXPECT_EQ(app_.wait(), ExitStatus{.code = 0});
 }
 
-TEST_F(MainAppSend, TheOptionDoesNotGoWithAWait) {
+TEST_F(MainAppSend, SendOptionExcludesUntil) {
   EXPECT_EQ(runToEnd({toolPath("mainapp"), "--send", "-non", "--until", "-ton"}).status,
             ExitStatus{.code = 2});
 }
 
-TEST_F(MainAppSend, ReportsOfDevicesAndTransfersAreLaidOutForTheAgent) {
+TEST_F(MainAppSend, DeviceAndTransferWriteNcdatMessages) {
   using namespace std::string_literals;
   const Listener listener;
   startReading();
@@ -154,7 +154,7 @@ TEST_F(MainAppSend, ReportsOfDevicesAndTransfersAreLaidOutForTheAgent) {
   }
 }
 
-TEST_F(MainAppSend, ReportsThatMakeNoMessageAreRefused) {
+TEST_F(MainAppSend, InvalidReportIsRefused) {
   startReading();
   for (const char* command :
        {"device 5 Pad", "device Pad", "transfer 1", "transfer x 1 a", "transfer 1 1 0123456789"}) {

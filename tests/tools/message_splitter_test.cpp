@@ -5,7 +5,6 @@
 
 namespace tools {
 
-// How GoogleTest shows a message when a case fails.
 void PrintTo(const Message& message, std::ostream* stream) {
   *stream << (message.known ? "known " : "unknown ") << testing::PrintToString(message.text);
 }
@@ -32,7 +31,7 @@ tools::Message unknown(std::string_view text) {
 
 class MessageSplitter : public testing::TestWithParam<SplitCase> {};
 
-TEST_P(MessageSplitter, Splits) {
+TEST_P(MessageSplitter, MatchesTable) {
   EXPECT_THAT(tools::splitMessages(GetParam().bytes), testing::ElementsAreArray(GetParam().messages));
 }
 

@@ -17,14 +17,14 @@ Arguments agentsArguments() {
           "-timeout",    "10"};
 }
 
-// What is wrong with these arguments; empty when nothing is.
+// Returns the error message for `arguments`, or an empty string.
 std::string complaint(const Arguments& arguments) {
   const auto parsed = tools::parseNotice(arguments);
   const auto* const reason = std::get_if<std::string>(&parsed);
   return reason != nullptr ? *reason : "";
 }
 
-TEST(Notice, TakesTheAgentsCommandLine) {
+TEST(Notice, AcceptsCommandLineOfAgent) {
   const auto parsed = tools::parseNotice(agentsArguments());
   const auto* const notice = std::get_if<tools::Notice>(&parsed);
   ASSERT_NE(notice, nullptr) << complaint(agentsArguments());
@@ -37,13 +37,13 @@ TEST(Notice, TakesTheAgentsCommandLine) {
   EXPECT_EQ(notice->timeout, std::chrono::seconds(10));
 }
 
-TEST(Notice, TheOrderOfTheOptionsDoesNotMatter) {
+TEST(Notice, OrderOfOptionsIsIrrelevant) {
   Arguments turned = agentsArguments();
   std::rotate(turned.begin(), turned.begin() + 4, turned.end());
   EXPECT_EQ(tools::parseNotice(turned), tools::parseNotice(agentsArguments()));
 }
 
-TEST(Notice, AValueMayLookLikeAnOption) {
+TEST(Notice, ValueMayLookLikeOption) {
   Arguments arguments = agentsArguments();
   arguments[1] = "-message";
   const auto parsed = tools::parseNotice(arguments);
@@ -51,37 +51,37 @@ TEST(Notice, AValueMayLookLikeAnOption) {
   EXPECT_EQ(std::get<tools::Notice>(parsed).title, "-message");
 }
 
-TEST(Notice, AMissingOptionIsNamed) {
+TEST(Notice, MissingOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments.erase(arguments.begin() + 8, arguments.begin() + 10);
   EXPECT_EQ(complaint(arguments), "not given: -actions");
 }
 
-TEST(Notice, AnOptionWithoutItsValueIsNamed) {
+TEST(Notice, OptionWithoutValueIsNamed) {
   Arguments arguments = agentsArguments();
   arguments.pop_back();
   EXPECT_EQ(complaint(arguments), "-timeout has no value");
 }
 
-TEST(Notice, AnOptionGivenTwiceIsNamed) {
+TEST(Notice, RepeatedOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments.insert(arguments.end(), {"-title", "again"});
   EXPECT_EQ(complaint(arguments), "-title is given twice");
 }
 
-TEST(Notice, AnUnknownOptionIsNamed) {
+TEST(Notice, UnknownOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments[0] = "-Title";
   EXPECT_EQ(complaint(arguments), "there is no option \"-Title\"");
 }
 
-TEST(Notice, ATimeoutThatIsNoNumberIsShown) {
+TEST(Notice, InvalidTimeoutIsNamed) {
   Arguments arguments = agentsArguments();
   arguments.back() = "ten";
   EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is no number of seconds");
 }
 
-TEST(Notice, TheTextShowsEveryPartOnALineOfItsOwn) {
+TEST(Notice, TextHasOneLinePerField) {
   const auto parsed = tools::parseNotice(agentsArguments());
   ASSERT_EQ(complaint(agentsArguments()), "");
   EXPECT_EQ(tools::noticeText(std::get<tools::Notice>(parsed)),

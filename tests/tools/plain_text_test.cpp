@@ -11,8 +11,8 @@ bool standsAsItIs(char character) {
   return character >= ' ' && character <= '~' && character != '"' && character != '\\';
 }
 
-// Texts of a length that is copied in one word, in two that overlap, and in several.
-TEST(PlainText, EveryByteAtEveryPlaceIsJudgedForItself) {
+// The lengths cover copies of one word, of two overlapping words and of several words.
+TEST(PlainText, EveryByteIsCheckedAtEveryPosition) {
   for (std::size_t size = 1; size <= 35; ++size) {
     for (std::size_t place = 0; place < size; ++place) {
       for (int byte = 0; byte < 256; ++byte) {
@@ -26,8 +26,8 @@ TEST(PlainText, EveryByteAtEveryPlaceIsJudgedForItself) {
   }
 }
 
-// A byte below a blank borrows from the one behind it.
-TEST(PlainText, EveryPairOfBytesIsJudgedTogether) {
+// In the word-wise comparison a byte below a blank borrows from the following one.
+TEST(PlainText, EveryPairOfBytesIsChecked) {
   for (int first = 0; first < 256; ++first) {
     for (int second = 0; second < 256; ++second) {
       const std::string text{'x', static_cast<char>(first), static_cast<char>(second), 'y', 'z'};

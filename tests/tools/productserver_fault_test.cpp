@@ -25,7 +25,7 @@ using tools_test::toolPath;
 using End = RawClient::End;
 
 constexpr const char* kText = "0123456789abcdefghijklmnopqrstuvwxyz\n";
-constexpr auto kAWhile = 700ms;  // of silence
+constexpr auto kAWhile = 700ms;  // without any byte
 
 class Faults : public tools_test::ProductServer {
  protected:
@@ -34,7 +34,7 @@ class Faults : public tools_test::ProductServer {
     write(std::string(kFolder) + "/t.xml", kText);
   }
 
-  // The answer to a plain GET of the file after the fault was set for it.
+  // Sets the fault and returns the answer to a GET of the file.
   RawClient::Answer answerWith(const std::string& fault,
                                std::chrono::milliseconds silence = test_support::kPatience) {
     setFault("/t.xml", fault);
@@ -45,7 +45,7 @@ class Faults : public tools_test::ProductServer {
     return answer;
   }
 
-  // The same for an answer that stops somewhere.
+  // Like answerWith(), for an answer that stalls.
   RawClient::Answer stalledAnswerWith(const std::string& fault) {
     setFault("/t.xml", fault);
     const RawClient client(port_);
@@ -66,14 +66,14 @@ std::string bodyOfAnswer(const RawClient::Answer& answer) {
   return blankLine == answer.text.npos ? "no body" : answer.text.substr(blankLine + 4);
 }
 
-TEST_F(Faults, RefuseStatus500) {
+TEST_F(Faults, RefuseStatus500AnswersWith500) {
   const httplib::Result result = get("refuse-status-500");
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 500);
   EXPECT_EQ(result->body, "The server refuses this request.\n");
 }
 
-TEST_F(Faults, EmptyBody) {
+TEST_F(Faults, EmptyBodyAnswersWithLengthZero) {
   const httplib::Result result = get("empty-body");
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 200);
@@ -81,7 +81,7 @@ TEST_F(Faults, EmptyBody) {
   EXPECT_EQ(result->get_header_value("Content-Length"), "0");
 }
 
-TEST_F(Faults, BodiesThatAreNoUtf8) {
+TEST_F(Faults, InvalidUtf8FaultsSendTheirBytes) {
   for (const auto& [name, body] :
        {std::pair("not-utf8", "\xff\xff\xff\xff"), std::pair("overlong", "\xc0\xaf"),
         std::pair("surrogate", "\xed\xa0\x80")}) {
@@ -92,7 +92,7 @@ TEST_F(Faults, BodiesThatAreNoUtf8) {
   }
 }
 
-TEST_F(Faults, Resets) {
+TEST_F(Faults, ResetFaultsResetConnection) {
   for (const char* const name : {"reset-before", "reset-after"}) {
     const RawClient::Answer answer = answerWith(name);
     EXPECT_EQ(answer.text, "") << name;
@@ -100,7 +100,7 @@ TEST_F(Faults, Resets) {
   }
 }
 
-TEST_F(Faults, ResetWithinBodyWaitsForTheBodyToBegin) {
+TEST_F(Faults, ResetWithinBodyWaitsForStartOfBody) {
   setFault("/t.xml", "reset-within-body");
   const RawClient client(port_);
   ASSERT_TRUE(client.send("POST /t.xml HTTP/1.1\r\nHost: x\r\nContent-Length: 1000\r\n\r\n"));
@@ -109,13 +109,13 @@ TEST_F(Faults, ResetWithinBodyWaitsForTheBodyToBegin) {
   EXPECT_EQ(client.read().end, End::Reset);
 }
 
-TEST_F(Faults, ResetWithinBodyWaitsForNoBodyOfARequestThatHasNone) {
+TEST_F(Faults, ResetWithinBodyDoesNotWaitWithoutBody) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(answerWith("reset-within-body").end, End::Reset);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s);
 }
 
-TEST_F(Faults, ResetAfterTakesTheWholeBody) {
+TEST_F(Faults, ResetAfterReadsWholeBody) {
   setFault("/t.xml", "reset-after");
   const RawClient client(port_);
   ASSERT_TRUE(client.send("POST /t.xml HTTP/1.1\r\nHost: x\r\nContent-Length: 4\r\n\r\nabc"));
@@ -124,7 +124,7 @@ TEST_F(Faults, ResetAfterTakesTheWholeBody) {
   EXPECT_EQ(client.read().end, End::Reset);
 }
 
-TEST_F(Faults, DropClosesWithoutAnAnswer) {
+TEST_F(Faults, DropClosesWithoutAnswer) {
   const RawClient::Answer answer = answerWith("drop");
   EXPECT_EQ(answer.text, "");
   EXPECT_EQ(answer.end, End::Closed);
@@ -136,7 +136,7 @@ TEST_F(Faults, SilentNeitherAnswersNorCloses) {
   EXPECT_EQ(answer.end, End::StillOpen);
 }
 
-TEST_F(Faults, StallHeaderStopsBeforeTheBlankLine) {
+TEST_F(Faults, StallHeaderStopsBeforeBlankLine) {
   const RawClient::Answer answer = stalledAnswerWith("stall-header");
   EXPECT_THAT(answer.text, StartsWith("HTTP/1.1 200 OK\r\n"));
   EXPECT_THAT(answer.text, Not(HasSubstr("\r\n\r\n")));
@@ -150,7 +150,7 @@ TEST_F(Faults, StallBodyStopsHalfway) {
   EXPECT_EQ(answer.end, End::StillOpen);
 }
 
-TEST_F(Faults, SlowComesByteByByteForTenSecondsAndCompletes) {
+TEST_F(Faults, SlowSendsByteByByteForTenSeconds) {
   setFault("/t.xml", "slow");
   const auto begin = std::chrono::steady_clock::now();
   const RawClient client(port_);
@@ -168,7 +168,7 @@ TEST_F(Faults, SlowComesByteByByteForTenSecondsAndCompletes) {
   EXPECT_EQ(piece.end, End::Closed);
 }
 
-TEST_F(Faults, EndlessGoesOnBeyondAnyLimit) {
+TEST_F(Faults, EndlessExceedsAnyLimit) {
   setFault("/t.xml", "endless");
   const RawClient client(port_);
   ASSERT_TRUE(client.send("GET /t.xml HTTP/1.1\r\nHost: x\r\n\r\n"));
@@ -178,7 +178,7 @@ TEST_F(Faults, EndlessGoesOnBeyondAnyLimit) {
   EXPECT_EQ(answer.end, End::StillOpen);
 }
 
-TEST_F(Faults, HugeIsTheAnswerAndOverSixteenMebibytesOfBlanks) {
+TEST_F(Faults, HugeAppendsBlanksBeyondSixteenMebibytes) {
   const httplib::Result result = get("huge");
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 200);
@@ -187,7 +187,7 @@ TEST_F(Faults, HugeIsTheAnswerAndOverSixteenMebibytesOfBlanks) {
   EXPECT_EQ(result->body.find_first_not_of(' ', 37), std::string::npos);
 }
 
-TEST_F(Faults, RedirectLoopLeadsToItselfWithItsQuery) {
+TEST_F(Faults, RedirectLoopKeepsPathAndQuery) {
   setFault("/t.xml", "redirect-loop");
   const httplib::Result result = client_->Get("/t.xml?a=b");
   ASSERT_TRUE(result);
@@ -197,7 +197,7 @@ TEST_F(Faults, RedirectLoopLeadsToItselfWithItsQuery) {
   EXPECT_EQ(client_->Get("/t.xml").error(), httplib::Error::ExceedRedirectCount);
 }
 
-TEST_F(Faults, GzipCompressesForAClientThatDidNotAsk) {
+TEST_F(Faults, GzipCompressesWithoutAcceptEncoding) {
   const RawClient::Answer answer = answerWith("gzip");
   EXPECT_THAT(answer.text, HasSubstr("\r\nContent-Encoding: gzip\r\n"));
   std::string body = bodyOfAnswer(answer);
@@ -213,7 +213,7 @@ TEST_F(Faults, GzipCompressesForAClientThatDidNotAsk) {
   EXPECT_EQ(text.substr(0, stream.total_out), kText);
 }
 
-TEST_F(Faults, ChunkedCutsTheAnswerIntoChunks) {
+TEST_F(Faults, ChunkedSendsChunks) {
   const RawClient::Answer answer = answerWith("chunked");
   EXPECT_THAT(answer.text, HasSubstr("Transfer-Encoding: chunked\r\n"));
   EXPECT_THAT(answer.text, Not(HasSubstr("Content-Length")));
@@ -222,14 +222,14 @@ TEST_F(Faults, ChunkedCutsTheAnswerIntoChunks) {
   EXPECT_EQ(bodyOf("/t.xml"), kText);
 }
 
-TEST_F(Faults, AFaultOfTheCommandLineHoldsFromTheStart) {
+TEST_F(Faults, FaultOptionAppliesFromStart) {
   start(kFolder, {"--fault", "/t=not-utf8*1", "--fault", "/t.xml?x=y=empty-body"});
   EXPECT_EQ(bodyOf("/t.xml"), "\xff\xff\xff\xff");
   EXPECT_EQ(bodyOf("/t.xml"), kText);
   EXPECT_EQ(bodyOf("/t.xml?x=y"), "");
 }
 
-TEST_F(Faults, ACountLetsLaterRequestsOfTheSameConnectionThrough) {
+TEST_F(Faults, CountLimitsRequestsOfOneConnection) {
   setFault("/t.xml", "empty-body*2");
   client_->set_keep_alive(true);
   EXPECT_EQ(bodyOf("/a.xml"), "<a/>\n");
@@ -238,7 +238,7 @@ TEST_F(Faults, ACountLetsLaterRequestsOfTheSameConnectionThrough) {
   EXPECT_EQ(bodyOf("/t.xml"), kText);
 }
 
-TEST_F(Faults, AreSetToldAndClearedWhileTheServerRuns) {
+TEST_F(Faults, ControlPathSetsListsAndClearsFaults) {
   EXPECT_EQ(bodyOf("/_control/fault"), "");
   EXPECT_EQ(bodyOf("/_control/fault?path=/t&name=drop*3"), "/t=drop*3\n");
   const httplib::Result posted =
@@ -249,7 +249,7 @@ TEST_F(Faults, AreSetToldAndClearedWhileTheServerRuns) {
   EXPECT_EQ(bodyOf("/_control/fault"), "/t=drop*3\n");
 }
 
-TEST_F(Faults, APostWithQueryAndWithoutBodySetsOneAtOnce) {
+TEST_F(Faults, PostWithoutBodySetsFaultImmediately) {
   const auto begin = std::chrono::steady_clock::now();
   const RawClient client(port_);
   ASSERT_TRUE(
@@ -258,7 +258,7 @@ TEST_F(Faults, APostWithQueryAndWithoutBodySetsOneAtOnce) {
   EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s) << "it waited for a body";
 }
 
-TEST_F(Faults, AWrongOneIsRefusedAndChangesNothing) {
+TEST_F(Faults, InvalidFaultIsRefusedAndChangesNothing) {
   for (const char* const query :
        {"path=/t&name=dorp", "path=/t", "name=drop", "path=t&name=drop", "path=/t&name="}) {
     EXPECT_EQ(statusOf(std::string("/_control/fault?") + query), 400) << query;
@@ -267,14 +267,14 @@ TEST_F(Faults, AWrongOneIsRefusedAndChangesNothing) {
   EXPECT_EQ(bodyOf("/_control/fault"), "");
 }
 
-TEST_F(Faults, TheControlIsOutOfTheirReach) {
+TEST_F(Faults, ControlPathIsNotAffected) {
   setFault("/", "drop");
   EXPECT_EQ(bodyOf("/_control/fault"), "/=drop\n");
   setFault("/", "none");
   EXPECT_EQ(statusOf("/t.xml"), 200);
 }
 
-TEST_F(Faults, ThatKeepClientsWaitingDoNotKeepTheServerFromEnding) {
+TEST_F(Faults, WaitingClientDoesNotDelayTermination) {
   setFault("/t.xml", "silent");
   const RawClient client(port_);
   ASSERT_TRUE(client.send("GET /t.xml HTTP/1.1\r\nHost: x\r\n\r\n"));
@@ -283,7 +283,7 @@ TEST_F(Faults, ThatKeepClientsWaitingDoNotKeepTheServerFromEnding) {
   EXPECT_EQ(server_.wait(4s), test_support::ExitStatus{.code = 0});
 }
 
-TEST_F(Faults, TwentyClientsThatWaitDoNotKeepOthersFromTheirAnswers) {
+TEST_F(Faults, TwentyWaitingClientsDoNotBlockOthers) {
   setFault("/t.xml", "silent");
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 20; ++i) {
@@ -294,7 +294,7 @@ TEST_F(Faults, TwentyClientsThatWaitDoNotKeepOthersFromTheirAnswers) {
   EXPECT_EQ(bodyOf("/a.xml"), "<a/>\n");
 }
 
-TEST_F(Faults, AWrongOneIsAWrongArgument) {
+TEST_F(Faults, InvalidFaultOptionIsRejected) {
   for (const char* const value : {"/t", "/t=", "/t=dorp", "t=drop", "=drop", "/t=drop*0", ""}) {
     const auto finished = runToEnd({toolPath("productserver"), "--port", "0", "--fault", value, kFolder});
     EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 2}) << value;

@@ -15,7 +15,7 @@ constexpr const char* kFolder = "/tmp/served";
 constexpr const char* kUploads = "/tmp/uploads";
 constexpr const char* kUploadPath = "/product/nimba/userlog/postdata.php";
 
-// Serves a folder of its own beside which lie files that must not be had.
+// Runs the product server on a folder of its own, next to files that it must not serve.
 class ProductServer : public testing::Test {
  protected:
   void SetUp() override;
@@ -23,18 +23,18 @@ class ProductServer : public testing::Test {
 
   static void write(const std::string& path, const std::string& text);
 
-  // Starts the server anew, with these options.
+  // Restarts the server with `options`.
   void start(const std::string& folder, const std::vector<std::string>& options = {});
 
-  // The status of the answer to a GET; -1 when none came.
+  // Returns the status of the answer to a GET, or -1 without an answer.
   int statusOf(const std::string& path);
   std::string bodyOf(const std::string& path);
-  std::string typeOf(const std::string& name);  // of a file of this name
+  std::string typeOf(const std::string& name);  // Content-Type of a file `name`
 
-  // Sets a fault while the server runs, and takes in the line that tells of it.
+  // Sets a fault through the control path and consumes its log line.
   void setFault(const std::string& path, const std::string& name);
 
-  // The lines of the server up to one that holds the text, or up to where no more came.
+  // Returns the log lines up to and including one that contains `text`, or up to the timeout.
   std::vector<std::string> linesUpTo(const std::string& text);
 
   test_support::ChildProcess server_;

@@ -17,7 +17,7 @@ using testing::SizeIs;
 constexpr const char* kVersionPath = "/product/nimba/binary/tovalin_recent_version_info.xml";
 constexpr const char* kBannerFolder = "/product/nimba/banner/";
 
-// What stands in the text between the one and the other, each time.
+// Returns each part of `text` between `before` and `after`.
 std::vector<std::string> between(const std::string& text, const std::string& before,
                                  const std::string& after) {
   std::vector<std::string> found;
@@ -28,7 +28,7 @@ std::vector<std::string> between(const std::string& text, const std::string& bef
   return found;
 }
 
-// The strings of this key, which stand on the lines behind it.
+// Returns the <string> values that follow the lines of `key`.
 std::vector<std::string> stringsOf(const std::string& list, const std::string& key) {
   std::vector<std::string> strings;
   for (const std::string& rest : between(list, "<key>" + key + "</key>\n", "</string>")) {
@@ -45,11 +45,11 @@ class Pages : public tools_test::ProductServer {
   }
 };
 
-TEST_F(Pages, TheDemoFolderTellsAVersion) {
+TEST_F(Pages, DemoFolderHasVersion) {
   EXPECT_THAT(stringsOf(bodyOf(kVersionPath), "version"), ElementsAre("1.1.0"));
 }
 
-TEST_F(Pages, TheVersionOfTheCommandLineGoesBeforeThatOfTheFolder) {
+TEST_F(Pages, VersionListOptionOverridesFile) {
   start(DEMO_ROOT, {"--version-list", "9.<&>.1"});
   const httplib::Result result = client_->Get(kVersionPath);
   ASSERT_TRUE(result);
@@ -57,19 +57,19 @@ TEST_F(Pages, TheVersionOfTheCommandLineGoesBeforeThatOfTheFolder) {
   EXPECT_EQ(result->get_header_value("Content-Type"), "application/xml");
 }
 
-TEST_F(Pages, TheVersionListNeedsNoFileInTheFolder) {
+TEST_F(Pages, VersionListOptionNeedsNoFile) {
   start(tools_test::kFolder, {"--version-list", "2.0.0"});
   EXPECT_THAT(stringsOf(bodyOf(kVersionPath), "version"), ElementsAre("2.0.0"));
 }
 
-TEST_F(Pages, TheNoticeHasTwoLinksWithTheirTexts) {
+TEST_F(Pages, NoticeHasTwoLinksWithSubjects) {
   const std::string notice = bodyOf("/product/nimba/binary/tovalinnotice.xml");
   EXPECT_THAT(between(notice, "<key>notice_", "</key>"), ElementsAre("1", "2"));
   EXPECT_THAT(stringsOf(notice, "subject"), SizeIs(2));
   EXPECT_THAT(stringsOf(notice, "link"), SizeIs(2));
 }
 
-TEST_F(Pages, EveryBannerOfTheListIsAPictureOfTheBannersShape) {
+TEST_F(Pages, BannersAre840By80Pixels) {
   const std::string list = bodyOf(std::string(kBannerFolder) + "tovalinbanner.xml");
   const std::vector<std::string> names = stringsOf(list, "file_name");
   EXPECT_THAT(names, SizeIs(3));
@@ -81,7 +81,7 @@ TEST_F(Pages, EveryBannerOfTheListIsAPictureOfTheBannersShape) {
   }
 }
 
-TEST_F(Pages, EveryLinkOfTheDemoFolderLeadsSomewhere) {
+TEST_F(Pages, LinksOfDemoFolderHaveTargets) {
   for (const char* const list :
        {"/product/nimba/binary/tovalinnotice.xml", "/product/nimba/banner/tovalinbanner.xml"}) {
     for (const std::string& link : stringsOf(bodyOf(list), "link")) {
@@ -94,23 +94,23 @@ TEST_F(Pages, EveryLinkOfTheDemoFolderLeadsSomewhere) {
   }
 }
 
-TEST_F(Pages, TheAnalyticsPageCallsBackWithItsOwnQuery) {
+TEST_F(Pages, AnalyticsPageRequestsBeaconSeenWithItsQuery) {
   const std::string page = bodyOf("/product/nimba/binary/GATovalin.html?category=a&a=b");
   EXPECT_THAT(page, HasSubstr("fetch(\"beacon_seen\" + location.search"));
 }
 
-TEST_F(Pages, ABeaconThatWasSeenIsTold) {
+TEST_F(Pages, BeaconIsLogged) {
   EXPECT_EQ(statusOf("/product/nimba/binary/beacon_seen?category=clickaction&clickaction=Visit%20Site"), 204);
   EXPECT_EQ(server_.readLine(), "beacon category=clickaction value=Visit Site");
   EXPECT_THAT(server_.readLine().value_or(""), EndsWith("204  0 bytes"));
 }
 
-TEST_F(Pages, ABeaconOfOtherFormIsToldAsFarAsItGoes) {
+TEST_F(Pages, IncompleteBeaconIsLogged) {
   EXPECT_EQ(statusOf("/product/nimba/binary/beacon_seen?category=a%0Ab&x=y"), 204);
   EXPECT_EQ(server_.readLine(), "beacon category=a\\x0ab value=");
 }
 
-TEST_F(Pages, NothingIsToBeCached) {
+TEST_F(Pages, AnswersAreNotCacheable) {
   const httplib::Result result = client_->Get(kVersionPath);
   ASSERT_TRUE(result);
   EXPECT_EQ(result->get_header_value("Cache-Control"), "no-store");

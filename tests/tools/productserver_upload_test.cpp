@@ -22,7 +22,7 @@ using tools_test::kUploads;
 
 constexpr const char* kBoundary = "---------------------------14737809831466499882746641449";
 
-// The form that the agent sends.
+// Returns the multipart form of an upload of the agent.
 std::string formOf(const std::string& data) {
   const std::string mark = std::string("\r\n--") + kBoundary;
   return mark + "\r\nContent-Disposition: form-data; name=\"userdata\"; filename=\"Tovalin.dat\"\r\n" +
@@ -44,7 +44,7 @@ class Uploads : public tools_test::ProductServer {
   static bool nothingKept() { return fs::is_empty(kUploads); }
 };
 
-TEST_F(Uploads, TheAgentsFormIsKeptByteByByte) {
+TEST_F(Uploads, FormOfAgentIsStoredVerbatim) {
   std::string data(300'000, '\0');
   for (std::size_t i = 0; i < data.size(); ++i) data[i] = static_cast<char>(i * 7 + i / 251);
   const httplib::Result result = post(formOf(data));
@@ -54,7 +54,7 @@ TEST_F(Uploads, TheAgentsFormIsKeptByteByByte) {
   EXPECT_EQ(kept("0001_Tovalin.dat"), data);
 }
 
-TEST_F(Uploads, TellsOfAnUploadInALine) {
+TEST_F(Uploads, UploadIsLogged) {
   ASSERT_TRUE(post(formOf("12345")));
   EXPECT_THAT(
       linesUpTo("POST"),
@@ -63,7 +63,7 @@ TEST_F(Uploads, TellsOfAnUploadInALine) {
                   EndsWith("POST /product/nimba/userlog/postdata.php  200  40 bytes")));
 }
 
-TEST_F(Uploads, SeveralOnOneConnectionAreNumberedInOrder) {
+TEST_F(Uploads, UploadsOfOneConnectionAreNumberedInOrder) {
   client_->set_keep_alive(true);
   for (const char* const data : {"one", "", "three"}) ASSERT_TRUE(post(formOf(data)));
   EXPECT_EQ(kept("0001_Tovalin.dat"), "one");
@@ -72,7 +72,7 @@ TEST_F(Uploads, SeveralOnOneConnectionAreNumberedInOrder) {
   EXPECT_EQ(kept("0003_Tovalin.dat"), "three");
 }
 
-TEST_F(Uploads, EveryFileOfAFormIsKeptAndNoFieldIs) {
+TEST_F(Uploads, FilesOfFormAreStoredAndFieldsAreNot) {
   const std::string part = "--X\r\nContent-Disposition: form-data; name=";
   ASSERT_TRUE(post(part + "\"n\"\r\n\r\nfield\r\n" + part + "\"a\"; filename=\"x\"\r\n\r\n1\r\n" + part +
                        "\"b\"; filename=\"../y z\"\r\n\r\n22\r\n--X--\r\n",
@@ -82,7 +82,7 @@ TEST_F(Uploads, EveryFileOfAFormIsKeptAndNoFieldIs) {
   EXPECT_EQ(std::distance(fs::directory_iterator(kUploads), {}), 2);
 }
 
-TEST_F(Uploads, AMalformedFormIsRefusedWithATextAndNotKept) {
+TEST_F(Uploads, MalformedFormIsRefusedWithReasonAndNotStored) {
   const std::string good = formOf("d");
   const httplib::Result result = post(good.substr(0, good.size() - 10));
   ASSERT_TRUE(result);
@@ -93,14 +93,14 @@ TEST_F(Uploads, AMalformedFormIsRefusedWithATextAndNotKept) {
               ElementsAre(HasSubstr("refused: the closing delimiter is missing"), HasSubstr("400")));
 }
 
-TEST_F(Uploads, WhatIsNoFormIsRefused) {
+TEST_F(Uploads, OtherContentTypeIsRefused) {
   const httplib::Result result = client_->Post(kUploadPath, formOf("d"), "application/octet-stream");
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 400);
   EXPECT_TRUE(nothingKept());
 }
 
-TEST_F(Uploads, AFormWithoutFileIsRefused) {
+TEST_F(Uploads, FormWithoutFileIsRefused) {
   const httplib::Result result =
       post("--X\r\nContent-Disposition: form-data; name=\"n\"\r\n\r\nfield\r\n--X--\r\n", "X");
   ASSERT_TRUE(result);
@@ -108,7 +108,7 @@ TEST_F(Uploads, AFormWithoutFileIsRefused) {
   EXPECT_TRUE(nothingKept());
 }
 
-TEST_F(Uploads, OneThatBreaksOffIsToldAndNotKept) {
+TEST_F(Uploads, IncompleteUploadIsLoggedAndNotStored) {
   {
     const tools_test::RawClient client(port_);
     ASSERT_TRUE(client.send(std::string("POST ") + kUploadPath + " HTTP/1.1\r\nHost: x\r\nContent-Type: " +
@@ -119,14 +119,14 @@ TEST_F(Uploads, OneThatBreaksOffIsToldAndNotKept) {
   EXPECT_TRUE(nothingKept());
 }
 
-TEST_F(Uploads, AFileThatCannotBeKeptIsAnErrorOfTheServer) {
+TEST_F(Uploads, FailedWriteAnswersWith500) {
   fs::remove_all(kUploads);
   const httplib::Result result = post(formOf("d"));
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 500);
 }
 
-TEST_F(Uploads, WithoutAFolderTheyAreTakenAndToldOf) {
+TEST_F(Uploads, WithoutFolderUploadIsAcceptedAndLogged) {
   start(kFolder);
   const httplib::Result result = post(formOf("12345"));
   ASSERT_TRUE(result);
@@ -134,20 +134,20 @@ TEST_F(Uploads, WithoutAFolderTheyAreTakenAndToldOf) {
   EXPECT_THAT(server_.readLine().value_or(""), EndsWith("file \"Tovalin.dat\"  5 bytes"));
 }
 
-TEST_F(Uploads, AFaultyAnswerDoesNotKeepAnUploadFromBeingKept) {
+TEST_F(Uploads, UploadIsStoredDespiteDroppedAnswer) {
   setFault(kUploadPath, "drop*1");
   EXPECT_FALSE(post(formOf("d")));
   EXPECT_EQ(kept("0001_Tovalin.dat"), "d");
 }
 
-TEST_F(Uploads, ATransferThatIsCutIsNotKept) {
+TEST_F(Uploads, ResetUploadIsNotStored) {
   setFault(kUploadPath, "reset-within-body*1");
   EXPECT_FALSE(post(formOf("d")));
   EXPECT_THAT(server_.readLine().value_or(""), EndsWith("fault reset-within-body"));
   EXPECT_TRUE(nothingKept());
 }
 
-TEST_F(Uploads, AFolderThatCannotBeIsAWrongArgument) {
+TEST_F(Uploads, InvalidUploadFolderIsRejected) {
   const auto finished = tools_test::runToEnd(
       {tools_test::toolPath("productserver"), "--port", "0", "--uploads", "/tmp/served/a.xml", kFolder});
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 2});

@@ -9,7 +9,7 @@
 
 namespace tools_test {
 
-// A client that sends bytes as they are and sees how the server ends the connection.
+// A TCP client that sends bytes verbatim and reports how the server ends the connection.
 class RawClient {
  public:
   explicit RawClient(int port);
@@ -22,7 +22,7 @@ class RawClient {
     End end = End::StillOpen;
   };
 
-  // Reads until the end of the connection, until `most` bytes are there, or until nothing came for `silence`.
+  // Reads until the connection ends, `most` bytes have arrived, or no byte arrives for `silence`.
   [[nodiscard]] Answer read(std::chrono::milliseconds silence = test_support::kPatience,
                             std::size_t most = std::string::npos) const;
 

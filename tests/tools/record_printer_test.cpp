@@ -64,7 +64,7 @@ TEST(TextPrinter, PrintsEveryKindOfItem) {
   EXPECT_EQ(printed<tools::TextPrinter>(kUsageFile), kGoldenText);
 }
 
-TEST(TextPrinter, PrintsWhatStandsBeforeTheDamage) {
+TEST(TextPrinter, PrintsItemsBeforeDamage) {
   EXPECT_EQ(printed<tools::TextPrinter>(kUsageHeader.substr(0, 55)),
             "\"a.dat\"\n"
             "         0  day 2024-03-07\n"
@@ -72,7 +72,7 @@ TEST(TextPrinter, PrintsWhatStandsBeforeTheDamage) {
             "damaged at byte 55: the file ends too early\n");
 }
 
-TEST(TextPrinter, FileNameCannotMoveTheTerminal) {
+TEST(TextPrinter, ControlCharactersInFileNameAreEscaped) {
   EXPECT_EQ(printed<tools::TextPrinter>("", "\x1b[2J\n"),
             "\"\\x1b[2J\\x0a\"\ndamaged at byte 0: the file is empty\n");
 }
@@ -81,7 +81,7 @@ TEST(JsonPrinter, PrintsEveryKindOfItem) {
   EXPECT_EQ(printed<tools::JsonPrinter>(kUsageFile), kGoldenJson);
 }
 
-TEST(JsonPrinter, NoFileIsAnEmptyArray) {
+TEST(JsonPrinter, NoFilePrintsEmptyArray) {
   std::ostringstream stream;
   tools::JsonPrinter printer(stream);
   printer.begin();
@@ -89,7 +89,7 @@ TEST(JsonPrinter, NoFileIsAnEmptyArray) {
   EXPECT_EQ(json::parse(stream.str()), json::array());
 }
 
-TEST(JsonPrinter, FilesStandBesideEachOther) {
+TEST(JsonPrinter, FilesAreArrayElements) {
   std::ostringstream stream;
   tools::JsonPrinter printer(stream);
   printer.begin();
@@ -103,7 +103,7 @@ TEST(JsonPrinter, FilesStandBesideEachOther) {
   EXPECT_EQ(files[1]["items"].size(), 4u);
 }
 
-TEST(JsonPrinter, FileCutAnywhereIsStillJsonWithTheDamageAtItsEnd) {
+TEST(JsonPrinter, TruncatedFileIsJsonWithDamageAtEnd) {
   for (std::size_t length = 0; length < kUsageFile.size(); ++length) {
     const json file = jsonOf(kUsageFile.substr(0, length)).at(0);
     EXPECT_EQ(file.at("size"), length);
@@ -113,7 +113,7 @@ TEST(JsonPrinter, FileCutAnywhereIsStillJsonWithTheDamageAtItsEnd) {
   }
 }
 
-TEST(JsonPrinter, AnyByteInANameIsStillJson) {
+TEST(JsonPrinter, NameOfAnyBytesIsJson) {
   for (int byte = 0; byte < 256; ++byte) {
     const std::string name = std::string("a") + static_cast<char>(byte) + "b";
     const std::string record =
@@ -128,7 +128,7 @@ TEST(JsonPrinter, AnyByteInANameIsStillJson) {
   }
 }
 
-TEST(JsonPrinter, SizeKeepsAllItsBits) {
+TEST(JsonPrinter, SizeKeepsAll64Bits) {
   const json items = jsonOf(kUsageFile).at(0).at("items");
   EXPECT_EQ(items.at(9).at("size").get<std::uint64_t>(), 0xFFFFFFFFFFFFFFFFu);
 }
@@ -145,7 +145,7 @@ constexpr std::string_view kGoldenLines =
 "type":"file","size":218,"damage":null,"damageOffset":null}
 )";
 
-// Each line but the first, behind what the first one says of the header.
+// Returns the golden lines: each line but the first, preceded by the header fields of the first.
 std::string goldenLines() {
   std::istringstream golden{std::string(kGoldenLines)};
   std::string header, text;
@@ -155,7 +155,7 @@ std::string goldenLines() {
   return text;
 }
 
-TEST(JsonLinesPrinter, PrintsEveryKindOfRecordWithItsHeader) {
+TEST(JsonLinesPrinter, PrintsEveryKindOfRecordWithHeader) {
   EXPECT_EQ(printed<tools::JsonLinesPrinter>(kUsageFile), goldenLines());
 }
 
@@ -166,7 +166,7 @@ std::vector<json> linesOf(const std::string& text) {
   return lines;
 }
 
-TEST(JsonLinesPrinter, FileCutAnywhereEndsWithTheDamage) {
+TEST(JsonLinesPrinter, TruncatedFileEndsWithDamage) {
   for (std::size_t length = 0; length < kUsageFile.size(); ++length) {
     const auto lines = linesOf(printed<tools::JsonLinesPrinter>(kUsageFile.substr(0, length)));
     ASSERT_FALSE(lines.empty());
@@ -180,7 +180,7 @@ TEST(JsonLinesPrinter, FileCutAnywhereEndsWithTheDamage) {
   }
 }
 
-TEST(JsonLinesPrinter, AgreesWithTheArray) {
+TEST(JsonLinesPrinter, MatchesJsonPrinter) {
   std::string bytes = kUsageFile;
   for (int byte = 0; byte < 256; ++byte) {
     const std::string name = std::string("a") + static_cast<char>(byte) + "b";
@@ -200,7 +200,7 @@ TEST(JsonLinesPrinter, AgreesWithTheArray) {
   }
 }
 
-TEST(JsonLinesPrinter, HeaderOfOneFileIsNotThatOfTheNext) {
+TEST(JsonLinesPrinter, HeaderIsResetForNextFile) {
   std::ostringstream stream;
   tools::JsonLinesPrinter printer(stream);
   printer.begin();
@@ -213,13 +213,13 @@ TEST(JsonLinesPrinter, HeaderOfOneFileIsNotThatOfTheNext) {
   EXPECT_TRUE(last.at("identifier").is_null());
 }
 
-TEST(JsonLinesPrinter, FileNameThatIsNoUtf8ComesInHexToo) {
+TEST(JsonLinesPrinter, InvalidUtf8FileNameIsAddedInHex) {
   const json line = linesOf(printed<tools::JsonLinesPrinter>(kUsageHeader, "a\xff\"")).at(0);
   EXPECT_EQ(line.at("file"), "a\uFFFD\"");
   EXPECT_EQ(line.at("fileHex"), "61ff22");
 }
 
-TEST(JsonLinesPrinter, LongNamesAndManyLinesStayWhole) {
+TEST(JsonLinesPrinter, LongNamesAndManyLinesAreComplete) {
   std::string bytes = kUsageHeader;
   for (int i = 0; i < 5000; ++i)
     bytes +=
@@ -231,8 +231,8 @@ TEST(JsonLinesPrinter, LongNamesAndManyLinesStayWhole) {
   EXPECT_EQ(lines[4998].at("nameHex").get<std::string>().size(), 126u);
 }
 
-// The digits of the offset before the last four are kept from one line to the next, and not for another file.
-TEST(JsonLinesPrinter, OffsetsBeyondTenThousandAreThoseOfTheArray) {
+// The printer caches the leading digits of the offset between lines and must reset them for another file.
+TEST(JsonLinesPrinter, OffsetsBeyondTenThousandMatchJsonPrinter) {
   std::string bytes = kUsageHeader;
   while (bytes.size() < 120'000) bytes += kUsageRecords;
   std::ostringstream stream;
@@ -254,14 +254,14 @@ TEST(JsonLinesPrinter, OffsetsBeyondTenThousandAreThoseOfTheArray) {
   }
 }
 
-TEST(JsonLinesPrinter, LineBeyondOnePieceStaysWhole) {
+TEST(JsonLinesPrinter, LineLongerThanBufferIsComplete) {
   const std::string name(200'000, 'n');
   const auto lines = linesOf(printed<tools::JsonLinesPrinter>(kUsageFile, name));
   ASSERT_EQ(lines.size(), 8u);
   for (const json& line : lines) EXPECT_EQ(line.at("file"), name);
 }
 
-TEST(JsonText, CharactersOfEveryLengthStandAsTheyAre) {
+TEST(JsonText, ValidUtf8IsUnchanged) {
   for (const std::string text :
        {"~\x7f", "\u0080\u07ff", "\u0800\ud7ff\ue000\uffff", "\U00010000\U0010ffff"}) {
     EXPECT_TRUE(tools::isUtf8(text));
@@ -269,7 +269,7 @@ TEST(JsonText, CharactersOfEveryLengthStandAsTheyAre) {
   }
 }
 
-TEST(JsonText, WhatIsNoUtf8IsReplacedByteByByte) {
+TEST(JsonText, InvalidUtf8IsReplacedByteByByte) {
   const std::string mark = "\uFFFD";
   EXPECT_EQ(tools::jsonString("\x80"), '"' + mark + '"') << "continuation alone";
   EXPECT_EQ(tools::jsonString("\xC3"), '"' + mark + '"') << "cut short";

@@ -25,11 +25,11 @@ struct Reading {
     for (const Item& item : items) offsets.push_back(item.offset);
     return offsets;
   }
-  // -1 when there is no damage.
+  // Returns the offset of the damage, or -1.
   [[nodiscard]] long damagedAt() const { return damage ? static_cast<long>(damage->offset) : -1; }
 };
 
-// The bytes are held in memory of exactly their size, so that a reader beyond their end is found out.
+// The vector has exactly the size of the file, so that AddressSanitizer detects a read beyond the end.
 Reading readingOf(const std::vector<char>& bytes) {
   tools::RecordReader reader(bytes);
   Reading reading;
@@ -39,7 +39,7 @@ Reading readingOf(const std::vector<char>& bytes) {
   return reading;
 }
 
-// Whose items point to nothing any more.
+// The items of the result refer to freed memory; only their offsets may be used.
 Reading readingOf(const std::string& bytes) {
   return readingOf(std::vector<char>(bytes.begin(), bytes.end()));
 }
@@ -85,30 +85,30 @@ TEST(RecordReader, ReadsEveryKindOfItem) {
   EXPECT_EQ(at<tools::Transfer>(reading, 10).size, 0x8000000000000000u);
 }
 
-TEST(RecordReader, HeaderAloneIsAWholeFile) {
+TEST(RecordReader, HeaderAloneIsComplete) {
   EXPECT_EQ(damagedAt(kUsageHeader), -1);
 }
 
-TEST(RecordReader, HeaderWithoutIdentifierAndVersionIsRead) {
+TEST(RecordReader, HeaderMayHaveEmptyIdentifierAndVersion) {
   EXPECT_EQ(damagedAt("TVLD2024-03-07\x00\x02{}\x01\x40\x01\x00\x07"
                       "1.0.0.0"s),
             -1);
 }
 
-TEST(RecordReader, EmptyFileIsDamagedAtItsFirstByte) {
+TEST(RecordReader, EmptyFileIsDamagedAtOffsetZero) {
   const Reading reading = readingOf(""s);
   ASSERT_TRUE(reading.damage);
   EXPECT_EQ(reading.damage->offset, 0u);
   EXPECT_EQ(reading.damage->reason, "the file is empty");
 }
 
-TEST(RecordReader, FileOfAnotherKindIsDamagedWhereItFirstDiffers) {
+TEST(RecordReader, OtherFileIsDamagedAtFirstDifference) {
   EXPECT_EQ(damagedAt("bplist00"), 0);
   EXPECT_EQ(damagedAt("TVXD2024-03-07"), 2);
   EXPECT_EQ(damagedAt(std::string(5000, '\0')), 0);
 }
 
-TEST(RecordReader, FileCutAnywhereIsDamagedAtItsEndAndGivesAllBefore) {
+TEST(RecordReader, TruncatedFileIsDamagedAtEndAndReturnsItemsBefore) {
   for (std::size_t length = 1; length < kUsageFile.size(); ++length) {
     const Reading reading = readingOf(kUsageFile.substr(0, length));
     const auto next = std::ranges::lower_bound(kItemOffsets, length);
@@ -119,7 +119,7 @@ TEST(RecordReader, FileCutAnywhereIsDamagedAtItsEndAndGivesAllBefore) {
   }
 }
 
-TEST(RecordReader, DamageNeverStandsBeforeAByteThatWasChanged) {
+TEST(RecordReader, DamageIsNotBeforeChangedByte) {
   for (std::size_t place = 0; place < kUsageFile.size(); ++place) {
     for (int byte = 0; byte < 256; ++byte) {
       std::string bytes = kUsageFile;
@@ -134,7 +134,7 @@ TEST(RecordReader, DamageNeverStandsBeforeAByteThatWasChanged) {
   }
 }
 
-TEST(RecordReader, WhatMakesNoSenseIsFoundAtItsByte) {
+TEST(RecordReader, InvalidByteIsReportedAtItsOffset) {
   EXPECT_EQ(damagedAt(kUsageFile, 14, '\x01'), 14) << "no identifier";
   EXPECT_EQ(damagedAt(kUsageFile, 15, '\x01'), 15) << "identifier too short for its braces";
   EXPECT_EQ(damagedAt(kUsageFile, 15, '\x32'), 15) << "identifier too long";
@@ -156,7 +156,7 @@ TEST(RecordReader, WhatMakesNoSenseIsFoundAtItsByte) {
   EXPECT_EQ(damagedAt(kUsageFile, 190, '\x0A'), 190) << "transfer's name too long";
 }
 
-TEST(RecordReader, LongestTextsAreRead) {
+TEST(RecordReader, TextsOfMaximumLengthAreRead) {
   EXPECT_EQ(damagedAt("TVLD2024-03-07\x00\x31{"s + std::string(47, 'i') + "}\x01\x40\x01\x0F" +
                       std::string(15, 'v') + "\x07" + "1.0.0.0"),
             -1);
@@ -164,7 +164,7 @@ TEST(RecordReader, LongestTextsAreRead) {
   EXPECT_EQ(damagedAt(kUsageHeader + "\x06\x08" + "12345678\x09" + "123456789"), -1);
 }
 
-TEST(RecordReader, TimeOfAStartAloneIsDamageAtItsCode) {
+TEST(RecordReader, StartTimeWithoutVersionIsDamageAtItsCode) {
   const Reading reading = readingOf(kUsageHeader + "\x02\x13" + "2024-03-07 09:05:00");
   EXPECT_EQ(reading.items.size(), 4u);
   ASSERT_TRUE(reading.damage);
@@ -179,7 +179,7 @@ TEST(RecordReader, SecondHeaderIsDamage) {
 struct TimeCase {
   const char* name;
   const char* time;
-  long damage;  // the byte of the text; -1: none
+  long damage;  // offset in the text, -1: none
 };
 
 void PrintTo(const TimeCase& value, std::ostream* stream) {
@@ -188,7 +188,7 @@ void PrintTo(const TimeCase& value, std::ostream* stream) {
 
 class RecordTimes : public testing::TestWithParam<TimeCase> {};
 
-TEST_P(RecordTimes, AreThoseOfACalendarAndAClock) {
+TEST_P(RecordTimes, MustBeValidDatesAndTimes) {
   const std::size_t before = kUsageHeader.size() + 2;
   const long at = damagedAt(kUsageHeader + "\x03\x13" + GetParam().time);
   EXPECT_EQ(at < 0 ? at : at - static_cast<long>(before), GetParam().damage);
@@ -216,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(RecordReader, RecordTimes,
                                          TimeCase{"PointsInTheTime", "2024-03-07 00.00.00", 13}),
                          [](const auto& test) { return test.param.name; });
 
-TEST(RecordReader, DayOfTheHeaderIsOneOfTheCalendar) {
+TEST(RecordReader, DayOfHeaderMustBeValidDate) {
   EXPECT_EQ(damagedAt("TVLD2024-02-30" + kUsageHeader.substr(14)), 12);
   EXPECT_EQ(damagedAt("TVLD2024_03_07" + kUsageHeader.substr(14)), 8);
 }

@@ -9,20 +9,20 @@
 
 namespace tools_test {
 
-// The path of one of the development tools as built.
+// Returns the path of a development tool in the build folder.
 [[nodiscard]] std::string toolPath(const std::string& name);
 
-// A program that has ended and what it wrote.
+// The exit status of a program and its output.
 struct Finished {
   std::optional<test_support::ExitStatus> status;
   std::string output;
   std::string error;
 };
 
-// Runs a program to its end.
+// Runs a program and waits for its end.
 [[nodiscard]] Finished runToEnd(const std::vector<std::string>& argv);
 
-// Writes the text into the FIFO or file at `path` in one write of one open and close; false when that failed.
+// Opens the FIFO or file at `path`, writes `text` with one write() and closes it. Returns false on failure.
 [[nodiscard]] bool writeInto(const std::string& path, std::string_view text);
 
 }  // namespace tools_test

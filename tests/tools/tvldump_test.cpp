@@ -43,7 +43,7 @@ class Tvldump : public testing::Test {
   }
 };
 
-TEST_F(Tvldump, WholeFileIsPrintedWithStatusZero) {
+TEST_F(Tvldump, CompleteFileExitsWithZero) {
   const auto finished = dump({kWhole});
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
   EXPECT_THAT(finished.output, HasSubstr("       128  device event 3 2024-03-07 09:05:02 \"Pad\"\n"));
@@ -51,7 +51,7 @@ TEST_F(Tvldump, WholeFileIsPrintedWithStatusZero) {
   EXPECT_EQ(finished.error, "");
 }
 
-TEST_F(Tvldump, DamagedFileIsPrintedUpToTheDamageWithStatusOne) {
+TEST_F(Tvldump, DamagedFileIsPrintedUpToDamageAndExitsWithOne) {
   const auto finished = dump({kCut});
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_THAT(finished.output, HasSubstr("       180  transfer 1 size 578437695752307201 \"jpg\"\n"
@@ -59,7 +59,7 @@ TEST_F(Tvldump, DamagedFileIsPrintedUpToTheDamageWithStatusOne) {
   EXPECT_EQ(finished.error, "");
 }
 
-TEST_F(Tvldump, OneDamagedFileAmongWholeOnesGivesStatusOneAndKeepsNoneBack) {
+TEST_F(Tvldump, DamagedFileAmongOthersExitsWithOneAndPrintsAll) {
   const auto finished = dump({"--json", kCut, kWhole});
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   const json files = json::parse(finished.output);
@@ -69,14 +69,14 @@ TEST_F(Tvldump, OneDamagedFileAmongWholeOnesGivesStatusOneAndKeepsNoneBack) {
   EXPECT_TRUE(files[1]["damage"].is_null());
 }
 
-TEST_F(Tvldump, FileThatIsNotThereGivesStatusTwoAndKeepsNoOtherBack) {
+TEST_F(Tvldump, MissingFileExitsWithTwoAndPrintsOthers) {
   const auto finished = dump({"--json", kNone, kCut, kWhole});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.error, "tvldump: cannot read \"/tmp/dumped/none.dat\": No such file or directory\n");
   EXPECT_EQ(json::parse(finished.output).size(), 2u);
 }
 
-TEST_F(Tvldump, LinesOfSeveralFilesStandBehindEachOther) {
+TEST_F(Tvldump, LinesOfSeveralFilesAreConcatenated) {
   const auto finished = dump({"--lines", kWhole, kNone, kCut});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.error, "tvldump: cannot read \"/tmp/dumped/none.dat\": No such file or directory\n");
@@ -94,25 +94,25 @@ TEST_F(Tvldump, LinesOfSeveralFilesStandBehindEachOther) {
   EXPECT_EQ(files[1].at("damageOffset"), 200);
 }
 
-TEST_F(Tvldump, JsonAndLinesTogetherAreAWrongCommandLine) {
+TEST_F(Tvldump, JsonExcludesLines) {
   const auto finished = dump({"--json", "--lines", kWhole});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.error,
             "tvldump: --json and --lines exclude each other\ntvldump --help shows how it is used\n");
 }
 
-TEST_F(Tvldump, NothingReadableIsStillJson) {
+TEST_F(Tvldump, NoReadableFilePrintsEmptyJsonArray) {
   EXPECT_EQ(json::parse(dump({"--json", kNone}).output), json::array());
 }
 
-TEST_F(Tvldump, FolderGivesStatusTwo) {
+TEST_F(Tvldump, FolderExitsWithTwo) {
   const auto finished = dump({kFolder});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.output, "");
   EXPECT_EQ(finished.error, "tvldump: cannot read \"/tmp/dumped\": Is a directory\n");
 }
 
-TEST_F(Tvldump, FileBeyondTheLargestIsRefusedUnread) {
+TEST_F(Tvldump, FileBeyondMaximumSizeIsRefused) {
   write(kNone, "");
   fs::resize_file(kNone, (std::uintmax_t{1} << 30) + 1);
   const auto finished = dump({kNone});
@@ -127,14 +127,14 @@ TEST_F(Tvldump, EmptyFileIsDamaged) {
   EXPECT_THAT(finished.output, HasSubstr("damaged at byte 0: the file is empty\n"));
 }
 
-TEST_F(Tvldump, NoFileIsAWrongCommandLine) {
+TEST_F(Tvldump, MissingFileArgumentExitsWithTwo) {
   const auto finished = dump({"--json"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.output, "");
   EXPECT_EQ(finished.error, "tvldump: give one file at least\ntvldump --help shows how it is used\n");
 }
 
-TEST_F(Tvldump, DashIsTheStandardInput) {
+TEST_F(Tvldump, DashReadsStandardInput) {
   test_support::ChildOptions options;
   options.input = test_support::Redirection::file(kWhole);
   test_support::ChildProcess child;
@@ -143,7 +143,7 @@ TEST_F(Tvldump, DashIsTheStandardInput) {
   EXPECT_THAT(child.takeOutput(), testing::StartsWith("\"-\"\n         0  day 2024-03-07\n"));
 }
 
-TEST_F(Tvldump, FileNamedLikeAnOptionIsReadBehindTwoDashes) {
+TEST_F(Tvldump, FileNamedLikeOptionIsReadAfterDoubleDash) {
   write("/tmp/dumped/--json", kUsageFile);
   test_support::ChildOptions options;
   options.workingDirectory = kFolder;
@@ -152,7 +152,7 @@ TEST_F(Tvldump, FileNamedLikeAnOptionIsReadBehindTwoDashes) {
   EXPECT_EQ(child.wait(), ExitStatus{.code = 0});
 }
 
-TEST_F(Tvldump, PipeIsReadUntilItsWriterCloses) {
+TEST_F(Tvldump, PipeIsReadUntilWriterCloses) {
   ASSERT_EQ(::mkfifo(kNone.c_str(), 0600), 0);
   test_support::ChildProcess child;
   ASSERT_TRUE(child.start({toolPath("tvldump"), kNone}));
@@ -165,7 +165,7 @@ TEST_F(Tvldump, PipeIsReadUntilItsWriterCloses) {
   EXPECT_THAT(child.takeOutput(), testing::EndsWith("whole, " + std::to_string(size) + " bytes\n"));
 }
 
-TEST_F(Tvldump, OutputThatCannotBeWrittenGivesStatusTwo) {
+TEST_F(Tvldump, UnwritableOutputExitsWithTwo) {
   test_support::ChildOptions options;
   options.output = test_support::Redirection::file("/dev/full");
   options.error = test_support::Redirection::pipe();

@@ -26,7 +26,7 @@ class UploadFolderTest : public testing::Test {
   }
 };
 
-TEST_F(UploadFolderTest, NumbersTheFilesOfOneNameInTheirOrder) {
+TEST_F(UploadFolderTest, NumbersFilesInOrder) {
   const auto folder = UploadFolder::open(kPath);
   ASSERT_TRUE(folder);
   EXPECT_EQ(folder->keep("x.dat", "1"), "0001_x.dat");
@@ -34,7 +34,7 @@ TEST_F(UploadFolderTest, NumbersTheFilesOfOneNameInTheirOrder) {
   EXPECT_THAT(names(), testing::UnorderedElementsAre("0001_x.dat", "0002_x.dat"));
 }
 
-TEST_F(UploadFolderTest, GoesOnBehindTheHighestNumberThatIsThere) {
+TEST_F(UploadFolderTest, ContinuesAfterHighestNumber) {
   fs::create_directories(kPath);
   for (const char* const name : {"0041_x", "0007_y", "99999", "x_123", "_5"}) {
     std::ofstream(std::string(kPath) + "/" + name) << "old";
@@ -44,7 +44,7 @@ TEST_F(UploadFolderTest, GoesOnBehindTheHighestNumberThatIsThere) {
   EXPECT_EQ(folder->keep("x", "new"), "0042_x");
 }
 
-TEST_F(UploadFolderTest, ANumberOfFiveDigitsIsNotCut) {
+TEST_F(UploadFolderTest, NumberMayHaveFiveDigits) {
   fs::create_directories(kPath);
   std::ofstream(std::string(kPath) + "/9999_x") << "old";
   const auto folder = UploadFolder::open(kPath);
@@ -52,33 +52,33 @@ TEST_F(UploadFolderTest, ANumberOfFiveDigitsIsNotCut) {
   EXPECT_EQ(folder->keep("x", "new"), "10000_x");
 }
 
-TEST_F(UploadFolderTest, AFolderThatCannotBeHasNoUploads) {
+TEST_F(UploadFolderTest, InvalidFolderReturnsNull) {
   std::ofstream("/tmp/no_folder") << "a file";
   EXPECT_EQ(UploadFolder::open("/tmp/no_folder"), nullptr);
   EXPECT_EQ(UploadFolder::open("/tmp/no_folder/inner"), nullptr);
   fs::remove("/tmp/no_folder");
 }
 
-TEST_F(UploadFolderTest, AFileThatCannotBeWrittenIsNotKept) {
+TEST_F(UploadFolderTest, FailedWriteReturnsNullopt) {
   const auto folder = UploadFolder::open(kPath);
   ASSERT_TRUE(folder);
   fs::remove_all(kPath);
   EXPECT_EQ(folder->keep("x", "d"), std::nullopt);
 }
 
-TEST(HarmlessName, IsTheLastComponentOfWhatTheSenderNames) {
+TEST(HarmlessName, IsLastComponent) {
   EXPECT_EQ(harmlessName("Tovalin.dat"), "Tovalin.dat");
   EXPECT_EQ(harmlessName("/etc/passwd"), "passwd");
   EXPECT_EQ(harmlessName("C:\\a\\b.dat"), "b.dat");
-  EXPECT_EQ(harmlessName("../.."), "..");  // harmless behind a number
+  EXPECT_EQ(harmlessName("../.."), "..");  // harmless after the number prefix
 }
 
-TEST(HarmlessName, HoldsNoCharacterThatAShellOrATerminalTakesAmiss) {
+TEST(HarmlessName, ReplacesShellAndTerminalCharacters) {
   EXPECT_EQ(harmlessName("a b;$(c)\n\x1b[m\xc3\xa4"), "a_b___c____m__");
   EXPECT_EQ(harmlessName(std::string("a\0b", 3)), "a_b");
 }
 
-TEST(HarmlessName, IsNeitherEmptyNorTooLong) {
+TEST(HarmlessName, IsNotEmptyAndLimitedTo100Characters) {
   EXPECT_EQ(harmlessName(""), "unnamed");
   EXPECT_EQ(harmlessName("a/"), "unnamed");
   EXPECT_EQ(harmlessName(std::string(300, 'x')), std::string(100, 'x'));

@@ -13,10 +13,10 @@ namespace settings_test {
 
 inline const std::string kBundle = "/tmp/bundles/My Agent.app";
 
-// A program in a bundle, which tells in a line what it found there.
+// Runs a probe inside a bundle; the probe prints what it found there on one line.
 class BundleProbe : public testing::Test {
  protected:
-  // `probe` is the program as built.
+  // `probe` is the path of the built program.
   explicit BundleProbe(std::string probe) : probe_(std::move(probe)) {}
 
   void SetUp() override {
@@ -31,13 +31,13 @@ class BundleProbe : public testing::Test {
   static void putEntries(const std::string& entries) {
     putInformation("<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
   }
-  // What the program in the bundle, or one elsewhere, tells.
+  // Returns the first line that `program` prints.
   static std::string told(const std::string& program) {
     test_support::ChildProcess probe;
     if (!probe.start({program})) return "did not start";
     return probe.readLine().value_or("told nothing");
   }
-  // What the program in the bundle, started before `change`, tells after it.
+  // Starts the probe in the bundle, runs `change` and returns the line that the probe prints afterwards.
   template <typename Change>
   [[nodiscard]] std::string toldAfter(Change change) const {
     test_support::ChildProcess probe;
@@ -47,7 +47,7 @@ class BundleProbe : public testing::Test {
     change();
     return probe.writeLine("again") ? probe.readLine().value_or("told nothing") : "has ended";
   }
-  // What it tells from outside a bundle.
+  // Returns the line that a copy of the probe outside a bundle prints.
   [[nodiscard]] std::string toldOutside() const {
     std::filesystem::copy_file(probe_, "/tmp/bundles/probe");
     return told("/tmp/bundles/probe");

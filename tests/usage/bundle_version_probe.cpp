@@ -4,8 +4,8 @@
 
 #include "usage/bundle_version.h"
 
-// Prints the status of getBundleVersion and the version, which is "untouched" before; now and again for each
-// line it is sent.
+// Prints the result of getBundleVersion() and the version, "untouched" by default, at the start and again for
+// each line of input.
 int main() {
   std::string line;
   do {

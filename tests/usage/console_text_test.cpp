@@ -42,35 +42,35 @@ TEST(ConsoleText, NeighboursOfControlsAreVerbatim) {
     EXPECT_EQ(consoleText(text), text);
 }
 
-TEST(ConsoleText, EveryControlOfOneByteIsEscaped) {
+TEST(ConsoleText, EveryAsciiControlIsEscaped) {
   for (int byte = 0; byte < 0x80; ++byte) {
     const std::string text(1, static_cast<char>(byte));
     EXPECT_EQ(consoleText(text) == text, byte >= 0x20 && byte != 0x7f) << byte;
   }
 }
 
-TEST(ConsoleText, BytesThatAreNoUtf8AreEscaped) {
+TEST(ConsoleText, InvalidUtf8IsEscaped) {
   EXPECT_EQ(consoleText("a\xff\xc3\u00e4"), "a\\xff\\xc3\u00e4");
   EXPECT_EQ(consoleText("\xed\xa0\x80"), "\\xed\\xa0\\x80");
   EXPECT_EQ(consoleText("\xc0\x80"), "\\xc0\\x80");
   EXPECT_EQ(consoleText("a\xe2\x82"), "a\\xe2\\x82");
 }
 
-TEST(ConsoleText, TextOfAThousandCharactersIsWhole) {
+TEST(ConsoleText, TextOfThousandCharactersIsComplete) {
   for (const char* character : {"x", "\u00e4", "\u65e5", "\U0001f600"}) {
     const std::string text = repeated(character, 1000);
     EXPECT_EQ(consoleText(text), text) << character;
   }
 }
 
-TEST(ConsoleText, LongerTextIsCutBetweenCharactersAndEndsWithAnEllipsis) {
+TEST(ConsoleText, LongerTextEndsWithEllipsisBetweenCharacters) {
   for (const char* character : {"x", "\u00e4", "\u65e5", "\U0001f600"}) {
     for (const int count : {1001, 1002, 100'000})
       EXPECT_EQ(consoleText(repeated(character, count)), repeated(character, 999) + "\u2026") << character;
   }
 }
 
-TEST(ConsoleText, EscapesCountAsWhatTheyPrintAndAreNeverCut) {
+TEST(ConsoleText, EscapesCountAsPrintedAndAreNeverSplit) {
   const std::string escapes = repeated("\\u000a", 166);  // 996 characters
   EXPECT_EQ(consoleText(repeated("\n", 166)), escapes);
   EXPECT_EQ(consoleText(repeated("\n", 166) + "abcd"), escapes + "abcd");

@@ -26,7 +26,7 @@ void mend() {
 
 }  // namespace failing_parts
 
-// Every such call of the tree's own libraries is led here by the linker.
+// The linker option --wrap redirects each call from this project's libraries.
 extern "C" ssize_t readOfTheTest(int descriptor, void* bytes, std::size_t size) __asm__("__wrap_read");
 
 ssize_t readOfTheTest(int descriptor, void* bytes, std::size_t size) {

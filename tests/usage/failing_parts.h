@@ -6,23 +6,22 @@
 #include <cstddef>
 #include <functional>
 
-// Parts of the C and C++ libraries that a case can have fail: this program's own stand before the libraries'.
+// Replaces functions of the C and C++ libraries, so that a case can make them fail.
 namespace failing_parts {
 
-// What a read of at most `size` bytes gives instead of what the file holds; nothing: what it holds.
+// Called instead of read(2) unless empty.
 extern std::function<ssize_t(int descriptor, void* bytes, std::size_t size)> insteadOfRead;
 
-// What becomes of the opening of a file, the making of a folder, and of asking for a size, instead; nothing:
-// what the system does.
+// Called instead of open(2), mkdir(2), fstat(2) and lstat(2) unless empty.
 extern std::function<int(const char* path, int flags, mode_t mode)> insteadOfOpen;
 extern std::function<int(const char* path, mode_t mode)> insteadOfMkdir;
 extern std::function<int(int descriptor, struct stat* status)> insteadOfFstat;
 extern std::function<int(const char* path, struct stat* status)> insteadOfLstat;
 
-// Whether asking for memory that may be refused is refused.
+// If true, nothrow operator new[] returns null.
 extern bool memoryIsShort;
 
-// Nothing fails any longer.
+// Restores all functions.
 void mend();
 
 }  // namespace failing_parts

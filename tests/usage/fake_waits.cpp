@@ -38,7 +38,7 @@ std::chrono::nanoseconds FakeWaits::waited() const {
   return std::chrono::nanoseconds(paused);
 }
 
-// The program's own functions are linked before those of the libraries. NOLINTNEXTLINE(cert-dcl58-cpp)
+// Definitions in the program precede those of the libraries. NOLINTNEXTLINE(cert-dcl58-cpp)
 std::chrono::steady_clock::time_point std::chrono::steady_clock::now() noexcept {
   return time_point(std::chrono::nanoseconds(isFake ? frozenAt + paused : realNow()));
 }

@@ -2,8 +2,8 @@
 
 #include <chrono>
 
-// While one lives, pauses of this process return at once, and its monotonic clock stands still but for what
-// the pauses asked for. Nothing else that waits by that clock may run meanwhile.
+// For the lifetime of the object, nanosleep() returns immediately and steady_clock advances only by the
+// requested pauses. No other code that waits by that clock may run at the same time.
 class FakeWaits {
  public:
   FakeWaits();
@@ -11,6 +11,6 @@ class FakeWaits {
   FakeWaits& operator=(const FakeWaits&) = delete;
   ~FakeWaits();
 
-  // The pauses asked for so far.
+  // Returns the sum of the pauses requested so far.
   [[nodiscard]] std::chrono::nanoseconds waited() const;
 };

@@ -17,7 +17,8 @@ constexpr const char* kStored = "00112233-4455-6677-8899-AABBCCDDEEFF";
 constexpr const char* kCanonical = "[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}";
 constexpr const char* kWrong = "UUID is wrong, new UUID create.: ";
 
-// What the function makes of a buffer of 50 bytes, as the usage records pass it.
+// Runs GetTovalinUUID() on a buffer of 50 bytes, the size that the usage records use. Returns the buffer and
+// the error output.
 struct Filled {
   std::array<char, 50> buffer = {};
   std::string errors = {};
@@ -40,28 +41,28 @@ std::string whole(const Filled& filled) {
 
 using InstallationIdentity = Settings;
 
-TEST(CreateUUID, IsInTheCanonicalUpperCaseForm) {
+TEST(CreateUUID, HasUpperCaseCanonicalForm) {
   EXPECT_THAT(CreateUUID(), MatchesRegex(kCanonical));
 }
 
-TEST(CreateUUID, IsFreshEachTime) {
+TEST(CreateUUID, IsNewAtEachCall) {
   EXPECT_NE(CreateUUID(), CreateUUID());
 }
 
-TEST_F(InstallationIdentity, MissingFileIsMadeWithAFreshIdentifier) {
+TEST_F(InstallationIdentity, MissingFileIsCreatedWithNewIdentifier) {
   const Filled filled = fill();
   EXPECT_THAT(filled.text(), MatchesRegex(kCanonical));
   EXPECT_EQ(filled.errors, "");
   EXPECT_EQ(contentsOf(kFile), filled.text()) << "36 bytes, no line end, no terminator";
 }
 
-TEST_F(InstallationIdentity, FreshIdentifierComesWithATerminatorAndNoMore) {
+TEST_F(InstallationIdentity, NewIdentifierIsTerminatedByOneNul) {
   const std::string buffer = whole(fill('#'));
   EXPECT_EQ(buffer[36], '\0');
   EXPECT_EQ(buffer.substr(37), std::string(13, '#'));
 }
 
-TEST_F(InstallationIdentity, StaysTheSameFromThenOn) {
+TEST_F(InstallationIdentity, IsStable) {
   const std::string first = fill().text();
   EXPECT_EQ(fill().text(), first);
   EXPECT_EQ(contentsOf(kFile), first);
@@ -73,7 +74,7 @@ TEST_F(InstallationIdentity, DiffersBetweenInstallations) {
   EXPECT_NE(fill().text(), first);
 }
 
-TEST_F(InstallationIdentity, StoredOneIsTakenAndKept) {
+TEST_F(InstallationIdentity, StoredIdentifierIsReturned) {
   write(kFile, kStored);
   const Filled filled = fill();
   EXPECT_EQ(filled.text(), kStored);
@@ -81,12 +82,12 @@ TEST_F(InstallationIdentity, StoredOneIsTakenAndKept) {
   EXPECT_EQ(contentsOf(kFile), kStored);
 }
 
-TEST_F(InstallationIdentity, StoredOneLeavesTheBufferBehindItUntouched) {
+TEST_F(InstallationIdentity, StoredIdentifierKeepsRestOfBuffer) {
   write(kFile, kStored);
   EXPECT_EQ(whole(fill('#')), kStored + std::string(14, '#'));
 }
 
-TEST_F(InstallationIdentity, ThirtySixBytesOfAnyContentAreKept) {
+TEST_F(InstallationIdentity, AnyThirtySixBytesAreKept) {
   const std::string bytes = std::string("no identifier\0\xff\n", 16) + std::string(20, '~');
   write(kFile, bytes);
   const Filled filled = fill('#');
@@ -111,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(InstallationIdentity, WrongLength,
                                          std::string(5000, 'x')),
                          [](const auto& test) { return "Of" + std::to_string(test.param.size()) + "Bytes"; });
 
-TEST_F(InstallationIdentity, LengthIsNotCutToThirtyTwoBits) {
+TEST_F(InstallationIdentity, LengthIsNotTruncatedTo32Bits) {
   write(kFile, kStored);
   fs::resize_file(kFile, (std::uintmax_t{1} << 32) + 36);
   const Filled filled = fill();
@@ -119,7 +120,7 @@ TEST_F(InstallationIdentity, LengthIsNotCutToThirtyTwoBits) {
   EXPECT_EQ(fs::file_size(kFile), 36U);
 }
 
-TEST_F(InstallationIdentity, FolderInThePlaceOfTheFileLeavesTheBufferUntouched) {
+TEST_F(InstallationIdentity, FolderAtItsPathKeepsBuffer) {
   fs::create_directory(kFile);
   const Filled filled = fill('#');
   EXPECT_THAT(filled.errors, StartsWith(kWrong));
@@ -127,7 +128,7 @@ TEST_F(InstallationIdentity, FolderInThePlaceOfTheFileLeavesTheBufferUntouched) 
   EXPECT_EQ(whole(filled), kUntouched);
 }
 
-TEST_F(InstallationIdentity, PipeInThePlaceOfTheFileIsNotWaitedFor) {
+TEST_F(InstallationIdentity, PipeAtItsPathDoesNotBlock) {
   ASSERT_EQ(::mkfifo(kFile, 0600), 0);
   const auto finished = test_support::runForked([] {
     std::array<char, 50> buffer{};
@@ -139,7 +140,7 @@ TEST_F(InstallationIdentity, PipeInThePlaceOfTheFileIsNotWaitedFor) {
   EXPECT_TRUE(fs::is_fifo(kFile));
 }
 
-TEST_F(InstallationIdentity, MissingFolderIsNotMade) {
+TEST_F(InstallationIdentity, MissingFolderIsNotCreated) {
   fs::remove(kFolder);
   const Filled filled = fill('#');
   EXPECT_EQ(filled.errors, "create file failed: No such file or directory\n");
@@ -147,7 +148,7 @@ TEST_F(InstallationIdentity, MissingFolderIsNotMade) {
   EXPECT_FALSE(fs::exists(kFolder));
 }
 
-TEST_F(InstallationIdentity, NoPlaceForFilesIsPassedOverInSilence) {
+TEST_F(InstallationIdentity, WithoutHomeFailsSilently) {
   ::unsetenv("XDG_DATA_HOME");
   ::unsetenv("HOME");
   const Filled filled = fill('#');
@@ -155,7 +156,7 @@ TEST_F(InstallationIdentity, NoPlaceForFilesIsPassedOverInSilence) {
   EXPECT_EQ(whole(filled), kUntouched);
 }
 
-TEST_F(InstallationIdentity, BufferThatIsTooSmallIsLeftAlone) {
+TEST_F(InstallationIdentity, TooSmallBufferIsUnchanged) {
   write(kFile, kStored);
   std::array<char, 36> buffer;
   buffer.fill('#');
@@ -163,7 +164,7 @@ TEST_F(InstallationIdentity, BufferThatIsTooSmallIsLeftAlone) {
   EXPECT_EQ(std::string(buffer.data(), buffer.size()), std::string(36, '#'));
 }
 
-TEST_F(InstallationIdentity, PathBeyond128BytesWorks) {
+TEST_F(InstallationIdentity, AcceptsPathBeyond128Bytes) {
   const std::string support = std::string("/tmp/support/") + std::string(200, 'd');
   fs::create_directories(support + "/Tovalin");
   ::setenv("XDG_DATA_HOME", support.c_str(), 1);
@@ -172,7 +173,7 @@ TEST_F(InstallationIdentity, PathBeyond128BytesWorks) {
   EXPECT_EQ(contentsOf(support + "/Tovalin/TovalinUUID.txt"), filled.text());
 }
 
-TEST_F(InstallationIdentity, NoDescriptorStaysOpen) {
+TEST_F(InstallationIdentity, LeaksNoDescriptor) {
   const int before = test_support::openDescriptors();
   fill();
   fill();
@@ -181,7 +182,8 @@ TEST_F(InstallationIdentity, NoDescriptorStaysOpen) {
   EXPECT_EQ(test_support::openDescriptors(), before);
 }
 
-// A user without rights gets the identifier; what comes back is its buffer, after its errors.
+// Runs GetTovalinUUID() as an unprivileged user in a child process, which writes the buffer to standard
+// output.
 test_support::Finished fillAsNobody() {
   return test_support::runForked([] {
     if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
@@ -197,7 +199,7 @@ test_support::Finished fillAsNobody() {
 #define SKIP_UNLESS_HAD(finished) \
   if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another"
 
-TEST_F(InstallationIdentity, FolderThatMayNotBeWrittenLeavesTheBufferUntouched) {
+TEST_F(InstallationIdentity, UnwritableFolderKeepsBuffer) {
   const auto finished = fillAsNobody();
   SKIP_UNLESS_HAD(finished);
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << "the permissions bite";
@@ -206,7 +208,7 @@ TEST_F(InstallationIdentity, FolderThatMayNotBeWrittenLeavesTheBufferUntouched) 
   EXPECT_FALSE(fs::exists(kFile));
 }
 
-TEST_F(InstallationIdentity, WrongFileThatMayNotBeWrittenIsLeftAsItIs) {
+TEST_F(InstallationIdentity, UnwritableFileOfWrongLengthIsKept) {
   write(kFile, "wrong");
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = fillAsNobody();
@@ -218,7 +220,7 @@ TEST_F(InstallationIdentity, WrongFileThatMayNotBeWrittenIsLeftAsItIs) {
   EXPECT_EQ(contentsOf(kFile), "wrong");
 }
 
-TEST_F(InstallationIdentity, StoredOneThatMayOnlyBeReadIsTaken) {
+TEST_F(InstallationIdentity, ReadOnlyFileIsRead) {
   write(kFile, kStored);
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = fillAsNobody();
@@ -227,7 +229,7 @@ TEST_F(InstallationIdentity, StoredOneThatMayOnlyBeReadIsTaken) {
   EXPECT_EQ(finished.output, kStored + std::string(14, '#'));
 }
 
-TEST_F(InstallationIdentity, FileThatMayNotBeReadIsTakenForMissing) {
+TEST_F(InstallationIdentity, UnreadableFileIsTreatedAsMissing) {
   write(kFile, kStored);
   fs::permissions(kFile, fs::perms(0));
   const auto finished = fillAsNobody();

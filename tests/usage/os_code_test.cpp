@@ -24,7 +24,7 @@ void PrintTo(const Release& release, std::ostream* stream) {
 
 class OsCode : public testing::TestWithParam<Release> {};
 
-TEST_P(OsCode, FollowsTheRelease) {
+TEST_P(OsCode, DependsOnRelease) {
   EXPECT_EQ(osCodeFor(GetParam().text), GetParam().code);
 }
 
@@ -70,7 +70,8 @@ INSTANTIATE_TEST_SUITE_P(
         Release{"HugeNegativeMinor", "Version 10.-99999999999999999999", 64}),
     nameOf);
 
-// What the function says of a system with this file of facts; the file's own place is left alone.
+// Returns GetOSVersion() for a system with this /etc/os-release, bind-mounted in a mount namespace of a child
+// process; -1 on failure.
 int codeOfSystemWith(const std::string& osRelease) {
   std::filesystem::create_directories("/tmp/etc");
   std::ofstream("/tmp/etc/os-release") << osRelease;
@@ -81,7 +82,7 @@ int codeOfSystemWith(const std::string& osRelease) {
   return finished.status ? finished.status->code.value_or(-1) : -1;
 }
 
-TEST(GetOSVersion, IsTheCodeOfTheRunningSystem) {
+TEST(GetOSVersion, ReturnsCodeOfOsRelease) {
   EXPECT_EQ(codeOfSystemWith("VERSION=\"12 (bookworm)\"\n"), 68);
   EXPECT_EQ(codeOfSystemWith("NAME=Other\nVERSION=\"10.11 (El)\"\n"), 66);
   EXPECT_EQ(codeOfSystemWith("VERSION=trixie/sid\n"), 64);

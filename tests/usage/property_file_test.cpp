@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint32_t kUntouched = 0xDEADBEEF;
 
-// What came of asking for a switch whose place held `kUntouched` before.
+// The result of GetProperty() with a value initialised to `kUntouched`.
 struct Property {
   std::int32_t status = 0;
   std::uint32_t value = kUntouched;
@@ -73,7 +73,7 @@ TEST_F(PropertyFile, TrueIsOne) {
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
-TEST_F(PropertyFile, FalseIsZeroInAllBytes) {
+TEST_F(PropertyFile, FalseClearsAllBytes) {
   putDictionary("<key>Autorun</key><false/>");
   EXPECT_EQ(get("Autorun"), (Property{0, 0}));
 }
@@ -84,28 +84,28 @@ TEST_F(PropertyFile, EachKeyHasItsOwnValue) {
   EXPECT_EQ(get("Active"), (Property{0, 1}));
 }
 
-TEST_F(PropertyFile, AbsentKeyLeavesTheValueUnchanged) {
+TEST_F(PropertyFile, MissingKeyKeepsValue) {
   putDictionary("<key>Active</key><true/>");
   EXPECT_EQ(get("Autorun"), kLeft);
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
-TEST_F(PropertyFile, EmptyDictionaryLeavesTheValueUnchanged) {
+TEST_F(PropertyFile, EmptyDictionaryKeepsValue) {
   putDictionary("");
   EXPECT_EQ(get("Autorun"), kLeft);
 }
 
-TEST_F(PropertyFile, KeyOfAnotherCaseIsAnother) {
+TEST_F(PropertyFile, KeyIsCaseSensitive) {
   putDictionary("<key>autorun</key><true/>");
   EXPECT_EQ(get("Autorun"), kLeft);
 }
 
-TEST_F(PropertyFile, KeyOfAnInnerDictionaryDoesNotCount) {
+TEST_F(PropertyFile, KeyOfInnerDictionaryIsIgnored) {
   putDictionary("<key>Inner</key><dict><key>Autorun</key><true/></dict>");
   EXPECT_EQ(get("Autorun"), kLeft);
 }
 
-TEST_F(PropertyFile, ValueThatIsNoBooleanLeavesTheValueUnchanged) {
+TEST_F(PropertyFile, OtherTypeThanBooleanKeepsValue) {
   for (const char* value : {"<string>true</string>", "<integer>1</integer>", "<real>1</real>", "<array/>"}) {
     putDictionary(std::string("<key>Autorun</key>") + value);
     EXPECT_EQ(get("Autorun"), kLeft) << value;
@@ -113,7 +113,7 @@ TEST_F(PropertyFile, ValueThatIsNoBooleanLeavesTheValueUnchanged) {
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
-TEST_F(PropertyFile, BinaryListIsRead) {
+TEST_F(PropertyFile, ReadsBinaryList) {
   using namespace std::string_literals;
   write(file_,
         "bplist00"
@@ -129,47 +129,47 @@ TEST_F(PropertyFile, BinaryListIsRead) {
   EXPECT_EQ(get("Active"), (Property{0, 0}));
 }
 
-TEST_F(PropertyFile, BlanksAndForeignLettersInThePathAreFine) {
+TEST_F(PropertyFile, PathMayContainBlanksAndNonAscii) {
   putBundleAt("/tmp/support/My Main (2) \u00e4\u65e5.app");
   putDictionary("<key>Autorun</key><true/>");
   EXPECT_EQ(get("Autorun"), (Property{0, 1}));
 }
 
-TEST_F(PropertyFile, PathBeyond512BytesIsNotCut) {
+TEST_F(PropertyFile, PathBeyond512BytesIsNotTruncated) {
   putBundleAt("/tmp/support/" + std::string(250, 'a') + "/" + std::string(250, 'b') + "/" +
               std::string(250, 'c') + "/Main.app");
   putDictionary("<key>Autorun</key><true/>");
   EXPECT_EQ(get("Autorun"), (Property{0, 1}));
 }
 
-TEST_F(PropertyFile, FileIsReadAnewEachTime) {
+TEST_F(PropertyFile, FileIsReadAtEachCall) {
   putDictionary("<key>Autorun</key><true/>");
   EXPECT_EQ(get("Autorun"), (Property{0, 1}));
   putDictionary("<key>Autorun</key><false/>");
   EXPECT_EQ(get("Autorun"), (Property{0, 0}));
 }
 
-TEST_F(PropertyFile, PathThatIsNoTextIsABadAddress) {
+TEST_F(PropertyFile, PathOfInvalidUtf8IsBadUrl) {
   putBundleAt("/tmp/support/\xff.app");
   expectUnreadable("GetProperty CFURLCreateWithFileSystemPath failed");
 }
 
-TEST_F(PropertyFile, FolderInThePlaceOfTheFileGivesNoStream) {
+TEST_F(PropertyFile, FolderAtItsPathFailsStreamCreation) {
   fs::create_directory(file_);
   expectUnreadable("GetProperty CFReadStreamCreateWithFile failed");
 }
 
-TEST_F(PropertyFile, PipeInThePlaceOfTheFileIsNotWaitedFor) {
+TEST_F(PropertyFile, PipeAtItsPathDoesNotBlock) {
   ASSERT_EQ(::mkfifo(file_.c_str(), 0600), 0);
   const auto finished = test_support::runForked([] { return get("Autorun") == kUnreadable ? 0 : 1; });
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
-TEST_F(PropertyFile, MissingFileIsAFailedOpen) {
+TEST_F(PropertyFile, MissingFileFailsOpen) {
   expectUnreadable("GetProperty CFReadStreamOpen error");
 }
 
-TEST_F(PropertyFile, FileThatMayNotBeReadIsAFailedOpen) {
+TEST_F(PropertyFile, UnreadableFileFailsOpen) {
   putDictionary("<key>Autorun</key><true/>");
   fs::permissions(file_, fs::perms(0));
   const auto finished = test_support::runForked([this] {
@@ -182,23 +182,23 @@ TEST_F(PropertyFile, FileThatMayNotBeReadIsAFailedOpen) {
   EXPECT_THAT(log_.messages(), testing::ElementsAre(error("GetProperty CFReadStreamOpen error")));
 }
 
-TEST_F(PropertyFile, DamagedFileIsNoPropertyList) {
+TEST_F(PropertyFile, DamagedFileFailsParsing) {
   write(file_, xmlList("<dict><key>Autorun</key>"));
   expectUnreadable("GetProperty CFPropertyListCreateWithStream error");
 }
 
-TEST_F(PropertyFile, EmptyFileIsNoPropertyList) {
+TEST_F(PropertyFile, EmptyFileFailsParsing) {
   write(file_, "");
   expectUnreadable("GetProperty CFPropertyListCreateWithStream error");
 }
 
-TEST_F(PropertyFile, RootThatIsNoDictionaryIsNoPropertyListToUs) {
+TEST_F(PropertyFile, OtherRootThanDictionaryFailsParsing) {
   write(file_, xmlList("<array><string>Autorun</string></array>"));
   expectUnreadable("GetProperty CFPropertyListCreateWithStream error");
 }
 
-TEST_F(PropertyFile, NoDescriptorStaysOpen) {
-  static_cast<void>(get("Autorun"));  // which opens the connection to the system log
+TEST_F(PropertyFile, LeaksNoDescriptor) {
+  static_cast<void>(get("Autorun"));  // opens the syslog connection
   const int before = test_support::openDescriptors();
   putDictionary("<key>Autorun</key><true/>");
   static_cast<void>(get("Autorun"));

@@ -18,7 +18,7 @@ namespace {
 
 using test_support::ExitStatus;
 
-TEST_F(Records, FolderThatIsAFileDropsTheRecordWithTheOpenersReport) {
+TEST_F(Records, FileInsteadOfFolderDropsRecordWithError) {
   fs::remove_all(kFolder);
   write(kFolder, "");
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Not a directory\n");
@@ -30,37 +30,37 @@ TEST_F(Records, FolderThatIsAFileDropsTheRecordWithTheOpenersReport) {
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
-TEST_F(Records, StartRecordThatCannotBeWrittenIsLoggedToo) {
+TEST_F(Records, FailedStartRecordIsAlsoLogged) {
   fs::remove_all(kFolder);
   write(kFolder, "");
   EXPECT_EQ(errorsOf(TvlWriteStartToFile), "open log failed: Not a directory\n");
   EXPECT_THAT(log_.messages(), testing::ElementsAre(error("data file open fail")));
 }
 
-TEST_F(Records, NoPlaceForFilesDropsTheRecord) {
+TEST_F(Records, WithoutHomeRecordIsDropped) {
   ::unsetenv("XDG_DATA_HOME");
   ::unsetenv("HOME");
   EXPECT_THAT(errorsOf(TvlWriteQuitToFile), StartsWith("open log failed: "));
 }
 
-TEST_F(Records, PipeInThePlaceOfTheFileIsNeitherWaitedForNorWritten) {
+TEST_F(Records, PipeAtItsPathIsNotWrittenAndDoesNotBlock) {
   ASSERT_EQ(::mkfifo(kToday, 0600), 0);
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Illegal seek\n");
 }
 
-TEST_F(Records, FolderInThePlaceOfTheFileDropsTheRecord) {
+TEST_F(Records, FolderAtItsPathDropsRecord) {
   fs::create_directory(kToday);
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Is a directory\n");
 }
 
-TEST_F(Records, PathBeyond128BytesWorks) {
+TEST_F(Records, AcceptPathBeyond128Bytes) {
   const std::string support = std::string(kSupport) + "/" + std::string(200, 'd');
   ::setenv("XDG_DATA_HOME", support.c_str(), 1);
   TvlWriteQuitToFile();
   EXPECT_THAT(contentsOf(support + "/Tovalin/Tovalin_2024_03_07.dat"), testing::EndsWith(kQuit));
 }
 
-TEST_F(Records, ReadOnlyFolderKeepsWhatIsThereAndDropsTheRecord) {
+TEST_F(Records, UnwritableFolderDropsRecord) {
   const auto finished = test_support::runForked([] {
     if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
     if (::access(kFolder, W_OK) == 0) return 100;
@@ -73,7 +73,7 @@ TEST_F(Records, ReadOnlyFolderKeepsWhatIsThereAndDropsTheRecord) {
   EXPECT_FALSE(fs::exists(kToday));
 }
 
-TEST_F(Records, NoDescriptorStaysOpen) {
+TEST_F(Records, LeakNoDescriptor) {
   const int before = test_support::openDescriptors();
   TvlWriteStartToFile();
   TvlWriteQuitToFile();
@@ -81,7 +81,7 @@ TEST_F(Records, NoDescriptorStaysOpen) {
   EXPECT_EQ(test_support::openDescriptors(), before);
 }
 
-TEST_F(Records, DeviceInThePlaceOfTheFileIsNotWritten) {
+TEST_F(Records, DeviceAtItsPathIsNotWritten) {
   const dev_t null = makedev(1, 3);
   if (::mknod(kToday, S_IFCHR | 0600, null) != 0) GTEST_SKIP() << "only root can make a device";
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Invalid argument\n");
@@ -90,7 +90,7 @@ TEST_F(Records, DeviceInThePlaceOfTheFileIsNotWritten) {
   EXPECT_EQ(node.st_mode, S_IFCHR | 0600U);
 }
 
-TEST_F(Records, WhatALinkInThePlaceOfTheFileLeadsToIsNotWritten) {
+TEST_F(Records, LinkAtItsPathIsNotFollowed) {
   fs::create_symlink("/tmp/somebody else's", kToday);
   for (const char* content : {"", "text"}) {
     std::ofstream("/tmp/somebody else's") << content;
@@ -99,7 +99,7 @@ TEST_F(Records, WhatALinkInThePlaceOfTheFileLeadsToIsNotWritten) {
   }
 }
 
-TEST_F(SmallDisk, RecordThatFitsInPartOnlyIsCutBackAndTheNextDaysGoOn) {
+TEST_F(SmallDisk, PartialRecordIsTruncatedAndLaterRecordsFollow) {
   TvlWriteQuitToFile();
   while (fs::file_size(kToday) + kQuitSize <= 4096) TvlWriteQuitToFile();
   const std::string before = contentsOf(kToday);
@@ -111,7 +111,7 @@ TEST_F(SmallDisk, RecordThatFitsInPartOnlyIsCutBackAndTheNextDaysGoOn) {
   EXPECT_EQ(contentsOf(kToday), before + kQuit);
 }
 
-TEST_F(SmallDisk, HeaderThatDoesNotFitLeavesAnEmptyFileThatGetsItsHeaderLater) {
+TEST_F(SmallDisk, HeaderBeyondDiskSpaceLeavesEmptyFileThatGetsItLater) {
   write("/tmp/support/Tovalin/ballast", std::string(4096, 'b'));
   EXPECT_THAT(errorsOf(TvlWriteStartToFile),
               testing::HasSubstr("write log failed: No space left on device\n"));
@@ -121,8 +121,8 @@ TEST_F(SmallDisk, HeaderThatDoesNotFitLeavesAnEmptyFileThatGetsItsHeaderLater) {
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
-// What stands in the file behind one header: how many quit records, and how many of the transfers that
-// `kBatch` makes. Nothing when anything else stands there.
+// The number of quit records and of `kBatch` transfers after one header. countRecords() returns nullopt for
+// any other content.
 struct Counts {
   int quits = 0;
   int batches = 0;
@@ -154,8 +154,8 @@ void writeBoth(int times) {
   }
 }
 
-// Two writers on a disk that a third one fills and frees, so that writes are cut short at any moment.
-TEST_F(SmallDisk, NoRecordIsTornWhileTheDiskIsFilledAndFreed) {
+// Two writers on a disk that another thread fills and frees, so that any write may be partial.
+TEST_F(SmallDisk, NoRecordIsTornWhileDiskIsFilledAndFreed) {
   fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");
   std::atomic<bool> ended = false;
   std::thread filler([&] {
@@ -179,14 +179,14 @@ TEST_F(SmallDisk, NoRecordIsTornWhileTheDiskIsFilledAndFreed) {
   EXPECT_EQ(whole, 300);
 }
 
-TEST_F(Records, TwoThreadsNeverMixWithinARecord) {
+TEST_F(Records, RecordsOfTwoThreadsDoNotInterleave) {
   std::thread other([] { writeBoth(500); });
   writeBoth(500);
   other.join();
   EXPECT_EQ(countRecords(contentsOf(kToday)), (Counts{1000, 1000}));
 }
 
-TEST_F(Records, TwoProcessesNeverMixWithinARecord) {
+TEST_F(Records, RecordsOfTwoProcessesDoNotInterleave) {
   const auto writer = [] {
     writeBoth(500);
     return 0;
@@ -198,7 +198,7 @@ TEST_F(Records, TwoProcessesNeverMixWithinARecord) {
   EXPECT_EQ(countRecords(contentsOf(kToday)), (Counts{1000, 1000}));
 }
 
-TEST_F(Records, WritersThatStartTogetherMakeOneHeader) {
+TEST_F(Records, ConcurrentFirstWritersWriteOneHeader) {
   for (int round = 0; round < 50; ++round) {
     fs::remove(kToday);
     const auto writer = [] {
@@ -213,14 +213,14 @@ TEST_F(Records, WritersThatStartTogetherMakeOneHeader) {
   }
 }
 
-// Nothing in the file is wrong but that its last record may have been cut off.
+// Returns true if the file has no damage except a truncated last record.
 bool readsUpToItsLastWholeRecord(const std::string& bytes) {
   tools::RecordReader reader(bytes);
   while (reader.next()) continue;
   return !reader.damage() || reader.damage()->offset == bytes.size();
 }
 
-TEST_F(Records, KilledAtAnyTimeLeavesAFileThatReadsUpToItsLastWholeRecord) {
+TEST_F(Records, KilledWriterLeavesFileReadableUpToLastCompleteRecord) {
   int killedInTheMiddle = 0;
   for (int attempt = 0; attempt < 200; ++attempt) {
     fs::remove(kToday);
@@ -228,7 +228,7 @@ TEST_F(Records, KilledAtAnyTimeLeavesAFileThatReadsUpToItsLastWholeRecord) {
       writeBoth(100'000);
       return 0;
     });
-    // Later and later, from before the first byte on.
+    // Each attempt kills the writer at a larger file size, starting before the first byte.
     const std::size_t enough = static_cast<std::size_t>(attempt) * 97;
     ASSERT_TRUE(test_support::waitUntil([&] {
       std::error_code none;

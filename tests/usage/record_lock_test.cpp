@@ -26,7 +26,7 @@ FileDescriptor heldLock(const char* path) {
   return file;
 }
 
-TEST_F(Records, LockHeldByAnotherWriterIsWaitedForOneSecondThenPassedBy) {
+TEST_F(Records, HeldLockIsAwaitedOneSecondThenRecordIsAppendedWithoutIt) {
   TvlWriteQuitToFile();
   const FileDescriptor other = heldLock(kLock);
   const FakeWaits waits;
@@ -35,7 +35,7 @@ TEST_F(Records, LockHeldByAnotherWriterIsWaitedForOneSecondThenPassedBy) {
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit + kQuit);
 }
 
-TEST_F(Records, EmptyFileWhileAnotherWriterHasTheLockGetsNoHeader) {
+TEST_F(Records, EmptyFileGetsNoHeaderWhileLockIsHeld) {
   write(kToday, "");
   const FileDescriptor other = heldLock(kLock);
   const FakeWaits waits;
@@ -44,21 +44,21 @@ TEST_F(Records, EmptyFileWhileAnotherWriterHasTheLockGetsNoHeader) {
   EXPECT_EQ(contentsOf(kToday), "");
 }
 
-TEST_F(Records, FreeLockIsNotWaitedFor) {
+TEST_F(Records, FreeLockIsNotAwaited) {
   const FakeWaits waits;
   TvlWriteQuitToFile();
   TvlWriteQuitToFile();
   EXPECT_EQ(waits.waited(), 0s);
 }
 
-TEST_F(Records, FileSystemWithoutLocksDelaysNoRecord) {
+TEST_F(Records, FileSystemWithoutLocksDoesNotDelayRecord) {
   const FakeWaits waits;
   ASSERT_TRUE(withRefusedCall(SYS_flock, ENOLCK, TvlWriteQuitToFile));
   EXPECT_EQ(waits.waited(), 0s);
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
-// A process of another user that holds a lock on the file that was opened while others could read it.
+// A process of another user that opened the file while it was readable for others and holds a lock on it.
 class LockOfAnotherUser {
  public:
   explicit LockOfAnotherUser(const char* path) {
@@ -92,7 +92,7 @@ class LockOfAnotherUser {
   bool isHeld_ = false;
 };
 
-TEST_F(Records, LockOfAnotherUserOnTheFileDelaysNoRecord) {
+TEST_F(Records, LockOfAnotherUserOnFileDoesNotDelayRecord) {
   fs::permissions(kFolder, fs::perms(0755));
   write(kToday, kHeader);
   fs::permissions(kToday, fs::perms(0644));
@@ -105,7 +105,7 @@ TEST_F(Records, LockOfAnotherUserOnTheFileDelaysNoRecord) {
   EXPECT_EQ(contentsOf(kToday).substr(0, kHeader.size() + kQuitSize), kHeader + kQuit);
 }
 
-TEST_F(Records, EmptyFileLockedByAnotherUserGetsItsHeaderWithoutAWait) {
+TEST_F(Records, EmptyFileLockedByAnotherUserGetsHeaderWithoutDelay) {
   write(kToday, "");
   fs::permissions(kToday, fs::perms(0644));
   const LockOfAnotherUser other(kToday);
@@ -116,7 +116,7 @@ TEST_F(Records, EmptyFileLockedByAnotherUserGetsItsHeaderWithoutAWait) {
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
-TEST_F(Records, LockFileThatAnotherUserMayHaveOpenedIsReplaced) {
+TEST_F(Records, LockFileAccessibleToAnotherUserIsReplaced) {
   const auto plant = [](const char* what) {
     fs::remove(kLock);
     write(kLock, "");
@@ -138,13 +138,13 @@ TEST_F(Records, LockFileThatAnotherUserMayHaveOpenedIsReplaced) {
   }
 }
 
-TEST_F(Records, LinkInThePlaceOfTheLockFileIsReplacedAndNotFollowed) {
+TEST_F(Records, LinkAtPathOfLockFileIsReplacedAndNotFollowed) {
   fs::create_symlink("/tmp/support/elsewhere", kLock);
   EXPECT_TRUE(lockUsageFiles(kFolder).valid());
   EXPECT_FALSE(fs::exists("/tmp/support/elsewhere"));
 }
 
-TEST_F(Records, WithoutALockFileRecordsAreAppendedToANonEmptyFileOnly) {
+TEST_F(Records, WithoutLockFileRecordsAreAppendedToNonEmptyFileOnly) {
   fs::create_directory(kLock);
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Is a directory\n");
   EXPECT_EQ(contentsOf(kToday), "");
@@ -153,14 +153,14 @@ TEST_F(Records, WithoutALockFileRecordsAreAppendedToANonEmptyFileOnly) {
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
 }
 
-TEST_F(Records, LockEndsWithTheRecord) {
+TEST_F(Records, LockIsReleasedAfterRecord) {
   TvlWriteQuitToFile();
   const FileDescriptor lock = heldLock(kLock);
   EXPECT_TRUE(lock.valid());
 }
 
-// The other writer's record has come behind the end that this one saw.
-TEST_F(SmallDisk, RecordThatFitsInPartOnlyWithoutTheLockLeavesTheOtherWritersRecord) {
+// The other writer appends its record after this one has determined the end of the file.
+TEST_F(SmallDisk, PartialRecordWithoutLockKeepsRecordOfOtherWriter) {
   write(kToday, kHeader);
   std::optional<UsageFile> passedBy;
   {

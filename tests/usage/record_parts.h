@@ -4,18 +4,19 @@
 #include <optional>
 #include <string>
 
-// This program's own bodies of the clock and of the bundle's version, linked in place of the agent's.
+// Fakes of the clock and of the bundle version, linked instead of the real functions. The clock functions are
+// thread-safe.
 namespace record_parts {
 
-// What the clock shows; steps only when a case steps it.
+// Sets the clock, which advances only through these calls.
 void setClock(const std::tm& now);
-// "2024-03-07 09:05:00"
+// Format of `now`: "2024-03-07 09:05:00".
 void setClock(const char* now);
 [[nodiscard]] std::tm clockAt(const char* now);
-// What the clock shows from the next noticeTimeZone on, as after a change of the system's time zone.
+// Sets the clock from the next noticeTimeZone() on, like a change of the system's time zone.
 void changeZoneTo(const char* now);
 
-// The bundle's version; nothing: it can't be had.
+// The bundle version; nullopt makes getBundleVersion() fail.
 extern std::optional<std::string> bundleVersion;
 
 }  // namespace record_parts

@@ -4,7 +4,7 @@
 
 namespace record_parts {
 
-// Where this program's own bodies of the server addresses say that the servers are.
+// Sets the results of the fake productServer() and testUploadServer().
 void setServers(const std::string& product, const std::string& testUpload);
 
 }  // namespace record_parts

@@ -37,7 +37,7 @@ ssize_t readReally(int descriptor, void* bytes, std::size_t size) {
   return ::syscall(SYS_read, descriptor, bytes, size);
 }
 
-// Gets the stored identifier into a buffer of 50 "#"; returns the buffer, and in `errors` what was reported.
+// Runs GetTovalinUUID() on a buffer of 50 "#". Returns the buffer, and in `errors` the error output.
 std::string fill(std::string& errors) {
   std::array<char, 50> buffer;
   buffer.fill('#');
@@ -46,7 +46,7 @@ std::string fill(std::string& errors) {
   return {buffer.data(), buffer.size()};
 }
 
-// Likewise the option, and in `errors` what was reported.
+// Returns GetTovalinServerOption(), and in `errors` the error output.
 int option(std::string& errors) {
   int value = -1;
   errors = errorsOf([&] { value = GetTovalinServerOption(); });
@@ -63,14 +63,14 @@ int sizeReally(int descriptor, struct stat* status) {
   return ::fstatat(descriptor, "", status, AT_EMPTY_PATH);
 }
 
-// The capture of what is reported asks for a size itself, later.
+// Fails once only, because the capture of the error output calls fstat() later.
 void refuseSizeOnce() {
   insteadOfFstat = [calls = 0](int descriptor, struct stat* status) mutable {
     return ++calls == 1 ? refuseSize(descriptor, status) : sizeReally(descriptor, status);
   };
 }
 
-// The first opening finds no descriptor, and the next one does.
+// The first open() fails with EMFILE, later ones succeed.
 void refuseToOpenOnce() {
   insteadOfOpen = [calls = 0](const char* path, int flags, mode_t mode) mutable -> int {
     if (++calls > 1) return static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
@@ -81,7 +81,7 @@ void refuseToOpenOnce() {
 
 const std::string kUntouched(50, '#');
 
-TEST_F(SettingsFault, IdentityThatEndsEarlyLeavesBufferAndFileAsTheyAre) {
+TEST_F(SettingsFault, IdentityWithEarlyEndOfFileKeepsBufferAndFile) {
   write(kIdentity, kStored);
   int calls = 0;
   insteadOfRead = [&](int descriptor, void* bytes, std::size_t) -> ssize_t {
@@ -93,7 +93,7 @@ TEST_F(SettingsFault, IdentityThatEndsEarlyLeavesBufferAndFileAsTheyAre) {
   EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
-TEST_F(SettingsFault, IdentityThatCannotBeReadIsReportedWithTheReason) {
+TEST_F(SettingsFault, FailedReadOfIdentityIsReportedWithErrno) {
   write(kIdentity, kStored);
   insteadOfRead = [](int, void*, std::size_t) -> ssize_t {
     errno = EIO;
@@ -105,7 +105,7 @@ TEST_F(SettingsFault, IdentityThatCannotBeReadIsReportedWithTheReason) {
   EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
-TEST_F(SettingsFault, IdentityThatComesInPiecesIsWhole) {
+TEST_F(SettingsFault, IdentityIsReadCompletelyInShortReads) {
   write(kIdentity, kStored);
   insteadOfRead = [](int descriptor, void* bytes, std::size_t) { return readReally(descriptor, bytes, 1); };
   std::string errors;
@@ -113,7 +113,7 @@ TEST_F(SettingsFault, IdentityThatComesInPiecesIsWhole) {
   EXPECT_EQ(errors, "");
 }
 
-TEST_F(SettingsFault, SignalDoesNotEndTheReadingOfTheIdentity) {
+TEST_F(SettingsFault, ReadOfIdentityIsRestartedAfterEintr) {
   write(kIdentity, kStored);
   int calls = 0;
   insteadOfRead = [&](int descriptor, void* bytes, std::size_t size) -> ssize_t {
@@ -125,7 +125,7 @@ TEST_F(SettingsFault, SignalDoesNotEndTheReadingOfTheIdentity) {
   EXPECT_EQ(errors, "");
 }
 
-TEST_F(SettingsFault, NoMemoryForTheIdentityLeavesBufferAndFileAsTheyAre) {
+TEST_F(SettingsFault, OutOfMemoryForIdentityKeepsBufferAndFile) {
   write(kIdentity, kStored);
   memoryIsShort = true;
   std::string errors;
@@ -134,7 +134,7 @@ TEST_F(SettingsFault, NoMemoryForTheIdentityLeavesBufferAndFileAsTheyAre) {
   EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
-TEST_F(SettingsFault, NoDescriptorStaysOpenAfterAFault) {
+TEST_F(SettingsFault, LeaksNoDescriptorAfterFault) {
   write(kIdentity, kStored);
   const int before = test_support::openDescriptors();
   insteadOfRead = [](int, void*, std::size_t) -> ssize_t { return 0; };
@@ -143,7 +143,7 @@ TEST_F(SettingsFault, NoDescriptorStaysOpenAfterAFault) {
   EXPECT_EQ(test_support::openDescriptors(), before);
 }
 
-TEST_F(SettingsFault, ServerOptionThatEndsEarlyMeansTheProductServer) {
+TEST_F(SettingsFault, ServerOptionWithEarlyEndOfFileSelectsProductServer) {
   write(kOption, "0");
   insteadOfRead = [](int, void*, std::size_t) -> ssize_t { return 0; };
   std::string errors;
@@ -152,7 +152,7 @@ TEST_F(SettingsFault, ServerOptionThatEndsEarlyMeansTheProductServer) {
   EXPECT_EQ(contentsOf(kOption), "0");
 }
 
-TEST_F(SettingsFault, ServerOptionThatCannotBeReadIsReportedWithTheReason) {
+TEST_F(SettingsFault, FailedReadOfServerOptionIsReportedWithErrno) {
   write(kOption, "0");
   insteadOfRead = [](int, void*, std::size_t) -> ssize_t {
     errno = EIO;
@@ -163,7 +163,7 @@ TEST_F(SettingsFault, ServerOptionThatCannotBeReadIsReportedWithTheReason) {
   EXPECT_EQ(errors, "file read failed: Input/output error\n");
 }
 
-TEST_F(SettingsFault, IdentityOfUnknownSizeIsKeptAndReported) {
+TEST_F(SettingsFault, FailedFstatOfIdentityIsReportedAndKeepsFile) {
   write(kIdentity, kStored);
   refuseSizeOnce();
   std::string errors;
@@ -172,7 +172,7 @@ TEST_F(SettingsFault, IdentityOfUnknownSizeIsKeptAndReported) {
   EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
-TEST_F(SettingsFault, IdentityThatCannotBeOpenedForNowIsKeptAndReported) {
+TEST_F(SettingsFault, EmfileForIdentityIsReportedAndKeepsFile) {
   write(kIdentity, kStored);
   refuseToOpenOnce();
   std::string errors;
@@ -181,7 +181,7 @@ TEST_F(SettingsFault, IdentityThatCannotBeOpenedForNowIsKeptAndReported) {
   EXPECT_EQ(contentsOf(kIdentity), kStored);
 }
 
-TEST_F(SettingsFault, WrongIdentityThatCannotBeOpenedForNowIsReplaced) {
+TEST_F(SettingsFault, EmfileForIdentityOfWrongLengthReplacesFile) {
   write(kIdentity, "wrong");
   refuseToOpenOnce();
   std::string errors;
@@ -190,7 +190,7 @@ TEST_F(SettingsFault, WrongIdentityThatCannotBeOpenedForNowIsReplaced) {
   EXPECT_EQ(contentsOf(kIdentity).size(), uuidTextLength);
 }
 
-TEST_F(SettingsFault, ServerOptionOfUnknownSizeIsKeptAndReported) {
+TEST_F(SettingsFault, FailedFstatOfServerOptionIsReportedAndKeepsFile) {
   write(kOption, "0");
   refuseSizeOnce();
   std::string errors;
@@ -199,7 +199,7 @@ TEST_F(SettingsFault, ServerOptionOfUnknownSizeIsKeptAndReported) {
   EXPECT_EQ(contentsOf(kOption), "0");
 }
 
-TEST_F(SettingsFault, ServerOptionThatCannotBeOpenedForNowIsKeptAndReported) {
+TEST_F(SettingsFault, EmfileForServerOptionIsReportedAndKeepsFile) {
   write(kOption, "0");
   refuseToOpenOnce();
   std::string errors;
@@ -211,8 +211,8 @@ TEST_F(SettingsFault, ServerOptionThatCannotBeOpenedForNowIsKeptAndReported) {
 using PastFileFault = SettingsFault;
 constexpr const char* kPastFile = "/tmp/support/Tovalin/Tovalin_2024_03_06.dat";
 
-// Each look at its size may be the one that fails.
-TEST_F(PastFileFault, FileOfUnknownSizeIsNotSentAsAnEmptyOne) {
+// Lets each of the fstat() calls fail in turn.
+TEST_F(PastFileFault, FailedFstatDoesNotReturnEmptyContents) {
   write(kPastFile, "records");
   for (int failing = 1; failing <= 3; ++failing) {
     insteadOfFstat = [calls = 0, failing](int descriptor, struct stat* status) mutable {
@@ -224,15 +224,15 @@ TEST_F(PastFileFault, FileOfUnknownSizeIsNotSentAsAnEmptyOne) {
   }
 }
 
-TEST_F(PastFileFault, SentFileThatMayHaveGrownIsKept) {
+TEST_F(PastFileFault, FailedLstatKeepsSentFile) {
   write(kPastFile, "records, and more");
   insteadOfLstat = [](const char*, struct stat*) { return errno = EACCES, -1; };
   removeSentFile({kPastFile, 7});
   EXPECT_EQ(contentsOf(kPastFile), "records, and more");
 }
 
-// Whoever could open a file between its creation and the change of its mode could keep it open.
-TEST_F(SettingsFault, FilesAndTheirFolderAreTheUsersAloneFromTheirCreationOn) {
+// Another user could open a file between its creation and a later chmod() and keep it open.
+TEST_F(SettingsFault, FilesAndFolderAreCreatedWithPrivateModes) {
   fs::remove_all(kFolder);
   std::vector<mode_t> files, folders;
   insteadOfOpen = [&](const char* path, int flags, mode_t mode) {

@@ -6,7 +6,7 @@
 
 namespace settings_test {
 
-// A disk of two pages for the application directory; the identifier takes one.
+// Mounts a tmpfs of two pages at the application directory; the identifier occupies one page.
 class SmallDisk : public Records {
  protected:
   void SetUp() override {

@@ -13,7 +13,7 @@ using test_support::ServedRequest;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
-TEST_F(UploadPass, RequestIsTheFormToTheByte) {
+TEST_F(UploadPass, RequestIsFormVerbatim) {
   const std::string bytes = "TVLD\0\r\n--\xff"s;
   write(inFolder(kYesterday), bytes);
   pass({});
@@ -36,13 +36,13 @@ TEST_F(UploadPass, RequestIsTheFormToTheByte) {
                 bytes + "\r\n--" + boundary + "--\r\n");
 }
 
-TEST_F(UploadPass, TodaysFileAloneSendsAndDeletesNothing) {
+TEST_F(UploadPass, TodaysFileIsNeitherSentNorDeleted) {
   EXPECT_EQ(pass({kTodaysName}), "");
   EXPECT_THAT(server_.requests(), IsEmpty());
   EXPECT_THAT(left(), ElementsAre(kTodaysName));
 }
 
-TEST_F(UploadPass, OfThreePastFilesTheTwoThatWereTakenAreDeleted) {
+TEST_F(UploadPass, OnlyAcceptedFilesAreDeleted) {
   server_.judgeUploads([](const ServedRequest& request) {
     return Reply{200, request.body.find("bytes of b.dat") != std::string::npos ? "\xff" : "OK"};
   });
@@ -51,7 +51,7 @@ TEST_F(UploadPass, OfThreePastFilesTheTwoThatWereTakenAreDeleted) {
   EXPECT_THAT(left(), UnorderedElementsAre("b.dat", kTodaysName));
 }
 
-TEST_F(UploadPass, FileThatWasNotTakenIsOfferedAgainAtTheNextPass) {
+TEST_F(UploadPass, RejectedFileIsSentAgainInNextPass) {
   server_.judgeUploads([](const ServedRequest&) { return Reply{200, "\xff"}; });
   pass({kYesterday});
   EXPECT_THAT(left(), ElementsAre(kYesterday));
@@ -61,7 +61,7 @@ TEST_F(UploadPass, FileThatWasNotTakenIsOfferedAgainAtTheNextPass) {
   EXPECT_EQ(server_.requests().size(), 2u);
 }
 
-TEST_F(UploadPass, AnyNameThatEndsInDatIsSentAndNoOther) {
+TEST_F(UploadPass, OnlyNamesEndingInDatAreSent) {
   pass({"notes.dat", ".dat", "NOTES.DAT", "dat", "a.dat.bak", "b.Dat", "c.data"});
   EXPECT_EQ(server_.requests().size(), 2u);
   EXPECT_THAT(left(), UnorderedElementsAre("NOTES.DAT", "dat", "a.dat.bak", "b.Dat", "c.data"));
@@ -75,7 +75,7 @@ TEST_F(UploadPass, EmptyFileIsSentAndDeleted) {
   EXPECT_THAT(left(), IsEmpty());
 }
 
-TEST_F(UploadPass, FileThatGrewWhileItWasSentIsKept) {
+TEST_F(UploadPass, FileThatGrewDuringUploadIsKept) {
   server_.judgeUploads([](const ServedRequest&) {
     std::ofstream(inFolder(kYesterday), std::ios::app) << "a late record";
     return Reply{};
@@ -84,13 +84,13 @@ TEST_F(UploadPass, FileThatGrewWhileItWasSentIsKept) {
   EXPECT_THAT(left(), ElementsAre(kYesterday));
 }
 
-TEST_F(UploadPass, RefusedConnectionKeepsTheFiles) {
+TEST_F(UploadPass, RefusedConnectionKeepsFiles) {
   record_parts::setServers(kNobody, kNobody);
   pass({"a.dat", "b.dat"});
   EXPECT_THAT(left(), UnorderedElementsAre("a.dat", "b.dat"));
 }
 
-TEST_F(UploadPass, OptionOtherThanOneMeansTheTestUploadServer) {
+TEST_F(UploadPass, OptionOtherThanOneSelectsTestUploadServer) {
   for (const int option : {0, 2, -1}) {
     delegate_.dataUploadURL = option;
     record_parts::setServers(kNobody, server_.origin());
@@ -100,25 +100,25 @@ TEST_F(UploadPass, OptionOtherThanOneMeansTheTestUploadServer) {
   EXPECT_EQ(server_.requests().size(), 3u);
 }
 
-TEST_F(UploadPass, OriginWithTlsIsSentToOverPlainHttp) {
+TEST_F(UploadPass, HttpsOriginIsSentOverHttp) {
   record_parts::setServers("https" + server_.origin().substr(4), kNobody);
   pass({kYesterday});
   EXPECT_THAT(left(), IsEmpty());
 }
 
-TEST_F(UploadPass, MissingFolderIsMadeAndGivesAnEmptyPass) {
+TEST_F(UploadPass, MissingFolderIsCreatedAndSendsNothing) {
   fs::remove_all(kSupport);
   EXPECT_TRUE(delegate_.TvlDataFileCheck());
   EXPECT_THAT(server_.requests(), IsEmpty());
 }
 
-TEST_F(UploadPass, FolderThatCannotBeHadGivesAnEmptyPass) {
+TEST_F(UploadPass, InvalidFolderSendsNothing) {
   fs::remove_all(kFolder);
   write(kFolder, "");
   EXPECT_TRUE(delegate_.TvlDataFileCheck());
 }
 
-TEST_F(UploadPass, WhatIsNoRegularFileIsNeitherWaitedForNorSentNorDeleted) {
+TEST_F(UploadPass, OtherThanRegularFileIsSkippedWithoutBlocking) {
   ASSERT_EQ(::mkfifo(inFolder("pipe.dat").c_str(), 0600), 0);
   fs::create_directory(inFolder("folder.dat"));
   fs::create_symlink("/dev/zero", inFolder("device.dat"));
@@ -128,7 +128,7 @@ TEST_F(UploadPass, WhatIsNoRegularFileIsNeitherWaitedForNorSentNorDeleted) {
   EXPECT_EQ(left().size(), 4u);
 }
 
-TEST_F(UploadPass, FileBeyondTheLimitIsKeptAndNotRead) {
+TEST_F(UploadPass, FileBeyondLimitIsKeptAndNotRead) {
   write(inFolder("large.dat"), "");
   fs::resize_file(inFolder("large.dat"), (std::uintmax_t{256} << 20) + 1);
   pass({});
@@ -136,7 +136,7 @@ TEST_F(UploadPass, FileBeyondTheLimitIsKeptAndNotRead) {
   EXPECT_THAT(left(), ElementsAre("large.dat"));
 }
 
-TEST_F(UploadPass, FileOfTheLimitIsReadWhole) {
+TEST_F(UploadPass, FileOfLimitSizeIsReadCompletely) {
   write(inFolder("large.dat"), "");
   fs::resize_file(inFolder("large.dat"), std::uintmax_t{256} << 20);
   const auto contents = contentsOfFile(inFolder("large.dat"));
@@ -144,7 +144,7 @@ TEST_F(UploadPass, FileOfTheLimitIsReadWhole) {
   EXPECT_EQ(contents->size(), std::size_t{256} << 20);
 }
 
-TEST_F(UploadPass, FileThatShrankWhileItWasSentIsDeleted) {
+TEST_F(UploadPass, FileThatShrankDuringUploadIsDeleted) {
   server_.judgeUploads([](const ServedRequest&) {
     fs::resize_file(inFolder(kYesterday), 3);
     return Reply{};
@@ -153,7 +153,7 @@ TEST_F(UploadPass, FileThatShrankWhileItWasSentIsDeleted) {
   EXPECT_TRUE(left().empty());
 }
 
-TEST_F(UploadPass, FileThatVanishesAfterTheListingIsPassedBy) {
+TEST_F(UploadPass, FileRemovedAfterListingIsSkipped) {
   server_.judgeUploads([](const ServedRequest&) {
     for (const char* name : {"a.dat", "b.dat", "c.dat"}) fs::remove(inFolder(name));
     return Reply{};
@@ -162,7 +162,7 @@ TEST_F(UploadPass, FileThatVanishesAfterTheListingIsPassedBy) {
   EXPECT_EQ(server_.requests().size(), 1u);
 }
 
-TEST_F(UploadPass, ReadOnlyFolderKeepsAFileThatWasSent) {
+TEST_F(UploadPass, ReadOnlyFolderKeepsSentFile) {
   write(inFolder(kYesterday), "bytes");
   ASSERT_EQ(::mount(kFolder, kFolder, nullptr, MS_BIND, nullptr), 0);
   ASSERT_EQ(::mount(nullptr, kFolder, nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr), 0);
@@ -196,8 +196,8 @@ long residentPages() {
   return resident;
 }
 
-TEST_F(UploadPass, TenThousandFilesAreSentWithMemoryAndDescriptorsAsTheyWere) {
-  // In a process of its own, whose memory is its own affair.
+TEST_F(UploadPass, TenThousandFilesAreSentWithoutLeak) {
+  // The server is a separate process, so that its memory does not count.
   test_support::ChildProcess server;
   test_support::ChildOptions quiet;
   quiet.output = test_support::Redirection::null();
@@ -217,7 +217,7 @@ TEST_F(UploadPass, TenThousandFilesAreSentWithMemoryAndDescriptorsAsTheyWere) {
   passOver(10'000);
   EXPECT_EQ(test_support::openDescriptors(), descriptors);
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
-  // The list of names takes some of it.
+  // Allows for the list of names.
   EXPECT_LE(residentPages(), before + 512);
 }
 

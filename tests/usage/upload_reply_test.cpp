@@ -22,7 +22,7 @@ struct Answer {
 
 class Answers : public UploadPass, public testing::WithParamInterface<Answer> {};
 
-TEST_P(Answers, KeepOrDeleteTheFile) {
+TEST_P(Answers, DecideWhetherFileIsDeleted) {
   server_.judgeUploads([](const ServedRequest&) { return Reply{GetParam().status, GetParam().body}; });
   const std::string said = pass({kYesterday});
   EXPECT_THAT(said, testing::EndsWith("] " + (GetParam().taken ? GetParam().body : "(null)") + "\n"));
@@ -47,7 +47,7 @@ struct Fault {
 
 class Faults : public UploadPass, public testing::WithParamInterface<Fault> {};
 
-TEST_P(Faults, KeepTheFile) {
+TEST_P(Faults, KeepFile) {
   const RawHttpServer server(GetParam().script);
   record_parts::setServers(server.url(""), kNobody);
   EXPECT_THAT(pass({kYesterday}), testing::EndsWith("] (null)\n"));
@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
               }}),
     [](const auto& test) { return test.param.what; });
 
-TEST_F(UploadPass, RedirectToAnotherSchemeIsNotEvenTried) {
+TEST_F(UploadPass, RedirectToOtherSchemeIsNotFollowed) {
   const RawHttpServer secure([](RawConnection& connection) { static_cast<void>(connection.waitForEnd()); });
   const RawHttpServer server(RawHttpServer::answer(
       "HTTP/1.1 307 Elsewhere\r\nLocation: " + secure.url("/", "https") + "\r\nContent-Length: 0\r\n\r\n"));
@@ -98,7 +98,7 @@ TEST_F(UploadPass, RedirectToAnotherSchemeIsNotEvenTried) {
   EXPECT_EQ(secure.connections(), 0u);
 }
 
-// A server that answers after the head of the request and then takes some more of it.
+// Sends a redirect after the request header, then reads 30 MiB of the body.
 RawHttpServer::Script redirectEarly(const std::string& place) {
   return [place](RawConnection& connection) {
     connection.readHead();
@@ -108,7 +108,7 @@ RawHttpServer::Script redirectEarly(const std::string& place) {
   };
 }
 
-TEST_F(UploadPass, RedirectBeforeTheEndOfTheUploadKeepsTheFileUntilTheTargetTakesIt) {
+TEST_F(UploadPass, EarlyRedirectKeepsFileUntilTargetAcceptsIt) {
   write(inFolder(kYesterday), std::string(std::size_t{40} << 20, 'b'));
   const RawHttpServer astray(redirectEarly("http://127.0.0.1:1/"));
   record_parts::setServers(astray.url(""), kNobody);
@@ -122,7 +122,7 @@ TEST_F(UploadPass, RedirectBeforeTheEndOfTheUploadKeepsTheFileUntilTheTargetTake
   EXPECT_TRUE(left().empty());
 }
 
-TEST_F(UploadPass, ReplyOfSixteenMegabytesIsTakenAndOneOfAByteMoreIsNot) {
+TEST_F(UploadPass, ReplyIsLimitedTo16Mebibytes) {
   for (const std::size_t more : {1u, 0u}) {
     server_.judgeUploads([&](const ServedRequest&) {
       return Reply{200, std::string((16u << 20) + more, 'x')};
@@ -132,7 +132,7 @@ TEST_F(UploadPass, ReplyOfSixteenMegabytesIsTakenAndOneOfAByteMoreIsNot) {
   }
 }
 
-TEST_F(UploadPass, ReplyOfUnknownContentCodingIsTaken) {
+TEST_F(UploadPass, ReplyOfUnknownContentCodingIsAccepted) {
   for (const char* coding : {"utf-8", "text", "8bit", "gzip"}) {
     const RawHttpServer server(
         RawHttpServer::answer(test_support::httpReply("OK", "Content-Encoding: "s + coding + "\r\n")));
@@ -142,13 +142,13 @@ TEST_F(UploadPass, ReplyOfUnknownContentCodingIsTaken) {
   }
 }
 
-TEST_F(UploadPass, LongReplyIsPrintedOnOneLineOfAThousandCharacters) {
+TEST_F(UploadPass, LongReplyIsPrintedOnOneLineOfThousandCharacters) {
   server_.judgeUploads([](const ServedRequest&) { return Reply{200, std::string(16u << 20, 'x')}; });
   EXPECT_THAT(pass({kYesterday}), testing::EndsWith("] " + std::string(999, 'x') + "\u2026\n"));
   EXPECT_TRUE(left().empty());
 }
 
-TEST_F(UploadPass, ControlsOfAReplyAreEscaped) {
+TEST_F(UploadPass, ControlCharactersOfReplyAreEscaped) {
   server_.judgeUploads([](const ServedRequest&) {
     return Reply{200, "\x1b]0;title\a\n2024-03-07 09:05:00.000 TovalinTray[1] forged\r\u202e"};
   });

@@ -30,7 +30,7 @@ constexpr UploadTick pass{.dateChanged = false, .passIsDue = true};
 
 class Tick : public testing::TestWithParam<TickCase> {};
 
-TEST_P(Tick, DecidesAsTheTableSays) {
+TEST_P(Tick, MatchesTable) {
   const TickCase& row = GetParam();
   EXPECT_EQ(uploadTick(at(row.stored), at(row.now), row.waiting), row.tick);
 }
@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
         TickCase{"LeapSecondNeverMatches", "2016-12-31 23:59:60", "2016-12-31 23:00:00", true, nothing}),
     [](const auto& test) { return test.param.what; });
 
-TEST(UploadTick, LeapSecondMatchesNoMinuteOfAnHour) {
+TEST(UploadTick, StoredLeapSecondMatchesNoMinute) {
   const std::tm stored = at("2016-12-31 23:59:60");
   for (int minute = 0; minute < 60; ++minute) {
     std::tm now = stored;
@@ -68,7 +68,7 @@ TEST(UploadTick, LeapSecondMatchesNoMinuteOfAnHour) {
   }
 }
 
-// How many passes the ticks of one night make, from 23:59:30 local time before `midnight` on, a minute apart.
+// Returns the number of upload passes in one night with a tick per minute, starting 30 s before `midnight`.
 int passesInTheNightOf(std::time_t midnight, int hours) {
   std::tm stored{};
   std::time_t now = midnight - 30;
@@ -92,23 +92,24 @@ int passesInTheNightOf(std::time_t midnight, int hours) {
   return passes;
 }
 
-// Clocks go forward at 2:00 on 31 March and back at 3:00 on 27 October 2024.
-TEST(UploadTick, OnePassInEachNightInWhichTheClocksChange) {
+// DST starts at 2:00 on 31 March and ends at 3:00 on 27 October 2024.
+TEST(UploadTick, DstChangeMakesOnePass) {
   ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
   ::tzset();
   EXPECT_EQ(passesInTheNightOf(1711839600, 6), 1);
   EXPECT_EQ(passesInTheNightOf(1729980000, 6), 1);
 }
 
-// Here midnight itself is skipped, and comes twice in autumn: the date then changes back and forth.
-TEST(UploadTick, ClocksThatChangeAtMidnightMakeNoMorePassesThanChangesOfDate) {
+// DST changes at midnight in this time zone. In spring midnight is skipped; in autumn the clock returns from
+// 0:00 to 23:00, so that the date changes back and forth.
+TEST(UploadTick, DstChangeAtMidnightMakesOnePass) {
   ::setenv("TZ", "XST3XDT,M10.3.0/0,M2.3.0/0", 1);
   ::tzset();
   EXPECT_EQ(passesInTheNightOf(1729393200, 6), 1);
   EXPECT_EQ(passesInTheNightOf(1708221600, 6), 1);
 }
 
-TEST(UploadAddress, IsPlainHttpWhateverTheOriginSays) {
+TEST(UploadAddress, IsHttpForAnyOrigin) {
   EXPECT_EQ(uploadAddress("https://www.tovalin.example"),
             "http://www.tovalin.example/product/nimba/userlog/postdata.php");
   EXPECT_EQ(uploadAddress("http://127.0.0.1:8090"),
@@ -116,7 +117,7 @@ TEST(UploadAddress, IsPlainHttpWhateverTheOriginSays) {
   EXPECT_EQ(uploadAddress("tovalin.example"), "http://tovalin.example/product/nimba/userlog/postdata.php");
 }
 
-TEST(UploadForm, IsTheFileAnd241BytesAroundIt) {
+TEST(UploadForm, AddsExactly241BytesAroundFile) {
   const std::string boundary = "---------------------------14737809831466499882746641449";
   ASSERT_EQ(boundary.size(), 56u);
   EXPECT_EQ(uploadContentType(), "Content-Type: multipart/form-data; boundary=" + boundary);
@@ -128,7 +129,7 @@ TEST(UploadForm, IsTheFileAnd241BytesAroundIt) {
   EXPECT_EQ(uploadBodyHead().size() + uploadBodyTail().size(), 241u);
 }
 
-TEST(UploadRequest, WaitsAMinuteForALifeSignAndTakesSixteenMegabytes) {
+TEST(UploadRequest, HasTimeoutOfOneMinuteAndReplyLimitOf16Mebibytes) {
   const UploadForm form;
   const std::string contents = "bytes";
   const auto request = uploadRequest("https://www.tovalin.example", form, contents);
@@ -143,7 +144,7 @@ TEST(UploadRequest, WaitsAMinuteForALifeSignAndTakesSixteenMegabytes) {
   EXPECT_EQ(request.body[1].data(), contents.data()) << "not copied";
 }
 
-TEST(Reply, TextCountsAsReceived) {
+TEST(Reply, Utf8IsAccepted) {
   for (const std::string& text :
        {""s, "OK"s, "\0"s, "\u00e9\u20ac\U0001f600"s,
         "\xef\xbb\xbf"
@@ -152,7 +153,7 @@ TEST(Reply, TextCountsAsReceived) {
     EXPECT_TRUE(isUtf8(text)) << testing::PrintToString(text);
 }
 
-TEST(Reply, BytesThatAreNoUtf8CountAsNone) {
+TEST(Reply, InvalidUtf8IsRejected) {
   for (const std::string& bytes :
        {"\xff"s, "OK\xfe"s, "\x80"s, "\xc3"s, "\xe2\x82"s, "\xf0\x9f\x98"s, "\xc0\x80"s, "\xc1\xbf"s,
         "\xe0\x80\xaf"s, "\xe0\x9f\xbf"s, "\xf0\x80\x80\xaf"s, "\xf0\x8f\xbf\xbf"s, "\xed\xa0\x80"s,

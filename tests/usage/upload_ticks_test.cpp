@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST_F(UploadPass, ThreadAtLaunchLeavesTheFlagCleared) {
+TEST_F(UploadPass, LaunchThreadClearsFlag) {
   delegate_.bTvlDataUpload = true;
   write(inFolder(kYesterday), "bytes");
   errorsOf([this] { delegate_.TvlDataFileUploadThread(); });
@@ -17,7 +17,7 @@ TEST_F(UploadPass, ThreadAtLaunchLeavesTheFlagCleared) {
   EXPECT_THAT(left(), IsEmpty());
 }
 
-TEST_F(UploadPass, ThreadAtLaunchAndTicksShareTheFlag) {
+TEST_F(UploadPass, LaunchThreadAndTicksShareFlag) {
   delegate_.strStartTime = record_parts::clockAt("2024-03-06 23:59:05");
   std::thread atLaunch([this] {
     for (int i = 0; i < 200; ++i) delegate_.TvlDataFileUploadThread();
@@ -27,7 +27,7 @@ TEST_F(UploadPass, ThreadAtLaunchAndTicksShareTheFlag) {
   EXPECT_THAT(left(), ElementsAre(kTodaysName));
 }
 
-// A minute's ticks with a clock that is stepped.
+// Simulates the 60 s ticks with the fake clock.
 class UploadTicks : public UploadPass {
  protected:
   void launchAt(const char* time) {
@@ -41,7 +41,7 @@ class UploadTicks : public UploadPass {
   }
 };
 
-TEST_F(UploadTicks, LaunchBeforeMidnightUploadsInTheMinuteOfItsSecond) {
+TEST_F(UploadTicks, LaunchBeforeMidnightUploadsInMinuteOfItsSecond) {
   launchAt("2024-03-06 23:59:30");
   tickAt("2024-03-07 00:00:30");
   EXPECT_EQ(contentsOf(inFolder(kTodaysName)), kHeader);
@@ -58,7 +58,7 @@ TEST_F(UploadTicks, LaunchBeforeMidnightUploadsInTheMinuteOfItsSecond) {
   EXPECT_EQ(server_.requests().size(), 1u);
 }
 
-TEST_F(UploadTicks, MissedMinuteComesRoundAgain) {
+TEST_F(UploadTicks, MissedMinuteIsRetriedNextHour) {
   launchAt("2024-03-06 23:59:30");
   tickAt("2024-03-07 00:00:30");
   tickAt("2024-03-07 07:12:30");
@@ -67,7 +67,7 @@ TEST_F(UploadTicks, MissedMinuteComesRoundAgain) {
   EXPECT_EQ(server_.requests().size(), 1u);
 }
 
-TEST_F(UploadTicks, FailedPassOfADayIsNotRepeatedBeforeTheNext) {
+TEST_F(UploadTicks, FailedPassIsNotRepeatedBeforeNextDay) {
   launchAt("2024-03-06 23:59:30");
   record_parts::setServers(kNobody, kNobody);
   tickAt("2024-03-07 00:00:00");
@@ -80,7 +80,7 @@ TEST_F(UploadTicks, FailedPassOfADayIsNotRepeatedBeforeTheNext) {
   EXPECT_THAT(left(), ElementsAre("Tovalin_2024_03_08.dat"));
 }
 
-TEST_F(UploadTicks, ZoneThatChangedWhileTheAgentRunsChangesTheDate) {
+TEST_F(UploadTicks, TimeZoneChangeChangesDate) {
   launchAt("2024-03-06 20:59:30");
   record_parts::changeZoneTo("2024-03-07 05:00:30");
   errorsOf([this] { delegate_.TvlCheckDataUpload(); });
@@ -89,7 +89,7 @@ TEST_F(UploadTicks, ZoneThatChangedWhileTheAgentRunsChangesTheDate) {
   EXPECT_EQ(contentsOf(inFolder(kTodaysName)), kHeader);
 }
 
-TEST_F(UploadTicks, FlagSetByNobodyMakesNoPass) {
+TEST_F(UploadTicks, WithoutFlagTickMakesNoPass) {
   launchAt("2024-03-07 09:05:06");
   write(inFolder(kYesterday), "bytes");
   tickAt("2024-03-07 10:06:06");

@@ -16,21 +16,21 @@ const std::string kQuit =
     "\x03\x13"
     "2024-03-07 09:05:00"s;
 
-TEST_F(Records, FirstWriteOfADayIsTheHeaderAndTheRecord) {
+TEST_F(Records, FirstWriteOfDayIsHeaderAndRecord) {
   EXPECT_EQ(errorsOf(TvlWriteStartToFile), "");
   EXPECT_EQ(contentsOf(kToday), kHeader + kStart);
   EXPECT_EQ(kHeader.size(), 66u + 5);
   EXPECT_EQ(kStart.size(), 31u + 5);
 }
 
-TEST_F(Records, SecondWriteOfADayAddsItsRecordOnly) {
+TEST_F(Records, SecondWriteOfDayAppendsRecordOnly) {
   TvlWriteStartToFile();
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "");
   TvlWriteQuitToFile();
   EXPECT_EQ(contentsOf(kToday), kHeader + kStart + kQuit + kQuit);
 }
 
-TEST_F(Records, EachKindOfRecordMakesTheHeaderWhenItIsTheFirst) {
+TEST_F(Records, EachKindOfRecordWritesHeaderIfFirst) {
   TvlWriteQuitToFile();
   EXPECT_EQ(contentsOf(kToday), kHeader + kQuit);
   fs::remove(kToday);
@@ -41,13 +41,13 @@ TEST_F(Records, EachKindOfRecordMakesTheHeaderWhenItIsTheFirst) {
   EXPECT_THAT(contentsOf(kToday), StartsWith(kHeader + "\x06"));
 }
 
-TEST_F(Records, OpeningTheDaysFileGivesItItsHeader) {
+TEST_F(Records, OpeningFileOfDayWritesHeader) {
   UsageFile file;
   EXPECT_TRUE(TvlDataOpenFile(file));
   EXPECT_EQ(contentsOf(kToday), kHeader);
 }
 
-TEST_F(Records, MissingFolderIsMadeWithTheFirstRecord) {
+TEST_F(Records, FirstRecordCreatesMissingFolder) {
   fs::remove_all(kSupport);
   EXPECT_EQ(errorsOf(TvlWriteStartToFile), "");
   const std::string identifier = contentsOf("/tmp/support/Tovalin/TovalinUUID.txt");
@@ -55,14 +55,14 @@ TEST_F(Records, MissingFolderIsMadeWithTheFirstRecord) {
   EXPECT_EQ(contentsOf(kToday), "TVLD2024-03-07\x00\x26{"s + identifier + "}" + kHeader.substr(54) + kStart);
 }
 
-TEST_F(Records, IdentifierThatCannotBeHadLeavesItsBracesAlone) {
+TEST_F(Records, MissingIdentifierLeavesEmptyBraces) {
   fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");
   fs::create_directory("/tmp/support/Tovalin/TovalinUUID.txt");
   TvlWriteQuitToFile();
   EXPECT_EQ(contentsOf(kToday), "TVLD2024-03-07\x00\x02{}"s + kHeader.substr(54) + kQuit);
 }
 
-TEST_F(Records, VersionThatCannotBeHadIsZeroAndLoggedByEachWriterThatWantedIt) {
+TEST_F(Records, MissingVersionIsZeroAndLoggedByEachWriter) {
   bundleVersion.reset();
   TvlWriteStartToFile();
   const std::string version =
@@ -74,7 +74,7 @@ TEST_F(Records, VersionThatCannotBeHadIsZeroAndLoggedByEachWriterThatWantedIt) {
               testing::ElementsAre(error(" 0etBundleVersion fail"), error(" 0etBundleVersion fail")));
 }
 
-TEST_F(Records, EmptyVersionIsAnItemOfLengthZero) {
+TEST_F(Records, EmptyVersionHasLengthZero) {
   bundleVersion = "";
   TvlWriteStartToFile();
   const std::string version =
@@ -83,7 +83,7 @@ TEST_F(Records, EmptyVersionIsAnItemOfLengthZero) {
   EXPECT_EQ(contentsOf(kToday), kHeader.substr(0, 56) + version + version + kStart.substr(15));
 }
 
-TEST_F(Records, VersionOfSixteenCharactersIsCutToFifteen) {
+TEST_F(Records, VersionIsTruncatedToFifteenCharacters) {
   bundleVersion = "1234567890.23456";
   TvlWriteStartToFile();
   EXPECT_THAT(contentsOf(kToday), testing::EndsWith("\x01\x0f"
@@ -101,7 +101,7 @@ struct DeviceCase {
 
 class DeviceEvents : public Records, public testing::WithParamInterface<DeviceCase> {};
 
-TEST_P(DeviceEvents, AreWrittenByteForByte) {
+TEST_P(DeviceEvents, AreWrittenVerbatim) {
   EXPECT_EQ(errorsOf([] { TvlGetCollectData(deviceEvent(GetParam().command, GetParam().name)); }), "");
   EXPECT_EQ(contentsOf(kToday), kHeader + GetParam().record);
 }
@@ -148,12 +148,12 @@ TEST_P(UnknownCommands, WriteNothing) {
 INSTANTIATE_TEST_SUITE_P(Records, UnknownCommands,
                          testing::Values(1u, 2u, 5u, 0x03000000u, 0x100u, 0xffffffffu));
 
-TEST_F(Records, DeviceEventOfAnotherCommandIsNotWritten) {
+TEST_F(Records, DeviceEventOfOtherCommandIsNotWritten) {
   for (const std::uint32_t command : {0u, 1u, 2u, 5u}) TvlWriteMountDataToFile(deviceEvent(command, "Pad"));
   EXPECT_FALSE(fs::exists(kToday));
 }
 
-TEST_F(Records, TransfersOfBothKindsInOneMessage) {
+TEST_F(Records, TransfersOfBothKindsInOneMessageAreWritten) {
   TvlGetCollectData(transfers(
       {{1, "\x01\x02\x03\x04\x05\x06\x07\x08", "jpg"}, {2, "\x00\x00\x00\x80\xff\x00\x00\x00"s, "mp4"}}));
   EXPECT_EQ(contentsOf(kToday), kHeader +
@@ -161,7 +161,7 @@ TEST_F(Records, TransfersOfBothKindsInOneMessage) {
                                     "\x07\x08\x00\x00\x00\x80\xff\x00\x00\x00\x03mp4"s);
 }
 
-TEST_F(Records, EntryOfAnotherKindTakesTheCodeOfTheOneBefore) {
+TEST_F(Records, EntryOfUnknownKindHasCodeOfPreviousEntry) {
   const std::string size = "12345678";
   TvlGetCollectData(
       transfers({{2, size, "a"}, {3, size, "b"}, {0xffffffff, size, "c"}, {1, size, "d"}, {0, size, "e"}}));
@@ -183,7 +183,7 @@ TEST_F(Records, EntryOfAnotherKindTakesTheCodeOfTheOneBefore) {
                                     "e"s);
 }
 
-TEST_F(Records, CodeIsNotCarriedOverFromOneMessageToTheNext) {
+TEST_F(Records, CodeIsNotCarriedOverToNextMessage) {
   TvlGetCollectData(transfers({{2, "12345678", "a"}}));
   TvlGetCollectData(transfers({{9, "12345678", "b"}}));
   EXPECT_THAT(contentsOf(kToday), testing::EndsWith("\x06\x08"
@@ -191,14 +191,14 @@ TEST_F(Records, CodeIsNotCarriedOverFromOneMessageToTheNext) {
                                                     "b"s));
 }
 
-TEST_F(Records, EntryWithoutANameIsElevenBytes) {
+TEST_F(Records, EntryWithoutNameHasElevenBytes) {
   TvlGetCollectData(transfers({{1, "12345678", ""}}));
   EXPECT_EQ(contentsOf(kToday), kHeader +
                                     "\x06\x08"
                                     "12345678\x00"s);
 }
 
-TEST_F(Records, EntryNameBeyondItsFieldIsCutAndDoesNotReachIntoTheNextEntry) {
+TEST_F(Records, EntryNameIsLimitedToItsField) {
   Message message = transfers({{1, "12345678", ""}, {1, "12345678", "next"}});
   message.put(18 + 12, "0123456789");
   TvlGetCollectData(message);
@@ -224,7 +224,7 @@ TEST_F(Records, ThirtyEntriesAreAllWritten) {
 
 class WrongCounts : public Records, public testing::WithParamInterface<std::uint32_t> {};
 
-TEST_P(WrongCounts, DropTheMessageWithoutMakingTheFile) {
+TEST_P(WrongCounts, DropMessageWithoutCreatingFile) {
   const Message message = Message(0).putInteger(14, GetParam());
   EXPECT_THAT(errorsOf([&] { TvlGetCollectData(message); }), StartsWith("data count wrong!!: "));
   EXPECT_FALSE(fs::exists(kToday));
@@ -232,14 +232,14 @@ TEST_P(WrongCounts, DropTheMessageWithoutMakingTheFile) {
 
 INSTANTIATE_TEST_SUITE_P(Records, WrongCounts, testing::Values(0u, 31u, 0x10000u, 0x80000000u, 0xffffffffu));
 
-TEST_F(Records, MessageFullOfOnesIsReadWithinItsBounds) {
+TEST_F(Records, MessageOfFfBytesIsReadWithinBounds) {
   Message message(0);
   message.fill(7, '\xff').putInteger(10, 0).putInteger(14, 30);
   TvlGetCollectData(message);
   EXPECT_EQ(contentsOf(kToday).size(), kHeader.size() + 30UL * (11 + 9));
 }
 
-TEST_F(Records, AreSplitAtMidnightOfTheYearsEnd) {
+TEST_F(Records, AreSplitAtMidnightOfNewYear) {
   setClock("2024-12-31 23:59:59");
   TvlWriteQuitToFile();
   setClock("2025-01-01 00:00:00");
@@ -252,7 +252,7 @@ TEST_F(Records, AreSplitAtMidnightOfTheYearsEnd) {
                                                                            "2025-01-01 00:00:00");
 }
 
-TEST_F(Records, LeapSecondHasNineteenCharactersToo) {
+TEST_F(Records, LeapSecondHasNineteenCharacters) {
   setClock("2016-12-31 23:59:60");
   TvlWriteQuitToFile();
   EXPECT_THAT(contentsOf("/tmp/support/Tovalin/Tovalin_2016_12_31.dat"),

@@ -20,15 +20,15 @@ TEST(SplitAtEach, EmptyTextIsOneEmptyPiece) {
   EXPECT_THAT(splitAtEach("", "."), ElementsAre(""));
 }
 
-TEST(SplitAtEach, SeparatorsAtTheEndsGiveEmptyPieces) {
+TEST(SplitAtEach, SeparatorsAtEndsYieldEmptyPieces) {
   EXPECT_THAT(splitAtEach(".1.", "."), ElementsAre("", "1", ""));
 }
 
-TEST(SplitAtEach, SeparatorsInARowGiveEmptyPieces) {
+TEST(SplitAtEach, AdjacentSeparatorsYieldEmptyPieces) {
   EXPECT_THAT(splitAtEach("1..2", "."), ElementsAre("1", "", "2"));
 }
 
-TEST(SplitAtEach, EveryCharacterOfTheSetSeparates) {
+TEST(SplitAtEach, EveryCharacterOfSetSeparates) {
   EXPECT_THAT(splitAtEach("Version 12 (bookworm)", " ()"), ElementsAre("Version", "12", "", "bookworm", ""));
 }
 
@@ -48,7 +48,7 @@ void PrintTo(const Number& number, std::ostream* stream) {
 
 class IntegerValue : public testing::TestWithParam<Number> {};
 
-TEST_P(IntegerValue, IsWhatTheTextBeginsWith) {
+TEST_P(IntegerValue, IsLeadingNumberOfText) {
   EXPECT_EQ(integerValue(GetParam().text), GetParam().value);
 }
 

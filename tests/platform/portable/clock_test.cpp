@@ -7,13 +7,13 @@
 
 namespace {
 
-// Hours that the clock shows beyond those of universal time.
+// Returns the UTC offset of the current local time in whole hours.
 int hoursAhead() {
   const std::tm local = platform::currentLocalTime();
   return static_cast<int>(local.tm_gmtoff / 3600);
 }
 
-TEST(Clock, ShowsTheLocalTime) {
+TEST(Clock, ReturnsLocalTime) {
   const std::time_t before = std::time(nullptr);
   std::tm shown = platform::currentLocalTime();
   const std::time_t after = std::time(nullptr);
@@ -22,7 +22,7 @@ TEST(Clock, ShowsTheLocalTime) {
   EXPECT_LE(time, after);
 }
 
-TEST(Clock, FollowsAZoneThatWasChangedOnceItIsNoticed) {
+TEST(Clock, NoticeTimeZoneAppliesChangedTz) {
   ::setenv("TZ", "FAR-9", 1);
   platform::noticeTimeZone();
   EXPECT_EQ(hoursAhead(), 9);

@@ -31,7 +31,7 @@ std::optional<std::string> decoded(const std::string& body, std::string_view cod
   return withoutContentCodings(body, codings, kLimit);
 }
 
-TEST(ContentCoding, BytesOfAnyKindComeBack) {
+TEST(ContentCoding, EncodedBytesRoundTrip) {
   std::string bytes;
   for (int i = 0; i < 99'999; ++i) bytes += static_cast<char>(i * 7 + i / 256);
   for (const std::string& body : {std::string(), std::string(1, '\0'), bytes}) {
@@ -41,13 +41,13 @@ TEST(ContentCoding, BytesOfAnyKindComeBack) {
   }
 }
 
-TEST(ContentCoding, BodyOfEachIsNotTakenForTheOther) {
+TEST(ContentCoding, BodyOfOtherCodingIsUnchanged) {
   EXPECT_THAT(decoded(gzip(kText), "deflate"), Optional(gzip(kText)));
   EXPECT_THAT(decoded(zlib(kText), "gzip"), Optional(zlib(kText)));
   EXPECT_THAT(decoded(rawDeflate(kText), "gzip"), Optional(rawDeflate(kText)));
 }
 
-TEST(ContentCoding, NotNamedIsNotUndone) {
+TEST(ContentCoding, UnnamedOrUnknownCodingIsNotDecoded) {
   for (const char* codings :
        {"", "identity", "utf-8", "gzipped", "gzi", "zgzip", "x-deflate", "gzip;q=0", "g zip"})
     EXPECT_THAT(decoded(gzip(kText), codings), Optional(gzip(kText))) << codings;
@@ -64,7 +64,7 @@ TEST(ContentCoding, TruncatedBodyIsUnchanged) {
   }
 }
 
-TEST(ContentCoding, BodyOfAWrongCheckSumIsUnchanged) {
+TEST(ContentCoding, BodyWithWrongChecksumIsUnchanged) {
   for (const auto& [whole, coding] :
        {std::pair<std::string, const char*>(gzip(kText), "gzip"), {zlib(kText), "deflate"}}) {
     std::string body = whole;
@@ -73,23 +73,23 @@ TEST(ContentCoding, BodyOfAWrongCheckSumIsUnchanged) {
   }
 }
 
-TEST(ContentCoding, MembersOfGzipAreJoined) {
+TEST(ContentCoding, GzipMembersAreConcatenated) {
   EXPECT_THAT(decoded(gzip("a") + gzip("") + gzip("b"), "gzip"), Optional(std::string("ab")));
 }
 
-TEST(ContentCoding, TruncatedMemberLeavesTheWholeBodyUnchanged) {
+TEST(ContentCoding, TruncatedMemberLeavesWholeBodyUnchanged) {
   const std::string body = gzip("a") + gzip("b").substr(0, 15);
   EXPECT_THAT(decoded(body, "gzip"), Optional(body));
 }
 
-TEST(ContentCoding, BytesBehindAWholeStreamAreIgnored) {
+TEST(ContentCoding, BytesAfterCompleteStreamAreIgnored) {
   for (const std::string& behind : {std::string("\n"), std::string(512, '\0'), std::string("garbage")}) {
     EXPECT_THAT(decoded(gzip(kText) + behind, "gzip"), Optional(kText));
     EXPECT_THAT(decoded(zlib(kText) + behind, "deflate"), Optional(kText));
   }
 }
 
-TEST(ContentCoding, BytesBehindAMemberThatAreNoHeaderOfAnotherAreIgnored) {
+TEST(ContentCoding, BytesAfterMemberWithoutGzipHeaderAreIgnored) {
   const std::string behind[] = {"\x1f",
                                 "\x1f\x8b",
                                 "\x1f\x8b\x08",
@@ -100,7 +100,7 @@ TEST(ContentCoding, BytesBehindAMemberThatAreNoHeaderOfAnotherAreIgnored) {
     EXPECT_THAT(decoded(gzip("a") + gzip("b") + bytes, "gzip"), Optional(std::string("ab")));
 }
 
-TEST(ContentCoding, DamagedMemberLeavesTheWholeBodyUnchanged) {
+TEST(ContentCoding, DamagedMemberLeavesWholeBodyUnchanged) {
   std::string body = gzip("a") + gzip("b");
   body.back() ^= 1;
   EXPECT_THAT(decoded(body, "gzip"), Optional(body));
@@ -108,14 +108,14 @@ TEST(ContentCoding, DamagedMemberLeavesTheWholeBodyUnchanged) {
   EXPECT_THAT(decoded(gzip("a") + header + "garbage", "gzip"), Optional(gzip("a") + header + "garbage"));
 }
 
-TEST(ContentCoding, TextThatBeginsLikeRawDeflateIsUnchanged) {
+TEST(ContentCoding, TextResemblingRawDeflateIsUnchanged) {
   const std::string body = rawDeflate(kText) + "behind";
   EXPECT_THAT(decoded(body, "deflate"), Optional(body));
   for (const char* text : {"success", "saved", "OK", "<html></html>", "{}", "0", "ko"})
     EXPECT_THAT(decoded(text, "deflate"), Optional(std::string(text)));
 }
 
-TEST(ContentCoding, SeveralAreUndoneFromTheLastToTheFirst) {
+TEST(ContentCoding, SeveralCodingsAreDecodedInReverseOrder) {
   EXPECT_THAT(decoded(zlib(gzip(kText)), "gzip, deflate"), Optional(kText));
   EXPECT_THAT(decoded(zlib(gzip(kText)), "deflate, gzip"), Optional(gzip(kText)));
   EXPECT_THAT(decoded(gzip(gzip(kText)), "gzip,x-gzip"), Optional(kText));
@@ -123,7 +123,7 @@ TEST(ContentCoding, SeveralAreUndoneFromTheLastToTheFirst) {
   EXPECT_THAT(decoded(zlib(gzip(kText)), " ,gzip,,\tutf-8 , deflate,"), Optional(kText));
 }
 
-TEST(ContentCoding, FiveAreUndoneAndNoMore) {
+TEST(ContentCoding, MoreThanFiveCodingsAreNotDecoded) {
   std::string body = kText;
   std::string codings;
   for (int i = 0; i < 5; ++i, codings += "gzip,") body = gzip(body);
@@ -132,7 +132,7 @@ TEST(ContentCoding, FiveAreUndoneAndNoMore) {
   EXPECT_THAT(decoded(body, "utf-8,text," + codings + "8bit"), Optional(kText));
 }
 
-TEST(ContentCoding, LimitIsForEachStep) {
+TEST(ContentCoding, LimitAppliesToEachStep) {
   const std::string within(kLimit, 'x');
   const std::string over(kLimit + 1, 'x');
   for (const char* coding : {"gzip", "deflate"}) {
@@ -145,13 +145,13 @@ TEST(ContentCoding, LimitIsForEachStep) {
   EXPECT_EQ(decoded(gzip(gzip(over)), "gzip, gzip"), std::nullopt);
 }
 
-TEST(ContentCoding, BombWithADamagedEndIsStillTooLong) {
+TEST(ContentCoding, DamagedBombExceedsLimit) {
   std::string bomb = gzip(std::string(kLimit * 100, 'x'));
   bomb.back() ^= 1;
   EXPECT_EQ(decoded(bomb, "gzip"), std::nullopt);
 }
 
-TEST(ContentCoding, ManyEmptyMembersAndNamesTakeNoTime) {
+TEST(ContentCoding, ManyEmptyMembersAndNamesAreDecodedQuickly) {
   std::string members;
   for (const std::string member = gzip(""); members.size() < std::size_t{16} << 20;) members += member;
   std::string names;

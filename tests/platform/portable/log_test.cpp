@@ -47,34 +47,34 @@ std::string errorsOf(Call call) {
   return errors.end();
 }
 
-TEST_F(Log, SystemLogTakesErrorsAndProgressAtTheirPriorities) {
+TEST_F(Log, SystemLogMapsErrorAndInfoToSyslogPriorities) {
   platform::systemLog(LogPriority::Error, "an error");
   platform::systemLog(LogPriority::Info, "progress");
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_ERR, "an error"), entry(LOG_INFO, "progress")));
 }
 
-TEST_F(Log, SystemLogTakesPercentSignsAsTheyStand) {
+TEST_F(Log, SystemLogDoesNotInterpretPercentSigns) {
   platform::systemLog(LogPriority::Error, "100% %s%n%d %m %%");
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_ERR, "100% %s%n%d %m %%")));
 }
 
-TEST_F(Log, SystemLogTakesForeignLettersAndBrokenOnes) {
+TEST_F(Log, SystemLogPassesNonAsciiAndInvalidUtf8) {
   platform::systemLog(LogPriority::Info, "\u00e4\u65e5\xff");
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "\u00e4\u65e5\xff")));
 }
 
-TEST_F(Log, SystemLogTakesNoMoreThanTheViewShows) {
+TEST_F(Log, SystemLogRespectsLengthOfStringView) {
   platform::systemLog(LogPriority::Info, std::string_view("shown, not shown").substr(0, 5));
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, "shown")));
 }
 
-TEST_F(Log, SystemLogTakesALongTextWhole) {
+TEST_F(Log, SystemLogDoesNotTruncateLongText) {
   const std::string text(8000, 'x');
   platform::systemLog(LogPriority::Info, text);
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_INFO, text)));
 }
 
-TEST_F(Log, SystemLogBearsTheIdentityThatWasOpened) {
+TEST_F(Log, SystemLogUsesIdentityOfOpenlog) {
   ::openlog("TovalinTray", LOG_PID, LOG_USER);
   platform::systemLog(LogPriority::Info, "text");
   ::closelog();
@@ -83,18 +83,18 @@ TEST_F(Log, SystemLogBearsTheIdentityThatWasOpened) {
                   .priority = LOG_INFO, .facility = LOG_USER, .ident = "TovalinTray", .text = "text"}));
 }
 
-TEST_F(Log, SystemLogWritesNothingOnTheStreams) {
+TEST_F(Log, SystemLogWritesNothingToStandardStreams) {
   StreamCapture output(STDOUT_FILENO);
   EXPECT_EQ(errorsOf([] { platform::systemLog(LogPriority::Error, "text"); }), "");
   EXPECT_EQ(output.end(), "");
 }
 
-TEST(LogWithoutAListener, SystemLogIsSilentlyLost) {
+TEST(LogWithoutSyslogSocket, SystemLogIsDiscardedSilently) {
   EXPECT_FALSE(std::filesystem::exists("/dev/log"));
   EXPECT_EQ(errorsOf([] { platform::systemLog(LogPriority::Error, "text"); }), "");
 }
 
-TEST_F(Log, ErrorLogAddsTheWordsForTheError) {
+TEST_F(Log, ErrorLogAppendsErrnoText) {
   const std::string errors = errorsOf([] {
     errno = ENOENT;
     platform::errorLog("create file failed");
@@ -103,7 +103,7 @@ TEST_F(Log, ErrorLogAddsTheWordsForTheError) {
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
-TEST_F(Log, ErrorLogWithoutAnErrorSaysSuccess) {
+TEST_F(Log, ErrorLogWithErrnoZeroAppendsSuccess) {
   const std::string errors = errorsOf([] {
     errno = 0;
     platform::errorLog("text");
@@ -111,7 +111,7 @@ TEST_F(Log, ErrorLogWithoutAnErrorSaysSuccess) {
   EXPECT_EQ(errors, "text: Success\n");
 }
 
-TEST_F(Log, ErrorLogTakesPercentSignsAsTheyStand) {
+TEST_F(Log, ErrorLogDoesNotInterpretPercentSigns) {
   const std::string errors = errorsOf([] {
     errno = EACCES;
     platform::errorLog("%s 100%");
@@ -119,7 +119,7 @@ TEST_F(Log, ErrorLogTakesPercentSignsAsTheyStand) {
   EXPECT_EQ(errors, "%s 100%: Permission denied\n");
 }
 
-TEST_F(Log, ConsoleLogHasTimeProgramAndProcessBeforeTheText) {
+TEST_F(Log, ConsoleLogPrefixesTimeProgramAndProcessId) {
   const std::string line = errorsOf([] { platform::consoleLog("the %s text"); });
   EXPECT_THAT(line,
               MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3} TovalinTray\\[" +
@@ -127,7 +127,7 @@ TEST_F(Log, ConsoleLogHasTimeProgramAndProcessBeforeTheText) {
   EXPECT_THAT(log_.messages(), IsEmpty());
 }
 
-TEST_F(Log, ConsoleLogTellsTheLocalTime) {
+TEST_F(Log, ConsoleLogUsesLocalTime) {
   const auto finished = test_support::runForked([] {
     ::setenv("TZ", "XYZ-5:30", 1);
     ::tzset();
@@ -141,7 +141,7 @@ TEST_F(Log, ConsoleLogTellsTheLocalTime) {
   EXPECT_LT(std::abs(::timegm(&local) - kEastOfGreenwich - before), 60);
 }
 
-TEST_F(Log, LinesOfSeveralThreadsNeverMix) {
+TEST_F(Log, LinesOfConcurrentThreadsDoNotInterleave) {
   constexpr int kThreads = 4;
   constexpr int kLines = 500;
   const std::string text(200, '=');
@@ -161,7 +161,7 @@ TEST_F(Log, LinesOfSeveralThreadsNeverMix) {
   EXPECT_EQ(count, kThreads * kLines);
 }
 
-TEST_F(Log, ClosedStandardErrorDisturbsNobody) {
+TEST_F(Log, ClosedStandardErrorIsIgnored) {
   const auto finished = test_support::runForked([] {
     ::close(STDERR_FILENO);
     platform::consoleLog("text");
@@ -171,7 +171,7 @@ TEST_F(Log, ClosedStandardErrorDisturbsNobody) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 5});
 }
 
-TEST_F(Log, FatalErrorSaysItOnBothChannelsAndEndsWithOne) {
+TEST_F(Log, FatalErrorWritesToStderrAndSyslogAndExitsWithOne) {
   const auto finished =
       test_support::runForked([]() -> int { platform::fatalError("can't go on: 100% %s"); });
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
@@ -180,7 +180,7 @@ TEST_F(Log, FatalErrorSaysItOnBothChannelsAndEndsWithOne) {
   EXPECT_THAT(log_.messages(), ElementsAre(entry(LOG_ERR, "can't go on: 100% %s")));
 }
 
-TEST_F(Log, FatalErrorLosesNoOutput) {
+TEST_F(Log, FatalErrorFlushesStandardOutput) {
   const auto finished = test_support::runForked([]() -> int {
     std::fputs("not yet written", stdout);
     platform::fatalError("text");
@@ -188,7 +188,7 @@ TEST_F(Log, FatalErrorLosesNoOutput) {
   EXPECT_EQ(finished.output, "not yet written");
 }
 
-TEST_F(Log, FatalErrorRunsNoExitHandlersUnderLivingThreads) {
+TEST_F(Log, FatalErrorRunsNoExitHandlers) {
   const auto finished = test_support::runForked([]() -> int {
     std::atexit([] { std::puts("exit handler ran"); });
     platform::fatalError("text");

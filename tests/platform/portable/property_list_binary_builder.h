@@ -7,14 +7,14 @@
 
 namespace property_list_support {
 
-// Puts together a binary list from objects that are written out byte by byte, and can lie about each number
-// in it.
+// Builds a binary property list from objects given as bytes. The told* members replace values of the trailer
+// with false ones.
 struct BinaryList {
   std::vector<std::string> objects;
   unsigned offsetSize = 2;
   unsigned referenceSize = 1;
   std::uint64_t topObject = 0;
-  // What the last bytes tell where it is not the truth.
+  // Trailer values that override the correct ones.
   std::optional<std::uint64_t> toldObjects = {};
   std::optional<std::uint64_t> toldTable = {};
   std::optional<unsigned> toldOffsetSize = {};
@@ -44,7 +44,7 @@ struct BinaryList {
   }
 };
 
-// A list of one object.
+// Returns a list whose only object is `object`.
 inline std::string binaryOf(const std::string& object) {
   return BinaryList{.objects = {object}}.build();
 }

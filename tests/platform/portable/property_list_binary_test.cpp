@@ -16,27 +16,27 @@ using platform::propertyListMaxObjects;
 
 // {Active = true; Autorun = false;}
 const std::string settings = bytes({
-    'b',  'p', 'l', 'i', 's', 't', '0', '0',  // the form and its version
-    0xD2, 1,   2,   3,   4,                   // 8: a dictionary of two: the keys, then the values
-    0x56, 'A', 'c', 't', 'i', 'v', 'e',       // 13: six characters
-    0x57, 'A', 'u', 't', 'o', 'r', 'u', 'n',  // 20: seven characters
+    'b',  'p', 'l', 'i', 's', 't', '0', '0',  // magic and version
+    0xD2, 1,   2,   3,   4,                   // 8: a dictionary of two entries: keys, then values
+    0x56, 'A', 'c', 't', 'i', 'v', 'e',       // 13: six ASCII characters
+    0x57, 'A', 'u', 't', 'o', 'r', 'u', 'n',  // 20: seven ASCII characters
     0x09,                                     // 28: true
     0x08,                                     // 29: false
-    8,    13,  20,  28,  29,                  // 30: where the five objects are
+    8,    13,  20,  28,  29,                  // 30: table with the offsets of the five objects
     0,    0,   0,   0,   0,   0,              // unused
-    1,                                        // bytes of an offset
-    1,                                        // bytes of a reference
-    0,    0,   0,   0,   0,   0,   0,   5,    // objects
-    0,    0,   0,   0,   0,   0,   0,   0,    // the top one
-    0,    0,   0,   0,   0,   0,   0,   30,   // where the offsets are
+    1,                                        // size of an offset in bytes
+    1,                                        // size of a reference in bytes
+    0,    0,   0,   0,   0,   0,   0,   5,    // number of objects
+    0,    0,   0,   0,   0,   0,   0,   0,    // index of the top object
+    0,    0,   0,   0,   0,   0,   0,   30,   // offset of the offset table
 });
 
-TEST(BinaryPropertyList, ASettingsFileIsRead) {
+TEST(BinaryPropertyList, ReadsSettingsFile) {
   EXPECT_EQ(parse(settings), PropertyList(PropertyList::Dictionary{{"Active", PropertyList(true)},
                                                                    {"Autorun", PropertyList(false)}}));
 }
 
-TEST(BinaryPropertyList, LaterMinorVersionsAreRead) {
+TEST(BinaryPropertyList, ReadsLaterMinorVersions) {
   std::string list = settings;
   list[7] = '1';
   EXPECT_TRUE(parse(list));
@@ -44,7 +44,7 @@ TEST(BinaryPropertyList, LaterMinorVersionsAreRead) {
   EXPECT_FALSE(parse(list));
 }
 
-TEST(BinaryPropertyList, SinglesAreReadAsWhatTheyAre) {
+TEST(BinaryPropertyList, ReadsNullAndBooleans) {
   EXPECT_EQ(parse(binaryOf(bytes({0x08}))), PropertyList(false));
   EXPECT_EQ(parse(binaryOf(bytes({0x09}))), PropertyList(true));
   const auto null = parse(binaryOf(bytes({0x00})));
@@ -53,26 +53,26 @@ TEST(BinaryPropertyList, SinglesAreReadAsWhatTheyAre) {
   EXPECT_EQ(null->as<bool>(), nullptr);
 }
 
-TEST(BinaryPropertyList, KindsThatNobodyKnowsAreUnreadable) {
+TEST(BinaryPropertyList, UnknownMarkerIsUnreadable) {
   for (const unsigned marker : {0x01U, 0x07U, 0x0AU, 0x0FU, 0x15U, 0x1FU, 0x20U, 0x21U, 0x24U, 0x30U, 0x32U,
                                 0x70U, 0x90U, 0xB0U, 0xE0U, 0xF0U, 0xFFU}) {
     EXPECT_FALSE(parse(binaryOf(bytes({marker}) + std::string(40, '\0')))) << std::hex << marker;
   }
 }
 
-TEST(BinaryPropertyList, ShortIntegersHaveNoSign) {
+TEST(BinaryPropertyList, IntegersOfOneToFourBytesAreUnsigned) {
   EXPECT_EQ(parse(binaryOf(bytes({0x10, 0xFF}))), number(255));
   EXPECT_EQ(parse(binaryOf(bytes({0x11, 0xFF, 0xFE}))), number(65534));
   EXPECT_EQ(parse(binaryOf(bytes({0x12, 0xFF, 0xFF, 0xFF, 0xFF}))), number(4294967295));
 }
 
-TEST(BinaryPropertyList, IntegersOfEightBytesHaveASign) {
+TEST(BinaryPropertyList, IntegersOfEightBytesAreSigned) {
   EXPECT_EQ(parse(binaryOf(bytes({0x13, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE}))), number(-2));
   EXPECT_EQ(parse(binaryOf(bytes({0x13, 0x80, 0, 0, 0, 0, 0, 0, 0}))),
             number(std::numeric_limits<std::int64_t>::min()));
 }
 
-TEST(BinaryPropertyList, IntegersOfSixteenBytesAreReadWhenTheyFit) {
+TEST(BinaryPropertyList, IntegersOfSixteenBytesAreReadIfTheyFitInt64) {
   const std::string zeros(8, '\0'), ones(8, '\xFF');
   const std::string small = bytes({0, 0, 0, 0, 0, 0, 0, 5}), high = bytes({0x80, 0, 0, 0, 0, 0, 0, 0});
   EXPECT_EQ(parse(binaryOf('\x14' + zeros + small)), number(5));
@@ -82,7 +82,7 @@ TEST(BinaryPropertyList, IntegersOfSixteenBytesAreReadWhenTheyFit) {
   EXPECT_FALSE(parse(binaryOf('\x14' + small + small)));
 }
 
-TEST(BinaryPropertyList, RealsHaveFourOrEightBytes) {
+TEST(BinaryPropertyList, ReadsRealsOfFourAndEightBytes) {
   EXPECT_EQ(parse(binaryOf(bytes({0x22, 0x3F, 0xC0, 0, 0}))), PropertyList(1.5));
   EXPECT_EQ(parse(binaryOf(bytes({0x23, 0xBF, 0xF8, 0, 0, 0, 0, 0, 0}))), PropertyList(-1.5));
   const auto list = parse(binaryOf(bytes({0x23, 0x7F, 0xF8, 0, 0, 0, 0, 0, 0})));
@@ -90,12 +90,12 @@ TEST(BinaryPropertyList, RealsHaveFourOrEightBytes) {
   EXPECT_TRUE(std::isnan(*list->as<double>()));
 }
 
-TEST(BinaryPropertyList, DatesAreSecondsSinceTheYear2001) {
+TEST(BinaryPropertyList, DatesAreSecondsSince2001) {
   EXPECT_EQ(parse(binaryOf(bytes({0x33, 0xC0, 0x4E, 0, 0, 0, 0, 0, 0}))),
             PropertyList(PropertyList::Date{-60}));
 }
 
-TEST(BinaryPropertyList, DataIsTakenAsItStands) {
+TEST(BinaryPropertyList, DataIsReadVerbatim) {
   EXPECT_EQ(parse(binaryOf(bytes({0x40}))), dataOf(""));
   EXPECT_EQ(parse(binaryOf(bytes({0x43, 0, 0xFF, 'a'}))), dataOf(std::string_view("\0\xFF"
                                                                                   "a",
@@ -109,21 +109,21 @@ TEST(BinaryPropertyList, TextIsAsciiOrUtf16) {
             text("\xC3\xA9\xF0\x9F\x98\x80"));
 }
 
-TEST(BinaryPropertyList, TextOutsideItsEncodingIsUnreadable) {
+TEST(BinaryPropertyList, TextInvalidInItsEncodingIsUnreadable) {
   EXPECT_FALSE(parse(binaryOf(bytes({0x51, 0xE9}))));
   EXPECT_FALSE(parse(binaryOf(bytes({0x61, 0xD8, 0x3D}))));
   EXPECT_FALSE(parse(binaryOf(bytes({0x62, 0xD8, 0x3D, 0, 'a'}))));
   EXPECT_FALSE(parse(binaryOf(bytes({0x61, 0xDE, 0x00}))));
 }
 
-TEST(BinaryPropertyList, ACountBeyondFourteenFollowsAsAnInteger) {
+TEST(BinaryPropertyList, CountAboveFourteenIsReadFromFollowingInteger) {
   const std::string letters = "abcdefghijklmno";
   EXPECT_EQ(parse(binaryOf(bytes({0x5F, 0x10, 15}) + letters)), text(letters));
   EXPECT_EQ(parse(binaryOf(bytes({0x5F, 0x11, 0, 15}) + letters)), text(letters));
   EXPECT_EQ(parse(binaryOf(bytes({0x4F, 0x13, 0, 0, 0, 0, 0, 0, 0, 15}) + letters)), dataOf(letters));
 }
 
-TEST(BinaryPropertyList, ACountThatIsNoIntegerIsUnreadable) {
+TEST(BinaryPropertyList, CountOfOtherTypeIsUnreadable) {
   const std::string letters(300, 'a');
   EXPECT_FALSE(parse(binaryOf(bytes({0x5F, 0x20, 15}) + letters)));
   EXPECT_FALSE(
@@ -133,7 +133,7 @@ TEST(BinaryPropertyList, ACountThatIsNoIntegerIsUnreadable) {
   EXPECT_FALSE(parse(binaryOf(bytes({0x5F, 0x13, 0, 0}))));
 }
 
-TEST(BinaryPropertyList, CountsBeyondTheListAreUnreadable) {
+TEST(BinaryPropertyList, CountBeyondEndOfListIsUnreadable) {
   const std::array<std::string, 6> counts = {
       bytes({0x10, 0xFF}),
       bytes({0x12, 0x7F, 0xFF, 0xFF, 0xFF}),
@@ -149,7 +149,7 @@ TEST(BinaryPropertyList, CountsBeyondTheListAreUnreadable) {
   }
 }
 
-TEST(BinaryPropertyList, AnObjectMayNotReachIntoTheOffsets) {
+TEST(BinaryPropertyList, ObjectOverlappingOffsetTableIsUnreadable) {
   EXPECT_TRUE(parse(binaryOf(bytes({0x52, 'a', 'b'}))));
   EXPECT_FALSE(parse(binaryOf(bytes({0x53, 'a', 'b'}))));
   EXPECT_FALSE(parse(binaryOf(bytes({0x62, 0, 'a', 0}))));
@@ -158,7 +158,7 @@ TEST(BinaryPropertyList, AnObjectMayNotReachIntoTheOffsets) {
   EXPECT_FALSE(parse(binaryOf(bytes({0x13, 0, 0, 0, 0, 0, 0, 0}))));
 }
 
-TEST(BinaryPropertyList, AUidIsADictionary) {
+TEST(BinaryPropertyList, UidIsReadAsDictionary) {
   EXPECT_EQ(parse(binaryOf(bytes({0x80, 7}))), single("CF$UID", number(7)));
   EXPECT_EQ(parse(binaryOf(bytes({0x83, 0xFF, 0xFF, 0xFF, 0xFF}))), single("CF$UID", number(4294967295)));
   EXPECT_EQ(parse(binaryOf(bytes({0x87, 0, 0, 0, 0, 0, 0, 1, 0}))), single("CF$UID", number(256)));
@@ -166,13 +166,13 @@ TEST(BinaryPropertyList, AUidIsADictionary) {
   EXPECT_FALSE(parse(binaryOf(bytes({0x8F}) + std::string(16, '\0'))));
 }
 
-TEST(BinaryPropertyList, ArraysAndSetsKeepTheirOrder) {
+TEST(BinaryPropertyList, ArraysAndSetsKeepOrder) {
   const BinaryList list{
       .objects = {bytes({0xA3, 1, 2, 1}), bytes({0x51, 'a'}), bytes({0xC1, 3}), bytes({0x51, 'b'})}};
   EXPECT_EQ(parse(list.build()), listOf({text("a"), listOf({text("b")}), text("a")}));
 }
 
-TEST(BinaryPropertyList, ReferencesAndOffsetsMayBeWide) {
+TEST(BinaryPropertyList, ReadsReferencesAndOffsetsOfUpToEightBytes) {
   for (const unsigned size : {1u, 2u, 3u, 4u, 7u, 8u}) {
     const std::string reference = BinaryList::bigEndian(1, size);
     const BinaryList list{
@@ -181,25 +181,25 @@ TEST(BinaryPropertyList, ReferencesAndOffsetsMayBeWide) {
   }
 }
 
-TEST(BinaryPropertyList, TheTopObjectNeedNotBeTheFirst) {
+TEST(BinaryPropertyList, TopObjectNeedNotBeFirst) {
   EXPECT_EQ(parse(BinaryList{.objects = {bytes({0x09}), bytes({0xA1, 0})}, .topObject = 1}.build()),
             listOf({PropertyList(true)}));
 }
 
-TEST(BinaryPropertyList, OfEqualKeysTheFirstCounts) {
+TEST(BinaryPropertyList, FirstOfEqualKeysIsUsed) {
   const BinaryList list{.objects = {bytes({0xD2, 1, 2, 3, 4}), bytes({0x51, 'a'}), bytes({0x61, 0, 'a'}),
                                     bytes({0x09}), bytes({0x08})}};
   EXPECT_EQ(parse(list.build()), single("a", PropertyList(true)));
 }
 
-TEST(BinaryPropertyList, AKeyThatIsNoStringIsUnreadable) {
+TEST(BinaryPropertyList, KeyOfOtherTypeThanStringIsUnreadable) {
   for (const std::string& key : {bytes({0x09}), bytes({0x10, 1}), bytes({0x41, 'a'}), bytes({0x80, 1}),
                                  bytes({0xA0}), bytes({0x00})}) {
     EXPECT_FALSE(parse(BinaryList{.objects = {bytes({0xD1, 1, 2}), key, bytes({0x09})}}.build()));
   }
 }
 
-TEST(BinaryPropertyList, ReferencesToNoObjectAreUnreadable) {
+TEST(BinaryPropertyList, ReferenceOutOfRangeIsUnreadable) {
   EXPECT_FALSE(parse(BinaryList{.objects = {bytes({0xA1, 1})}}.build()));
   EXPECT_FALSE(parse(BinaryList{.objects = {bytes({0xA1, 0xFF})}}.build()));
   EXPECT_FALSE(parse(BinaryList{.objects = {'\xA1' + std::string(8, '\xFF')}, .referenceSize = 8}.build()));
@@ -207,7 +207,7 @@ TEST(BinaryPropertyList, ReferencesToNoObjectAreUnreadable) {
   EXPECT_FALSE(parse(BinaryList{.objects = {bytes({0x09})}, .topObject = UINT64_MAX}.build()));
 }
 
-TEST(BinaryPropertyList, OffsetsOutsideTheObjectsAreUnreadable) {
+TEST(BinaryPropertyList, OffsetOutsideObjectsIsUnreadable) {
   const auto withOffset = [](char offset) {
     std::string list = BinaryList{.objects = {bytes({0x09})}, .offsetSize = 1}.build();
     list[9] = offset;
@@ -220,7 +220,7 @@ TEST(BinaryPropertyList, OffsetsOutsideTheObjectsAreUnreadable) {
   EXPECT_FALSE(parse(withOffset('\xFF')));
 }
 
-TEST(BinaryPropertyList, LastBytesThatLieAreUnreadable) {
+TEST(BinaryPropertyList, FalseTrailerValuesAreUnreadable) {
   const BinaryList honest{.objects = {bytes({0x09})}};
   const auto lying = [&](auto change) {
     BinaryList list = honest;
@@ -244,14 +244,14 @@ TEST(BinaryPropertyList, LastBytesThatLieAreUnreadable) {
   }
 }
 
-TEST(BinaryPropertyList, AListThatHoldsItselfIsUnreadable) {
+TEST(BinaryPropertyList, CyclicReferenceIsUnreadable) {
   EXPECT_FALSE(parse(binaryOf(bytes({0xA1, 0}))));
   EXPECT_FALSE(parse(binaryOf(bytes({0xC2, 0, 0}))));
   EXPECT_FALSE(parse(BinaryList{.objects = {bytes({0xD1, 1, 0}), bytes({0x51, 'a'})}}.build()));
   EXPECT_FALSE(parse(BinaryList{.objects = {bytes({0xA2, 1, 1}), bytes({0xA2, 0, 0})}}.build()));
 }
 
-// So many arrays, each in the one before it.
+// Returns a list of `depth` arrays, each nested in the previous one.
 std::string nested(std::size_t depth) {
   BinaryList list{.objects = {}, .referenceSize = 2};
   for (std::size_t i = 1; i < depth; ++i) list.objects.push_back('\xA1' + BinaryList::bigEndian(i, 2));
@@ -259,7 +259,7 @@ std::string nested(std::size_t depth) {
   return list.build();
 }
 
-TEST(BinaryPropertyList, ContainersNestUpToTheBound) {
+TEST(BinaryPropertyList, NestingIsLimitedToMaxDepth) {
   EXPECT_TRUE(parse(nested(propertyListMaxDepth)));
   EXPECT_FALSE(parse(nested(propertyListMaxDepth + 1)));
   EXPECT_FALSE(parse(nested(10'000)));
@@ -273,14 +273,14 @@ std::string arrayOfTrue(std::size_t count) {
       .build();
 }
 
-TEST(BinaryPropertyList, ObjectsAreCountedUpToTheBound) {
+TEST(BinaryPropertyList, ObjectsAreLimitedToMaxObjects) {
   EXPECT_TRUE(parse(arrayOfTrue(propertyListMaxObjects - 1)));
   EXPECT_FALSE(parse(arrayOfTrue(propertyListMaxObjects)));
   EXPECT_FALSE(parse(arrayOfTrue(1'000'000)));
 }
 
-TEST(BinaryPropertyList, SharedObjectsAreCountedEachTime) {
-  // Ten levels of four references each: a million strings from a few bytes.
+TEST(BinaryPropertyList, SharedObjectIsCountedForEachReference) {
+  // Ten levels of four references each expand to a million strings.
   BinaryList list;
   for (unsigned level = 1; level <= 10; ++level)
     list.objects.push_back(bytes({0xA4, level, level, level, level}));
@@ -288,7 +288,7 @@ TEST(BinaryPropertyList, SharedObjectsAreCountedEachTime) {
   EXPECT_FALSE(parse(list.build()));
 }
 
-TEST(BinaryPropertyList, SharedTextIsCountedEachTime) {
+TEST(BinaryPropertyList, SharedTextIsCountedForEachReference) {
   const auto shared = [](std::size_t size, std::size_t times) {
     return BinaryList{
         .objects = {bytes({0xAF, 0x11}) + BinaryList::bigEndian(times, 2) + std::string(times, '\1'),
@@ -301,7 +301,7 @@ TEST(BinaryPropertyList, SharedTextIsCountedEachTime) {
   EXPECT_FALSE(parse(shared(propertyListMaxBytes / 8, 10'000)));
 }
 
-TEST(BinaryPropertyList, SharedDataIsCountedEachTime) {
+TEST(BinaryPropertyList, SharedDataIsCountedForEachReference) {
   const auto shared = [](std::size_t size, std::size_t times) {
     return BinaryList{
         .objects = {bytes({0xAF, 0x11}) + BinaryList::bigEndian(times, 2) + std::string(times, '\1'),
@@ -314,7 +314,7 @@ TEST(BinaryPropertyList, SharedDataIsCountedEachTime) {
   EXPECT_FALSE(parse(shared(propertyListMaxBytes / 8, 1'000)));
 }
 
-TEST(BinaryPropertyList, SharedKeysAreCountedEachTime) {
+TEST(BinaryPropertyList, SharedKeyIsCountedForEachReference) {
   const auto shared = [](std::size_t size, std::size_t times) {
     return BinaryList{
         .objects = {bytes({0xDF, 0x11}) + BinaryList::bigEndian(times, 2) + std::string(times, '\1') +
@@ -330,7 +330,7 @@ TEST(BinaryPropertyList, SharedKeysAreCountedEachTime) {
   EXPECT_FALSE(parse(shared(1, propertyListMaxObjects / 2)));
 }
 
-TEST(BinaryPropertyList, SharedUidsAreCountedAsThreeObjectsEachTime) {
+TEST(BinaryPropertyList, SharedUidIsCountedAsThreeObjectsForEachReference) {
   const auto shared = [](std::size_t times) {
     return BinaryList{
         .objects = {bytes({0xAF, 0x11}) + BinaryList::bigEndian(times, 2) + std::string(times, '\1'),
@@ -342,7 +342,7 @@ TEST(BinaryPropertyList, SharedUidsAreCountedAsThreeObjectsEachTime) {
   EXPECT_FALSE(parse(shared((propertyListMaxObjects - 1) / 3 + 1)));
 }
 
-TEST(BinaryPropertyList, TextIsCountedAsUtf8) {
+TEST(BinaryPropertyList, TextSizeIsCountedInUtf8) {
   const auto letters = [](std::size_t count) {
     return BinaryList{
         .objects = {bytes({0x6F, 0x12}) + BinaryList::bigEndian(count, 4) + repeated("\x4E\x01", count)},
@@ -353,7 +353,7 @@ TEST(BinaryPropertyList, TextIsCountedAsUtf8) {
   EXPECT_FALSE(parse(letters(propertyListMaxBytes / 3 + 1)));
 }
 
-TEST(BinaryPropertyList, AListWithoutRoomForItsLastBytesIsUnreadable) {
+TEST(BinaryPropertyList, ListShorterThanItsTrailerIsUnreadable) {
   EXPECT_FALSE(parse("bplist0"));
   EXPECT_FALSE(parse("bplist00"));
   EXPECT_FALSE(parse("bplist00" + std::string(31, '\0')));

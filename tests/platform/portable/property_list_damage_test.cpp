@@ -12,7 +12,7 @@ struct Sample {
   std::string list;
 };
 
-// Each ends with the last byte that it needs.
+// No sample has optional trailing bytes: every proper prefix must differ from the whole.
 std::string xmlSample() {
   return "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
          "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
@@ -54,13 +54,13 @@ std::string stringsSample() {
   return "\"a\" = \"b\\\"\"; /* c */ d = e; \"f\";";
 }
 
-class Damage : public testing::TestWithParam<Sample> {};
+class DamagedPropertyList : public testing::TestWithParam<Sample> {};
 
-TEST_P(Damage, TheWholeListIsRead) {
+TEST_P(DamagedPropertyList, CompleteListIsRead) {
   EXPECT_TRUE(parse(GetParam().list));
 }
 
-TEST_P(Damage, NoStartOfTheListIsReadAsAll) {
+TEST_P(DamagedPropertyList, PrefixIsNeverReadAsCompleteList) {
   const std::string& list = GetParam().list;
   const auto whole = parse(list);
   for (std::size_t size = 0; size < list.size(); ++size) {
@@ -68,7 +68,7 @@ TEST_P(Damage, NoStartOfTheListIsReadAsAll) {
   }
 }
 
-TEST_P(Damage, AnyOtherByteInAnyPlaceIsSurvived) {
+TEST_P(DamagedPropertyList, ReplacedByteDoesNotCrash) {
   std::string list = GetParam().list;
   const auto whole = parse(list);
   std::size_t noticed = 0;
@@ -83,7 +83,7 @@ TEST_P(Damage, AnyOtherByteInAnyPlaceIsSurvived) {
   EXPECT_GT(noticed, list.size() * 255 / 4);
 }
 
-TEST_P(Damage, AnyMissingByteIsSurvived) {
+TEST_P(DamagedPropertyList, RemovedByteDoesNotCrash) {
   const std::string& list = GetParam().list;
   const auto whole = parse(list);
   std::size_t noticed = 0;
@@ -93,7 +93,7 @@ TEST_P(Damage, AnyMissingByteIsSurvived) {
   EXPECT_GT(noticed, list.size() / 4);
 }
 
-INSTANTIATE_TEST_SUITE_P(AllForms, Damage,
+INSTANTIATE_TEST_SUITE_P(AllForms, DamagedPropertyList,
                          testing::Values(Sample{"Xml", xmlSample()}, Sample{"WideXml", wideXmlSample()},
                                          Sample{"Binary", binarySample()}, Sample{"OldText", oldTextSample()},
                                          Sample{"Strings", stringsSample()}),

@@ -50,7 +50,8 @@ class PropertyListFile : public testing::Test {
                          std::filesystem::directory_iterator());
   }
 
-  // Whether `check` holds in a process of a user without rights. 2: there is no such user to become here.
+  // Runs `check` in a child process with the uid and gid 65534. Returns 0 if it returns true, 1 if it returns
+  // false, 2 if the child cannot change its uid or gid, -1 if a signal ends the child.
   static int asOrdinaryUser(const std::function<bool()>& check) {
     constexpr uid_t nobody = 65534;
     const pid_t child = ::fork();
@@ -68,21 +69,21 @@ class PropertyListFile : public testing::Test {
   std::ptrdiff_t descriptors_ = 0;
 };
 
-TEST_F(PropertyListFile, AListIsRead) {
+TEST_F(PropertyListFile, ReadsList) {
   const Result result = readPropertyListFile(write("settings.plist", settingsText));
   EXPECT_EQ(result, Result(PropertyList(PropertyList::Dictionary{{"Autorun", PropertyList(true)}})));
 }
 
-TEST_F(PropertyListFile, AListBehindALinkIsRead) {
+TEST_F(PropertyListFile, FollowsSymbolicLink) {
   ASSERT_EQ(::symlink(write("settings.plist", settingsText).c_str(), path("link").c_str()), 0);
   EXPECT_TRUE(std::holds_alternative<PropertyList>(readPropertyListFile(path("link"))));
 }
 
-TEST_F(PropertyListFile, NamesMayBeOfAnyCharacters) {
+TEST_F(PropertyListFile, FileNameMayContainAnyCharacter) {
   EXPECT_EQ(readPropertyListFile(write("\xC3\xA9 %s\n.plist", "a")), Result(text("a")));
 }
 
-TEST_F(PropertyListFile, AFileThatTellsNoSizeIsRead) {
+TEST_F(PropertyListFile, ReadsFileOfReportedSizeZero) {
   struct stat status {};
   ASSERT_EQ(::stat("/proc/self/comm", &status), 0);
   ASSERT_EQ(status.st_size, 0);
@@ -91,14 +92,14 @@ TEST_F(PropertyListFile, AFileThatTellsNoSizeIsRead) {
   EXPECT_NE(std::get<PropertyList>(result).as<std::string>(), nullptr);
 }
 
-TEST_F(PropertyListFile, WhatCanBeNoPathIsABadPath) {
+TEST_F(PropertyListFile, InvalidPathIsBadPath) {
   const std::string real = write("settings.plist", settingsText);
   EXPECT_EQ(readPropertyListFile(""), Result(PropertyListError::BadPath));
   EXPECT_EQ(readPropertyListFile(real + std::string(1, '\0')), Result(PropertyListError::BadPath));
   EXPECT_EQ(readPropertyListFile(write("\xE9.plist", settingsText)), Result(PropertyListError::BadPath));
 }
 
-TEST_F(PropertyListFile, APathOfTheLongestSizeIsRead) {
+TEST_F(PropertyListFile, ReadsPathOfMaximumLength) {
   std::string name = path("");
   while (name.size() + 2 + 8 <= PATH_MAX) name += "./";
   name.resize(PATH_MAX - 2, '/');
@@ -108,12 +109,12 @@ TEST_F(PropertyListFile, APathOfTheLongestSizeIsRead) {
   EXPECT_TRUE(std::holds_alternative<PropertyList>(readPropertyListFile(name)));
 }
 
-TEST_F(PropertyListFile, ALongerPathIsABadPath) {
+TEST_F(PropertyListFile, PathBeyondMaximumLengthIsBadPath) {
   EXPECT_EQ(readPropertyListFile("/" + std::string(PATH_MAX - 1, 'a')), Result(PropertyListError::BadPath));
   EXPECT_EQ(readPropertyListFile("/" + std::string(100'000, 'a')), Result(PropertyListError::BadPath));
 }
 
-TEST_F(PropertyListFile, AFolderIsNoStream) {
+TEST_F(PropertyListFile, FolderIsNoStream) {
   std::filesystem::create_directory(path("folder"));
   ASSERT_EQ(::symlink(path("folder").c_str(), path("link").c_str()), 0);
   EXPECT_EQ(readPropertyListFile(path("folder")), Result(PropertyListError::NoStream));
@@ -121,12 +122,12 @@ TEST_F(PropertyListFile, AFolderIsNoStream) {
   EXPECT_EQ(readPropertyListFile(path("link")), Result(PropertyListError::NoStream));
 }
 
-TEST_F(PropertyListFile, APipeIsNoStreamAndNeverWaitedFor) {
+TEST_F(PropertyListFile, PipeIsNoStreamAndDoesNotBlock) {
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0666), 0);
   EXPECT_EQ(readPropertyListFile(path("pipe")), Result(PropertyListError::NoStream));
 }
 
-TEST_F(PropertyListFile, APipeKeepsItsContent) {
+TEST_F(PropertyListFile, PipeIsNotRead) {
   ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0666), 0);
   const int pipe = ::open(path("pipe").c_str(), O_RDWR | O_CLOEXEC);
   ASSERT_EQ(::write(pipe, "a", 1), 1);
@@ -136,12 +137,12 @@ TEST_F(PropertyListFile, APipeKeepsItsContent) {
   ::close(pipe);
 }
 
-TEST_F(PropertyListFile, ADeviceIsNoStream) {
+TEST_F(PropertyListFile, DeviceIsNoStream) {
   EXPECT_EQ(readPropertyListFile("/dev/null"), Result(PropertyListError::NoStream));
   EXPECT_EQ(readPropertyListFile("/dev/zero"), Result(PropertyListError::NoStream));
 }
 
-TEST_F(PropertyListFile, ASocketIsNoStream) {
+TEST_F(PropertyListFile, SocketIsNoStream) {
   const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -151,7 +152,7 @@ TEST_F(PropertyListFile, ASocketIsNoStream) {
   ::close(socket);
 }
 
-TEST_F(PropertyListFile, WhatIsNotThereCannotBeOpened) {
+TEST_F(PropertyListFile, MissingFileIsOpenFailed) {
   const std::string real = write("settings.plist", settingsText);
   ASSERT_EQ(::symlink(path("nothing").c_str(), path("link").c_str()), 0);
   ASSERT_EQ(::symlink(path("loop").c_str(), path("loop").c_str()), 0);
@@ -162,7 +163,7 @@ TEST_F(PropertyListFile, WhatIsNotThereCannotBeOpened) {
   }
 }
 
-TEST_F(PropertyListFile, WhatMayNotBeReadCannotBeOpened) {
+TEST_F(PropertyListFile, FileWithoutReadPermissionIsOpenFailed) {
   const std::string secret = write("settings.plist", settingsText);
   ASSERT_EQ(::chmod(secret.c_str(), 0), 0);
   const int outcome = asOrdinaryUser([&] {
@@ -173,7 +174,7 @@ TEST_F(PropertyListFile, WhatMayNotBeReadCannotBeOpened) {
   EXPECT_EQ(outcome, 0);
 }
 
-TEST_F(PropertyListFile, WhatLiesInAClosedFolderCannotBeOpened) {
+TEST_F(PropertyListFile, FileInFolderWithoutSearchPermissionIsOpenFailed) {
   std::filesystem::create_directory(path("closed"));
   const std::string hidden = write("closed/settings.plist", settingsText);
   ASSERT_EQ(::chmod(path("closed").c_str(), 0600), 0);
@@ -186,20 +187,20 @@ TEST_F(PropertyListFile, WhatLiesInAClosedFolderCannotBeOpened) {
   EXPECT_EQ(outcome, 0);
 }
 
-TEST_F(PropertyListFile, WhatIsNoListIsUnreadable) {
+TEST_F(PropertyListFile, OtherContentIsUnreadable) {
   EXPECT_EQ(readPropertyListFile(write("empty", "")), Result(PropertyListError::Unreadable));
   EXPECT_EQ(readPropertyListFile(write("half", settings.substr(0, 40))),
             Result(PropertyListError::Unreadable));
   EXPECT_EQ(readPropertyListFile(write("page", "<html></html>")), Result(PropertyListError::Unreadable));
 }
 
-TEST_F(PropertyListFile, AFileOfTheLargestSizeIsRead) {
+TEST_F(PropertyListFile, ReadsFileOfMaximumSize) {
   const std::string list = filled(settingsText, "\n", "");
   ASSERT_EQ(list.size(), platform::propertyListMaxBytes);
   EXPECT_TRUE(std::holds_alternative<PropertyList>(readPropertyListFile(write("large", list))));
 }
 
-TEST_F(PropertyListFile, ALargerFileIsUnreadable) {
+TEST_F(PropertyListFile, FileBeyondMaximumSizeIsUnreadable) {
   EXPECT_EQ(readPropertyListFile(write("larger", filled(settingsText, "\n", "") + "\n")),
             Result(PropertyListError::Unreadable));
   const std::string huge = write("huge", settingsText);

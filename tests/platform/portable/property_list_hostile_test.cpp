@@ -33,7 +33,7 @@ std::string manyAttributes() {
   return inXml("<array>", tag + "/>", "</array>");
 }
 
-// Each tag is longer than any in a list, and short beside the list.
+// Each tag is far longer than in a genuine list, but short in relation to this one.
 std::string tagsOfManyAttributes() {
   std::string tag = "<array";
   for (int i = 0; tag.size() < 16'000; ++i) tag += " a" + std::to_string(i) + "=\"\"";
@@ -70,7 +70,8 @@ std::string dictionaryOfMany() {
   return list + "</dict></plist>";
 }
 
-// A hundred arrays of a hundred references each to the same value, in some hundred bytes beside it.
+// Returns a list of a few hundred bytes plus `value`: 100 references to an array of 100 references to
+// `value`.
 std::string shared(const std::string& value) {
   return BinaryList{.objects = {'\xAF' + bytes({0x10, 100}) + std::string(100, '\1'),
                                 '\xAF' + bytes({0x10, 100}) + std::string(100, '\2'), value},
@@ -153,7 +154,7 @@ double processorSeconds() {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-TEST_P(HostilePropertyList, TakesLittleTime) {
+TEST_P(HostilePropertyList, IsParsedWithinFiveSecondsOfCpuTime) {
   const GuardedBytes list(GetParam().build());
   const double start = processorSeconds();
   const auto result = platform::parsePropertyList(list.span());
@@ -161,7 +162,7 @@ TEST_P(HostilePropertyList, TakesLittleTime) {
   EXPECT_EQ(result.has_value(), GetParam().readable);
 }
 
-// In kilobytes, from the kernel's account of this process.
+// Returns a field of /proc/self/status in KiB, or -1 if it is missing.
 long memoryOf(const std::string& field) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -170,8 +171,8 @@ long memoryOf(const std::string& field) {
   return -1;
 }
 
-// How far the memory of a process rises while it does `work`, in kilobytes: the child's exit status is in
-// megabytes.
+// Runs `work` in a child process. Returns the rise of its peak resident set in MiB, at most 254, or -1 on
+// failure: the child reports the value as its exit status.
 long peakMegabytes(const std::function<void()>& work) {
   const pid_t child = ::fork();
   if (child == 0) {
@@ -187,7 +188,7 @@ long peakMegabytes(const std::function<void()>& work) {
   return WIFEXITED(status) && WEXITSTATUS(status) != 255 ? WEXITSTATUS(status) : -1;
 }
 
-TEST_P(HostilePropertyList, TakesLittleMemoryBesideItself) {
+TEST_P(HostilePropertyList, IsParsedWithinFiveMebibytes) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   constexpr long most = 5;
   const GuardedBytes list(GetParam().build());
@@ -199,11 +200,11 @@ TEST_P(HostilePropertyList, TakesLittleMemoryBesideItself) {
 INSTANTIATE_TEST_SUITE_P(AllForms, HostilePropertyList, testing::ValuesIn(hostileLists()),
                          [](const auto& instance) { return instance.param.name; });
 
-TEST(HostileMemory, TheMeasureSeesWhatIsTaken) {
+TEST(PeakMemory, PeakMegabytesMeasuresAllocation) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   const long peak = peakMegabytes([] {
     std::string taken(32u << 20, 'x');
-    // The memory must be seen to be used.
+    // Keeps the compiler from removing the allocation.
     asm volatile("" : : "r"(taken.data()) : "memory");
   });
   EXPECT_GE(peak, 30);

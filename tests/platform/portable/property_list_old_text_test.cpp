@@ -8,7 +8,7 @@ using namespace property_list_support;
 using platform::propertyListMaxDepth;
 using platform::propertyListMaxObjects;
 
-TEST(OldTextPropertyList, ASettingsFileIsRead) {
+TEST(OldTextPropertyList, ReadsSettingsFile) {
   EXPECT_EQ(parse("{\n"
                   "    Autorun = YES;\n"
                   "    \"window title\" = \"Main \\\"window\\\"\";\n"
@@ -23,7 +23,7 @@ TEST(OldTextPropertyList, ASettingsFileIsRead) {
                    {"nested", pairs({{"empty", listOf({})}})}}));
 }
 
-TEST(OldTextPropertyList, AStringsFileIsRead) {
+TEST(OldTextPropertyList, ReadsStringsFile) {
   EXPECT_EQ(parse("/* The menu */\n\"Quit\" = \"Beenden\";\n// and\n\"Open \\U2026\" = \"\\U00d6ffnen\"; "
                   "plain=word;"),
             pairs({{"Quit", text("Beenden")},
@@ -32,19 +32,19 @@ TEST(OldTextPropertyList, AStringsFileIsRead) {
                    {"plain", text("word")}}));
 }
 
-TEST(OldTextPropertyList, AKeyWithoutAValueStandsForItself) {
+TEST(OldTextPropertyList, KeyWithoutValueIsItsOwnValue) {
   EXPECT_EQ(parse("\"Quit\"; Open;"), pairs({{"Quit", text("Quit")}, {"Open", text("Open")}}));
   EXPECT_EQ(parse("{ a; }"), pairs({{"a", text("a")}}));
 }
 
-TEST(OldTextPropertyList, ThereAreNoBooleansAndNumbers) {
+TEST(OldTextPropertyList, BooleansAndNumbersAreStrings) {
   const auto list = parse("{ Autorun = true; Active = 1; }");
   ASSERT_TRUE(list);
   EXPECT_EQ(*list->find("Autorun"), text("true"));
   EXPECT_EQ(*list->find("Active"), text("1"));
 }
 
-TEST(OldTextPropertyList, AWordIsLettersDigitsAndSomeMarks) {
+TEST(OldTextPropertyList, UnquotedWordHasLettersDigitsAndSomePunctuation) {
   EXPECT_EQ(parse("aZ09_$/:.-"), text("aZ09_$/:.-"));
   EXPECT_EQ(parse("http://host/a"), text("http://host/a"));
   for (const char* list : {"a@b", "(a+b)", "{ a b = c; }", "{ a = b c; }", "\xC3\xA9", "{ a = #; }", "*"}) {
@@ -52,7 +52,7 @@ TEST(OldTextPropertyList, AWordIsLettersDigitsAndSomeMarks) {
   }
 }
 
-TEST(OldTextPropertyList, QuotesAreDoubleOrSingle) {
+TEST(OldTextPropertyList, QuotesMayBeDoubleOrSingle) {
   EXPECT_EQ(parse("\"a 'b'\""), text("a 'b'"));
   EXPECT_EQ(parse("'a \"b\"'"), text("a \"b\""));
   EXPECT_EQ(parse("''"), text(""));
@@ -64,7 +64,7 @@ TEST(OldTextPropertyList, QuotesAreDoubleOrSingle) {
   EXPECT_FALSE(parse("\"a\\"));
 }
 
-TEST(OldTextPropertyList, EscapesAreCharacters) {
+TEST(OldTextPropertyList, EscapesAreDecoded) {
   EXPECT_EQ(parse(R"("\a\b\f\n\r\t\v")"), text("\a\b\f\n\r\t\v"));
   EXPECT_EQ(parse(R"("\"\\\'\q")"), text("\"\\'q"));
   EXPECT_EQ(parse("\"a\\\nb\""), text("a\nb"));
@@ -72,7 +72,7 @@ TEST(OldTextPropertyList, EscapesAreCharacters) {
   EXPECT_EQ(parse(R"('\'')"), text("'"));
 }
 
-TEST(OldTextPropertyList, OctalEscapesAreBytesOfTheirOwnEncoding) {
+TEST(OldTextPropertyList, OctalEscapesUseNextStepEncoding) {
   EXPECT_EQ(parse(R"("\101\7\60x\1012")"), text("A\a0xA2"));
   EXPECT_EQ(parse(R"("\200\300\341\375")"), text("\xC2\xA0\xC2\xB9\xC3\x86\xC3\xBF"));
   EXPECT_EQ(parse(R"("\0")"), text(std::string(1, '\0')));
@@ -81,7 +81,7 @@ TEST(OldTextPropertyList, OctalEscapesAreBytesOfTheirOwnEncoding) {
   EXPECT_FALSE(parse(R"("\777")"));
 }
 
-TEST(OldTextPropertyList, UnitEscapesHaveUpToFourDigits) {
+TEST(OldTextPropertyList, UnicodeEscapesHaveUpToFourDigits) {
   EXPECT_EQ(parse(R"("\U41\U00e9g\U20acA")"), text("A\xC3\xA9g\xE2\x82\xAC"
                                                    "A"));
   EXPECT_EQ(parse(R"("\U00411")"), text("A1"));
@@ -91,14 +91,14 @@ TEST(OldTextPropertyList, UnitEscapesHaveUpToFourDigits) {
   EXPECT_FALSE(parse(R"("\U-1")"));
 }
 
-TEST(OldTextPropertyList, AnUnpairedSurrogateIsUnreadable) {
+TEST(OldTextPropertyList, UnpairedSurrogateIsUnreadable) {
   for (const char* list : {R"("\Ud83d")", R"("\Ude00")", R"("\Ud83da")", R"("\Ud83d\n")", R"("\Ud83d\101")",
                            R"("\Ud83d\Ud83d\Ude00")", R"("\Ude00\Ud83d")"}) {
     EXPECT_FALSE(parse(list)) << list;
   }
 }
 
-TEST(OldTextPropertyList, DataIsPairsOfHexDigits) {
+TEST(OldTextPropertyList, DataConsistsOfHexDigitPairs) {
   EXPECT_EQ(parse("<>"), dataOf(""));
   EXPECT_EQ(parse("< 0fBD77 1c\n2735Ae >"), dataOf("\x0F\xBD\x77\x1C\x27\x35\xAE"));
   for (const char* list : {"<0>", "<0 0>", "<0g>", "<00", "<00 0", "<", "<0x00>", "<00, 00>"}) {
@@ -106,7 +106,7 @@ TEST(OldTextPropertyList, DataIsPairsOfHexDigits) {
   }
 }
 
-TEST(OldTextPropertyList, ArraysMayEndWithAComma) {
+TEST(OldTextPropertyList, ArrayMayEndWithComma) {
   EXPECT_EQ(parse("()"), listOf({}));
   EXPECT_EQ(parse("(a)"), listOf({text("a")}));
   EXPECT_EQ(parse("(a,)"), listOf({text("a")}));
@@ -117,7 +117,7 @@ TEST(OldTextPropertyList, ArraysMayEndWithAComma) {
   }
 }
 
-TEST(OldTextPropertyList, PairsEndWithASemicolon) {
+TEST(OldTextPropertyList, PairsEndWithSemicolon) {
   EXPECT_EQ(parse("{}"), pairs({}));
   EXPECT_EQ(parse("{a=b;}"), pairs({{"a", text("b")}}));
   for (const char* list : {"{",     "{a",       "{a=",       "{a=b",   "{a=b;",   "{a=b}",   "{a}", "{=b;}",
@@ -127,7 +127,7 @@ TEST(OldTextPropertyList, PairsEndWithASemicolon) {
   }
 }
 
-TEST(OldTextPropertyList, AnythingAfterTheValueIsUnreadable) {
+TEST(OldTextPropertyList, TextAfterValueIsUnreadable) {
   EXPECT_TRUE(parse("{ a = b; } // end"));
   EXPECT_TRUE(parse("{ a = b; } /* end */\n"));
   EXPECT_FALSE(parse("{ a = b; } x"));
@@ -137,12 +137,12 @@ TEST(OldTextPropertyList, AnythingAfterTheValueIsUnreadable) {
   EXPECT_FALSE(parse(std::string_view("{ a = b; }\0", 11)));
 }
 
-TEST(OldTextPropertyList, OfEqualKeysTheLastCounts) {
+TEST(OldTextPropertyList, LastOfEqualKeysIsUsed) {
   EXPECT_EQ(parse("{ a = b; a = c; }"), pairs({{"a", text("c")}}));
   EXPECT_EQ(parse("a = b; 'a';"), pairs({{"a", text("a")}}));
 }
 
-TEST(OldTextPropertyList, CommentsAndBlanksStandBetween) {
+TEST(OldTextPropertyList, CommentsAndBlanksMaySeparateTokens) {
   EXPECT_EQ(parse("// a\r{ /* } */ a /**/ = // =\n b\v;\f } \xE2\x80\xA8 // end"), pairs({{"a", text("b")}}));
   EXPECT_EQ(parse("\"/* a */ // b\""), text("/* a */ // b"));
   EXPECT_EQ(parse("{\xE2\x80\xA9}"), pairs({}));
@@ -152,22 +152,22 @@ TEST(OldTextPropertyList, CommentsAndBlanksStandBetween) {
   EXPECT_FALSE(parse("{\xC2\xA0}"));
 }
 
-TEST(OldTextPropertyList, ContainersNestUpToTheBound) {
+TEST(OldTextPropertyList, NestingIsLimitedToMaxDepth) {
   const auto nested = [](std::size_t depth) { return repeated("(", depth) + repeated(")", depth); };
   EXPECT_TRUE(parse(nested(propertyListMaxDepth)));
   EXPECT_FALSE(parse(nested(propertyListMaxDepth + 1)));
   EXPECT_TRUE(parse(repeated("{a=", propertyListMaxDepth) + "b" + repeated(";}", propertyListMaxDepth)));
   EXPECT_FALSE(
       parse(repeated("{a=", propertyListMaxDepth + 1) + "b" + repeated(";}", propertyListMaxDepth + 1)));
-  // A strings file is a dictionary as well.
+  // A strings file is a dictionary too and adds one level.
   EXPECT_TRUE(parse("a = " + nested(propertyListMaxDepth - 1) + ";"));
   EXPECT_FALSE(parse("a = " + nested(propertyListMaxDepth) + ";"));
 }
 
-TEST(OldTextPropertyList, ObjectsAreCountedUpToTheBound) {
+TEST(OldTextPropertyList, ObjectsAreLimitedToMaxObjects) {
   EXPECT_TRUE(parse("(" + repeated("a,", propertyListMaxObjects - 1) + ")"));
   EXPECT_FALSE(parse("(" + repeated("a,", propertyListMaxObjects) + ")"));
-  // Two for each pair, one for the dictionary around them.
+  // Each pair counts as two objects, the enclosing dictionary as one.
   EXPECT_TRUE(parse(repeated("a=b;", propertyListMaxObjects / 2 - 1)));
   EXPECT_FALSE(parse(repeated("a=b;", propertyListMaxObjects / 2)));
   EXPECT_TRUE(parse(repeated("a;", propertyListMaxObjects / 2 - 1)));

@@ -14,8 +14,8 @@ namespace property_list_support {
 
 using platform::PropertyList;
 
-// Bytes whose last stands right before memory that may not be read: a reader that goes beyond them crashes in
-// any build.
+// A copy of bytes that ends at a PROT_NONE page, so that a read beyond the end crashes in any build. Aborts
+// if it cannot be mapped.
 class GuardedBytes {
  public:
   explicit GuardedBytes(std::string_view bytes);
@@ -32,10 +32,10 @@ class GuardedBytes {
   std::size_t mapped_ = 0;
 };
 
-// Reads the list from guarded bytes.
+// Parses a GuardedBytes copy of `bytes`.
 std::optional<PropertyList> parse(std::string_view bytes);
 
-// Lists of one value.
+// Property lists with the given value at the top.
 PropertyList text(std::string_view value);
 PropertyList number(std::int64_t value);
 PropertyList dataOf(std::string_view bytes);
@@ -43,12 +43,12 @@ PropertyList listOf(PropertyList::Array items);
 PropertyList pairs(PropertyList::Dictionary entries);
 PropertyList single(std::string key, PropertyList value);
 
-// A string from the bytes that are given as numbers.
+// Returns a string of the given byte values.
 std::string bytes(std::initializer_list<unsigned> values);
 
 std::string repeated(std::string_view piece, std::size_t times);
 
-// A list of just the largest size: `start`, then `piece` as often as it fits, then blanks, then `end`.
+// Returns propertyListMaxBytes bytes: `start`, as many copies of `piece` as fit, blanks, `end`.
 std::string filled(std::string_view start, std::string_view piece, std::string_view end);
 
 }  // namespace property_list_support

@@ -9,7 +9,7 @@ namespace {
 using namespace property_list_support;
 using platform::propertyListMaxBytes;
 
-TEST(PropertyList, HoldsOneTypeAndNoOther) {
+TEST(PropertyList, AsReturnsNullForOtherTypes) {
   const PropertyList list(true);
   ASSERT_NE(list.as<bool>(), nullptr);
   EXPECT_TRUE(*list.as<bool>());
@@ -24,7 +24,7 @@ TEST(PropertyList, SetReplacesTypeAndValue) {
   EXPECT_EQ(list.as<PropertyList::Array>(), nullptr);
 }
 
-TEST(PropertyList, FindsAnEntryByItsKey) {
+TEST(PropertyList, FindReturnsEntryOfKey) {
   const PropertyList list(PropertyList::Dictionary{{"Autorun", PropertyList(true)}, {"", text("empty key")}});
   ASSERT_NE(list.find("Autorun"), nullptr);
   EXPECT_EQ(*list.find("Autorun"), PropertyList(true));
@@ -33,38 +33,38 @@ TEST(PropertyList, FindsAnEntryByItsKey) {
   EXPECT_EQ(list.find("Auto"), nullptr);
 }
 
-TEST(PropertyList, FindsNothingInWhatIsNoDictionary) {
+TEST(PropertyList, FindReturnsNullIfNotDictionary) {
   EXPECT_EQ(text("Autorun").find("Autorun"), nullptr);
   EXPECT_EQ(PropertyList(PropertyList::Array{text("Autorun")}).find("Autorun"), nullptr);
 }
 
-TEST(PropertyList, IsEqualByTypeAndContent) {
+TEST(PropertyList, EqualityComparesTypeAndContent) {
   EXPECT_EQ(number(1), number(1));
   EXPECT_NE(number(1), PropertyList(1.0));
   EXPECT_NE(number(1), PropertyList(true));
   EXPECT_NE(PropertyList(PropertyList::Array{}), PropertyList(PropertyList::Dictionary{}));
 }
 
-TEST(ParsePropertyList, NothingIsNoList) {
+TEST(ParsePropertyList, EmptyInputIsUnreadable) {
   EXPECT_FALSE(parse(""));
   EXPECT_FALSE(platform::parsePropertyList({}));
 }
 
-TEST(ParsePropertyList, WhiteSpaceAloneIsNoList) {
+TEST(ParsePropertyList, WhiteSpaceAloneIsUnreadable) {
   EXPECT_FALSE(parse(" \t\r\n\n"));
   EXPECT_FALSE(parse("\xEF\xBB\xBF"));
   EXPECT_FALSE(parse("\xEF\xBB\xBF \n"));
   EXPECT_FALSE(parse("// nothing but a comment\n/* or two */"));
 }
 
-TEST(ParsePropertyList, AWebPageIsNoList) {
+TEST(ParsePropertyList, WebPageIsUnreadable) {
   EXPECT_FALSE(parse("<html><head><title>404 Not Found</title></head><body>Not Found</body></html>"));
   EXPECT_FALSE(parse("<!DOCTYPE html>\n<html lang=\"en\"><body><p>Not Found</p></body></html>"));
   EXPECT_FALSE(parse("404 page not found\n"));
   EXPECT_FALSE(parse("{\"version\": \"1.2.3\"}"));
 }
 
-TEST(ParsePropertyList, TheRootMayBeNoDictionary) {
+TEST(ParsePropertyList, RootNeedNotBeDictionary) {
   for (const char* list :
        {"<plist><array/></plist>", "<plist><string>a</string></plist>", "( a )", "a", "<00>"}) {
     const auto result = parse(list);
@@ -74,43 +74,43 @@ TEST(ParsePropertyList, TheRootMayBeNoDictionary) {
   }
 }
 
-TEST(ParsePropertyList, DataThatBeginsLikeXmlIsReadAsOldText) {
+TEST(ParsePropertyList, DataResemblingXmlIsReadAsOldText) {
   EXPECT_EQ(parse(" <6162 63>"), dataOf("abc"));
   EXPECT_EQ(parse("<da>"), dataOf("\xDA"));
 }
 
-TEST(ParsePropertyList, AListOfTheLargestSizeIsRead) {
+TEST(ParsePropertyList, ReadsListOfMaximumSize) {
   const std::string list = filled("<plist><true/></plist>", "\n", "");
   ASSERT_EQ(list.size(), propertyListMaxBytes);
   EXPECT_EQ(parse(list), PropertyList(true));
 }
 
-TEST(ParsePropertyList, AListOneByteLargerIsUnreadable) {
+TEST(ParsePropertyList, ListBeyondMaximumSizeIsUnreadable) {
   EXPECT_FALSE(parse(filled("<plist><true/></plist>", "\n", "") + "\n"));
   EXPECT_FALSE(parse(filled("a", "\n", "") + "\n"));
 }
 
-TEST(ParsePropertyList, TextThatIsTooLargeInUtf8IsUnreadable) {
-  // Each of these letters takes two bytes in UTF-16 and three in UTF-8.
+TEST(ParsePropertyList, TextBeyondMaximumSizeInUtf8IsUnreadable) {
+  // Each letter takes two bytes in UTF-16 and three in UTF-8.
   const std::string letters = bytes({0xFE, 0xFF}) + repeated(bytes({0, '"'}), 1) +
                               repeated(bytes({0x4E, 0x00}), propertyListMaxBytes / 3) + bytes({0, '"'});
   EXPECT_FALSE(parse(letters));
 }
 
-TEST(ParsePropertyList, Utf8IsTakenAsItStands) {
+TEST(ParsePropertyList, Utf8IsReadVerbatim) {
   EXPECT_EQ(parse("\"\xC3\xA9\xF0\x9F\x98\x80\""), text("\xC3\xA9\xF0\x9F\x98\x80"));
 }
 
 TEST(ParsePropertyList, InvalidUtf8IsUnreadable) {
   EXPECT_FALSE(parse("<plist><string>\xFF</string></plist>"));
   EXPECT_FALSE(parse("<plist><string>\xC3</string></plist>"));
-  EXPECT_FALSE(parse("\"\xC0\x80\""));          // a longer form than needed
-  EXPECT_FALSE(parse("\"\xED\xA0\x80\""));      // a surrogate
-  EXPECT_FALSE(parse("\"\xF4\x90\x80\x80\""));  // beyond the last code point
-  EXPECT_FALSE(parse("{ a = b; } // \xE9\n"));  // even in a comment
+  EXPECT_FALSE(parse("\"\xC0\x80\""));          // overlong encoding
+  EXPECT_FALSE(parse("\"\xED\xA0\x80\""));      // surrogate
+  EXPECT_FALSE(parse("\"\xF4\x90\x80\x80\""));  // above U+10FFFF
+  EXPECT_FALSE(parse("{ a = b; } // \xE9\n"));  // invalid in a comment
 }
 
-// A text in UTF-16 or UTF-32, from ASCII.
+// Returns ASCII text as UTF-16 (`width` 2) or UTF-32 (`width` 4).
 std::string widened(std::string_view ascii, std::size_t width, bool bigEndian) {
   std::string result;
   for (const char c : ascii) {
@@ -134,22 +134,22 @@ class WideText : public testing::TestWithParam<WideForm> {
   }
 };
 
-TEST_P(WideText, OldTextIsReadAfterAByteOrderMark) {
+TEST_P(WideText, ReadsOldTextAfterByteOrderMark) {
   EXPECT_EQ(parse(GetParam().mark + wide("key = value;")),
             PropertyList(PropertyList::Dictionary{{"key", text("value")}}));
 }
 
-TEST_P(WideText, XmlIsReadWhateverItsDeclarationSays) {
+TEST_P(WideText, XmlDeclarationDoesNotOverrideByteOrderMark) {
   const std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist><true/></plist>";
   EXPECT_EQ(parse(GetParam().mark + wide(xml)), PropertyList(true));
   EXPECT_EQ(parse(GetParam().mark + wide(" \n") + wide(xml)), PropertyList(true));
 }
 
-TEST_P(WideText, XmlIsReadWithoutAByteOrderMark) {
+TEST_P(WideText, ReadsXmlWithoutByteOrderMark) {
   EXPECT_EQ(parse(wide("<plist><true/></plist>")), PropertyList(true));
 }
 
-TEST_P(WideText, AnIncompleteUnitAtTheEndIsUnreadable) {
+TEST_P(WideText, IncompleteLastUnitIsUnreadable) {
   EXPECT_FALSE(parse(GetParam().mark + wide("key = value;") + std::string(1, '\0')));
 }
 
@@ -159,23 +159,23 @@ INSTANTIATE_TEST_SUITE_P(AllForms, WideText,
                                          WideForm{4, false, bytes({0xFF, 0xFE, 0, 0})},
                                          WideForm{4, true, bytes({0, 0, 0xFE, 0xFF})}));
 
-TEST(ParsePropertyList, ASurrogatePairInUtf16IsOneCharacter) {
+TEST(ParsePropertyList, Utf16SurrogatePairIsOneCharacter) {
   EXPECT_EQ(parse(bytes({0xFE, 0xFF, 0, '"', 0xD8, 0x3D, 0xDE, 0x00, 0, '"'})), text("\xF0\x9F\x98\x80"));
 }
 
-TEST(ParsePropertyList, AnUnpairedSurrogateInUtf16IsUnreadable) {
+TEST(ParsePropertyList, UnpairedUtf16SurrogateIsUnreadable) {
   EXPECT_FALSE(parse(bytes({0xFE, 0xFF, 0, '"', 0xD8, 0x3D, 0, '"'})));
   EXPECT_FALSE(parse(bytes({0xFE, 0xFF, 0, '"', 0xDE, 0x00, 0, '"'})));
   EXPECT_FALSE(parse(bytes({0xFE, 0xFF, 0, '"', 0xDE, 0x00, 0xD8, 0x3D, 0, '"'})));
   EXPECT_FALSE(parse(bytes({0xFE, 0xFF, 0, 'a', 0xD8, 0x3D})));
 }
 
-TEST(ParsePropertyList, WhatIsNoCodePointInUtf32IsUnreadable) {
+TEST(ParsePropertyList, InvalidUtf32CodePointIsUnreadable) {
   EXPECT_FALSE(parse(bytes({0, 0, 0xFE, 0xFF, 0, 0, 0, '"', 0, 0, 0xD8, 0x3D, 0, 0, 0, '"'})));
   EXPECT_FALSE(parse(bytes({0, 0, 0xFE, 0xFF, 0, 0, 0, '"', 0, 0x11, 0, 0, 0, 0, 0, '"'})));
 }
 
-TEST(ParsePropertyList, TheEncodingNamedInTheDeclarationCounts) {
+TEST(ParsePropertyList, XmlDeclarationSelectsEncoding) {
   EXPECT_EQ(parse("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xE9</string></plist>"),
             text("\xC3\xA9"));
   EXPECT_EQ(
@@ -185,11 +185,11 @@ TEST(ParsePropertyList, TheEncodingNamedInTheDeclarationCounts) {
             text("\xC3\xA9"));
 }
 
-TEST(ParsePropertyList, AnEncodingThatNobodyKnowsIsUnreadable) {
+TEST(ParsePropertyList, UnknownEncodingIsUnreadable) {
   EXPECT_FALSE(parse("<?xml version='1.0' encoding='no-such-encoding'?><plist><true/></plist>"));
 }
 
-TEST(ParsePropertyList, BytesThatAreNotInTheNamedEncodingAreUnreadable) {
+TEST(ParsePropertyList, BytesInvalidInDeclaredEncodingAreUnreadable) {
   EXPECT_FALSE(parse("<?xml version='1.0' encoding='US-ASCII'?><plist><string>\xE9</string></plist>"));
 }
 

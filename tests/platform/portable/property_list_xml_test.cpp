@@ -20,7 +20,7 @@ std::optional<PropertyList> parseInPlist(std::string_view value) {
   return parse(std::string(header) + "<plist version=\"1.0\">\n" + std::string(value) + "\n</plist>\n");
 }
 
-TEST(XmlPropertyList, ASettingsFileIsRead) {
+TEST(XmlPropertyList, ReadsSettingsFile) {
   const auto list = parseInPlist(
       "<dict>\n"
       "\t<key>Active</key>\n\t<true/>\n"
@@ -44,14 +44,14 @@ TEST(XmlPropertyList, ASettingsFileIsRead) {
                   }));
 }
 
-TEST(XmlPropertyList, BooleansAreReadInBothWritings) {
+TEST(XmlPropertyList, BooleansMayBeEmptyElementsOrTagPairs) {
   EXPECT_EQ(parseInPlist("<true></true>"), PropertyList(true));
   EXPECT_EQ(parseInPlist("<false> <!-- off --> </false>"), PropertyList(false));
   EXPECT_FALSE(parseInPlist("<true>yes</true>"));
   EXPECT_FALSE(parseInPlist("<true><false/></true>"));
 }
 
-TEST(XmlPropertyList, AValueThatIsNoBooleanKeepsItsOwnType) {
+TEST(XmlPropertyList, StringAndIntegerAreNotConvertedToBoolean) {
   const auto list = parseInPlist(
       "<dict><key>Autorun</key><string>true</string><key>Active</key><integer>1</integer></dict>");
   ASSERT_TRUE(list);
@@ -59,18 +59,18 @@ TEST(XmlPropertyList, AValueThatIsNoBooleanKeepsItsOwnType) {
   EXPECT_EQ(list->find("Active")->as<bool>(), nullptr);
 }
 
-TEST(XmlPropertyList, AValueWithoutPlistAroundItIsAList) {
+TEST(XmlPropertyList, PlistElementIsOptional) {
   EXPECT_EQ(parse("<true/>"), PropertyList(true));
   EXPECT_EQ(parse("<dict><key>a</key><string/></dict>"), single("a", text("")));
 }
 
-TEST(XmlPropertyList, AMarkBlanksAndCommentsMayComeFirst) {
+TEST(XmlPropertyList, ByteOrderMarkBlanksAndCommentsMayPrecedeValue) {
   EXPECT_EQ(parse("\xEF\xBB\xBF<plist><true/></plist>"), PropertyList(true));
   EXPECT_EQ(parse(" \r\n\t<?xml version=\"1.0\"?><!-- a > b --><?php > ?><plist><true/></plist>"),
             PropertyList(true));
 }
 
-TEST(XmlPropertyList, CommentsAndInstructionsStandAnywhereBetween) {
+TEST(XmlPropertyList, CommentsAndInstructionsAreSkippedAnywhere) {
   EXPECT_EQ(
       parseInPlist("<!-- --><dict><?a?><key>k</key><!-- <x> --><integer><!-- 2 -->1</integer></dict><?b ?>"),
       single("k", number(1)));
@@ -82,7 +82,7 @@ TEST(XmlPropertyList, CommentWithDoubleHyphenIsSkipped) {
   EXPECT_EQ(parseInPlist("<array><!-- a -- b --><true/><!----- --></array>"), listOf({PropertyList(true)}));
 }
 
-TEST(XmlPropertyList, CommentMarksWithinCharacterDataAreText) {
+TEST(XmlPropertyList, CommentMarksWithinCdataAreText) {
   EXPECT_EQ(parseInPlist("<string><![CDATA[<!-- a --><?b?>]]></string>"), text("<!-- a --><?b?>"));
 }
 
@@ -91,18 +91,18 @@ TEST(XmlPropertyList, CommentWithinTagIsUnreadable) {
   EXPECT_FALSE(parse("<plist a='<!-- -->'><true/></plist>"));
 }
 
-TEST(XmlPropertyList, LongWhiteSpaceBetweenAndBehindElementsIsSkipped) {
+TEST(XmlPropertyList, LongWhiteSpaceBetweenAndAfterElementsIsSkipped) {
   const std::string blanks(20'000, '\n');
   EXPECT_EQ(parse("<plist>" + blanks + "<true/>" + blanks + "</plist>" + blanks), PropertyList(true));
 }
 
-TEST(XmlPropertyList, EntitiesAndReferencesAreCharacters) {
+TEST(XmlPropertyList, EntitiesAndCharacterReferencesAreDecoded) {
   EXPECT_EQ(parseInPlist("<string>&lt;&gt;&amp;&quot;&apos;&#233;&#x1F600;</string>"),
             text("<>&\"'\xC3\xA9\xF0\x9F\x98\x80"));
   EXPECT_EQ(parseInPlist("<dict><key>a&amp;b</key><true/></dict>"), single("a&b", PropertyList(true)));
 }
 
-TEST(XmlPropertyList, AReferenceToNoCharacterIsUnreadable) {
+TEST(XmlPropertyList, InvalidReferenceIsUnreadable) {
   EXPECT_FALSE(parseInPlist("<string>&#0;</string>"));
   EXPECT_FALSE(parseInPlist("<string>&#xD800;</string>"));
   EXPECT_FALSE(parseInPlist("<string>&#x110000;</string>"));
@@ -111,21 +111,22 @@ TEST(XmlPropertyList, AReferenceToNoCharacterIsUnreadable) {
   EXPECT_FALSE(parseInPlist(std::string_view("<string>\0</string>", 18)));
 }
 
-TEST(XmlPropertyList, CharacterDataIsTakenAsItStands) {
+TEST(XmlPropertyList, CdataIsReadVerbatim) {
   EXPECT_EQ(parseInPlist("<string>a<![CDATA[<b> &amp; ]] >]]>c</string>"), text("a<b> &amp; ]] >c"));
   EXPECT_EQ(parseInPlist("<string><![CDATA[]]></string>"), text(""));
   EXPECT_EQ(parseInPlist("<string><![CDATA[a]]]]></string>"), text("a]]"));
   EXPECT_FALSE(parseInPlist("<string><![CDATA[a</string>"));
 }
 
-TEST(XmlPropertyList, StringsKeepTheirWhiteSpace) {
+TEST(XmlPropertyList, StringsKeepWhiteSpace) {
   EXPECT_EQ(parseInPlist("<string> a\n\tb </string>"), text(" a\n\tb "));
   EXPECT_EQ(parseInPlist("<string/>"), text(""));
   EXPECT_EQ(parseInPlist("<string></string>"), text(""));
 }
 
-TEST(XmlPropertyList, ALongStringComesWholeWhereverItIsCut) {
-  // Whatever the reader's slices are, some character, reference and line end lies across a cut.
+TEST(XmlPropertyList, LongStringIsJoinedFromParserSlices) {
+  // With twelve shifts, every kind of sequence (character, reference, line end) crosses a boundary of the
+  // parser's slices.
   for (std::size_t shift = 0; shift < 12; ++shift) {
     const std::string start(shift, 'x');
     const std::string written = start + repeated("\xF0\x9F\x98\x80&lt;\r\n\xC3\xA9", 3000);
@@ -134,7 +135,7 @@ TEST(XmlPropertyList, ALongStringComesWholeWhereverItIsCut) {
   }
 }
 
-TEST(XmlPropertyList, LongCharacterDataComesWholeWhereverItIsCut) {
+TEST(XmlPropertyList, LongCdataIsJoinedFromParserSlices) {
   for (std::size_t shift = 0; shift < 12; ++shift) {
     const std::string start(shift, 'x');
     const std::string written = start + repeated("\xF0\x9F\x98\x80&]]\r\n\xC3\xA9", 3000);
@@ -165,7 +166,7 @@ TEST(XmlPropertyList, IntegersAreDecimalOrHexadecimal) {
   }
 }
 
-TEST(XmlPropertyList, WhatIsNoIntegerOf64BitsIsUnreadable) {
+TEST(XmlPropertyList, InvalidIntegerIsUnreadable) {
   for (const char* text : {"", " ", "-", "+-1", "--1", "1.0", "1e3", "0x", "0xg", "x1", "12a", "1 2", "0x-1",
                            "9223372036854775808", "-9223372036854775809", "0xFFFFFFFFFFFFFFFF",
                            "100000000000000000000000000000"}) {
@@ -200,14 +201,14 @@ TEST(XmlPropertyList, RealsAreDecimalNumbers) {
   }
 }
 
-TEST(XmlPropertyList, WhatIsNoRealIsUnreadable) {
+TEST(XmlPropertyList, InvalidRealIsUnreadable) {
   for (const char* text : {"", "e5", "1,5", "1.5x", "1.5.5", "+-1", "-+1", "--1", "0x10", "nan(1)", "infinit",
                            "1e999", "1e-999", "1e", ".", "+"}) {
     EXPECT_FALSE(parseInPlist("<real>" + std::string(text) + "</real>")) << text;
   }
 }
 
-TEST(XmlPropertyList, DatesAreSecondsSinceTheYear2001) {
+TEST(XmlPropertyList, DatesAreSecondsSince2001) {
   const std::pair<const char*, double> written[] = {
       {"2001-01-01T00:00:00Z", 0},
       {"2000-12-31T23:59:59Z", -1},
@@ -224,7 +225,7 @@ TEST(XmlPropertyList, DatesAreSecondsSinceTheYear2001) {
   }
 }
 
-TEST(XmlPropertyList, WhatIsNoDateIsUnreadable) {
+TEST(XmlPropertyList, InvalidDateIsUnreadable) {
   for (const char* text :
        {"", "2001-01-01", "2001-01-01T00:00:00", "2001-01-01 00:00:00Z", "2001-01-01T00:00:00+01:00",
         "2001-13-01T00:00:00Z", "2001-00-01T00:00:00Z", "2001-02-29T00:00:00Z", "2001-01-01T24:00:00Z",
@@ -251,14 +252,14 @@ TEST(XmlPropertyList, DataIsBase64WithWhiteSpace) {
   EXPECT_EQ(parseInPlist("<data/>"), dataOf(""));
 }
 
-TEST(XmlPropertyList, WhatIsNoBase64IsUnreadable) {
+TEST(XmlPropertyList, InvalidBase64IsUnreadable) {
   for (const char* text :
        {"Y", "YQ", "YQ=", "=", "Y===", "YQ==YQ==", "YQ=a", "Y-Jj", "Y*Jj", "YWJj====", "YWJj\xC3\xA9"}) {
     EXPECT_FALSE(parseInPlist("<data>" + std::string(text) + "</data>")) << text;
   }
 }
 
-TEST(XmlPropertyList, OfEqualKeysTheLastCounts) {
+TEST(XmlPropertyList, LastOfEqualKeysIsUsed) {
   EXPECT_EQ(parseInPlist("<dict><key>a</key><true/><key>a</key><false/></dict>"),
             single("a", PropertyList(false)));
 }
@@ -270,7 +271,7 @@ TEST(XmlPropertyList, RepeatedKeyTakesLastValueOfAnyType) {
       pairs({{"a", single("a", listOf({}))}, {"b", text("y")}, {"c", text("x")}}));
 }
 
-TEST(XmlPropertyList, ADictionaryIsKeysAndValuesInTurn) {
+TEST(XmlPropertyList, DictionaryAlternatesKeysAndValues) {
   EXPECT_EQ(parseInPlist("<dict><key/><true/></dict>"), single("", PropertyList(true)));
   EXPECT_FALSE(parseInPlist("<dict><key>a</key></dict>"));
   EXPECT_FALSE(parseInPlist("<dict><true/></dict>"));
@@ -304,14 +305,14 @@ TEST(XmlPropertyList, UnknownElementsAreUnreadable) {
   EXPECT_FALSE(parseInPlist("<plist><true/></plist>"));
 }
 
-TEST(XmlPropertyList, ExactlyOneValueIsAList) {
+TEST(XmlPropertyList, ListHasExactlyOneValue) {
   EXPECT_FALSE(parse("<plist/>"));
   EXPECT_FALSE(parse("<plist></plist>"));
   EXPECT_FALSE(parseInPlist("<true/><true/>"));
   EXPECT_FALSE(parse("<true/><true/>"));
 }
 
-TEST(XmlPropertyList, OnlyCommentsMayFollow) {
+TEST(XmlPropertyList, OnlyCommentsAndBlanksMayFollowValue) {
   EXPECT_EQ(parse("<plist><true/></plist> \n<!-- a --><?b?>\n"), PropertyList(true));
   EXPECT_FALSE(parse("<plist><true/></plist>x"));
   EXPECT_FALSE(parse("<plist><true/></plist><plist><true/></plist>"));
@@ -332,7 +333,7 @@ TEST(XmlPropertyList, BrokenMarkupIsUnreadable) {
   EXPECT_FALSE(parse("<plist><true/></plist \">\">"));
 }
 
-TEST(XmlPropertyList, TheDocumentTypeIsPassedOver) {
+TEST(XmlPropertyList, DocumentTypeIsSkipped) {
   EXPECT_EQ(parse("<!DOCTYPE plist [\n<!ELEMENT plist (dict)> <!-- ]> ' --> <?x ]> ?>\n"
                   "<!ENTITY e \"]>\"> <!ATTLIST plist v CDATA '<'>\n] ><plist><true/></plist>"),
             PropertyList(true));
@@ -350,23 +351,23 @@ TEST(XmlPropertyList, DeclaredEntitiesAreNeverExpanded) {
             repeated("&b;", 100'000) + "</string></plist>"));
 }
 
-TEST(XmlPropertyList, ContainersNestUpToTheBound) {
+TEST(XmlPropertyList, NestingIsLimitedToMaxDepth) {
   const auto nested = [](std::size_t depth) {
     return repeated("<array>", depth) + repeated("</array>", depth);
   };
   EXPECT_TRUE(parseInPlist(nested(propertyListMaxDepth)));
   EXPECT_FALSE(parseInPlist(nested(propertyListMaxDepth + 1)));
-  // Beside each other they are no deeper than one of them.
+  // Sibling containers add no depth.
   EXPECT_TRUE(parseInPlist("<array>" + repeated("<array/>", propertyListMaxDepth + 1) + "</array>"));
 }
 
-TEST(XmlPropertyList, ObjectsAreCountedUpToTheBound) {
+TEST(XmlPropertyList, ObjectsAreLimitedToMaxObjects) {
   const auto listOf = [](std::size_t count) {
     return "<array>" + repeated("<true/>", count - 1) + "</array>";
   };
   EXPECT_TRUE(parseInPlist(listOf(propertyListMaxObjects)));
   EXPECT_FALSE(parseInPlist(listOf(propertyListMaxObjects + 1)));
-  // Keys count as well, even when they are the same.
+  // Keys count too, even equal ones.
   EXPECT_FALSE(
       parseInPlist("<dict>" + repeated("<key>a</key><true/>", propertyListMaxObjects / 2) + "</dict>"));
 }

@@ -55,14 +55,14 @@ class Shell : public testing::Test {
     fs::remove("/tmp/told");
   }
 
-  // What the command tells by writing it to /tmp/told.
+  // Runs `command` and returns what it wrote to /tmp/told.
   static std::string toldBy(const std::string& command) {
     fs::remove("/tmp/told");
     platform::system(command);
     return test_support::contentsOf("/tmp/told");
   }
 
-  // The environment that the shell itself was started with.
+  // Returns the initial environment of the shell.
   static Environment environmentOfTheShell() {
     Environment environment;
     const std::string entries = toldBy("cat /proc/$$/environ >/tmp/told; true");
@@ -92,20 +92,20 @@ class Shell : public testing::Test {
   }
 };
 
-TEST_F(Shell, StatusOfTheCommandIsReturned) {
+TEST_F(Shell, ReturnsExitStatusOfCommand) {
   EXPECT_EQ(platform::system("true"), 0);
   const int status = platform::system("exit 42");
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 42);
 }
 
-TEST_F(Shell, SignalThatEndsTheCommandIsReturned) {
+TEST_F(Shell, ReturnsSignalThatKilledCommand) {
   const int status = platform::system("kill -TERM $$");
   ASSERT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(WTERMSIG(status), SIGTERM);
 }
 
-TEST_F(Shell, MissingCommandIs127) {
+TEST_F(Shell, MissingCommandReturns127) {
   StreamCapture errors(STDERR_FILENO);
   const int status = platform::system("no-such-command-anywhere");
   EXPECT_THAT(errors.end(), testing::HasSubstr("no-such-command-anywhere: not found"));
@@ -113,12 +113,12 @@ TEST_F(Shell, MissingCommandIs127) {
   EXPECT_EQ(WEXITSTATUS(status), 127);
 }
 
-TEST_F(Shell, EndOfTheCommandIsWaitedFor) {
+TEST_F(Shell, WaitsForEndOfCommand) {
   EXPECT_EQ(toldBy("i=0; while [ $i -lt 2000 ]; do i=$((i + 1)); done; printf %s $i >/tmp/told"), "2000");
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
 }
 
-TEST_F(Shell, CommandWritesOnTheStreamsOfTheCaller) {
+TEST_F(Shell, CommandInheritsStandardStreams) {
   StreamCapture output(STDOUT_FILENO);
   StreamCapture errors(STDERR_FILENO);
   platform::system("echo text; echo error >&2");
@@ -126,60 +126,60 @@ TEST_F(Shell, CommandWritesOnTheStreamsOfTheCaller) {
   EXPECT_EQ(errors.end(), "error\n");
 }
 
-TEST_F(Shell, QuotesAndLineEndsGoAsTheyStand) {
+TEST_F(Shell, QuotesAndLineEndsArePassedVerbatim) {
   EXPECT_EQ(toldBy("printf %s 'a \"b\" $c * \\d `e` %s\nf ' \"it's \u00e4\u65e5\" >/tmp/told"),
             "a \"b\" $c * \\d `e` %s\nf it's \u00e4\u65e5");
 }
 
-TEST_F(Shell, TheShellExpandsWhatIsNotQuoted) {
+TEST_F(Shell, UnquotedTextIsExpandedByShell) {
   ::setenv("TEXT_OF_TEST", "a b", 1);
   EXPECT_EQ(toldBy("printf '<%s>' $TEXT_OF_TEST \"$TEXT_OF_TEST\" >/tmp/told"), "<a><b><a b>");
   ::unsetenv("TEXT_OF_TEST");
 }
 
-TEST_F(Shell, EnvironmentIsTheCallersWithTheHelpersFirstOnPath) {
+TEST_F(Shell, CommandInheritsEnvironmentWithHelpersFirstOnPath) {
   Environment expected = ownEnvironment();
   expected["PATH"] = std::string(kHelpers) + ":" + kPath;
   expected["TOVALIN_ORIGINAL_PATH"] = kPath;
   EXPECT_EQ(environmentOfTheShell(), expected);
 }
 
-TEST_F(Shell, CallersOwnEnvironmentStaysAsItIs) {
+TEST_F(Shell, EnvironmentOfCallerIsUnchanged) {
   const Environment before = ownEnvironment();
   platform::system("PATH=; true");
   EXPECT_EQ(ownEnvironment(), before);
 }
 
-TEST_F(Shell, OriginalPathOfAnOuterAgentIsReplaced) {
+TEST_F(Shell, InheritedOriginalPathIsReplaced) {
   ::setenv("TOVALIN_ORIGINAL_PATH", "/outer", 1);
   EXPECT_EQ(environmentOfTheShell()["TOVALIN_ORIGINAL_PATH"], kPath);
 }
 
-TEST_F(Shell, WithoutPathTheUsualFoldersStandBehindTheHelpers) {
+TEST_F(Shell, WithoutPathDefaultFoldersFollowHelpers) {
   ::unsetenv("PATH");
   const Environment environment = environmentOfTheShell();
   EXPECT_EQ(environment.at("PATH"), std::string(kHelpers) + ":/usr/local/bin:/usr/bin:/bin");
   EXPECT_EQ(environment.at("TOVALIN_ORIGINAL_PATH"), "/usr/local/bin:/usr/bin:/bin");
 }
 
-TEST_F(Shell, WithoutAPrivateFolderPathStaysAsItIs) {
+TEST_F(Shell, WithoutPrivateFolderPathIsUnchanged) {
   fs::permissions("/tmp/run/TovalinTray", fs::perms(0777));
   EXPECT_EQ(environmentOfTheShell().at("PATH"), kPath);
 }
 
-TEST_F(Shell, HelperIsFoundBeforeAProgramOfTheSameName) {
+TEST_F(Shell, HelperPrecedesProgramOfSameName) {
   putHelper("cat", "echo the helper with $1 >/tmp/told");
   EXPECT_EQ(toldBy("cat argument"), "the helper with argument\n");
 }
 
-// A set of signals as /proc shows it, without the two that the C library keeps to itself.
+// Returns a signal set of /proc/PID/status without signals 32 and 33, which the C library reserves.
 unsigned long long signalsIn(const std::string& status, const std::string& field) {
   constexpr unsigned long long kInternal = 0b11ULL << 31;
   const std::size_t start = status.find(field + ":\t");
   return start == std::string::npos ? ~0ULL : std::stoull(status.substr(start + 8), nullptr, 16) & ~kInternal;
 }
 
-TEST_F(Shell, CommandHasDefaultSignalsAndAnEmptyMask) {
+TEST_F(Shell, CommandStartsWithDefaultSignalsAndEmptyMask) {
   const std::string status = test_support::runForked([] {
                                sigset_t all;
                                ::sigfillset(&all);
@@ -192,7 +192,7 @@ TEST_F(Shell, CommandHasDefaultSignalsAndAnEmptyMask) {
   EXPECT_EQ(signalsIn(status, "SigIgn"), 0U) << status;
 }
 
-TEST_F(Shell, SignalsOfTheCallerStayAsTheyAre) {
+TEST_F(Shell, SignalStateOfCallerIsUnchanged) {
   const auto finished = test_support::runForked([] {
     sigset_t mask;
     ::sigemptyset(&mask);
@@ -209,9 +209,9 @@ TEST_F(Shell, SignalsOfTheCallerStayAsTheyAre) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }
 
-TEST_F(Shell, CommandHasNoDescriptorsButItsStreams) {
+TEST_F(Shell, CommandInheritsOnlyStandardStreams) {
   const auto finished = test_support::runForked([] {
-    // Whoever started this program may have left descriptors of its own to it.
+    // The parent of the test program may have leaked descriptors to it.
     ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     const test_support::FileDescriptor file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
     return file.get() > STDERR_FILENO ? platform::system("ls /proc/$$/fd; true") : 1;
@@ -220,7 +220,7 @@ TEST_F(Shell, CommandHasNoDescriptorsButItsStreams) {
   EXPECT_EQ(finished.output, "0\n1\n2\n");
 }
 
-TEST_F(Shell, NoDescriptorOfTheCallerStaysOpen) {
+TEST_F(Shell, LeaksNoDescriptor) {
   const int before = test_support::openDescriptors();
   platform::system("true");
   EXPECT_EQ(test_support::openDescriptors(), before);
@@ -228,13 +228,13 @@ TEST_F(Shell, NoDescriptorOfTheCallerStaysOpen) {
 
 std::atomic<int> signalsTaken = 0;
 
-TEST_F(Shell, SignalDuringTheWaitDoesNotEndIt) {
+TEST_F(Shell, SignalDoesNotInterruptWait) {
   struct sigaction action {};
   struct sigaction before {};
   action.sa_handler = [](int) { ++signalsTaken; };
   signalsTaken = 0;
   ::sigaction(SIGUSR1, &action, &before);
-  // The state letter S: the caller sleeps in its wait.
+  // Process state S: the caller is blocked in its wait.
   const int status = platform::system(
       "until grep -q '^State:.S' /proc/$PPID/status; do :; done\n"
       "kill -USR1 $PPID\n"
@@ -246,12 +246,12 @@ TEST_F(Shell, SignalDuringTheWaitDoesNotEndIt) {
   EXPECT_EQ(WEXITSTATUS(status), 7);
 }
 
-TEST_F(Shell, ThreadsRunTheirCommandsBesideEachOther) {
+TEST_F(Shell, ThreadsRunCommandsConcurrently) {
   int first = 0;
   int second = 0;
   ASSERT_EQ(::mkfifo("/tmp/run/meeting", 0600), 0);
   {
-    // Each end of a pipe waits for the other to be opened.
+    // Opening a FIFO blocks until the other end is opened, so both commands must run at once.
     const std::jthread reader([&] { first = platform::system("read word </tmp/run/meeting; exit $word"); });
     const std::jthread writer([&] { second = platform::system("echo 3 >/tmp/run/meeting; exit 4"); });
   }
@@ -259,14 +259,14 @@ TEST_F(Shell, ThreadsRunTheirCommandsBesideEachOther) {
   EXPECT_EQ(WEXITSTATUS(second), 4);
 }
 
-TEST_F(Shell, CommandWithinItsLimitEndsAsWithoutOne) {
+TEST_F(Shell, CommandWithinLimitReturnsItsStatus) {
   const auto status = platform::system("exit 42", 60s);
   ASSERT_TRUE(status && WIFEXITED(*status));
   EXPECT_EQ(WEXITSTATUS(*status), 42);
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
 }
 
-TEST_F(Shell, CommandBeyondItsLimitIsKilledWithItsChildren) {
+TEST_F(Shell, CommandBeyondLimitIsKilledWithItsChildren) {
   StreamCapture output(STDOUT_FILENO);
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(platform::system("trap '' TERM; sleep 1000 & echo $!; echo $$; wait", 200ms), std::nullopt);
@@ -279,9 +279,9 @@ TEST_F(Shell, CommandBeyondItsLimitIsKilledWithItsChildren) {
   EXPECT_EQ(found, 2);
 }
 
-TEST_F(Shell, OnlyTheGroupOfTheCommandIsKilled) {
+TEST_F(Shell, OnlyProcessGroupOfCommandIsKilled) {
   const auto finished = test_support::runForked([] {
-    // A child of the caller's that another command beyond its limit must not reach.
+    // Another child of the caller, which the kill of the command must not reach.
     const pid_t other = ::fork();
     if (other == 0) ::pause();
     const bool limited = !platform::system("sleep 1000", 50ms);
@@ -292,7 +292,7 @@ TEST_F(Shell, OnlyTheGroupOfTheCommandIsKilled) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }
 
-TEST_F(Shell, CommandWithLimitOnlyWaitsForItsShell) {
+TEST_F(Shell, LimitedCommandWaitsOnlyForItsShell) {
   StreamCapture output(STDOUT_FILENO);
   EXPECT_EQ(platform::system("sleep 1000 >/dev/null & echo $!", 60s), 0);
   std::string process = output.end();
@@ -301,7 +301,7 @@ TEST_F(Shell, CommandWithLimitOnlyWaitsForItsShell) {
   ::kill(std::stoi(process), SIGKILL);
 }
 
-TEST_F(Shell, LimitHoldsWithoutFreeDescriptors) {
+TEST_F(Shell, LimitIsEnforcedWithoutFreeDescriptors) {
   const auto finished = test_support::runForked([] {
     const rlimit few{32, 32};
     if (::setrlimit(RLIMIT_NOFILE, &few) != 0) return 1;
@@ -311,7 +311,7 @@ TEST_F(Shell, LimitHoldsWithoutFreeDescriptors) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }
 
-TEST_F(Shell, WithoutAShellItIsMinusOne) {
+TEST_F(Shell, WithoutShellReturnsMinusOne) {
   fs::create_directory("/tmp/run/empty");
   const auto finished = test_support::runForked([] {
     if (::chroot("/tmp/run/empty") != 0) return 1;
@@ -320,7 +320,7 @@ TEST_F(Shell, WithoutAShellItIsMinusOne) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }
 
-TEST_F(Shell, WithoutAShellALimitedCommandIsMinusOneToo) {
+TEST_F(Shell, WithoutShellLimitedCommandReturnsMinusOne) {
   fs::create_directory("/tmp/run/empty");
   const auto finished = test_support::runForked([] {
     if (::chroot("/tmp/run/empty") != 0) return 1;
@@ -329,7 +329,7 @@ TEST_F(Shell, WithoutAShellALimitedCommandIsMinusOneToo) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }
 
-TEST_F(Shell, CommandBeyondWhatAProcessMayBeGivenIsMinusOne) {
+TEST_F(Shell, OverlongCommandReturnsMinusOne) {
   EXPECT_EQ(platform::system("true " + std::string(1 << 20, 'x')), -1);
 }
 

@@ -14,7 +14,7 @@ struct Case {
 
 class TransferEnds : public testing::TestWithParam<Case> {};
 
-TEST_P(TransferEnds, AreJudgedAsTheTableSays) {
+TEST_P(TransferEnds, IsWholeReplyMatchesTable) {
   EXPECT_EQ(platform::isWholeReply(GetParam().end), GetParam().isWhole);
 }
 
@@ -22,7 +22,8 @@ constexpr CURLcode sent = CURLE_OK;
 constexpr CURLcode sendFailed = CURLE_SEND_ERROR;
 constexpr CURLcode timedOut = CURLE_OPERATION_TIMEDOUT;
 
-// In each row: result, whether the head is whole, status, announced size, received size.
+// Columns of TransferEnd: curl result, whether the header is complete, HTTP status, announced and received
+// body size.
 INSTANTIATE_TEST_SUITE_P(
     , TransferEnds,
     testing::Values(Case{"Usual", {sent, true, 200, 5, 5}, true},

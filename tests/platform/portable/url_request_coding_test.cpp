@@ -28,19 +28,19 @@ std::optional<std::string> replyWithCoding(const std::string& body, const std::s
 const std::string kText = "the text";
 const std::string kGzipped = compressed(kText, CompressedFormat::Gzip);
 
-TEST(UrlRequestCoding, BodyOfUnknownCodingIsAsReceived) {
+TEST(UrlRequestCoding, BodyOfUnknownCodingIsUnchanged) {
   for (const char* coding : {"utf-8", "UTF-8", "text", "8bit", "identity", "none", "br", "compress",
                              "gzip;q=1", "gzip deflate", "", ",", "\"gzip\""})
     EXPECT_THAT(replyWithCoding(kText, coding), Optional(kText)) << coding;
 }
 
-TEST(UrlRequestCoding, ReplyToAPostOfUnknownCodingIsAsReceived) {
+TEST(UrlRequestCoding, ReplyToPostOfUnknownCodingIsUnchanged) {
   const RawHttpServer server(RawHttpServer::answer(httpReply("OK", codingHeader("utf-8"))));
   EXPECT_THAT(sendSynchronousRequest(test_support::postOf(server.url(), "body")),
               Optional(std::string("OK")));
 }
 
-TEST(UrlRequestCoding, GzipAndDeflateOfAnyCaseAreDecoded) {
+TEST(UrlRequestCoding, GzipAndDeflateAreDecodedCaseInsensitively) {
   for (const char* coding : {"gzip", "GZip", "x-gzip", "X-GZIP", "  gzip\t", "identity, gzip"})
     EXPECT_THAT(replyWithCoding(kGzipped, coding), Optional(kText)) << coding;
   for (const auto format : {CompressedFormat::Zlib, CompressedFormat::RawDeflate}) {
@@ -49,12 +49,12 @@ TEST(UrlRequestCoding, GzipAndDeflateOfAnyCaseAreDecoded) {
   }
 }
 
-TEST(UrlRequestCoding, UnknownCodingBesideGzipIsPassedOver) {
+TEST(UrlRequestCoding, UnknownCodingNextToGzipIsSkipped) {
   for (const char* codings : {"utf-8, gzip", "gzip, utf-8", "utf-8,gzip,identity"})
     EXPECT_THAT(replyWithCoding(kGzipped, codings), Optional(kText)) << codings;
 }
 
-TEST(UrlRequestCoding, SeveralHeaderLinesAreOneList) {
+TEST(UrlRequestCoding, SeveralHeaderLinesFormOneList) {
   const std::string body = compressed(kGzipped, CompressedFormat::Zlib);
   for (const std::string& headers :
        {codingHeader("gzip, deflate"), codingHeader("gzip") + codingHeader("deflate"),
@@ -62,7 +62,7 @@ TEST(UrlRequestCoding, SeveralHeaderLinesAreOneList) {
     EXPECT_THAT(replyOf(RawHttpServer::answer(httpReply(body, headers))), Optional(kText)) << headers;
 }
 
-TEST(UrlRequestCoding, TenHeaderLinesAreReadAndNoMore) {
+TEST(UrlRequestCoding, HeaderLinesAfterTenthAreIgnored) {
   std::string headers;
   for (int i = 0; i < 9; ++i) headers += codingHeader("utf-8");
   EXPECT_THAT(replyOf(RawHttpServer::answer(httpReply(kGzipped, headers + codingHeader("gzip")))),
@@ -78,13 +78,13 @@ TEST(UrlRequestCoding, ChunksAreJoinedBeforeDecoding) {
                 Optional(kText));
 }
 
-TEST(UrlRequestCoding, BodyThatIsNotInItsCodingIsAsReceived) {
+TEST(UrlRequestCoding, BodyNotInItsCodingIsUnchanged) {
   const std::string truncated = kGzipped.substr(0, kGzipped.size() - 1);
   for (const std::string& body : {kText, std::string("\x1f"), truncated})
     EXPECT_THAT(replyWithCoding(body, "gzip"), Optional(body)) << testing::PrintToString(body);
 }
 
-TEST(UrlRequestCoding, EmptyBodyOfACodingIsAReply) {
+TEST(UrlRequestCoding, EmptyBodyWithCodingIsReply) {
   for (const char* coding : {"gzip", "deflate", "utf-8"}) {
     EXPECT_THAT(replyWithCoding("", coding), Optional(std::string())) << coding;
     EXPECT_THAT(replyOf(RawHttpServer::answer("HTTP/1.1 204 No Content\r\n" + codingHeader(coding) + "\r\n")),
@@ -93,12 +93,12 @@ TEST(UrlRequestCoding, EmptyBodyOfACodingIsAReply) {
   }
 }
 
-TEST(UrlRequestCoding, CutTransferOfACodedBodyIsNoReply) {
+TEST(UrlRequestCoding, IncompleteTransferOfCodedBodyIsNoReply) {
   const std::string head = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n" + codingHeader("gzip") + "\r\n";
   EXPECT_EQ(replyOf(RawHttpServer::answer(head + kGzipped)), std::nullopt);
 }
 
-TEST(UrlRequestCoding, OfARedirectIsNotThatOfItsTarget) {
+TEST(UrlRequestCoding, CodingOfRedirectDoesNotApplyToTarget) {
   for (const auto& [atFirst, then] :
        {std::pair<const char*, const char*>("gzip", "utf-8"), {"utf-8", "gzip"}}) {
     const RawHttpServer target(RawHttpServer::answer(httpReply(kGzipped, codingHeader(then))));
@@ -110,7 +110,7 @@ TEST(UrlRequestCoding, OfARedirectIsNotThatOfItsTarget) {
   }
 }
 
-TEST(UrlRequestCoding, OfAnInterimReplyOrTrailerIsNotThatOfTheReply) {
+TEST(UrlRequestCoding, CodingOfInterimReplyOrTrailerDoesNotApplyToReply) {
   EXPECT_THAT(replyOf(RawHttpServer::answer("HTTP/1.1 103 Early Hints\r\n" + codingHeader("gzip") + "\r\n" +
                                             httpReply(kGzipped))),
               Optional(kGzipped));
@@ -119,7 +119,7 @@ TEST(UrlRequestCoding, OfAnInterimReplyOrTrailerIsNotThatOfTheReply) {
   EXPECT_THAT(replyOf(RawHttpServer::answer(chunks)), Optional(kGzipped));
 }
 
-// Answers after the head of the request and takes no more of it.
+// The server replies after the request header and does not read the body.
 TEST(UrlRequestCoding, EarlyReplyIsDecoded) {
   const std::string body(std::size_t{100} << 20, 'b');
   const RawHttpServer server([](RawConnection& connection) {

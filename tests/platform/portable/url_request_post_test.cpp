@@ -19,7 +19,8 @@ using test_support::RawHttpServer;
 using test_support::requestFor;
 using testing::Optional;
 
-// What a server reads of `request`, which is sent to "/path" there.
+// Sends `request` to "/path?a=b%20c" of a local server. Returns the bytes that the server receives, with its
+// address replaced by "HOST".
 std::string onTheWire(UrlRequest request) {
   std::string bytes;
   std::string host;
@@ -37,7 +38,7 @@ std::string onTheWire(UrlRequest request) {
   return bytes;
 }
 
-TEST(UrlRequestOnTheWire, PlainGet) {
+TEST(UrlRequestOnTheWire, GetSendsDefaultHeaders) {
   EXPECT_EQ(onTheWire({}),
             "GET /path?a=b%20c HTTP/1.1\r\n"
             "Host: HOST\r\n"
@@ -47,7 +48,7 @@ TEST(UrlRequestOnTheWire, PlainGet) {
             "\r\n");
 }
 
-TEST(UrlRequestOnTheWire, GetThatNoStoreMayAnswer) {
+TEST(UrlRequestOnTheWire, GetIgnoringCacheSendsNoCache) {
   UrlRequest request;
   request.cachePolicy = UrlRequest::CachePolicy::ReloadIgnoringLocalCache;
   EXPECT_EQ(onTheWire(request),
@@ -61,7 +62,7 @@ TEST(UrlRequestOnTheWire, GetThatNoStoreMayAnswer) {
             "\r\n");
 }
 
-TEST(UrlRequestOnTheWire, PostInPieces) {
+TEST(UrlRequestOnTheWire, PostSendsPiecesAsOneBody) {
   const std::string parts[] = {"first,", "", "second,", "third", ""};
   UrlRequest request = postOf("", "");
   request.headers = {"Content-Type: text/plain", "X-Empty:"};
@@ -78,7 +79,7 @@ TEST(UrlRequestOnTheWire, PostInPieces) {
             "first,second,third");
 }
 
-TEST(UrlRequestOnTheWire, PostWithoutABody) {
+TEST(UrlRequestOnTheWire, PostWithoutBodySendsContentLengthZero) {
   for (const UrlRequest& request : {postOf("", ""), UrlRequest{.method = "POST"}}) {
     EXPECT_EQ(onTheWire(request),
               "POST /path?a=b%20c HTTP/1.1\r\n"
@@ -90,7 +91,7 @@ TEST(UrlRequestOnTheWire, PostWithoutABody) {
   }
 }
 
-TEST(UrlRequestOnTheWire, PiecesOfAnySizeAreJoinedWithoutAGap) {
+TEST(UrlRequestOnTheWire, PiecesOfAnySizeAreConcatenated) {
   std::string body;
   for (int i = 0; i < 400'000; ++i) body += static_cast<char>(i * 31 + i / 256);
   UrlRequest request = postOf("", "");
@@ -103,7 +104,7 @@ TEST(UrlRequestOnTheWire, PiecesOfAnySizeAreJoinedWithoutAGap) {
   EXPECT_TRUE(onTheWire(request).ends_with("\r\nContent-Length: 400000\r\n\r\n" + body));
 }
 
-TEST(UrlRequestBody, SeekReachesEveryPositionAndTheEnd) {
+TEST(UrlRequestBody, SeekReachesEveryPositionUpToEnd) {
   const std::string first = "ab", none, second = "cde";
   const std::vector<std::span<const char>> pieces{first, none, second, none};
   platform::UrlRequestBody body(pieces);
@@ -121,7 +122,7 @@ TEST(UrlRequestBody, SeekReachesEveryPositionAndTheEnd) {
   EXPECT_EQ(next, "d") << "a position behind the end moves nothing";
 }
 
-TEST(UrlRequestPost, LargeBodyIsNeitherCopiedNorCut) {
+TEST(UrlRequestPost, LargeBodyIsSentWhole) {
   constexpr std::size_t kPiece = std::size_t{1} << 20;
   constexpr std::size_t kPieces = 100;
   const std::string piece(kPiece, 'p');
@@ -139,14 +140,15 @@ TEST(UrlRequestPost, LargeBodyIsNeitherCopiedNorCut) {
   EXPECT_THAT(head, testing::HasSubstr("\r\nContent-Length: 104857600\r\n"));
 }
 
-TEST(UrlRequestPost, ServersWordToGoOnIsNotAwaited) {
+TEST(UrlRequestPost, ContinueReplyIsNotAwaited) {
   const std::string body(2 << 20, 'b');
   std::string request;
   const RawHttpServer server([&](RawConnection& connection) {
     request = connection.readRequest();
     connection.send("HTTP/1.1 100 Continue\r\n\r\n" + httpReply("taken"));
   });
-  // One second is how long a client waits for that word; a busy machine may hold up one try or another.
+  // A client that sends "Expect: 100-continue" waits 1 s. The shortest of five attempts discounts delays of a
+  // busy machine.
   constexpr std::chrono::milliseconds wait{900};
   auto shortest = std::chrono::milliseconds::max();
   for (int i = 0; i < 5 && shortest >= wait; ++i) {
@@ -159,7 +161,8 @@ TEST(UrlRequestPost, ServersWordToGoOnIsNotAwaited) {
   EXPECT_EQ(request.find("\r\nExpect:"), std::string::npos);
 }
 
-// Answers after the head, then takes some more of the body, so that the client has seen the answer, and goes.
+// Sends `reply` after the request header, then reads 30 MiB of the body, so that the client receives the
+// reply before the connection closes.
 RawHttpServer::Script answerEarly(const std::string& reply) {
   return [reply](RawConnection& connection) {
     connection.readHead();
@@ -168,13 +171,13 @@ RawHttpServer::Script answerEarly(const std::string& reply) {
   };
 }
 
-TEST(UrlRequestPost, RefusalBeforeTheEndOfTheBodyIsAReply) {
+TEST(UrlRequestPost, ErrorStatusBeforeEndOfBodyIsReply) {
   const std::string body(std::size_t{100} << 20, 'b');
   const RawHttpServer server(answerEarly(httpReply("too large", "Connection: close\r\n", "413 Too Large")));
   EXPECT_THAT(sendSynchronousRequest(postOf(server.url(), body)), Optional(std::string("too large")));
 }
 
-TEST(UrlRequestPost, ReplyBeforeTheEndOfTheBodyIsAReply) {
+TEST(UrlRequestPost, ReplyBeforeEndOfBodyIsReply) {
   const std::string body(std::size_t{100} << 20, 'b');
   for (const char* headers : {"", "Connection: close\r\n"}) {
     const RawHttpServer server(answerEarly(httpReply("enough", headers)));
@@ -183,7 +186,7 @@ TEST(UrlRequestPost, ReplyBeforeTheEndOfTheBodyIsAReply) {
   }
 }
 
-TEST(UrlRequestPost, ReplyOfAServerThatTakesNoMoreIsAReply) {
+TEST(UrlRequestPost, ReplyOfServerThatStopsReadingIsReply) {
   const std::string body(std::size_t{100} << 20, 'b');
   const RawHttpServer server([](RawConnection& connection) {
     connection.readHead();
@@ -195,12 +198,12 @@ TEST(UrlRequestPost, ReplyOfAServerThatTakesNoMoreIsAReply) {
   EXPECT_THAT(sendSynchronousRequest(request), Optional(std::string("enough")));
 }
 
-// Answers early with a redirect to `place`.
+// Sends a redirect to `place` before the end of the body.
 RawHttpServer::Script redirectEarly(const std::string& place, const std::string& status) {
   return answerEarly(httpReply("moved", "Location: " + place + "\r\nConnection: close\r\n", status));
 }
 
-TEST(UrlRequestPost, RedirectBeforeTheEndOfTheBodyIsFollowed) {
+TEST(UrlRequestPost, RedirectBeforeEndOfBodyIsFollowed) {
   const std::string body(std::size_t{40} << 20, 'b');
   for (const char* status : {"302 Found", "303 See Other", "307 Temporary Redirect"}) {
     const RawHttpServer target(RawHttpServer::answer(httpReply("there")));
@@ -209,7 +212,7 @@ TEST(UrlRequestPost, RedirectBeforeTheEndOfTheBodyIsFollowed) {
   }
 }
 
-TEST(UrlRequestPost, RedirectBeforeTheEndOfTheBodyToAServerThatFailsIsNoReply) {
+TEST(UrlRequestPost, RedirectBeforeEndOfBodyToFailingServerIsNoReply) {
   const std::string body(std::size_t{40} << 20, 'b');
   const RawHttpServer resetting([](RawConnection& connection) {
     connection.readHead();
@@ -227,25 +230,25 @@ TEST(UrlRequestPost, RedirectBeforeTheEndOfTheBodyToAServerThatFailsIsNoReply) {
   }
 }
 
-TEST(UrlRequestPost, PartOfAReplyBeforeTheEndOfTheBodyIsNone) {
+TEST(UrlRequestPost, PartialReplyBeforeEndOfBodyIsNoReply) {
   const std::string body(std::size_t{100} << 20, 'b');
   const RawHttpServer server(answerEarly("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nnot all"));
   EXPECT_EQ(sendSynchronousRequest(postOf(server.url(), body)), std::nullopt);
 }
 
-TEST(UrlRequestPost, ServerThatGoesWithinTheBodyIsNoReply) {
+TEST(UrlRequestPost, ConnectionClosedWithinBodyIsNoReply) {
   const std::string body(std::size_t{100} << 20, 'b');
   const RawHttpServer server([](RawConnection& connection) { connection.readBytes(100'000); });
   EXPECT_EQ(sendSynchronousRequest(postOf(server.url(), body)), std::nullopt);
 }
 
-TEST(UrlRequestPost, ReplyIsUnpackedToo) {
+TEST(UrlRequestPost, GzipReplyIsDecoded) {
   const RawHttpServer server(
       RawHttpServer::answer(httpReply(test_support::gzipped("packed"), "Content-Encoding: gzip\r\n")));
   EXPECT_THAT(sendSynchronousRequest(postOf(server.url(), "body")), Optional(std::string("packed")));
 }
 
-TEST(UrlRequestPost, OtherMethodsAndBodiesOfAGetAreNoRequest) {
+TEST(UrlRequestPost, OtherMethodOrGetWithBodyIsNotSent) {
   const RawHttpServer server(RawHttpServer::answer(httpReply("text")));
   for (const char* method : {"", "PUT", "post", "DELETE"}) {
     UrlRequest request = requestFor(server.url());

@@ -29,18 +29,18 @@ using test_support::RawHttpServer;
 using test_support::requestFor;
 using testing::Optional;
 
-TEST(UrlRequestProcess, NoDescriptorStaysOpen) {
+TEST(UrlRequestProcess, LeaksNoDescriptor) {
   const RawHttpServer server(RawHttpServer::answer("HTTP/1.1 200 OK\r\n\r\ntext"));
   std::ignore = sendSynchronousRequest(requestFor(server.url()));
   const int before = openDescriptors();
   for (int i = 0; i < 50; ++i)
     EXPECT_THAT(sendSynchronousRequest(requestFor(server.url())), Optional(std::string("text")));
-  // The server closes its ends on its own time.
+  // The server closes its descriptors asynchronously.
   EXPECT_TRUE(test_support::waitUntil([&] { return openDescriptors() <= before; }))
       << before << ' ' << openDescriptors();
 }
 
-// Runs `during` while a request waits for its reply.
+// Runs `during` between the request and its reply. Returns the reply.
 template <typename During>
 std::optional<std::string> replyWith(During during) {
   const RawHttpServer server([&](RawConnection& connection) {
@@ -51,7 +51,7 @@ std::optional<std::string> replyWith(During during) {
   return sendSynchronousRequest(requestFor("http://localhost:" + std::to_string(server.port()) + "/"));
 }
 
-TEST(UrlRequestProcess, ProgramStartedMeanwhileGetsNoDescriptor) {
+TEST(UrlRequestProcess, ProgramStartedDuringRequestInheritsNoDescriptor) {
   const auto finished = test_support::runForked([] {
     int status = -1;
     const auto reply = replyWith([&] { status = platform::system("ls /proc/$$/fd; true"); });
@@ -61,12 +61,12 @@ TEST(UrlRequestProcess, ProgramStartedMeanwhileGetsNoDescriptor) {
   EXPECT_EQ(finished.output, "0\n1\n2\n");
 }
 
-TEST(UrlRequestProcess, ThreadsSendBesideEachOther) {
+TEST(UrlRequestProcess, ThreadsSendConcurrently) {
   constexpr int kThreads = 8;
   std::latch together(kThreads);
   const RawHttpServer server([&](RawConnection& connection) {
     const std::string head = connection.readHead();
-    // None is answered before all are there.
+    // Replies to none before all requests have arrived.
     together.arrive_and_wait();
     connection.send(httpReply(head.substr(0, head.find(" HTTP"))));
   });
@@ -84,7 +84,7 @@ TEST(UrlRequestProcess, ThreadsSendBesideEachOther) {
     EXPECT_THAT(replies[static_cast<std::size_t>(i)], Optional("GET /" + std::to_string(i)));
 }
 
-TEST(UrlRequestProcess, WaitingCostsNoTime) {
+TEST(UrlRequestProcess, WaitingUsesNoCpuTime) {
   const auto used = [] {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
@@ -99,7 +99,7 @@ TEST(UrlRequestProcess, WaitingCostsNoTime) {
   EXPECT_LT(used() - before, 200ms);
 }
 
-TEST(UrlRequestProcess, SignalsOfTheCallerStayAsTheyAre) {
+TEST(UrlRequestProcess, SignalMaskOfCallerIsUnchanged) {
   sigset_t before;
   sigset_t after;
   ::pthread_sigmask(SIG_BLOCK, nullptr, &before);
@@ -109,7 +109,8 @@ TEST(UrlRequestProcess, SignalsOfTheCallerStayAsTheyAre) {
     EXPECT_EQ(::sigismember(&before, signal), ::sigismember(&after, signal)) << signal;
 }
 
-// Sends a request where there is no network at all, not even a loopback that is up.
+// Sends a request in a new network namespace, whose loopback interface is down. The exit status is 0 if the
+// call returns without a reply within 5 s.
 ExitStatus sentWithoutNetwork(const std::string& url) {
   const auto finished = test_support::runForked([&] {
     if (::unshare(CLONE_NEWNET) != 0) return test_support::kNotToBeHad;
@@ -120,20 +121,20 @@ ExitStatus sentWithoutNetwork(const std::string& url) {
   return finished.status.value_or(ExitStatus{.code = -1});
 }
 
-TEST(UrlRequestProcess, WithoutANetworkTheCallReturnsAtOnce) {
+TEST(UrlRequestProcess, WithoutNetworkReturnsImmediately) {
   EXPECT_EQ(sentWithoutNetwork("http://127.0.0.1:8080/"), ExitStatus{.code = 0}) << "the loopback";
   EXPECT_EQ(sentWithoutNetwork("http://192.0.2.1/"), ExitStatus{.code = 0}) << "an address";
   EXPECT_EQ(sentWithoutNetwork("http://host.example/"), ExitStatus{.code = 0}) << "a name";
   EXPECT_EQ(sentWithoutNetwork("https://host.example/"), ExitStatus{.code = 0}) << "a name";
 }
 
-TEST(UrlRequestProcess, UnreachableNetworkIsNoReplyAtOnce) {
+TEST(UrlRequestProcess, UnreachableNetworkReturnsImmediately) {
   const auto outcome = outcomeOf(requestFor("http://192.0.2.1/"));
   EXPECT_EQ(outcome.reply, std::nullopt);
   EXPECT_LT(outcome.time, 5s);
 }
 
-TEST(UrlRequestProcess, ProxyOfTheEnvironmentIsAsked) {
+TEST(UrlRequestProcess, UsesHttpProxyOfEnvironment) {
   std::string head;
   const RawHttpServer proxy([&](RawConnection& connection) {
     head = connection.readHead();

@@ -21,7 +21,7 @@ std::string redirectTo(const std::string& place, const std::string& status = "30
   return httpReply("moved", "Location: " + place + "\r\n", status);
 }
 
-TEST(UrlRequestRedirect, IsFollowedToItsReply) {
+TEST(UrlRequestRedirect, IsFollowed) {
   for (const char* status : {"301 Moved Permanently", "302 Found", "303 See Other", "307 Temporary Redirect",
                              "308 Permanent Redirect"}) {
     const RawHttpServer target(RawHttpServer::answer(httpReply("there")));
@@ -30,7 +30,7 @@ TEST(UrlRequestRedirect, IsFollowedToItsReply) {
   }
 }
 
-TEST(UrlRequestRedirect, MayNameAPathOfTheSameServer) {
+TEST(UrlRequestRedirect, RelativeLocationIsResolved) {
   std::string head;
   const RawHttpServer server(std::vector<RawHttpServer::Script>{
       RawHttpServer::answer(redirectTo("../other?x=1")), [&](RawConnection& connection) {
@@ -41,12 +41,12 @@ TEST(UrlRequestRedirect, MayNameAPathOfTheSameServer) {
   EXPECT_THAT(head, StartsWith("GET /a/other?x=1 HTTP/1.1\r\n"));
 }
 
-// Serves redirects to itself without end, all over one connection.
+// Redirects to itself without end over one connection.
 void redirectForever(RawConnection& connection) {
   while (!connection.readHead().empty()) connection.send(redirectTo("/again"));
 }
 
-TEST(UrlRequestRedirect, WithoutEndIsNoReply) {
+TEST(UrlRequestRedirect, EndlessRedirectIsNoReply) {
   const RawHttpServer server(redirectForever);
   const auto outcome = test_support::outcomeOf(requestFor(server.url()));
   EXPECT_EQ(outcome.reply, std::nullopt);
@@ -62,12 +62,12 @@ std::optional<std::string> replyAfterRedirects(int count) {
   return sendSynchronousRequest(requestFor(server.url()));
 }
 
-TEST(UrlRequestRedirect, TwentyAreFollowedAndNoMore) {
+TEST(UrlRequestRedirect, MoreThanTwentyAreNotFollowed) {
   EXPECT_THAT(replyAfterRedirects(20), Optional(std::string("arrived")));
   EXPECT_EQ(replyAfterRedirects(21), std::nullopt);
 }
 
-TEST(UrlRequestRedirect, LeadsToTheWebOnly) {
+TEST(UrlRequestRedirect, OtherSchemeThanHttpIsNotFollowed) {
   std::ofstream("/tmp/file") << "a file";
   const RawHttpServer target(RawHttpServer::answer(httpReply("there")));
   for (const std::string& place : {std::string("file:///tmp/file"), target.url("/", "ftp"),
@@ -80,7 +80,7 @@ TEST(UrlRequestRedirect, LeadsToTheWebOnly) {
   EXPECT_EQ(target.connections(), 0U);
 }
 
-TEST(UrlRequestRedirect, LeadsToTheAllowedSchemesOnly) {
+TEST(UrlRequestRedirect, SchemeNotAllowedIsNotFollowed) {
   const RawHttpServer target(RawHttpServer::answer(httpReply("there")));
   std::map<std::string, std::optional<std::string>> replies;
   for (const char* schemes : {"http", "https", "https,http", "", "nonsense"}) {
@@ -95,7 +95,7 @@ TEST(UrlRequestRedirect, LeadsToTheAllowedSchemesOnly) {
   EXPECT_EQ(target.connections(), 2U);
 }
 
-TEST(UrlRequestRedirect, FirstAddressNeedsNoAllowedScheme) {
+TEST(UrlRequestRedirect, RedirectSchemesDoNotApplyToFirstAddress) {
   const RawHttpServer server(RawHttpServer::answer(httpReply("here")));
   for (const char* schemes : {"https", ""}) {
     UrlRequest request = requestFor(server.url());
@@ -104,7 +104,7 @@ TEST(UrlRequestRedirect, FirstAddressNeedsNoAllowedScheme) {
   }
 }
 
-TEST(UrlRequestRedirect, ToAServerThatIsGoneIsNoReply) {
+TEST(UrlRequestRedirect, ToClosedPortIsNoReply) {
   std::string gone;
   {
     const RawHttpServer server(RawHttpServer::answer(""));
@@ -114,7 +114,7 @@ TEST(UrlRequestRedirect, ToAServerThatIsGoneIsNoReply) {
   EXPECT_EQ(sendSynchronousRequest(requestFor(server.url())), std::nullopt);
 }
 
-TEST(UrlRequestRedirect, ToAServerThatEndsWithinItsHeaderIsNoReply) {
+TEST(UrlRequestRedirect, ConnectionClosedWithinHeaderOfTargetIsNoReply) {
   for (const char* cut : {"", "HTTP/1.1 20", "HTTP/1.1 200 OK\r\nContent-Le"}) {
     const RawHttpServer target(RawHttpServer::answer(cut));
     const RawHttpServer server(RawHttpServer::answer(redirectTo(target.url())));
@@ -122,12 +122,12 @@ TEST(UrlRequestRedirect, ToAServerThatEndsWithinItsHeaderIsNoReply) {
   }
 }
 
-TEST(UrlRequestRedirect, WithoutAPlaceIsAReply) {
+TEST(UrlRequestRedirect, WithoutLocationIsReply) {
   const RawHttpServer server(RawHttpServer::answer(httpReply("nowhere", {}, "302 Found")));
   EXPECT_THAT(sendSynchronousRequest(requestFor(server.url())), Optional(std::string("nowhere")));
 }
 
-// The request that reaches the target of a redirect with that status.
+// Returns the request that the target receives after a POST is redirected with `status`.
 std::string postedAgain(const std::string& status, const std::string& body) {
   std::string request;
   const RawHttpServer target([&](RawConnection& connection) {
@@ -140,7 +140,7 @@ std::string postedAgain(const std::string& status, const std::string& body) {
   return request;
 }
 
-TEST(UrlRequestRedirect, PostIsSentAgainWithItsBody) {
+TEST(UrlRequestRedirect, PostIsRepeatedWithItsBody) {
   const std::string body(300'000, 'b');
   for (const char* status :
        {"301 Moved Permanently", "302 Found", "307 Temporary Redirect", "308 Permanent Redirect"}) {
@@ -150,18 +150,18 @@ TEST(UrlRequestRedirect, PostIsSentAgainWithItsBody) {
   }
 }
 
-TEST(UrlRequestRedirect, PostOfAnEmptyBodyIsSentAgain) {
+TEST(UrlRequestRedirect, PostWithEmptyBodyIsRepeated) {
   const std::string request = postedAgain("307 Temporary Redirect", "");
   EXPECT_THAT(request, StartsWith("POST /new HTTP/1.1\r\n"));
 }
 
-TEST(UrlRequestRedirect, SeeOtherTurnsAPostIntoAGet) {
+TEST(UrlRequestRedirect, SeeOtherChangesPostToGet) {
   const std::string request = postedAgain("303 See Other", "body");
   EXPECT_THAT(request, StartsWith("GET /new HTTP/1.1\r\n"));
   EXPECT_TRUE(request.ends_with("\r\n\r\n"));
 }
 
-TEST(UrlRequestRedirect, EachOneHasTheWholeInterval) {
+TEST(UrlRequestRedirect, TimeoutStartsAnewForEachRedirect) {
   constexpr std::chrono::milliseconds kPause{400};
   int left = 4;
   const RawHttpServer server([&](RawConnection& connection) {

@@ -22,7 +22,7 @@ using testing::Optional;
 
 constexpr const char* kGzip = "Content-Encoding: gzip\r\n";
 
-// A script that reads the request, sends `bytes`, and ends the connection without a farewell.
+// Reads the request header, sends `bytes` and resets the connection (RST).
 RawHttpServer::Script resetAfter(const std::string& bytes) {
   return [bytes](RawConnection& connection) {
     connection.readHead();
@@ -32,18 +32,18 @@ RawHttpServer::Script resetAfter(const std::string& bytes) {
   };
 }
 
-TEST(UrlRequestReply, BytesComeAsTheyWereSent) {
+TEST(UrlRequestReply, BodyIsReturnedVerbatim) {
   std::string bytes;
   for (int i = 0; i < 100'000; ++i) bytes += static_cast<char>(i * 7 + i / 256);
   EXPECT_TRUE(replyOf(RawHttpServer::answer(httpReply(bytes))) == bytes);
 }
 
-TEST(UrlRequestReply, EmptyBodyIsAReply) {
+TEST(UrlRequestReply, EmptyBodyIsReply) {
   EXPECT_THAT(replyOf(RawHttpServer::answer(httpReply(""))), Optional(std::string()));
   EXPECT_THAT(replyOf(RawHttpServer::answer("HTTP/1.1 204 No Content\r\n\r\n")), Optional(std::string()));
 }
 
-TEST(UrlRequestReply, StatusIsNotLookedAt) {
+TEST(UrlRequestReply, StatusCodeIsIgnored) {
   for (const char* status :
        {"404 Not Found", "500 Internal Server Error", "401 Unauthorized", "299 Whatever"}) {
     EXPECT_THAT(replyOf(RawHttpServer::answer(httpReply("the page", {}, status))),
@@ -52,7 +52,7 @@ TEST(UrlRequestReply, StatusIsNotLookedAt) {
   }
 }
 
-TEST(UrlRequestReply, InterimRepliesAreNotTheReply) {
+TEST(UrlRequestReply, InterimReplyIsSkipped) {
   EXPECT_THAT(
       replyOf(RawHttpServer::answer("HTTP/1.1 103 Early Hints\r\nLink: </x>\r\n\r\n" + httpReply("final"))),
       Optional(std::string("final")));
@@ -65,7 +65,7 @@ TEST(UrlRequestReply, ChunksAreJoined) {
   EXPECT_THAT(replyOf(RawHttpServer::answer(chunkedReply("", 1))), Optional(std::string()));
 }
 
-TEST(UrlRequestReply, BodyWithoutLengthEndsWithTheConnection) {
+TEST(UrlRequestReply, BodyWithoutLengthEndsWithConnection) {
   EXPECT_THAT(replyOf(RawHttpServer::answer("HTTP/1.1 200 OK\r\n\r\nup to the end")),
               Optional(std::string("up to the end")));
 }
@@ -76,35 +76,35 @@ TEST(UrlRequestReply, BodyShorterThanItsLengthIsNoReply) {
   EXPECT_EQ(replyOf(RawHttpServer::answer("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n")), std::nullopt);
 }
 
-TEST(UrlRequestReply, CutChunksAreNoReply) {
+TEST(UrlRequestReply, TruncatedChunksAreNoReply) {
   const std::string whole = chunkedReply("in several chunks", 5);
   for (const std::size_t cut : {3U, 5U, 8U, 12U, 20U})
     EXPECT_EQ(replyOf(RawHttpServer::answer(whole.substr(0, whole.size() - cut))), std::nullopt) << cut;
 }
 
-TEST(UrlRequestReply, BrokenChunkIsNoReply) {
+TEST(UrlRequestReply, InvalidChunkLengthIsNoReply) {
   EXPECT_EQ(
       replyOf(RawHttpServer::answer("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nno length\r\n")),
       std::nullopt);
 }
 
-TEST(UrlRequestReply, WhatIsNoHttpIsNoReply) {
+TEST(UrlRequestReply, OtherProtocolIsNoReply) {
   EXPECT_EQ(replyOf(RawHttpServer::answer("220 another service is ready\r\n")), std::nullopt);
   EXPECT_EQ(replyOf(RawHttpServer::answer("")), std::nullopt);
 }
 
-TEST(UrlRequestReply, EndWithinTheHeaderIsNoReply) {
+TEST(UrlRequestReply, ConnectionClosedWithinHeaderIsNoReply) {
   const std::string head = httpReply("");
   for (const std::size_t size : {5UL, 12UL, 17UL, 25UL, head.size() - 2, head.size() - 1})
     EXPECT_EQ(replyOf(RawHttpServer::answer(head.substr(0, size))), std::nullopt) << size;
 }
 
-TEST(UrlRequestReply, EndWithinTheHeaderBehindAnInterimOneIsNoReply) {
+TEST(UrlRequestReply, ConnectionClosedAfterInterimReplyIsNoReply) {
   EXPECT_EQ(replyOf(RawHttpServer::answer("HTTP/1.1 100 Continue\r\n\r\n")), std::nullopt);
   EXPECT_EQ(replyOf(RawHttpServer::answer("HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\n")), std::nullopt);
 }
 
-TEST(UrlRequestReply, TrailerBehindChunksIsNoPartOfIt) {
+TEST(UrlRequestReply, TrailerIsNotPartOfBody) {
   EXPECT_THAT(
       replyOf(RawHttpServer::answer("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nTrailer: X-Sum\r\n\r\n"
                                     "4\r\ntext\r\n0\r\nX-Sum: 1\r\n\r\n")),
@@ -124,7 +124,7 @@ TEST(UrlRequestReply, ResetAnywhereIsNoReply) {
       << "within a body without length";
 }
 
-TEST(UrlRequestReply, ResetAfterTheWholeReplyLeavesIt) {
+TEST(UrlRequestReply, ResetAfterCompleteReplyIsReply) {
   EXPECT_THAT(replyOf(resetAfter(httpReply("whole"))), Optional(std::string("whole")));
 }
 
@@ -139,7 +139,7 @@ TEST(UrlRequestReply, RefusedConnectionIsNoReply) {
   EXPECT_LT(outcome.time, std::chrono::seconds(5));
 }
 
-TEST(UrlRequestReply, WhatIsNoAddressOfTheWebIsNoReply) {
+TEST(UrlRequestReply, InvalidOrOtherThanHttpUrlIsNoReply) {
   std::ofstream("/tmp/file") << "a file";
   const RawHttpServer server(RawHttpServer::answer(httpReply("text")));
   const std::string place = server.url("/").substr(7);
@@ -167,32 +167,32 @@ class UrlRequestLimit : public testing::TestWithParam<bool> {
   const std::string body_ = std::string(GetParam() ? kLimit + 1 : kLimit, 'x');
 };
 
-TEST_P(UrlRequestLimit, HoldsForABodyWithItsLength) {
+TEST_P(UrlRequestLimit, AppliesToBodyWithLength) {
   EXPECT_EQ(replyWith(httpReply(body_)), expected(body_));
 }
 
-TEST_P(UrlRequestLimit, HoldsForABodyWithoutALength) {
+TEST_P(UrlRequestLimit, AppliesToBodyWithoutLength) {
   EXPECT_EQ(replyWith("HTTP/1.1 200 OK\r\n\r\n" + body_), expected(body_));
 }
 
-TEST_P(UrlRequestLimit, HoldsForChunks) {
+TEST_P(UrlRequestLimit, AppliesToChunks) {
   EXPECT_EQ(replyWith(chunkedReply(body_, 7)), expected(body_));
 }
 
-TEST_P(UrlRequestLimit, HoldsForWhatGzipUnpacks) {
+TEST_P(UrlRequestLimit, AppliesToDecodedGzip) {
   EXPECT_EQ(replyWith(httpReply(gzipped(body_), kGzip)), expected(body_));
 }
 
 INSTANTIATE_TEST_SUITE_P(, UrlRequestLimit, testing::Bool(),
                          [](const auto& parameter) { return parameter.param ? "Over" : "Within"; });
 
-TEST(UrlRequestReply, PackedBombTakesLittleMemory) {
+TEST(UrlRequestReply, GzipBombUsesLittleMemory) {
   constexpr std::size_t kUnpacked = std::size_t{300} << 20;
   constexpr long kMostGrowth = 60 << 10;  // KiB, for a limit of 16 MiB
   const std::string bomb = gzipped(std::string(kUnpacked, '\0'));
   const auto finished = test_support::runForked([&] {
     const RawHttpServer server(RawHttpServer::answer(httpReply(bomb, kGzip)));
-    // The copy of this process starts with the peak of its parent, so it is measured as it stands.
+    // A forked child inherits the peak (VmHWM) of its parent; writing "5" to clear_refs resets it.
     std::ofstream("/proc/self/clear_refs") << "5";
     const auto peak = [] {
       std::ifstream status("/proc/self/status");
@@ -208,7 +208,7 @@ TEST(UrlRequestReply, PackedBombTakesLittleMemory) {
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
-TEST(UrlRequestReply, WithoutMemoryForItThereIsNoReply) {
+TEST(UrlRequestReply, OutOfMemoryIsNoReply) {
   if (test_support::isAddressSanitized || test_support::isThreadSanitized)
     GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   const auto finished = test_support::runForked([] {
@@ -232,7 +232,7 @@ TEST(UrlRequestReply, WithoutMemoryForItThereIsNoReply) {
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
-// Sends the beginning of a reply, and then one line again and again until the client goes.
+// Sends `beginning`, then repeats `line` until the client closes the connection.
 RawHttpServer::Script withEndless(const std::string& line, const std::string& beginning) {
   return [=](RawConnection& connection) {
     connection.readRequest();
@@ -242,7 +242,7 @@ RawHttpServer::Script withEndless(const std::string& line, const std::string& be
   };
 }
 
-TEST(UrlRequestReply, HeadsAndTrailersWithoutEndAreNoReply) {
+TEST(UrlRequestReply, EndlessHeaderOrTrailerIsNoReply) {
   const std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nOK\r\n0\r\n";
   for (const auto& [line, beginning] : {std::pair<std::string, std::string>("X-a: b\r\n", chunked),
                                         {"X-a: b\r\n", "HTTP/1.1 200 OK\r\n"},

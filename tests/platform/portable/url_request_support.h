@@ -11,7 +11,7 @@
 
 namespace test_support {
 
-// What came of a request, and how long its caller was kept.
+// The reply to a request, if any, and the duration of the call.
 struct Outcome {
   std::optional<std::string> reply = {};
   std::chrono::milliseconds time = {};
@@ -21,12 +21,12 @@ void PrintTo(const Outcome& outcome, std::ostream* stream);
 
 [[nodiscard]] platform::UrlRequest requestFor(const std::string& url);
 [[nodiscard]] platform::UrlRequest postOf(const std::string& url, std::string_view body);
-// The reply of a server with that script, to a plain request.
+// Returns the reply to a GET sent to a server that runs `script`.
 [[nodiscard]] std::optional<std::string> replyOf(RawHttpServer::Script script);
 
-// `bytes` as gzip packs them.
+// Returns `bytes` compressed by the gzip program. Throws std::runtime_error if it fails.
 [[nodiscard]] std::string gzipped(const std::string& bytes);
-// A reply with `body` in chunks of `size` bytes.
+// Returns an HTTP reply with `body` in chunks of `size` bytes.
 [[nodiscard]] std::string chunkedReply(std::string_view body, std::size_t size,
                                        const std::string& headers = {});
 

@@ -33,7 +33,7 @@ using testing::Optional;
 constexpr std::chrono::milliseconds kInterval = 300ms;
 constexpr std::chrono::milliseconds kLongInterval = 3300ms;
 
-// A request that a stall has ended.
+// The outcome of a request to a server that stalls, and its timeout.
 struct Stall {
   std::chrono::milliseconds interval;
   Outcome outcome;
@@ -44,7 +44,7 @@ void PrintTo(const Stall& stall, std::ostream* stream) {
   PrintTo(stall.outcome, stream);
 }
 
-// What fits one of the two intervals does not fit the other.
+// The accepted ranges of kInterval and kLongInterval do not overlap.
 MATCHER(EndedByItsInterval, "") {
   const auto time = arg.outcome.time;
   return !arg.outcome.reply && time >= arg.interval - 100ms && time < arg.interval + 2900ms;
@@ -55,14 +55,14 @@ Outcome outcomeWithin(std::chrono::milliseconds interval, UrlRequest request) {
   return outcomeOf(request);
 }
 
-// What comes of a request with each of the two intervals.
+// Sends `request` twice at once, with kInterval and with kLongInterval.
 std::array<Stall, 2> stallsOf(const UrlRequest& request) {
   auto longer = std::async(std::launch::async, outcomeWithin, kLongInterval, request);
   const Outcome shorter = outcomeWithin(kInterval, request);
   return {{{kInterval, shorter}, {kLongInterval, longer.get()}}};
 }
 
-// What comes of requests to a server that sends `bytes` and then falls silent.
+// Sends requests to a server that sends `bytes` and then stalls.
 std::array<Stall, 2> silenceAfter(const std::string& bytes) {
   const RawHttpServer server([&](RawConnection& connection) {
     connection.readHead();
@@ -87,7 +87,8 @@ FileDescriptor boundTo(int type, in_port_t port) {
   return socket;
 }
 
-// A name server that is there and never answers: the sandbox's loopback has a port 53 to give.
+// A name server that never replies. Binds port 53 of the sandbox's loopback interface and bind-mounts its own
+// /etc/resolv.conf.
 class SilentNameServer {
  public:
   SilentNameServer() : socket_(boundTo(SOCK_DGRAM, 53)) {
@@ -110,17 +111,17 @@ class SilentNameServer {
   bool mounted_ = false;
 };
 
-TEST(UrlRequestTimeout, EndsTheLookUpOfAName) {
+TEST(UrlRequestTimeout, EndsStalledNameLookup) {
   const SilentNameServer names;
   ASSERT_TRUE(names.valid());
   EXPECT_THAT(stallsOf(requestFor("http://silent.example/")), Each(EndedByItsInterval()));
   EXPECT_TRUE(names.wasAsked());
 }
 
-TEST(UrlRequestTimeout, EndsAConnectionThatIsNeverMade) {
+TEST(UrlRequestTimeout, EndsStalledConnect) {
   const FileDescriptor listener = boundTo(SOCK_STREAM, 8099);
   ASSERT_EQ(::listen(listener.get(), 0), 0);
-  // Who is not accepted fills the queue, and those behind get no answer at all.
+  // Connections that are not accepted fill the backlog; the kernel drops the SYN of later ones.
   const sockaddr_in address = loopback(8099);
   std::vector<FileDescriptor> waiting;
   for (int i = 0; i < 4; ++i) {
@@ -131,7 +132,7 @@ TEST(UrlRequestTimeout, EndsAConnectionThatIsNeverMade) {
   EXPECT_THAT(stallsOf(requestFor("http://127.0.0.1:8099/")), Each(EndedByItsInterval()));
 }
 
-TEST(UrlRequestTimeout, EndsAHandshakeThatIsNeverAnswered) {
+TEST(UrlRequestTimeout, EndsStalledTlsHandshake) {
   std::atomic<int> hellos = 0;
   {
     const RawHttpServer server([&](RawConnection& connection) {
@@ -143,29 +144,29 @@ TEST(UrlRequestTimeout, EndsAHandshakeThatIsNeverAnswered) {
   EXPECT_EQ(hellos, 2);
 }
 
-TEST(UrlRequestTimeout, EndsTheSilenceBeforeTheHeader) {
+TEST(UrlRequestTimeout, EndsStallBeforeHeader) {
   EXPECT_THAT(silenceAfter(""), Each(EndedByItsInterval()));
 }
 
-TEST(UrlRequestTimeout, EndsTheSilenceWithinTheHeader) {
+TEST(UrlRequestTimeout, EndsStallWithinHeader) {
   EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nContent-"), Each(EndedByItsInterval()));
 }
 
-TEST(UrlRequestTimeout, EndsTheSilenceBeforeTheBody) {
+TEST(UrlRequestTimeout, EndsStallBeforeBody) {
   EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n"), Each(EndedByItsInterval()));
 }
 
-TEST(UrlRequestTimeout, EndsTheSilenceWithinTheBody) {
+TEST(UrlRequestTimeout, EndsStallWithinBody) {
   EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n12345"), Each(EndedByItsInterval()));
   EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\n\r\n12345"), Each(EndedByItsInterval()));
 }
 
-TEST(UrlRequestTimeout, EndsTheSilenceWithinAChunk) {
+TEST(UrlRequestTimeout, EndsStallWithinChunk) {
   EXPECT_THAT(silenceAfter("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\n123"),
               Each(EndedByItsInterval()));
 }
 
-TEST(UrlRequestTimeout, EndsTheSilenceAfterARedirect) {
+TEST(UrlRequestTimeout, EndsStallAfterRedirect) {
   const RawHttpServer target([](RawConnection& connection) { connection.waitForEnd(); });
   const RawHttpServer server(
       RawHttpServer::answer(httpReply("", "Location: " + target.url() + "\r\n", "302 Found")));
@@ -173,7 +174,7 @@ TEST(UrlRequestTimeout, EndsTheSilenceAfterARedirect) {
   EXPECT_EQ(target.connections(), 2U);
 }
 
-TEST(UrlRequestTimeout, EndsABodyThatNobodyTakes) {
+TEST(UrlRequestTimeout, EndsStalledUpload) {
   const std::string body(std::size_t{64} << 20, 'b');
   const RawHttpServer server([](RawConnection& connection) {
     connection.readHead();
@@ -182,7 +183,7 @@ TEST(UrlRequestTimeout, EndsABodyThatNobodyTakes) {
   EXPECT_THAT(stallsOf(postOf(server.url(), body)), Each(EndedByItsInterval()));
 }
 
-TEST(UrlRequestTimeout, ConnectionIsClosedWithTheCall) {
+TEST(UrlRequestTimeout, ClosesConnection) {
   std::atomic<int> closed = 0;
   const RawHttpServer server([&](RawConnection& connection) {
     connection.readHead();
@@ -192,7 +193,7 @@ TEST(UrlRequestTimeout, ConnectionIsClosedWithTheCall) {
   EXPECT_TRUE(test_support::waitUntil([&] { return closed == 2; }));
 }
 
-TEST(UrlRequestTimeout, IntervalOfNothingIsNoReply) {
+TEST(UrlRequestTimeout, ZeroOrNegativeIntervalIsNoReply) {
   const RawHttpServer server([](RawConnection& connection) { connection.waitForEnd(); });
   for (const auto interval : {0ms, -1000ms}) {
     const Outcome outcome = outcomeWithin(interval, requestFor(server.url()));
@@ -201,7 +202,7 @@ TEST(UrlRequestTimeout, IntervalOfNothingIsNoReply) {
   }
 }
 
-TEST(UrlRequestTimeout, IntervalWithoutEndWaits) {
+TEST(UrlRequestTimeout, MaximumIntervalWaitsForReply) {
   const RawHttpServer server([](RawConnection& connection) {
     connection.readHead();
     connection.pauseFor(700ms);
@@ -211,7 +212,7 @@ TEST(UrlRequestTimeout, IntervalWithoutEndWaits) {
               Optional(std::string("late")));
 }
 
-TEST(UrlRequestTimeout, SlowBodyThatLivesIsAwaited) {
+TEST(UrlRequestTimeout, SlowBodyResetsTimeout) {
   const std::string body(20, 's');
   const RawHttpServer server([&](RawConnection& connection) {
     connection.readHead();
@@ -223,7 +224,7 @@ TEST(UrlRequestTimeout, SlowBodyThatLivesIsAwaited) {
   EXPECT_GE(outcome.time, 9500ms);
 }
 
-TEST(UrlRequestTimeout, SlowHeaderThatLivesIsAwaited) {
+TEST(UrlRequestTimeout, SlowHeaderResetsTimeout) {
   const RawHttpServer server([](RawConnection& connection) {
     connection.readHead();
     connection.sendSlowly(httpReply("done"), 60ms);
@@ -233,7 +234,7 @@ TEST(UrlRequestTimeout, SlowHeaderThatLivesIsAwaited) {
   EXPECT_GE(outcome.time, 2s);
 }
 
-TEST(UrlRequestTimeout, SlowChunksThatLiveAreAwaited) {
+TEST(UrlRequestTimeout, SlowChunksResetTimeout) {
   const RawHttpServer server([](RawConnection& connection) {
     connection.readHead();
     connection.sendSlowly(test_support::chunkedReply("chunk", 1), 30ms);
@@ -241,9 +242,9 @@ TEST(UrlRequestTimeout, SlowChunksThatLiveAreAwaited) {
   EXPECT_THAT(outcomeWithin(1s, requestFor(server.url())).reply, Optional(std::string("chunk")));
 }
 
-// The whole body fits into what the system buffers, so that nothing is left to send while the server takes
+// The body fits into the socket buffers, so that the client has nothing left to send while the server reads
 // it.
-TEST(UrlRequestTimeout, BodyThatIsTakenSlowlyIsAwaited) {
+TEST(UrlRequestTimeout, SlowlyReadUploadResetsTimeout) {
   const std::string body(1 << 20, 'b');
   constexpr std::size_t kSteps = 32;
   const auto takeSlowly = [&](RawConnection& connection) {

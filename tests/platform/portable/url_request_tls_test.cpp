@@ -18,7 +18,8 @@ using testing::Optional;
 
 const std::string folder = "/tmp/tls";
 
-// A certificate of the subject's, signed by the test's own authority or, without one, by itself.
+// Creates the certificate NAME.pem and its key NAME.key in `folder`, self-signed unless `options` name a
+// signing authority. Returns false on failure.
 bool makeCertificate(const std::string& name, const std::string& subject, const std::string& options) {
   const std::string command =
       "cd " + folder +
@@ -35,7 +36,7 @@ bool makeCertificates() {
                          "-CA authority.pem -CAkey authority.key");
 }
 
-// While it lives, the system trusts the test's own authority and no other.
+// Bind-mounts the test authority over the system's CA bundle for the lifetime of the object.
 class TrustedAuthority {
  public:
   TrustedAuthority()
@@ -52,7 +53,7 @@ class TrustedAuthority {
   bool mounted_;
 };
 
-// A server that is "localhost" and has one page.
+// An openssl s_server with a certificate for "localhost" that serves /page.
 class UrlRequestTls : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -82,24 +83,24 @@ class UrlRequestTls : public testing::Test {
   std::string port_;
 };
 
-TEST_F(UrlRequestTls, ReplyOfATrustedServerIsTaken) {
+TEST_F(UrlRequestTls, ReplyOfTrustedServerIsReturned) {
   const TrustedAuthority authority;
   ASSERT_TRUE(authority.valid());
   EXPECT_THAT(sendSynchronousRequest(requestFor(page("localhost"))),
               Optional(std::string("behind the lock")));
 }
 
-TEST_F(UrlRequestTls, ServerOfAnUnknownAuthorityIsNoReply) {
+TEST_F(UrlRequestTls, UnknownAuthorityIsNoReply) {
   EXPECT_EQ(sendSynchronousRequest(requestFor(page("localhost"))), std::nullopt);
 }
 
-TEST_F(UrlRequestTls, ServerOfAnotherNameIsNoReply) {
+TEST_F(UrlRequestTls, CertificateForOtherHostIsNoReply) {
   const TrustedAuthority authority;
   ASSERT_TRUE(authority.valid());
   EXPECT_EQ(sendSynchronousRequest(requestFor(page("127.0.0.1"))), std::nullopt);
 }
 
-TEST_F(UrlRequestTls, RedirectFromPlainToTrustedIsFollowed) {
+TEST_F(UrlRequestTls, RedirectFromHttpToTrustedServerIsFollowed) {
   const TrustedAuthority authority;
   ASSERT_TRUE(authority.valid());
   const RawHttpServer plain(
@@ -107,7 +108,7 @@ TEST_F(UrlRequestTls, RedirectFromPlainToTrustedIsFollowed) {
   EXPECT_THAT(sendSynchronousRequest(requestFor(plain.url())), Optional(std::string("behind the lock")));
 }
 
-TEST_F(UrlRequestTls, RedirectFromPlainToUnknownIsNoReply) {
+TEST_F(UrlRequestTls, RedirectFromHttpToUnknownAuthorityIsNoReply) {
   const RawHttpServer plain(
       RawHttpServer::answer(httpReply("moved", "Location: " + page("localhost") + "\r\n", "302 Found")));
   EXPECT_EQ(sendSynchronousRequest(requestFor(plain.url())), std::nullopt);

@@ -10,15 +10,15 @@
 
 namespace {
 
-TEST(Uuid, IsRandomInTheCanonicalUpperCaseForm) {
+TEST(Uuid, HasVersion4InUpperCaseCanonicalForm) {
   for (int i = 0; i < 1000; ++i) {
-    // The version is 4, the variant 8 to B.
+    // Version 4 (random), variant bits 10 (8 to B).
     ASSERT_THAT(platform::createUuidString(),
                 testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
   }
 }
 
-TEST(Uuid, NeverComesTwiceOnAnyThread) {
+TEST(Uuid, IsUniqueAcrossThreads) {
   constexpr std::size_t kThreads = 4;
   constexpr std::size_t kEach = 2000;
   std::mutex mutex;
@@ -38,7 +38,7 @@ TEST(Uuid, NeverComesTwiceOnAnyThread) {
   EXPECT_EQ(seen.size(), kThreads * kEach);
 }
 
-TEST(Uuid, EveryFreePlaceTakesEveryDigit) {
+TEST(Uuid, EveryRandomPositionTakesEveryDigit) {
   std::vector<std::set<char>> digits(36);
   for (int i = 0; i < 2000; ++i) {
     const std::string uuid = platform::createUuidString();

@@ -29,7 +29,7 @@ void withoutCatching(void (*work)()) noexcept {
   work();
 }
 
-// What a prepared process says at its end.
+// Runs `work` in a child after prepareProcess(), without catching its exceptions.
 Finished endOf(void (*work)()) {
   return runForked([=] {
     platform::prepareProcess();
@@ -43,7 +43,7 @@ auto endedSaying(const std::string& text) {
                Field("error", &Finished::error, "TovalinTray: " + text + "\n"));
 }
 
-TEST(ProcessStart, WantOfMemoryOnAnyThreadEndsTheProcessWithItsName) {
+TEST(ProcessStart, OutOfMemoryOnAnyThreadEndsProcessWithMessage) {
   EXPECT_THAT(endOf([] { fail(std::bad_alloc()); }), endedSaying("out of memory"));
   EXPECT_THAT(endOf([] { std::thread([] { fail(std::bad_alloc()); }).join(); }),
               endedSaying("out of memory"));
@@ -52,14 +52,14 @@ TEST(ProcessStart, WantOfMemoryOnAnyThreadEndsTheProcessWithItsName) {
 void takeAllMemory() {
   const rlimit nothing{0, 0};
   ::setrlimit(RLIMIT_AS, &nothing);
-  // Until also the smallest piece is refused.
+  // Halves the size until an allocation of one byte fails too.
   for (std::size_t size = std::size_t{1} << 20; size > 0;) {
     void* volatile const taken = std::malloc(size);
     if (taken == nullptr) size /= 2;
   }
 }
 
-TEST(ProcessStart, WantOfMemoryIsToldWithoutMemory) {
+TEST(ProcessStart, OutOfMemoryIsReportedWithoutAllocation) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   EXPECT_THAT(endOf([] {
                 takeAllMemory();
@@ -68,7 +68,7 @@ TEST(ProcessStart, WantOfMemoryIsToldWithoutMemory) {
               endedSaying("out of memory"));
 }
 
-TEST(ProcessStart, AnErrorThatNobodyExpectsIsToldInItsOwnWords) {
+TEST(ProcessStart, UncaughtExceptionIsReportedWithItsText) {
   EXPECT_THAT(endOf([] { fail(std::runtime_error("its own words")); }), endedSaying("its own words"));
   EXPECT_THAT(endOf([] { fail(7); }), endedSaying("an error of an unknown kind"));
 }

@@ -19,12 +19,12 @@ namespace {
 
 using test_support::ExitStatus;
 
-// How many of the writes to come fail.
+// Number of following write(2) calls that fail with ENOMEM.
 int failingWrites = 0;
 
 }  // namespace
 
-// Stands before the C library's.
+// Interposes write(2) of the C library.
 ssize_t write(int descriptor, const void* bytes, std::size_t size) {
   if (failingWrites > 0) {
     --failingWrites;
@@ -36,7 +36,8 @@ ssize_t write(int descriptor, const void* bytes, std::size_t size) {
 
 namespace {
 
-// A program that raises signals before its event loop runs, and ends with 7 when one of them is served.
+// Runs a child that raises signals before its event loop starts. It exits with 7 when the loop handles one of
+// them.
 auto runUntilItIsServed(const std::function<void()>& raiseSignals) {
   return test_support::runForked([&] {
     int argc = 1;
@@ -49,7 +50,7 @@ auto runUntilItIsServed(const std::function<void()>& raiseSignals) {
   });
 }
 
-TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafToSignals) {
+TEST(SignalPipe, WithoutDescriptorsProcessExitsWithMessage) {
   const auto finished = test_support::runForked([] {
     const rlimit noMore{3, 3};
     if (::setrlimit(RLIMIT_NOFILE, &noMore) != 0) return 0;
@@ -60,7 +61,7 @@ TEST(SignalPipe, WithoutDescriptorsTheProcessEndsWithAMessageInsteadOfBeingDeafT
   EXPECT_EQ(finished.error, "TovalinTray: no pipe to hear of signals by: Too many open files\n");
 }
 
-TEST(SignalPipe, WithoutHandlersTheProcessEndsWithAMessageInsteadOfDyingOfTheNextSignal) {
+TEST(SignalPipe, FailedSigactionExitsWithMessage) {
   const auto finished = test_support::runForked([] {
     const bool refused =
         withRefusedCall(SYS_rt_sigaction, EPERM, [] { const platform::SignalPipe pipe([] {}); });
@@ -71,7 +72,7 @@ TEST(SignalPipe, WithoutHandlersTheProcessEndsWithAMessageInsteadOfDyingOfTheNex
               testing::EndsWith("TovalinTray: signals can't be heard: Operation not permitted\n"));
 }
 
-TEST(SignalPipe, ASignalThatCouldNotBeNotedAtFirstIsServedAllTheSame) {
+TEST(SignalPipe, SignalIsHandledAfterFailedWrites) {
   const auto finished = runUntilItIsServed([] {
     failingWrites = 3;
     ::raise(SIGTERM);
@@ -80,7 +81,7 @@ TEST(SignalPipe, ASignalThatCouldNotBeNotedAtFirstIsServedAllTheSame) {
   EXPECT_EQ(finished.status, ExitStatus{.code = 7});
 }
 
-TEST(SignalPipe, APipeThatTakesNoByteMoreHoldsNoSignalUp) {
+TEST(SignalPipe, FullPipeDoesNotBlockSignalHandler) {
   const auto finished = runUntilItIsServed([] {
     for (int i = 0; i < 100'000; ++i) ::raise(SIGTERM);
   });

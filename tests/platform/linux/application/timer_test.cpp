@@ -17,7 +17,7 @@ using std::chrono::steady_clock;
 
 constexpr auto interval = 50ms;
 
-// The moments at which a timer ticks, since it was made.
+// The times at which a timer fires, relative to its creation.
 struct Ticks {
   std::vector<steady_clock::duration> moments = {};
   std::function<void()> onFirst = [] {};
@@ -36,27 +36,27 @@ void sleepOnTheMainThread(steady_clock::duration time) {
   std::this_thread::sleep_for(time);
 }
 
-TEST(Timer, TicksAgainAndAgainAndNeverEarly) {
+TEST(Timer, FiresRepeatedlyAndNeverEarly) {
   Ticks ticks;
   ASSERT_TRUE(ticks.wait(10));
   for (std::size_t i = 0; i < ticks.moments.size(); ++i) EXPECT_GE(ticks.moments[i], (i + 1) * interval) << i;
 }
 
-// The smallest distance of the ticks from the first on to the last moment that was due before them.
+// Returns the smallest delay of a tick behind the latest due time before it, from tick `first` on.
 steady_clock::duration leastLateness(const std::vector<steady_clock::duration>& moments, std::size_t first) {
   steady_clock::duration least = interval;
   for (std::size_t i = first; i < moments.size(); ++i) least = std::min(least, moments[i] % interval);
   return least;
 }
 
-TEST(Timer, TickThatComesLateMovesNoneBehindIt) {
+TEST(Timer, LateTickDoesNotDelayLaterOnes) {
   Ticks ticks;
   ticks.onFirst = [] { sleepOnTheMainThread(2 * interval + interval / 2); };
   ASSERT_TRUE(ticks.wait(40));
   EXPECT_LT(leastLateness(ticks.moments, 2), interval / 4);
 }
 
-TEST(Timer, TicksMissedWhileTheThreadWasBusyComeAsOne) {
+TEST(Timer, TicksMissedWhileThreadIsBusyAreMerged) {
   Ticks ticks;
   ticks.onFirst = [] { sleepOnTheMainThread(10 * interval + interval / 2); };
   ASSERT_TRUE(ticks.wait(4));
@@ -65,7 +65,7 @@ TEST(Timer, TicksMissedWhileTheThreadWasBusyComeAsOne) {
   EXPECT_GE(ticks.moments[3], 13 * interval);
 }
 
-TEST(Timer, InvalidatedTimerTicksNoMore) {
+TEST(Timer, InvalidatedTimerDoesNotFire) {
   Ticks ticks;
   ASSERT_TRUE(ticks.wait(1));
   ticks.timer->invalidate();
@@ -75,7 +75,7 @@ TEST(Timer, InvalidatedTimerTicksNoMore) {
   EXPECT_EQ(ticks.moments.size(), before);
 }
 
-TEST(Timer, DroppedTimerTicksNoMore) {
+TEST(Timer, DestroyedTimerDoesNotFire) {
   int count = 0;
   auto timer = Timer::scheduledTimer(1ms, [&] { ++count; });
   timer.reset();
@@ -84,7 +84,7 @@ TEST(Timer, DroppedTimerTicksNoMore) {
   EXPECT_EQ(count, 0);
 }
 
-TEST(Timer, ActionMayDropItsOwnTimer) {
+TEST(Timer, ActionMayDestroyItsTimer) {
   int count = 0;
   std::shared_ptr<Timer> timer;
   std::vector<int> captured(1000, 7);

@@ -5,7 +5,7 @@
 
 namespace {
 
-// The two variables (nothing: not set) and the folder they lead to.
+// XDG_DATA_HOME and HOME (null: unset) and the folder they select.
 struct Case {
   const char* name;
   const char* dataHome;

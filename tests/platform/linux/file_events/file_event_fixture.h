@@ -16,8 +16,8 @@ inline void PrintTo(const FileEvent& event, std::ostream* stream) {
 }
 }  // namespace platform
 
-// A folder of the test's own under watch, and the batches that the run loop brings. Changes that must not be
-// told are proved by a change that is: nothing else is in its batch.
+// A watched folder of its own and the batches that the run loop delivers. To prove that a change is not
+// reported, a test makes a reported change afterwards: the batch must contain nothing else.
 class FileEvents : public testing::Test {
  protected:
   using Batch = std::vector<platform::FileEvent>;
@@ -43,7 +43,7 @@ class FileEvents : public testing::Test {
     });
   }
 
-  // The next batch; an empty one when none comes.
+  // Returns the next batch, or an empty one after the timeout.
   Batch nextBatch() {
     if (!serveEventsUntil([this] { return !batches_.empty(); })) return {};
     Batch batch = batches_.front();

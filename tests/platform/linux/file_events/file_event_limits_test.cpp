@@ -17,22 +17,22 @@ using test_support::ChildProcess;
 using testing::Contains;
 using testing::ElementsAre;
 
-TEST_F(FileEvents, NoStreamForAFolderThatIsNotThere) {
+TEST_F(FileEvents, MissingFolderReturnsNoStream) {
   EXPECT_EQ(make("/tmp/way/nothing"), nullptr);
 }
 
-TEST_F(FileEvents, NoStreamForAFile) {
+TEST_F(FileEvents, FileReturnsNoStream) {
   write("file");
   EXPECT_EQ(make(inRoot("file")), nullptr);
 }
 
-TEST_F(FileEvents, NoStreamForAPathWithoutABeginning) {
+TEST_F(FileEvents, RelativePathReturnsNoStream) {
   EXPECT_EQ(make(""), nullptr);
   EXPECT_EQ(make("tmp"), nullptr);
 }
 
-// A writer without a pause must not hold the reader up.
-TEST_F(FileEvents, DrainTakesOnlyTheNoticesThatWaitAtItsBeginning) {
+// A continuous writer must not keep the reader in its loop.
+TEST_F(FileEvents, DrainReadsOnlyNoticesQueuedAtItsStart) {
   platform::Inotify queue;
   ASSERT_GE(queue.add(root_, IN_CREATE), 0);
   constexpr int enough = 100;
@@ -45,8 +45,8 @@ TEST_F(FileEvents, DrainTakesOnlyTheNoticesThatWaitAtItsBeginning) {
   EXPECT_EQ(taken, 1);
 }
 
-// File systems give the number of a removed folder to a new one; its birth time tells them apart.
-TEST_F(FileEvents, IdentityOfAFolderHoldsItsBirthTime) {
+// A file system may reuse the inode number of a removed folder; the birth time tells them apart.
+TEST_F(FileEvents, FolderIdentityIncludesBirthTime) {
   struct statx status {};
   ASSERT_EQ(::statx(AT_FDCWD, root_.c_str(), 0, STATX_BTIME, &status), 0);
   if ((status.stx_mask & STATX_BTIME) == 0) GTEST_SKIP() << "this file system keeps no birth time";
@@ -62,7 +62,7 @@ long watchesForAll() {
   return count;
 }
 
-TEST_F(FileEvents, TreeOf20000FoldersIsWatchedToItsLastFolder) {
+TEST_F(FileEvents, TreeOf20000FoldersIsWatchedCompletely) {
   if (watchesForAll() < 25000) GTEST_SKIP() << "this system has room for " << watchesForAll() << " watches";
   for (int i = 0; i < 100; ++i) {
     for (int j = 0; j < 199; ++j) makeFolder("folder" + std::to_string(i) + "/folder" + std::to_string(j));
@@ -76,25 +76,25 @@ TEST_F(FileEvents, TreeOf20000FoldersIsWatchedToItsLastFolder) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-// More changes than the kernel's queue holds, while nobody reads it.
+// Makes more changes than the inotify queue holds (max_queued_events) while nothing reads it.
 void overflowQueueIn(const std::string& folder) {
   int room = 0;
   std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> room;
-  // Each leaves two notices, and notices that are alike in a row are one.
+  // Each iteration queues two events. Alternating names keep the kernel from merging equal successive ones.
   for (int i = 0; i <= room / 2; ++i) {
     std::ofstream(folder + "/file" + std::to_string(i % 2)) << "";
     fs::remove(folder + "/file" + std::to_string(i % 2));
   }
 }
 
-TEST_F(FileEvents, QueueThatRanOverSaysThatAllMustBeScanned) {
+TEST_F(FileEvents, QueueOverflowReportsMustScanSubDirs) {
   makeFolder("a");
   watch();
   overflowQueueIn(inRoot("a"));
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}));
 }
 
-TEST_F(FileEvents, FoldersWhoseMakingTheQueueLostAreWatchedAllTheSame) {
+TEST_F(FileEvents, FoldersCreatedDuringOverflowAreWatched) {
   makeFolder("a");
   watch();
   overflowQueueIn(inRoot("a"));
@@ -104,7 +104,7 @@ TEST_F(FileEvents, FoldersWhoseMakingTheQueueLostAreWatchedAllTheSame) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("lost/sub")));
 }
 
-TEST_F(FileEvents, RemovalThatTheQueueLostIsSeen) {
+TEST_F(FileEvents, RemovalDuringOverflowIsReported) {
   makeFolder("a");
   watch();
   overflowQueueIn(inRoot("a"));
@@ -113,7 +113,7 @@ TEST_F(FileEvents, RemovalThatTheQueueLostIsSeen) {
               ElementsAre(changed("a"), platform::FileEvent{root_, Stream::mustScanSubDirs}, rootChanged()));
 }
 
-// A watcher in a user namespace with limits of its own.
+// Runs the probe in a user namespace with its own inotify limits.
 class WatchLimits : public FileEvents {
  protected:
   void SetUp() override {
@@ -122,7 +122,7 @@ class WatchLimits : public FileEvents {
     for (int i = 0; i < 50; ++i) makeFolder("folder" + std::to_string(i));
   }
 
-  // What the probe says first.
+  // Starts the probe and returns the first line of its output.
   std::optional<std::string> startProbe(const std::string& limit, int value) {
     EXPECT_TRUE(probe_.start(limited(limit, value, "exec \"$0\" \"$1\"")));
     return probe_.readLine();
@@ -147,7 +147,7 @@ class WatchLimits : public FileEvents {
   }
 };
 
-TEST_F(WatchLimits, TooFewForTheTreeKeepTheUpperFoldersAndTheWay) {
+TEST_F(WatchLimits, TooFewForTreeKeepUpperFoldersAndAncestors) {
   ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
   write("sign");
   EXPECT_EQ(probe_.readLine(), line(changed()));
@@ -156,7 +156,7 @@ TEST_F(WatchLimits, TooFewForTheTreeKeepTheUpperFoldersAndTheWay) {
   fs::remove_all("/tmp/way out");
 }
 
-TEST_F(WatchLimits, NewFoldersForWhichThereIsNoRoomDisturbNothing) {
+TEST_F(WatchLimits, NewFoldersBeyondLimitAreIgnored) {
   ASSERT_EQ(startProbe("max_inotify_watches", 20), "watching");
   makeFolder("new/sub");
   EXPECT_EQ(probe_.readLine(), line(changed()));
@@ -165,15 +165,15 @@ TEST_F(WatchLimits, NewFoldersForWhichThereIsNoRoomDisturbNothing) {
   EXPECT_EQ(probe_.readLine(), line(changed()));
 }
 
-TEST_F(WatchLimits, TooFewForTheWayGiveNoStream) {
+TEST_F(WatchLimits, TooFewForAncestorsReturnNoStream) {
   EXPECT_EQ(startProbe("max_inotify_watches", 3), "none");
 }
 
-TEST_F(WatchLimits, NoQueueGivesNoStream) {
+TEST_F(WatchLimits, WithoutInstanceReturnsNoStream) {
   EXPECT_EQ(startProbe("max_inotify_instances", 0), "none");
 }
 
-TEST_F(WatchLimits, OneQueueServesTheRootAlone) {
+TEST_F(WatchLimits, SingleInstanceReportsRemovalOfRoot) {
   ASSERT_EQ(startProbe("max_inotify_instances", 1), "watching");
   fs::remove_all(root_);
   EXPECT_EQ(probe_.readLine(), line(rootChanged()));

@@ -1,5 +1,5 @@
-// Watches the folder at its argument and says so, or says that it can't; then a line for each event. For
-// limits that hold for a whole process.
+// file_event_probe FOLDER: prints "watching", or "none" if there is no stream, then one line for each event.
+// A separate program because the limits under test apply to a whole process.
 
 #include <iostream>
 

@@ -23,26 +23,26 @@ using platform::FileEvent;
 using std::chrono::steady_clock;
 using testing::ElementsAre;
 
-TEST_F(FileEvents, TheFlagsHaveTheNumbersThatTheLogShows) {
+TEST_F(FileEvents, FlagsHaveDocumentedValues) {
   EXPECT_EQ(Stream::mustScanSubDirs, 0x1u);
   EXPECT_EQ(Stream::rootChanged, 0x20u);
 }
 
-TEST_F(FileEvents, EntryThatComesIsAChangeOfItsFolder) {
+TEST_F(FileEvents, NewEntryIsReportedAsChangeOfFolder) {
   makeFolder("Contents");
   watch();
   write("Contents/file");
   EXPECT_THAT(nextBatch(), ElementsAre(changed("Contents")));
 }
 
-TEST_F(FileEvents, EntryThatGoesIsAChangeOfItsFolder) {
+TEST_F(FileEvents, RemovedEntryIsReportedAsChangeOfFolder) {
   write("file");
   watch();
   fs::remove(inRoot("file"));
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, WritingToAFileIsAChangeOfItsFolder) {
+TEST_F(FileEvents, WriteIsReportedAsChangeOfFolder) {
   makeFolder("a");
   write("a/file");
   watch();
@@ -50,14 +50,14 @@ TEST_F(FileEvents, WritingToAFileIsAChangeOfItsFolder) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a")));
 }
 
-TEST_F(FileEvents, CuttingAFileIsAChangeOfItsFolder) {
+TEST_F(FileEvents, TruncationIsReportedAsChangeOfFolder) {
   write("file");
   watch();
   fs::resize_file(inRoot("file"), 1);
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, RenamingAFileIsAChangeOfBothFolders) {
+TEST_F(FileEvents, RenameIsReportedAsChangeOfBothFolders) {
   makeFolder("from");
   makeFolder("to");
   write("from/file");
@@ -66,27 +66,27 @@ TEST_F(FileEvents, RenamingAFileIsAChangeOfBothFolders) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("from"), changed("to")));
 }
 
-TEST_F(FileEvents, ManyChangesInOneFolderAreOneEventAndFoldersComeInTheirOrder) {
+TEST_F(FileEvents, ChangesInOneFolderAreMergedInOrderOfFirstChange) {
   for (const char* folder : {"a", "b"}) makeFolder(folder);
   watch();
   for (const char* file : {"b/1", "a/1", "b/2", "a/2", "b/1"}) write(file);
   EXPECT_THAT(nextBatch(), ElementsAre(changed("b"), changed("a")));
 }
 
-TEST_F(FileEvents, ReadingAndOpeningAreNoChanges) {
+TEST_F(FileEvents, ReadingAndOpeningAreNotReported) {
   makeFolder("a");
   write("a/file");
   watch();
   std::ifstream file(inRoot("a/file"));
   const std::string contents(std::istreambuf_iterator<char>(file), {});
   EXPECT_EQ(std::distance(fs::directory_iterator(inRoot("a")), {}), 1);
-  // Opened for writing, and nothing written.
+  // open() for writing without a write() must not be reported either.
   ::close(::open(inRoot("a/file").c_str(), O_RDWR | O_CLOEXEC));
   write("sign");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-// One way to give an entry a new attribute, the call that a shell's command makes for it.
+// A shell command and the system call that it makes to change an attribute.
 struct AttributeChange {
   const char* command;
   int (*make)(const char* path);
@@ -108,7 +108,7 @@ const AttributeChange kAttributeChanges[] = {
     {"setfattr", [](const char* path) { return ::setxattr(path, "trusted.test", "x", 1, 0); }},
 };
 
-TEST_F(FileEvents, NewAttributeOfAFileIsAChangeOfItsFolder) {
+TEST_F(FileEvents, AttributeOfFileIsReportedAsChangeOfFolder) {
   makeFolder("a");
   write("a/file");
   watch();
@@ -118,7 +118,7 @@ TEST_F(FileEvents, NewAttributeOfAFileIsAChangeOfItsFolder) {
   }
 }
 
-TEST_F(FileEvents, NewAttributeOfAFolderIsAChangeOfTheFolderAboveIt) {
+TEST_F(FileEvents, AttributeOfFolderIsReportedAsChangeOfParent) {
   makeFolder("a/b");
   watch();
   for (const AttributeChange& change : kAttributeChanges) {
@@ -127,7 +127,7 @@ TEST_F(FileEvents, NewAttributeOfAFolderIsAChangeOfTheFolderAboveIt) {
   }
 }
 
-TEST_F(FileEvents, NewAttributeOfTheRootIsNoChange) {
+TEST_F(FileEvents, AttributeOfRootIsNotReported) {
   makeFolder("b");
   watch();
   for (const AttributeChange& change : kAttributeChanges)
@@ -136,7 +136,7 @@ TEST_F(FileEvents, NewAttributeOfTheRootIsNoChange) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("b")));
 }
 
-TEST_F(FileEvents, NewAccessTimeAloneIsNoChange) {
+TEST_F(FileEvents, AccessTimeIsNotReported) {
   makeFolder("a");
   write("a/file");
   makeFolder("b");
@@ -147,7 +147,7 @@ TEST_F(FileEvents, NewAccessTimeAloneIsNoChange) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("b")));
 }
 
-TEST_F(FileEvents, HardLinkOutsideTheRootIsNoChange) {
+TEST_F(FileEvents, HardLinkOutsideRootIsNotReported) {
   makeFolder("a");
   write("a/file");
   makeFolder("b");
@@ -159,7 +159,7 @@ TEST_F(FileEvents, HardLinkOutsideTheRootIsNoChange) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("b")));
 }
 
-TEST_F(FileEvents, ChangesOutsideTheRootAreNotTold) {
+TEST_F(FileEvents, ChangesOutsideRootAreNotReported) {
   fs::create_directory("/tmp/way/middle/beside");
   watch();
   std::ofstream("/tmp/way/middle/beside/file") << "text";
@@ -170,7 +170,7 @@ TEST_F(FileEvents, ChangesOutsideTheRootAreNotTold) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, LinksBelowTheRootAreNotFollowed) {
+TEST_F(FileEvents, LinksBelowRootAreNotFollowed) {
   fs::create_directories("/tmp/way/other/sub");
   fs::create_directory_symlink("/tmp/way/other", inRoot("link"));
   watch();
@@ -182,14 +182,14 @@ TEST_F(FileEvents, LinksBelowTheRootAreNotFollowed) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, WhatIsMadeInNewFoldersBeforeTheyAreWatchedIsTold) {
+TEST_F(FileEvents, EntriesCreatedBeforeNewFolderIsWatchedAreReported) {
   watch();
   makeFolder("a/b/c");
   write("a/b/c/file");
   EXPECT_THAT(nextBatch(), ElementsAre(changed(), changed("a"), changed("a/b"), changed("a/b/c")));
 }
 
-TEST_F(FileEvents, NewFoldersAreWatchedFromThenOn) {
+TEST_F(FileEvents, NewFoldersAreWatched) {
   watch();
   makeFolder("a/b/c");
   nextBatch();
@@ -197,7 +197,7 @@ TEST_F(FileEvents, NewFoldersAreWatchedFromThenOn) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a/b/c")));
 }
 
-TEST_F(FileEvents, FolderThatIsMovedInIsWatchedFromThenOn) {
+TEST_F(FileEvents, FolderMovedInIsWatched) {
   fs::create_directories("/tmp/way/outside/sub");
   watch();
   fs::rename("/tmp/way/outside", inRoot("inside"));
@@ -206,7 +206,7 @@ TEST_F(FileEvents, FolderThatIsMovedInIsWatchedFromThenOn) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("inside/sub")));
 }
 
-TEST_F(FileEvents, FolderThatIsMovedOutIsWatchedNoLonger) {
+TEST_F(FileEvents, FolderMovedOutIsNotWatched) {
   makeFolder("inside/sub");
   watch();
   fs::rename(inRoot("inside"), "/tmp/way/outside");
@@ -217,7 +217,7 @@ TEST_F(FileEvents, FolderThatIsMovedOutIsWatchedNoLonger) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, FolderThatIsRenamedIsToldUnderItsNewName) {
+TEST_F(FileEvents, RenamedFolderIsReportedUnderNewName) {
   makeFolder("old/sub");
   makeFolder("old name");
   watch();
@@ -228,7 +228,7 @@ TEST_F(FileEvents, FolderThatIsRenamedIsToldUnderItsNewName) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("new/sub"), changed("old name")));
 }
 
-TEST_F(FileEvents, FolderThatMovedIntoANewOneBeforeThatWasSeenIsWatchedThere) {
+TEST_F(FileEvents, FolderMovedIntoUnseenNewFolderIsWatched) {
   makeFolder("a/sub");
   watch();
   makeFolder("x");
@@ -238,7 +238,7 @@ TEST_F(FileEvents, FolderThatMovedIntoANewOneBeforeThatWasSeenIsWatchedThere) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("x/a/sub")));
 }
 
-TEST_F(FileEvents, FolderThatIsRemovedAndMadeAgainIsWatched) {
+TEST_F(FileEvents, RecreatedFolderIsWatched) {
   makeFolder("a");
   watch();
   fs::remove(inRoot("a"));
@@ -248,7 +248,7 @@ TEST_F(FileEvents, FolderThatIsRemovedAndMadeAgainIsWatched) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a")));
 }
 
-TEST_F(FileEvents, NamesOfAnyBytesAreTold) {
+TEST_F(FileEvents, NamesOfAnyBytesAreReported) {
   const std::string name = "a \n\xff%s";
   makeFolder(name);
   watch();
@@ -256,7 +256,7 @@ TEST_F(FileEvents, NamesOfAnyBytesAreTold) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed(name)));
 }
 
-TEST_F(FileEvents, TheBatchComesNoSoonerThanTheLatencyAfterItsFirstChange) {
+TEST_F(FileEvents, BatchIsDelayedByLatency) {
   watch(500ms);
   const auto start = steady_clock::now();
   write("file");
@@ -264,8 +264,8 @@ TEST_F(FileEvents, TheBatchComesNoSoonerThanTheLatencyAfterItsFirstChange) {
   EXPECT_GE(steady_clock::now() - start, 500ms);
 }
 
-// The run loop serves timers in the order in which they are due, however busy the machine is.
-TEST_F(FileEvents, BatchComesBeforeATimerOfTwoAndAHalfLatencies) {
+// The run loop fires timers in the order of their due times, independent of the load of the machine.
+TEST_F(FileEvents, BatchPrecedesTimerOfTwoAndAHalfLatencies) {
   watch(2000ms);
   bool timerFired = false;
   write("file");
@@ -276,7 +276,7 @@ TEST_F(FileEvents, BatchComesBeforeATimerOfTwoAndAHalfLatencies) {
   EXPECT_FALSE(timerFired);
 }
 
-TEST_F(FileEvents, LaterChangesDoNotPutTheBatchOff) {
+TEST_F(FileEvents, LaterChangesDoNotDelayBatch) {
   watch(500ms);
   const auto start = steady_clock::now();
   int written = 0;
@@ -289,7 +289,7 @@ TEST_F(FileEvents, LaterChangesDoNotPutTheBatchOff) {
   EXPECT_THAT(batches_.front(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, WhatHappensWhileTheThreadIsBusyIsOneBatchAfterIt) {
+TEST_F(FileEvents, ChangesWhileThreadIsBusyFormOneBatch) {
   for (const char* folder : {"a", "b"}) makeFolder(folder);
   watch(50ms);
   write("a/file");
@@ -299,7 +299,7 @@ TEST_F(FileEvents, WhatHappensWhileTheThreadIsBusyIsOneBatchAfterIt) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), changed("b")));
 }
 
-TEST_F(FileEvents, BatchesComeInsideAModalRun) {
+TEST_F(FileEvents, BatchesAreDeliveredInModalRun) {
   auto window = platform::Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
   window->makeKeyAndOrderFront();
   stream_ = Stream::create(root_, kLatency, [this](Stream&, std::span<const FileEvent> events) {
@@ -314,7 +314,7 @@ TEST_F(FileEvents, BatchesComeInsideAModalRun) {
   EXPECT_THAT(batches_.front(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, ChangesBetweenCreationAndStartAreTold) {
+TEST_F(FileEvents, ChangesBetweenCreationAndStartAreReported) {
   stream_ = make(root_);
   ASSERT_NE(stream_, nullptr);
   write("file");
@@ -322,19 +322,19 @@ TEST_F(FileEvents, ChangesBetweenCreationAndStartAreTold) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, StreamThatWasNotStartedTellsNothing) {
+TEST_F(FileEvents, StreamNotStartedReportsNothing) {
   const auto idle = Stream::create(root_, 1ms, [](auto&&...) { ADD_FAILURE() << "told"; });
   watch();
   write("file");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, StoppedStreamTellsNothingNotEvenWhatIsUnderWay) {
+TEST_F(FileEvents, StoppedStreamDiscardsPendingEvents) {
   const auto stopped = Stream::create(root_, kLatency, [](auto&&...) { ADD_FAILURE() << "told"; });
   stopped->start();
   watch(2 * kLatency);
   write("file");
-  // It has taken the change in once the other one would soon tell.
+  // After half a latency the stopped stream holds the pending event.
   ASSERT_TRUE(
       serveEventsUntil([start = steady_clock::now()] { return steady_clock::now() - start > kLatency / 2; }));
   stopped->stop();
@@ -344,7 +344,7 @@ TEST_F(FileEvents, StoppedStreamTellsNothingNotEvenWhatIsUnderWay) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, StoppedStreamHoldsNoDescriptor) {
+TEST_F(FileEvents, StoppedStreamClosesItsDescriptors) {
   const auto descriptors = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
   const auto before = descriptors();
   watch();
@@ -353,7 +353,7 @@ TEST_F(FileEvents, StoppedStreamHoldsNoDescriptor) {
   EXPECT_EQ(descriptors(), before);
 }
 
-TEST_F(FileEvents, CallbackMayStopItsStreamAndStillReadsItsEvents) {
+TEST_F(FileEvents, CallbackMayStopItsStreamAndKeepsItsEvents) {
   Batch seen;
   stream_ = Stream::create(root_, kLatency, [&](Stream& stream, std::span<const FileEvent> events) {
     stream.stop();
@@ -365,7 +365,7 @@ TEST_F(FileEvents, CallbackMayStopItsStreamAndStillReadsItsEvents) {
   EXPECT_THAT(seen, ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, CallbackMayDropItsOwnStream) {
+TEST_F(FileEvents, CallbackMayDestroyItsStream) {
   Batch seen;
   stream_ = Stream::create(root_, kLatency, [&](Stream&, std::span<const FileEvent> events) {
     stream_.reset();
@@ -377,7 +377,7 @@ TEST_F(FileEvents, CallbackMayDropItsOwnStream) {
   EXPECT_THAT(seen, ElementsAre(changed()));
 }
 
-TEST_F(FileEvents, EveryDescriptorIsClosedInCommands) {
+TEST_F(FileEvents, DescriptorsAreCloseOnExec) {
   const auto staysOpen = [] {
     int count = 0;
     for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {

@@ -17,18 +17,18 @@ bool isKnown(const std::string& script) {
   return std::holds_alternative<ActivateFrontApplication>(parseScript({"-e", script}));
 }
 
-TEST(ActivationScript, IsKnownWithLineFeedsBetweenItsSixLines) {
+TEST(ActivationScript, AcceptsSixLines) {
   EXPECT_TRUE(isKnown(kScript));
 }
 
-TEST(ActivationScript, IsKnownWhateverTheWhiteSpace) {
+TEST(ActivationScript, AcceptsAnyWhiteSpace) {
   std::string tabbed = "\r\n\t ";
   for (const char character : std::string(kScript))
     tabbed += character == '\n' ? std::string("\r\n\t") : std::string(1, character);
   EXPECT_TRUE(isKnown(tabbed + "\n\n"));
 }
 
-TEST(ActivationScript, IsUnknownWithAWordMoreOrLessOrOther) {
+TEST(ActivationScript, RejectsChangedWords) {
   const std::string script = kScript;
   EXPECT_FALSE(isKnown(script + " quit"));
   EXPECT_FALSE(isKnown("beep " + script));
@@ -39,13 +39,13 @@ TEST(ActivationScript, IsUnknownWithAWordMoreOrLessOrOther) {
   EXPECT_FALSE(isKnown("   \n"));
 }
 
-TEST(ActivationScript, IsUnknownWithTwoWordsRunTogether) {
+TEST(ActivationScript, RejectsMissingWhiteSpace) {
   std::string script = kScript;
   script.erase(script.find("end tell") + 3, 1);
   EXPECT_FALSE(isKnown(script));
 }
 
-TEST(ActivationScript, TakesExactlyOneScript) {
+TEST(ActivationScript, AcceptsExactlyOneScript) {
   for (const Arguments& arguments :
        {Arguments{}, Arguments{"-e"}, Arguments{kScript}, Arguments{"-l", kScript},
         Arguments{"-e", kScript, "-e", kScript}, Arguments{"-e", kScript, ""}, Arguments{"-e", "--help"}}) {

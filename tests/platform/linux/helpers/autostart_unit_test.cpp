@@ -13,22 +13,22 @@ namespace fs = std::filesystem;
 
 constexpr char kGenerator[] = "/usr/lib/systemd/user-generators/systemd-xdg-autostart-generator";
 
-TEST(AutostartUnit, DotsOfTheLabelStay) {
+TEST(AutostartUnit, DotsAreNotEscaped) {
   EXPECT_EQ("app-com.example.agent@autostart.service", helpers::autostartUnit("com.example.agent"));
 }
 
-TEST(AutostartUnit, WhatAUnitNameCannotHoldIsEscapedByteForByte) {
+TEST(AutostartUnit, BytesInvalidInUnitNameAreEscaped) {
   EXPECT_EQ("app-a\\x2db@autostart.service", helpers::autostartUnit("a-b"));
   EXPECT_EQ("app-a\\x5cb@autostart.service", helpers::autostartUnit("a\\b"));
   EXPECT_EQ("app-\\xc3\\xa9@autostart.service", helpers::autostartUnit("\xc3\xa9"));
   EXPECT_EQ("app-\\x2aa:b_C9@autostart.service", helpers::autostartUnit("*a:b_C9"));
 }
 
-TEST(AutostartUnit, OnlyALeadingDotIsEscaped) {
+TEST(AutostartUnit, LeadingDotIsEscaped) {
   EXPECT_EQ("app-\\x2ea.b@autostart.service", helpers::autostartUnit(".a.b"));
 }
 
-TEST(AutostartUnit, IsTheNameThatTheGeneratorGives) {
+TEST(AutostartUnit, MatchesSystemdGenerator) {
   if (!fs::exists(kGenerator)) GTEST_SKIP() << "no " << kGenerator;
   const std::vector<std::string> labels = {
       "com.example.agent", "a-b.c_d", "-a", "with space", "a@b", "a\\b", "a:b", "a%b", "x~y+z#",

@@ -22,26 +22,26 @@ class BundleProgramTest : public testing::Test {
   const std::string programs_ = bundle_ + "/Contents/MacOS/";
 };
 
-TEST_F(BundleProgramTest, HasTheBundlesName) {
+TEST_F(BundleProgramTest, IsNamedLikeBundle) {
   helper_test::writeProgram(programs_ + "The Bundle", "");
   helper_test::writeProgram(programs_ + "Another", "");
   EXPECT_EQ(programs_ + "The Bundle", findBundleProgram(bundle_).path);
   EXPECT_EQ("", findBundleProgram(bundle_).problem);
 }
 
-TEST_F(BundleProgramTest, SlashesBehindTheBundleMakeNoDifference) {
+TEST_F(BundleProgramTest, TrailingSlashesAreIgnored) {
   helper_test::writeProgram(programs_ + "The Bundle", "");
   EXPECT_EQ(programs_ + "The Bundle", findBundleProgram(bundle_ + "//").path);
 }
 
-TEST_F(BundleProgramTest, OtherwiseIsTheOnlyExecutableFile) {
+TEST_F(BundleProgramTest, OtherwiseIsOnlyExecutableFile) {
   helper_test::writeProgram(programs_ + "Another", "");
   helper_test::writeFile(programs_ + "notes.txt", "");
   fs::create_directory(programs_ + "The Bundle");
   EXPECT_EQ(programs_ + "Another", findBundleProgram(bundle_).path);
 }
 
-TEST_F(BundleProgramTest, IsNotGuessedAmongSeveral) {
+TEST_F(BundleProgramTest, SeveralCandidatesAreAnError) {
   helper_test::writeProgram(programs_ + "One", "");
   helper_test::writeProgram(programs_ + "Two", "");
   EXPECT_EQ("", findBundleProgram(bundle_).path);
@@ -49,7 +49,7 @@ TEST_F(BundleProgramTest, IsNotGuessedAmongSeveral) {
             findBundleProgram(bundle_).problem);
 }
 
-TEST_F(BundleProgramTest, MayBeMissing) {
+TEST_F(BundleProgramTest, MissingBundleOrProgramIsAnError) {
   EXPECT_EQ("there is no bundle at " + bundle_, findBundleProgram(bundle_).problem);
   fs::create_directory(bundle_);
   EXPECT_EQ("there is no program in " + bundle_ + "/Contents/MacOS", findBundleProgram(bundle_).problem);
@@ -57,7 +57,7 @@ TEST_F(BundleProgramTest, MayBeMissing) {
   EXPECT_EQ("there is no program in " + bundle_ + "/Contents/MacOS", findBundleProgram(bundle_).problem);
 }
 
-TEST_F(BundleProgramTest, OfAnotherUsersBundleIsNotTakenFromAFolderThatAllShare) {
+TEST_F(BundleProgramTest, BundleOfAnotherUserInSharedFolderIsRefused) {
   helper_test::writeProgram(programs_ + "The Bundle", "");
   if (::lchown(bundle_.c_str(), kAnotherUser, kAnotherUser) != 0) GTEST_SKIP() << "no second user here";
   EXPECT_EQ("", findBundleProgram(bundle_).problem) << "the folder around it is the user's own";
@@ -67,7 +67,7 @@ TEST_F(BundleProgramTest, OfAnotherUsersBundleIsNotTakenFromAFolderThatAllShare)
   EXPECT_EQ("", findBundleProgram(bundle_).path);
 }
 
-TEST_F(BundleProgramTest, OfAnotherUsersLinkIsNotTakenEither) {
+TEST_F(BundleProgramTest, LinkOfAnotherUserInSharedFolderIsRefused) {
   helper_test::writeProgram(programs_ + "The Bundle", "");
   const std::string link = "/tmp/Linked.app";
   fs::create_directory_symlink(bundle_, link);

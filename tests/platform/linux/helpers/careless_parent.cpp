@@ -1,5 +1,5 @@
-// careless_parent PROGRAM [ARGUMENT...]: becomes the program with signals ignored and blocked and descriptors
-// left open, as a parent does that gave no thought to its children.
+// careless_parent PROGRAM [ARGUMENT...]: executes PROGRAM with signals ignored and blocked and with open
+// descriptors, like a parent that does not clean up before exec.
 #include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>

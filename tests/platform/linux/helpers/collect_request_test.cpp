@@ -17,7 +17,7 @@ Request parsed(const Arguments& arguments) {
   return found == nullptr ? Request{} : *found;
 }
 
-TEST(CollectRequest, CopiesNameTheirSourcePatternAndTarget) {
+TEST(CollectRequest, CopySubcommandsTakeSourcePatternAndTarget) {
   const auto whole = parsed<CopyFiles>({"whole", "20", "/a b", "*x", "/t"});
   EXPECT_EQ(whole.oversized, CopyFiles::Oversized::LeftOut);
   EXPECT_EQ(whole.limit, 20);
@@ -30,7 +30,7 @@ TEST(CollectRequest, CopiesNameTheirSourcePatternAndTarget) {
   EXPECT_EQ(newest.name, "n");
 }
 
-TEST(CollectRequest, OutputAndArchiveEndWithACommand) {
+TEST(CollectRequest, OutputAndArchiveTakeCommand) {
   const auto output = parsed<KeepOutput>({"output", "5", "7", "/t", "n", "cmd", "-o", "output"});
   EXPECT_EQ(output.limit, 5);
   EXPECT_EQ(output.patience, 7s);
@@ -44,7 +44,7 @@ TEST(CollectRequest, OutputAndArchiveEndWithACommand) {
   EXPECT_EQ(archive.command, (Arguments{"zip", "--help"}));
 }
 
-TEST(CollectRequest, WrongCommandLinesAreRefused) {
+TEST(CollectRequest, InvalidCommandLinesAreRefused) {
   const Arguments wrong[] = {
       {},
       {"other"},

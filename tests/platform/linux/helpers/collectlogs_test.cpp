@@ -40,7 +40,7 @@ std::set<std::string> namesIn(const fs::path& folder) {
   return names;
 }
 
-// The helper with a folder to take from and a folder to fill.
+// Runs the helper with a source and a target folder.
 class CollectLogs : public testing::Test {
  protected:
   void SetUp() override {
@@ -59,7 +59,7 @@ class CollectLogs : public testing::Test {
   void put(const std::string& name, const std::string& text = "text") const {
     writeFile(source_ + "/" + name, text);
   }
-  // `age` decides which of two files is the newer one.
+  // `age` sets the modification time, by which the helper orders files.
   void put(const std::string& name, const std::string& text, std::chrono::seconds age) const {
     put(name, text);
     fs::last_write_time(source_ + "/" + name, fs::file_time_type::clock::now() - age);
@@ -71,7 +71,7 @@ class CollectLogs : public testing::Test {
   const std::string target_ = root_ + "/target";
 };
 
-TEST_F(CollectLogs, MatchingFilesAreCopiedForTheirOwnerAlone) {
+TEST_F(CollectLogs, MatchingFilesAreCopiedWithMode0600) {
   put("a.log", std::string(100'000, 'a') + std::string("\0\xff end", 6));
   put("b.log");
   put("c.txt");
@@ -83,7 +83,7 @@ TEST_F(CollectLogs, MatchingFilesAreCopiedForTheirOwnerAlone) {
   EXPECT_EQ(namesIn(source_).size(), 4U);
 }
 
-TEST_F(CollectLogs, NoMatchingFileIsAFailure) {
+TEST_F(CollectLogs, NoMatchingFileFails) {
   const Ended ended = copy();
   EXPECT_EQ(ended.code, 1);
   EXPECT_EQ(ended.error, "");
@@ -95,7 +95,7 @@ TEST_F(CollectLogs, MissingSourceIsReported) {
   EXPECT_THAT(ended.error, HasSubstr("No such file or directory"));
 }
 
-TEST_F(CollectLogs, AnyNameIsTakenAsItIs) {
+TEST_F(CollectLogs, AnyFileNameIsCopied) {
   const std::set<std::string> names = {"-rf.log",
                                        " blank .log",
                                        "line\nend.log",
@@ -119,21 +119,21 @@ TEST_F(CollectLogs, WholeFilesThatFitAreCopiedNewestFirst) {
   EXPECT_THAT(ended.error, HasSubstr("files left out: 1"));
 }
 
-TEST_F(CollectLogs, WholeFileBeyondTheLimitIsLeftOut) {
+TEST_F(CollectLogs, WholeFileBeyondLimitIsLeftOut) {
   put("fits.log", std::string(1000, 'x'), 2h);
   put("too large.log", std::string(1001, 'x'), 1h);
   EXPECT_EQ(copy("1000").code, 1);
   EXPECT_THAT(namesIn(target_), ElementsAre("fits.log"));
 }
 
-TEST_F(CollectLogs, SparseFileOfATerabyteIsLeftOut) {
+TEST_F(CollectLogs, SparseFileOfOneTerabyteIsLeftOut) {
   put("huge.log");
   fs::resize_file(source_ + "/huge.log", std::uintmax_t{1} << 40);
   EXPECT_EQ(copy("1000").code, 1);
   EXPECT_THAT(namesIn(target_), IsEmpty());
 }
 
-TEST_F(CollectLogs, NewestPartOfAFileThatDoesNotFitIsCopied) {
+TEST_F(CollectLogs, TailOfFileThatDoesNotFitIsCopied) {
   put("older.log", std::string(700, 'x') + "the end of the older", 2h);
   put("newer.log", std::string(980, 'y'), 1h);
   EXPECT_EQ(copy("1000", "newest").code, 0);
@@ -141,7 +141,7 @@ TEST_F(CollectLogs, NewestPartOfAFileThatDoesNotFitIsCopied) {
   EXPECT_EQ(copied("older.log"), "the end of the older");
 }
 
-TEST_F(CollectLogs, GivenNameIsThatOfTheNewestFile) {
+TEST_F(CollectLogs, NewestFileGetsGivenName) {
   put("older.log", "older", 2h);
   put("newer.log", "newer", 1h);
   static_cast<void>(collect({"newest", "1000", source_, "*.log", target_, "system.log"}));
@@ -149,7 +149,7 @@ TEST_F(CollectLogs, GivenNameIsThatOfTheNewestFile) {
   EXPECT_EQ(copied("system.log"), "newer");
 }
 
-TEST_F(CollectLogs, FileThatGrowsIsCopiedUpToTheLimit) {
+TEST_F(CollectLogs, GrowingFileIsCopiedUpToLimit) {
   put("growing.log", std::string(1'000'000, 'x'));
   std::atomic<bool> stop = false;
   std::thread writer([&] {
@@ -164,7 +164,7 @@ TEST_F(CollectLogs, FileThatGrowsIsCopiedUpToTheLimit) {
   EXPECT_EQ(fs::file_size(target_ + "/growing.log"), 1'000'000U);
 }
 
-TEST_F(CollectLogs, AThousandFilesAreCopiedAndTheOldestLeftOut) {
+TEST_F(CollectLogs, FilesBeyondNewestThousandAreLeftOut) {
   for (int i = 0; i < 1003; ++i) put(std::to_string(i) + ".log", "x", std::chrono::seconds(i * 10));
   EXPECT_EQ(copy("10000").code, 1);
   EXPECT_EQ(namesIn(target_).size(), 1000U);
@@ -179,7 +179,7 @@ TEST_F(CollectLogs, EntriesBeyondTwentyThousandAreNotRead) {
   EXPECT_THAT(ended.error, HasSubstr("files left out: 19000"));
 }
 
-TEST_F(CollectLogs, WhatIsNoRegularFileIsLeftOut) {
+TEST_F(CollectLogs, OtherThanRegularFileIsLeftOut) {
   ASSERT_EQ(::mkfifo((source_ + "/fifo.log").c_str(), 0666), 0);
   put("elsewhere.txt", "secret");
   fs::create_symlink(source_ + "/elsewhere.txt", source_ + "/link.log");
@@ -196,8 +196,8 @@ TEST_F(CollectLogs, WhatIsNoRegularFileIsLeftOut) {
   EXPECT_THAT(namesIn(target_), ElementsAre("real.log"));
 }
 
-// An open without O_NONBLOCK waits up to 45 seconds for the end of the lease.
-TEST_F(CollectLogs, LeasedFileIsLeftOutAtOnce) {
+// open(2) without O_NONBLOCK blocks up to 45 s (lease-break-time) until the lease is released.
+TEST_F(CollectLogs, LeasedFileIsLeftOutWithoutWaiting) {
   put("leased.log");
   put("other.log");
   ASSERT_NE(::signal(SIGIO, SIG_IGN), SIG_ERR);
@@ -207,14 +207,14 @@ TEST_F(CollectLogs, LeasedFileIsLeftOutAtOnce) {
   EXPECT_THAT(namesIn(target_), ElementsAre("other.log"));
 }
 
-TEST_F(CollectLogs, SecondNameOfAFileIsLeftOut) {
+TEST_F(CollectLogs, HardLinkIsLeftOut) {
   put("secret.txt");
   fs::create_hard_link(source_ + "/secret.txt", source_ + "/second.log");
   EXPECT_EQ(copy().code, 1);
   EXPECT_THAT(namesIn(target_), IsEmpty());
 }
 
-TEST_F(CollectLogs, LinkOrFifoAtTheNameOfACopyIsReplaced) {
+TEST_F(CollectLogs, LinkOrFifoAtTargetNameIsReplaced) {
   writeFile(root_ + "/spared", "spared");
   fs::create_symlink(root_ + "/spared", target_ + "/a.log");
   ASSERT_EQ(::mkfifo((target_ + "/b.log").c_str(), 0666), 0);
@@ -228,14 +228,14 @@ TEST_F(CollectLogs, LinkOrFifoAtTheNameOfACopyIsReplaced) {
   }
 }
 
-TEST_F(CollectLogs, TargetIsClosedToOthers) {
+TEST_F(CollectLogs, TargetGetsMode0700) {
   fs::permissions(target_, fs::perms::all);
   put("a.log");
   EXPECT_EQ(copy().code, 0);
   EXPECT_EQ(fs::status(target_).permissions(), fs::perms(0700));
 }
 
-TEST_F(CollectLogs, TargetThatIsALinkOrAFifoIsRefused) {
+TEST_F(CollectLogs, LinkOrFifoAsTargetIsRefused) {
   put("a.log");
   fs::create_directory(root_ + "/elsewhere");
   fs::remove(target_);
@@ -261,7 +261,7 @@ TEST_F(CollectLogs, TargetOfAnotherUserIsRefused) {
   EXPECT_EQ(fs::status(target_).permissions(), fs::perms::all);
 }
 
-TEST_F(CollectLogs, CopyThatFindsTheDiskFullIsRemoved) {
+TEST_F(CollectLogs, IncompleteCopyOnFullDiskIsRemoved) {
   ASSERT_EQ(::mount("tmpfs", target_.c_str(), "tmpfs", 0, "size=64k"), 0);
   put("large.log", std::string(1'000'000, 'x'), 1h);
   put("small.log", "text", 2h);
@@ -272,7 +272,7 @@ TEST_F(CollectLogs, CopyThatFindsTheDiskFullIsRemoved) {
   EXPECT_EQ(::umount2(target_.c_str(), MNT_DETACH), 0);
 }
 
-// The helper as an ordinary user's.
+// Runs the helper as an unprivileged user.
 class CollectLogsOfUser : public CollectLogs {
  protected:
   void SetUp() override {
@@ -296,7 +296,7 @@ class CollectLogsOfUser : public CollectLogs {
   }
 
  private:
-  // The build's own folder may be closed to the user.
+  // Copies the helper, because the user may not have access to the build folder.
   [[nodiscard]] std::string ownHelper() const {
     std::string place = root_ + "/collectlogs";
     fs::copy_file(helper("collectlogs"), place, fs::copy_options::overwrite_existing);
@@ -305,7 +305,7 @@ class CollectLogsOfUser : public CollectLogs {
   }
 };
 
-TEST_F(CollectLogsOfUser, FilesOfOthersAreLeftOutOfASharedFolder) {
+TEST_F(CollectLogsOfUser, FilesOfOthersInSharedFolderAreLeftOut) {
   fs::permissions(source_, fs::perms::all | fs::perms::sticky_bit);
   putFor(kUser, "own.log");
   putFor(kAnother, "foreign.log");
@@ -314,20 +314,20 @@ TEST_F(CollectLogsOfUser, FilesOfOthersAreLeftOutOfASharedFolder) {
   EXPECT_THAT(namesIn(target_), ElementsAre("own.log"));
 }
 
-TEST_F(CollectLogsOfUser, FilesOfServicesAreTakenFromAFolderOfTheSystem) {
+TEST_F(CollectLogsOfUser, FilesOfServicesInFolderOfRootAreCopied) {
   putFor(kAnother, "service.log");
   EXPECT_EQ(copyAsUser().code, 0);
   EXPECT_THAT(namesIn(target_), ElementsAre("service.log"));
 }
 
-TEST_F(CollectLogsOfUser, FilesInAFolderOfAnotherUserAreLeftOut) {
+TEST_F(CollectLogsOfUser, FilesInFolderOfAnotherUserAreLeftOut) {
   ASSERT_EQ(::chown(source_.c_str(), kAnother, kAnother), 0);
   putFor(kAnother, "a.log");
   EXPECT_EQ(copyAsUser().code, 1);
   EXPECT_THAT(namesIn(target_), IsEmpty());
 }
 
-TEST_F(CollectLogsOfUser, UnreadableFileDoesNotKeepTheOthersAway) {
+TEST_F(CollectLogsOfUser, UnreadableFileDoesNotPreventOtherCopies) {
   putFor(0, "closed.log");
   fs::permissions(source_ + "/closed.log", fs::perms(0600));
   ASSERT_NE(asUser({"cat", source_ + "/closed.log"}).code, 0);
@@ -336,7 +336,7 @@ TEST_F(CollectLogsOfUser, UnreadableFileDoesNotKeepTheOthersAway) {
   EXPECT_THAT(namesIn(target_), ElementsAre("own.log"));
 }
 
-TEST_F(CollectLogs, FileThatBecomesAnotherOnesSecondNameBeforeItIsOpenedIsLeftOut) {
+TEST_F(CollectLogs, FileReplacedByHardLinkBeforeOpenIsLeftOut) {
   put("a.log");
   put("b.log");
   writeFile(root_ + "/secret", "secret");
@@ -355,7 +355,7 @@ TEST_F(CollectLogs, FileThatBecomesAnotherOnesSecondNameBeforeItIsOpenedIsLeftOu
   EXPECT_THAT(namesIn(target_), ElementsAre("b.log"));
 }
 
-TEST_F(CollectLogs, LastBytesOfAnOutputAreKept) {
+TEST_F(CollectLogs, TailOfOutputIsKept) {
   const std::string script = "head -c 1000000 /dev/zero; echo the end";
   EXPECT_EQ(collect({"output", "1000", "20", target_, "n.log", "sh", "-c", script}).code, 0);
   EXPECT_EQ(copied("n.log").size(), 1000U);
@@ -363,14 +363,14 @@ TEST_F(CollectLogs, LastBytesOfAnOutputAreKept) {
   EXPECT_EQ(fs::status(target_ + "/n.log").permissions(), fs::perms(0600));
 }
 
-TEST_F(CollectLogs, OutputAsLongAsTheLimitIsKeptWhole) {
+TEST_F(CollectLogs, OutputOfLimitLengthIsKeptWhole) {
   for (const std::string text : {"12345678", "123456789"}) {
     EXPECT_EQ(collect({"output", "8", "20", target_, "n.log", "printf", text}).code, 0);
     EXPECT_EQ(copied("n.log"), text.substr(text.size() - 8));
   }
 }
 
-TEST_F(CollectLogs, EmptyOutputIsAFailureThatLeavesAnEmptyFile) {
+TEST_F(CollectLogs, EmptyOutputFailsAndLeavesEmptyFile) {
   for (const std::string command : {"true", "false", "no-such-command"}) {
     EXPECT_EQ(collect({"output", "8", "20", target_, "n.log", command}).code, 1);
     EXPECT_THAT(namesIn(target_), ElementsAre("n.log"));
@@ -378,12 +378,12 @@ TEST_F(CollectLogs, EmptyOutputIsAFailureThatLeavesAnEmptyFile) {
   }
 }
 
-TEST_F(CollectLogs, OutputOfACommandThatFailsIsKept) {
+TEST_F(CollectLogs, OutputOfFailedCommandIsKept) {
   EXPECT_EQ(collect({"output", "8", "20", target_, "n.log", "sh", "-c", "echo text; exit 3"}).code, 0);
   EXPECT_EQ(copied("n.log"), "text\n");
 }
 
-TEST_F(CollectLogs, CommandThatTakesTooLongIsKilledAndItsOutputKept) {
+TEST_F(CollectLogs, CommandBeyondTimeLimitIsKilledAndItsOutputKept) {
   const std::string script = "trap '' TERM; echo $$; exec sleep 1000";
   EXPECT_EQ(collect({"output", "100", "1", target_, "n.log", "sh", "-c", script}).code, 0);
   std::string process = copied("n.log");
@@ -392,14 +392,14 @@ TEST_F(CollectLogs, CommandThatTakesTooLongIsKilledAndItsOutputKept) {
   EXPECT_FALSE(isAlive(process));
 }
 
-TEST_F(CollectLogs, OutputForMoreEntriesThanTheTimeAllowsIsNotKept) {
+TEST_F(CollectLogs, RunBeyondTimeLimitKeepsOutputOfPreviousRun) {
   const std::string script = "echo entry $0; [ $0 -le 12500 ] || exec sleep 1000; echo last of $0";
   EXPECT_EQ(collect({"output", "100", "2", target_, "n.log", "sh", "-c", script}).code, 0);
   EXPECT_EQ(copied("n.log"), "entry 12500\nlast of 12500\n");
 }
 
-// A crash in the journal of an earlier day, for one.
-TEST_F(CollectLogs, OutputForMoreEntriesOfACommandThatFailsIsNotKept) {
+// For example, journalctl crashes in a journal file of an earlier day.
+TEST_F(CollectLogs, FailedRunKeepsOutputOfPreviousRun) {
   for (const std::string end : {"exit 1", "kill -9 $$"}) {
     const std::string script = "echo entry $0; [ $0 -le 50000 ] || " + end;
     EXPECT_EQ(collect({"output", "100", "20", target_, "n.log", "sh", "-c", script}).code, 0);
@@ -407,13 +407,13 @@ TEST_F(CollectLogs, OutputForMoreEntriesOfACommandThatFailsIsNotKept) {
   }
 }
 
-TEST_F(CollectLogs, CommandThatEndsLongAfterItsOutputIsWaitedFor) {
+TEST_F(CollectLogs, WaitsForCommandAfterEndOfItsOutput) {
   const std::string script = "echo entry $0; exec >&-; i=0; while [ $i -lt 100000 ]; do i=$((i + 1)); done";
   EXPECT_EQ(collect({"output", "100", "20", target_, "n.log", "sh", "-c", script}).code, 0);
   EXPECT_EQ(copied("n.log"), "entry 200000\n");
 }
 
-TEST_F(CollectLogs, MoreEntriesAreAskedForUntilTheLimitIsReachedOrNothingIsNew) {
+TEST_F(CollectLogs, EntryCountGrowsUntilLimitOrNoNewOutput) {
   const std::string counts = root_ + "/counts";
   const auto countsAskedFor = [&](const std::string& limit, const std::string& script) {
     fs::remove(counts);
@@ -427,17 +427,17 @@ TEST_F(CollectLogs, MoreEntriesAreAskedForUntilTheLimitIsReachedOrNothingIsNew) 
   EXPECT_EQ(countsAskedFor("100", "echo entry"), "12500\n50000\n");
 }
 
-TEST_F(CollectLogs, CommandThatPrintsWithoutEndIsKilled) {
+TEST_F(CollectLogs, CommandWithEndlessOutputIsKilled) {
   EXPECT_EQ(collect({"output", "1000", "1", target_, "n.log", "yes"}).code, 0);
   EXPECT_EQ(copied("n.log").size(), 1000U);
 }
 
-TEST_F(CollectLogs, CommandHasNothingToRead) {
+TEST_F(CollectLogs, CommandReadsEmptyInput) {
   EXPECT_EQ(collect({"output", "100", "20", target_, "n.log", "sh", "-c", "cat; echo end"}).code, 0);
   EXPECT_EQ(copied("n.log"), "end\n");
 }
 
-TEST_F(CollectLogs, OutputThatFindsTheDiskFullIsRemoved) {
+TEST_F(CollectLogs, IncompleteOutputOnFullDiskIsRemoved) {
   ASSERT_EQ(::mount("tmpfs", target_.c_str(), "tmpfs", 0, "size=64k"), 0);
   const Ended ended =
       collect({"output", "1000000", "20", target_, "n.log", "head", "-c", "1000000", "/dev/zero"});
@@ -447,7 +447,7 @@ TEST_F(CollectLogs, OutputThatFindsTheDiskFullIsRemoved) {
   EXPECT_EQ(::umount2(target_.c_str(), MNT_DETACH), 0);
 }
 
-// The folder that is packed is the target of the cases above.
+// Packs target_ of CollectLogs.
 class Archiving : public CollectLogs {
  protected:
   [[nodiscard]] Ended archive(const std::string& script) const {
@@ -458,7 +458,7 @@ class Archiving : public CollectLogs {
   const std::string desktop_ = root_ + "/a desktop/below";
 };
 
-TEST_F(Archiving, OutputOfTheCommandIsTheArchiveForItsOwnerAlone) {
+TEST_F(Archiving, OutputOfCommandBecomesArchiveWithMode0600) {
   EXPECT_EQ(archive("printf packed").code, 0);
   EXPECT_THAT(namesIn(desktop_), ElementsAre("a.zip"));
   EXPECT_EQ(archived(), "packed");
@@ -466,12 +466,12 @@ TEST_F(Archiving, OutputOfTheCommandIsTheArchiveForItsOwnerAlone) {
   EXPECT_EQ(fs::status(desktop_).permissions(), fs::perms(0700));
 }
 
-TEST_F(Archiving, CommandWritesIntoARegularFile) {
+TEST_F(Archiving, CommandWritesToRegularFile) {
   EXPECT_EQ(archive("test -f /proc/self/fd/1 && printf packed").code, 0);
   EXPECT_EQ(archived(), "packed");
 }
 
-TEST_F(Archiving, FailureOfTheCommandLeavesNothing) {
+TEST_F(Archiving, FailedCommandLeavesNoArchive) {
   for (const char* script : {"printf half; exit 12", "printf half; kill -9 $$", "exit 127"}) {
     const Ended ended = archive(script);
     EXPECT_EQ(ended.code, 1);
@@ -482,12 +482,12 @@ TEST_F(Archiving, FailureOfTheCommandLeavesNothing) {
   EXPECT_THAT(namesIn(desktop_), IsEmpty());
 }
 
-TEST_F(Archiving, ArchiveThatLacksUnreadableFilesIsKept) {
+TEST_F(Archiving, ArchiveWithoutUnreadableFilesIsKept) {
   EXPECT_EQ(archive("printf packed; exit 18").code, 0);
   EXPECT_EQ(archived(), "packed");
 }
 
-TEST_F(Archiving, WhatStandsAtItsNameIsReplacedUnopened) {
+TEST_F(Archiving, LinkOrFifoAtItsNameIsReplacedUnopened) {
   fs::create_directories(desktop_);
   writeFile(root_ + "/spared", "spared");
   for (const char* name : {"/a.zip", "/.a.zip"}) {
@@ -503,27 +503,27 @@ TEST_F(Archiving, WhatStandsAtItsNameIsReplacedUnopened) {
   EXPECT_THAT(namesIn(desktop_), ElementsAre("a.zip"));
 }
 
-TEST_F(Archiving, EarlierArchiveSurvivesAFailure) {
+TEST_F(Archiving, EarlierArchiveSurvivesFailure) {
   ASSERT_EQ(archive("printf earlier").code, 0);
   EXPECT_EQ(archive("printf half; exit 1").code, 1);
   EXPECT_EQ(archived(), "earlier");
 }
 
-TEST_F(Archiving, FolderAtItsNameStays) {
+TEST_F(Archiving, FolderAtItsNameIsKept) {
   fs::create_directories(desktop_ + "/a.zip");
   EXPECT_EQ(archive("printf packed").code, 1);
   EXPECT_THAT(namesIn(desktop_), ElementsAre("a.zip"));
   EXPECT_TRUE(fs::is_directory(desktop_ + "/a.zip"));
 }
 
-TEST_F(Archiving, FileInPlaceOfTheFolderIsReported) {
+TEST_F(Archiving, FileInsteadOfTargetFolderIsReported) {
   writeFile(desktop_, "a file");
   const Ended ended = archive("printf packed");
   EXPECT_EQ(ended.code, 1);
   EXPECT_THAT(ended.error, HasSubstr("Not a directory"));
 }
 
-TEST_F(Archiving, FolderThatIsNotTheUsersOwnIsNotPacked) {
+TEST_F(Archiving, LinkAsSourceFolderIsNotPacked) {
   fs::rename(target_, root_ + "/elsewhere");
   fs::create_directory_symlink(root_ + "/elsewhere", target_);
   EXPECT_EQ(archive("printf packed").code, 1);

@@ -19,41 +19,41 @@ std::string type(const std::string& name) {
   return "_NET_WM_WINDOW_TYPE_" + name;
 }
 
-TEST(FrontWindow, ActiveOneIsInFrontEvenBelowAnother) {
+TEST(FrontWindow, IsActiveWindowEvenBelowAnother) {
   EXPECT_EQ(1U, frontWindow({.active = viewable(1), .stacking = {viewable(1), viewable(2)}}));
 }
 
-TEST(FrontWindow, ActiveOneIsTakenWhateverItsKind) {
+TEST(FrontWindow, IsActiveWindowOfAnyType) {
   EXPECT_EQ(1U, frontWindow({.active = viewable(1, {type("DESKTOP")}), .stacking = {viewable(2)}}));
 }
 
-TEST(FrontWindow, TopmostOneWhenNoneIsActive) {
+TEST(FrontWindow, IsTopmostIfNoneIsActive) {
   EXPECT_EQ(3U, frontWindow({.active = {}, .stacking = {viewable(1), viewable(2), viewable(3)}}));
 }
 
-TEST(FrontWindow, TopmostOneWhenTheActiveOneHasGone) {
+TEST(FrontWindow, IsTopmostIfActiveWindowIsGone) {
   EXPECT_EQ(2U, frontWindow({.active = hidden(3), .stacking = {viewable(1), viewable(2), hidden(3)}}));
 }
 
-TEST(FrontWindow, NoneOnAnEmptyDesktop) {
+TEST(FrontWindow, IsNulloptOnEmptyDesktop) {
   EXPECT_EQ(std::nullopt, frontWindow({}));
   EXPECT_EQ(std::nullopt, frontWindow({.active = hidden(1), .stacking = {hidden(1)}}));
 }
 
-TEST(FrontWindow, NotOneOnAnotherDesktop) {
+TEST(FrontWindow, IsNotOnAnotherDesktop) {
   const ScreenState screen{.active = {},
                            .currentDesktop = 1,
                            .stacking = {viewable(1, {}, 1), viewable(2, {}, 0), viewable(3, {}, 2)}};
   EXPECT_EQ(1U, frontWindow(screen));
 }
 
-TEST(FrontWindow, OneOnAllDesktopsIsOnThisOne) {
+TEST(FrontWindow, MayBeOnAllDesktops) {
   const ScreenState screen{
       .active = {}, .currentDesktop = 1, .stacking = {viewable(1, {}, 1), viewable(2, {}, onAllDesktops)}};
   EXPECT_EQ(2U, frontWindow(screen));
 }
 
-TEST(FrontWindow, KindDecides) {
+TEST(FrontWindow, IsNormalWindowOrDialog) {
   const struct {
     std::vector<std::string> types;
     bool counts;

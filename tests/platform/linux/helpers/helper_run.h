@@ -8,41 +8,43 @@
 
 namespace helper_test {
 
-// The end of a helper.
+// The outcome of a helper process.
 struct Ended {
-  std::optional<int> code = {};  // nothing: it hangs, or a signal ended it
+  std::optional<int> code = {};  // nullopt: timed out or killed by a signal
   std::string output = {};
   std::string error = {};
 };
 
-// Runs a command line, by default without an original PATH, and waits for its end.
+// Runs a command and waits for its end. Unsets TOVALIN_ORIGINAL_PATH unless `options` sets it. Returns an
+// empty Ended if the command does not start.
 [[nodiscard]] Ended run(const std::vector<std::string>& argv, test_support::ChildOptions options = {});
 
-// Where the helper, or the program of these tests, of this name stands.
+// Return the path of a helper, or of a program of these tests.
 [[nodiscard]] std::string helper(const std::string& name);
 [[nodiscard]] std::string testProgram(const std::string& name);
 
-// A new empty folder, its name with a space in it.
+// Creates an empty folder with a space in its name. Returns an empty string on failure.
 [[nodiscard]] std::string newFolder();
 
-// Makes a file, its folders too; `program` ones can be run.
+// Create a file and its parent folders; writeProgram() makes an executable shell script.
 void writeFile(const std::string& path, const std::string& content);
 void writeProgram(const std::string& path, const std::string& script);
 
-// Puts the reporting program at the path.
+// Creates a symbolic link at `path` to reporting_program.
 void placeReporter(const std::string& path);
 
-// The fields that the reporting program has written to the file, once they are there; none when it never ran.
+// Waits for the report of reporting_program. Returns its fields, or none after the timeout.
 [[nodiscard]] std::vector<std::string> awaitReport(const std::string& path);
 
-// Those of the fields that begin with this, without it.
+// Returns the fields that start with `beginning`, without it.
 [[nodiscard]] std::vector<std::string> fieldsAfter(const std::vector<std::string>& fields,
                                                    const std::string& beginning);
 
-// The content of a file without the line's end behind it, once there is any.
+// Waits until a file ends with a newline. Returns its content without the newline, or an empty string after
+// the timeout.
 [[nodiscard]] std::string awaitContent(const std::string& path);
 
-// Whether a process runs, which one that waits to be reaped doesn't.
+// Returns whether the process runs; false for a zombie.
 [[nodiscard]] bool isAlive(const std::string& pid);
 
 }  // namespace helper_test

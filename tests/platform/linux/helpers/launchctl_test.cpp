@@ -21,7 +21,7 @@ constexpr char kAgent[] = "/Library/LaunchAgents/com.example.the-agent.plist";
 
 class LaunchctlTest : public testing::Test {
  protected:
-  // As the agent runs it: found on a PATH that begins with the helpers' own folder.
+  // Like the agent: PATH begins with the folder of the helpers.
   [[nodiscard]] Ended unload(const std::string& originalPath) const {
     const std::string path = folder_ + "/private:" + originalPath;
     return run(
@@ -29,7 +29,7 @@ class LaunchctlTest : public testing::Test {
         {.environment = {{"PATH", path}, {"TOVALIN_ORIGINAL_PATH", originalPath}, {"REPORT", report_}}});
   }
 
-  // launchctl gives systemctl a second, in which a busy machine may not have let it come so far.
+  // launchctl kills systemctl after a second, which may be too short on a busy machine: up to five attempts.
   void unloadUntil(const std::function<bool()>& hasComeSoFar) const {
     for (int i = 0; i < 5 && !hasComeSoFar(); ++i) {
       const Ended ended = unload(userPath_);
@@ -37,7 +37,7 @@ class LaunchctlTest : public testing::Test {
       EXPECT_EQ("", ended.output + ended.error);
     }
   }
-  // What the systemctl of this call tells of itself.
+  // Returns the report of the systemctl that the call starts.
   [[nodiscard]] std::vector<std::string> reportOfUnload() const {
     unloadUntil([&] { return std::filesystem::exists(report_); });
     return awaitReport(report_);
@@ -48,14 +48,14 @@ class LaunchctlTest : public testing::Test {
   const std::string userPath_ = folder_ + "/bin:/usr/bin:/bin";
 };
 
-TEST_F(LaunchctlTest, SignalsTheMainProcessOfTheUnitAlone) {
+TEST_F(LaunchctlTest, SignalsOnlyMainProcessOfUnit) {
   placeReporter(folder_ + "/bin/systemctl");
   EXPECT_EQ((std::vector<std::string>{"systemctl", "--user", "kill", "--kill-whom=main", "-s", "TERM",
                                       "app-com.example.the\\x2dagent@autostart.service"}),
             fieldsAfter(reportOfUnload(), "argv="));
 }
 
-TEST_F(LaunchctlTest, RunsTheUsersOwnSystemctlWithTheUsersPath) {
+TEST_F(LaunchctlTest, RunsSystemctlOfUserWithUsersPath) {
   placeReporter(folder_ + "/bin/systemctl");
   writeProgram(folder_ + "/private/systemctl", "exit 0");
   const auto report = reportOfUnload();
@@ -63,7 +63,7 @@ TEST_F(LaunchctlTest, RunsTheUsersOwnSystemctlWithTheUsersPath) {
   EXPECT_EQ(std::vector<std::string>{" is unset"}, fieldsAfter(report, "TOVALIN_ORIGINAL_PATH"));
 }
 
-TEST_F(LaunchctlTest, FailingSystemctlIsNotHeardOf) {
+TEST_F(LaunchctlTest, FailedSystemctlIsIgnored) {
   writeProgram(folder_ + "/bin/systemctl", "echo to output; echo to error >&2; exit 5");
   const Ended ended = unload(userPath_);
   EXPECT_EQ(0, ended.code);
@@ -71,21 +71,21 @@ TEST_F(LaunchctlTest, FailingSystemctlIsNotHeardOf) {
   EXPECT_EQ("", ended.error);
 }
 
-TEST_F(LaunchctlTest, AbsentSystemctlIsNotHeardOf) {
+TEST_F(LaunchctlTest, MissingSystemctlIsIgnored) {
   const Ended ended = unload(folder_ + "/nothing here");
   EXPECT_EQ(0, ended.code);
   EXPECT_EQ("", ended.output + ended.error);
 }
 
-TEST_F(LaunchctlTest, AbsentUserManagerIsNotHeardOf) {
+TEST_F(LaunchctlTest, MissingUserManagerIsIgnored) {
   const Ended ended = unload("/usr/bin:/bin");
   EXPECT_EQ(0, ended.code);
   EXPECT_EQ("", ended.output + ended.error);
 }
 
-TEST_F(LaunchctlTest, WaitsForASlowSystemctl) {
+TEST_F(LaunchctlTest, WaitsForSlowSystemctl) {
   bool waited = false;
-  // A mark for each try, so that none is taken for that of one that was not waited for.
+  // One mark file per attempt: an earlier systemctl that was not waited for may still write its own.
   for (int i = 0; i < 5 && !waited; ++i) {
     const std::string mark = folder_ + "/mark" + std::to_string(i);
     writeProgram(folder_ + "/bin/systemctl", "sleep 0.3; echo done >'" + mark + "'");
@@ -95,7 +95,7 @@ TEST_F(LaunchctlTest, WaitsForASlowSystemctl) {
   EXPECT_TRUE(waited);
 }
 
-TEST_F(LaunchctlTest, GivesUpOnAHangingSystemctlAndEndsItWithItsChildren) {
+TEST_F(LaunchctlTest, KillsHangingSystemctlWithItsChildren) {
   const std::string file = folder_ + "/pids";
   writeProgram(folder_ + "/bin/systemctl", "trap '' TERM; sleep 1000 & echo $$ $! >'" + file + "'; wait");
   unloadUntil([&] { return contentsOf(file).ends_with('\n'); });
@@ -107,11 +107,11 @@ TEST_F(LaunchctlTest, GivesUpOnAHangingSystemctlAndEndsItWithItsChildren) {
   EXPECT_EQ(2, ended);
 }
 
-// The agent waits for it, and has half a second behind it when it has lost its bundle.
-TEST_F(LaunchctlTest, GivesUpSoEarlyThatTheAgentEndsWithinTwoSeconds) {
+// The agent waits for launchctl and, after the loss of its bundle, has 0.5 s left for the rest.
+TEST_F(LaunchctlTest, GivesUpOnHangingSystemctlWithin1300Milliseconds) {
   writeProgram(folder_ + "/bin/systemctl", "exec sleep 1000");
   auto shortest = std::chrono::steady_clock::duration::max();
-  // A busy machine may hold up one run or another.
+  // The shortest of five attempts discounts delays of a busy machine.
   for (int i = 0; i < 5 && shortest >= 1300ms; ++i) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(0, unload(userPath_).code);
@@ -120,7 +120,7 @@ TEST_F(LaunchctlTest, GivesUpSoEarlyThatTheAgentEndsWithinTwoSeconds) {
   EXPECT_LT(shortest, 1300ms);
 }
 
-TEST_F(LaunchctlTest, SurvivesAParentThatIgnoresAndBlocksSignals) {
+TEST_F(LaunchctlTest, ResetsInheritedSignalStateAndDescriptors) {
   placeReporter(folder_ + "/bin/systemctl");
   for (int i = 0; i < 5 && !std::filesystem::exists(report_); ++i) {
     const Ended ended = run({testProgram("careless_parent"), helper("launchctl"), "unload", kAgent},
@@ -134,7 +134,7 @@ TEST_F(LaunchctlTest, SurvivesAParentThatIgnoresAndBlocksSignals) {
             fieldsAfter(report, "fd"));
 }
 
-TEST_F(LaunchctlTest, AnythingElseIsRefusedAloud) {
+TEST_F(LaunchctlTest, OtherArgumentsAreRefusedWithMessage) {
   for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
            {}, {"load", kAgent}, {"unload"}, {"unload", "-F"}, {"unload", "-F", "a.plist"}}) {
     std::vector<std::string> argv{helper("launchctl")};

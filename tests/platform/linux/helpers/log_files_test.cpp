@@ -16,7 +16,7 @@ struct stat entry(mode_t mode, uid_t owner, nlink_t links = 1) {
   return status;
 }
 
-TEST(LogFiles, OwnerKindAndFolderDecideWhetherTheyMayBeCopied) {
+TEST(LogFiles, MayBeCopiedDependsOnOwnerTypeAndFolder) {
   const struct {
     struct stat file, folder;
     bool allowed;

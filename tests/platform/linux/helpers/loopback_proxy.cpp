@@ -41,7 +41,7 @@ std::string readHead(const FileDescriptor& client) {
   return head;
 }
 
-// False at the end of either side.
+// Returns false at the end of file or on an error.
 bool pass(const FileDescriptor& from, const FileDescriptor& to) {
   std::array<char, 4096> buffer{};
   const ssize_t count = ::recv(from.get(), buffer.data(), buffer.size(), 0);

@@ -10,8 +10,8 @@
 
 namespace web_view_test {
 
-// A real HTTP proxy on loopback for requests by CONNECT, one connection after the other. Whatever it is asked
-// to connect to, it connects to one port on loopback.
+// An HTTP proxy on 127.0.0.1 for CONNECT requests. Connects each client to `target` on loopback, whatever
+// host it requests. Serves each client on a thread of its own.
 class LoopbackProxy {
  public:
   enum class Answer { Connects, Refuses };
@@ -20,9 +20,9 @@ class LoopbackProxy {
   LoopbackProxy(const LoopbackProxy&) = delete;
   LoopbackProxy& operator=(const LoopbackProxy&) = delete;
 
-  // http://127.0.0.1:PORT, or with another scheme.
+  // Returns SCHEME://127.0.0.1:PORT.
   [[nodiscard]] std::string address(const std::string& scheme = "http") const;
-  // The first line of each request so far.
+  // Returns the first line of each request so far. Thread-safe.
   [[nodiscard]] std::vector<std::string> asked() const;
 
  private:

@@ -14,7 +14,7 @@ std::string reasonAgainst(const Arguments& arguments) {
   return refusal == nullptr ? std::string() : refusal->reason;
 }
 
-TEST(OpenRequest, BundleWithArguments) {
+TEST(OpenRequest, AcceptsBundleWithArguments) {
   const OpenRequest request = parseOpenRequest({"-a", "/x/A B.app", "--args", "-title", "a b", "", "--args"});
   const auto* bundle = std::get_if<OpenBundle>(&request);
   ASSERT_NE(nullptr, bundle);
@@ -22,7 +22,7 @@ TEST(OpenRequest, BundleWithArguments) {
   EXPECT_EQ((Arguments{"-title", "a b", "", "--args"}), bundle->arguments);
 }
 
-TEST(OpenRequest, HelpAmongTheProgramsArgumentsIsTheProgramsOwn) {
+TEST(OpenRequest, HelpAfterArgsIsPassedToProgram) {
   const OpenRequest request = parseOpenRequest({"-a", "/A.app", "--args", "--help"});
   const auto* bundle = std::get_if<OpenBundle>(&request);
   ASSERT_NE(nullptr, bundle);
@@ -30,7 +30,7 @@ TEST(OpenRequest, HelpAmongTheProgramsArgumentsIsTheProgramsOwn) {
   EXPECT_TRUE(std::holds_alternative<ShowUsage>(parseOpenRequest({"--help"})));
 }
 
-TEST(OpenRequest, BundleWithoutArguments) {
+TEST(OpenRequest, AcceptsBundleWithoutArguments) {
   for (const Arguments& arguments : {Arguments{"-a", "/A.app"}, Arguments{"-a", "/A.app", "--args"},
                                      Arguments{"/A.app"}, Arguments{"A.app/"}}) {
     const OpenRequest request = parseOpenRequest(arguments);
@@ -40,7 +40,7 @@ TEST(OpenRequest, BundleWithoutArguments) {
   }
 }
 
-TEST(OpenRequest, AddressIsNoBundleWhateverItEndsIn) {
+TEST(OpenRequest, UrlEndingInAppIsNoBundle) {
   for (const char* url : {"https://example.app", "https://example.app/", "mailto:a@example.app", "x-a+b.c:d",
                           "file:///x/A.app"}) {
     const OpenRequest request = parseOpenRequest({url});
@@ -50,13 +50,13 @@ TEST(OpenRequest, AddressIsNoBundleWhateverItEndsIn) {
   }
 }
 
-TEST(OpenRequest, ColonAloneMakesNoAddress) {
+TEST(OpenRequest, PathWithColonIsNoUrl) {
   for (const char* path : {"/a:b", "./a:b", ":a", "1a:b", "a b:c", "/x/a.txt", ".app", "/x/.app"}) {
     EXPECT_TRUE(std::holds_alternative<OpenFile>(parseOpenRequest({path}))) << path;
   }
 }
 
-TEST(OpenRequest, RefusalNamesWhatIsWrong) {
+TEST(OpenRequest, RefusalNamesProblem) {
   const struct {
     Arguments arguments;
     std::string_view named;
@@ -82,7 +82,7 @@ TEST(OpenRequest, RefusalNamesWhatIsWrong) {
   }
 }
 
-TEST(BundleName, IsTheLastPartWithoutItsEnding) {
+TEST(BundleName, IsLastComponentWithoutExtension) {
   const struct {
     std::string_view path;
     std::string_view name;

@@ -23,7 +23,7 @@ class OpenTest : public testing::Test {
     return run(argv, {.environment = environment()});
   }
 
-  // As the agent runs it: the helpers' own folder leads PATH, the user's PATH comes along.
+  // Like the agent: PATH begins with the folder of the helpers, TOVALIN_ORIGINAL_PATH is the user's PATH.
   [[nodiscard]] std::map<std::string, std::optional<std::string>> environment() const {
     return {{"PATH", folder_ + "/private:" + userPath_},
             {"TOVALIN_ORIGINAL_PATH", userPath_},
@@ -41,7 +41,7 @@ class OpenTest : public testing::Test {
   const std::string program_ = bundle_ + "/Contents/MacOS/The Bundle";
 };
 
-TEST_F(OpenTest, ProgramGetsItsArgumentsAsTheyStand) {
+TEST_F(OpenTest, ArgumentsArePassedVerbatim) {
   placeReporter(program_);
   const Ended ended =
       open({"-a", bundle_, "--args", "-title", "two words", "", "--args", "line\nfeed", "'\"$HOME`\\"});
@@ -51,13 +51,13 @@ TEST_F(OpenTest, ProgramGetsItsArgumentsAsTheyStand) {
               ElementsAre(program_, "-title", "two words", "", "--args", "line\nfeed", "'\"$HOME`\\"));
 }
 
-TEST_F(OpenTest, BundleAloneIsStartedWithoutArguments) {
+TEST_F(OpenTest, BundleAloneStartsWithoutArguments) {
   placeReporter(program_);
   EXPECT_EQ(0, open({bundle_ + "/"}).code);
   EXPECT_THAT(argvOfStarted(), ElementsAre(program_));
 }
 
-TEST_F(OpenTest, CommandLineThroughTheShell) {
+TEST_F(OpenTest, RunsThroughShell) {
   placeReporter("/tmp/plain.app/Contents/MacOS/plain");
   const Ended ended =
       run({"/bin/sh", "-c", helper("open") + " -a /tmp/plain.app --args -message \"Do you?\" -actions Yes"},
@@ -75,13 +75,13 @@ TEST_F(OpenTest, RelativeBundleIsNotLookedUpOnPath) {
   EXPECT_THAT(argvOfStarted(), ElementsAre("The Bundle.app/Contents/MacOS/The Bundle"));
 }
 
-TEST_F(OpenTest, DoesNotWaitForTheProgram) {
+TEST_F(OpenTest, DoesNotWaitForProgram) {
   writeProgram(program_, "echo $$ >'" + folder_ + "/pid'; exec sleep 1000");
   EXPECT_EQ(0, open({bundle_}).code);
   EXPECT_TRUE(isAlive(awaitContent(folder_ + "/pid")));
 }
 
-TEST_F(OpenTest, ProgramIsFreeOfItsStarters) {
+TEST_F(OpenTest, ProgramInheritsNoSignalStateOrDescriptors) {
   placeReporter(program_);
   EXPECT_EQ(
       0, run({testProgram("careless_parent"), helper("open"), bundle_}, {.environment = environment()}).code);
@@ -93,7 +93,7 @@ TEST_F(OpenTest, ProgramIsFreeOfItsStarters) {
               ElementsAre("0=/dev/null", StartsWith("1=pipe:"), StartsWith("2=pipe:")));
 }
 
-TEST_F(OpenTest, ProgramHasAllStandardStreamsAlsoWhenItsStarterHadNone) {
+TEST_F(OpenTest, ClosedStandardStreamsAreReplacedByDevNull) {
   placeReporter(program_);
   EXPECT_EQ(0, run({"/bin/sh", "-c", "exec \"$@\" <&- >&- 2>&-", "sh", helper("open"), bundle_},
                    {.environment = environment()})
@@ -102,7 +102,7 @@ TEST_F(OpenTest, ProgramHasAllStandardStreamsAlsoWhenItsStarterHadNone) {
               ElementsAre("0=/dev/null", "1=/dev/null", "2=/dev/null"));
 }
 
-TEST_F(OpenTest, ProgramHasTheUsersPath) {
+TEST_F(OpenTest, ProgramGetsOriginalPath) {
   placeReporter(program_);
   EXPECT_EQ(0, open({bundle_}).code);
   const auto report = awaitReport(report_);
@@ -110,7 +110,7 @@ TEST_F(OpenTest, ProgramHasTheUsersPath) {
   EXPECT_THAT(fieldsAfter(report, "TOVALIN_ORIGINAL_PATH"), ElementsAre(" is unset"));
 }
 
-TEST_F(OpenTest, PathIsLeftAloneWithoutAnOriginal) {
+TEST_F(OpenTest, WithoutOriginalPathPathIsUnchanged) {
   placeReporter(program_);
   EXPECT_EQ(
       0,
@@ -118,7 +118,7 @@ TEST_F(OpenTest, PathIsLeftAloneWithoutAnOriginal) {
   EXPECT_THAT(fieldsAfter(awaitReport(report_), "PATH="), ElementsAre("/x:/usr/bin"));
 }
 
-TEST_F(OpenTest, OnlyProgramOfTheBundleIsStartedWhateverItsName) {
+TEST_F(OpenTest, OnlyProgramOfBundleIsStarted) {
   placeReporter(bundle_ + "/Contents/MacOS/Another");
   EXPECT_EQ(0, open({bundle_}).code);
   EXPECT_THAT(argvOfStarted(), ElementsAre(bundle_ + "/Contents/MacOS/Another"));
@@ -130,14 +130,14 @@ TEST_F(OpenTest, MissingBundleIsReported) {
   EXPECT_EQ("open: there is no bundle at " + bundle_ + "\n", ended.error);
 }
 
-TEST_F(OpenTest, ProgramWithoutPermissionIsReported) {
+TEST_F(OpenTest, ProgramWithoutExecutePermissionIsReported) {
   writeFile(program_, "#!/bin/sh\n");
   const Ended ended = open({bundle_});
   EXPECT_EQ(1, ended.code);
   EXPECT_EQ("open: " + program_ + ": Permission denied\n", ended.error);
 }
 
-TEST_F(OpenTest, ProgramThatIsNoneIsReported) {
+TEST_F(OpenTest, InvalidExecutableIsReported) {
   writeFile(program_, "not a program");
   fs::permissions(program_, fs::perms::owner_all);
   const Ended ended = open({bundle_});
@@ -145,7 +145,7 @@ TEST_F(OpenTest, ProgramThatIsNoneIsReported) {
   EXPECT_EQ("open: " + program_ + ": Exec format error\n", ended.error);
 }
 
-TEST_F(OpenTest, AddressIsOneArgumentAndNoShellSeesIt) {
+TEST_F(OpenTest, UrlIsPassedWithoutShell) {
   placeReporter(folder_ + "/bin/xdg-open");
   const std::string url = "https://example.app/?a=1&b=$(touch /tmp/seen);c 'd' \"e\"";
   EXPECT_EQ(0, open({url}).code);
@@ -153,7 +153,7 @@ TEST_F(OpenTest, AddressIsOneArgumentAndNoShellSeesIt) {
   EXPECT_FALSE(fs::exists("/tmp/seen"));
 }
 
-TEST_F(OpenTest, XdgOpenIsTheUsersOwn) {
+TEST_F(OpenTest, XdgOpenIsFoundOnOriginalPath) {
   placeReporter(folder_ + "/bin/xdg-open");
   writeProgram(folder_ + "/private/xdg-open", "exit 0");
   EXPECT_EQ(0, open({"https://a.example"}).code);
@@ -162,7 +162,7 @@ TEST_F(OpenTest, XdgOpenIsTheUsersOwn) {
   EXPECT_THAT(fieldsAfter(report, "leads session="), ElementsAre("1"));
 }
 
-TEST_F(OpenTest, FileGoesToXdgOpen) {
+TEST_F(OpenTest, FileIsPassedToXdgOpen) {
   placeReporter(folder_ + "/bin/xdg-open");
   writeFile(folder_ + "/a file.zip", "");
   EXPECT_EQ(0, open({folder_ + "/a file.zip"}).code);
@@ -188,7 +188,7 @@ TEST_F(OpenTest, MissingXdgOpenIsReported) {
   EXPECT_EQ("open: xdg-open: No such file or directory\n", ended.error);
 }
 
-TEST_F(OpenTest, WhatLooksLikeAnOptionIsRefusedAloud) {
+TEST_F(OpenTest, UnknownOptionIsRefusedWithMessage) {
   for (const std::string argument : {"-x", "--manual", "-", "-x.app"}) {
     const Ended ended = open({argument});
     EXPECT_EQ(2, ended.code);

@@ -22,7 +22,7 @@ Ended activateFrontOn(const std::optional<std::string>& display) {
   return run({helper("osascript"), "-e", kScript}, {.environment = {{"DISPLAY", display}}});
 }
 
-// Two windows, the second of them on top and active.
+// Two windows; the second is on top and active.
 class OsascriptTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -50,7 +50,7 @@ ActivationRequest askedByUserFor(xcb_window_t window) {
   return {window, 2};
 }
 
-TEST_F(OsascriptTest, FrontApplicationStaysInFront) {
+TEST_F(OsascriptTest, ActiveTopmostWindowStaysInFront) {
   const Ended ended = activateFront();
   EXPECT_EQ(0, ended.code);
   EXPECT_EQ("", ended.output + ended.error);
@@ -59,7 +59,7 @@ TEST_F(OsascriptTest, FrontApplicationStaysInFront) {
   EXPECT_THAT(scene_.stacking(), ElementsAre(lower_, upper_));
 }
 
-TEST_F(OsascriptTest, ActiveWindowBelowAnotherIsBroughtForward) {
+TEST_F(OsascriptTest, ActiveWindowBelowAnotherIsRaised) {
   ASSERT_TRUE(scene_.focus(lower_));
   ASSERT_THAT(scene_.stacking(), ElementsAre(lower_, upper_));
   EXPECT_EQ(0, activateFront().code);
@@ -68,7 +68,7 @@ TEST_F(OsascriptTest, ActiveWindowBelowAnotherIsBroughtForward) {
   EXPECT_TRUE(isInFront(lower_));
 }
 
-TEST_F(OsascriptTest, CommandLineThroughTheShell) {
+TEST_F(OsascriptTest, RunsThroughShell) {
   const std::string path = helper("") + ":/usr/bin:/bin";
   const Ended ended = run({"/bin/sh", "-c", "osascript -e '" + std::string(kScript) + "'"},
                           {.environment = {{"DISPLAY", scene_.display().name()}, {"PATH", path}}});
@@ -76,7 +76,7 @@ TEST_F(OsascriptTest, CommandLineThroughTheShell) {
   EXPECT_THAT(scene_.takeRequests(), ElementsAre(askedByUserFor(upper_)));
 }
 
-TEST_F(OsascriptTest, TopmostWindowTakesThePlaceOfOneThatIsGone) {
+TEST_F(OsascriptTest, TopmostWindowReplacesDestroyedActiveWindow) {
   const xcb_window_t gone = scene_.open("NORMAL");
   ASSERT_TRUE(scene_.destroy(gone));
   ASSERT_TRUE(isInFront(upper_));
@@ -87,7 +87,7 @@ TEST_F(OsascriptTest, TopmostWindowTakesThePlaceOfOneThatIsGone) {
   EXPECT_TRUE(isInFront(upper_));
 }
 
-TEST_F(OsascriptTest, TopmostWindowTakesThePlaceOfOneJustHidden) {
+TEST_F(OsascriptTest, TopmostWindowReplacesHiddenActiveWindow) {
   const xcb_window_t notice = scene_.open("NORMAL");
   ASSERT_TRUE(scene_.hide(notice));
   ASSERT_TRUE(isInFront(upper_));
@@ -98,7 +98,7 @@ TEST_F(OsascriptTest, TopmostWindowTakesThePlaceOfOneJustHidden) {
   EXPECT_TRUE(isInFront(upper_));
 }
 
-TEST_F(OsascriptTest, PanelsAndOtherDesktopsAreNoApplicationInFront) {
+TEST_F(OsascriptTest, PanelsAndWindowsOnOtherDesktopsAreSkipped) {
   const xcb_window_t panel = scene_.open("DOCK");
   const xcb_window_t elsewhere = scene_.open("NORMAL", 1);
   ASSERT_NE(0U, panel);
@@ -120,7 +120,7 @@ TEST_F(OsascriptTest, EmptyDesktopIsReported) {
   EXPECT_THAT(scene_.takeRequests(), ElementsAre());
 }
 
-TEST_F(OsascriptTest, DeadWindowManagerIsReported) {
+TEST_F(OsascriptTest, KilledWindowManagerIsReported) {
   scene_.display().windowManager().kill();
   ASSERT_TRUE(scene_.display().windowManager().wait());
   const Ended ended = activateFront();
@@ -128,7 +128,7 @@ TEST_F(OsascriptTest, DeadWindowManagerIsReported) {
   EXPECT_THAT(ended.error, HasSubstr("no window manager"));
 }
 
-TEST_F(OsascriptTest, UnknownScriptIsRefusedAloudAndDoesNothing) {
+TEST_F(OsascriptTest, UnknownScriptIsRefusedWithMessage) {
   const Ended ended = run({helper("osascript"), "-e", "tell application \"Finder\" to quit"},
                           {.environment = {{"DISPLAY", scene_.display().name()}}});
   EXPECT_EQ(2, ended.code);
@@ -136,7 +136,7 @@ TEST_F(OsascriptTest, UnknownScriptIsRefusedAloudAndDoesNothing) {
   EXPECT_THAT(scene_.takeRequests(), ElementsAre());
 }
 
-TEST(OsascriptWithoutDesktopTest, AbsentWindowManagerIsReported) {
+TEST(OsascriptWithoutDesktopTest, MissingWindowManagerIsReported) {
   WindowScene scene;
   ASSERT_TRUE(scene.start(false));
   const Ended ended = activateFrontOn(scene.display().name());
@@ -144,7 +144,7 @@ TEST(OsascriptWithoutDesktopTest, AbsentWindowManagerIsReported) {
   EXPECT_THAT(ended.error, HasSubstr("no window manager"));
 }
 
-TEST(OsascriptWithoutDesktopTest, AbsentDisplayIsReported) {
+TEST(OsascriptWithoutDesktopTest, MissingDisplayIsReported) {
   for (const std::optional<std::string>& display : {std::optional<std::string>(), {":4711"}, {"nonsense"}}) {
     const Ended ended = activateFrontOn(display);
     EXPECT_EQ(1, ended.code);

@@ -19,7 +19,7 @@ PageServer::~PageServer() {
     ended_ = true;
   }
   changed_.notify_all();
-  // A server that doesn't serve yet forgets that it was stopped.
+  // httplib ignores stop() before the server runs.
   static_cast<void>(test_support::waitUntil([this] { return server_.is_running(); }));
   server_.stop();
   thread_.join();

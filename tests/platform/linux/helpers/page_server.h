@@ -14,11 +14,11 @@
 
 namespace web_view_test {
 
-// A real server of pages on a port of its own on loopback. It remembers what it was asked for. What it
-// doesn't know it answers with an empty page.
+// An HTTP server on an ephemeral port of 127.0.0.1 that records the requests. An unknown path gets an empty
+// page.
 class PageServer {
  public:
-  // How long a test waits for an engine, which a busy machine may keep from asking for a while.
+  // Timeout for a request of the web engine, which starts slowly on a busy machine.
   static constexpr std::chrono::seconds enginesPatience{60};
 
   PageServer();
@@ -29,19 +29,19 @@ class PageServer {
   void put(const std::string& path, const std::string& html) { answers_[path] = {.body = html}; }
   void putDownload(const std::string& path);
   void redirect(const std::string& path, const std::string& to) { answers_[path] = {.location = to}; }
-  // Answers with the status that says that there is no page to show.
+  // Replies with 204 No Content.
   void answerNothing(const std::string& path) { answers_[path] = {.status = 204}; }
   void askForPassword(const std::string& path) { answers_[path] = {.status = 401}; }
-  // Never answers a request for this path.
+  // Never replies to a request for this path.
   void hang(const std::string& path) { answers_[path] = {.hangs = true}; }
-  // Answers no request for this path from now on before letGo().
+  // Delays replies for this path until letGo().
   void holdBack(const std::string& path);
   void letGo();
 
   [[nodiscard]] std::string address(const std::string& path) const;
-  // The targets of all requests so far, in their order.
+  // Returns the targets of all requests so far, in order. Thread-safe.
   [[nodiscard]] std::vector<std::string> asked() const;
-  // When this one was asked for.
+  // Returns the times of the requests for `target`. Thread-safe.
   [[nodiscard]] std::vector<std::chrono::steady_clock::time_point> timesOf(const std::string& target) const;
   [[nodiscard]] bool wasAsked(const std::string& target) const;
   [[nodiscard]] bool waitFor(const std::string& target,
@@ -56,8 +56,8 @@ class PageServer {
     bool hangs = false;
   };
   void answer(const httplib::Request& request, httplib::Response& response);
-  // Waits until an answer for this path may go out, for ever where it `hangs`, but no longer than this object
-  // lives.
+  // Blocks until a reply for `path` may be sent, or until the destructor runs. With `hangs`, only the
+  // destructor ends the wait.
   void waitForLeave(const std::string& path, bool hangs);
 
   httplib::Server server_;

@@ -1,5 +1,5 @@
-// Tells how it was started, field by field with a zero byte behind each, in the file that REPORT names: a
-// program that the helpers start in the place of a real one.
+// Writes its arguments, environment, descriptors and signal state to the file that REPORT names, as fields
+// that end with a NUL byte. The helpers start it in place of a real program.
 #include <dirent.h>
 #include <signal.h>
 #include <unistd.h>
@@ -30,7 +30,7 @@ void reportDescriptors(std::ostream& report) {
   ::closedir(folder);
 }
 
-// The C library keeps two signals to itself, which neither call tells of.
+// The calls fail for the two signals that the C library reserves.
 void reportSignals(std::ostream& report) {
   sigset_t blocked;
   ::sigprocmask(SIG_BLOCK, nullptr, &blocked);
@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
   const char* path = std::getenv("REPORT");
   if (path == nullptr) return 1;
   const std::string unfinished = std::string(path) + ".unfinished";
-  // Before the report is open, so that it isn't among them.
+  // Collected before the report file is opened, so that its descriptor is not listed.
   std::ostringstream fields;
   reportDescriptors(fields);
   for (int i = 0; i < argc; ++i) fields << "argv=" << argv[i] << '\0';

@@ -20,25 +20,25 @@ std::string reasonAgainstUnload(const Arguments& arguments) {
   return refusal == nullptr ? std::string() : refusal->reason;
 }
 
-TEST(UnloadRequest, LabelIsThePropertyListsName) {
+TEST(UnloadRequest, LabelIsNameOfPropertyList) {
   EXPECT_EQ("com.example.agent", labelIn({"unload", "/Library/LaunchAgents/com.example.agent.plist"}));
 }
 
-TEST(UnloadRequest, OptionsAreTakenInAnyOrderAndNumber) {
+TEST(UnloadRequest, OptionsMayBeRepeatedInAnyOrder) {
   EXPECT_EQ("a", labelIn({"unload", "-F", "/Library/LaunchAgents/a.plist"}));
   EXPECT_EQ("a", labelIn({"unload", "-w", "-F", "/Library/LaunchAgents/a.plist"}));
   EXPECT_EQ("a", labelIn({"unload", "-F", "-w", "-F", "/Library/LaunchAgents/a.plist"}));
 }
 
-TEST(UnloadRequest, LabelMayEndLikeAPropertyListItself) {
+TEST(UnloadRequest, LabelMayEndWithPlist) {
   EXPECT_EQ("a.plist", labelIn({"unload", "/Library/LaunchAgents/a.plist.plist"}));
 }
 
-TEST(UnloadRequest, HelpIsNoRefusal) {
+TEST(UnloadRequest, HelpShowsUsage) {
   EXPECT_TRUE(std::holds_alternative<ShowUsage>(parseUnloadRequest({"--help"})));
 }
 
-TEST(UnloadRequest, RefusalNamesWhatIsWrong) {
+TEST(UnloadRequest, RefusalNamesProblem) {
   const struct {
     Arguments arguments;
     std::string_view named;

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Name and state as /proc/PID/stat has them: "PID (NAME) STATE ...".
+// Name and state from /proc/PID/stat: "PID (NAME) STATE ...".
 struct Process {
   std::string name;
   char state = 'Z';
@@ -23,7 +23,7 @@ struct Process {
 Process describe(const fs::path& folder) {
   std::ifstream file(folder / "stat");
   std::string text;
-  std::getline(file, text);  // fails without throwing when the process ends meanwhile
+  std::getline(file, text);  // fails without throwing if the process has ended
   const std::size_t begin = text.find('(');
   const std::size_t end = text.rfind(") ");
   if (begin == std::string::npos || end == std::string::npos) return {};

@@ -7,16 +7,16 @@
 
 namespace web_view_test {
 
-// The running processes of the view's: the helper itself, the web engine's and those that lock it in. A test
-// sees those of its own sandbox alone.
+// Returns the ids of the running web view processes: the helper, the web engine and its sandbox programs.
+// Each test runs in its own PID namespace and sees no others.
 [[nodiscard]] std::vector<pid_t> webProcesses();
-// Those of one name, of which the kernel keeps 15 letters.
+// Returns the ids of the processes named `name`, of which the kernel keeps 15 characters.
 [[nodiscard]] std::vector<pid_t> processesNamed(const std::string& name);
 [[nodiscard]] bool waitForNoWebProcess();
-// Whether the caller has a child that has ended and that nobody has reaped.
+// Returns whether the caller has a child that ended and was not reaped.
 [[nodiscard]] bool hasZombie();
 
-// Every file and folder below `folder`, sorted.
+// Returns every file and folder below `folder`, sorted.
 [[nodiscard]] std::vector<std::string> filesBelow(const std::string& folder);
 
 }  // namespace web_view_test

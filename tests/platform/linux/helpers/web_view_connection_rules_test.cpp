@@ -76,7 +76,7 @@ TEST(ConnectionRules, SpecialPurposeAddressIsNotPublic) {
   }
 }
 
-TEST(ConnectionRules, AddressBesideSpecialRangesIsPublic) {
+TEST(ConnectionRules, AddressNextToSpecialRangeIsPublic) {
   for (const char* text :
        {"1.0.0.0",         "9.255.255.255",   "11.0.0.0",        "100.63.255.255",   "100.128.0.0",
         "126.255.255.255", "128.0.0.0",       "169.253.255.255", "169.255.0.0",      "172.15.255.255",
@@ -88,13 +88,13 @@ TEST(ConnectionRules, AddressBesideSpecialRangesIsPublic) {
   }
 }
 
-TEST(ConnectionRules, AddressOfAnotherFamilyIsNotPublic) {
+TEST(ConnectionRules, OtherAddressFamilyIsNotPublic) {
   sockaddr address{};
   address.sa_family = AF_UNIX;
   EXPECT_FALSE(isPublic(address));
 }
 
-TEST(ConnectionRules, LocalHostIsKnownByNameAndAddress) {
+TEST(ConnectionRules, LocalHostIsRecognisedByNameAndAddress) {
   for (const char* host : {"localhost",
                            "a.localhost",
                            "localhost.",
@@ -127,7 +127,7 @@ TEST(ConnectionRules, LocalHostIsKnownByNameAndAddress) {
     EXPECT_FALSE(isLocal(host)) << host;
 }
 
-TEST(ConnectionRules, EndpointIsInOneForm) {
+TEST(ConnectionRules, EndpointIsNormalised) {
   EXPECT_EQ(endpointOf("WWW.Tovalin.Example", 80), (Endpoint{"www.tovalin.example", 80}));
   EXPECT_EQ(endpointOf("[::1]", 80), (Endpoint{"::1", 80}));
   EXPECT_EQ(endpointOf("2A00:0:0::1", 80), (Endpoint{"2a00::1", 80}));
@@ -151,7 +151,7 @@ bool isHeld(const std::vector<Network>& networks, const std::string& text) {
   return hold(networks, reinterpret_cast<const sockaddr&>(address6));
 }
 
-TEST(OwnNetworks, HoldAddressesOfTheirPrefixInEachForm) {
+TEST(OwnNetworks, ContainAddressesOfTheirPrefixInEachForm) {
   const std::vector<Network> networks{network("::ffff:9.9.8.1", 96 + 23), network("2a00:1::1", 64),
                                       network("2002:101::", 48), network("::ffff:5.5.5.5", 128)};
   for (const char* text : {"9.9.8.0", "9.9.9.255", "5.5.5.5", "::ffff:9.9.9.9", "64:ff9b::9.9.9.9",
@@ -163,7 +163,7 @@ TEST(OwnNetworks, HoldAddressesOfTheirPrefixInEachForm) {
   EXPECT_FALSE(isHeld({}, "9.9.9.9"));
 }
 
-TEST(OwnNetworks, LoopbackOfThisMachineIsAmongThem) {
+TEST(OwnNetworks, IncludeLoopback) {
   const auto networks = ownNetworks();
   ASSERT_TRUE(networks);
   EXPECT_TRUE(isHeld(*networks, "127.0.0.1"));
@@ -171,8 +171,8 @@ TEST(OwnNetworks, LoopbackOfThisMachineIsAmongThem) {
   EXPECT_FALSE(isHeld(*networks, "8.8.8.8"));
 }
 
-// A link that claims every address.
-TEST(OwnNetworks, LinkOfAllAddressesHoldsItsOwnAlone) {
+// An interface address with prefix length 0.
+TEST(OwnNetworks, PrefixLengthZeroContainsOnlyItsAddress) {
   ASSERT_EQ(std::system("ip address add 9.9.9.1/0 dev lo noprefixroute"), 0);
   const auto networks = ownNetworks();
   EXPECT_EQ(std::system("ip address del 9.9.9.1/0 dev lo"), 0);
@@ -186,7 +186,7 @@ struct Case {
   Passage passage;
 };
 
-TEST(ConnectionRules, OriginIsFreeAndOthersArePublicByHttpsAlone) {
+TEST(ConnectionRules, OriginIsFreeAndOthersMustBePublicHttps) {
   const Endpoint origin{"127.0.0.1", 8090};
   for (const Case& each :
        {Case{{"127.0.0.1", 8090}, Passage::Free}, Case{{"127.0.0.1", 8091}, Passage::None},

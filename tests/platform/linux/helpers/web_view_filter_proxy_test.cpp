@@ -1,4 +1,4 @@
-// The web view's proxy, with a client of SOCKS 5, real servers, and names from the sandbox's own hosts file.
+// Tests the web view's proxy with a SOCKS 5 client, real servers, and names from the sandbox's /etc/hosts.
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,8 +33,7 @@ namespace {
 
 using platform::FileDescriptor;
 
-// Of the public Internet's. A route of the test's own network leads it to the servers here; no interface has
-// it.
+// An address of the public Internet, routed to loopback within the sandbox. No interface has it.
 constexpr const char* kPublicAddress = "8.8.8.8";
 constexpr const char* kHosts = "/tmp/hosts";
 
@@ -64,8 +63,8 @@ bool sendAll(const FileDescriptor& socket, const std::string& bytes) {
   return ::send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
 }
 
-// Says its name to each client, hands back what comes, and counts clients. One that starts later keeps a
-// second client's connect waiting until then.
+// Sends `name` to each client, echoes what it receives and counts clients. With Start::Later and a backlog of
+// 0, a second client's connect() blocks until run().
 class EchoServer {
  public:
   enum class Start { Now, Later };
@@ -137,7 +136,7 @@ class FilterProxyTest : public testing::Test {
   void SetUp() override { ASSERT_NE(proxy_->address(), ""); }
   void TearDown() override { nameIs(""); }
 
-  // In the same file, which is mounted.
+  // Truncates the file instead of replacing it, because it is bind-mounted.
   static void nameIs(const std::string& lines) { std::ofstream(kHosts, std::ios::trunc) << lines; }
 
   [[nodiscard]] std::string password() const {
@@ -149,7 +148,8 @@ class FilterProxyTest : public testing::Test {
     return std::stoi(proxy_->address().substr(proxy_->address().rfind(':') + 1));
   }
 
-  // The client, its request written, and the reply of the proxy: 0 when connected, -1 when it hung up.
+  // A client after its request. `reply` is the SOCKS reply code, or kHungUp if the proxy closed the
+  // connection.
   struct Client {
     FileDescriptor socket;
     int reply = -1;
@@ -184,7 +184,7 @@ class FilterProxyTest : public testing::Test {
   std::unique_ptr<FilterProxy> proxy_ = std::make_unique<FilterProxy>();
 };
 
-TEST_F(FilterProxyTest, OriginOnLoopbackIsConnected) {
+TEST_F(FilterProxyTest, ConnectsToOriginOnLoopback) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const Client client = toAddress("127.0.0.1", server.port());
@@ -194,7 +194,7 @@ TEST_F(FilterProxyTest, OriginOnLoopbackIsConnected) {
   EXPECT_EQ(readSome(client.socket, 4), "echo");
 }
 
-TEST_F(FilterProxyTest, OtherPortOfOriginsHostIsRefused) {
+TEST_F(FilterProxyTest, OtherPortOfOriginIsRefused) {
   const EchoServer server("127.0.0.1", 0, "other");
   proxy_->setOrigin(Endpoint{"127.0.0.1", static_cast<std::uint16_t>(server.port() + 1)});
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kRefused);
@@ -209,7 +209,7 @@ TEST_F(FilterProxyTest, FormerOriginIsRefused) {
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kRefused);
 }
 
-TEST_F(FilterProxyTest, NameThatLeadsToLoopbackIsRefused) {
+TEST_F(FilterProxyTest, NameResolvingToLoopbackIsRefused) {
   const EchoServer server("127.0.0.1", 443, "local");
   ASSERT_TRUE(server.listens());
   nameIs("127.0.0.1 rebound.example\n::1 rebound6.example\n::ffff:127.0.0.1 mapped.example\n");
@@ -220,7 +220,7 @@ TEST_F(FilterProxyTest, NameThatLeadsToLoopbackIsRefused) {
   EXPECT_EQ(server.clients(), 0);
 }
 
-TEST_F(FilterProxyTest, PublicAddressIsConnectedForTls) {
+TEST_F(FilterProxyTest, ConnectsToPublicAddressForTls) {
   const EchoServer server(kPublicAddress, 443, "public");
   ASSERT_TRUE(server.listens());
   nameIs(std::string(kPublicAddress) + " analytics.example\n");
@@ -230,7 +230,7 @@ TEST_F(FilterProxyTest, PublicAddressIsConnectedForTls) {
   EXPECT_EQ(readSome(client.socket, 9), "public\x16\x03\x01");
 }
 
-TEST_F(FilterProxyTest, NameOfPublicAndLocalAddressLeadsToPublicOne) {
+TEST_F(FilterProxyTest, NameOfPublicAndLocalAddressConnectsToPublicOne) {
   const EchoServer local("127.0.0.1", 443, "local");
   const EchoServer server(kPublicAddress, 443, "public");
   nameIs("127.0.0.1 both.example\n" + std::string(kPublicAddress) + " both.example\n");
@@ -241,7 +241,7 @@ TEST_F(FilterProxyTest, NameOfPublicAndLocalAddressLeadsToPublicOne) {
   EXPECT_EQ(local.clients(), 0);
 }
 
-TEST_F(FilterProxyTest, PlainTextToPublicAddressIsCutOff) {
+TEST_F(FilterProxyTest, PlainTextToPublicAddressIsClosed) {
   const EchoServer server(kPublicAddress, 443, "public");
   const Client client = toAddress(kPublicAddress, 443);
   ASSERT_EQ(client.reply, kConnected);
@@ -264,8 +264,8 @@ TEST_F(FilterProxyTest, UnknownNameIsNotConnected) {
   EXPECT_EQ(toName("unknown.example", 443).reply, kRefused);
 }
 
-// DNS rebinding of the page's own name.
-TEST_F(FilterProxyTest, OriginStaysAtTheAddressOfItsFirstConnection) {
+// DNS rebinding of the origin's name.
+TEST_F(FilterProxyTest, OriginKeepsAddressOfFirstConnection) {
   const EchoServer server(kPublicAddress, 8090, "public");
   const EchoServer local("127.0.0.1", 8090, "local");
   ASSERT_TRUE(server.listens() && local.listens());
@@ -278,7 +278,7 @@ TEST_F(FilterProxyTest, OriginStaysAtTheAddressOfItsFirstConnection) {
   EXPECT_EQ(local.clients(), 0);
 }
 
-// How many connections to this port are being made.
+// Returns the number of connections to `port` in state SYN_SENT.
 int connectsTo(std::uint16_t port) {
   constexpr const char* synSent = "02";
   std::ifstream table("/proc/self/net/tcp");
@@ -292,8 +292,8 @@ int connectsTo(std::uint16_t port) {
   return found;
 }
 
-// DNS rebinding between connections that are made side by side.
-TEST_F(FilterProxyTest, ParallelFirstConnectionsLeadToOneAddress) {
+// DNS rebinding between concurrent connections.
+TEST_F(FilterProxyTest, ConcurrentFirstConnectionsUseOneAddress) {
   EchoServer first("127.0.0.2", 8090, "first", EchoServer::Start::Later);
   const EchoServer other("127.0.0.1", 8090, "other");
   ASSERT_TRUE(first.listens() && other.listens());
@@ -313,7 +313,7 @@ TEST_F(FilterProxyTest, ParallelFirstConnectionsLeadToOneAddress) {
   EXPECT_EQ(other.clients(), 0);
 }
 
-TEST_F(FilterProxyTest, OriginThatWasNotReachedIsResolvedAnew) {
+TEST_F(FilterProxyTest, UnreachableOriginIsResolvedAgain) {
   const EchoServer server("127.0.0.1", 8090, "later");
   proxy_->setOrigin(Endpoint{"page.example", 8090});
   nameIs("127.0.0.2 page.example\n");
@@ -322,7 +322,7 @@ TEST_F(FilterProxyTest, OriginThatWasNotReachedIsResolvedAnew) {
   EXPECT_EQ(readSome(toName("page.example", 8090).socket, 5), "later");
 }
 
-// Public by the registries, yet this machine's own and its neighbours'.
+// Public address ranges that are assigned to an interface of this machine.
 TEST_F(FilterProxyTest, AddressOnOwnNetworkIsRefused) {
   ASSERT_EQ(std::system("ip address add 9.9.9.1/24 dev lo && ip address add 2a00:1::1/64 dev lo nodad"), 0);
   const EchoServer own("9.9.9.1", 443, "own");
@@ -337,7 +337,7 @@ TEST_F(FilterProxyTest, AddressOnOwnNetworkIsRefused) {
   EXPECT_EQ(std::system("ip address del 9.9.9.1/24 dev lo && ip address del 2a00:1::1/64 dev lo"), 0);
 }
 
-TEST_F(FilterProxyTest, NewOriginIsResolvedAnew) {
+TEST_F(FilterProxyTest, NewOriginIsResolvedAgain) {
   const EchoServer server(kPublicAddress, 8090, "first");
   const EchoServer local("127.0.0.1", 8090, "other");
   nameIs(std::string(kPublicAddress) + " first.example\n127.0.0.1 second.example\n");
@@ -347,7 +347,7 @@ TEST_F(FilterProxyTest, NewOriginIsResolvedAnew) {
   EXPECT_EQ(readSome(toName("second.example", 8090).socket, 5), "other");
 }
 
-TEST_F(FilterProxyTest, WrongPasswordIsHungUpOn) {
+TEST_F(FilterProxyTest, WrongPasswordClosesConnection) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const std::string target =
@@ -358,20 +358,20 @@ TEST_F(FilterProxyTest, WrongPasswordIsHungUpOn) {
   EXPECT_THAT(FilterProxy().address(), testing::Not(testing::HasSubstr(password())));
 }
 
-TEST_F(FilterProxyTest, ClientWithoutPasswordIsHungUpOn) {
+TEST_F(FilterProxyTest, ClientWithoutPasswordIsRejected) {
   const FileDescriptor client = connectedTo("127.0.0.1", port());
   ASSERT_TRUE(sendAll(client, {"\x05\x01\x00", 3}));
   EXPECT_EQ(readSome(client, 3), "\x05\xff");
 }
 
-TEST_F(FilterProxyTest, RequestForAnythingButConnectionIsHungUpOn) {
+TEST_F(FilterProxyTest, OtherRequestThanConnectClosesConnection) {
   const std::string listen = std::string("\x05\x02\x00\x01\x7f\x00\x00\x01", 8) + inBytes(80);
   EXPECT_EQ(request(listen, password()).reply, kHungUp);
   const std::string nul = std::string("\x05\x01\x00\x03", 4) + counted(std::string("a\0b", 3)) + inBytes(443);
   EXPECT_EQ(request(nul, password()).reply, kHungUp);
 }
 
-TEST_F(FilterProxyTest, BytesBeyondEachBufferArriveBothWays) {
+TEST_F(FilterProxyTest, LargeTransferArrivesInBothDirections) {
   const EchoServer server("127.0.0.1", 0, "");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const Client client = toAddress("127.0.0.1", server.port());
@@ -382,8 +382,8 @@ TEST_F(FilterProxyTest, BytesBeyondEachBufferArriveBothWays) {
   writer.join();
 }
 
-// More than the buffers of both sockets hold, so that the proxy writes in parts.
-TEST_F(FilterProxyTest, ReplyThatClientReadsLateArrivesWhole) {
+// More than both socket buffers hold, so that the proxy's writes are partial.
+TEST_F(FilterProxyTest, ReplyReadLateArrivesWhole) {
   std::string reply;
   while (reply.size() < std::size_t{16} * 1024 * 1024) reply += std::to_string(reply.size()) + ' ';
   const EchoServer server("127.0.0.1", 0, reply);
@@ -393,7 +393,7 @@ TEST_F(FilterProxyTest, ReplyThatClientReadsLateArrivesWhole) {
   EXPECT_TRUE(readSome(client.socket, reply.size()) == reply);
 }
 
-TEST_F(FilterProxyTest, ConnectionsBeyondTheBoundWaitForNobody) {
+TEST_F(FilterProxyTest, ConnectionsBeyondLimitAreClosed) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   std::vector<FileDescriptor> silent;
@@ -405,12 +405,13 @@ TEST_F(FilterProxyTest, ConnectionsBeyondTheBoundWaitForNobody) {
       test_support::waitUntil([&] { return toAddress("127.0.0.1", server.port()).reply == kConnected; }));
 }
 
-// Connections of another user's, as long as this object lives.
+// Connections of another user, for the lifetime of the object.
 class Stranger {
  public:
   Stranger(int port, int count) {
     std::thread([&] {
-      // By number: the library's function would change the user of all threads.
+      // The raw system call changes the user of this thread only; the C library's setresuid() changes all
+      // threads.
       isAnother_ = ::syscall(SYS_setresuid, kStranger, kStranger, kStranger) == 0;
       for (int i = 0; i < count; ++i) sockets_.push_back(connectedTo("127.0.0.1", port));
     }).join();
@@ -427,7 +428,7 @@ class Stranger {
   std::vector<FileDescriptor> sockets_;
 };
 
-TEST_F(FilterProxyTest, ConnectionsOfAnotherUserTakeNoPlaces) {
+TEST_F(FilterProxyTest, ConnectionsOfAnotherUserDoNotCount) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const Stranger stranger(port(), 100);
@@ -443,8 +444,8 @@ std::chrono::microseconds processorTime() {
          std::chrono::microseconds(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
 }
 
-// accept4 fails with EMFILE, and poll reports the connection at once again.
-TEST_F(FilterProxyTest, ClientThatFindsNoDescriptorLeftIsServedLaterWithoutSpinning) {
+// accept4() fails with EMFILE, and poll() reports the pending connection again immediately.
+TEST_F(FilterProxyTest, OutOfDescriptorsDelaysClientWithoutSpinning) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const FileDescriptor late(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -467,7 +468,7 @@ TEST_F(FilterProxyTest, ClientThatFindsNoDescriptorLeftIsServedLaterWithoutSpinn
   EXPECT_EQ(readSome(late, 2), "\x05\x02");
 }
 
-TEST_F(FilterProxyTest, ClientThatFindsNoThreadLeftIsHungUpOn) {
+TEST_F(FilterProxyTest, FailedThreadCreationClosesConnection) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   pthread_attr_t before;
@@ -484,8 +485,8 @@ TEST_F(FilterProxyTest, ClientThatFindsNoThreadLeftIsHungUpOn) {
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kConnected);
 }
 
-// They would change the meaning of what the user's proxy is asked.
-TEST_F(FilterProxyTest, NameOfOtherCharactersIsHungUpOn) {
+// Such characters would change the request to the user's proxy.
+TEST_F(FilterProxyTest, NameWithInvalidCharactersClosesConnection) {
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {
     ++asked;
@@ -498,7 +499,7 @@ TEST_F(FilterProxyTest, NameOfOtherCharactersIsHungUpOn) {
   EXPECT_EQ(asked, 0);
 }
 
-TEST_F(FilterProxyTest, UsersProxyIsNotAskedForLocalHosts) {
+TEST_F(FilterProxyTest, UsersProxyIsNotUsedForLocalHosts) {
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {
     ++asked;
@@ -511,7 +512,7 @@ TEST_F(FilterProxyTest, UsersProxyIsNotAskedForLocalHosts) {
   EXPECT_EQ(asked, 0);
 }
 
-TEST_F(FilterProxyTest, UsersProxyIsAskedForWhatPasses) {
+TEST_F(FilterProxyTest, UsersProxyIsUsedForAllowedRequests) {
   const EchoServer server("127.0.0.1", 0, "through");
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint& target) -> std::optional<FileDescriptor> {

@@ -11,7 +11,7 @@ constexpr auto kIdle = 60s;
 constexpr auto grace = Lifetime::grace;
 constexpr auto leave = Lifetime::leave;
 
-// Begins at second 0; all times are seconds from there.
+// The lifetime begins at 0 s; all times are relative to it.
 class LifetimeTest : public testing::Test {
  protected:
   [[nodiscard]] static Lifetime::Clock::time_point at(std::chrono::seconds time) {
@@ -24,24 +24,24 @@ class LifetimeTest : public testing::Test {
   Lifetime lifetime_{at(0s), kIdle};
 };
 
-TEST_F(LifetimeTest, WithoutAnyAddressItIsTheIdleTime) {
+TEST_F(LifetimeTest, WithoutAddressEndsAfterIdleTime) {
   EXPECT_EQ(end(), kIdle);
 }
 
-TEST_F(LifetimeTest, LoadThatIsDoneLeavesTheIdleTime) {
+TEST_F(LifetimeTest, FinishedLoadStartsIdleTime) {
   lifetime_.addressCame(at(10s));
   lifetime_.loadingIs(false, at(15s));
   EXPECT_EQ(end(), 15s + kIdle);
 }
 
-TEST_F(LifetimeTest, LoadThatNeverEndsLeavesTheIdleTimeFromItsAddressOn) {
+TEST_F(LifetimeTest, EndlessLoadEndsIdleTimeAfterAddress) {
   lifetime_.addressCame(at(10s));
   lifetime_.loadingIs(true, at(40s));
   EXPECT_EQ(end(), 10s + kIdle);
 }
 
-// A slow server, or an engine that is slow to start, must not cost the page.
-TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsWaitedForUpToPatience) {
+// A slow server or a slow start of the engine must not end the load.
+TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsAwaitedUpToPatience) {
   Lifetime lifetime(at(0s), 15s);
   EXPECT_EQ(lifetime.end(), at(15s));
   lifetime.addressCame(at(10s));
@@ -52,7 +52,7 @@ TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsWaitedForUpToPatience) {
   EXPECT_EQ(lifetime.end(), at(55s));
 }
 
-TEST_F(LifetimeTest, NewAddressBeginsAnew) {
+TEST_F(LifetimeTest, NewAddressRestartsIdleTime) {
   lifetime_.addressCame(at(10s));
   lifetime_.loadingIs(false, at(11s));
   lifetime_.addressCame(at(50s));
@@ -61,7 +61,7 @@ TEST_F(LifetimeTest, NewAddressBeginsAnew) {
   EXPECT_EQ(end(), 52s + kIdle);
 }
 
-TEST_F(LifetimeTest, ScriptThatKeepsAskingDoesNotKeepItAlive) {
+TEST_F(LifetimeTest, RequestsOfScriptDoNotRestartIdleTime) {
   lifetime_.addressCame(at(10s));
   lifetime_.loadingIs(false, at(11s));
   lifetime_.loadingIs(true, at(40s));
@@ -69,19 +69,19 @@ TEST_F(LifetimeTest, ScriptThatKeepsAskingDoesNotKeepItAlive) {
   EXPECT_EQ(end(), 11s + kIdle);
 }
 
-TEST_F(LifetimeTest, InputThatEndsWithoutAnAddressEndsItAtOnce) {
+TEST_F(LifetimeTest, EndOfInputWithoutAddressEndsImmediately) {
   lifetime_.inputEnded(at(5s));
   EXPECT_EQ(end(), 5s);
 }
 
-TEST_F(LifetimeTest, InputThatEndsLongAfterTheLoadEndsItAtOnce) {
+TEST_F(LifetimeTest, EndOfInputLongAfterLoadEndsImmediately) {
   lifetime_.addressCame(at(1s));
   lifetime_.loadingIs(false, at(2s));
   lifetime_.inputEnded(at(30s));
   EXPECT_EQ(end(), 30s);
 }
 
-TEST_F(LifetimeTest, InputThatEndsDuringTheLoadWaitsForIt) {
+TEST_F(LifetimeTest, EndOfInputDuringLoadWaitsForLoad) {
   lifetime_.addressCame(at(1s));
   lifetime_.inputEnded(at(2s));
   EXPECT_EQ(end(), 2s + leave);
@@ -89,7 +89,7 @@ TEST_F(LifetimeTest, InputThatEndsDuringTheLoadWaitsForIt) {
   EXPECT_EQ(end(), 5s + grace);
 }
 
-TEST_F(LifetimeTest, ScriptThatCallsBackAfterTheInputsEndIsWaitedFor) {
+TEST_F(LifetimeTest, EndOfInputWaitsForScript) {
   lifetime_.addressCame(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(3s));
@@ -99,21 +99,21 @@ TEST_F(LifetimeTest, ScriptThatCallsBackAfterTheInputsEndIsWaitedFor) {
   EXPECT_EQ(end(), 5s + grace);
 }
 
-TEST_F(LifetimeTest, GraceDoesNotOutlastTheLeave) {
+TEST_F(LifetimeTest, GraceIsLimitedByLeave) {
   lifetime_.addressCame(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(11s));
   EXPECT_EQ(end(), 2s + leave);
 }
 
-TEST_F(LifetimeTest, LeaveCountsFromTheFirstEndOfTheInput) {
+TEST_F(LifetimeTest, LeaveStartsAtFirstEndOfInput) {
   lifetime_.addressCame(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.inputEnded(at(9s));
   EXPECT_EQ(end(), 2s + leave);
 }
 
-TEST_F(LifetimeTest, LongLeaveMayOutlastAShortIdleTime) {
+TEST_F(LifetimeTest, LeaveMayExceedIdleTime) {
   Lifetime lifetime(at(0s), 1s);
   lifetime.addressCame(at(0s));
   lifetime.inputEnded(at(1s));

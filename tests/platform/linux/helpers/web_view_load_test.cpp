@@ -1,4 +1,4 @@
-// The helper loads what it is told, and goes when it should.
+// Tests that the helper loads the given addresses and ends in time.
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -33,8 +33,9 @@ std::vector<std::string> runtimeFolders() {
   return found;
 }
 
-// Of a load that began then, after so many requests before. An engine that shows no life from one beat of
-// three seconds to the next is started again and asks again, which a busy machine may bring about.
+// Checks the requests of a load that began at `begin` after `before` earlier requests. An engine that does
+// not respond between two heartbeats of 3 s is restarted and requests the page again, which may happen on a
+// busy machine.
 void expectOneRequest(const std::vector<Clock::time_point>& requests, std::size_t before,
                       Clock::time_point begin) {
   EXPECT_GT(requests.size(), before);
@@ -42,21 +43,20 @@ void expectOneRequest(const std::vector<Clock::time_point>& requests, std::size_
     EXPECT_GE(requests[again] - begin, 6s);
 }
 
-TEST_F(WebViewLoad, ScriptsOfThePageRun) {
+TEST_F(WebViewLoad, RunsScriptsOfPage) {
   startWithScript("new Image().src = '/image'; setTimeout(() => fetch('/later?a=' + (1 + 1)), 100);");
   EXPECT_TRUE(server_.waitFor("/image"));
   EXPECT_TRUE(server_.waitFor("/later?a=2"));
 }
 
-TEST_F(WebViewLoad, LastOfManyQuickLoadsArrives) {
+TEST_F(WebViewLoad, LastOfManyQuickLoadsIsRequested) {
   start();
   for (int i = 0; i < 20; ++i) load("/quick?" + std::to_string(i));
   EXPECT_TRUE(server_.waitFor("/quick?19"));
 }
 
-// The engine drops both now and then, about once in forty starts; hundreds of starts show it for certain
-// (--gtest_repeat).
-TEST_F(WebViewLoad, SecondOfTwoLoadsArrivesAtEachStart) {
+// The engine drops both loads in about one of forty starts; hundreds of runs (--gtest_repeat) reproduce it.
+TEST_F(WebViewLoad, SecondOfTwoLoadsIsRequestedAtEachStart) {
   for (int i = 0; i < 20; ++i) {
     const std::string number = std::to_string(i);
     start();
@@ -71,10 +71,10 @@ TEST_F(WebViewLoad, SecondOfTwoLoadsArrivesAtEachStart) {
   }
 }
 
-// What brings no page of its own is an answer, too: it is not asked for again, and not waited for.
+// A reply without a page is an answer too: it is neither requested again nor waited for.
 class WebViewAnswer : public WebViewHelper, public testing::WithParamInterface<const char*> {
  protected:
-  // From the end of the input on.
+  // Returns the time from the end of the input to the end of the helper.
   [[nodiscard]] Clock::duration timeToTheEnd() {
     const std::size_t before = server_.timesOf(GetParam()).size();
     start();
@@ -93,13 +93,13 @@ class WebViewAnswer : public WebViewHelper, public testing::WithParamInterface<c
   }
 };
 
-TEST_P(WebViewAnswer, EndsTheLoad) {
+TEST_P(WebViewAnswer, EndsLoad) {
   server_.answerNothing("/nothing");
   server_.askForPassword("/password");
   server_.putDownload("/download");
   server_.redirect("/refused", "http://127.0.0.1:9/nobody-listens");
   server_.redirect("/elsewhere", "mailto:a@b");
-  // What a load gets that goes on. A busy machine may hold up one try or another.
+  // The time that an unfinished load gets. The shortest of five attempts discounts delays of a busy machine.
   constexpr auto leave = 10s;
   auto shortest = Clock::duration::max();
   for (int i = 0; i < 5 && shortest >= leave; ++i) shortest = std::min(shortest, timeToTheEnd());
@@ -110,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(Each, WebViewAnswer,
                          testing::Values("/nothing", "/password", "/download", "/refused", "/elsewhere"),
                          [](const auto& which) { return std::string(which.param + 1); });
 
-TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
+TEST_F(WebViewLoad, InvalidAndOverlongLinesAreSkipped) {
   start();
   const std::string garbage("\0\x01\xff\xfe http://", 12);
   ASSERT_TRUE(helper_.writeLine(garbage));
@@ -122,7 +122,7 @@ TEST_F(WebViewLoad, GarbageAndLongLinesAreSkipped) {
   EXPECT_EQ(server_.asked().front(), "/next");
 }
 
-TEST_F(WebViewLoad, HangingServerDoesNotHoldUpTheNextLoad) {
+TEST_F(WebViewLoad, HangingServerDoesNotBlockNextLoad) {
   server_.hang("/hangs");
   start();
   load("/hangs");
@@ -130,23 +130,23 @@ TEST_F(WebViewLoad, HangingServerDoesNotHoldUpTheNextLoad) {
   EXPECT_TRUE(stillLoads());
 }
 
-TEST_F(WebViewLoad, ScriptThatNeverEndsDoesNotHoldUpTheNextLoad) {
+TEST_F(WebViewLoad, EndlessScriptDoesNotBlockNextLoad) {
   startWithScript("setTimeout(() => { while (true); }, 50);");
   EXPECT_TRUE(stillLoads());
 }
 
-TEST_F(WebViewLoad, DeadWebProcessIsReplacedByTheNextLoad) {
+TEST_F(WebViewLoad, KilledWebProcessIsReplacedAtNextLoad) {
   startWithScript("");
   const auto dead = processesNamed("WebKitWebProces");
   ASSERT_THAT(dead, SizeIs(1));
   ASSERT_EQ(::kill(dead.front(), SIGKILL), 0);
-  // Where the page's load was still to be heard of, another one is there at once.
+  // If the load has not been reported yet, the helper starts another web process immediately.
   ASSERT_TRUE(test_support::waitUntil(
       [&] { return std::ranges::count(processesNamed("WebKitWebProces"), dead.front()) == 0; }));
   EXPECT_TRUE(stillLoads());
 }
 
-TEST_F(WebViewLoad, EndOfTheInputWaitsForTheLoadAndItsScripts) {
+TEST_F(WebViewLoad, EndOfInputWaitsForLoadAndScripts) {
   server_.put("/page", "<script>fetch('/a').then(() => setTimeout(() => fetch('/b'), 500))</script>");
   start();
   load("/page");
@@ -156,7 +156,7 @@ TEST_F(WebViewLoad, EndOfTheInputWaitsForTheLoadAndItsScripts) {
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-TEST_F(WebViewLoad, EndOfTheInputWithoutALoadIsTheEnd) {
+TEST_F(WebViewLoad, EndOfInputWithoutLoadEndsHelper) {
   start();
   const auto begin = Clock::now();
   helper_.closeInput();
@@ -164,7 +164,7 @@ TEST_F(WebViewLoad, EndOfTheInputWithoutALoadIsTheEnd) {
   EXPECT_LT(Clock::now() - begin, 5s);
 }
 
-TEST_F(WebViewLoad, LoadThatNeverEndsIsLeftTenSecondsAfterTheInput) {
+TEST_F(WebViewLoad, EndlessLoadEndsTenSecondsAfterInput) {
   server_.hang("/hangs");
   start();
   load("/hangs");
@@ -179,8 +179,8 @@ TEST_F(WebViewLoad, LoadThatNeverEndsIsLeftTenSecondsAfterTheInput) {
 
 class WebViewIdle : public WebViewHelper {
  protected:
-  // Loads the page with a short idle time until this is asked for. The time also counts while the engine
-  // starts, so that a busy machine may need more of it.
+  // Loads the page with a short idle time until `target` is requested. The idle time includes the start of
+  // the engine, so it is doubled until it suffices.
   void loadUntilAskedFor(const std::string& target) {
     for (; idle_ < beforeAMinute; idle_ *= 2) {
       start({"--idle-seconds", std::to_string(idle_.count())});
@@ -193,21 +193,21 @@ class WebViewIdle : public WebViewHelper {
     FAIL() << target << " is not asked for";
   }
 
-  // Before the patience for a load that never ends is over.
+  // Less than the patience for a load that does not finish.
   static constexpr auto beforeAMinute = 50s;
   std::chrono::seconds idle_{2};
   Clock::time_point begin_;
 };
 
-TEST_F(WebViewIdle, IdleHelperEnds) {
+TEST_F(WebViewIdle, EndsAfterIdleTime) {
   ASSERT_NO_FATAL_FAILURE(loadUntilAskedFor("/page"));
   EXPECT_EQ(helper_.wait(beforeAMinute), ExitStatus{.code = 0});
   EXPECT_GE(Clock::now() - begin_, idle_);
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-// Shorter than without the option. A busy machine may hold up one try or another.
-TEST_F(WebViewIdle, IdleTimeIsTheOneThatIsGiven) {
+// Shorter than the default. The shortest of five attempts discounts delays of a busy machine.
+TEST_F(WebViewIdle, IdleTimeIsConfigurable) {
   constexpr auto unlessGiven = 15s;
   auto shortest = Clock::duration::max();
   for (int i = 0; i < 5 && shortest >= unlessGiven; ++i) {
@@ -223,27 +223,27 @@ TEST_F(WebViewIdle, IdleTimeIsTheOneThatIsGiven) {
   EXPECT_LT(shortest, unlessGiven);
 }
 
-TEST_F(WebViewIdle, PageThatKeepsAskingDoesNotKeepTheHelper) {
+TEST_F(WebViewIdle, RequestsOfPageDoNotRestartIdleTime) {
   server_.put("/page", "<script>setInterval(() => fetch('/again'), 200)</script>");
   ASSERT_NO_FATAL_FAILURE(loadUntilAskedFor("/again"));
   EXPECT_EQ(helper_.wait(beforeAMinute), ExitStatus{.code = 0});
 }
 
-TEST_F(WebViewLoad, RequestToEndTakesEveryProcessAlong) {
+TEST_F(WebViewLoad, SigtermEndsEveryProcess) {
   startWithScript("setTimeout(() => { while (true); }, 50);");
   helper_.terminate();
   EXPECT_EQ(helper_.wait(), ExitStatus{.code = 0});
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-TEST_F(WebViewLoad, KilledHelperTakesEveryProcessAlong) {
+TEST_F(WebViewLoad, KilledHelperEndsEveryProcess) {
   startWithScript("");
   helper_.kill();
   EXPECT_TRUE(helper_.wait());
   EXPECT_TRUE(waitForNoWebProcess());
 }
 
-TEST_F(WebViewLoad, FolderThatAKilledHelperLeftGoesAtTheNextStart) {
+TEST_F(WebViewLoad, FolderOfKilledHelperIsRemovedAtNextStart) {
   startWithScript("");
   const auto left = runtimeFolders();
   ASSERT_THAT(left, SizeIs(1));
@@ -256,7 +256,7 @@ TEST_F(WebViewLoad, FolderThatAKilledHelperLeftGoesAtTheNextStart) {
   EXPECT_NE(runtimeFolders(), left);
 }
 
-TEST_F(WebViewLoad, FolderOfARunningHelperIsLeftToItByTheNextOne) {
+TEST_F(WebViewLoad, FolderOfRunningHelperIsKeptByNextOne) {
   startWithScript("");
   const auto own = runtimeFolders();
   ASSERT_THAT(own, SizeIs(1));
@@ -270,17 +270,17 @@ TEST_F(WebViewLoad, FolderOfARunningHelperIsLeftToItByTheNextOne) {
   EXPECT_THAT(runtimeFolders(), testing::AllOf(SizeIs(1), testing::Not(testing::Contains(own.front()))));
 }
 
-TEST_F(WebViewLoad, NoWindowIsOnTheScreen) {
+TEST_F(WebViewLoad, ShowsNoWindow) {
   startWithScript("setTimeout(() => { document.title = 'Title'; window.focus(); fetch('/shown'); }, 100);");
   ASSERT_TRUE(server_.waitFor("/shown"));
   EXPECT_TRUE(stillLoads());
   EXPECT_THAT(test_support::windowsOn(display_->name()), IsEmpty());
 }
 
-TEST_F(WebViewLoad, NoFileIsLeftAndNoneOfTheUsersTouched) {
-  // What a helper that was killed has left is swept by the next, and would be missed in the end.
+TEST_F(WebViewLoad, LeavesNoFileAndKeepsUsersFiles) {
+  // Removes the folders of killed helpers, which the next helper would remove during the comparison.
   for (const auto& folder : runtimeFolders()) std::filesystem::remove_all(kPrivateFolder + ("/" + folder));
-  // The agent has it as long as it runs.
+  // The agent creates the folder and keeps it while it runs.
   std::filesystem::create_directory(kPrivateFolder);
   std::filesystem::permissions(kPrivateFolder, std::filesystem::perms::owner_all);
   const auto before = filesBelow("/tmp");
@@ -299,15 +299,15 @@ std::string pidNamespaceOf(pid_t process) {
   return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/ns/pid");
 }
 
-TEST_F(WebViewLoad, WebProcessIsLockedIn) {
+TEST_F(WebViewLoad, WebProcessRunsInPidNamespace) {
   startWithScript("");
   const auto processes = processesNamed("WebKitWebProces");
   ASSERT_THAT(processes, SizeIs(1));
   EXPECT_NE(pidNamespaceOf(processes.front()), pidNamespaceOf(helper_.pid()));
 }
 
-// Longer than it takes to find that a script holds a web process up.
-TEST_F(WebViewLoad, WebProcessThatIsSlowToStartIsNotStartedAgain) {
+// The delay exceeds the time after which an unresponsive web process is restarted.
+TEST_F(WebViewLoad, SlowlyStartingWebProcessIsNotRestarted) {
   std::filesystem::copy_file("/usr/bin/bwrap", "/tmp/bwrap",
                              std::filesystem::copy_options::overwrite_existing);
   helper_test::writeProgram("/tmp/slow bwrap",
@@ -321,7 +321,7 @@ TEST_F(WebViewLoad, WebProcessThatIsSlowToStartIsNotStartedAgain) {
   EXPECT_EQ(server_.timesOf("/page").size(), 1U);
 }
 
-TEST_F(WebViewLoad, UsageAndUnknownArguments) {
+TEST_F(WebViewLoad, HelpIsPrintedAndUnknownArgumentRefused) {
   const auto usage = helper_test::run({helper_test::helper("TovalinWebView"), "--help"});
   EXPECT_EQ(usage.code, 0);
   EXPECT_THAT(usage.output, testing::HasSubstr("--idle-seconds"));

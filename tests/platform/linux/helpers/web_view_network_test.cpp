@@ -1,4 +1,4 @@
-// Which servers a page reaches.
+// Tests which servers a page can reach.
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <sys/mount.h>
@@ -19,7 +19,8 @@ namespace {
 
 using testing::IsEmpty;
 
-// The name server of this machine while it lives. Knows no name and remembers what it was asked for.
+// A name server on port 53 of loopback, which /etc/resolv.conf names for the lifetime of the object. Replies
+// NXDOMAIN to every query and records the names.
 class NameServer {
  public:
   NameServer() {
@@ -57,7 +58,7 @@ class NameServer {
       const ssize_t count = ::recvfrom(socket_.get(), message.data(), message.size(), 0, generic, &size);
       if (count <= 12) return;
       remember({message.data() + 12, static_cast<std::size_t>(count) - 12});
-      message[2] = static_cast<char>(0x81);  // a reply: there is no such name
+      message[2] = static_cast<char>(0x81);  // a reply with RCODE 3 (NXDOMAIN)
       message[3] = static_cast<char>(0x83);
       ::sendto(socket_.get(), message.data(), static_cast<std::size_t>(count), 0, generic, size);
     }
@@ -81,8 +82,8 @@ class NameServer {
   std::thread thread_;
 };
 
-// Ways in which a page may ask another server for something, with its port in place of PORT. A navigation
-// waits for the answer to "/running", which it would cancel.
+// Requests of a page to another server; PORT stands for its port. A navigation starts after the reply to
+// "/running", because it would cancel that request.
 class WebViewOtherServer : public WebViewHelper, public testing::WithParamInterface<const char*> {
  protected:
   [[nodiscard]] std::string script() const {
@@ -94,7 +95,7 @@ class WebViewOtherServer : public WebViewHelper, public testing::WithParamInterf
   PageServer other_;
 };
 
-TEST_P(WebViewOtherServer, OnLoopbackIsNotAsked) {
+TEST_P(WebViewOtherServer, OnLoopbackIsNotReached) {
   server_.redirect("/redirect", other_.address("/page"));
   startWithScript(script());
   helper_.closeInput();
@@ -127,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(
         "const l = document.createElement('link'); l.rel = 'preconnect'; l.href = 'http://127.0.0.1:PORT/';"
         "document.head.append(l); fetch('/redirect', {mode: 'no-cors'});"));
 
-TEST_F(WebViewHelper, RedirectOfThePageToAnotherServerIsNotFollowed) {
+TEST_F(WebViewHelper, RedirectToOtherServerIsNotFollowed) {
   PageServer other;
   server_.redirect("/page", other.address("/page"));
   start();
@@ -147,8 +148,8 @@ TEST_F(WebViewHelper, PageIsLoadedThroughUsersProxy) {
   EXPECT_THAT(proxy.asked(), testing::Each(testing::StartsWith("CONNECT page.example:80 ")));
 }
 
-// A name that the engine itself asked for would pass the proxy by and carry what a page wants out.
-TEST_F(WebViewHelper, NameServerIsNotAskedForPrefetchedNames) {
+// A name that the engine resolves itself would bypass the proxy and could carry data of the page.
+TEST_F(WebViewHelper, PrefetchedNamesAreNotResolved) {
   NameServer names;
   ASSERT_TRUE(names.listens());
   startWithScript(
@@ -162,8 +163,8 @@ TEST_F(WebViewHelper, NameServerIsNotAskedForPrefetchedNames) {
   EXPECT_THAT(names.asked(), testing::Each("asked.example"));
 }
 
-// Without them nothing of a page's goes by UDP, which the proxy would not see.
-TEST_F(WebViewHelper, PageHasNeitherWebRtcNorWebTransport) {
+// Both would use UDP, which bypasses the proxy.
+TEST_F(WebViewHelper, WebRtcAndWebTransportAreDisabled) {
   startWithScript(
       "fetch('/types?' + [typeof RTCPeerConnection, typeof webkitRTCPeerConnection, typeof "
       "WebTransport].join());");
@@ -171,7 +172,7 @@ TEST_F(WebViewHelper, PageHasNeitherWebRtcNorWebTransport) {
       << testing::PrintToString(server_.asked());
 }
 
-TEST_F(WebViewHelper, PageReadsNoFile) {
+TEST_F(WebViewHelper, PageCannotReadFiles) {
   startWithScript(
       "const f = document.createElement('iframe'); f.src = 'file:///etc/hostname';"
       "document.documentElement.append(f);"
@@ -181,7 +182,7 @@ TEST_F(WebViewHelper, PageReadsNoFile) {
   EXPECT_TRUE(server_.waitFor("/failed"));
 }
 
-TEST_F(WebViewHelper, PagesOwnServerIsAskedUnderEachNameThatAddressesGive) {
+TEST_F(WebViewHelper, OwnServerIsReachedUnderEachGivenName) {
   const std::string port = server_.address("").substr(server_.address("").rfind(':'));
   server_.put("/page", "<script>fetch('/script?' + location.hostname)</script>");
   start();

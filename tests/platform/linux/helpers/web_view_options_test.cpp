@@ -20,19 +20,19 @@ bool isRefused(const Arguments& arguments) {
   return std::holds_alternative<Refusal>(parseWebViewRequest(arguments));
 }
 
-TEST(WebViewOptions, IdleTimeIs15SecondsUnlessGiven) {
+TEST(WebViewOptions, IdleTimeDefaultsTo15Seconds) {
   EXPECT_EQ(idleOf({}), 15s);
   EXPECT_EQ(idleOf({"--idle-seconds", "5"}), 5s);
 }
 
-TEST(WebViewOptions, ShortestAndLongestIdleTime) {
+TEST(WebViewOptions, IdleTimeIsLimitedToOneSecondThroughOneDay) {
   EXPECT_EQ(idleOf({"--idle-seconds", "1"}), 1s);
   EXPECT_EQ(idleOf({"--idle-seconds", "86400"}), 86400s);
   EXPECT_TRUE(isRefused({"--idle-seconds", "0"}));
   EXPECT_TRUE(isRefused({"--idle-seconds", "86401"}));
 }
 
-TEST(WebViewOptions, IdleTimeThatIsNoNumberIsRefused) {
+TEST(WebViewOptions, InvalidIdleTimeIsRefused) {
   for (const char* text : {"", "x", "1x", " 1", "-1", "1.5", "99999999999999999999"}) {
     EXPECT_TRUE(isRefused({"--idle-seconds", text})) << text;
   }
@@ -44,7 +44,7 @@ TEST(WebViewOptions, UnknownArgumentIsRefused) {
   EXPECT_TRUE(isRefused({""}));
 }
 
-TEST(WebViewOptions, Help) {
+TEST(WebViewOptions, HelpShowsUsage) {
   EXPECT_TRUE(std::holds_alternative<ShowUsage>(parseWebViewRequest({"--help"})));
 }
 

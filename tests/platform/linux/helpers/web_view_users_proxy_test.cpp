@@ -1,4 +1,4 @@
-// Connections through the proxy that the environment names, with a real proxy.
+// Tests connections through the proxy of the environment, with a real proxy.
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 
@@ -30,7 +30,7 @@ class UsersProxyTest : public testing::Test {
     const std::string address = server_.address("");
     return static_cast<std::uint16_t>(std::stoi(address.substr(address.rfind(':') + 1)));
   }
-  // Whether the page server is at the other end.
+  // Sends a GET over `socket`. Returns whether the page server receives it.
   [[nodiscard]] bool reachesServer(const FileDescriptor& socket, const std::string& path) const {
     const std::string request = "GET " + path + " HTTP/1.0\r\n\r\n";
     return ::send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL) ==
@@ -41,12 +41,12 @@ class UsersProxyTest : public testing::Test {
   PageServer server_;
 };
 
-TEST_F(UsersProxyTest, NoneIsUsedIfTheEnvironmentNamesNone) {
+TEST_F(UsersProxyTest, ReturnsNulloptWithoutProxyInEnvironment) {
   EXPECT_FALSE(connectThroughUsersProxy({"www.example", 443}));
   EXPECT_FALSE(connectThroughUsersProxy({"www.example", 80}));
 }
 
-TEST_F(UsersProxyTest, ProxyOfTheSchemeConnectsToTheEndpoint) {
+TEST_F(UsersProxyTest, ProxyOfSchemeConnectsToEndpoint) {
   const LoopbackProxy plain(serversPort());
   const LoopbackProxy secure(serversPort());
   name("http_proxy", plain.address());
@@ -61,7 +61,7 @@ TEST_F(UsersProxyTest, ProxyOfTheSchemeConnectsToTheEndpoint) {
   EXPECT_THAT(secure.asked(), ElementsAre(StartsWith("CONNECT www.example:443 "), StartsWith("CONNECT ")));
 }
 
-TEST_F(UsersProxyTest, ProxyThatRefusesIsAnInvalidDescriptor) {
+TEST_F(UsersProxyTest, RefusalReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", proxy.address());
   const auto socket = connectThroughUsersProxy({"www.example", 443});
@@ -70,14 +70,14 @@ TEST_F(UsersProxyTest, ProxyThatRefusesIsAnInvalidDescriptor) {
   EXPECT_THAT(proxy.asked(), ElementsAre(StartsWith("CONNECT www.example:443 ")));
 }
 
-TEST_F(UsersProxyTest, ProxyThatIsNotThereIsAnInvalidDescriptor) {
+TEST_F(UsersProxyTest, UnreachableProxyReturnsInvalidDescriptor) {
   name("https_proxy", "http://127.0.0.1:1");
   const auto socket = connectThroughUsersProxy({"www.example", 443});
   ASSERT_TRUE(socket);
   EXPECT_FALSE(socket->valid());
 }
 
-TEST_F(UsersProxyTest, ProxyThatSpeaksNoTlsIsAnInvalidDescriptor) {
+TEST_F(UsersProxyTest, ProxyWithoutTlsReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", "https://127.0.0.1:1");
   const auto socket = connectThroughUsersProxy({"www.example", 443});
@@ -85,7 +85,7 @@ TEST_F(UsersProxyTest, ProxyThatSpeaksNoTlsIsAnInvalidDescriptor) {
   EXPECT_FALSE(socket->valid());
 }
 
-TEST_F(UsersProxyTest, ExceptedHostIsReachedDirectly) {
+TEST_F(UsersProxyTest, HostOfNoProxyReturnsNullopt) {
   const LoopbackProxy proxy(serversPort());
   name("https_proxy", proxy.address());
   name("no_proxy", "direct.example");

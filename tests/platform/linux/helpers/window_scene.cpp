@@ -93,7 +93,7 @@ void WindowScene::setNumber(xcb_window_t window, const std::string& name, xcb_at
   xcb_change_property(x_->get(), XCB_PROP_MODE_REPLACE, window, intern(name), type, 32, 1, &value);
 }
 
-// Unlike the connection's own look-up, makes the atom: the window manager may not know every kind of window.
+// Creates a missing atom, unlike XConnection::atom(): the window manager may not know every window type.
 xcb_atom_t WindowScene::intern(const std::string& name) const {
   const auto cookie = xcb_intern_atom(x_->get(), 0, static_cast<std::uint16_t>(name.size()), name.c_str());
   const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x_->get(), cookie, nullptr));

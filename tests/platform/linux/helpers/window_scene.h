@@ -12,7 +12,7 @@
 
 namespace helper_test {
 
-// What a program has asked the window manager for.
+// A _NET_ACTIVE_WINDOW request of a program to the window manager.
 struct ActivationRequest {
   xcb_window_t window = 0;
   std::uint32_t source = 0;
@@ -20,28 +20,28 @@ struct ActivationRequest {
   bool operator==(const ActivationRequest&) const = default;
 };
 
-// Real windows on a display of the test's own. Each call returns once the window manager has done its part;
-// false when it never did.
+// Windows on a display of its own. Each call waits until the window manager has handled it and returns false,
+// or 0, after the timeout.
 class WindowScene {
  public:
   [[nodiscard]] bool start(bool windowManager = true);
 
-  // A window on the desktop with this number, of this kind ("NORMAL", "DOCK" ...).
+  // Opens a window of type _NET_WM_WINDOW_TYPE_`type` on the given desktop.
   [[nodiscard]] xcb_window_t open(const std::string& type, std::uint32_t desktop = 0);
   [[nodiscard]] bool hide(xcb_window_t window);
   [[nodiscard]] bool destroy(xcb_window_t window);
 
-  // Gives the window the keyboard and leaves it where it stands among the others.
+  // Sets the input focus without changing the stacking order.
   [[nodiscard]] bool focus(xcb_window_t window);
 
-  // Writes into _NET_ACTIVE_WINDOW what the window manager has not.
+  // Sets _NET_ACTIVE_WINDOW instead of the window manager.
   void claimActive(xcb_window_t window);
 
   [[nodiscard]] bool becomesActive(xcb_window_t window) const;
   [[nodiscard]] bool hasKeyboard(xcb_window_t window) const;
   [[nodiscard]] std::vector<xcb_window_t> stacking() const;  // bottom to top
 
-  // What has been asked for since the last call.
+  // Returns the requests since the last call.
   [[nodiscard]] std::vector<ActivationRequest> takeRequests();
 
   [[nodiscard]] test_support::TestDisplay& display() { return display_; }

@@ -18,7 +18,7 @@
 namespace platform {
 namespace {
 
-TEST(ImageNamed, MakesAFreshImageAtEachCall) {
+TEST(ImageNamed, ReturnsNewImageAtEachCall) {
   const auto first = imageNamed("icon.png");
   const auto second = imageNamed("icon.png");
   ASSERT_NE(first, nullptr);
@@ -27,7 +27,7 @@ TEST(ImageNamed, MakesAFreshImageAtEachCall) {
   EXPECT_EQ(second->size(), (Size{512, 512}));
 }
 
-TEST(ImageNamed, MeasuresInPointsAndHoldsTheFormForTheScreen) {
+TEST(ImageNamed, HasSizeInPointsAndRepresentationForScreen) {
   const auto icon = imageNamed("mount on.png");
   ASSERT_NE(icon, nullptr);
   EXPECT_EQ(icon->size(), (Size{20, 20}));
@@ -36,15 +36,15 @@ TEST(ImageNamed, MeasuresInPointsAndHoldsTheFormForTheScreen) {
   for (const QImage& form : icon->impl().forms) EXPECT_EQ(form.devicePixelRatio(), 1) << "pixels are pixels";
 }
 
-TEST(ImageNamed, IsNothingForAMissingPicture) {
+TEST(ImageNamed, ReturnsNullForMissingPicture) {
   EXPECT_EQ(imageNamed("no such picture.png"), nullptr);
 }
 
-TEST(ImageNamed, IsNothingForAFileThatIsNoPicture) {
+TEST(ImageNamed, ReturnsNullForOtherFile) {
   EXPECT_EQ(imageNamed("../MacOS/image_test"), nullptr);
 }
 
-TEST(ImageNamed, DrawingIntoOneChangesNoLaterOne) {
+TEST(ImageNamed, DrawingDoesNotChangeLaterImages) {
   const auto first = imageNamed("icon.png");
   ASSERT_NE(first, nullptr);
   const QImage before = first->impl().forms.front().copy();
@@ -52,7 +52,7 @@ TEST(ImageNamed, DrawingIntoOneChangesNoLaterOne) {
   EXPECT_EQ(imageNamed("icon.png")->impl().forms.front(), before);
 }
 
-TEST(ImageNamed, APictureThatHasChangedIsReadAnew) {
+TEST(ImageNamed, ChangedPictureIsReadAgain) {
   const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
   for (const int side : {4, 6}) {
     ASSERT_TRUE(QImage(side, side, QImage::Format_ARGB32).save(QStringLiteral("/tmp/changing.png")));
@@ -62,7 +62,7 @@ TEST(ImageNamed, APictureThatHasChangedIsReadAnew) {
   }
 }
 
-TEST(ImageNamed, APictureThatHasChangedButForItsLengthIsReadAnew) {
+TEST(ImageNamed, ChangedPictureOfSameLengthIsReadAgain) {
   const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
   const auto second = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
   const auto first = second - std::chrono::seconds(1);
@@ -77,19 +77,19 @@ TEST(ImageNamed, APictureThatHasChangedButForItsLengthIsReadAnew) {
   }
 }
 
-TEST(Image, HasAsManyPixelsAsTheScreenShowsForItsPoints) {
+TEST(Image, HasPixelsForScaleOfScreen) {
   const double scale = qGuiApp->devicePixelRatio();
   EXPECT_EQ(Image({20, 17}).pixelSize(), (Size{20 * scale, 17 * scale}));
   EXPECT_EQ(Image({10.4, 3.2}).pixelSize(), (Size{std::ceil(10.4 * scale), std::ceil(3.2 * scale)}));
 }
 
-TEST(Image, IsTransparentAtFirst) {
+TEST(Image, IsInitiallyTransparent) {
   const Image image({2, 2});
   ASSERT_TRUE(image.isValid());
   EXPECT_EQ(image.impl().forms.front().pixelColor(0, 0).alpha(), 0);
 }
 
-TEST(Image, IsInvalidWithoutAreaOrBeyondAllBounds) {
+TEST(Image, IsInvalidIfEmptyOrTooLarge) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   for (const Size size :
        {Size{0, 20}, Size{20, 0}, Size{-20, 20}, Size{nan, 20}, Size{1e6, 1e6}, Size{1e300, 1}}) {
@@ -112,20 +112,20 @@ QImage pixels(int width, int height, QImage::Format format = QImage::Format_RGB3
   return image;
 }
 
-TEST(Image, MayHave64MillionPixelsAndNoMore) {
+TEST(Image, IsLimitedTo64MillionPixels) {
   const double side = 8000 / qGuiApp->devicePixelRatio();
   EXPECT_TRUE(Image({side, side}).isValid());
   EXPECT_FALSE(Image({side, side + 1}).isValid());
 }
 
-TEST(Image, IsShrunkIntoItsRoomAndNeverEnlarged) {
+TEST(Image, ShrinkIntoNeverEnlarges) {
   const Image image({40, 20});
   EXPECT_EQ(image.impl().shrinkInto({400, 400}), 1.0);
   EXPECT_EQ(image.impl().shrinkInto({20, 20}), 0.5);
   EXPECT_EQ(image.impl().shrinkInto({40, 5}), 0.25);
 }
 
-TEST(ImageWithData, HasOnePointToThePixel) {
+TEST(ImageWithData, HasOnePointPerPixel) {
   for (const char* format : {"PNG", "JPG", "BMP", "PPM"}) {
     const auto image = imageWithData(encoded(pixels(42, 4), format));
     ASSERT_NE(image, nullptr) << format;
@@ -134,31 +134,31 @@ TEST(ImageWithData, HasOnePointToThePixel) {
   }
 }
 
-TEST(ImageWithData, IsNothingForWhatIsNoPicture) {
+TEST(ImageWithData, ReturnsNullForInvalidPicture) {
   const std::string png = encoded(pixels(42, 4), "PNG");
   for (const std::string& bytes : {std::string(), std::string("text"), png.substr(0, 20), png.substr(1)})
     EXPECT_EQ(imageWithData(bytes), nullptr);
 }
 
-// 4096 by 4096 pixels of four bytes are 64 MB.
-TEST(ImageWithData, MayTake64MegabytesAndNoMore) {
+// 4096 x 4096 pixels of four bytes take 64 MiB.
+TEST(ImageWithData, IsLimitedTo64Mebibytes) {
   EXPECT_NE(imageWithData(encoded(pixels(4096, 4096), "PNG")), nullptr);
   EXPECT_EQ(imageWithData(encoded(pixels(4096, 4097), "PNG")), nullptr);
   EXPECT_EQ(imageWithData(encoded(pixels(4096, 3000, QImage::Format_RGBA64), "PNG")), nullptr);
 }
 
-TEST(ImageWithData, BombIsToldByItsHead) {
+TEST(ImageWithData, BombIsDetectedByItsHeader) {
   std::string bomb = encoded(pixels(1, 1), "BMP");
-  // Width and height, in the head of a BMP file.
+  // Offsets of width and height in the header of a BMP file.
   for (const std::size_t at : {18u, 22u}) bomb.replace(at, 4, std::string("\x30\x75\0\0", 4));
   EXPECT_EQ(imageWithData(bomb), nullptr);
 }
 
-TEST(ImageWithData, DrawingIsNoPicture) {
+TEST(ImageWithData, SvgIsRefused) {
   EXPECT_EQ(imageWithData("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"42\" height=\"4\"/>"), nullptr);
 }
 
-TEST(ImageFocus, DrawsNothingIntoOrFromAnInvalidImage) {
+TEST(ImageFocus, InvalidSourceOrTargetIsNoOp) {
   Image nowhere({0, 0});
   const Image source({4, 4});
   ImageFocus(nowhere).draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
@@ -169,7 +169,7 @@ TEST(ImageFocus, DrawsNothingIntoOrFromAnInvalidImage) {
   EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1).alpha(), 0);
 }
 
-TEST(ImageFocus, WhatIsDrawnWithHighInterpolationIsThePictureAsItIsNow) {
+TEST(ImageFocus, HighInterpolationDrawsCurrentPixels) {
   Image source({8, 8});
   for (const Qt::GlobalColor colour : {Qt::red, Qt::blue}) {
     source.impl().forms.front().fill(colour);
@@ -181,7 +181,7 @@ TEST(ImageFocus, WhatIsDrawnWithHighInterpolationIsThePictureAsItIsNow) {
   }
 }
 
-TEST(ImageFocus, DrawingIntoAScaledImageChangesNoOtherOfThatSize) {
+TEST(ImageFocus, DrawingIntoScaledImageDoesNotChangeOthers) {
   Image source({8, 8}), first({4, 4}), second({4, 4});
   source.impl().forms.front().fill(Qt::red);
   const auto drawInto = [&](Image& target) {
@@ -196,8 +196,8 @@ TEST(ImageFocus, DrawingIntoAScaledImageChangesNoOtherOfThatSize) {
   EXPECT_EQ(second.impl().forms.front().pixelColor(1, 1), QColor(Qt::red));
 }
 
-// Of a picture with a name, whose scaled pixels are kept.
-TEST(ImageFocus, EachPartOfOnePictureIsDrawnAsWhatItIs) {
+// A named picture, whose scaled pixels are cached.
+TEST(ImageFocus, PartsOfOnePictureAreCachedSeparately) {
   const std::string toTheTop = "../../../../../../../../../../../../../../../../../../../..";
   QImage quarters(8, 8, QImage::Format_RGB32);
   const std::array colours = {Qt::red, Qt::green, Qt::blue, Qt::white};
@@ -216,7 +216,7 @@ TEST(ImageFocus, EachPartOfOnePictureIsDrawnAsWhatItIs) {
   }
 }
 
-TEST(ImageFocus, FractionMixesWithWhatWasThereWithHighInterpolationToo) {
+TEST(ImageFocus, FractionBlendsWithHighInterpolation) {
   Image source({4, 4}), target({4, 4});
   source.impl().forms.front().fill(Qt::white);
   target.impl().forms.front().fill(Qt::black);
@@ -226,7 +226,7 @@ TEST(ImageFocus, FractionMixesWithWhatWasThereWithHighInterpolationToo) {
   EXPECT_NEAR(target.impl().forms.front().pixelColor(1, 1).red(), 128, 2);
 }
 
-TEST(ImageFocus, CountsFromTheLowerLeft) {
+TEST(ImageFocus, OriginIsLowerLeft) {
   Image source({4, 4}), target({4, 4});
   source.impl().forms.front().fill(Qt::red);
   ImageFocus(target).draw(source, {0, 0}, {0, 0, 4, 1}, CompositingOperation::Copy, 1.0);
@@ -235,7 +235,7 @@ TEST(ImageFocus, CountsFromTheLowerLeft) {
   EXPECT_EQ(pixels.pixelColor(0, 0).alpha(), 0);
 }
 
-TEST(ImageFocus, CopyReplacesWhatWasThereAndSourceOverCoversIt) {
+TEST(ImageFocus, CopyReplacesAndSourceOverBlends) {
   Image clear({2, 2}), copied({2, 2}), covered({2, 2});
   for (Image* image : {&copied, &covered}) image->impl().forms.front().fill(Qt::blue);
   ImageFocus(copied).draw(clear, {0, 0}, {0, 0, 2, 2}, CompositingOperation::Copy, 1.0);
@@ -244,7 +244,7 @@ TEST(ImageFocus, CopyReplacesWhatWasThereAndSourceOverCoversIt) {
   EXPECT_EQ(covered.impl().forms.front().pixelColor(0, 0), QColor(Qt::blue));
 }
 
-TEST(ImageFocus, StretchesASourceOnlyWhenItScalesWithItsSize) {
+TEST(ImageFocus, StretchesSourceOnlyIfItScalesWhenResized) {
   for (const bool scales : {false, true}) {
     Image source({2, 2}), target({4, 4});
     source.impl().forms.front().fill(Qt::red);

@@ -32,13 +32,13 @@ QImage pixels() {
   return image;
 }
 
-TEST(PictureData, OfAPngKeepsWhatThePixelsAreMadeFrom) {
+TEST(PictureData, PngKeepsChunksOfPixels) {
   const std::string bare = signature + chunk("IHDR", "head") + chunk("PLTE", "colours") + chunk("tRNS", "a") +
                            chunk("IDAT", "pixels") + chunk("IDAT", "") + chunk("IEND", "");
   EXPECT_EQ(boundedPictureData(bare), bare);
 }
 
-TEST(PictureData, OfAPngLeavesTheRestOut) {
+TEST(PictureData, PngDropsOtherChunks) {
   const std::string head = signature + chunk("IHDR", "head"),
                     end = chunk("IDAT", "pixels") + chunk("IEND", "");
   for (const char* name : {"tEXt", "zTXt", "iTXt", "iCCP", "eXIf", "sPLT", "gAMA", "xxXx"})
@@ -47,32 +47,32 @@ TEST(PictureData, OfAPngLeavesTheRestOut) {
   EXPECT_EQ(boundedPictureData(head + end + "what follows"), head + end);
 }
 
-TEST(PictureData, OfAPngWithAPartLongerThanTheDataIsNone) {
+TEST(PictureData, PngWithChunkBeyondEndIsRefused) {
   const std::string head = signature + chunk("IHDR", "head");
   EXPECT_FALSE(boundedPictureData(head + "\x7f\xff\xff\xfftEXt" + chunk("IEND", "")).has_value());
   EXPECT_FALSE(boundedPictureData(head + std::string("\0\0\0\x05IDATfoursum.", 16)).has_value());
 }
 
-TEST(PictureData, OfAPngWithoutItsEndIsNone) {
+TEST(PictureData, PngWithoutEndChunkIsRefused) {
   const std::string whole = signature + chunk("IHDR", "head") + chunk("IEND", "");
   for (std::size_t size = signature.size(); size < whole.size(); ++size)
     EXPECT_FALSE(boundedPictureData(whole.substr(0, size)).has_value()) << size;
 }
 
-TEST(PictureData, OfAJpegMayHave64PassesAndNoMore) {
+TEST(PictureData, JpegIsLimitedTo64Scans) {
   std::string picture = "\xff\xd8";
   for (int i = 0; i < 64; ++i) picture += "\xff\xda pass";
   EXPECT_EQ(boundedPictureData(picture), picture);
   EXPECT_FALSE(boundedPictureData(picture + "\xff\xda").has_value());
 }
 
-TEST(PictureData, OfAnotherFormatStaysAsItIs) {
+TEST(PictureData, OtherFormatIsUnchanged) {
   const std::string bitmap = "BM" + std::string(100, '\xff') + "\xff\xda";
   for (const std::string& bytes : {std::string(), bitmap, signature.substr(0, 7)})
     EXPECT_EQ(boundedPictureData(bytes), bytes);
 }
 
-TEST(ImageWithData, OfAPngIsItsPixelsWithoutItsTexts) {
+TEST(ImageWithData, PngIsReadWithoutTexts) {
   QImage image = pixels();
   image.setText(QStringLiteral("a"), QString(1000, QLatin1Char('b')));
   const auto picture = imageWithData(encodedPicture(image, "PNG"));
@@ -81,7 +81,7 @@ TEST(ImageWithData, OfAPngIsItsPixelsWithoutItsTexts) {
   EXPECT_TRUE(picture->impl().forms.front().textKeys().isEmpty());
 }
 
-TEST(ImageWithData, OfAPngWithAPaletteAndATransparentColourHasThem) {
+TEST(ImageWithData, PngKeepsPaletteAndTransparency) {
   QImage image(6, 4, QImage::Format_Indexed8);
   image.setColorTable({qRgba(200, 100, 50, 128)});
   image.fill(0);

@@ -3,7 +3,7 @@
 
 #include "platform/bundle.h"
 
-// Prints the path of its own bundle, now and again for each line it is sent.
+// Prints the path of its bundle at the start and again for each line of input.
 int main() {
   std::string line;
   do {

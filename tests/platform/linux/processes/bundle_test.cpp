@@ -22,7 +22,7 @@ class MainBundle : public testing::Test {
     fs::remove_all("/tmp/bundles");
   }
 
-  // Puts the program at this place and starts it; returns what it takes for its bundle.
+  // Copies the probe to `place` and starts it. Returns the bundle path that it prints.
   std::string startedAt(const std::string& place) {
     fs::create_directories(fs::path(place).parent_path());
     fs::copy_file(BUNDLE_PROBE, place);
@@ -41,55 +41,55 @@ class MainBundle : public testing::Test {
   ChildProcess probe_;
 };
 
-TEST_F(MainBundle, IsFoundFromTheExecutable) {
+TEST_F(MainBundle, IsFoundFromExecutable) {
   EXPECT_EQ(startedAt("/tmp/bundles/X.app/Contents/MacOS/X"), "/tmp/bundles/X.app");
 }
 
-TEST_F(MainBundle, BlanksAndForeignLettersInItsPathStay) {
+TEST_F(MainBundle, PathMayContainBlanksAndNonAscii) {
   EXPECT_EQ(startedAt("/tmp/bundles/My X \u00e4\u65e5/Y (2).app/Contents/MacOS/X"),
             "/tmp/bundles/My X \u00e4\u65e5/Y (2).app");
 }
 
-TEST_F(MainBundle, IsTheInnermostOfTwo) {
+TEST_F(MainBundle, IsInnermostOfNestedBundles) {
   EXPECT_EQ(startedAt("/tmp/bundles/X.app/Contents/Resources/Y.app/Contents/MacOS/Y"),
             "/tmp/bundles/X.app/Contents/Resources/Y.app");
 }
 
-TEST_F(MainBundle, LongPathIsNotCut) {
+TEST_F(MainBundle, LongPathIsNotTruncated) {
   const std::string bundle =
       "/tmp/bundles/" + std::string(250, 'a') + "/" + std::string(250, 'b') + "/" + std::string(250, 'c');
   EXPECT_EQ(startedAt(bundle + "/Contents/MacOS/X"), bundle);
 }
 
-TEST_F(MainBundle, LinkOutsideLeadsToIt) {
+TEST_F(MainBundle, IsFoundThroughLinkToExecutable) {
   startedAt("/tmp/bundles/X.app/Contents/MacOS/X");
   fs::create_symlink("/tmp/bundles/X.app/Contents/MacOS/X", "/tmp/bundles/link");
   EXPECT_EQ(startedAs("/tmp/bundles/link"), "/tmp/bundles/X.app");
 }
 
-TEST_F(MainBundle, ProgramElsewhereHasNone) {
+TEST_F(MainBundle, ProgramElsewhereHasNoBundle) {
   EXPECT_EQ(startedAt("/tmp/bundles/X"), "(none)");
 }
 
-TEST_F(MainBundle, OtherFolderForProgramsIsNone) {
+TEST_F(MainBundle, ProgramInOtherFolderOfContentsHasNoBundle) {
   EXPECT_EQ(startedAt("/tmp/bundles/X.app/Contents/Helpers/X"), "(none)");
 }
 
-TEST_F(MainBundle, ProgramFolderOutsideContentsIsNone) {
+TEST_F(MainBundle, ProgramFolderOutsideContentsHasNoBundle) {
   EXPECT_EQ(startedAt("/tmp/bundles/X.app/MacOS/X"), "(none)");
 }
 
-TEST_F(MainBundle, FolderBelowTheProgramFolderIsNone) {
+TEST_F(MainBundle, ProgramBelowProgramFolderHasNoBundle) {
   EXPECT_EQ(startedAt("/tmp/bundles/X.app/Contents/MacOS/deeper/X"), "(none)");
 }
 
-TEST_F(MainBundle, OneThatWasDeletedMeanwhileKeepsItsPath) {
+TEST_F(MainBundle, DeletedBundleKeepsItsPath) {
   startedAt("/tmp/bundles/X.app/Contents/MacOS/X");
   fs::remove_all("/tmp/bundles/X.app");
   EXPECT_EQ(askedAgain(), "/tmp/bundles/X.app");
 }
 
-TEST_F(MainBundle, OneThatWasMovedMeanwhileHasItsNewPath) {
+TEST_F(MainBundle, MovedBundleHasItsNewPath) {
   startedAt("/tmp/bundles/X.app/Contents/MacOS/X");
   fs::rename("/tmp/bundles/X.app", "/tmp/bundles/Y.app");
   EXPECT_EQ(askedAgain(), "/tmp/bundles/Y.app");
@@ -105,7 +105,7 @@ class InfoDictionary : public MainBundle {
   const Bundle bundle_{"/tmp/bundles/X.app"};
 };
 
-TEST_F(InfoDictionary, HoldsWhatTheFileHolds) {
+TEST_F(InfoDictionary, ReturnsContentOfInfoPlist) {
   put("<plist version=\"1.0\"><dict><key>Name</key><string>X</string></dict></plist>");
   const auto information = bundle_.infoDictionary();
   ASSERT_TRUE(information);
@@ -115,28 +115,28 @@ TEST_F(InfoDictionary, HoldsWhatTheFileHolds) {
   EXPECT_EQ(information->find("Other"), nullptr);
 }
 
-TEST_F(InfoDictionary, IsReadAnewEachTime) {
+TEST_F(InfoDictionary, IsReadAgainAtEachCall) {
   put("<plist version=\"1.0\"><dict><key>Name</key><string>X</string></dict></plist>");
   const auto before = bundle_.infoDictionary();
   put("<plist version=\"1.0\"><dict><key>Name</key><string>Y</string></dict></plist>");
   EXPECT_NE(bundle_.infoDictionary(), before);
 }
 
-TEST_F(InfoDictionary, MissingFileIsNone) {
+TEST_F(InfoDictionary, MissingFileReturnsNullopt) {
   EXPECT_EQ(bundle_.infoDictionary(), std::nullopt);
 }
 
-TEST_F(InfoDictionary, DamagedFileIsNone) {
+TEST_F(InfoDictionary, DamagedFileReturnsNullopt) {
   put("<plist version=\"1.0\"><dict><key>Name</key>");
   EXPECT_EQ(bundle_.infoDictionary(), std::nullopt);
 }
 
-TEST_F(InfoDictionary, RootThatIsNoDictionaryIsNone) {
+TEST_F(InfoDictionary, OtherRootThanDictionaryReturnsNullopt) {
   put("<plist version=\"1.0\"><array/></plist>");
   EXPECT_EQ(bundle_.infoDictionary(), std::nullopt);
 }
 
-TEST(BundleResource, StandsInItsFolderWhetherOrNotItExists) {
+TEST(BundleResource, PathIsReturnedWhetherOrNotFileExists) {
   EXPECT_EQ(Bundle("/X.app").pathForResource("mount on.png"), "/X.app/Contents/Resources/mount on.png");
 }
 

@@ -50,7 +50,7 @@ class HelperInstallation : public testing::Test {
     fs::remove_all("/tmp/elsewhere");
   }
 
-  // A program of this name, which tells `text`.
+  // Creates a helper that prints `text`.
   static void putHelper(const std::string& name, const std::string& text) {
     const std::string path = std::string(kBundle) + "/Contents/Helpers/" + name;
     std::ofstream(path, std::ios::trunc) << "#!/bin/sh\necho " + text + "\n";
@@ -70,19 +70,19 @@ class HelperInstallation : public testing::Test {
   std::string program_ = std::string(kBundle) + "/Contents/MacOS/probe";
 };
 
-TEST_F(HelperInstallation, CopiesAllFive) {
+TEST_F(HelperInstallation, CopiesAllFiveHelpers) {
   run("install");
   EXPECT_THAT(namesIn(kInstalled),
               UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript", "TovalinWebView"));
 }
 
-TEST_F(HelperInstallation, CopiesRunWhenTheBundleIsGone) {
+TEST_F(HelperInstallation, CopiesRunWithoutBundle) {
   run("install");
   fs::remove_all(kBundle);
   EXPECT_EQ(toldBy("launchctl"), "launchctl");
 }
 
-TEST_F(HelperInstallation, OtherProgramsOfTheBundleStayThere) {
+TEST_F(HelperInstallation, OtherProgramsAreNotCopied) {
   putHelper("other", "other");
   run("install");
   EXPECT_FALSE(fs::exists(std::string(kInstalled) + "/other"));
@@ -105,7 +105,7 @@ TEST_F(HelperInstallation, OlderCopiesAreReplaced) {
               UnorderedElementsAre("collectlogs", "launchctl", "open", "TovalinWebView"));
 }
 
-TEST_F(HelperInstallation, LinkInThePlaceOfTheCopiesIsReplacedAndItsTargetSpared) {
+TEST_F(HelperInstallation, LinkAtHelperFolderIsReplacedAndItsTargetKept) {
   fs::create_directory("/tmp/elsewhere");
   std::ofstream("/tmp/elsewhere/open") << "spared";
   fs::create_directory("/tmp/run/TovalinTray");
@@ -117,18 +117,18 @@ TEST_F(HelperInstallation, LinkInThePlaceOfTheCopiesIsReplacedAndItsTargetSpared
   EXPECT_THAT(namesIn("/tmp/elsewhere"), UnorderedElementsAre("open"));
 }
 
-TEST_F(HelperInstallation, RemovalTakesAllAway) {
+TEST_F(HelperInstallation, RemovalDeletesFolder) {
   run("install");
   run("remove");
   EXPECT_FALSE(fs::exists(kInstalled));
 }
 
-TEST_F(HelperInstallation, RemovalWithoutAnInstallationDoesNothing) {
+TEST_F(HelperInstallation, RemovalWithoutInstallationIsNoOp) {
   run("remove");
   EXPECT_FALSE(fs::exists(kInstalled));
 }
 
-TEST_F(HelperInstallation, ProgramOutsideABundleLeavesTheCopiesOfAnother) {
+TEST_F(HelperInstallation, ProgramOutsideBundleKeepsExistingCopies) {
   run("install");
   fs::copy_file(PRIVATE_FOLDER_PROBE, "/tmp/elsewhere");
   program_ = "/tmp/elsewhere";
@@ -137,14 +137,14 @@ TEST_F(HelperInstallation, ProgramOutsideABundleLeavesTheCopiesOfAnother) {
               UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript", "TovalinWebView"));
 }
 
-TEST_F(HelperInstallation, RefusedPrivateFolderGetsNothing) {
+TEST_F(HelperInstallation, RefusedPrivateFolderGetsNoHelpers) {
   fs::create_directory("/tmp/elsewhere");
   fs::create_symlink("/tmp/elsewhere", "/tmp/run/TovalinTray");
   run("install");
   EXPECT_THAT(namesIn("/tmp/elsewhere"), IsEmpty());
 }
 
-TEST_F(HelperInstallation, HelperThatDoesNotFitIsLeftOut) {
+TEST_F(HelperInstallation, HelperBeyondDiskSpaceIsLeftOut) {
   if (::mount("none", "/tmp/run", "tmpfs", 0, "mode=700,size=64k") != 0)
     GTEST_SKIP() << "no mounts to be had";
   putHelper("TovalinWebView", "whole\n#" + std::string(100'000, '#'));
@@ -153,14 +153,14 @@ TEST_F(HelperInstallation, HelperThatDoesNotFitIsLeftOut) {
   ::umount2("/tmp/run", MNT_DETACH);
 }
 
-TEST_F(HelperInstallation, BundlesOwnHelpersRunWhereNoCopiesCanBe) {
+TEST_F(HelperInstallation, HelpersOfBundleRunWithoutCopies) {
   fs::create_symlink("/tmp/elsewhere", "/tmp/run/TovalinTray");
   run("install");
   run("collect");
   EXPECT_EQ(contentsOf("/tmp/told"), "collectlogs\n");
 }
 
-TEST_F(HelperInstallation, SaysSoWhereNoProgramRuns) {
+TEST_F(HelperInstallation, NoexecFolderIsReported) {
   const std::string belowTmp = "/tmp/TovalinTray-" + std::to_string(::geteuid());
   fs::create_directory(belowTmp);
   for (const std::string& folder : {std::string("/tmp/run"), belowTmp}) {
@@ -176,18 +176,18 @@ TEST_F(HelperInstallation, SaysSoWhereNoProgramRuns) {
   fs::remove(belowTmp);
 }
 
-// Pages, which the helper of the name "open" opens.
+// Opens pages through the helper "open".
 class PageOpening : public HelperInstallation {
  protected:
   void TearDown() override {
     fs::remove("/tmp/opened");
     HelperInstallation::TearDown();
   }
-  // Has `open` of the bundle note that it was `version` that was asked for a page.
+  // Makes the bundle's helper "open" append `version` and its arguments to /tmp/opened.
   static void putOpener(const std::string& version) { putHelper("open", version + " \"$@\" >>/tmp/opened"); }
 };
 
-TEST_F(PageOpening, IsTheCopysTask) {
+TEST_F(PageOpening, UsesCopy) {
   putOpener("copy");
   run("install");
   putOpener("bundle");
@@ -195,7 +195,7 @@ TEST_F(PageOpening, IsTheCopysTask) {
   EXPECT_EQ(contentsOf("/tmp/opened"), "copy http://a\n");
 }
 
-TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereThePrivateFolderIsRefused) {
+TEST_F(PageOpening, UsesBundleIfPrivateFolderIsRefused) {
   putOpener("bundle");
   fs::create_symlink("/tmp", "/tmp/run/TovalinTray");
   run("install");
@@ -203,13 +203,13 @@ TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereThePrivateFolderIsRefused) {
   EXPECT_EQ(contentsOf("/tmp/opened"), "bundle http://a\n");
 }
 
-TEST_F(PageOpening, IsTheBundlesHelpersTaskWhereTheCopyIsMissing) {
+TEST_F(PageOpening, UsesBundleIfCopyIsMissing) {
   putOpener("bundle");
   run("open");
   EXPECT_EQ(contentsOf("/tmp/opened"), "bundle http://a\n");
 }
 
-TEST_F(PageOpening, IsNotTriedAgainWhenTheCopyFails) {
+TEST_F(PageOpening, FailedCopyIsNotRetried) {
   putHelper("open", "copy >>/tmp/opened; exit 1");
   run("install");
   run("open");

@@ -6,7 +6,7 @@ namespace {
 
 using platform::LogSource;
 
-TEST(LogSources, CommandNamesProgramFolderAndBytes) {
+TEST(LogSources, CommandContainsProgramFolderAndByteLimit) {
   EXPECT_EQ(platform::copyLogsCommand(LogSource::ProgramLogs, "P", "/tmp/N", 7),
             "collectlogs newest 7 /var/log 'P*.log' /tmp/N");
   EXPECT_EQ(platform::copyLogsCommand(LogSource::SystemLog, "P", "/tmp/N", 7),
@@ -19,12 +19,12 @@ TEST(LogSources, CommandNamesProgramFolderAndBytes) {
             "collectlogs whole 7 /var/crash '*P*.crash' /tmp/N");
 }
 
-TEST(LogSources, TextThatLooksLikeAMarkIsKept) {
+TEST(LogSources, PlaceholderInArgumentIsNotExpanded) {
   EXPECT_EQ(platform::copyLogsCommand(LogSource::ProgramLogs, "%p%f", "/tmp/%p", 7),
             "collectlogs newest 7 /var/log '%p%f*.log' /tmp/%p");
 }
 
-TEST(LogSources, ArchiveGoesToTheDesktopFolder) {
+TEST(LogSources, ArchiveGoesToDesktopFolder) {
   EXPECT_EQ(platform::archiveCommand("/tmp/N", "N.zip"),
             "unset ZIPOPT ZIP; desktop=$(xdg-user-dir DESKTOP); "
             "case $desktop in /*) ;; *) desktop=~/Desktop;; esac; "

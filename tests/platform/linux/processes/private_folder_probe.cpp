@@ -4,8 +4,8 @@
 #include "platform/shell.h"
 #include "platform/workspace.h"
 
-// "install" or "remove": does so with the helper programs of its own bundle. "open": opens a page. "collect":
-// has the shell run a helper.
+// private_folder_probe install|remove|open|collect: installs or removes the helpers of its bundle, opens a
+// page, or runs a helper through the shell.
 int main(int argc, char** argv) {
   const std::string_view task = argc > 1 ? argv[1] : "";
   if (task == "install") {

@@ -46,7 +46,7 @@ class PrivateFolder : public testing::Test {
   const std::string belowTmp_ = "/tmp/TovalinTray-" + std::to_string(::geteuid());
 };
 
-TEST_F(PrivateFolder, IsMadeInTheRuntimeFolderForTheUserAlone) {
+TEST_F(PrivateFolder, IsCreatedInRuntimeFolderWithMode0700) {
   ::umask(0);
   EXPECT_EQ(privateFolder(), kBelowRuntime);
   EXPECT_TRUE(fs::is_directory(kBelowRuntime));
@@ -55,54 +55,54 @@ TEST_F(PrivateFolder, IsMadeInTheRuntimeFolderForTheUserAlone) {
   ::umask(022);
 }
 
-TEST_F(PrivateFolder, IsTheSameTheNextTime) {
+TEST_F(PrivateFolder, IsReused) {
   EXPECT_EQ(privateFolder(), kBelowRuntime);
   std::ofstream(std::string(kBelowRuntime) + "/kept") << "text";
   EXPECT_EQ(privateFolder(), kBelowRuntime);
   EXPECT_TRUE(fs::exists(std::string(kBelowRuntime) + "/kept"));
 }
 
-TEST_F(PrivateFolder, WithoutARuntimeFolderItIsBelowTmp) {
+TEST_F(PrivateFolder, WithoutRuntimeFolderIsBelowTmp) {
   ::unsetenv("XDG_RUNTIME_DIR");
   EXPECT_EQ(privateFolder(), belowTmp_);
   EXPECT_EQ(modeOf(belowTmp_), 0700U);
 }
 
-TEST_F(PrivateFolder, RelativeRuntimeFolderIsPassedOver) {
+TEST_F(PrivateFolder, RelativeRuntimeFolderIsSkipped) {
   ::setenv("XDG_RUNTIME_DIR", "run", 1);
   EXPECT_EQ(privateFolder(), belowTmp_);
 }
 
-TEST_F(PrivateFolder, MissingRuntimeFolderIsPassedOver) {
+TEST_F(PrivateFolder, MissingRuntimeFolderIsSkipped) {
   fs::remove(kRuntime);
   EXPECT_EQ(privateFolder(), belowTmp_);
   EXPECT_FALSE(fs::exists(kRuntime));
 }
 
-TEST_F(PrivateFolder, RuntimeFolderThatTheGroupMayWriteIsPassedOver) {
+TEST_F(PrivateFolder, GroupWritableRuntimeFolderIsSkipped) {
   setMode(kRuntime, 0770);
   EXPECT_EQ(privateFolder(), belowTmp_);
 }
 
-TEST_F(PrivateFolder, RuntimeFolderThatAllMayWriteIsPassedOver) {
+TEST_F(PrivateFolder, WorldWritableRuntimeFolderIsSkipped) {
   setMode(kRuntime, 01707);
   EXPECT_EQ(privateFolder(), belowTmp_);
 }
 
-TEST_F(PrivateFolder, RuntimeFolderThatIsAFileIsPassedOver) {
+TEST_F(PrivateFolder, FileAsRuntimeFolderIsSkipped) {
   fs::remove(kRuntime);
   std::ofstream(std::string(kRuntime)) << "a file";
   EXPECT_EQ(privateFolder(), belowTmp_);
 }
 
-TEST_F(PrivateFolder, RuntimeFolderOfAnotherUserIsPassedOver) {
+TEST_F(PrivateFolder, RuntimeFolderOfAnotherUserIsSkipped) {
   if (::chown(kRuntime, test_support::kNobody, test_support::kNobody) != 0)
     GTEST_SKIP() << "this user may not give a folder away";
   EXPECT_EQ(privateFolder(), belowTmp_);
 }
 
-// The ways in which somebody may have prepared the place of our folder, below the runtime folder or below
-// /tmp.
+// Entries that another user may have created at the path of the private folder, below the runtime folder
+// (true) or below /tmp (false).
 class PreparedFolder : public PrivateFolder, public testing::WithParamInterface<bool> {
  protected:
   void SetUp() override {
@@ -118,7 +118,7 @@ class PreparedFolder : public PrivateFolder, public testing::WithParamInterface<
 INSTANTIATE_TEST_SUITE_P(PrivateFolder, PreparedFolder, testing::Values(true, false),
                          [](const auto& test) { return test.param ? "BelowRuntime" : "BelowTmp"; });
 
-TEST_P(PreparedFolder, OursIsTakenAndClosedToOthers) {
+TEST_P(PreparedFolder, OwnFolderIsUsedAndGetsMode0700) {
   fs::create_directory(place_);
   setMode(place_, 0755);
   EXPECT_EQ(privateFolder(), place_);
@@ -134,7 +134,7 @@ TEST_P(PreparedFolder, LinkIsRefused) {
   EXPECT_TRUE(fs::is_empty("/tmp/elsewhere"));
 }
 
-TEST_P(PreparedFolder, LinkToNowhereIsRefused) {
+TEST_P(PreparedFolder, DanglingLinkIsRefused) {
   fs::create_symlink("/tmp/elsewhere", place_);
   EXPECT_EQ(privateFolder(), std::nullopt);
   EXPECT_FALSE(fs::exists("/tmp/elsewhere"));
@@ -145,13 +145,13 @@ TEST_P(PreparedFolder, FileIsRefused) {
   EXPECT_EQ(privateFolder(), std::nullopt);
 }
 
-TEST_P(PreparedFolder, FolderThatTheGroupMayWriteIsRefused) {
+TEST_P(PreparedFolder, GroupWritableFolderIsRefused) {
   fs::create_directory(place_);
   setMode(place_, 0720);
   EXPECT_EQ(privateFolder(), std::nullopt);
 }
 
-TEST_P(PreparedFolder, FolderThatAllMayWriteIsRefused) {
+TEST_P(PreparedFolder, WorldWritableFolderIsRefused) {
   fs::create_directory(place_);
   setMode(place_, 01702);
   EXPECT_EQ(privateFolder(), std::nullopt);
@@ -165,7 +165,7 @@ TEST_P(PreparedFolder, FolderOfAnotherUserIsRefused) {
   EXPECT_EQ(privateFolder(), std::nullopt);
 }
 
-TEST_F(PrivateFolder, FolderThatCannotBeMadeIsNone) {
+TEST_F(PrivateFolder, FailedCreationReturnsNullopt) {
   ::unsetenv("XDG_RUNTIME_DIR");
   setMode("/tmp", 0755);
   const auto finished = test_support::runForked([] {
@@ -189,11 +189,11 @@ TEST_F(PrivateFolder, FoldersBelowTmpDifferBetweenUsers) {
   fs::remove("/tmp/TovalinTray-65534");
 }
 
-TEST_F(PrivateFolder, HelpersHaveTheirOwnFolderInIt) {
+TEST_F(PrivateFolder, HelperFolderIsInPrivateFolder) {
   EXPECT_THAT(helperFolders(), testing::ElementsAre(std::string(kBelowRuntime) + "/helpers"));
 }
 
-// A runtime folder whose file system lets no program run.
+// A runtime folder on a file system mounted with noexec.
 class RuntimeFolderWithoutPrograms : public PrivateFolder {
  protected:
   void SetUp() override {
@@ -206,29 +206,29 @@ class RuntimeFolderWithoutPrograms : public PrivateFolder {
   }
 };
 
-TEST_F(RuntimeFolderWithoutPrograms, StillHasThePrivateFolder) {
+TEST_F(RuntimeFolderWithoutPrograms, StillHasPrivateFolder) {
   EXPECT_EQ(privateFolder(), kBelowRuntime);
 }
 
-TEST_F(RuntimeFolderWithoutPrograms, SendsHelpersBelowTmp) {
+TEST_F(RuntimeFolderWithoutPrograms, HelperFolderIsBelowTmp) {
   EXPECT_THAT(helperFolders(), testing::ElementsAre(belowTmp_ + "/helpers"));
   EXPECT_EQ(modeOf(belowTmp_), 0700U);
 }
 
-TEST_F(RuntimeFolderWithoutPrograms, SendsNoHelpersToALinkBelowTmp) {
+TEST_F(RuntimeFolderWithoutPrograms, LinkBelowTmpIsNoHelperFolder) {
   fs::create_directory("/tmp/elsewhere");
   fs::create_symlink("/tmp/elsewhere", belowTmp_);
   EXPECT_THAT(helperFolders(), testing::IsEmpty());
 }
 
-TEST_F(RuntimeFolderWithoutPrograms, LeavesNoPlaceForHelpersWhereTheOneBelowTmpLetsNoneRunEither) {
+TEST_F(RuntimeFolderWithoutPrograms, NoexecFolderBelowTmpIsNoHelperFolder) {
   fs::create_directory(belowTmp_);
   ASSERT_EQ(::mount("none", belowTmp_.c_str(), "tmpfs", MS_NOEXEC, "mode=700"), 0);
   EXPECT_THAT(helperFolders(), testing::IsEmpty());
   ::umount2(belowTmp_.c_str(), MNT_DETACH);
 }
 
-// $XDG_RUNTIME_DIR as the toolkit finds it while it starts.
+// Tests the value of XDG_RUNTIME_DIR while Qt starts.
 class ToolkitsRuntimeFolderTest : public PrivateFolder {
  protected:
   static std::string named() {
@@ -237,12 +237,12 @@ class ToolkitsRuntimeFolderTest : public PrivateFolder {
   }
 };
 
-TEST_F(ToolkitsRuntimeFolderTest, UsableOneStays) {
+TEST_F(ToolkitsRuntimeFolderTest, UsableFolderIsKept) {
   const platform::ToolkitsRuntimeFolder folder;
   EXPECT_EQ(named(), kRuntime);
 }
 
-TEST_F(ToolkitsRuntimeFolderTest, UnsetOneIsPrivateFolderUntilTheEnd) {
+TEST_F(ToolkitsRuntimeFolderTest, UnsetFolderIsPrivateFolderForLifetime) {
   ::unsetenv("XDG_RUNTIME_DIR");
   {
     const platform::ToolkitsRuntimeFolder folder;
@@ -251,7 +251,7 @@ TEST_F(ToolkitsRuntimeFolderTest, UnsetOneIsPrivateFolderUntilTheEnd) {
   EXPECT_EQ(named(), "(unset)");
 }
 
-TEST_F(ToolkitsRuntimeFolderTest, LinkToAFolderIsReplaced) {
+TEST_F(ToolkitsRuntimeFolderTest, LinkToFolderIsReplaced) {
   fs::create_symlink(kRuntime, "/tmp/link");
   ::setenv("XDG_RUNTIME_DIR", "/tmp/link", 1);
   const platform::ToolkitsRuntimeFolder folder;
@@ -259,7 +259,7 @@ TEST_F(ToolkitsRuntimeFolderTest, LinkToAFolderIsReplaced) {
   fs::remove("/tmp/link");
 }
 
-TEST_F(ToolkitsRuntimeFolderTest, UnusableOneIsReplacedUntilTheEnd) {
+TEST_F(ToolkitsRuntimeFolderTest, UnusableFolderIsReplacedForLifetime) {
   const auto isReplacedBy = [](const std::string& other) {
     const std::string users = named();
     {

@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file of facts about the system, and the value of VERSION in it.
+// The text of an os-release file and the value of VERSION in it.
 struct Facts {
   const char* name;
   std::string_view text;
@@ -28,7 +28,7 @@ void PrintTo(const Facts& facts, std::ostream* stream) {
 
 class OsRelease : public testing::TestWithParam<Facts> {};
 
-TEST_P(OsRelease, ValueOfTheKey) {
+TEST_P(OsRelease, ReturnsValueOfKey) {
   std::istringstream file{std::string(GetParam().text)};
   EXPECT_EQ(platform::osReleaseValue(file, "VERSION"), GetParam().version);
 }
@@ -51,8 +51,8 @@ INSTANTIATE_TEST_SUITE_P(
         Facts{"NoText", "", std::nullopt}),
     [](const auto& test) { return test.param.name; });
 
-// What is told of a system with these two files of facts, nothing for a missing one, in a process that has
-// them at their places to itself.
+// The texts of /etc/os-release and /usr/lib/os-release (nullopt: missing). versionOf() bind-mounts them in a
+// mount namespace of a child process.
 struct SystemFiles {
   std::optional<std::string> etc;
   std::optional<std::string> usrLib;
@@ -77,19 +77,19 @@ std::string versionOf(const SystemFiles& files) {
       .output;
 }
 
-TEST(OperatingSystemVersion, IsTheWordVersionAndTheRelease) {
+TEST(OperatingSystemVersion, IsVersionAndValueOfOsRelease) {
   EXPECT_EQ(versionOf({.etc = "VERSION=\"12 (bookworm)\"\n", .usrLib = {}}), "Version 12 (bookworm)");
 }
 
-TEST(OperatingSystemVersion, FileOfTheAdministratorComesFirst) {
+TEST(OperatingSystemVersion, EtcPrecedesUsrLib) {
   EXPECT_EQ(versionOf({.etc = "VERSION=1\n", .usrLib = "VERSION=2\n"}), "Version 1");
 }
 
-TEST(OperatingSystemVersion, FileOfTheVendorStandsIn) {
+TEST(OperatingSystemVersion, UsrLibIsFallback) {
   EXPECT_EQ(versionOf({.etc = {}, .usrLib = "VERSION=2\n"}), "Version 2");
 }
 
-TEST(OperatingSystemVersion, SystemThatDoesNotTellHasNone) {
+TEST(OperatingSystemVersion, IsEmptyWithoutVersion) {
   EXPECT_EQ(versionOf({.etc = "NAME=x\n", .usrLib = "VERSION_ID=12\n"}), "");
   EXPECT_EQ(versionOf({.etc = {}, .usrLib = {}}), "");
 }

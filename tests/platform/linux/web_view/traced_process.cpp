@@ -22,7 +22,7 @@ long request(int what, pid_t process, long data) {
   return ::ptrace(static_cast<__ptrace_request>(what), process, 0, data);
 }
 
-// The call that the process is about to make; nullopt where it has stopped for another reason.
+// Returns the system call at whose entry the process has stopped, or nullopt for another stop.
 std::optional<__ptrace_syscall_info> callAt(pid_t process, int status) {
   __ptrace_syscall_info call{};
   if (WSTOPSIG(status) != kSystemCall ||
@@ -32,7 +32,7 @@ std::optional<__ptrace_syscall_info> callAt(pid_t process, int status) {
   return call;
 }
 
-// The text of this length and its end in the memory of the process; shorter where that can't be read.
+// Reads `length` + 1 bytes from the memory of the process. Returns fewer if they cannot be read.
 std::string textIn(pid_t process, std::uint64_t address, std::size_t length) {
   std::string text(length + 1, 'x');
   const iovec here{text.data(), text.size()};
@@ -42,7 +42,7 @@ std::string textIn(pid_t process, std::uint64_t address, std::size_t length) {
   return text;
 }
 
-// The signal that stopped the process and is still to reach it; 0 where it was something else.
+// Returns the signal to deliver when the process continues, or 0 for a stop caused by tracing.
 int pendingSignal(int status) {
   const bool isOurs = WSTOPSIG(status) == kSystemCall || status >> 16 != 0;
   return isOurs ? 0 : WSTOPSIG(status);

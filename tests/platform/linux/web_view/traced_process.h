@@ -7,7 +7,7 @@
 
 struct __ptrace_syscall_info;
 
-// Holds one of this process's children still at a point of its life. Use it on one thread.
+// Stops a child process at a system call with ptrace(). Use on one thread only.
 class TracedProcess {
  public:
   explicit TracedProcess(pid_t process);
@@ -15,10 +15,10 @@ class TracedProcess {
   TracedProcess(const TracedProcess&) = delete;
   TracedProcess& operator=(const TracedProcess&) = delete;
 
-  // Lets the process run until its first thread is about to stop reading from one of its sockets, and holds
-  // it there. False when it doesn't come to that.
+  // Continues the process until its first thread enters shutdown(SHUT_RD) and stops it there. Returns false
+  // if it ends or after the timeout.
   [[nodiscard]] bool runToEndOfReading();
-  // The same for an open of the file of this name in a folder that is open already (openat).
+  // Like runToEndOfReading(), for openat() of a file `name`.
   [[nodiscard]] bool runToOpenOf(const std::string& name);
   void letGo();
 

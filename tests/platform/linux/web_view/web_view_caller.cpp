@@ -1,4 +1,4 @@
-// web_view_caller HELPER ADDRESS: has the helper load a page and is killed at once.
+// web_view_caller HELPER ADDRESS: makes HELPER load ADDRESS, then kills itself with SIGKILL.
 #include <signal.h>
 
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-// The line to the helper program, with small programs in its place.
+// Tests the socket to the helper with small programs in place of the helper.
 #include "platform/linux/web_view/web_view_process.h"
 
 #include <gmock/gmock.h>
@@ -54,7 +54,7 @@ class WebViewProcessTest : public testing::Test {
     static_cast<void>(test_support::waitUntil([&] { return linesOf(told_).size() >= count; }));
     return linesOf(told_);
   }
-  // Ends the program that was started last, unnoticed by the object so far.
+  // Kills the program that was started last; process_ has not noticed yet when this returns.
   void killProgram() const {
     ASSERT_FALSE(linesOf(pids_).empty());
     const std::string pid = linesOf(pids_).back();
@@ -69,20 +69,20 @@ class WebViewProcessTest : public testing::Test {
   std::unique_ptr<WebViewProcess> process_ = std::make_unique<WebViewProcess>();
 };
 
-TEST_F(WebViewProcessTest, OneProgramIsToldAllAddresses) {
+TEST_F(WebViewProcessTest, SendsAllAddressesToOneProgram) {
   send("http://a");
   send("http://b");
   EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://b"));
   EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 
-TEST_F(WebViewProcessTest, NothingIsStartedBeforeTheFirstAddress) {
+TEST_F(WebViewProcessTest, StartsNothingBeforeFirstAddress) {
   EXPECT_FALSE(fs::exists(pids_));
   send("http://a");
   EXPECT_THAT(toldAfter(1), ElementsAre("http://a"));
 }
 
-TEST_F(WebViewProcessTest, ProgramThatDiedBetweenTwoAddressesIsStartedAgainForTheSecond) {
+TEST_F(WebViewProcessTest, KilledProgramIsRestartedForNextAddress) {
   send("http://a");
   ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
   killProgram();
@@ -91,7 +91,7 @@ TEST_F(WebViewProcessTest, ProgramThatDiedBetweenTwoAddressesIsStartedAgainForTh
   EXPECT_THAT(linesOf(pids_), SizeIs(2));
 }
 
-TEST_F(WebViewProcessTest, ProgramThatDiedIsReapedWithoutAnotherAddress) {
+TEST_F(WebViewProcessTest, KilledProgramIsReapedWithoutAnotherAddress) {
   send("http://a");
   ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
   killProgram();
@@ -101,14 +101,14 @@ TEST_F(WebViewProcessTest, ProgramThatDiedIsReapedWithoutAnotherAddress) {
   EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://b"));
 }
 
-TEST_F(WebViewProcessTest, ProgramFindsItsInputAtItsEndWhenTheObjectGoes) {
+TEST_F(WebViewProcessTest, DestructorClosesInputOfProgram) {
   helper_test::writeProgram(program_, "cat >'" + told_ + "'; echo end >>'" + told_ + "'");
   send("http://a");
   process_.reset();
   EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "end"));
 }
 
-TEST_F(WebViewProcessTest, MissingProgramDoesNoHarm) {
+TEST_F(WebViewProcessTest, MissingProgramIsIgnored) {
   fs::remove(program_);
   send("http://a");
   EXPECT_TRUE(serveEventsUntil([] { return !web_view_test::hasZombie(); }));
@@ -117,14 +117,14 @@ TEST_F(WebViewProcessTest, MissingProgramDoesNoHarm) {
   EXPECT_THAT(toldAfter(1), ElementsAre("http://b"));
 }
 
-TEST_F(WebViewProcessTest, ProgramThatCannotBeRunDoesNoHarm) {
+TEST_F(WebViewProcessTest, ProgramWithoutExecutePermissionIsIgnored) {
   helper_test::writeFile(program_, "");
   fs::permissions(program_, fs::perms::owner_read);
   send("http://a");
   EXPECT_TRUE(serveEventsUntil([] { return !web_view_test::hasZombie(); }));
 }
 
-TEST_F(WebViewProcessTest, ProgramThatReadsNothingHoldsUpNobody) {
+TEST_F(WebViewProcessTest, ProgramThatReadsNothingDoesNotBlock) {
   helper_test::writeProgram(program_, "exec sleep 1000");
   const std::string address = "http://a/" + std::string(1000, 'a');
   const auto begin = Clock::now();
@@ -135,7 +135,7 @@ TEST_F(WebViewProcessTest, ProgramThatReadsNothingHoldsUpNobody) {
   EXPECT_EQ(::kill(running().front(), SIGKILL), 0);
 }
 
-TEST_F(WebViewProcessTest, ProgramThatIsStuckGivesWayToANewOneWithAllItHasStarted) {
+TEST_F(WebViewProcessTest, HangingProgramIsReplacedAndKilledWithItsChildren) {
   process_ = std::make_unique<WebViewProcess>(100ms);
   helper_test::writeProgram(program_, "sleep 1000 & exec sleep 1000");
   send("http://a");
@@ -145,13 +145,13 @@ TEST_F(WebViewProcessTest, ProgramThatIsStuckGivesWayToANewOneWithAllItHasStarte
     process_->send(program_ + " new", "http://b");
     return fs::exists(told_);
   }));
-  // Told more than once, because the new program took its time.
+  // The address may be sent more than once while the new program starts.
   EXPECT_THAT(toldAfter(1), testing::AllOf(SizeIs(testing::Ge(1U)), testing::Each("http://b")));
   EXPECT_TRUE(test_support::waitUntil([] { return web_view_test::processesNamed("sleep").empty(); }));
 }
 
-// The patience with the new program begins with the first address that it is handed.
-TEST_F(WebViewProcessTest, ProgramStartedForAStuckOneGetsTheWholePatience) {
+// The timeout of the new program starts with its first address.
+TEST_F(WebViewProcessTest, ReplacementOfHangingProgramGetsWholeTimeout) {
   constexpr auto patience = 3s;
   process_ = std::make_unique<WebViewProcess>(patience);
   const std::string gate = folder_ + "/gate";
@@ -171,7 +171,7 @@ TEST_F(WebViewProcessTest, ProgramStartedForAStuckOneGetsTheWholePatience) {
   EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 
-TEST_F(WebViewProcessTest, ProgramThatReadsIsNotTakenForStuck) {
+TEST_F(WebViewProcessTest, ReadingProgramIsNotReplaced) {
   process_ = std::make_unique<WebViewProcess>(0ms);
   for (std::size_t i = 1; i <= 3; ++i) {
     send("http://a");
@@ -180,7 +180,7 @@ TEST_F(WebViewProcessTest, ProgramThatReadsIsNotTakenForStuck) {
   EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 
-TEST_F(WebViewProcessTest, AddressThatIsNoLineOrTooLongIsNotSent) {
+TEST_F(WebViewProcessTest, MultiLineOrOverlongAddressIsNotSent) {
   send("http://a\nhttp://b");
   send("http://" + std::string(70000, 'a'));
   EXPECT_FALSE(fs::exists(pids_));
@@ -189,7 +189,7 @@ TEST_F(WebViewProcessTest, AddressThatIsNoLineOrTooLongIsNotSent) {
   EXPECT_THAT(toldAfter(1), ElementsAre(longest));
 }
 
-TEST_F(WebViewProcessTest, ProgramIsFreeOfItsStarter) {
+TEST_F(WebViewProcessTest, ProgramInheritsNoSignalStateOrDescriptors) {
   ::setenv("REPORT", (folder_ + "/report").c_str(), 1);
   process_->send(helper_test::testProgram("reporting_program"), "http://a");
   const auto report = helper_test::awaitReport(folder_ + "/report");
@@ -202,10 +202,10 @@ TEST_F(WebViewProcessTest, ProgramIsFreeOfItsStarter) {
   EXPECT_THAT(helper_test::fieldsAfter(report, "fd2=/dev/null"), SizeIs(1));
 }
 
-// Where the system has no handles of processes, or keeps them from us.
+// Simulates a system where pidfd_open() fails with ENOSYS or EPERM.
 class WebViewProcessUnwatched : public WebViewProcessTest, public testing::WithParamInterface<int> {
  protected:
-  // Nobody reaps the last program before the next address.
+  // Reaps the last program, which is otherwise reaped at the next address.
   void TearDown() override {
     ASSERT_FALSE(linesOf(pids_).empty());
     process_.reset();
@@ -218,7 +218,7 @@ class WebViewProcessUnwatched : public WebViewProcessTest, public testing::WithP
   }
 };
 
-TEST_P(WebViewProcessUnwatched, ProgramThatDiedIsReapedAtTheNextAddress) {
+TEST_P(WebViewProcessUnwatched, KilledProgramIsReapedAtNextAddress) {
   withoutHandles([this] {
     send("http://a");
     ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
@@ -231,7 +231,7 @@ TEST_P(WebViewProcessUnwatched, ProgramThatDiedIsReapedAtTheNextAddress) {
   });
 }
 
-TEST_P(WebViewProcessUnwatched, ProgramThatIsStuckGivesWayToANewOne) {
+TEST_P(WebViewProcessUnwatched, HangingProgramIsReplaced) {
   process_ = std::make_unique<WebViewProcess>(100ms);
   withoutHandles([this] {
     helper_test::writeProgram(program_ + " stuck", "exec sleep 1000");
@@ -248,7 +248,7 @@ TEST_P(WebViewProcessUnwatched, ProgramThatIsStuckGivesWayToANewOne) {
 
 INSTANTIATE_TEST_SUITE_P(Refusals, WebViewProcessUnwatched, testing::Values(ENOSYS, EPERM));
 
-TEST_F(WebViewProcessTest, AddressThatTheSystemCannotHoldIsDroppedAndTheProgramKept) {
+TEST_F(WebViewProcessTest, AddressRefusedWithEmsgsizeIsDropped) {
   send("http://a");
   ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
   ASSERT_TRUE(withRefusedCall(SYS_sendto, EMSGSIZE, [this] { send("http://b"); }));

@@ -1,4 +1,4 @@
-// The view with its real helper.
+// Tests the view with the real helper.
 #include "platform/web_view.h"
 
 #include <gmock/gmock.h>
@@ -43,44 +43,44 @@ class WebViewTest : public testing::Test {
   std::unique_ptr<platform::WebView> view_ = std::make_unique<platform::WebView>(platform::Rect{0, 0, 1, 1});
 };
 
-TEST_F(WebViewTest, ScriptOfThePageReportsBack) {
+TEST_F(WebViewTest, RunsScriptOfPage) {
   server_.put("/page", "<script>fetch('/script?runs')</script>");
   load("/page?a=b%20c");
   EXPECT_TRUE(server_.waitFor("/script?runs"));
   EXPECT_TRUE(server_.wasAsked("/page?a=b%20c"));
 }
 
-TEST_F(WebViewTest, SecondOfTwoQuickLoadsArrives) {
+TEST_F(WebViewTest, SecondOfTwoQuickLoadsIsRequested) {
   load("/first");
   load("/second");
   EXPECT_TRUE(server_.waitFor("/second"));
   EXPECT_THAT(processesNamed(kHelper), SizeIs(1));
 }
 
-TEST_F(WebViewTest, LoadAfterTheHelperWasKilledArrives) {
+TEST_F(WebViewTest, LoadAfterKilledHelperIsRequested) {
   load("/first");
   ASSERT_TRUE(server_.waitFor("/first"));
   ASSERT_THAT(processesNamed(kHelper), SizeIs(1));
   const pid_t killed = processesNamed(kHelper).front();
   ASSERT_EQ(::kill(killed, SIGKILL), 0);
-  // Its threads end one by one; it is reaped after the last.
+  // The threads end one by one; the process is reaped after the last one.
   ASSERT_TRUE(serveEventsUntil([&] { return !fs::exists("/proc/" + std::to_string(killed)); }));
   load("/second");
   EXPECT_TRUE(server_.waitFor("/second"));
 }
 
-TEST_F(WebViewTest, LoadArrivesWhenItsViewGoesAtOnce) {
+TEST_F(WebViewTest, LoadIsRequestedAfterDestructionOfView) {
   load("/page");
   view_.reset();
   EXPECT_TRUE(server_.waitFor("/page"));
   EXPECT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
 }
 
-TEST_F(WebViewTest, NothingRunsBeforeTheFirstLoad) {
+TEST_F(WebViewTest, StartsNothingBeforeFirstLoad) {
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-TEST_F(WebViewTest, MissingHelperDoesNoHarm) {
+TEST_F(WebViewTest, MissingHelperIsIgnored) {
   const std::string helpers = platform::Bundle::mainBundle()->bundlePath() + "/Contents/Helpers";
   const std::string nothing = helper_test::newFolder();
   ASSERT_EQ(::mount(nothing.c_str(), helpers.c_str(), nullptr, MS_BIND, nullptr), 0);
@@ -91,8 +91,7 @@ TEST_F(WebViewTest, MissingHelperDoesNoHarm) {
   EXPECT_TRUE(server_.waitFor("/page"));
 }
 
-// A helper that has nothing to do any more three seconds after its load, which a busy machine needs to catch
-// it.
+// A helper with an idle time of 3 s, long enough for the test to observe its end on a busy machine.
 class WebViewIdleEnd : public WebViewTest {
  protected:
   void SetUp() override {
@@ -113,13 +112,13 @@ class WebViewIdleEnd : public WebViewTest {
   platform::WebViewProcess process_;
 };
 
-TEST_F(WebViewIdleEnd, AddressThatComesAfterItGoesToANewHelper) {
+TEST_F(WebViewIdleEnd, AddressAfterIdleEndStartsNewHelper) {
   ASSERT_TRUE(serveEventsUntil([] { return webProcesses().empty(); }));
   send("/second");
   EXPECT_TRUE(server_.waitFor("/second"));
 }
 
-TEST_F(WebViewIdleEnd, AddressThatComesBeforeTheHelperStopsReadingIsLoaded) {
+TEST_F(WebViewIdleEnd, AddressBeforeHelperStopsReadingIsLoaded) {
   TracedProcess helper(processesNamed(kHelper).front());
   ASSERT_TRUE(helper.runToEndOfReading());
   send("/second");
@@ -127,8 +126,8 @@ TEST_F(WebViewIdleEnd, AddressThatComesBeforeTheHelperStopsReadingIsLoaded) {
   EXPECT_TRUE(server_.waitFor("/second"));
 }
 
-// The caller is gone before the page has come, and its script calls back later still.
-TEST_F(WebViewTest, PageIsLoadedThoughTheCallersProcessWasKilled) {
+// The caller ends before the reply, and the script of the page makes its request later still.
+TEST_F(WebViewTest, PageIsLoadedAfterCallerWasKilled) {
   server_.put("/page", "<script>fetch('/script')</script>");
   server_.holdBack("/page");
   test_support::ChildProcess caller;

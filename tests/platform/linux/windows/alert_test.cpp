@@ -44,7 +44,7 @@ class AlertSheet : public WindowFixture {
     });
   }
 
-  // Of the sheet that is up.
+  // Returns a button of the open sheet, or null.
   [[nodiscard]] QPushButton* sheetButton(const char* title) {
     for (auto* button : sheetsPart<QPushButton>())
       if (button->text() == QLatin1StringView(title)) return button;
@@ -69,7 +69,7 @@ class AlertSheet : public WindowFixture {
   Codes codes_;
 };
 
-TEST_F(AlertSheet, TellsTheButtonThatWasClicked) {
+TEST_F(AlertSheet, ReportsClickedButton) {
   ask({"Continue", "Cancel"});
   ASSERT_TRUE(settle(*layout_.window));
   savePicture("sheet");
@@ -81,14 +81,14 @@ TEST_F(AlertSheet, TellsTheButtonThatWasClicked) {
   EXPECT_EQ(codes_, (Codes{platform::alertFirstButtonReturn, 1001}));
 }
 
-TEST_F(AlertSheet, ReturnPressesTheFirstButton) {
+TEST_F(AlertSheet, ReturnPressesFirstButton) {
   ask({"Continue", "Cancel"});
   press("Return");
   ASSERT_TRUE(ends());
   EXPECT_EQ(codes_, Codes{1000});
 }
 
-TEST_F(AlertSheet, EscapePressesCancelAndWithoutOneClose) {
+TEST_F(AlertSheet, EscapePressesCancelOrElseClose) {
   ask({"Continue", "Cancel"});
   press("Escape");
   ASSERT_TRUE(ends());
@@ -100,7 +100,7 @@ TEST_F(AlertSheet, EscapePressesCancelAndWithoutOneClose) {
   EXPECT_EQ(codes_, (Codes{1001, 1000}));
 }
 
-TEST_F(AlertSheet, EscapeDoesNothingWithoutACancelAndAClose) {
+TEST_F(AlertSheet, EscapeIsIgnoredWithoutCancelAndClose) {
   ask({"Continue", "Stop"});
   press("Escape");
   ASSERT_TRUE(settle(*layout_.window));
@@ -109,7 +109,7 @@ TEST_F(AlertSheet, EscapeDoesNothingWithoutACancelAndAClose) {
   EXPECT_EQ(codes_, Codes{});
 }
 
-TEST_F(AlertSheet, TabGoesRoundItsButtonsAndTheFocusedOneActs) {
+TEST_F(AlertSheet, TabCyclesButtonsAndFocusedButtonActs) {
   ask({"Continue", "Cancel"});
   press("Tab");
   press("Tab");
@@ -124,7 +124,7 @@ TEST_F(AlertSheet, TabGoesRoundItsButtonsAndTheFocusedOneActs) {
   EXPECT_EQ(codes_, (Codes{1001, 1001}));
 }
 
-TEST_F(AlertSheet, WithoutAButtonThereIsAnOk) {
+TEST_F(AlertSheet, WithoutButtonsHasOk) {
   ask({});
   ASSERT_NE(sheetButton("OK"), nullptr);
   press("Return");
@@ -132,7 +132,7 @@ TEST_F(AlertSheet, WithoutAButtonThereIsAnOk) {
   EXPECT_EQ(codes_, Codes{1000});
 }
 
-TEST_F(AlertSheet, ReturnsAtOnceAndEndsOnlyOnTheRunLoop) {
+TEST_F(AlertSheet, ReturnsImmediatelyAndReportsOnRunLoop) {
   ask({"Continue"});
   EXPECT_NE(sheet(), nullptr);
   sheetButton("Continue")->click();
@@ -140,10 +140,10 @@ TEST_F(AlertSheet, ReturnsAtOnceAndEndsOnlyOnTheRunLoop) {
   ASSERT_TRUE(ends());
 }
 
-TEST_F(AlertSheet, BlocksWhatItsWindowHolds) {
+TEST_F(AlertSheet, BlocksControlsOfItsWindow) {
   ask({"Continue", "Cancel"});
   click(widgetOf(*layout_.log));
-  click(widgetOf(*layout_.secondLink), {272, 7});  // where the sheet itself is not
+  click(widgetOf(*layout_.secondLink), {272, 7});  // outside the sheet
   press("Down");
   ASSERT_TRUE(settle(*layout_.window));
   EXPECT_EQ(layout_.clicks, Titles{});
@@ -156,7 +156,7 @@ TEST_F(AlertSheet, BlocksWhatItsWindowHolds) {
   EXPECT_EQ(layout_.clicks, Titles{"Log file"});
 }
 
-TEST_F(AlertSheet, BlocksNoOtherWindow) {
+TEST_F(AlertSheet, DoesNotBlockOtherWindows) {
   SupportLayout other;
   ASSERT_TRUE(show(*other.window));
   ask({"Continue", "Cancel"});
@@ -166,7 +166,7 @@ TEST_F(AlertSheet, BlocksNoOtherWindow) {
   other.window->close();
 }
 
-TEST_F(AlertSheet, GivesTheKeyboardBackToWhoHadIt) {
+TEST_F(AlertSheet, RestoresInputFocus) {
   widgetOf(*layout_.faq).setFocus();
   ask({"Continue", "Cancel"});
   EXPECT_FALSE(widgetOf(*layout_.faq).hasFocus());
@@ -175,7 +175,7 @@ TEST_F(AlertSheet, GivesTheKeyboardBackToWhoHadIt) {
   EXPECT_TRUE(widgetOf(*layout_.faq).hasFocus());
 }
 
-TEST_F(AlertSheet, AssistiveProgramsPressNothingBehindIt) {
+TEST_F(AlertSheet, BlocksAccessibilityActionsBehindIt) {
   const auto pressAll = [this] {
     for (const platform::View* view : {static_cast<const platform::View*>(layout_.update.get()),
                                        static_cast<const platform::View*>(layout_.firstLink.get())}) {
@@ -195,7 +195,7 @@ TEST_F(AlertSheet, AssistiveProgramsPressNothingBehindIt) {
   EXPECT_EQ(openedAddresses().size(), 1U);
 }
 
-TEST_F(AlertSheet, AfterItTabGoesOnFromWhereItWas) {
+TEST_F(AlertSheet, TabContinuesFromRestoredFocus) {
   widgetOf(*layout_.log).setFocus();
   ask({"Continue", "Cancel"});
   press("Escape");
@@ -204,7 +204,7 @@ TEST_F(AlertSheet, AfterItTabGoesOnFromWhereItWas) {
   EXPECT_TRUE(serveEventsUntil([&] { return widgetOf(*layout_.firstLink).hasFocus(); }));
 }
 
-TEST_F(AlertSheet, TheNextOneCanBeginInsideTheEndOfTheFirst) {
+TEST_F(AlertSheet, DidEndMayBeginNextSheet) {
   ask({"Continue", "Cancel"}, [this] { ask({"Close", "Contact us"}); });
   press("Return");
   ASSERT_TRUE(serveEventsUntil([&] { return sheetButton("Contact us") != nullptr; }));
@@ -213,7 +213,7 @@ TEST_F(AlertSheet, TheNextOneCanBeginInsideTheEndOfTheFirst) {
   EXPECT_EQ(codes_, (Codes{1000, 1001}));
 }
 
-TEST_F(AlertSheet, OneThatBeginsWhileAnotherIsUpWaitsItsTurn) {
+TEST_F(AlertSheet, SecondSheetWaitsForFirst) {
   ask({"First"});
   ask({"Close", "Second"});
   EXPECT_EQ(sheetButton("Second"), nullptr);
@@ -224,8 +224,8 @@ TEST_F(AlertSheet, OneThatBeginsWhileAnotherIsUpWaitsItsTurn) {
   ASSERT_TRUE(ends(2));
 }
 
-// With the run loop at work in didEnd, nobody would paint what the sheet has covered.
-TEST_F(AlertSheet, HasGoneFromTheDisplayWhenItsEndIsTold) {
+// didEnd may block the run loop, so the covered area must be painted before.
+TEST_F(AlertSheet, IsErasedFromDisplayBeforeDidEnd) {
   const QPoint beneath(210, 20);
   const QWidget& content = widgetOf(*layout_.window);
   const QColor grey(0xe6, 0xe6, 0xe6);
@@ -238,7 +238,7 @@ TEST_F(AlertSheet, HasGoneFromTheDisplayWhenItsEndIsTold) {
   EXPECT_EQ(atTheEnd, grey);
 }
 
-TEST_F(AlertSheet, ItsWindowsCloseRequestIsRefusedWhileItIsUp) {
+TEST_F(AlertSheet, CloseRequestOfItsWindowIsRefused) {
   ask({"Continue", "Cancel"});
   const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
   ASSERT_TRUE(window);
@@ -251,7 +251,7 @@ TEST_F(AlertSheet, ItsWindowsCloseRequestIsRefusedWhileItIsUp) {
   EXPECT_TRUE(serveEventsUntil([&] { return !layout_.window->isVisible(); }));
 }
 
-TEST_F(AlertSheet, EndsUntoldWithItsWindow) {
+TEST_F(AlertSheet, ClosedWindowEndsSheetWithoutDidEnd) {
   ask({"Continue"});
   ask({"Waiting"});
   layout_.window->close();
@@ -261,7 +261,7 @@ TEST_F(AlertSheet, EndsUntoldWithItsWindow) {
   EXPECT_EQ(codes_, Codes{});
 }
 
-TEST_F(AlertSheet, AnAnswerIsNotToldOnceTheWindowIsClosed) {
+TEST_F(AlertSheet, PendingAnswerIsDiscardedIfWindowCloses) {
   ask({"Continue"});
   sheetButton("Continue")->click();
   layout_.window->close();
@@ -270,7 +270,7 @@ TEST_F(AlertSheet, AnAnswerIsNotToldOnceTheWindowIsClosed) {
   EXPECT_EQ(sheet(), nullptr);
 }
 
-TEST_F(AlertSheet, CloseRequestBetweenAnswerAndItsTellingIsRefused) {
+TEST_F(AlertSheet, CloseRequestBetweenAnswerAndDidEndIsRefused) {
   ask({"Continue"});
   sheetButton("Continue")->click();
   EXPECT_FALSE(widgetOf(*layout_.window).close());
@@ -279,7 +279,7 @@ TEST_F(AlertSheet, CloseRequestBetweenAnswerAndItsTellingIsRefused) {
   EXPECT_TRUE(widgetOf(*layout_.window).close());
 }
 
-TEST_F(AlertSheet, TakesInputInsideItsWindowsModalRun) {
+TEST_F(AlertSheet, AcceptsInputInModalRunOfItsWindow) {
   Application& application = Application::sharedApplication();
   application.performOnMainThread([this, &application] {
     ask({"Continue", "Cancel"}, [&application] { application.stopModal(); });
@@ -289,7 +289,7 @@ TEST_F(AlertSheet, TakesInputInsideItsWindowsModalRun) {
   EXPECT_EQ(codes_, Codes{1001});
 }
 
-TEST_F(AlertSheet, StandsAtTheMiddleOfItsWindowsUpperEdgeWithAllItsTexts) {
+TEST_F(AlertSheet, IsCentredAtUpperEdgeWithCompleteTexts) {
   ask({"Continue", "Cancel"});
   const QRect panel(sheet()->mapTo(&widgetOf(*layout_.window), QPoint(0, 0)), sheet()->size());
   EXPECT_EQ(panel.top(), 0);
@@ -303,7 +303,7 @@ TEST_F(AlertSheet, StandsAtTheMiddleOfItsWindowsUpperEdgeWithAllItsTexts) {
   EXPECT_GT(sheetButton("Continue")->x(), sheetButton("Cancel")->geometry().right());
 }
 
-TEST_F(AlertSheet, IsReadableInTheDark) {
+TEST_F(AlertSheet, IsReadableInDarkAppearance) {
   platform::applyAppearance(true);
   ask({"Continue", "Cancel"});
   ASSERT_TRUE(settle(*layout_.window));
@@ -311,7 +311,7 @@ TEST_F(AlertSheet, IsReadableInTheDark) {
   EXPECT_GT(qGray(sheet()->grab().toImage().pixel(8, 8)), 200);
 }
 
-TEST_F(AlertSheet, AssistiveProgramsAreToldItsMessageAndButtons) {
+TEST_F(AlertSheet, ExposesMessageAndButtonsToAccessibility) {
   ask({"Continue", "Cancel"});
   auto* interface = QAccessible::queryAccessibleInterface(sheet());
   ASSERT_NE(interface, nullptr);

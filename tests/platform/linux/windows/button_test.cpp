@@ -13,12 +13,12 @@ namespace {
 
 using Titles = std::vector<std::string>;
 
-class ButtonInAWindow : public WindowFixture {
+class ButtonInWindow : public WindowFixture {
  protected:
   void SetUp() override { ASSERT_TRUE(show(*layout_.window)); }
   void TearDown() override { layout_.window->close(); }
 
-  // What had acted when a click on the last button, made after all else, had come through.
+  // Clicks the last button and waits for its action. Returns the actions so far.
   [[nodiscard]] Titles clicksInAll() {
     click(widgetOf(*layout_.log));
     EXPECT_TRUE(
@@ -29,12 +29,12 @@ class ButtonInAWindow : public WindowFixture {
   SupportLayout layout_;
 };
 
-TEST_F(ButtonInAWindow, ActsOnceAtAClick) {
+TEST_F(ButtonInWindow, ClickActsOnce) {
   click(widgetOf(*layout_.update));
   EXPECT_EQ(clicksInAll(), (Titles{"Update", "Log file"}));
 }
 
-TEST_F(ButtonInAWindow, ActsAtTheCornersOfItsBezelAndNotInTheRoomAroundIt) {
+TEST_F(ButtonInWindow, ClickActsWithinBezelOnly) {
   const QWidget& button = widgetOf(*layout_.update);
   for (const QPoint outside : {QPoint(60, 2), QPoint(60, 43), QPoint(2, 22), QPoint(118, 22)})
     click(button, outside);
@@ -42,7 +42,7 @@ TEST_F(ButtonInAWindow, ActsAtTheCornersOfItsBezelAndNotInTheRoomAroundIt) {
   EXPECT_EQ(clicksInAll(), (Titles{"Update", "Update", "Log file"}));
 }
 
-TEST_F(ButtonInAWindow, DoesNothingWhileDisabledAndActsAgainAfterwards) {
+TEST_F(ButtonInWindow, ActsOnlyWhileEnabled) {
   layout_.update->setEnabled(false);
   EXPECT_FALSE(layout_.update->isEnabled());
   click(widgetOf(*layout_.update));
@@ -53,7 +53,7 @@ TEST_F(ButtonInAWindow, DoesNothingWhileDisabledAndActsAgainAfterwards) {
   EXPECT_EQ(clicksInAll(), (Titles{"Log file", "Update", "Log file"}));
 }
 
-TEST_F(ButtonInAWindow, TheFocusedOneActsAtReturnAndAtTheSpaceBar) {
+TEST_F(ButtonInWindow, FocusedButtonActsOnReturnAndSpace) {
   widgetOf(*layout_.faq).setFocus();
   press("Return");
   press("KP_Enter");
@@ -61,12 +61,12 @@ TEST_F(ButtonInAWindow, TheFocusedOneActsAtReturnAndAtTheSpaceBar) {
   EXPECT_EQ(clicksInAll(), (Titles{"FAQ", "FAQ", "FAQ", "Log file"}));
 }
 
-TEST_F(ButtonInAWindow, AHeldKeyPressesItOnce) {
+TEST_F(ButtonInWindow, AutoRepeatActsOnce) {
   holdReturnAndPressItAgain(widgetOf(*layout_.faq));
   EXPECT_EQ(clicksInAll(), (Titles{"FAQ", "FAQ", "Log file"}));
 }
 
-TEST_F(ButtonInAWindow, DisabledForAWhileItGetsTheKeyboardBack) {
+TEST_F(ButtonInWindow, RegainsFocusWhenEnabledAgain) {
   QWidget& button = widgetOf(*layout_.log);
   button.setFocus();
   layout_.log->setEnabled(false);
@@ -75,7 +75,7 @@ TEST_F(ButtonInAWindow, DisabledForAWhileItGetsTheKeyboardBack) {
   EXPECT_TRUE(button.hasFocus());
 }
 
-TEST_F(ButtonInAWindow, DisabledForAWhileItDoesNotTakeTheKeyboardFromWhereTheUserHasGone) {
+TEST_F(ButtonInWindow, DoesNotTakeMovedFocusWhenEnabledAgain) {
   widgetOf(*layout_.log).setFocus();
   layout_.log->setEnabled(false);
   widgetOf(*layout_.update).setFocus();
@@ -83,21 +83,21 @@ TEST_F(ButtonInAWindow, DisabledForAWhileItDoesNotTakeTheKeyboardFromWhereTheUse
   EXPECT_TRUE(widgetOf(*layout_.update).hasFocus());
 }
 
-TEST_F(ButtonInAWindow, WithoutTheKeyboardItGetsNoneByBeingDisabledForAWhile) {
+TEST_F(ButtonInWindow, WithoutFocusTakesNoneWhenEnabledAgain) {
   widgetOf(*layout_.faq).setFocus();
   layout_.log->setEnabled(false);
   layout_.log->setEnabled(true);
   EXPECT_TRUE(widgetOf(*layout_.faq).hasFocus());
 }
 
-TEST_F(ButtonInAWindow, ADisabledOneIsLeftOutByTheTabKey) {
+TEST_F(ButtonInWindow, TabSkipsDisabledButton) {
   layout_.faq->setEnabled(false);
   widgetOf(*layout_.update).setFocus();
   press("Tab");
   EXPECT_TRUE(serveEventsUntil([&] { return widgetOf(*layout_.log).hasFocus(); }));
 }
 
-TEST_F(ButtonInAWindow, IsSeenReleasedWhileItsActionTakesItsTime) {
+TEST_F(ButtonInWindow, IsPaintedReleasedDuringAction) {
   QWidget& button = widgetOf(*layout_.update);
   const QPoint besideTheTitle(20, 22);
   button.setFocus();
@@ -112,7 +112,7 @@ TEST_F(ButtonInAWindow, IsSeenReleasedWhileItsActionTakesItsTime) {
   EXPECT_EQ(during, before);
 }
 
-TEST_F(ButtonInAWindow, ItsActionMayReplaceItself) {
+TEST_F(ButtonInWindow, ActionMayReplaceItself) {
   layout_.update->setAction([this] {
     layout_.update->setAction([this] { layout_.clicks.emplace_back("second"); });
     layout_.clicks.emplace_back("first");
@@ -122,7 +122,7 @@ TEST_F(ButtonInAWindow, ItsActionMayReplaceItself) {
   EXPECT_EQ(clicksInAll(), (Titles{"first", "second", "Log file"}));
 }
 
-TEST_F(ButtonInAWindow, ItsActionMayCloseTheWindowThatNobodyElseKeeps) {
+TEST_F(ButtonInWindow, ActionMayCloseAndReleaseItsWindow) {
   auto own = std::make_unique<SupportLayout>();
   ASSERT_TRUE(show(*own->window));
   const std::weak_ptr<platform::Window> window = own->window;
@@ -135,18 +135,18 @@ TEST_F(ButtonInAWindow, ItsActionMayCloseTheWindowThatNobodyElseKeeps) {
   EXPECT_TRUE(serveEventsUntil([&] { return window.expired(); }));
 }
 
-TEST_F(ButtonInAWindow, AnAmpersandInItsTitleIsShown) {
+TEST_F(ButtonInWindow, AmpersandInTitleIsShown) {
   layout_.update->setTitle("Q&A");
   EXPECT_EQ(widgetOf(*layout_.update).property("text").toString().toStdString(), "Q&&A");
 }
 
-TEST_F(ButtonInAWindow, WithoutAnActionDoesNothing) {
+TEST_F(ButtonInWindow, WithoutActionClickIsIgnored) {
   layout_.update->setAction(nullptr);
   click(widgetOf(*layout_.update));
   EXPECT_EQ(clicksInAll(), (Titles{"Log file"}));
 }
 
-// Tells under which palette's identity the style keeps the picture of a button.
+// Records the cache key of the palette with which the style draws a button.
 class BezelPictures : public QProxyStyle {
  public:
   qint64 identityFor(const QColor& colour) {
@@ -167,7 +167,7 @@ class BezelPictures : public QProxyStyle {
   mutable qint64 identity_ = 0;
 };
 
-TEST(PictureOfABezel, IsTheSameAgainAfterButtonsOfAnotherColour) {
+TEST(BezelPicture, IsReusedAfterButtonsOfAnotherColour) {
   BezelPictures pictures;
   const qint64 light = pictures.identityFor(Qt::white), dark = pictures.identityFor(Qt::black);
   EXPECT_NE(light, dark);
@@ -175,7 +175,7 @@ TEST(PictureOfABezel, IsTheSameAgainAfterButtonsOfAnotherColour) {
   EXPECT_EQ(pictures.identityFor(Qt::black), dark);
 }
 
-TEST(PictureOfABezel, IsNotKeptBeyondAFewColours) {
+TEST(BezelPicture, IsCachedForFewColoursOnly) {
   BezelPictures pictures;
   const qint64 first = pictures.identityFor(QColor(1, 0, 0));
   for (int i = 2; i < 20; ++i) pictures.identityFor(QColor(i, 0, 0));

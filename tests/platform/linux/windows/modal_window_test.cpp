@@ -30,7 +30,7 @@ std::string display() {
   return qEnvironmentVariable("DISPLAY").toStdString();
 }
 
-// From any thread: seen on the display, not asked of the program.
+// Queries the display. Thread-safe.
 bool isShown(const std::string& title) {
   return test_support::waitForWindow(display(), windowNamed(title), std::chrono::milliseconds(0)).has_value();
 }
@@ -48,7 +48,7 @@ test_support::WindowPredicate aboveOthers(const std::string& title, bool above) 
   };
 }
 
-// Windows with a close control, closed by the window manager as a user's click there has it.
+// Windows with a close button, closed through the window manager like by a user's click.
 class ModalWindow : public testing::Test {
  protected:
   static std::shared_ptr<Window> open(const char* title) {
@@ -59,7 +59,7 @@ class ModalWindow : public testing::Test {
     return window;
   }
 
-  // Runs the window modally while `user` acts on a thread of its own, and stops the run after that.
+  // Runs the window modally while `user` runs on a thread of its own, then stops the modal run.
   static void runModally(const std::shared_ptr<Window>& window, const std::function<void()>& user) {
     const std::jthread hands([&user] {
       user();
@@ -68,7 +68,7 @@ class ModalWindow : public testing::Test {
     Application::sharedApplication().runModalForWindow(window);
   }
 
-  // Begins a run inside the one under way. Call it from the user's thread.
+  // Starts a modal run inside the current one and waits for it. Call from the thread of `user`.
   static void nestRun(const std::shared_ptr<Window>& window) {
     std::promise<void> begun;
     Application& application = Application::sharedApplication();
@@ -80,7 +80,7 @@ class ModalWindow : public testing::Test {
   static void stopModal() { Application::sharedApplication().stopModal(); }
 };
 
-// Stops the run that lasts longer than anything is waited for.
+// Stops a modal run that exceeds the timeout.
 class Rescue {
  public:
   Rescue() {
@@ -98,8 +98,9 @@ class Rescue {
   bool wasNeeded_ = false;
 };
 
-// The manager passes the requests on in their order, so what came before the one that is granted was refused.
-TEST_F(ModalWindow, BlocksTheCloseRequestsOfOtherWindowsAndTakesItsOwn) {
+// The window manager delivers the requests in order: once a later one is granted, the earlier one was
+// refused.
+TEST_F(ModalWindow, RefusesCloseRequestsOfOtherWindowsOnly) {
   const auto other = open(plain), modal = open(inner);
   runModally(modal, [] {
     requestClose(plain);
@@ -111,8 +112,8 @@ TEST_F(ModalWindow, BlocksTheCloseRequestsOfOtherWindowsAndTakesItsOwn) {
   other->orderOut();
 }
 
-// Before the display has drawn it, and however often it is ordered to the front by then.
-TEST_F(ModalWindow, BlocksOthersFromTheMomentOnInWhichItIsShown) {
+// Blocking must begin before the window is mapped, even if it is ordered to the front repeatedly.
+TEST_F(ModalWindow, BlocksOthersAsSoonAsShown) {
   const auto other = open(plain);
   const auto modal = Window::make({0, 0, 200, 80}, platform::WindowStyle::TitledClosable);
   int closings = 0;
@@ -134,7 +135,7 @@ TEST_F(ModalWindow, BlocksOthersFromTheMomentOnInWhichItIsShown) {
   other->orderOut();
 }
 
-TEST_F(ModalWindow, OfNestedRunsOnlyTheInnermostWindowIsClosed) {
+TEST_F(ModalWindow, OnlyInnermostOfNestedRunsCanBeClosed) {
   const auto other = open(plain), first = open(outer), second = open(inner);
   runModally(first, [&second] {
     nestRun(second);
@@ -149,7 +150,7 @@ TEST_F(ModalWindow, OfNestedRunsOnlyTheInnermostWindowIsClosed) {
   first->orderOut();
 }
 
-TEST_F(ModalWindow, AClosedOneBlocksNobodyThoughItsRunGoesOn) {
+TEST_F(ModalWindow, ClosedWindowDoesNotBlockOthersDuringRun) {
   const auto other = open(plain), modal = open(inner);
   bool ranOn = false;
   runModally(modal, [&ranOn] {
@@ -162,7 +163,7 @@ TEST_F(ModalWindow, AClosedOneBlocksNobodyThoughItsRunGoesOn) {
   EXPECT_TRUE(ranOn);
 }
 
-TEST_F(ModalWindow, AWindowThatWasBlockedClosesAfterTheRun) {
+TEST_F(ModalWindow, BlockedWindowClosesAfterRun) {
   const auto other = open(plain), modal = open(inner);
   runModally(modal, [] {
     requestClose(plain);
@@ -174,7 +175,7 @@ TEST_F(ModalWindow, AWindowThatWasBlockedClosesAfterTheRun) {
   EXPECT_TRUE(serveEventsUntil([&] { return !other->isVisible(); }));
 }
 
-TEST_F(ModalWindow, StandsAboveOtherProgramsWhileItsRunLastsAndNoLonger) {
+TEST_F(ModalWindow, StaysAboveOtherProgramsDuringRunOnly) {
   const auto modal = open(inner);
   runModally(modal, [] { EXPECT_TRUE(test_support::waitForWindow(display(), aboveOthers(inner, true))); });
   EXPECT_TRUE(modal->isVisible());
@@ -182,7 +183,7 @@ TEST_F(ModalWindow, StandsAboveOtherProgramsWhileItsRunLastsAndNoLonger) {
   modal->orderOut();
 }
 
-TEST_F(ModalWindow, OuterWindowStaysAboveOtherProgramsWhenTheInnerRunEnds) {
+TEST_F(ModalWindow, OuterWindowStaysAboveOtherProgramsAfterInnerRun) {
   const auto first = open(outer), second = open(inner);
   runModally(first, [&second] {
     nestRun(second);
@@ -196,7 +197,7 @@ TEST_F(ModalWindow, OuterWindowStaysAboveOtherProgramsWhenTheInnerRunEnds) {
   second->orderOut();
 }
 
-TEST_F(ModalWindow, TwoStopsInOneEventEndTwoRuns) {
+TEST_F(ModalWindow, TwoStopsInOneEventEndTwoNestedRuns) {
   const auto first = open(outer), second = open(inner);
   Application& application = Application::sharedApplication();
   bool innerReturned = false;
@@ -216,8 +217,8 @@ TEST_F(ModalWindow, TwoStopsInOneEventEndTwoRuns) {
   second->orderOut();
 }
 
-// The first run leaves the other two behind; the second begins with the third waiting.
-TEST_F(ModalWindow, WorkLeftByAStoppedRunIsServedAfterItAndInsideTheNextRun) {
+// The first run leaves two calls pending; the second of them is handled inside the run that the first starts.
+TEST_F(ModalWindow, PendingCallsOfStoppedRunAreHandledAfterItAndInNextRun) {
   const auto first = open(outer), second = open(inner);
   Application& application = Application::sharedApplication();
   bool secondReturned = false, servedInside = false;
@@ -239,14 +240,14 @@ TEST_F(ModalWindow, WorkLeftByAStoppedRunIsServedAfterItAndInsideTheNextRun) {
   second->orderOut();
 }
 
-TEST_F(ModalWindow, AWindowThatNobodyKeepsIsGoneOnceItIsClosed) {
+TEST_F(ModalWindow, ClosedWindowWithoutOwnerIsDestroyed) {
   const std::weak_ptr<Window> window = open(plain);
   ASSERT_FALSE(window.expired());
   requestClose(plain);
   EXPECT_TRUE(serveEventsUntil([&] { return window.expired(); }));
 }
 
-TEST_F(ModalWindow, AClosedWindowStaysAway) {
+TEST_F(ModalWindow, ClosedWindowIsNotShownAgain) {
   const auto window = open(plain);
   requestClose(plain);
   ASSERT_TRUE(serveEventsUntil([&] { return window.use_count() == 1; }));

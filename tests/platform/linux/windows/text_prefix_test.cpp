@@ -18,7 +18,7 @@ std::string operator*(const std::string& text, int times) {
   return all;
 }
 
-TEST(TextPrefix, CountsCharactersAsReadersSeeThem) {
+TEST(TextPrefix, CountsGraphemeClusters) {
   struct Row {
     std::string text;
     std::size_t characters;
@@ -32,7 +32,7 @@ TEST(TextPrefix, CountsCharactersAsReadersSeeThem) {
     EXPECT_EQ(textPrefix(row.text, row.characters, 100), row.prefix) << row.text;
 }
 
-TEST(TextPrefix, CutByCodePointsEndsBehindTheLastWholeCharacter) {
+TEST(TextPrefix, CodePointLimitKeepsWholeGraphemeClusters) {
   struct Row {
     std::string text;
     std::size_t codePoints;
@@ -46,12 +46,12 @@ TEST(TextPrefix, CutByCodePointsEndsBehindTheLastWholeCharacter) {
     EXPECT_EQ(textPrefix(row.text, 100, row.codePoints), row.prefix) << row.text << ' ' << row.codePoints;
 }
 
-TEST(TextPrefix, FirstCharacterLongerThanTheBoundIsCut) {
+TEST(TextPrefix, FirstClusterBeyondLimitIsTruncated) {
   EXPECT_EQ(textPrefix("e" + std::string("\u0301") * 450'000, 5, 7), "e" + std::string("\u0301") * 6);
   EXPECT_EQ(textPrefix(family, 5, 3), "\U0001F468\u200D\U0001F469");
 }
 
-TEST(TextPrefix, MalformedBytesBecomeReplacementCharacters) {
+TEST(TextPrefix, InvalidUtf8BecomesReplacementCharacters) {
   EXPECT_EQ(textPrefix("a\xff"
                        "b",
                        5, 100),

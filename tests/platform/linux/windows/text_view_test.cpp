@@ -14,7 +14,7 @@ namespace {
 
 using Addresses = std::vector<std::string>;
 
-class TextViewInAWindow : public WindowFixture {
+class TextViewInWindow : public WindowFixture {
  protected:
   void SetUp() override {
     WindowFixture::SetUp();
@@ -22,13 +22,13 @@ class TextViewInAWindow : public WindowFixture {
   }
   void TearDown() override { layout_.window->close(); }
 
-  // What was opened when all the hands have done so far has come through.
+  // Returns the addresses opened once all input so far is handled.
   [[nodiscard]] Addresses openedInAll() {
     EXPECT_TRUE(settle(*layout_.window));
     return openedAddresses();
   }
 
-  // The columns, in points, in which the view shows blue.
+  // Returns the first and last column, in points, with blue pixels.
   [[nodiscard]] static std::pair<int, int> blueColumns(QWidget& view) {
     const QImage seen = view.grab().toImage();
     std::pair columns(view.width(), -1);
@@ -46,37 +46,37 @@ class TextViewInAWindow : public WindowFixture {
   SupportLayout layout_;
 };
 
-TEST_F(TextViewInAWindow, AClickOnALinkOpensItsAddressAsItStands) {
+TEST_F(TextViewInWindow, ClickOnLinkOpensAddressVerbatim) {
   click(widgetOf(*layout_.secondLink), {20, 7});
   EXPECT_EQ(openedInAll(), (Addresses{"http://two.example/?a=b&c=d"}));
 }
 
-TEST_F(TextViewInAWindow, AClickBesideTheTextOfALinkOpensNothing) {
+TEST_F(TextViewInWindow, ClickNextToLinkOpensNothing) {
   click(widgetOf(*layout_.firstLink), {250, 7});
   click(widgetOf(*layout_.firstLink), {20, 18});
   EXPECT_EQ(openedInAll(), Addresses{});
 }
 
-TEST_F(TextViewInAWindow, AFocusedLinkOpensAtReturnAndAtTheSpaceBar) {
+TEST_F(TextViewInWindow, FocusedLinkOpensOnReturnAndSpace) {
   widgetOf(*layout_.firstLink).setFocus();
   press("Return");
   press("space");
   EXPECT_EQ(openedInAll(), (Addresses{"http://one.example/", "http://one.example/"}));
 }
 
-TEST_F(TextViewInAWindow, AHeldKeyOpensALinkOnce) {
+TEST_F(TextViewInWindow, AutoRepeatOpensLinkOnce) {
   holdReturnAndPressItAgain(widgetOf(*layout_.firstLink));
   EXPECT_EQ(openedInAll(), (Addresses{"http://one.example/", "http://one.example/"}));
 }
 
-TEST_F(TextViewInAWindow, AssistiveProgramsCanPressALink) {
+TEST_F(TextViewInWindow, AccessibilityPressOpensLink) {
   auto* interface = QAccessible::queryAccessibleInterface(&widgetOf(*layout_.firstLink));
   ASSERT_NE(interface, nullptr);
   interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
   EXPECT_EQ(openedAddresses(), (Addresses{"http://one.example/"}));
 }
 
-TEST_F(TextViewInAWindow, TheHandIsShownOverTheTextOfALinkOnly) {
+TEST_F(TextViewInWindow, PointingHandIsShownOverLinkTextOnly) {
   const QWidget& link = widgetOf(*layout_.firstLink);
   point(link, {20, 7});
   EXPECT_TRUE(serveEventsUntil([&] { return link.cursor().shape() == Qt::PointingHandCursor; }));
@@ -84,14 +84,14 @@ TEST_F(TextViewInAWindow, TheHandIsShownOverTheTextOfALinkOnly) {
   EXPECT_TRUE(serveEventsUntil([&] { return link.cursor().shape() == Qt::ArrowCursor; }));
 }
 
-TEST_F(TextViewInAWindow, ALinkIsBlueAndUnderlinedOverItsWholeText) {
+TEST_F(TextViewInWindow, LinkIsBlueAndUnderlined) {
   const auto [first, last] = blueColumns(widgetOf(*layout_.firstLink));
   EXPECT_LE(first, 1);
   EXPECT_GT(last, 60);
   EXPECT_LT(last, 140);
 }
 
-TEST_F(TextViewInAWindow, ATextThatIsTooLongEndsWithinItsFrameInAnEllipsis) {
+TEST_F(TextViewInWindow, OverlongTextEndsWithEllipsis) {
   QWidget& link = widgetOf(*layout_.secondLink);
   const auto before = link.grab().toImage();
   EXPECT_LT(blueColumns(link).second, 280);
@@ -100,7 +100,7 @@ TEST_F(TextViewInAWindow, ATextThatIsTooLongEndsWithinItsFrameInAnEllipsis) {
   EXPECT_NE(link.grab().toImage(), before);
 }
 
-TEST_F(TextViewInAWindow, ATextWithLineBreaksIsTruncatedOnOneLine) {
+TEST_F(TextViewInWindow, TruncatedTextReplacesLineBreaksWithSpaces) {
   layout_.firstLink->setAttributedString("One\ntwo",
                                          {true, platform::blueColor(), "http://x.example/", true});
   const QImage broken = widgetOf(*layout_.firstLink).grab().toImage();
@@ -108,12 +108,12 @@ TEST_F(TextViewInAWindow, ATextWithLineBreaksIsTruncatedOnOneLine) {
   EXPECT_EQ(widgetOf(*layout_.firstLink).grab().toImage(), broken);
 }
 
-TEST_F(TextViewInAWindow, AnAttributedStringHasTheTextSystemsFontWhateverWasSetBefore) {
+TEST_F(TextViewInWindow, AttributedStringUsesHelvetica12) {
   EXPECT_EQ(widgetOf(*layout_.firstLink).font().pixelSize(), 12);
   EXPECT_EQ(widgetOf(*layout_.firstLink).font().family(), QStringLiteral("Helvetica"));
 }
 
-TEST_F(TextViewInAWindow, ATextThatReplacesALinkIsNone) {
+TEST_F(TextViewInWindow, PlainTextReplacesLink) {
   layout_.firstLink->setString("Plain");
   click(widgetOf(*layout_.firstLink), {10, 7});
   press("Return");
@@ -126,7 +126,7 @@ class Description : public WindowFixture {
   SupportLayout layout_{false};
 };
 
-TEST_F(Description, GrowsDownwardsWithItsText) {
+TEST_F(Description, GrowsDownwardsWithText) {
   QWidget& view = widgetOf(*layout_.description);
   EXPECT_EQ(view.geometry().topLeft(), QPoint(5, 55));
   EXPECT_EQ(view.width(), 240);
@@ -136,14 +136,14 @@ TEST_F(Description, GrowsDownwardsWithItsText) {
   EXPECT_EQ(view.geometry().topLeft(), QPoint(5, 55));
 }
 
-TEST_F(Description, KeepsTheBlanksAtTheBeginningsOfItsLines) {
+TEST_F(Description, KeepsLeadingBlanksOfLines) {
   QWidget& view = widgetOf(*layout_.description);
   const QImage with = view.grab().toImage();
   layout_.description->setString("You can easily manage the files in your iDevice without using iTunes.");
   EXPECT_NE(view.grab().toImage().copy(0, 0, 20, 12), with.copy(0, 0, 20, 12));
 }
 
-TEST_F(Description, CanBeSelectedOnlyWhereThatIsSet) {
+TEST_F(Description, IsSelectableOnlyIfSet) {
   ASSERT_TRUE(show(*layout_.window));
   const QWidget& view = widgetOf(*layout_.description);
   for (const bool selectable : {false, true}) {
@@ -158,7 +158,7 @@ TEST_F(Description, CanBeSelectedOnlyWhereThatIsSet) {
   layout_.window->close();
 }
 
-TEST_F(Description, ABackgroundOfItsOwnIsDrawnOnlyWhereThatIsSet) {
+TEST_F(Description, DrawsBackgroundOnlyIfSet) {
   ASSERT_TRUE(show(*layout_.window));
   const QWidget& view = widgetOf(*layout_.description);
   const QPoint atTheSide(238, 2);

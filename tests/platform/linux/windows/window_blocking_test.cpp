@@ -25,7 +25,7 @@ class Link : public platform::ImageView {
   int presses = 0;
 };
 
-// A window with two links, the first of which has the keyboard, and a modal run that keeps input from it.
+// A window with two links, the first focused, and a modal window that blocks it.
 class WindowBlocking : public WindowFixture {
  protected:
   void SetUp() override {
@@ -43,7 +43,7 @@ class WindowBlocking : public WindowFixture {
     blocked_->close();
   }
 
-  // The window manager lets a user turn to any window.
+  // Activates the blocked window through the window manager, which permits it.
   [[nodiscard]] bool turnToBlockedWindow() {
     const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Blocked"));
     test_support::ChildProcess tool;
@@ -53,8 +53,8 @@ class WindowBlocking : public WindowFixture {
            serveEventsUntil([this] { return widgetOf(*blocked_).isActiveWindow(); });
   }
 
-  // Returns once the window manager has dealt with all that it was asked before: it answers a question about
-  // a window that is never shown.
+  // Waits until the window manager has handled all earlier requests: it answers a _NET_REQUEST_FRAME_EXTENTS
+  // message for an unmapped window.
   static void serveWindowManager() {
     QCoreApplication::processEvents();
     const test_support::XConnection x(display());
@@ -73,7 +73,7 @@ class WindowBlocking : public WindowFixture {
     EXPECT_TRUE(serveEventsUntil([&] { return x.property(window, "_NET_FRAME_EXTENTS").has_value(); }));
   }
 
-  // What `user` does while the modal run lasts.
+  // Runs `user` inside a modal run.
   void duringModalRun(const std::function<void()>& user) {
     ASSERT_TRUE(show(*modal_));
     Application::sharedApplication().performOnMainThread([&] {
@@ -89,7 +89,7 @@ class WindowBlocking : public WindowFixture {
   std::shared_ptr<Link> second_ = std::make_shared<Link>(platform::Rect{100, 0, 100, 80});
 };
 
-TEST_F(WindowBlocking, KeyPressesReachNoControlOfABlockedWindow) {
+TEST_F(WindowBlocking, BlockedWindowIgnoresKeys) {
   duringModalRun([this] {
     ASSERT_TRUE(turnToBlockedWindow());
     press("Return");
@@ -105,7 +105,7 @@ TEST_F(WindowBlocking, KeyPressesReachNoControlOfABlockedWindow) {
   EXPECT_TRUE(serveEventsUntil([this] { return first_->presses == 1; }));
 }
 
-TEST_F(WindowBlocking, ActivationLeavesTheKeyboardWithTheModalWindow) {
+TEST_F(WindowBlocking, ActivationKeepsFocusOnModalWindow) {
   std::vector<std::shared_ptr<Window>> others;
   for (int i = 0; i < 8; ++i) {
     others.push_back(Window::make({0, 0, 100, 40}, platform::WindowStyle::TitledClosable));
@@ -120,7 +120,7 @@ TEST_F(WindowBlocking, ActivationLeavesTheKeyboardWithTheModalWindow) {
   for (const auto& other : others) other->close();
 }
 
-TEST_F(WindowBlocking, ClicksReachNoControlOfABlockedWindowAndBringTheModalOneBack) {
+TEST_F(WindowBlocking, BlockedWindowIgnoresClicksAndModalWindowIsRaised) {
   duringModalRun([this] {
     ASSERT_TRUE(turnToBlockedWindow());
     click(widgetOf(*second_), QPoint(90, 70));

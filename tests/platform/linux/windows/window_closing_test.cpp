@@ -37,7 +37,7 @@ class WindowClosing : public WindowFixture {
   bool wasVisible_ = false;
 };
 
-TEST_F(WindowClosing, ByTheCloseControlIsToldOnceAndBeforehand) {
+TEST_F(WindowClosing, CloseButtonCallsWillCloseOnceBeforehand) {
   ASSERT_TRUE(openWindow());
   requestClose();
   ASSERT_TRUE(closes());
@@ -46,7 +46,7 @@ TEST_F(WindowClosing, ByTheCloseControlIsToldOnceAndBeforehand) {
   EXPECT_TRUE(wasVisible_);
 }
 
-TEST_F(WindowClosing, EscapeIsTheCloseControl) {
+TEST_F(WindowClosing, EscapeClosesWindow) {
   ASSERT_TRUE(openWindow());
   widgetOf(*layout_->faq).setFocus();
   press("Escape");
@@ -54,14 +54,14 @@ TEST_F(WindowClosing, EscapeIsTheCloseControl) {
   EXPECT_EQ(closings_, 1);
 }
 
-TEST_F(WindowClosing, ByTheProgramIsToldToo) {
+TEST_F(WindowClosing, CloseCallsWillClose) {
   ASSERT_TRUE(openWindow());
   layout_->window->close();
   EXPECT_FALSE(layout_->window->isVisible());
   EXPECT_EQ(closings_, 1);
 }
 
-TEST_F(WindowClosing, AClosedWindowStaysAwayWhenOrderedToTheFrontOrWhenTheProgramIsActivated) {
+TEST_F(WindowClosing, ClosedWindowIsNotShownByOrderFrontOrActivation) {
   ASSERT_TRUE(openWindow());
   requestClose();
   ASSERT_TRUE(closes());
@@ -70,7 +70,7 @@ TEST_F(WindowClosing, AClosedWindowStaysAwayWhenOrderedToTheFrontOrWhenTheProgra
   EXPECT_FALSE(layout_->window->isVisible());
 }
 
-TEST_F(WindowClosing, AWindowThatIsOrderedOutTellsNothingAndCanComeBack) {
+TEST_F(WindowClosing, OrderOutDoesNotCallWillCloseAndIsReversible) {
   ASSERT_TRUE(openWindow());
   layout_->window->orderOut();
   EXPECT_EQ(closings_, 0);
@@ -79,7 +79,7 @@ TEST_F(WindowClosing, AWindowThatIsOrderedOutTellsNothingAndCanComeBack) {
   layout_->window->close();
 }
 
-TEST_F(WindowClosing, TheHandlerMayStopTheModalRunAndDropTheWindow) {
+TEST_F(WindowClosing, WillCloseMayStopModalRunAndReleaseWindow) {
   ASSERT_TRUE(openWindow());
   std::weak_ptr<Window> window = layout_->window;
   layout_->window->setWillClose([this] {
@@ -91,7 +91,7 @@ TEST_F(WindowClosing, TheHandlerMayStopTheModalRunAndDropTheWindow) {
   EXPECT_TRUE(serveEventsUntil([&] { return window.expired(); }));
 }
 
-TEST_F(WindowClosing, ATitledWindowTakesNeitherEscapeNorTheCloseControl) {
+TEST_F(WindowClosing, TitledWindowIgnoresEscapeAndCloseRequest) {
   auto titled = Window::make({0, 0, 200, 80}, platform::WindowStyle::Titled);
   titled->setTitle("Titled");
   ASSERT_TRUE(show(*titled));
@@ -104,7 +104,7 @@ TEST_F(WindowClosing, ATitledWindowTakesNeitherEscapeNorTheCloseControl) {
   titled->orderOut();
 }
 
-TEST_F(WindowClosing, TwoHundredWindowsWithSheetsLeaveNoWidgetBehind) {
+TEST_F(WindowClosing, TwoHundredWindowsWithSheetsLeakNoWidget) {
   const auto openAndClose = [](bool online) {
     SupportLayout layout(online);
     layout.window->setHidesOnDeactivate(true);

@@ -38,7 +38,7 @@ QWidget& WindowFixture::widgetOf(const platform::Window& window) {
 bool WindowFixture::show(platform::Window& window) {
   window.makeKeyAndOrderFront();
   const QWidget& widget = widgetOf(window);
-  // The toolkit may know of the input focus before the window manager is done with what it was asked.
+  // Qt may report the input focus before the window manager has handled all requests.
   return serveEventsUntil([&] {
     return widget.isActiveWindow() && widget.geometry().top() > widget.frameGeometry().top() &&
            test_support::activeWindowOn(display()) == widget.windowHandle()->winId();
@@ -59,7 +59,7 @@ void WindowFixture::press(const std::string& key) {
   EXPECT_TRUE(test_support::pressKey(display(), key));
 }
 
-// The release of a key that does nothing anywhere comes after all that was done before.
+// Waits for the release of a key without function, which arrives after all earlier input.
 bool WindowFixture::settle(platform::Window& window) {
   class Watch : public QObject {
    public:

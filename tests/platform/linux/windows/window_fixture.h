@@ -12,7 +12,7 @@
 #include "tests/harness/desktop/event_loop.h"
 #include "tests/platform/linux/windows/workspace_double.h"
 
-// Windows on a display of the test's own, and a user's hands on them.
+// Shows windows on the display of the test and simulates a user's input. Main thread only.
 class WindowFixture : public testing::Test {
  protected:
   void SetUp() override { openedAddresses().clear(); }
@@ -21,21 +21,22 @@ class WindowFixture : public testing::Test {
   [[nodiscard]] static QWidget& widgetOf(const platform::View& view);
   [[nodiscard]] static QWidget& widgetOf(const platform::Window& window);
 
-  // Returns once the window has its frame and the keyboard.
+  // Orders the window to the front and waits for its frame and the input focus. Returns false after the
+  // timeout.
   [[nodiscard]] static bool show(platform::Window& window);
-  // Clicks at a place of the widget in points, counted from its upper left; its middle, if none is given.
+  // Clicks at a position of the widget in points from its upper left corner; by default at its centre.
   static void click(const QWidget& widget, QPoint place);
   static void click(const QWidget& widget) { click(widget, widget.rect().center()); }
   static void point(const QWidget& widget, QPoint place);
   static void press(const std::string& key);
-  // Holds Return down on the widget for three repetitions, two of which the toolkit takes for new presses, as
-  // it does when the program was busy; and presses it once more afterwards.
+  // Sends a held Return key with three repetitions, two of which Qt reports as new presses, as it does for a
+  // busy program; then presses Return once more.
   static void holdReturnAndPressItAgain(QWidget& widget);
-  // Returns when the program has dealt with what the hands have done so far.
+  // Waits until the program has handled all input so far. Returns false after the timeout.
   [[nodiscard]] static bool settle(platform::Window& window);
 
-  // The colour on the display at a place of the widget.
+  // Returns the colour on the display at a position of the widget.
   [[nodiscard]] static QColor colorAt(const QWidget& widget, QPoint place);
-  // A picture of the display in the folder that TOVALIN_PICTURES names, if it does.
+  // Saves a screenshot to the folder in TOVALIN_PICTURES, if it is set.
   static void savePicture(const std::string& name);
 };

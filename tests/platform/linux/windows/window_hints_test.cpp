@@ -16,12 +16,12 @@ namespace {
 
 using Numbers = std::vector<std::uint32_t>;
 
-// What the window manager reads of the controls that a window has.
+// Tests _MOTIF_WM_HINTS, from which the window manager chooses the window's controls.
 class WindowHints : public WindowFixture {
  protected:
   void TearDown() override { layout_.window->close(); }
 
-  // Flags, functions, decorations, input mode, status.
+  // Returns flags, functions, decorations, input mode and status.
   [[nodiscard]] static Numbers hintsOf(std::uint32_t window) {
     const test_support::XConnection x(display());
     const auto name = x.atom("_MOTIF_WM_HINTS");
@@ -54,7 +54,7 @@ class WindowHints : public WindowFixture {
   SupportLayout layout_;
 };
 
-TEST_F(WindowHints, EachShowAsksForATitleMovingAndClosingAlone) {
+TEST_F(WindowHints, RequestsTitleMoveAndCloseOnlyAtEachShow) {
   for (int i = 0; i < 4; ++i) {
     ASSERT_TRUE(show(*layout_.window)) << "show " << i;
     EXPECT_EQ(hintsOnDisplay(), wanted_) << "show " << i;

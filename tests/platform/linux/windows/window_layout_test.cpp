@@ -12,7 +12,7 @@
 
 namespace {
 
-// A window with every kind of control, as it is seen on the display.
+// Tests the layout of a window with every kind of control on the display.
 class WindowLayout : public WindowFixture {
  protected:
   [[nodiscard]] static QWidget* labelled(const platform::Window& window, const QString& text) {
@@ -31,7 +31,7 @@ class WindowLayout : public WindowFixture {
     return {widget.mapTo(widget.window(), QPoint(0, 0)), widget.size()};
   }
 
-  // From 0 for black; of the widget's darkest pixel on the display.
+  // Returns the grey value (0: black) of the darkest pixel of the widget.
   [[nodiscard]] static int darkestIn(const QWidget& widget) {
     const QImage seen = widget.window()->grab(place(widget)).toImage();
     int darkest = 255;
@@ -49,7 +49,7 @@ class WindowLayout : public WindowFixture {
   void TearDown() override { platform::applyAppearance(false); }
 };
 
-TEST_F(WindowLayout, ControlsStandWhereTheirFramesSay) {
+TEST_F(WindowLayout, ControlsHaveTheirFrames) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
   EXPECT_EQ(place(widgetOf(*layout.update)), QRect(10, 155, 120, 45));
@@ -68,14 +68,14 @@ TEST_F(WindowLayout, ControlsStandWhereTheirFramesSay) {
   layout.window->close();
 }
 
-TEST_F(WindowLayout, TheDescriptionStandsWhereItsFrameSays) {
+TEST_F(WindowLayout, DescriptionHasItsFrame) {
   const SupportLayout layout(false);
   ASSERT_TRUE(show(*layout.window));
   EXPECT_EQ(place(widgetOf(*layout.description)), QRect(140, 55, 240, 60));
   layout.window->close();
 }
 
-TEST_F(WindowLayout, TextsHaveTheirSizesInPoints) {
+TEST_F(WindowLayout, FontSizesAreInPoints) {
   const SupportLayout layout;
   const auto sizeOf = [&](const char* text) { return labelled(*layout.window, text)->font().pixelSize(); };
   EXPECT_EQ(sizeOf("Tovalin"), 20);
@@ -86,7 +86,7 @@ TEST_F(WindowLayout, TextsHaveTheirSizesInPoints) {
   EXPECT_EQ(widgetOf(*SupportLayout(false).description).font().pixelSize(), 11);
 }
 
-TEST_F(WindowLayout, TheWindowHasItsSizeInPixelsAndStandsInTheMiddle) {
+TEST_F(WindowLayout, WindowHasScaledSizeAndIsCentred) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
   const int scale = static_cast<int>(qGuiApp->devicePixelRatio());
@@ -99,7 +99,7 @@ TEST_F(WindowLayout, TheWindowHasItsSizeInPixelsAndStandsInTheMiddle) {
   layout.window->close();
 }
 
-TEST_F(WindowLayout, NoTextIsCut) {
+TEST_F(WindowLayout, NoTextIsTruncated) {
   for (const bool online : {true, false}) {
     const SupportLayout layout(online);
     ASSERT_TRUE(show(*layout.window));
@@ -122,7 +122,7 @@ TEST_F(WindowLayout, NoTextIsCut) {
   }
 }
 
-TEST_F(WindowLayout, ABackgroundColourMakesTextsReadableInTheDarkToo) {
+TEST_F(WindowLayout, TextIsReadableOnBackgroundColourInDarkAppearance) {
   const SupportLayout layout;
   layout.update->setEnabled(false);
   platform::applyAppearance(true);
@@ -138,7 +138,7 @@ TEST_F(WindowLayout, ABackgroundColourMakesTextsReadableInTheDarkToo) {
   layout.window->close();
 }
 
-TEST_F(WindowLayout, AChangeToTheDarkLeavesItsColoursAlone) {
+TEST_F(WindowLayout, ChangeToDarkAppearanceKeepsColours) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
   const QImage light = widgetOf(*layout.window).grab().toImage();
@@ -149,7 +149,7 @@ TEST_F(WindowLayout, AChangeToTheDarkLeavesItsColoursAlone) {
   layout.window->close();
 }
 
-TEST_F(WindowLayout, AssistiveProgramsAreToldWhatIsThere) {
+TEST_F(WindowLayout, ExposesControlsToAccessibility) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
   EXPECT_EQ(nameOf(&widgetOf(*layout.update), QAccessible::Button), "Update");
@@ -162,7 +162,7 @@ TEST_F(WindowLayout, AssistiveProgramsAreToldWhatIsThere) {
   layout.window->close();
 }
 
-TEST_F(WindowLayout, TabGoesThroughTheControlsInTheOrderOfTheirMaking) {
+TEST_F(WindowLayout, TabFollowsOrderOfCreation) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
   widgetOf(*layout.update).setFocus();
@@ -176,7 +176,7 @@ TEST_F(WindowLayout, TabGoesThroughTheControlsInTheOrderOfTheirMaking) {
   layout.window->close();
 }
 
-TEST_F(WindowLayout, TheKeyboardsPlaceIsSeen) {
+TEST_F(WindowLayout, FocusIsVisible) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
   widgetOf(*layout.faq).setFocus();

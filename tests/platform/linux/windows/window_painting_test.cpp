@@ -14,7 +14,7 @@
 
 namespace {
 
-// What a window shows while the program is busy. Nothing here serves events but `serveEventsUntil`.
+// Tests what a window shows while the program is busy. Only serveEventsUntil() handles events here.
 class WindowPainting : public WindowFixture {
  protected:
   void TearDown() override { layout_.window->close(); }
@@ -22,7 +22,7 @@ class WindowPainting : public WindowFixture {
   [[nodiscard]] static std::optional<test_support::XWindow> onDisplay() {
     return test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
   }
-  // Whether the display shows the widget as it draws itself.
+  // Returns whether the display shows the widget as it would paint itself.
   [[nodiscard]] bool isPainted() {
     const auto window = onDisplay();
     if (!window) return false;
@@ -39,7 +39,7 @@ class WindowPainting : public WindowFixture {
     return true;
   }
 
-  // Fills the window with its background, if it has one.
+  // Clears the window on the server: a background pixmap or pixel would overwrite its content.
   void expectNoBackground() {
     const auto window = onDisplay();
     ASSERT_TRUE(window);
@@ -52,12 +52,12 @@ class WindowPainting : public WindowFixture {
   SupportLayout layout_;
 };
 
-TEST_F(WindowPainting, NewWindowIsPaintedWithoutTheRunLoop) {
+TEST_F(WindowPainting, NewWindowIsPaintedWithoutRunLoop) {
   layout_.window->makeKeyAndOrderFront();
   EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
 }
 
-TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedAsItLooksByThen) {
+TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedWithCurrentContent) {
   ASSERT_TRUE(show(*layout_.window));
   layout_.window->orderOut();
   ASSERT_TRUE(test_support::waitForNoWindow(display(), test_support::windowNamed("Support Tovalin")));
@@ -66,8 +66,8 @@ TEST_F(WindowPainting, WindowOrderedFrontAgainIsPaintedAsItLooksByThen) {
   EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
 }
 
-// The toolkit makes another window on the display after such a change.
-TEST_F(WindowPainting, WindowShownAgainAfterAModalRunIsPainted) {
+// Qt creates a new native window after such a change.
+TEST_F(WindowPainting, WindowShownAgainAfterModalRunIsPainted) {
   ASSERT_TRUE(show(*layout_.window));
   auto& application = platform::Application::sharedApplication();
   application.performOnMainThread([&application] { application.stopModal(); });
@@ -78,7 +78,7 @@ TEST_F(WindowPainting, WindowShownAgainAfterAModalRunIsPainted) {
   EXPECT_TRUE(test_support::waitUntil([&] { return isPainted(); }));
 }
 
-TEST_F(WindowPainting, CoveredWindowOrderedFrontIsPaintedWithoutTheRunLoop) {
+TEST_F(WindowPainting, CoveredWindowOrderedFrontIsPaintedWithoutRunLoop) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
   SupportLayout cover;
@@ -93,7 +93,7 @@ TEST_F(WindowPainting, CoveredWindowOrderedFrontIsPaintedWithoutTheRunLoop) {
   cover.window->close();
 }
 
-TEST_F(WindowPainting, BackgroundOfAWindowThatWasInFrontAlreadyIsTakenBack) {
+TEST_F(WindowPainting, BackgroundOfFrontWindowIsRemoved) {
   ASSERT_TRUE(show(*layout_.window));
   layout_.window->makeKeyAndOrderFront();
   layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
@@ -101,7 +101,7 @@ TEST_F(WindowPainting, BackgroundOfAWindowThatWasInFrontAlreadyIsTakenBack) {
   expectNoBackground();
 }
 
-TEST_F(WindowPainting, BackgroundIsTakenBackOnceTheWindowIsPainted) {
+TEST_F(WindowPainting, BackgroundIsRemovedAfterPainting) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(serveEventsUntil([&] { return isPainted(); }));
   layout_.window->setBackgroundColor(platform::colorFromHsb(0.5, 0.5, 0.5, 1.0));
@@ -109,7 +109,7 @@ TEST_F(WindowPainting, BackgroundIsTakenBackOnceTheWindowIsPainted) {
   expectNoBackground();
 }
 
-TEST(PictureFormat, PixelsOfTheDisplayAndOfTheToolkitAreTheSame) {
+TEST(PictureFormat, MatchesPixelFormatOfDisplay) {
   using platform::pictureFormat;
   EXPECT_EQ(pictureFormat({16, 0xf800, 0x7e0, 0x1f}), QImage::Format_RGB16);
   EXPECT_EQ(pictureFormat({24, 0xff0000, 0xff00, 0xff}), QImage::Format_RGB32);

@@ -3,6 +3,6 @@
 #include <string>
 #include <vector>
 
-// The addresses that the program under test has opened. This workspace stands in for the real one, which
-// would look for a browser.
+// Returns the addresses that the program under test has opened. The fake Workspace records them instead of
+// starting a browser.
 [[nodiscard]] std::vector<std::string>& openedAddresses();
