@@ -17,7 +17,7 @@ using tools_test::writeInto;
 
 class MainAppEnd : public tools_test::MainAppTest {};
 
-TEST_F(MainAppEnd, UntilWaitsForItsOwnMessage) {
+TEST_F(MainAppEnd, UntilWaitsForGivenMessage) {
   startReading({"--until", "-toff"});
   ASSERT_TRUE(writeInto(kCommandPipe, "-ton"));
   EXPECT_EQ(nextLine(), "\"-ton\"");
@@ -27,7 +27,7 @@ TEST_F(MainAppEnd, UntilWaitsForItsOwnMessage) {
   EXPECT_EQ(app_.wait(), ExitStatus{.code = 0});
 }
 
-TEST_F(MainAppEnd, UntilStillShowsWhatWasReadWithItsMessage) {
+TEST_F(MainAppEnd, UntilPrintsRestOfLastRead) {
   startReading({"--until", "-m"});
   ASSERT_TRUE(writeInto(kCommandPipe, "-m-u"));
   EXPECT_EQ(nextLine(), "\"-m\"");
@@ -35,14 +35,14 @@ TEST_F(MainAppEnd, UntilStillShowsWhatWasReadWithItsMessage) {
   EXPECT_EQ(app_.wait(), ExitStatus{.code = 0});
 }
 
-TEST_F(MainAppEnd, UntilRefusesWhatTheAgentNeverSays) {
+TEST_F(MainAppEnd, UntilRejectsUnknownMessage) {
   const auto finished = runToEnd({toolPath("mainapp"), "--until", "-tno"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_THAT(finished.error, HasSubstr("\"-tno\" is no message of the agent"));
   EXPECT_FALSE(std::filesystem::exists(kCommandPipe));
 }
 
-TEST_F(MainAppEnd, TheTimeoutEndsTheWaitForAMessage) {
+TEST_F(MainAppEnd, TimeoutEndsUntilWithStatusThree) {
   const auto begin = std::chrono::steady_clock::now();
   startReading({"--until", "-toff", "--timeout", "0.3"});
   ASSERT_TRUE(writeInto(kCommandPipe, "-ton"));
@@ -51,26 +51,26 @@ TEST_F(MainAppEnd, TheTimeoutEndsTheWaitForAMessage) {
   EXPECT_FALSE(std::filesystem::exists(kCommandPipe));
 }
 
-TEST_F(MainAppEnd, AMessageBeforeTheTimeoutWins) {
+TEST_F(MainAppEnd, MessageBeforeTimeoutExitsWithZero) {
   startReading({"--until", "-ton", "--timeout", "1000"});
   ASSERT_TRUE(writeInto(kCommandPipe, "-ton"));
   EXPECT_EQ(app_.wait(), ExitStatus{.code = 0});
 }
 
-TEST_F(MainAppEnd, QuitEndsItAndRemovesThePipe) {
+TEST_F(MainAppEnd, QuitExitsAndRemovesPipe) {
   startReading();
   ASSERT_TRUE(app_.writeLine("quit"));
   EXPECT_EQ(app_.wait(), ExitStatus{.code = 0});
   EXPECT_FALSE(std::filesystem::exists(kCommandPipe));
 }
 
-TEST_F(MainAppEnd, QuitWhileAMessageIsAwaitedIsNoSuccess) {
+TEST_F(MainAppEnd, QuitDuringUntilExitsWithOne) {
   startReading({"--until", "-ton"});
   ASSERT_TRUE(app_.writeLine("quit"));
   EXPECT_EQ(app_.wait(), ExitStatus{.code = 1});
 }
 
-TEST_F(MainAppEnd, TheEndOfItsInputIsNoQuit) {
+TEST_F(MainAppEnd, EndOfInputDoesNotExit) {
   startReading();
   app_.closeInput();
   ASSERT_TRUE(writeInto(kCommandPipe, "-ton"));
@@ -80,13 +80,13 @@ TEST_F(MainAppEnd, TheEndOfItsInputIsNoQuit) {
   EXPECT_TRUE(app_.running());
 }
 
-TEST_F(MainAppEnd, RestsAfterTheEndOfItsInput) {
+TEST_F(MainAppEnd, SleepsAfterEndOfInput) {
   startReading();
   app_.closeInput();
   EXPECT_TRUE(test_support::waitUntil([this] { return processState() == 'S'; }));
 }
 
-TEST_F(MainAppEnd, AnUnknownCommandIsReportedAndSurvived) {
+TEST_F(MainAppEnd, UnknownCommandIsReported) {
   startReading();
   ASSERT_TRUE(app_.writeLine("sned -non"));
   EXPECT_THAT(app_.readErrorLine().value_or(""), HasSubstr("there is no command \"sned\""));
@@ -96,7 +96,7 @@ TEST_F(MainAppEnd, AnUnknownCommandIsReportedAndSurvived) {
 
 class MainAppSignal : public tools_test::MainAppTest, public testing::WithParamInterface<int> {};
 
-TEST_P(MainAppSignal, EndsItTidily) {
+TEST_P(MainAppSignal, RemovesPipeAndExitsWithZero) {
   startReading();
   app_.signal(GetParam());
   EXPECT_EQ(app_.wait(), ExitStatus{.code = 0});

@@ -41,7 +41,7 @@ void PrintTo(const Case& example, std::ostream* stream) {
 class ServerOption : public LoggedSettings {};
 class StoredServerOption : public LoggedSettings, public testing::WithParamInterface<Case> {};
 
-TEST_P(StoredServerOption, MeansAndStaysOrIsReplaced) {
+TEST_P(StoredServerOption, SelectsOptionAndKeepsOrReplacesFile) {
   write(kFile, GetParam().before);
   EXPECT_EQ(getOption(), (Option{GetParam().option, ""}));
   EXPECT_EQ(contentsOf(kFile), GetParam().after);
@@ -57,38 +57,38 @@ INSTANTIATE_TEST_SUITE_P(ServerOption, StoredServerOption,
                                          Case{"LongText", std::string(5000, '0'), 1, "1"}),
                          [](const auto& test) { return test.param.name; });
 
-TEST_F(ServerOption, MissingFileIsMadeWithTheProductServer) {
+TEST_F(ServerOption, MissingFileIsCreatedWithProductServer) {
   EXPECT_EQ(getOption(), (Option{1, ""}));
   EXPECT_EQ(contentsOf(kFile), "1");
   EXPECT_EQ(getOption(), (Option{1, ""}));
   EXPECT_EQ(contentsOf(kFile), "1");
 }
 
-TEST_F(ServerOption, MissingFolderIsNotMade) {
+TEST_F(ServerOption, MissingFolderIsNotCreated) {
   fs::remove(kFolder);
   EXPECT_EQ(getOption(), (Option{1, "create file failed: No such file or directory\n"}));
   EXPECT_FALSE(fs::exists(kFolder));
 }
 
-TEST_F(ServerOption, NoPlaceForFilesIsLoggedAsAnError) {
+TEST_F(ServerOption, WithoutHomeErrorIsLogged) {
   ::unsetenv("XDG_DATA_HOME");
   ::unsetenv("HOME");
   EXPECT_EQ(getOption(), (Option{1, ""}));
   EXPECT_THAT(log_.messages(), testing::ElementsAre(error("get dir fail!!")));
 }
 
-TEST_F(ServerOption, FolderInThePlaceOfTheFileMeansTheProductServer) {
+TEST_F(ServerOption, FolderAtItsPathSelectsProductServer) {
   fs::create_directory(kFile);
   EXPECT_EQ(getOption(), (Option{1, "create file failed: Is a directory\n"}));
 }
 
-TEST_F(ServerOption, PipeInThePlaceOfTheFileIsNotWaitedFor) {
+TEST_F(ServerOption, PipeAtItsPathDoesNotBlock) {
   ASSERT_EQ(::mkfifo(kFile, 0600), 0);
   const auto finished = test_support::runForked([] { return GetTovalinServerOption(); });
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
 }
 
-TEST_F(ServerOption, PathBeyond128BytesWorks) {
+TEST_F(ServerOption, AcceptsPathBeyond128Bytes) {
   const std::string support = std::string(kSupport) + "/" + std::string(200, 'd');
   fs::create_directories(support + "/Tovalin");
   ::setenv("XDG_DATA_HOME", support.c_str(), 1);
@@ -96,7 +96,7 @@ TEST_F(ServerOption, PathBeyond128BytesWorks) {
   EXPECT_EQ(getOption(), (Option{0, ""}));
 }
 
-TEST_F(ServerOption, NoDescriptorStaysOpen) {
+TEST_F(ServerOption, LeaksNoDescriptor) {
   const int before = test_support::openDescriptors();
   for (const char* content : {"0", "0\n"}) {
     write(kFile, content);
@@ -114,7 +114,7 @@ test_support::Finished getOptionAsNobody() {
   });
 }
 
-TEST_F(ServerOption, FolderThatMayNotBeWrittenMeansTheProductServer) {
+TEST_F(ServerOption, UnwritableFolderSelectsProductServer) {
   const auto finished = getOptionAsNobody();
   if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
@@ -122,7 +122,7 @@ TEST_F(ServerOption, FolderThatMayNotBeWrittenMeansTheProductServer) {
   EXPECT_FALSE(fs::exists(kFile));
 }
 
-TEST_F(ServerOption, OverlongFileThatMayNotBeWrittenIsLeftAsItIs) {
+TEST_F(ServerOption, UnwritableOverlongFileIsKept) {
   write(kFile, "0\n");
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = getOptionAsNobody();
@@ -132,7 +132,7 @@ TEST_F(ServerOption, OverlongFileThatMayNotBeWrittenIsLeftAsItIs) {
   EXPECT_EQ(contentsOf(kFile), "0\n");
 }
 
-TEST_F(ServerOption, ZeroThatMayOnlyBeReadCounts) {
+TEST_F(ServerOption, ReadOnlyFileIsRead) {
   write(kFile, "0");
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = getOptionAsNobody();

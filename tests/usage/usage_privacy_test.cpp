@@ -38,7 +38,7 @@ class Privacy : public Records {
   OpenMask mask_;
 };
 
-TEST_F(Privacy, NewFolderAndNewFilesAreTheUsersAlone) {
+TEST_F(Privacy, NewFolderAndFilesHavePrivateModes) {
   fs::remove_all(kFolder);
   TvlWriteQuitToFile();
   static_cast<void>(GetTovalinServerOption());
@@ -46,7 +46,7 @@ TEST_F(Privacy, NewFolderAndNewFilesAreTheUsersAlone) {
   for (const char* file : {kToday, kIdentity, kOption}) EXPECT_EQ(modeOf(file), 0600u) << file;
 }
 
-TEST_F(Privacy, FoldersAboveAreMadeAsTheMaskSays) {
+TEST_F(Privacy, ParentFoldersFollowUmask) {
   ::setenv("XDG_DATA_HOME", "/tmp/support/a/b", 1);
   ASSERT_TRUE(applicationDirectory());
   EXPECT_EQ(modeOf("/tmp/support/a/b"), 0777u);
@@ -66,7 +66,7 @@ TEST_F(Privacy, ExistingFolderAndItsFilesAreMadePrivate) {
   EXPECT_EQ(contentsOf(past), kHeader);
 }
 
-TEST_F(Privacy, FilesThatAreNotTheAgentsKeepTheirMode) {
+TEST_F(Privacy, OtherFilesKeepTheirMode) {
   for (const std::string name : {"notes.txt", "NOTES.DAT", "other"}) {
     const std::string path = std::string(kFolder) + "/" + name;
     write(path, "text");
@@ -76,7 +76,7 @@ TEST_F(Privacy, FilesThatAreNotTheAgentsKeepTheirMode) {
   }
 }
 
-TEST_F(Privacy, FileThatIsUsedIsMadePrivate) {
+TEST_F(Privacy, UsedFileIsMadePrivate) {
   for (const char* file : {kToday, kIdentity, kOption}) {
     write(file, file == kIdentity ? contentsOf(kIdentity) : "1");
     ASSERT_EQ(::chmod(file, 0644), 0);
@@ -88,7 +88,7 @@ TEST_F(Privacy, FileThatIsUsedIsMadePrivate) {
   for (const char* file : {kToday, kIdentity, kOption}) EXPECT_EQ(modeOf(file), 0600u) << file;
 }
 
-TEST_F(Privacy, FileThatIsWrittenAnewIsMadePrivate) {
+TEST_F(Privacy, ReplacedFileIsMadePrivate) {
   write(kOption, "0\n");
   openToAll(kOption);
   static_cast<void>(GetTovalinServerOption());
@@ -107,7 +107,7 @@ TEST_F(Privacy, FilesAndFoldersOfAnotherUserKeepTheirMode) {
   EXPECT_EQ(modeOf(kToday), 0777u);
 }
 
-TEST_F(Privacy, WhatALinkLeadsToKeepsItsMode) {
+TEST_F(Privacy, TargetOfLinkKeepsItsMode) {
   fs::create_directory("/tmp/support/elsewhere");
   write("/tmp/support/file", "text");
   openToAll("/tmp/support/elsewhere");
@@ -144,7 +144,7 @@ TEST_F(LinkedFolder, OfTheUserIsMadePrivateWithItsFiles) {
   EXPECT_TRUE(fs::is_symlink(kFolder));
 }
 
-TEST_F(LinkedFolder, BehindALinkOfAnotherUserKeepsItsMode) {
+TEST_F(LinkedFolder, OfLinkOfAnotherUserKeepsItsMode) {
   ASSERT_EQ(::lchown(kFolder, test_support::kNobody, 0), 0);
   ASSERT_EQ(applicationDirectory(), kFolder);
   EXPECT_EQ(modeOf(kTarget), 0777u);
@@ -158,14 +158,14 @@ TEST_F(LinkedFolder, OfAnotherUserKeepsItsMode) {
   EXPECT_EQ(modeOf(past_), 0777u);
 }
 
-TEST_F(Privacy, PipeInTheFolderIsNotWaitedForAndKeepsItsMode) {
+TEST_F(Privacy, PipeInFolderDoesNotBlockAndKeepsItsMode) {
   const std::string pipe = std::string(kFolder) + "/pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0666), 0);
   makeFolderPrivate(kFolder);
   EXPECT_EQ(modeOf(pipe), 0666u);
 }
 
-TEST_F(Privacy, PipesInThePlacesOfFilesKeepTheirMode) {
+TEST_F(Privacy, PipesAtPathsOfFilesKeepTheirMode) {
   fs::remove(kIdentity);
   for (const char* path : {kToday, kIdentity, kOption}) ASSERT_EQ(::mkfifo(path, 0666), 0);
   TvlWriteQuitToFile();

@@ -37,38 +37,38 @@ bool becomesOwnerOf(const std::vector<std::string>& folders) {
 // What makes the path of a root lead elsewhere, and what doesn't.
 using RootChange = FileEvents;
 
-TEST_F(RootChange, RenamingTheRoot) {
+TEST_F(RootChange, RenamedRootIsReported) {
   watch();
   fs::rename(root_, root_ + " old");
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, MovingTheRootToAnotherFolder) {
+TEST_F(RootChange, RootMovedToOtherFolderIsReported) {
   watch();
   fs::rename(root_, "/tmp/way/elsewhere");
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, MovingTheFolderAboveIt) {
+TEST_F(RootChange, MovedParentIsReported) {
   watch();
   fs::rename("/tmp/way/middle", "/tmp/way/other");
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, MovingAFolderFarAboveIt) {
+TEST_F(RootChange, MovedAncestorIsReported) {
   fs::remove_all("/tmp/other way");
   watch();
   fs::rename("/tmp/way", "/tmp/other way");
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, RemovingTheEmptyRoot) {
+TEST_F(RootChange, RemovedEmptyRootIsReported) {
   watch();
   fs::remove(root_);
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, RemovingItWithAllItHoldsTellsTheFoldersBefore) {
+TEST_F(RootChange, RemovedTreeIsReportedAfterItsFolders) {
   makeFolder("a/b");
   write("a/b/file");
   watch();
@@ -76,14 +76,14 @@ TEST_F(RootChange, RemovingItWithAllItHoldsTellsTheFoldersBefore) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a/b"), changed("a"), changed(), rootChanged()));
 }
 
-TEST_F(RootChange, RemovingAllFromFarAboveIt) {
+TEST_F(RootChange, RemovedAncestorIsReported) {
   makeFolder("a");
   watch();
   fs::remove_all("/tmp/way");
   EXPECT_THAT(nextBatch(), ElementsAre(changed(), rootChanged()));
 }
 
-TEST_F(RootChange, IsSeenWhereTheRootsIdentityIsRefused) {
+TEST_F(RootChange, RemovalIsReportedIfStatxFails) {
   auto watch = platform::RootWatch::create(root_);
   ASSERT_TRUE(watch);
   fs::remove(root_);
@@ -92,14 +92,14 @@ TEST_F(RootChange, IsSeenWhereTheRootsIdentityIsRefused) {
   EXPECT_TRUE(changed);
 }
 
-TEST_F(RootChange, RemovingTheEmptyRootWhileItIsHeldOpen) {
+TEST_F(RootChange, RemovedRootThatIsHeldOpenIsReported) {
   watch();
   const FileDescriptor held = hold(root_);
   fs::remove(root_);
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, RemovingAllWhileAFolderInsideIsHeldOpen) {
+TEST_F(RootChange, RemovedTreeWithFolderHeldOpenIsReported) {
   makeFolder("a/b");
   watch();
   const FileDescriptor held = hold(inRoot("a/b"));
@@ -107,7 +107,7 @@ TEST_F(RootChange, RemovingAllWhileAFolderInsideIsHeldOpen) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed("a"), changed(), rootChanged()));
 }
 
-TEST_F(RootChange, PuttingAnotherFolderInItsPlace) {
+TEST_F(RootChange, ReplacedRootIsReported) {
   watch();
   fs::create_directory("/tmp/way/new");
   fs::remove(root_);
@@ -115,7 +115,7 @@ TEST_F(RootChange, PuttingAnotherFolderInItsPlace) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, RemovingItAndMakingItAgain) {
+TEST_F(RootChange, RecreatedRootIsReported) {
   watch();
   fs::remove(root_);
   fs::create_directory(root_);
@@ -123,7 +123,7 @@ TEST_F(RootChange, RemovingItAndMakingItAgain) {
 }
 
 // File systems on a disk give the number of a removed folder to the next one; those in memory don't.
-TEST_F(RootChange, PuttingAFolderInItsPlaceThatGetsItsNumber) {
+TEST_F(RootChange, RecreatedRootWithSameInodeNumberIsReported) {
   std::string onDisk = "/var/tmp/root.XXXXXX";
   ASSERT_NE(::mkdtemp(onDisk.data()), nullptr);
   root_ = onDisk + "/root";
@@ -147,14 +147,14 @@ TEST_F(RootChange, PuttingAFolderInItsPlaceThatGetsItsNumber) {
   EXPECT_THAT(batch, ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, PuttingAFileInItsPlace) {
+TEST_F(RootChange, RootReplacedByFileIsReported) {
   watch();
   fs::remove(root_);
   std::ofstream(root_) << "text";
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, WhatHappensToTheMovedRootIsNotTold) {
+TEST_F(RootChange, ChangesInMovedRootAreNotReported) {
   watch();
   fs::rename(root_, "/tmp/way/elsewhere");
   std::ofstream("/tmp/way/elsewhere/file") << "text";
@@ -165,7 +165,7 @@ TEST_F(RootChange, WhatHappensToTheMovedRootIsNotTold) {
   EXPECT_THAT(nextBatch(), ElementsAre(platform::FileEvent{"/tmp/way/elsewhere", 0}));
 }
 
-TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeAnybodyLooks) {
+TEST_F(RootChange, RootMovedBackBeforeCheckIsNotReported) {
   watch();
   fs::rename(root_, "/tmp/way/elsewhere");
   fs::rename("/tmp/way/elsewhere", root_);
@@ -173,7 +173,7 @@ TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeAnybodyLooks) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeTheBatchIsDelivered) {
+TEST_F(RootChange, RootMovedBackBeforeBatchIsNotReported) {
   watch();
   fs::rename(root_, "/tmp/way/elsewhere");
   QCoreApplication::processEvents();  // sees that it is away
@@ -184,7 +184,7 @@ TEST_F(RootChange, IsNoneWhenTheRootIsBackBeforeTheBatchIsDelivered) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged())) << "it is still watched";
 }
 
-TEST_F(RootChange, IsLookedForWhenEntriesGoBesideTheRootButNotFartherAbove) {
+TEST_F(RootChange, RootIsCheckedAfterChangesInParentOnly) {
   auto watch = platform::RootWatch::create(root_);
   ASSERT_TRUE(watch);
   const auto isTouched = [&] {
@@ -200,7 +200,7 @@ TEST_F(RootChange, IsLookedForWhenEntriesGoBesideTheRootButNotFartherAbove) {
   EXPECT_FALSE(watch->hasChanged());
 }
 
-TEST_F(RootChange, IsNoneWhenOtherFoldersOnTheWayMove) {
+TEST_F(RootChange, MovedSiblingOfAncestorIsNotReported) {
   fs::create_directory("/tmp/way/beside");
   watch();
   fs::rename("/tmp/way/beside", "/tmp/way/middle/beside");
@@ -209,7 +209,7 @@ TEST_F(RootChange, IsNoneWhenOtherFoldersOnTheWayMove) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
+TEST_F(RootChange, InaccessibleParentIsNotReported) {
   const auto finished = test_support::runForked([this] {
     if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
     watch();
@@ -227,7 +227,7 @@ TEST_F(RootChange, IsNoneWhenAFolderAboveItIsClosedToTheProgram) {
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
-TEST_F(RootChange, IsToldThoughItCanNoLongerBeSeenWhenTheBatchIsDelivered) {
+TEST_F(RootChange, ChangeIsReportedIfParentBecomesInaccessible) {
   const auto finished = test_support::runForked([this] {
     if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
     watch();
@@ -242,7 +242,7 @@ TEST_F(RootChange, IsToldThoughItCanNoLongerBeSeenWhenTheBatchIsDelivered) {
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
-TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
+TEST_F(RootChange, ChangeIsReportedBelowUnreadableFolder) {
   for (const auto& [closed, moved] :
        {std::pair("/tmp/way", "/tmp/way/middle"), std::pair("/tmp/way/middle", "/tmp/way/middle"),
         std::pair("/tmp/way/middle", "/tmp/way/middle/root")}) {
@@ -259,7 +259,7 @@ TEST_F(RootChange, IsSeenPastAFolderThatMayNotBeRead) {
   }
 }
 
-TEST_F(RootChange, RemovingTheLinkOnItsWay) {
+TEST_F(RootChange, RemovedLinkInPathIsReported) {
   fs::create_directory_symlink("/tmp/way/middle", "/tmp/way/link");
   root_ = "/tmp/way/link/root";
   watch();
@@ -267,7 +267,7 @@ TEST_F(RootChange, RemovingTheLinkOnItsWay) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, MovingAFolderToWhichALinkOnItsWayLeads) {
+TEST_F(RootChange, MovedTargetOfLinkInPathIsReported) {
   fs::create_directories("/tmp/way/real/deep/root");
   fs::create_directory_symlink("/tmp/way/real/deep", "/tmp/way/middle/link");
   root_ = "/tmp/way/middle/link/root";
@@ -276,7 +276,7 @@ TEST_F(RootChange, MovingAFolderToWhichALinkOnItsWayLeads) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(RootChange, ChangesBehindALinkThatIsTheRootAreTold) {
+TEST_F(RootChange, ChangesInRootGivenByLinkAreReported) {
   fs::create_directory_symlink(root_, "/tmp/way/link");
   root_ = "/tmp/way/link";
   watch();
@@ -284,7 +284,7 @@ TEST_F(RootChange, ChangesBehindALinkThatIsTheRootAreTold) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(RootChange, IsNoneWhenThePathComesToLeadToTheSameFolderByALink) {
+TEST_F(RootChange, PathLeadingToSameFolderByLinkIsNotReported) {
   watch();
   fs::rename("/tmp/way/middle", "/tmp/way/other");
   fs::create_directory_symlink("/tmp/way/other", "/tmp/way/middle");
@@ -306,14 +306,14 @@ class OnAMount : public FileEvents {
   }
 };
 
-TEST_F(OnAMount, UnmountingIt) {
+TEST_F(OnAMount, UnmountIsReported) {
   watch();
   // The watch keeps no file system busy.
   ASSERT_EQ(::umount("/tmp/way/middle"), 0);
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(OnAMount, UnmountingItWhileAFileIsHeldOpen) {
+TEST_F(OnAMount, LazyUnmountWithOpenFileIsReported) {
   write("file");
   const FileDescriptor held = hold(root_);
   watch();
@@ -321,14 +321,14 @@ TEST_F(OnAMount, UnmountingItWhileAFileIsHeldOpen) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(OnAMount, MountingAnotherOneOverIt) {
+TEST_F(OnAMount, MountOverRootIsReported) {
   watch();
   ASSERT_EQ(::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr), 0);
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
   ::umount("/tmp/way/middle");
 }
 
-TEST_F(OnAMount, TakingAwayAFolderThatWasMountedASecondTime) {
+TEST_F(OnAMount, UnmountOfBindMountIsReported) {
   fs::create_directory("/tmp/way/second");
   ASSERT_EQ(::mount("/tmp/way/middle", "/tmp/way/second", nullptr, MS_BIND, nullptr), 0);
   root_ = "/tmp/way/second/root";
@@ -337,7 +337,7 @@ TEST_F(OnAMount, TakingAwayAFolderThatWasMountedASecondTime) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-TEST_F(OnAMount, IsNoneWhenSomethingElseIsMounted) {
+TEST_F(OnAMount, MountBelowRootIsNotReported) {
   makeFolder("sub");
   watch();
   ASSERT_EQ(::mount("none", inRoot("sub").c_str(), "tmpfs", 0, nullptr), 0);
@@ -346,7 +346,7 @@ TEST_F(OnAMount, IsNoneWhenSomethingElseIsMounted) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-TEST_F(OnAMount, RootThatIsMountedInsideItselfIsNoEndlessTree) {
+TEST_F(OnAMount, RootMountedInsideItselfIsNoEndlessTree) {
   makeFolder("again");
   ASSERT_EQ(::mount(root_.c_str(), inRoot("again").c_str(), nullptr, MS_BIND, nullptr), 0);
   watch();
@@ -377,13 +377,13 @@ class OnAnOverlay : public FileEvents {
   }
 };
 
-TEST_F(OnAnOverlay, TheFirstWriteBelowTheRootIsNone) {
+TEST_F(OnAnOverlay, CopyUpOfRootIsNotReported) {
   watch();
   moveRootToUpperLayer();
   EXPECT_THAT(nextBatch(), ElementsAre(changed("inner")));
 }
 
-TEST_F(OnAnOverlay, IsSeenAfterTheFirstWriteToo) {
+TEST_F(OnAnOverlay, RemovalAfterCopyUpIsReported) {
   watch();
   moveRootToUpperLayer();
   ASSERT_THAT(nextBatch(), ElementsAre(changed("inner")));
@@ -391,7 +391,7 @@ TEST_F(OnAnOverlay, IsSeenAfterTheFirstWriteToo) {
   EXPECT_THAT(nextBatch(), Contains(rootChanged()));
 }
 
-TEST_F(OnAnOverlay, RemovingItAndMakingItAgain) {
+TEST_F(OnAnOverlay, RecreatedRootIsReported) {
   watch();
   fs::remove_all(root_);
   fs::create_directory(root_);

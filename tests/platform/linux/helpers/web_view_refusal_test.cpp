@@ -21,13 +21,13 @@ class WebViewRefusal : public WebViewHelper {
   }
 };
 
-TEST_F(WebViewRefusal, DialogsDoNotHoldUpTheScript) {
+TEST_F(WebViewRefusal, DialogsDoNotBlockScript) {
   startWithScript("alert(1); fetch('/said-' + confirm(2) + '-' + prompt(3, 'x'));");
   EXPECT_TRUE(server_.waitFor("/said-false-null"));
   expectNothingHappened();
 }
 
-TEST_F(WebViewRefusal, PageThatWantsToStayIsLeft) {
+TEST_F(WebViewRefusal, BeforeUnloadHandlerIsIgnored) {
   startWithScript(
       "onbeforeunload = event => { event.preventDefault(); return event.returnValue = 'stay'; };");
   expectNothingHappened();
@@ -40,7 +40,7 @@ TEST_F(WebViewRefusal, NewWindowIsNotOpened) {
   EXPECT_FALSE(server_.wasAsked("/other"));
 }
 
-TEST_F(WebViewRefusal, LinkToANewWindowIsNotFollowed) {
+TEST_F(WebViewRefusal, LinkToNewWindowIsNotFollowed) {
   startWithScript(
       "const link = document.createElement('a'); link.target = '_blank'; link.href = '/other';"
       "document.documentElement.append(link); link.click(); fetch('/clicked');");
@@ -51,7 +51,7 @@ TEST_F(WebViewRefusal, LinkToANewWindowIsNotFollowed) {
 
 // Its end is not left to the lack of a place for the file, which shows once the answer comes. It may be cut
 // off before it has asked, so the page goes on to try.
-TEST_F(WebViewRefusal, DownloadIsCutOffBeforeItsAnswer) {
+TEST_F(WebViewRefusal, DownloadIsCancelledBeforeAnswer) {
   std::atomic<bool> asked = false;
   std::atomic<bool> cutOff = false;
   const test_support::RawHttpServer server([&](test_support::RawConnection& connection) {
@@ -72,7 +72,7 @@ TEST_F(WebViewRefusal, DownloadIsCutOffBeforeItsAnswer) {
   expectNothingHappened();
 }
 
-TEST_F(WebViewRefusal, DownloadIsNotKept) {
+TEST_F(WebViewRefusal, DownloadIsNotStored) {
   server_.putDownload("/download.bin");
   const auto before = filesBelow("/tmp");
   startWithScript(
@@ -121,13 +121,13 @@ TEST_F(WebViewRefusal, PermissionsAreDenied) {
   expectNothingHappened();
 }
 
-TEST_F(WebViewRefusal, PrintingIsTakenAsDone) {
+TEST_F(WebViewRefusal, PrintReturnsWithoutPrinting) {
   startWithScript("setTimeout(() => { window.print(); fetch('/printed'); }, 100);");
   EXPECT_TRUE(server_.waitFor("/printed"));
   expectNothingHappened();
 }
 
-TEST_F(WebViewRefusal, FrameThatAScriptFillsIsNotRefused) {
+TEST_F(WebViewRefusal, FrameFilledByScriptIsAllowed) {
   startWithScript(
       "const f = document.createElement('iframe'); document.documentElement.append(f);"
       "f.contentWindow.fetch('/from-frame');");

@@ -89,13 +89,13 @@ class WebViewSandbox : public WebViewHelper {
   }
 };
 
-TEST_F(WebViewSandbox, WebProcessReachesNoSocketOfX) {
+TEST_F(WebViewSandbox, WebProcessCannotConnectToX) {
   ASSERT_EQ(reachableFrom(::getpid()), 2);
   startWithScript("");
   EXPECT_EQ(reachableFrom(webProcess()), 0);
 }
 
-TEST_F(WebViewSandbox, EngineIsToldOfNoServiceOfTheSession) {
+TEST_F(WebViewSandbox, EngineGetsNoSessionServicesInEnvironment) {
   startWith({{"XAUTHORITY", "/tmp/key"},
              {"WAYLAND_DISPLAY", "/tmp/wayland-9"},
              {"AT_SPI_BUS_ADDRESS", "unix:path=/tmp/at-spi"},
@@ -120,7 +120,7 @@ TEST_F(WebViewSandbox, EngineIsToldOfNoServiceOfTheSession) {
   }
 }
 
-TEST_F(WebViewSandbox, EnvironmentCannotLoosenTheEngine) {
+TEST_F(WebViewSandbox, EnvironmentCannotDisableSandbox) {
   startWith({{"WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "1"},
              {"WEBKIT_FORCE_SANDBOX", "0"},
              {"WEBKIT_INSPECTOR_SERVER", "127.0.0.1:9222"},
@@ -134,13 +134,13 @@ TEST_F(WebViewSandbox, EnvironmentCannotLoosenTheEngine) {
   for (const int port : {9222, 9223}) EXPECT_FALSE(isListenedAt(port)) << port;
 }
 
-TEST_F(WebViewSandbox, PageIsLoadedWithoutAnyDisplay) {
+TEST_F(WebViewSandbox, PageIsLoadedWithoutDisplay) {
   startWith({{"DISPLAY", std::nullopt}});
   EXPECT_TRUE(stillLoads());
 }
 
 // The two that other sockets could be reached by.
-TEST_F(WebViewSandbox, WebProcessHasItsOwnNetworkAndFiles) {
+TEST_F(WebViewSandbox, WebProcessHasOwnNetworkAndMountNamespaces) {
   startWithScript("");
   const pid_t process = webProcess();
   EXPECT_NE(namespaceOf(process, "net"), namespaceOf(helper_.pid(), "net"));
@@ -148,7 +148,7 @@ TEST_F(WebViewSandbox, WebProcessHasItsOwnNetworkAndFiles) {
   EXPECT_NE(namespaceOf(process, "ipc"), namespaceOf(helper_.pid(), "ipc"));
 }
 
-TEST_F(WebViewSandbox, WithoutSandboxNoPageIsLoadedAndItIsLogged) {
+TEST_F(WebViewSandbox, WithoutSandboxNoPageIsLoadedAndErrorIsLogged) {
   test_support::SyslogSocket log;
   ASSERT_TRUE(log.valid());
   ASSERT_EQ(::mount("/dev/null", "/usr/bin/bwrap", nullptr, MS_BIND, nullptr), 0);
@@ -188,18 +188,18 @@ class WebViewRuntimeFolder : public WebViewHelper {
   const std::string belowTmp_ = "/tmp/TovalinTray-" + std::to_string(::geteuid());
 };
 
-TEST_F(WebViewRuntimeFolder, MissingOneIsReplacedByThePrivateFolder) {
+TEST_F(WebViewRuntimeFolder, MissingFolderIsReplacedByPrivateFolder) {
   startWith({{"XDG_RUNTIME_DIR", std::nullopt}});
   expectPrivateFolderIsUsed();
 }
 
-TEST_F(WebViewRuntimeFolder, OneOfAnotherUserIsNeitherUsedNorCleaned) {
+TEST_F(WebViewRuntimeFolder, FolderOfAnotherUserIsNeitherUsedNorCleaned) {
   ASSERT_EQ(::chown(kOthers, 1234, 1234), 0);
   startWith({{"XDG_RUNTIME_DIR", kOthers}});
   expectPrivateFolderIsUsed();
 }
 
-TEST_F(WebViewRuntimeFolder, OneThatOthersMayWriteIsNeitherUsedNorCleaned) {
+TEST_F(WebViewRuntimeFolder, WorldWritableFolderIsNeitherUsedNorCleaned) {
   ASSERT_EQ(::chmod(kOthers, 0777), 0);
   startWith({{"XDG_RUNTIME_DIR", kOthers}});
   expectPrivateFolderIsUsed();

@@ -66,7 +66,7 @@ class WindowActivity : public WindowFixture {
   test_support::ChildProcess other_;
 };
 
-TEST_F(WindowActivity, HidesWhenAnotherProgramGetsTheKeyboardAndComesBackWhenActivated) {
+TEST_F(WindowActivity, HidesWhenOtherProgramIsActiveAndReturnsOnActivation) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
   ASSERT_TRUE(turnToOtherProgram());
@@ -76,7 +76,7 @@ TEST_F(WindowActivity, HidesWhenAnotherProgramGetsTheKeyboardAndComesBackWhenAct
   EXPECT_TRUE(isBackWithTheKeyboard());
 }
 
-TEST_F(WindowActivity, ASheetGoesAndComesBackWithItsWindowAndWorksThen) {
+TEST_F(WindowActivity, SheetHidesAndReturnsWithItsWindow) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
   platform::Alert alert;
@@ -94,7 +94,7 @@ TEST_F(WindowActivity, ASheetGoesAndComesBackWithItsWindowAndWorksThen) {
 }
 
 // A click in another window would make the program active and bring it back; a close request does not.
-TEST_F(WindowActivity, ItsModalRunGoesOnAndBlocksNobodyWhileItIsHidden) {
+TEST_F(WindowActivity, ModalRunOfHiddenWindowDoesNotBlockOthers) {
   SupportLayout plain;
   plain.window->setTitle("Plain");
   ASSERT_TRUE(show(*plain.window));
@@ -115,7 +115,7 @@ TEST_F(WindowActivity, ItsModalRunGoesOnAndBlocksNobodyWhileItIsHidden) {
   EXPECT_TRUE(reachedTheEnd);
 }
 
-TEST_F(WindowActivity, StaysHiddenWhenItIsOrderedToTheFrontUntilTheProgramIsActive) {
+TEST_F(WindowActivity, OrderFrontTakesEffectOnActivation) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
   ASSERT_TRUE(turnToOtherProgram());
@@ -126,7 +126,7 @@ TEST_F(WindowActivity, StaysHiddenWhenItIsOrderedToTheFrontUntilTheProgramIsActi
   EXPECT_TRUE(isBackWithTheKeyboard());
 }
 
-TEST_F(WindowActivity, ComesBackWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
+TEST_F(WindowActivity, ReturnsWhenOtherWindowOfProgramGetsFocus) {
   SupportLayout plain;
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
@@ -139,7 +139,7 @@ TEST_F(WindowActivity, ComesBackWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
 
 // openbox gives the keyboard to any window of the program that has it, so what the window asks for is looked
 // at.
-TEST_F(WindowActivity, AsksForTheKeyboardWhenItIsShownAndNotWhenItComesBack) {
+TEST_F(WindowActivity, RequestsFocusWhenShownButNotWhenItReturns) {
   const auto asksForKeyboard = [] {
     const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
     const test_support::XConnection x(display());
@@ -161,7 +161,7 @@ TEST_F(WindowActivity, AsksForTheKeyboardWhenItIsShownAndNotWhenItComesBack) {
   plain.window->close();
 }
 
-TEST_F(WindowActivity, BlocksOthersFromTheMomentOnInWhichItComesBackForItsModalRun) {
+TEST_F(WindowActivity, BlocksOthersAsSoonAsItReturnsForModalRun) {
   SupportLayout plain;
   plain.window->setTitle("Plain");
   ASSERT_TRUE(show(*plain.window));
@@ -183,7 +183,7 @@ TEST_F(WindowActivity, BlocksOthersFromTheMomentOnInWhichItComesBackForItsModalR
 }
 
 // Some window managers minimise a window that offers no control for it.
-TEST_F(WindowActivity, ComesBackFromAnIconWhenActivated) {
+TEST_F(WindowActivity, MinimisedWindowReturnsOnActivation) {
   ASSERT_TRUE(show(*layout_.window));
   const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
   ASSERT_TRUE(window);
@@ -196,7 +196,7 @@ TEST_F(WindowActivity, ComesBackFromAnIconWhenActivated) {
   EXPECT_FALSE(widgetOf(*layout_.window).isMinimized());
 }
 
-TEST_F(WindowActivity, StaysWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
+TEST_F(WindowActivity, StaysWhenOtherWindowOfProgramGetsFocus) {
   ASSERT_TRUE(show(*layout_.window));
   SupportLayout plain;
   ASSERT_TRUE(show(*plain.window));
@@ -205,7 +205,7 @@ TEST_F(WindowActivity, StaysWhenAnotherWindowOfTheProgramGetsTheKeyboard) {
 }
 
 // As where the desktop keeps programs from taking the keyboard.
-TEST_F(WindowActivity, StaysWhenItIsShownWhileAnotherProgramIsActive) {
+TEST_F(WindowActivity, StaysIfShownWhileOtherProgramIsActive) {
   SupportLayout plain;
   ASSERT_TRUE(show(*plain.window));
   ASSERT_TRUE(startOtherProgram());
@@ -218,7 +218,7 @@ TEST_F(WindowActivity, StaysWhenItIsShownWhileAnotherProgramIsActive) {
   plain.window->close();
 }
 
-TEST_F(WindowActivity, StaysWhileAMenuOfTheProgramIsOpen) {
+TEST_F(WindowActivity, StaysWhileMenuOfProgramIsOpen) {
   ASSERT_TRUE(show(*layout_.window));
   QMenu menu;
   menu.addAction(QStringLiteral("Item"));
@@ -229,7 +229,7 @@ TEST_F(WindowActivity, StaysWhileAMenuOfTheProgramIsOpen) {
 
 using WindowChoice = WindowActivity;
 
-TEST_F(WindowChoice, TheWindowStaysWhileItGoesOnAndWhenItIsChosenItself) {
+TEST_F(WindowChoice, WindowStaysDuringSwitchAndIfChosen) {
   ASSERT_TRUE(beginChoice());
   EXPECT_TRUE(stays());
   press("Escape");
@@ -237,14 +237,14 @@ TEST_F(WindowChoice, TheWindowStaysWhileItGoesOnAndWhenItIsChosenItself) {
   EXPECT_TRUE(isBackWithTheKeyboard());
 }
 
-TEST_F(WindowChoice, TheWindowHidesWhenAnotherProgramsIsChosenAtLast) {
+TEST_F(WindowChoice, WindowHidesIfOtherProgramIsChosen) {
   ASSERT_TRUE(beginChoice());
   EXPECT_TRUE(stays());
   ASSERT_TRUE(endChoice());
   EXPECT_TRUE(hides());
 }
 
-TEST_F(WindowActivity, StaysWhileAMenuOfAnotherProgramHasTheKeyboardAndHidesWhenAWindowGetsIt) {
+TEST_F(WindowActivity, StaysWhileMenuOfOtherProgramHasFocus) {
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
   const auto high = test_support::waitForWindow(display(), test_support::windowNamed("High"));
@@ -260,7 +260,7 @@ TEST_F(WindowActivity, StaysWhileAMenuOfAnotherProgramHasTheKeyboardAndHidesWhen
   EXPECT_TRUE(hides());
 }
 
-TEST_F(WindowActivity, AWindowThatWasOrderedOutOrClosedMeanwhileStaysAway) {
+TEST_F(WindowActivity, OrderedOutOrClosedWindowDoesNotReturn) {
   SupportLayout closed;
   closed.window->setHidesOnDeactivate(true);
   ASSERT_TRUE(show(*closed.window));
@@ -275,7 +275,7 @@ TEST_F(WindowActivity, AWindowThatWasOrderedOutOrClosedMeanwhileStaysAway) {
   EXPECT_FALSE(closed.window->isVisible());
 }
 
-TEST_F(WindowActivity, AWindowWithoutTheWishStays) {
+TEST_F(WindowActivity, WindowWithoutHidesOnDeactivateStays) {
   layout_.window->setHidesOnDeactivate(false);
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
