@@ -17,16 +17,16 @@ using namespace std::string_literals;
 
 inline constexpr const char* kToday = "/tmp/support/Tovalin/Tovalin_2024_03_07.dat";
 
-// The header of that day for version 1.4.2.
+// The header of 7 March 2024 for version 1.4.2.
 inline const std::string& kHeader = test_support::kUsageHeader;
 
-// The quit record of that moment.
+// The quit record of 09:05:00 on that day.
 inline constexpr const char* kQuit =
     "\x03\x13"
     "2024-03-07 09:05:00";
 inline constexpr std::size_t kQuitSize = 21;
 
-// A "-ncdat" message, made byte by byte.
+// Builds a "-ncdat" message byte by byte.
 class Message {
  public:
   explicit Message(std::uint32_t dataCommand) {
@@ -74,7 +74,7 @@ inline Message deviceEvent(std::uint32_t dataCommand, const std::string& name) {
   return Message(dataCommand).put(14, name);
 }
 
-// At 09:05:00 on 7 March 2024, version 1.4.2, a known identifier.
+// Sets the clock to 09:05:00 on 7 March 2024, the version to 1.4.2 and a fixed identifier.
 inline void setUpRecords() {
   makeUserFiles();
   write("/tmp/support/Tovalin/TovalinUUID.txt", "00112233-4455-6677-8899-AABBCCDDEEFF");

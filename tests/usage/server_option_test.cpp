@@ -26,7 +26,7 @@ Option getOption() {
   return option;
 }
 
-// What stands in the file before, what it means, and what stands there afterwards.
+// The content of the file, the option that it selects, and the content afterwards.
 struct Case {
   const char* name;
   std::string before;
@@ -105,7 +105,8 @@ TEST_F(ServerOption, LeaksNoDescriptor) {
   EXPECT_EQ(test_support::openDescriptors(), before);
 }
 
-// The status is the option, and 100 when the permissions don't bite.
+// Runs GetTovalinServerOption() as an unprivileged user. The exit status is the option, or 100 if the
+// permissions have no effect.
 test_support::Finished getOptionAsNobody() {
   return test_support::runForked([] {
     if (!test_support::becomeNobody()) return test_support::kNotToBeHad;

@@ -30,7 +30,7 @@ inline void write(const std::string& path, const std::string& text) {
   std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
 }
 
-// What `call` leaves on standard error.
+// Runs `call` and returns its output on standard error.
 template <typename Call>
 std::string errorsOf(Call call) {
   test_support::StreamCapture errors(STDERR_FILENO);
@@ -38,7 +38,7 @@ std::string errorsOf(Call call) {
   return errors.end();
 }
 
-// A place for this user's files, with the folder of the product in it, for each case anew.
+// Creates an empty XDG_DATA_HOME with the product's folder.
 inline void makeUserFiles() {
   fs::remove_all(kSupport);
   fs::create_directories(kFolder);
@@ -49,7 +49,7 @@ inline void removeUserFiles() {
   fs::remove_all(kSupport);
 }
 
-// The system log, listened to.
+// Receives the syslog messages of the process.
 class HeardLog {
  public:
   static auto error(const std::string& text) {

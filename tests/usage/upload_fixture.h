@@ -16,14 +16,14 @@ using Reply = ProductServerDouble::Reply;
 
 inline constexpr const char* kYesterday = "Tovalin_2024_03_06.dat";
 inline constexpr const char* kTodaysName = "Tovalin_2024_03_07.dat";
-// An origin that refuses connections.
+// An origin that refuses connections (nothing listens on port 1).
 inline constexpr const char* kNobody = "http://127.0.0.1:1";
 
 inline std::string inFolder(const std::string& name) {
   return std::string(kFolder) + "/" + name;
 }
 
-// An upload pass on 7 March 2024 with a server of its own.
+// Runs upload passes on 7 March 2024 with a server of its own.
 class UploadPass : public testing::Test, protected HeardLog {
  protected:
   void SetUp() override {
@@ -34,7 +34,7 @@ class UploadPass : public testing::Test, protected HeardLog {
   }
   void TearDown() override { removeUserFiles(); }
 
-  // The names of the files that are left, beside the identifier and the lock.
+  // Returns the names of the remaining files except the settings files and the lock file.
   [[nodiscard]] static std::vector<std::string> left() {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(kFolder)) {
@@ -44,7 +44,7 @@ class UploadPass : public testing::Test, protected HeardLog {
     return names;
   }
 
-  // One pass over these files; what it says on standard error.
+  // Creates these files and makes one upload pass. Returns its output on standard error.
   std::string pass(const std::vector<std::string>& names) {
     for (const std::string& name : names) write(inFolder(name), "bytes of " + name);
     return errorsOf([this] { EXPECT_TRUE(delegate_.TvlDataFileCheck()); });

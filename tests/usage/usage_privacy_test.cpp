@@ -21,7 +21,7 @@ void openToAll(const std::string& path) {
   ASSERT_EQ(::chmod(path.c_str(), 0777), 0);
 }
 
-// The user's mask, which lets others do everything.
+// Sets the umask to 0 for the lifetime of the object.
 class OpenMask {
  public:
   OpenMask() = default;
@@ -33,7 +33,7 @@ class OpenMask {
   const mode_t before_ = ::umask(0);
 };
 
-// Whatever the user's mask lets others do.
+// Runs with a umask of 0.
 class Privacy : public Records {
   OpenMask mask_;
 };
@@ -120,7 +120,7 @@ TEST_F(Privacy, TargetOfLinkKeepsItsMode) {
   EXPECT_EQ(modeOf("/tmp/support/elsewhere"), 0777u);
 }
 
-// The folder that a link in the place of the data folder leads to.
+// A folder to which a symbolic link at the data folder's path leads.
 class LinkedFolder : public Records {
  protected:
   void SetUp() override {

@@ -26,7 +26,8 @@ FileDescriptor hold(const std::string& folder) {
   return FileDescriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-// This process goes on as an ordinary user, to whom these folders belong. False where that can't be had.
+// Gives the folders to an ordinary user and changes this process to that user. Returns false if that is not
+// permitted.
 bool becomesOwnerOf(const std::vector<std::string>& folders) {
   const bool given = std::ranges::all_of(folders, [](const std::string& folder) {
     return ::chown(folder.c_str(), test_support::kNobody, test_support::kNobody) == 0;
@@ -34,7 +35,7 @@ bool becomesOwnerOf(const std::vector<std::string>& folders) {
   return given && test_support::becomeNobody();
 }
 
-// What makes the path of a root lead elsewhere, and what doesn't.
+// Changes that make the path of a root lead to another folder, and changes that do not.
 using RootChange = FileEvents;
 
 TEST_F(RootChange, RenamedRootIsReported) {
@@ -122,7 +123,7 @@ TEST_F(RootChange, RecreatedRootIsReported) {
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
 
-// File systems on a disk give the number of a removed folder to the next one; those in memory don't.
+// File systems on disk may reuse the inode number of a removed folder; those in memory do not.
 TEST_F(RootChange, RecreatedRootWithSameInodeNumberIsReported) {
   std::string onDisk = "/var/tmp/root.XXXXXX";
   ASSERT_NE(::mkdtemp(onDisk.data()), nullptr);
@@ -176,7 +177,7 @@ TEST_F(RootChange, RootMovedBackBeforeCheckIsNotReported) {
 TEST_F(RootChange, RootMovedBackBeforeBatchIsNotReported) {
   watch();
   fs::rename(root_, "/tmp/way/elsewhere");
-  QCoreApplication::processEvents();  // sees that it is away
+  QCoreApplication::processEvents();  // notices that the root is missing
   fs::rename("/tmp/way/elsewhere", root_);
   write("sign");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
@@ -232,7 +233,7 @@ TEST_F(RootChange, ChangeIsReportedIfParentBecomesInaccessible) {
     if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
     watch();
     fs::rename(root_, root_ + " old");
-    QCoreApplication::processEvents();  // sees that it is away
+    QCoreApplication::processEvents();  // notices that the root is missing
     fs::permissions("/tmp/way/middle", fs::perms(0));
     const bool told = nextBatch() == Batch{rootChanged()};
     fs::permissions("/tmp/way/middle", fs::perms(0700));
@@ -292,7 +293,7 @@ TEST_F(RootChange, PathLeadingToSameFolderByLinkIsNotReported) {
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
-// A file system of its own, unmounted when the test is over.
+// A root on a tmpfs, which is unmounted after the test.
 class OnAMount : public FileEvents {
  protected:
   void SetUp() override {
@@ -308,7 +309,7 @@ class OnAMount : public FileEvents {
 
 TEST_F(OnAMount, UnmountIsReported) {
   watch();
-  // The watch keeps no file system busy.
+  // umount() fails with EBUSY if the watch keeps the file system busy.
   ASSERT_EQ(::umount("/tmp/way/middle"), 0);
   EXPECT_THAT(nextBatch(), ElementsAre(rootChanged()));
 }
@@ -354,8 +355,8 @@ TEST_F(OnAMount, RootMountedInsideItselfIsNoEndlessTree) {
   EXPECT_THAT(nextBatch(), Contains(rootChanged()));
 }
 
-// A root in the lower one of two layers. The first write below it moves it to the upper one, and makes it
-// younger.
+// A root in the lower layer of an overlay. The first write below it copies it to the upper layer, which gives
+// it a later birth time.
 class OnAnOverlay : public FileEvents {
  protected:
   void SetUp() override {

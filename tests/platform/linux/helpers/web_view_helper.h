@@ -16,10 +16,10 @@
 
 namespace web_view_test {
 
-// Runs the real helper on a display of the program's own and talks to it on its input.
+// Runs the real helper on a display of its own and writes addresses to its input.
 class WebViewHelper : public testing::Test {
  protected:
-  // Without a window manager, whose own windows would be among those on the screen.
+  // Without a window manager, whose windows would be among those on the screen.
   static void SetUpTestSuite() {
     display_ = std::make_unique<test_support::TestDisplay>();
     ASSERT_TRUE(display_->start({.windowManager = false}));
@@ -41,7 +41,7 @@ class WebViewHelper : public testing::Test {
                                      .input = test_support::Redirection::pipe(),
                                      .error = test_support::Redirection::null()}));
   }
-  // With these changes of the environment alone, and what it writes on standard error at hand.
+  // Starts the helper without options, with these environment changes and with standard error as a pipe.
   void startWith(const std::map<std::string, std::optional<std::string>>& changes) {
     auto environment = changes;
     environment.emplace("DISPLAY", display_->name());
@@ -51,15 +51,14 @@ class WebViewHelper : public testing::Test {
                                                                 .error = test_support::Redirection::pipe()}));
   }
   void load(const std::string& path) { ASSERT_TRUE(helper_.writeLine(server_.address(path))); }
-  // Starts the helper with a page and returns once the page's script runs, which asks for "/running" before
-  // anything else.
+  // Starts the helper with a page and waits until its script runs; the script requests "/running" first.
   void startWithScript(const std::string& script) {
     server_.put("/page", "<script>fetch('/running');" + script + "</script>");
     start();
     load("/page");
     ASSERT_TRUE(server_.waitFor("/running"));
   }
-  // Whether the helper goes on to load pages.
+  // Returns whether the helper still loads pages.
   [[nodiscard]] bool stillLoads() {
     server_.put("/next", "<script>fetch('/next-runs')</script>");
     return helper_.writeLine(server_.address("/next")) && server_.waitFor("/next-runs");

@@ -1,4 +1,4 @@
-// What pages ask for beyond being loaded.
+// Tests the requests of pages that the helper refuses.
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 class WebViewRefusal : public WebViewHelper {
  protected:
-  // After something was refused, all goes on and there is nothing to be seen.
+  // Expects that the helper still loads pages and shows no window.
   void expectNothingHappened() {
     EXPECT_TRUE(stillLoads());
     EXPECT_THAT(test_support::windowsOn(display_->name()), IsEmpty());
@@ -49,8 +49,8 @@ TEST_F(WebViewRefusal, LinkToNewWindowIsNotFollowed) {
   EXPECT_FALSE(server_.wasAsked("/other"));
 }
 
-// Its end is not left to the lack of a place for the file, which shows once the answer comes. It may be cut
-// off before it has asked, so the page goes on to try.
+// The download must be cancelled before its answer, not only when the file cannot be created. The
+// cancellation may precede the request, so the page repeats it.
 TEST_F(WebViewRefusal, DownloadIsCancelledBeforeAnswer) {
   std::atomic<bool> asked = false;
   std::atomic<bool> cutOff = false;
@@ -87,7 +87,7 @@ TEST_F(WebViewRefusal, DownloadIsNotStored) {
   EXPECT_EQ(filesBelow("/tmp"), before);
 }
 
-// Ways in which a page may try to have a local page opened, which would report back.
+// Scripts that try to open a local page, which would make a request.
 class WebViewLocalPage : public WebViewHelper, public testing::WithParamInterface<const char*> {};
 
 TEST_P(WebViewLocalPage, IsNotOpened) {

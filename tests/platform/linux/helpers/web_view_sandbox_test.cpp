@@ -1,4 +1,4 @@
-// What a page could reach from inside the processes of the web engine.
+// Tests what a page could reach from inside the processes of the web engine.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
@@ -37,7 +37,7 @@ std::string namespaceOf(pid_t process, const std::string& kind) {
   return fs::read_symlink(below(process, "ns/" + kind));
 }
 
-// `name` is a path, or an abstract address where it begins with a NUL.
+// `name` is a path, or an abstract address if it begins with NUL.
 bool connectsTo(const std::string& name) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -74,7 +74,8 @@ class WebViewSandbox : public WebViewHelper {
     const std::string path = "/tmp/.X11-unix/X" + display_->name().substr(1);
     return {path, '\0' + path};
   }
-  // The status of a process in the namespaces of another: 0 if it reaches no socket of X there.
+  // Returns the number of X sockets that a process in the namespaces of `process` can connect to, 100 if it
+  // cannot join them, or -1 on failure.
   [[nodiscard]] static int reachableFrom(pid_t process) {
     test_support::ForkedCall call([process] {
       for (const char* kind : {"user", "net", "mnt"}) {
@@ -139,7 +140,7 @@ TEST_F(WebViewSandbox, PageIsLoadedWithoutDisplay) {
   EXPECT_TRUE(stillLoads());
 }
 
-// The two that other sockets could be reached by.
+// Other sockets could be reached through the network and mount namespaces.
 TEST_F(WebViewSandbox, WebProcessHasOwnNetworkAndMountNamespaces) {
   startWithScript("");
   const pid_t process = webProcess();
@@ -163,7 +164,7 @@ TEST_F(WebViewSandbox, WithoutSandboxNoPageIsLoadedAndErrorIsLogged) {
   EXPECT_THAT(webProcesses(), IsEmpty());
 }
 
-// What stands for $XDG_RUNTIME_DIR where it can't be used.
+// Tests the replacement for an unusable XDG_RUNTIME_DIR.
 class WebViewRuntimeFolder : public WebViewHelper {
  protected:
   void SetUp() override {

@@ -17,7 +17,7 @@ namespace {
 
 using platform::Application;
 
-// A window that hides while the user works in another program, and such a program.
+// A window that hides while another program is active, and such a program.
 class WindowActivity : public WindowFixture {
  protected:
   void SetUp() override { layout_.window->setHidesOnDeactivate(true); }
@@ -29,7 +29,7 @@ class WindowActivity : public WindowFixture {
     return low && test_support::waitForWindow(display(), test_support::windowNamed("High"));
   }
 
-  // By a click in its window, which is in the upper left of the display.
+  // Clicks the other program's window, which is in the upper left of the display.
   [[nodiscard]] bool turnToOtherProgram() {
     const auto low = test_support::waitForWindow(display(), test_support::windowNamed("Low"));
     return low && test_support::clickMouse(display(), low->x + 10, low->y + 10) &&
@@ -39,7 +39,7 @@ class WindowActivity : public WindowFixture {
   [[nodiscard]] bool hides() {
     return serveEventsUntil([this] { return !layout_.window->isVisible(); });
   }
-  // For long enough to be hidden in.
+  // Waits 500 ms, long enough for the window to hide.
   [[nodiscard]] bool stays() {
     return !serveEventsUntil([this] { return !layout_.window->isVisible(); }, std::chrono::milliseconds(500));
   }
@@ -48,7 +48,7 @@ class WindowActivity : public WindowFixture {
         [this] { return layout_.window->isVisible() && widgetOf(*layout_.window).isActiveWindow(); });
   }
 
-  // The window manager takes the keyboard for as long as its user chooses among windows.
+  // The window manager grabs the keyboard while the user switches windows with Alt+Tab.
   [[nodiscard]] bool beginChoice() {
     if (!show(*layout_.window) || !startOtherProgram()) return false;
     layout_.window->makeKeyAndOrderFront();
@@ -93,7 +93,7 @@ TEST_F(WindowActivity, SheetHidesAndReturnsWithItsWindow) {
   EXPECT_TRUE(layout_.window->isVisible());
 }
 
-// A click in another window would make the program active and bring it back; a close request does not.
+// A click in another window would activate the program and show the window again; a close request does not.
 TEST_F(WindowActivity, ModalRunOfHiddenWindowDoesNotBlockOthers) {
   SupportLayout plain;
   plain.window->setTitle("Plain");
@@ -137,8 +137,8 @@ TEST_F(WindowActivity, ReturnsWhenOtherWindowOfProgramGetsFocus) {
   plain.window->close();
 }
 
-// openbox gives the keyboard to any window of the program that has it, so what the window asks for is looked
-// at.
+// openbox gives the input focus to any window of the active program, so the test reads the window's request
+// (_NET_WM_USER_TIME).
 TEST_F(WindowActivity, RequestsFocusWhenShownButNotWhenItReturns) {
   const auto asksForKeyboard = [] {
     const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
@@ -182,7 +182,7 @@ TEST_F(WindowActivity, BlocksOthersAsSoonAsItReturnsForModalRun) {
   plain.window->close();
 }
 
-// Some window managers minimise a window that offers no control for it.
+// Some window managers can minimise a window without a minimise button.
 TEST_F(WindowActivity, MinimisedWindowReturnsOnActivation) {
   ASSERT_TRUE(show(*layout_.window));
   const auto window = test_support::waitForWindow(display(), test_support::windowNamed("Support Tovalin"));
@@ -204,7 +204,7 @@ TEST_F(WindowActivity, StaysWhenOtherWindowOfProgramGetsFocus) {
   plain.window->close();
 }
 
-// As where the desktop keeps programs from taking the keyboard.
+// Simulates a desktop that prevents programs from taking the input focus.
 TEST_F(WindowActivity, StaysIfShownWhileOtherProgramIsActive) {
   SupportLayout plain;
   ASSERT_TRUE(show(*plain.window));
