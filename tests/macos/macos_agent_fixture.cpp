@@ -153,7 +153,7 @@ void MacosAgentTest::send(const std::string& message) {
 
 void MacosAgentTest::choose(int line) {
   const auto item = waitForWindow(display_.name(), test_support::windowNamed("status item"));
-  ASSERT_TRUE(item);
+  ASSERT_TRUE(item) << "no status item: " << agent_.takeErrorOutput();
   ASSERT_TRUE(
       test_support::clickMouse(display_.name(), item->x + item->width / 2, item->y + item->height / 2));
   const auto menu = waitForWindow(display_.name(), isMenu);

@@ -21,6 +21,14 @@ extern "C" NSArray* standInSearchPaths(NSSearchPathDirectory directory, NSSearch
                                        BOOL expandTilde);
 #define NSSearchPathForDirectoriesInDomains standInSearchPaths
 
+// GNUstep's finds no match for the pattern "\\X", a grapheme.
+@interface StandInRegularExpression : NSRegularExpression
++ (StandInRegularExpression*)regularExpressionWithPattern:(NSString*)pattern
+                                                  options:(NSRegularExpressionOptions)options
+                                                    error:(NSError**)error;
+@end
+#define NSRegularExpression StandInRegularExpression
+
 @interface StandInStatusItem : NSObject {
   NSWindow* window_;
   NSStatusBarButton* button_;
