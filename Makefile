@@ -37,7 +37,7 @@ format:
 	clang-format -i $(SOURCES)
 
 # The slowest checks, which find the fewest errors, come last.
-check: check-packages check-format check-language check-cppcheck check-compilers check-portable check-macos check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-language check-cppcheck check-compilers check-portable check-macos macos-on-gnustep check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
 	packaging/set_up

@@ -182,6 +182,10 @@ bool MacosAgentTest::hides(const test_support::WindowPredicate& fits) {
   return test_support::waitForNoWindow(display_.name(), fits);
 }
 
+void MacosAgentTest::postNotification(const std::string& name) {
+  ASSERT_EQ(run({TOVALIN_POST_NOTIFICATION, name}), 0);
+}
+
 void MacosAgentTest::saveScreen(const std::string& name) const {
   const char* pictures = std::getenv("TOVALIN_PICTURES");
   if (pictures == nullptr) return;

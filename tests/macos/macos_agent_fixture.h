@@ -39,6 +39,7 @@ class MacosAgentTest : public testing::Test {
   void clickIn(const std::string& window, int x, int fromBottom);
   [[nodiscard]] bool shows(const test_support::WindowPredicate& fits);
   [[nodiscard]] bool hides(const test_support::WindowPredicate& fits);
+  static void postNotification(const std::string& name);
   void saveScreen(const std::string& name) const;
 
   // What is on the time line; the beacons, which nobody waits for, apart.

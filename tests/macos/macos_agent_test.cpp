@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/harness/desktop/x_picture.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/wait_until.h"
 #include "tests/macos/macos_agent_fixture.h"
@@ -228,6 +229,20 @@ TEST_F(MacosAgent, DarkAppearanceIsReadAtTheStart) {
   ASSERT_EQ(defaults.wait(), ExitStatus{.code = 0});
   launch();
   EXPECT_EQ(count("log 3: Dark Mode : 1"), 1);
+}
+
+TEST_F(MacosAgent, EachAppearanceNotificationFlipsTheIcon) {
+  launch();
+  const auto item = test_support::waitForWindow(display_.name(), windowNamed("status item"));
+  ASSERT_TRUE(item);
+  const test_support::ScreenArea area{item->x, item->y, item->width, item->height};
+  const auto light = test_support::pictureOf(display_.name(), area);
+  ASSERT_TRUE(light);
+  postNotification("AppleInterfaceThemeChangedNotification");
+  ASSERT_TRUE(waitUntil([&] { return test_support::pictureOf(display_.name(), area) != light; }));
+  saveScreen("macos-dark-icon");
+  postNotification("AppleInterfaceThemeChangedNotification");
+  EXPECT_TRUE(waitUntil([&] { return test_support::pictureOf(display_.name(), area) == light; }));
 }
 
 TEST_F(MacosAgent, SecondStartOpensTheMenu) {
