@@ -2,11 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -18,7 +19,27 @@ namespace platform {
 class PropertyList {
  public:
   using Array = std::vector<PropertyList>;
-  using Dictionary = std::map<std::string, PropertyList, std::less<>>;
+  struct Entry;
+  // Entries with distinct keys.
+  class Dictionary {
+   public:
+    // Which of several entries with the same key stays.
+    enum class Keep { First, Last };
+
+    Dictionary() = default;
+    Dictionary(std::initializer_list<Entry> entries);
+    Dictionary(std::vector<Entry> entries, Keep keep);
+
+    // Sorted by key.
+    [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
+    // Returns nullptr if there is none. The pointer is valid until this object changes.
+    [[nodiscard]] const PropertyList* find(std::string_view key) const;
+
+    bool operator==(const Dictionary&) const = default;
+
+   private:
+    std::vector<Entry> entries_;
+  };
   using Data = std::vector<std::byte>;
   // Seconds since 2001-01-01T00:00:00Z.
   struct Date {
@@ -50,14 +71,21 @@ class PropertyList {
 
   // Replaces the value by one of this type, constructed in place.
   template <typename T>
-  void set(T value) {
-    value_.emplace<T>(std::move(value));
+  void set(T&& value) {
+    value_.emplace<std::remove_cvref_t<T>>(std::forward<T>(value));
   }
 
   bool operator==(const PropertyList&) const = default;
 
  private:
   Value value_;
+};
+
+struct PropertyList::Entry {
+  std::string key = {};
+  PropertyList value = {};
+
+  bool operator==(const Entry&) const = default;
 };
 
 // Limits on reading. A list that exceeds one of them is unreadable, so that a malicious list takes at most a

@@ -1,5 +1,9 @@
 #include "platform/property_list.h"
 
+#include <algorithm>
+#include <functional>
+#include <utility>
+
 #include "platform/portable/property_list_readers.h"
 
 namespace platform {
@@ -14,13 +18,33 @@ bool looksLikeXml(std::string_view text) {
   return first != std::string_view::npos && text[first] == '<';
 }
 
+bool isSortedWithoutRepeats(const std::vector<PropertyList::Entry>& entries) {
+  return std::ranges::adjacent_find(entries, std::ranges::greater_equal(), &PropertyList::Entry::key) ==
+         entries.end();
+}
+
 }  // namespace
+
+PropertyList::Dictionary::Dictionary(std::initializer_list<Entry> entries)
+    : Dictionary(std::vector(entries), Keep::First) {}
+
+// Most lists are sorted by key.
+PropertyList::Dictionary::Dictionary(std::vector<Entry> entries, Keep keep) : entries_(std::move(entries)) {
+  if (isSortedWithoutRepeats(entries_)) return;
+  if (keep == Keep::Last) std::ranges::reverse(entries_);
+  std::ranges::stable_sort(entries_, {}, &Entry::key);
+  const auto repeats = std::ranges::unique(entries_, {}, &Entry::key);
+  entries_.erase(repeats.begin(), repeats.end());
+}
+
+const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {
+  const auto entry = std::ranges::lower_bound(entries_, key, {}, &Entry::key);
+  return entry == entries_.end() || entry->key != key ? nullptr : &entry->value;
+}
 
 const PropertyList* PropertyList::find(std::string_view key) const {
   const auto* dictionary = as<Dictionary>();
-  if (dictionary == nullptr) return nullptr;
-  const auto entry = dictionary->find(key);
-  return entry == dictionary->end() ? nullptr : &entry->second;
+  return dictionary == nullptr ? nullptr : dictionary->find(key);
 }
 
 const std::string* PropertyList::textAt(std::string_view key) const {

@@ -263,7 +263,7 @@ std::optional<PropertyList> BinaryListReader::arrayOf(const Head& head) {
 std::optional<PropertyList> BinaryListReader::dictionaryOf(const Head& head) {
   const ListBounds::Level level(bounds_);
   if (level.tooDeep() || head.count > bounds_.objectsLeft()) return std::nullopt;
-  PropertyList::Dictionary entries;
+  std::vector<PropertyList::Entry> entries;
   for (std::uint64_t i = 0; i < head.count; ++i) {
     const auto keyIndex = referenceAt(head.position + i * layout_.referenceSize);
     const auto valueIndex = referenceAt(head.position + (head.count + i) * layout_.referenceSize);
@@ -272,9 +272,9 @@ std::optional<PropertyList> BinaryListReader::dictionaryOf(const Head& head) {
     if (!key) return std::nullopt;
     auto value = object(*valueIndex);
     if (!value) return std::nullopt;
-    entries.emplace(std::move(*key), std::move(*value));
+    entries.push_back({std::move(*key), std::move(*value)});
   }
-  return PropertyList(std::move(entries));
+  return PropertyList(PropertyList::Dictionary(std::move(entries), PropertyList::Dictionary::Keep::First));
 }
 
 std::optional<std::string> BinaryListReader::keyAt(std::uint64_t index) {

@@ -42,9 +42,11 @@ class OldTextReader {
   [[nodiscard]] bool atEnd() const { return rest_.empty(); }
 
  private:
+  using Entries = std::vector<PropertyList::Entry>;
+
   bool skipComment();
   bool accept(char c);
-  bool pair(PropertyList::Dictionary& entries);
+  bool pair(Entries& entries);
   std::optional<PropertyList> array();
   std::optional<PropertyList> dictionary();
   std::optional<PropertyList> pairs();
@@ -128,27 +130,27 @@ std::optional<PropertyList> OldTextReader::stringsFile() {
 std::optional<PropertyList> OldTextReader::pairs() {
   const ListBounds::Level level(bounds_);
   if (level.tooDeep()) return std::nullopt;
-  PropertyList::Dictionary entries;
+  Entries entries;
   while (skipBlanks() && rest_.front() != '}') {
     if (!pair(entries)) return std::nullopt;
   }
-  return PropertyList(std::move(entries));
+  return PropertyList(PropertyList::Dictionary(std::move(entries), PropertyList::Dictionary::Keep::Last));
 }
 
 // A key without a value stands for itself.
-bool OldTextReader::pair(PropertyList::Dictionary& entries) {
+bool OldTextReader::pair(Entries& entries) {
   if (!bounds_.takeObjects()) return false;
   auto key = string();
   if (!key) return false;
   if (accept(';')) {
     if (!bounds_.takeObjects() || !bounds_.takeBytes(key->size())) return false;
-    entries.insert_or_assign(*key, PropertyList(*key));
+    entries.push_back({*key, PropertyList(*key)});
     return true;
   }
   if (!accept('=')) return false;
   auto value = object();
   if (!value || !accept(';')) return false;
-  entries.insert_or_assign(std::move(*key), std::move(*value));
+  entries.push_back({std::move(*key), std::move(*value)});
   return true;
 }
 

@@ -12,6 +12,9 @@
 namespace platform {
 namespace {
 
+// In bytes. No list has a longer tag with attributes, and Expat stores each attribute of one.
+constexpr int maxTagSize = 4096;
+
 enum class Element { Plist, Dict, Array, True, False, Data, Integer, Real, Date, String, Key };
 
 std::optional<Element> elementNamed(std::string_view name) {
@@ -52,9 +55,9 @@ class XmlListBuilder {
   struct Open {
     Element element;
     PropertyList::Array items = {};
-    PropertyList::Dictionary entries = {};
-    // The entry of a key whose value is still to come.
-    PropertyList* awaited = nullptr;
+    std::vector<PropertyList::Entry> entries = {};
+    // Whether the last entry has its key alone so far.
+    bool awaitsValue = false;
   };
 
   [[nodiscard]] bool mayStart(Element element) const;
@@ -65,7 +68,9 @@ class XmlListBuilder {
   void addKey();
   bool addLeaf(Element element);
   template <typename T>
-  bool add(std::optional<T> value);
+  bool add(T&& value);
+  template <typename T>
+  bool addParsed(std::optional<T> value);
   PropertyList& place();
 
   std::vector<Open> open_;
@@ -91,7 +96,7 @@ bool XmlListBuilder::mayStart(Element element) const {
   if (open_.empty()) return element != Element::Key;
   const Open& parent = open_.back();
   if (element == Element::Plist) return false;
-  if (parent.element == Element::Dict) return (element == Element::Key) == (parent.awaited == nullptr);
+  if (parent.element == Element::Dict) return (element == Element::Key) != parent.awaitsValue;
   return element != Element::Key && (parent.element == Element::Array || !root_);
 }
 
@@ -130,29 +135,27 @@ bool XmlListBuilder::endLeaf() {
   return true;
 }
 
-// Of entries with the same key the last counts. Most lists are sorted by key, hence the hint.
 void XmlListBuilder::addKey() {
   Open& dictionary = open_.back();
-  const auto entry =
-      dictionary.entries.emplace_hint(dictionary.entries.end(), std::move(text_), PropertyList());
-  dictionary.awaited = &entry->second;
+  dictionary.entries.emplace_back().key = std::move(text_);
+  dictionary.awaitsValue = true;
 }
 
 bool XmlListBuilder::addLeaf(Element element) {
   switch (element) {
     case Element::True:
     case Element::False:
-      return add(std::optional(element == Element::True));
+      return add(element == Element::True);
     case Element::Data:
-      return decoder_->complete() && add(std::optional(std::move(data_)));
+      return decoder_->complete() && add(std::move(data_));
     case Element::Integer:
-      return add(parseListInteger(text_));
+      return addParsed(parseListInteger(text_));
     case Element::Real:
-      return add(parseListReal(text_));
+      return addParsed(parseListReal(text_));
     case Element::Date:
-      return add(parseListDate(text_));
+      return addParsed(parseListDate(text_));
     default:
-      return add(std::optional(std::move(text_)));
+      return add(std::move(text_));
   }
 }
 
@@ -160,15 +163,20 @@ bool XmlListBuilder::endContainer() {
   Open container = std::move(open_.back());
   open_.pop_back();
   if (container.element == Element::Plist) return root_.has_value();
-  if (container.element == Element::Array) return add(std::optional(std::move(container.items)));
-  return container.awaited == nullptr && add(std::optional(std::move(container.entries)));
+  if (container.element == Element::Array) return add(std::move(container.items));
+  if (container.awaitsValue) return false;
+  return add(PropertyList::Dictionary(std::move(container.entries), PropertyList::Dictionary::Keep::Last));
 }
 
 template <typename T>
-bool XmlListBuilder::add(std::optional<T> value) {
-  if (!value) return false;
-  place().set(std::move(*value));
+bool XmlListBuilder::add(T&& value) {
+  place().set(std::forward<T>(value));
   return true;
+}
+
+template <typename T>
+bool XmlListBuilder::addParsed(std::optional<T> value) {
+  return value && add(*value);
 }
 
 // Where the value that has just ended belongs.
@@ -176,7 +184,8 @@ PropertyList& XmlListBuilder::place() {
   if (open_.empty() || open_.back().element == Element::Plist) return root_.emplace();
   Open& parent = open_.back();
   if (parent.element == Element::Array) return parent.items.emplace_back();
-  return *std::exchange(parent.awaited, nullptr);
+  parent.awaitsValue = false;
+  return parent.entries.back().value;
 }
 
 // Runs Expat (https://libexpat.github.io/doc/) over the text.
@@ -223,10 +232,11 @@ std::optional<PropertyList> XmlListParser::read(std::string_view text) {
   }
 }
 
-// A whole slice without an event lies within one tag or reference. No list has such a long one, and the
-// parser would store all of its attributes.
+// A whole slice without an event lies within one tag or reference. The size bounds what Expat stores of a tag
+// before it reports it; in smaller slices Expat spends more on counting lines, which it omits for the last
+// one.
 bool XmlListParser::feed(std::string_view piece, bool isLast) {
-  constexpr std::size_t sliceSize = 4096;
+  constexpr std::size_t sliceSize = 16384;
   do {
     const std::string_view slice = piece.substr(0, sliceSize);
     piece.remove_prefix(slice.size());
@@ -253,8 +263,12 @@ void XmlListParser::handle(Event event) {
   if (refused_) XML_StopParser(parser_.get(), XML_FALSE);
 }
 
-void XmlListParser::onStart(void* self, const XML_Char* name, const XML_Char** /*attributes*/) {
-  static_cast<XmlListParser*>(self)->handle([name](XmlListBuilder& builder) { return builder.start(name); });
+void XmlListParser::onStart(void* self, const XML_Char* name, const XML_Char** attributes) {
+  auto* const parser = static_cast<XmlListParser*>(self);
+  parser->handle([&](XmlListBuilder& builder) {
+    if (*attributes != nullptr && XML_GetCurrentByteCount(parser->parser_.get()) > maxTagSize) return false;
+    return builder.start(name);
+  });
 }
 
 void XmlListParser::onEnd(void* self, const XML_Char* /*name*/) {

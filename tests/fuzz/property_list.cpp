@@ -22,7 +22,7 @@ struct Cost {
 void addCost(const PropertyList& list, std::size_t depth, Cost& cost);
 
 void addEntries(const PropertyList::Dictionary& dictionary, std::size_t depth, Cost& cost) {
-  for (const auto& [key, value] : dictionary) {
+  for (const auto& [key, value] : dictionary.entries()) {
     ++cost.objects;
     cost.bytes += key.size();
     addCost(value, depth, cost);

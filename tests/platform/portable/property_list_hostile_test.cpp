@@ -70,6 +70,20 @@ std::string dictionaryOfMany() {
   return list + "</dict></plist>";
 }
 
+std::string dictionaryInReverse() {
+  std::string list = "<plist><dict>";
+  for (int i = 9'999; i > 0; --i) list += "<key>" + std::to_string(10'000 + i) + "</key><array/>";
+  return list + "</dict></plist>";
+}
+
+std::string dictionaryOfOneKey() {
+  return "<plist><dict>" + repeated("<key>key</key><true/>", 9'999) + "</dict></plist>";
+}
+
+std::string smallDictionaries() {
+  return "<plist><array>" + repeated("<dict><key>key</key><true/></dict>", 6'600) + "</array></plist>";
+}
+
 // Returns a list of a few hundred bytes plus `value`: 100 references to an array of 100 references to
 // `value`.
 std::string shared(const std::string& value) {
@@ -123,6 +137,9 @@ const std::vector<Hostile>& hostileLists() {
       {"XmlLatin1", true, latin1},
       {"XmlStrings", true, stringsInArray},
       {"XmlDictionary", true, dictionaryOfMany},
+      {"XmlDictionaryInReverse", true, dictionaryInReverse},
+      {"XmlDictionaryOfOneKey", true, dictionaryOfOneKey},
+      {"XmlSmallDictionaries", true, smallDictionaries},
       {"BinarySharedText", false, sharedText},
       {"BinarySharedData", false, sharedData},
       {"BinaryArrays", false, binaryArrays},

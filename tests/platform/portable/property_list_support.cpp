@@ -51,9 +51,7 @@ PropertyList pairs(PropertyList::Dictionary entries) {
 }
 
 PropertyList single(std::string key, PropertyList value) {
-  PropertyList::Dictionary entries;
-  entries.emplace(std::move(key), std::move(value));
-  return pairs(std::move(entries));
+  return pairs({{std::move(key), std::move(value)}});
 }
 
 std::string bytes(std::initializer_list<unsigned> values) {

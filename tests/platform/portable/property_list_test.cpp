@@ -33,6 +33,26 @@ TEST(PropertyList, FindReturnsEntryOfKey) {
   EXPECT_EQ(list.find("Auto"), nullptr);
 }
 
+TEST(PropertyListDictionary, SortsEntriesByKey) {
+  using Dictionary = PropertyList::Dictionary;
+  const Dictionary dictionary({{"b", number(1)}, {"", number(2)}, {"a", number(3)}}, Dictionary::Keep::First);
+  EXPECT_EQ(dictionary, (Dictionary{{"", number(2)}, {"a", number(3)}, {"b", number(1)}}));
+  EXPECT_EQ(dictionary.entries().front().key, "");
+  EXPECT_EQ(dictionary.entries().back().key, "b");
+}
+
+TEST(PropertyListDictionary, KeepsFirstOrLastOfRepeatedKeys) {
+  using Dictionary = PropertyList::Dictionary;
+  const std::vector<PropertyList::Entry> sorted = {
+      {"a", number(1)}, {"b", number(2)}, {"b", number(3)}, {"b", number(4)}};
+  const std::vector<PropertyList::Entry> unsorted = {
+      {"b", number(2)}, {"a", number(1)}, {"b", number(3)}, {"b", number(4)}};
+  for (const auto& entries : {sorted, unsorted}) {
+    EXPECT_EQ(Dictionary(entries, Dictionary::Keep::First), (Dictionary{{"a", number(1)}, {"b", number(2)}}));
+    EXPECT_EQ(Dictionary(entries, Dictionary::Keep::Last), (Dictionary{{"a", number(1)}, {"b", number(4)}}));
+  }
+}
+
 TEST(PropertyList, FindReturnsNullIfNotDictionary) {
   EXPECT_EQ(text("Autorun").find("Autorun"), nullptr);
   EXPECT_EQ(PropertyList(PropertyList::Array{text("Autorun")}).find("Autorun"), nullptr);

@@ -271,6 +271,20 @@ TEST(XmlPropertyList, RepeatedKeyTakesLastValueOfAnyType) {
       pairs({{"a", single("a", listOf({}))}, {"b", text("y")}, {"c", text("x")}}));
 }
 
+// The limit does not depend on the position of the tag.
+TEST(XmlPropertyList, TagWithAttributesBeyond4096BytesIsUnreadable) {
+  constexpr std::size_t maxTagSize = 4096;
+  const auto tag = [](std::size_t size) {
+    const std::string start = "<array a=\"", end = "\"/>";
+    return start + std::string(size - start.size() - end.size(), 'x') + end;
+  };
+  for (const std::size_t before : {0, 100, 4'000, 8'000, 12'500, 16'300, 40'000}) {
+    const std::string blanks(before, ' ');
+    EXPECT_TRUE(parseInPlist(blanks + tag(maxTagSize))) << before;
+    EXPECT_FALSE(parseInPlist(blanks + tag(maxTagSize + 1))) << before;
+  }
+}
+
 TEST(XmlPropertyList, DictionaryAlternatesKeysAndValues) {
   EXPECT_EQ(parseInPlist("<dict><key/><true/></dict>"), single("", PropertyList(true)));
   EXPECT_FALSE(parseInPlist("<dict><key>a</key></dict>"));
