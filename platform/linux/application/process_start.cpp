@@ -37,7 +37,7 @@ void prepareProcess() {
   std::set_terminate(endUncaught);
   fillStandardStreams();
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-  const sigset_t endings = endingSignals();
+  const sigset_t endings = terminationSignals();
   sigprocmask(SIG_SETMASK, &endings, nullptr);
   ::signal(SIGPIPE, SIG_IGN);
   // Images are allocated and freed with each notice. Allocate them with mmap, so that freed images return to

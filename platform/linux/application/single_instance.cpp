@@ -118,7 +118,7 @@ void SingleInstance::deferToNameOwner() {
   if (!activateNameOwner(bus)) report(noAgent);
 }
 
-bool SingleInstance::tellFirst() {
+bool SingleInstance::notifyFirst() {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) {
     consoleLog("TovalinTray runs already; its menu can't be opened from here without a session bus");

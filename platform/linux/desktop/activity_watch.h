@@ -29,7 +29,7 @@ class ActivityWatch : public QObject, private QAbstractNativeEventFilter {
   std::function<void(bool)> changed_;
   bool active_ = false;
   QTimer settle_;
-  std::uint32_t holderProperty_ = 0;
+  std::uint32_t focusProperty_ = 0;
 };
 
 }  // namespace platform

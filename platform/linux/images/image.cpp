@@ -15,8 +15,8 @@
 #include <QScreen>
 
 #include "platform/bundle.h"
+#include "platform/linux/images/cached_pixels.h"
 #include "platform/linux/images/image_impl.h"
-#include "platform/linux/images/kept_pixels.h"
 #include "platform/portable/picture_data.h"
 
 namespace platform {
@@ -54,7 +54,7 @@ QString versionOf(const QString& path) {
 
 // Cached, because decoding a large image takes several milliseconds.
 QImage pixelsIn(const QString& path) {
-  return keptPixels(versionOf(path), [&] {
+  return cachedPixels(versionOf(path), [&] {
     // The file name determines the format. Detection by content would load every image plugin.
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return QImage();

@@ -1,8 +1,8 @@
 #include <QPainter>
 
 #include "platform/image.h"
+#include "platform/linux/images/cached_pixels.h"
 #include "platform/linux/images/image_impl.h"
-#include "platform/linux/images/kept_pixels.h"
 
 namespace platform {
 namespace {
@@ -24,7 +24,7 @@ QImage averaged(const QString& name, const QImage& form, QRect part, QSize size)
   if (name.isEmpty()) return average();
   const QString key = QString::asprintf(" %d %d %d %d %d %d %d", form.width(), part.x(), part.y(),
                                         part.width(), part.height(), size.width(), size.height());
-  return keptPixels(name + key, average);
+  return cachedPixels(name + key, average);
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ void TextWidget::paintEvent(QPaintEvent* event) {
   QFont underlined = font();
   underlined.setUnderline(attributes_->underline);
   painter.setFont(underlined);
-  if (attributes_->foregroundColor) painter.setPen(toolkitColor(*attributes_->foregroundColor));
+  if (attributes_->foregroundColor) painter.setPen(qtColor(*attributes_->foregroundColor));
   painter.drawText(rect(), layoutFlags(), shownText());
   painter.end();
   if (hasFocus()) drawFocusFrame(*this, textArea().adjusted(-1, 0, 1, 0).intersected(rect()));

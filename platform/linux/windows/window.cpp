@@ -26,7 +26,7 @@ namespace platform {
 namespace {
 
 // Returns the area for the window's content in which its frame is wholly on the screen.
-QRect roomFor(const QWidget& window) {
+QRect availableContentArea(const QWidget& window) {
   const QRect content = window.geometry();
   const QRect frame = window.frameGeometry();
   return window.windowHandle()->screen()->availableGeometry().adjusted(
@@ -88,7 +88,7 @@ class WindowWidget : public QWidget {
       if (size() == minimumSize() || windowHandle() == nullptr) return;
       QRect place(QPoint(0, 0), minimumSize());
       place.moveCenter(geometry().center());
-      setGeometry(movedInto(roomFor(*this), place));
+      setGeometry(movedInto(availableContentArea(*this), place));
     };
     QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
   }
@@ -104,7 +104,7 @@ class WindowWidget : public QWidget {
 
   void comeBackOnceIdle() {
     const auto comeBack = [this] {
-      if (isMinimized() && windowHandle() != nullptr && isMadeIcon(*windowHandle())) owner->comeBack();
+      if (isMinimized() && windowHandle() != nullptr && isMinimizedByUser(*windowHandle())) owner->comeBack();
     };
     QMetaObject::invokeMethod(this, comeBack, Qt::QueuedConnection);
   }
@@ -225,14 +225,14 @@ void Window::Impl::comeBack() {
 // winId() creates the native window now: Qt may replace a window whose flags have changed since it was shown.
 void Window::Impl::appear(void (QWidget::*show)()) {
   widget.winId();
-  tellItsControls();
+  updateMotifHints();
   (widget.*show)();
   firstPicture.give(widget);
-  tellItsControls();
+  updateMotifHints();
 }
 
-void Window::Impl::tellItsControls() {
-  if (QWindow* window = widget.windowHandle()) tellControls(*window, style == WindowStyle::TitledClosable);
+void Window::Impl::updateMotifHints() {
+  if (QWindow* window = widget.windowHandle()) setMotifHints(*window, style == WindowStyle::TitledClosable);
 }
 
 bool Window::Impl::isOnScreen() const {
@@ -245,7 +245,7 @@ void Window::Impl::setAboveOthers(bool above) {
   QWindow* window = widget.windowHandle();
   if (window == nullptr) return;
   window->setFlag(Qt::WindowStaysOnTopHint, above);
-  tellItsControls();
+  updateMotifHints();
 }
 
 std::shared_ptr<Window> Window::make(Rect contentRect, WindowStyle style) {
@@ -265,7 +265,7 @@ void Window::setTitle(std::string_view title) {
 }
 
 void Window::setBackgroundColor(Color color) {
-  impl_->widget.setPalette(paletteOn(toolkitColor(color)));
+  impl_->widget.setPalette(paletteOn(qtColor(color)));
 }
 
 void Window::setHidesOnDeactivate(bool hides) {

@@ -37,7 +37,7 @@ struct Window::Impl {
   // Calls `show` and sets the window's background image and its window-manager hints.
   void appear(void (QWidget::*show)());
   // Rewrites the window-manager hints after Qt has written its own.
-  void tellItsControls();
+  void updateMotifHints();
 
   WindowStyle style;
   std::unique_ptr<View> content;

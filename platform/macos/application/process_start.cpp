@@ -8,7 +8,7 @@
 #include <new>
 
 #include "platform/log.h"
-#include "platform/macos/application/ending_signals.h"
+#include "platform/macos/application/termination_signals.h"
 #include "platform/portable/standard_streams.h"
 
 namespace platform {
@@ -31,7 +31,7 @@ namespace {
 void prepareProcess() {
   std::set_terminate(endUncaught);
   fillStandardStreams();
-  blockEndingSignals();
+  blockTerminationSignals();
   ::signal(SIGPIPE, SIG_IGN);
   ::openlog("TovalinTray", LOG_PID, LOG_USER);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
