@@ -14,7 +14,7 @@ constexpr std::size_t commandBufferSize = 1024;
 
 bool isDarkAppearance(const std::optional<platform::PropertyList>& interfaceStyle) {
   const auto* style = interfaceStyle ? interfaceStyle->as<std::string>() : nullptr;
-  return style != nullptr && platform::equalButForCase(*style, "dark");
+  return style != nullptr && platform::equalIgnoringCase(*style, "dark");
 }
 
 std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundlePath) {

@@ -122,8 +122,8 @@ std::string_view trimmedCoding(std::string_view text) {
 }
 
 std::optional<Coding> codingNamed(std::string_view name) {
-  if (equalButForCase(name, "gzip") || equalButForCase(name, "x-gzip")) return Coding::Gzip;
-  if (equalButForCase(name, "deflate")) return Coding::Deflate;
+  if (equalIgnoringCase(name, "gzip") || equalIgnoringCase(name, "x-gzip")) return Coding::Gzip;
+  if (equalIgnoringCase(name, "deflate")) return Coding::Deflate;
   return std::nullopt;
 }
 

@@ -15,7 +15,7 @@
 namespace platform {
 namespace {
 
-constexpr long mostRedirects = 20;
+constexpr long maxRedirects = 20;
 
 class HeaderList {
  public:
@@ -83,7 +83,7 @@ void setDestination(UrlTransfer& transfer, const UrlRequest& request) {
   // Makes a URL without a scheme invalid; by default libcurl guesses the scheme.
   transfer.set(CURLOPT_DEFAULT_PROTOCOL, "file");
   transfer.set(CURLOPT_FOLLOWLOCATION, 1L);
-  transfer.set(CURLOPT_MAXREDIRS, request.redirectSchemes.empty() ? 0 : mostRedirects);
+  transfer.set(CURLOPT_MAXREDIRS, request.redirectSchemes.empty() ? 0 : maxRedirects);
   if (!request.redirectSchemes.empty())
     transfer.set(CURLOPT_REDIR_PROTOCOLS_STR, request.redirectSchemes.c_str());
   // With one request per connection, later HTTP versions bring no benefit.

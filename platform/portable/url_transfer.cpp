@@ -21,7 +21,7 @@ constexpr milliseconds samplingTime{250};
 
 // The maximum size of all heads and trailers. The protocol limits neither interim replies nor trailers, and
 // libcurl stores every line.
-constexpr std::size_t mostHeadBytes = std::size_t{1} << 20;
+constexpr std::size_t maxHeadBytes = std::size_t{1} << 20;
 
 milliseconds since(Clock::time_point time) {
   return std::chrono::duration_cast<milliseconds>(Clock::now() - time);
@@ -129,7 +129,7 @@ int UrlTransfer::closeSocket(void* transfer, curl_socket_t socket) {
 std::size_t UrlTransfer::takeHeadLine(char* line, std::size_t /*one*/, std::size_t size, void* transfer) {
   auto& self = *static_cast<UrlTransfer*>(transfer);
   self.headBytes_ += size;
-  if (self.headBytes_ > mostHeadBytes) return CURL_WRITEFUNC_ERROR;
+  if (self.headBytes_ > maxHeadBytes) return CURL_WRITEFUNC_ERROR;
   const bool isEnd = std::string_view(line, size).find_first_not_of("\r\n") == std::string_view::npos;
   const bool isInterim = self.info<long>(CURLINFO_RESPONSE_CODE) < 200;
   if (isEnd && !isInterim) self.answeredRedirects_ = self.info<long>(CURLINFO_REDIRECT_COUNT);

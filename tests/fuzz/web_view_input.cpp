@@ -25,7 +25,7 @@ bool isExpected(std::string_view line) {
   std::ranges::transform(start, start.begin(), lowerCase);
   const std::string_view scheme = start == "https://" ? "https://" : "http://";
   return start.starts_with(scheme) && line.size() > scheme.size() &&
-         line.size() <= AddressLines::longestLine &&
+         line.size() <= AddressLines::maxLineLength &&
          std::ranges::all_of(line, [](char c) { return c > ' ' && c < '\x7f'; });
 }
 

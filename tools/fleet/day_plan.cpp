@@ -39,7 +39,7 @@ class RunList {
     Run& run = runs_[count_++];
     run.launch = launch;
     run.end = end;
-    run.naps.clear();
+    run.sleepPeriods.clear();
     return run;
   }
   [[nodiscard]] Run* last() { return count_ == 0 ? nullptr : &runs_[count_ - 1]; }
@@ -69,9 +69,9 @@ void drawUniformDays(bool sleeps, Seconds firstDay, Seconds lastDay, Random& ran
     }
     const Seconds awake = wakeTime.draw(each, random);
     const Seconds asleep = bedtime.draw(each, random);
-    if (Run* before = runs.last()) before->naps.back().to = awake;
+    if (Run* before = runs.last()) before->sleepPeriods.back().to = awake;
     start(awake + random.below(asleep - awake), endOfPlan, runs);
-    runs.last()->naps.push_back({asleep, endOfPlan});
+    runs.last()->sleepPeriods.push_back({asleep, endOfPlan});
   }
 }
 
@@ -80,7 +80,7 @@ void drawPowerCut(bool sleeps, Span counted, Random& random, RunList& runs) {
   const Seconds lastDay = daysIn(counted.to - 1);
   Run& run = runs.add(powerCutLaunch.draw(firstDay, random), (lastDay + 2) * day);
   for (Seconds each = firstDay; sleeps && each <= lastDay; ++each)
-    run.naps.push_back(
+    run.sleepPeriods.push_back(
         {std::max(bedtime.draw(each, random), run.launch + minute), wakeTime.draw(each + 1, random)});
 }
 

@@ -22,13 +22,13 @@ struct Delimiter {
 };
 
 std::variant<std::string, FormError> boundaryIn(std::string_view contentType) {
-  constexpr std::size_t kLongest = 70;
+  constexpr std::size_t kMaxLength = 70;
   const std::optional<HeaderValue> type = parseHeaderValue(contentType);
   if (!type || type->value != "multipart/form-data") return FormError{"the type is not multipart/form-data"};
   const auto boundary = type->parameters.find("boundary");
   if (boundary == type->parameters.end()) return FormError{"the type names no boundary"};
   const std::string& text = boundary->second;
-  if (text.empty() || text.size() > kLongest || text.ends_with(' ') ||
+  if (text.empty() || text.size() > kMaxLength || text.ends_with(' ') ||
       text.find_first_of("\r\n") != text.npos)
     return FormError{"the boundary has not 1 to 70 fitting characters"};
   return text;

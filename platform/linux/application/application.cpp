@@ -47,7 +47,7 @@ void Application::stopModal() {
 void Application::activateIgnoringOtherApps(bool flag) {
   if (!flag && inputFocusOwner() == InputFocusOwner::OtherProgram) return;
   bringWindowsForward();
-  impl_->modalRuns.bringForward();
+  impl_->modalRuns.raiseInnermost();
 }
 
 bool Application::hasDisplay() const {

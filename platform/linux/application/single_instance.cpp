@@ -29,13 +29,13 @@ constexpr QLatin1StringView busName("com.kesmoor.tovalintrayagent");
 constexpr QLatin1StringView objectPath("/com/kesmoor/tovalintrayagent");
 constexpr QLatin1StringView applicationInterface("org.freedesktop.Application");
 constexpr QLatin1StringView activate("Activate");
-constexpr int activationLimitMs = 5000;
+constexpr int activationTimeoutMs = 5000;
 
 bool activateNameOwner(const QDBusConnection& bus) {
   QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, applicationInterface, activate);
   call << QVariantMap();
   call.setAutoStartService(false);
-  return bus.call(call, QDBus::Block, activationLimitMs).type() == QDBusMessage::ReplyMessage;
+  return bus.call(call, QDBus::Block, activationTimeoutMs).type() == QDBusMessage::ReplyMessage;
 }
 
 // Returns "PID (NAME)", or less if the bus or /proc does not provide it.

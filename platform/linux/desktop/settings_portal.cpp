@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-constexpr int portalAnswerLimitMs = 500;
+constexpr int portalTimeoutMs = 500;
 constexpr uint preferDark = 1;
 
 constexpr QLatin1StringView service("org.freedesktop.portal.Desktop");
@@ -54,8 +54,7 @@ SettingsPortal::SettingsPortal()
 }
 
 bool SettingsPortal::readPrefersDark() {
-  const QDBusMessage answer =
-      QDBusConnection::sessionBus().call(question(), QDBus::Block, portalAnswerLimitMs);
+  const QDBusMessage answer = QDBusConnection::sessionBus().call(question(), QDBus::Block, portalTimeoutMs);
   // A portal that this call starts may answer after the timeout. Its late answer counts as a change.
   if (isTimeOut(answer)) readAsynchronously();
   const bool answered = answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();

@@ -53,7 +53,7 @@ int perform(const helpers::KeepArchive& request) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   ::umask(S_IRWXG | S_IRWXO);
   const helpers::CollectRequest request = helpers::parseCollectRequest({argv + 1, argv + argc});
   if (const auto* files = std::get_if<helpers::CopyFiles>(&request)) return perform(*files);

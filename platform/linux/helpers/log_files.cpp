@@ -99,7 +99,7 @@ class Copying {
 
   // Checks the directory entry again after the open. If the entry was a second link to another file and has
   // been removed, that file has a link count of 1 and fstat alone would accept it.
-  [[nodiscard]] bool isStillTheEntry(int file, const std::string& name, struct stat& status) const {
+  [[nodiscard]] bool isSameEntry(int file, const std::string& name, struct stat& status) const {
     struct stat entry {};
     return ::fstat(file, &status) == 0 &&
            ::fstatat(source_.get(), name.c_str(), &entry, AT_SYMLINK_NOFOLLOW) == 0 &&
@@ -110,8 +110,8 @@ class Copying {
   bool copy(const std::string& name) {
     const FileDescriptor file = open(name);
     struct stat status {};
-    if (!file.valid() || !isStillTheEntry(file.get(), name, status)) return false;
-    if (status.st_size > room_ && request_.oversized == CopyFiles::Oversized::LeftOut) return false;
+    if (!file.valid() || !isSameEntry(file.get(), name, status)) return false;
+    if (status.st_size > room_ && request_.oversized == CopyFiles::Oversized::Skipped) return false;
     const off_t size = std::min<off_t>(status.st_size, room_);
     NewFile copied(target_.get(), nameOfCopy(name));
     if (!copied.valid() || !copyBytes(file.get(), status.st_size - size, size, copied)) {

@@ -9,13 +9,13 @@ bool isLetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-bool mayStandInScheme(char character) {
+bool isSchemeCharacter(char character) {
   return isLetter(character) || (character >= '0' && character <= '9') || character == '+' ||
          character == '-' || character == '.';
 }
 
 bool isUrl(std::string_view text) {
-  const auto colon = std::find_if_not(text.begin(), text.end(), mayStandInScheme);
+  const auto colon = std::find_if_not(text.begin(), text.end(), isSchemeCharacter);
   return colon != text.end() && *colon == ':' && isLetter(text.front());
 }
 

@@ -34,7 +34,7 @@ int activateFrontApplication() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   const auto request = helpers::parseScript({argv + 1, argv + argc});
   if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {

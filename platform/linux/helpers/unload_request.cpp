@@ -21,7 +21,7 @@ std::string labelOf(std::string_view path) {
   return std::string(path);
 }
 
-bool standsForItself(char character) {
+bool isUnescaped(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
          (character >= '0' && character <= '9') || character == ':' || character == '_' || character == '.';
 }
@@ -37,7 +37,7 @@ std::string escapeForUnitName(std::string_view label) {
   std::string name;
   for (const char character : label) {
     const bool leadingDot = character == '.' && name.empty();
-    name += standsForItself(character) && !leadingDot ? std::string(1, character) : escaped(character);
+    name += isUnescaped(character) && !leadingDot ? std::string(1, character) : escaped(character);
   }
   return name;
 }

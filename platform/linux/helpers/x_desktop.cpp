@@ -82,9 +82,9 @@ bool XDesktop::activate(Window window) const {
 }
 
 std::vector<std::uint32_t> XDesktop::property(Window window, std::string_view name) const {
-  constexpr std::uint32_t mostWords = 16384;
+  constexpr std::uint32_t maxWords = 16384;
   const auto cookie =
-      xcb_get_property(connection_.get(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, mostWords);
+      xcb_get_property(connection_.get(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, maxWords);
   const auto reply = owned(xcb_get_property_reply(connection_.get(), cookie, nullptr));
   if (reply == nullptr || reply->format != 32) return {};
   const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));

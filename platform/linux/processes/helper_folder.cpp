@@ -31,7 +31,7 @@ void complain(const std::string& reason) {
   consoleLog(text);
 }
 
-std::string whyThereAreNoCopies() {
+std::string copiesFolderError() {
   const char* reason = privateFolder() ? "no program runs at " : "no folder of the user's own at ";
   return reason + privateFolderPath();
 }
@@ -40,7 +40,7 @@ std::string helpersOf(const Bundle& bundle) {
   return bundle.bundlePath() + "/Contents/Helpers";
 }
 
-std::optional<std::string> folderOfCopies() {
+std::optional<std::string> copiesFolder() {
   auto folder = privateFolder();
   if (folder && !programsRunIn(*folder)) folder = privateFolderBelowTmp();
   if (!folder || !programsRunIn(*folder)) return std::nullopt;
@@ -51,7 +51,7 @@ std::optional<std::string> folderOfCopies() {
 
 std::vector<std::string> helperFolders() {
   std::vector<std::string> folders;
-  if (const auto copies = folderOfCopies()) folders.push_back(*copies);
+  if (const auto copies = copiesFolder()) folders.push_back(*copies);
   if (const auto bundle = Bundle::mainBundle()) folders.push_back(helpersOf(*bundle));
   return folders;
 }
@@ -59,8 +59,8 @@ std::vector<std::string> helperFolders() {
 void installHelpers() {
   const auto bundle = Bundle::mainBundle();
   if (!bundle) return;
-  const auto folder = folderOfCopies();
-  if (!folder) return complain(whyThereAreNoCopies());
+  const auto folder = copiesFolder();
+  if (!folder) return complain(copiesFolderError());
   removeHelpers();
   std::error_code error;
   fs::create_directory(*folder, error);
@@ -78,7 +78,7 @@ void installHelpers() {
 }
 
 void removeHelpers() {
-  const auto folder = folderOfCopies();
+  const auto folder = copiesFolder();
   std::error_code ignored;
   if (folder) fs::remove_all(*folder, ignored);
 }

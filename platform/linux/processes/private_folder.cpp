@@ -14,7 +14,7 @@ std::string pathBelowTmp() {
   return "/tmp/TovalinTray-" + std::to_string(::geteuid());
 }
 
-std::optional<std::string> folderOfOursAt(const std::string& path) {
+std::optional<std::string> ownFolderAt(const std::string& path) {
   ::mkdir(path.c_str(), S_IRWXU);
   if (!isOwnFolder(path.c_str())) return std::nullopt;
   // A folder that existed before may be readable by other users.
@@ -35,11 +35,11 @@ std::string privateFolderPath() {
 }
 
 std::optional<std::string> privateFolder() {
-  return folderOfOursAt(privateFolderPath());
+  return ownFolderAt(privateFolderPath());
 }
 
 std::optional<std::string> privateFolderBelowTmp() {
-  return folderOfOursAt(pathBelowTmp());
+  return ownFolderAt(pathBelowTmp());
 }
 
 }  // namespace platform

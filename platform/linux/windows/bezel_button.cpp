@@ -43,11 +43,11 @@ void BezelButton::paintEvent(QPaintEvent*) {
 }
 
 void BezelButton::keyPressEvent(QKeyEvent* event) {
-  if (!pressesControl(event->key()) || !heldKey_.isRepeated(*event)) QPushButton::keyPressEvent(event);
+  if (!activatesControl(event->key()) || !keyRepeat_.isRepeated(*event)) QPushButton::keyPressEvent(event);
 }
 
 void BezelButton::keyReleaseEvent(QKeyEvent* event) {
-  heldKey_.noteRelease(*event);
+  keyRepeat_.noteRelease(*event);
   QPushButton::keyReleaseEvent(event);
 }
 

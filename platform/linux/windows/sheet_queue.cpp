@@ -25,13 +25,13 @@ void SheetQueue::showNext() {
 // The window is the context object of the queued call, which is dropped if the window is destroyed.
 void SheetQueue::end(int index, const std::function<void(int)>& didEnd) {
   if (current_ == nullptr) return;
-  ++endsUnderWay_;
+  ++pendingEnds_;
   QMetaObject::invokeMethod(
-      &window_, [this, index, didEnd] { tellEnd(index, didEnd); }, Qt::QueuedConnection);
+      &window_, [this, index, didEnd] { reportEnd(index, didEnd); }, Qt::QueuedConnection);
   dropCurrent();
 }
 
-void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
+void SheetQueue::reportEnd(int index, const std::function<void(int)>& didEnd) {
   if (closed_) return;
   window_.repaint();  // didEnd may block the main thread
   const QPointer<QWidget> window(&window_);
@@ -49,7 +49,7 @@ void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
 }
 
 void SheetQueue::finishEnd() {
-  --endsUnderWay_;
+  --pendingEnds_;
   showNext();
 }
 

@@ -55,10 +55,10 @@ void TextWidget::settleInteraction() {
   setTextInteractionFlags(selects ? Qt::TextSelectableByMouse : Qt::NoTextInteraction);
   if (!selects) setFocusPolicy(isLink() ? Qt::StrongFocus : Qt::NoFocus);
   unsetCursor();
-  growToText();
+  resizeToText();
 }
 
-void TextWidget::growToText() {
+void TextWidget::resizeToText() {
   if (attributes_ && truncates_) return;
   if (const int needed = heightForWidth(width()); needed > height()) resize(width(), needed);
 }
@@ -93,7 +93,7 @@ void TextWidget::paintEvent(QPaintEvent* event) {
 
 void TextWidget::resizeEvent(QResizeEvent* event) {
   QLabel::resizeEvent(event);
-  growToText();
+  resizeToText();
 }
 
 void TextWidget::mousePressEvent(QMouseEvent* event) {
@@ -114,12 +114,12 @@ void TextWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void TextWidget::keyPressEvent(QKeyEvent* event) {
-  if (!isLink() || !pressesControl(event->key())) return QLabel::keyPressEvent(event);
-  if (!heldKey_.isRepeated(*event)) openLink();
+  if (!isLink() || !activatesControl(event->key())) return QLabel::keyPressEvent(event);
+  if (!keyRepeat_.isRepeated(*event)) openLink();
 }
 
 void TextWidget::keyReleaseEvent(QKeyEvent* event) {
-  heldKey_.noteRelease(*event);
+  keyRepeat_.noteRelease(*event);
   QLabel::keyReleaseEvent(event);
 }
 

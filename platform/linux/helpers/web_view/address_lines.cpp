@@ -38,7 +38,7 @@ std::vector<std::string> AddressLines::take(std::string_view bytes) {
 }
 
 void AddressLines::append(std::string_view part) {
-  tooLong_ = tooLong_ || part.size() > longestLine - line_.size();
+  tooLong_ = tooLong_ || part.size() > maxLineLength - line_.size();
   if (tooLong_) {
     line_.clear();
   } else {

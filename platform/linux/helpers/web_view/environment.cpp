@@ -38,7 +38,7 @@ bool isKept(std::string_view name) {
          name.ends_with("_PROXY");
 }
 
-void dropOthersThanKept() {
+void unsetOtherVariables() {
   std::vector<std::string> kept;
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string_view text = *entry;
@@ -98,7 +98,7 @@ void RuntimeFolder::remove() {
 }
 
 void replaceEnvironment(const std::filesystem::path& runtimeFolder) {
-  dropOthersThanKept();
+  unsetOtherVariables();
   for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
     set(name, nowhere);
   }

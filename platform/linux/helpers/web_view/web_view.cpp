@@ -15,7 +15,7 @@
 #include "platform/linux/helpers/web_view/options.h"
 #include "platform/linux/helpers/web_view/sandbox.h"
 #include "platform/linux/helpers/web_view/session.h"
-#include "platform/linux/helpers/web_view/users_proxy.h"
+#include "platform/linux/helpers/web_view/user_proxy.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ platform::FileDescriptor takeInput() {
   return input;
 }
 
-int giveUp(const std::string& reason) {
+int failToLoad(const std::string& reason) {
   const std::string text = "no page is loaded: " + reason;
   ::openlog(program, 0, LOG_USER);
   ::syslog(LOG_ERR, "%s", text.c_str());
@@ -48,16 +48,16 @@ int giveUp(const std::string& reason) {
 int serve(const helpers::ServeAddresses& request) {
   platform::FileDescriptor input = takeInput();
   const helpers::RuntimeFolder runtimeFolder;
-  if (runtimeFolder.path().empty()) return giveUp("there is no private folder");
+  if (runtimeFolder.path().empty()) return failToLoad("there is no private folder");
   helpers::replaceEnvironment(runtimeFolder.path());
   if (!helpers::canLockInWebProcess(runtimeFolder.path()))
-    return giveUp("the web engine's sandbox can't be had");
+    return failToLoad("the web engine's sandbox can't be had");
   const helpers::EmptyDisplay display;
   ::setenv("WAYLAND_DISPLAY", display.name().c_str(), 1);
   if (display.name().empty() || gtk_init_check(nullptr, nullptr) == FALSE)
-    return giveUp("there is no display");
-  helpers::FilterProxy network(helpers::connectThroughUsersProxy);
-  if (network.address().empty()) return giveUp("there is no socket on loopback");
+    return failToLoad("there is no display");
+  helpers::FilterProxy network(helpers::connectThroughUserProxy);
+  if (network.address().empty()) return failToLoad("there is no socket on loopback");
   helpers::adoptDescendants();
   helpers::Session(std::move(input), network, request.idle).run();
   helpers::endDescendants();
@@ -67,7 +67,7 @@ int serve(const helpers::ServeAddresses& request) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   const auto request = helpers::parseWebViewRequest({argv + 1, argv + argc});
   if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {

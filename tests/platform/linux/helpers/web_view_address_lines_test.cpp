@@ -68,19 +68,19 @@ TEST(AddressLines, InvalidLinesAreSkipped) {
 
 TEST(AddressLines, LineOfMaximumLengthIsAccepted) {
   std::string line = "http://";
-  line.resize(AddressLines::longestLine, 'a');
+  line.resize(AddressLines::maxLineLength, 'a');
   EXPECT_THAT(AddressLines().take(line + "\n"), ElementsAre(line));
 }
 
 TEST(AddressLines, OverlongLineIsSkipped) {
   std::string line = "http://";
-  line.resize(AddressLines::longestLine + 1, 'a');
+  line.resize(AddressLines::maxLineLength + 1, 'a');
   EXPECT_THAT(AddressLines().take(line + "\nhttp://b\n"), ElementsAre("http://b"));
 }
 
 TEST(AddressLines, TailOfOverlongLineIsDiscarded) {
   AddressLines lines;
-  EXPECT_THAT(lines.take(std::string(AddressLines::longestLine, 'x')), IsEmpty());
+  EXPECT_THAT(lines.take(std::string(AddressLines::maxLineLength, 'x')), IsEmpty());
   EXPECT_THAT(lines.take("x"), IsEmpty());
   EXPECT_THAT(lines.take("http://tail\nhttp://b\n"), ElementsAre("http://b"));
 }

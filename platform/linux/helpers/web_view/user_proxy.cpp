@@ -1,4 +1,4 @@
-#include "platform/linux/helpers/web_view/users_proxy.h"
+#include "platform/linux/helpers/web_view/user_proxy.h"
 
 #include <fcntl.h>
 #include <gio/gio.h>
@@ -33,7 +33,7 @@ bool isDirect(const std::string& address) {
 
 }  // namespace
 
-std::optional<platform::FileDescriptor> connectThroughUsersProxy(const Endpoint& target) {
+std::optional<platform::FileDescriptor> connectThroughUserProxy(const Endpoint& target) {
   const std::string address = addressOf(target);
   if (isDirect(address)) return std::nullopt;
   const ObjectPointer<GSocketClient> client(g_socket_client_new());
