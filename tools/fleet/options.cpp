@@ -100,7 +100,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   const bool good = line.read(argc, argv, [&](const std::vector<std::string>& arguments) {
     if (!options.plan.empty() && options.plan == options.picture)
       return line.complain("--svg and --plan name the same file");
-    return arguments.empty() || line.complain("there are no arguments, only options");
+    return arguments.empty() || line.complain("unexpected argument; only options are accepted");
   });
   return good ? std::optional(options) : std::nullopt;
 }

@@ -15,7 +15,7 @@ namespace tools {
 namespace {
 
 constexpr std::size_t kStep = std::size_t{1} << 16;
-constexpr const char* kTooLarge = "it is larger than a usage record file ever is";
+constexpr const char* kTooLarge = "it exceeds the maximum size of a usage record file";
 
 std::string reasonOf(int error) {
   return std::generic_category().message(error);

@@ -47,7 +47,7 @@ int notifyRunningInstance(SingleInstance& instance, int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   if (instance.notifyFirst()) return 0;
   ::execv("/proc/self/exe", argv);
-  fatalError(std::string("can't start over: ") + std::strerror(errno));
+  fatalError(std::string("cannot restart: ") + std::strerror(errno));
 }
 
 // Requests X11 unless QT_QPA_PLATFORM is set: under Wayland a client can neither position its windows nor

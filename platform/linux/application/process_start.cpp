@@ -27,7 +27,7 @@ namespace {
   } catch (const std::exception& error) {
     fatalError(error.what());
   } catch (...) {
-    fatalError("an error of an unknown kind");
+    fatalError("unknown exception");
   }
 }
 

@@ -38,7 +38,7 @@ void handle(int number) {
   action.sa_flags = SA_RESTART;
   // Without the handler, the default action would end the process without applicationWillTerminate.
   if (sigaction(number, &action, nullptr) != 0)
-    fatalError(std::string("signals can't be heard: ") + std::strerror(errno));
+    fatalError(std::string("cannot install a signal handler: ") + std::strerror(errno));
 }
 
 }  // namespace
@@ -54,7 +54,7 @@ SignalPipe::SignalPipe(std::function<void()> ended) {
   int ends[2] = {-1, -1};
   // These signals are still blocked here: a process without the pipe could be ended only with SIGKILL.
   if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
-    fatalError(std::string("no pipe to hear of signals by: ") + std::strerror(errno));
+    fatalError(std::string("cannot create the signal pipe: ") + std::strerror(errno));
   readEnd_ = FileDescriptor(ends[0]);
   writeEnd_ = FileDescriptor(ends[1]);
   signalPipe = ends[1];

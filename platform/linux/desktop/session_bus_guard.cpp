@@ -71,7 +71,8 @@ bool answers(const std::string& addresses) {
 void avoidUnusableSessionBus() {
   const std::string address = busAddress();
   if (!address.empty() && answers(address)) return;
-  if (!address.empty()) systemLog(LogPriority::Error, "the session bus does not answer; going on without it");
+  if (!address.empty())
+    systemLog(LogPriority::Error, "the session bus does not answer; continuing without it");
   ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
 }
 

@@ -48,15 +48,15 @@ std::vector<fs::path> executablesIn(const fs::path& folder) {
 BundleProgram findBundleProgram(const std::string& bundle) {
   const fs::path root = withoutTrailingSlashes(bundle);
   std::error_code ignored;
-  if (!fs::is_directory(root, ignored)) return {{}, "there is no bundle at " + root.string()};
+  if (!fs::is_directory(root, ignored)) return {{}, "no bundle at " + root.string()};
   if (belongsToOtherUser(root)) return {{}, root.string() + " belongs to another user"};
 
   const fs::path folder = root / "Contents/MacOS";
   if (const fs::path program = folder / bundleName(bundle); isFile(program)) return {program, {}};
 
   const std::vector<fs::path> programs = executablesIn(folder);
-  if (programs.empty()) return {{}, "there is no program in " + folder.string()};
-  if (programs.size() > 1) return {{}, "there is more than one program in " + folder.string()};
+  if (programs.empty()) return {{}, "no program in " + folder.string()};
+  if (programs.size() > 1) return {{}, "more than one program in " + folder.string()};
   return {programs.front(), {}};
 }
 

@@ -23,11 +23,11 @@ bool isAbsolute(const std::string& path) {
 }
 
 Refusal invalidName(const std::string& text) {
-  return {"\"" + text + "\" is no file name"};
+  return {"\"" + text + "\" is not a file name"};
 }
 
 Refusal invalidNumber(const std::string& text) {
-  return {"\"" + text + "\" is no positive number"};
+  return {"\"" + text + "\" is not a positive number"};
 }
 
 CollectRequest parseCopy(CopyFiles::Oversized oversized, const Arguments& arguments) {
@@ -57,7 +57,7 @@ CollectRequest parseOutput(const Arguments& arguments) {
 CollectRequest parseArchive(const Arguments& arguments) {
   if (arguments.size() < 5) return Refusal{"expected SOURCE TARGET NAME COMMAND"};
   // A relative path would depend on the folder in which the agent was started.
-  if (!isAbsolute(arguments[2])) return Refusal{"\"" + arguments[2] + "\" is no absolute path"};
+  if (!isAbsolute(arguments[2])) return Refusal{"\"" + arguments[2] + "\" is not an absolute path"};
   if (!isFileName(arguments[3])) return invalidName(arguments[3]);
   return KeepArchive{arguments[1], arguments[2], arguments[3], {arguments.begin() + 4, arguments.end()}};
 }

@@ -18,7 +18,7 @@ constexpr char usage[] =
     "Usage: launchctl unload [-w] [-F] /Library/LaunchAgents/LABEL.plist\n"
     "\n"
     "Asks the program that the session has started from the autostart entry LABEL.desktop to end.\n"
-    "Does nothing, and succeeds, when there is no such program. The options are taken and ignored.\n";
+    "Succeeds without effect if no such program runs. Ignores the options.\n";
 
 constexpr std::chrono::milliseconds killTimeout = 1s;
 

@@ -18,7 +18,7 @@ constexpr char usage[] =
     "\n"
     "Starts the program of a bundle, NAME.app/Contents/MacOS/NAME, with the arguments, or hands an address "
     "or a\n"
-    "file to xdg-open. Doesn't wait for what it has started.\n";
+    "file to xdg-open. Does not wait for them to end.\n";
 
 int start(const helpers::Arguments& argv) {
   const helpers::Child child = helpers::startDetached(argv, helpers::Output::Inherited);

@@ -22,9 +22,10 @@ bool isUrl(std::string_view text) {
 OpenRequest openBundle(const Arguments& arguments) {
   if (arguments.size() < 2) return Refusal{"-a: the bundle is missing"};
   const std::string& path = arguments[1];
-  if (path.starts_with('-') || bundleName(path).empty()) return Refusal{"-a: \"" + path + "\" is no bundle"};
+  if (path.starts_with('-') || bundleName(path).empty())
+    return Refusal{"-a: \"" + path + "\" is not a bundle"};
   if (arguments.size() == 2) return OpenBundle{path, {}};
-  if (arguments[2] != "--args") return Refusal{"\"" + arguments[2] + "\" stands before --args"};
+  if (arguments[2] != "--args") return Refusal{"expected --args instead of \"" + arguments[2] + "\""};
   return OpenBundle{path, {arguments.begin() + 3, arguments.end()}};
 }
 
@@ -45,7 +46,7 @@ OpenRequest parseOpenRequest(const Arguments& arguments) {
   if (first == "-a") return openBundle(arguments);
   if (first.empty()) return Refusal{"nothing to open"};
   if (first.starts_with('-')) return Refusal{"unknown option \"" + first + "\""};
-  if (arguments.size() > 1) return Refusal{"too much is \"" + arguments[1] + "\""};
+  if (arguments.size() > 1) return Refusal{"unexpected argument \"" + arguments[1] + "\""};
 
   if (isUrl(first)) return OpenUrl{first};
   if (!bundleName(first).empty()) return OpenBundle{first, {}};

@@ -51,10 +51,10 @@ std::variant<ShowUsage, Refusal, UnloadRequest> parseUnloadRequest(const Argumen
 
   const auto path = std::find_if_not(arguments.begin() + 1, arguments.end(), isUnloadOption);
   if (path == arguments.end()) return Refusal{"unload: the launch agent's property list is missing"};
-  if (path + 1 != arguments.end()) return Refusal{"unload: too much is \"" + *(path + 1) + "\""};
+  if (path + 1 != arguments.end()) return Refusal{"unload: unexpected argument \"" + *(path + 1) + "\""};
 
   std::string label = labelOf(*path);
-  if (label.empty()) return Refusal{"unload: \"" + *path + "\" is no launch agent's property list"};
+  if (label.empty()) return Refusal{"unload: \"" + *path + "\" is not a launch agent's property list"};
   return UnloadRequest{std::move(label)};
 }
 

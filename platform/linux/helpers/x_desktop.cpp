@@ -29,8 +29,8 @@ XDesktop::XDesktop() {
 }
 
 std::string XDesktop::problem() const {
-  if (root_ == 0) return "there is no X display";
-  if (!hasWindowManager()) return "there is no window manager that can bring a window forward";
+  if (root_ == 0) return "cannot connect to the X display";
+  if (!hasWindowManager()) return "no window manager can activate windows";
   return {};
 }
 

@@ -26,13 +26,13 @@ bool programsRunIn(const std::string& folder) {
 }
 
 void complain(const std::string& reason) {
-  const std::string text = "the agent's helpers are gone when its bundle is: " + reason;
+  const std::string text = "the agent's helpers are not available after the removal of its bundle: " + reason;
   systemLog(LogPriority::Error, text);
   consoleLog(text);
 }
 
 std::string copiesFolderError() {
-  const char* reason = privateFolder() ? "no program runs at " : "no folder of the user's own at ";
+  const char* reason = privateFolder() ? "no program can be executed in " : "no private folder at ";
   return reason + privateFolderPath();
 }
 

@@ -23,7 +23,7 @@ namespace {
     fatalError(error.what());
   } catch (...) {
   }
-  fatalError("an error of an unknown kind");
+  fatalError("unknown exception");
 }
 
 }  // namespace
