@@ -79,16 +79,16 @@ class Decoder {
   // iconv_open(3) reports an error by this value. NOLINTNEXTLINE(performance-no-int-to-ptr)
   [[nodiscard]] bool valid() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
-  // Takes what fits into `room` from the start of `bytes`. Returns its size as UTF-8, nullopt at a byte that
-  // has no meaning in the encoding.
-  std::optional<std::size_t> decode(std::string_view& bytes, std::span<char> room) {
+  // Takes what fits into `buffer` from the start of `bytes`. Returns its size as UTF-8, nullopt at a byte
+  // that has no meaning in the encoding.
+  std::optional<std::size_t> decode(std::string_view& bytes, std::span<char> buffer) {
     char* in = const_cast<char*>(bytes.data());
-    char* out = room.data();
-    std::size_t inLeft = bytes.size(), outLeft = room.size();
+    char* out = buffer.data();
+    std::size_t inLeft = bytes.size(), outLeft = buffer.size();
     const std::size_t failures = ::iconv(handle_, &in, &inLeft, &out, &outLeft);
     if (failures == static_cast<std::size_t>(-1) && errno != E2BIG) return std::nullopt;
     bytes.remove_prefix(bytes.size() - inLeft);
-    return room.size() - outLeft;
+    return buffer.size() - outLeft;
   }
 
  private:

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t maxTailLength = 8 * record_format::maxDeviceNameLength + 512;
 
 // Offsets that share all digits except the last four.
-constexpr std::uint64_t offsetsWithOneHead = 10'000;
+constexpr std::uint64_t offsetsPerHead = 10'000;
 
 // Writes the member for a text that is not plain ASCII.
 void putEscaped(Line& line, std::string_view key, std::string_view bytes) {
@@ -95,14 +95,14 @@ struct JsonLinesPrinter::Print {
 
  private:
   [[nodiscard]] Line begin() const {
-    const std::uint64_t head = offset / offsetsWithOneHead;
+    const std::uint64_t head = offset / offsetsPerHead;
     if (head != printer.offsetsHead_) printer.setOffsetsHead(head);
     Line line = printer.writer_.begin(printer.beginning_.size() + maxTailLength);
     line.put(std::string_view(printer.beginning_));
     if (head == 0) {
       line.put(std::uint64_t{offset});
     } else {
-      line.putFourDigits(static_cast<std::uint32_t>(offset % offsetsWithOneHead));
+      line.putFourDigits(static_cast<std::uint32_t>(offset % offsetsPerHead));
     }
     return line;
   }

@@ -28,7 +28,7 @@ namespace platform {
 namespace {
 
 // Before the first screen exists, a fatal Qt message almost always means that the display cannot be opened.
-std::string withoutScreen(const std::string& qtText) {
+std::string startFailureText(const std::string& qtText) {
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return qtText;
   if (!qEnvironmentVariableIsSet("DISPLAY")) return "cannot open a display: DISPLAY is not set";
   return "cannot open the display \"" + qgetenv("DISPLAY").toStdString() + "\"";
@@ -37,7 +37,7 @@ std::string withoutScreen(const std::string& qtText) {
 void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   const std::string line = text.toStdString();
   if (type == QtFatalMsg)
-    fatalError(QGuiApplication::primaryScreen() == nullptr ? withoutScreen(line) : line);
+    fatalError(QGuiApplication::primaryScreen() == nullptr ? startFailureText(line) : line);
   std::fprintf(stderr, "TovalinTray: %s\n", line.c_str());
 }
 

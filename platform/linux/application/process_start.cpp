@@ -19,7 +19,7 @@ namespace {
 
 // The default terminate handler aborts with SIGABRT and prints only to standard error, which usually goes
 // unread.
-[[noreturn]] void endUncaught() {
+[[noreturn]] void terminateHandler() {
   try {
     std::rethrow_exception(std::current_exception());
   } catch (const std::bad_alloc&) {
@@ -34,7 +34,7 @@ namespace {
 }  // namespace
 
 void prepareProcess() {
-  std::set_terminate(endUncaught);
+  std::set_terminate(terminateHandler);
   fillStandardStreams();
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
   const sigset_t endings = terminationSignals();

@@ -40,13 +40,13 @@ void ActivityWatch::stateChanged(Qt::ApplicationState state) {
 // switched to a window, and Qt closes the menu when a window is shown.
 void ActivityWatch::look() {
   if (QApplication::activePopupWidget() != nullptr) return settle_.start();
-  if (QGuiApplication::applicationState() == Qt::ApplicationActive) return tell(true);
+  if (QGuiApplication::applicationState() == Qt::ApplicationActive) return report(true);
   focusProperty_ = inputFocusProperty();
   const InputFocusOwner owner = inputFocusOwner();
-  if (owner == InputFocusOwner::OtherProgram || owner == InputFocusOwner::Unknown) tell(false);
+  if (owner == InputFocusOwner::OtherProgram || owner == InputFocusOwner::Unknown) report(false);
 }
 
-void ActivityWatch::tell(bool active) {
+void ActivityWatch::report(bool active) {
   if (std::exchange(active_, active) != active) changed_(active);
 }
 

@@ -23,7 +23,7 @@ class ActivityWatch : public QObject, private QAbstractNativeEventFilter {
  private:
   void stateChanged(Qt::ApplicationState state);
   void look();
-  void tell(bool active);
+  void report(bool active);
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
   std::function<void(bool)> changed_;

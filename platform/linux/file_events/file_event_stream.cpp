@@ -14,8 +14,8 @@
 namespace platform {
 
 struct FileEventStream::Impl {
-  Impl(std::string rootPath, std::chrono::milliseconds wait, Callback told, RootWatch watch)
-      : path(std::move(rootPath)), callback(std::move(told)), root(std::move(watch)) {
+  Impl(std::string rootPath, std::chrono::milliseconds wait, Callback onEvents, RootWatch watch)
+      : path(std::move(rootPath)), callback(std::move(onEvents)), root(std::move(watch)) {
     tree.emplace(path);
     latency.setTimerType(Qt::PreciseTimer);
     latency.setSingleShot(true);
@@ -112,8 +112,8 @@ void FileEventStream::Impl::deliver() {
     rewatchTree();
   }
   // The callback may destroy the stream and this object with it, so call a copy.
-  const auto told = callback;
-  told(*stream, events);
+  const auto callbackCopy = callback;
+  callbackCopy(*stream, events);
 }
 
 std::shared_ptr<FileEventStream> FileEventStream::create(const std::string& path,

@@ -64,7 +64,7 @@ bool XDesktop::isViewable(Window window) const {
 }
 
 bool XDesktop::activate(Window window) const {
-  constexpr std::uint32_t askedByUser = 2;
+  constexpr std::uint32_t directUserAction = 2;
   constexpr std::uint32_t toWindowManager =
       XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
   xcb_client_message_event_t message{};
@@ -72,7 +72,7 @@ bool XDesktop::activate(Window window) const {
   message.format = 32;
   message.window = window;
   message.type = atom("_NET_ACTIVE_WINDOW");
-  message.data.data32[0] = askedByUser;
+  message.data.data32[0] = directUserAction;
   message.data.data32[1] = XCB_CURRENT_TIME;
 
   const auto cookie = xcb_send_event_checked(connection_.get(), 0, root_, toWindowManager,

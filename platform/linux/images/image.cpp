@@ -90,8 +90,8 @@ double backingScale() {
   return qGuiApp == nullptr ? 1.0 : qGuiApp->devicePixelRatio();
 }
 
-double Image::Impl::shrinkInto(Size room) const {
-  return std::min({1.0, room.width / size.width, room.height / size.height});
+double Image::Impl::shrinkInto(Size bounds) const {
+  return std::min({1.0, bounds.width / size.width, bounds.height / size.height});
 }
 
 QImage Image::Impl::scaledTo(QSize pixels) const {

@@ -33,8 +33,8 @@ struct Image::Impl {
   [[nodiscard]] const QImage& representationFor(double pixelsAcross) const {
     return selectRepresentation(forms, pixelsAcross);
   }
-  // Returns the factor, at most 1, that fits the image into `room`, in points. The image must be valid.
-  [[nodiscard]] double shrinkInto(Size room) const;
+  // Returns the factor, at most 1, that fits the image into `bounds`, in points. The image must be valid.
+  [[nodiscard]] double shrinkInto(Size bounds) const;
   // Returns the image scaled to exactly `pixels`. The image must be valid.
   [[nodiscard]] QImage scaledTo(QSize pixels) const;
   // Returns the most detailed representation with the device pixel ratio at which it measures `size`. Returns

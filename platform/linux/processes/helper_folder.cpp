@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr const char* helperNames[] = {"collectlogs", "launchctl", "open", "osascript", "TovalinWebView"};
 
 // Some systems mount runtime folders with noexec.
-bool programsRunIn(const std::string& folder) {
+bool allowsExecution(const std::string& folder) {
   struct statvfs status {};
   return ::statvfs(folder.c_str(), &status) != 0 || (status.f_flag & ST_NOEXEC) == 0;
 }
@@ -42,8 +42,8 @@ std::string helpersOf(const Bundle& bundle) {
 
 std::optional<std::string> copiesFolder() {
   auto folder = privateFolder();
-  if (folder && !programsRunIn(*folder)) folder = privateFolderBelowTmp();
-  if (!folder || !programsRunIn(*folder)) return std::nullopt;
+  if (folder && !allowsExecution(*folder)) folder = privateFolderInTmp();
+  if (!folder || !allowsExecution(*folder)) return std::nullopt;
   return *folder + "/helpers";
 }
 

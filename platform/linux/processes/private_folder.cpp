@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-std::string pathBelowTmp() {
+std::string pathInTmp() {
   return "/tmp/TovalinTray-" + std::to_string(::geteuid());
 }
 
@@ -31,15 +31,15 @@ std::string privateFolderPath() {
   }
   const std::string ofSession = "/run/user/" + std::to_string(::geteuid());
   if (isOwnFolder(ofSession.c_str())) return ofSession + "/TovalinTray";
-  return pathBelowTmp();
+  return pathInTmp();
 }
 
 std::optional<std::string> privateFolder() {
   return ownFolderAt(privateFolderPath());
 }
 
-std::optional<std::string> privateFolderBelowTmp() {
-  return ownFolderAt(pathBelowTmp());
+std::optional<std::string> privateFolderInTmp() {
+  return ownFolderAt(pathInTmp());
 }
 
 }  // namespace platform

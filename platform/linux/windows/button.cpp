@@ -27,7 +27,7 @@ class PushButton : public BezelButton {
     setAutoDefault(true);  // Return clicks the focused button
     // An accessibility interface emits clicked() some time after pressed(). Check at both signals whether the
     // button accepts input.
-    connect(this, &QPushButton::pressed, this, [this] { tookInputAtPress_ = takesInput(*this); });
+    connect(this, &QPushButton::pressed, this, [this] { acceptedInputAtPress_ = acceptsInput(*this); });
     connect(this, &QPushButton::clicked, this, [this] { act(); });
   }
 
@@ -56,10 +56,10 @@ class PushButton : public BezelButton {
   void act() {
     repaint();
     const auto work = action;
-    if (work && tookInputAtPress_ && takesInput(*this)) work();
+    if (work && acceptedInputAtPress_ && acceptsInput(*this)) work();
   }
 
-  bool tookInputAtPress_ = false;
+  bool acceptedInputAtPress_ = false;
   bool lostFocus_ = false;
   QPointer<QWidget> focusSuccessor_;
 };

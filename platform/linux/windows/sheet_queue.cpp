@@ -28,7 +28,7 @@ void SheetQueue::end(int index, const std::function<void(int)>& didEnd) {
   ++pendingEnds_;
   QMetaObject::invokeMethod(
       &window_, [this, index, didEnd] { reportEnd(index, didEnd); }, Qt::QueuedConnection);
-  dropCurrent();
+  closeCurrent();
 }
 
 void SheetQueue::reportEnd(int index, const std::function<void(int)>& didEnd) {
@@ -53,7 +53,7 @@ void SheetQueue::finishEnd() {
   showNext();
 }
 
-void SheetQueue::dropCurrent() {
+void SheetQueue::closeCurrent() {
   current_->dismiss();
   current_.release()->deleteLater();
 }
@@ -61,7 +61,7 @@ void SheetQueue::dropCurrent() {
 void SheetQueue::close() {
   closed_ = true;
   waiting_.clear();
-  if (current_ != nullptr) dropCurrent();
+  if (current_ != nullptr) closeCurrent();
 }
 
 }  // namespace platform

@@ -35,7 +35,7 @@ class SheetQueue {
   void reportEnd(int index, const std::function<void(int)>& didEnd);
   void finishEnd();
   // Deletes the sheet with deleteLater, because Qt may still be handling an event in it.
-  void dropCurrent();
+  void closeCurrent();
 
   QWidget& window_;
   InputMark inputMark_;

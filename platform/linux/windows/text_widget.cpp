@@ -25,24 +25,24 @@ TextWidget::TextWidget() {
   setTextFormat(Qt::PlainText);
   setWordWrap(true);
   setMouseTracking(true);
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::showPlain(const QString& text) {
   attributes_.reset();
   setText(text);
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::showAttributed(const QString& text, TextAttributes attributes) {
   attributes_ = std::move(attributes);
   setText(text);
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::setSelectable(bool selectable) {
   selectable_ = selectable;
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::setTruncatesTail(bool truncates) {
@@ -50,7 +50,7 @@ void TextWidget::setTruncatesTail(bool truncates) {
   update();
 }
 
-void TextWidget::settleInteraction() {
+void TextWidget::updateInteraction() {
   const bool selects = selectable_ && !attributes_;
   setTextInteractionFlags(selects ? Qt::TextSelectableByMouse : Qt::NoTextInteraction);
   if (!selects) setFocusPolicy(isLink() ? Qt::StrongFocus : Qt::NoFocus);

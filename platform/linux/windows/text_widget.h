@@ -36,7 +36,7 @@ class TextWidget : public QLabel {
   void keyReleaseEvent(QKeyEvent* event) override;
 
  private:
-  void settleInteraction();
+  void updateInteraction();
   [[nodiscard]] int layoutFlags() const;
   [[nodiscard]] QString shownText() const;
   [[nodiscard]] QRect textArea() const;

@@ -148,7 +148,7 @@ bool isBlocked(const QWidget& widget) {
   return ModalStack::shared().blocks(*widget.window());
 }
 
-bool takesInput(const QWidget& widget) {
+bool acceptsInput(const QWidget& widget) {
   const auto* window = dynamic_cast<const WindowWidget*>(widget.window());
   return window == nullptr || (!window->owner->sheets.isUp() && !isBlocked(widget));
 }

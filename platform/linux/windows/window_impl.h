@@ -60,7 +60,7 @@ struct Window::Impl {
 
 // Returns whether a widget in a Window, outside sheets, accepts input now: neither a sheet nor a modal run
 // blocks it. Needed for accessibility actions, which bypass the event filters.
-[[nodiscard]] bool takesInput(const QWidget& widget);
+[[nodiscard]] bool acceptsInput(const QWidget& widget);
 
 // Calls raiseAndActivate on every Window.
 void bringWindowsForward();

@@ -14,7 +14,7 @@
 namespace platform {
 namespace {
 
-[[noreturn]] void endUncaught() {
+[[noreturn]] void terminateHandler() {
   try {
     if (const auto error = std::current_exception()) std::rethrow_exception(error);
   } catch (const std::bad_alloc&) {
@@ -29,7 +29,7 @@ namespace {
 }  // namespace
 
 void prepareProcess() {
-  std::set_terminate(endUncaught);
+  std::set_terminate(terminateHandler);
   fillStandardStreams();
   blockTerminationSignals();
   ::signal(SIGPIPE, SIG_IGN);

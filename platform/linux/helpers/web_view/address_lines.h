@@ -12,7 +12,7 @@ namespace helpers {
 
 // Returns whether a page may navigate its view or a frame to `address`: a web address, about:blank or
 // about:srcdoc. Returns false for nullptr. Thread-safe.
-[[nodiscard]] bool mayLeadTo(const char* address);
+[[nodiscard]] bool isAllowedAddress(const char* address);
 
 // Splits a stream of untrusted bytes into lines and returns those that are web addresses.
 class AddressLines {

@@ -133,7 +133,7 @@ struct FilterProxy::Shared {
   std::atomic<int> connections = 0;
   std::mutex mutex;
   std::optional<Endpoint> origin;
-  std::vector<SocketAddress> originsKnown;
+  std::vector<SocketAddress> knownAddresses;
   bool isPinned = false;
 };
 
@@ -197,21 +197,21 @@ std::vector<SocketAddress> FilterProxy::Shared::originAddresses(const Endpoint& 
                                                                 std::vector<SocketAddress> found) {
   const std::lock_guard lock(mutex);
   if (target != origin) return {};
-  if (originsKnown.empty()) originsKnown = std::move(found);
-  return originsKnown;
+  if (knownAddresses.empty()) knownAddresses = std::move(found);
+  return knownAddresses;
 }
 
 bool FilterProxy::Shared::pin(const Endpoint& target, const SocketAddress& address) {
   const std::lock_guard lock(mutex);
-  if (target != origin || std::ranges::count(originsKnown, address) == 0) return false;
-  originsKnown = {address};
+  if (target != origin || std::ranges::count(knownAddresses, address) == 0) return false;
+  knownAddresses = {address};
   isPinned = true;
   return true;
 }
 
 void FilterProxy::Shared::forgetUnreachable(const Endpoint& target) {
   const std::lock_guard lock(mutex);
-  if (target == origin && !isPinned) originsKnown.clear();
+  if (target == origin && !isPinned) knownAddresses.clear();
 }
 
 FilterProxy::FilterProxy(UserProxy userProxy)
@@ -266,7 +266,7 @@ void FilterProxy::setOrigin(std::optional<Endpoint> origin) {
   const std::lock_guard lock(shared_->mutex);
   if (origin == shared_->origin) return;
   shared_->origin = std::move(origin);
-  shared_->originsKnown.clear();
+  shared_->knownAddresses.clear();
   shared_->isPinned = false;
 }
 

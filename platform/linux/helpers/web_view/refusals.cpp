@@ -9,7 +9,7 @@ namespace {
 bool mayNavigate(WebKitPolicyDecision* decision) {
   WebKitNavigationAction* action = webkit_navigation_policy_decision_get_navigation_action(
       reinterpret_cast<WebKitNavigationPolicyDecision*>(decision));
-  return mayLeadTo(webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)));
+  return isAllowedAddress(webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)));
 }
 
 bool isPage(WebKitPolicyDecision* decision) {

@@ -23,10 +23,10 @@ std::string addressOf(const Endpoint& target) {
 }
 
 bool isDirect(const std::string& address) {
-  struct FreeTexts {
+  struct FreeStrings {
     void operator()(char** texts) const { g_strfreev(texts); }
   };
-  const std::unique_ptr<char*, FreeTexts> proxies(
+  const std::unique_ptr<char*, FreeStrings> proxies(
       g_proxy_resolver_lookup(g_proxy_resolver_get_default(), address.c_str(), nullptr, nullptr));
   return !proxies || *proxies == nullptr || std::string_view(*proxies) == "direct://";
 }
