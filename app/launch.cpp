@@ -103,7 +103,7 @@ void nimbatrayAppDelegate::showUpdateNotice() {
   if (!bUpdateEnabled) return;
   const auto command = updateNoticeCommand(gBundlePath);
   if (!command)
-    platform::fatalError(std::string("the bundle's path is too long to tell of an update: ") + gBundlePath);
+    platform::fatalError(std::string("the bundle's path is too long for the update notice: ") + gBundlePath);
   platform::system(*command);
 }
 

@@ -7,20 +7,20 @@
 namespace {
 
 // Frozen: doc/compatibility.md.
-constexpr std::string_view placeOfAgent = "/Contents/Resources/TovalinTray.app";
+constexpr std::string_view agentPathSuffix = "/Contents/Resources/TovalinTray.app";
 constexpr std::size_t commandBufferSize = 1024;
 
 }  // namespace
 
 bool isDarkAppearance(const std::optional<platform::PropertyList>& interfaceStyle) {
   const auto* style = interfaceStyle ? interfaceStyle->as<std::string>() : nullptr;
-  return style != nullptr && platform::equalButForCase(*style, "dark");
+  return style != nullptr && platform::equalIgnoringCase(*style, "dark");
 }
 
 std::optional<std::string> mainApplicationBundlePath(std::string_view agentBundlePath) {
-  const std::size_t found = agentBundlePath.find(placeOfAgent);
+  const std::size_t found = agentBundlePath.find(agentPathSuffix);
   if (found == std::string_view::npos || found == 0) return std::nullopt;
-  return std::string(agentBundlePath).erase(found, placeOfAgent.size());
+  return std::string(agentBundlePath).erase(found, agentPathSuffix.size());
 }
 
 std::optional<std::string> updateNoticeCommand(std::string_view bundlePath) {

@@ -6,7 +6,7 @@
 // The URLs that the menu opens, already escaped. `server` is the product server's origin, as in
 // "https://www.tovalin.example". Thread-safe.
 
-inline constexpr std::string_view makersPage = "https://www.facebook.com/kesmoor";
+inline constexpr std::string_view facebookPage = "https://www.facebook.com/kesmoor";
 
 [[nodiscard]] std::string productPage(std::string_view server);
 [[nodiscard]] std::string reviewPage(std::string_view server);

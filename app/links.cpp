@@ -7,7 +7,7 @@ using platform::Workspace;
 
 void nimbatrayAppDelegate::secondsection_sub1() {
   notificateGA("clickaction", "Like.F");
-  Workspace::sharedWorkspace().openURL(std::string(makersPage));
+  Workspace::sharedWorkspace().openURL(std::string(facebookPage));
 }
 
 void nimbatrayAppDelegate::secondsection_sub2() {

@@ -4,7 +4,7 @@ set(standard_headers
   <algorithm> <array> <atomic> <cerrno> <charconv> <chrono> <cstddef> <cstdint> <cstdio> <cstdlib> <cstring> <ctime> <filesystem>
   <fstream> <functional> <map> <memory> <mutex> <optional> <span> <sstream> <string> <string_view> <system_error> <thread> <utility>
   <variant> <vector> <fcntl.h> <poll.h> <signal.h> <sys/socket.h> <sys/stat.h> <sys/wait.h> <unistd.h>)
-set(toolkit_headers
+set(qt_headers
   <QApplication> <QByteArray> <QDBusConnection> <QDBusMessage> <QDBusPendingCallWatcher> <QIcon> <QImage> <QKeyEvent> <QLabel>
   <QObject> <QPainter> <QPixmap> <QSocketNotifier> <QString> <QTimer> <QVariant> <QWidget>)
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-bool isOfAccessNotice(NotificationAction call) {
+bool concernsAccessNotice(NotificationAction call) {
   return call == NotificationAction::NotificationOn || call == NotificationAction::NotificationOff;
 }
 
@@ -13,7 +13,7 @@ bool shows(NotificationAction call) {
 }
 
 bool& stateOf(ShownNotices& notices, NotificationAction call) {
-  return isOfAccessNotice(call) ? notices.notice : notices.enumerateNotice;
+  return concernsAccessNotice(call) ? notices.notice : notices.enumerateNotice;
 }
 
 }  // namespace
@@ -25,7 +25,7 @@ NoticeBacklog::Verdict NoticeBacklog::request(NotificationAction call) {
   }
   const bool first = merged_.empty();
   std::erase_if(merged_, [call](NotificationAction earlier) {
-    return isOfAccessNotice(earlier) == isOfAccessNotice(call);
+    return concernsAccessNotice(earlier) == concernsAccessNotice(call);
   });
   merged_.push_back(call);
   return first ? Verdict::BeginMerging : Verdict::Merge;

@@ -90,7 +90,7 @@ void nimbatrayAppDelegate::listen(int pipe) {
     logStep(LogPriority::Info, "Exist pipe message!");
     dispatch(buffer, shown, *calls);
   }
-  const platform::FileDescriptor ownEnd = holdOpenForWriting(pipe);
+  const platform::FileDescriptor writeEnd = openWriteEnd(pipe);
   while (bThreadRun) {
     const int ready = waitUntilReadable(pipe, waitTime);
     if (ready == -1) return logFailure("pipe select error");
@@ -104,7 +104,7 @@ void nimbatrayAppDelegate::listen(int pipe) {
     if (count != 0) dispatch(buffer, shown, *calls);
     // select(2) always reports files other than FIFOs as readable: a folder has nothing to read, and a device
     // may never end.
-    if (!ownEnd.valid() && (count <= 0 || isDevice(pipe))) std::this_thread::sleep_for(waitTime);
+    if (!writeEnd.valid() && (count <= 0 || isDevice(pipe))) std::this_thread::sleep_for(waitTime);
   }
 }
 

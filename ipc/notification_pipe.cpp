@@ -24,7 +24,7 @@ int read_pipe(int descriptor, std::span<char> buffer) {
   return -1;
 }
 
-platform::FileDescriptor holdOpenForWriting(int reader) {
+platform::FileDescriptor openWriteEnd(int reader) {
   struct stat status {};
   if (::fstat(reader, &status) != 0 || !S_ISFIFO(status.st_mode)) return {};
   return platform::reopen(reader, O_WRONLY | O_NONBLOCK);

@@ -16,4 +16,4 @@ inline constexpr const char* notificationPipe = "/tmp/KMNOTIPIPE";
 // Opens the FIFO of `reader` for writing. While this end is open, the reader gets EAGAIN instead of end of
 // file after its last writer has closed, and select(2) does not return at once. Returns an invalid descriptor
 // if `reader` is not a FIFO or cannot be reopened. See fifo(7).
-[[nodiscard]] platform::FileDescriptor holdOpenForWriting(int reader);
+[[nodiscard]] platform::FileDescriptor openWriteEnd(int reader);

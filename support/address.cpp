@@ -22,13 +22,13 @@ bool isEscape(std::string_view text) {
   return text.size() >= 3 && text[0] == '%' && isIn(hexDigits, text[1]) && isIn(hexDigits, text[2]);
 }
 
-bool mayStand(std::string_view text) {
+bool isAllowedAtFront(std::string_view text) {
   if (text[0] == '%') return isEscape(text);
   return isIn(letters, text[0]) || isIn(digits, text[0]) || isIn(marks, text[0]);
 }
 
 bool isWebScheme(std::string_view text) {
-  return platform::equalButForCase(text, "http") || platform::equalButForCase(text, "https");
+  return platform::equalIgnoringCase(text, "http") || platform::equalIgnoringCase(text, "https");
 }
 
 // A host name or IPv4 address, without the escapes and punctuation that RFC 3986 additionally allows; or an
@@ -54,7 +54,7 @@ bool isHostAndPort(std::string_view text) {
 
 bool isAddress(std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (!mayStand(text.substr(i))) return false;
+    if (!isAllowedAtFront(text.substr(i))) return false;
   }
   return !text.empty();
 }

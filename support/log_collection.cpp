@@ -29,7 +29,7 @@ void ask(platform::Window* window, const char* question, const char* firstButton
 // The exit status is ignored; only a timeout is logged.
 void runWithinLimit(const CollectionCommand& command) {
   if (platform::system(command.text, command.limit)) return;
-  platform::systemLog(platform::LogPriority::Error, "log collection : a command was ended after " +
+  platform::systemLog(platform::LogPriority::Error, "log collection : a command was killed after " +
                                                         std::to_string(command.limit.count()) +
                                                         " s : " + command.text);
 }

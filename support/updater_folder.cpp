@@ -13,9 +13,10 @@ bool claimUpdaterFolder() {
   const int error = ::mkdir(updaterFolder, S_IRWXU) == 0 ? 0 : errno;
   if (error == 0 || platform::isOwnFolder(updaterFolder)) return true;
   // A folder that does not exist could be created by another user before the copy begins.
-  const std::string what = error == EEXIST
-                               ? "updater's folder is not this user's alone : " + std::string(updaterFolder)
-                               : "updater's folder can't be made. errno : " + std::to_string(error);
+  const std::string what =
+      error == EEXIST
+          ? "updater's folder belongs to or is writable by other users : " + std::string(updaterFolder)
+          : "updater's folder cannot be created. errno : " + std::to_string(error);
   platform::systemLog(platform::LogPriority::Error, what);
   return false;
 }

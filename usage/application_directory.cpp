@@ -19,7 +19,7 @@ std::optional<std::string> applicationPath() {
 
 // Only a link of the user's own is followed: the user may have moved the folder, but another user's link
 // could lead to any of the user's folders.
-bool isLinkOfTheUser(const std::string& path) {
+bool isLinkOwnedByUser(const std::string& path) {
   struct stat status {};
   return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid == ::geteuid();
 }
@@ -34,7 +34,7 @@ std::optional<std::string> applicationDirectory() {
   std::filesystem::create_directories(folder.parent_path(), error);
   if (::mkdir(path->c_str(), S_IRWXU) != 0 && !std::filesystem::is_directory(folder, error))
     return std::nullopt;
-  makeFolderPrivate(isLinkOfTheUser(*path) ? std::filesystem::canonical(folder, error).string() : *path);
+  makeFolderPrivate(isLinkOwnedByUser(*path) ? std::filesystem::canonical(folder, error).string() : *path);
   return path;
 }
 

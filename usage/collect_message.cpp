@@ -22,7 +22,7 @@ TransferEntry entryAt(CollectMessage message, std::size_t index) {
   const auto bytes = message.subspan(layout::entriesOffset + index * layout::entrySize, layout::entrySize);
   return {static_cast<std::int32_t>(integerAt(bytes, layout::entryKindOffset)),
           {bytes.data() + layout::entrySizeOffset, record_format::sizeFieldWidth},
-          nameAt(bytes, layout::entryNameOffset, record_format::longestTransferName)};
+          nameAt(bytes, layout::entryNameOffset, record_format::maxTransferNameLength)};
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ std::uint32_t dataCommandOf(CollectMessage message) {
 }
 
 std::string_view deviceNameOf(CollectMessage message) {
-  return nameAt(message, layout::deviceNameOffset, record_format::longestDeviceName);
+  return nameAt(message, layout::deviceNameOffset, record_format::maxDeviceNameLength);
 }
 
 std::uint32_t entryCountOf(CollectMessage message) {
@@ -41,7 +41,7 @@ std::uint32_t entryCountOf(CollectMessage message) {
 
 std::vector<TransferEntry> transferEntriesOf(CollectMessage message) {
   std::vector<TransferEntry> entries;
-  const std::uint32_t count = std::min(entryCountOf(message), layout::mostEntries);
+  const std::uint32_t count = std::min(entryCountOf(message), layout::maxEntries);
   entries.reserve(count);
   for (std::uint32_t i = 0; i < count; ++i) entries.push_back(entryAt(message, i));
   return entries;

@@ -25,5 +25,5 @@ struct TransferEntry {
 [[nodiscard]] std::string_view deviceNameOf(CollectMessage message);
 [[nodiscard]] std::uint32_t entryCountOf(CollectMessage message);
 
-// Returns the message's entries, at most `record_format::message::mostEntries`.
+// Returns the message's entries, at most `record_format::message::maxEntries`.
 [[nodiscard]] std::vector<TransferEntry> transferEntriesOf(CollectMessage message);

@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr mode_t accessOfOthers = S_IRWXG | S_IRWXO;
+constexpr mode_t groupAndOtherAccess = S_IRWXG | S_IRWXO;
 
 // Other files in the folder belong to the user and are left unchanged.
-bool isOfTheAgent(std::string_view name) {
+bool isAgentFile(std::string_view name) {
   return name.ends_with(".dat") || name == "TovalinUUID.txt" || name == "TovalinServerOption.txt";
 }
 
@@ -24,7 +24,7 @@ void makeFilesPrivate(const std::string& folder) {
   std::filesystem::directory_iterator entry(folder, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
     std::error_code gone;
-    if (!isOfTheAgent(entry->path().filename().native())) continue;
+    if (!isAgentFile(entry->path().filename().native())) continue;
     if (!std::filesystem::is_regular_file(entry->symlink_status(gone))) continue;
     if (const auto file = openForReading(entry->path().string()); file.valid()) makePrivate(file);
   }
@@ -36,8 +36,8 @@ void makePrivate(const platform::FileDescriptor& file) {
   struct stat status {};
   if (::fstat(file.get(), &status) != 0 || status.st_uid != ::geteuid()) return;
   if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) return;
-  if ((status.st_mode & accessOfOthers) == 0) return;
-  ::fchmod(file.get(), status.st_mode & ~accessOfOthers & 07777);
+  if ((status.st_mode & groupAndOtherAccess) == 0) return;
+  ::fchmod(file.get(), status.st_mode & ~groupAndOtherAccess & 07777);
 }
 
 void makeFolderPrivate(const std::string& path) {

@@ -20,7 +20,7 @@ void addCounted(std::string& bytes, std::string_view text) {
 
 void addVersion(std::string& bytes, std::string_view bundleVersion) {
   add(bytes, Code::Version);
-  addCounted(bytes, bundleVersion.substr(0, record_format::longestBundleVersion));
+  addCounted(bytes, bundleVersion.substr(0, record_format::maxBundleVersionLength));
   addCounted(bytes, record_format::fixedVersion);
 }
 
@@ -80,7 +80,7 @@ std::string headerBytes(const std::tm& day, std::string_view identifier, std::ui
   bytes += viewOf(dateText(day, '-'));
   add(bytes, Code::Identifier);
   const std::string identifierText = "{" + std::string(identifier) + "}";
-  addCounted(bytes, std::string_view(identifierText).substr(0, record_format::longestIdentifierText));
+  addCounted(bytes, std::string_view(identifierText).substr(0, record_format::maxIdentifierTextLength));
   add(bytes, Code::OperatingSystem);
   bytes += static_cast<char>(osCode);
   addVersion(bytes, bundleVersion);
@@ -104,21 +104,21 @@ std::string quitRecord(const std::tm& time) {
 
 std::string deviceEventRecord(std::uint32_t dataCommand, const std::tm& time, std::string_view deviceName) {
   std::string bytes;
-  bytes.reserve(record_format::longestDeviceEvent);
+  bytes.reserve(record_format::maxDeviceEventLength);
   add(bytes, dataCommand == record_format::message::deviceEvent4 ? Code::DeviceEvent4 : Code::DeviceEvent3);
   addCountedTime(bytes, time);
   if (deviceName.empty()) deviceName = record_format::unknownDeviceName;
-  addCounted(bytes, deviceName.substr(0, record_format::longestDeviceName));
+  addCounted(bytes, deviceName.substr(0, record_format::maxDeviceNameLength));
   return bytes;
 }
 
 std::string transferRecords(std::span<const TransferEntry> entries) {
-  std::string bytes(entries.size() * record_format::longestTransfer, '\0');
+  std::string bytes(entries.size() * record_format::maxTransferLength, '\0');
   char* end = bytes.data();
   Code code = Code::TransferKind1;
   for (const TransferEntry& entry : entries) {
     code = codeFor(entry.kind, code);
-    const std::string_view name = entry.name.substr(0, record_format::longestTransferName);
+    const std::string_view name = entry.name.substr(0, record_format::maxTransferNameLength);
     *end++ = static_cast<char>(code);
     *end++ = static_cast<char>(entry.size.size());
     end = std::ranges::copy(entry.size, end).out;

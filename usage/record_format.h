@@ -30,14 +30,14 @@ inline constexpr std::size_t dateLength = 10;  // YYYY-MM-DD
 inline constexpr std::size_t timeLength = 19;  // YYYY-MM-DD HH:MM:SS
 inline constexpr std::size_t sizeFieldWidth = 8;
 
-inline constexpr std::size_t longestIdentifierText = 49;  // including the braces
-inline constexpr std::size_t longestBundleVersion = 15;
-inline constexpr std::size_t longestDeviceName = 63;
-inline constexpr std::size_t longestTransferName = 9;
+inline constexpr std::size_t maxIdentifierTextLength = 49;  // including the braces
+inline constexpr std::size_t maxBundleVersionLength = 15;
+inline constexpr std::size_t maxDeviceNameLength = 63;
+inline constexpr std::size_t maxTransferNameLength = 9;
 
 // The maximum record lengths, including the code and the length bytes of texts.
-inline constexpr std::size_t longestDeviceEvent = 1 + 1 + timeLength + 1 + longestDeviceName;
-inline constexpr std::size_t longestTransfer = 1 + 1 + sizeFieldWidth + 1 + longestTransferName;
+inline constexpr std::size_t maxDeviceEventLength = 1 + 1 + timeLength + 1 + maxDeviceNameLength;
+inline constexpr std::size_t maxTransferLength = 1 + 1 + sizeFieldWidth + 1 + maxTransferNameLength;
 
 inline constexpr std::uint8_t lowestOsCode = 64;
 inline constexpr std::uint8_t highestOsCode = 68;
@@ -60,13 +60,13 @@ inline constexpr std::uint32_t transfers = 0;
 inline constexpr std::uint32_t deviceEvent3 = 3;
 inline constexpr std::uint32_t deviceEvent4 = 4;
 
-inline constexpr std::uint32_t mostEntries = 30;
+inline constexpr std::uint32_t maxEntries = 30;
 
 inline constexpr std::int32_t entryKind1 = 1;
 inline constexpr std::int32_t entryKind2 = 2;
 
-static_assert(entriesOffset + mostEntries * entrySize == 678);
-static_assert(deviceNameOffset + longestDeviceName + 1 <= size);
+static_assert(entriesOffset + maxEntries * entrySize == 678);
+static_assert(deviceNameOffset + maxDeviceNameLength + 1 <= size);
 
 }  // namespace message
 

@@ -6,13 +6,13 @@
 
 namespace {
 
-std::string withoutSlashesBehind(const std::string& origin) {
+std::string withoutTrailingSlashes(const std::string& origin) {
   return origin.substr(0, origin.find_last_not_of('/') + 1);
 }
 
 std::string addressFor(std::string_view key, const char* builtIn) {
-  const std::string address = withoutSlashesBehind(platform::Bundle::mainBundleText(key).value_or(""));
-  return address.empty() ? withoutSlashesBehind(builtIn) : address;
+  const std::string address = withoutTrailingSlashes(platform::Bundle::mainBundleText(key).value_or(""));
+  return address.empty() ? withoutTrailingSlashes(builtIn) : address;
 }
 
 }  // namespace

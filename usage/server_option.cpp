@@ -12,7 +12,7 @@ namespace {
 // Frozen: doc/compatibility.md.
 constexpr char productServerOption = '1';
 constexpr char testUploadServer = '0';
-constexpr std::size_t longestOption = 1;
+constexpr std::size_t maxOptionLength = 1;
 
 int unknownOption(std::string_view failure) {
   platform::errorLog(failure);
@@ -37,8 +37,8 @@ int GetTovalinServerOption() {
     const auto size = sizeOf(file);
     if (!size) return unknownOption("file read failed");
     makePrivate(file);
-    if (*size <= longestOption) return storedOption(file, *size);
-  } else if (sizeOfFileAt(*path).value_or(longestOption + 1) <= longestOption) {
+    if (*size <= maxOptionLength) return storedOption(file, *size);
+  } else if (sizeOfFileAt(*path).value_or(maxOptionLength + 1) <= maxOptionLength) {
     // The file exists but cannot be opened now; its content may be valid and must not be replaced.
     return unknownOption("create file failed");
   }

@@ -26,7 +26,7 @@ std::optional<std::string> contentsOfFile(const std::string& path) {
   struct stat status {};
   if (!file.valid() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   const auto size = static_cast<std::size_t>(status.st_size);
-  if (size > largestUpload) {
+  if (size > maxUploadSize) {
     platform::systemLog(platform::LogPriority::Error, "usage file too large to upload : " + path);
     return std::nullopt;
   }

@@ -6,14 +6,14 @@
 #include <vector>
 
 // The maximum size of a usage file to upload, in bytes. Bounds the agent's memory.
-inline constexpr std::size_t largestUpload = std::size_t{256} << 20;
+inline constexpr std::size_t maxUploadSize = std::size_t{256} << 20;
 
 // Returns the names in the folder that end with ".dat", in directory order; an empty list if the folder
 // cannot be read. Thread-safe.
 [[nodiscard]] std::vector<std::string> uploadCandidates(const std::string& folder);
 
 // Returns the bytes of a file. Returns nullopt if it is not a regular file, cannot be read completely, or
-// exceeds `largestUpload`. Never blocks on a FIFO. Thread-safe.
+// exceeds `maxUploadSize`. Never blocks on a FIFO. Thread-safe.
 [[nodiscard]] std::optional<std::string> contentsOfFile(const std::string& path);
 
 // A file that the server has received.

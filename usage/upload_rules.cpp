@@ -17,8 +17,8 @@ std::string delimiter() {
 UploadTick uploadTick(const std::tm& stored, const std::tm& now, bool uploadIsWaiting) {
   UploadTick tick;
   tick.dateChanged = now.tm_mday != stored.tm_mday;
-  const int minuteOfThePass = tick.dateChanged ? now.tm_sec : stored.tm_sec;
-  tick.passIsDue = (uploadIsWaiting || tick.dateChanged) && minuteOfThePass == now.tm_min;
+  const int passMinute = tick.dateChanged ? now.tm_sec : stored.tm_sec;
+  tick.passIsDue = (uploadIsWaiting || tick.dateChanged) && passMinute == now.tm_min;
   return tick;
 }
 

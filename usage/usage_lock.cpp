@@ -38,7 +38,7 @@ platform::FileDescriptor openLockFile(const std::string& path) {
 
 // Returns whether no other user can have opened the file. Another user may have created it while the folder
 // was writable for others, or may reach it through a hard link.
-bool isOwnAlone(int descriptor) {
+bool isPrivateFile(int descriptor) {
   struct stat status {};
   return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid() &&
          (status.st_mode & (S_IRWXG | S_IRWXO)) == 0 && status.st_nlink == 1;
@@ -49,13 +49,13 @@ bool isOwnAlone(int descriptor) {
 platform::FileDescriptor lockUsageFiles(const std::string& folder) {
   const std::string path = folder + "/TovalinUsage.lock";
   auto file = openLockFile(path);
-  const bool isForeign = file.valid() ? !isOwnAlone(file.get()) : errno == ELOOP;
+  const bool isForeign = file.valid() ? !isPrivateFile(file.get()) : errno == ELOOP;
   if (isForeign) {
     ::unlink(path.c_str());
     file = openLockFile(path);
   }
   if (!file.valid()) return {};
-  if (!isOwnAlone(file.get())) {
+  if (!isPrivateFile(file.get())) {
     errno = EPERM;
     return {};
   }

@@ -100,6 +100,6 @@ void TvlWriteMountDataToFile(CollectMessage message) {
 
 void TvlWriteTransferDataToFile(CollectMessage message) {
   const std::uint32_t count = entryCountOf(message);
-  if (count == 0 || count > message::mostEntries) return platform::errorLog("data count wrong!!");
+  if (count == 0 || count > message::maxEntries) return platform::errorLog("data count wrong!!");
   appendRecord(transferRecords(transferEntriesOf(message)), platform::currentLocalTime());
 }

@@ -14,27 +14,27 @@ start_desktop() {
 # Starts a program and sets `answer` to the line that it writes to descriptor 3 when it is ready.
 start_and_read() { # PROGRAM...
   mkfifo /tmp/answer
-  "$@" 3>/tmp/answer >>"$mutterings" 2>&1 &
-  read -r -t "$patience" answer </tmp/answer || fail "$1 did not start"
+  "$@" 3>/tmp/answer >>"$desktop_output" 2>&1 &
+  read -r -t "$wait_limit" answer </tmp/answer || fail "$1 did not start"
   rm /tmp/answer
 }
 
 start_screen() {
   start_and_read Xvfb -displayfd 3 -nolisten tcp -noreset -screen 0 "${screen_width}x${screen_height}x24"
   export DISPLAY=":$answer"
-  tell "desktop" "a screen of $screen_width by $screen_height"
+  log_line "desktop" "a screen of $screen_width by $screen_height"
 }
 
 start_bus() {
   start_and_read dbus-daemon --nofork --nopidfile --nosyslog --print-address=3 --config-file=packaging/run/session_bus.conf
   export DBUS_SESSION_BUS_ADDRESS=$answer
-  tell "desktop" "a session bus"
+  log_line "desktop" "a session bus"
 }
 
 start_window_manager() {
-  openbox --sm-disable >>"$mutterings" 2>&1 &
+  openbox --sm-disable >>"$desktop_output" 2>&1 &
   wait_for "the window manager" window_manager_answers
-  tell "desktop" "a window manager: openbox"
+  log_line "desktop" "a window manager: openbox"
 }
 
 # Setting the desktop also triggers openbox, which handles requests received during its start only when more arrive.
@@ -44,14 +44,14 @@ start_panel() {
   panel=xfce4-panel
   command -v "$panel" >/dev/null || panel=trayer
   "start_$panel"
-  tell "desktop" "a panel: $panel"
+  log_line "desktop" "a panel: $panel"
 }
 
 start_xfce4-panel() {
   mkdir /tmp/services
   ln -s /usr/share/dbus-1/services/org.xfce.Xfconf.service /tmp/services
   cp -r packaging/run/config "$HOME/.config"
-  xfce4-panel --disable-wm-check >>"$mutterings" 2>&1 &
+  xfce4-panel --disable-wm-check >>"$desktop_output" 2>&1 &
   wait_for "the panel to take icons" panel_takes_icons
 }
 
@@ -65,7 +65,7 @@ start_trayer() { run_trayer 0xf6f5f4; }
 
 run_trayer() { # COLOUR
   trayer --edge top --align right --widthtype percent --width 100 --height "$panel_height" --SetDockType true \
-    --transparent true --alpha 0 --tint "$1" --iconspacing 6 >>"$mutterings" 2>&1 &
+    --transparent true --alpha 0 --tint "$1" --iconspacing 6 >>"$desktop_output" 2>&1 &
   trayer_process=$!
   wait_for "the panel" xdotool search --onlyvisible --class trayer >/dev/null
 }
@@ -73,8 +73,8 @@ run_trayer() { # COLOUR
 # Switches the desktop between light and dark: the panel's theme and the portal's setting.
 paint_desktop() { # light|dark
   "paint_$panel" "$1"
-  tell_portal "$([ "$1" = dark ] && echo "set 1" || echo "set 2")"
-  tell "visit" "switched the desktop to $1"
+  send_to_portal "$([ "$1" = dark ] && echo "set 1" || echo "set 2")"
+  log_line "visit" "switched the desktop to $1"
 }
 
 paint_xfce4-panel() { # light|dark

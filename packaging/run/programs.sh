@@ -6,36 +6,36 @@ outside_commands=/tmp/outside_commands
 server_port=8090
 
 start_log() {
-  packaging/run/system_log /dev/log > >(retell_log) 2>>"$mutterings" &
+  packaging/run/system_log /dev/log > >(log_system_log) 2>>"$desktop_output" &
   wait_for "the system log" test -S /dev/log
 }
 
 # Outside commands and the relay of the web view log their calls to the system log, so that all lines are in order.
-retell_log() {
+log_system_log() {
   local identity text
   while read -r identity text; do
     case $identity in
-      shell:) tell "shell" "$text" ;;
-      beacon:) tell "beacon" "$text" ;;
-      *) tell "log" "$identity $text" ;;
+      shell:) log_line "shell" "$text" ;;
+      beacon:) log_line "beacon" "$text" ;;
+      *) log_line "log" "$identity $text" ;;
     esac
   done
 }
 
 start_portal() {
   mkfifo /tmp/portal
-  build/release/tests/harness/portal_double --value 2 </tmp/portal > >(retell_portal) 2>>"$mutterings" &
+  build/release/tests/harness/portal_double --value 2 </tmp/portal > >(log_portal) 2>>"$desktop_output" &
   exec 4>/tmp/portal
   wait_for_line "portal" "ready"
 }
 
 # Omits the portal's "ok" after each command.
-retell_portal() { sed --unbuffered '/^ok$/d' | retell "portal"; }
+log_portal() { sed --unbuffered '/^ok$/d' | log_lines "portal"; }
 
-tell_portal() { echo "$1" >&4; }
+send_to_portal() { echo "$1" >&4; }
 
 # Creates the records that a run of the agent on the previous day would have left.
-leave_yesterdays_records() {
+create_yesterdays_records() {
   local folder=$HOME/.local/share/Tovalin yesterday
   mkdir -p "$folder"
   yesterday=$(date --date=yesterday +%Y-%m-%d)
@@ -51,18 +51,18 @@ install_bundle() {
   cp -r build/Tovalin.app "$bundle"
   local helper
   for helper in launchctl open osascript; do
-    announce "$helper" "$PWD/build/${agent_contents#/tmp/Applications/}/Helpers/$helper" "$agent_contents/Helpers/$helper"
+    wrap_with_log "$helper" "$PWD/build/${agent_contents#/tmp/Applications/}/Helpers/$helper" "$agent_contents/Helpers/$helper"
   done
   # The web browser of the private desktop.
-  announce x-www-browser /bin/true "$outside_commands/x-www-browser"
-  announce killall "$(command -v killall)" "$outside_commands/killall"
+  wrap_with_log x-www-browser /bin/true "$outside_commands/x-www-browser"
+  wrap_with_log killall "$(command -v killall)" "$outside_commands/killall"
   relay_beacons "$agent_contents/Helpers/TovalinWebView"
   sed -i "s|^</dict>|<key>TovalinProductServer</key><string>http://127.0.0.1:$server_port</string></dict>|" \
     "$agent_contents/Info.plist"
 }
 
 # Creates a wrapper that logs its arguments and then runs the program.
-announce() { # NAME PROGRAM PLACE
+wrap_with_log() { # NAME PROGRAM PLACE
   printf '#!/bin/sh\nlogger -t shell -- "%s $*"\nexec "%s" "$@"\n' "$1" "$2" >"$3"
   chmod +x "$3"
 }
@@ -74,7 +74,7 @@ relay_beacons() { # WEB_VIEW
 }
 
 start_server() { # OPTION ...
-  build/release/tools/productserver --port "$server_port" --uploads "$results/uploads" "$@" tools/productserver_root > >(retell "server") 2>&1 &
+  build/release/tools/productserver --port "$server_port" --uploads "$results/uploads" "$@" tools/productserver_root > >(log_lines "server") 2>&1 &
   server=$!
   server_starts=$((${server_starts:-0} + 1))
   wait_for_line "server" "listening" "$server_starts"
@@ -83,20 +83,20 @@ start_server() { # OPTION ...
 stop_server() {
   kill "$server"
   wait_for "the server to end" has_ended "$server"
-  tell "visit" "stopped the server"
+  log_line "visit" "stopped the server"
 }
 
 start_main_application() {
   mkfifo /tmp/main_application
-  "$bundle/Contents/MacOS/Tovalin" --until -toff </tmp/main_application > >(retell_main_application) 2>&1 &
+  "$bundle/Contents/MacOS/Tovalin" --until -toff </tmp/main_application > >(log_main_application) 2>&1 &
   main_application=$!
   exec 5>/tmp/main_application
   wait_for_line "main app" "reading"
 }
 
 # Prints a usage record file line by line.
-tell_records() { # FILE
-  build/release/tools/tvldump "$1" > >(retell "tvldump") 2>&1 || fail "$1 is damaged"
+print_records() { # FILE
+  build/release/tools/tvldump "$1" > >(log_lines "tvldump") 2>&1 || fail "$1 is damaged"
 }
 
 has_archive() { compgen -G "$HOME/Desktop/tovalinlog_*.zip" >/dev/null; }
@@ -109,10 +109,10 @@ yesterdays_records_are_gone() { [ -z "$(find "$HOME/.local/share/Tovalin" -name 
 ask_agent() { echo "$1" >&5; }
 
 # Omits the time before each message.
-retell_main_application() { sed --unbuffered -e 's/^[0-9:.]*  "/read "/' -e 's/^[0-9:.]*  sent/sent/' | retell "main app"; }
+log_main_application() { sed --unbuffered -e 's/^[0-9:.]*  "/read "/' -e 's/^[0-9:.]*  sent/sent/' | log_lines "main app"; }
 
 start_agent() {
-  tell "visit" "starts the agent"
-  PATH="$outside_commands:$PATH" "$agent_contents/MacOS/TovalinTray" > >(retell "agent") 2>&1 &
+  log_line "visit" "starts the agent"
+  PATH="$outside_commands:$PATH" "$agent_contents/MacOS/TovalinTray" > >(log_lines "agent") 2>&1 &
   agent=$!
 }

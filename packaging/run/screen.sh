@@ -21,7 +21,7 @@ stands_still() {
 picture() { # NAME
   wait_for "the screen to stand still" stands_still
   convert "$shot" "$results/$1.png"
-  tell "picture" "$results/$1.png"
+  log_line "picture" "$results/$1.png"
 }
 
 remember_empty_screen() {
@@ -52,7 +52,7 @@ icon_is() { # NAME
 
 wait_for_icon() { # NAME
   wait_for "the icon \"$1\" in the panel" icon_is "$1"
-  tell "screen" "the panel shows the icon \"$1\""
+  log_line "screen" "the panel shows the icon \"$1\""
 }
 
 panel_is_empty() {
@@ -76,7 +76,7 @@ support_window_is_open() {
 support_window_is_closed() { ! support_window_is_open; }
 
 click_in_support_window() { # WHAT X Y
-  tell "visit" "clicks $1"
+  log_line "visit" "clicks $1"
   xdotool mousemove $((support_x + $2)) $((support_y + $3)) click 1
 }
 
@@ -104,7 +104,7 @@ menu_is_closed() { ! menu_is_open; }
 open_menu() {
   xdotool mousemove "$icon_x" $((panel_height - 4)) click 3
   wait_for "the menu" menu_is_open
-  tell "visit" "clicked the icon: the menu is open"
+  log_line "visit" "clicked the icon: the menu is open"
 }
 
 point_at() { # first|last
@@ -115,7 +115,7 @@ point_at() { # first|last
 
 choose() { # first|last
   point_at "$1"
-  tell "visit" "clicks the menu's $1 item"
+  log_line "visit" "clicks the menu's $1 item"
   xdotool click 1
   wait_for "the menu to close" menu_is_closed
 }

@@ -3,11 +3,11 @@
 results=build/run
 transcript=$results/transcript.txt
 # Output of the desktop's programs, shown only after a failure.
-mutterings=/tmp/mutterings
+desktop_output=/tmp/desktop_output
 # The timeout of all waits, in seconds.
-patience=20
+wait_limit=20
 
-tell() { # WHO WHAT
+log_line() { # WHO WHAT
   local now=$EPOCHREALTIME line
   printf -v line '%(%H:%M:%S)T.%s  %-9s %s' "${now%.*}" "${now:(-6):3}" "$1" "$2"
   printf '%s\n' "$line" >>"$transcript"
@@ -15,27 +15,27 @@ tell() { # WHO WHAT
 }
 
 # Adds each line of standard input to the transcript.
-retell() { # WHO
+log_lines() { # WHO
   local line
-  while IFS= read -r line; do tell "$1" "$line"; done
+  while IFS= read -r line; do log_line "$1" "$line"; done
 }
 
 fail() { # WHAT
-  tell "FAILED" "$1"
-  if [ -n "${agent:-}" ] && has_ended "$agent"; then tell "FAILED" "the agent has ended"; fi
+  log_line "FAILED" "$1"
+  if [ -n "${agent:-}" ] && has_ended "$agent"; then log_line "FAILED" "the agent has ended"; fi
   if [ -n "${DISPLAY:-}" ] && import -silent -window root "$results/failed.png"; then
-    tell "picture" "$results/failed.png shows the screen at the time of the failure"
+    log_line "picture" "$results/failed.png shows the screen at the time of the failure"
   fi
-  retell "desktop" <"$mutterings"
+  log_lines "desktop" <"$desktop_output"
   exit 1
 }
 
 # Repeats a command until it succeeds.
 wait_for() { # WHAT COMMAND...
-  local what=$1 deadline=$((SECONDS + patience))
+  local what=$1 deadline=$((SECONDS + wait_limit))
   shift
   until "$@"; do
-    [ "$SECONDS" -lt "$deadline" ] || fail "timed out after $patience seconds waiting for $what"
+    [ "$SECONDS" -lt "$deadline" ] || fail "timed out after $wait_limit seconds waiting for $what"
     sleep 0.05
   done
 }
@@ -54,7 +54,7 @@ wait_for_line() { # WHO BEGINNING [COUNT]
 wait_for_end() { # WHAT PID
   wait_for "$1 to end" has_ended "$2"
   wait "$2" || fail "$1 ended with status $?"
-  tell "visit" "$1 ended with status 0"
+  log_line "visit" "$1 ended with status 0"
 }
 
 has_ended() { ! kill -0 "$1" 2>/dev/null; }

@@ -1,6 +1,6 @@
 # Sources of platform/macos, shared with the build under GNUstep.
 set(macos_cpp_sources
-  application/ending_signals.cpp
+  application/termination_signals.cpp
   system/helper_folder.cpp
   system/log_sources.cpp
   application/process_start.cpp

@@ -22,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds pollInterval = 10ms;
 // How long to wait for a process after SIGKILL. A process blocked on an unreachable network file system may
 // not end before that, if ever.
-constexpr std::chrono::milliseconds killPatience = 1s;
+constexpr std::chrono::milliseconds killTimeout = 1s;
 
 // The agent's environment with the folders of the helper programs at the front of PATH. Helpers restore
 // TOVALIN_ORIGINAL_PATH as PATH for the programs they start.
@@ -101,7 +101,7 @@ std::optional<int> runWithLimit(const std::string& program, std::vector<std::str
   if (const auto status = waitUntil(deadline, *child)) return status;
   // The child has not been reaped, so its process group ID has not been reused.
   ::kill(-*child, SIGKILL);
-  waitUntil(Clock::now() + killPatience, *child);
+  waitUntil(Clock::now() + killTimeout, *child);
   return std::nullopt;
 }
 

@@ -71,7 +71,7 @@ class Inflater {
 
 // Returns whether `bytes` begin with a gzip member header: the magic number, the method deflate, and reserved
 // flags that are zero (RFC 1952, section 2.3.1).
-bool beginsLikeMember(std::string_view bytes) {
+bool beginsGzipMember(std::string_view bytes) {
   constexpr unsigned char reservedFlags = 0xe0;
   return bytes.size() > 3 && bytes.starts_with("\x1f\x8b\x08") &&
          (static_cast<unsigned char>(bytes[3]) & reservedFlags) == 0;
@@ -81,7 +81,7 @@ bool beginsLikeMember(std::string_view bytes) {
 Outcome appendGzip(std::string_view body, BoundedText& output) {
   Inflater inflater(body, Format::Gzip);
   auto outcome = inflater.appendStream(output);
-  while (outcome == Outcome::Decoded && beginsLikeMember(inflater.rest()))
+  while (outcome == Outcome::Decoded && beginsGzipMember(inflater.rest()))
     outcome = inflater.appendStream(output);
   return outcome;
 }
@@ -122,8 +122,8 @@ std::string_view trimmedCoding(std::string_view text) {
 }
 
 std::optional<Coding> codingNamed(std::string_view name) {
-  if (equalButForCase(name, "gzip") || equalButForCase(name, "x-gzip")) return Coding::Gzip;
-  if (equalButForCase(name, "deflate")) return Coding::Deflate;
+  if (equalIgnoringCase(name, "gzip") || equalIgnoringCase(name, "x-gzip")) return Coding::Gzip;
+  if (equalIgnoringCase(name, "deflate")) return Coding::Deflate;
   return std::nullopt;
 }
 

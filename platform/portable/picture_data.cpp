@@ -15,7 +15,7 @@ constexpr std::string_view jpegSignature = "\xff\xd8";
 constexpr std::string_view jpegPass = "\xff\xda";
 
 // A progressive JPEG usually has about ten scans.
-constexpr int mostJpegPasses = 64;
+constexpr int maxJpegPasses = 64;
 
 // A PNG chunk consists of the length of its data, a name, the data and a checksum.
 constexpr std::size_t lengthSize = 4, nameSize = 4, checkSumSize = 4;
@@ -48,7 +48,7 @@ bool hasTooManyPasses(std::string_view bytes) {
   int passes = 0;
   for (std::size_t place = bytes.find(jpegPass); place != std::string_view::npos;
        place = bytes.find(jpegPass, place + jpegPass.size())) {
-    if (++passes > mostJpegPasses) return true;
+    if (++passes > maxJpegPasses) return true;
   }
   return false;
 }

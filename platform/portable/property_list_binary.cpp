@@ -10,7 +10,7 @@ namespace {
 using Bytes = std::span<const std::byte>;
 
 constexpr std::size_t headerSize = 8, trailerSize = 32;
-constexpr std::size_t longestNumber = 8;
+constexpr std::size_t maxNumberLength = 8;
 
 // The kinds of objects: the upper half of the byte that an object begins with.
 enum Kind : unsigned {
@@ -33,7 +33,7 @@ std::optional<Bytes> part(Bytes bytes, std::uint64_t position, std::uint64_t siz
   return bytes.subspan(position, size);
 }
 
-// At most longestNumber bytes, big-endian.
+// At most maxNumberLength bytes, big-endian.
 std::uint64_t number(Bytes bytes) {
   std::uint64_t result = 0;
   for (const std::byte byte : bytes) result = result << 8 | std::to_integer<std::uint64_t>(byte);
@@ -60,8 +60,8 @@ std::optional<Layout> layoutOf(Bytes list) {
   layout.objectCount = number(trailer.subspan(8, 8));
   layout.topObject = number(trailer.subspan(16, 8));
   const std::uint64_t table = number(trailer.subspan(24, 8));
-  if (layout.offsetSize < 1 || layout.offsetSize > longestNumber) return std::nullopt;
-  if (layout.referenceSize < 1 || layout.referenceSize > longestNumber) return std::nullopt;
+  if (layout.offsetSize < 1 || layout.offsetSize > maxNumberLength) return std::nullopt;
+  if (layout.referenceSize < 1 || layout.referenceSize > maxNumberLength) return std::nullopt;
   if (table <= headerSize || table > body.size()) return std::nullopt;
   if (layout.objectCount > (body.size() - table) / layout.offsetSize) return std::nullopt;
   layout.objects = body.first(table);
@@ -164,7 +164,7 @@ bool BinaryListReader::readCount(Head& head) const {
   const auto first = part(layout_.objects, head.position, 1);
   if (!first || std::to_integer<unsigned>(first->front()) >> 4 != integer) return false;
   const std::size_t size = std::size_t{1} << (std::to_integer<unsigned>(first->front()) & 0xF);
-  if (size > longestNumber) return false;
+  if (size > maxNumberLength) return false;
   const auto bytes = part(layout_.objects, head.position + 1, size);
   if (!bytes) return false;
   head.count = number(*bytes);
@@ -181,13 +181,13 @@ std::optional<std::uint64_t> BinaryListReader::referenceAt(std::uint64_t positio
 // Those of eight bytes have a sign, shorter ones have none; of sixteen bytes the upper eight may only repeat
 // the sign.
 std::optional<PropertyList> BinaryListReader::integerOf(const Head& head) const {
-  constexpr std::uint64_t longestExponent = 4;
-  if (head.count > longestExponent) return std::nullopt;
+  constexpr std::uint64_t maxExponentLength = 4;
+  if (head.count > maxExponentLength) return std::nullopt;
   auto bytes = part(layout_.objects, head.position, std::uint64_t{1} << head.count);
   if (!bytes) return std::nullopt;
-  if (bytes->size() <= longestNumber) return PropertyList(std::bit_cast<std::int64_t>(number(*bytes)));
-  const auto value = std::bit_cast<std::int64_t>(number(bytes->last(longestNumber)));
-  const auto upper = std::bit_cast<std::int64_t>(number(bytes->first(longestNumber)));
+  if (bytes->size() <= maxNumberLength) return PropertyList(std::bit_cast<std::int64_t>(number(*bytes)));
+  const auto value = std::bit_cast<std::int64_t>(number(bytes->last(maxNumberLength)));
+  const auto upper = std::bit_cast<std::int64_t>(number(bytes->first(maxNumberLength)));
   if (upper != (value < 0 ? -1 : 0)) return std::nullopt;
   return PropertyList(value);
 }
@@ -238,7 +238,7 @@ std::optional<PropertyList> BinaryListReader::uidOf(const Head& head) {
   constexpr std::string_view key = "CF$UID";
   const std::uint64_t size = head.count + 1;
   const auto bytes = part(layout_.objects, head.position, size);
-  if (!bytes || size > longestNumber || number(*bytes) > UINT32_MAX) return std::nullopt;
+  if (!bytes || size > maxNumberLength || number(*bytes) > UINT32_MAX) return std::nullopt;
   if (!bounds_.takeObjects(2) || !bounds_.takeBytes(key.size())) return std::nullopt;
   const auto value = static_cast<std::int64_t>(number(*bytes));
   return PropertyList(PropertyList::Dictionary{{std::string(key), PropertyList(value)}});

@@ -13,7 +13,7 @@
 namespace platform {
 namespace {
 
-bool canBePath(const std::string& path) {
+bool isValidPath(const std::string& path) {
   return !path.empty() && path.size() < PATH_MAX && path.find('\0') == std::string::npos &&
          utf8::is_valid(path.begin(), path.end());
 }
@@ -38,7 +38,7 @@ std::optional<std::vector<std::byte>> readAll(const FileDescriptor& file, std::s
 }  // namespace
 
 std::variant<PropertyList, PropertyListError> readPropertyListFile(const std::string& path) {
-  if (!canBePath(path)) return PropertyListError::BadPath;
+  if (!isValidPath(path)) return PropertyListError::BadPath;
 
   // Asked before opening, because opening a device can have effects of its own, and once more on what was
   // opened.

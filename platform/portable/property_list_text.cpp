@@ -19,10 +19,10 @@ constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 // The value of `encoding` in an XML declaration at the start; empty when there is none.
 std::string declaredEncoding(std::string_view text) {
   constexpr std::string_view opening = "<?xml", attribute = "encoding";
-  constexpr std::size_t longestDeclaration = 1024;
+  constexpr std::size_t maxDeclarationLength = 1024;
   text.remove_prefix(std::min(text.find_first_not_of(formatBlanks), text.size()));
   if (!text.starts_with(opening)) return {};
-  text = text.substr(0, longestDeclaration);
+  text = text.substr(0, maxDeclarationLength);
   text = text.substr(0, text.find("?>"));
   const std::size_t name = text.find(attribute);
   if (name == std::string_view::npos) return {};
@@ -64,7 +64,7 @@ bool isKnownEncoding(std::string_view name) {
   constexpr std::array<std::string_view, 9> known = {"US-ASCII",     "latin1",       "ISO-8859-1",
                                                      "ISO-8859-2",   "ISO-8859-15",  "windows-1250",
                                                      "windows-1251", "windows-1252", "KOI8-R"};
-  return std::ranges::any_of(known, [name](std::string_view one) { return equalButForCase(one, name); });
+  return std::ranges::any_of(known, [name](std::string_view one) { return equalIgnoringCase(one, name); });
 }
 
 class Decoder {
@@ -79,16 +79,16 @@ class Decoder {
   // iconv_open(3) reports an error by this value. NOLINTNEXTLINE(performance-no-int-to-ptr)
   [[nodiscard]] bool valid() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
-  // Takes what fits into `room` from the start of `bytes`. Returns its size as UTF-8, nullopt at a byte that
-  // has no meaning in the encoding.
-  std::optional<std::size_t> decode(std::string_view& bytes, std::span<char> room) {
+  // Takes what fits into `buffer` from the start of `bytes`. Returns its size as UTF-8, nullopt at a byte
+  // that has no meaning in the encoding.
+  std::optional<std::size_t> decode(std::string_view& bytes, std::span<char> buffer) {
     char* in = const_cast<char*>(bytes.data());
-    char* out = room.data();
-    std::size_t inLeft = bytes.size(), outLeft = room.size();
+    char* out = buffer.data();
+    std::size_t inLeft = bytes.size(), outLeft = buffer.size();
     const std::size_t failures = ::iconv(handle_, &in, &inLeft, &out, &outLeft);
     if (failures == static_cast<std::size_t>(-1) && errno != E2BIG) return std::nullopt;
     bytes.remove_prefix(bytes.size() - inLeft);
-    return room.size() - outLeft;
+    return buffer.size() - outLeft;
   }
 
  private:
@@ -131,19 +131,19 @@ std::optional<ListText> owned(std::optional<std::string> text) {
 }
 
 bool namesUtf8(std::string_view encoding) {
-  return equalButForCase(encoding, "UTF-8") || equalButForCase(encoding, "utf8");
+  return equalIgnoringCase(encoding, "UTF-8") || equalIgnoringCase(encoding, "utf8");
 }
 
-struct WideForm {
+struct WideEncoding {
   std::size_t width;
   bool bigEndian;
 };
 
 // What a byte order mark or a leading '<' says of the code units; nullopt for units of one byte. The marks of
 // UTF-32 come first: those of UTF-16 are their beginning.
-std::optional<WideForm> wideFormOf(std::string_view bytes) {
+std::optional<WideEncoding> wideEncodingOf(std::string_view bytes) {
   using namespace std::string_view_literals;
-  constexpr std::array<std::pair<std::string_view, WideForm>, 8> starts = {{
+  constexpr std::array<std::pair<std::string_view, WideEncoding>, 8> starts = {{
       {"\0\0\xFE\xFF"sv, {4, true}},
       {"\xFF\xFE\0\0"sv, {4, false}},
       {"\xFE\xFF"sv, {2, true}},
@@ -162,7 +162,7 @@ std::optional<WideForm> wideFormOf(std::string_view bytes) {
 
 std::optional<ListText> decodeListText(std::span<const std::byte> given) {
   const std::string_view bytes(reinterpret_cast<const char*>(given.data()), given.size());
-  if (const auto wide = wideFormOf(bytes)) return owned(decodeWide(bytes, wide->width, wide->bigEndian));
+  if (const auto wide = wideEncodingOf(bytes)) return owned(decodeWide(bytes, wide->width, wide->bigEndian));
   const std::string encoding = declaredEncoding(bytes);
   if (bytes.starts_with(utf8Mark) || encoding.empty() || namesUtf8(encoding)) return checkedUtf8(bytes);
   return owned(decodeNamed(bytes, encoding));

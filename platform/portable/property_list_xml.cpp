@@ -17,7 +17,7 @@ constexpr int maxTagSize = 4096;
 
 enum class Element { Plist, Dict, Array, True, False, Data, Integer, Real, Date, String, Key };
 
-std::optional<Element> elementNamed(std::string_view name) {
+std::optional<Element> elementOf(std::string_view name) {
   if (name == "key") return Element::Key;
   if (name == "string") return Element::String;
   if (name == "true") return Element::True;
@@ -83,7 +83,7 @@ class XmlListBuilder {
 };
 
 bool XmlListBuilder::start(std::string_view name) {
-  const auto element = elementNamed(name);
+  const auto element = elementOf(name);
   if (!element || leaf_ || !mayStart(*element)) return false;
   if (*element != Element::Plist && !bounds_.takeObjects()) return false;
   if (!isContainer(*element)) return startLeaf(*element);

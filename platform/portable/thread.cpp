@@ -16,7 +16,7 @@ void detachNewThread(std::function<void()> body) {
   try {
     std::thread(std::move(body)).detach();
   } catch (const std::system_error& error) {
-    consoleLog(std::string("no thread: ") + error.what());
+    consoleLog(std::string("cannot start a thread: ") + error.what());
   }
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }

@@ -15,7 +15,7 @@
 namespace platform {
 namespace {
 
-constexpr long mostRedirects = 20;
+constexpr long maxRedirects = 20;
 
 class HeaderList {
  public:
@@ -42,7 +42,7 @@ std::size_t takeReply(char* data, std::size_t /*one*/, std::size_t size, void* r
   }
 }
 
-std::size_t giveBody(char* buffer, std::size_t one, std::size_t size, void* body) {
+std::size_t readBody(char* buffer, std::size_t one, std::size_t size, void* body) {
   return static_cast<UrlRequestBody*>(body)->read({buffer, one * size});
 }
 
@@ -53,7 +53,7 @@ int seekBody(void* body, curl_off_t offset, int origin) {
 }
 
 // In libcurl's header syntax, "Name:" removes a header and "Name;" sends one without a value.
-std::string inLibcurlsWords(const std::string& header) {
+std::string libcurlHeader(const std::string& header) {
   const std::size_t colon = header.find(':');
   const bool empty =
       colon != std::string::npos && header.find_first_not_of(" \t", colon + 1) == std::string::npos;
@@ -73,7 +73,7 @@ HeaderList headersOf(const UrlRequest& request) {
     headers.add("Cache-Control: no-cache");
     headers.add("Pragma: no-cache");
   }
-  for (const std::string& header : request.headers) headers.add(inLibcurlsWords(header).c_str());
+  for (const std::string& header : request.headers) headers.add(libcurlHeader(header).c_str());
   return headers;
 }
 
@@ -83,7 +83,7 @@ void setDestination(UrlTransfer& transfer, const UrlRequest& request) {
   // Makes a URL without a scheme invalid; by default libcurl guesses the scheme.
   transfer.set(CURLOPT_DEFAULT_PROTOCOL, "file");
   transfer.set(CURLOPT_FOLLOWLOCATION, 1L);
-  transfer.set(CURLOPT_MAXREDIRS, request.redirectSchemes.empty() ? 0 : mostRedirects);
+  transfer.set(CURLOPT_MAXREDIRS, request.redirectSchemes.empty() ? 0 : maxRedirects);
   if (!request.redirectSchemes.empty())
     transfer.set(CURLOPT_REDIR_PROTOCOLS_STR, request.redirectSchemes.c_str());
   // With one request per connection, later HTTP versions bring no benefit.
@@ -94,7 +94,7 @@ void setDestination(UrlTransfer& transfer, const UrlRequest& request) {
 void setBody(UrlTransfer& transfer, UrlRequestBody& body) {
   transfer.set(CURLOPT_POST, 1L);
   transfer.set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
-  transfer.set(CURLOPT_READFUNCTION, &giveBody);
+  transfer.set(CURLOPT_READFUNCTION, &readBody);
   transfer.set(CURLOPT_READDATA, &body);
   transfer.set(CURLOPT_SEEKFUNCTION, &seekBody);
   transfer.set(CURLOPT_SEEKDATA, &body);

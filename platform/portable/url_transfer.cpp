@@ -21,7 +21,7 @@ constexpr milliseconds samplingTime{250};
 
 // The maximum size of all heads and trailers. The protocol limits neither interim replies nor trailers, and
 // libcurl stores every line.
-constexpr std::size_t mostHeadBytes = std::size_t{1} << 20;
+constexpr std::size_t maxHeadBytes = std::size_t{1} << 20;
 
 milliseconds since(Clock::time_point time) {
   return std::chrono::duration_cast<milliseconds>(Clock::now() - time);
@@ -49,7 +49,7 @@ UrlTransfer::~UrlTransfer() {
 
 bool UrlTransfer::run(milliseconds interval) {
   if (!accepted_ || curl_multi_add_handle(loop_.get(), handle_.get()) != CURLM_OK) return false;
-  return isWholeReply(endOf(waitForTheEnd(interval)));
+  return isWholeReply(endOf(waitForEnd(interval)));
 }
 
 std::string UrlTransfer::header(const char* name) const {
@@ -70,19 +70,19 @@ std::string UrlTransfer::header(const char* name) const {
 // A ready descriptor means a finished name look-up, a connection, or bytes received or sendable. It does not
 // show the progress of bytes already in the socket buffer, which may be megabytes on a slow line; the count
 // of unacknowledged bytes does.
-CURLcode UrlTransfer::waitForTheEnd(milliseconds interval) {
-  auto lastLife = Clock::now();
+CURLcode UrlTransfer::waitForEnd(milliseconds interval) {
+  auto lastActivity = Clock::now();
   for (int running = 1;;) {
     if (curl_multi_perform(loop_.get(), &running) != CURLM_OK) return CURLE_FAILED_INIT;
     if (running == 0) return result();
     const long unacknowledged = unacknowledgedBytes();
-    const auto wait = std::clamp(interval - since(lastLife), milliseconds(0), samplingTime);
+    const auto wait = std::clamp(interval - since(lastActivity), milliseconds(0), samplingTime);
     int ready = 0;
     if (curl_multi_poll(loop_.get(), nullptr, 0, static_cast<int>(wait.count()), &ready) != CURLM_OK)
       return CURLE_FAILED_INIT;
     if (ready > 0 || unacknowledgedBytes() != unacknowledged) {
-      lastLife = Clock::now();
-    } else if (since(lastLife) >= interval) {
+      lastActivity = Clock::now();
+    } else if (since(lastActivity) >= interval) {
       return CURLE_OPERATION_TIMEDOUT;
     }
   }
@@ -129,7 +129,7 @@ int UrlTransfer::closeSocket(void* transfer, curl_socket_t socket) {
 std::size_t UrlTransfer::takeHeadLine(char* line, std::size_t /*one*/, std::size_t size, void* transfer) {
   auto& self = *static_cast<UrlTransfer*>(transfer);
   self.headBytes_ += size;
-  if (self.headBytes_ > mostHeadBytes) return CURL_WRITEFUNC_ERROR;
+  if (self.headBytes_ > maxHeadBytes) return CURL_WRITEFUNC_ERROR;
   const bool isEnd = std::string_view(line, size).find_first_not_of("\r\n") == std::string_view::npos;
   const bool isInterim = self.info<long>(CURLINFO_RESPONSE_CODE) < 200;
   if (isEnd && !isInterim) self.answeredRedirects_ = self.info<long>(CURLINFO_REDIRECT_COUNT);

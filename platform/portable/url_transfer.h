@@ -46,7 +46,7 @@ class UrlTransfer {
   static int closeSocket(void* transfer, curl_socket_t socket);
   static std::size_t takeHeadLine(char* line, std::size_t one, std::size_t size, void* transfer);
 
-  [[nodiscard]] CURLcode waitForTheEnd(std::chrono::milliseconds interval);
+  [[nodiscard]] CURLcode waitForEnd(std::chrono::milliseconds interval);
   [[nodiscard]] CURLcode result() const;
   [[nodiscard]] TransferEnd endOf(CURLcode result) const;
   [[nodiscard]] long unacknowledgedBytes() const;

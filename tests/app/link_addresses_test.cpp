@@ -7,7 +7,7 @@ namespace {
 constexpr const char* server = "https://www.tovalin.example";
 
 TEST(LinkAddresses, MatchFrozenAddresses) {
-  EXPECT_EQ(makersPage, "https://www.facebook.com/kesmoor");
+  EXPECT_EQ(facebookPage, "https://www.facebook.com/kesmoor");
   EXPECT_EQ(productPage(server), "https://www.tovalin.example/tovalin");
   EXPECT_EQ(reviewPage(server), "https://www.tovalin.example/tovalin/review");
   EXPECT_EQ(sharePage(server),

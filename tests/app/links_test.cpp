@@ -83,7 +83,7 @@ TEST_P(Links, OpensPageWithoutWebView) {
 INSTANTIATE_TEST_SUITE_P(
     All, Links,
     testing::Values(
-        Link{"Like", &nimbatrayAppDelegate::secondsection_sub1, "Like.F", std::string(makersPage)},
+        Link{"Like", &nimbatrayAppDelegate::secondsection_sub1, "Like.F", std::string(facebookPage)},
         Link{"Share", &nimbatrayAppDelegate::secondsection_sub2, "Share.F", sharePage(productServer())},
         Link{"Tweet", &nimbatrayAppDelegate::secondsection_sub3, "Share.T", tweetPage(productServer())},
         Link{"Visit", &nimbatrayAppDelegate::thirdsection_sub1, "Visit Site", productPage(productServer())},

@@ -34,8 +34,8 @@ Message deviceEvent() {
 
 Message fullTransfers() {
   Message message{'-', 'n', 'c', 'd', 'a', 't'};
-  message[record_format::message::entryCountOffset] = record_format::message::mostEntries;
-  for (std::size_t i = 0; i < record_format::message::mostEntries; ++i) {
+  message[record_format::message::entryCountOffset] = record_format::message::maxEntries;
+  for (std::size_t i = 0; i < record_format::message::maxEntries; ++i) {
     const std::size_t entry = record_format::message::entriesOffset + i * record_format::message::entrySize;
     message[entry] = 1;
     std::fill_n(message.begin() + entry + record_format::message::entryNameOffset, 9, 'n');

@@ -14,8 +14,8 @@ constexpr std::string_view commandPipe[] = {"log 3: open pipe failed. ", "log 3:
                                             "log 3: write error. "};
 // How the texts of fatal errors begin.
 constexpr std::string_view endMessages[] = {
-    "out of memory",      "no pipe to hear of signals by: ", "signals can't be heard: ",
-    "can't start over: ", "cannot open the display ",        "not inside a main application's bundle"};
+    "out of memory",    "cannot create the signal pipe: ", "cannot install a signal handler: ",
+    "cannot restart: ", "cannot open the display ",        "not inside a main application's bundle"};
 
 bool isUnusualEntry(const std::string& text) {
   return text.starts_with("log 3: ") && !text.starts_with("log 3: Tovalin working path") &&

@@ -237,7 +237,9 @@ Outcome FaultyAgent::judge() {
 
 std::string FaultyAgent::judgePipe() {
   // A thread that could not be had may have been the listener's.
-  const auto toldOfIt = [&] { return toldThatThePipeIsGone() || words().tellOf("] no thread: "); };
+  const auto toldOfIt = [&] {
+    return toldThatThePipeIsGone() || words().tellOf("] cannot start a thread: ");
+  };
   const bool told = toldOfIt();
   hasPipe_ = answersThePipe();
   if (hasPipe_ || told || toldOfIt()) return {};
@@ -276,7 +278,7 @@ std::string FaultyAgent::judgeUsage(int ends) {
   std::string missing = usage_.missingRecords(expected_.starts, ends, hasPipe_, uploads(), words());
   if (!missing.empty()) return missing;
   // The thread that could not be had was that of the launch's upload, when the listener has its own.
-  if (hasPipe_ && words().tellOf("] no thread: ")) return {};
+  if (hasPipe_ && words().tellOf("] cannot start a thread: ")) return {};
   return UsageAccount::unsent(expected_.pastFiles, injector_.hasFailed() ? injector_.fault().call : "",
                               uploads(), words());
 }

@@ -25,7 +25,7 @@ bool isExpected(std::string_view line) {
   std::ranges::transform(start, start.begin(), lowerCase);
   const std::string_view scheme = start == "https://" ? "https://" : "http://";
   return start.starts_with(scheme) && line.size() > scheme.size() &&
-         line.size() <= AddressLines::longestLine &&
+         line.size() <= AddressLines::maxLineLength &&
          std::ranges::all_of(line, [](char c) { return c > ' ' && c < '\x7f'; });
 }
 
@@ -58,7 +58,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     require(takenInPieces(bytes, piece) == addresses, "the pieces make no difference");
   }
   for (const std::string& address : addresses) {
-    require(helpers::mayLeadTo(address.c_str()), "what is loaded may be led to");
+    require(helpers::isAllowedAddress(address.c_str()), "what is loaded may be led to");
   }
   return 0;
 }

@@ -66,16 +66,16 @@ TEST_F(ReadPipe, OtherFailureReturnsMinusOneAndLogsError) {
 }
 
 TEST_F(ReadPipe, HoldOpenForWritingAcceptsFifoOnly) {
-  EXPECT_TRUE(holdOpenForWriting(reader_.get()).valid());
+  EXPECT_TRUE(openWriteEnd(reader_.get()).valid());
   const platform::FileDescriptor file(::open("/tmp/regular", O_RDONLY | O_CREAT | O_CLOEXEC, 0600));
-  EXPECT_FALSE(holdOpenForWriting(file.get()).valid());
+  EXPECT_FALSE(openWriteEnd(file.get()).valid());
   const platform::FileDescriptor folder(::open("/tmp", O_RDONLY | O_CLOEXEC));
-  EXPECT_FALSE(holdOpenForWriting(folder.get()).valid());
-  EXPECT_FALSE(holdOpenForWriting(-1).valid());
+  EXPECT_FALSE(openWriteEnd(folder.get()).valid());
+  EXPECT_FALSE(openWriteEnd(-1).valid());
 }
 
 TEST_F(ReadPipe, HeldWriteEndPreventsEndOfFile) {
-  const platform::FileDescriptor held = holdOpenForWriting(reader_.get());
+  const platform::FileDescriptor held = openWriteEnd(reader_.get());
   writer_.reset();
   EXPECT_EQ(read_pipe(reader_.get(), buffer_), -EAGAIN);
 }

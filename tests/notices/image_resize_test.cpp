@@ -117,8 +117,9 @@ TEST(ImageResize, StatusIconHasOnePixelPerScreenPixel) {
   ASSERT_NE(icon, nullptr);
   EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
   // The representation of exactly this size is copied pixel by pixel.
-  EXPECT_EQ(icon->impl().forms.front(),
-            source->impl().formFor(20 * scale).convertToFormat(QImage::Format_ARGB32_Premultiplied));
+  EXPECT_EQ(
+      icon->impl().forms.front(),
+      source->impl().representationFor(20 * scale).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
 TEST(ImageResize, InvalidSizeReturnsInvalidImageAndLogsOnce) {

@@ -12,7 +12,7 @@ using tools::FaultOrder;
 using tools::parseFaultOrder;
 
 TEST(FaultOrder, EveryFaultInHelpIsParsed) {
-  std::istringstream lines(tools::tellFaults());
+  std::istringstream lines(tools::describeFaults());
   std::string line;
   int count = 0;
   for (; std::getline(lines, line); ++count) {

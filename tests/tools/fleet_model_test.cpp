@@ -113,10 +113,10 @@ TEST(DayPlan, RunsDoNotOverlapAndContainTheirNaps) {
         ASSERT_GE(run.launch, last);
         ASSERT_LT(run.launch, run.end);
         last = run.launch;
-        for (const Nap& nap : run.naps) {
-          ASSERT_GT(nap.from, last) << seed;
-          ASSERT_LT(nap.from, nap.to) << seed;
-          last = nap.to;
+        for (const SleepPeriod& period : run.sleepPeriods) {
+          ASSERT_GT(period.from, last) << seed;
+          ASSERT_LT(period.from, period.to) << seed;
+          last = period.to;
         }
         last = run.end;
       }
@@ -279,7 +279,7 @@ TEST(Picture, AxisEndsAtRoundNumber) {
   const std::vector<std::pair<double, double>> cases = {
       {0, 1},     {1, 1},     {2, 2},      {2.1, 2.5},        {3, 5}, {9, 10}, {11, 20},
       {100, 100}, {101, 200}, {978, 1000}, {166'625, 200'000}};
-  for (const auto& [value, top] : cases) EXPECT_EQ(topOfAxis(value), top) << value;
+  for (const auto& [value, top] : cases) EXPECT_EQ(axisMaximum(value), top) << value;
 }
 
 TEST(Picture, NumbersAreAbbreviated) {

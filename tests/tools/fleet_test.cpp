@@ -90,7 +90,7 @@ TEST(Fleet, InvalidValueExitsWithTwo) {
       {{"--file-bytes", "x"}, "--file-bytes is a whole number from 0 to 268435456"},
       {{"--seed", ""}, "--seed is a whole number"},
       {{"--svg", ""}, "--svg is a path"},
-      {{"10"}, "there are no arguments, only options"}};
+      {{"10"}, "unexpected argument; only options are accepted"}};
   for (const auto& [arguments, complaint] : cases) {
     const auto finished = runFleet(arguments);
     EXPECT_EQ(finished.status, ExitStatus{.code = 2}) << complaint;

@@ -141,11 +141,12 @@ TEST(FormData, OtherContentTypeIsRefused) {
               isRefusedBecause("the type is not multipart/form-data"));
   EXPECT_THAT(parseFormData("multipart/form-data; boundary=\"XX", body),
               isRefusedBecause("the type is not multipart/form-data"));
-  EXPECT_THAT(parseFormData("multipart/form-data", body), isRefusedBecause("the type names no boundary"));
+  EXPECT_THAT(parseFormData("multipart/form-data", body),
+              isRefusedBecause("the Content-Type has no boundary"));
 }
 
 TEST(FormData, BoundaryIsLimitedToSeventyCharacters) {
-  const std::string reason = "the boundary has not 1 to 70 fitting characters";
+  const std::string reason = "the boundary is not 1 to 70 allowed characters";
   for (const std::size_t length : {70U, 71U}) {
     const std::string mark(length, 'x');
     const auto result = parseFormData("multipart/form-data; boundary=" + mark, "--" + mark + "--");
@@ -181,25 +182,24 @@ INSTANTIATE_TEST_SUITE_P(
                 "the closing delimiter is missing"},
         BadCase{"ANewPartThatNeverEnds", std::string("--XX\r\n") + kNamed + "\r\nd\r\n--XX\r\n",
                 "the closing delimiter is missing"},
-        BadCase{"APartWithoutHeader", "--XX\r\n\r\nd\r\n--XX--\r\n",
-                "a line of a part's header is no header"},
+        BadCase{"APartWithoutHeader", "--XX\r\n\r\nd\r\n--XX--\r\n", "a part has an invalid header line"},
         BadCase{"AHeaderLineWithoutColon", form("Content-Disposition\r\n", "d"),
-                "a line of a part's header is no header"},
-        BadCase{"AHeaderWithoutName", form(": form-data\r\n", "d"), "a line of a part's header is no header"},
+                "a part has an invalid header line"},
+        BadCase{"AHeaderWithoutName", form(": form-data\r\n", "d"), "a part has an invalid header line"},
         BadCase{"DataWithoutBlankLine", std::string("--XX\r\n") + kNamed + "d\r\n--XX--\r\n",
-                "a line of a part's header is no header"},
+                "a part has an invalid header line"},
         BadCase{"NoDisposition", form("Content-Type: text/plain\r\n", "d"),
                 "a part has no Content-Disposition"},
         BadCase{"AnotherDisposition", form("Content-Disposition: attachment; name=\"a\"\r\n", "d"),
-                "the Content-Disposition of a part is not that of form data"},
+                "the Content-Disposition of a part is not form-data"},
         BadCase{"AQuoteThatNeverEnds", form("Content-Disposition: form-data; name=\"a\r\n", "d"),
-                "the Content-Disposition of a part is not that of form data"},
+                "the Content-Disposition of a part is not form-data"},
         BadCase{"TextBehindAQuote", form("Content-Disposition: form-data; name=\"a\"b\r\n", "d"),
-                "the Content-Disposition of a part is not that of form data"},
+                "the Content-Disposition of a part is not form-data"},
         BadCase{"AParameterGivenTwice", form("Content-Disposition: form-data; name=a; name=b\r\n", "d"),
-                "the Content-Disposition of a part is not that of form data"},
+                "the Content-Disposition of a part is not form-data"},
         BadCase{"AParameterWithoutValue", form("Content-Disposition: form-data; name=\r\n", "d"),
-                "the Content-Disposition of a part is not that of form data"},
+                "the Content-Disposition of a part is not form-data"},
         BadCase{"NoName", form("Content-Disposition: form-data; filename=\"f\"\r\n", "d"),
                 "a part has no name"}),
     [](const auto& test) { return test.param.name; });

@@ -38,7 +38,7 @@ TEST_F(MainAppEnd, UntilPrintsRestOfLastRead) {
 TEST_F(MainAppEnd, UntilRejectsUnknownMessage) {
   const auto finished = runToEnd({toolPath("mainapp"), "--until", "-tno"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
-  EXPECT_THAT(finished.error, HasSubstr("\"-tno\" is no message of the agent"));
+  EXPECT_THAT(finished.error, HasSubstr("\"-tno\" is not a message of the agent"));
   EXPECT_FALSE(std::filesystem::exists(kCommandPipe));
 }
 
@@ -89,7 +89,7 @@ TEST_F(MainAppEnd, SleepsAfterEndOfInput) {
 TEST_F(MainAppEnd, UnknownCommandIsReported) {
   startReading();
   ASSERT_TRUE(app_.writeLine("sned -non"));
-  EXPECT_THAT(app_.readErrorLine().value_or(""), HasSubstr("there is no command \"sned\""));
+  EXPECT_THAT(app_.readErrorLine().value_or(""), HasSubstr("unknown command \"sned\""));
   ASSERT_TRUE(app_.writeLine("help"));
   EXPECT_THAT(app_.readLine().value_or(""), HasSubstr("send TEXT"));
 }

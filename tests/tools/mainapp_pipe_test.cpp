@@ -49,7 +49,7 @@ TEST_F(MainAppPipe, RegularFileIsRefusedAndKept) {
   std::ofstream(kCommandPipe) << "keep me";
   const auto finished = runToEnd({toolPath("mainapp")});
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
-  EXPECT_THAT(finished.error, HasSubstr("/tmp/KMPIPE is there already and is no FIFO"));
+  EXPECT_THAT(finished.error, HasSubstr("/tmp/KMPIPE already exists and is not a FIFO"));
   EXPECT_EQ(finished.output, "");
   EXPECT_EQ(test_support::contentsOf(kCommandPipe), "keep me");
 }

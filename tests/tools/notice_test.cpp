@@ -72,13 +72,13 @@ TEST(Notice, RepeatedOptionIsNamed) {
 TEST(Notice, UnknownOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments[0] = "-Title";
-  EXPECT_EQ(complaint(arguments), "there is no option \"-Title\"");
+  EXPECT_EQ(complaint(arguments), "unknown option \"-Title\"");
 }
 
 TEST(Notice, InvalidTimeoutIsNamed) {
   Arguments arguments = agentsArguments();
   arguments.back() = "ten";
-  EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is no number of seconds");
+  EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is not a number of seconds");
 }
 
 TEST(Notice, TextHasOneLinePerField) {

@@ -263,7 +263,7 @@ TEST_F(Faults, InvalidFaultIsRefusedAndChangesNothing) {
        {"path=/t&name=dorp", "path=/t", "name=drop", "path=t&name=drop", "path=/t&name="}) {
     EXPECT_EQ(statusOf(std::string("/_control/fault?") + query), 400) << query;
   }
-  EXPECT_EQ(bodyOf("/_control/fault?path=/t&name=dorp"), "there is no fault \"dorp\"\n");
+  EXPECT_EQ(bodyOf("/_control/fault?path=/t&name=dorp"), "unknown fault \"dorp\"\n");
   EXPECT_EQ(bodyOf("/_control/fault"), "");
 }
 

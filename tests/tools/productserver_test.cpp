@@ -139,7 +139,7 @@ TEST_F(ProductServer, SigintExitsWithZero) {
 TEST_F(ProductServer, MissingFolderIsRejected) {
   const auto finished = runToEnd({toolPath("productserver"), "/tmp/none"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
-  EXPECT_EQ(finished.error, "productserver: there is no folder /tmp/none\n");
+  EXPECT_EQ(finished.error, "productserver: no such folder: /tmp/none\n");
 }
 
 TEST_F(ProductServer, InvalidPortIsRejected) {

@@ -115,7 +115,7 @@ TEST_F(Uploads, IncompleteUploadIsLoggedAndNotStored) {
                             "multipart/form-data; boundary=" + kBoundary +
                             "\r\nContent-Length: 5000\r\n\r\n" + formOf("d").substr(0, 100)));
   }
-  EXPECT_THAT(server_.readLine().value_or(""), HasSubstr("refused: broken off after 100 bytes"));
+  EXPECT_THAT(server_.readLine().value_or(""), HasSubstr("refused: aborted after 100 bytes"));
   EXPECT_TRUE(nothingKept());
 }
 
@@ -151,7 +151,7 @@ TEST_F(Uploads, InvalidUploadFolderIsRejected) {
   const auto finished = tools_test::runToEnd(
       {tools_test::toolPath("productserver"), "--port", "0", "--uploads", "/tmp/served/a.xml", kFolder});
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 2});
-  EXPECT_EQ(finished.error, "productserver: there can be no folder /tmp/served/a.xml\n");
+  EXPECT_EQ(finished.error, "productserver: cannot create the folder /tmp/served/a.xml\n");
 }
 
 }  // namespace

@@ -97,8 +97,7 @@ TEST_F(Tvldump, LinesOfSeveralFilesAreConcatenated) {
 TEST_F(Tvldump, JsonExcludesLines) {
   const auto finished = dump({"--json", "--lines", kWhole});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
-  EXPECT_EQ(finished.error,
-            "tvldump: --json and --lines exclude each other\ntvldump --help shows how it is used\n");
+  EXPECT_EQ(finished.error, "tvldump: --json and --lines exclude each other\nsee tvldump --help\n");
 }
 
 TEST_F(Tvldump, NoReadableFilePrintsEmptyJsonArray) {
@@ -117,7 +116,7 @@ TEST_F(Tvldump, FileBeyondMaximumSizeIsRefused) {
   fs::resize_file(kNone, (std::uintmax_t{1} << 30) + 1);
   const auto finished = dump({kNone});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
-  EXPECT_THAT(finished.error, HasSubstr("larger than a usage record file ever is"));
+  EXPECT_THAT(finished.error, HasSubstr("exceeds the maximum size of a usage record file"));
 }
 
 TEST_F(Tvldump, EmptyFileIsDamaged) {
@@ -131,7 +130,7 @@ TEST_F(Tvldump, MissingFileArgumentExitsWithTwo) {
   const auto finished = dump({"--json"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.output, "");
-  EXPECT_EQ(finished.error, "tvldump: give one file at least\ntvldump --help shows how it is used\n");
+  EXPECT_EQ(finished.error, "tvldump: give one file at least\nsee tvldump --help\n");
 }
 
 TEST_F(Tvldump, DashReadsStandardInput) {

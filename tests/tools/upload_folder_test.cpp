@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using tools::harmlessName;
+using tools::safeFileName;
 using tools::UploadFolder;
 
 constexpr const char* kPath = "/tmp/upload_folder/inner";
@@ -67,21 +67,21 @@ TEST_F(UploadFolderTest, FailedWriteReturnsNullopt) {
 }
 
 TEST(HarmlessName, IsLastComponent) {
-  EXPECT_EQ(harmlessName("Tovalin.dat"), "Tovalin.dat");
-  EXPECT_EQ(harmlessName("/etc/passwd"), "passwd");
-  EXPECT_EQ(harmlessName("C:\\a\\b.dat"), "b.dat");
-  EXPECT_EQ(harmlessName("../.."), "..");  // harmless after the number prefix
+  EXPECT_EQ(safeFileName("Tovalin.dat"), "Tovalin.dat");
+  EXPECT_EQ(safeFileName("/etc/passwd"), "passwd");
+  EXPECT_EQ(safeFileName("C:\\a\\b.dat"), "b.dat");
+  EXPECT_EQ(safeFileName("../.."), "..");  // harmless after the number prefix
 }
 
 TEST(HarmlessName, ReplacesShellAndTerminalCharacters) {
-  EXPECT_EQ(harmlessName("a b;$(c)\n\x1b[m\xc3\xa4"), "a_b___c____m__");
-  EXPECT_EQ(harmlessName(std::string("a\0b", 3)), "a_b");
+  EXPECT_EQ(safeFileName("a b;$(c)\n\x1b[m\xc3\xa4"), "a_b___c____m__");
+  EXPECT_EQ(safeFileName(std::string("a\0b", 3)), "a_b");
 }
 
 TEST(HarmlessName, IsNotEmptyAndLimitedTo100Characters) {
-  EXPECT_EQ(harmlessName(""), "unnamed");
-  EXPECT_EQ(harmlessName("a/"), "unnamed");
-  EXPECT_EQ(harmlessName(std::string(300, 'x')), std::string(100, 'x'));
+  EXPECT_EQ(safeFileName(""), "unnamed");
+  EXPECT_EQ(safeFileName("a/"), "unnamed");
+  EXPECT_EQ(safeFileName(std::string(300, 'x')), std::string(100, 'x'));
 }
 
 }  // namespace

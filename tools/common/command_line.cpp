@@ -17,7 +17,7 @@ void CommandLine::addValue(const char* name, Take take) {
 
 bool CommandLine::read(int argc, char** argv, const TakeAll& takeArguments) {
   if (readOptions(argc, argv) && takeArguments({argv + optind, argv + argc})) return true;
-  std::fprintf(stderr, "%s --help shows how it is used\n", tool_.c_str());
+  std::fprintf(stderr, "see %s --help\n", tool_.c_str());
   return false;
 }
 

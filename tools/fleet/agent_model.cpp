@@ -10,7 +10,7 @@ namespace {
 // Any day of a month will do, because uploadTick uses only the day of the month.
 constexpr Seconds firstDayOfMonth = 10;
 
-std::tm brokenDown(Seconds time) {
+std::tm localTimeOf(Seconds time) {
   const Seconds dayNumber = daysIn(time);
   const auto second = static_cast<int>(time - dayNumber * day);
   std::tm parts{};
@@ -29,9 +29,9 @@ Seconds ticksUpTo(Seconds first, Seconds time) {
 
 void AgentModel::run(const Run& run) {
   launch(run.launch);
-  for (const Nap& nap : run.naps) {
-    if (nap.from >= run.end) break;
-    sleep({nap.from, std::min(nap.to, run.end)});
+  for (const SleepPeriod& period : run.sleepPeriods) {
+    if (period.from >= run.end) break;
+    sleep({period.from, std::min(period.to, run.end)});
   }
   tickUntil(run.end);
 }
@@ -41,16 +41,16 @@ void AgentModel::launch(Seconds time) {
   startDay(time);
   delayedPass_.reset();
   pass(time);
-  stored_ = brokenDown(time);
+  stored_ = localTimeOf(time);
   storedDay_ = daysIn(time);
   uploadIsWaiting_ = false;
   nextTick_ = time + minute;
 }
 
-void AgentModel::sleep(const Nap& nap) {
-  tickUntil(nap.from);
-  nextTick_ += nap.to - nap.from;
-  if (delayedPass_) *delayedPass_ += nap.to - nap.from;
+void AgentModel::sleep(const SleepPeriod& period) {
+  tickUntil(period.from);
+  nextTick_ += period.to - period.from;
+  if (delayedPass_) *delayedPass_ += period.to - period.from;
 }
 
 void AgentModel::tickUntil(Seconds end) {
@@ -73,7 +73,7 @@ void AgentModel::tick() {
   const Seconds time = nextTick_;
   nextTick_ += minute;
   uploadDelayed(time);
-  const std::tm now = brokenDown(time);
+  const std::tm now = localTimeOf(time);
   const UploadTick decision = uploadTick(stored_, now, uploadIsWaiting_);
   if (decision.dateChanged) {
     stored_ = now;
@@ -89,8 +89,8 @@ void AgentModel::tick() {
 
 void AgentModel::startDay(Seconds time) {
   const Seconds today = daysIn(time);
-  if (dayOfFile_ && *dayOfFile_ != today) ++finishedFiles_;
-  dayOfFile_ = today;
+  if (fileDay_ && *fileDay_ != today) ++finishedFiles_;
+  fileDay_ = today;
 }
 
 void AgentModel::pass(Seconds time) {

@@ -36,7 +36,7 @@ class AgentModel {
 
  private:
   void launch(Seconds time);
-  void sleep(const Nap& nap);
+  void sleep(const SleepPeriod& period);
   void tickUntil(Seconds end);
   void tick();
   void skipIdleTicks(Seconds end);
@@ -48,7 +48,7 @@ class AgentModel {
   Random& random_;
   Events& events_;
 
-  std::optional<Seconds> dayOfFile_;  // the local day whose file is written
+  std::optional<Seconds> fileDay_;  // the local day whose file is written
   int finishedFiles_ = 0;
 
   Seconds storedDay_ = 0;

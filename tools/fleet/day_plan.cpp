@@ -19,7 +19,7 @@ struct TimeOfDay {
 
 constexpr TimeOfDay officeOpens{8 * hour + 45 * minute, 35 * minute};
 constexpr TimeOfDay officeCloses{17 * hour + 45 * minute, 60 * minute};
-constexpr TimeOfDay bedtime{23 * hour + 30 * minute, 60 * minute};
+constexpr TimeOfDay sleepTime{23 * hour + 30 * minute, 60 * minute};
 constexpr TimeOfDay wakeTime{7 * hour + 15 * minute, 50 * minute};
 // The delay after the return of power covers booting and login.
 constexpr Seconds powerReturns = 20 * hour;
@@ -39,7 +39,7 @@ class RunList {
     Run& run = runs_[count_++];
     run.launch = launch;
     run.end = end;
-    run.naps.clear();
+    run.sleepPeriods.clear();
     return run;
   }
   [[nodiscard]] Run* last() { return count_ == 0 ? nullptr : &runs_[count_ - 1]; }
@@ -68,10 +68,10 @@ void drawUniformDays(bool sleeps, Seconds firstDay, Seconds lastDay, Random& ran
       continue;
     }
     const Seconds awake = wakeTime.draw(each, random);
-    const Seconds asleep = bedtime.draw(each, random);
-    if (Run* before = runs.last()) before->naps.back().to = awake;
+    const Seconds asleep = sleepTime.draw(each, random);
+    if (Run* before = runs.last()) before->sleepPeriods.back().to = awake;
     start(awake + random.below(asleep - awake), endOfPlan, runs);
-    runs.last()->naps.push_back({asleep, endOfPlan});
+    runs.last()->sleepPeriods.push_back({asleep, endOfPlan});
   }
 }
 
@@ -80,8 +80,8 @@ void drawPowerCut(bool sleeps, Span counted, Random& random, RunList& runs) {
   const Seconds lastDay = daysIn(counted.to - 1);
   Run& run = runs.add(powerCutLaunch.draw(firstDay, random), (lastDay + 2) * day);
   for (Seconds each = firstDay; sleeps && each <= lastDay; ++each)
-    run.naps.push_back(
-        {std::max(bedtime.draw(each, random), run.launch + minute), wakeTime.draw(each + 1, random)});
+    run.sleepPeriods.push_back(
+        {std::max(sleepTime.draw(each, random), run.launch + minute), wakeTime.draw(each + 1, random)});
 }
 
 std::optional<Launches> launchesNamed(std::string_view name) {

@@ -11,17 +11,17 @@
 namespace fleet {
 
 // A period in which the machine sleeps: the agent's timer stops, the clock continues.
-struct Nap {
+struct SleepPeriod {
   Seconds from;
   Seconds to;
-  bool operator==(const Nap&) const = default;
+  bool operator==(const SleepPeriod&) const = default;
 };
 
-// One run of the agent, with its naps in chronological order.
+// One run of the agent, with its sleep periods in chronological order.
 struct Run {
   Seconds launch;
   Seconds end;
-  std::vector<Nap> naps = {};
+  std::vector<SleepPeriod> sleepPeriods = {};
   bool operator==(const Run&) const = default;
 };
 

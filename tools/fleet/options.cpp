@@ -10,8 +10,8 @@ namespace fleet {
 namespace {
 
 // The capacity of the 32-bit counters per second, and far more than any real number of installations.
-constexpr std::int64_t mostInstallations = 1'000'000'000;
-constexpr std::int64_t largestFile = std::int64_t{256} << 20;
+constexpr std::int64_t maxInstallations = 1'000'000'000;
+constexpr std::int64_t maxFileSize = std::int64_t{256} << 20;
 
 constexpr std::string_view weightBounds = "; a weight is 0 or from 0.000001 to 1000000000";
 
@@ -55,7 +55,7 @@ tools::CommandLine::Take path(const tools::CommandLine& line, std::string name, 
 
 void addFleet(tools::CommandLine& line, Settings& settings, Description& description) {
   line.addValue("installations",
-                number(line, "--installations", 1, mostInstallations, settings.installations));
+                number(line, "--installations", 1, maxInstallations, settings.installations));
   line.addValue("seed", number(line, "--seed", 0, std::numeric_limits<std::int64_t>::max(), settings.seed));
   line.addValue("delay", number(line, "--delay", 0, day, settings.delay));
   line.addValue("launches", [&](const std::string& text) {
@@ -95,12 +95,12 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   line.addFlag("json", options.json);
   line.addValue("svg", path(line, "--svg", options.picture));
   line.addValue("plan", path(line, "--plan", options.plan));
-  line.addValue("file-bytes", number(line, "--file-bytes", 0, largestFile, options.description.fileSize));
+  line.addValue("file-bytes", number(line, "--file-bytes", 0, maxFileSize, options.description.fileSize));
   addFleet(line, options.settings, options.description);
   const bool good = line.read(argc, argv, [&](const std::vector<std::string>& arguments) {
     if (!options.plan.empty() && options.plan == options.picture)
       return line.complain("--svg and --plan name the same file");
-    return arguments.empty() || line.complain("there are no arguments, only options");
+    return arguments.empty() || line.complain("unexpected argument; only options are accepted");
   });
   return good ? std::optional(options) : std::nullopt;
 }

@@ -76,7 +76,7 @@ struct Panel {
   int top = 0;        // of the plot area
 };
 
-double placeOf(const Panel& panel, Seconds second) {
+double xAt(const Panel& panel, Seconds second) {
   return left + plotWidth * static_cast<double>(second) / static_cast<double>(panel.seconds.size());
 }
 
@@ -88,7 +88,7 @@ std::string gridOf(const Panel& panel, double most) {
     lines += text(left - 8, y + 4.5, shortNumber(most * i / linesOfGrid), "text-anchor=\"end\"");
   }
   for (Seconds at = 0; at <= static_cast<Seconds>(panel.seconds.size()); at += panel.perLabel) {
-    const double x = placeOf(panel, at);
+    const double x = xAt(panel, at);
     lines += line(x, panel.top + panelHeight, x, panel.top + panelHeight + 5, "axis");
     lines += text(x, panel.top + panelHeight + 20, clockText(panel.begin + at).substr(0, 5),
                   "text-anchor=\"middle\"");
@@ -101,27 +101,27 @@ std::string gridOf(const Panel& panel, double most) {
 std::string columnsOf(const Panel& panel, double most) {
   const double bottom = panel.top + panelHeight;
   const auto count = static_cast<std::size_t>(panel.perColumn);
-  const double wide = std::max(1.0, placeOf(panel, panel.perColumn) - left);
+  const double wide = std::max(1.0, xAt(panel, panel.perColumn) - left);
   std::string path;
   for (std::size_t i = 0; i < panel.seconds.size(); i += count) {
     const auto column = panel.seconds.subspan(i, std::min(count, panel.seconds.size() - i));
     const std::uint32_t highest = *std::max_element(column.begin(), column.end());
     if (highest == 0) continue;
-    path += "M" + number(placeOf(panel, static_cast<Seconds>(i))) + "," + number(bottom) + "v-" +
+    path += "M" + number(xAt(panel, static_cast<Seconds>(i))) + "," + number(bottom) + "v-" +
             number(panelHeight * highest / most) + "h" + number(wide) + "V" + number(bottom) + "z";
   }
   return std::string("<path class=\"") + panel.kind + "\" d=\"" + path + "\"/>\n";
 }
 
 std::string drawn(const Panel& panel) {
-  const double most = topOfAxis(*std::max_element(panel.seconds.begin(), panel.seconds.end()));
+  const double most = axisMaximum(*std::max_element(panel.seconds.begin(), panel.seconds.end()));
   return text(left, panel.top - 14, panel.title, "class=\"title\"") + gridOf(panel, most) +
          columnsOf(panel, most);
 }
 
 }  // namespace
 
-double topOfAxis(double value) {
+double axisMaximum(double value) {
   double power = 1;
   while (power * 10 < value) power *= 10;
   for (const double step : {1.0, 2.0, 2.5, 5.0}) {

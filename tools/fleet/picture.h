@@ -17,7 +17,7 @@ inline constexpr std::size_t picturedCaption = 90;
 
 // Returns the smallest number of the form 1, 2, 2.5 or 5 times a power of ten that is at least `value` and at
 // least 1, so that axis labels are round numbers.
-[[nodiscard]] double topOfAxis(double value);
+[[nodiscard]] double axisMaximum(double value);
 
 // Formats a number as in "167 k".
 [[nodiscard]] std::string shortNumber(double number);

@@ -10,13 +10,13 @@ std::string listOf(const Pieces& pieces, TextOf textOf) {
   return text + "]";
 }
 
-std::string napText(const Nap& nap) {
-  return "[" + std::to_string(nap.from) + "," + std::to_string(nap.to) + "]";
+std::string periodText(const SleepPeriod& period) {
+  return "[" + std::to_string(period.from) + "," + std::to_string(period.to) + "]";
 }
 
 std::string runText(const Run& run) {
-  return "[" + std::to_string(run.launch) + "," + std::to_string(run.end) + "," + listOf(run.naps, napText) +
-         "]";
+  return "[" + std::to_string(run.launch) + "," + std::to_string(run.end) + "," +
+         listOf(run.sleepPeriods, periodText) + "]";
 }
 
 }  // namespace

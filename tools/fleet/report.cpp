@@ -23,7 +23,7 @@ constexpr std::uint64_t beaconsPerLaunch = 2;
   return text.data();
 }
 
-std::string meanText(double mean) {
+std::string formatMean(double mean) {
   return mean < 100 ? formatted("%.1f", mean) : grouped(static_cast<std::uint64_t>(std::llround(mean)));
 }
 
@@ -38,8 +38,8 @@ Rate times(Rate rate, std::uint64_t factor) {
 
 std::string rowOf(const std::string& name, const Rate& rate) {
   return formatted("%-36s %14s %12s %14s %12s   %s\n", name.c_str(), grouped(rate.total).c_str(),
-                   meanText(rate.mean).c_str(), grouped(rate.percentile).c_str(), grouped(rate.peak).c_str(),
-                   clockText(rate.peakAt).c_str());
+                   formatMean(rate.mean).c_str(), grouped(rate.percentile).c_str(),
+                   grouped(rate.peak).c_str(), clockText(rate.peakAt).c_str());
 }
 
 std::string bytesText(double bytes) {

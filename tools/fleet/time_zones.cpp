@@ -3,7 +3,7 @@
 namespace fleet {
 namespace {
 
-constexpr Seconds furthest = 14 * hour;
+constexpr Seconds maxOffset = 14 * hour;
 
 // Per cent of the installations, rounded; an assumption, not a statistic.
 constexpr std::string_view world =
@@ -24,7 +24,7 @@ std::optional<Seconds> offsetOf(std::string_view text) {
   }
   const Seconds minutes = digit(4) * 10 + digit(5);
   const Seconds offset = (digit(1) * 10 + digit(2)) * hour + minutes * minute;
-  if (minutes >= 60 || offset > furthest) return std::nullopt;
+  if (minutes >= 60 || offset > maxOffset) return std::nullopt;
   return text[0] == '-' ? -offset : offset;
 }
 

@@ -6,14 +6,14 @@ namespace fleet {
 namespace {
 
 // Outside these bounds, sums and products of weights overflow or lose all significant digits.
-constexpr double leastWeight = 1e-6;
-constexpr double mostWeight = 1e9;
+constexpr double minWeight = 1e-6;
+constexpr double maxWeight = 1e9;
 
 std::optional<double> weightOf(std::string_view text) {
   double weight = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), weight);
   const bool whole = error == std::errc() && end == text.data() + text.size();
-  const bool good = weight == 0 || (weight >= leastWeight && weight <= mostWeight);
+  const bool good = weight == 0 || (weight >= minWeight && weight <= maxWeight);
   return whole && good ? std::optional(weight) : std::nullopt;
 }
 

@@ -43,7 +43,7 @@ std::string CommandFifo::make() {
   struct stat there {};
   if (::lstat(path_.c_str(), &there) != 0) return failure("examine", path_);
   if (S_ISFIFO(there.st_mode)) return {};
-  return path_ + " is there already and is no FIFO; it was not changed";
+  return path_ + " already exists and is not a FIFO; it was not changed";
 }
 
 // Returns an error text, empty on success.

@@ -44,7 +44,7 @@ Outcome runLoading(const std::string& argument) {
 // Sends the message built from a command's argument, or prints an error if there is none.
 Outcome report(const std::optional<std::string>& message, const std::string& words) {
   if (!message) {
-    complain("there is no such report: " + quotedText(words));
+    complain("unknown report: " + quotedText(words));
   } else {
     sendAndReport(*message);
   }
@@ -106,7 +106,7 @@ Outcome runCommand(const std::string& line) {
   const auto found = std::find_if(kCommands.begin(), kCommands.end(),
                                   [&](const Command& command) { return command.name == name; });
   if (found == kCommands.end()) {
-    complain("there is no command " + quotedText(name) + "; \"help\" lists the commands");
+    complain("unknown command " + quotedText(name) + "; \"help\" lists the commands");
     return Outcome::Continue;
   }
   if (argument.empty() != found->argument.empty()) {

@@ -20,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kEnded = 0;
 constexpr int kFailed = 1;
-constexpr int kTimeOver = 3;
+constexpr int kTimedOut = 3;
 
 std::string messageLine(const std::string& time, const Message& message) {
   return time + "  " + quotedText(message.text) + (message.known ? "" : "  unknown");
@@ -45,7 +45,7 @@ void EventLoop::waitAndServe() {
   if (entries[0].revents != 0) servePipe();
   if (!status_ && entries[1].revents != 0) serveInput();
   if (!status_ && entries[2].revents != 0) endEarly();
-  if (!status_ && deadline_ && Clock::now() >= *deadline_) status_ = kTimeOver;
+  if (!status_ && deadline_ && Clock::now() >= *deadline_) status_ = kTimedOut;
   if (std::ferror(stdout) != 0) status_ = kFailed;
 }
 

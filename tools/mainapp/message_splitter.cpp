@@ -5,7 +5,7 @@
 namespace tools {
 namespace {
 
-std::string_view longestMessageAtStart(std::string_view bytes) {
+std::string_view leadingMessage(std::string_view bytes) {
   std::string_view longest;
   for (const std::string_view message : kMessages) {
     if (bytes.starts_with(message) && message.size() > longest.size()) longest = message;
@@ -27,7 +27,7 @@ bool isKnownMessage(std::string_view text) {
 std::vector<Message> splitMessages(std::string_view bytes) {
   std::vector<Message> messages;
   while (!bytes.empty()) {
-    const std::string_view message = longestMessageAtStart(bytes);
+    const std::string_view message = leadingMessage(bytes);
     if (message.empty()) {
       appendUnknownByte(messages, bytes.front());
       bytes.remove_prefix(1);

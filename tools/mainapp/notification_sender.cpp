@@ -18,8 +18,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 std::string openFailure(const std::string& path) {
-  if (errno == ENXIO) return "nobody listens on " + path;
-  if (errno == ENOENT) return "there is no " + path + ": the agent is not running";
+  if (errno == ENXIO) return "no process reads " + path;
+  if (errno == ENOENT) return path + " does not exist; the agent is not running";
   return "cannot open " + path + ": " + std::strerror(errno);
 }
 
@@ -45,7 +45,7 @@ void waitUntilRead(int descriptor) {
 std::optional<std::string> sendNotification(const std::string& path, std::string_view text) {
   const platform::FileDescriptor fifo(::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   if (!fifo.valid()) return openFailure(path);
-  if (!isFifo(fifo.get())) return path + " is no FIFO; nothing was written";
+  if (!isFifo(fifo.get())) return path + " is not a FIFO; nothing was written";
   const ssize_t count = ::write(fifo.get(), text.data(), text.size());
   if (count < 0 && errno == EAGAIN) return path + " is full: it is not being read";
   if (count < 0) return "cannot write " + path + ": " + std::strerror(errno);

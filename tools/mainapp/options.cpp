@@ -19,11 +19,12 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   line.addValue("until", [&](const std::string& value) {
     options.until = value;
     return isKnownMessage(value) ||
-           line.complain("--until: " + quotedText(value) + " is no message of the agent");
+           line.complain("--until: " + quotedText(value) + " is not a message of the agent");
   });
   line.addValue("timeout", [&](const std::string& value) {
     options.timeout = secondsArgument(value);
-    return options.timeout || line.complain("--timeout: " + quotedText(value) + " is no number of seconds");
+    return options.timeout ||
+           line.complain("--timeout: " + quotedText(value) + " is not a number of seconds");
   });
   const bool good = line.read(argc, argv, [&](const std::vector<std::string>& arguments) {
     if (!arguments.empty()) return line.complain("unexpected argument " + quotedText(arguments[0]));

@@ -10,9 +10,9 @@
 namespace tools {
 namespace {
 
-constexpr Connection::Milliseconds kPatience{5000};
+constexpr Connection::Milliseconds kTimeout{5000};
 constexpr int kForever = -1;
-constexpr std::size_t kLongestHead = 65536;
+constexpr std::size_t kMaxHeadLength = 65536;
 constexpr std::size_t kBlock = 65536;
 
 }  // namespace
@@ -27,18 +27,18 @@ bool Connection::waitFor(short events, int timeout) const {
   return ready > 0 && watched[1].revents == 0;
 }
 
-ssize_t Connection::receive(char* buffer, std::size_t size, Milliseconds patience) {
-  if (!waitFor(POLLIN, static_cast<int>(patience.count()))) return -1;
+ssize_t Connection::receive(char* buffer, std::size_t size, Milliseconds timeout) {
+  if (!waitFor(POLLIN, static_cast<int>(timeout.count()))) return -1;
   return ::recv(socket_.get(), buffer, size, MSG_DONTWAIT);
 }
 
-bool Connection::readAhead(std::string_view mark, std::size_t more, Milliseconds patience) {
+bool Connection::readAhead(std::string_view mark, std::size_t more, Milliseconds timeout) {
   std::array<char, 4096> block{};
   while (true) {
     const std::size_t found = ahead().find(mark);
     if (found != ahead().npos && ahead().size() >= found + mark.size() + more) return true;
-    if (ahead().size() >= kLongestHead) return false;
-    const ssize_t count = receive(block.data(), block.size(), patience);
+    if (ahead().size() >= kMaxHeadLength) return false;
+    const ssize_t count = receive(block.data(), block.size(), timeout);
     if (count <= 0) return false;
     ahead_.append(block.data(), static_cast<std::size_t>(count));
   }
@@ -66,33 +66,33 @@ void Connection::reset() {
 // close(2) with unread bytes in the receive buffer resets the connection, and the client may lose data that
 // was just sent. So read until the client closes.
 void Connection::closeGently() {
-  constexpr std::chrono::seconds kLongest{1};
-  const auto end = std::chrono::steady_clock::now() + kLongest;
+  constexpr std::chrono::seconds kMaxTime{1};
+  const auto end = std::chrono::steady_clock::now() + kMaxTime;
   std::array<char, 4096> rest{};
   ::shutdown(socket_.get(), SHUT_WR);
-  while (std::chrono::steady_clock::now() < end && receive(rest.data(), rest.size(), kLongest) > 0) {
+  while (std::chrono::steady_clock::now() < end && receive(rest.data(), rest.size(), kMaxTime) > 0) {
   }
   socket_.reset();
 }
 
 bool Connection::is_readable() const {
-  return !ahead().empty() || waitFor(POLLIN, static_cast<int>(kPatience.count()));
+  return !ahead().empty() || waitFor(POLLIN, static_cast<int>(kTimeout.count()));
 }
 
 bool Connection::is_writable() const {
-  return waitFor(POLLOUT, static_cast<int>(kPatience.count()));
+  return waitFor(POLLOUT, static_cast<int>(kTimeout.count()));
 }
 
 ssize_t Connection::read(char* buffer, std::size_t size) {
   if (ahead().empty()) {
-    handedOut_ = 0;
+    consumed_ = 0;
     ahead_.resize(kBlock);
-    const ssize_t count = receive(ahead_.data(), ahead_.size(), kPatience);
+    const ssize_t count = receive(ahead_.data(), ahead_.size(), kTimeout);
     ahead_.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     if (count <= 0) return count;
   }
   const std::size_t taken = ahead().copy(buffer, size);
-  handedOut_ += taken;
+  consumed_ += taken;
   return static_cast<ssize_t>(taken);
 }
 

@@ -22,8 +22,8 @@ class Connection : public httplib::Stream {
 
   // Reads until `mark` and `more` bytes after it were received. Returns false on timeout or if the connection
   // ended.
-  [[nodiscard]] bool readAhead(std::string_view mark, std::size_t more, Milliseconds patience);
-  [[nodiscard]] std::string_view ahead() const { return std::string_view(ahead_).substr(handedOut_); }
+  [[nodiscard]] bool readAhead(std::string_view mark, std::size_t more, Milliseconds timeout);
+  [[nodiscard]] std::string_view ahead() const { return std::string_view(ahead_).substr(consumed_); }
 
   // Sends all of `text`, however slowly the client reads. Returns false if the client has left.
   bool send(std::string_view text);
@@ -44,12 +44,12 @@ class Connection : public httplib::Stream {
 
  private:
   [[nodiscard]] bool waitFor(short events, int timeout) const;
-  [[nodiscard]] ssize_t receive(char* buffer, std::size_t size, Milliseconds patience);
+  [[nodiscard]] ssize_t receive(char* buffer, std::size_t size, Milliseconds timeout);
 
   platform::FileDescriptor socket_;
   int stopDescriptor_;
   std::string ahead_;
-  std::size_t handedOut_ = 0;  // number of bytes of ahead_ already returned
+  std::size_t consumed_ = 0;  // number of bytes of ahead_ already returned
 };
 
 }  // namespace tools

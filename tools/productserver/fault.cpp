@@ -36,11 +36,11 @@ constexpr std::array kFaults = {
 };
 
 std::optional<unsigned> parseCount(std::string_view text) {
-  constexpr unsigned kMost = 1'000'000;
+  constexpr unsigned kMax = 1'000'000;
   unsigned count = 0;
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, count);
-  if (error != std::errc() || rest != end || count == 0 || count > kMost) return std::nullopt;
+  if (error != std::errc() || rest != end || count == 0 || count > kMax) return std::nullopt;
   return count;
 }
 
@@ -67,7 +67,7 @@ std::string textOf(const FaultOrder& order) {
   return std::string(nameOf(order.fault)) + (order.count ? "*" + std::to_string(*order.count) : "");
 }
 
-std::string tellFaults() {
+std::string describeFaults() {
   constexpr std::size_t kColumn = 20;
   std::string text;
   for (const Entry& entry : kFaults) {

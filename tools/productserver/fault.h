@@ -6,7 +6,7 @@
 
 namespace tools {
 
-// Faults of an answer; tellFaults describes them.
+// Faults of an answer; describeFaults describes them.
 enum class Fault {
   RefuseStatus500,
   EmptyBody,
@@ -46,6 +46,6 @@ struct FaultOrder {
 [[nodiscard]] std::string textOf(const FaultOrder& order);
 
 // Returns one line for each fault: its name and description.
-[[nodiscard]] std::string tellFaults();
+[[nodiscard]] std::string describeFaults();
 
 }  // namespace tools

@@ -18,7 +18,7 @@ std::string change(FaultList& faults, const std::string& path, const std::string
     return {};
   }
   const std::optional<FaultOrder> order = parseFaultOrder(name);
-  if (!order) return "there is no fault " + quotedText(name);
+  if (!order) return "unknown fault " + quotedText(name);
   faults.set(path, *order);
   return {};
 }

@@ -22,15 +22,15 @@ struct Delimiter {
 };
 
 std::variant<std::string, FormError> boundaryIn(std::string_view contentType) {
-  constexpr std::size_t kLongest = 70;
+  constexpr std::size_t kMaxLength = 70;
   const std::optional<HeaderValue> type = parseHeaderValue(contentType);
   if (!type || type->value != "multipart/form-data") return FormError{"the type is not multipart/form-data"};
   const auto boundary = type->parameters.find("boundary");
-  if (boundary == type->parameters.end()) return FormError{"the type names no boundary"};
+  if (boundary == type->parameters.end()) return FormError{"the Content-Type has no boundary"};
   const std::string& text = boundary->second;
-  if (text.empty() || text.size() > kLongest || text.ends_with(' ') ||
+  if (text.empty() || text.size() > kMaxLength || text.ends_with(' ') ||
       text.find_first_of("\r\n") != text.npos)
-    return FormError{"the boundary has not 1 to 70 fitting characters"};
+    return FormError{"the boundary is not 1 to 70 allowed characters"};
   return text;
 }
 
@@ -83,7 +83,7 @@ PartResult describedPart(const Headers& headers) {
   if (written == headers.end()) return FormError{"a part has no Content-Disposition"};
   const std::optional<HeaderValue> disposition = parseHeaderValue(written->second);
   if (!disposition || disposition->value != "form-data")
-    return FormError{"the Content-Disposition of a part is not that of form data"};
+    return FormError{"the Content-Disposition of a part is not form-data"};
   const auto name = disposition->parameters.find("name");
   if (name == disposition->parameters.end()) return FormError{"a part has no name"};
   FormPart part;
@@ -99,7 +99,7 @@ PartResult describedPart(const Headers& headers) {
 PartResult parsePart(std::string_view text) {
   const std::size_t blankLine = text.find(kBlankLine);
   const std::optional<Headers> headers = parseHeaders(text.substr(0, blankLine));
-  if (!headers) return FormError{"a line of a part's header is no header"};
+  if (!headers) return FormError{"a part has an invalid header line"};
   PartResult part = describedPart(*headers);
   if (auto* good = std::get_if<FormPart>(&part); good != nullptr && blankLine != text.npos)
     good->data = text.substr(blankLine + kBlankLine.size());

@@ -46,7 +46,7 @@ ends with the answer. Below, "the answer" is the answer without the fault. The f
 
 std::string helpText() {
   std::string text = kOptionsText;
-  text.append(kPathsText).append(kFaultsText).append(tellFaults());
+  text.append(kPathsText).append(kFaultsText).append(describeFaults());
   return text.append("\nExit status: 0 ended by a signal, 1 failure, 2 wrong command line.\n");
 }
 

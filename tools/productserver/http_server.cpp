@@ -96,10 +96,10 @@ void HttpServer::end() {
 }
 
 bool HttpServer::process_and_close_socket(socket_t socket) {
-  const std::chrono::seconds patience(keep_alive_timeout_sec_);
+  const std::chrono::seconds timeout(keep_alive_timeout_sec_);
   Connection connection(socket, stop_.descriptor());
   for (std::size_t left = keep_alive_max_count_; left > 0; --left) {
-    if (!connection.readAhead("\n", 0, patience) || !serve(connection, left == 1)) break;
+    if (!connection.readAhead("\n", 0, timeout) || !serve(connection, left == 1)) break;
   }
   connection.closeGently();
   return true;

@@ -22,14 +22,14 @@ int fail(int status, const std::string& reason) {
 std::optional<tools::Offer> offerOf(const tools::Options& options) {
   std::optional<tools::ServedFolder> folder = tools::ServedFolder::at(options.folder);
   if (!folder) {
-    fail(2, "there is no folder " + options.folder);
+    fail(2, "no such folder: " + options.folder);
     return std::nullopt;
   }
   tools::Offer offer{*std::move(folder), nullptr, options.version};
   if (options.uploads.empty()) return offer;
   offer.uploads = tools::UploadFolder::open(options.uploads);
   if (offer.uploads) return offer;
-  fail(2, "there can be no folder " + options.uploads);
+  fail(2, "cannot create the folder " + options.uploads);
   return std::nullopt;
 }
 

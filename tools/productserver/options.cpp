@@ -19,10 +19,10 @@ bool isPort(std::string_view text, int& port) {
 bool takeFault(Options& options, const CommandLine& line, const std::string& value) {
   const std::size_t sign = value.rfind('=');
   if (!value.starts_with('/') || sign == value.npos)
-    return line.complain("--fault: " + quotedText(value) + " has not the form /PATH=NAME");
+    return line.complain("--fault: " + quotedText(value) + " does not have the form /PATH=NAME");
   const std::string name = value.substr(sign + 1);
   const std::optional<FaultOrder> order = parseFaultOrder(name);
-  if (!order) return line.complain("--fault: there is no fault " + quotedText(name));
+  if (!order) return line.complain("--fault: unknown fault " + quotedText(name));
   options.faults.emplace_back(value.substr(0, sign), *order);
   return true;
 }
@@ -42,7 +42,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   line.addFlag("help", options.help);
   line.addValue("port", [&](const std::string& value) {
     return isPort(value, options.port) ||
-           line.complain("--port: " + quotedText(value) + " is no port number");
+           line.complain("--port: " + quotedText(value) + " is not a port number");
   });
   addName(line, "port-file", options.portFile);
   addName(line, "uploads", options.uploads);

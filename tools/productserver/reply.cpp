@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kReplyLineEnd = "\r\n";
 
-bool tellsFraming(std::string_view line) {
+bool isFramingHeader(std::string_view line) {
   constexpr std::array<std::string_view, 4> kNames = {"content-length", "transfer-encoding", "connection",
                                                       "keep-alive"};
   return std::find(kNames.begin(), kNames.end(), lowerCase(line.substr(0, line.find(':')))) != kNames.end();
@@ -50,7 +50,7 @@ Reply parseReply(std::string_view written) {
   std::string_view head = written.substr(0, blankLine + kReplyLineEnd.size());
   while (!head.empty()) {
     const std::size_t end = head.find(kReplyLineEnd) + kReplyLineEnd.size();
-    if (!tellsFraming(head)) reply.head += head.substr(0, end);
+    if (!isFramingHeader(head)) reply.head += head.substr(0, end);
     head.remove_prefix(end);
   }
   return reply;

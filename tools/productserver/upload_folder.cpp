@@ -40,9 +40,9 @@ char harmless(char letter) {
 
 }  // namespace
 
-std::string harmlessName(std::string_view sendersName) {
-  constexpr std::size_t kLongest = 100;
-  std::string name(sendersName.substr(sendersName.find_last_of("/\\") + 1).substr(0, kLongest));
+std::string safeFileName(std::string_view clientFileName) {
+  constexpr std::size_t kMaxLength = 100;
+  std::string name(clientFileName.substr(clientFileName.find_last_of("/\\") + 1).substr(0, kMaxLength));
   std::transform(name.begin(), name.end(), name.begin(), harmless);
   return name.empty() ? "unnamed" : name;
 }
@@ -54,9 +54,9 @@ std::unique_ptr<UploadFolder> UploadFolder::open(const std::string& path) {
   return std::unique_ptr<UploadFolder>(new UploadFolder(path, highestNumberIn(path)));
 }
 
-std::optional<std::string> UploadFolder::keep(std::string_view sendersName, std::string_view data) {
+std::optional<std::string> UploadFolder::keep(std::string_view clientFileName, std::string_view data) {
   const std::string number = fourDigits(++number_);
-  const std::string name = number + "_" + harmlessName(sendersName);
+  const std::string name = number + "_" + safeFileName(clientFileName);
   const std::string unfinished = path_ + "/." + number + ".part";
   std::ofstream stream(unfinished, std::ios::binary);
   stream.write(data.data(), static_cast<std::streamsize>(data.size()));

@@ -18,7 +18,7 @@ class UploadFolder {
 
   // Stores the data under the next number and returns the file's name, made of the number and the sanitised
   // name from the sender. Returns nullopt and sets errno on failure.
-  [[nodiscard]] std::optional<std::string> keep(std::string_view sendersName, std::string_view data);
+  [[nodiscard]] std::optional<std::string> keep(std::string_view clientFileName, std::string_view data);
 
  private:
   UploadFolder(std::string path, unsigned number) : path_(std::move(path)), number_(number) {}
@@ -29,6 +29,6 @@ class UploadFolder {
 
 // Returns the last component of the sender's file name, with all characters except letters, digits, ".", "-"
 // and "_" replaced by "_", cut to 100 bytes.
-[[nodiscard]] std::string harmlessName(std::string_view sendersName);
+[[nodiscard]] std::string safeFileName(std::string_view clientFileName);
 
 }  // namespace tools

@@ -20,7 +20,7 @@ void UploadHandler::operator()(const httplib::Request& request, httplib::Respons
     return true;
   });
   if (!whole) {
-    const std::string after = "broken off after " + std::to_string(body.size()) + " bytes";
+    const std::string after = "aborted after " + std::to_string(body.size()) + " bytes";
     return refuse(request.path, 400, after, response);
   }
   const auto form = parseFormData(request.get_header_value(kFormTypeHeader), body);

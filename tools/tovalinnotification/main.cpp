@@ -14,14 +14,13 @@ constexpr const char* kHelp =
     "\n"
     "A stand-in for the notification helper. This is a development tool, not part of the agent.\n"
     "\n"
-    "It prints the notice that the helper would show, waits as long as the notice would stand, and ends.\n"
+    "It prints the notice that the helper would show, waits as long as the helper would show it, and exits.\n"
     "All options are needed, in any order.\n"
     "\n"
-    "Exit status: 0 the time is over, 2 wrong command line.\n";
+    "Exit status: 0 after the timeout, 2 wrong command line.\n";
 
 int fail(const std::string& reason) {
-  std::fprintf(stderr, "tovalinnotification: %s\ntovalinnotification --help shows how it is used\n",
-               reason.c_str());
+  std::fprintf(stderr, "tovalinnotification: %s\nsee tovalinnotification --help\n", reason.c_str());
   return 2;
 }
 

@@ -23,7 +23,7 @@ std::string collect(const std::vector<std::string>& arguments, Values& values) {
   for (std::size_t i = 0; i < arguments.size(); i += 2) {
     const std::string& name = arguments[i];
     const bool known = std::find(kNames.begin(), kNames.end(), name) != kNames.end();
-    if (!known) return "there is no option " + quotedText(name);
+    if (!known) return "unknown option " + quotedText(name);
     if (i + 1 == arguments.size()) return name + " has no value";
     if (!values.emplace(name, arguments[i + 1]).second) return name + " is given twice";
   }
@@ -45,7 +45,7 @@ std::variant<Notice, std::string> parseNotice(const std::vector<std::string>& ar
   if (const std::string wrong = collect(arguments, values); !wrong.empty()) return wrong;
   if (const std::string wrong = missing(values); !wrong.empty()) return wrong;
   const std::optional<std::chrono::milliseconds> timeout = secondsArgument(values["-timeout"]);
-  if (!timeout) return "-timeout: " + quotedText(values["-timeout"]) + " is no number of seconds";
+  if (!timeout) return "-timeout: " + quotedText(values["-timeout"]) + " is not a number of seconds";
   return Notice{.title = values["-title"],
                 .subtitle = values["-subtitle"],
                 .message = values["-message"],

@@ -11,7 +11,7 @@ constexpr const char* kHelp =
     "\n"
     "A stand-in for the updater. This is a development tool, not part of the agent.\n"
     "\n"
-    "It prints that the updater was opened and where from, and ends.\n"
+    "It prints the path from which it was opened, and exits.\n"
     "\n"
     "Exit status: 0, or 2 for a wrong command line.\n";
 
@@ -29,7 +29,7 @@ std::string openedFrom(const char* program) {
 int main(int argc, char** argv) {
   if (argc == 2 && std::string_view(argv[1]) == "--help") return std::fputs(kHelp, stdout) < 0 ? 1 : 0;
   if (argc > 1) {
-    std::fputs("tovalinupdate: takes no arguments\ntovalinupdate --help shows how it is used\n", stderr);
+    std::fputs("tovalinupdate: takes no arguments\nsee tovalinupdate --help\n", stderr);
     return 2;
   }
   std::printf("the updater was opened from %s\n", openedFrom(argv[0]).c_str());

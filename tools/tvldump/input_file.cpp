@@ -15,7 +15,7 @@ namespace tools {
 namespace {
 
 constexpr std::size_t kStep = std::size_t{1} << 16;
-constexpr const char* kTooLarge = "it is larger than a usage record file ever is";
+constexpr const char* kTooLarge = "it exceeds the maximum size of a usage record file";
 
 std::string reasonOf(int error) {
   return std::generic_category().message(error);
@@ -58,12 +58,12 @@ std::optional<std::span<const char>> InputFile::readAll(int descriptor, std::str
     filled += static_cast<std::size_t>(count);
     if (filled < size_) continue;
     const std::size_t whole = sizeOf(descriptor);
-    if (std::max(filled, whole) > kMostInput) return refuse(reason, kTooLarge);
+    if (std::max(filled, whole) > kMaxInput) return refuse(reason, kTooLarge);
     // One extra byte, so that the next read(2) detects the end of a file that does not grow.
     grow(std::max(whole + 1, filled * 2), filled);
   }
   if (count == -1) return refuse(reason, reasonOf(errno));
-  if (filled > kMostInput) return refuse(reason, kTooLarge);
+  if (filled > kMaxInput) return refuse(reason, kTooLarge);
   return std::span<const char>(bytes_.get(), filled);
 }
 

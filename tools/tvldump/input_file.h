@@ -10,7 +10,7 @@ namespace tools {
 
 // The maximum number of bytes to read from a file, far more than a day's records. Prevents running out of
 // memory on an endless device.
-inline constexpr std::size_t kMostInput = std::size_t{1} << 30;
+inline constexpr std::size_t kMaxInput = std::size_t{1} << 30;
 
 // Reads whole files into a reusable buffer. For use by one thread at a time.
 class InputFile {

@@ -8,10 +8,10 @@ namespace {
 
 // The maximum size of a line after its fixed beginning: the longest text, with up to six characters per byte
 // escaped and two per byte in hexadecimal, and the member names and numbers.
-constexpr std::size_t longestRest = 8 * record_format::longestDeviceName + 512;
+constexpr std::size_t maxTailLength = 8 * record_format::maxDeviceNameLength + 512;
 
 // Offsets that share all digits except the last four.
-constexpr std::uint64_t offsetsWithOneHead = 10'000;
+constexpr std::uint64_t offsetsPerHead = 10'000;
 
 // Writes the member for a text that is not plain ASCII.
 void putEscaped(Line& line, std::string_view key, std::string_view bytes) {
@@ -95,14 +95,14 @@ struct JsonLinesPrinter::Print {
 
  private:
   [[nodiscard]] Line begin() const {
-    const std::uint64_t head = offset / offsetsWithOneHead;
+    const std::uint64_t head = offset / offsetsPerHead;
     if (head != printer.offsetsHead_) printer.setOffsetsHead(head);
-    Line line = printer.writer_.begin(printer.beginning_.size() + longestRest);
+    Line line = printer.writer_.begin(printer.beginning_.size() + maxTailLength);
     line.put(std::string_view(printer.beginning_));
     if (head == 0) {
       line.put(std::uint64_t{offset});
     } else {
-      line.putFourDigits(static_cast<std::uint32_t>(offset % offsetsWithOneHead));
+      line.putFourDigits(static_cast<std::uint32_t>(offset % offsetsPerHead));
     }
     return line;
   }
@@ -139,7 +139,7 @@ void JsonLinesPrinter::item(const Item& item) {
 void JsonLinesPrinter::endFile(std::size_t size, const std::optional<Damage>& damage) {
   const std::string beginning = header_.text();
   const std::string damaged = damage ? jsonString(damage->reason) : "null";
-  Line line = writer_.begin(beginning.size() + damaged.size() + longestRest);
+  Line line = writer_.begin(beginning.size() + damaged.size() + maxTailLength);
   line.put(std::string_view(beginning));
   line.put(",\"type\":\"file\",\"size\":");
   line.put(std::uint64_t{size});

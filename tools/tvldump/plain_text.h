@@ -9,19 +9,19 @@
 namespace tools {
 namespace plain_text {
 
-inline constexpr std::uint64_t everyByte = 0x0101'0101'0101'0101;
+inline constexpr std::uint64_t onesInEachByte = 0x0101'0101'0101'0101;
 
 // Sets the highest bit of each zero byte; may also set that of bytes above a zero byte.
 [[nodiscard]] constexpr std::uint64_t zeroBytes(std::uint64_t word) {
-  return (word - everyByte) & ~word;
+  return (word - onesInEachByte) & ~word;
 }
 
 // Returns whether all eight bytes are ASCII and can be part of a JSON string without escapes.
 [[nodiscard]] constexpr bool isPlain(std::uint64_t word) {
-  const std::uint64_t controls = (word - everyByte * ' ') & ~word;
-  const std::uint64_t bad = word | controls | zeroBytes(word ^ everyByte * '"') |
-                            zeroBytes(word ^ everyByte * '\\') | zeroBytes(word ^ everyByte * 0x7F);
-  return (bad & everyByte * 0x80) == 0;
+  const std::uint64_t controls = (word - onesInEachByte * ' ') & ~word;
+  const std::uint64_t bad = word | controls | zeroBytes(word ^ onesInEachByte * '"') |
+                            zeroBytes(word ^ onesInEachByte * '\\') | zeroBytes(word ^ onesInEachByte * 0x7F);
+  return (bad & onesInEachByte * 0x80) == 0;
 }
 
 [[nodiscard]] inline std::uint64_t copyWord(char* place, const char* bytes) {
@@ -42,7 +42,7 @@ inline constexpr std::uint64_t everyByte = 0x0101'0101'0101'0101;
 
 [[nodiscard]] constexpr std::array<bool, 256> plainBytes() {
   std::array<bool, 256> plain{};
-  for (std::size_t byte = 0; byte < plain.size(); ++byte) plain[byte] = isPlain(everyByte * byte);
+  for (std::size_t byte = 0; byte < plain.size(); ++byte) plain[byte] = isPlain(onesInEachByte * byte);
   return plain;
 }
 

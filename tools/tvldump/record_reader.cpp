@@ -73,7 +73,7 @@ Identifier RecordReader::takeIdentifier() {
   constexpr std::string_view kBraces = "{}";
   constexpr std::string_view kReason = "identifier without braces";
   takeCode(cursor_, Code::Identifier, "expected an identifier");
-  const std::uint8_t length = cursor_.takeByte(kBraces.size(), record_format::longestIdentifierText,
+  const std::uint8_t length = cursor_.takeByte(kBraces.size(), record_format::maxIdentifierTextLength,
                                                "invalid length of an identifier");
   if (cursor_.damage()) return {};
   const std::size_t start = cursor_.offset();
@@ -92,7 +92,7 @@ OperatingSystem RecordReader::takeOperatingSystem() {
 // The version's code has already been taken.
 Version RecordReader::takeVersion() {
   const std::string_view bundle =
-      cursor_.takeCounted(record_format::longestBundleVersion, "version too long");
+      cursor_.takeCounted(record_format::maxBundleVersionLength, "version too long");
   takeLength(cursor_, record_format::fixedVersion.size(), "invalid length of the second version");
   const std::size_t start = cursor_.offset();
   cursor_.takeFixed(record_format::fixedVersion, "invalid second version");
@@ -132,14 +132,14 @@ void RecordReader::takeStart(Start& start) {
 void RecordReader::takeDeviceEvent(unsigned dataCommand, DeviceEvent& event) {
   event.dataCommand = dataCommand;
   event.time = takeTime();
-  event.name = cursor_.takeCounted(record_format::longestDeviceName, "device name too long");
+  event.name = cursor_.takeCounted(record_format::maxDeviceNameLength, "device name too long");
 }
 
 void RecordReader::takeTransfer(unsigned kind, Transfer& transfer) {
   transfer.kind = kind;
   takeLength(cursor_, record_format::sizeFieldWidth, "invalid width of a size");
   transfer.size = sizeIn(cursor_.takeText(record_format::sizeFieldWidth));
-  transfer.name = cursor_.takeCounted(record_format::longestTransferName, "transfer name too long");
+  transfer.name = cursor_.takeCounted(record_format::maxTransferNameLength, "transfer name too long");
 }
 
 std::string_view RecordReader::takeTime() {

@@ -57,20 +57,20 @@ class RecordReader {
 // takeItem, which determines the offset of the damage.
 inline bool RecordReader::takeUsualTransfer(Content& content) {
   using namespace record_format;
-  constexpr std::size_t widthPlace = 1, sizePlace = 2;
-  constexpr std::size_t lengthPlace = sizePlace + sizeFieldWidth, namePlace = lengthPlace + 1;
+  constexpr std::size_t widthOffset = 1, sizeOffset = 2;
+  constexpr std::size_t lengthOffset = sizeOffset + sizeFieldWidth, nameOffset = lengthOffset + 1;
   const std::string_view rest = cursor_.rest();
-  if (rest.size() < longestTransfer) return false;
+  if (rest.size() < maxTransferLength) return false;
   const bool isKind1 = rest[0] == static_cast<char>(Code::TransferKind1);
   const bool isKind2 = rest[0] == static_cast<char>(Code::TransferKind2);
-  const auto length = static_cast<std::uint8_t>(rest[lengthPlace]);
+  const auto length = static_cast<std::uint8_t>(rest[lengthOffset]);
   if (!isKind1 && !isKind2) return false;
-  if (rest[widthPlace] != sizeFieldWidth || length > longestTransferName) return false;
+  if (rest[widthOffset] != sizeFieldWidth || length > maxTransferNameLength) return false;
   auto& transfer = content.emplace<Transfer>();
   transfer.kind = isKind1 ? 1 : 2;
-  transfer.size = littleEndian<std::uint64_t>(rest.substr(sizePlace, record_format::sizeFieldWidth));
-  transfer.name = {rest.data() + namePlace, length};
-  cursor_.skip(namePlace + length);
+  transfer.size = littleEndian<std::uint64_t>(rest.substr(sizeOffset, record_format::sizeFieldWidth));
+  transfer.name = {rest.data() + nameOffset, length};
+  cursor_.skip(nameOffset + length);
   return true;
 }
 

@@ -9,7 +9,7 @@
 
 #include "platform/helper_folder.h"
 #include "platform/linux/application/application_impl.h"
-#include "platform/linux/desktop/keyboard_holder.h"
+#include "platform/linux/desktop/input_focus.h"
 #include "platform/linux/windows/window_impl.h"
 
 // Instrumented builds write their reports in Impl::end, because _exit runs no exit handlers. The compiler
@@ -45,9 +45,9 @@ void Application::stopModal() {
 }
 
 void Application::activateIgnoringOtherApps(bool flag) {
-  if (!flag && keyboardHolder() == KeyboardHolder::OtherProgram) return;
+  if (!flag && inputFocusOwner() == InputFocusOwner::OtherProgram) return;
   bringWindowsForward();
-  impl_->modalRuns.bringForward();
+  impl_->modalRuns.raiseInnermost();
 }
 
 bool Application::hasDisplay() const {

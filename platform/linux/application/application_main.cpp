@@ -21,38 +21,38 @@
 #include "platform/linux/application/signal_pipe.h"
 #include "platform/linux/application/single_instance.h"
 #include "platform/linux/desktop/session_bus_guard.h"
-#include "platform/linux/processes/runtime_folder.h"
+#include "platform/linux/processes/qt_runtime_folder.h"
 #include "platform/log.h"
 
 namespace platform {
 namespace {
 
 // Before the first screen exists, a fatal Qt message almost always means that the display cannot be opened.
-std::string withoutScreen(const std::string& toolkitText) {
-  if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return toolkitText;
+std::string startFailureText(const std::string& qtText) {
+  if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return qtText;
   if (!qEnvironmentVariableIsSet("DISPLAY")) return "cannot open a display: DISPLAY is not set";
   return "cannot open the display \"" + qgetenv("DISPLAY").toStdString() + "\"";
 }
 
-void takeToolkitMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+void handleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
   const std::string line = text.toStdString();
   if (type == QtFatalMsg)
-    fatalError(QGuiApplication::primaryScreen() == nullptr ? withoutScreen(line) : line);
+    fatalError(QGuiApplication::primaryScreen() == nullptr ? startFailureText(line) : line);
   std::fprintf(stderr, "TovalinTray: %s\n", line.c_str());
 }
 
 // Activates the running instance and returns 0. If that instance ends before it answers, restarts this
 // process with execv so that it becomes the first instance.
-int tellRunningInstance(SingleInstance& instance, int argc, char** argv) {
+int notifyRunningInstance(SingleInstance& instance, int argc, char** argv) {
   const QCoreApplication application(argc, argv);
-  if (instance.tellFirst()) return 0;
+  if (instance.notifyFirst()) return 0;
   ::execv("/proc/self/exe", argv);
-  fatalError(std::string("can't start over: ") + std::strerror(errno));
+  fatalError(std::string("cannot restart: ") + std::strerror(errno));
 }
 
 // Requests X11 unless QT_QPA_PLATFORM is set: under Wayland a client can neither position its windows nor
 // keep them on top.
-std::vector<char*> toolkitArguments(char* program) {
+std::vector<char*> qtArguments(char* program) {
   static char option[] = "-platform";
   static char xcb[] = "xcb";
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return {program};
@@ -85,15 +85,15 @@ int ApplicationMain(int argc, char** argv) {
   if (const auto status = program.handleArguments(arguments)) return *status;
 
   avoidUnusableSessionBus();
-  qInstallMessageHandler(takeToolkitMessage);
+  qInstallMessageHandler(handleQtMessage);
   SingleInstance instance;
-  if (!instance.isFirst()) return tellRunningInstance(instance, argc, argv);
+  if (!instance.isFirst()) return notifyRunningInstance(instance, argc, argv);
 
   describeApplication();
-  std::vector<char*> toolkitArgv = toolkitArguments(argv[0]);
-  int toolkitArgc = static_cast<int>(toolkitArgv.size());
-  std::optional<ToolkitsRuntimeFolder> runtimeFolder(std::in_place);
-  const QApplication toolkit(toolkitArgc, toolkitArgv.data());
+  std::vector<char*> qtArgv = qtArguments(argv[0]);
+  int qtArgc = static_cast<int>(qtArgv.size());
+  std::optional<QtRuntimeFolder> runtimeFolder(std::in_place);
+  const QApplication qtApplication(qtArgc, qtArgv.data());
   runtimeFolder.reset();
 
   const auto delegate = program.makeDelegate();

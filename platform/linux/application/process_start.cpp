@@ -19,7 +19,7 @@ namespace {
 
 // The default terminate handler aborts with SIGABRT and prints only to standard error, which usually goes
 // unread.
-[[noreturn]] void endUncaught() {
+[[noreturn]] void terminateHandler() {
   try {
     std::rethrow_exception(std::current_exception());
   } catch (const std::bad_alloc&) {
@@ -27,17 +27,17 @@ namespace {
   } catch (const std::exception& error) {
     fatalError(error.what());
   } catch (...) {
-    fatalError("an error of an unknown kind");
+    fatalError("unknown exception");
   }
 }
 
 }  // namespace
 
 void prepareProcess() {
-  std::set_terminate(endUncaught);
+  std::set_terminate(terminateHandler);
   fillStandardStreams();
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-  const sigset_t endings = endingSignals();
+  const sigset_t endings = terminationSignals();
   sigprocmask(SIG_SETMASK, &endings, nullptr);
   ::signal(SIGPIPE, SIG_IGN);
   // Images are allocated and freed with each notice. Allocate them with mmap, so that freed images return to

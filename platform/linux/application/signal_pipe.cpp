@@ -13,18 +13,18 @@
 namespace platform {
 namespace {
 
-constexpr int mostTries = 100;
+constexpr int maxTries = 100;
 
 // Global, because a signal handler receives no context.
-volatile sig_atomic_t pipeForSignals = -1;
+volatile sig_atomic_t signalPipe = -1;
 
 void writeByte(int) {
   const int error = errno;
   const char byte = 0;
   // EAGAIN means that the pipe is full, so a wake-up is already pending. Retry after any other error, such as
   // ENOMEM: the signal would be lost.
-  for (int tries = 0; tries < mostTries; ++tries) {
-    if (::write(static_cast<int>(pipeForSignals), &byte, 1) == 1 || errno == EAGAIN) break;
+  for (int tries = 0; tries < maxTries; ++tries) {
+    if (::write(static_cast<int>(signalPipe), &byte, 1) == 1 || errno == EAGAIN) break;
   }
   errno = error;
 }
@@ -38,12 +38,12 @@ void handle(int number) {
   action.sa_flags = SA_RESTART;
   // Without the handler, the default action would end the process without applicationWillTerminate.
   if (sigaction(number, &action, nullptr) != 0)
-    fatalError(std::string("signals can't be heard: ") + std::strerror(errno));
+    fatalError(std::string("cannot install a signal handler: ") + std::strerror(errno));
 }
 
 }  // namespace
 
-sigset_t endingSignals() {
+sigset_t terminationSignals() {
   sigset_t signals;
   sigemptyset(&signals);
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, number);
@@ -54,17 +54,17 @@ SignalPipe::SignalPipe(std::function<void()> ended) {
   int ends[2] = {-1, -1};
   // These signals are still blocked here: a process without the pipe could be ended only with SIGKILL.
   if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
-    fatalError(std::string("no pipe to hear of signals by: ") + std::strerror(errno));
+    fatalError(std::string("cannot create the signal pipe: ") + std::strerror(errno));
   readEnd_ = FileDescriptor(ends[0]);
   writeEnd_ = FileDescriptor(ends[1]);
-  pipeForSignals = ends[1];
+  signalPipe = ends[1];
 
   notifier_ = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
                    [ended = std::move(ended)] { ended(); });
 
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) handle(number);
-  const sigset_t signals = endingSignals();
+  const sigset_t signals = terminationSignals();
   sigprocmask(SIG_UNBLOCK, &signals, nullptr);
 }
 

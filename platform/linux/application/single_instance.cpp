@@ -29,19 +29,19 @@ constexpr QLatin1StringView busName("com.kesmoor.tovalintrayagent");
 constexpr QLatin1StringView objectPath("/com/kesmoor/tovalintrayagent");
 constexpr QLatin1StringView applicationInterface("org.freedesktop.Application");
 constexpr QLatin1StringView activate("Activate");
-constexpr int activationLimitMs = 5000;
+constexpr int activationTimeoutMs = 5000;
 
 bool activateNameOwner(const QDBusConnection& bus) {
   QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, applicationInterface, activate);
   call << QVariantMap();
   call.setAutoStartService(false);
-  return bus.call(call, QDBus::Block, activationLimitMs).type() == QDBusMessage::ReplyMessage;
+  return bus.call(call, QDBus::Block, activationTimeoutMs).type() == QDBusMessage::ReplyMessage;
 }
 
 // Returns "PID (NAME)", or less if the bus or /proc does not provide it.
 std::string nameOwner(const QDBusConnection& bus) {
   const auto process = bus.interface()->servicePid(busName);
-  if (!process.isValid()) return "of unknown id";
+  if (!process.isValid()) return "with unknown id";
   const std::string id = std::to_string(process.value());
   std::ifstream file("/proc/" + id + "/comm");
   std::string name;
@@ -57,7 +57,7 @@ void report(const std::string& text) {
   consoleLog(text);
 }
 
-constexpr const char* noAgent = "that process can't open the menu: it does not act as the tray agent";
+constexpr const char* noAgent = "that process cannot open the menu: it is not the tray agent";
 
 void reportNameOwner(const QDBusConnection& bus) {
   const std::string name = busName.latin1();
@@ -118,10 +118,10 @@ void SingleInstance::deferToNameOwner() {
   if (!activateNameOwner(bus)) report(noAgent);
 }
 
-bool SingleInstance::tellFirst() {
+bool SingleInstance::notifyFirst() {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) {
-    consoleLog("TovalinTray runs already; its menu can't be opened from here without a session bus");
+    consoleLog("TovalinTray is already running; its menu cannot be opened without a session bus");
     return true;
   }
   const auto deadline = std::chrono::steady_clock::now() + 10s;

@@ -34,7 +34,7 @@ class SingleInstance {
   // Second process: sends Activate to the first one and retries for 10 s while that one starts, is busy or
   // ends. Returns false if the lock has become free; this process then holds it. Otherwise returns true,
   // after an error message if no process answered. Without a bus, only prints a line on standard error.
-  [[nodiscard]] bool tellFirst();
+  [[nodiscard]] bool notifyFirst();
 
  private:
   [[nodiscard]] bool takeLock();

@@ -7,7 +7,7 @@
 
 #include <QApplication>
 
-#include "platform/linux/desktop/keyboard_holder.h"
+#include "platform/linux/desktop/input_focus.h"
 
 namespace platform {
 namespace {
@@ -40,13 +40,13 @@ void ActivityWatch::stateChanged(Qt::ApplicationState state) {
 // switched to a window, and Qt closes the menu when a window is shown.
 void ActivityWatch::look() {
   if (QApplication::activePopupWidget() != nullptr) return settle_.start();
-  if (QGuiApplication::applicationState() == Qt::ApplicationActive) return tell(true);
-  holderProperty_ = keyboardHolderProperty();
-  const KeyboardHolder holder = keyboardHolder();
-  if (holder == KeyboardHolder::OtherProgram || holder == KeyboardHolder::Unknown) tell(false);
+  if (QGuiApplication::applicationState() == Qt::ApplicationActive) return report(true);
+  focusProperty_ = inputFocusProperty();
+  const InputFocusOwner owner = inputFocusOwner();
+  if (owner == InputFocusOwner::OtherProgram || owner == InputFocusOwner::Unknown) report(false);
 }
 
-void ActivityWatch::tell(bool active) {
+void ActivityWatch::report(bool active) {
   if (std::exchange(active_, active) != active) changed_(active);
 }
 
@@ -58,7 +58,7 @@ bool ActivityWatch::nativeEventFilter(const QByteArray& type, void* message, qin
   const auto* event = static_cast<const xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
   const auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
-  if (change->atom == holderProperty_) settle_.start();
+  if (change->atom == focusProperty_) settle_.start();
   return false;
 }
 

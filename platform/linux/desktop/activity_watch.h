@@ -23,13 +23,13 @@ class ActivityWatch : public QObject, private QAbstractNativeEventFilter {
  private:
   void stateChanged(Qt::ApplicationState state);
   void look();
-  void tell(bool active);
+  void report(bool active);
   bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
   std::function<void(bool)> changed_;
   bool active_ = false;
   QTimer settle_;
-  std::uint32_t holderProperty_ = 0;
+  std::uint32_t focusProperty_ = 0;
 };
 
 }  // namespace platform

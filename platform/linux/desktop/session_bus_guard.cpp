@@ -19,7 +19,7 @@
 namespace platform {
 namespace {
 
-constexpr int answerLimitMs = 1000;
+constexpr int answerTimeoutMs = 1000;
 
 std::string busAddress() {
   if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS")) return address;
@@ -44,7 +44,7 @@ std::optional<std::string> unixSocket(std::string_view addresses, std::string_vi
 }
 
 // Starts the D-Bus authentication: a NUL byte, then lines. Any reply shows that the bus answers.
-bool answersOn(const sockaddr_un& address, socklen_t length) {
+bool answersAt(const sockaddr_un& address, socklen_t length) {
   const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   // Any error but EAGAIN (backlog full) is harmless: the D-Bus library fails with it at once too.
   if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), length) != 0)
@@ -52,7 +52,7 @@ bool answersOn(const sockaddr_un& address, socklen_t length) {
   constexpr char hello[] = "\0AUTH\r\n";
   if (::send(socket.get(), hello, sizeof hello - 1, MSG_NOSIGNAL) < 0) return true;
   pollfd answer{socket.get(), POLLIN, 0};
-  return ::poll(&answer, 1, answerLimitMs) != 0;
+  return ::poll(&answer, 1, answerTimeoutMs) != 0;
 }
 
 bool answers(const std::string& addresses) {
@@ -63,7 +63,7 @@ bool answers(const std::string& addresses) {
   if (name.empty() || name.size() >= sizeof address.sun_path) return true;
   std::memcpy(address.sun_path, name.data(), name.size());
   const std::size_t length = offsetof(sockaddr_un, sun_path) + name.size() + (path ? 1 : 0);
-  return answersOn(address, static_cast<socklen_t>(length));
+  return answersAt(address, static_cast<socklen_t>(length));
 }
 
 }  // namespace
@@ -71,7 +71,8 @@ bool answers(const std::string& addresses) {
 void avoidUnusableSessionBus() {
   const std::string address = busAddress();
   if (!address.empty() && answers(address)) return;
-  if (!address.empty()) systemLog(LogPriority::Error, "the session bus does not answer; going on without it");
+  if (!address.empty())
+    systemLog(LogPriority::Error, "the session bus does not answer; continuing without it");
   ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
 }
 

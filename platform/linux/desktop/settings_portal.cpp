@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-constexpr int portalAnswerLimitMs = 500;
+constexpr int portalTimeoutMs = 500;
 constexpr uint preferDark = 1;
 
 constexpr QLatin1StringView service("org.freedesktop.portal.Desktop");
@@ -44,20 +44,19 @@ SettingsPortal& SettingsPortal::shared() {
 }
 
 SettingsPortal::SettingsPortal()
-    : comings_(service, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
+    : registrations_(service, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
   QDBusConnection::sessionBus().connect(service, portalPath, portalInterface,
                                         QStringLiteral("SettingChanged"), this,
                                         SLOT(settingChanged(QDBusMessage)));
   // The portal signals only changes. Read the value whenever it registers on the bus: after the agent, or
   // again after a restart.
-  connect(&comings_, &QDBusServiceWatcher::serviceRegistered, this, [this] { askWithoutWaiting(); });
+  connect(&registrations_, &QDBusServiceWatcher::serviceRegistered, this, [this] { readAsynchronously(); });
 }
 
 bool SettingsPortal::readPrefersDark() {
-  const QDBusMessage answer =
-      QDBusConnection::sessionBus().call(question(), QDBus::Block, portalAnswerLimitMs);
+  const QDBusMessage answer = QDBusConnection::sessionBus().call(question(), QDBus::Block, portalTimeoutMs);
   // A portal that this call starts may answer after the timeout. Its late answer counts as a change.
-  if (isTimeOut(answer)) askWithoutWaiting();
+  if (isTimeOut(answer)) readAsynchronously();
   const bool answered = answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty();
   setDark(answered && isDarkColorScheme(answer.arguments().constFirst()));
   return dark_;
@@ -71,7 +70,7 @@ void SettingsPortal::settingChanged(const QDBusMessage& message) {
   takeChange(isDarkColorScheme(arguments[2]));
 }
 
-void SettingsPortal::askWithoutWaiting() {
+void SettingsPortal::readAsynchronously() {
   auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question()), this);
   connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
     answer->deleteLater();

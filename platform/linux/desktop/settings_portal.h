@@ -30,9 +30,9 @@ class SettingsPortal : public QObject {
   SettingsPortal();
   void setDark(bool dark);
   void takeChange(bool dark);
-  void askWithoutWaiting();
+  void readAsynchronously();
 
-  QDBusServiceWatcher comings_;
+  QDBusServiceWatcher registrations_;
   bool dark_ = false;
   std::vector<std::function<void()>> observers_;
 };

@@ -11,7 +11,7 @@
 namespace platform {
 namespace {
 
-bool wasRun(const std::string& folder, const std::string& url) {
+bool runOpenHelper(const std::string& folder, const std::string& url) {
   return runAndWait(folder + "/open", {"open", url}) != -1;
 }
 
@@ -34,7 +34,7 @@ void Workspace::openURL(const std::string& text) {
   const auto url = parsed(text);
   if (!url) return;
   for (const std::string& folder : helperFolders()) {
-    if (wasRun(folder, *url)) return;
+    if (runOpenHelper(folder, *url)) return;
   }
 }
 

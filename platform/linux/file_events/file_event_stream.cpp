@@ -14,8 +14,8 @@
 namespace platform {
 
 struct FileEventStream::Impl {
-  Impl(std::string rootPath, std::chrono::milliseconds wait, Callback told, RootWatch watch)
-      : path(std::move(rootPath)), callback(std::move(told)), root(std::move(watch)) {
+  Impl(std::string rootPath, std::chrono::milliseconds wait, Callback onEvents, RootWatch watch)
+      : path(std::move(rootPath)), callback(std::move(onEvents)), root(std::move(watch)) {
     tree.emplace(path);
     latency.setTimerType(Qt::PreciseTimer);
     latency.setSingleShot(true);
@@ -27,9 +27,9 @@ struct FileEventStream::Impl {
   void stop();
   void listen(std::unique_ptr<QSocketNotifier>& notifier, int descriptor, QSocketNotifier::Type type);
   void wake();
-  void takeIn();
+  void readEvents();
   void note(FileEvent event);
-  void watchTreeAnew();
+  void rewatchTree();
   void deliver();
 
   FileEventStream* stream = nullptr;
@@ -37,28 +37,28 @@ struct FileEventStream::Impl {
   Callback callback;
   std::optional<RootWatch> root;
   std::optional<FolderTreeWatch> tree;
-  std::unique_ptr<QSocketNotifier> treeNotices;
-  std::unique_ptr<QSocketNotifier> rootNotices;
-  std::unique_ptr<QSocketNotifier> mountNotices;
+  std::unique_ptr<QSocketNotifier> treeNotifier;
+  std::unique_ptr<QSocketNotifier> rootNotifier;
+  std::unique_ptr<QSocketNotifier> mountNotifier;
   QTimer latency;
   std::vector<FileEvent> batch;
   std::set<std::pair<std::string, std::uint32_t>> inBatch;
   bool treeIsIncomplete = false;
-  bool rootIsAway = false;  // result of the last check; may revert before the batch is delivered
+  bool rootIsGone = false;  // result of the last check; may revert before the batch is delivered
 };
 
 void FileEventStream::Impl::start() {
-  if (!root || rootNotices != nullptr) return;
-  listen(treeNotices, tree->descriptor(), QSocketNotifier::Read);
-  listen(rootNotices, root->folders(), QSocketNotifier::Read);
-  listen(mountNotices, root->mounts(), QSocketNotifier::Exception);
+  if (!root || rootNotifier != nullptr) return;
+  listen(treeNotifier, tree->descriptor(), QSocketNotifier::Read);
+  listen(rootNotifier, root->folders(), QSocketNotifier::Read);
+  listen(mountNotifier, root->mounts(), QSocketNotifier::Exception);
 }
 
 void FileEventStream::Impl::stop() {
   latency.stop();
-  treeNotices.reset();
-  rootNotices.reset();
-  mountNotices.reset();
+  treeNotifier.reset();
+  rootNotifier.reset();
+  mountNotifier.reset();
   tree.reset();
   root.reset();
   batch.clear();
@@ -73,18 +73,18 @@ void FileEventStream::Impl::listen(std::unique_ptr<QSocketNotifier>& notifier, i
 }
 
 void FileEventStream::Impl::wake() {
-  takeIn();
-  if ((!batch.empty() || rootIsAway) && !latency.isActive()) latency.start();
+  readEvents();
+  if ((!batch.empty() || rootIsGone) && !latency.isActive()) latency.start();
 }
 
 // Reads the events of the tree before those of the root: the entries of a folder are removed before the
 // folder itself.
-void FileEventStream::Impl::takeIn() {
+void FileEventStream::Impl::readEvents() {
   if (tree->takeChanges([this](const std::string& folder) { note({folder, 0}); })) {
     treeIsIncomplete = true;
     note({path, mustScanSubDirs});
   }
-  rootIsAway = root->hasChanged();
+  rootIsGone = root->hasChanged();
 }
 
 void FileEventStream::Impl::note(FileEvent event) {
@@ -92,28 +92,28 @@ void FileEventStream::Impl::note(FileEvent event) {
 }
 
 // Frees the old watches first: the limits of inotify may not allow two sets.
-void FileEventStream::Impl::watchTreeAnew() {
+void FileEventStream::Impl::rewatchTree() {
   treeIsIncomplete = false;
-  treeNotices.reset();
+  treeNotifier.reset();
   tree.reset();
   tree.emplace(path);
-  listen(treeNotices, tree->descriptor(), QSocketNotifier::Read);
+  listen(treeNotifier, tree->descriptor(), QSocketNotifier::Read);
 }
 
 void FileEventStream::Impl::deliver() {
-  takeIn();
-  if (rootIsAway) note({path, rootChanged});
+  readEvents();
+  if (rootIsGone) note({path, rootChanged});
   if (batch.empty()) return;
   const auto events = std::exchange(batch, {});
   inBatch.clear();
-  if (rootIsAway) {
+  if (rootIsGone) {
     stop();
   } else if (treeIsIncomplete) {
-    watchTreeAnew();
+    rewatchTree();
   }
   // The callback may destroy the stream and this object with it, so call a copy.
-  const auto told = callback;
-  told(*stream, events);
+  const auto callbackCopy = callback;
+  callbackCopy(*stream, events);
 }
 
 std::shared_ptr<FileEventStream> FileEventStream::create(const std::string& path,

@@ -8,7 +8,7 @@
 
 namespace platform {
 
-bool saysThereIsNone(int error) {
+bool meansNotFound(int error) {
   return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ESTALE;
 }
 
@@ -23,14 +23,14 @@ std::optional<FileIdentity> folderAt(const std::string& path) {
   FileIdentity identity{.device = ::makedev(status.stx_dev_major, status.stx_dev_minor),
                         .number = status.stx_ino};
   if ((status.stx_mask & STATX_BTIME) == 0) return identity;
-  identity.madeSeconds = status.stx_btime.tv_sec;
-  identity.madeNanoseconds = status.stx_btime.tv_nsec;
+  identity.birthSeconds = status.stx_btime.tv_sec;
+  identity.birthNanoseconds = status.stx_btime.tv_nsec;
   return identity;
 }
 
 std::optional<bool> leadsTo(const std::string& path, const FileIdentity& folder) {
   if (const auto found = folderAt(path)) return *found == folder;
-  return saysThereIsNone(errno) ? std::optional(false) : std::nullopt;
+  return meansNotFound(errno) ? std::optional(false) : std::nullopt;
 }
 
 }  // namespace platform

@@ -11,15 +11,15 @@ namespace platform {
 struct FileIdentity {
   std::uint64_t device = 0;
   std::uint64_t number = 0;
-  std::int64_t madeSeconds = 0;
-  std::uint32_t madeNanoseconds = 0;
+  std::int64_t birthSeconds = 0;
+  std::uint32_t birthNanoseconds = 0;
 
   bool operator==(const FileIdentity&) const = default;
 };
 
 // Returns whether this errno means that no file exists at a path (ENOENT, ENOTDIR, ELOOP, ESTALE), rather
 // than that its existence is unknown. Thread-safe.
-[[nodiscard]] bool saysThereIsNone(int error);
+[[nodiscard]] bool meansNotFound(int error);
 
 // Returns the identity of the folder at `path`, following links. Returns nullopt, with errno set, if there is
 // none. Thread-safe.

@@ -13,11 +13,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint32_t itself = IN_MOVE_SELF | IN_DELETE_SELF;
-constexpr std::uint32_t rootItself = itself | IN_ONLYDIR | IN_MASK_ADD;
+constexpr std::uint32_t selfEvents = IN_MOVE_SELF | IN_DELETE_SELF;
+constexpr std::uint32_t rootEvents = selfEvents | IN_ONLYDIR | IN_MASK_ADD;
 // Events on the entries of a folder, for the case that a child does not report its own removal. Not used for
 // all folders: the entries of a folder such as /tmp change all the time.
-constexpr std::uint32_t itsEntries = IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE;
+constexpr std::uint32_t entryEvents = IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE;
 
 }  // namespace
 
@@ -31,12 +31,12 @@ std::optional<RootWatch> RootWatch::create(const std::string& path) {
   const auto identity = folderAt(path);
   if (!identity) return std::nullopt;
   RootWatch watch(path, *identity);
-  if (!watch.watchWay()) return std::nullopt;
+  if (!watch.watchPath()) return std::nullopt;
   return watch;
 }
 
 bool RootWatch::hasChanged() {
-  way_.drain([](const Inotify::Notice&) {});
+  inotify_.drain([](const Inotify::Notice&) {});
   if (const auto leads = leadsToWatchedRoot()) hasChanged_ = !*leads;
   return hasChanged_;
 }
@@ -46,38 +46,38 @@ bool RootWatch::hasChanged() {
 // birth time.
 std::optional<bool> RootWatch::leadsToWatchedRoot() {
   if (root_ >= 0) {
-    const int found = way_.add(path_, rootItself);
+    const int found = inotify_.add(path_, rootEvents);
     if (found >= 0) return found == root_;
-    if (saysThereIsNone(errno)) return false;
+    if (meansNotFound(errno)) return false;
   }
   return leadsTo(path_, identity_);
 }
 
 // Watches every ancestor, because moving a folder raises no event in the folders below it. If the path
 // contains links, also watches every ancestor of the canonical path.
-bool RootWatch::watchWay() {
-  root_ = way_.add(path_, rootItself);
+bool RootWatch::watchPath() {
+  root_ = inotify_.add(path_, rootEvents);
   std::error_code error;
-  for (const fs::path& way : {fs::path(path_), fs::canonical(path_, error)}) {
-    if (error || !watchFoldersOf(way)) return false;
+  for (const fs::path& path : {fs::path(path_), fs::canonical(path_, error)}) {
+    if (error || !watchAncestorsOf(path)) return false;
   }
   return watchesAny_;
 }
 
-// Adds itsEntries to the parent of a folder that may not report its own removal: the root, whose
+// Adds entryEvents to the parent of a folder that may not report its own removal: the root, whose
 // IN_DELETE_SELF is delayed while a process holds it open; a link, which raises no events; a folder that
-// cannot be watched (EACCES). The other ancestors need no itsEntries: they can be removed only when they are
+// cannot be watched (EACCES). The other ancestors need no entryEvents: they can be removed only when they are
 // empty, after the root.
-bool RootWatch::watchFoldersOf(const fs::path& way) {
-  std::uint32_t mask = itself;
-  for (fs::path folder = way;; folder = folder.parent_path()) {
-    const bool watched = way_.add(folder.native(), mask | IN_ONLYDIR | IN_MASK_ADD) >= 0;
+bool RootWatch::watchAncestorsOf(const fs::path& path) {
+  std::uint32_t mask = selfEvents;
+  for (fs::path folder = path;; folder = folder.parent_path()) {
+    const bool watched = inotify_.add(folder.native(), mask | IN_ONLYDIR | IN_MASK_ADD) >= 0;
     if (!watched && errno != EACCES) return false;
     watchesAny_ = watchesAny_ || watched;
     if (!folder.has_relative_path()) return true;
     std::error_code error;
-    const bool tellsOfItsEnd = watched && folder != way && !fs::is_symlink(folder, error);
-    mask = tellsOfItsEnd ? itself : itself | itsEntries;
+    const bool reportsOwnRemoval = watched && folder != path && !fs::is_symlink(folder, error);
+    mask = reportsOwnRemoval ? selfEvents : selfEvents | entryEvents;
   }
 }
 

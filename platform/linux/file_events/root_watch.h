@@ -19,7 +19,7 @@ class RootWatch {
 
   // Returns the inotify descriptor, still owned here, which is readable after an event on the folder or an
   // ancestor.
-  [[nodiscard]] int folders() const { return way_.descriptor(); }
+  [[nodiscard]] int folders() const { return inotify_.descriptor(); }
   // Returns the descriptor of /proc/self/mountinfo, still owned here, which polls with POLLPRI after a change
   // of the mounts; -1 if it cannot be opened.
   [[nodiscard]] int mounts() const { return mounts_.get(); }
@@ -30,14 +30,14 @@ class RootWatch {
 
  private:
   RootWatch(std::string path, const FileIdentity& identity);
-  [[nodiscard]] bool watchWay();
+  [[nodiscard]] bool watchPath();
   [[nodiscard]] std::optional<bool> leadsToWatchedRoot();
-  [[nodiscard]] bool watchFoldersOf(const std::filesystem::path& way);
+  [[nodiscard]] bool watchAncestorsOf(const std::filesystem::path& path);
 
   std::string path_;
   FileIdentity identity_;
-  Inotify way_;
-  int root_ = -1;  // watch descriptor in way_; -1 if the root is unreadable, then identity_ decides
+  Inotify inotify_;
+  int root_ = -1;  // watch descriptor in inotify_; -1 if the root is unreadable, then identity_ decides
   FileDescriptor mounts_;
   bool watchesAny_ = false;
   bool hasChanged_ = false;

@@ -32,7 +32,7 @@ std::variant<ShowUsage, Refusal, ActivateFrontApplication> parseScript(const Arg
   if (arguments.size() == 1 && arguments[0] == "--help") return ShowUsage{};
   if (arguments.empty() || arguments[0] != "-e") return Refusal{"no script: -e is missing"};
   if (arguments.size() == 1) return Refusal{"-e: the script is missing"};
-  if (arguments.size() > 2) return Refusal{"too much is \"" + arguments[2] + "\""};
+  if (arguments.size() > 2) return Refusal{"unexpected argument \"" + arguments[2] + "\""};
   if (normalized(arguments[1]) != activateFront) return Refusal{"unknown script"};
   return ActivateFrontApplication{};
 }

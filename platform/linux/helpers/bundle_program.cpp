@@ -18,14 +18,14 @@ std::string withoutTrailingSlashes(const std::string& path) {
 }
 
 // Uses the rule of fs.protected_symlinks, see proc(5).
-bool isPlanted(const fs::path& bundle) {
+bool belongsToOtherUser(const fs::path& bundle) {
   const fs::path folder = bundle.has_parent_path() ? bundle.parent_path() : fs::path(".");
-  struct stat around {};
+  struct stat parent {};
   struct stat itself {};
-  if (::stat(folder.c_str(), &around) != 0 || ::lstat(bundle.c_str(), &itself) != 0) return false;
+  if (::stat(folder.c_str(), &parent) != 0 || ::lstat(bundle.c_str(), &itself) != 0) return false;
   constexpr mode_t shared = S_ISVTX | S_IWOTH;
-  return (around.st_mode & shared) == shared && itself.st_uid != ::geteuid() &&
-         itself.st_uid != around.st_uid;
+  return (parent.st_mode & shared) == shared && itself.st_uid != ::geteuid() &&
+         itself.st_uid != parent.st_uid;
 }
 
 bool isFile(const fs::path& path) {
@@ -48,15 +48,15 @@ std::vector<fs::path> executablesIn(const fs::path& folder) {
 BundleProgram findBundleProgram(const std::string& bundle) {
   const fs::path root = withoutTrailingSlashes(bundle);
   std::error_code ignored;
-  if (!fs::is_directory(root, ignored)) return {{}, "there is no bundle at " + root.string()};
-  if (isPlanted(root)) return {{}, root.string() + " belongs to another user"};
+  if (!fs::is_directory(root, ignored)) return {{}, "no bundle at " + root.string()};
+  if (belongsToOtherUser(root)) return {{}, root.string() + " belongs to another user"};
 
   const fs::path folder = root / "Contents/MacOS";
   if (const fs::path program = folder / bundleName(bundle); isFile(program)) return {program, {}};
 
   const std::vector<fs::path> programs = executablesIn(folder);
-  if (programs.empty()) return {{}, "there is no program in " + folder.string()};
-  if (programs.size() > 1) return {{}, "there is more than one program in " + folder.string()};
+  if (programs.empty()) return {{}, "no program in " + folder.string()};
+  if (programs.size() > 1) return {{}, "more than one program in " + folder.string()};
   return {programs.front(), {}};
 }
 

@@ -13,9 +13,9 @@ namespace helpers {
 // up to `limit` bytes in total. With a `name`, only the newest file is copied, under that name.
 struct CopyFiles {
   // Treatment of a file that exceeds the rest of the limit: it is left out, or its end is copied.
-  enum class Oversized { LeftOut, CutToItsEnd };
+  enum class Oversized { Skipped, EndOnly };
 
-  Oversized oversized = Oversized::LeftOut;
+  Oversized oversized = Oversized::Skipped;
   std::int64_t limit = 0;
   std::string source;
   std::string pattern;
@@ -23,11 +23,11 @@ struct CopyFiles {
   std::string name;
 };
 
-// Request to run `command` with a number of entries as its last argument, for at most `patience`, and to keep
+// Request to run `command` with a number of entries as its last argument, for at most `timeout`, and to keep
 // the last `limit` bytes of its output as the file `name` in the folder `target`.
 struct KeepOutput {
   std::int64_t limit = 0;
-  std::chrono::seconds patience{};
+  std::chrono::seconds timeout{};
   std::string target;
   std::string name;
   Arguments command;

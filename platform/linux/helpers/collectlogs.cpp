@@ -20,22 +20,22 @@ constexpr char usage[] =
     "       collectlogs output LIMIT SECONDS TARGET NAME COMMAND...\n"
     "       collectlogs archive SOURCE TARGET NAME COMMAND...\n"
     "\n"
-    "Gathers logs in a folder of the user's own, and packs it. Follows no link, opens no FIFO, and takes no "
-    "file of\nanother user from a folder that everybody may write to.\n"
+    "Copies logs to a private folder and archives it. Follows no links, opens no FIFOs, and copies no "
+    "files\nof other users from world-writable folders.\n"
     "\n"
-    "whole    copies the files of SOURCE that match PATTERN, the newest first, LIMIT bytes in all\n"
-    "newest   the same; of a file that does not fit, its end\n"
-    "output   runs COMMAND with a number of entries behind it, up to 200,000 and as far as SECONDS allow, "
+    "whole    copies the files of SOURCE that match PATTERN, the newest first, at most LIMIT bytes\n"
+    "newest   the same, but copies the end of a file that does not fit\n"
+    "output   runs COMMAND with a number of entries as last argument, at most 200,000 and within SECONDS, "
     "and\n"
-    "         keeps the last LIMIT bytes that it prints as TARGET/NAME\n"
-    "archive  keeps what COMMAND prints as TARGET/NAME, if COMMAND succeeds\n";
+    "         writes the last LIMIT bytes of its output to TARGET/NAME\n"
+    "archive  writes the output of COMMAND to TARGET/NAME if COMMAND succeeds\n";
 
 // Prints no names of files, because other users may have chosen them.
 int perform(const helpers::CopyFiles& request) {
   const helpers::CopyResult result = helpers::copyFiles(request);
   if (result.error != 0) return helpers::fail(program, request.source + ": " + std::strerror(result.error));
   if (result.leftOut > 0)
-    return helpers::fail(program, request.source + ": files left out: " + std::to_string(result.leftOut));
+    return helpers::fail(program, request.source + ": files skipped: " + std::to_string(result.leftOut));
   return result.copied > 0 ? helpers::Done : helpers::Failed;
 }
 
@@ -53,7 +53,7 @@ int perform(const helpers::KeepArchive& request) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   ::umask(S_IRWXG | S_IRWXO);
   const helpers::CollectRequest request = helpers::parseCollectRequest({argv + 1, argv + argc});
   if (const auto* files = std::get_if<helpers::CopyFiles>(&request)) return perform(*files);

@@ -6,7 +6,7 @@ namespace helpers {
 namespace {
 
 // A window without a known type is a normal one, as the Extended Window Manager Hints define it.
-bool isForWork(const std::vector<std::string>& types) {
+bool isApplicationWindow(const std::vector<std::string>& types) {
   const auto known = std::find_if(types.begin(), types.end(), [](const std::string& type) {
     return type.starts_with("_NET_WM_WINDOW_TYPE_");
   });
@@ -21,7 +21,7 @@ std::optional<Window> frontWindow(const ScreenState& screen) {
   const auto top =
       std::find_if(screen.stacking.rbegin(), screen.stacking.rend(), [&](const ManagedWindow& it) {
         const bool here = it.desktop == screen.currentDesktop || it.desktop == onAllDesktops;
-        return it.viewable && here && isForWork(it.types);
+        return it.viewable && here && isApplicationWindow(it.types);
       });
   if (top == screen.stacking.rend()) return std::nullopt;
   return top->window;

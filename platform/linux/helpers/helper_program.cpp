@@ -29,7 +29,7 @@ void printError(std::string_view program, std::string_view reason) {
 
 }  // namespace
 
-void takeUsersEnvironment() {
+void prepareEnvironment() {
   restorePath();
   platform::fillStandardStreams();
   ::closefrom(STDERR_FILENO + 1);

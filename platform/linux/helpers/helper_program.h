@@ -22,7 +22,7 @@ struct Refusal {
 
 // Prepares the environment of this process and its children. Call it first in main. Restores the PATH of the
 // user's session, opens /dev/null for standard streams that are closed, and closes all other descriptors.
-void takeUsersEnvironment();
+void prepareEnvironment();
 
 // Result of starting a child process.
 struct Child {

@@ -18,9 +18,9 @@ constexpr char usage[] =
     "Usage: launchctl unload [-w] [-F] /Library/LaunchAgents/LABEL.plist\n"
     "\n"
     "Asks the program that the session has started from the autostart entry LABEL.desktop to end.\n"
-    "Does nothing, and succeeds, when there is no such program. The options are taken and ignored.\n";
+    "Succeeds without effect if no such program runs. Ignores the options.\n";
 
-constexpr std::chrono::milliseconds patience = 1s;
+constexpr std::chrono::milliseconds killTimeout = 1s;
 
 bool outlasts(pid_t child, std::chrono::milliseconds limit) {
   // Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
@@ -34,13 +34,13 @@ void signalMainProcess(const std::string& unit) {
   const helpers::Child child = helpers::startDetached(
       {"systemctl", "--user", "kill", "--kill-whom=main", "-s", "TERM", unit}, helpers::Output::Discarded);
   if (child.error != 0) return;
-  if (outlasts(child.pid, patience)) ::kill(-child.pid, SIGKILL);
+  if (outlasts(child.pid, killTimeout)) ::kill(-child.pid, SIGKILL);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   const auto request = helpers::parseUnloadRequest({argv + 1, argv + argc});
   if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {

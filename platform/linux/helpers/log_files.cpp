@@ -54,7 +54,7 @@ std::vector<std::string> namesIn(int folder, const std::string& pattern) {
 class Copying {
  public:
   Copying(const CopyFiles& request, const FileDescriptor& source, const FileDescriptor& target)
-      : request_(request), source_(source), target_(target), room_(request.limit) {
+      : request_(request), source_(source), target_(target), remaining_(request.limit) {
     ::fstat(source_.get(), &folder_);
   }
 
@@ -81,7 +81,7 @@ class Copying {
     for (std::string& name : namesIn(source_.get(), request_.pattern)) {
       struct stat status {};
       if (::fstatat(source_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-          mayBeCopied(status, folder_, ::geteuid())) {
+          isCopyAllowed(status, folder_, ::geteuid())) {
         candidates.push_back({std::move(name), status.st_mtim});
       } else {
         ++result_.leftOut;
@@ -99,27 +99,27 @@ class Copying {
 
   // Checks the directory entry again after the open. If the entry was a second link to another file and has
   // been removed, that file has a link count of 1 and fstat alone would accept it.
-  [[nodiscard]] bool isStillTheEntry(int file, const std::string& name, struct stat& status) const {
+  [[nodiscard]] bool isSameEntry(int file, const std::string& name, struct stat& status) const {
     struct stat entry {};
     return ::fstat(file, &status) == 0 &&
            ::fstatat(source_.get(), name.c_str(), &entry, AT_SYMLINK_NOFOLLOW) == 0 &&
            entry.st_dev == status.st_dev && entry.st_ino == status.st_ino &&
-           mayBeCopied(entry, folder_, ::geteuid());
+           isCopyAllowed(entry, folder_, ::geteuid());
   }
 
   bool copy(const std::string& name) {
     const FileDescriptor file = open(name);
     struct stat status {};
-    if (!file.valid() || !isStillTheEntry(file.get(), name, status)) return false;
-    if (status.st_size > room_ && request_.oversized == CopyFiles::Oversized::LeftOut) return false;
-    const off_t size = std::min<off_t>(status.st_size, room_);
+    if (!file.valid() || !isSameEntry(file.get(), name, status)) return false;
+    if (status.st_size > remaining_ && request_.oversized == CopyFiles::Oversized::Skipped) return false;
+    const off_t size = std::min<off_t>(status.st_size, remaining_);
     NewFile copied(target_.get(), nameOfCopy(name));
     if (!copied.valid() || !copyBytes(file.get(), status.st_size - size, size, copied)) {
       result_.error = errno;
       return false;
     }
     copied.keep();
-    room_ -= size;
+    remaining_ -= size;
     return true;
   }
 
@@ -142,14 +142,14 @@ class Copying {
   const CopyFiles& request_;
   const FileDescriptor& source_;
   const FileDescriptor& target_;
-  off_t room_;
+  off_t remaining_;
   struct stat folder_ {};
   CopyResult result_;
 };
 
 }  // namespace
 
-bool mayBeCopied(const struct stat& file, const struct stat& folder, uid_t user) {
+bool isCopyAllowed(const struct stat& file, const struct stat& folder, uid_t user) {
   if (!S_ISREG(file.st_mode) || file.st_nlink != 1) return false;
   if (file.st_uid == user) return true;
   return folder.st_uid == 0 && (folder.st_mode & S_IWOTH) == 0;

@@ -13,7 +13,7 @@ namespace helpers {
 //
 // In a world-writable folder, another local user may have planted a FIFO, a link, or a hard link to a file
 // that only this user may read.
-[[nodiscard]] bool mayBeCopied(const struct stat& file, const struct stat& folder, uid_t user);
+[[nodiscard]] bool isCopyAllowed(const struct stat& file, const struct stat& folder, uid_t user);
 
 // Numbers of files that matched the pattern.
 struct CopyResult {

@@ -11,7 +11,7 @@
 namespace helpers {
 namespace {
 
-int makeAnew(int folder, const std::string& name) {
+int recreate(int folder, const std::string& name) {
   ::unlinkat(folder, name.c_str(), 0);
   return ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                   S_IRUSR | S_IWUSR);
@@ -32,7 +32,7 @@ platform::FileDescriptor openOwnFolder(const std::string& path) {
 }
 
 NewFile::NewFile(int folder, std::string name)
-    : folder_(folder), name_(std::move(name)), file_(makeAnew(folder_, name_)) {}
+    : folder_(folder), name_(std::move(name)), file_(recreate(folder_, name_)) {}
 
 NewFile::~NewFile() {
   if (valid() && !kept_) ::unlinkat(folder_, name_.c_str(), 0);

@@ -18,7 +18,7 @@ constexpr char usage[] =
     "\n"
     "Starts the program of a bundle, NAME.app/Contents/MacOS/NAME, with the arguments, or hands an address "
     "or a\n"
-    "file to xdg-open. Doesn't wait for what it has started.\n";
+    "file to xdg-open. Does not wait for them to end.\n";
 
 int start(const helpers::Arguments& argv) {
   const helpers::Child child = helpers::startDetached(argv, helpers::Output::Inherited);
@@ -34,23 +34,23 @@ int startProgramOf(const helpers::OpenBundle& bundle) {
   return start(argv);
 }
 
-int handToDesktop(const std::string& target) {
+int openWithDesktop(const std::string& target) {
   return start({"xdg-open", target});
 }
 
-int handFileToDesktop(const std::string& path) {
+int openFileWithDesktop(const std::string& path) {
   if (::access(path.c_str(), F_OK) != 0) return helpers::fail("open", path + ": " + std::strerror(errno));
-  return handToDesktop(path);
+  return openWithDesktop(path);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   const helpers::OpenRequest request = helpers::parseOpenRequest({argv + 1, argv + argc});
   if (const auto* bundle = std::get_if<helpers::OpenBundle>(&request)) return startProgramOf(*bundle);
-  if (const auto* url = std::get_if<helpers::OpenUrl>(&request)) return handToDesktop(url->url);
-  if (const auto* file = std::get_if<helpers::OpenFile>(&request)) return handFileToDesktop(file->path);
+  if (const auto* url = std::get_if<helpers::OpenUrl>(&request)) return openWithDesktop(url->url);
+  if (const auto* file = std::get_if<helpers::OpenFile>(&request)) return openFileWithDesktop(file->path);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
     return helpers::refuse("open", refusal->reason);
   }

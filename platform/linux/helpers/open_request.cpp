@@ -9,22 +9,23 @@ bool isLetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-bool mayStandInScheme(char character) {
+bool isSchemeCharacter(char character) {
   return isLetter(character) || (character >= '0' && character <= '9') || character == '+' ||
          character == '-' || character == '.';
 }
 
 bool isUrl(std::string_view text) {
-  const auto colon = std::find_if_not(text.begin(), text.end(), mayStandInScheme);
+  const auto colon = std::find_if_not(text.begin(), text.end(), isSchemeCharacter);
   return colon != text.end() && *colon == ':' && isLetter(text.front());
 }
 
 OpenRequest openBundle(const Arguments& arguments) {
   if (arguments.size() < 2) return Refusal{"-a: the bundle is missing"};
   const std::string& path = arguments[1];
-  if (path.starts_with('-') || bundleName(path).empty()) return Refusal{"-a: \"" + path + "\" is no bundle"};
+  if (path.starts_with('-') || bundleName(path).empty())
+    return Refusal{"-a: \"" + path + "\" is not a bundle"};
   if (arguments.size() == 2) return OpenBundle{path, {}};
-  if (arguments[2] != "--args") return Refusal{"\"" + arguments[2] + "\" stands before --args"};
+  if (arguments[2] != "--args") return Refusal{"expected --args instead of \"" + arguments[2] + "\""};
   return OpenBundle{path, {arguments.begin() + 3, arguments.end()}};
 }
 
@@ -45,7 +46,7 @@ OpenRequest parseOpenRequest(const Arguments& arguments) {
   if (first == "-a") return openBundle(arguments);
   if (first.empty()) return Refusal{"nothing to open"};
   if (first.starts_with('-')) return Refusal{"unknown option \"" + first + "\""};
-  if (arguments.size() > 1) return Refusal{"too much is \"" + arguments[1] + "\""};
+  if (arguments.size() > 1) return Refusal{"unexpected argument \"" + arguments[1] + "\""};
 
   if (isUrl(first)) return OpenUrl{first};
   if (!bundleName(first).empty()) return OpenBundle{first, {}};

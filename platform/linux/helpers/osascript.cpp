@@ -12,7 +12,7 @@ namespace {
 constexpr char usage[] =
     "Usage: osascript -e SCRIPT\n"
     "\n"
-    "Knows one script, which brings the application in front forward again:\n"
+    "Accepts one script, which activates the frontmost application again:\n"
     "\n"
     "tell application \"System Events\"\n"
     "set frontApp to name of first application whose frontmost is true\n"
@@ -26,15 +26,15 @@ int activateFrontApplication() {
   if (const std::string problem = desktop.problem(); !problem.empty())
     return helpers::fail("osascript", problem);
   const std::optional<helpers::Window> front = helpers::frontWindow(desktop.screenState());
-  if (!front) return helpers::fail("osascript", "there is no application in front");
-  if (!desktop.activate(*front)) return helpers::fail("osascript", "the X display has gone");
+  if (!front) return helpers::fail("osascript", "no application is in front");
+  if (!desktop.activate(*front)) return helpers::fail("osascript", "lost the connection to the X display");
   return helpers::Done;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   const auto request = helpers::parseScript({argv + 1, argv + argc});
   if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {

@@ -30,7 +30,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::array entryCounts{"12500", "50000", "200000"};
 
 // Exit status of zip if some files could not be read.
-constexpr int zipLeftFilesOut = 18;
+constexpr int zipFilesUnreadable = 18;
 
 // Runs `command` with its standard output redirected to `output`.
 Child startWithOutput(const Arguments& command, int output) {
@@ -104,7 +104,7 @@ bool readInto(Tail& tail, int input, Clock::time_point deadline) {
 }
 
 // Returns false if the child still runs at the deadline, or if no pidfd is available.
-bool endsBy(Clock::time_point deadline, pid_t child) {
+bool exitsBy(Clock::time_point deadline, pid_t child) {
   // Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
   const FileDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
   return end.valid() && waitForInput(end.get(), deadline);
@@ -126,7 +126,7 @@ Output outputOf(const Arguments& command, std::size_t limit, Clock::time_point d
   output.reset();
   Tail tail(limit);
   const bool isWhole = readInto(tail, input.get(), deadline);
-  if (!isWhole || !endsBy(deadline, child.pid)) ::kill(child.pid, SIGKILL);
+  if (!isWhole || !exitsBy(deadline, child.pid)) ::kill(child.pid, SIGKILL);
   const int status = statusOf(child.pid);
   return {tail.take(), isWhole && status == 0};
 }
@@ -139,7 +139,7 @@ Arguments withCount(Arguments command, const char* count) {
 // Returns the output of the last complete run; if the first run fails or times out, its partial output.
 std::string newestEntries(const KeepOutput& request) {
   const auto limit = static_cast<std::size_t>(request.limit);
-  const auto deadline = Clock::now() + request.patience;
+  const auto deadline = Clock::now() + request.timeout;
   std::string newest;
   for (const char* count : entryCounts) {
     Output output = outputOf(withCount(request.command, count), limit, deadline);
@@ -152,7 +152,7 @@ std::string newestEntries(const KeepOutput& request) {
 }
 
 bool hasPacked(int status) {
-  return WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == zipLeftFilesOut);
+  return WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == zipFilesUnreadable);
 }
 
 std::string problem(const std::string& what, int error) {

@@ -5,7 +5,7 @@
 namespace helpers {
 
 // Runs the command, with /dev/null as input, for increasing numbers of entries until the output no longer
-// grows, and keeps the end of the last output, even if it is empty. Kills a run with SIGKILL when `patience`
+// grows, and keeps the end of the last output, even if it is empty. Kills a run with SIGKILL when `timeout`
 // has passed. If a run is killed or exits with a status other than 0, keeps the output of the previous run
 // or, for the first run, its partial output. Blocks. Returns the number of bytes kept; -1 with errno set if
 // the file cannot be created or written.

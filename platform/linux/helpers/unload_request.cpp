@@ -21,7 +21,7 @@ std::string labelOf(std::string_view path) {
   return std::string(path);
 }
 
-bool standsForItself(char character) {
+bool isUnescaped(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
          (character >= '0' && character <= '9') || character == ':' || character == '_' || character == '.';
 }
@@ -37,7 +37,7 @@ std::string escapeForUnitName(std::string_view label) {
   std::string name;
   for (const char character : label) {
     const bool leadingDot = character == '.' && name.empty();
-    name += standsForItself(character) && !leadingDot ? std::string(1, character) : escaped(character);
+    name += isUnescaped(character) && !leadingDot ? std::string(1, character) : escaped(character);
   }
   return name;
 }
@@ -51,10 +51,10 @@ std::variant<ShowUsage, Refusal, UnloadRequest> parseUnloadRequest(const Argumen
 
   const auto path = std::find_if_not(arguments.begin() + 1, arguments.end(), isUnloadOption);
   if (path == arguments.end()) return Refusal{"unload: the launch agent's property list is missing"};
-  if (path + 1 != arguments.end()) return Refusal{"unload: too much is \"" + *(path + 1) + "\""};
+  if (path + 1 != arguments.end()) return Refusal{"unload: unexpected argument \"" + *(path + 1) + "\""};
 
   std::string label = labelOf(*path);
-  if (label.empty()) return Refusal{"unload: \"" + *path + "\" is no launch agent's property list"};
+  if (label.empty()) return Refusal{"unload: \"" + *path + "\" is not a launch agent's property list"};
   return UnloadRequest{std::move(label)};
 }
 

@@ -29,8 +29,8 @@ XDesktop::XDesktop() {
 }
 
 std::string XDesktop::problem() const {
-  if (root_ == 0) return "there is no X display";
-  if (!hasWindowManager()) return "there is no window manager that can bring a window forward";
+  if (root_ == 0) return "cannot connect to the X display";
+  if (!hasWindowManager()) return "no window manager can activate windows";
   return {};
 }
 
@@ -64,7 +64,7 @@ bool XDesktop::isViewable(Window window) const {
 }
 
 bool XDesktop::activate(Window window) const {
-  constexpr std::uint32_t askedByUser = 2;
+  constexpr std::uint32_t directUserAction = 2;
   constexpr std::uint32_t toWindowManager =
       XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
   xcb_client_message_event_t message{};
@@ -72,7 +72,7 @@ bool XDesktop::activate(Window window) const {
   message.format = 32;
   message.window = window;
   message.type = atom("_NET_ACTIVE_WINDOW");
-  message.data.data32[0] = askedByUser;
+  message.data.data32[0] = directUserAction;
   message.data.data32[1] = XCB_CURRENT_TIME;
 
   const auto cookie = xcb_send_event_checked(connection_.get(), 0, root_, toWindowManager,
@@ -82,9 +82,9 @@ bool XDesktop::activate(Window window) const {
 }
 
 std::vector<std::uint32_t> XDesktop::property(Window window, std::string_view name) const {
-  constexpr std::uint32_t mostWords = 16384;
+  constexpr std::uint32_t maxWords = 16384;
   const auto cookie =
-      xcb_get_property(connection_.get(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, mostWords);
+      xcb_get_property(connection_.get(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, maxWords);
   const auto reply = owned(xcb_get_property_reply(connection_.get(), cookie, nullptr));
   if (reply == nullptr || reply->format != 32) return {};
   const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));

@@ -15,16 +15,16 @@
 #include <QScreen>
 
 #include "platform/bundle.h"
+#include "platform/linux/images/cached_pixels.h"
 #include "platform/linux/images/image_impl.h"
-#include "platform/linux/images/kept_pixels.h"
 #include "platform/portable/picture_data.h"
 
 namespace platform {
 namespace {
 
 constexpr double maxPixels = 64e6;
-constexpr qsizetype bytesOfPixel = 4;
-constexpr int maxBytesOfData = 64 << 20;
+constexpr qsizetype bytesPerPixel = 4;
+constexpr int maxDataBytes = 64 << 20;
 
 // Returns the scales of all screens in ascending order; 1 if there are no screens.
 std::set<double> backingScales() {
@@ -40,9 +40,9 @@ QImage emptyForm(Size size, double scale) {
   // All-zero pixels are transparent. calloc provides pages that the kernel zeroes on first access, so no time
   // is spent on clearing a canvas that is overwritten at once.
   auto* pixels = static_cast<uchar*>(
-      std::calloc(static_cast<std::size_t>(rows), static_cast<std::size_t>(columns * bytesOfPixel)));
+      std::calloc(static_cast<std::size_t>(rows), static_cast<std::size_t>(columns * bytesPerPixel)));
   if (pixels == nullptr) return {};
-  return {pixels,    columns, rows, columns * bytesOfPixel, QImage::Format_ARGB32_Premultiplied,
+  return {pixels,    columns, rows, columns * bytesPerPixel, QImage::Format_ARGB32_Premultiplied,
           std::free, pixels};
 }
 
@@ -54,7 +54,7 @@ QString versionOf(const QString& path) {
 
 // Cached, because decoding a large image takes several milliseconds.
 QImage pixelsIn(const QString& path) {
-  return keptPixels(versionOf(path), [&] {
+  return cachedPixels(versionOf(path), [&] {
     // The file name determines the format. Detection by content would load every image plugin.
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return QImage();
@@ -90,12 +90,12 @@ double backingScale() {
   return qGuiApp == nullptr ? 1.0 : qGuiApp->devicePixelRatio();
 }
 
-double Image::Impl::shrinkInto(Size room) const {
-  return std::min({1.0, room.width / size.width, room.height / size.height});
+double Image::Impl::shrinkInto(Size bounds) const {
+  return std::min({1.0, bounds.width / size.width, bounds.height / size.height});
 }
 
 QImage Image::Impl::scaledTo(QSize pixels) const {
-  return formFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  return representationFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 QPixmap Image::Impl::pixmap() const {
@@ -169,10 +169,10 @@ std::shared_ptr<Image> imageWithData(std::string_view bytes) {
   if (!isPixelFormat(reader.format())) return nullptr;
   // Checks the size in the header before decoding. The allocation limit covers formats without one.
   const QSize size = reader.size();
-  if (4.0 * size.width() * size.height() > maxBytesOfData) return nullptr;
-  QImageReader::setAllocationLimit(maxBytesOfData >> 20);
+  if (4.0 * size.width() * size.height() > maxDataBytes) return nullptr;
+  QImageReader::setAllocationLimit(maxDataBytes >> 20);
   QImage pixels = reader.read();
-  if (pixels.isNull() || pixels.sizeInBytes() > maxBytesOfData) return nullptr;
+  if (pixels.isNull() || pixels.sizeInBytes() > maxDataBytes) return nullptr;
   pixels.setDevicePixelRatio(1);
 
   std::shared_ptr<Image> image(new Image);

@@ -1,14 +1,14 @@
 #include <QPainter>
 
 #include "platform/image.h"
+#include "platform/linux/images/cached_pixels.h"
 #include "platform/linux/images/image_impl.h"
-#include "platform/linux/images/kept_pixels.h"
 
 namespace platform {
 namespace {
 
 // Converts the part `from` of an image, in points from the lower left, to pixels of a bitmap representation.
-QRectF partInPixels(const Image::Impl& image, const QImage& form, Rect from) {
+QRectF sourcePixels(const Image::Impl& image, const QImage& form, Rect from) {
   const Size base = image.scalesWhenResized ? image.size : image.naturalSize;
   const double x = form.width() / base.width, y = form.height() / base.height;
   return {from.x * x, form.height() - (from.y + from.height) * y, from.width * x, from.height * y};
@@ -24,7 +24,7 @@ QImage averaged(const QString& name, const QImage& form, QRect part, QSize size)
   if (name.isEmpty()) return average();
   const QString key = QString::asprintf(" %d %d %d %d %d %d %d", form.width(), part.x(), part.y(),
                                         part.width(), part.height(), size.width(), size.height());
-  return keptPixels(name + key, average);
+  return cachedPixels(name + key, average);
 }
 
 }  // namespace
@@ -33,7 +33,7 @@ struct ImageFocus::Impl {
   Image::Impl& target;
   ImageInterpolation interpolation = ImageInterpolation::Low;
 
-  [[nodiscard]] QRectF inPixelsOf(const QImage& canvas, Rect rect) const {
+  [[nodiscard]] QRectF pixelsOn(const QImage& canvas, Rect rect) const {
     const double x = canvas.width() / target.size.width, y = canvas.height() / target.size.height;
     return {rect.x * x, canvas.height() - (rect.y + rect.height) * y, rect.width * x, rect.height * y};
   }
@@ -57,9 +57,9 @@ void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOpera
 
 void ImageFocus::Impl::drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from,
                               CompositingOperation operation, double fraction) const {
-  const QRectF to = inPixelsOf(canvas, {at.x, at.y, from.width, from.height});
-  const QImage& form = source.formFor(to.width());
-  const QRect part = partInPixels(source, form, from).toAlignedRect();
+  const QRectF to = pixelsOn(canvas, {at.x, at.y, from.width, from.height});
+  const QImage& form = source.representationFor(to.width());
+  const QRect part = sourcePixels(source, form, from).toAlignedRect();
 
   const bool averages = interpolation == ImageInterpolation::High;
   // An image that replaces the whole canvas is assigned, which avoids copying all pixels.

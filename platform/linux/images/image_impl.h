@@ -14,7 +14,7 @@ namespace platform {
 // Returns the first of the bitmap representations, in ascending order of width, that is at least
 // `pixelsAcross` wide, else the last one. `forms` must not be empty.
 template <typename Form>
-[[nodiscard]] const Form& formAmong(const std::vector<Form>& forms, double pixelsAcross) {
+[[nodiscard]] const Form& selectRepresentation(const std::vector<Form>& forms, double pixelsAcross) {
   const auto enough =
       std::ranges::find_if(forms, [&](const Form& form) { return form.width() >= pixelsAcross; });
   return enough != forms.end() ? *enough : forms.back();
@@ -30,9 +30,11 @@ struct Image::Impl {
   std::vector<QImage> forms;
 
   // Returns the representation for a width of `pixelsAcross` pixels. The image must be valid.
-  [[nodiscard]] const QImage& formFor(double pixelsAcross) const { return formAmong(forms, pixelsAcross); }
-  // Returns the factor, at most 1, that fits the image into `room`, in points. The image must be valid.
-  [[nodiscard]] double shrinkInto(Size room) const;
+  [[nodiscard]] const QImage& representationFor(double pixelsAcross) const {
+    return selectRepresentation(forms, pixelsAcross);
+  }
+  // Returns the factor, at most 1, that fits the image into `bounds`, in points. The image must be valid.
+  [[nodiscard]] double shrinkInto(Size bounds) const;
   // Returns the image scaled to exactly `pixels`. The image must be valid.
   [[nodiscard]] QImage scaledTo(QSize pixels) const;
   // Returns the most detailed representation with the device pixel ratio at which it measures `size`. Returns

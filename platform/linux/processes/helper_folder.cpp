@@ -20,19 +20,19 @@ namespace fs = std::filesystem;
 constexpr const char* helperNames[] = {"collectlogs", "launchctl", "open", "osascript", "TovalinWebView"};
 
 // Some systems mount runtime folders with noexec.
-bool programsRunIn(const std::string& folder) {
+bool allowsExecution(const std::string& folder) {
   struct statvfs status {};
   return ::statvfs(folder.c_str(), &status) != 0 || (status.f_flag & ST_NOEXEC) == 0;
 }
 
 void complain(const std::string& reason) {
-  const std::string text = "the agent's helpers are gone when its bundle is: " + reason;
+  const std::string text = "the agent's helpers are not available after the removal of its bundle: " + reason;
   systemLog(LogPriority::Error, text);
   consoleLog(text);
 }
 
-std::string whyThereAreNoCopies() {
-  const char* reason = privateFolder() ? "no program runs at " : "no folder of the user's own at ";
+std::string copiesFolderError() {
+  const char* reason = privateFolder() ? "no program can be executed in " : "no private folder at ";
   return reason + privateFolderPath();
 }
 
@@ -40,10 +40,10 @@ std::string helpersOf(const Bundle& bundle) {
   return bundle.bundlePath() + "/Contents/Helpers";
 }
 
-std::optional<std::string> folderOfCopies() {
+std::optional<std::string> copiesFolder() {
   auto folder = privateFolder();
-  if (folder && !programsRunIn(*folder)) folder = privateFolderBelowTmp();
-  if (!folder || !programsRunIn(*folder)) return std::nullopt;
+  if (folder && !allowsExecution(*folder)) folder = privateFolderInTmp();
+  if (!folder || !allowsExecution(*folder)) return std::nullopt;
   return *folder + "/helpers";
 }
 
@@ -51,7 +51,7 @@ std::optional<std::string> folderOfCopies() {
 
 std::vector<std::string> helperFolders() {
   std::vector<std::string> folders;
-  if (const auto copies = folderOfCopies()) folders.push_back(*copies);
+  if (const auto copies = copiesFolder()) folders.push_back(*copies);
   if (const auto bundle = Bundle::mainBundle()) folders.push_back(helpersOf(*bundle));
   return folders;
 }
@@ -59,8 +59,8 @@ std::vector<std::string> helperFolders() {
 void installHelpers() {
   const auto bundle = Bundle::mainBundle();
   if (!bundle) return;
-  const auto folder = folderOfCopies();
-  if (!folder) return complain(whyThereAreNoCopies());
+  const auto folder = copiesFolder();
+  if (!folder) return complain(copiesFolderError());
   removeHelpers();
   std::error_code error;
   fs::create_directory(*folder, error);
@@ -78,7 +78,7 @@ void installHelpers() {
 }
 
 void removeHelpers() {
-  const auto folder = folderOfCopies();
+  const auto folder = copiesFolder();
   std::error_code ignored;
   if (folder) fs::remove_all(*folder, ignored);
 }

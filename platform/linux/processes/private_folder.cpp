@@ -10,11 +10,11 @@
 namespace platform {
 namespace {
 
-std::string pathBelowTmp() {
+std::string pathInTmp() {
   return "/tmp/TovalinTray-" + std::to_string(::geteuid());
 }
 
-std::optional<std::string> folderOfOursAt(const std::string& path) {
+std::optional<std::string> ownFolderAt(const std::string& path) {
   ::mkdir(path.c_str(), S_IRWXU);
   if (!isOwnFolder(path.c_str())) return std::nullopt;
   // A folder that existed before may be readable by other users.
@@ -31,15 +31,15 @@ std::string privateFolderPath() {
   }
   const std::string ofSession = "/run/user/" + std::to_string(::geteuid());
   if (isOwnFolder(ofSession.c_str())) return ofSession + "/TovalinTray";
-  return pathBelowTmp();
+  return pathInTmp();
 }
 
 std::optional<std::string> privateFolder() {
-  return folderOfOursAt(privateFolderPath());
+  return ownFolderAt(privateFolderPath());
 }
 
-std::optional<std::string> privateFolderBelowTmp() {
-  return folderOfOursAt(pathBelowTmp());
+std::optional<std::string> privateFolderInTmp() {
+  return ownFolderAt(pathInTmp());
 }
 
 }  // namespace platform

@@ -14,6 +14,6 @@ namespace platform {
 [[nodiscard]] std::string privateFolderPath();
 // Returns the folder below /tmp, under the same conditions, even if another location takes precedence.
 // Thread-safe.
-[[nodiscard]] std::optional<std::string> privateFolderBelowTmp();
+[[nodiscard]] std::optional<std::string> privateFolderInTmp();
 
 }  // namespace platform

@@ -19,7 +19,7 @@ class PanelIconEngine : public QIconEngine {
     const QRect place(
         room.topLeft() + QPoint(room.width() - shown.width(), room.height() - shown.height()) / 2, shown);
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
-    painter->drawPixmap(place, formFor(shown.width() * painter->device()->devicePixelRatioF()));
+    painter->drawPixmap(place, representationFor(shown.width() * painter->device()->devicePixelRatioF()));
   }
 
   // What panels on the bus are told, in pixels.
@@ -29,7 +29,7 @@ class PanelIconEngine : public QIconEngine {
     return sizes;
   }
   QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
-    QPixmap form = formFor(size.width());
+    QPixmap form = representationFor(size.width());
     form.setDevicePixelRatio(1);
     if (form.width() <= size.width() && form.height() <= size.height()) return form;
     return form.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
@@ -43,7 +43,9 @@ class PanelIconEngine : public QIconEngine {
  private:
   [[nodiscard]] QSize measure() const { return forms_.back().deviceIndependentSize().toSize(); }
 
-  [[nodiscard]] const QPixmap& formFor(double pixels) const { return formAmong(forms_, pixels); }
+  [[nodiscard]] const QPixmap& representationFor(double pixels) const {
+    return selectRepresentation(forms_, pixels);
+  }
 
   std::vector<QPixmap> forms_;
 };

@@ -23,7 +23,7 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t longestAddress = std::size_t{64} * 1024;
+constexpr std::size_t maxAddressLength = std::size_t{64} * 1024;
 
 // Starts the program in its own session, so that Ctrl-C in the agent's terminal does not interrupt the last
 // page load.
@@ -63,7 +63,7 @@ void reapOnceEnded(pid_t child, const std::shared_ptr<const FileDescriptor>& han
 }  // namespace
 
 void WebViewProcess::send(const std::string& program, const std::string& address) {
-  if (address.size() > longestAddress || address.find('\n') != std::string::npos) return;
+  if (address.size() > maxAddressLength || address.find('\n') != std::string::npos) return;
   const std::string line = address + '\n';
   reapUnwatched();
   if (isStuck()) end();
@@ -100,7 +100,7 @@ bool WebViewProcess::start(const std::string& program) {
 
 bool WebViewProcess::isStuck() {
   if (!line_.valid() || unacknowledgedBytes(line_.get()).value_or(0) == 0) unreadSince_.reset();
-  return unreadSince_ && Clock::now() - *unreadSince_ > patience_;
+  return unreadSince_ && Clock::now() - *unreadSince_ > unreadTimeout_;
 }
 
 // Returns whether the program may still run. If so, it has not been reaped, and its pid cannot have been

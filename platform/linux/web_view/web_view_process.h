@@ -19,9 +19,10 @@ class WebViewProcess {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // A program that leaves addresses unread for longer than `patience` is killed and replaced at the next call
-  // of `send`.
-  explicit WebViewProcess(Clock::duration patience = std::chrono::seconds(60)) : patience_(patience) {}
+  // A program that leaves addresses unread for longer than `unreadTimeout` is killed and replaced at the next
+  // call of `send`.
+  explicit WebViewProcess(Clock::duration unreadTimeout = std::chrono::seconds(60))
+      : unreadTimeout_(unreadTimeout) {}
 
   // Sends the address to the running program, or starts `program` if none reads the socket. Drops the address
   // if `program` cannot be started, the socket buffer is full, or the address contains a newline or exceeds
@@ -36,7 +37,7 @@ class WebViewProcess {
   void end();
   void reapUnwatched();
 
-  Clock::duration patience_;
+  Clock::duration unreadTimeout_;
   FileDescriptor line_;
   pid_t pid_ = -1;
   std::shared_ptr<const FileDescriptor> handle_;  // pidfd, readable once the program has ended

@@ -12,23 +12,23 @@
 namespace platform {
 namespace {
 
-constexpr const char* keptInApplication = "palettes of buttons";
+constexpr const char* paletteCacheProperty = "palettes of buttons";
 // Four palettes are in use at most: light and dark, each in windows with a background colour and in sheets.
-constexpr qsizetype mostKept = 8;
+constexpr qsizetype maxCachedPalettes = 8;
 
 // Returns a palette equal to `palette`, with the same QPalette::cacheKey() for all equal palettes that are in
 // the cache.
-QPalette keptPalette(const QPalette& palette) {
-  auto all = qApp->property(keptInApplication).value<QList<QPalette>>();
+QPalette cachedPalette(const QPalette& palette) {
+  auto all = qApp->property(paletteCacheProperty).value<QList<QPalette>>();
   const auto equal = std::ranges::find(all, palette);
-  QPalette kept = equal == all.end() ? palette : *equal;
+  QPalette cached = equal == all.end() ? palette : *equal;
   if (equal == all.end()) {
-    if (all.size() == mostKept) all.removeFirst();
-    all.append(kept);
-    qApp->setProperty(keptInApplication, QVariant::fromValue(all));
+    if (all.size() == maxCachedPalettes) all.removeFirst();
+    all.append(cached);
+    qApp->setProperty(paletteCacheProperty, QVariant::fromValue(all));
   }
-  kept.setCurrentColorGroup(palette.currentColorGroup());  // operator== ignores the colour group
-  return kept;
+  cached.setCurrentColorGroup(palette.currentColorGroup());  // operator== ignores the colour group
+  return cached;
 }
 
 }  // namespace
@@ -38,16 +38,16 @@ void BezelButton::paintEvent(QPaintEvent*) {
   QStyleOptionButton option;
   initStyleOption(&option);
   option.rect = bezel();
-  option.palette = keptPalette(option.palette);
+  option.palette = cachedPalette(option.palette);
   style()->drawControl(QStyle::CE_PushButton, &option, &painter, this);
 }
 
 void BezelButton::keyPressEvent(QKeyEvent* event) {
-  if (!pressesControl(event->key()) || !heldKey_.isRepeated(*event)) QPushButton::keyPressEvent(event);
+  if (!activatesControl(event->key()) || !keyRepeat_.isRepeated(*event)) QPushButton::keyPressEvent(event);
 }
 
 void BezelButton::keyReleaseEvent(QKeyEvent* event) {
-  heldKey_.noteRelease(*event);
+  keyRepeat_.noteRelease(*event);
   QPushButton::keyReleaseEvent(event);
 }
 

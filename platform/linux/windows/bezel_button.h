@@ -2,7 +2,7 @@
 
 #include <QPushButton>
 
-#include "platform/linux/windows/held_key.h"
+#include "platform/linux/windows/key_repeat.h"
 
 namespace platform {
 
@@ -26,7 +26,7 @@ class BezelButton : public QPushButton {
   [[nodiscard]] bool hitButton(const QPoint& point) const override { return bezel().contains(point); }
 
  private:
-  HeldKey heldKey_;
+  KeyRepeat keyRepeat_;
 };
 
 }  // namespace platform

@@ -27,27 +27,27 @@ class PushButton : public BezelButton {
     setAutoDefault(true);  // Return clicks the focused button
     // An accessibility interface emits clicked() some time after pressed(). Check at both signals whether the
     // button accepts input.
-    connect(this, &QPushButton::pressed, this, [this] { mayAct_ = takesInput(*this); });
+    connect(this, &QPushButton::pressed, this, [this] { acceptedInputAtPress_ = acceptsInput(*this); });
     connect(this, &QPushButton::clicked, this, [this] { act(); });
   }
 
   // Restores the input focus that Qt moved to another widget when the button was disabled, if that widget
   // still has it.
   void enable(bool enabled) {
-    const bool hadKeyboard = window()->focusWidget() == this;
+    const bool hadFocus = window()->focusWidget() == this;
     setEnabled(enabled);
     if (enabled) {
-      if (std::exchange(gaveItUp_, false) && window()->focusWidget() == standIn_) setFocus();
-    } else if (hadKeyboard) {
-      gaveItUp_ = true;
-      standIn_ = window()->focusWidget();
+      if (std::exchange(lostFocus_, false) && window()->focusWidget() == focusSuccessor_) setFocus();
+    } else if (hadFocus) {
+      lostFocus_ = true;
+      focusSuccessor_ = window()->focusWidget();
     }
   }
 
  protected:
   [[nodiscard]] QRect bezel() const override {
-    const int bezelRoom = std::min(bezelHeight, height());
-    return {sideMargin, (height() - bezelRoom) / 2, width() - 2 * sideMargin, bezelRoom};
+    const int drawnHeight = std::min(bezelHeight, height());
+    return {sideMargin, (height() - drawnHeight) / 2, width() - 2 * sideMargin, drawnHeight};
   }
 
  private:
@@ -56,12 +56,12 @@ class PushButton : public BezelButton {
   void act() {
     repaint();
     const auto work = action;
-    if (work && mayAct_ && takesInput(*this)) work();
+    if (work && acceptedInputAtPress_ && acceptsInput(*this)) work();
   }
 
-  bool mayAct_ = false;
-  bool gaveItUp_ = false;
-  QPointer<QWidget> standIn_;
+  bool acceptedInputAtPress_ = false;
+  bool lostFocus_ = false;
+  QPointer<QWidget> focusSuccessor_;
 };
 
 PushButton& pushButton(const Button& button) {

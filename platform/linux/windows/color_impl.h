@@ -6,7 +6,7 @@
 
 namespace platform {
 
-[[nodiscard]] inline QColor toolkitColor(const Color& color) {
+[[nodiscard]] inline QColor qtColor(const Color& color) {
   return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
                           static_cast<float>(color.blue), static_cast<float>(color.alpha));
 }

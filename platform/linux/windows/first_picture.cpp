@@ -66,7 +66,7 @@ bool fitsOneRequest(const QImage& picture) {
   return static_cast<std::uint64_t>(picture.sizeInBytes()) + sizeof(xcb_put_image_request_t) + 4 <= longest;
 }
 
-void setBackground(xcb_window_t window, xcb_pixmap_t pixmap) {
+void setBackPixmap(xcb_window_t window, xcb_pixmap_t pixmap) {
   xcb_change_window_attributes(xConnection(), window, XCB_CW_BACK_PIXMAP, &pixmap);
 }
 
@@ -100,7 +100,7 @@ std::optional<QImage::Format> pictureFormat(const ColorLayout& layout) {
   return std::nullopt;
 }
 
-void FirstPicture::give(QWidget& widget) {
+void FirstPicture::setBackground(QWidget& widget) {
   if (xConnection() == nullptr) return;
   const auto target = targetIn(xWindowOf(widget));
   if (!target) return;
@@ -111,16 +111,16 @@ void FirstPicture::give(QWidget& widget) {
                     static_cast<std::uint16_t>(picture.width()),
                     static_cast<std::uint16_t>(picture.height()));
   upload(picture, target->depth, pixmap);
-  setBackground(target->window, pixmap);
+  setBackPixmap(target->window, pixmap);
   xcb_clear_area(xConnection(), 0, target->window, 0, 0, 0, 0);  // repaints a window that is already mapped
   xcb_flush(xConnection());
   xcb_free_pixmap(xConnection(), pixmap);  // the window keeps its own reference
-  given_ = true;
+  isSet_ = true;
 }
 
-void FirstPicture::takeBack(const QWidget& widget) {
-  if (!std::exchange(given_, false)) return;
-  setBackground(xWindowOf(widget), XCB_BACK_PIXMAP_NONE);
+void FirstPicture::clearBackground(const QWidget& widget) {
+  if (!std::exchange(isSet_, false)) return;
+  setBackPixmap(xWindowOf(widget), XCB_BACK_PIXMAP_NONE);
 }
 
 }  // namespace platform

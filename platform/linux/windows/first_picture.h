@@ -31,13 +31,13 @@ class FirstPicture {
  public:
   // Sets the background to the widget's current look. `widget` must be a top-level widget that has been
   // shown, mapped or not, and that Qt paints soon.
-  void give(QWidget& widget);
+  void setBackground(QWidget& widget);
   // Removes the background. Call it once the widget has been painted: areas exposed later must not show the
   // old image.
-  void takeBack(const QWidget& widget);
+  void clearBackground(const QWidget& widget);
 
  private:
-  bool given_ = false;
+  bool isSet_ = false;
 };
 
 }  // namespace platform

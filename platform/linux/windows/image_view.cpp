@@ -9,7 +9,7 @@
 
 #include "platform/image.h"
 #include "platform/linux/images/image_impl.h"
-#include "platform/linux/windows/held_key.h"
+#include "platform/linux/windows/key_repeat.h"
 #include "platform/linux/windows/link_access.h"
 #include "platform/linux/windows/view_impl.h"
 
@@ -32,14 +32,14 @@ class PictureWidget : public QWidget {
   void enterEvent(QEnterEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override { showCursorAt(event->position().toPoint()); }
   void keyPressEvent(QKeyEvent* event) override;
-  void keyReleaseEvent(QKeyEvent* event) override { heldKey_.noteRelease(*event); }
+  void keyReleaseEvent(QKeyEvent* event) override { keyRepeat_.noteRelease(*event); }
 
  private:
   void drawPicture();
   void clickAt(QPointF point) { owner->mouseUp({{point.x(), height() - point.y()}}); }
   void showCursorAt(QPoint point);
 
-  HeldKey heldKey_;
+  KeyRepeat keyRepeat_;
 };
 
 void PictureWidget::paintEvent(QPaintEvent*) {
@@ -67,8 +67,8 @@ void PictureWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void PictureWidget::keyPressEvent(QKeyEvent* event) {
-  if (!isLink() || !pressesControl(event->key())) return QWidget::keyPressEvent(event);
-  if (!heldKey_.isRepeated(*event)) press();
+  if (!isLink() || !activatesControl(event->key())) return QWidget::keyPressEvent(event);
+  if (!keyRepeat_.isRepeated(*event)) press();
 }
 
 void PictureWidget::enterEvent(QEnterEvent* event) {
@@ -133,9 +133,9 @@ void ImageView::mouseUp(const MouseEvent&) {}
 void ImageView::resetCursorRects() {}
 
 void ImageView::addCursorRect(Rect rect, Cursor cursor) {
-  pictureWidget(*this).cursorRects.emplace_back(fromTop(rect, bounds().height), cursor == Cursor::PointingHand
-                                                                                    ? Qt::PointingHandCursor
-                                                                                    : Qt::ArrowCursor);
+  pictureWidget(*this).cursorRects.emplace_back(
+      toQtRect(rect, bounds().height),
+      cursor == Cursor::PointingHand ? Qt::PointingHandCursor : Qt::ArrowCursor);
 }
 
 }  // namespace platform

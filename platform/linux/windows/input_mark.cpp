@@ -25,25 +25,25 @@ void InputMark::set() {
   xcb_change_property(xConnection(), XCB_PROP_MODE_APPEND, window, property_, XCB_ATOM_INTEGER, 32, 0,
                       nullptr);
   xcb_flush(xConnection());
-  isAwaited_ = true;
+  isPending_ = true;
 }
 
 bool InputMark::isAfter(const QInputEvent& input) const {
   // Synthetic events, such as those of input methods, have the timestamp CurrentTime (0).
   if (input.timestamp() == 0) return false;
-  if (isAwaited_) return true;
+  if (isPending_) return true;
   if (!time_) return false;
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(input.timestamp()) - *time_) <= 0;
 }
 
 bool InputMark::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
-  if (!isAwaited_ || type != "xcb_generic_event_t") return false;
+  if (!isPending_ || type != "xcb_generic_event_t") return false;
   const auto* event = static_cast<const xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY) return false;
   const auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
   if (change->window != xWindowOf(window_) || change->atom != property_) return false;
   time_ = change->time;
-  isAwaited_ = false;
+  isPending_ = false;
   return true;
 }
 

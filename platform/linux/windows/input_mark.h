@@ -28,7 +28,7 @@ class InputMark : private QAbstractNativeEventFilter {
 
   const QWidget& window_;
   std::uint32_t property_ = 0;
-  bool isAwaited_ = false;
+  bool isPending_ = false;
   std::optional<std::uint32_t> time_;  // in ms of server time, which wraps every 50 days
 };
 

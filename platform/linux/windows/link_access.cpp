@@ -19,7 +19,7 @@ QStringList AccessibleLink::actionNames() const {
 
 void AccessibleLink::doAction(const QString& action) {
   if (action != pressAction()) return QAccessibleWidget::doAction(action);
-  if (takesInput(*widget())) press_();
+  if (acceptsInput(*widget())) press_();
 }
 
 void drawFocusFrame(QWidget& widget, const QRect& area) {

@@ -71,8 +71,8 @@ void ModalStack::stop() {
   level->loop.quit();
 }
 
-void ModalStack::bringForward() {
-  if (const Level* level = innermost()) level->window->impl().comeForward();
+void ModalStack::raiseInnermost() {
+  if (const Level* level = innermost()) level->window->impl().raiseAndActivate();
 }
 
 bool ModalStack::blocks(const QWidget& window) const {

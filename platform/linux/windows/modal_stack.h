@@ -26,7 +26,7 @@ class ModalStack : public QObject {
   // Stops the innermost level that is still running. No-op if there is none.
   void stop();
   // Raises and activates the window of the innermost level.
-  void bringForward();
+  void raiseInnermost();
   // Returns whether a modal run keeps input from this top-level widget. Always false for menus and the tray
   // icon.
   [[nodiscard]] bool blocks(const QWidget& window) const;

@@ -18,7 +18,7 @@
 namespace platform {
 namespace {
 
-constexpr int maxPanelWidth = 420, sideRoom = 20, margin = 20, gap = 16;
+constexpr int maxPanelWidth = 420, windowMargin = 20, margin = 20, gap = 16;
 constexpr int buttonWidth = 100, buttonHeight = 32;
 constexpr double fontSize = 13;
 constexpr QColor shade(0, 0, 0, 60);
@@ -114,7 +114,7 @@ void Sheet::layOut(const SheetContent& content) {
   whole->addLayout(column, 1);
 
   setGeometry(window_.rect());
-  const int panelWidth = std::min(width() - 2 * sideRoom, maxPanelWidth);
+  const int panelWidth = std::min(width() - 2 * windowMargin, maxPanelWidth);
   panel_->setGeometry((width() - panelWidth) / 2, 0, panelWidth, whole->totalHeightForWidth(panelWidth));
 }
 

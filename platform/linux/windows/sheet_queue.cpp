@@ -25,13 +25,13 @@ void SheetQueue::showNext() {
 // The window is the context object of the queued call, which is dropped if the window is destroyed.
 void SheetQueue::end(int index, const std::function<void(int)>& didEnd) {
   if (current_ == nullptr) return;
-  ++endsUnderWay_;
+  ++pendingEnds_;
   QMetaObject::invokeMethod(
-      &window_, [this, index, didEnd] { tellEnd(index, didEnd); }, Qt::QueuedConnection);
-  dropCurrent();
+      &window_, [this, index, didEnd] { reportEnd(index, didEnd); }, Qt::QueuedConnection);
+  closeCurrent();
 }
 
-void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
+void SheetQueue::reportEnd(int index, const std::function<void(int)>& didEnd) {
   if (closed_) return;
   window_.repaint();  // didEnd may block the main thread
   const QPointer<QWidget> window(&window_);
@@ -49,11 +49,11 @@ void SheetQueue::tellEnd(int index, const std::function<void(int)>& didEnd) {
 }
 
 void SheetQueue::finishEnd() {
-  --endsUnderWay_;
+  --pendingEnds_;
   showNext();
 }
 
-void SheetQueue::dropCurrent() {
+void SheetQueue::closeCurrent() {
   current_->dismiss();
   current_.release()->deleteLater();
 }
@@ -61,7 +61,7 @@ void SheetQueue::dropCurrent() {
 void SheetQueue::close() {
   closed_ = true;
   waiting_.clear();
-  if (current_ != nullptr) dropCurrent();
+  if (current_ != nullptr) closeCurrent();
 }
 
 }  // namespace platform

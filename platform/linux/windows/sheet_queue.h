@@ -21,7 +21,7 @@ class SheetQueue {
   void begin(SheetContent content, std::function<void(int)> didEnd);
   // Returns whether a sheet is shown, or `didEnd` of an answered one, or work that it posted, is still to run
   // and may begin the next sheet.
-  [[nodiscard]] bool isUp() const { return current_ != nullptr || endsUnderWay_ > 0; }
+  [[nodiscard]] bool isUp() const { return current_ != nullptr || pendingEnds_ > 0; }
   // Dismisses all sheets without calling `didEnd`, and ignores further ones.
   void close();
 
@@ -32,15 +32,15 @@ class SheetQueue {
   };
   void showNext();
   void end(int index, const std::function<void(int)>& didEnd);
-  void tellEnd(int index, const std::function<void(int)>& didEnd);
+  void reportEnd(int index, const std::function<void(int)>& didEnd);
   void finishEnd();
   // Deletes the sheet with deleteLater, because Qt may still be handling an event in it.
-  void dropCurrent();
+  void closeCurrent();
 
   QWidget& window_;
   InputMark inputMark_;
   bool closed_ = false;
-  int endsUnderWay_ = 0;
+  int pendingEnds_ = 0;
   std::unique_ptr<Sheet> current_;
   std::deque<Waiting> waiting_;
 };

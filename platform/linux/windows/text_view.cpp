@@ -38,7 +38,7 @@ void TextView::setAttributedString(std::string_view text, const TextAttributes& 
 
 void TextView::setFont(Font font) {
   textWidget(*this).setFont(systemFont(QFont(), font));
-  textWidget(*this).growToText();
+  textWidget(*this).resizeToText();
 }
 
 void TextView::setAlignment(TextAlignment alignment) {

@@ -25,24 +25,24 @@ TextWidget::TextWidget() {
   setTextFormat(Qt::PlainText);
   setWordWrap(true);
   setMouseTracking(true);
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::showPlain(const QString& text) {
   attributes_.reset();
   setText(text);
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::showAttributed(const QString& text, TextAttributes attributes) {
   attributes_ = std::move(attributes);
   setText(text);
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::setSelectable(bool selectable) {
   selectable_ = selectable;
-  settleInteraction();
+  updateInteraction();
 }
 
 void TextWidget::setTruncatesTail(bool truncates) {
@@ -50,15 +50,15 @@ void TextWidget::setTruncatesTail(bool truncates) {
   update();
 }
 
-void TextWidget::settleInteraction() {
+void TextWidget::updateInteraction() {
   const bool selects = selectable_ && !attributes_;
   setTextInteractionFlags(selects ? Qt::TextSelectableByMouse : Qt::NoTextInteraction);
   if (!selects) setFocusPolicy(isLink() ? Qt::StrongFocus : Qt::NoFocus);
   unsetCursor();
-  growToText();
+  resizeToText();
 }
 
-void TextWidget::growToText() {
+void TextWidget::resizeToText() {
   if (attributes_ && truncates_) return;
   if (const int needed = heightForWidth(width()); needed > height()) resize(width(), needed);
 }
@@ -85,7 +85,7 @@ void TextWidget::paintEvent(QPaintEvent* event) {
   QFont underlined = font();
   underlined.setUnderline(attributes_->underline);
   painter.setFont(underlined);
-  if (attributes_->foregroundColor) painter.setPen(toolkitColor(*attributes_->foregroundColor));
+  if (attributes_->foregroundColor) painter.setPen(qtColor(*attributes_->foregroundColor));
   painter.drawText(rect(), layoutFlags(), shownText());
   painter.end();
   if (hasFocus()) drawFocusFrame(*this, textArea().adjusted(-1, 0, 1, 0).intersected(rect()));
@@ -93,7 +93,7 @@ void TextWidget::paintEvent(QPaintEvent* event) {
 
 void TextWidget::resizeEvent(QResizeEvent* event) {
   QLabel::resizeEvent(event);
-  growToText();
+  resizeToText();
 }
 
 void TextWidget::mousePressEvent(QMouseEvent* event) {
@@ -114,12 +114,12 @@ void TextWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void TextWidget::keyPressEvent(QKeyEvent* event) {
-  if (!isLink() || !pressesControl(event->key())) return QLabel::keyPressEvent(event);
-  if (!heldKey_.isRepeated(*event)) openLink();
+  if (!isLink() || !activatesControl(event->key())) return QLabel::keyPressEvent(event);
+  if (!keyRepeat_.isRepeated(*event)) openLink();
 }
 
 void TextWidget::keyReleaseEvent(QKeyEvent* event) {
-  heldKey_.noteRelease(*event);
+  keyRepeat_.noteRelease(*event);
   QLabel::keyReleaseEvent(event);
 }
 

@@ -4,7 +4,7 @@
 
 #include <QLabel>
 
-#include "platform/linux/windows/held_key.h"
+#include "platform/linux/windows/key_repeat.h"
 #include "platform/text_view.h"
 
 namespace platform {
@@ -20,7 +20,7 @@ class TextWidget : public QLabel {
   void setSelectable(bool selectable);
   void setTruncatesTail(bool truncates);
   // Increases the height to fit the text. Never shrinks.
-  void growToText();
+  void resizeToText();
 
   [[nodiscard]] bool isLink() const { return attributes_ && !attributes_->link.empty(); }
   // Opens the link in the browser. No-op if there is none.
@@ -36,7 +36,7 @@ class TextWidget : public QLabel {
   void keyReleaseEvent(QKeyEvent* event) override;
 
  private:
-  void settleInteraction();
+  void updateInteraction();
   [[nodiscard]] int layoutFlags() const;
   [[nodiscard]] QString shownText() const;
   [[nodiscard]] QRect textArea() const;
@@ -45,7 +45,7 @@ class TextWidget : public QLabel {
   bool selectable_ = true;
   bool truncates_ = false;
   bool pressed_ = false;
-  HeldKey heldKey_;
+  KeyRepeat keyRepeat_;
 };
 
 }  // namespace platform

@@ -20,10 +20,10 @@ void collectControls(const View& root, Views& views) {
 
 }  // namespace
 
-void orderTabsAsMade(const View& root) {
+void setTabOrderByCreation(const View& root) {
   Views views;
   collectControls(root, views);
-  std::ranges::stable_sort(views, {}, [](const View* view) { return view->impl().madeAt; });
+  std::ranges::stable_sort(views, {}, [](const View* view) { return view->impl().createdAt; });
   for (std::size_t i = 1; i < views.size(); ++i)
     QWidget::setTabOrder(views[i - 1]->impl().widget.get(), views[i]->impl().widget.get());
   if (root.impl().widget->focusWidget() != nullptr) return;
@@ -32,12 +32,12 @@ void orderTabsAsMade(const View& root) {
   if (first != views.end()) (*first)->impl().widget->setFocus();
 }
 
-QRect fromTop(Rect rect, double roomHeight) {
-  return QRectF(rect.x, roomHeight - rect.y - rect.height, rect.width, rect.height).toRect();
+QRect toQtRect(Rect rect, double parentHeight) {
+  return QRectF(rect.x, parentHeight - rect.y - rect.height, rect.width, rect.height).toRect();
 }
 
 View::Impl::Impl(Rect rect, std::unique_ptr<QWidget> body) : frame(rect), widget(std::move(body)) {
-  widget->resize(fromTop(rect, 0).size());
+  widget->resize(toQtRect(rect, 0).size());
 }
 
 // Detaches the subviews' widgets, which QWidget would otherwise delete although callers may still own the
@@ -65,7 +65,7 @@ void View::setAccessibilityLabel(std::string_view label) {
 void View::addSubview(std::shared_ptr<View> view) {
   QWidget& child = *view->impl().widget;
   child.setParent(impl_->widget.get());
-  child.setGeometry(fromTop(view->frame(), impl_->frame.height));
+  child.setGeometry(toQtRect(view->frame(), impl_->frame.height));
   child.show();
   impl_->subviews.push_back(std::move(view));
 }

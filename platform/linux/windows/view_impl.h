@@ -17,15 +17,15 @@ struct View::Impl {
   Rect frame;
   std::vector<std::shared_ptr<View>> subviews;
   std::unique_ptr<QWidget> widget;
-  std::chrono::steady_clock::time_point madeAt = std::chrono::steady_clock::now();
+  std::chrono::steady_clock::time_point createdAt = std::chrono::steady_clock::now();
 };
 
 // Sets the Tab order of the views below `root` to their order of creation, and focuses the first enabled one
 // that accepts the focus, unless a widget of the window already has it.
-void orderTabsAsMade(const View& root);
+void setTabOrderByCreation(const View& root);
 
 // Converts a rectangle with its origin at the lower left of a parent of this height to Qt's coordinates:
 // origin at the upper left, whole pixels.
-[[nodiscard]] QRect fromTop(Rect rect, double roomHeight);
+[[nodiscard]] QRect toQtRect(Rect rect, double parentHeight);
 
 }  // namespace platform

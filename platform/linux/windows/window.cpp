@@ -26,7 +26,7 @@ namespace platform {
 namespace {
 
 // Returns the area for the window's content in which its frame is wholly on the screen.
-QRect roomFor(const QWidget& window) {
+QRect availableContentArea(const QWidget& window) {
   const QRect content = window.geometry();
   const QRect frame = window.frameGeometry();
   return window.windowHandle()->screen()->availableGeometry().adjusted(
@@ -34,12 +34,12 @@ QRect roomFor(const QWidget& window) {
       content.bottom() - frame.bottom());
 }
 
-// If `room` is too small, keeps the upper left corner visible.
-QRect movedInto(const QRect& room, QRect place) {
-  place.moveRight(std::min(place.right(), room.right()));
-  place.moveBottom(std::min(place.bottom(), room.bottom()));
-  place.moveLeft(std::max(place.left(), room.left()));
-  place.moveTop(std::max(place.top(), room.top()));
+// If `area` is too small, keeps the upper left corner visible.
+QRect movedInto(const QRect& area, QRect place) {
+  place.moveRight(std::min(place.right(), area.right()));
+  place.moveBottom(std::min(place.bottom(), area.bottom()));
+  place.moveLeft(std::max(place.left(), area.left()));
+  place.moveTop(std::max(place.top(), area.top()));
   return place;
 }
 
@@ -67,8 +67,8 @@ class WindowWidget : public QWidget {
   }
 
   void paintEvent(QPaintEvent*) override {
-    owner->isComing = false;
-    owner->firstPicture.takeBack(*this);
+    owner->awaitsFirstPaint = false;
+    owner->firstPicture.clearBackground(*this);
   }
 
   void changeEvent(QEvent* event) override {
@@ -88,7 +88,7 @@ class WindowWidget : public QWidget {
       if (size() == minimumSize() || windowHandle() == nullptr) return;
       QRect place(QPoint(0, 0), minimumSize());
       place.moveCenter(geometry().center());
-      setGeometry(movedInto(roomFor(*this), place));
+      setGeometry(movedInto(availableContentArea(*this), place));
     };
     QMetaObject::invokeMethod(this, keepSize, Qt::QueuedConnection);
   }
@@ -98,15 +98,15 @@ class WindowWidget : public QWidget {
   // current desktop.
   void followState() {
     if (!isMinimized()) return returns_.reset();
-    if (!returns_) returns_.emplace([this] { comeBackOnceIdle(); });
-    comeBackOnceIdle();
+    if (!returns_) returns_.emplace([this] { restoreOnceIdle(); });
+    restoreOnceIdle();
   }
 
-  void comeBackOnceIdle() {
-    const auto comeBack = [this] {
-      if (isMinimized() && windowHandle() != nullptr && isMadeIcon(*windowHandle())) owner->comeBack();
+  void restoreOnceIdle() {
+    const auto restore = [this] {
+      if (isMinimized() && windowHandle() != nullptr && isMinimizedByUser(*windowHandle())) owner->restore();
     };
-    QMetaObject::invokeMethod(this, comeBack, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, restore, Qt::QueuedConnection);
   }
 
   WindowStyle style_;
@@ -133,7 +133,7 @@ QPalette paletteOn(const QColor& background) {
 // Sets whether Qt asks the window manager, with _NET_WM_USER_TIME 0, not to focus the window when it is
 // shown. Qt copies WA_ShowWithoutActivating to the QWindow only when it creates the QWindow; this sets the
 // copy, a dynamic property.
-void setWantsKeyboard(QWidget& widget, bool wants) {
+void setRequestsFocus(QWidget& widget, bool wants) {
   if (QWindow* window = widget.windowHandle())
     window->setProperty("_q_showWithoutActivating", wants ? QVariant() : QVariant(true));
 }
@@ -148,14 +148,14 @@ bool isBlocked(const QWidget& widget) {
   return ModalStack::shared().blocks(*widget.window());
 }
 
-bool takesInput(const QWidget& widget) {
+bool acceptsInput(const QWidget& widget) {
   const auto* window = dynamic_cast<const WindowWidget*>(widget.window());
   return window == nullptr || (!window->owner->sheets.isUp() && !isBlocked(widget));
 }
 
 void bringWindowsForward() {
   for (QWidget* widget : QApplication::topLevelWidgets()) {
-    if (auto* window = dynamic_cast<WindowWidget*>(widget)) window->owner->comeForward();
+    if (auto* window = dynamic_cast<WindowWidget*>(widget)) window->owner->raiseAndActivate();
   }
 }
 
@@ -185,23 +185,23 @@ void Window::Impl::releaseOnceIdle() {
 void Window::Impl::followActivity(bool active) {
   if (active) {
     if (!std::exchange(hiddenByInactivity, false)) return;
-    setWantsKeyboard(widget, false);
+    setRequestsFocus(widget, false);
     appear(&QWidget::show);
-    setWantsKeyboard(widget, true);
+    setRequestsFocus(widget, true);
     // Some window managers place the shown window above the modal window.
-    if (isBlocked(widget)) ModalStack::shared().bringForward();
+    if (isBlocked(widget)) ModalStack::shared().raiseInnermost();
   } else if (widget.isVisible()) {
     hiddenByInactivity = true;
     widget.hide();
   }
 }
 
-void Window::Impl::comeForward() {
+void Window::Impl::raiseAndActivate() {
   if (std::exchange(hiddenByInactivity, false)) {
     appear(&QWidget::show);
-    isComing = true;
+    awaitsFirstPaint = true;
   } else if (widget.isVisible() && !widget.isMinimized()) {
-    keepPictureUntilPainted();
+    showImageUntilPainted();
   }
   if (!widget.isVisible()) return;
   if (widget.isMinimized()) appear(&QWidget::showNormal);
@@ -211,33 +211,33 @@ void Window::Impl::comeForward() {
 
 // A part that another window covers shows that window's pixels when it is uncovered, until Qt paints it. A
 // window that is about to appear already has its background image.
-void Window::Impl::keepPictureUntilPainted() {
-  if (isComing) return;
-  firstPicture.give(widget);
+void Window::Impl::showImageUntilPainted() {
+  if (awaitsFirstPaint) return;
+  firstPicture.setBackground(widget);
   widget.update();
 }
 
-void Window::Impl::comeBack() {
-  comeForward();
-  if (isBlocked(widget)) ModalStack::shared().bringForward();
+void Window::Impl::restore() {
+  raiseAndActivate();
+  if (isBlocked(widget)) ModalStack::shared().raiseInnermost();
 }
 
 // winId() creates the native window now: Qt may replace a window whose flags have changed since it was shown.
 void Window::Impl::appear(void (QWidget::*show)()) {
   widget.winId();
-  tellItsControls();
+  updateMotifHints();
   (widget.*show)();
-  firstPicture.give(widget);
-  tellItsControls();
+  firstPicture.setBackground(widget);
+  updateMotifHints();
 }
 
-void Window::Impl::tellItsControls() {
-  if (QWindow* window = widget.windowHandle()) tellControls(*window, style == WindowStyle::TitledClosable);
+void Window::Impl::updateMotifHints() {
+  if (QWindow* window = widget.windowHandle()) setMotifHints(*window, style == WindowStyle::TitledClosable);
 }
 
 bool Window::Impl::isOnScreen() const {
   if (!widget.isVisible() || widget.isMinimized() || widget.windowHandle() == nullptr) return false;
-  return isComing || widget.windowHandle()->isExposed();
+  return awaitsFirstPaint || widget.windowHandle()->isExposed();
 }
 
 // Sets the flag on the QWindow: setting it on the widget would create a new native window.
@@ -245,7 +245,7 @@ void Window::Impl::setAboveOthers(bool above) {
   QWindow* window = widget.windowHandle();
   if (window == nullptr) return;
   window->setFlag(Qt::WindowStaysOnTopHint, above);
-  tellItsControls();
+  updateMotifHints();
 }
 
 std::shared_ptr<Window> Window::make(Rect contentRect, WindowStyle style) {
@@ -265,7 +265,7 @@ void Window::setTitle(std::string_view title) {
 }
 
 void Window::setBackgroundColor(Color color) {
-  impl_->widget.setPalette(paletteOn(toolkitColor(color)));
+  impl_->widget.setPalette(paletteOn(qtColor(color)));
 }
 
 void Window::setHidesOnDeactivate(bool hides) {
@@ -291,12 +291,12 @@ void Window::center() {
 void Window::makeKeyAndOrderFront() {
   if (impl_->closed || impl_->hiddenByInactivity) return;
   impl_->onScreen = shared_from_this();
-  orderTabsAsMade(*impl_->content);
+  setTabOrderByCreation(*impl_->content);
   if (!impl_->widget.isVisible()) {
     impl_->appear(&QWidget::show);
-    impl_->isComing = true;
+    impl_->awaitsFirstPaint = true;
   } else {
-    impl_->keepPictureUntilPainted();
+    impl_->showImageUntilPainted();
   }
   impl_->widget.raise();
   impl_->widget.activateWindow();

@@ -17,7 +17,7 @@ xcb_window_t idOf(const QWindow& window) {
 
 }  // namespace
 
-void tellControls(QWindow& window, bool closable) {
+void setMotifHints(QWindow& window, bool closable) {
   if (xConnection() == nullptr) return;
   constexpr std::uint32_t hasFunctions = 1, hasDecorations = 2;
   constexpr std::uint32_t moves = 4, closes = 32;
@@ -31,7 +31,7 @@ void tellControls(QWindow& window, bool closable) {
   xcb_flush(xConnection());  // the main thread may block before the next flush
 }
 
-bool isMadeIcon(QWindow& window) {
+bool isMinimizedByUser(QWindow& window) {
   if (xConnection() == nullptr) return false;
   constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
   const auto number = [](xcb_window_t of, const char* property) {

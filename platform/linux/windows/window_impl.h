@@ -29,15 +29,15 @@ struct Window::Impl {
   // Hides the window, or shows it again without requesting the input focus.
   void followActivity(bool active);
   // Shows the window if inactivity has hidden it, and raises and activates it if it is visible.
-  void comeForward();
+  void raiseAndActivate();
   // Restores a minimised window, below the modal window that blocks its input, if any.
-  void comeBack();
+  void restore();
   // Sets the current image as the X window's background until Qt has painted the window.
-  void keepPictureUntilPainted();
+  void showImageUntilPainted();
   // Calls `show` and sets the window's background image and its window-manager hints.
   void appear(void (QWidget::*show)());
   // Rewrites the window-manager hints after Qt has written its own.
-  void tellItsControls();
+  void updateMotifHints();
 
   WindowStyle style;
   std::unique_ptr<View> content;
@@ -47,7 +47,7 @@ struct Window::Impl {
   std::function<void()> willClose;
   bool closed = false;
   bool hiddenByInactivity = false;
-  bool isComing = false;  // shown, not painted yet
+  bool awaitsFirstPaint = false;  // shown, not painted yet
   FirstPicture firstPicture;
   std::unique_ptr<ActivityWatch> activity;
 };
@@ -60,9 +60,9 @@ struct Window::Impl {
 
 // Returns whether a widget in a Window, outside sheets, accepts input now: neither a sheet nor a modal run
 // blocks it. Needed for accessibility actions, which bypass the event filters.
-[[nodiscard]] bool takesInput(const QWidget& widget);
+[[nodiscard]] bool acceptsInput(const QWidget& widget);
 
-// Calls comeForward on every Window.
+// Calls raiseAndActivate on every Window.
 void bringWindowsForward();
 
 }  // namespace platform

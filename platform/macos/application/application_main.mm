@@ -7,9 +7,9 @@
 #include "platform/application.h"
 #include "platform/bundle.h"
 #include "platform/macos/application/application_impl.h"
-#include "platform/macos/application/ending_signals.h"
 #include "platform/macos/application/process_start.h"
 #include "platform/macos/application/single_instance.h"
+#include "platform/macos/application/termination_signals.h"
 #include "platform/macos/foundation/autorelease_pool.h"
 #include "platform/macos/foundation/retained.h"
 
@@ -78,7 +78,7 @@ int ApplicationMain(int argc, char** argv) {
   const AutoreleasePool pool;
   SingleInstance instance;
   if (!instance.isFirst()) {
-    instance.tellFirst();
+    instance.notifyFirst();
     return 0;
   }
   [NSApplication sharedApplication];
@@ -88,7 +88,7 @@ int ApplicationMain(int argc, char** argv) {
   application.impl().delegate = delegate.get();
   instance.listen([&] { delegate->applicationShouldHandleReopen(); });
   delegate->awakeFromNib();
-  hearEndingSignals([&] { application.performOnMainThread([&] { application.terminate(); }); });
+  handleTerminationSignals([&] { application.performOnMainThread([&] { application.terminate(); }); });
 
   const Retained<TovalinApplicationDelegate*> native(nativeDelegate(*delegate));
   [NSApp setDelegate:native.get()];

@@ -8,13 +8,13 @@
 #include <new>
 
 #include "platform/log.h"
-#include "platform/macos/application/ending_signals.h"
+#include "platform/macos/application/termination_signals.h"
 #include "platform/portable/standard_streams.h"
 
 namespace platform {
 namespace {
 
-[[noreturn]] void endUncaught() {
+[[noreturn]] void terminateHandler() {
   try {
     if (const auto error = std::current_exception()) std::rethrow_exception(error);
   } catch (const std::bad_alloc&) {
@@ -23,15 +23,15 @@ namespace {
     fatalError(error.what());
   } catch (...) {
   }
-  fatalError("an error of an unknown kind");
+  fatalError("unknown exception");
 }
 
 }  // namespace
 
 void prepareProcess() {
-  std::set_terminate(endUncaught);
+  std::set_terminate(terminateHandler);
   fillStandardStreams();
-  blockEndingSignals();
+  blockTerminationSignals();
   ::signal(SIGPIPE, SIG_IGN);
   ::openlog("TovalinTray", LOG_PID, LOG_USER);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);

@@ -21,7 +21,7 @@ class SingleInstance {
   void listen(std::function<void()> reopened);
 
   // Second process: posts the notification. Does not wait for the first process.
-  void tellFirst();
+  void notifyFirst();
 
  private:
   FileDescriptor lock_;

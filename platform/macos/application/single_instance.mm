@@ -42,7 +42,7 @@ void SingleInstance::listen(std::function<void()> reopened) {
   DistributedNotificationCenter::defaultCenter().addObserver(reopenNotification, std::move(reopened));
 }
 
-void SingleInstance::tellFirst() {
+void SingleInstance::notifyFirst() {
   const AutoreleasePool pool;
   [[NSDistributedNotificationCenter defaultCenter] postNotificationName:textOf(reopenNotification)
                                                                  object:nil

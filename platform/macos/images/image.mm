@@ -11,8 +11,8 @@ namespace platform {
 namespace {
 
 constexpr double maxPixels = 64e6;
-constexpr double maxBytesOfData = 64 << 20;
-constexpr double bytesOfPixel = 4;
+constexpr double maxDataBytes = 64 << 20;
+constexpr double bytesPerPixel = 4;
 
 // Returns whether an image of this size can be a drawing target.
 bool canBeDrawnInto(Size size) {
@@ -20,7 +20,7 @@ bool canBeDrawnInto(Size size) {
   return width >= 1 && height >= 1 && width * height <= maxPixels;
 }
 
-NSBitmapImageRep* formInFile(const std::string& path) {
+NSBitmapImageRep* representationInFile(const std::string& path) {
   NSArray* forms = [NSBitmapImageRep imageRepsWithContentsOfFile:textOf(path)];
   return [forms count] == 0 ? nil : static_cast<NSBitmapImageRep*>([forms objectAtIndex:0]);
 }
@@ -48,13 +48,13 @@ Image::Image() : impl_(std::make_unique<Impl>()) {}
 
 Image::Image(Size size) : Image() {
   impl_->image = Retained<NSImage*>([[NSImage alloc] initWithSize:NSMakeSize(size.width, size.height)]);
-  impl_->takesDrawing = canBeDrawnInto(size);
+  impl_->isDrawable = canBeDrawnInto(size);
 }
 
 Image::~Image() = default;
 
 bool Image::isValid() const {
-  return impl_->takesDrawing || [[impl_->image.get() representations] count] > 0;
+  return impl_->isDrawable || [[impl_->image.get() representations] count] > 0;
 }
 
 Size Image::size() const {
@@ -85,11 +85,11 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   const auto bundle = Bundle::mainBundle();
   if (!bundle) return nullptr;
   const std::string path = bundle->pathForResource(name);
-  NSBitmapImageRep* plain = formInFile(path);
+  NSBitmapImageRep* plain = representationInFile(path);
   if (plain == nil) return nullptr;
   std::shared_ptr<Image> image(new Image);
   image->impl_->image = imageOf(plain);
-  if (NSBitmapImageRep* fine = formInFile(withScaleSuffix(path))) {
+  if (NSBitmapImageRep* fine = representationInFile(withScaleSuffix(path))) {
     [fine setSize:pixelsOf(plain)];
     [image->impl_->image.get() addRepresentation:fine];
   }
@@ -106,7 +106,7 @@ std::shared_ptr<Image> imageWithData(std::string_view bytes) {
   auto* form = static_cast<NSBitmapImageRep*>([forms objectAtIndex:0]);
   const NSSize pixels = pixelsOf(form);
   if (!(pixels.width >= 1 && pixels.height >= 1)) return nullptr;
-  if (pixels.width * pixels.height * bytesOfPixel > maxBytesOfData) return nullptr;
+  if (pixels.width * pixels.height * bytesPerPixel > maxDataBytes) return nullptr;
   std::shared_ptr<Image> image(new Image);
   image->impl_->image = imageOf(form);
   return image;

@@ -15,7 +15,7 @@ struct ImageFocus::Impl {
 };
 
 ImageFocus::ImageFocus(Image& target)
-    : impl_(new Impl{target.impl().takesDrawing ? target.impl().image.get() : nil}) {
+    : impl_(new Impl{target.impl().isDrawable ? target.impl().image.get() : nil}) {
   [impl_->target lockFocus];
 }
 

@@ -9,7 +9,7 @@ namespace platform {
 
 struct Image::Impl {
   Retained<NSImage*> image;
-  bool takesDrawing = false;  // NSImage without representations, invalid until drawn into
+  bool isDrawable = false;  // NSImage without representations, invalid until drawn into
 };
 
 }  // namespace platform

@@ -36,7 +36,7 @@ struct FileEventStream::Impl {
   // Passes the flags of FSEvents on unchanged: FileEvent uses the same values.
   void deliver(std::size_t count, char* const* paths, const FSEventStreamEventFlags* flags);
   // Returns whether a renamed root has its original name again when the batch is delivered.
-  [[nodiscard]] bool isBack(std::uint32_t flags) const {
+  [[nodiscard]] bool isRootRestored(std::uint32_t flags) const {
     return (flags & rootChanged) != 0 && folderAt(path) == root;
   }
 
@@ -74,12 +74,12 @@ void FileEventStream::Impl::deliver(std::size_t count, char* const* paths,
                                     const FSEventStreamEventFlags* flags) {
   std::vector<FileEvent> events;
   for (std::size_t i = 0; i < count; ++i) {
-    if (!isBack(flags[i])) events.push_back({paths[i], flags[i]});
+    if (!isRootRestored(flags[i])) events.push_back({paths[i], flags[i]});
   }
   if (events.empty()) return;
   // The callback may destroy the stream and this object with it, so call a copy.
-  const auto told = callback;
-  told(*stream, events);
+  const auto callbackCopy = callback;
+  callbackCopy(*stream, events);
 }
 
 std::shared_ptr<FileEventStream> FileEventStream::create(const std::string& path,

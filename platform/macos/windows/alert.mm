@@ -18,7 +18,7 @@ void answer(Window::Impl& window, NSAlert* alert, int code, const AlertEnd& didE
   NSWindow* sheet = [alert window];
   [window.window.get() endSheet:sheet returnCode:code];
   [sheet orderOut:nil];
-  window.dropForSheet(alert);
+  window.releaseForSheet(alert);
   if (didEnd) Application::sharedApplication().performOnMainThread([=] { didEnd(code); });
 }
 
@@ -28,7 +28,7 @@ void takeButtons(Window::Impl& window, NSAlert* alert, const AlertEnd& didEnd) {
   for (NSUInteger i = 0; i < [buttons count]; ++i) {
     const int code = alertFirstButtonReturn + static_cast<int>(i);
     const Retained<TovalinAction*> action(makeAction([=, &window] { answer(window, alert, code, didEnd); }));
-    window.keepForSheet(alert, action.get());
+    window.retainForSheet(alert, action.get());
     auto* button = static_cast<NSButton*>([buttons objectAtIndex:i]);
     [button setTarget:action.get()];
     [button setAction:@selector(perform:)];

@@ -10,7 +10,7 @@ namespace platform {
 namespace {
 
 // Posts an event, because a modal loop checks for stopModal only after an event.
-void endRunOnTop() {
+void stopTopmostRun() {
   [NSApp stopModal];
   NSEvent* event = [NSEvent otherEventWithType:NSEventTypeApplicationDefined
                                       location:NSMakePoint(0, 0)
@@ -32,7 +32,7 @@ void ModalStack::run(std::shared_ptr<Window> window) {
   [NSApp runModalForWindow:level.window->impl().window.get()];
   levels_.pop_back();
   // The level below was stopped while this one was returning.
-  if (isUnwinding()) endRunOnTop();
+  if (isUnwinding()) stopTopmostRun();
 }
 
 ModalStack::Level* ModalStack::innermost() const {
@@ -45,7 +45,7 @@ void ModalStack::stop() {
   Level* level = innermost();
   if (level == nullptr) return;
   level->stopped = true;
-  if (level == levels_.back()) endRunOnTop();
+  if (level == levels_.back()) stopTopmostRun();
 }
 
 bool ModalStack::admits(NSWindow* window) const {

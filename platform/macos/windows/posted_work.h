@@ -36,13 +36,13 @@ class PostedWork {
 
  private:
   [[nodiscard]] std::optional<std::function<void()>> takeNext();
-  void askForWakeUpLocked();
+  void requestWakeUpLocked();
 
   const ModalStack& modalRuns_;
   Retained<TovalinAction*> wakeUp_;
   std::mutex mutex_;
   std::deque<std::function<void()>> waiting_;
-  bool wakeUpIsAsked_ = false;
+  bool wakeUpRequested_ = false;
 };
 
 }  // namespace platform

@@ -14,12 +14,12 @@ PostedWork::PostedWork(const ModalStack& modalRuns)
 void PostedWork::post(std::function<void()> work) {
   const std::lock_guard lock(mutex_);
   waiting_.push_back(std::move(work));
-  askForWakeUpLocked();
+  requestWakeUpLocked();
 }
 
 void PostedWork::wake() {
   const std::lock_guard lock(mutex_);
-  if (!waiting_.empty()) askForWakeUpLocked();
+  if (!waiting_.empty()) requestWakeUpLocked();
 }
 
 void PostedWork::serveNext() {
@@ -29,16 +29,16 @@ void PostedWork::serveNext() {
 
 std::optional<std::function<void()>> PostedWork::takeNext() {
   const std::lock_guard lock(mutex_);
-  wakeUpIsAsked_ = false;
+  wakeUpRequested_ = false;
   if (waiting_.empty() || modalRuns_.isUnwinding()) return std::nullopt;
   std::function<void()> next = std::move(waiting_.front());
   waiting_.pop_front();
-  if (!waiting_.empty()) askForWakeUpLocked();
+  if (!waiting_.empty()) requestWakeUpLocked();
   return next;
 }
 
-void PostedWork::askForWakeUpLocked() {
-  if (std::exchange(wakeUpIsAsked_, true)) return;
+void PostedWork::requestWakeUpLocked() {
+  if (std::exchange(wakeUpRequested_, true)) return;
   const AutoreleasePool pool;
   [wakeUp_.get() performSelectorOnMainThread:@selector(perform:)
                                   withObject:nil

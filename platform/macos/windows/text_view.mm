@@ -12,7 +12,7 @@ NSTextView* textView(const TextView& view) {
   return static_cast<NSTextView*>(static_cast<id>(view.impl().view.get()));
 }
 
-NSRange wholeOf(NSTextView* view) {
+NSRange fullRange(NSTextView* view) {
   return NSMakeRange(0, [[view textStorage] length]);
 }
 
@@ -73,7 +73,7 @@ void TextView::setTruncatesTail(bool truncates) {
   [style.get() setLineBreakMode:NSLineBreakByTruncatingTail];
   [[textView(*this) textStorage] addAttribute:NSParagraphStyleAttributeName
                                         value:style.get()
-                                        range:wholeOf(textView(*this))];
+                                        range:fullRange(textView(*this))];
 }
 
 }  // namespace platform

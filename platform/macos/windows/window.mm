@@ -111,7 +111,7 @@ bool Window::Impl::mayBeClosed() const {
 void Window::Impl::willBeClosed() {
   if (std::exchange(closed, true)) return;
   if (NSWindow* sheet = [window.get() attachedSheet]) [window.get() endSheet:sheet];
-  keptForSheets.clear();
+  sheetParts.clear();
   if (const auto tell = std::exchange(willClose, nullptr)) tell();
 }
 
@@ -120,16 +120,16 @@ void Window::Impl::releaseOnceIdle() {
   Application::sharedApplication().performOnMainThread([=] { static_cast<void>(kept); });
 }
 
-void Window::Impl::keepForSheet(NSAlert* alert, TovalinAction* action) {
-  keptForSheets.push_back({retained(alert), retained(action)});
+void Window::Impl::retainForSheet(NSAlert* alert, TovalinAction* action) {
+  sheetParts.push_back({retained(alert), retained(action)});
 }
 
 // The action that is being performed may be among those dropped; autorelease keeps it until its call returns.
-void Window::Impl::dropForSheet(NSAlert* alert) {
-  for (const SheetPart& part : keptForSheets) {
+void Window::Impl::releaseForSheet(NSAlert* alert) {
+  for (const SheetPart& part : sheetParts) {
     if (part.alert.get() == alert) [[part.action.get() retain] autorelease];
   }
-  std::erase_if(keptForSheets, [&](const SheetPart& part) { return part.alert.get() == alert; });
+  std::erase_if(sheetParts, [&](const SheetPart& part) { return part.alert.get() == alert; });
 }
 
 std::shared_ptr<Window> Window::make(Rect contentRect, WindowStyle style) {

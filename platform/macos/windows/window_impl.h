@@ -23,9 +23,9 @@ struct Window::Impl {
   void willBeClosed();
   // Drops the self-reference `onScreen` from the run loop.
   void releaseOnceIdle();
-  // Retains an alert and the action of one of its buttons until dropForSheet or the close of the window.
-  void keepForSheet(NSAlert* alert, TovalinAction* action);
-  void dropForSheet(NSAlert* alert);
+  // Retains an alert and the action of one of its buttons until releaseForSheet or the close of the window.
+  void retainForSheet(NSAlert* alert, TovalinAction* action);
+  void releaseForSheet(NSAlert* alert);
 
   WindowStyle style;
   Retained<NSWindow*> window;
@@ -39,7 +39,7 @@ struct Window::Impl {
     Retained<NSAlert*> alert;
     Retained<TovalinAction*> action;  // NSButton does not retain its target
   };
-  std::vector<SheetPart> keptForSheets;
+  std::vector<SheetPart> sheetParts;
 };
 
 }  // namespace platform

@@ -89,7 +89,7 @@ TEST_F(Launch, ABusThatTakesConnectionsButDoesNotAnswerIsDoneWithout) {
   ASSERT_EQ(::listen(mute.get(), 10), 0);
   environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/mute bus";
   launchAgent();
-  EXPECT_EQ(count("log 3: the session bus does not answer; going on without it"), 1);
+  EXPECT_EQ(count("log 3: the session bus does not answer; continuing without it"), 1);
   terminateAgent();
 }
 

@@ -148,7 +148,8 @@ TEST_F(Launch, APrivateFolderThatIsSomebodyElsesIsToldAndNotUsed) {
   std::filesystem::remove_all(place);
   std::filesystem::create_symlink("/tmp/elsewhere of theirs", place);
   launchAgent();
-  EXPECT_EQ(count("log 3: the agent's helpers are gone when its bundle is: no folder of the user's own at " +
+  EXPECT_EQ(count("log 3: the agent's helpers are not available after the removal of its bundle: no private "
+                  "folder at " +
                   place),
             1);
   EXPECT_TRUE(std::filesystem::is_empty("/tmp/elsewhere of theirs"));

@@ -133,7 +133,7 @@ TEST_F(Process, ASecondStartNeedsNoDisplayAndTellsWhyWithoutABusNoMenuOpens) {
   environment_["DISPLAY"] = std::nullopt;
   environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
-  EXPECT_THAT(another_.takeErrorOutput(), HasSubstr("runs already"));
+  EXPECT_THAT(another_.takeErrorOutput(), HasSubstr("already running"));
   EXPECT_TRUE(agent_.running());
 }
 
@@ -154,7 +154,7 @@ TEST_F(Process, StartWithTheBusNameOwnedByAStrangerReportsItsOwnerAndEndsWithZer
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
   const std::string report = "not started: process " + std::to_string(stranger.process().pid()) +
                              " (name_owner) owns the name com.kesmoor.tovalintrayagent on the session bus";
-  const std::string noAgent = "that process can't open the menu: it does not act as the tray agent";
+  const std::string noAgent = "that process cannot open the menu: it is not the tray agent";
   EXPECT_THAT(another_.takeErrorOutput(),
               testing::AllOf(HasSubstr(report + "\n"), HasSubstr(noAgent + "\n")));
   EXPECT_EQ(count("log 3: " + report), 1);
@@ -174,7 +174,7 @@ TEST_F(Process, StartWithLockAndBusNameHeldByStrangersReportsTheNamesOwner) {
   EXPECT_EQ(count("log 3: not started: process " + std::to_string(stranger.process().pid()) +
                   " (name_owner) owns the name com.kesmoor.tovalintrayagent on the session bus"),
             1);
-  EXPECT_EQ(count("log 3: that process can't open the menu: it does not act as the tray agent"), 1);
+  EXPECT_EQ(count("log 3: that process cannot open the menu: it is not the tray agent"), 1);
 }
 
 TEST_F(Process, StartWithLockHeldByStrangerAndBusNameFreeIsReported) {

@@ -77,7 +77,7 @@ TEST_F(UpdateDue, ABundlePathOf405BytesEndsTheAgentWithAMessage) {
   startAgent();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
   EXPECT_EQ(agent_.takeErrorOutput(),
-            "TovalinTray: the bundle's path is too long to tell of an update: " + bundle_ + "\n");
+            "TovalinTray: the bundle's path is too long for the update notice: " + bundle_ + "\n");
   EXPECT_EQ(count("run: "), 0);
   EXPECT_EQ(count("pipe: "), 0);
 }

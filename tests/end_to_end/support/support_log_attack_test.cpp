@@ -134,7 +134,7 @@ TEST_F(SupportLogAttack, CommandThatHangsIsEndedAndTheNextOnesRun) {
   for (const auto& name : namesToCome()) fs::create_directories(name);
   collectPatiently();
   EXPECT_THAT(archived(), ElementsAre("system.log"));
-  EXPECT_EQ(count("log 3: log collection : a command was ended after 10 s : mkdir -m 700 /tmp/tovalinlog_"),
+  EXPECT_EQ(count("log 3: log collection : a command was killed after 10 s : mkdir -m 700 /tmp/tovalinlog_"),
             1);
   fs::remove(commandFolder + std::string("mkdir"));
 }

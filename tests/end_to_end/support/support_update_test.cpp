@@ -94,7 +94,8 @@ TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereAnothersFolderStands) {
   launchAndOpen();
   timeline_.clear();
   clickAt(updateMiddle);
-  EXPECT_TRUE(waitForText("log 3: updater's folder is not this user's alone : /tmp/tovalinupdate.app"));
+  EXPECT_TRUE(waitForText(
+      "log 3: updater's folder belongs to or is writable by other users : /tmp/tovalinupdate.app"));
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(count(openUpdater), 0);
@@ -108,7 +109,7 @@ TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereTheFolderCanNotBeMade) {
   const NoMoreFilesInTmp full;
   ASSERT_TRUE(full.bites());
   clickAt(updateMiddle);
-  EXPECT_TRUE(waitForText("log 3: updater's folder can't be made. errno : 28"));
+  EXPECT_TRUE(waitForText("log 3: updater's folder cannot be created. errno : 28"));
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(count("run: "), 0);

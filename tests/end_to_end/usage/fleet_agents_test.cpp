@@ -30,10 +30,10 @@ constexpr std::chrono::sys_days launchDay = std::chrono::year(2024) / 3 / 6;
 // When the model of the tool `fleet` uploads, launched at that time and awake from then on.
 class FirstUpload : public fleet::Events {
  public:
-  explicit FirstUpload(LifeClock::Time launch, std::vector<fleet::Nap> naps = {}) {
+  explicit FirstUpload(LifeClock::Time launch, std::vector<fleet::SleepPeriod> sleepPeriods = {}) {
     fleet::Random random(1);
     fleet::AgentModel model(0, random, *this);
-    model.run({(launch - launchDay).count(), 2 * fleet::day, std::move(naps)});
+    model.run({(launch - launchDay).count(), 2 * fleet::day, std::move(sleepPeriods)});
   }
   void launch(fleet::Seconds /*time*/) override {}
   void upload(fleet::Seconds time, int /*files*/) override {

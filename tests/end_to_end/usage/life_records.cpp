@@ -78,7 +78,7 @@ LifeMessage LifeMessages::deviceEvent() {
 
 // An entry of another kind than 1 and 2 goes by the one before it, and the first one by 1.
 LifeMessage LifeMessages::transfers() {
-  const unsigned count = 1 + below(layout::mostEntries);
+  const unsigned count = 1 + below(layout::maxEntries);
   LifeMessage message{tools::collectMessage(tools::transferMessageSize(count), layout::transfers)};
   putLittleEndian(message.bytes, layout::entryCountOffset, count, 4);
   unsigned recorded = 1;
@@ -86,7 +86,7 @@ LifeMessage LifeMessages::transfers() {
     const unsigned kind = below(4);
     if (kind == 1 || kind == 2) recorded = kind;
     const std::uint64_t size = ++serial_ * 0x0100'0001;
-    const std::string name(below(record_format::longestTransferName + 1), 'n');
+    const std::string name(below(record_format::maxTransferNameLength + 1), 'n');
     tools::putTransfer(message.bytes, index, kind, size, name);
     message.records.push_back(transferRecord(recorded, size, name));
   }
@@ -96,6 +96,6 @@ LifeMessage LifeMessages::transfers() {
 LifeMessage LifeMessages::nextWithoutRecord() {
   if (below(2) == 0) return {tools::collectMessage(layout::deviceNameOffset + 1, 5)};
   LifeMessage message{tools::collectMessage(layout::size - 1, layout::transfers)};
-  putLittleEndian(message.bytes, layout::entryCountOffset, below(2) == 0 ? 0 : layout::mostEntries + 1, 4);
+  putLittleEndian(message.bytes, layout::entryCountOffset, below(2) == 0 ? 0 : layout::maxEntries + 1, 4);
   return message;
 }

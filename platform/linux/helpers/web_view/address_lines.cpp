@@ -18,7 +18,7 @@ bool isWebAddress(std::string_view text) {
   return (hasScheme(text, "http://") || hasScheme(text, "https://")) && std::ranges::all_of(text, isVisible);
 }
 
-bool mayLeadTo(const char* address) {
+bool isAllowedAddress(const char* address) {
   if (address == nullptr) return false;
   const std::string_view text = address;
   return isWebAddress(text) || text == "about:blank" || text == "about:srcdoc";
@@ -38,7 +38,7 @@ std::vector<std::string> AddressLines::take(std::string_view bytes) {
 }
 
 void AddressLines::append(std::string_view part) {
-  tooLong_ = tooLong_ || part.size() > longestLine - line_.size();
+  tooLong_ = tooLong_ || part.size() > maxLineLength - line_.size();
   if (tooLong_) {
     line_.clear();
   } else {

@@ -12,15 +12,15 @@ namespace helpers {
 
 // Returns whether a page may navigate its view or a frame to `address`: a web address, about:blank or
 // about:srcdoc. Returns false for nullptr. Thread-safe.
-[[nodiscard]] bool mayLeadTo(const char* address);
+[[nodiscard]] bool isAllowedAddress(const char* address);
 
 // Splits a stream of untrusted bytes into lines and returns those that are web addresses.
 class AddressLines {
  public:
-  static constexpr std::size_t longestLine = std::size_t{64} * 1024;
+  static constexpr std::size_t maxLineLength = std::size_t{64} * 1024;
 
   // Returns the addresses whose lines end in `bytes`, in order. Keeps an incomplete line for the next call.
-  // Discards a line longer than longestLine.
+  // Discards a line longer than maxLineLength.
   [[nodiscard]] std::vector<std::string> take(std::string_view bytes);
 
  private:

@@ -38,7 +38,7 @@ bool isKept(std::string_view name) {
          name.ends_with("_PROXY");
 }
 
-void dropOthersThanKept() {
+void unsetOtherVariables() {
   std::vector<std::string> kept;
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string_view text = *entry;
@@ -62,7 +62,7 @@ platform::FileDescriptor lockFolder(const fs::path& folder) {
   return lock;
 }
 
-void sweep(const fs::path& parent) {
+void removeLeftovers(const fs::path& parent) {
   std::error_code ignored;
   std::vector<fs::path> found;
   for (fs::directory_iterator entry(parent, ignored), end; !ignored && entry != end;
@@ -80,8 +80,8 @@ void sweep(const fs::path& parent) {
 RuntimeFolder::RuntimeFolder() {
   const auto parent = platform::privateFolder();
   if (!parent) return;
-  sweep(*parent);
-  // Retries, because the sweep of another process may remove the folder before it is locked.
+  removeLeftovers(*parent);
+  // Retries, because removeLeftovers in another process may remove the folder before it is locked.
   for (int i = 0; i < tries && path_.empty(); ++i) {
     std::string folder = *parent + "/" + std::string(folderName) + "XXXXXX";
     if (::mkdtemp(folder.data()) == nullptr) return;
@@ -98,7 +98,7 @@ void RuntimeFolder::remove() {
 }
 
 void replaceEnvironment(const std::filesystem::path& runtimeFolder) {
-  dropOthersThanKept();
+  unsetOtherVariables();
   for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
     set(name, nowhere);
   }

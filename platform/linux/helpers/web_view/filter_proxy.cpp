@@ -70,7 +70,7 @@ bool isConnected(const FileDescriptor& socket) {
 }
 
 // Also excludes the public addresses of this machine and of its own networks.
-bool isElsewhere(const SocketAddress& address) {
+bool isOnPublicNetwork(const SocketAddress& address) {
   const auto networks = ownNetworks();
   return networks && isPublic(*address.get()) && !hold(*networks, *address.get());
 }
@@ -121,19 +121,19 @@ struct FilterProxy::Shared {
   [[nodiscard]] std::optional<Endpoint> currentOrigin();
   // Returns the addresses to which connections to the origin may go. The first answer of the resolver,
   // `found`, sets them. Returns an empty list if `target` is no longer the origin.
-  [[nodiscard]] std::vector<SocketAddress> originsAddresses(const Endpoint& target,
-                                                            std::vector<SocketAddress> found);
+  [[nodiscard]] std::vector<SocketAddress> originAddresses(const Endpoint& target,
+                                                           std::vector<SocketAddress> found);
   // The first established connection sets the only allowed address. Returns false for other addresses.
   [[nodiscard]] bool pin(const Endpoint& target, const SocketAddress& address);
   // Clears the addresses if none is pinned, so that the next connection resolves the name again.
   void forgetUnreachable(const Endpoint& target);
 
-  UsersProxy usersProxy;
+  UserProxy userProxy;
   std::string password;
   std::atomic<int> connections = 0;
   std::mutex mutex;
   std::optional<Endpoint> origin;
-  std::vector<SocketAddress> originsKnown;
+  std::vector<SocketAddress> knownAddresses;
   bool isPinned = false;
 };
 
@@ -162,7 +162,7 @@ void FilterProxy::Shared::serve(const FileDescriptor& client) {
 }
 
 FilterProxy::Shared::Outcome FilterProxy::Shared::connect(const Endpoint& target, Passage passage) {
-  auto server = usersProxy ? usersProxy(target) : std::nullopt;
+  auto server = userProxy ? userProxy(target) : std::nullopt;
   if (!server) return connectDirectly(target, passage);
   if (!server->valid()) return {.reply = SocksReply::Unreachable, .server = {}};
   return {.reply = SocksReply::Connected, .server = std::move(*server)};
@@ -171,7 +171,7 @@ FilterProxy::Shared::Outcome FilterProxy::Shared::connect(const Endpoint& target
 FilterProxy::Shared::Outcome FilterProxy::Shared::connectDirectly(const Endpoint& target, Passage passage) {
   bool tried = false;
   for (const SocketAddress& address : addressesOf(target, passage)) {
-    if (passage == Passage::PublicTls && !isElsewhere(address)) continue;
+    if (passage == Passage::PublicTls && !isOnPublicNetwork(address)) continue;
     tried = true;
     FileDescriptor server = connectTo(address);
     if (!server.valid()) continue;
@@ -184,8 +184,8 @@ FilterProxy::Shared::Outcome FilterProxy::Shared::connectDirectly(const Endpoint
 
 std::vector<SocketAddress> FilterProxy::Shared::addressesOf(const Endpoint& target, Passage passage) {
   if (passage != Passage::Free) return resolve(target);
-  auto known = originsAddresses(target, {});
-  return known.empty() ? originsAddresses(target, resolve(target)) : known;
+  auto known = originAddresses(target, {});
+  return known.empty() ? originAddresses(target, resolve(target)) : known;
 }
 
 std::optional<Endpoint> FilterProxy::Shared::currentOrigin() {
@@ -193,32 +193,32 @@ std::optional<Endpoint> FilterProxy::Shared::currentOrigin() {
   return origin;
 }
 
-std::vector<SocketAddress> FilterProxy::Shared::originsAddresses(const Endpoint& target,
-                                                                 std::vector<SocketAddress> found) {
+std::vector<SocketAddress> FilterProxy::Shared::originAddresses(const Endpoint& target,
+                                                                std::vector<SocketAddress> found) {
   const std::lock_guard lock(mutex);
   if (target != origin) return {};
-  if (originsKnown.empty()) originsKnown = std::move(found);
-  return originsKnown;
+  if (knownAddresses.empty()) knownAddresses = std::move(found);
+  return knownAddresses;
 }
 
 bool FilterProxy::Shared::pin(const Endpoint& target, const SocketAddress& address) {
   const std::lock_guard lock(mutex);
-  if (target != origin || std::ranges::count(originsKnown, address) == 0) return false;
-  originsKnown = {address};
+  if (target != origin || std::ranges::count(knownAddresses, address) == 0) return false;
+  knownAddresses = {address};
   isPinned = true;
   return true;
 }
 
 void FilterProxy::Shared::forgetUnreachable(const Endpoint& target) {
   const std::lock_guard lock(mutex);
-  if (target == origin && !isPinned) originsKnown.clear();
+  if (target == origin && !isPinned) knownAddresses.clear();
 }
 
-FilterProxy::FilterProxy(UsersProxy usersProxy)
+FilterProxy::FilterProxy(UserProxy userProxy)
     : shared_(std::make_shared<Shared>()),
       listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, IPPROTO_TCP)),
       stop_(::eventfd(0, EFD_CLOEXEC)) {
-  shared_->usersProxy = std::move(usersProxy);
+  shared_->userProxy = std::move(userProxy);
   shared_->password = randomPassword();
   if (stop_.valid() && !shared_->password.empty()) listen();
 }
@@ -266,7 +266,7 @@ void FilterProxy::setOrigin(std::optional<Endpoint> origin) {
   const std::lock_guard lock(shared_->mutex);
   if (origin == shared_->origin) return;
   shared_->origin = std::move(origin);
-  shared_->originsKnown.clear();
+  shared_->knownAddresses.clear();
   shared_->isPinned = false;
 }
 

@@ -18,9 +18,9 @@ class FilterProxy {
  public:
   // Returns a connection to the endpoint through the user's own proxy; nullopt if the endpoint is to be
   // reached directly; an invalid descriptor if the proxy cannot be reached or refuses. Called on any thread.
-  using UsersProxy = std::function<std::optional<platform::FileDescriptor>(const Endpoint&)>;
+  using UserProxy = std::function<std::optional<platform::FileDescriptor>(const Endpoint&)>;
 
-  explicit FilterProxy(UsersProxy usersProxy = {});
+  explicit FilterProxy(UserProxy userProxy = {});
   ~FilterProxy();
   FilterProxy(const FilterProxy&) = delete;
   FilterProxy& operator=(const FilterProxy&) = delete;

@@ -4,8 +4,8 @@
 
 namespace helpers {
 
-void Lifetime::addressCame(Clock::time_point now) {
-  news_ = now;
+void Lifetime::addressReceived(Clock::time_point now) {
+  lastProgress_ = now;
   loading_ = true;
   firstLoad_ = true;
 }
@@ -15,7 +15,7 @@ void Lifetime::loadingIs(bool loading, Clock::time_point now) {
   loading_ = loading;
   if (loading) return;
   quiet_ = now;
-  if (firstLoad_) news_ = now;
+  if (firstLoad_) lastProgress_ = now;
   firstLoad_ = false;
 }
 
@@ -24,8 +24,8 @@ void Lifetime::inputEnded(Clock::time_point now) {
 }
 
 Lifetime::Clock::time_point Lifetime::end() const {
-  if (!inputEnd_) return news_ + (firstLoad_ ? std::max<Clock::duration>(idle_, patience) : idle_);
-  const Clock::time_point last = *inputEnd_ + leave;
+  if (!inputEnd_) return lastProgress_ + (firstLoad_ ? std::max<Clock::duration>(idle_, minLoadTime) : idle_);
+  const Clock::time_point last = *inputEnd_ + maxTimeAfterInput;
   if (loading_) return last;
   if (!quiet_) return *inputEnd_;
   return std::clamp<Clock::time_point>(*quiet_ + grace, *inputEnd_, last);

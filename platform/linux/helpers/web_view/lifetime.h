@@ -13,29 +13,29 @@ class Lifetime {
   // Time for a page's scripts to send further requests once all resources have been loaded.
   static constexpr std::chrono::seconds grace{2};
   // Minimum time for the load of an address, including the start of the engine, if the idle time is shorter.
-  static constexpr std::chrono::seconds patience{60};
+  static constexpr std::chrono::seconds minLoadTime{60};
   // Maximum time from the end of the input to the end of the web view.
-  static constexpr std::chrono::seconds leave{10};
+  static constexpr std::chrono::seconds maxTimeAfterInput{10};
 
-  Lifetime(Clock::time_point now, Clock::duration idle) : news_(now), idle_(idle) {}
+  Lifetime(Clock::time_point now, Clock::duration idle) : lastProgress_(now), idle_(idle) {}
 
   // The load of a new address begins.
-  void addressCame(Clock::time_point now);
+  void addressReceived(Clock::time_point now);
   // `loading` is true while the page or one of its scripts loads anything.
   void loadingIs(bool loading, Clock::time_point now);
   void inputEnded(Clock::time_point now);
 
   // Returns the end. Before the end of the input: `idle` after the last address has been loaded, or the
-  // longer of `idle` and `patience` after it arrived if it still loads. Later loads by the page do not extend
-  // this time. After the end of the input: `grace` after the load is complete, but at most `leave` after the
-  // end of the input.
+  // longer of `idle` and `minLoadTime` after it arrived if it still loads. Later loads by the page do not
+  // extend this time. After the end of the input: `grace` after the load is complete, but at most
+  // `maxTimeAfterInput` after the end of the input.
   [[nodiscard]] Clock::time_point end() const;
 
  private:
-  Clock::time_point news_;
+  Clock::time_point lastProgress_;
   Clock::duration idle_;
   bool loading_ = false;
-  bool firstLoad_ = false;  // the load that addressCame started
+  bool firstLoad_ = false;  // the load that addressReceived started
   std::optional<Clock::time_point> quiet_;
   std::optional<Clock::time_point> inputEnd_;
 };

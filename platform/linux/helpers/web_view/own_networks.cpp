@@ -15,7 +15,7 @@ namespace {
 
 constexpr unsigned bitsBefore4 = 96;
 
-bool isOfInternet(const sockaddr* address) {
+bool isInternetAddress(const sockaddr* address) {
   return address != nullptr && (address->sa_family == AF_INET || address->sa_family == AF_INET6);
 }
 
@@ -37,10 +37,10 @@ unsigned prefixBits(const sockaddr& netmask) {
 }
 
 void add(std::vector<Network>& networks, const ifaddrs& entry) {
-  if (!isOfInternet(entry.ifa_addr)) return;
-  const bool hasMask = isOfInternet(entry.ifa_netmask);
+  if (!isInternetAddress(entry.ifa_addr)) return;
+  const bool hasMask = isInternetAddress(entry.ifa_netmask);
   networks.push_back({*addressBytes(*entry.ifa_addr), hasMask ? prefixBits(*entry.ifa_netmask) : 128});
-  if ((entry.ifa_flags & IFF_POINTOPOINT) == 0 || !isOfInternet(entry.ifa_dstaddr)) return;
+  if ((entry.ifa_flags & IFF_POINTOPOINT) == 0 || !isInternetAddress(entry.ifa_dstaddr)) return;
   networks.push_back({*addressBytes(*entry.ifa_dstaddr), 128});
 }
 

@@ -78,7 +78,7 @@ Page::Page(FilterProxy& network, std::function<void()> changed)
 }
 
 void Page::load(const std::string& address) {
-  mayStartOver_ = true;
+  mayRetry_ = true;
   network_.setOrigin(originOf(address));
   request(address);
 }
@@ -95,8 +95,8 @@ void Page::request(const std::string& address) {
   pulse_.reset(g_timeout_add(pulse.count(), +beat, this));
 }
 
-void Page::requestOnceMore() {
-  if (std::exchange(mayStartOver_, false)) return request(std::string(requested_));
+void Page::retryRequest() {
+  if (std::exchange(mayRetry_, false)) return request(std::string(requested_));
   requested_.clear();
   changed_();
 }
@@ -108,8 +108,8 @@ void Page::requestOnceMore() {
 // only slow to start.
 void Page::checkPulse() {
   if (requested_.empty()) return pulse_.reset();
-  if (webkit_web_view_is_loading(view_.get()) == FALSE) return requestOnceMore();
-  if (!answered_ && mayStartOver_ && hasLoaded_) return webkit_web_view_terminate_web_process(view_.get());
+  if (webkit_web_view_is_loading(view_.get()) == FALSE) return retryRequest();
+  if (!answered_ && mayRetry_ && hasLoaded_) return webkit_web_view_terminate_web_process(view_.get());
   constexpr auto answered = [](GObject*, GAsyncResult*, gpointer self) { pageOf(self).answered_ = true; };
   answered_ = false;
   webkit_web_view_evaluate_javascript(view_.get(), "0", -1, nullptr, nullptr, nullptr, answered, this);
@@ -171,7 +171,7 @@ void Page::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpoin
   Page& page = pageOf(self);
   page.hasLoaded_ = false;
   page.resources_.clear();
-  if (!page.requested_.empty()) page.requestOnceMore();
+  if (!page.requested_.empty()) page.retryRequest();
   page.changed_();
 }
 

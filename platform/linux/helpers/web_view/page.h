@@ -28,7 +28,7 @@ class Page {
 
  private:
   void request(const std::string& address);
-  void requestOnceMore();
+  void retryRequest();
   void requestAnswered();
   void checkPulse();
   void watchProgress();
@@ -45,7 +45,7 @@ class Page {
   std::string requested_;   // set until the page begins to arrive or fails
   bool hasLoaded_ = false;  // the web process has committed a load
   bool started_ = false;    // a load has started since the request
-  bool mayStartOver_ = false;
+  bool mayRetry_ = false;
   bool answered_ = false;
   EventSource pulse_;
   std::unordered_set<WebKitWebResource*> resources_;

@@ -9,7 +9,7 @@ namespace {
 bool mayNavigate(WebKitPolicyDecision* decision) {
   WebKitNavigationAction* action = webkit_navigation_policy_decision_get_navigation_action(
       reinterpret_cast<WebKitNavigationPolicyDecision*>(decision));
-  return mayLeadTo(webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)));
+  return isAllowedAddress(webkit_uri_request_get_uri(webkit_navigation_action_get_request(action)));
 }
 
 bool isPage(WebKitPolicyDecision* decision) {
@@ -51,37 +51,37 @@ gboolean denyPermission(WebKitWebView*, WebKitPermissionRequest* request, gpoint
   return TRUE;
 }
 
-gboolean giveNoPassword(WebKitWebView*, WebKitAuthenticationRequest* request, gpointer) {
+gboolean refuseAuthentication(WebKitWebView*, WebKitAuthenticationRequest* request, gpointer) {
   webkit_authentication_request_authenticate(request, nullptr);
   return TRUE;
 }
 
-gboolean chooseNoFile(WebKitWebView*, WebKitFileChooserRequest* request, gpointer) {
+gboolean refuseFileChooser(WebKitWebView*, WebKitFileChooserRequest* request, gpointer) {
   webkit_file_chooser_request_cancel(request);
   return TRUE;
 }
 
-gboolean chooseNoColour(WebKitWebView*, WebKitColorChooserRequest* request, gpointer) {
+gboolean refuseColorChooser(WebKitWebView*, WebKitColorChooserRequest* request, gpointer) {
   webkit_color_chooser_request_cancel(request);
   return TRUE;
 }
 
-WebKitWebView* openNoWindow(WebKitWebView*, WebKitNavigationAction*, gpointer) {
+WebKitWebView* refuseNewWindow(WebKitWebView*, WebKitNavigationAction*, gpointer) {
   return nullptr;
 }
 
 // Suppresses the engine's error page.
-gboolean leaveFailedPage(WebKitWebView*, WebKitLoadEvent, const char*, GError*, gpointer) {
+gboolean suppressErrorPage(WebKitWebView*, WebKitLoadEvent, const char*, GError*, gpointer) {
   return TRUE;
 }
 
 // Handles several signals that ask the view to show something, each with one object as argument. TRUE claims
 // that it has been shown.
-gboolean showNothing(WebKitWebView*, gpointer, gpointer) {
+gboolean suppressDisplay(WebKitWebView*, gpointer, gpointer) {
   return TRUE;
 }
 
-gboolean showNoOptions(WebKitWebView*, WebKitOptionMenu*, GdkEvent*, GdkRectangle*, gpointer) {
+gboolean suppressOptionMenu(WebKitWebView*, WebKitOptionMenu*, GdkEvent*, GdkRectangle*, gpointer) {
   return TRUE;
 }
 
@@ -94,16 +94,16 @@ void cancelDownload(WebKitWebContext*, WebKitDownload* download, gpointer) {
 void refuseAllButPages(WebKitWebContext* context, WebKitWebView* view) {
   connect(context, "download-started", cancelDownload, nullptr);
   connect(view, "decide-policy", decide, nullptr);
-  connect(view, "create", openNoWindow, nullptr);
+  connect(view, "create", refuseNewWindow, nullptr);
   connect(view, "script-dialog", answerDialog, nullptr);
   connect(view, "permission-request", denyPermission, nullptr);
-  connect(view, "authenticate", giveNoPassword, nullptr);
-  connect(view, "run-file-chooser", chooseNoFile, nullptr);
-  connect(view, "run-color-chooser", chooseNoColour, nullptr);
-  connect(view, "load-failed", leaveFailedPage, nullptr);
-  connect(view, "show-notification", showNothing, nullptr);
-  connect(view, "print", showNothing, nullptr);
-  connect(view, "show-option-menu", showNoOptions, nullptr);
+  connect(view, "authenticate", refuseAuthentication, nullptr);
+  connect(view, "run-file-chooser", refuseFileChooser, nullptr);
+  connect(view, "run-color-chooser", refuseColorChooser, nullptr);
+  connect(view, "load-failed", suppressErrorPage, nullptr);
+  connect(view, "show-notification", suppressDisplay, nullptr);
+  connect(view, "print", suppressDisplay, nullptr);
+  connect(view, "show-option-menu", suppressOptionMenu, nullptr);
 }
 
 }  // namespace helpers

@@ -27,8 +27,8 @@ class Session {
   void readInput();
   void inputEnded();
   void followPage();
-  void waitForEnd();
-  void endOrTakeLeave();
+  void scheduleEnd();
+  void shutDownOrQuit();
 
   platform::FileDescriptor input_;
   AddressLines lines_;
@@ -37,9 +37,9 @@ class Session {
     void operator()(GMainLoop* loop) const { g_main_loop_unref(loop); }
   };
   std::unique_ptr<GMainLoop, EndLoop> loop_;
-  EventSource arrivals_;
-  EventSource alarm_;
-  bool leaving_ = false;
+  EventSource inputSource_;
+  EventSource endTimer_;
+  bool inputShutDown_ = false;
   Page page_;
 };
 

@@ -38,7 +38,7 @@ bool sendBytes(const FileDescriptor& client, std::string_view bytes) {
   return ::send(client.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
 }
 
-bool agreeOnPassword(const FileDescriptor& client) {
+bool negotiatePassword(const FileDescriptor& client) {
   const auto first = readBytes(client, 1);
   if (!first || first->front() != version) return false;
   const auto methods = readCounted(client);
@@ -46,7 +46,7 @@ bool agreeOnPassword(const FileDescriptor& client) {
   return sendBytes(client, {offered ? "\x05\x02" : "\x05\xff", 2}) && offered;
 }
 
-bool givesPassword(const FileDescriptor& client, std::string_view password) {
+bool verifyPassword(const FileDescriptor& client, std::string_view password) {
   const auto first = readBytes(client, 1);
   if (!first || first->front() != passwordVersion) return false;
   const auto user = readCounted(client);
@@ -97,9 +97,9 @@ std::optional<Endpoint> readTarget(const FileDescriptor& client) {
 }  // namespace
 
 std::optional<Endpoint> readSocksRequest(const FileDescriptor& client, std::string_view password) {
-  constexpr timeval patience{30, 0};
-  ::setsockopt(client.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-  if (!agreeOnPassword(client) || !givesPassword(client, password)) return std::nullopt;
+  constexpr timeval receiveTimeout{30, 0};
+  ::setsockopt(client.get(), SOL_SOCKET, SO_RCVTIMEO, &receiveTimeout, sizeof receiveTimeout);
+  if (!negotiatePassword(client) || !verifyPassword(client, password)) return std::nullopt;
   return readTarget(client);
 }
 

@@ -15,7 +15,7 @@
 #include "platform/linux/helpers/web_view/options.h"
 #include "platform/linux/helpers/web_view/sandbox.h"
 #include "platform/linux/helpers/web_view/session.h"
-#include "platform/linux/helpers/web_view/users_proxy.h"
+#include "platform/linux/helpers/web_view/user_proxy.h"
 
 namespace {
 
@@ -24,11 +24,10 @@ constexpr char program[] = "TovalinWebView";
 constexpr char usage[] =
     "Usage: TovalinWebView [--idle-seconds NUMBER]\n"
     "\n"
-    "Loads the pages whose addresses, http or https, come in on the standard input, one a line, into a view\n"
-    "that is never shown. A new page replaces the one before. Ends 15 seconds (or NUMBER) after the last "
-    "page\n"
-    "was loaded or, where that never comes to an end, 60 seconds after its address came; at the end of the\n"
-    "input once the page has been loaded, and 10 seconds after it at the latest.\n";
+    "Loads web pages into a view that is never shown. Reads their http and https addresses from standard\n"
+    "input, one per line; each page replaces the previous one. Exits 15 seconds (or NUMBER) after the last\n"
+    "page has been loaded, or 60 seconds after its address arrived if the load does not finish. After the\n"
+    "end of the input, exits when the page has been loaded, at most 10 seconds later.\n";
 
 // Moves the input to a close-on-exec descriptor, so that no child process keeps it open.
 platform::FileDescriptor takeInput() {
@@ -38,7 +37,7 @@ platform::FileDescriptor takeInput() {
   return input;
 }
 
-int giveUp(const std::string& reason) {
+int failToLoad(const std::string& reason) {
   const std::string text = "no page is loaded: " + reason;
   ::openlog(program, 0, LOG_USER);
   ::syslog(LOG_ERR, "%s", text.c_str());
@@ -48,16 +47,16 @@ int giveUp(const std::string& reason) {
 int serve(const helpers::ServeAddresses& request) {
   platform::FileDescriptor input = takeInput();
   const helpers::RuntimeFolder runtimeFolder;
-  if (runtimeFolder.path().empty()) return giveUp("there is no private folder");
+  if (runtimeFolder.path().empty()) return failToLoad("cannot create the private folder");
   helpers::replaceEnvironment(runtimeFolder.path());
   if (!helpers::canLockInWebProcess(runtimeFolder.path()))
-    return giveUp("the web engine's sandbox can't be had");
+    return failToLoad("the web engine's sandbox is not available");
   const helpers::EmptyDisplay display;
   ::setenv("WAYLAND_DISPLAY", display.name().c_str(), 1);
   if (display.name().empty() || gtk_init_check(nullptr, nullptr) == FALSE)
-    return giveUp("there is no display");
-  helpers::FilterProxy network(helpers::connectThroughUsersProxy);
-  if (network.address().empty()) return giveUp("there is no socket on loopback");
+    return failToLoad("cannot open the display");
+  helpers::FilterProxy network(helpers::connectThroughUserProxy);
+  if (network.address().empty()) return failToLoad("cannot open a socket on the loopback interface");
   helpers::adoptDescendants();
   helpers::Session(std::move(input), network, request.idle).run();
   helpers::endDescendants();
@@ -67,13 +66,13 @@ int serve(const helpers::ServeAddresses& request) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  helpers::takeUsersEnvironment();
+  helpers::prepareEnvironment();
   const auto request = helpers::parseWebViewRequest({argv + 1, argv + argc});
   if (std::holds_alternative<helpers::ShowUsage>(request)) return helpers::showUsage(usage);
   if (const auto* refusal = std::get_if<helpers::Refusal>(&request)) {
     return helpers::refuse(program, refusal->reason);
   }
   // Leaves the agent's working directory, so that its file system can be unmounted.
-  if (::chdir("/") != 0) return helpers::fail(program, "there is no root folder");
+  if (::chdir("/") != 0) return helpers::fail(program, "cannot change to the root folder");
   return serve(std::get<helpers::ServeAddresses>(request));
 }

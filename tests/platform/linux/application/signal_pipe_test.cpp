@@ -58,7 +58,7 @@ TEST(SignalPipe, WithoutDescriptorsProcessExitsWithMessage) {
     return 0;
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
-  EXPECT_EQ(finished.error, "TovalinTray: no pipe to hear of signals by: Too many open files\n");
+  EXPECT_EQ(finished.error, "TovalinTray: cannot create the signal pipe: Too many open files\n");
 }
 
 TEST(SignalPipe, FailedSigactionExitsWithMessage) {
@@ -69,7 +69,7 @@ TEST(SignalPipe, FailedSigactionExitsWithMessage) {
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_THAT(finished.error,
-              testing::EndsWith("TovalinTray: signals can't be heard: Operation not permitted\n"));
+              testing::EndsWith("TovalinTray: cannot install a signal handler: Operation not permitted\n"));
 }
 
 TEST(SignalPipe, SignalIsHandledAfterFailedWrites) {

@@ -52,8 +52,8 @@ TEST_F(FileEvents, FolderIdentityIncludesBirthTime) {
   if ((status.stx_mask & STATX_BTIME) == 0) GTEST_SKIP() << "this file system keeps no birth time";
   const auto identity = platform::folderAt(root_);
   ASSERT_TRUE(identity);
-  EXPECT_EQ(identity->madeSeconds, status.stx_btime.tv_sec);
-  EXPECT_EQ(identity->madeNanoseconds, status.stx_btime.tv_nsec);
+  EXPECT_EQ(identity->birthSeconds, status.stx_btime.tv_sec);
+  EXPECT_EQ(identity->birthNanoseconds, status.stx_btime.tv_nsec);
 }
 
 long watchesForAll() {

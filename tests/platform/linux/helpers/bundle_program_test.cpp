@@ -45,16 +45,15 @@ TEST_F(BundleProgramTest, SeveralCandidatesAreAnError) {
   helper_test::writeProgram(programs_ + "One", "");
   helper_test::writeProgram(programs_ + "Two", "");
   EXPECT_EQ("", findBundleProgram(bundle_).path);
-  EXPECT_EQ("there is more than one program in " + bundle_ + "/Contents/MacOS",
-            findBundleProgram(bundle_).problem);
+  EXPECT_EQ("more than one program in " + bundle_ + "/Contents/MacOS", findBundleProgram(bundle_).problem);
 }
 
 TEST_F(BundleProgramTest, MissingBundleOrProgramIsAnError) {
-  EXPECT_EQ("there is no bundle at " + bundle_, findBundleProgram(bundle_).problem);
+  EXPECT_EQ("no bundle at " + bundle_, findBundleProgram(bundle_).problem);
   fs::create_directory(bundle_);
-  EXPECT_EQ("there is no program in " + bundle_ + "/Contents/MacOS", findBundleProgram(bundle_).problem);
+  EXPECT_EQ("no program in " + bundle_ + "/Contents/MacOS", findBundleProgram(bundle_).problem);
   helper_test::writeFile(programs_ + "notes.txt", "");
-  EXPECT_EQ("there is no program in " + bundle_ + "/Contents/MacOS", findBundleProgram(bundle_).problem);
+  EXPECT_EQ("no program in " + bundle_ + "/Contents/MacOS", findBundleProgram(bundle_).problem);
 }
 
 TEST_F(BundleProgramTest, BundleOfAnotherUserInSharedFolderIsRefused) {

@@ -19,21 +19,21 @@ Request parsed(const Arguments& arguments) {
 
 TEST(CollectRequest, CopySubcommandsTakeSourcePatternAndTarget) {
   const auto whole = parsed<CopyFiles>({"whole", "20", "/a b", "*x", "/t"});
-  EXPECT_EQ(whole.oversized, CopyFiles::Oversized::LeftOut);
+  EXPECT_EQ(whole.oversized, CopyFiles::Oversized::Skipped);
   EXPECT_EQ(whole.limit, 20);
   EXPECT_EQ(whole.source, "/a b");
   EXPECT_EQ(whole.pattern, "*x");
   EXPECT_EQ(whole.target, "/t");
   EXPECT_EQ(whole.name, "");
   const auto newest = parsed<CopyFiles>({"newest", "1", "/s", "p", "/t", "n"});
-  EXPECT_EQ(newest.oversized, CopyFiles::Oversized::CutToItsEnd);
+  EXPECT_EQ(newest.oversized, CopyFiles::Oversized::EndOnly);
   EXPECT_EQ(newest.name, "n");
 }
 
 TEST(CollectRequest, OutputAndArchiveTakeCommand) {
   const auto output = parsed<KeepOutput>({"output", "5", "7", "/t", "n", "cmd", "-o", "output"});
   EXPECT_EQ(output.limit, 5);
-  EXPECT_EQ(output.patience, 7s);
+  EXPECT_EQ(output.timeout, 7s);
   EXPECT_EQ(output.target, "/t");
   EXPECT_EQ(output.name, "n");
   EXPECT_EQ(output.command, (Arguments{"cmd", "-o", "output"}));

@@ -116,7 +116,7 @@ TEST_F(CollectLogs, WholeFilesThatFitAreCopiedNewestFirst) {
   const Ended ended = copy("1000");
   EXPECT_THAT(namesIn(target_), UnorderedElementsAre("newest.log", "middle.log"));
   EXPECT_EQ(ended.code, 1);
-  EXPECT_THAT(ended.error, HasSubstr("files left out: 1"));
+  EXPECT_THAT(ended.error, HasSubstr("files skipped: 1"));
 }
 
 TEST_F(CollectLogs, WholeFileBeyondLimitIsLeftOut) {
@@ -176,7 +176,7 @@ TEST_F(CollectLogs, EntriesBeyondTwentyThousandAreNotRead) {
   for (int i = 0; i < 20'500; ++i) put(std::to_string(i) + ".log", "");
   const Ended ended = copy();
   EXPECT_EQ(namesIn(target_).size(), 1000U);
-  EXPECT_THAT(ended.error, HasSubstr("files left out: 19000"));
+  EXPECT_THAT(ended.error, HasSubstr("files skipped: 19000"));
 }
 
 TEST_F(CollectLogs, OtherThanRegularFileIsLeftOut) {
@@ -192,7 +192,7 @@ TEST_F(CollectLogs, OtherThanRegularFileIsLeftOut) {
   put("real.log", "text");
   const Ended ended = copy();
   EXPECT_EQ(ended.code, 1);
-  EXPECT_THAT(ended.error, HasSubstr("files left out: 5"));
+  EXPECT_THAT(ended.error, HasSubstr("files skipped: 5"));
   EXPECT_THAT(namesIn(target_), ElementsAre("real.log"));
 }
 

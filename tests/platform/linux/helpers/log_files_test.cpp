@@ -41,7 +41,7 @@ TEST(LogFiles, MayBeCopiedDependsOnOwnerTypeAndFolder) {
       {entry(S_IFBLK | 0666, kRoot), entry(kClosed, kRoot), false},
   };
   for (const auto& [file, folder, allowed] : cases) {
-    EXPECT_EQ(mayBeCopied(file, folder, kUser), allowed)
+    EXPECT_EQ(isCopyAllowed(file, folder, kUser), allowed)
         << std::oct << file.st_mode << " of " << std::dec << file.st_uid << " with " << file.st_nlink
         << " names in " << std::oct << folder.st_mode << " of " << std::dec << folder.st_uid;
   }

@@ -127,7 +127,7 @@ TEST_F(OpenTest, OnlyProgramOfBundleIsStarted) {
 TEST_F(OpenTest, MissingBundleIsReported) {
   const Ended ended = open({"-a", bundle_, "--args", "x"});
   EXPECT_EQ(1, ended.code);
-  EXPECT_EQ("open: there is no bundle at " + bundle_ + "\n", ended.error);
+  EXPECT_EQ("open: no bundle at " + bundle_ + "\n", ended.error);
 }
 
 TEST_F(OpenTest, ProgramWithoutExecutePermissionIsReported) {

@@ -116,7 +116,7 @@ TEST_F(OsascriptTest, EmptyDesktopIsReported) {
   ASSERT_TRUE(scene_.destroy(upper_));
   const Ended ended = activateFront();
   EXPECT_EQ(1, ended.code);
-  EXPECT_EQ("osascript: there is no application in front\n", ended.error);
+  EXPECT_EQ("osascript: no application is in front\n", ended.error);
   EXPECT_THAT(scene_.takeRequests(), ElementsAre());
 }
 
@@ -148,7 +148,7 @@ TEST(OsascriptWithoutDesktopTest, MissingDisplayIsReported) {
   for (const std::optional<std::string>& display : {std::optional<std::string>(), {":4711"}, {"nonsense"}}) {
     const Ended ended = activateFrontOn(display);
     EXPECT_EQ(1, ended.code);
-    EXPECT_EQ("osascript: there is no X display\n", ended.error);
+    EXPECT_EQ("osascript: cannot connect to the X display\n", ended.error);
   }
 }
 

@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kIdle = 60s;
 constexpr auto grace = Lifetime::grace;
-constexpr auto leave = Lifetime::leave;
+constexpr auto leave = Lifetime::maxTimeAfterInput;
 
 // The lifetime begins at 0 s; all times are relative to it.
 class LifetimeTest : public testing::Test {
@@ -29,13 +29,13 @@ TEST_F(LifetimeTest, WithoutAddressEndsAfterIdleTime) {
 }
 
 TEST_F(LifetimeTest, FinishedLoadStartsIdleTime) {
-  lifetime_.addressCame(at(10s));
+  lifetime_.addressReceived(at(10s));
   lifetime_.loadingIs(false, at(15s));
   EXPECT_EQ(end(), 15s + kIdle);
 }
 
 TEST_F(LifetimeTest, EndlessLoadEndsIdleTimeAfterAddress) {
-  lifetime_.addressCame(at(10s));
+  lifetime_.addressReceived(at(10s));
   lifetime_.loadingIs(true, at(40s));
   EXPECT_EQ(end(), 10s + kIdle);
 }
@@ -44,8 +44,8 @@ TEST_F(LifetimeTest, EndlessLoadEndsIdleTimeAfterAddress) {
 TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsAwaitedUpToPatience) {
   Lifetime lifetime(at(0s), 15s);
   EXPECT_EQ(lifetime.end(), at(15s));
-  lifetime.addressCame(at(10s));
-  EXPECT_EQ(lifetime.end(), at(10s) + Lifetime::patience);
+  lifetime.addressReceived(at(10s));
+  EXPECT_EQ(lifetime.end(), at(10s) + Lifetime::minLoadTime);
   lifetime.loadingIs(false, at(40s));
   EXPECT_EQ(lifetime.end(), at(55s));
   lifetime.loadingIs(true, at(41s));
@@ -53,16 +53,16 @@ TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsAwaitedUpToPatience) {
 }
 
 TEST_F(LifetimeTest, NewAddressRestartsIdleTime) {
-  lifetime_.addressCame(at(10s));
+  lifetime_.addressReceived(at(10s));
   lifetime_.loadingIs(false, at(11s));
-  lifetime_.addressCame(at(50s));
+  lifetime_.addressReceived(at(50s));
   EXPECT_EQ(end(), 50s + kIdle);
   lifetime_.loadingIs(false, at(52s));
   EXPECT_EQ(end(), 52s + kIdle);
 }
 
 TEST_F(LifetimeTest, RequestsOfScriptDoNotRestartIdleTime) {
-  lifetime_.addressCame(at(10s));
+  lifetime_.addressReceived(at(10s));
   lifetime_.loadingIs(false, at(11s));
   lifetime_.loadingIs(true, at(40s));
   lifetime_.loadingIs(false, at(41s));
@@ -75,14 +75,14 @@ TEST_F(LifetimeTest, EndOfInputWithoutAddressEndsImmediately) {
 }
 
 TEST_F(LifetimeTest, EndOfInputLongAfterLoadEndsImmediately) {
-  lifetime_.addressCame(at(1s));
+  lifetime_.addressReceived(at(1s));
   lifetime_.loadingIs(false, at(2s));
   lifetime_.inputEnded(at(30s));
   EXPECT_EQ(end(), 30s);
 }
 
 TEST_F(LifetimeTest, EndOfInputDuringLoadWaitsForLoad) {
-  lifetime_.addressCame(at(1s));
+  lifetime_.addressReceived(at(1s));
   lifetime_.inputEnded(at(2s));
   EXPECT_EQ(end(), 2s + leave);
   lifetime_.loadingIs(false, at(5s));
@@ -90,7 +90,7 @@ TEST_F(LifetimeTest, EndOfInputDuringLoadWaitsForLoad) {
 }
 
 TEST_F(LifetimeTest, EndOfInputWaitsForScript) {
-  lifetime_.addressCame(at(1s));
+  lifetime_.addressReceived(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(3s));
   lifetime_.loadingIs(true, at(4s));
@@ -100,14 +100,14 @@ TEST_F(LifetimeTest, EndOfInputWaitsForScript) {
 }
 
 TEST_F(LifetimeTest, GraceIsLimitedByLeave) {
-  lifetime_.addressCame(at(1s));
+  lifetime_.addressReceived(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(11s));
   EXPECT_EQ(end(), 2s + leave);
 }
 
 TEST_F(LifetimeTest, LeaveStartsAtFirstEndOfInput) {
-  lifetime_.addressCame(at(1s));
+  lifetime_.addressReceived(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.inputEnded(at(9s));
   EXPECT_EQ(end(), 2s + leave);
@@ -115,7 +115,7 @@ TEST_F(LifetimeTest, LeaveStartsAtFirstEndOfInput) {
 
 TEST_F(LifetimeTest, LeaveMayExceedIdleTime) {
   Lifetime lifetime(at(0s), 1s);
-  lifetime.addressCame(at(0s));
+  lifetime.addressReceived(at(0s));
   lifetime.inputEnded(at(1s));
   EXPECT_EQ(lifetime.end(), at(1s) + leave);
 }

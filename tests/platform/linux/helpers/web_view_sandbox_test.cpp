@@ -158,7 +158,8 @@ TEST_F(WebViewSandbox, WithoutSandboxNoPageIsLoadedAndErrorIsLogged) {
   EXPECT_EQ(helper_.wait(), ExitStatus{.code = 1});
   EXPECT_EQ(::umount2("/usr/bin/bwrap", MNT_DETACH), 0);
   EXPECT_TRUE(log.waitFor([](const test_support::SyslogMessage& message) {
-    return message.text.find("no page is loaded: the web engine's sandbox can't be had") != std::string::npos;
+    return message.text.find("no page is loaded: the web engine's sandbox is not available") !=
+           std::string::npos;
   }));
   EXPECT_THAT(server_.asked(), IsEmpty());
   EXPECT_THAT(webProcesses(), IsEmpty());
@@ -210,7 +211,7 @@ TEST_F(WebViewRuntimeFolder, WithoutPrivateFolderNoPageIsLoaded) {
   fs::create_symlink(kOthers, belowTmp_);
   startWith({{"XDG_RUNTIME_DIR", std::nullopt}});
   EXPECT_EQ(helper_.wait(), ExitStatus{.code = 1});
-  EXPECT_THAT(helper_.takeErrorOutput(), HasSubstr("no page is loaded: there is no private folder"));
+  EXPECT_THAT(helper_.takeErrorOutput(), HasSubstr("no page is loaded: cannot create the private folder"));
   EXPECT_THAT(filesBelow(kOthers), testing::ElementsAre(planted_));
 }
 

@@ -170,8 +170,8 @@ TEST_F(HelperInstallation, NoexecFolderIsReported) {
   test_support::ChildProcess child;
   ASSERT_TRUE(child.start({program_, "install"}, {.error = test_support::Redirection::pipe()}));
   ASSERT_EQ(child.wait(), ExitStatus{.code = 0});
-  EXPECT_THAT(child.takeErrorOutput(),
-              HasSubstr("helpers are gone when its bundle is: no program runs at /tmp/run/TovalinTray"));
+  EXPECT_THAT(child.takeErrorOutput(), HasSubstr("helpers are not available after the removal of its bundle: "
+                                                 "no program can be executed in /tmp/run/TovalinTray"));
   for (const std::string& folder : {std::string("/tmp/run"), belowTmp}) ::umount2(folder.c_str(), MNT_DETACH);
   fs::remove(belowTmp);
 }

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "platform/helper_folder.h"
-#include "platform/linux/processes/runtime_folder.h"
+#include "platform/linux/processes/qt_runtime_folder.h"
 #include "tests/ipc/forked_call.h"
 
 namespace {
@@ -229,7 +229,7 @@ TEST_F(RuntimeFolderWithoutPrograms, NoexecFolderBelowTmpIsNoHelperFolder) {
 }
 
 // Tests the value of XDG_RUNTIME_DIR while Qt starts.
-class ToolkitsRuntimeFolderTest : public PrivateFolder {
+class QtRuntimeFolderTest : public PrivateFolder {
  protected:
   static std::string named() {
     const char* name = std::getenv("XDG_RUNTIME_DIR");
@@ -237,33 +237,33 @@ class ToolkitsRuntimeFolderTest : public PrivateFolder {
   }
 };
 
-TEST_F(ToolkitsRuntimeFolderTest, UsableFolderIsKept) {
-  const platform::ToolkitsRuntimeFolder folder;
+TEST_F(QtRuntimeFolderTest, UsableFolderIsKept) {
+  const platform::QtRuntimeFolder folder;
   EXPECT_EQ(named(), kRuntime);
 }
 
-TEST_F(ToolkitsRuntimeFolderTest, UnsetFolderIsPrivateFolderForLifetime) {
+TEST_F(QtRuntimeFolderTest, UnsetFolderIsPrivateFolderForLifetime) {
   ::unsetenv("XDG_RUNTIME_DIR");
   {
-    const platform::ToolkitsRuntimeFolder folder;
+    const platform::QtRuntimeFolder folder;
     EXPECT_EQ(named(), belowTmp_);
   }
   EXPECT_EQ(named(), "(unset)");
 }
 
-TEST_F(ToolkitsRuntimeFolderTest, LinkToFolderIsReplaced) {
+TEST_F(QtRuntimeFolderTest, LinkToFolderIsReplaced) {
   fs::create_symlink(kRuntime, "/tmp/link");
   ::setenv("XDG_RUNTIME_DIR", "/tmp/link", 1);
-  const platform::ToolkitsRuntimeFolder folder;
+  const platform::QtRuntimeFolder folder;
   EXPECT_EQ(named(), belowTmp_);
   fs::remove("/tmp/link");
 }
 
-TEST_F(ToolkitsRuntimeFolderTest, UnusableFolderIsReplacedForLifetime) {
+TEST_F(QtRuntimeFolderTest, UnusableFolderIsReplacedForLifetime) {
   const auto isReplacedBy = [](const std::string& other) {
     const std::string users = named();
     {
-      const platform::ToolkitsRuntimeFolder folder;
+      const platform::QtRuntimeFolder folder;
       EXPECT_EQ(named(), other);
     }
     EXPECT_EQ(named(), users);

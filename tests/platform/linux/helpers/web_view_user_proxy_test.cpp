@@ -5,14 +5,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/linux/helpers/web_view/users_proxy.h"
+#include "platform/linux/helpers/web_view/user_proxy.h"
 #include "tests/platform/linux/helpers/loopback_proxy.h"
 #include "tests/platform/linux/helpers/page_server.h"
 
 namespace web_view_test {
 namespace {
 
-using helpers::connectThroughUsersProxy;
+using helpers::connectThroughUserProxy;
 using platform::FileDescriptor;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -42,8 +42,8 @@ class UsersProxyTest : public testing::Test {
 };
 
 TEST_F(UsersProxyTest, ReturnsNulloptWithoutProxyInEnvironment) {
-  EXPECT_FALSE(connectThroughUsersProxy({"www.example", 443}));
-  EXPECT_FALSE(connectThroughUsersProxy({"www.example", 80}));
+  EXPECT_FALSE(connectThroughUserProxy({"www.example", 443}));
+  EXPECT_FALSE(connectThroughUserProxy({"www.example", 80}));
 }
 
 TEST_F(UsersProxyTest, ProxyOfSchemeConnectsToEndpoint) {
@@ -51,9 +51,9 @@ TEST_F(UsersProxyTest, ProxyOfSchemeConnectsToEndpoint) {
   const LoopbackProxy secure(serversPort());
   name("http_proxy", plain.address());
   name("https_proxy", secure.address());
-  const auto toHttp = connectThroughUsersProxy({"www.example", 80});
-  const auto toHttps = connectThroughUsersProxy({"www.example", 443});
-  const auto toAddress6 = connectThroughUsersProxy({"2a00::1", 443});
+  const auto toHttp = connectThroughUserProxy({"www.example", 80});
+  const auto toHttps = connectThroughUserProxy({"www.example", 443});
+  const auto toAddress6 = connectThroughUserProxy({"2a00::1", 443});
   ASSERT_TRUE(toHttp && toHttps && toAddress6);
   EXPECT_TRUE(reachesServer(*toHttp, "/http"));
   EXPECT_TRUE(reachesServer(*toHttps, "/https"));
@@ -64,7 +64,7 @@ TEST_F(UsersProxyTest, ProxyOfSchemeConnectsToEndpoint) {
 TEST_F(UsersProxyTest, RefusalReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", proxy.address());
-  const auto socket = connectThroughUsersProxy({"www.example", 443});
+  const auto socket = connectThroughUserProxy({"www.example", 443});
   ASSERT_TRUE(socket);
   EXPECT_FALSE(socket->valid());
   EXPECT_THAT(proxy.asked(), ElementsAre(StartsWith("CONNECT www.example:443 ")));
@@ -72,7 +72,7 @@ TEST_F(UsersProxyTest, RefusalReturnsInvalidDescriptor) {
 
 TEST_F(UsersProxyTest, UnreachableProxyReturnsInvalidDescriptor) {
   name("https_proxy", "http://127.0.0.1:1");
-  const auto socket = connectThroughUsersProxy({"www.example", 443});
+  const auto socket = connectThroughUserProxy({"www.example", 443});
   ASSERT_TRUE(socket);
   EXPECT_FALSE(socket->valid());
 }
@@ -80,7 +80,7 @@ TEST_F(UsersProxyTest, UnreachableProxyReturnsInvalidDescriptor) {
 TEST_F(UsersProxyTest, ProxyWithoutTlsReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", "https://127.0.0.1:1");
-  const auto socket = connectThroughUsersProxy({"www.example", 443});
+  const auto socket = connectThroughUserProxy({"www.example", 443});
   ASSERT_TRUE(socket);
   EXPECT_FALSE(socket->valid());
 }
@@ -89,7 +89,7 @@ TEST_F(UsersProxyTest, HostOfNoProxyReturnsNullopt) {
   const LoopbackProxy proxy(serversPort());
   name("https_proxy", proxy.address());
   name("no_proxy", "direct.example");
-  EXPECT_FALSE(connectThroughUsersProxy({"direct.example", 443}));
+  EXPECT_FALSE(connectThroughUserProxy({"direct.example", 443}));
   EXPECT_THAT(proxy.asked(), IsEmpty());
 }
 

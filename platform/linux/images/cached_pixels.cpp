@@ -1,4 +1,4 @@
-#include "platform/linux/images/kept_pixels.h"
+#include "platform/linux/images/cached_pixels.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
@@ -6,7 +6,7 @@
 
 namespace platform {
 
-QImage keptPixels(const QString& key, const std::function<QImage()>& make) {
+QImage cachedPixels(const QString& key, const std::function<QImage()>& make) {
   if (qGuiApp == nullptr) return make();
   const QString own = QStringLiteral("tovalin ") + key;
   QPixmap kept;

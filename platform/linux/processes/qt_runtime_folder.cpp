@@ -1,4 +1,4 @@
-#include "platform/linux/processes/runtime_folder.h"
+#include "platform/linux/processes/qt_runtime_folder.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,7 +24,7 @@ bool isUsable(const char* folder) {
 
 }  // namespace
 
-ToolkitsRuntimeFolder::ToolkitsRuntimeFolder() {
+QtRuntimeFolder::QtRuntimeFolder() {
   if (isUsable(std::getenv(variable))) return;
   const auto own = privateFolder();
   const bool hasOwn = own && isUsable(own->c_str());
@@ -32,18 +32,18 @@ ToolkitsRuntimeFolder::ToolkitsRuntimeFolder() {
   if (!hasOwn) replace("TMPDIR", nowhere);
 }
 
-void ToolkitsRuntimeFolder::replace(const char* name, const char* value) {
-  const char* usersOwn = std::getenv(name);
-  usersOwn_.push_back({name, usersOwn == nullptr ? std::nullopt : std::optional<std::string>(usersOwn)});
+void QtRuntimeFolder::replace(const char* name, const char* value) {
+  const char* original = std::getenv(name);
+  replaced_.push_back({name, original == nullptr ? std::nullopt : std::optional<std::string>(original)});
   ::setenv(name, value, 1);
 }
 
-ToolkitsRuntimeFolder::~ToolkitsRuntimeFolder() {
-  for (const Variable& own : usersOwn_) {
-    if (own.value) {
-      ::setenv(own.name, own.value->c_str(), 1);
+QtRuntimeFolder::~QtRuntimeFolder() {
+  for (const Variable& replaced : replaced_) {
+    if (replaced.value) {
+      ::setenv(replaced.name, replaced.value->c_str(), 1);
     } else {
-      ::unsetenv(own.name);
+      ::unsetenv(replaced.name);
     }
   }
 }

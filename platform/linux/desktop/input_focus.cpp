@@ -1,4 +1,4 @@
-#include "platform/linux/desktop/keyboard_holder.h"
+#include "platform/linux/desktop/input_focus.h"
 
 #include <xcb/xcb.h>
 
@@ -23,30 +23,30 @@ bool isOnScreen(xcb_window_t window) {
   return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
-bool holdsInPassing(xcb_window_t window) {
-  constexpr std::array passing{"_NET_WM_WINDOW_TYPE_DOCK", "_NET_WM_WINDOW_TYPE_MENU",
-                               "_NET_WM_WINDOW_TYPE_POPUP_MENU", "_NET_WM_WINDOW_TYPE_DROPDOWN_MENU",
-                               "_NET_WM_WINDOW_TYPE_NOTIFICATION"};
+bool hasFocusTemporarily(xcb_window_t window) {
+  constexpr std::array temporary{"_NET_WM_WINDOW_TYPE_DOCK", "_NET_WM_WINDOW_TYPE_MENU",
+                                 "_NET_WM_WINDOW_TYPE_POPUP_MENU", "_NET_WM_WINDOW_TYPE_DROPDOWN_MENU",
+                                 "_NET_WM_WINDOW_TYPE_NOTIFICATION"};
   const auto type = xNumber(window, xAtom(xConnection(), "_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM);
   return type && std::ranges::any_of(
-                     passing, [type](const char* name) { return xAtom(xConnection(), name) == *type; });
+                     temporary, [type](const char* name) { return xAtom(xConnection(), name) == *type; });
 }
 
 }  // namespace
 
-std::uint32_t keyboardHolderProperty() {
+std::uint32_t inputFocusProperty() {
   return xConnection() == nullptr ? 0 : xAtom(xConnection(), "_NET_ACTIVE_WINDOW");
 }
 
-KeyboardHolder keyboardHolder() {
-  if (xConnection() == nullptr) return KeyboardHolder::Unknown;
-  const auto holder = xNumber(xRoot(), keyboardHolderProperty(), XCB_ATOM_WINDOW);
-  if (!holder) return KeyboardHolder::Unknown;
-  if (*holder == XCB_WINDOW_NONE) return KeyboardHolder::Nobody;
-  if (isOfThisProgram(*holder)) return KeyboardHolder::ThisProgram;
+InputFocusOwner inputFocusOwner() {
+  if (xConnection() == nullptr) return InputFocusOwner::Unknown;
+  const auto focused = xNumber(xRoot(), inputFocusProperty(), XCB_ATOM_WINDOW);
+  if (!focused) return InputFocusOwner::Unknown;
+  if (*focused == XCB_WINDOW_NONE) return InputFocusOwner::NoProgram;
+  if (isOfThisProgram(*focused)) return InputFocusOwner::ThisProgram;
   // Check the type first: a menu that closes between the two requests then fails the second one.
-  const bool isPrograms = !holdsInPassing(*holder) && isOnScreen(*holder);
-  return isPrograms ? KeyboardHolder::OtherProgram : KeyboardHolder::Nobody;
+  const bool isOtherProgram = !hasFocusTemporarily(*focused) && isOnScreen(*focused);
+  return isOtherProgram ? InputFocusOwner::OtherProgram : InputFocusOwner::NoProgram;
 }
 
 }  // namespace platform

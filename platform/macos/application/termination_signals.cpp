@@ -1,4 +1,4 @@
-#include "platform/macos/application/ending_signals.h"
+#include "platform/macos/application/termination_signals.h"
 
 #include <signal.h>
 
@@ -14,7 +14,7 @@ bool isIgnored(int number) {
   return ::sigaction(number, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
 }
 
-sigset_t endingSignals() {
+sigset_t terminationSignals() {
   sigset_t signals;
   sigemptyset(&signals);
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
@@ -26,13 +26,13 @@ sigset_t endingSignals() {
 }  // namespace
 
 // SIG_SETMASK, not SIG_BLOCK: the parent process may have blocked other signals.
-void blockEndingSignals() {
-  const sigset_t signals = endingSignals();
+void blockTerminationSignals() {
+  const sigset_t signals = terminationSignals();
   ::sigprocmask(SIG_SETMASK, &signals, nullptr);
 }
 
-void hearEndingSignals(std::function<void()> ended) {
-  detachNewThread([ended = std::move(ended), signals = endingSignals()] {
+void handleTerminationSignals(std::function<void()> ended) {
+  detachNewThread([ended = std::move(ended), signals = terminationSignals()] {
     for (int number = 0;;) {
       if (::sigwait(&signals, &number) == 0) ended();
     }

@@ -11,6 +11,6 @@ namespace platform {
 // Main thread only. The returned images share their memory until one is modified. The cache is QPixmapCache:
 // it is bounded in size and drops entries not used for about 30 s. Nothing is cached without a
 // QGuiApplication.
-[[nodiscard]] QImage keptPixels(const QString& key, const std::function<QImage()>& make);
+[[nodiscard]] QImage cachedPixels(const QString& key, const std::function<QImage()>& make);
 
 }  // namespace platform

@@ -13,12 +13,12 @@ namespace platform {
 //
 // The destructor restores the variables for the programs that the agent starts. Main thread only. Other
 // threads may read the environment meanwhile, because glibc replaces its entries in place.
-class ToolkitsRuntimeFolder {
+class QtRuntimeFolder {
  public:
-  ToolkitsRuntimeFolder();
-  ~ToolkitsRuntimeFolder();
-  ToolkitsRuntimeFolder(const ToolkitsRuntimeFolder&) = delete;
-  ToolkitsRuntimeFolder& operator=(const ToolkitsRuntimeFolder&) = delete;
+  QtRuntimeFolder();
+  ~QtRuntimeFolder();
+  QtRuntimeFolder(const QtRuntimeFolder&) = delete;
+  QtRuntimeFolder& operator=(const QtRuntimeFolder&) = delete;
 
  private:
   struct Variable {
@@ -28,7 +28,7 @@ class ToolkitsRuntimeFolder {
 
   void replace(const char* name, const char* value);
 
-  std::vector<Variable> usersOwn_;  // replaced variables
+  std::vector<Variable> replaced_;
 };
 
 }  // namespace platform

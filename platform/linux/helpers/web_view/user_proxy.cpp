@@ -1,4 +1,4 @@
-#include "platform/linux/helpers/web_view/users_proxy.h"
+#include "platform/linux/helpers/web_view/user_proxy.h"
 
 #include <fcntl.h>
 #include <gio/gio.h>
@@ -23,17 +23,17 @@ std::string addressOf(const Endpoint& target) {
 }
 
 bool isDirect(const std::string& address) {
-  struct FreeTexts {
+  struct FreeStrings {
     void operator()(char** texts) const { g_strfreev(texts); }
   };
-  const std::unique_ptr<char*, FreeTexts> proxies(
+  const std::unique_ptr<char*, FreeStrings> proxies(
       g_proxy_resolver_lookup(g_proxy_resolver_get_default(), address.c_str(), nullptr, nullptr));
   return !proxies || *proxies == nullptr || std::string_view(*proxies) == "direct://";
 }
 
 }  // namespace
 
-std::optional<platform::FileDescriptor> connectThroughUsersProxy(const Endpoint& target) {
+std::optional<platform::FileDescriptor> connectThroughUserProxy(const Endpoint& target) {
   const std::string address = addressOf(target);
   if (isDirect(address)) return std::nullopt;
   const ObjectPointer<GSocketClient> client(g_socket_client_new());
