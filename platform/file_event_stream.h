@@ -49,7 +49,7 @@ class FileEventStream {
 
   // Begins delivery, including the changes since the creation.
   void start();
-  // Ends delivery for good and releases the watches.
+  // Ends delivery permanently and releases the watches.
   void stop();
 
  private:

@@ -42,7 +42,7 @@ class Window : public std::enable_shared_from_this<Window> {
   void makeKeyAndOrderFront();
   // Hides the window. This does not end a modal run.
   void orderOut();
-  // Hides the window for good, with its sheets. The user can do the same with the close control or Escape if
+  // Hides the window and its sheets permanently. The user can do the same with the close control or Escape if
   // the style has a close control and the window has no sheet.
   void close();
   [[nodiscard]] bool isVisible() const;

@@ -61,7 +61,7 @@ std::optional<PropertyList> parsePropertyList(std::span<const std::byte> bytes) 
   if (looksLikeXml(text->view())) {
     if (auto list = readXmlList(text->view())) return list;
   }
-  // Also after XML: data in the old text form begins with '<', too.
+  // Also data that looks like XML: data in the old text format begins with '<', too.
   return readOldTextList(text->view());
 }
 

@@ -12,7 +12,7 @@ using Bytes = std::span<const std::byte>;
 constexpr std::size_t headerSize = 8, trailerSize = 32;
 constexpr std::size_t maxNumberLength = 8;
 
-// The kinds of objects: the upper half of the byte that an object begins with.
+// The kinds of objects: the upper four bits of an object's first byte.
 enum Kind : unsigned {
   single = 0x0,
   integer = 0x1,
@@ -27,23 +27,23 @@ enum Kind : unsigned {
   dictionary = 0xD,
 };
 
-// The part of `bytes` at `position`; nothing when it does not all lie in them.
+// Returns the part of `bytes` at `position`; nullopt if it exceeds `bytes`.
 std::optional<Bytes> part(Bytes bytes, std::uint64_t position, std::uint64_t size) {
   if (position > bytes.size() || size > bytes.size() - position) return std::nullopt;
   return bytes.subspan(position, size);
 }
 
-// At most maxNumberLength bytes, big-endian.
+// Decodes a big-endian number of at most maxNumberLength bytes.
 std::uint64_t number(Bytes bytes) {
   std::uint64_t result = 0;
   for (const std::byte byte : bytes) result = result << 8 | std::to_integer<std::uint64_t>(byte);
   return result;
 }
 
-// Where things are in the list, from its last bytes.
+// The layout of the list, from its trailer.
 struct Layout {
-  Bytes objects;  // the header and all objects: every offset is counted from its start
-  Bytes offsets;  // an offset for each object
+  Bytes objects;  // the header and all objects; offsets count from its start
+  Bytes offsets;  // the offset of each object
   std::size_t offsetSize = 0;
   std::size_t referenceSize = 0;
   std::uint64_t objectCount = 0;
@@ -69,8 +69,8 @@ std::optional<Layout> layoutOf(Bytes list) {
   return layout;
 }
 
-// An object's first bytes: what it is, how many things it holds (or the lower half of the byte, for kinds
-// that have no count) and where these begin.
+// An object's marker: its kind, its number of elements (or the lower four bits, for kinds without a count)
+// and the offset of the first one.
 struct Head {
   unsigned kind = 0;
   std::uint64_t count = 0;
@@ -157,7 +157,7 @@ std::optional<Head> BinaryListReader::headOf(std::uint64_t index) const {
   return head;
 }
 
-// A count that does not fit the first byte follows it as an integer object.
+// If the lower four bits are all set, the count follows as an integer object.
 bool BinaryListReader::readCount(Head& head) const {
   constexpr std::uint64_t countFollows = 0xF;
   if (head.count != countFollows) return true;
@@ -178,8 +178,8 @@ std::optional<std::uint64_t> BinaryListReader::referenceAt(std::uint64_t positio
   return number(*bytes);
 }
 
-// Those of eight bytes have a sign, shorter ones have none; of sixteen bytes the upper eight may only repeat
-// the sign.
+// Integers of eight bytes are signed, shorter ones are unsigned. Of sixteen bytes, the upper eight may only
+// be the sign extension.
 std::optional<PropertyList> BinaryListReader::integerOf(const Head& head) const {
   constexpr std::uint64_t maxExponentLength = 4;
   if (head.count > maxExponentLength) return std::nullopt;
@@ -244,7 +244,7 @@ std::optional<PropertyList> BinaryListReader::uidOf(const Head& head) {
   return PropertyList(PropertyList::Dictionary{{std::string(key), PropertyList(value)}});
 }
 
-// A list that holds itself ends at the bound on levels.
+// The bound on levels also ends a list that contains itself.
 std::optional<PropertyList> BinaryListReader::arrayOf(const Head& head) {
   const ListBounds::Level level(bounds_);
   if (level.tooDeep() || head.count > bounds_.objectsLeft()) return std::nullopt;
@@ -259,7 +259,7 @@ std::optional<PropertyList> BinaryListReader::arrayOf(const Head& head) {
   return PropertyList(std::move(items));
 }
 
-// First the references to all keys, then those to all values.
+// The references to all keys precede those to all values.
 std::optional<PropertyList> BinaryListReader::dictionaryOf(const Head& head) {
   const ListBounds::Level level(bounds_);
   if (level.tooDeep() || head.count > bounds_.objectsLeft()) return std::nullopt;

@@ -9,7 +9,7 @@
 namespace platform {
 namespace {
 
-// The upper half of the NEXTSTEP encoding; the last two bytes mean nothing in it.
+// The upper half of the NEXTSTEP encoding; the last two bytes are undefined in it.
 constexpr std::array<char16_t, 126> nextstepUpperHalf = {
     0x00A0, 0x00C0, 0x00C1, 0x00C2, 0x00C3, 0x00C4, 0x00C5, 0x00C7, 0x00C8, 0x00C9, 0x00CA, 0x00CB, 0x00CC,
     0x00CD, 0x00CE, 0x00CF, 0x00D0, 0x00D1, 0x00D2, 0x00D3, 0x00D4, 0x00D5, 0x00D6, 0x00D9, 0x00DA, 0x00DB,
@@ -22,7 +22,8 @@ constexpr std::array<char16_t, 126> nextstepUpperHalf = {
     0x0141, 0x00D8, 0x0152, 0x00BA, 0x00F2, 0x00F3, 0x00F4, 0x00F5, 0x00F6, 0x00E6, 0x00F9, 0x00FA, 0x00FB,
     0x0131, 0x00FC, 0x00FD, 0x0142, 0x00F8, 0x0153, 0x00DF, 0x00FE, 0x00FF};
 
-// Takes so many digits of `base` at most from the start of `text`; nothing when there is none.
+// Parses up to `most` digits of `base` at the start of `text` and removes them. Returns nullopt if there are
+// none.
 std::optional<unsigned> takeNumber(std::string_view& text, std::size_t most, int base) {
   unsigned number = 0;
   const char* const end = text.data() + std::min(most, text.size());
@@ -45,7 +46,7 @@ char control(char letter) {
   return position == std::string_view::npos ? letter : controls[position];
 }
 
-// Takes what follows a backslash. `units` stands at the end of `text`.
+// Parses the text after a backslash. `units` appends to `text`.
 bool appendEscape(std::string_view& rest, std::string& text, Utf16Appender& units) {
   if (rest.empty()) return false;
   if (rest.front() == 'U') {

@@ -18,7 +18,8 @@ bool isValidPath(const std::string& path) {
          utf8::is_valid(path.begin(), path.end());
 }
 
-// Whatever the file grows to meanwhile, no more than one byte beyond the bound is read: enough to tell.
+// Reads at most one byte beyond the bound, which proves that the file is too large, however much it grows
+// meanwhile.
 std::optional<std::vector<std::byte>> readAll(const FileDescriptor& file, std::size_t expected) {
   constexpr std::size_t most = propertyListMaxBytes + 1;
   std::vector<std::byte> content(std::min(expected + 1, most));
@@ -40,8 +41,7 @@ std::optional<std::vector<std::byte>> readAll(const FileDescriptor& file, std::s
 std::variant<PropertyList, PropertyListError> readPropertyListFile(const std::string& path) {
   if (!isValidPath(path)) return PropertyListError::BadPath;
 
-  // Asked before opening, because opening a device can have effects of its own, and once more on what was
-  // opened.
+  // Checked before opening, because opening a device can have side effects, and again on the open descriptor.
   struct stat status {};
   if (::stat(path.c_str(), &status) == -1) return PropertyListError::OpenFailed;
   if (!S_ISREG(status.st_mode)) return PropertyListError::NoStream;

@@ -12,8 +12,8 @@ bool isWordCharacter(char c) {
          marks.find(c) != marks.npos;
 }
 
-// The size of the white space that `text` begins with: the controls from tab to carriage return, the blank,
-// and the line and paragraph separators U+2028 and U+2029.
+// Returns the length of the white space at the start of `text`: the controls from tab to carriage return, the
+// blank, and the line and paragraph separators U+2028 and U+2029.
 std::size_t blankSize(std::string_view text) {
   constexpr std::string_view lineSeparator = "\xE2\x80\xA8", paragraphSeparator = "\xE2\x80\xA9";
   if (text.empty()) return 0;
@@ -28,17 +28,17 @@ int hexValue(char c) {
   return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-// Goes through the text of one list once, from its start.
+// Parses the text of one list in one pass.
 class OldTextReader {
  public:
   explicit OldTextReader(std::string_view text) : rest_(text) {}
 
   std::optional<PropertyList> object();
-  // The keys and values of a dictionary without the braces around them.
+  // Parses the keys and values of a dictionary without braces.
   std::optional<PropertyList> stringsFile();
-  // Passes over white space and comments; whether anything is left. False also where a comment never ends.
+  // Skips white space and comments. Returns whether text is left; also false for an unterminated comment.
   bool skipBlanks();
-  // Nothing of the text is left.
+  // Returns whether the whole text has been parsed.
   [[nodiscard]] bool atEnd() const { return rest_.empty(); }
 
  private:
@@ -74,8 +74,7 @@ bool OldTextReader::skipBlanks() {
   return false;
 }
 
-// One that never ends leaves its start where it is, which is no value's start and not the end of the text
-// either.
+// Leaves an unterminated comment unread: its start begins no value and is not the end of the text either.
 bool OldTextReader::skipComment() {
   constexpr std::string_view opening = "/*", closing = "*/";
   const std::size_t end = rest_.find(closing, opening.size());
@@ -154,7 +153,7 @@ bool OldTextReader::pair(Entries& entries) {
   return true;
 }
 
-// White space may stand between the bytes, not within one.
+// White space may separate bytes, but not the digits of one.
 std::optional<PropertyList> OldTextReader::data() {
   PropertyList::Data bytes;
   while (!rest_.starts_with('>')) {
@@ -185,7 +184,7 @@ std::optional<std::string> OldTextReader::string() {
   return text;
 }
 
-// What stands between the quote at the start and the next of the same kind that no backslash precedes.
+// Returns the text up to the next quote of the same kind that no backslash precedes.
 std::optional<std::string_view> OldTextReader::quoted() {
   const char stops[] = {rest_.front(), '\\'};
   for (std::size_t end = 1;; end += 2) {
@@ -214,7 +213,7 @@ std::optional<PropertyList> readOldTextList(std::string_view text) {
   reader.skipBlanks();
   if (reader.atEnd()) return list;
 
-  // A string with more behind it is the first key of a strings file.
+  // A string followed by more text is the first key of a strings file.
   if (list->as<std::string>() == nullptr) return std::nullopt;
   OldTextReader strings(text);
   auto entries = strings.stringsFile();

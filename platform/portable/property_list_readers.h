@@ -10,16 +10,16 @@
 
 namespace platform {
 
-// What a list being read may still cost. Every reader draws on one of these before it makes anything,
-// whatever its form, and gives up when it is refused.
+// Bounds the resources that a list may use while it is read. Every reader takes from one of these before it
+// allocates, whatever the format, and fails when the bound is reached. For use by one thread.
 class ListBounds {
  public:
   [[nodiscard]] bool takeObjects(std::size_t count = 1) { return take(objectsLeft_, count); }
-  // Bytes of text and data that the list will hold.
+  // Takes from the bytes of text and data that the list may hold.
   [[nodiscard]] bool takeBytes(std::size_t count) { return take(bytesLeft_, count); }
   [[nodiscard]] std::size_t objectsLeft() const { return objectsLeft_; }
 
-  // One array or dictionary being read, for as long as this object lives.
+  // An array or dictionary being read, for as long as this object exists.
   class Level {
    public:
     explicit Level(ListBounds& bounds) : bounds_(bounds) { ++bounds_.depth_; }
@@ -45,14 +45,13 @@ class ListBounds {
   std::size_t depth_ = 0;
 };
 
-// The text of a list that is not binary, in UTF-8: the given bytes themselves, or what they were converted
-// to.
+// The text of a list that is not binary, in UTF-8: the given bytes or their conversion.
 class ListText {
  public:
   explicit ListText(std::string_view given) : given_(given) {}
   explicit ListText(std::string converted) : converted_(std::move(converted)) {}
 
-  // Lives as long as this object and the bytes it was made from. Without a byte order mark.
+  // Valid as long as this object and the bytes that it was created from. Contains no byte order mark.
   [[nodiscard]] std::string_view view() const { return converted_ ? std::string_view(*converted_) : given_; }
 
  private:
@@ -60,12 +59,13 @@ class ListText {
   std::string_view given_;
 };
 
-// The encoding is what a byte order mark or the width of a leading '<' tells, else what an XML declaration
-// names, else UTF-8. Nothing for bytes that are not valid in it, or whose text is larger than a list may be.
+// Determines the encoding from a byte order mark or the width of a leading '<', else from an XML declaration;
+// the default is UTF-8. Returns nullopt if the bytes are invalid in that encoding or the text exceeds the
+// size limit of a list.
 [[nodiscard]] std::optional<ListText> decodeListText(std::span<const std::byte> bytes);
 
-// The three readers. Each takes a whole list that is no larger than propertyListMaxBytes, text as valid
-// UTF-8.
+// Each function parses a complete list of at most propertyListMaxBytes; text must be valid UTF-8. Returns
+// nullopt if the list is malformed or exceeds the bounds. Thread-safe.
 [[nodiscard]] std::optional<PropertyList> readBinaryList(std::span<const std::byte> bytes);
 [[nodiscard]] std::optional<PropertyList> readXmlList(std::string_view text);
 [[nodiscard]] std::optional<PropertyList> readOldTextList(std::string_view text);

@@ -27,7 +27,7 @@ bool accept(std::string_view& text, char c) {
   return true;
 }
 
-// Whether there was a minus.
+// Skips a sign. Returns whether it is a minus.
 bool acceptSign(std::string_view& text) {
   if (accept(text, '-')) return true;
   accept(text, '+');
@@ -42,8 +42,8 @@ std::string lowered(std::string_view text) {
   return result;
 }
 
-// A number without a sign that fits a double. By strtod_l(3) in the "C" locale, since not every standard
-// library has std::from_chars for double.
+// Parses an unsigned number that fits a double. Uses strtod_l(3) in the "C" locale, because not every
+// standard library has std::from_chars for double.
 std::optional<double> decimalNumber(const std::string& text) {
   static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
   if (text.empty() || text.starts_with('-') || text.starts_with('+')) return std::nullopt;
@@ -55,7 +55,7 @@ std::optional<double> decimalNumber(const std::string& text) {
   return number;
 }
 
-// So many digits at least and at most.
+// Parses between `least` and `most` digits.
 std::optional<int> acceptDigits(std::string_view& text, std::size_t least, std::size_t most) {
   int number = 0;
   std::size_t count = 0;
@@ -94,7 +94,7 @@ std::optional<std::chrono::seconds> acceptTimeOfDay(std::string_view& text) {
   return std::chrono::hours(*hour) + std::chrono::minutes(*minute) + std::chrono::seconds(*second);
 }
 
-// The six bits that a character of base64 stands for; -1 for any other character.
+// Returns the six bits that a base64 character encodes; -1 for any other character.
 int base64Value(char c) {
   if (c >= 'A' && c <= 'Z') return c - 'A';
   if (c >= 'a' && c <= 'z') return c - 'a' + 26;
@@ -133,7 +133,7 @@ std::optional<double> parseListReal(std::string_view text) {
   } else if (name == "inf" || name == "infinity") {
     number = std::numeric_limits<double>::infinity();
   } else {
-    // What stands for digits elsewhere ("nan(1)", a second sign) is no number here.
+    // Rejects what strtod(3) accepts in addition ("nan(1)", a second sign).
     if (name.find_first_not_of("0123456789.e+-") != std::string::npos) return std::nullopt;
     const auto decimal = decimalNumber(name);
     if (!decimal) return std::nullopt;

@@ -8,28 +8,28 @@
 
 namespace platform {
 
-// The texts that XML lists write single values in. White space around a number or a date is passed over. Each
-// is nothing when the text is not wholly such a value or the value does not fit its type.
+// Parse the values of XML lists. White space around a number or a date is ignored. Return nullopt if the text
+// is not exactly one such value or the value does not fit its type. Thread-safe.
 
-// Decimal or, after "0x", hexadecimal digits, after a sign or none.
+// Decimal or, after "0x", hexadecimal digits with an optional sign.
 [[nodiscard]] std::optional<std::int64_t> parseListInteger(std::string_view text);
 
-// A decimal number with a fraction and exponent or without, or "nan", "inf", "infinity" in any case; always
-// with a point, whatever the locale.
+// A decimal number with optional fraction and exponent, or "nan", "inf", "infinity" in any case. The decimal
+// separator is a point in every locale.
 [[nodiscard]] std::optional<double> parseListReal(std::string_view text);
 
-// ISO 8601 in UTC: "2001-01-01T00:00:00Z"; the year may have a sign and more digits.
+// ISO 8601 in UTC: "2001-01-01T00:00:00Z". The year may have a sign and more than four digits.
 [[nodiscard]] std::optional<PropertyList::Date> parseListDate(std::string_view text);
 
-// Data in base64, as it comes in pieces. White space counts for nothing.
+// Decodes base64 data in pieces. Ignores white space.
 class Base64Decoder {
  public:
   // Appends to `data`, which must outlive this object.
   explicit Base64Decoder(PropertyList::Data& data) : data_(data) {}
 
-  // False when the piece cannot go on what came before it.
+  // Returns false if the piece is not valid base64 after the previous ones.
   [[nodiscard]] bool add(std::string_view piece);
-  // Whether the pieces so far make whole groups of four characters.
+  // Returns whether the pieces so far form complete groups of four characters.
   [[nodiscard]] bool complete() const { return digits_ == 0; }
 
  private:

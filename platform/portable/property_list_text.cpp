@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view formatBlanks = " \t\r\n";
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 
-// The value of `encoding` in an XML declaration at the start; empty when there is none.
+// Returns the value of `encoding` in an XML declaration at the start; empty if there is none.
 std::string declaredEncoding(std::string_view text) {
   constexpr std::string_view opening = "<?xml", attribute = "encoding";
   constexpr std::size_t maxDeclarationLength = 1024;
@@ -33,7 +33,7 @@ std::string declaredEncoding(std::string_view text) {
   return std::string(text.substr(quote + 1, end - quote - 1));
 }
 
-// The code unit of `width` bytes at `position`.
+// Returns the code unit of `width` bytes at `position`.
 char32_t unitAt(std::string_view bytes, std::size_t position, std::size_t width, bool bigEndian) {
   char32_t unit = 0;
   for (std::size_t i = 0; i < width; ++i) {
@@ -59,7 +59,7 @@ std::optional<std::string> decodeWide(std::string_view bytes, std::size_t width,
   return text;
 }
 
-// Single-byte encodings alone: a list from a server must not choose among all of the C library's decoders.
+// Single-byte encodings only: a list from a server must not select an arbitrary decoder of the C library.
 bool isKnownEncoding(std::string_view name) {
   constexpr std::array<std::string_view, 9> known = {"US-ASCII",     "latin1",       "ISO-8859-1",
                                                      "ISO-8859-2",   "ISO-8859-15",  "windows-1250",
@@ -79,8 +79,8 @@ class Decoder {
   // iconv_open(3) reports an error by this value. NOLINTNEXTLINE(performance-no-int-to-ptr)
   [[nodiscard]] bool valid() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
 
-  // Takes what fits into `buffer` from the start of `bytes`. Returns its size as UTF-8, nullopt at a byte
-  // that has no meaning in the encoding.
+  // Decodes what fits into `buffer` from the start of `bytes` and removes it. Returns its length in UTF-8,
+  // nullopt if a byte is undefined in the encoding.
   std::optional<std::size_t> decode(std::string_view& bytes, std::span<char> buffer) {
     char* in = const_cast<char*>(bytes.data());
     char* out = buffer.data();
@@ -139,8 +139,8 @@ struct WideEncoding {
   bool bigEndian;
 };
 
-// What a byte order mark or a leading '<' says of the code units; nullopt for units of one byte. The marks of
-// UTF-32 come first: those of UTF-16 are their beginning.
+// Determines the code units from a byte order mark or a leading '<'; returns nullopt for units of one byte.
+// The marks of UTF-32 are tested first, because those of UTF-16 are their prefixes.
 std::optional<WideEncoding> wideEncodingOf(std::string_view bytes) {
   using namespace std::string_view_literals;
   constexpr std::array<std::pair<std::string_view, WideEncoding>, 8> starts = {{

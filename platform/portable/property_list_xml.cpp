@@ -40,18 +40,18 @@ bool isBlank(std::string_view text) {
   return std::ranges::all_of(text, [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
 }
 
-// Builds the list from the parser's events. Each event returns false where the text is no list or exceeds
+// Builds the list from the parser's events. Each handler returns false if the text is not a list or exceeds
 // the bounds.
 class XmlListBuilder {
  public:
   bool start(std::string_view name);
   bool text(std::string_view piece);
   bool end();
-  // The list, once every element has ended.
+  // Returns the list once every element has ended.
   std::optional<PropertyList> take() { return std::exchange(root_, std::nullopt); }
 
  private:
-  // A container whose end tag is still to come. <plist> is one that holds a single value.
+  // A container whose end tag is pending. <plist> is one that holds a single value.
   struct Open {
     Element element;
     PropertyList::Array items = {};
@@ -91,7 +91,7 @@ bool XmlListBuilder::start(std::string_view name) {
   return !isTooDeep();
 }
 
-// A value stands in <plist>; without one around it, it is a list as well.
+// The root element is <plist> or, without one, a value.
 bool XmlListBuilder::mayStart(Element element) const {
   if (open_.empty()) return element != Element::Key;
   const Open& parent = open_.back();
@@ -179,7 +179,7 @@ bool XmlListBuilder::addParsed(std::optional<T> value) {
   return value && add(*value);
 }
 
-// Where the value that has just ended belongs.
+// Returns the location of the value that has just ended.
 PropertyList& XmlListBuilder::place() {
   if (open_.empty() || open_.back().element == Element::Plist) return root_.emplace();
   Open& parent = open_.back();
@@ -188,10 +188,10 @@ PropertyList& XmlListBuilder::place() {
   return parent.entries.back().value;
 }
 
-// Runs Expat (https://libexpat.github.io/doc/) over the text.
+// Parses the text with Expat (https://libexpat.github.io/doc/).
 class XmlListParser {
  public:
-  // The text is UTF-8 already, whatever its declaration names.
+  // Overrides the declared encoding, because the text is already converted to UTF-8.
   XmlListParser() : parser_(XML_ParserCreate("UTF-8")) {}
 
   std::optional<PropertyList> read(std::string_view text);
@@ -203,7 +203,8 @@ class XmlListParser {
 
   bool feed(std::string_view piece, bool isLast);
   bool parse(std::string_view slice, bool isLast);
-  // No exception may pass through the parser's C code, which calls handlers even after it was stopped.
+  // Exceptions must not propagate through the parser's C code, which may call handlers even after it was
+  // stopped.
   template <typename Event>
   void handle(Event event);
 
@@ -280,7 +281,7 @@ void XmlListParser::onText(void* self, const XML_Char* text, int size) {
   static_cast<XmlListParser*>(self)->handle([piece](XmlListBuilder& builder) { return builder.text(piece); });
 }
 
-// White space behind the root element, for one.
+// For example white space after the root element.
 void XmlListParser::onOther(void* self, const XML_Char* /*text*/, int /*size*/) {
   static_cast<XmlListParser*>(self)->sawEvent_ = true;
 }

@@ -37,7 +37,7 @@ std::optional<std::string_view> XmlMarkup::next() {
   return from.substr(0, from.size() - rest_.size());
 }
 
-// The common list has none of the marks that all else but tags begins with.
+// Skips text and tags up to the next comment, processing instruction or the like; most lists have none.
 bool XmlMarkup::skipVisible() {
   if (rest_.find('!') == std::string_view::npos && rest_.find('?') == std::string_view::npos) rest_ = {};
   while (!rest_.empty() && !atHidden()) {
@@ -67,7 +67,7 @@ bool XmlMarkup::skipPast(std::string_view end) {
   return true;
 }
 
-// The end follows from the nesting of brackets; the declarations within are not read.
+// Finds the end by the nesting of brackets, without parsing the declarations inside.
 bool XmlMarkup::skipDocumentType() {
   rest_.remove_prefix(1);
   for (std::size_t depth = 0;;) {

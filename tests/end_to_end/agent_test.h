@@ -7,10 +7,10 @@
 #include "tests/end_to_end/test_desktop.h"
 #include "tests/end_to_end/usage_files.h"
 
-// The fixtures of this folder are made of parts, plain classes that know one another by reference. A fixture
-// names its parts as its bases, so that a test has their members as its own; parts do not derive from parts.
+// The fixtures of this folder are composed of plain classes, which refer to one another by reference and do
+// not derive from one another. A fixture derives from them, so that a test can use their members unqualified.
 
-// The real agent on a desktop of the test's own.
+// The real agent on a private desktop.
 class AgentTest : public testing::Test,
                   protected TestDesktop,
                   protected InstalledBundle,
@@ -21,7 +21,7 @@ class AgentTest : public testing::Test,
   void TearDown() override { tearDownAgent(); }
 };
 
-// ... installed where an application is looked for.
+// As AgentTest, with the bundle installed in the folder of applications.
 class InstalledAgentTest : public testing::Test,
                            protected TestDesktop,
                            protected InstalledBundle,

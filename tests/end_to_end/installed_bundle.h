@@ -3,23 +3,23 @@
 #include <optional>
 #include <string>
 
-// A copy of the built bundle. launchctl, open, osascript and the hidden web view are programs in it that
-// report to the time line, the web view as "run: beacon ADDRESS". Its product server is one that refuses
-// connections, unless the test names another.
+// A copy of the built bundle, in which launchctl, open, osascript and the hidden web view are programs that
+// report to the timeline, the web view as "run: beacon ADDRESS". By default its product server refuses
+// connections.
 class InstalledBundle {
  public:
-  // What the property file of the main application says; nullopt leaves a key out.
+  // The contents of the main application's property file; nullopt omits a key.
   struct Properties {
     std::optional<bool> autorun = true;
     std::optional<bool> active = true;
   };
 
-  // Copies the built bundle to `path`. `program` takes the agent's place where it is given.
+  // Copies the built bundle to `path`. `program` replaces the agent if given.
   void install(const std::string& path, const std::string& program = {});
   void writeProperties(const Properties& properties);
-  // Points the installed agent at this product server, an origin, and at this one for test uploads.
+  // Sets the installed agent's product server and test upload server, each an origin.
   void setServers(const std::string& product, const std::string& testUpload = kNobody);
-  // Gives the installed agent the real web view, which loads its beacons from the product server.
+  // Installs the real web view, which loads its beacons from the product server.
   void installWebView();
 
   [[nodiscard]] std::string agentContents() const {
@@ -29,6 +29,6 @@ class InstalledBundle {
 
   static constexpr const char* kNobody = "http://127.0.0.1:1";
 
-  // Where it was installed; empty before.
+  // The path of the installation; empty before.
   std::string bundle_;
 };

@@ -14,7 +14,7 @@
 inline constexpr unsigned user = 65534;
 inline const std::string ownHome = "/tmp/user/home";
 
-// The agent of a user for whom permissions count, and the test as the neighbour who takes them away.
+// The agent of an unprivileged user; the test, as root, takes permissions away.
 class OrdinaryUser : public testing::Test,
                      protected TestDesktop,
                      protected InstalledBundle,
@@ -36,7 +36,7 @@ class OrdinaryUser : public testing::Test,
     }
     environment_["HOME"] = ownHome;
     environment_["XDG_RUNTIME_DIR"] = "/tmp/user/runtime";
-    // The bus is another user's.
+    // The test's bus belongs to another user.
     environment_["DBUS_SESSION_BUS_ADDRESS"] = std::nullopt;
     runOnDisplay({"xhost", "+local:"});
   }
@@ -51,7 +51,7 @@ class OrdinaryUser : public testing::Test,
     all.insert(all.end(), command.begin(), command.end());
     return all;
   }
-  // What the user can do, so that a case knows that its fault bites.
+  // Returns whether the user can run this command, to verify that a test's restriction is effective.
   [[nodiscard]] static bool succeeds(const std::vector<std::string>& command, unsigned who = user) {
     test_support::ChildProcess process;
     test_support::ChildOptions options;

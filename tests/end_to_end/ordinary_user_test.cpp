@@ -38,7 +38,7 @@ void expectWholeFiles() {
   }
 }
 
-TEST_F(OrdinaryUser, ANotificationPipeThatNobodyMayOpenAnyMoreServesThoseWhoHaveItOpen) {
+TEST_F(OrdinaryUser, NotificationPipeWithoutPermissionsServesOpenDescriptors) {
   launchAsUser();
   ASSERT_EQ(::chmod(pipePath, 0), 0);
   ASSERT_FALSE(succeeds({"sh", "-c", "exec 3<>/tmp/KMNOTIPIPE"}));
@@ -47,7 +47,7 @@ TEST_F(OrdinaryUser, ANotificationPipeThatNobodyMayOpenAnyMoreServesThoseWhoHave
   terminateAgent();
 }
 
-TEST_F(OrdinaryUser, ANotificationPipeOfSomebodyElseIsToldAndLeftAlone) {
+TEST_F(OrdinaryUser, NotificationPipeOfAnotherUserIsReportedAndLeftAlone) {
   ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
   ASSERT_FALSE(succeeds({"sh", "-c", "exec 3<>/tmp/KMNOTIPIPE"}));
   startAsUser();
@@ -58,7 +58,7 @@ TEST_F(OrdinaryUser, ANotificationPipeOfSomebodyElseIsToldAndLeftAlone) {
   EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFIFO | 0600));
 }
 
-TEST_F(OrdinaryUser, PipesOfSomebodyElseThatAreOpenToAllAreUsed) {
+TEST_F(OrdinaryUser, WorldWritablePipesOfAnotherUserAreUsed) {
   ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
   for (const char* path : {commandPipe, pipePath}) ASSERT_EQ(::chmod(path, 0666), 0);
   const FileDescriptor theirs(::open(pipePath, O_RDWR | O_NONBLOCK | O_CLOEXEC));
@@ -70,7 +70,7 @@ TEST_F(OrdinaryUser, PipesOfSomebodyElseThatAreOpenToAllAreUsed) {
   EXPECT_TRUE(fs::is_fifo(pipePath));
 }
 
-TEST_F(OrdinaryUser, ACommandPipeThatMayNotBeWrittenIsToldAndLeftAlone) {
+TEST_F(OrdinaryUser, UnwritableCommandPipeIsReportedAndLeftAlone) {
   ASSERT_EQ(::chmod(commandPipe, 0600), 0);
   ASSERT_FALSE(succeeds({"sh", "-c", "exec 3<>/tmp/KMPIPE"}));
   startAsUser();
@@ -82,7 +82,7 @@ TEST_F(OrdinaryUser, ACommandPipeThatMayNotBeWrittenIsToldAndLeftAlone) {
   EXPECT_EQ(count("pipe: "), 0);
 }
 
-TEST_F(OrdinaryUser, AFolderForThePipesThatMayNotBeWrittenIsTold) {
+TEST_F(OrdinaryUser, UnwritablePipeFolderIsReported) {
   ASSERT_EQ(::chmod("/tmp", 0755), 0);
   ASSERT_FALSE(succeeds({"touch", "/tmp/file"}));
   startAsUser();
@@ -90,7 +90,7 @@ TEST_F(OrdinaryUser, AFolderForThePipesThatMayNotBeWrittenIsTold) {
   terminateAgent();
 }
 
-TEST_F(OrdinaryUser, APipeInAFolderThatMayNoLongerBeWrittenServesOn) {
+TEST_F(OrdinaryUser, PipeInFolderMadeUnwritableKeepsWorking) {
   launchAsUser();
   ASSERT_EQ(::chmod("/tmp", 0755), 0);
   ASSERT_FALSE(succeeds({"rm", pipePath}));
@@ -99,7 +99,7 @@ TEST_F(OrdinaryUser, APipeInAFolderThatMayNoLongerBeWrittenServesOn) {
   terminateAgent();
 }
 
-TEST_F(OrdinaryUser, APipeThatIsRemovedInMidRunServesThoseWhoHaveItOpen) {
+TEST_F(OrdinaryUser, PipeRemovedDuringRunServesOpenDescriptors) {
   launchAsUser();
   const FileDescriptor open(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   fs::remove(pipePath);
@@ -109,7 +109,7 @@ TEST_F(OrdinaryUser, APipeThatIsRemovedInMidRunServesThoseWhoHaveItOpen) {
   EXPECT_FALSE(fs::exists(pipePath));
 }
 
-TEST_F(OrdinaryUser, AFolderOfRecordsThatIsTakenAwayAndGivenBackIsTakenUpAgain) {
+TEST_F(OrdinaryUser, RecordFolderRemovedAndRestoredIsUsedAgain) {
   launchAsUser();
   send(deviceMessage);
   ASSERT_TRUE(waitUntil([] { return records() == 1; }));
@@ -123,13 +123,13 @@ TEST_F(OrdinaryUser, AFolderOfRecordsThatIsTakenAwayAndGivenBackIsTakenUpAgain) 
   terminateAgent();
 }
 
-TEST_F(OrdinaryUser, AFullDiskInMidRunCostsRecordsWholeAndNothingElse) {
+TEST_F(OrdinaryUser, FullDiskDuringRunLosesOnlyWholeRecords) {
   fs::create_directories(ownFolder);
   ASSERT_EQ(::mount("tmpfs", ownFolder.c_str(), "tmpfs", 0, "mode=777,size=64k"), 0);
   launchAsUser();
   send(deviceMessage);
   ASSERT_TRUE(waitUntil([] { return records() == 1; }));
-  // Only the page that the day's file has begun has room.
+  // Fill the disk except for the page that the day's file has begun.
   const std::string filler = ownFolder + "/filler";
   std::ofstream(filler) << std::string(1 << 17, 'x');
   for (int i = 0; i < 200 && console_.find("write log failed") == std::string::npos; ++i) {

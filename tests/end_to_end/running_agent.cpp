@@ -30,7 +30,7 @@ bool isRunning(const std::string& program) {
   return false;
 }
 
-// All of its threads, each of which stops for itself.
+// Returns whether all threads are stopped; SIGSTOP stops each of them separately.
 bool isStopped(pid_t process) {
   const fs::directory_iterator threads("/proc/" + std::to_string(process) + "/task");
   return std::all_of(begin(threads), end(threads), [](const auto& thread) {
@@ -163,7 +163,7 @@ long RunningAgent::ownMemoryInKilobytes(pid_t process) {
   return kilobytes;
 }
 
-// The main thread may still be behind what was asked of it, with windows up; then the size moves.
+// The main thread may still be processing requests with windows shown, which changes the size.
 long RunningAgent::settledMemory() const {
   long before = -1, now = ownMemoryInKilobytes(agent_.pid());
   for (int i = 0; i < 100 && now != before; ++i) {

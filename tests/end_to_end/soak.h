@@ -10,21 +10,21 @@
 #include "tests/harness/processes/wait_until.h"
 #include "tests/harness/sanitizer.h"
 
-// What is done over and over, and what it may cost.
+// A repeated action and the growth that it may cause.
 struct Soak {
-  const char* what;  // as in "pairs"
+  const char* what;  // for example "pairs"
   int times;
-  int warmUp;       // the first of them, which fill the caches
+  int warmUp;       // number of initial repetitions that fill the caches
   long mostGrowth;  // in kilobytes
 };
 
-// The number that this variable of the environment holds, or the usual one.
+// Returns the number in this environment variable; `usual` if it is unset.
 [[nodiscard]] inline int timesAsked(const char* variable, int usual) {
   const char* asked = std::getenv(variable);
   return asked != nullptr ? std::atoi(asked) : usual;
 }
 
-// Has the agent do one thing over and over; `repeat` does it so many times.
+// Repeats an action and expects no growth of the agent beyond the limit; `repeat` runs it that many times.
 inline void expectNoGrowth(RunningAgent& agent, const Soak& soak, const std::function<void(int)>& repeat) {
   ASSERT_GT(soak.times, soak.warmUp);
   repeat(soak.warmUp);

@@ -18,7 +18,7 @@ using test_support::waitUntil;
 
 constexpr unsigned thirdUser = 65533;
 
-// Owner, kind, mode and what is in it. The time of the last change tells what came to the same in the end.
+// Returns owner, type, mode and contents. The change time detects changes that were reverted.
 std::string lookOf(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) return "nothing";
@@ -35,7 +35,7 @@ bool linksOfOthersAreFollowed() {
   return contentsOf("/proc/sys/fs/protected_symlinks") == "0\n";
 }
 
-// What a user who is neither the agent's nor root has put at the paths of the pipes, and what becomes of it.
+// Files of a user who is neither the agent's nor root at the paths of the pipes.
 class ThirdUser : public OrdinaryUser {
  protected:
   void SetUp() override {
@@ -50,7 +50,8 @@ class ThirdUser : public OrdinaryUser {
     for (const char* path : {commandPipe, pipePath}) fs::remove_all(path);
   }
 
-  // The agent's user can neither change nor remove what the other one makes there by this shell command.
+  // Creates `path` with this shell command as the other user, so that the agent's user can neither change nor
+  // remove it.
   static void plant(const std::string& path, const std::string& command) {
     fs::remove(path);
     ASSERT_TRUE(succeeds({"sh", "-c", command + " " + path}, thirdUser));
@@ -58,7 +59,7 @@ class ThirdUser : public OrdinaryUser {
     ASSERT_FALSE(succeeds({"mv", "--no-target-directory", path, "/tmp/moved"}));
     ASSERT_TRUE(lookOf(path).starts_with(std::to_string(thirdUser))) << lookOf(path);
   }
-  // Not 0666, which the agent would make of it.
+  // Not 0666, to which the agent would change it.
   static void plantFileForAll(const std::string& path, const std::string& content) {
     std::ofstream(source) << content;
     plant(path, "install -m 0766 "s + source);
@@ -74,7 +75,7 @@ class ThirdUser : public OrdinaryUser {
     plant(path, "mkdir -m 0777");
     ASSERT_TRUE(succeeds({"ls", path}));
   }
-  // ... whether it can be followed is up to the kernel.
+  // The kernel decides whether the agent may follow the link (fs.protected_symlinks).
   static void plantLinkToTheOwnFile(const std::string& path, const std::string& content) {
     std::ofstream(ownFile) << content;
     ASSERT_EQ(::chown(ownFile.c_str(), user, user), 0);
@@ -83,7 +84,7 @@ class ThirdUser : public OrdinaryUser {
     ASSERT_EQ(succeeds(readingOf(path)), linksOfOthersAreFollowed());
     ASSERT_FALSE(succeeds(readingOf(ownFile), thirdUser));
   }
-  // ... which leads nowhere for the agent, as each link of his does where the kernel follows none.
+  // A link that the agent cannot follow whatever the kernel's settings.
   static void plantLinkToHisFile(const std::string& path) {
     fs::create_directory(hisFolder);
     ASSERT_EQ(::chown(hisFolder, thirdUser, thirdUser), 0);
@@ -97,12 +98,12 @@ class ThirdUser : public OrdinaryUser {
     startAsUser();
     ASSERT_TRUE(host_.waitForEvent("registered")) << agent_.takeErrorOutput();
   }
-  // ... whose notification pipe is its own.
+  // Starts an agent that creates its own notification pipe.
   void startAndListen() {
     startInPanel();
     ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
   }
-  // The next click is served two seconds later, which not every case needs to wait for.
+  // The agent handles the next click two seconds later, for which not every test waits.
   void turnTheSwitch() {
     ASSERT_TRUE(host_.click("Automount Off"));
     EXPECT_TRUE(host_.waitForEvent("clicked Automount Off"));
@@ -128,7 +129,7 @@ class ThirdUser : public OrdinaryUser {
   inline static const std::string ownFile = ownHome + "/file";
 
  private:
-  // A bus usually lets in nobody but its own user, who is the test's.
+  // Starts a bus that accepts all users; by default a bus accepts only its own user, which is the test's.
   void startOpenBus() {
     const std::string configuration = "/tmp/user/bus.conf";
     std::ofstream(configuration)
@@ -144,8 +145,7 @@ class ThirdUser : public OrdinaryUser {
                                          {.environment = {{"DBUS_SESSION_BUS_ADDRESS", address}}}));
   }
   static std::vector<std::string> readingOf(const std::string& path) { return {"cat", path}; }
-  // Opened as the agent does: a shell asks for the file to be made, which the kernel may refuse in such a
-  // folder.
+  // Opens without O_CREAT, like the agent: in such a folder the kernel may refuse a shell's redirection.
   static std::vector<std::string> writingOf(const std::string& path) {
     return {"dd", "if=/dev/null", "of=" + path, "conv=nocreat,notrunc"};
   }
@@ -156,7 +156,7 @@ class ThirdUser : public OrdinaryUser {
   ChildProcess openBus_;
 };
 
-TEST_F(ThirdUser, HisFileForAllAtTheCommandPipeHasItsFirstBytesOverwrittenAndNothingElse) {
+TEST_F(ThirdUser, WorldWritableFileAtCommandPipeHasOnlyFirstBytesOverwritten) {
   plantFileForAll(commandPipe, "0123456789");
   startAndListen();
   EXPECT_EQ(contentsOf(commandPipe), "-ton456789");
@@ -167,7 +167,7 @@ TEST_F(ThirdUser, HisFileForAllAtTheCommandPipeHasItsFirstBytesOverwrittenAndNot
   EXPECT_TRUE(lookOf(commandPipe).starts_with(std::to_string(thirdUser)));
 }
 
-TEST_F(ThirdUser, HisFileForHimselfAtTheCommandPipeIsToldAndLeftAlone) {
+TEST_F(ThirdUser, PrivateFileAtCommandPipeIsReportedAndLeftAlone) {
   plantFileForHimself(commandPipe);
   const std::string before = lookOf(commandPipe);
   startAndListen();
@@ -179,7 +179,7 @@ TEST_F(ThirdUser, HisFileForHimselfAtTheCommandPipeIsToldAndLeftAlone) {
   EXPECT_EQ(lookOf(commandPipe), before);
 }
 
-TEST_F(ThirdUser, HisFolderAtTheCommandPipeIsToldAndLeftAlone) {
+TEST_F(ThirdUser, FolderAtCommandPipeIsReportedAndLeftAlone) {
   plantFolderForAll(commandPipe);
   const std::string before = lookOf(commandPipe);
   startAndListen();
@@ -188,7 +188,7 @@ TEST_F(ThirdUser, HisFolderAtTheCommandPipeIsToldAndLeftAlone) {
   EXPECT_EQ(lookOf(commandPipe), before);
 }
 
-TEST_F(ThirdUser, HisLinkAtTheCommandPipeLeadsToTheUsersFileOnlyWhereTheKernelFollowsIt) {
+TEST_F(ThirdUser, LinkAtCommandPipeIsFollowedOnlyIfKernelAllowsIt) {
   plantLinkToTheOwnFile(commandPipe, "0123456789");
   const std::string link = lookOf(commandPipe), file = lookOf(ownFile);
   startAndListen();
@@ -208,7 +208,7 @@ TEST_F(ThirdUser, HisLinkAtTheCommandPipeLeadsToTheUsersFileOnlyWhereTheKernelFo
   EXPECT_EQ(lookOf(commandPipe), link);
 }
 
-TEST_F(ThirdUser, HisLinkAtTheCommandPipeThatCanNotBeFollowedIsToldAndLeftAlone) {
+TEST_F(ThirdUser, UnfollowableLinkAtCommandPipeIsReportedAndLeftAlone) {
   plantLinkToHisFile(commandPipe);
   const std::string link = lookOf(commandPipe), file = lookOf(hisFile);
   startAndListen();
@@ -218,7 +218,7 @@ TEST_F(ThirdUser, HisLinkAtTheCommandPipeThatCanNotBeFollowedIsToldAndLeftAlone)
   EXPECT_EQ(lookOf(hisFile), file);
 }
 
-TEST_F(ThirdUser, HisFileForAllAtTheNotificationPipeIsReadAndOutlivesTheAgentUnchanged) {
+TEST_F(ThirdUser, WorldWritableFileAtNotificationPipeIsReadAndSurvivesUnchanged) {
   plantFileForAll(pipePath, "-non");
   const std::string before = lookOf(pipePath);
   startInPanel();
@@ -227,7 +227,7 @@ TEST_F(ThirdUser, HisFileForAllAtTheNotificationPipeIsReadAndOutlivesTheAgentUnc
   EXPECT_EQ(lookOf(pipePath), before);
 }
 
-TEST_F(ThirdUser, HisFileForHimselfAtTheNotificationPipeIsToldAndLeftAlone) {
+TEST_F(ThirdUser, PrivateFileAtNotificationPipeIsReportedAndLeftAlone) {
   plantFileForHimself(pipePath);
   const std::string before = lookOf(pipePath);
   startInPanel();
@@ -239,7 +239,7 @@ TEST_F(ThirdUser, HisFileForHimselfAtTheNotificationPipeIsToldAndLeftAlone) {
   EXPECT_EQ(lookOf(pipePath), before);
 }
 
-TEST_F(ThirdUser, HisFolderAtTheNotificationPipeIsToldAndOutlivesTheAgentUnchanged) {
+TEST_F(ThirdUser, FolderAtNotificationPipeIsReportedAndSurvivesUnchanged) {
   plantFolderForAll(pipePath);
   const std::string before = lookOf(pipePath);
   startInPanel();
@@ -250,7 +250,7 @@ TEST_F(ThirdUser, HisFolderAtTheNotificationPipeIsToldAndOutlivesTheAgentUnchang
   EXPECT_EQ(lookOf(pipePath), before);
 }
 
-TEST_F(ThirdUser, HisLinkAtTheNotificationPipeOpensTheUsersFileOnlyWhereTheKernelFollowsIt) {
+TEST_F(ThirdUser, LinkAtNotificationPipeIsFollowedOnlyIfKernelAllowsIt) {
   plantLinkToTheOwnFile(pipePath, "-non");
   const std::string link = lookOf(pipePath), file = lookOf(ownFile);
   startInPanel();
@@ -268,7 +268,7 @@ TEST_F(ThirdUser, HisLinkAtTheNotificationPipeOpensTheUsersFileOnlyWhereTheKerne
   EXPECT_EQ(lookOf(pipePath), link);
 }
 
-TEST_F(ThirdUser, HisLinkAtTheNotificationPipeThatCanNotBeFollowedIsToldAndOutlivesTheAgent) {
+TEST_F(ThirdUser, UnfollowableLinkAtNotificationPipeIsReportedAndSurvives) {
   plantLinkToHisFile(pipePath);
   const std::string link = lookOf(pipePath), file = lookOf(hisFile);
   startInPanel();

@@ -22,24 +22,24 @@ const std::string ownFolder = std::string(home) + "/.local/share/Tovalin";
 const std::string updaterCopy = "/tmp/tovalinupdate.app";
 constexpr uid_t neighbour = 65533;
 
-// All of a file that a program could change.
+// Returns all properties of a file that a program could change.
 std::string stateOf(const fs::path& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) return "gone";
   std::string state = std::to_string(status.st_ino) + " mode " + std::to_string(status.st_mode) + " owner " +
                       std::to_string(status.st_uid);
-  // A folder's own time moves with the agent's files in it.
+  // The agent's files change the folder's own times.
   if (S_ISDIR(status.st_mode)) return state;
   state += " links " + std::to_string(status.st_nlink) + " changed " + std::to_string(status.st_mtim.tv_sec) +
            "." + std::to_string(status.st_mtim.tv_nsec);
   if (S_ISLNK(status.st_mode)) return state + " to " + fs::read_symlink(path).string();
   state += " size " + std::to_string(status.st_size);
-  // Programs are told by their time and size alone.
+  // Large files and other types, mostly programs, are compared by time and size only.
   if (!S_ISREG(status.st_mode) || status.st_size > 1 << 16) return state;
   return state + " holds " + contentsOf(path);
 }
 
-// The agent's own files, and what the test itself keeps there.
+// Returns whether the path is one of the agent's own files or of the test's.
 bool isLeftOut(const std::string& path) {
   const auto isBelow = [&](const std::string& top) { return path == top || path.starts_with(top + "/"); };
   return path == pipePath || path == "/tmp/KMPIPE" || path == "/tmp/timeline.sock" ||
@@ -84,7 +84,7 @@ std::string dayFileName(std::time_t time) {
   return name;
 }
 
-// All that the usage files hold, without what links lead to.
+// Returns the contents of all usage files, without following links.
 std::string ownRecords() {
   std::string all;
   for (const auto& entry : fs::directory_iterator(ownFolder)) {
@@ -119,9 +119,9 @@ class UntouchedFiles : public SupportTest {
           "/tmp/home/.local/state/Tovalin/Tovalin1.crash", "/tmp/home/.local/share/Tovalin/notes.txt",
           "/tmp/home/.local/share/Tovalin/NOTES.DAT"})
       plant(path);
-    // As the agent makes it.
+    // As the agent creates it.
     fs::permissions(ownFolder, fs::perms::owner_all);
-    // In the places of past days, beside a real one that is sent.
+    // Links with the names of past usage files, beside a real one that is uploaded.
     fs::create_symlink("/tmp/home/canary", ownFolder + "/Tovalin_2024_01_01.dat");
     fs::create_symlink("/tmp/home/Desktop", ownFolder + "/Tovalin_2024_01_02.dat");
     std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
@@ -131,14 +131,14 @@ class UntouchedFiles : public SupportTest {
     fs::remove_all(updaterCopy);
   }
 
-  // A file of the user's with this text, which a link of this name in the agent's folder leads to.
+  // Creates a link of this name in the agent's folder, to a file of the user with this text.
   static void plantLink(const std::string& name, const std::string& text) {
     const std::string target = "/tmp/home/linked/" + name;
     fs::create_directories("/tmp/home/linked");
     std::ofstream(target) << text;
     fs::create_symlink(target, ownFolder + "/" + name);
   }
-  // A life with a record and an upload.
+  // Runs a session with a record and an upload.
   void leadAShortLife() {
     launchInPanel();
     send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
@@ -152,7 +152,7 @@ class UntouchedFiles : public SupportTest {
     return all;
   }
 
-  // Somebody's folder at the place of the updater's copy; a link in it leads to a file of the user's.
+  // Creates a folder at the path of the updater's copy; a link in it leads to a file of the user.
   static void plantUpdaterCopy(uid_t owner, mode_t mode) {
     fs::remove_all(updaterCopy);
     fs::create_directories(updaterCopy + "/Contents");
@@ -168,7 +168,7 @@ class UntouchedFiles : public SupportTest {
     clickAt(updateMiddle);
     ASSERT_TRUE(waitForClickBeacon("updatebtn"));
   }
-  // The button is pressed, and the agent serves on without copying or opening.
+  // Presses the button and expects that the agent neither copies nor opens the updater and keeps running.
   void expectNoUpdate() {
     const std::string before = stateOf("/tmp/home/canary");
     pressUpdate();
@@ -182,7 +182,7 @@ class UntouchedFiles : public SupportTest {
   }
 };
 
-TEST_F(UntouchedFiles, AWholeLifeChangesNothingButTheAgentsOwnFiles) {
+TEST_F(UntouchedFiles, SessionChangesOnlyTheAgentsOwnFiles) {
   const Snapshot before = snapshot();
   launchInPanel();
   ASSERT_TRUE(server_->waitForRequests("POST", 1));
@@ -206,7 +206,7 @@ TEST_F(UntouchedFiles, AWholeLifeChangesNothingButTheAgentsOwnFiles) {
   EXPECT_THAT(sentBodies(), testing::Not(testing::HasSubstr("canary")));
 }
 
-TEST_F(UntouchedFiles, ALinkInPlaceOfTheIdentityIsNeitherReadNorWritten) {
+TEST_F(UntouchedFiles, LinkAtIdentityIsNeitherReadNorWritten) {
   const std::string secret = "a secret as long as an identity, 36.";
   ASSERT_EQ(secret.size(), 36U);
   for (const std::string& text : {secret, "another length"s, ""s}) {
@@ -223,25 +223,25 @@ TEST_F(UntouchedFiles, ALinkInPlaceOfTheIdentityIsNeitherReadNorWritten) {
   }
 }
 
-TEST_F(UntouchedFiles, ALinkInPlaceOfTheServersOptionIsNeitherReadNorWritten) {
+TEST_F(UntouchedFiles, LinkAtServerOptionIsNeitherReadNorWritten) {
   for (const char* text : {"0", "more than one byte", ""}) {
     fs::remove_all("/tmp/home/linked");
     fs::remove(ownFolder + "/TovalinServerOption.txt");
     std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
     plantLink("TovalinServerOption.txt", text);
     const Snapshot before = snapshot();
-    // To the product server, whatever the file behind the link says.
+    // Uploads to the product server, whatever the link's target contains.
     leadAShortLife();
     EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
     host_.clearEvents();
   }
 }
 
-TEST_F(UntouchedFiles, ALinkInPlaceOfTheDaysFileIsNeitherWrittenNorSent) {
+TEST_F(UntouchedFiles, LinkAtUsageFileIsNeitherWrittenNorSent) {
   for (const char* text : {"the user's own", ""}) {
     fs::remove_all("/tmp/home/linked");
     const std::time_t now = std::time(nullptr);
-    // Tomorrow's too, should midnight come meanwhile.
+    // The next day's file too, in case midnight passes.
     for (const std::time_t day : {now, now + 86400}) {
       fs::remove(ownFolder + "/" + dayFileName(day));
       plantLink(dayFileName(day), text);
@@ -255,12 +255,12 @@ TEST_F(UntouchedFiles, ALinkInPlaceOfTheDaysFileIsNeitherWrittenNorSent) {
   }
 }
 
-TEST_F(UntouchedFiles, ANeighboursFolderInPlaceOfTheUpdatersCopyIsNeitherFilledNorOpened) {
+TEST_F(UntouchedFiles, OtherUsersFolderAtUpdaterCopyIsNeitherFilledNorOpened) {
   plantUpdaterCopy(neighbour, 0755);
   expectNoUpdate();
 }
 
-TEST_F(UntouchedFiles, AFolderThatOthersMayWriteInPlaceOfTheUpdatersCopyIsNeitherFilledNorOpened) {
+TEST_F(UntouchedFiles, SharedFolderAtUpdaterCopyIsNeitherFilledNorOpened) {
   plantUpdaterCopy(::getuid(), 0775);
   expectNoUpdate();
   plantUpdaterCopy(::getuid(), 0757);
@@ -268,20 +268,20 @@ TEST_F(UntouchedFiles, AFolderThatOthersMayWriteInPlaceOfTheUpdatersCopyIsNeithe
   expectNoUpdate();
 }
 
-TEST_F(UntouchedFiles, ALinkInPlaceOfTheUpdatersCopyIsNeitherFilledNorOpened) {
+TEST_F(UntouchedFiles, LinkAtUpdaterCopyIsNeitherFilledNorOpened) {
   fs::remove_all(updaterCopy);
   fs::create_symlink("/tmp/home/Desktop", updaterCopy);
   expectNoUpdate();
 }
 
-TEST_F(UntouchedFiles, AFolderOfOnesOwnThatIsLeftOverFromTheLastUpdateTakesTheNewOne) {
+TEST_F(UntouchedFiles, OwnFolderFromLastUpdateIsReused) {
   pressUpdate();
   ASSERT_TRUE(waitForText("run: open " + updaterCopy));
   EXPECT_EQ(contentsOf(updaterCopy + "/Contents/Info.plist"),
             contentsOf(bundle_ + "/Contents/Resources/tovalinupdate.app/Contents/Info.plist"));
 }
 
-TEST_F(UntouchedFiles, TheFolderOfTheUpdatersCopyIsMadeForTheUserAlone) {
+TEST_F(UntouchedFiles, UpdaterCopyFolderIsPrivate) {
   fs::remove_all(updaterCopy);
   pressUpdate();
   ASSERT_TRUE(waitForText("run: open " + updaterCopy));
@@ -289,7 +289,7 @@ TEST_F(UntouchedFiles, TheFolderOfTheUpdatersCopyIsMadeForTheUserAlone) {
   EXPECT_TRUE(fs::exists(updaterCopy + "/Contents/Info.plist"));
 }
 
-TEST_F(UntouchedFiles, ALinkInPlaceOfAnOwnFileOfTheRuntimeFolderIsNotFollowed) {
+TEST_F(UntouchedFiles, LinkAtRuntimeFileIsNotFollowed) {
   fs::remove_all("/tmp/runtime/TovalinTray");
   fs::create_directories("/tmp/elsewhere/helpers");
   plant("/tmp/elsewhere/helpers/open");
@@ -305,7 +305,7 @@ TEST_F(UntouchedFiles, ALinkInPlaceOfAnOwnFileOfTheRuntimeFolderIsNotFollowed) {
   fs::remove("/tmp/runtime/TovalinTray");
 }
 
-TEST_F(UntouchedFiles, ALinkInPlaceOfTheLockOrTheHelpersFolderIsNotFollowed) {
+TEST_F(UntouchedFiles, LinkAtLockOrHelpersFolderIsNotFollowed) {
   fs::remove_all("/tmp/runtime/TovalinTray");
   fs::create_directories("/tmp/runtime/TovalinTray");
   fs::permissions("/tmp/runtime/TovalinTray", fs::perms::owner_all);

@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The header ends with the first of the versions that stand behind the bundle's.
+// The header ends with the first version number after the bundle's.
 std::string withoutHeader(const std::string& file) {
   const std::string end =
       "\x07"

@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
-// The usage files, the oldest day's first; none where there is no folder for them yet.
+// Returns the usage files, oldest day first; empty if their folder does not exist.
 [[nodiscard]] std::vector<std::filesystem::path> usageFiles();
 
-// What stands in the usage file, where there is one, and how often these bytes are in it. Where midnight
-// has come meanwhile, the records of the new day are added.
+// Return the contents of the usage file, if there is one, and how often these bytes occur in them. If
+// midnight has passed, include the records of the new day.
 [[nodiscard]] std::string recordedUsage();
 [[nodiscard]] int recordsLike(const std::string& bytes);
 
-// How records begin.
+// The prefixes of records.
 inline const std::string startRecord =
     "\x01\x05"
     "1.0.0\x07"

@@ -6,13 +6,13 @@
 
 namespace {
 
-// On the console alone: of a start the log has a second word.
+// Matched in the console log only, because the system log may hold a second entry about a lost start record.
 constexpr std::string_view lostRecord[] = {"open log failed: ", "write log failed: "};
 constexpr std::string_view failedUpload = "] (null)";
 constexpr std::string_view pipeGone[] = {"notiThread] open pipe error", "notiThread] pipe select error"};
 constexpr std::string_view commandPipe[] = {"log 3: open pipe failed. ", "log 3: select failed. ",
                                             "log 3: write error. "};
-// How the texts of fatal errors begin.
+// Prefixes of the fatal error messages.
 constexpr std::string_view endMessages[] = {
     "out of memory",    "cannot create the signal pipe: ", "cannot install a signal handler: ",
     "cannot restart: ", "cannot open the display ",        "not inside a main application's bundle"};
@@ -22,14 +22,14 @@ bool isUnusualEntry(const std::string& text) {
          !text.starts_with("log 3: bActive") && !text.starts_with("log 3: Dark Mode");
 }
 
-// The console log has the versions, and what the server says to an upload: nothing, or that there was no
-// answer. The collection of logs says which ones there are none of.
+// Expected lines are versions, an upload's reply or its absence, and the logs that a collection does not
+// find.
 bool isUnusualLine(const std::string& line) {
   return !line.starts_with("cp: cannot stat ") && !line.ends_with("] ") && !line.ends_with(failedUpload) &&
          line.find("] recentversion") == std::string::npos;
 }
 
-// Without the beginning that the log and the console give to what ends the agent.
+// Removes the prefix of a fatal error in the log or on the console. Returns an empty text if there is none.
 std::string_view withoutBeginning(std::string_view text) {
   for (const std::string_view beginning : {"log 3: ", "TovalinTray: "}) {
     if (text.starts_with(beginning)) return text.substr(beginning.size());

@@ -4,27 +4,27 @@
 #include <string_view>
 #include <vector>
 
-// What the agent has said of its fault: everything in its log and on its console but what it says every day.
+// The unusual lines of the agent's log and console: everything that it does not print in every session.
 class AgentsWords {
  public:
-  // `log` as the time line has it, "log PRIORITY: TEXT"; other events of the time line are passed over.
+  // `log` holds the events of the timeline; events other than "log PRIORITY: TEXT" are ignored.
   AgentsWords(const std::vector<std::string>& log, const std::string& console);
 
-  // The first that is unusual; empty when there is none.
+  // Returns the first unusual line; empty if there is none.
   [[nodiscard]] std::string first() const { return unusual_.empty() ? std::string() : unusual_.front(); }
-  // Whether one of them has this in it.
+  // Returns whether a line contains `text`.
   [[nodiscard]] bool tellOf(std::string_view text) const;
 
-  // How many of them have it.
+  // Returns how many lines contain `text`.
   [[nodiscard]] int count(std::string_view text) const;
 
-  // Of each loss a word of its own will do, and no other: what else went wrong explains it to nobody. There
-  // is one for each record that is lost, and for each upload that was not taken.
+  // Counts only the message of that loss: one per lost record, one per upload that was not accepted. Other
+  // messages do not explain a loss.
   [[nodiscard]] int lostRecords() const;
   [[nodiscard]] int failedUploads() const { return failedUploads_; }
   [[nodiscard]] bool tellOfTheEnd() const;
   [[nodiscard]] bool tellThatThePipeIsGone() const;
-  // That something did not reach the main application.
+  // Returns whether a message to the main application was lost.
   [[nodiscard]] bool tellOfTheCommandPipe() const;
 
  private:

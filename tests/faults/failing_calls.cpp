@@ -1,6 +1,6 @@
-// A library to be loaded before the agent: makes one call of its own code fail, as
-// tests/faults/fault_report.h says. Calls of the toolkit and of the C library's inner parts go through; calls
-// that the C++ library makes for the agent's code count as the agent's.
+// A library for LD_PRELOAD that makes one call of the agent's own code fail, as described in fault_report.h.
+// Calls made by Qt and inside the C library succeed; calls that the C++ library makes on behalf of the
+// agent's code count as the agent's.
 
 #include <curl/curl.h>
 #include <dirent.h>
@@ -43,7 +43,7 @@ using faults::indexOf;
 constexpr std::size_t kLargeBuffer = std::size_t{64} * 1024;
 
 struct Order {
-  faults::Report* report = nullptr;  // none: nothing is counted and nothing fails
+  faults::Report* report = nullptr;  // null: no call is counted and none fails
   std::size_t call = faults::callNames.size();
   std::uint64_t which = 0;
   int error = 0;
@@ -61,14 +61,14 @@ Owner ownerOf(void* address) {
   return name.find("libstdc++.so") != std::string_view::npos ? Owner::CppLibrary : Owner::Other;
 }
 
-// The C++ library's file paths crash when they get no memory, whoever uses them.
+// std::filesystem crashes when an allocation fails, also on behalf of its callers.
 bool isInFilePaths(void* frame) {
   Dl_info symbol{};
   return ::dladdr(frame, &symbol) != 0 && symbol.dli_sname != nullptr &&
          std::strstr(symbol.dli_sname, "10filesystem") != nullptr;
 }
 
-// The nearest frame above this library and the C++ library, when that is the agent's.
+// Returns the nearest frame above this library and the C++ library if it is the agent's, else nullptr.
 void* agentsFrameAbove(bool throughFilePaths) {
   std::array<void*, 24> frames{};
   const std::span found(frames.data(), static_cast<std::size_t>(::backtrace(frames.data(), frames.size())));
@@ -101,7 +101,7 @@ std::uint64_t offsetInProgram(void* address) {
   return reinterpret_cast<std::uintptr_t>(address) - object.dlfo_link_map->l_addr;
 }
 
-// The errno with which this call is to fail; 0: it goes through.
+// Returns the errno with which this call is to fail; 0 to let it succeed.
 int faultOf(std::size_t call, void* caller) {
   if (order.report == nullptr || order.report->isOpen == 0 || isLooking) return 0;
   isLooking = true;
@@ -127,8 +127,8 @@ bool isAgent() {
          std::string_view(path.data(), static_cast<std::size_t>(length)).ends_with("/TovalinTray");
 }
 
-// A disk that becomes full takes the beginning of a file whole, which fits into the first block. Asked of the
-// kernel itself, so that this look is no call of its own.
+// A full disk still accepts the start of a file, which fits into its first block. Calls the kernel directly,
+// so that this check is not itself counted.
 bool isTakenInPart(int file) {
   struct stat status {};
   return ::syscall(SYS_newfstatat, file, "", &status, AT_EMPTY_PATH) == 0 && S_ISREG(status.st_mode) &&
@@ -155,14 +155,14 @@ __attribute__((constructor)) void takeOrder() {
   order.error = static_cast<int>(std::strtol(text + second, nullptr, 10));
   std::array<void*, 2> warmUp{};
   ::backtrace(warmUp.data(), warmUp.size());
-  // What the agent starts is left in peace.
+  // The agent's child processes run without faults.
   ::unsetenv("LD_PRELOAD");
   order.report = openReport(path);
 }
 
 }  // namespace
 
-// One failing call: what stands for the C library's own, by that name. `failure` may use `error`.
+// Defines one failing call, which replaces the C library's function `name`. `failure` may use `error`.
 // NOLINTBEGIN(bugprone-macro-parentheses)
 #define FAILING(name, result, failure, parameters, ...)                                       \
   extern "C" result failing_##name parameters __asm__(#name);                                 \
@@ -250,7 +250,7 @@ ssize_t failingWrite(int file, const void* bytes, std::size_t size) {
   return original(file, bytes, isInPart ? size / 2 : size);
 }
 
-// The kernel has closed the descriptor even when it reports an error.
+// close(2) releases the descriptor even if it reports an error.
 extern "C" int failingClose(int file) __asm__("close");
 int failingClose(int file) {
   static const auto original = next<int(int)>("close");
@@ -261,7 +261,7 @@ int failingClose(int file) {
   return -1;
 }
 
-// Who is told that there is no such child has it reaped already.
+// ECHILD means that the child has already been reaped.
 extern "C" pid_t failingWaitpid(pid_t child, int* status, int options) __asm__("waitpid");
 pid_t failingWaitpid(pid_t child, int* status, int options) {
   static const auto original = next<pid_t(pid_t, int*, int)>("waitpid");
@@ -289,7 +289,8 @@ extern "C" void* failingMalloc(std::size_t size) __asm__("malloc");
 void* failingMalloc(std::size_t size) {
   constexpr std::size_t small = indexOf("small malloc");
   const std::size_t call = size >= kLargeBuffer ? indexOf("malloc") : small;
-  // There are so many that they are only looked at when one of them is meant, or all are counted.
+  // Checked first, because there are very many: look up the caller only if one of them is to fail or all are
+  // counted.
   const bool counts = order.call == small || order.call == faults::callNames.size();
   if (call == small && !counts) return __libc_malloc(size);
   if (const int error = faultOf(call, __builtin_return_address(0)); error != 0) {
@@ -299,7 +300,7 @@ void* failingMalloc(std::size_t size) {
   return __libc_malloc(size);
 }
 
-// Not by way of the loader, which asks for memory itself.
+// Without dlsym(3), which itself allocates memory.
 extern "C" void* failingCalloc(std::size_t count, std::size_t size) __asm__("calloc");
 void* failingCalloc(std::size_t count, std::size_t size) {
   if (const int error = faultOf(indexOf("calloc"), __builtin_return_address(0)); error != 0) {
@@ -309,7 +310,7 @@ void* failingCalloc(std::size_t count, std::size_t size) {
   return __libc_calloc(count, size);
 }
 
-// The agent's pauses of seconds, which are there for others, would be most of a test's time.
+// Shortens the agent's pauses of whole seconds, which would dominate the duration of the tests.
 extern "C" int shortNanosleep(const timespec* wanted, timespec* left) __asm__("nanosleep");
 int shortNanosleep(const timespec* wanted, timespec* left) {
   static const auto original = next<int(const timespec*, timespec*)>("nanosleep");

@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kReport = "/tmp/faults.report";
 
-// Shared with the agent, in which the calls fail.
+// Shared memory, written by the agent in which the calls fail.
 faults::Report* makeReport() {
   const test_support::FileDescriptor file(::open(kReport, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
   if (::ftruncate(file.get(), sizeof(faults::Report)) != 0) return nullptr;

@@ -9,32 +9,32 @@
 
 #include "tests/faults/fault_report.h"
 
-// One call of the agent's own code that is to fail.
+// A call of the agent's own code that is to fail.
 struct Fault {
   std::string call = "none";
   int error = 0;
   std::uint64_t which = 0;
 };
 
-// Makes one call of an agent fail, and reports whether it was reached. Only one injector may be open at a
+// Makes one call of an agent fail, and reports whether that call was made. Only one injector may be open at a
 // time, because it shares a file with the agent.
 class FaultInjector {
  public:
   using Environment = std::map<std::string, std::optional<std::string>>;
 
-  // Whether it can be used.
+  // Returns whether the shared file could be created.
   [[nodiscard]] bool open();
-  // An agent that is started in this environment has this fault, once calls may fail.
+  // Prepares `environment`: an agent started in it has this fault once `letCallsFail` was called.
   void arm(const Fault& fault, Environment& environment);
-  // From here on calls are counted, and the one that is meant fails.
+  // Starts counting calls and lets the chosen one fail.
   void letCallsFail() { report_->isOpen = 1; }
 
   [[nodiscard]] const Fault& fault() const { return fault_; }
-  // Whether the fault was reached.
+  // Returns whether the chosen call was made, and failed.
   [[nodiscard]] bool hasFailed() const { return report_->failed != 0; }
-  // Where in the agent's program it was, for addr2line(1).
+  // Returns the address of that call in the agent's program, for addr2line(1).
   [[nodiscard]] std::uint64_t place() const { return report_->place; }
-  // How often this call was made so far, and each call.
+  // Returns how often this call was made so far; `allCalls` the counts of all calls.
   [[nodiscard]] std::uint64_t calls(std::string_view name) const {
     return report_->counts[faults::indexOf(name)];
   }

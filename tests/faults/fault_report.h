@@ -6,13 +6,13 @@
 #include <cstdint>
 #include <string_view>
 
-// What the failing calls and those who order them share. The order comes in two variables of the environment:
-// TOVALIN_FAULT, as "read 3 5" (the third read fails with errno 5; "none 0 0" only counts), and
-// TOVALIN_FAULT_REPORT, the path of a file that holds a Report.
+// The interface between the test and the library of failing calls. TOVALIN_FAULT holds the call, for example
+// "read 3 5" (the third read fails with errno 5; "none 0 0" only counts). TOVALIN_FAULT_REPORT holds the path
+// of a file that contains a Report.
 namespace faults {
 
-// The calls that can fail. "malloc" is of 64 KiB and more, "small malloc" of less. "write in part" is a write
-// to the end of a file that takes only the first half, as that to a disk that becomes full.
+// The calls that can fail. "malloc" is an allocation of 64 KiB or more, "small malloc" of less. "write in
+// part" is a write to the end of a file that stores only its first half, as on a disk that becomes full.
 // clang-format off
 inline constexpr std::array<std::string_view, 57> callNames = {
     "open", "openat", "fopen64", "read", "write",
@@ -30,15 +30,15 @@ inline constexpr std::array<std::string_view, 57> callNames = {
 // clang-format on
 
 struct Report {
-  // Whether calls are counted and fail now.
+  // Whether calls are counted and may fail.
   std::atomic<std::uint64_t> isOpen = 0;
   std::array<std::atomic<std::uint64_t>, callNames.size()> counts{};
   std::atomic<std::uint64_t> failed = 0;
-  // Where in the agent's program the failed call was made, for addr2line(1).
+  // Address of the failed call in the agent's program, for addr2line(1).
   std::atomic<std::uint64_t> place = 0;
 };
 
-// The place of a name among the names; their number for a name that is none.
+// Returns the index of a name; the number of names if it is unknown.
 constexpr std::size_t indexOf(std::string_view name) {
   std::size_t index = 0;
   while (index < callNames.size() && callNames[index] != name) ++index;

@@ -19,10 +19,10 @@ struct Kind {
   int error;
 };
 
-// At which of its calls in a session a function fails: at one as a sample, or at all.
+// Which of a function's calls in a session fail: in a sample one, otherwise all.
 struct Extent {
   enum class Place { Middle, Last } sample;
-  std::uint64_t ofMany;  // for functions that are called hundreds of times, or repeatedly during a wait
+  std::uint64_t ofMany;  // limit for functions called hundreds of times, or repeatedly during a wait
 };
 constexpr Extent kOfWholeLife{Extent::Place::Middle, 60}, kOfPartOfLife{Extent::Place::Last, 20};
 constexpr std::uint64_t kAll = 100'000;
@@ -41,7 +41,7 @@ std::uint64_t samplePlace(std::uint64_t count, const Extent& extent) {
   return extent.sample == Extent::Place::Last ? count : (count + 1) / 2;
 }
 
-// The first, the last and others between them at equal distances.
+// Returns the first, the last and evenly spaced numbers in between.
 std::set<std::uint64_t> placesAmong(std::uint64_t count, std::uint64_t limit) {
   std::set<std::uint64_t> places;
   for (std::uint64_t i = 0; i < std::min(count, limit); ++i)
@@ -157,7 +157,7 @@ constexpr std::string_view callsOfWatch[] = {
     "open", "lstat", "statx", "readlink", "fdopendir", "inotify_init1", "inotify_add_watch"};
 constexpr std::string_view callsOfStartOver[] = {"execv"};
 constexpr std::string_view callsOfDisplayless[] = {"writev"};
-// The functions that only the other sessions call.
+// Functions that only the other sessions call.
 constexpr std::string_view callsOfOthersAlone[] = {"execv", "inotify_rm_watch", "rmdir", "writev"};
 // clang-format on
 
@@ -169,7 +169,7 @@ std::vector<Kind> kindsOfShortLife() {
   return kinds;
 }
 
-// In a sample every third.
+// In a sample, every third function.
 std::vector<Kind> kindsOf(std::span<const std::string_view> calls) {
   std::vector<Kind> kinds;
   std::size_t seen = 0;
@@ -179,7 +179,7 @@ std::vector<Kind> kindsOf(std::span<const std::string_view> calls) {
   return kinds;
 }
 
-// The session without faults of each kind, which is led once a test program.
+// The results of a session without a fault, which runs once per kind and test program.
 struct PlainLife {
   std::array<std::uint64_t, faults::callNames.size()> calls{};
   std::optional<long> descriptors = {};
@@ -208,7 +208,7 @@ class FaultsIn : public testing::TestWithParam<Kind> {
     ASSERT_GT(count, 0u) << "the agent makes no such call";
     int reached = 0;
     for (const std::uint64_t which : placesOf(call, count)) reached += letFail({call, error, which});
-    // The last calls may not come again, as of waits that were shorter this time; the first does.
+    // The last calls may not be made again, for example if a wait is shorter; the first one always is.
     if (reached == 0) reached += letFail({call, error, 1});
     EXPECT_GT(reached, 0) << "no call was made to fail";
   }
@@ -224,7 +224,7 @@ class FaultsIn : public testing::TestWithParam<Kind> {
     return placesAmong(count, limitFor(call, extent));
   }
 
-  // Leads a session in which this fails, and judges it.
+  // Runs a session with this fault and judges it.
   Outcome live(const Fault& fault) {
     Expected expected = life_.expected();
     if (plainLife()) expected.descriptors = plainLife()->descriptors;
@@ -234,12 +234,12 @@ class FaultsIn : public testing::TestWithParam<Kind> {
     const bool hasFailed = run_.injector_.hasFailed();
     if (outcome.survival == Survival::Failed) run_.agent_.kill();
     if (fault.which == 0 || hasFailed || outcome.survival == Survival::Failed) return outcome;
-    // What a fault may excuse, nothing does without it.
+    // A deviation without a failed call has no excuse.
     if (outcome.survival == expected.survival) return {Survival::NotReached, outcome.detail};
     return {Survival::Failed, "not as usual without its fault: " + outcome.detail};
   }
 
-  // Whether the call was made.
+  // Returns whether the call was made.
   bool letFail(const Fault& fault) {
     const Outcome outcome = live(fault);
     tell(fault, outcome);
@@ -247,7 +247,7 @@ class FaultsIn : public testing::TestWithParam<Kind> {
     return run_.injector_.hasFailed();
   }
 
-  // A line that tests/faults/run makes its tables of.
+  // Prints a line from which tests/faults/run makes its tables.
   void tell(const Fault& fault, const Outcome& outcome) const {
     std::printf("fault\t%s\t%s\t%s\t%llu\t%s\t0x%llx %s\n", Session::title, fault.call.c_str(),
                 ::strerrorname_np(fault.error), static_cast<unsigned long long>(fault.which),
@@ -267,65 +267,65 @@ std::string nameOfKind(const testing::TestParamInfo<Kind>& kind) {
 }
 
 class ShortLifeFaults : public FaultsIn<ShortLife, kOfWholeLife> {};
-TEST_P(ShortLifeFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+TEST_P(ShortLifeFaults, AgentServesOrEndsWithMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, ShortLifeFaults, testing::ValuesIn(kindsOfShortLife()), nameOfKind);
 
 class LogCollectionFaults : public FaultsIn<LogCollectionLife> {};
-TEST_P(LogCollectionFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+TEST_P(LogCollectionFaults, AgentServesOrEndsWithMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, LogCollectionFaults, testing::ValuesIn(kindsOf(callsOfLogCollection)),
                          nameOfKind);
 
 class UpdateFaults : public FaultsIn<UpdateLife> {};
-TEST_P(UpdateFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+TEST_P(UpdateFaults, AgentServesOrEndsWithMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, UpdateFaults, testing::ValuesIn(kindsOf(callsOfUpdate)), nameOfKind);
 
 class MidnightFaults : public FaultsIn<MidnightLife> {};
-TEST_P(MidnightFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+TEST_P(MidnightFaults, AgentServesOrEndsWithMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, MidnightFaults, testing::ValuesIn(kindsOf(callsOfMidnight)), nameOfKind);
 
 class FirstLaunchFaults : public FaultsIn<FirstLaunchLife> {};
-TEST_P(FirstLaunchFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+TEST_P(FirstLaunchFaults, AgentServesOrEndsWithMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, FirstLaunchFaults, testing::ValuesIn(kindsOf(callsOfFirstLaunch)),
                          nameOfKind);
 
 class SecondStartFaults : public FaultsIn<SecondStartLife> {};
-TEST_P(SecondStartFaults, LeaveTheFirstUnharmedAndEndTheSecond) {
+TEST_P(SecondStartFaults, FirstAgentIsUnharmedAndSecondProcessEnds) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, SecondStartFaults, testing::ValuesIn(kindsOf(callsOfSecondStart)),
                          nameOfKind);
 
 class RemovalFaults : public FaultsIn<RemovalLife> {};
-TEST_P(RemovalFaults, LeaveAnAgentThatEndsWithItsBundle) {
+TEST_P(RemovalFaults, AgentEndsWithItsBundle) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, RemovalFaults, testing::ValuesIn(kindsOf(callsOfRemoval)), nameOfKind);
 
 class WatchFaults : public FaultsIn<WatchLife> {};
-TEST_P(WatchFaults, LeaveAnAgentThatEndsWithItsBundleOrHasNoWatch) {
+TEST_P(WatchFaults, AgentEndsWithItsBundleOrReportsMissingWatch) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, WatchFaults, testing::ValuesIn(kindsOf(callsOfWatch)), nameOfKind);
 
 class StartOverFaults : public FaultsIn<StartOverLife> {};
-TEST_P(StartOverFaults, LeaveAnAgentThatServesOrHasEndedWithAMessage) {
+TEST_P(StartOverFaults, AgentServesOrEndsWithMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, StartOverFaults, testing::ValuesIn(kindsOf(callsOfStartOver)),
                          nameOfKind);
 
 class DisplaylessFaults : public FaultsIn<DisplaylessLife> {};
-TEST_P(DisplaylessFaults, LeaveAnAgentThatEndsWithAMessage) {
+TEST_P(DisplaylessFaults, AgentEndsWithMessage) {
   letEachFail();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, DisplaylessFaults, testing::ValuesIn(kindsOf(callsOfDisplayless)),

@@ -25,9 +25,9 @@ using test_support::FileDescriptor;
 using test_support::waitUntil;
 
 constexpr std::chrono::seconds kPatienceAfterFault{4};
-// What the agent says of a picture that it has not.
+// Logged for a picture that could not be loaded.
 constexpr const char* kLostPicture = "Invalid Image";
-// As they are in the bundle, which some lives take away.
+// A copy of the bundle's pictures, because some sessions remove the bundle.
 const std::string kPictures = "/tmp/pictures";
 
 long openDescriptorsOf(pid_t process) {
@@ -53,7 +53,7 @@ std::string processNames() {
   return names;
 }
 
-// The toolkit's pool has as many threads as it needs at the time, and each of them holds a descriptor.
+// Each thread of Qt's thread pool holds a descriptor, and their number varies.
 long pooledThreadsOf(pid_t process) {
   std::error_code gone;
   const fs::directory_iterator threads("/proc/" + std::to_string(process) + "/task", gone);
@@ -79,7 +79,7 @@ void FaultyAgent::setUp() {
   if (testing::Test::HasFatalFailure()) return;
   server_->put(bannerFolder + std::string("red.ppm"), pictureFile(red, 420, 120));
   ASSERT_TRUE(injector_.open());
-  // Whichever server the option names.
+  // The same server for both values of the server option.
   setServers(server_->origin(), server_->origin());
   fs::copy(agentContents() + "/Resources", kPictures,
            fs::copy_options::recursive | fs::copy_options::overwrite_existing);
@@ -113,7 +113,7 @@ void FaultyAgent::waitForLaunch() {
   static_cast<void>(comesTrue([] { return !fs::exists(UsageAccount::waiting.path); }));
 }
 
-// Once the fault is there, what does not come soon does not come.
+// Shortens the timeout once the fault has occurred: what is delayed longer does not happen.
 bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
   const auto begin = std::chrono::steady_clock::now();
   std::optional<std::chrono::steady_clock::time_point> failedAt;
@@ -134,7 +134,7 @@ bool FaultyAgent::listens() {
   return FileDescriptor(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC)).valid();
 }
 
-// Returns when it was read: two that are read at once are one.
+// Returns once the message was read, because the agent treats messages read together as one.
 bool FaultyAgent::sendToPipe(const std::string& text) {
   const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   const int before = count("log 6: read_pipe");
@@ -192,13 +192,13 @@ bool FaultyAgent::turnsTheSwitch() {
          waitUntil([&] { return !agent_.running() || switchLabel() == after || pictureIsLost(); });
 }
 
-// A picture that is lost takes the item off the panel for as long as it would be shown.
+// While a lost picture would be shown, the item is not in the panel.
 bool FaultyAgent::pictureIsLost() {
   return words().tellOf(kLostPicture) && host_.items().empty();
 }
 
-// A second start opens the menu at the pointer, and the first line is the switch. The picture of the other
-// state brings the item back.
+// A second start opens the menu at the pointer; its first line is the switch. After the switch the item
+// returns with the other picture.
 bool FaultyAgent::turnsTheSwitchByAnotherStart() {
   test_support::ChildOptions options;
   options.environment = environment_;
@@ -236,20 +236,20 @@ Outcome FaultyAgent::judge() {
 }
 
 std::string FaultyAgent::judgePipe() {
-  // A thread that could not be had may have been the listener's.
+  // The thread that could not be started may be the listener's.
   const auto toldOfIt = [&] {
     return toldThatThePipeIsGone() || words().tellOf("] cannot start a thread: ");
   };
   const bool told = toldOfIt();
   hasPipe_ = answersThePipe();
   if (hasPipe_ || told || toldOfIt()) return {};
-  // Then it must, however busy the machine is.
+  // The pipe was not reported as lost, so it must answer, however busy the machine is.
   patience_ = test_support::kPatience;
   hasPipe_ = answersThePipe();
   return hasPipe_ || toldOfIt() ? "" : "does not answer the pipe";
 }
 
-// Its icon is shown before and after a click on the switch, except for pictures that it logs as invalid.
+// The icon must be shown before and after a click on the switch, except for pictures logged as invalid.
 std::string FaultyAgent::judgeItem() {
   patience_ = words().tellOf(kLostPicture) ? kPatienceAfterFault : test_support::kPatience;
   int missing = 0;
@@ -277,7 +277,7 @@ std::string FaultyAgent::judgeEndOfLife() {
 std::string FaultyAgent::judgeUsage(int ends) {
   std::string missing = usage_.missingRecords(expected_.starts, ends, hasPipe_, uploads(), words());
   if (!missing.empty()) return missing;
-  // The thread that could not be had was that of the launch's upload, when the listener has its own.
+  // The listener's thread runs, so the thread that could not be started was that of the upload at launch.
   if (hasPipe_ && words().tellOf("] cannot start a thread: ")) return {};
   return UsageAccount::unsent(expected_.pastFiles, injector_.hasFailed() ? injector_.fault().call : "",
                               uploads(), words());
@@ -296,22 +296,23 @@ std::optional<Outcome> FaultyAgent::judgeEarlyEnd() {
   return Outcome{Survival::EndedWithMessage, said};
 }
 
-// While the agent runs: descriptors and children that it has left.
+// Checks for leaked descriptors and children while the agent runs.
 std::string FaultyAgent::leftBehind() {
   const auto open = [&] { return openDescriptorsOf(agent_.pid()) - pooledThreadsOf(agent_.pid()); };
   openAtLast_ = open();
-  // The two ends of the pipe go with it.
+  // Without the pipe its two ends are missing.
   const long most = expected_.descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
   if (!waitUntil([&] { return open() <= most; }, 3s))
     return std::to_string(open()) + " descriptors for " + std::to_string(most);
-  // The agent and its web view. A command that still runs on a busy machine is none of what stays.
+  // The agent and its web view remain. Commands may still be running on a busy machine.
   if (!waitUntil([&] { return processes() <= processesBefore_ + 2; }))
     return "leaves children behind, of these processes:" + processNames();
   return {};
 }
 
 std::string FaultyAgent::judgeEnd() {
-  // Every other time; but who has not met the fault yet may do so in the menu's longer end.
+  // Use SIGTERM for every other fault. A fault that has not occurred yet may occur during the longer end by
+  // menu.
   endedBySignal_ = injector_.hasFailed() && injector_.fault().which % 2 == 1;
   if (endedBySignal_) agent_.terminate();
   if (!endedBySignal_ && !host_.click("Quit Tovalin") && !agent_.wait(1s))

@@ -16,15 +16,15 @@ inline bool isMenu(const test_support::XWindow& window) {
   return window.className == "Tovalin" && window.width > 100;
 }
 
-// What the main application sends of a device and of a transfer, and how the records of it begin.
+// Messages of the main application about a device and a transfer, and the prefixes of the resulting records.
 extern const std::string deviceMessage, deviceRecord, transferMessage, transferRecord;
 
-// What became of an agent that met its fault.
+// The outcome of a session with a fault.
 enum class Survival {
-  NotReached,          // the call was not made so often this time
-  Served,              // it goes on, shows its icon, and answers its menu and the pipe
-  ServedWithoutPipe,   // ... except for the pipe, which it logs
-  ServedWithoutWatch,  // it goes on without the watch on its bundle
+  NotReached,          // the chosen call was not made in this session
+  Served,              // runs on, shows its icon, and answers its menu and the pipe
+  ServedWithoutPipe,   // as before, but has logged that it does not serve the pipe
+  ServedWithoutWatch,  // runs on without the watch on its bundle
   EndedWithMessage,
   Failed,
 };
@@ -34,21 +34,21 @@ struct Outcome {
   std::string detail = {};
 };
 
-// What becomes of the agent that meets no fault.
+// The outcome of a session without a fault.
 struct Expected {
   Survival survival = Survival::Served;
-  // Whether no agent ran for this user before.
+  // Whether this is the user's first launch.
   bool isFirstLaunch = false;
-  // How many starts its files are to have.
+  // Number of start records in the files.
   int starts = 1;
-  // The files that it is to send.
+  // The files to be uploaded.
   std::vector<PastFile> pastFiles = {UsageAccount::waiting};
-  // How many descriptors it has open before its end; nullopt until a session without faults has counted them.
+  // Number of descriptors open before the end; nullopt until a session without a fault has counted them.
   std::optional<long> descriptors = {};
 };
 
-// The real agent with a fault: the steps of which its sessions are made, and what must hold after them. A
-// step that the fault has spoilt is passed over; what must hold is asked at the end.
+// The real agent with a fault: the steps of a session and the checks after it. A step that the fault prevents
+// is skipped; the checks at the end decide.
 class FaultyAgent : public TestDesktop,
                     public InstalledBundle,
                     public RunningAgent,
@@ -59,55 +59,56 @@ class FaultyAgent : public TestDesktop,
   FaultyAgent()
       : RunningAgent(*this, *this), NoticePipe(*this, *this), SupportWindowDriver(*this, *this, *this) {}
 
-  // Makes ready what all sessions of a test share; fails the test if it can't.
+  // Prepares what all sessions of a test share; fails the test if it cannot.
   void setUp();
-  // What each session begins with, before the agent's start.
+  // Prepares a session, before the agent's start.
   void begin(const Fault& fault, const Expected& expected);
 
-  // What must hold after a session, the end included.
+  // Checks the agent after a session, then ends it and checks the end.
   [[nodiscard]] Outcome judge();
 
-  // Starts the agent, and returns when it listens and has its icon and its upload, or won't have them any
-  // more.
+  // Starts the agent. Returns once it listens, shows its icon and has uploaded the past file, or once these
+  // can no longer be expected.
   void launchToItsEnd();
   void waitForLaunch();
 
   [[nodiscard]] std::optional<Outcome> judgeEarlyEnd();
-  // Each of these says what is wrong, or nothing.
+  // Each of these returns what is wrong; an empty text if nothing is.
   [[nodiscard]] std::string judgeItem();
   [[nodiscard]] std::string judgeEnd();
   [[nodiscard]] std::string judgeFiles();
-  // ... with so many records of the end.
+  // As above, with `ends` quit records.
   [[nodiscard]] std::string judgeUsage(int ends);
   [[nodiscard]] bool nothingOutlivesIt() const;
-  // The contents that the product server received in this session.
+  // Returns the files that the product server received in this session.
   [[nodiscard]] std::vector<std::string> uploads() const;
-  // What the agent has said of its fault, in the log or on its console.
+  // Returns the unusual lines in the log and on the console.
   [[nodiscard]] AgentsWords words();
   [[nodiscard]] std::string message() { return words().first(); }
 
   [[nodiscard]] bool comesTrue(const std::function<bool()>& condition);
   [[nodiscard]] bool toldThatThePipeIsGone() { return words().tellThatThePipeIsGone(); }
-  // Whether a process reads the pipe.
+  // Returns whether a process reads the pipe.
   [[nodiscard]] static bool listens();
-  // Whether it was read.
+  // Returns whether the message was read.
   bool sendToPipe(const std::string& text);
-  // ... and waits for its record, which is to be in the files from now on.
+  // Sends a message and waits for its record, which must stay in the files from then on.
   void sendRecord(const std::string& text, const std::string& record);
-  // The menu's line that switches; empty without a menu.
+  // Returns the label of the menu's switch; empty without a menu.
   [[nodiscard]] std::string switchLabel();
-  // Whether the line's text changes after a click; if the item is missing because its picture was not loaded,
-  // in the menu that a second start opens.
+  // Returns whether the switch's label changes after a click. If the item is missing because its picture was
+  // not loaded, uses the menu that a second start opens.
   [[nodiscard]] bool turnsTheSwitch();
-  // Whether the panel has the menu, if need be with the switch turned to where there is a picture.
+  // Returns whether the panel has the menu; if necessary turns the switch to the state whose picture is
+  // loaded.
   [[nodiscard]] bool showsItsMenu();
   void closeSupportWindow(std::uint32_t window);
-  // Launches and opens the support window; calls fail while `use` is at work on it.
+  // Launches the agent and opens the support window; calls fail during `use`.
   void leadInSupportWindow(const std::function<void()>& use);
 
   [[nodiscard]] bool hasPipe() const { return hasPipe_; }
   void addToConsole(const std::string& text) { said_ += text; }
-  // How many descriptors it had open before its end; nullopt if it ended earlier.
+  // Returns the number of descriptors open before the end; nullopt if the agent ended earlier.
   [[nodiscard]] std::optional<long> openAtLast() const { return openAtLast_; }
 
   FaultInjector injector_;
@@ -126,7 +127,7 @@ class FaultyAgent : public TestDesktop,
   bool endsProperly_ = false;
   bool endedBySignal_ = false;
   bool hasPipe_ = true;
-  // What has not come so long after the fault is not waited for.
+  // Timeout after the fault has occurred.
   std::chrono::seconds patience_{};
   UsageAccount usage_;
   long processesBefore_ = 0;

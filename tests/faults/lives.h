@@ -6,7 +6,7 @@
 
 #include "tests/faults/faulty_agent.h"
 
-// A session of always the same steps, in which calls fail: the steps and what must hold after them.
+// A session with fixed steps in which calls fail: its steps and the checks after them.
 class Life {
  public:
   explicit Life(FaultyAgent& agent, Expected expected = {}) : run_(agent), expected_(std::move(expected)) {}
@@ -14,9 +14,9 @@ class Life {
   Life(const Life&) = delete;
   Life& operator=(const Life&) = delete;
 
-  // From the agent's start on.
+  // Runs the steps, beginning with the agent's start.
   virtual void lead() = 0;
-  // After them, the end included.
+  // Checks the agent after the steps, including its end.
   [[nodiscard]] virtual Outcome judge() { return run_.judge(); }
   [[nodiscard]] const Expected& expected() const { return expected_; }
 
@@ -47,7 +47,7 @@ class ShortLife : public Life {
   bool hasOpened_ = false;
 };
 
-// Calls fail in the first launch of all, which makes the settings.
+// Calls fail in the user's first launch, which creates the settings.
 class FirstLaunchLife : public Life {
  public:
   static constexpr const char* title = "first launch";
@@ -60,7 +60,7 @@ class FirstLaunchLife : public Life {
   }
 };
 
-// Calls fail while the logs are collected out of the support window.
+// Calls fail while the support window collects the logs.
 class LogCollectionLife : public Life {
  public:
   static constexpr const char* title = "collection of logs";
@@ -78,7 +78,7 @@ class LogCollectionLife : public Life {
   bool toldOfItsEnd_ = false;
 };
 
-// Calls fail while the updater is copied and opened by the support window's button.
+// Calls fail while the support window copies and opens the updater.
 class UpdateLife : public Life {
  public:
   static constexpr const char* title = "update";
@@ -111,7 +111,7 @@ class MidnightLife : public Life {
   [[nodiscard]] bool wakes();
 };
 
-// Calls fail in a second process, which is started while the agent runs and hands over to it.
+// Calls fail in a second process, which is started while the agent runs and delegates to it.
 class SecondStartLife : public Life {
  public:
   static constexpr const char* title = "second start";
@@ -129,7 +129,7 @@ class SecondStartLife : public Life {
   test_support::ChildProcess second_;
 };
 
-// Calls fail in a second process that finds the first one ended before that has answered it, and starts over.
+// Calls fail in a second process whose predecessor ends without answering it, so that it starts over.
 class StartOverLife : public Life {
  public:
   static constexpr const char* title = "start over";
@@ -139,7 +139,7 @@ class StartOverLife : public Life {
   void lead() override;
 };
 
-// Calls fail in a process that finds no display, which ends it.
+// Calls fail in a process without a display, which ends.
 class DisplaylessLife : public Life {
  public:
   static constexpr const char* title = "launch without a display";
@@ -150,7 +150,7 @@ class DisplaylessLife : public Life {
   [[nodiscard]] Outcome judge() override;
 };
 
-// The bundle is taken away from under a running agent, which ends with it.
+// The removal of the bundle of a running agent, which then ends.
 class BundleLoss {
  public:
   explicit BundleLoss(FaultyAgent& agent) : run_(agent) {}
@@ -167,7 +167,7 @@ class BundleLoss {
   bool hasWatch_ = false;
 };
 
-// Calls fail when a folder of the bundle is moved and then the bundle is removed, which ends the agent.
+// Calls fail while a folder of the bundle is moved and the bundle is removed, which ends the agent.
 class RemovalLife : public Life {
  public:
   static constexpr const char* title = "removal of the bundle";

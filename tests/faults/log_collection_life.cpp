@@ -13,7 +13,7 @@ const fs::path kDesktop = "/tmp/home/Desktop";
 constexpr Place kContinue{350, 163};
 constexpr const char* kJournal = "/tmp/outside commands/journalctl";
 
-// The journal is the test's own, so that it is there and short.
+// A fake journal, so that it exists and is short.
 void placeJournal() {
   std::ofstream(kJournal) << "#!/bin/sh\necho an entry of the system\n";
   fs::permissions(kJournal, fs::perms::owner_all);
@@ -46,14 +46,14 @@ void LogCollectionLife::collectLogs() {
   run_.clickAt(logMiddle);
   static_cast<void>(run_.comesTrue([&] { return isShaded(); }));
   const auto question = sheetsMessage();
-  // A key that a busy machine holds for long might answer the next sheet too.
+  // A click: a key held down on a busy machine might answer the next sheet too.
   run_.clickAt(kContinue);
   toldOfItsEnd_ = run_.comesTrue([&] { return isShaded() && !(sheetsMessage() == question); });
   run_.press("Escape");
   static_cast<void>(run_.comesTrue([&] { return !isShaded(); }));
 }
 
-// A sheet shades all of the window that it does not cover.
+// A sheet dims the part of the window that it does not cover.
 bool LogCollectionLife::isShaded() const {
   return run_.colourOf(bareSpot).red < 200;
 }
@@ -66,7 +66,7 @@ Outcome LogCollectionLife::judge() {
   Outcome outcome = run_.judge();
   if (outcome.survival != Survival::Served && outcome.survival != Survival::ServedWithoutPipe) return outcome;
   if (!toldOfItsEnd_) return {Survival::Failed, "does not tell of the collection's end: " + outcome.detail};
-  // A command that can't be run is left out without a word, as one that fails.
+  // A command that cannot be run is skipped without a message, like one that fails.
   const bool isCommand = run_.injector_.fault().call == "posix_spawn";
   if (!isCommand && !hasArchive()) return {Survival::Failed, "makes no archive: " + outcome.detail};
   return outcome;

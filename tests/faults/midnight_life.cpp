@@ -21,14 +21,14 @@ bool holds(const std::string& bytes, const std::string& record) {
   return bytes.find(record) != std::string::npos;
 }
 
-// In one piece, since the agent reads it whenever it asks for the time.
+// Replaces the file atomically, because the agent may read it at any time.
 void putClock(const std::string& time) {
   const std::string draft = kClock + ".new"s;
   std::ofstream(draft) << '@' << time << '\n';
   fs::rename(draft, kClock);
 }
 
-// A moment of the new day's first hours, some seconds after the full minute.
+// A time on the new day, five seconds after the full minute.
 std::string minuteOfNewDay(int minute) {
   char text[32];
   std::snprintf(text, sizeof text, "2024-05-02 %02d:%02d:05", minute / 60, minute % 60);
@@ -58,17 +58,16 @@ void MidnightLife::passMidnight() {
   waitForPass();
 }
 
-// The pass comes in one of the minutes of an hour, which is some second of that tick which saw the new day.
+// The upload happens in one minute of the hour, at the second of the minute of the tick that saw the new day.
 void MidnightLife::waitForPass() {
   for (int minute = 2; minute < 70 && run_.agent_.running() && fs::exists(kDayBefore); ++minute) {
     putClock(minuteOfNewDay(minute));
-    // The first wakes the agent, which then sees that its timer is due; the second is answered after that.
+    // The first request wakes the agent, which then finds its timer due; the second is answered after that.
     if (!wakes() || !wakes()) return;
   }
 }
 
-// Asking for the icon ends the main thread's wait, whose length was reckoned before the clock was put
-// forward.
+// A D-Bus request ends the main thread's wait, whose timeout was computed before the clock was put forward.
 bool MidnightLife::wakes() {
   return run_.host_.ask("properties").ok;
 }
@@ -80,7 +79,7 @@ Outcome MidnightLife::judge() {
   return {Survival::Failed, wrong + ": " + outcome.detail};
 }
 
-// Each record in the file of its own day.
+// Each record must be in the file of its own day.
 std::string MidnightLife::judgeDays() const {
   std::vector<std::string> before = run_.uploads();
   before.push_back(contentsOf(kDayBefore));

@@ -42,7 +42,7 @@ Outcome BundleLoss::judge() {
   return {wrong.empty() ? Survival::Served : Survival::Failed, wrong + run_.message()};
 }
 
-// Who got no watch goes on without a word, and ends as it would otherwise.
+// An agent without a watch runs on without a message and ends as usual.
 Outcome BundleLoss::judgeUnwatched() {
   if (hasWatch_) return {Survival::Failed, "does not notice that its bundle is gone: " + run_.message()};
   const Outcome outcome = run_.judge();

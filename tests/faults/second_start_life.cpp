@@ -7,7 +7,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-// Logged if the second process has no bus to reach the first one.
+// Logged if the second process cannot reach the first one without a bus.
 constexpr const char* noMenu = "its menu can't be opened from here";
 
 }  // namespace

@@ -27,7 +27,7 @@ void ShortLife::useSupportWindow() {
   hasOpened_ = false;
   if (!run_.agent_.running() || !run_.showsItsMenu() || !run_.host_.click("Support Tovalin")) return;
   std::optional<test_support::XWindow> window;
-  // What its contents are asked of may be long in answering, or not be there.
+  // The server's replies for the window may be late or missing.
   hasOpened_ = test_support::waitUntil([&] {
                  window = test_support::waitForWindow(run_.display_.name(), isSupportWindow, 0ms);
                  return window.has_value() || !run_.agent_.running();

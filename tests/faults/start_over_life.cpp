@@ -13,7 +13,7 @@ void StartOverLife::lead() {
   run_.environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
   run_.injector_.letCallsFail();
   run_.startAgent();
-  // Its place is taken, so it asks the first one, which won't answer any more.
+  // The lock is held, so it asks the first process, which is stopped and does not answer.
   static_cast<void>(run_.comesTrue([&] { return run_.injector_.calls("flock") > 0; }));
   first.kill();
   static_cast<void>(first.wait());

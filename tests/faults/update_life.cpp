@@ -25,8 +25,8 @@ Outcome UpdateLife::judge() {
   const bool isCopied = fs::exists(fs::path(copy) / "Contents/Info.plist");
   Outcome outcome = run_.judge();
   if (outcome.survival != Survival::Served && outcome.survival != Survival::ServedWithoutPipe) return outcome;
-  // A command that can't be run is left out without a word, as one that fails; and where the folder of the
-  // helpers may not be looked at, the system's own command of the same name runs.
+  // A command that cannot be run is skipped without a message, like one that fails. If the helpers folder
+  // cannot be checked, the system's command of the same name runs.
   const bool isExcused = run_.injector_.fault().call == "posix_spawn" ||
                          run_.injector_.fault().call == "lstat" || run_.words().tellOf("updater's folder");
   if (!isExcused && !hasOpened_) return {Survival::Failed, "opens no updater: " + outcome.detail};

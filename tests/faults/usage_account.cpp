@@ -22,16 +22,16 @@ const std::string kFolder = "/tmp/home/.local/share/Tovalin";
 const std::string kWaiting(100'000, 'p');
 const std::string kIdentity = kFolder + "/TovalinUUID.txt", kOption = kFolder + "/TovalinServerOption.txt";
 constexpr const char* kStoredIdentity = "00112233-4455-6677-8899-AABBCCDDEEFF";
-// Of the test upload server: any other option is the default too.
+// The test upload server: any other value is the default too.
 constexpr const char* kStoredOption = "0";
 
-// The start of an agent that could not read its bundle's version.
+// The start record of an agent that could not read its bundle's version.
 const std::string startRecordWithoutVersion =
     "\x01\x05"
     "0.0.0\x07"
     "1.0.0.0\x02\x13"s;
 
-// A pass that can't list the folder, or read a file, or delete one, is to go on without a word.
+// An upload pass continues without a message if it cannot list the folder, read a file or delete one.
 constexpr std::string_view silentBeforeUpload[] = {"open", "openat", "fdopendir", "readdir", "fstat",
                                                    "read", "mkdir",  "malloc",    "stat"};
 constexpr std::string_view silentAfterUpload[] = {"lstat", "unlink"};
@@ -42,7 +42,7 @@ int occurrences(const std::string& text, const std::string& bytes) {
   return found;
 }
 
-// The usage files, without the one that waits.
+// Returns the contents of the usage files except `waiting`.
 std::vector<std::string> filesThere() {
   std::vector<std::string> contents;
   for (const fs::path& file : usageFiles()) {
@@ -51,7 +51,7 @@ std::vector<std::string> filesThere() {
   return contents;
 }
 
-// An empty file gets its header with its first record.
+// An empty file is valid: the first record adds the header.
 std::string damageOf(const std::string& bytes) {
   tools::RecordReader reader(bytes);
   while (reader.next()) continue;
@@ -71,7 +71,7 @@ std::string damageOfUpload(const PastFile& file, const Uploads& uploads) {
   return {};
 }
 
-// Whether this call may have kept the file from being sent, or, once it was, from being deleted.
+// Returns whether the failure of this call may have prevented the upload or, after it, the deletion.
 bool mayStay(const PastFile& file, const Uploads& uploads, const std::string& call) {
   return timesSent(file, uploads) > 0 ? std::ranges::count(silentAfterUpload, call) > 0
                                       : std::ranges::count(silentBeforeUpload, call) > 0;
@@ -114,7 +114,7 @@ int UsageAccount::writtenWhole(const std::string& bytes) {
 int UsageAccount::kept(const std::string& bytes, const Uploads& uploads) {
   int found = written(bytes);
   const auto there = filesThere();
-  // What could not be deleted is both.
+  // A file that could not be deleted is in both; count it once.
   for (const std::string& upload : uploads)
     found += std::ranges::count(there, upload) == 0 ? occurrences(upload, bytes) : 0;
   return found;

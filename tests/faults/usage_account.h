@@ -6,48 +6,50 @@
 
 #include "tests/faults/agents_words.h"
 
-// A file of a day that is over, which the agent is to send, and how its contents begin.
+// A usage file of a past day, to be uploaded by the agent, and the prefix of its contents.
 struct PastFile {
   std::string path;
   std::string beginning;
 };
 
-// What a life's files must hold in the end, counted, so that what is lost shows as well as what comes twice.
+// Counts the records that a session's files must hold, so that both lost and duplicated ones are detected.
 class UsageAccount {
  public:
   // The file that waits for the upload of each launch.
   static const PastFile waiting;
 
-  // Makes the folder anew, with `waiting` in it and, unless this is the first launch of all, the settings.
+  // Recreates the folder with `waiting` and, unless this is the user's first launch, the settings.
   void begin(bool isFirstLaunch);
 
-  // A record, known by its beginning, that the agent is to write; that it has got the message for; and that
-  // was seen in a file.
+  // Counts a record, identified by its prefix, that the agent was asked to write, whose message it has read,
+  // or that was seen in a file.
   void ask(const std::string& record) { ++asked_[record]; }
   void tellRead(const std::string& record) { ++read_[record]; }
   void tellWritten(const std::string& record) { ++written_[record]; }
   [[nodiscard]] int asked(const std::string& record) { return asked_[record]; }
 
-  // How often these bytes are in the files; in those that are whole, since half a record may be cut back yet.
+  // Return how often these bytes are in the files; `writtenWhole` skips damaged files, whose last record may
+  // still be cut off.
   [[nodiscard]] static int written(const std::string& bytes);
   [[nodiscard]] static int writtenWhole(const std::string& bytes);
-  // ... and in what was sent and is no file any more.
+  // As `written`, but also counts uploads whose file was deleted.
   [[nodiscard]] static int kept(const std::string& bytes, const std::vector<std::string>& uploads);
 
-  // Each of these says what is wrong, or nothing. `uploads` are the contents of what came to the server.
+  // Each of these returns what is wrong; an empty text if nothing is. `uploads` are the contents that the
+  // server received.
   //
-  // What must hold at any time.
+  // Checks what must hold at any time.
   [[nodiscard]] std::string damage(const std::vector<std::string>& uploads) const;
-  // No record is there too often, and none is gone that was seen.
+  // Checks that no record is duplicated and that none that was seen is missing.
   [[nodiscard]] std::string doublesOrLosses(int starts, const std::vector<std::string>& uploads,
                                             const AgentsWords& words) const;
-  // What must hold in the end of an agent that has made so many starts and ends: as many records are missing
-  // as it tells of, and no more. Without the pipe only those that came through it count.
+  // Checks, after an agent with these numbers of starts and ends, that no more records are missing than it
+  // reported. Without the pipe only messages that it has read count.
   [[nodiscard]] std::string missingRecords(int starts, int ends, bool hasPipe,
                                            const std::vector<std::string>& uploads,
                                            const AgentsWords& words) const;
-  // ... and each of these files was sent and is gone, but for as many as it tells of. `call` is the one that
-  // failed, which may excuse it.
+  // Checks that each of these files was uploaded and deleted, except as many as it reported. `call` is the
+  // one that failed, which may excuse a file.
   [[nodiscard]] static std::string unsent(const std::vector<PastFile>& files, const std::string& call,
                                           const std::vector<std::string>& uploads, const AgentsWords& words);
 

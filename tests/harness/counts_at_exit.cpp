@@ -1,4 +1,5 @@
-// Builds that count lines lead the ends of a process that pass the C library's own by to here.
+// For coverage builds: writes the line counts before _exit(2), _Exit(3) and SIGKILL, which bypass exit
+// handlers.
 
 #include <signal.h>
 #include <stdlib.h>
@@ -18,12 +19,12 @@ int kill(pid_t process, int signal) noexcept  // NOLINT(readability-redundant-de
 
 namespace {
 
-constexpr int kWriteCounts = 60;  // a real-time signal that nobody else uses
+constexpr int kWriteCounts = 60;  // an otherwise unused real-time signal
 constexpr timespec kTimeToWrite{0, 200'000'000};
 const uid_t user = ::geteuid();
 
-// A process whose files may not grow would damage what earlier ones have counted, and one that has become
-// another user would complain.
+// Writing under RLIMIT_FSIZE would truncate counts that are already in the files, and a process that has
+// changed its user may not write them.
 void writeCounts() {
   rlimit limit{};
   if (::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY) return;
@@ -46,7 +47,8 @@ void standardExit(int status) {
   endAtOnce(status);
 }
 
-// Who is to be killed gets a moment to write what it has counted. Who counts nothing ends at once.
+// Gives a process that is to be killed time to write its counts. A process without counts dies from the first
+// signal.
 int kill(pid_t process, int signal) noexcept {
   if (signal != SIGKILL || sendSignal(process, kWriteCounts) != 0) return sendSignal(process, signal);
   ::nanosleep(&kTimeToWrite, nullptr);

@@ -2,8 +2,8 @@
 
 namespace test_support {
 
-// Under these memory is the sanitizer's: it keeps what was freed, and takes what a test would measure or take
-// away.
+// The sanitizers manage memory themselves: they retain freed memory and reserve address space that a test
+// would measure or limit.
 #ifdef __SANITIZE_ADDRESS__
 inline constexpr bool isAddressSanitized = true;
 #else

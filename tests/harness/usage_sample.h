@@ -6,8 +6,8 @@ namespace test_support {
 
 using namespace std::string_literals;
 
-// A usage record file with every kind of record, byte by byte. Its items begin at 0, 14, 54, 56, 71, 107,
-// 128, 153, 180, 194 and 205.
+// A usage record file with every kind of record. Its items begin at the offsets 0, 14, 54, 56, 71, 107, 128,
+// 153, 180, 194 and 205.
 inline const std::string kUsageHeader =
     "TVLD2024-03-07"
     "\x00\x26{00112233-4455-6677-8899-AABBCCDDEEFF}"

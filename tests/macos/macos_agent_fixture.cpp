@@ -34,7 +34,7 @@ int run(const std::vector<std::string>& command) {
   return child.wait().value_or(ExitStatus{}).code.value_or(-1);
 }
 
-// GNUstep keeps its files in the home of the password file, whatever HOME says.
+// GNUstep keeps its files in the home directory of the password database and ignores HOME.
 void moveHome() {
   std::ifstream own("/etc/passwd");
   std::ofstream moved("/tmp/passwd");
@@ -66,7 +66,7 @@ void MacosAgentTest::SetUp() {
   environment_ = {{"DISPLAY", display_.name()},
                   {"PATH", std::string(outsideCommands) + ":" + std::getenv("PATH")}};
   installMacosAgent();
-  // No icon of the application on the screen, which macOS does not show for agents either.
+  // No application icon on the screen; macOS shows none for agents either.
   ASSERT_EQ(run({"defaults", "write", "NSGlobalDomain", "GSSuppressAppIcon", "YES"}), 0);
 }
 
@@ -160,7 +160,7 @@ void MacosAgentTest::choose(int line) {
   ASSERT_TRUE(menu);
   constexpr int lineHeight = 20;
   const int y = menu->y + line * lineHeight + lineHeight / 2;
-  // A click into a program that is not active yet may only activate it.
+  // The first click on a window of an inactive program may only activate it.
   for (int tries = 0; tries < 5; ++tries) {
     ASSERT_TRUE(test_support::clickMouse(display_.name(), menu->x + menu->width / 2, y));
     if (test_support::waitForNoWindow(display_.name(), isMenu, std::chrono::seconds(2))) return;

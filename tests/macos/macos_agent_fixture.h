@@ -14,27 +14,27 @@
 #include "tests/harness/processes/timeline.h"
 #include "tests/harness/servers/product_server_double.h"
 
-// The agent of platform/macos under GNUstep, in a copy of its bundle, on a display of the test's own.
-// launchctl, open, osascript, killall and the hidden web view are programs that report to the time line.
+// The agent of platform/macos under GNUstep, in a copy of its bundle, on a private display. launchctl, open,
+// osascript, killall and the hidden web view are programs that report to the timeline.
 class MacosAgentTest : public testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  // Has the Linux agent, from the bundle below TOVALIN_BUNDLE_ROOT, take the place of the other one.
+  // Replaces the agent by the Linux one, from the bundle below TOVALIN_BUNDLE_ROOT.
   void installLinuxAgent();
   void installMacosAgent();
   void setServers(const std::string& product, const std::string& testUpload = kNobody);
   void writeProperties(bool autorun, bool active);
-  // Starts the agent, and waits until it told the main application so and listens.
+  // Starts the agent, and waits for its "-ton" and until it listens.
   void launch();
-  // Starts it a second time and waits for the end of that process.
+  // Starts a second process and waits for its end.
   void startAgain();
   [[nodiscard]] test_support::ExitStatus endOfAgent();
   void terminateAgent();
 
   void send(const std::string& message);
-  // Opens the menu by a click on the status item, and clicks its line with this number, separators included.
+  // Opens the menu by a click on the status item, and clicks the line with this number, counting separators.
   void choose(int line);
   void clickIn(const std::string& window, int x, int fromBottom);
   [[nodiscard]] bool shows(const test_support::WindowPredicate& fits);
@@ -42,7 +42,7 @@ class MacosAgentTest : public testing::Test {
   static void postNotification(const std::string& name);
   void saveScreen(const std::string& name) const;
 
-  // What is on the time line; the beacons, which nobody waits for, apart.
+  // Return the timeline without beacons, and the beacons alone, because the agent does not wait for them.
   [[nodiscard]] std::vector<std::string> texts();
   [[nodiscard]] std::vector<std::string> beacons();
   [[nodiscard]] bool waitForText(const std::string& beginning) {
@@ -69,7 +69,7 @@ class MacosAgentTest : public testing::Test {
   void install(const std::string& built);
 };
 
-// The lines of the menu.
+// Line numbers in the menu.
 inline constexpr int switchLine = 0, websiteLine = 6, supportLine = 8, quitLine = 10;
 
 [[nodiscard]] bool isMenu(const test_support::XWindow& window);

@@ -57,7 +57,7 @@ TEST_F(MacosAgent, LaunchRunsItsStepsInOrder) {
   saveScreen("macos-launch");
 }
 
-TEST_F(MacosAgent, SwitchTellsTheMainApplicationAndChangesItsTitle) {
+TEST_F(MacosAgent, SwitchSendsMessageAndChangesItsTitle) {
   launch();
   choose(switchLine);
   ASSERT_TRUE(waitForText("pipe: -u"));
@@ -68,7 +68,7 @@ TEST_F(MacosAgent, SwitchTellsTheMainApplicationAndChangesItsTitle) {
   EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=turnon"));
 }
 
-TEST_F(MacosAgent, QuitSaysSoAndEnds) {
+TEST_F(MacosAgent, QuitRunsProperEnd) {
   launch();
   timeline_.clear();
   choose(quitLine);
@@ -77,7 +77,7 @@ TEST_F(MacosAgent, QuitSaysSoAndEnds) {
   EXPECT_FALSE(fs::exists("/tmp/KMNOTIPIPE"));
 }
 
-TEST_F(MacosAgent, SignalEndsItFromNestedModalRuns) {
+TEST_F(MacosAgent, SignalInNestedModalRunsRunsProperEnd) {
   launch();
   send("-non");
   send("-neon");
@@ -86,7 +86,7 @@ TEST_F(MacosAgent, SignalEndsItFromNestedModalRuns) {
   EXPECT_EQ(count(killRun), 1);
 }
 
-TEST_F(MacosAgent, NoticesHiddenInReverseOrderGoAway) {
+TEST_F(MacosAgent, NoticesHiddenInReverseOrderClose) {
   launch();
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
@@ -100,7 +100,7 @@ TEST_F(MacosAgent, NoticesHiddenInReverseOrderGoAway) {
   ASSERT_TRUE(hides(isAccessNotice));
 }
 
-TEST_F(MacosAgent, NoticeHiddenFirstEndsTheOtherOnesRunAndLeavesThatOnScreen) {
+TEST_F(MacosAgent, NoticeHiddenFirstEndsTheOtherRunAndLeavesItOnScreen) {
   launch();
   send("-neon");
   ASSERT_TRUE(shows(isLoadingNotice));
@@ -114,7 +114,7 @@ TEST_F(MacosAgent, NoticeHiddenFirstEndsTheOtherOnesRunAndLeavesThatOnScreen) {
   ASSERT_TRUE(hides(isAccessNotice));
 }
 
-TEST_F(MacosAgent, NoticesAreShownAgain) {
+TEST_F(MacosAgent, NoticesReopenAfterHiding) {
   launch();
   for (int i = 0; i < 3; ++i) {
     send("-non");
@@ -128,7 +128,7 @@ TEST_F(MacosAgent, NoticesAreShownAgain) {
   }
 }
 
-TEST_F(MacosAgent, CollectedDataBecomesARecord) {
+TEST_F(MacosAgent, CollectedDataIsRecorded) {
   launch();
   send("-ncdat\0\0\0\0\x03\0\0\0phone\0"s);
   EXPECT_TRUE(waitUntil([] {
@@ -151,7 +151,7 @@ TEST_F(MacosAgent, PastFileIsUploadedAndRemoved) {
   }
 }
 
-TEST_F(MacosAgent, NewerVersionOpensTheNotificationHelper) {
+TEST_F(MacosAgent, NewerVersionRunsNotificationHelper) {
   ProductServerDouble server;
   server.putVersion("9.0.0");
   setServers(server.origin());
@@ -161,7 +161,7 @@ TEST_F(MacosAgent, NewerVersionOpensTheNotificationHelper) {
                           "Tovalin Notification"));
 }
 
-TEST_F(MacosAgent, SupportWindowWithoutNetworkClosesAndOpensAgain) {
+TEST_F(MacosAgent, SupportWindowWithoutNetworkClosesAndReopens) {
   launch();
   for (int i = 0; i < 2; ++i) {
     timeline_.clear();
@@ -179,7 +179,7 @@ TEST_F(MacosAgent, SupportWindowWithoutNetworkClosesAndOpensAgain) {
   }
 }
 
-TEST_F(MacosAgent, FaqButtonOpensThePage) {
+TEST_F(MacosAgent, FaqButtonOpensPage) {
   ProductServerDouble server;
   server.putVersion("9.0.0");
   server.put("/product/nimba/binary/tovalinnotice.xml", noticeList);
@@ -192,7 +192,7 @@ TEST_F(MacosAgent, FaqButtonOpensThePage) {
   EXPECT_TRUE(waitForText("run: open " + server.origin() + "/support/tovalin/"));
 }
 
-TEST_F(MacosAgent, CollectionAsksRunsItsCommandsAndReports) {
+TEST_F(MacosAgent, CollectionAsksRunsCommandsAndReports) {
   launch();
   choose(supportLine);
   ASSERT_TRUE(shows(windowNamed("Support Tovalin")));
@@ -213,7 +213,7 @@ TEST_F(MacosAgent, CollectionAsksRunsItsCommandsAndReports) {
   EXPECT_TRUE(waitForText(std::string("run: open ") + kNobody + "/contact/tovalin/"));
 }
 
-TEST_F(MacosAgent, RemovedBundleEndsIt) {
+TEST_F(MacosAgent, RemovedBundleEndsAgent) {
   launch();
   timeline_.clear();
   fs::rename(bundle_, "/tmp/Applications/Moved.app");
@@ -223,7 +223,7 @@ TEST_F(MacosAgent, RemovedBundleEndsIt) {
                                                killRun}));
 }
 
-TEST_F(MacosAgent, DarkAppearanceIsReadAtTheStart) {
+TEST_F(MacosAgent, DarkAppearanceIsReadAtStart) {
   test_support::ChildProcess defaults;
   ASSERT_TRUE(defaults.start({"defaults", "write", "NSGlobalDomain", "AppleInterfaceStyle", "Dark"}, {}));
   ASSERT_EQ(defaults.wait(), ExitStatus{.code = 0});
@@ -231,7 +231,7 @@ TEST_F(MacosAgent, DarkAppearanceIsReadAtTheStart) {
   EXPECT_EQ(count("log 3: Dark Mode : 1"), 1);
 }
 
-TEST_F(MacosAgent, EachAppearanceNotificationFlipsTheIcon) {
+TEST_F(MacosAgent, AppearanceNotificationFlipsIcon) {
   launch();
   const auto item = test_support::waitForWindow(display_.name(), windowNamed("status item"));
   ASSERT_TRUE(item);
@@ -245,7 +245,7 @@ TEST_F(MacosAgent, EachAppearanceNotificationFlipsTheIcon) {
   EXPECT_TRUE(waitUntil([&] { return test_support::pictureOf(display_.name(), area) == light; }));
 }
 
-TEST_F(MacosAgent, SecondStartOpensTheMenu) {
+TEST_F(MacosAgent, SecondStartOpensMenu) {
   launch();
   startAgain();
   EXPECT_TRUE(shows(isMenu));

@@ -16,15 +16,15 @@ using test_support::ExitStatus;
 using test_support::ProductServerDouble;
 using test_support::waitUntil;
 
-// What one agent did, as others see it.
+// The externally visible actions of an agent.
 struct Outcome {
   std::vector<std::string> events;  // messages, log entries with their priorities, commands
   std::vector<std::string> beacons;
-  std::vector<std::string> requests;  // method, path and body, in the order of their paths
-  std::vector<std::string> records;   // the day's file
+  std::vector<std::string> requests;  // method, path and body, sorted by path
+  std::vector<std::string> records;   // of the day's file
 };
 
-// Allowed to differ: the installation's identifier, the time of a record, and the code of the system.
+// Masks permitted differences: the installation's identifier, the time of a record, and the system code.
 std::string masked(const std::string& file) {
   std::string text = std::regex_replace(file, std::regex("\\{[0-9A-F-]{36}\\}"), "{identifier}");
   text =
@@ -110,8 +110,8 @@ class MacosDifferential : public MacosAgentTest {
   }
 };
 
-// The product server's address has a port of its own in each run, and appears nowhere in what is compared.
-TEST_F(MacosDifferential, DoesOutwardlyWhatTheLinuxAgentDoes) {
+// The product server's port differs in each run and does not occur in the compared data.
+TEST_F(MacosDifferential, ActionsEqualThoseOfLinuxAgent) {
   const Outcome macos = play(folder);
   ASSERT_FALSE(HasFailure());
   installLinuxAgent();

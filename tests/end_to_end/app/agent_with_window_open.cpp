@@ -1,5 +1,4 @@
-// The agent with a window of the kind that can't be closed, inside a run loop of its own, as behind a modal
-// window.
+// The agent with a window that refuses to close, inside a nested run loop, as behind a modal window.
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QLabel>

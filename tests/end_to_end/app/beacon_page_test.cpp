@@ -1,4 +1,4 @@
-// The agent with the real web view: what its beacons come to at the product server.
+// The agent with the real web view: how its beacons arrive at the product server.
 #include <gtest/gtest.h>
 #include <signal.h>
 
@@ -25,13 +25,13 @@ class BeaconPage : public AgentTest {
     setServers(server_.address(""));
     server_.put(kPage, "<script>fetch('/counted' + location.search)</script>");
   }
-  // Whether the page was asked for with this query, and whether its script has then run.
+  // Returns whether the page was requested with this query and its script has run.
   [[nodiscard]] testing::AssertionResult isAsked(const std::string& query) { return waitFor(kPage + query); }
   [[nodiscard]] testing::AssertionResult isCounted(const std::string& query) {
     return waitFor("/counted" + query);
   }
 
-  // The one that runs; the next beacon starts another.
+  // Kills the running web view; the next beacon starts another.
   static void endWebView() {
     for (const pid_t process : processesNamed("TovalinWebView")) ::kill(process, SIGTERM);
     ASSERT_TRUE(test_support::waitUntil([] { return processesNamed("TovalinWebView").empty(); }));
@@ -46,7 +46,7 @@ class BeaconPage : public AgentTest {
   }
 };
 
-TEST_F(BeaconPage, LaunchIsCountedThoughTheAgentWasKilledBeforeTheServerAnswered) {
+TEST_F(BeaconPage, LaunchIsCountedIfAgentIsKilledBeforeServerReplies) {
   server_.holdBack(kPage);
   launchAgentInPanel();
   ASSERT_TRUE(isAsked("?category=applaunch&applaunch=version1.0.0"));
@@ -56,8 +56,8 @@ TEST_F(BeaconPage, LaunchIsCountedThoughTheAgentWasKilledBeforeTheServerAnswered
   EXPECT_TRUE(isCounted("?category=applaunch&applaunch=version1.0.0"));
 }
 
-// A change inside the bundle has ended the watch, so the agent outlives the bundle's removal.
-TEST_F(BeaconPage, ClickAfterTheBundleIsRemovedIsCountedAtTheServerOfTheStart) {
+// A change inside the bundle ends the watch, so the agent survives the removal of the bundle.
+TEST_F(BeaconPage, ClickAfterBundleRemovalIsCountedAtOriginalServer) {
   launchAgentInPanel();
   ASSERT_TRUE(isCounted("?category=applaunch&applaunch=version1.0.0"));
   setServers(kNobody);
@@ -68,7 +68,7 @@ TEST_F(BeaconPage, ClickAfterTheBundleIsRemovedIsCountedAtTheServerOfTheStart) {
   EXPECT_TRUE(isCounted("?category=clickaction&clickaction=turnoff"));
 }
 
-TEST_F(BeaconPage, QuitIsCountedThoughTheAgentEndedBeforeTheServerAnswered) {
+TEST_F(BeaconPage, QuitIsCountedIfAgentEndsBeforeServerReplies) {
   launchAgentInPanel();
   ASSERT_TRUE(isCounted("?category=applaunch&applaunch=version1.0.0"));
   server_.holdBack(kPage);

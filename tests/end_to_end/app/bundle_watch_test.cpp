@@ -16,7 +16,7 @@ using testing::ElementsAre;
 constexpr const char* changeLogged = "log 6: filestreamcallback event flag : 0, 0x0";
 constexpr const char* rootChangeLogged = "log 6: filestreamcallback event flag : 32, 0x20";
 
-// The agent whose main application is moved, renamed, changed or removed under it.
+// The agent whose bundle is moved, renamed, changed or removed.
 class BundleWatchTest : public NoticeTest {
  protected:
   void SetUp() override {
@@ -26,7 +26,7 @@ class BundleWatchTest : public NoticeTest {
     if (!HasFatalFailure()) install("/tmp/Folder/Applications/Tovalin.app");
   }
 
-  // What it does at the end, the changed folders that it logs first apart.
+  // Returns what the agent does at its end, without the logged changes of folders.
   std::vector<std::string> textsOfTheEnd() {
     EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();
     std::vector<std::string> all = texts();
@@ -34,14 +34,14 @@ class BundleWatchTest : public NoticeTest {
     return all;
   }
 
-  // The change is logged, and with that the watch is over.
+  // Changes a file in the bundle: the agent logs the change and stops the watch.
   void useUpTheWatch() {
     std::ofstream(bundle_ + "/Contents/new file") << "text";
     ASSERT_TRUE(waitForText(changeLogged));
   }
 
   void expectUnnoticed() {
-    // More than the watch's half second and the time to end.
+    // More than the watch's latency of 0.5 s and the duration of the end.
     EXPECT_FALSE(agent_.wait(std::chrono::milliseconds(1500)));
     EXPECT_EQ(count(rootChangeLogged), 0);
     terminateAgent();
@@ -49,26 +49,26 @@ class BundleWatchTest : public NoticeTest {
   }
 };
 
-TEST_F(BundleWatchTest, RenamingTheBundleEndsTheAgent) {
+TEST_F(BundleWatchTest, RenamedBundleEndsAgent) {
   launch();
   fs::rename(bundle_, bundle_ + " old");
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
-TEST_F(BundleWatchTest, MovingTheBundleToAnotherFolderEndsTheAgent) {
+TEST_F(BundleWatchTest, BundleMovedToAnotherFolderEndsAgent) {
   launch();
   fs::rename(bundle_, "/tmp/Folder/Tovalin.app");
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
-TEST_F(BundleWatchTest, RemovingTheBundleEndsTheAgent) {
+TEST_F(BundleWatchTest, RemovedBundleEndsAgent) {
   launch();
   removeAtOnce(bundle_);
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
   EXPECT_GT(count(changeLogged), 0);
 }
 
-TEST_F(BundleWatchTest, RemovingTheBundleWhileAFileInItIsHeldOpenEndsTheAgent) {
+TEST_F(BundleWatchTest, RemovedBundleWithOpenFileEndsAgent) {
   launch();
   const std::ifstream held(bundle_ + "/Contents/Info.plist");
   const test_support::FileDescriptor folder(::open(bundle_.c_str(), O_RDONLY | O_CLOEXEC));
@@ -76,7 +76,7 @@ TEST_F(BundleWatchTest, RemovingTheBundleWhileAFileInItIsHeldOpenEndsTheAgent) {
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
-TEST_F(BundleWatchTest, MovingAFolderAboveTheBundleEndsTheAgent) {
+TEST_F(BundleWatchTest, MovedParentFolderEndsAgent) {
   for (const auto& [from, to] : {std::pair("/tmp/Folder/Applications", "/tmp/Folder/Programs"),
                                  std::pair("/tmp/Folder", "/tmp/Other folder")}) {
     install("/tmp/Folder/Applications/Tovalin.app");
@@ -86,13 +86,13 @@ TEST_F(BundleWatchTest, MovingAFolderAboveTheBundleEndsTheAgent) {
   }
 }
 
-TEST_F(BundleWatchTest, RemovingAFolderAboveTheBundleEndsTheAgent) {
+TEST_F(BundleWatchTest, RemovedParentFolderEndsAgent) {
   launch();
   removeAtOnce("/tmp/Folder");
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
-TEST_F(BundleWatchTest, AnotherVersionInItsPlaceEndsTheAgent) {
+TEST_F(BundleWatchTest, ReplacedBundleEndsAgent) {
   launch();
   fs::copy(bundle_, "/tmp/Folder/New.app", fs::copy_options::recursive);
   whileAgentStandsStill([&] {
@@ -102,7 +102,7 @@ TEST_F(BundleWatchTest, AnotherVersionInItsPlaceEndsTheAgent) {
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
-TEST_F(BundleWatchTest, TheAgentEndsAfterHalfASecond) {
+TEST_F(BundleWatchTest, AgentEndsAfterHalfASecond) {
   launch();
   const auto start = std::chrono::steady_clock::now();
   fs::rename(bundle_, bundle_ + " old");
@@ -111,7 +111,7 @@ TEST_F(BundleWatchTest, TheAgentEndsAfterHalfASecond) {
   EXPECT_GE(logged->time - start, std::chrono::milliseconds(490));
 }
 
-TEST_F(BundleWatchTest, EachEndOfTheBundleEndsTheAgentWithinTwoSeconds) {
+TEST_F(BundleWatchTest, EachLossOfBundleEndsAgentWithinTwoSeconds) {
   const auto renamesTo = [](const std::string& from, const std::string& to) {
     return [from, to] {
       fs::remove_all(to);
@@ -132,14 +132,14 @@ TEST_F(BundleWatchTest, EachEndOfTheBundleEndsTheAgentWithinTwoSeconds) {
   EXPECT_LT(timeToEnd(withBothNotices, [this] { removeAtOnce(bundle_); }), longestEnd);
 }
 
-TEST_F(BundleWatchTest, UnloadThatFailsEndsTheAgentAllTheSame) {
+TEST_F(BundleWatchTest, FailingUnloadStillEndsAgent) {
   launch();
   timeline_.setStatus("launchctl", 1);
   fs::rename(bundle_, bundle_ + " old");
   EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
-TEST_F(BundleWatchTest, RemovalEndsTheAgentFromTwoNestedNotices) {
+TEST_F(BundleWatchTest, RemovalEndsAgentFromTwoNestedNotices) {
   launch();
   send("-non");
   send("-neon");
@@ -151,7 +151,7 @@ TEST_F(BundleWatchTest, RemovalEndsTheAgentFromTwoNestedNotices) {
   EXPECT_EQ(recordsLike(quitRecord), 1);
 }
 
-TEST_F(BundleWatchTest, RemovalDuringThePauseOfTheSwitchIsNoticedAfterIt) {
+TEST_F(BundleWatchTest, RemovalDuringPauseOfSwitchIsHandledAfterIt) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));
@@ -163,14 +163,14 @@ TEST_F(BundleWatchTest, RemovalDuringThePauseOfTheSwitchIsNoticedAfterIt) {
   EXPECT_GE(timeline_.waitFor(rootChangeLogged)->time - begin, std::chrono::milliseconds(1990));
 }
 
-TEST_F(BundleWatchTest, ChangeInsideIsLoggedAndEndsTheWatch) {
+TEST_F(BundleWatchTest, ChangeInsideIsLoggedAndEndsWatch) {
   launch();
   useUpTheWatch();
   fs::remove_all(bundle_);
   expectUnnoticed();
 }
 
-TEST_F(BundleWatchTest, NewModeOrTimeInsideIsLoggedAndEndsTheWatch) {
+TEST_F(BundleWatchTest, ModeOrTimeChangeInsideIsLoggedAndEndsWatch) {
   const std::string file = "/Contents/Info.plist";
   for (const std::string command : {"chmod go-w ", "touch "}) {
     install("/tmp/Folder/Applications/Tovalin.app");
@@ -183,7 +183,7 @@ TEST_F(BundleWatchTest, NewModeOrTimeInsideIsLoggedAndEndsTheWatch) {
   }
 }
 
-TEST_F(BundleWatchTest, RemovalWhoseBeginningIsABatchOfItsOwnIsNotNoticed) {
+TEST_F(BundleWatchTest, RemovalReportedInTwoBatchesIsIgnored) {
   launch();
   fs::remove_all(bundle_ + "/Contents/Resources/TovalinTray.app/Contents/Resources");
   ASSERT_TRUE(waitForText(changeLogged));
@@ -191,7 +191,7 @@ TEST_F(BundleWatchTest, RemovalWhoseBeginningIsABatchOfItsOwnIsNotNoticed) {
   expectUnnoticed();
 }
 
-TEST_F(BundleWatchTest, TheAgentsOwnDoingsInItsBundleAreNoChanges) {
+TEST_F(BundleWatchTest, AgentsOwnActionsAreNotReportedAsChanges) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));
@@ -209,7 +209,7 @@ TEST_F(BundleWatchTest, TheAgentsOwnDoingsInItsBundleAreNoChanges) {
   EXPECT_EQ(count(changeLogged), 0);
 }
 
-TEST_F(BundleWatchTest, AStoppedWatchHoldsNothingOfTheSystem) {
+TEST_F(BundleWatchTest, StoppedWatchReleasesInotifyInstances) {
   launch();
   const auto queues = [this] {
     int number = 0;
@@ -224,7 +224,7 @@ TEST_F(BundleWatchTest, AStoppedWatchHoldsNothingOfTheSystem) {
   EXPECT_EQ(queues(), before - 2);
 }
 
-TEST_F(BundleWatchTest, WithoutAWatchTheLaunchGoesOn) {
+TEST_F(BundleWatchTest, LaunchContinuesWithoutWatch) {
   const std::string limit = "echo 0 >/proc/sys/user/max_inotify_instances";
   const auto inside = [&](const std::string& command) {
     return std::vector<std::string>{

@@ -12,8 +12,8 @@ namespace {
 
 constexpr const char* services = "/tmp/services";
 
-// The agent on a desktop whose portal is the real one with its GTK backend. The bus starts both when somebody
-// asks for them, and they read the setting that the desktop's own programs write.
+// The agent with the real desktop portal and its GTK backend. The bus activates both on demand, and they read
+// the setting that the desktop's own programs write.
 class DesktopPortal : public AgentTest {
  protected:
   void SetUp() override {
@@ -24,7 +24,7 @@ class DesktopPortal : public AgentTest {
     ASSERT_TRUE(bus_.start(services));
     environment_["DBUS_SESSION_BUS_ADDRESS"] = bus_.address();
     environment_["XDG_CURRENT_DESKTOP"] = "GNOME";
-    // As sessions do it, for the programs that the bus starts.
+    // Sessions do the same for programs that the bus activates.
     runOnDisplay({"dbus-update-activation-environment", "DISPLAY", "XDG_CURRENT_DESKTOP"});
   }
 
@@ -47,7 +47,7 @@ class DesktopPortal : public AgentTest {
     return test_support::waitUntil([&] { return panelShows(host_, agentContents() + "/Resources", icon); });
   }
 
-  // Another program's question, which starts the portal when there is none.
+  // Reads the setting as another program; activates the portal if it does not run.
   std::string askPortal() {
     return runOnDisplay({"gdbus", "call", "--session", "--dest", "org.freedesktop.portal.Desktop",
                          "--object-path", "/org/freedesktop/portal/desktop", "--method",
@@ -68,20 +68,20 @@ class DesktopPortal : public AgentTest {
   }
 };
 
-TEST_F(DesktopPortal, APortalThatTheAgentsOwnQuestionStartsTellsADarkDesktop) {
+TEST_F(DesktopPortal, PortalActivatedByAgentReportsDarkDesktop) {
   setColorScheme("prefer-dark");
   launchAgentInPanel();
   EXPECT_TRUE(comesToShow("mount on reverse"));
 }
 
-TEST_F(DesktopPortal, APortalThatRunsAlreadyTellsADarkDesktop) {
+TEST_F(DesktopPortal, RunningPortalReportsDarkDesktop) {
   setColorScheme("prefer-dark");
   ASSERT_EQ(askPortal(), "(<<uint32 1>>,)\n");
   launchAgentInPanel();
   EXPECT_TRUE(comesToShow("mount on reverse"));
 }
 
-TEST_F(DesktopPortal, TheIconFollowsEachChangeOfTheDesktop) {
+TEST_F(DesktopPortal, IconFollowsEachChange) {
   launchAgentInPanel();
   EXPECT_TRUE(comesToShow("mount on"));
   for (const char* notDark : {"prefer-light", "default"}) {
@@ -92,17 +92,17 @@ TEST_F(DesktopPortal, TheIconFollowsEachChangeOfTheDesktop) {
   }
 }
 
-TEST_F(DesktopPortal, OtherSettingsAndChangesBetweenLightAndNeitherFlipNothing) {
+TEST_F(DesktopPortal, OtherSettingsAndChangesBetweenLightAndNoPreferenceKeepIcon) {
   launchAgentInPanel();
   setOnDesktop("gtk-theme", "Adwaita-dark");
   setOnDesktop("text-scaling-factor", "1.25");
   for (const char* notDark : {"prefer-light", "default", "prefer-light"}) setColorScheme(notDark);
   setColorScheme("prefer-dark");
-  // Had any of them flipped the icon, this change would have flipped it back.
+  // If any of them had switched the icon, this change would switch it back.
   EXPECT_TRUE(comesToShow("mount on reverse"));
 }
 
-TEST_F(DesktopPortal, APortalThatDiedAndWasStartedAgainIsHeard) {
+TEST_F(DesktopPortal, RestartedPortalReportsChanges) {
   ASSERT_EQ(askPortal(), "(<<uint32 0>>,)\n");
   launchAgentInPanel();
   endPortal();

@@ -19,8 +19,8 @@ using test_support::XcbReply;
 using test_support::XConnection;
 using testing::ElementsAre;
 
-// The real helper that brings the front application forward, and another program in front of the desktop when
-// the notice comes.
+// The real helper that activates the front application, and another program in front of the desktop when the
+// notice opens.
 class FrontApplication : public NoticeTest {
  protected:
   void SetUp() override {
@@ -41,8 +41,8 @@ class FrontApplication : public NoticeTest {
     return waitUntil([&] { return activeWindowOn(display_.name()) == window; });
   }
 
-  // The windows that were asked to be brought forward in the user's name, as the helper does, since the last
-  // call.
+  // Returns the windows activated since the last call by requests whose source is the user, as those of the
+  // helper.
   [[nodiscard]] std::vector<std::uint32_t> takeUsersActivations() {
     constexpr std::uint32_t inTheUsersName = 2;
     const xcb_atom_t activation = x_->atom("_NET_ACTIVE_WINDOW");
@@ -81,7 +81,7 @@ class FrontApplication : public NoticeTest {
   std::unique_ptr<XConnection> x_;
 };
 
-TEST_F(FrontApplication, IsActiveAgainAfterTheLoadingNotice) {
+TEST_F(FrontApplication, IsActivatedAfterLoadingNotice) {
   send("-neon");
   const auto notice = waitForWindow(display_.name(), isLoadingNotice);
   ASSERT_TRUE(notice && becomesActive(notice->id));
@@ -95,14 +95,14 @@ TEST_F(FrontApplication, IsActiveAgainAfterTheLoadingNotice) {
   EXPECT_TRUE(becomesActive(front_));
 }
 
-TEST_F(FrontApplication, IsLeftToTheWindowManagerAfterTheAccessNotice) {
+TEST_F(FrontApplication, IsNotActivatedAfterAccessNotice) {
   send("-non");
   const auto notice = waitForWindow(display_.name(), isAccessNotice);
   ASSERT_TRUE(notice && becomesActive(notice->id));
   send("-noff");
   EXPECT_TRUE(hides(isAccessNotice));
   EXPECT_TRUE(becomesActive(front_));
-  // Shown only after all that belongs to the end of the access notice.
+  // Shown only after the access notice has been handled completely.
   send("-neon");
   ASSERT_TRUE(shows(isLoadingNotice));
   EXPECT_THAT(takeUsersActivations(), ElementsAre());

@@ -8,8 +8,8 @@
 
 #include "tests/harness/desktop/tray_host_double.h"
 
-// Whether the icon in the panel is, pixel by pixel, the picture of this name in `resources`, at `scale`
-// device pixels to the point.
+// Returns whether the icon in the panel equals, pixel by pixel, the picture of this name in `resources`, at
+// `scale` device pixels per point.
 inline bool panelShows(test_support::TrayHostDouble& host, const std::string& resources,
                        const std::string& name, int scale = 1) {
   EXPECT_TRUE(host.saveIcon("/tmp/icon.png", std::to_string(20 * scale)));

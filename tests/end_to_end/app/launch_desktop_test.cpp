@@ -13,13 +13,13 @@ namespace {
 using test_support::ExitStatus;
 using testing::HasSubstr;
 
-TEST_F(Launch, ADarkDesktopIsSeenAtTheStart) {
+TEST_F(Launch, DarkDesktopIsReadAtStart) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   launchAgent();
   EXPECT_EQ(count("log 3: Dark Mode : 1"), 1);
 }
 
-TEST_F(Launch, WhateverElseTheDesktopSaysMeansLight) {
+TEST_F(Launch, OtherReplyOfPortalMeansLight) {
   ASSERT_TRUE(portal_.start(bus_));
   for (const char* value : {"0", "2", "17", "int 1", "string Dark", "bool true", "double 1", "list 1"}) {
     timeline_.clear();
@@ -30,17 +30,17 @@ TEST_F(Launch, WhateverElseTheDesktopSaysMeansLight) {
   }
 }
 
-TEST_F(Launch, ADesktopThatDoesNotAnswerMeansLightAndHoldsNothingUp) {
+TEST_F(Launch, UnansweredPortalRequestMeansLightAfterTimeout) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
   const auto start = std::chrono::steady_clock::now();
   launchAgent();
-  // Half a second is allowed; the rest is room for a slow machine.
+  // The timeout is 0.5 s; the rest allows for a slow machine.
   EXPECT_LT(timeline_.waitFor("pipe: -ton")->time - start, std::chrono::seconds(8));
   EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
 }
 
-TEST_F(Launch, ADesktopThatDiesBeforeItAnswersMeansLightAndHoldsNothingUp) {
+TEST_F(Launch, PortalEndingWithoutReplyMeansLight) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
   startAgent();
@@ -51,14 +51,14 @@ TEST_F(Launch, ADesktopThatDiesBeforeItAnswersMeansLightAndHoldsNothingUp) {
   terminateAgent();
 }
 
-TEST_F(Launch, WithoutASessionBusTheAgentStillRuns) {
+TEST_F(Launch, AgentRunsWithoutSessionBus) {
   environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
   launchAgent();
   EXPECT_EQ(count("log 3: Dark Mode : 0"), 1);
   terminateAgent();
 }
 
-TEST_F(Launch, WithoutADisplayTheAgentSaysSoAndEnds) {
+TEST_F(Launch, MissingDisplayIsReportedAndEndsAgent) {
   environment_["DISPLAY"] = ":4711";
   startAgent();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
@@ -66,7 +66,7 @@ TEST_F(Launch, WithoutADisplayTheAgentSaysSoAndEnds) {
   EXPECT_TRUE(waitForText("log 3: cannot open the display \":4711\""));
 }
 
-TEST_F(Launch, WithoutTheNameOfADisplayTheAgentSaysSoAndEnds) {
+TEST_F(Launch, UnsetDisplayIsReportedAndEndsAgent) {
   environment_["DISPLAY"] = std::nullopt;
   startAgent();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
@@ -74,14 +74,14 @@ TEST_F(Launch, WithoutTheNameOfADisplayTheAgentSaysSoAndEnds) {
               HasSubstr("TovalinTray: cannot open a display: DISPLAY is not set\n"));
 }
 
-TEST_F(Launch, AnotherKindOfScreenThatIsNotThereIsToldInTheToolkitsWords) {
+TEST_F(Launch, UnknownPlatformPluginIsReportedByQt) {
   environment_["QT_QPA_PLATFORM"] = "bogus";
   startAgent();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
   EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("platform plugin"));
 }
 
-TEST_F(Launch, ABusThatTakesConnectionsButDoesNotAnswerIsDoneWithout) {
+TEST_F(Launch, BusThatNeverAnswersIsNotUsed) {
   const test_support::FileDescriptor mute(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   const sockaddr_un address{AF_UNIX, "/tmp/mute bus"};
   ::unlink(address.sun_path);
@@ -93,7 +93,7 @@ TEST_F(Launch, ABusThatTakesConnectionsButDoesNotAnswerIsDoneWithout) {
   terminateAgent();
 }
 
-TEST_F(Launch, WithoutABusAddressNoBusIsStarted) {
+TEST_F(Launch, UnsetBusAddressStartsNoBus) {
   environment_["DBUS_SESSION_BUS_ADDRESS"] = std::nullopt;
   launchAgent();
   terminateAgent();
@@ -105,7 +105,7 @@ TEST_F(Launch, WithoutABusAddressNoBusIsStarted) {
   }
 }
 
-TEST_F(Launch, AnAnswerOfTheDesktopThatComesLateCountsAsAChange) {
+TEST_F(Launch, LateReplyOfPortalIsAppliedAsChange) {
   ASSERT_TRUE(host_.start(bus_));
   ASSERT_TRUE(portal_.start(bus_, "1"));
   ASSERT_TRUE(portal_.delayAnswers(std::chrono::milliseconds(800)));
@@ -116,7 +116,7 @@ TEST_F(Launch, AnAnswerOfTheDesktopThatComesLateCountsAsAChange) {
     EXPECT_TRUE(host_.saveIcon("/tmp/late.png", "20"));
     return runOnDisplay({"sh", "-c", "convert /tmp/late.png -alpha off -format '%[fx:maxima]' info:"});
   };
-  // The icon for dark panels is drawn in white.
+  // The icon for dark panels is white.
   EXPECT_TRUE(test_support::waitUntil([&] { return shown() == "1"; }));
 }
 

@@ -15,7 +15,7 @@ using test_support::ExitStatus;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-TEST_F(Launch, TellsItsStateThenTheMainApplicationOnceInThisOrder) {
+TEST_F(Launch, StepsRunInOrder) {
   launchAgent();
   EXPECT_THAT(textsOfLaunch(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
                                            "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
@@ -23,7 +23,7 @@ TEST_F(Launch, TellsItsStateThenTheMainApplicationOnceInThisOrder) {
   EXPECT_EQ(count("pipe: "), 1);
 }
 
-TEST_F(Launch, AutorunOffUnloadsTheLaunchAgentOnceBetweenThePathAndTheState) {
+TEST_F(Launch, AutorunOffUnloadsLaunchAgentOnce) {
   writeProperties({.autorun = false});
   launchAgent();
   EXPECT_THAT(textsOfLaunch(),
@@ -31,20 +31,20 @@ TEST_F(Launch, AutorunOffUnloadsTheLaunchAgentOnceBetweenThePathAndTheState) {
                           "log 3: bActive : 1", "log 3: Dark Mode : 0", "pipe: -ton"));
 }
 
-TEST_F(Launch, AReadableFileWithoutAutorunUnloadsTheLaunchAgentAndGoesOn) {
+TEST_F(Launch, MissingAutorunUnloadsLaunchAgentAndContinues) {
   writeProperties({.autorun = std::nullopt});
   launchAgent();
   EXPECT_EQ(count(unloadRun), 1);
 }
 
-TEST_F(Launch, AFailingUnloadIsNotLookedAt) {
+TEST_F(Launch, FailingUnloadIsIgnored) {
   writeProperties({.autorun = false});
   timeline_.setStatus("launchctl", 1);
   launchAgent();
   EXPECT_EQ(count(unloadRun), 1);
 }
 
-TEST_F(Launch, AnUnreadablePropertyFileUnloadsNothingAndMeansAutomountOn) {
+TEST_F(Launch, UnreadablePropertyFileMeansAutomountOnWithoutUnload) {
   std::filesystem::remove(bundle_ + "/Contents/TovalinPorperty.plist");
   launchAgent();
   EXPECT_THAT(textsOfLaunch(), ElementsAre("log 3: Tovalin working path [/tmp/Applications/Tovalin.app]",
@@ -53,7 +53,7 @@ TEST_F(Launch, AnUnreadablePropertyFileUnloadsNothingAndMeansAutomountOn) {
                                            "log 3: Dark Mode : 0", "pipe: -ton"));
 }
 
-TEST_F(Launch, AutomountIsOffWhenTheFileSaysSoOrSaysNothing) {
+TEST_F(Launch, AutomountIsOffIfSetOrUnset) {
   for (const std::optional<bool> active : {std::optional<bool>(false), std::optional<bool>()}) {
     timeline_.clear();
     writeProperties({.active = active});
@@ -63,13 +63,13 @@ TEST_F(Launch, AutomountIsOffWhenTheFileSaysSoOrSaysNothing) {
   }
 }
 
-TEST_F(Launch, AnInfoListWithoutAVersionIsToldAndTheLaunchGoesOn) {
+TEST_F(Launch, InfoListWithoutVersionIsLoggedAndLaunchContinues) {
   std::ofstream(agentContents() + "/Info.plist") << "damaged";
   launchAgent();
   EXPECT_EQ(position("log 3:  0etBundleVersion fail"), position("log 3: Dark Mode : 0") + 1);
 }
 
-TEST_F(Launch, NobodyListeningIsToldOnBothChannelsAndTheLaunchGoesOn) {
+TEST_F(Launch, MissingReaderIsReportedTwiceAndLaunchContinues) {
   std::filesystem::remove("/tmp/KMPIPE");
   startAgent();
   EXPECT_EQ(agent_.readLine(), "open pipe failed. errno : 2");
@@ -78,21 +78,21 @@ TEST_F(Launch, NobodyListeningIsToldOnBothChannelsAndTheLaunchGoesOn) {
   EXPECT_FALSE(std::filesystem::exists("/tmp/KMPIPE"));
 }
 
-TEST_F(Launch, MissingPicturesAreToldAndTheLaunchGoesOn) {
+TEST_F(Launch, MissingPicturesAreLoggedAndLaunchContinues) {
   std::filesystem::remove_all(agentContents() + "/Resources");
   launchAgent();
   for (int i = 0; i < 4; ++i) EXPECT_THAT(agent_.readErrorLine().value_or(""), HasSubstr("] Invalid Image"));
   terminateAgent();
 }
 
-TEST_F(Launch, WithoutAHomeTheMissingFolderIsToldAndTheAgentRuns) {
+TEST_F(Launch, MissingHomeIsLoggedAndAgentRuns) {
   environment_["HOME"] = std::nullopt;
   launchAgent();
   EXPECT_TRUE(waitForText("log 3: get dir fail!!"));
   terminateAgent();
 }
 
-TEST_F(Launch, AReadOnlyDataFolderIsToldAndTheAgentRuns) {
+TEST_F(Launch, ReadOnlyDataFolderIsLoggedAndAgentRuns) {
   environment_["XDG_DATA_HOME"] = "/proc/self";
   launchAgent();
   EXPECT_THAT(agent_.readErrorLine().value_or(""), HasSubstr("open log failed: "));
@@ -101,7 +101,7 @@ TEST_F(Launch, AReadOnlyDataFolderIsToldAndTheAgentRuns) {
   terminateAgent();
 }
 
-TEST_F(Launch, WithoutARuntimeFolderThePrivateOneOfTheUserServes) {
+TEST_F(Launch, PrivateFolderReplacesMissingRuntimeFolder) {
   environment_["XDG_RUNTIME_DIR"] = std::nullopt;
   writeProperties({.autorun = false});
   launchAgent();
@@ -109,11 +109,11 @@ TEST_F(Launch, WithoutARuntimeFolderThePrivateOneOfTheUserServes) {
   terminateAgent();
 }
 
-// $XDG_RUNTIME_DIR unset, naming a folder that is missing, or one that others may enter.
+// $XDG_RUNTIME_DIR is unset, or names a missing folder or one that other users may enter.
 class LaunchWithoutRuntimeFolder : public InstalledAgentTest,
                                    public testing::WithParamInterface<std::optional<std::string>> {};
 
-TEST_P(LaunchWithoutRuntimeFolder, NoOtherFolderIsMade) {
+TEST_P(LaunchWithoutRuntimeFolder, CreatesNoOtherFolder) {
   std::filesystem::create_directory("/tmp/entered");
   std::filesystem::permissions("/tmp/entered", std::filesystem::perms(0755));
   environment_["XDG_RUNTIME_DIR"] = GetParam();
@@ -128,7 +128,7 @@ TEST_P(LaunchWithoutRuntimeFolder, NoOtherFolderIsMade) {
 INSTANTIATE_TEST_SUITE_P(Each, LaunchWithoutRuntimeFolder,
                          testing::Values(std::nullopt, "/tmp/missing", "/tmp/entered"));
 
-TEST_F(Launch, ClosedStandardStreamsLeadNowhere) {
+TEST_F(Launch, ClosedStandardStreamsAreRedirectedToNull) {
   std::filesystem::remove("/tmp/KMPIPE");
   test_support::ChildOptions options;
   options.environment = environment_;
@@ -141,7 +141,7 @@ TEST_F(Launch, ClosedStandardStreamsLeadNowhere) {
   EXPECT_EQ(std::filesystem::file_size("/tmp/runtime/TovalinTray/lock"), 0u);
 }
 
-TEST_F(Launch, APrivateFolderThatIsSomebodyElsesIsToldAndNotUsed) {
+TEST_F(Launch, PrivateFolderOfAnotherUserIsReportedAndNotUsed) {
   environment_["XDG_RUNTIME_DIR"] = std::nullopt;
   std::filesystem::create_directory("/tmp/elsewhere of theirs");
   const std::string place = "/tmp/TovalinTray-" + std::to_string(::geteuid());
@@ -157,7 +157,7 @@ TEST_F(Launch, APrivateFolderThatIsSomebodyElsesIsToldAndNotUsed) {
   std::filesystem::remove(place);
 }
 
-TEST_F(Launch, OutsideAMainApplicationsBundleTheAgentSaysSoAndEnds) {
+TEST_F(Launch, OutsideBundleIsReportedAndEndsAgent) {
   std::filesystem::create_directories("/tmp/elsewhere/Contents/MacOS");
   std::filesystem::copy_file(agentProgram(), "/tmp/elsewhere/Contents/MacOS/TovalinTray");
   std::filesystem::copy_file(agentProgram(), "/tmp/TovalinTray");
@@ -172,7 +172,7 @@ TEST_F(Launch, OutsideAMainApplicationsBundleTheAgentSaysSoAndEnds) {
   EXPECT_EQ(count("pipe: "), 0);
 }
 
-TEST_F(Launch, ASignalDuringTheLaunchIsServedAfterIt) {
+TEST_F(Launch, SignalDuringLaunchIsHandledAfterIt) {
   writeProperties({.autorun = false});
   timeline_.hold("launchctl");
   startAgent();
@@ -183,21 +183,21 @@ TEST_F(Launch, ASignalDuringTheLaunchIsServedAfterIt) {
   EXPECT_LT(position("pipe: -ton"), position(killRun));
 }
 
-TEST_F(Launch, TheServerOptionIsReadAndItsFileMade) {
+TEST_F(Launch, ServerOptionIsReadAndItsFileCreated) {
   std::filesystem::create_directories("/tmp/home/.local/share/Tovalin");
   launchAgent();
   terminateAgent();
   EXPECT_EQ(test_support::contentsOf("/tmp/home/.local/share/Tovalin/TovalinServerOption.txt"), "1");
 }
 
-TEST_F(Launch, TwoBeaconsTellOfTheStartAndOfTheVersion) {
+TEST_F(Launch, SendsStartAndVersionBeacons) {
   launchAgent();
   ASSERT_TRUE(waitForBeacon("?category=applaunch&applaunch=version1.0.0"));
   EXPECT_THAT(beacons(), ElementsAre("?category=applaunch&applaunch=start",
                                      "?category=applaunch&applaunch=version1.0.0"));
 }
 
-TEST_F(Launch, WithoutAVersionTheSecondBeaconSaysNull) {
+TEST_F(Launch, MissingVersionIsSentAsNull) {
   std::ofstream(agentContents() + "/Info.plist")
       << "<plist version=\"1.0\"><dict><key>TovalinProductServer</key>"
          "<string>http://127.0.0.1:1</string></dict></plist>";
@@ -205,14 +205,14 @@ TEST_F(Launch, WithoutAVersionTheSecondBeaconSaysNull) {
   EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=version(null)"));
 }
 
-TEST_F(Launch, WithoutTheWebViewsHelperTheAgentRuns) {
+TEST_F(Launch, AgentRunsWithoutWebViewHelper) {
   std::filesystem::remove(agentContents() + "/Helpers/TovalinWebView");
   launchAgent();
   terminateAgent();
   EXPECT_THAT(beacons(), testing::IsEmpty());
 }
 
-TEST_F(Launch, ServerThatAnswersWithAnErrorPageIsNoNewerVersion) {
+TEST_F(Launch, ErrorPageIsNoNewerVersion) {
   test_support::ProductServerDouble server;
   setServers(server.origin());
   launchAgent();
@@ -221,7 +221,7 @@ TEST_F(Launch, ServerThatAnswersWithAnErrorPageIsNoNewerVersion) {
   EXPECT_EQ(count("run: open"), 0);
 }
 
-TEST_F(Launch, SameVersionOnTheServerIsNoUpdate) {
+TEST_F(Launch, SameVersionIsNoUpdate) {
   test_support::ProductServerDouble server;
   server.putVersion("1.0.0");
   setServers(server.origin());
@@ -229,7 +229,7 @@ TEST_F(Launch, SameVersionOnTheServerIsNoUpdate) {
   EXPECT_EQ(count("run: open"), 0);
 }
 
-TEST_F(Launch, SilentServerHoldsTheLaunchUpForThreeSeconds) {
+TEST_F(Launch, UnresponsiveServerDelaysLaunchByThreeSeconds) {
   const test_support::RawHttpServer server(
       [](test_support::RawConnection& connection) { static_cast<void>(connection.waitForEnd()); });
   setServers(server.url(""));

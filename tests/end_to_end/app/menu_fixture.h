@@ -9,7 +9,7 @@
 #include "tests/end_to_end/screen_scale.h"
 #include "tests/harness/processes/wait_until.h"
 
-// The agent's icon and menu as a panel sees them over the bus.
+// The agent's icon and menu as a panel receives them over the bus.
 class Menu : public InstalledAgentTest {
  protected:
   [[nodiscard]] bool showsIcon(const std::string& name) {

@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST_F(Menu, TheIconFollowsTheStateInALightPanel) {
+TEST_F(Menu, IconFollowsStateInLightPanel) {
   launchAgentInPanel();
   EXPECT_TRUE(showsIcon("mount on"));
   terminateAgent();
@@ -15,7 +15,7 @@ TEST_F(Menu, TheIconFollowsTheStateInALightPanel) {
   EXPECT_TRUE(comesToShowIcon("mount off"));
 }
 
-TEST_F(Menu, TheIconFollowsTheStateInADarkPanel) {
+TEST_F(Menu, IconFollowsStateInDarkPanel) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   launchAgentInPanel();
   EXPECT_TRUE(showsIcon("mount on reverse"));
@@ -27,7 +27,7 @@ TEST_F(Menu, TheIconFollowsTheStateInADarkPanel) {
   EXPECT_TRUE(comesToShowIcon("mount off reverse"));
 }
 
-TEST_F(Menu, AppearanceChangesFlipTheIconAndFlipItBack) {
+TEST_F(Menu, IconFollowsAppearanceChanges) {
   ASSERT_TRUE(portal_.start(bus_, "0"));
   launchAgentInPanel();
   ASSERT_TRUE(portal_.set("1"));
@@ -36,31 +36,31 @@ TEST_F(Menu, AppearanceChangesFlipTheIconAndFlipItBack) {
   EXPECT_TRUE(comesToShowIcon("mount on"));
 }
 
-TEST_F(Menu, ChangesThatAreNotBetweenDarkAndLightFlipNothing) {
+TEST_F(Menu, ChangesOtherThanDarkOrLightKeepIcon) {
   ASSERT_TRUE(portal_.start(bus_, "0"));
   launchAgentInPanel();
   for (const char* value : {"2", "0", "17", "string Dark"}) ASSERT_TRUE(portal_.set(value));
   ASSERT_TRUE(portal_.tellUnrelatedChange());
   ASSERT_TRUE(portal_.set("1"));
-  // Had any of them flipped the icon, this change would have flipped it back.
+  // If any of them had switched the icon, this change would switch it back.
   EXPECT_TRUE(comesToShowIcon("mount on reverse"));
 }
 
-TEST_F(Menu, APortalThatComesLateIsHeard) {
+TEST_F(Menu, AppliesChangesFromLatePortal) {
   launchAgentInPanel();
   ASSERT_TRUE(portal_.start(bus_, "0"));
   ASSERT_TRUE(portal_.set("1"));
   EXPECT_TRUE(comesToShowIcon("mount on reverse"));
 }
 
-TEST_F(Menu, APortalThatComesLateToADarkDesktopIsAsked) {
+TEST_F(Menu, AppliesAppearanceFromLatePortal) {
   launchAgentInPanel();
   EXPECT_TRUE(showsIcon("mount on"));
   ASSERT_TRUE(portal_.start(bus_, "1"));
   EXPECT_TRUE(comesToShowIcon("mount on reverse"));
 }
 
-TEST_F(Menu, APortalThatComesBackIsAskedWhatHasChangedMeanwhile) {
+TEST_F(Menu, AppliesChangeMissedWhilePortalWasAway) {
   ASSERT_TRUE(portal_.start(bus_, "0"));
   launchAgentInPanel();
   for (const auto& [value, icon] : {std::pair("1", "mount on reverse"), std::pair("2", "mount on")}) {
@@ -70,22 +70,22 @@ TEST_F(Menu, APortalThatComesBackIsAskedWhatHasChangedMeanwhile) {
   }
 }
 
-TEST_F(Menu, APortalThatComesBackUnchangedFlipsNothing) {
+TEST_F(Menu, UnchangedPortalThatReturnsKeepsIcon) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   launchAgentInPanel();
   endPortal();
   ASSERT_TRUE(portal_.start(bus_, "1"));
   ASSERT_TRUE(portal_.waitForEvent("read"));
   ASSERT_TRUE(portal_.set("0"));
-  // Had the answer flipped the icon, this change would have flipped it back.
+  // If the reply had switched the icon, this change would switch it back.
   EXPECT_TRUE(comesToShowIcon("mount on"));
 }
 
-TEST_F(Menu, APortalThatDiesOwingAnAnswerLeavesIconAndMenuAsTheyAre) {
+TEST_F(Menu, PortalEndingWithoutReplyKeepsIconAndMenu) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   ASSERT_TRUE(portal_.delayAnswers(std::chrono::minutes(10)));
   launchAgentInPanel();
-  // The agent has given the first answer up by now and waits for the second.
+  // By now the agent has abandoned the first request and waits for the second.
   for (int i = 0; i < 2; ++i) ASSERT_TRUE(portal_.waitForEvent("read"));
   endPortal();
   EXPECT_TRUE(showsIcon("mount on"));
@@ -94,7 +94,7 @@ TEST_F(Menu, APortalThatDiesOwingAnAnswerLeavesIconAndMenuAsTheyAre) {
   terminateAgent();
 }
 
-TEST_F(Menu, AFlipOfTheAppearanceKeepsTheSwitchedStateAndTheOtherWayRound) {
+TEST_F(Menu, SwitchAndAppearanceChangeIndependently) {
   ASSERT_TRUE(portal_.start(bus_, "0"));
   launchAgentInPanel();
   clickAndWait("Automount Off");

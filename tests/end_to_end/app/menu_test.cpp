@@ -13,7 +13,7 @@ namespace {
 using test_support::ExitStatus;
 using testing::ElementsAre;
 
-TEST_F(Menu, HasItsElevenLinesAndNoRoomForTheTwelfth) {
+TEST_F(Menu, HasElevenLines) {
   launchAgentInPanel();
   EXPECT_THAT(visibleLabels(),
               ElementsAre("Automount Off", "--", "Like us on Facebook", "Share Tovalin on Facebook",
@@ -21,13 +21,13 @@ TEST_F(Menu, HasItsElevenLinesAndNoRoomForTheTwelfth) {
                           "Support Tovalin", "--", "Quit Tovalin"));
 }
 
-TEST_F(Menu, ItsTitleNamesWhatAClickWillDo) {
+TEST_F(Menu, TitleNamesWhatClickDoes) {
   writeProperties({.active = false});
   launchAgentInPanel();
   EXPECT_EQ(visibleLabels().front(), "Automount On");
 }
 
-TEST_F(Menu, EveryLineWithATitleCanBeChosen) {
+TEST_F(Menu, EveryTitledLineIsEnabled) {
   launchAgentInPanel();
   std::vector<std::string> enabled;
   for (const auto& item : host_.menu()) {
@@ -38,7 +38,7 @@ TEST_F(Menu, EveryLineWithATitleCanBeChosen) {
                                    "Support Tovalin", "Quit Tovalin"));
 }
 
-TEST_F(Menu, TwoClicksOnTheSwitchSendOffThenOnAndChangeTitleAndIcon) {
+TEST_F(Menu, TwoClicksOnSwitchSendOffThenOn) {
   launchAgentInPanel();
   clickAndWait("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
@@ -50,12 +50,12 @@ TEST_F(Menu, TwoClicksOnTheSwitchSendOffThenOnAndChangeTitleAndIcon) {
   EXPECT_EQ(visibleLabels().front(), "Automount Off");
 }
 
-TEST_F(Menu, ClicksDuringThePauseAreServedAfterItInOrder) {
+TEST_F(Menu, ClicksDuringPauseRunAfterItInOrder) {
   launchAgentInPanel();
   const auto begin = std::chrono::steady_clock::now();
   ASSERT_TRUE(host_.click("Automount Off"));
   ASSERT_TRUE(waitForText("pipe: -u"));
-  // The main thread sleeps now; the panel still shows the menu as it was.
+  // The main thread sleeps; the panel still shows the menu as it was.
   ASSERT_TRUE(host_.clickKnown("Automount Off"));
   ASSERT_TRUE(host_.clickKnown("Automount Off"));
   ASSERT_TRUE(host_.clickKnown("Quit Tovalin"));
@@ -71,12 +71,12 @@ TEST_F(Menu, ClicksDuringThePauseAreServedAfterItInOrder) {
   EXPECT_EQ(messages[3].text, "pipe: -u");
   EXPECT_EQ(messages[4].text, "pipe: -toff");
   for (std::size_t i = 2; i <= 4; ++i) {
-    // Each pause is two seconds; the message after it can't be there earlier, however slow the machine.
+    // Each pause takes 2 s, so the next message cannot be earlier.
     EXPECT_GE(messages[i].time - begin, (i - 1) * std::chrono::milliseconds(1990)) << i;
   }
 }
 
-TEST_F(Menu, TheSwitchWorksWithNobodyListening) {
+TEST_F(Menu, SwitchWorksWithoutReader) {
   std::filesystem::remove("/tmp/KMPIPE");
   ASSERT_TRUE(host_.start(bus_));
   startAgent();
@@ -85,14 +85,14 @@ TEST_F(Menu, TheSwitchWorksWithNobodyListening) {
   EXPECT_TRUE(comesToShowIcon("mount off"));
 }
 
-TEST_F(Menu, WithoutAnUpdateSupportHasNoBadge) {
+TEST_F(Menu, SupportHasNoBadgeWithoutUpdate) {
   launchAgentInPanel();
   const auto items = host_.menu();
   ASSERT_GE(items.size(), 11u);
   for (const auto& item : items) EXPECT_EQ(item.iconSize, "0x0") << item.label;
 }
 
-TEST_F(Menu, WithAnUpdateSupportWearsTheBadge) {
+TEST_F(Menu, SupportHasBadgeWithUpdate) {
   test_support::ProductServerDouble server;
   server.putVersion("99.0.0");
   install("/tmp/Applications/Tovalin.app");
@@ -112,9 +112,9 @@ TEST_F(Menu, WithAnUpdateSupportWearsTheBadge) {
             wanted.convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
-TEST_F(Menu, QuitEndsEverythingInItsOrder) {
+TEST_F(Menu, QuitRunsStepsInOrder) {
   launchAgentInPanel();
-  ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));  // the last of the launch
+  ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));  // the last event of the launch
   timeline_.clear();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
@@ -122,7 +122,7 @@ TEST_F(Menu, QuitEndsEverythingInItsOrder) {
   EXPECT_TRUE(host_.waitForEvent("unregistered"));
 }
 
-TEST_F(Menu, QuitWaitsASecondBetweenItsMessageAndTheUnload) {
+TEST_F(Menu, QuitWaitsOneSecondBeforeUnload) {
   launchAgentInPanel();
   const auto begin = std::chrono::steady_clock::now();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
@@ -131,14 +131,14 @@ TEST_F(Menu, QuitWaitsASecondBetweenItsMessageAndTheUnload) {
   EXPECT_GE(timeline_.waitFor(unloadRun)->time - begin, std::chrono::milliseconds(990));
 }
 
-TEST_F(Menu, QuitIsReported) {
+TEST_F(Menu, QuitSendsBeacon) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
   EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=quit"));
 }
 
-TEST_F(Menu, EachSwitchIsReported) {
+TEST_F(Menu, EachSwitchSendsBeacon) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.click("Automount Off"));
   EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=turnoff"));
@@ -149,13 +149,13 @@ TEST_F(Menu, EachSwitchIsReported) {
 
 struct Link {
   const char* label;
-  const char* value;  // as the beacon escapes it
+  const char* value;  // percent-encoded as in the beacon
   const char* page;
 };
 
 class Links : public InstalledAgentTest, public testing::WithParamInterface<Link> {};
 
-TEST_P(Links, AreReportedOnceAndOpenedAsTheyStand) {
+TEST_P(Links, OpenPageVerbatimAndSendOneBeacon) {
   install("/tmp/Applications/Tovalin.app");
   launchAgentInPanel();
   ASSERT_TRUE(waitForBeacon("=version1.0.0"));
@@ -184,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(
         Link{"Visit our website now", "Visit%20Site", "http://127.0.0.1:1/tovalin"},
         Link{"Review Tovalin", "Review", "http://127.0.0.1:1/tovalin/review"}));
 
-TEST_F(Menu, BrowserThatFailsIsNotNoticed) {
+TEST_F(Menu, FailingBrowserIsIgnored) {
   launchAgentInPanel();
   timeline_.setStatus("open", 1);
   ASSERT_TRUE(host_.click("Review Tovalin"));
@@ -192,7 +192,7 @@ TEST_F(Menu, BrowserThatFailsIsNotNoticed) {
   terminateAgent();
 }
 
-TEST_F(Menu, QuitGoesOnWhenItsCommandsFail) {
+TEST_F(Menu, QuitContinuesIfCommandsFail) {
   launchAgentInPanel();
   timeline_.setStatus("killall", 1);
   timeline_.setStatus("launchctl", 1);
@@ -201,9 +201,9 @@ TEST_F(Menu, QuitGoesOnWhenItsCommandsFail) {
   EXPECT_EQ(count("pipe: -toff"), 1);
 }
 
-TEST_F(Menu, QuitUnloadsAlsoWhenTheBundleIsGone) {
+TEST_F(Menu, QuitUnloadsWithoutBundle) {
   launchAgentInPanel();
-  // The watch on the bundle ends with the first change, so that only the quit ends the agent.
+  // A change ends the watch on the bundle, so that only the quit ends the agent.
   std::ofstream(bundle_ + "/Contents/new file") << "text";
   ASSERT_TRUE(waitForText("log 6: filestreamcallback event flag : 0, 0x0"));
   std::filesystem::remove_all(bundle_);
@@ -212,7 +212,7 @@ TEST_F(Menu, QuitUnloadsAlsoWhenTheBundleIsGone) {
   EXPECT_EQ(count(unloadRun), 1);
 }
 
-TEST_F(Menu, OutsideCommandsFindTheHelpersFirst) {
+TEST_F(Menu, HelpersPrecedeSystemCommandsOnPath) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
@@ -222,11 +222,11 @@ TEST_F(Menu, OutsideCommandsFindTheHelpersFirst) {
   EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers"));
 }
 
-TEST_F(Menu, MissingPicturesGiveNoIconAndTheMenuStillOpens) {
+TEST_F(Menu, MissingPicturesRemoveIconAndMenuStillOpens) {
   std::filesystem::remove_all(agentContents() + "/Resources");
   ASSERT_TRUE(host_.start(bus_));
   launchAgent();
-  // A second start is the way to the menu of an agent without an icon.
+  // An agent without an icon opens its menu on a second start.
   test_support::ChildProcess second;
   test_support::ChildOptions options;
   options.environment = environment_;

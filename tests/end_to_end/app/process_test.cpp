@@ -33,7 +33,7 @@ class Process : public AgentTest {
     another_.kill();
     AgentTest::TearDown();
   }
-  // A start of the installed agent beside the one that runs.
+  // Starts the installed agent while another one runs.
   ExitStatus startAnother(const std::vector<std::string>& arguments = {}) {
     std::vector<std::string> command{agentProgram()};
     command.insert(command.end(), arguments.begin(), arguments.end());
@@ -44,7 +44,7 @@ class Process : public AgentTest {
     return another_.wait().value_or(ExitStatus{});
   }
 
-  // Of the place where the agent has its own.
+  // Opens the agent's lock file.
   [[nodiscard]] static test_support::FileDescriptor lockOfTheAgent() {
     const std::string folder = std::string(std::getenv("XDG_RUNTIME_DIR")) + "/TovalinTray";
     ::mkdir(folder.c_str(), 0700);
@@ -55,11 +55,11 @@ class Process : public AgentTest {
   ChildProcess another_;
 };
 
-TEST_F(Process, EachOfTheThreeSignalsEndsTheAgentProperly) {
+TEST_F(Process, SigtermSigintAndSighupRunProperEnd) {
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
     timeline_.clear();
     launchAgent();
-    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));  // the last of the launch
+    ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));  // the last event of the launch
     agent_.signal(number);
     EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << "signal " << number;
     EXPECT_EQ(texts().back(), killRun);
@@ -68,7 +68,7 @@ TEST_F(Process, EachOfTheThreeSignalsEndsTheAgentProperly) {
   }
 }
 
-TEST_F(Process, ASignalDuringThePauseIsServedAfterIt) {
+TEST_F(Process, SignalDuringPauseIsHandledAfterIt) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.click("Automount Off"));
   ASSERT_TRUE(waitForText("pipe: -u"));
@@ -76,7 +76,7 @@ TEST_F(Process, ASignalDuringThePauseIsServedAfterIt) {
   EXPECT_EQ(count(killRun), 1);
 }
 
-TEST_F(Process, ASecondSignalDuringTheEndChangesNothing) {
+TEST_F(Process, SecondSignalDuringEndIsIgnored) {
   launchAgent();
   timeline_.hold("killall");
   agent_.terminate();
@@ -87,14 +87,14 @@ TEST_F(Process, ASecondSignalDuringTheEndChangesNothing) {
   EXPECT_EQ(count(killRun), 1);
 }
 
-TEST_F(Process, TheLossOfTheDisplayRunsTheProperEnd) {
+TEST_F(Process, LossOfDisplayRunsProperEnd) {
   launchAgent();
   display_.stop();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
   EXPECT_EQ(count(killRun), 1);
 }
 
-TEST_F(Process, TheLossOfTheDisplayWithTheIconInAPanelRunsTheProperEnd) {
+TEST_F(Process, LossOfDisplayWithIconInPanelRunsProperEnd) {
   launchAgentInPanel();
   display_.stop();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
@@ -102,14 +102,14 @@ TEST_F(Process, TheLossOfTheDisplayWithTheIconInAPanelRunsTheProperEnd) {
   EXPECT_TRUE(host_.waitForEvent("unregistered"));
 }
 
-TEST_F(Process, TheLossOfTheBusEndsNothing) {
+TEST_F(Process, AgentSurvivesLossOfBus) {
   launchAgentInPanel();
   bus_.stop();
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
   terminateAgent();
 }
 
-TEST_F(Process, ASecondStartOpensTheMenuOfTheFirstAndEndsWithZero) {
+TEST_F(Process, SecondStartOpensMenuOfFirstAndExitsWithZero) {
   launchAgent();
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
   EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
@@ -117,7 +117,7 @@ TEST_F(Process, ASecondStartOpensTheMenuOfTheFirstAndEndsWithZero) {
   EXPECT_TRUE(agent_.running());
 }
 
-TEST_F(Process, ASecondStartDuringTheLaunchOpensTheMenuAfterIt) {
+TEST_F(Process, SecondStartDuringLaunchOpensMenuAfterIt) {
   install("/tmp/Applications/Tovalin.app");
   writeProperties({.autorun = false});
   timeline_.hold("launchctl");
@@ -128,7 +128,7 @@ TEST_F(Process, ASecondStartDuringTheLaunchOpensTheMenuAfterIt) {
   EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
 }
 
-TEST_F(Process, ASecondStartNeedsNoDisplayAndTellsWhyWithoutABusNoMenuOpens) {
+TEST_F(Process, SecondStartWithoutDisplayAndBusReportsMissingMenu) {
   launchAgent();
   environment_["DISPLAY"] = std::nullopt;
   environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/tmp/no such bus";
@@ -137,7 +137,7 @@ TEST_F(Process, ASecondStartNeedsNoDisplayAndTellsWhyWithoutABusNoMenuOpens) {
   EXPECT_TRUE(agent_.running());
 }
 
-TEST_F(Process, ASecondStartWithAnotherRuntimeFolderFindsTheFirstOnTheBus) {
+TEST_F(Process, SecondStartWithOtherRuntimeFolderFindsFirstOnBus) {
   launchAgent();
   environment_["XDG_RUNTIME_DIR"] = std::nullopt;
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
@@ -145,8 +145,8 @@ TEST_F(Process, ASecondStartWithAnotherRuntimeFolderFindsTheFirstOnTheBus) {
   EXPECT_EQ(count("pipe: -ton"), 1);
 }
 
-// A program on the bus that is no agent may own the agent's name.
-TEST_F(Process, StartWithTheBusNameOwnedByAStrangerReportsItsOwnerAndEndsWithZero) {
+// Another program on the bus may own the agent's name.
+TEST_F(Process, BusNameOwnedByOtherProgramIsReportedAndExitsWithZero) {
   install("/tmp/Applications/Tovalin.app");
   test_support::LineProgram stranger;
   ASSERT_TRUE(stranger.start({TOVALIN_NAME_OWNER, "com.kesmoor.tovalintrayagent"},
@@ -162,8 +162,8 @@ TEST_F(Process, StartWithTheBusNameOwnedByAStrangerReportsItsOwnerAndEndsWithZer
   EXPECT_EQ(count("pipe: -ton"), 0);
 }
 
-// A program of the user's that holds the agent's lock as well.
-TEST_F(Process, StartWithLockAndBusNameHeldByStrangersReportsTheNamesOwner) {
+// Another program of the same user holds the agent's lock as well.
+TEST_F(Process, LockAndBusNameHeldByOtherProgramsReportsNameOwner) {
   install("/tmp/Applications/Tovalin.app");
   const test_support::FileDescriptor lock = lockOfTheAgent();
   ASSERT_EQ(::flock(lock.get(), LOCK_EX | LOCK_NB), 0);
@@ -177,7 +177,7 @@ TEST_F(Process, StartWithLockAndBusNameHeldByStrangersReportsTheNamesOwner) {
   EXPECT_EQ(count("log 3: that process cannot open the menu: it is not the tray agent"), 1);
 }
 
-TEST_F(Process, StartWithLockHeldByStrangerAndBusNameFreeIsReported) {
+TEST_F(Process, LockHeldByOtherProgramWithoutBusNameIsReported) {
   install("/tmp/Applications/Tovalin.app");
   const test_support::FileDescriptor lock = lockOfTheAgent();
   ASSERT_EQ(::flock(lock.get(), LOCK_EX | LOCK_NB), 0);
@@ -186,14 +186,14 @@ TEST_F(Process, StartWithLockHeldByStrangerAndBusNameFreeIsReported) {
             1);
 }
 
-// The first start has not answered then: its main thread waits for a command.
+// Returns once the second start has queried the first, whose main thread is blocked in a command.
 bool comesToAsk(ChildProcess& monitor) {
   while (const auto line = monitor.readLine())
     if (line->find("member=Activate") != std::string::npos) return true;
   return false;
 }
 
-TEST_F(Process, ASecondStartWhileTheFirstEndsTakesItsPlace) {
+TEST_F(Process, SecondStartDuringEndOfFirstLaunches) {
   launchAgentInPanel();
   timeline_.hold("killall");
   agent_.terminate();
@@ -212,7 +212,7 @@ TEST_F(Process, ASecondStartWhileTheFirstEndsTakesItsPlace) {
   EXPECT_TRUE(another_.running());
 }
 
-TEST_F(Process, AStartThatIsToOutliveItsTerminalDoes) {
+TEST_F(Process, StartWithNohupSurvivesSighup) {
   install("/tmp/Applications/Tovalin.app");
   ChildOptions options;
   options.environment = environment_;
@@ -223,7 +223,7 @@ TEST_F(Process, AStartThatIsToOutliveItsTerminalDoes) {
   terminateAgent();
 }
 
-TEST_F(Process, HelpOntoAFullDiskIsAFailure) {
+TEST_F(Process, HelpOntoFullDiskFails) {
   install("/tmp/Applications/Tovalin.app");
   ChildOptions options;
   options.environment = environment_;
@@ -232,7 +232,7 @@ TEST_F(Process, HelpOntoAFullDiskIsAFailure) {
   EXPECT_EQ(another_.wait(), ExitStatus{.code = 1});
 }
 
-TEST_F(Process, AfterACrashTheNextStartRuns) {
+TEST_F(Process, StartAfterCrashSucceeds) {
   launchAgent();
   agent_.kill();
   EXPECT_EQ(endOfAgent(), ExitStatus{.signal = SIGKILL});
@@ -240,14 +240,14 @@ TEST_F(Process, AfterACrashTheNextStartRuns) {
   launchAgent();
 }
 
-TEST_F(Process, AQuittingAgentHoldsNoLockAnyLonger) {
+TEST_F(Process, EndedAgentHoldsNoLock) {
   launchAgent();
   terminateAgent();
   timeline_.clear();
   launchAgent();
 }
 
-TEST_F(Process, HelpAndVersionPrintAndEndWithoutADisplay) {
+TEST_F(Process, HelpAndVersionNeedNoDisplay) {
   install("/tmp/Applications/Tovalin.app");
   environment_["DISPLAY"] = std::nullopt;
   EXPECT_EQ(startAnother({"--help"}), ExitStatus{.code = 0});
@@ -256,7 +256,7 @@ TEST_F(Process, HelpAndVersionPrintAndEndWithoutADisplay) {
   EXPECT_EQ(another_.takeOutput(), "TovalinTray 1.0.0\n");
 }
 
-TEST_F(Process, AnyOtherArgumentIsRefused) {
+TEST_F(Process, UnknownArgumentIsRejected) {
   install("/tmp/Applications/Tovalin.app");
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--verbose"},
                                                     {"file"},
@@ -270,7 +270,7 @@ TEST_F(Process, AnyOtherArgumentIsRefused) {
   EXPECT_TRUE(texts().empty());
 }
 
-TEST_F(Process, WhatItSaysOnStandardOutputComesLineByLine) {
+TEST_F(Process, StandardOutputIsLineBuffered) {
   install("/tmp/Applications/Tovalin.app");
   std::filesystem::remove("/tmp/KMPIPE");
   startAgent();
@@ -278,7 +278,7 @@ TEST_F(Process, WhatItSaysOnStandardOutputComesLineByLine) {
   EXPECT_TRUE(agent_.running());
 }
 
-TEST_F(Process, ADescriptorOfItsStarterGoesToNoneOfItsCommands) {
+TEST_F(Process, InheritedDescriptorIsNotPassedToCommands) {
   install("/tmp/Applications/Tovalin.app");
   ChildOptions options;
   options.environment = environment_;

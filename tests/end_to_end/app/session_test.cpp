@@ -32,7 +32,7 @@ class Session : public AgentTest {
     environment_["SESSION_MANAGER"] = manager_.address();
   }
 
-  // Until the session manager has it as one of the session's programs.
+  // Returns once the agent has registered with the session manager.
   void launchInSession() {
     launchAgentInPanel();
     ASSERT_EQ(manager_.waitForEvent("saved"), "saved yes") << agent_.takeErrorOutput();
@@ -46,7 +46,7 @@ class Session : public AgentTest {
     EXPECT_EQ(count(unloadRun), 0);
   }
 
-  // What the agent's main thread has used of the processor.
+  // Returns the CPU time of the agent's main thread.
   [[nodiscard]] std::chrono::nanoseconds used() const {
     std::ifstream file("/proc/" + std::to_string(agent_.pid()) + "/schedstat");
     long long count = 0;
@@ -57,7 +57,7 @@ class Session : public AgentTest {
   test_support::SessionManagerDouble manager_;
 };
 
-TEST_F(Session, ItsEndEndsTheAgentProperly) {
+TEST_F(Session, EndOfSessionRunsProperEnd) {
   launchInSession();
   ASSERT_TRUE(manager_.save());
   EXPECT_EQ(manager_.waitForEvent("saved"), "saved yes");
@@ -67,13 +67,13 @@ TEST_F(Session, ItsEndEndsTheAgentProperly) {
   EXPECT_TRUE(host_.waitForEvent("unregistered"));
 }
 
-TEST_F(Session, AnEndWithoutASaveEndsTheAgentProperly) {
+TEST_F(Session, EndOfSessionWithoutSaveRunsProperEnd) {
   launchInSession();
   ASSERT_TRUE(manager_.die());
   expectProperEnd();
 }
 
-TEST_F(Session, AnEndWhileTheMenuIsOpenEndsTheAgentProperly) {
+TEST_F(Session, EndOfSessionWithOpenMenuRunsProperEnd) {
   launchInSession();
   ASSERT_TRUE(host_.activate(10, 10));
   ASSERT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
@@ -83,7 +83,7 @@ TEST_F(Session, AnEndWhileTheMenuIsOpenEndsTheAgentProperly) {
   expectProperEnd();
 }
 
-TEST_F(Session, AnEndBehindAWindowThatCannotBeClosedEndsTheAgentProperly) {
+TEST_F(Session, EndOfSessionBehindWindowThatRefusesToCloseRunsProperEnd) {
   install("/tmp/Applications/Tovalin.app", TOVALIN_AGENT_WITH_WINDOW_OPEN);
   launchInSession();
   ASSERT_TRUE(test_support::waitForWindow(display_.name(), isOpenWindow));
@@ -93,7 +93,7 @@ TEST_F(Session, AnEndBehindAWindowThatCannotBeClosedEndsTheAgentProperly) {
   expectProperEnd();
 }
 
-TEST_F(Session, AnEndDuringThePauseIsServedAfterIt) {
+TEST_F(Session, EndOfSessionDuringPauseIsHandledAfterIt) {
   launchInSession();
   const auto begin = std::chrono::steady_clock::now();
   ASSERT_TRUE(host_.click("Automount Off"));
@@ -103,7 +103,7 @@ TEST_F(Session, AnEndDuringThePauseIsServedAfterIt) {
   EXPECT_GE(timeline_.waitFor(killRun)->time - begin, 1990ms);
 }
 
-TEST_F(Session, AnEndDuringTheLaunchIsServedAfterIt) {
+TEST_F(Session, EndOfSessionDuringLaunchIsHandledAfterIt) {
   install("/tmp/Applications/Tovalin.app");
   writeProperties({.autorun = false});
   timeline_.hold("launchctl");
@@ -116,7 +116,7 @@ TEST_F(Session, AnEndDuringTheLaunchIsServedAfterIt) {
   EXPECT_LT(position("pipe: -ton"), position(killRun));
 }
 
-TEST_F(Session, AnEndThatIsCancelledLeavesTheAgentServingClicks) {
+TEST_F(Session, CancelledEndOfSessionKeepsAgentRunning) {
   launchInSession();
   ASSERT_TRUE(manager_.save());
   ASSERT_EQ(manager_.waitForEvent("saved"), "saved yes");
@@ -128,12 +128,12 @@ TEST_F(Session, AnEndThatIsCancelledLeavesTheAgentServingClicks) {
   expectProperEnd();
 }
 
-TEST_F(Session, TheAgentAsksNotToBeStartedAgainByTheSessionManager) {
+TEST_F(Session, AgentAsksNotToBeRestartedBySessionManager) {
   launchInSession();
   EXPECT_THAT(manager_.properties(), Contains(Pair("RestartStyleHint", restartNever)));
 }
 
-TEST_F(Session, ASessionManagerThatGoesAwayEndsNothingAndCostsNothing) {
+TEST_F(Session, LossOfSessionManagerKeepsAgentRunningAndIdle) {
   launchInSession();
   manager_.process().kill();
   ASSERT_TRUE(manager_.process().wait());
@@ -144,7 +144,7 @@ TEST_F(Session, ASessionManagerThatGoesAwayEndsNothingAndCostsNothing) {
   terminateAgent();
 }
 
-TEST_F(Session, TheAgentStartsWhereTheSessionManagerCannotBeReached) {
+TEST_F(Session, AgentStartsWithoutReachableSessionManager) {
   manager_.process().kill();
   ASSERT_TRUE(manager_.process().wait());
   launchAgentInPanel();

@@ -28,7 +28,8 @@ bool isIcon(const XWindow& window) {
 }
 
 constexpr int halfALine = 12;
-// The middle of "Support Tovalin", above a separator and "Quit Tovalin".
+// The vertical middle of "Support Tovalin", above a separator and "Quit Tovalin", counted from the menu's
+// lower edge.
 constexpr int supportAboveEnd = 38;
 
 // The agent in a real tray of the X screen.
@@ -45,8 +46,7 @@ class XTray : public AgentTest {
     return test_support::waitForWindow(display_.name(), isIcon);
   }
 
-  // The tray may have put it on the screen before the agent takes clicks there; what it draws comes with
-  // that.
+  // The icon may be mapped before the agent accepts clicks on it; its first drawing proves that it does.
   void clickIcon(const char* button) {
     ASSERT_TRUE(test_support::waitUntil([this] { return isDrawn(dockedIcon()); }));
     const auto icon = dockedIcon();
@@ -54,7 +54,8 @@ class XTray : public AgentTest {
     runOnDisplay({"xdotool", "mousemove", std::to_string(icon->x + icon->width / 2),
                   std::to_string(icon->y + icon->height / 2), "click", button});
   }
-  // Clicks wait for a menu that is on the screen but does not have the keyboard yet; keys would be lost.
+  // Uses clicks, because a menu that has just opened may not have the input focus yet, and keys would be
+  // lost.
   void clickMenu(const XWindow& menu, int below) {
     ASSERT_TRUE(test_support::clickMouse(display_.name(), menu.x + menu.width / 2, menu.y + below));
   }
@@ -80,7 +81,7 @@ class XTray : public AgentTest {
   }
 };
 
-TEST_F(XTray, DocksItsIcon) {
+TEST_F(XTray, DocksIcon) {
   startTray();
   launchAgent();
   const auto icon = dockedIcon();
@@ -88,14 +89,14 @@ TEST_F(XTray, DocksItsIcon) {
   EXPECT_GE(icon->y, 800 - 28);
 }
 
-TEST_F(XTray, DocksInATrayThatStartsAfterTheAgent) {
+TEST_F(XTray, DocksInTrayThatStartsAfterAgent) {
   launchAgent();
   EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(200)));
   startTray();
   EXPECT_TRUE(dockedIcon());
 }
 
-TEST_F(XTray, DocksAgainInATrayThatIsStartedAgain) {
+TEST_F(XTray, DocksAgainInRestartedTray) {
   startTray();
   launchAgent();
   ASSERT_TRUE(dockedIcon());
@@ -107,7 +108,7 @@ TEST_F(XTray, DocksAgainInATrayThatIsStartedAgain) {
   EXPECT_TRUE(agent_.running());
 }
 
-TEST_F(XTray, BothButtonsOpenTheMenu) {
+TEST_F(XTray, BothButtonsOpenMenu) {
   startTray();
   launchAgent();
   for (const char* button : {"1", "3"}) {
@@ -117,7 +118,7 @@ TEST_F(XTray, BothButtonsOpenTheMenu) {
   }
 }
 
-TEST_F(XTray, MenuOpensBesideTheIconOnTheSideThatHasRoom) {
+TEST_F(XTray, MenuOpensOnTheSideWithSpace) {
   for (const char* edge : {"bottom", "top"}) {
     startTray(edge);
     launchAgent();
@@ -137,7 +138,7 @@ TEST_F(XTray, MenuOpensBesideTheIconOnTheSideThatHasRoom) {
   }
 }
 
-TEST_F(XTray, TheLossOfTheDisplayRunsTheProperEndOnce) {
+TEST_F(XTray, LossOfDisplayRunsProperEndOnce) {
   for (const bool menuIsOpen : {false, true}) {
     timeline_.clear();
     startTray();
@@ -158,7 +159,7 @@ TEST_F(XTray, TheLossOfTheDisplayRunsTheProperEndOnce) {
   }
 }
 
-TEST_F(XTray, TheFirstLineSwitches) {
+TEST_F(XTray, FirstLineSwitches) {
   startTray();
   launchAgent();
   clickIcon("1");
@@ -168,8 +169,8 @@ TEST_F(XTray, TheFirstLineSwitches) {
   EXPECT_TRUE(waitForText("pipe: -u"));
 }
 
-// Qt calls the program active while its menu is open; a hidden window that came back then would close it.
-TEST_F(XTray, MenuStaysOpenAndBringsBackTheHiddenSupportWindow) {
+// Qt treats the program as active while its menu is open; unhiding a window then would close the menu.
+TEST_F(XTray, MenuStaysOpenAndUnhidesSupportWindow) {
   const auto isSupportWindow = test_support::windowNamed("Support Tovalin");
   const auto chooseSupport = [this] {
     clickIcon("1");
@@ -196,8 +197,8 @@ TEST_F(XTray, MenuStaysOpenAndBringsBackTheHiddenSupportWindow) {
   }
 }
 
-// A line below it would be where the click goes.
-TEST_F(XTray, QuitIsTheLastLineAndEndsTheAgent) {
+// If another line were below it, the click would hit that one.
+TEST_F(XTray, QuitIsLastLineAndEndsAgent) {
   startTray();
   launchAgent();
   clickIcon("3");
@@ -209,18 +210,18 @@ TEST_F(XTray, QuitIsTheLastLineAndEndsTheAgent) {
   EXPECT_TRUE(test_support::waitForNoWindow(display_.name(), isAgents));
 }
 
-// The panel's tray: hosts on the bus come late, go and come back.
+// The tray of a panel: hosts on the bus that start late, end and restart.
 class PanelTray : public AgentTest {};
 
-TEST_F(PanelTray, DocksInAHostThatStartsAfterTheAgent) {
+TEST_F(PanelTray, DocksInHostThatStartsAfterAgent) {
   launchAgent();
   ASSERT_TRUE(host_.start(bus_));
   EXPECT_TRUE(host_.waitForEvent("registered"));
 }
 
-// Managers of other selections announce themselves by the same message. An icon made then would stay with
-// the X screen for good.
-TEST_F(PanelTray, DocksInAHostThatStartsAfterAManagerOfSomethingElse) {
+// Managers of other selections send the same MANAGER message. An icon created then would stay in the X tray
+// permanently.
+TEST_F(PanelTray, DocksInHostAfterManagerOfOtherSelection) {
   launchAgent();
   {
     const test_support::XConnection x(display_.name());
@@ -239,7 +240,7 @@ TEST_F(PanelTray, DocksInAHostThatStartsAfterAManagerOfSomethingElse) {
   EXPECT_TRUE(host_.waitForEvent("registered"));
 }
 
-TEST_F(PanelTray, DocksOnceAHostIsThereAndNotBefore) {
+TEST_F(PanelTray, DocksOnlyOnceHostIsRegistered) {
   ASSERT_TRUE(host_.start(bus_));
   ASSERT_TRUE(host_.setHostRegistered(false));
   launchAgent();
@@ -248,7 +249,7 @@ TEST_F(PanelTray, DocksOnceAHostIsThereAndNotBefore) {
   EXPECT_TRUE(host_.waitForEvent("registered"));
 }
 
-TEST_F(PanelTray, DocksAgainInAHostThatIsStartedAgain) {
+TEST_F(PanelTray, DocksAgainInRestartedHost) {
   launchAgentInPanel();
   host_.process().kill();
   ASSERT_TRUE(host_.process().wait());
@@ -257,13 +258,13 @@ TEST_F(PanelTray, DocksAgainInAHostThatIsStartedAgain) {
   EXPECT_EQ(host_.menu().front().label, "Automount Off");
 }
 
-TEST_F(PanelTray, ALeftClickOpensTheMenuToo) {
+TEST_F(PanelTray, LeftClickOpensMenu) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.activate(10, 10));
   EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
 }
 
-TEST_F(PanelTray, AHostOnTheBusIsPreferredToATrayOfTheScreen) {
+TEST_F(PanelTray, HostOnBusIsPreferredToXTray) {
   ChildProcess tray;
   ChildOptions options;
   options.environment = environment_;
@@ -274,7 +275,7 @@ TEST_F(PanelTray, AHostOnTheBusIsPreferredToATrayOfTheScreen) {
   EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(300)));
 }
 
-TEST_F(PanelTray, TheIconTellsTheProgramsNames) {
+TEST_F(PanelTray, IconHasTheProgramsNames) {
   launchAgentInPanel();
   auto properties = host_.properties();
   EXPECT_EQ(properties["Id"], "Tovalin");

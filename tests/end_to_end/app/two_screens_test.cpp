@@ -15,7 +15,7 @@ using test_support::XWindow;
 constexpr int screenWidth = 1280;
 constexpr int screenHeight = 800;
 
-// Device pixels to the point; the first screen is the primary one.
+// Device pixels per point; the first screen is the primary one.
 struct Scales {
   int first;
   int second;
@@ -32,7 +32,7 @@ bool isDockedIcon(const XWindow& window) {
   return window.className == "Tovalin" && window.width >= 20;
 }
 
-// By how many of 255 steps the colours of two pictures of one size differ.
+// Returns the mean difference, of 255 levels, between the colours of two pictures of the same size.
 double meanDifference(const XPicture& one, const XPicture& other) {
   if (one.width() != other.width() || one.height() != other.height()) return 255;
   long sum = 0;
@@ -52,7 +52,7 @@ void useDisplay(TestDesktop& desktop, const test_support::DisplayOptions& option
   desktop.environment_["QT_SCREEN_SCALE_FACTORS"] = scales;
 }
 
-// Two screens of different scales that stand beside each other.
+// Sets up two adjacent screens with different scales.
 void useTwoScreens(TestDesktop& desktop, const Scales& scales) {
   useDisplay(desktop,
              {.width = 2 * screenWidth,
@@ -67,7 +67,7 @@ class TwoScreens : public SupportTest, public testing::WithParamInterface<Scales
     if (!HasFatalFailure()) useTwoScreens(*this, GetParam());
   }
 
-  // A window of this many points in the middle of the first screen.
+  // Expects a window of this size in points in the middle of the first screen.
   void expectCentred(const XWindow& window, int width, int height) {
     EXPECT_EQ(window.width, width * GetParam().first);
     EXPECT_EQ(window.height, height * GetParam().first);
@@ -81,7 +81,7 @@ class TwoScreens : public SupportTest, public testing::WithParamInterface<Scales
     return test_support::pictureOf(display_.name(), {window->x, window->y, window->width, window->height})
         .value_or(XPicture({}, {}));
   }
-  // The notice once its text stands there and nothing in it changes any more.
+  // Returns the notice once it shows its text and no longer changes.
   [[nodiscard]] XPicture settledNotice() {
     launch();
     send("-non");
@@ -94,7 +94,7 @@ class TwoScreens : public SupportTest, public testing::WithParamInterface<Scales
     terminateAgent();
     return now;
   }
-  // Where the text is.
+  // Returns whether the text is drawn.
   [[nodiscard]] static bool isInkIn(const XPicture& notice) {
     for (int x = notice.width() / 4; x < notice.width(); ++x) {
       if (!(notice.at(x, notice.height() / 2) == notice.at(0, 0))) return true;
@@ -116,7 +116,7 @@ class TwoScreens : public SupportTest, public testing::WithParamInterface<Scales
   }
 };
 
-TEST_P(TwoScreens, WindowsStandInTheMiddleOfThePrimaryScreenAtItsScale) {
+TEST_P(TwoScreens, WindowsAreCentredOnPrimaryScreenAtItsScale) {
   launchInPanel();
   send("-non");
   const auto notice = test_support::waitForWindow(display_.name(), isNotice);
@@ -127,15 +127,15 @@ TEST_P(TwoScreens, WindowsStandInTheMiddleOfThePrimaryScreenAtItsScale) {
   expectCentred(window_, 420, 240);
 }
 
-// Letters and the scaled icon differ a little in their edges; drawn with the other screen's pixels, the
-// notice would differ by 3.5 and more.
-TEST_P(TwoScreens, ANoticeIsAsSharpAsOnADesktopThatHasOnlyItsScreensScale) {
+// Letters and the scaled icon differ slightly at their edges; drawn at the other screen's scale, the notice
+// would differ by at least 3.5.
+TEST_P(TwoScreens, NoticeIsAsSharpAsOnSingleScreenOfThatScale) {
   const XPicture notice = settledNotice();
   useDisplay(*this, {}, std::to_string(GetParam().first));
   EXPECT_LT(meanDifference(notice, settledNotice()), 2);
 }
 
-TEST_P(TwoScreens, AWindowThatIsMovedToTheOtherScreenTakesItsScaleAndStaysWhollyOnIt) {
+TEST_P(TwoScreens, WindowMovedToOtherScreenTakesItsScaleAndStaysInside) {
   launchInPanel();
   openWindow();
   moveSupportWindow(screenWidth + 20, 30);
@@ -148,7 +148,7 @@ TEST_P(TwoScreens, AWindowThatIsMovedToTheOtherScreenTakesItsScaleAndStaysWholly
   EXPECT_LE(window_.y + window_.height, screenHeight);
 }
 
-TEST_P(TwoScreens, APanelOnTheBusIsOfferedTheIconPixelByPixelForBothScales) {
+TEST_P(TwoScreens, PanelOnBusGetsUnscaledIconForBothScales) {
   launchInPanel();
   for (const int scale : {1, 2})
     EXPECT_TRUE(panelShows(host_, agentContents() + "/Resources", "mount on", scale)) << scale;
@@ -156,7 +156,7 @@ TEST_P(TwoScreens, APanelOnTheBusIsOfferedTheIconPixelByPixelForBothScales) {
 
 INSTANTIATE_TEST_SUITE_P(, TwoScreens, testing::Values(Scales{1, 2}, Scales{2, 1}));
 
-// A tray of the X screen that stands on one of the two.
+// An X tray on one of the two screens.
 class TrayOnTwoScreens : public testing::TestWithParam<Scales>,
                          protected TestDesktop,
                          protected InstalledBundle,
@@ -175,8 +175,8 @@ class TrayOnTwoScreens : public testing::TestWithParam<Scales>,
                             {.environment = environment_, .error = test_support::Redirection::null()}));
   }
 
-  // Whether the docked icon equals, pixel by pixel, the agent's picture of this scale centred in the tray's
-  // slot. The centre may lie between two pixels.
+  // Returns whether the docked icon equals, pixel by pixel, the agent's picture of this scale, centred in the
+  // tray's slot. The centre may lie between two pixels.
   [[nodiscard]] bool isDocked(int scale) {
     const auto room = test_support::waitForWindow(display_.name(), isDockedIcon);
     if (!room) return false;
@@ -192,7 +192,7 @@ class TrayOnTwoScreens : public testing::TestWithParam<Scales>,
   [[nodiscard]] bool isPicture(const XPicture& shown, int scale) const {
     const QImage wanted(
         QString::fromStdString(agentContents() + "/Resources/mount on" + (scale > 1 ? "@2x.png" : ".png")));
-    // A corner that the picture leaves bare.
+    // A corner that the picture does not cover.
     const Colour panel = shown.at(0, 0);
     for (int y = 0; y < wanted.height(); ++y) {
       for (int x = 0; x < wanted.width(); ++x) {
@@ -213,7 +213,7 @@ class TrayOnTwoScreens : public testing::TestWithParam<Scales>,
   test_support::ChildProcess tray_;
 };
 
-TEST_P(TrayOnTwoScreens, OnThePrimaryScreenShowsTheIconPixelByPixel) {
+TEST_P(TrayOnTwoScreens, ShowsUnscaledIconOnPrimaryScreen) {
   startTray("0");
   launchAgent();
   EXPECT_TRUE(test_support::waitUntil([&] { return isDocked(GetParam().first); }));
@@ -221,10 +221,10 @@ TEST_P(TrayOnTwoScreens, OnThePrimaryScreenShowsTheIconPixelByPixel) {
 
 INSTANTIATE_TEST_SUITE_P(, TrayOnTwoScreens, testing::Values(Scales{1, 2}, Scales{2, 1}, Scales{2, 2}));
 
-// A tray sizes the icon's slot for the scale of the primary screen.
+// The tray sizes the icon's slot for the scale of the primary screen.
 class TrayOnTheCoarserScreen : public TrayOnTwoScreens {};
 
-TEST_P(TrayOnTheCoarserScreen, ShowsTheIconPixelByPixel) {
+TEST_P(TrayOnTheCoarserScreen, ShowsUnscaledIcon) {
   startTray("1");
   launchAgent();
   EXPECT_TRUE(test_support::waitUntil([&] { return isDocked(GetParam().second); }));

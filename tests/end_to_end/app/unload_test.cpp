@@ -21,8 +21,8 @@ constexpr const char* kRootChangeLogged = "log 6: filestreamcallback event flag 
 
 const std::string signalRun = std::string("run: systemctl --user kill --kill-whom=main -s TERM ") + kUnit;
 
-// The agent as the session's manager starts it, with its own launchctl, whose question to the manager ends in
-// a signal.
+// The agent as the session's service manager starts it, with the real launchctl, which asks the manager for a
+// signal.
 class UnloadTest : public NoticeTest {
  protected:
   void SetUp() override {
@@ -32,8 +32,8 @@ class UnloadTest : public NoticeTest {
     installAnew();
   }
 
-  // Leads a life until launchctl has let systemctl come to its end, for which it has a second: a busy machine
-  // may be slower now and then.
+  // Runs a session until launchctl was not cut off before systemctl ended: it waits one second for it, which
+  // a busy machine may exceed.
   void leadALife(const std::function<void()>& life) {
     for (int i = 0; i < 5; ++i) {
       ASSERT_NO_FATAL_FAILURE(life());
@@ -45,7 +45,7 @@ class UnloadTest : public NoticeTest {
     FAIL() << "systemctl never comes to its end";
   }
 
-  // Knows the number of the main process before that runs its first line, as the manager does.
+  // Writes the PID of the main process before that runs, as the service manager knows it.
   void startInSession() {
     ChildOptions options;
     options.environment = environment_;
@@ -100,7 +100,7 @@ class UnloadTest : public NoticeTest {
   const std::string signalled_ = std::string(kSession) + "/signalled";
 };
 
-TEST_F(UnloadTest, TheLossOfTheBundleEndsTheAgentOnce) {
+TEST_F(UnloadTest, LossOfBundleEndsAgentOnce) {
   ASSERT_NO_FATAL_FAILURE(leadALife([this] {
     launchInSession();
     fs::rename(bundle_, bundle_ + " old");
@@ -110,18 +110,18 @@ TEST_F(UnloadTest, TheLossOfTheBundleEndsTheAgentOnce) {
   EXPECT_THAT(texts(), ElementsAre(kRootChangeLogged, signalRun, killRun));
 }
 
-TEST_F(UnloadTest, QuitEndsTheAgentOnce) {
+TEST_F(UnloadTest, QuitEndsAgentOnce) {
   ASSERT_NO_FATAL_FAILURE(leadALife([this] {
     launchInSession();
     ASSERT_TRUE(host_.click("Quit Tovalin"));
     static_cast<void>(endOfAgent());
   }));
-  // The menu's line leaves one, and the end another.
+  // The menu's Quit writes one, and the end another.
   expectProperEnd(2);
   EXPECT_THAT(texts(), ElementsAre(killRun, "pipe: -toff", signalRun, killRun));
 }
 
-TEST_F(UnloadTest, ALaunchThatIsNotWantedIsFinishedAndEndsTheAgentOnce) {
+TEST_F(UnloadTest, UnwantedLaunchCompletesAndEndsAgentOnce) {
   ASSERT_NO_FATAL_FAILURE(leadALife([this] {
     writeProperties({.autorun = false});
     startInSession();
@@ -135,7 +135,7 @@ TEST_F(UnloadTest, ALaunchThatIsNotWantedIsFinishedAndEndsTheAgentOnce) {
   EXPECT_EQ(count(killRun), 1);
 }
 
-TEST_F(UnloadTest, TheSignalledUnitIsTheOneThatIsMadeFromThePackagedEntry) {
+TEST_F(UnloadTest, SignalledUnitIsGeneratedFromPackagedEntry) {
   if (!fs::exists(kGenerator)) GTEST_SKIP() << "no " << kGenerator;
   const std::string session = kSession, units = session + "/units";
   fs::create_directories(units);

@@ -17,7 +17,7 @@ using testing::Pair;
 
 constexpr const char* versionPath = "/product/nimba/binary/tovalin_recent_version_info.xml";
 
-// A list whose version is newer than the agent's, with `rest` behind it.
+// Returns a list with a newer version than the agent's, followed by `rest`.
 std::string listWith(const std::string& rest) {
   return "<plist version=\"1.0\"><dict><key>version</key><string>99.0.0</string>" + rest + "</dict></plist>";
 }
@@ -30,7 +30,7 @@ std::string repeated(const std::string& text, int count) {
 
 class UpdateCheck : public InstalledAgentTest {
  protected:
-  // How often the notification helper is told of an update when the server has this list.
+  // Returns how often the agent runs the notification helper if the server has this list.
   [[nodiscard]] int noticesAfter(const std::string& list) {
     ProductServerDouble server;
     server.put(versionPath, list);
@@ -42,7 +42,7 @@ class UpdateCheck : public InstalledAgentTest {
     return count("run: open");
   }
 
-  // How long a launch takes over it; it finds no update.
+  // Returns how long the version check of a launch takes; it finds no update.
   [[nodiscard]] std::chrono::steady_clock::duration timeOfTheCheck() {
     timeline_.clear();
     launchAgent();
@@ -53,7 +53,7 @@ class UpdateCheck : public InstalledAgentTest {
   }
 };
 
-TEST_F(UpdateCheck, AsksForAListFromNoStoreOnTheWay) {
+TEST_F(UpdateCheck, RequestBypassesCaches) {
   ProductServerDouble server;
   setServers(server.origin());
   launchAgent();
@@ -61,18 +61,18 @@ TEST_F(UpdateCheck, AsksForAListFromNoStoreOnTheWay) {
   EXPECT_THAT(server.requests()[0].headers, Contains(Pair("Cache-Control", "no-cache")));
 }
 
-TEST_F(UpdateCheck, WithoutAWayToTheServerTheLaunchWaitsForNothing) {
+TEST_F(UpdateCheck, UnreachableServerDelaysLaunchLessThanTwoSeconds) {
   for (const char* server : {"http://192.0.2.1", "http://[2001:db8::1]", "http://nobody.example", kNobody}) {
     setServers(server);
     auto shortest = std::chrono::steady_clock::duration::max();
-    // A busy machine may hold up one launch or another.
+    // Up to five launches, because a busy machine may delay one.
     for (int i = 0; i < 5 && shortest >= std::chrono::seconds(2); ++i)
       shortest = std::min(shortest, timeOfTheCheck());
     EXPECT_LT(shortest, std::chrono::seconds(2)) << server;
   }
 }
 
-TEST_F(UpdateCheck, DamagedListTellsOfNoUpdate) {
+TEST_F(UpdateCheck, DamagedListIsNoUpdate) {
   const std::string whole = listWith("");
   EXPECT_EQ(noticesAfter(whole), 1);
   const std::map<std::string, std::string> damaged{
@@ -88,7 +88,7 @@ TEST_F(UpdateCheck, DamagedListTellsOfNoUpdate) {
   for (const auto& [damage, body] : damaged) EXPECT_EQ(noticesAfter(body), 0) << damage;
 }
 
-TEST_F(UpdateCheck, ListBeyondWhatAReplyMayTakeTellsOfNoUpdate) {
+TEST_F(UpdateCheck, OversizedListIsNoUpdate) {
   const std::string list = listWith("");
   EXPECT_EQ(noticesAfter(list + std::string(std::size_t{1} << 19, ' ')), 1);
   EXPECT_EQ(noticesAfter(list + std::string((std::size_t{16} << 20) + 1 - list.size(), ' ')), 0);

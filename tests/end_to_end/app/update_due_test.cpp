@@ -11,7 +11,7 @@ using test_support::ExitStatus;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// The server has a newer version.
+// The server offers a newer version.
 class UpdateDue : public AgentTest {
  protected:
   void installWithNewerVersion(const std::string& path) {
@@ -23,7 +23,7 @@ class UpdateDue : public AgentTest {
   test_support::ProductServerDouble server_;
 };
 
-TEST_F(UpdateDue, ABundlePathWithABlankWorksAndItsCommandsStandAsTheyAre) {
+TEST_F(UpdateDue, BundlePathWithBlankIsQuotedInCommands) {
   installWithNewerVersion("/tmp/My Applications/Tovalin.app");
   launchAgent();
   EXPECT_EQ(count("log 3: Tovalin working path [/tmp/My Applications/Tovalin.app]"), 1);
@@ -34,7 +34,7 @@ TEST_F(UpdateDue, ABundlePathWithABlankWorksAndItsCommandsStandAsTheyAre) {
   EXPECT_EQ(run->arguments[2], "Applications/Tovalin.app/Contents/Resources/tovalinnotification.app");
 }
 
-TEST_F(UpdateDue, TheNotificationHelperIsToldOnceBeforeTheMainApplication) {
+TEST_F(UpdateDue, NotificationHelperRunsOnceBeforeMessage) {
   installWithNewerVersion("/tmp/Applications/Tovalin.app");
   launchAgent();
   const auto run = timeline_.waitFor("run: open");
@@ -48,7 +48,7 @@ TEST_F(UpdateDue, TheNotificationHelperIsToldOnceBeforeTheMainApplication) {
   EXPECT_LT(position("run: open"), position("pipe: -ton"));
 }
 
-// A path of so many bytes to the main application's bundle.
+// Returns a path of `length` bytes for the main application's bundle.
 std::string pathOfLength(std::size_t length) {
   const std::string start = "/tmp/", end = "/Tovalin.app";
   std::string folders;
@@ -64,14 +64,14 @@ std::string pathOfLength(std::size_t length) {
   return start + folders + end;
 }
 
-TEST_F(UpdateDue, ABundlePathOf404BytesIsTold) {
+TEST_F(UpdateDue, BundlePathOf404BytesIsNotified) {
   installWithNewerVersion(pathOfLength(404));
   ASSERT_EQ(bundle_.size(), 404u);
   launchAgent();
   EXPECT_EQ(count("run: open"), 1);
 }
 
-TEST_F(UpdateDue, ABundlePathOf405BytesEndsTheAgentWithAMessage) {
+TEST_F(UpdateDue, BundlePathOf405BytesEndsAgentWithMessage) {
   installWithNewerVersion(pathOfLength(405));
   ASSERT_EQ(bundle_.size(), 405u);
   startAgent();
@@ -82,13 +82,13 @@ TEST_F(UpdateDue, ABundlePathOf405BytesEndsTheAgentWithAMessage) {
   EXPECT_EQ(count("pipe: "), 0);
 }
 
-TEST_F(UpdateDue, APathOf405BytesIsNoMatterWhenNoUpdateIsDue) {
+TEST_F(UpdateDue, BundlePathOf405BytesRunsWithoutUpdate) {
   install(pathOfLength(405));
   launchAgent();
   EXPECT_EQ(count("log 3: Tovalin working path [" + bundle_ + "]"), 1);
 }
 
-TEST_F(UpdateDue, APathBeyondThePathBufferEndsTheAgentWithAMessage) {
+TEST_F(UpdateDue, BundlePathBeyondBufferEndsAgentWithMessage) {
   install(pathOfLength(1024));
   startAgent();
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});

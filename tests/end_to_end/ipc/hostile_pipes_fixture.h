@@ -28,7 +28,7 @@ class HostilePipes : public testing::Test,
     removePipe();
     setUpAgent();
     if (HasFatalFailure()) return;
-    // The time line listens at the command pipe; here it hears the log and the commands alone.
+    // Removes the timeline's command pipe; the timeline still records the log and the commands.
     std::filesystem::remove_all(commandPipe);
     std::filesystem::remove_all(planted);
     install("/tmp/Applications/Tovalin.app");
@@ -43,7 +43,7 @@ class HostilePipes : public testing::Test,
     startAgent();
     ASSERT_TRUE(host_.waitForEvent("registered")) << agent_.takeErrorOutput();
   }
-  // ... whose notification pipe is its own.
+  // Starts an agent that creates its own notification pipe.
   void startAndListen() {
     start();
     ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));

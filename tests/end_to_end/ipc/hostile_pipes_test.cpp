@@ -25,7 +25,7 @@ FileDescriptor socketAt(const std::string& path) {
   return socket;
 }
 
-TEST_F(HostilePipes, ACommandPipeThatIsALinkToAFileHasTheFilesFirstBytesOverwritten) {
+TEST_F(HostilePipes, CommandPipeLinkedToFileOverwritesFirstBytes) {
   std::ofstream(planted) << "0123456789";
   fs::create_symlink(planted, commandPipe);
   startAndListen();
@@ -34,7 +34,7 @@ TEST_F(HostilePipes, ACommandPipeThatIsALinkToAFileHasTheFilesFirstBytesOverwrit
   EXPECT_EQ(contentsOf(planted), "-toff56789");
 }
 
-TEST_F(HostilePipes, ACommandPipeThatIsADanglingLinkMakesNothing) {
+TEST_F(HostilePipes, CommandPipeLinkedToMissingFileCreatesNothing) {
   fs::create_symlink(planted, commandPipe);
   startAndListen();
   EXPECT_TRUE(waitForText("log 3: open pipe failed. errno : 2"));
@@ -42,7 +42,7 @@ TEST_F(HostilePipes, ACommandPipeThatIsADanglingLinkMakesNothing) {
   EXPECT_FALSE(fs::exists(planted));
 }
 
-TEST_F(HostilePipes, ACommandPipeThatIsALinkToAFolderLeavesTheFolder) {
+TEST_F(HostilePipes, CommandPipeLinkedToFolderLeavesFolderUnchanged) {
   fs::create_directory(planted);
   fs::create_symlink(planted, commandPipe);
   startAndListen();
@@ -51,21 +51,21 @@ TEST_F(HostilePipes, ACommandPipeThatIsALinkToAFolderLeavesTheFolder) {
   EXPECT_TRUE(fs::is_empty(planted));
 }
 
-TEST_F(HostilePipes, ACommandPipeThatIsADeviceTakesTheMessage) {
+TEST_F(HostilePipes, CommandPipeLinkedToDeviceAcceptsMessage) {
   fs::create_symlink("/dev/null", commandPipe);
   startAndListen();
   EXPECT_EQ(count("log 3: open pipe failed"), 0);
   expectNoticesAndAProperEnd();
 }
 
-TEST_F(HostilePipes, ACommandPipeThatIsAFullDeviceIsAWriteErrorAndNoMore) {
+TEST_F(HostilePipes, CommandPipeLinkedToFullDeviceIsWriteError) {
   fs::create_symlink("/dev/full", commandPipe);
   startAndListen();
   EXPECT_TRUE(waitForText("log 3: write error. errno : 28"));
   expectNoticesAndAProperEnd();
 }
 
-TEST_F(HostilePipes, ACommandPipeThatIsASocketIsToldAndLeftAlone) {
+TEST_F(HostilePipes, CommandPipeReplacedBySocketIsLoggedAndLeftAlone) {
   const FileDescriptor socket = socketAt(commandPipe);
   ASSERT_TRUE(socket.valid());
   ASSERT_EQ(::listen(socket.get(), 1), 0);
@@ -77,7 +77,7 @@ TEST_F(HostilePipes, ACommandPipeThatIsASocketIsToldAndLeftAlone) {
   EXPECT_EQ(modeOf(commandPipe), mode);
 }
 
-TEST_F(HostilePipes, ACommandPipeOnAFullDiskIsAWriteErrorAndNoMore) {
+TEST_F(HostilePipes, CommandPipeOnFullDiskIsWriteError) {
   fs::create_directory(planted);
   ASSERT_EQ(::mount("tmpfs", planted, "tmpfs", 0, "size=4k"), 0);
   std::ofstream(std::string(planted) + "/filler") << std::string(1 << 16, 'x');
@@ -91,7 +91,7 @@ TEST_F(HostilePipes, ACommandPipeOnAFullDiskIsAWriteErrorAndNoMore) {
   EXPECT_EQ(::umount(planted), 0);
 }
 
-TEST_F(HostilePipes, ACommandPipeWhoseReaderNeverReadsCostsOnlyTheMessages) {
+TEST_F(HostilePipes, CommandPipeWithoutActiveReaderLosesOnlyMessages) {
   ASSERT_EQ(::mkfifo(commandPipe, 0666), 0);
   const FileDescriptor pipe(::open(commandPipe, O_RDWR | O_NONBLOCK | O_CLOEXEC));
   const std::string block(4096, '.');
@@ -104,7 +104,7 @@ TEST_F(HostilePipes, ACommandPipeWhoseReaderNeverReadsCostsOnlyTheMessages) {
   expectNoticesAndAProperEnd();
 }
 
-TEST_F(HostilePipes, ANotificationPipeThatIsALinkToAFileReadsItOpensItToAllAndTakesTheLinkAway) {
+TEST_F(HostilePipes, NotificationPipeLinkedToFileIsReadMadeAccessibleAndUnlinked) {
   std::ofstream(planted) << "-non";
   fs::permissions(planted, fs::perms::owner_read);
   fs::create_symlink(planted, pipePath);
@@ -116,7 +116,7 @@ TEST_F(HostilePipes, ANotificationPipeThatIsALinkToAFileReadsItOpensItToAllAndTa
   EXPECT_EQ(contentsOf(planted), "-non");
 }
 
-TEST_F(HostilePipes, ANotificationPipeThatIsADanglingLinkIsToldAndMakesNothing) {
+TEST_F(HostilePipes, NotificationPipeLinkedToMissingFileIsLoggedAndCreatesNothing) {
   fs::create_symlink(planted, pipePath);
   start();
   EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] make pipe failed. errno : 17"));
@@ -126,7 +126,7 @@ TEST_F(HostilePipes, ANotificationPipeThatIsADanglingLinkIsToldAndMakesNothing) 
   expectAProperEnd();
 }
 
-TEST_F(HostilePipes, ANotificationPipeThatIsALinkToAFolderLeavesWhatIsInIt) {
+TEST_F(HostilePipes, NotificationPipeLinkedToFolderKeepsItsContents) {
   fs::create_directory(planted);
   std::ofstream(std::string(planted) + "/file") << "-non";
   fs::create_symlink(planted, pipePath);
@@ -138,7 +138,7 @@ TEST_F(HostilePipes, ANotificationPipeThatIsALinkToAFolderLeavesWhatIsInIt) {
   EXPECT_EQ(modeOf(planted), 0666u);
 }
 
-TEST_F(HostilePipes, ANotificationPipeThatIsARegularFileIsOpenedToAllAndDeletedByQuit) {
+TEST_F(HostilePipes, NotificationPipeReplacedByFileIsReadAndDeletedByQuit) {
   std::ofstream(pipePath) << "-non";
   fs::permissions(pipePath, fs::perms::owner_read);
   start();
@@ -149,7 +149,7 @@ TEST_F(HostilePipes, ANotificationPipeThatIsARegularFileIsOpenedToAllAndDeletedB
   EXPECT_FALSE(fs::exists(pipePath));
 }
 
-TEST_F(HostilePipes, ANotificationPipeThatIsAnEmptyFolderIsRemovedByQuit) {
+TEST_F(HostilePipes, NotificationPipeReplacedByEmptyFolderIsRemovedByQuit) {
   fs::create_directory(pipePath);
   start();
   EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
@@ -158,7 +158,7 @@ TEST_F(HostilePipes, ANotificationPipeThatIsAnEmptyFolderIsRemovedByQuit) {
   EXPECT_FALSE(fs::exists(pipePath));
 }
 
-TEST_F(HostilePipes, ANotificationPipeThatIsAFolderWithSomethingInItStaysClosedToThoseWhoWouldEnterIt) {
+TEST_F(HostilePipes, NotificationPipeReplacedByNonEmptyFolderStaysInaccessible) {
   fs::create_directory(pipePath);
   const std::string file = std::string(pipePath) + "/file";
   std::ofstream(file) << "-non";
@@ -169,7 +169,7 @@ TEST_F(HostilePipes, ANotificationPipeThatIsAFolderWithSomethingInItStaysClosedT
   EXPECT_EQ(contentsOf(file), "-non");
 }
 
-TEST_F(HostilePipes, ANotificationPipeThatIsASocketIsToldAndRemovedAtOnce) {
+TEST_F(HostilePipes, NotificationPipeReplacedBySocketIsLoggedAndRemovedAtOnce) {
   const FileDescriptor socket = socketAt(pipePath);
   ASSERT_TRUE(socket.valid());
   start();
@@ -178,8 +178,8 @@ TEST_F(HostilePipes, ANotificationPipeThatIsASocketIsToldAndRemovedAtOnce) {
   expectAProperEnd();
 }
 
-// Each read gives something at once, for ever.
-TEST_F(HostilePipes, ANotificationPipeThatIsADeviceWithoutEndFloodsNothing) {
+// Every read of these devices succeeds at once.
+TEST_F(HostilePipes, NotificationPipeLinkedToEndlessDeviceIsReadAtLimitedRate) {
   for (const char* device : {"/dev/zero", "/dev/null"}) {
     fs::remove(pipePath);
     fs::create_symlink(device, pipePath);
@@ -188,15 +188,16 @@ TEST_F(HostilePipes, ANotificationPipeThatIsADeviceWithoutEndFloodsNothing) {
     timeline_.clear();
     const auto begin = std::chrono::steady_clock::now();
     ASSERT_TRUE(waitUntil([&] { return count("log 6: read_pipe read pipe message : ") >= 10; }));
-    // Ten reads take ten wait times of 30 ms.
+    // Ten reads take ten timeouts of 30 ms.
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 250ms) << device;
     expectAProperEnd();
     host_.clearEvents();
   }
 }
 
-// Whoever holds the terminal's other end could otherwise end an agent that leads a session, by hanging up.
-TEST_F(HostilePipes, ANotificationPipeThatIsALinkToATerminalDoesNotMakeItTheAgentsOwn) {
+// A controlling terminal could end an agent that is a session leader: its other end sends SIGHUP by hanging
+// up.
+TEST_F(HostilePipes, NotificationPipeLinkedToTerminalBecomesNoControllingTerminal) {
   ASSERT_EQ(::mount("devpts", "/dev/pts", "devpts", 0, "newinstance,ptmxmode=0666"), 0);
   FileDescriptor otherEnd(::open("/dev/pts/ptmx", O_RDWR | O_NOCTTY | O_CLOEXEC));
   ASSERT_EQ(::unlockpt(otherEnd.get()), 0);
@@ -211,7 +212,7 @@ TEST_F(HostilePipes, ANotificationPipeThatIsALinkToATerminalDoesNotMakeItTheAgen
   EXPECT_EQ(::umount2("/dev/pts", MNT_DETACH), 0);
 }
 
-TEST_F(HostilePipes, APipeThatIsReplacedInMidRunIsLeftToWhoeverReplacedItUntilTheEnd) {
+TEST_F(HostilePipes, NotificationPipeReplacedDuringRunIsLeftAloneUntilEnd) {
   startAndListen();
   fs::remove(pipePath);
   ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
@@ -226,13 +227,13 @@ TEST_F(HostilePipes, APipeThatIsReplacedInMidRunIsLeftToWhoeverReplacedItUntilTh
   EXPECT_FALSE(fs::exists(pipePath));
 }
 
-// Room for so many files in /tmp, or without a limit.
+// Limits the number of files in /tmp; 0 removes the limit.
 bool limitFiles(std::uint64_t count) {
   const std::string options = "mode=1777,size=512m,nr_inodes=" + std::to_string(count);
   return ::mount("tmpfs", "/tmp", "tmpfs", MS_REMOUNT, options.c_str()) == 0;
 }
 
-TEST_F(HostilePipes, WithoutRoomForOneMoreFileTheAgentTellsWhatIsMissingAndItsMenuWorks) {
+TEST_F(HostilePipes, FullFileSystemIsReportedAndMenuWorks) {
   struct statvfs room {};
   ASSERT_EQ(::statvfs("/tmp", &room), 0);
   ASSERT_TRUE(limitFiles(room.f_files - room.f_ffree));

@@ -17,24 +17,24 @@ namespace {
 
 using test_support::waitUntil;
 
-// What comes through the pipe, who writes it, and what stands in the pipe's place.
+// The contents of the pipe, its writers, and other kinds of file at its path.
 using Notice = NoticeTest;
 
-TEST_F(Notice, TwoCommandsInOneReadAreOneUnknownText) {
+TEST_F(Notice, TwoCommandsInOneReadAreUnknown) {
   launch();
   send("-non-noff");
   EXPECT_TRUE(waitForText("log 3: unknown command -non-noff"));
   EXPECT_TRUE(hides(isAccessNotice));
 }
 
-TEST_F(Notice, OfTwoCommandsWithANulBetweenOnlyTheFirstIsActedOn) {
+TEST_F(Notice, TextAfterNulIsIgnored) {
   launch();
   send(std::string("-non\0-noff", 10));
   EXPECT_TRUE(shows(isAccessNotice));
   EXPECT_EQ(count("log 3: "), 0);
 }
 
-TEST_F(Notice, AThousandAndTwentyFourBytesWithoutANulAreOneUnknownText) {
+TEST_F(Notice, FullBufferWithoutNulIsUnknown) {
   launch();
   send(std::string(1024, 'x'));
   const auto entry = timeline_.waitFor("log 3: unknown command xxx");
@@ -42,7 +42,7 @@ TEST_F(Notice, AThousandAndTwentyFourBytesWithoutANulAreOneUnknownText) {
   EXPECT_LE(entry->text.size(), 1024 + std::string("log 3: unknown command ").size());
 }
 
-TEST_F(Notice, BytesThatAreNoTextAreAnUnknownCommand) {
+TEST_F(Notice, BinaryDataIsUnknown) {
   launch();
   send("\xff\xfe\x01\x80%s%n");
   EXPECT_TRUE(waitForText("log 3: unknown command "));
@@ -50,7 +50,7 @@ TEST_F(Notice, BytesThatAreNoTextAreAnUnknownCommand) {
   EXPECT_TRUE(shows(isAccessNotice));
 }
 
-TEST_F(Notice, AMegabyteOfNoiseIsSurvived) {
+TEST_F(Notice, SurvivesMegabyteOfNoise) {
   launch();
   {
     const test_support::FileDescriptor pipe(::open(pipePath, O_WRONLY | O_CLOEXEC));
@@ -71,7 +71,7 @@ TEST_F(Notice, AMegabyteOfNoiseIsSurvived) {
   EXPECT_TRUE(shows(isAccessNotice));
 }
 
-TEST_F(Notice, ThePipeCanBeWrittenByAllWhateverTheUmask) {
+TEST_F(Notice, PipeIsWorldWritableRegardlessOfUmask) {
   const mode_t before = ::umask(0077);
   launch();
   ::umask(before);
@@ -80,7 +80,7 @@ TEST_F(Notice, ThePipeCanBeWrittenByAllWhateverTheUmask) {
   EXPECT_EQ(status.st_mode & 0777, 0666u);
 }
 
-TEST_F(Notice, AMessageThatWaitsWhenTheListenerOpensIsActedOnAtOnce) {
+TEST_F(Notice, MessagePendingAtOpenIsHandledAtOnce) {
   ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
   const test_support::FileDescriptor pipe(::open(pipePath, O_RDWR | O_CLOEXEC));
   ASSERT_EQ(::write(pipe.get(), "-non", 4), 4);
@@ -89,26 +89,26 @@ TEST_F(Notice, AMessageThatWaitsWhenTheListenerOpensIsActedOnAtOnce) {
   EXPECT_TRUE(shows(isAccessNotice));
 }
 
-TEST_F(Notice, ARegularFileIsReadAsCommands) {
+TEST_F(Notice, RegularFileIsReadAsCommands) {
   std::ofstream(pipePath) << "-non";
   launchAgent();
   EXPECT_TRUE(shows(isAccessNotice));
   EXPECT_TRUE(std::filesystem::is_regular_file(pipePath));
 }
 
-TEST_F(Notice, AFolderInItsPlaceIsToldAndFloodsNothing) {
+TEST_F(Notice, FolderIsLoggedAndReadAtLimitedRate) {
   std::filesystem::create_directory(pipePath);
   launchAgent();
   ASSERT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
   timeline_.clear();
   const auto start = std::chrono::steady_clock::now();
   ASSERT_TRUE(waitUntil([&] { return count("log 3: read_pipe read error") >= 10; }));
-  // Ten reads take ten wait times of 30 ms.
+  // Ten reads take ten timeouts of 30 ms.
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(250));
   EXPECT_TRUE(agent_.running());
 }
 
-TEST_F(Notice, ARegularFileThatWasReadToItsEndIsLeftInPeaceUntilItGrows) {
+TEST_F(Notice, RegularFileAtItsEndIsReadAgainWhenItGrows) {
   std::ofstream(pipePath) << "-non";
   launchAgent();
   ASSERT_TRUE(shows(isAccessNotice));
@@ -118,7 +118,7 @@ TEST_F(Notice, ARegularFileThatWasReadToItsEndIsLeftInPeaceUntilItGrows) {
   EXPECT_TRUE(hides(isAccessNotice));
 }
 
-TEST_F(Notice, AConnectedWriterThatSaysNothingAtTheStartIsAnEmptyUnknownCommand) {
+TEST_F(Notice, SilentWriterAtStartIsUnknownEmptyCommand) {
   ASSERT_EQ(::mkfifo(pipePath, 0600), 0);
   const test_support::FileDescriptor pipe(::open(pipePath, O_RDWR | O_CLOEXEC));
   launchAgent();
@@ -127,15 +127,15 @@ TEST_F(Notice, AConnectedWriterThatSaysNothingAtTheStartIsAnEmptyUnknownCommand)
             position("log 3: unknown command "));
 }
 
-TEST_F(Notice, APipeThatMayNoLongerBeReadGoesOnServing) {
+TEST_F(Notice, PipeWithoutReadPermissionKeepsWorking) {
   launch();
   ASSERT_EQ(::chmod(pipePath, 0), 0);
-  // This process may still write; the listener holds its end open.
+  // The permissions still allow writing, and the listener has the pipe open.
   send("-non");
   EXPECT_TRUE(shows(isAccessNotice));
 }
 
-TEST_F(Notice, WritersThatDoNotWaitMergeTextsAndNothingWorse) {
+TEST_F(Notice, ConcurrentWritersOnlyMergeTexts) {
   launch();
   {
     std::vector<std::jthread> writers;
@@ -146,7 +146,7 @@ TEST_F(Notice, WritersThatDoNotWaitMergeTextsAndNothingWorse) {
       });
     }
   }
-  // Whatever came of it, the pipe serves on: at the end both notices can be had and taken away.
+  // The pipe still works: both notices can be shown and hidden.
   for (const char* message : {"-noff", "-neoff", "-non", "-neon"}) send(message);
   EXPECT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
   for (const char* message : {"-neoff", "-noff"}) send(message);
@@ -154,8 +154,8 @@ TEST_F(Notice, WritersThatDoNotWaitMergeTextsAndNothingWorse) {
   EXPECT_TRUE(hides(isLoadingNotice));
 }
 
-TEST_F(Notice, APlaceWhereNothingCanBeMadeIsToldAndTheListenerEnds) {
-  // A link whose end lies in a folder that isn't there: nothing to find, nothing to make.
+TEST_F(Notice, PathWherePipeCannotBeCreatedIsLoggedAndEndsListener) {
+  // The link's target is in a missing folder: the path neither exists nor can be created.
   std::filesystem::create_symlink("/tmp/no such folder/pipe", pipePath);
   launchAgent();
   EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] make pipe failed. errno : 17"));
@@ -164,7 +164,7 @@ TEST_F(Notice, APlaceWhereNothingCanBeMadeIsToldAndTheListenerEnds) {
   terminateAgent();
 }
 
-TEST_F(Notice, ARemovedPipeIsNotMadeAgainAndTheAgentGoesOn) {
+TEST_F(Notice, RemovedPipeIsNotRecreatedAndAgentRunsOn) {
   launch();
   std::filesystem::remove(pipePath);
   ASSERT_TRUE(host_.start(bus_));
@@ -174,11 +174,11 @@ TEST_F(Notice, ARemovedPipeIsNotMadeAgainAndTheAgentGoesOn) {
   EXPECT_FALSE(std::filesystem::exists(pipePath));
 }
 
-TEST_F(Notice, AfterTheLastWriterHasLeftTheListenerOnlyWaits) {
+TEST_F(Notice, ListenerIsIdleAfterLastWriterCloses) {
   launch();
   send("hello");
   timeline_.clear();
-  // How often each thread has waited so far.
+  // Returns the number of voluntary context switches of each thread.
   const auto waits = [&] {
     std::map<std::string, long> counts;
     const std::filesystem::directory_iterator threads("/proc/" + std::to_string(agent_.pid()) + "/task");
@@ -194,7 +194,7 @@ TEST_F(Notice, AfterTheLastWriterHasLeftTheListenerOnlyWaits) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(timeline_.waitFor("log", std::chrono::milliseconds(1000)));
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  // The listener is the busiest of the threads of an agent that has nothing to do.
+  // The listener has more of them than the other threads of an idle agent.
   long most = 0;
   for (const auto& [thread, count] : waits()) most = std::max(most, count - before[thread]);
   const double aSecond = static_cast<double>(most) / seconds.count();
@@ -202,8 +202,8 @@ TEST_F(Notice, AfterTheLastWriterHasLeftTheListenerOnlyWaits) {
   EXPECT_GE(aSecond, 5) << "the listener does not wait in steps of 30 ms";
 }
 
-// Each waits for its turn, and sends only when the message before it has been read.
-TEST_F(Notice, A150MessagesOfThreeWritersAreEachActedOnOrDropped) {
+// Each writer takes turns and sends only after the previous message was read.
+TEST_F(Notice, MessagesOfThreeWritersAreHandledOrDropped) {
   launch();
   const char* const messages[] = {"-non", "-noff", "-neon", "-neoff", "bad"};
   const auto messageNumber = [&](int i) { return messages[(i * 7 + i / 3) % 5]; };

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-// The command pipe, out of the way for as long as the object lives.
+// Renames the command pipe, and restores it in the destructor.
 class PipeAway {
  public:
   PipeAway() { std::filesystem::rename(kPipe, kAway); }
@@ -12,7 +12,7 @@ class PipeAway {
   PipeAway& operator=(const PipeAway&) = delete;
   ~PipeAway() { std::filesystem::rename(kAway, kPipe); }
 
-  // Another in its place, which nobody reads.
+  // Creates another pipe at the path, without a reader.
   [[nodiscard]] static bool putUnread() { return ::mkfifo(kPipe, 0666) == 0; }
 
  private:

@@ -20,8 +20,8 @@ using namespace std::string_literals;
 using test_support::FileDescriptor;
 using test_support::waitUntil;
 
-// In kilobytes; the address sanitizer keeps freed memory, up to a quarter of a gigabyte, and the thread
-// sanitizer books of each thread's past.
+// In kilobytes. The address sanitizer retains up to 256 MiB of freed memory, and the thread sanitizer a
+// history of each thread.
 constexpr long mostGrowth(long usual) {
   if (test_support::isAddressSanitized) return 300L * 1024;
   return test_support::isThreadSanitized ? usual + 32L * 1024 : usual;
@@ -29,11 +29,11 @@ constexpr long mostGrowth(long usual) {
 constexpr long kMostGrowth = mostGrowth(1024);
 constexpr long kMostGrowthWithNotices = mostGrowth(4096);
 
-// The longest that a record keeps.
+// As long as a record can hold.
 const std::string deviceName(63, 'x');
 const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0"s + deviceName;
 
-// Writes a message as long as one read, so that the next message is not read with it. Returns false if the
+// Pads a message to the size of one read, so that the next message is read separately. Returns false if the
 // pipe is full.
 bool writeWholeRead(const FileDescriptor& pipe, std::string text) {
   text.resize(1024, '\0');
@@ -44,7 +44,7 @@ FileDescriptor openPipe() {
   return FileDescriptor(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
 }
 
-// Writes these messages in turn into the notification pipe, as fast as it takes them.
+// Writes these messages in turn into the notification pipe, as fast as the agent reads.
 class Flood {
  public:
   explicit Flood(std::vector<std::string> messages) : messages_(std::move(messages)) {}
@@ -60,7 +60,7 @@ class Flood {
 
  private:
   void run(const std::stop_token& stop) {
-    // The reader may leave while the flood comes.
+    // The reader may close the pipe during the flood.
     sigset_t broken;
     sigemptyset(&broken);
     sigaddset(&broken, SIGPIPE);
@@ -82,13 +82,13 @@ class Flood {
   std::jthread thread_{[this](const std::stop_token& stop) { run(stop); }};
 };
 
-// One message beside those of others, without the wait until it was read.
+// Writes one message during the flood; does not wait until it is read.
 void writeInFlood(const std::string& text) {
   const FileDescriptor pipe = openPipe();
   EXPECT_TRUE(waitUntil([&] { return writeWholeRead(pipe, text); }));
 }
 
-// A neighbour who writes into the notification pipe without a pause.
+// Another local user writes into the notification pipe without pause.
 class PipeFlood : public HostilePipes {
  protected:
   void showAndHide(const std::string& on, const std::string& off,
@@ -98,7 +98,7 @@ class PipeFlood : public HostilePipes {
     send(off);
     ASSERT_TRUE(hides(notice));
   }
-  // ... with both notices shown once, so that their pictures count as there.
+  // Starts the agent and shows both notices once, so that their pictures are loaded.
   void startWithPictures() {
     startAndListen();
     showAndHide("-non", "-noff", isAccessNotice);
@@ -108,7 +108,7 @@ class PipeFlood : public HostilePipes {
   [[nodiscard]] bool isUp(bool (*notice)(const test_support::XWindow&)) const {
     return test_support::waitForWindow(display_.name(), notice, 0ms).has_value();
   }
-  // Whether the condition becomes true. Meanwhile the log is read and discarded.
+  // Waits for the condition; reads and discards the log meanwhile.
   [[nodiscard]] bool comes(const std::function<bool()>& condition,
                            std::chrono::milliseconds limit = test_support::kPatience) {
     const auto comesTrue = [&] {
@@ -118,8 +118,8 @@ class PipeFlood : public HostilePipes {
     return waitUntil(comesTrue, limit);
   }
 
-  // Floods the pipe for some seconds; what comes behind the flood must be served in the usual time.
-  // Returns how many messages the pipe took.
+  // Floods the pipe for some seconds and expects the message `behind` to be handled in the usual time.
+  // Returns the number of messages that the pipe accepted.
   int floodAndAsk(const std::vector<std::string>& messages, const std::string& behind,
                   bool (*notice)(const test_support::XWindow&)) {
     const long memory = ownMemoryInKilobytes(agent_.pid());
@@ -139,8 +139,8 @@ class PipeFlood : public HostilePipes {
   }
 };
 
-TEST_F(PipeFlood, OfCommandsThatMeanNothingCostsNoMemoryAndNoticesAndMenuServeOn) {
-  // Under the thread sanitizer each takes a hundred times as long.
+TEST_F(PipeFlood, UnknownCommandsCostNoMemoryAndNoticesAndMenuWork) {
+  // Each takes a hundred times as long under the thread sanitizer.
   constexpr int messages = test_support::isThreadSanitized ? 10'000 : 100'000;
   startAndListen();
   showAndHide("-non", "-noff", isAccessNotice);
@@ -163,19 +163,19 @@ TEST_F(PipeFlood, OfCommandsThatMeanNothingCostsNoMemoryAndNoticesAndMenuServeOn
   expectAProperEnd();
 }
 
-TEST_F(PipeFlood, OfAccessNoticesCostsNoMemoryAndShowsTheLoadingNoticeBehindIt) {
+TEST_F(PipeFlood, AccessNoticesCostNoMemoryAndNextLoadingNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-non", "-noff"}, "-neon", isLoadingNotice);
   expectAProperEnd();
 }
 
-TEST_F(PipeFlood, OfLoadingNoticesCostsNoMemoryAndShowsTheAccessNoticeBehindIt) {
+TEST_F(PipeFlood, LoadingNoticesCostNoMemoryAndNextAccessNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-neon", "-neoff"}, "-non", isAccessNotice);
   expectAProperEnd();
 }
 
-TEST_F(PipeFlood, OfNoticesLeavesTheMenuServingItsEndToo) {
+TEST_F(PipeFlood, NoticesKeepMenuAndQuitWorking) {
   startWithPictures();
   Flood flood({"-non", "-noff"});
   ASSERT_TRUE(comes([&] { return flood.hasLasted(1s); }));
@@ -188,7 +188,7 @@ TEST_F(PipeFlood, OfNoticesLeavesTheMenuServingItsEndToo) {
 constexpr const char* mergingLogged =
     "log 3: -[nimbatrayAppDelegate notiThread] 64 notice calls wait for the main thread; merging";
 
-// The main thread is blocked in the command that brings the front application back.
+// The main thread is blocked in the command that activates the front application.
 class BlockedMainThread : public HostilePipes {
  protected:
   void SetUp() override {
@@ -201,19 +201,19 @@ class BlockedMainThread : public HostilePipes {
     send("-neoff");
     ASSERT_TRUE(waitForText("run: osascript"));
   }
-  // Each message in a read of its own.
+  // Writes each message so that it is read separately.
   static void writeAll(const std::vector<std::string>& messages, int times) {
     for (int i = 0; i < times; ++i)
       for (const std::string& message : messages) writeInFlood(message);
   }
-  // The record behind the messages is written while the main thread is still blocked.
+  // Expects that a record after the messages is written while the main thread is still blocked.
   void expectRecordBehindThem() {
     writeInFlood(deviceMessage);
     EXPECT_TRUE(waitUntil([] { return recordsLike("\x3f" + deviceName) == 1; }));
   }
 };
 
-TEST_F(BlockedMainThread, RecordBehindMoreNoticeCommandsThanMayWaitIsWritten) {
+TEST_F(BlockedMainThread, RecordBehindMoreThanMaximumNoticeCommandsIsWritten) {
   writeAll({"-non", "-noff"}, 40);
   expectRecordBehindThem();
   EXPECT_EQ(count(mergingLogged), 1);
@@ -221,7 +221,7 @@ TEST_F(BlockedMainThread, RecordBehindMoreNoticeCommandsThanMayWaitIsWritten) {
   expectAProperEnd();
 }
 
-TEST_F(BlockedMainThread, NoticesEndInTheLastStateRequested) {
+TEST_F(BlockedMainThread, NoticeRequestedLastIsShown) {
   writeAll({"-non", "-noff"}, 40);
   writeInFlood("-non");
   expectRecordBehindThem();
@@ -232,7 +232,7 @@ TEST_F(BlockedMainThread, NoticesEndInTheLastStateRequested) {
   expectNoticesAndAProperEnd();
 }
 
-TEST_F(BlockedMainThread, NoticesAreHiddenWhenThatWasRequestedLast) {
+TEST_F(BlockedMainThread, NoticeHiddenByLastRequestIsHidden) {
   writeInFlood("-non");
   writeAll({"-neon", "-neoff"}, 40);
   writeInFlood("-noff");
@@ -244,7 +244,7 @@ TEST_F(BlockedMainThread, NoticesAreHiddenWhenThatWasRequestedLast) {
   expectAProperEnd();
 }
 
-TEST_F(PipeFlood, OfRecordsWritesEachOfThemAndShowsTheNoticeBehindThem) {
+TEST_F(PipeFlood, EachRecordIsWrittenAndNextNoticeIsShown) {
   startWithPictures();
   const int sent = floodAndAsk({deviceMessage}, "-non", isAccessNotice);
   EXPECT_EQ(recordsLike("\x3f" + deviceName), sent);

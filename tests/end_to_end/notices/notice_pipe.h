@@ -23,17 +23,17 @@ inline bool isLoadingNotice(const test_support::XWindow& window) {
   return window.name == "Tovalin Notification" && window.width == 260;
 }
 
-// The agent's notification pipe, written to as the main application does, and the notices that it shows.
+// Writes to the agent's notification pipe like the main application, and observes the notices.
 class NoticePipe {
  public:
   NoticePipe(TestDesktop& desktop, RunningAgent& agent) : noticeDesktop_(desktop), noticeAgent_(agent) {}
   NoticePipe(const NoticePipe&) = delete;
   NoticePipe& operator=(const NoticePipe&) = delete;
 
-  // As long as no agent runs.
+  // Call only while no agent runs.
   static void removePipe() { std::filesystem::remove_all(pipePath); }
 
-  // Launches it and waits until it listens.
+  // Launches the agent and waits until it listens.
   void launch() {
     noticeAgent_.timeline_.clear();
     noticeAgent_.launchAgent();
@@ -42,7 +42,7 @@ class NoticePipe {
     noticeAgent_.timeline_.clear();
   }
 
-  // One message, and the wait until the listener has read it.
+  // Sends one message and waits until the listener has read it.
   void send(const std::string& message) {
     const test_support::FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
     ASSERT_TRUE(pipe.valid()) << "nobody listens";
@@ -59,12 +59,12 @@ class NoticePipe {
     return test_support::waitForNoWindow(noticeDesktop_.display_.name(), notice);
   }
 
-  // Launches it with a panel, and waits until its icon is there too.
+  // Launches the agent in a panel and waits for its icon, too.
   void launchInPanel() {
     launch();
     ASSERT_TRUE(noticeDesktop_.host_.waitForEvent("registered"));
   }
-  // By its menu.
+  // Ends the agent through its menu.
   void expectAProperEnd() {
     ASSERT_TRUE(noticeDesktop_.host_.click("Quit Tovalin"));
     EXPECT_EQ(noticeAgent_.endOfAgent(), test_support::ExitStatus{.code = 0});

@@ -8,8 +8,7 @@ class NoticeSoak : public NoticeTest {
   void showAndHideBoth(int pairs) {
     for (int i = 0; i < pairs && !HasFatalFailure(); ++i) {
       for (const char* message : {"-non", "-noff", "-neon", "-neoff"}) send(message);
-      // The last thing that the main thread does for a pair: nothing is left waiting when the next one
-      // begins.
+      // The main thread's last action for a pair: no work is pending when the next one begins.
       ASSERT_TRUE(waitForText("run: osascript"));
       timeline_.clear();
     }
@@ -17,7 +16,7 @@ class NoticeSoak : public NoticeTest {
   }
 };
 
-TEST_F(NoticeSoak, ShowingAndHidingCostsNoMemoryAndNoDescriptors) {
+TEST_F(NoticeSoak, ShowingAndHidingLeaksNothing) {
   const int pairs = timesAsked("TOVALIN_SOAK_PAIRS", 200);
   launch();
   expectNoGrowth(*this, {.what = "pairs", .times = pairs, .warmUp = 100, .mostGrowth = 1024},

@@ -13,10 +13,10 @@ using test_support::waitUntil;
 using test_support::XWindow;
 using testing::ElementsAre;
 
-// What the user sees of the notices.
+// The notices as the user sees them.
 using Notice = NoticeTest;
 
-TEST_F(Notice, NonShowsTheAccessNoticeAndNoffTakesItAway) {
+TEST_F(Notice, NonShowsAccessNoticeAndNoffHidesIt) {
   launch();
   send("-non");
   EXPECT_TRUE(shows(isAccessNotice));
@@ -25,7 +25,7 @@ TEST_F(Notice, NonShowsTheAccessNoticeAndNoffTakesItAway) {
   EXPECT_EQ(count("run: "), 0);
 }
 
-TEST_F(Notice, NeonShowsTheLoadingNoticeAndNeoffTakesItAwayAndBringsTheFrontApplicationForward) {
+TEST_F(Notice, NeoffHidesLoadingNoticeAndActivatesFrontApplication) {
   launch();
   send("-neon");
   EXPECT_TRUE(shows(isLoadingNotice));
@@ -40,7 +40,7 @@ TEST_F(Notice, NeonShowsTheLoadingNoticeAndNeoffTakesItAwayAndBringsTheFrontAppl
                   "frontmost is true \n tell application frontApp \n activate \n end tell \n end tell"));
 }
 
-TEST_F(Notice, StandsInTheMiddleAndHasTheKeyboard) {
+TEST_F(Notice, IsCentredAndFocused) {
   launch();
   for (const auto& [message, notice] :
        {std::pair("-non", &isAccessNotice), std::pair("-neon", &isLoadingNotice)}) {
@@ -62,7 +62,7 @@ TEST_F(Notice, StaysAboveOtherWindows) {
   }));
 }
 
-TEST_F(Notice, IsNotClosedByTheWindowManager) {
+TEST_F(Notice, IgnoresCloseRequestOfWindowManager) {
   launch();
   send("-non");
   const auto window = waitForWindow(display_.name(), isAccessNotice);
@@ -74,14 +74,14 @@ TEST_F(Notice, IsNotClosedByTheWindowManager) {
   EXPECT_TRUE(shows(isAccessNotice));
 }
 
-TEST_F(Notice, RepeatedCommandsAreDropped) {
+TEST_F(Notice, RepeatedCommandIsIgnored) {
   launch();
   for (const char* message : {"-non", "-non", "-noff", "-noff", "-non"}) send(message);
   EXPECT_TRUE(shows(isAccessNotice));
   EXPECT_EQ(count("log 3: "), 0);
 }
 
-TEST_F(Notice, AnOffWithoutAnOnDoesNothing) {
+TEST_F(Notice, OffWithoutOnIsNoOp) {
   launch();
   send("-noff");
   send("-neoff");
@@ -90,7 +90,7 @@ TEST_F(Notice, AnOffWithoutAnOnDoesNothing) {
   EXPECT_EQ(count("run: "), 0);
 }
 
-TEST_F(Notice, HidingTheOuterNoticeFirstEndsTheInnerRun) {
+TEST_F(Notice, HidingOuterNoticeFirstEndsInnerRun) {
   launch();
   send("-neon");
   ASSERT_TRUE(shows(isLoadingNotice));
@@ -101,13 +101,13 @@ TEST_F(Notice, HidingTheOuterNoticeFirstEndsTheInnerRun) {
   EXPECT_TRUE(shows(isAccessNotice));
   send("-noff");
   EXPECT_TRUE(hides(isAccessNotice));
-  // Both runs are over: the main thread serves the next notice from its outermost loop, and a quit ends it.
+  // Both runs have ended: the main thread shows the next notice from its outermost loop, and a quit ends it.
   send("-non");
   EXPECT_TRUE(shows(isAccessNotice));
   terminateAgent();
 }
 
-TEST_F(Notice, ASecondShowingIsANewWindow) {
+TEST_F(Notice, SecondShowCreatesNewWindow) {
   launch();
   send("-non");
   const auto first = waitForWindow(display_.name(), isAccessNotice);
@@ -119,7 +119,7 @@ TEST_F(Notice, ASecondShowingIsANewWindow) {
   EXPECT_NE(first->id, second->id);
 }
 
-TEST_F(Notice, TheMenuWorksWhileANoticeIsUp) {
+TEST_F(Notice, MenuWorksWhileNoticeIsShown) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));
@@ -129,7 +129,7 @@ TEST_F(Notice, TheMenuWorksWhileANoticeIsUp) {
   EXPECT_TRUE(waitForText("pipe: -u"));
 }
 
-TEST_F(Notice, QuitEndsTheAgentFromTwoNestedNotices) {
+TEST_F(Notice, QuitEndsAgentFromTwoNestedNotices) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));
@@ -144,7 +144,7 @@ TEST_F(Notice, QuitEndsTheAgentFromTwoNestedNotices) {
   EXPECT_EQ(recordsLike(quitRecord), 2);
 }
 
-TEST_F(Notice, ASignalEndsTheAgentFromOneNoticeAndFromTwo) {
+TEST_F(Notice, SignalEndsAgentFromOneAndFromTwoNotices) {
   for (const bool both : {false, true}) {
     launch();
     send("-non");
@@ -156,7 +156,7 @@ TEST_F(Notice, ASignalEndsTheAgentFromOneNoticeAndFromTwo) {
   }
 }
 
-TEST_F(Notice, WithoutThePictureTheNoticeIsShownAllTheSame) {
+TEST_F(Notice, MissingPictureStillShowsNotice) {
   install("/tmp/Applications/Tovalin.app");
   std::filesystem::remove(agentContents() + "/Resources/icon.png");
   launch();
@@ -164,7 +164,7 @@ TEST_F(Notice, WithoutThePictureTheNoticeIsShownAllTheSame) {
   EXPECT_TRUE(shows(isAccessNotice));
 }
 
-TEST_F(Notice, WhatWasAskedWhileTheMainThreadRestedIsAllServedAfterIt) {
+TEST_F(Notice, CommandsQueuedWhileMainThreadBlockedRunInOrder) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));
@@ -178,7 +178,7 @@ TEST_F(Notice, WhatWasAskedWhileTheMainThreadRestedIsAllServedAfterIt) {
   EXPECT_TRUE(hides(isAccessNotice));
 }
 
-TEST_F(Notice, TheOuterNoticeTakesNoInputWhileTheInnerOneIsUp) {
+TEST_F(Notice, OuterNoticeIgnoresInputWhileInnerIsShown) {
   launch();
   send("-non");
   const auto outer = waitForWindow(display_.name(), isAccessNotice);
@@ -186,13 +186,13 @@ TEST_F(Notice, TheOuterNoticeTakesNoInputWhileTheInnerOneIsUp) {
   send("-neon");
   const auto inner = waitForWindow(display_.name(), isLoadingNotice);
   ASSERT_TRUE(inner);
-  // A press on what is to be seen of the outer one brings the inner one forward again.
+  // A click on the visible part of the outer notice raises the inner one.
   runOnDisplay(
       {"xdotool", "mousemove", std::to_string(outer->x + 20), std::to_string(outer->y + 70), "click", "1"});
   EXPECT_TRUE(waitUntil([&] { return activeWindowOn(display_.name()) == inner->id; }));
 }
 
-TEST_F(Notice, TheLossOfTheDisplayInsideTwoNoticesRunsTheProperEnd) {
+TEST_F(Notice, LossOfDisplayInTwoNoticesRunsProperEnd) {
   launch();
   send("-non");
   send("-neon");

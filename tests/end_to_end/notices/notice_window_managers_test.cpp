@@ -31,7 +31,7 @@ bool isInstalled(const std::string& program) {
   return false;
 }
 
-// A notice under each window manager that is installed.
+// A notice under each installed window manager.
 class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Command> {
  protected:
   void SetUp() override {
@@ -49,7 +49,7 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
     if (!IsSkipped()) NoticeTest::TearDown();
   }
 
-  // Returns once the window manager has dealt with all that it was asked before: it shows another program's
+  // Returns once the window manager has processed all earlier requests: it has mapped another program's
   // window.
   void serveAll() {
     test_support::ChildProcess program;
@@ -111,7 +111,7 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
   test_support::ChildProcess manager_;
 };
 
-TEST_P(NoticeUnder, RequestsToMinimiseMaximiseAndCloseLeaveItThere) {
+TEST_P(NoticeUnder, MinimiseMaximiseAndCloseRequestsAreIgnored) {
   requestMinimum();
   serveAll();
   EXPECT_TRUE(noticeIsThere());
@@ -122,8 +122,8 @@ TEST_P(NoticeUnder, RequestsToMinimiseMaximiseAndCloseLeaveItThere) {
   expectNoticeGoesAndAgentEnds();
 }
 
-// kwin makes the window of another desktop an icon.
-TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnItsOwn) {
+// kwin iconifies the windows of other desktops.
+TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnItsOwn) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimum();
@@ -133,7 +133,7 @@ TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnItsOwn) {
   expectNoticeGoesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnceMovedThere) {
+TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnceMovedThere) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimum();
@@ -143,7 +143,7 @@ TEST_P(NoticeUnder, MinimisedFromAnotherDesktopItIsBackOnceMovedThere) {
   expectNoticeGoesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, MinimisedOnTheBareDesktopItIsBackAfterIt) {
+TEST_P(NoticeUnder, MinimisedOnBareDesktopReturnsAfterIt) {
   requestBareDesktop(true);
   requestMinimum();
   requestBareDesktop(false);
@@ -152,7 +152,7 @@ TEST_P(NoticeUnder, MinimisedOnTheBareDesktopItIsBackAfterIt) {
   expectNoticeGoesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, AsksForATitleAndMovingAlone) {
+TEST_P(NoticeUnder, RequestsOnlyTitleAndMoveFunctions) {
   EXPECT_THAT(runOnDisplay({"xprop", "-id", std::to_string(notice_), "_MOTIF_WM_HINTS"}),
               HasSubstr("= 0x3, 0x4, 0xa, 0x0, 0x0"));
 }
@@ -168,10 +168,10 @@ INSTANTIATE_TEST_SUITE_P(Installed, NoticeUnder,
                                          Command{"mutter", "--x11"}),
                          nameOf);
 
-// On openbox, which calls the windows of another desktop icons, too.
+// With openbox, which also iconifies the windows of other desktops.
 class NoticeOnDesktops : public NoticeTest {};
 
-TEST_F(NoticeOnDesktops, SwitchingDesktopsLeavesTheNoticeOnItsOwn) {
+TEST_F(NoticeOnDesktops, SwitchingDesktopsKeepsNoticeOnItsOwn) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));

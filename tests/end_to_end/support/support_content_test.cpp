@@ -11,7 +11,7 @@ using testing::ElementsAre;
 
 constexpr const char* noBanner = "bannerlist is NULL!";
 
-// What the window shows of what the server has, and what it does without.
+// The contents of the window with complete, missing and malformed files on the server.
 class SupportContent : public SupportTest {
  protected:
   [[nodiscard]] bool bannerIs(test_support::Colour colour) const {
@@ -33,7 +33,7 @@ class SupportContent : public SupportTest {
     EXPECT_EQ(linesInConsole("bannerImgView clicked"), 0);
     EXPECT_EQ(beaconsOf("banner"), 0);
   }
-  // Of the picture that comes with the agent, one device pixel to the point.
+  // Compares with the built-in picture, at one device pixel per point.
   [[nodiscard]] bool bannerIsBuiltIn() {
     const std::string name = screenScale() == 1 ? "/Tovalinbanner.png" : "/Tovalinbanner@2x.png";
     const std::string pixels = runOnDisplay({"convert", agentContents() + "/Resources" + name, "rgb:-"});
@@ -50,7 +50,7 @@ class SupportContent : public SupportTest {
     }
     return at == pixels.size();
   }
-  // Which of the notice's two forms stands there: links are blue.
+  // Returns whether the notice shows links (which are blue) instead of plain text.
   [[nodiscard]] bool showsLinks() const {
     const auto picture = pictureOfPart({140, 165}, 280, 20);
     for (int y = 0; y < picture.height(); ++y) {
@@ -63,7 +63,7 @@ class SupportContent : public SupportTest {
   }
 };
 
-TEST_F(SupportContent, WithoutANetworkOnlyTheLogButtonDoesAnything) {
+TEST_F(SupportContent, WithoutNetworkOnlyLogButtonIsEnabled) {
   server_.reset();
   launchAndOpen();
   EXPECT_TRUE(waitUntil([&] { return bannerIsBuiltIn(); }));
@@ -79,14 +79,14 @@ TEST_F(SupportContent, WithoutANetworkOnlyTheLogButtonDoesAnything) {
   EXPECT_EQ(linesInConsole("bannerImgView clicked"), 0);
 }
 
-TEST_F(SupportContent, WithTheNetworkItShowsTwoLinksAndTheBanner) {
+TEST_F(SupportContent, WithNetworkTwoLinksAndBannerAreShown) {
   launchAndOpen();
   EXPECT_TRUE(bannerIs(red));
   EXPECT_TRUE(showsLinks());
   EXPECT_EQ(linesInConsole(noBanner), 0);
 }
 
-TEST_F(SupportContent, ANoticeThatFailsLeavesUpdateAndTakesFaqLinksAndBanner) {
+TEST_F(SupportContent, FailedNoticeLeavesOnlyUpdateEnabled) {
   server_->put(noticeFile, "this is no list");
   launchAndOpen();
   EXPECT_FALSE(showsLinks());
@@ -99,7 +99,7 @@ TEST_F(SupportContent, ANoticeThatFailsLeavesUpdateAndTakesFaqLinksAndBanner) {
   EXPECT_THAT(runs(), ElementsAre("run: open /tmp/tovalinupdate.app"));
 }
 
-TEST_F(SupportContent, ANoticeWithoutItsSecondEntryIsNone) {
+TEST_F(SupportContent, NoticeWithoutSecondEntryIsIgnored) {
   server_->put(noticeFile,
                plist("<dict>" + noticeEntry("notice_1", "One", "http://one.example/") + "</dict>"));
   launchAndOpen();
@@ -109,7 +109,7 @@ TEST_F(SupportContent, ANoticeWithoutItsSecondEntryIsNone) {
   expectNothingRun();
 }
 
-TEST_F(SupportContent, TheVersionFailsAndTheRestComesWithoutAnUpdateAndABannerList) {
+TEST_F(SupportContent, FailedVersionLeavesUpdateAndBannerDisabled) {
   server_->put(versionFile, "<html>503</html>");
   launchAndOpen();
   EXPECT_TRUE(showsLinks());
@@ -122,7 +122,7 @@ TEST_F(SupportContent, TheVersionFailsAndTheRestComesWithoutAnUpdateAndABannerLi
   EXPECT_EQ(linesInConsole(noBanner), 1);
 }
 
-TEST_F(SupportContent, AVersionThatIsNotNewerDisablesUpdate) {
+TEST_F(SupportContent, VersionThatIsNotNewerDisablesUpdate) {
   server_->putVersion("1.0.0");
   launchAndOpen();
   timeline_.clear();
@@ -131,56 +131,56 @@ TEST_F(SupportContent, AVersionThatIsNotNewerDisablesUpdate) {
   EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate updateBtnClick:]"), 0);
 }
 
-TEST_F(SupportContent, AnEmptyBannerListGivesNoBanner) {
+TEST_F(SupportContent, EmptyBannerListShowsNoBanner) {
   server_->put(bannerListFile, bannerList(""));
   launchAndOpen();
   expectNoBanner();
 }
 
-TEST_F(SupportContent, AMissingBannerListGivesNoBanner) {
+TEST_F(SupportContent, MissingBannerListShowsNoBanner) {
   server_->put(bannerListFile, "404");
   launchAndOpen();
   expectNoBanner();
 }
 
-TEST_F(SupportContent, ABannerThatIsNoPictureGivesNoBanner) {
+TEST_F(SupportContent, BannerThatIsNoPictureIsNotShown) {
   server_->put(bannerFolder + std::string("red.ppm"), "no picture");
   launchAndOpen();
   expectNoBanner();
   EXPECT_EQ(colourOf(bannerMiddle), colourOf(bareSpot));
 }
 
-TEST_F(SupportContent, APictureThatIsABombGivesNoBannerAndTakesNoMemory) {
+TEST_F(SupportContent, DecompressionBombIsNotShownAndAllocatesNoMemory) {
   launchAndOpen();
   closeWindow();
   const long memory = ownMemoryInKilobytes(agent_.pid());
-  // A gigabyte of black.
+  // One gigabyte of black pixels.
   server_->put(bannerFolder + std::string("red.ppm"), "P5\n32768 32768\n255\n" + std::string(1 << 20, '\0'));
   openWindow();
   expectNoBanner();
   EXPECT_LT(ownMemoryInKilobytes(agent_.pid()), memory + 16384);
 }
 
-TEST_F(SupportContent, ABannersNameWithABlankGivesNoBannerAndNoFetch) {
+TEST_F(SupportContent, BannerNameWithBlankIsNotFetched) {
   server_->put(bannerListFile, bannerList(banner("red one.ppm", "http://banner.example/red")));
   launchAndOpen();
   EXPECT_EQ(takeFetches().back(), noticeFile);
   expectNoBanner();
 }
 
-TEST_F(SupportContent, ABannerWithoutALinkGivesNoBanner) {
+TEST_F(SupportContent, BannerWithoutLinkIsNotShown) {
   server_->put(bannerListFile, bannerList(dictionary({{"file_name", "red.ppm"}})));
   launchAndOpen();
   expectNoBanner();
 }
 
-TEST_F(SupportContent, ABannerWithoutAFileNameGivesNoBanner) {
+TEST_F(SupportContent, BannerWithoutFileNameIsNotShown) {
   server_->put(bannerListFile, bannerList(dictionary({{"link", "http://banner.example/"}})));
   launchAndOpen();
   expectNoBanner();
 }
 
-TEST_F(SupportContent, ABannerThatFailsNextTimeStaysToBeSeenAndIsNotClickable) {
+TEST_F(SupportContent, BannerThatFailsToReloadStaysVisibleAndIsNotClickable) {
   launchAndOpen();
   ASSERT_TRUE(bannerIs(red));
   closeWindow();
@@ -190,13 +190,13 @@ TEST_F(SupportContent, ABannerThatFailsNextTimeStaysToBeSeenAndIsNotClickable) {
   expectNoBanner();
 }
 
-TEST_F(SupportContent, OfSeveralBannersEachIsShownSometimesWithItsOwnLink) {
+TEST_F(SupportContent, EachOfSeveralBannersIsShownWithItsOwnLink) {
   server_->put(bannerListFile, bannerList(banner("red.ppm", "http://banner.example/red") +
                                           banner("blue.ppm", "http://banner.example/blue")));
   server_->put(bannerFolder + std::string("blue.ppm"), pictureFile(blue));
   launchInPanel();
   bool sawRed = false, sawBlue = false;
-  // Forty openings with the same banner would come once in 500,000,000,000 runs.
+  // The probability of forty openings with the same banner is 1 in 500,000,000,000.
   for (int i = 0; i < 40 && !(sawRed && sawBlue) && !HasFatalFailure(); ++i) {
     openWindow();
     ASSERT_TRUE(waitUntil([&] { return colourOf(bannerMiddle) == red || colourOf(bannerMiddle) == blue; }));
@@ -212,7 +212,7 @@ TEST_F(SupportContent, OfSeveralBannersEachIsShownSometimesWithItsOwnLink) {
   EXPECT_TRUE(sawRed && sawBlue);
 }
 
-TEST_F(SupportContent, AClickOnTheBannerOpensItsLinkOnceAsOneArgument) {
+TEST_F(SupportContent, ClickOnBannerOpensLinkOnceAsOneArgument) {
   server_->put(bannerListFile, bannerList(banner("red.ppm", "http://b.example/$(reboot);'&amp;x=%20")));
   launchAndOpen();
   timeline_.clear();
@@ -226,7 +226,7 @@ TEST_F(SupportContent, AClickOnTheBannerOpensItsLinkOnceAsOneArgument) {
   EXPECT_EQ(linesInConsole("bannerImgView clicked"), 1);
 }
 
-TEST_F(SupportContent, TheBannerIsClickableFromCornerToCornerAndNoFurther) {
+TEST_F(SupportContent, BannerIsClickableUpToItsCorners) {
   launchAndOpen();
   for (const Place corner : {Place{0, 0}, Place{419, 0}, Place{0, 39}, Place{419, 39}}) {
     timeline_.clear();
@@ -239,7 +239,7 @@ TEST_F(SupportContent, TheBannerIsClickableFromCornerToCornerAndNoFurther) {
   expectNothingRun();
 }
 
-TEST_F(SupportContent, ABannersLinkThatIsNoneLeadsNowhere) {
+TEST_F(SupportContent, InvalidBannerLinkOpensNothing) {
   server_->put(bannerListFile, bannerList(banner("red.ppm", "file:///etc/passwd")));
   launchAndOpen();
   timeline_.clear();
@@ -258,7 +258,7 @@ TEST_F(SupportContent, EachLinkOpensItsAddressOnce) {
   EXPECT_EQ(count("run: "), 2);
 }
 
-TEST_F(SupportContent, LinksThatAreNoneLeadNowhere) {
+TEST_F(SupportContent, InvalidLinksOpenNothing) {
   server_->put(noticeFile, noticeList("file:///usr/bin/xterm", "http://two.example/a b"));
   launchAndOpen();
   timeline_.clear();
@@ -267,7 +267,7 @@ TEST_F(SupportContent, LinksThatAreNoneLeadNowhere) {
   expectNothingRun();
 }
 
-TEST_F(SupportContent, LinksAndBannersOfOtherSchemesLeadNowhere) {
+TEST_F(SupportContent, LinksAndBannersWithOtherSchemesOpenNothing) {
   server_->put(noticeFile, noticeList("x1:evil.html", "smb://host.example/share"));
   server_->put(bannerListFile, bannerList(banner("red.ppm", "mailto:a@b.example?attach=/etc/passwd")));
   launchAndOpen();
@@ -277,7 +277,7 @@ TEST_F(SupportContent, LinksAndBannersOfOtherSchemesLeadNowhere) {
   expectNothingRun();
 }
 
-TEST_F(SupportContent, VersionOfTheServerIsOneShortLineOnTheConsole) {
+TEST_F(SupportContent, ServerVersionIsOneBoundedLineOnConsole) {
   server_->putVersion("9.0.0\n2026-11-22 10:00:00.000 TovalinTray[1] forged\xe2\x80\xae" +
                       std::string(2000, '9'));
   launchAndOpen();
@@ -291,7 +291,7 @@ TEST_F(SupportContent, VersionOfTheServerIsOneShortLineOnTheConsole) {
   EXPECT_LT(line.size(), 1100U);
 }
 
-TEST_F(SupportContent, LinksOpenAsTheAddressThatTheyAreReadAsOrNotAtAll) {
+TEST_F(SupportContent, LinksOpenAsNormalisedAddressOrNotAtAll) {
   server_->put(noticeFile, noticeList("HTTP://One.Example/%7ea", "http://two.example:99999/"));
   launchAndOpen();
   timeline_.clear();
@@ -303,7 +303,7 @@ TEST_F(SupportContent, LinksOpenAsTheAddressThatTheyAreReadAsOrNotAtAll) {
   EXPECT_EQ(count("run: "), 1) << testing::PrintToString(texts());
 }
 
-TEST_F(SupportContent, WhatTheServerSaysIsTextAndNothingElse) {
+TEST_F(SupportContent, ServerTextsAreShownVerbatim) {
   server_->put(
       noticeFile,
       plist("<dict>" +
@@ -318,8 +318,8 @@ TEST_F(SupportContent, WhatTheServerSaysIsTextAndNothingElse) {
   closeWindow();
 }
 
-// Each press and each release lays the text out, which takes seconds for all of these marks.
-TEST_F(SupportContent, ClicksOnLinkWithOverlongSubjectAreServedPromptly) {
+// Each press and each release computes the text layout, which takes seconds for this many combining marks.
+TEST_F(SupportContent, ClicksOnLinkWithOverlongSubjectAreHandledPromptly) {
   std::string subject = "a";
   for (int i = 0; i < 450'000; ++i) subject += "\u0301";
   server_->put(noticeFile, plist("<dict>" + noticeEntry("notice_1", subject, "http://one.example/a") +

@@ -15,7 +15,7 @@ using test_support::waitUntil;
 
 const std::string redPath = bannerFolder + std::string("red.ppm");
 
-// A product server of which each file can fail by itself.
+// A product server on which each file can fail separately.
 class SupportFault : public SupportTest {
  protected:
   enum class Fault { None, Silence, Reset, HalfABody, ErrorStatus };
@@ -54,8 +54,8 @@ class SupportFault : public SupportTest {
     EXPECT_GE(took, 2900ms);
     EXPECT_LE(took, 10s);
   }
-  // The window comes back by the menu while the agent waits for the server: what is on the display then is
-  // what was there before.
+  // Shows the hidden window through the menu while the agent waits for the server, and expects the same
+  // pictures as before.
   void expectReturnsPaintedDuringSilence(const std::vector<test_support::XPicture>& before) {
     fail(versionFile, Fault::Silence);
     choose();
@@ -63,7 +63,7 @@ class SupportFault : public SupportTest {
     EXPECT_TRUE(waitUntil([&] { return pictures() == before; }, 2s));
     EXPECT_EQ(silences_, 1);
   }
-  // Of what looks the same with and without the keyboard.
+  // Returns the parts of the window that look the same with and without the input focus.
   [[nodiscard]] std::vector<test_support::XPicture> pictures() const {
     return {pictureOfPart({0, 105}, 420, 135), pictureOfPart({0, 0}, 420, 40)};
   }
@@ -102,14 +102,14 @@ class SupportFault : public SupportTest {
     }
   }
 
-  std::atomic<int> silences_ = 0;  // that go on
+  std::atomic<int> silences_ = 0;  // connections that are currently left without a reply
   std::mutex mutex_;
   std::map<std::string, Fault> faults_;
   std::map<std::string, std::string> bodies_;
   test_support::RawHttpServer faulty_{[this](RawConnection& connection) { serve(connection); }};
 };
 
-TEST_F(SupportFault, ASilentVersionDisablesUpdateAfterThreeSeconds) {
+TEST_F(SupportFault, UnresponsiveVersionDisablesUpdateAfterThreeSeconds) {
   launchInPanel();
   openAfterSilenceOf(versionFile);
   timeline_.clear();
@@ -118,17 +118,17 @@ TEST_F(SupportFault, ASilentVersionDisablesUpdateAfterThreeSeconds) {
   EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate updateBtnClick:]"), 0);
 }
 
-TEST_F(SupportFault, HiddenWindowReturnsPaintedWhileServerIsSilent) {
+TEST_F(SupportFault, HiddenWindowReturnsPaintedWhileServerIsUnresponsive) {
   launchAndOpen();
   ASSERT_TRUE(bannerIsRed());
   const auto before = pictures();
   turnToAnotherProgram();
   ASSERT_TRUE(windowGoes());
-  program_ = test_support::ChildProcess();  // one of its windows would lie above
+  program_ = test_support::ChildProcess();  // ends it, because its windows might cover the support window
   expectReturnsPaintedDuringSilence(before);
 }
 
-TEST_F(SupportFault, MinimisedWindowReturnsPaintedWhileServerIsSilent) {
+TEST_F(SupportFault, MinimisedWindowReturnsPaintedWhileServerIsUnresponsive) {
   launchAndOpen();
   ASSERT_TRUE(bannerIsRed());
   const auto before = pictures();
@@ -137,27 +137,27 @@ TEST_F(SupportFault, MinimisedWindowReturnsPaintedWhileServerIsSilent) {
   expectReturnsPaintedDuringSilence(before);
 }
 
-TEST_F(SupportFault, ASilentNoticeIsNoneAfterThreeSeconds) {
+TEST_F(SupportFault, UnresponsiveNoticeIsIgnoredAfterThreeSeconds) {
   launchInPanel();
   openAfterSilenceOf(noticeFile);
   clickFaqAndExpect(false);
 }
 
-TEST_F(SupportFault, ASilentBannerListGivesNoBannerAfterThreeSeconds) {
+TEST_F(SupportFault, UnresponsiveBannerListShowsNoBannerAfterThreeSeconds) {
   launchInPanel();
   openAfterSilenceOf(bannerListFile);
   EXPECT_TRUE(waitUntil([&] { return linesInConsole("bannerlist is NULL!") == 1; }));
   clickFaqAndExpect(true);
 }
 
-TEST_F(SupportFault, ASilentPictureGivesNoBannerAfterThreeSeconds) {
+TEST_F(SupportFault, UnresponsivePictureShowsNoBannerAfterThreeSeconds) {
   launchInPanel();
   openAfterSilenceOf(redPath);
   EXPECT_TRUE(waitUntil([&] { return linesInConsole("bannerlist is NULL!") == 1; }));
   clickFaqAndExpect(true);
 }
 
-TEST_F(SupportFault, AResetVersionLeavesTheNoticeAndTheBannersOfEarlier) {
+TEST_F(SupportFault, ResetVersionKeepsEarlierNoticeAndBanners) {
   launchAndOpen();
   closeWindow();
   fail(versionFile, Fault::Reset);
@@ -169,7 +169,7 @@ TEST_F(SupportFault, AResetVersionLeavesTheNoticeAndTheBannersOfEarlier) {
   EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate updateBtnClick:]"), 0);
 }
 
-TEST_F(SupportFault, ABannerListThatIsResetLeavesTheEarlierOneInUse) {
+TEST_F(SupportFault, ResetBannerListKeepsEarlierList) {
   launchAndOpen();
   closeWindow();
   fail(bannerListFile, Fault::Reset);
@@ -180,7 +180,7 @@ TEST_F(SupportFault, ABannerListThatIsResetLeavesTheEarlierOneInUse) {
   EXPECT_TRUE(waitForText("run: open http://banner.example/red"));
 }
 
-TEST_F(SupportFault, ABannerListThatIsNoListTakesTheEarlierOneAwayAndLeavesItsPicture) {
+TEST_F(SupportFault, MalformedBannerListReplacesListAndKeepsPicture) {
   launchAndOpen();
   closeWindow();
   putBody(bannerListFile, "<html></html>");
@@ -192,7 +192,7 @@ TEST_F(SupportFault, ABannerListThatIsNoListTakesTheEarlierOneAwayAndLeavesItsPi
   expectNothingRun();
 }
 
-TEST_F(SupportFault, HalfAPictureIsNoBanner) {
+TEST_F(SupportFault, TruncatedPictureIsNotShown) {
   launchInPanel();
   fail(redPath, Fault::HalfABody);
   openWindow();
@@ -200,14 +200,14 @@ TEST_F(SupportFault, HalfAPictureIsNoBanner) {
   EXPECT_TRUE(colourOf(bannerMiddle) == colourOf(bareSpot));
 }
 
-TEST_F(SupportFault, HalfANoticeIsNone) {
+TEST_F(SupportFault, TruncatedNoticeIsIgnored) {
   launchInPanel();
   fail(noticeFile, Fault::HalfABody);
   openWindow();
   clickFaqAndExpect(false);
 }
 
-TEST_F(SupportFault, TheStatusOfAReplyIsNotLookedAt) {
+TEST_F(SupportFault, StatusCodeIsIgnored) {
   launchInPanel();
   for (const auto& path :
        {std::string(versionFile), std::string(noticeFile), std::string(bannerListFile), redPath})

@@ -5,7 +5,7 @@
 #include "tests/end_to_end/support/support_server.h"
 #include "tests/end_to_end/support/support_window_driver.h"
 
-// Installs the bundle for this server, which gets all that the support window shows, and starts the panel.
+// Installs the bundle for this server, puts all files of the support window on it, and starts the panel.
 inline void setUpForSupport(TestDesktop& desktop, InstalledBundle& bundle, SupportServer& server) {
   bundle.install("/tmp/Applications/Tovalin.app");
   bundle.setServers(server.server_->origin());
@@ -13,7 +13,7 @@ inline void setUpForSupport(TestDesktop& desktop, InstalledBundle& bundle, Suppo
   ASSERT_TRUE(desktop.host_.start(desktop.bus_));
 }
 
-// The real agent in a panel, with a product server that has all that the support window shows.
+// The real agent in a panel, with a product server that has all files of the support window.
 class SupportTest : public testing::Test,
                     protected TestDesktop,
                     protected InstalledBundle,

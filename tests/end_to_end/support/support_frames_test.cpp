@@ -15,7 +15,7 @@ struct Frame {
   int x, y, width, height;
 };
 
-// What the panels let be seen of the controls' frames.
+// The visible parts of the controls' frames.
 constexpr Frame icon{"icon", 0, 165, 135, 65}, name{"name", 0, 129, 135, 30},
     version{"version", 0, 105, 135, 30}, update{"Update", 10, 40, 120, 45}, faq{"FAQ", 150, 40, 120, 45},
     logFile{"Log file", 290, 40, 120, 45}, heading{"Notice", 135, 185, 280, 30},
@@ -23,17 +23,17 @@ constexpr Frame icon{"icon", 0, 165, 135, 65}, name{"name", 0, 129, 135, 30},
     description{"description", 140, 125, 240, 60}, copyright{"copyright", 0, 85, 420, 20},
     bannerFrame{"banner", 0, 0, 420, 40};
 
-// Where in the picture something is drawn, in points.
+// The bounds of what is drawn in the picture, in points.
 struct Ink {
   double left = 1e6, right = -1, bottom = 1e6, top = -1;
   [[nodiscard]] bool isThere() const { return right >= 0; }
   [[nodiscard]] double middleX() const { return (left + right) / 2; }
 };
 
-// Runs at one and at two device pixels to the point.
+// Runs at one and at two device pixels per point.
 class SupportFrames : public SupportTest {
  protected:
-  // The whole window in its final look.
+  // Captures the window once it no longer changes.
   void lookAtWindow() {
     ASSERT_TRUE(test_support::moveMouse(display_.name(), 2, 2));
     background_ = colourOf(bareSpot);
@@ -88,7 +88,7 @@ class SupportFrames : public SupportTest {
   [[nodiscard]] XPicture whole() const { return pictureOfPart({0, 0}, 420, 240); }
 };
 
-TEST_F(SupportFrames, TheWindowIsOfOneLightGrey) {
+TEST_F(SupportFrames, BackgroundIsUniformLightGrey) {
   launchAndOpen();
   const Colour grey = colourOf(bareSpot);
   EXPECT_NEAR(grey.red, 229.5, 1);
@@ -97,7 +97,7 @@ TEST_F(SupportFrames, TheWindowIsOfOneLightGrey) {
   EXPECT_EQ(window_.height, 240 * screenScale());
 }
 
-TEST_F(SupportFrames, WithTheNetworkEverythingIsDrawnInItsFrameAndNothingOutside) {
+TEST_F(SupportFrames, WithNetworkAllIsDrawnInsideFrames) {
   launchAndOpen();
   lookAtWindow();
   if (HasFatalFailure()) return;
@@ -105,19 +105,19 @@ TEST_F(SupportFrames, WithTheNetworkEverythingIsDrawnInItsFrameAndNothingOutside
       {icon, name, version, update, faq, logFile, heading, first, second, copyright, bannerFrame});
 }
 
-TEST_F(SupportFrames, WithoutTheNetworkTheDescriptionStandsInItsFrame) {
+TEST_F(SupportFrames, WithoutNetworkDescriptionIsDrawnInsideItsFrame) {
   server_.reset();
   launchAndOpen();
   lookAtWindow();
   if (HasFatalFailure()) return;
   expectDrawnInThese(
       {icon, name, version, update, faq, logFile, heading, description, copyright, bannerFrame});
-  // Three lines at the least, which is more than half of the frame.
+  // At least three lines, which is more than half of the frame.
   const Ink text = inkIn(description);
   EXPECT_GT(text.top - text.bottom, 30);
 }
 
-TEST_F(SupportFrames, TextsStandWhereTheirAlignmentPutsThem) {
+TEST_F(SupportFrames, TextsAreAligned) {
   launchAndOpen();
   lookAtWindow();
   if (HasFatalFailure()) return;
@@ -129,8 +129,8 @@ TEST_F(SupportFrames, TextsStandWhereTheirAlignmentPutsThem) {
   EXPECT_LT(inkIn(second).left, 140 + 8);
 }
 
-// Letters without what goes below the line are three quarters of the text's size high.
-TEST_F(SupportFrames, TextsHaveTheirSizesAndBeginAtTheTopsOfTheirFrames) {
+// Cap height is three quarters of the font size.
+TEST_F(SupportFrames, TextsHaveTheirSizesAndStartAtTopOfFrames) {
   launchAndOpen();
   lookAtWindow();
   if (HasFatalFailure()) return;
@@ -142,14 +142,14 @@ TEST_F(SupportFrames, TextsHaveTheirSizesAndBeginAtTheTopsOfTheirFrames) {
   expectText({"name above the version", 0, 135, 135, 24}, 0.75 * 20, 4);
   expectText(version, 0.75 * 12 + 1, 1.5);
   expectText(heading, 0.75 * 14, 2);
-  expectText(first, 0.75 * 12 + 3, 4);  // the line below it too
+  expectText(first, 0.75 * 12 + 3, 4);  // includes its underline
   expectText(second, 0.75 * 12 + 3, 4);
-  expectText(copyright, 0.75 * 10 + 2.5, 1.5);  // "p", "y"
+  expectText(copyright, 0.75 * 10 + 2.5, 1.5);  // includes the descenders of "p" and "y"
   EXPECT_NEAR(inkIn(icon).top, 230, 2.5);
   EXPECT_NEAR(inkIn(icon).top - inkIn(icon).bottom, 62, 2);
 }
 
-TEST_F(SupportFrames, ButtonsFillTheMiddleOfTheirFrames) {
+TEST_F(SupportFrames, ButtonsAreCentredInTheirFrames) {
   launchAndOpen();
   lookAtWindow();
   if (HasFatalFailure()) return;
@@ -162,7 +162,7 @@ TEST_F(SupportFrames, ButtonsFillTheMiddleOfTheirFrames) {
   }
 }
 
-TEST_F(SupportFrames, ButtonsTakeClicksAtTheirBezelsEdgesAndNotBeyond) {
+TEST_F(SupportFrames, ButtonsAreClickableUpToTheirBezels) {
   launchAndOpen();
   // FAQ's bezel: 108 by 32 points in the middle of its frame.
   for (const Place inside : {Place{158, 48}, Place{262, 48}, Place{158, 76}, Place{262, 76}}) {
@@ -176,7 +176,7 @@ TEST_F(SupportFrames, ButtonsTakeClicksAtTheirBezelsEdgesAndNotBeyond) {
   expectNothingRun();
 }
 
-TEST_F(SupportFrames, TheBannerFillsItsBandAndNoMore) {
+TEST_F(SupportFrames, BannerFillsItsBand) {
   launchAndOpen();
   lookAtWindow();
   if (HasFatalFailure()) return;
@@ -188,8 +188,8 @@ TEST_F(SupportFrames, TheBannerFillsItsBandAndNoMore) {
   EXPECT_EQ(wrong, 0);
 }
 
-// But for the button that has the keyboard, which wears the desktop's highlight.
-TEST_F(SupportFrames, InADarkDesktopTheWindowLooksTheSame) {
+// Except for the focused button, which is drawn with the desktop's highlight.
+TEST_F(SupportFrames, DarkDesktopLooksTheSame) {
   const auto look = [&] {
     lookAtWindow();
     return std::vector<XPicture>{pictureOfPart({0, 85}, 420, 155), pictureOfPart({130, 0}, 290, 85)};

@@ -16,8 +16,8 @@ using testing::UnorderedElementsAre;
 constexpr uid_t anotherUser = 65534;
 constexpr std::uintmax_t maxSourceSize = 20'000'000;
 
-// A crash folder that every user may write to. Without the sticky bit, so that fs.protected_symlinks does not
-// apply: the agent has to be safe by itself.
+// A crash folder that every user may write to. It has no sticky bit, so that fs.protected_symlinks does not
+// apply and the agent must protect itself.
 class SupportLogAttack : public SupportLog {
  protected:
   void SetUp() override {
@@ -36,7 +36,7 @@ class SupportLogAttack : public SupportLog {
   static std::string collectedSystemLog() {
     return folders().empty() ? std::string() : (folders()[0] / "system.log").string();
   }
-  // Waits for the end of a collection of which one command may take up to its limit.
+  // Waits for the end of a collection in which one command may take up to its limit.
   void collectPatiently() {
     ASSERT_NO_FATAL_FAILURE(openFirstSheet());
     const auto question = messageOfSheet();
@@ -47,7 +47,7 @@ class SupportLogAttack : public SupportLog {
   }
 };
 
-TEST_F(SupportLogAttack, FifoInSharedCrashFolderIsLeftOut) {
+TEST_F(SupportLogAttack, FifoInSharedCrashFolderIsSkipped) {
   makeFifo("/var/crash/xTovalin.crash");
   write("/var/crash/_usr_lib_TovalinTray.0.crash");
   launchAndOpen();
@@ -55,7 +55,7 @@ TEST_F(SupportLogAttack, FifoInSharedCrashFolderIsLeftOut) {
   EXPECT_THAT(archived(), UnorderedElementsAre("system.log", "_usr_lib_TovalinTray.0.crash"));
 }
 
-TEST_F(SupportLogAttack, SigtermIsServedWithFifosAmongTheSources) {
+TEST_F(SupportLogAttack, SigtermIsHandledWithFifosAmongSources) {
   for (const char* path : {"/var/crash/xTovalin.crash", "/var/log/Tovalin.log",
                            "/tmp/home/.local/state/Tovalin/Tovalin_1.crash"})
     makeFifo(path);
@@ -75,7 +75,7 @@ TEST_F(SupportLogAttack, LinkInSharedCrashFolderIsNotFollowed) {
   EXPECT_THAT(archived(), ElementsAre("system.log"));
 }
 
-TEST_F(SupportLogAttack, HardLinkInSharedCrashFolderIsLeftOut) {
+TEST_F(SupportLogAttack, HardLinkInSharedCrashFolderIsSkipped) {
   write("/var/tmp_secret");
   fs::create_hard_link("/var/tmp_secret", "/var/crash/xTovalin.crash");
   launchAndOpen();
@@ -84,7 +84,7 @@ TEST_F(SupportLogAttack, HardLinkInSharedCrashFolderIsLeftOut) {
   fs::remove("/var/tmp_secret");
 }
 
-TEST_F(SupportLogAttack, FileOfAnotherUserInSharedCrashFolderIsLeftOut) {
+TEST_F(SupportLogAttack, OtherUsersFileInSharedCrashFolderIsSkipped) {
   write("/var/crash/xTovalin.crash");
   giveAway("/var/crash/xTovalin.crash");
   launchAndOpen();
@@ -92,7 +92,7 @@ TEST_F(SupportLogAttack, FileOfAnotherUserInSharedCrashFolderIsLeftOut) {
   EXPECT_THAT(archived(), ElementsAre("system.log"));
 }
 
-TEST_F(SupportLogAttack, LongJournalIsCutToItsNewestPart) {
+TEST_F(SupportLogAttack, LongJournalIsTruncatedToNewestPart) {
   placeScript("journalctl", "yes 'an older entry' | head -c 60000000; echo 'the last entry'");
   launchAndOpen();
   collect();
@@ -100,7 +100,7 @@ TEST_F(SupportLogAttack, LongJournalIsCutToItsNewestPart) {
   EXPECT_TRUE(test_support::contentsOf(collectedSystemLog()).ends_with("the last entry\n"));
 }
 
-TEST_F(SupportLogAttack, LongSyslogIsCutToItsNewestPart) {
+TEST_F(SupportLogAttack, LongSyslogIsTruncatedToNewestPart) {
   placeScript("journalctl", "exit 1");
   write("/var/log/syslog", std::string(30'000'000, 'x') + "the last entry\n");
   launchAndOpen();
@@ -109,7 +109,7 @@ TEST_F(SupportLogAttack, LongSyslogIsCutToItsNewestPart) {
   EXPECT_TRUE(test_support::contentsOf(collectedSystemLog()).ends_with("the last entry\n"));
 }
 
-TEST_F(SupportLogAttack, JournalThatNeverEndsIsCutOffInTime) {
+TEST_F(SupportLogAttack, EndlessJournalIsCutOffAtTimeLimit) {
   placeScript("journalctl", "echo 'an entry'; exec sleep 1000");
   launchAndOpen();
   collectPatiently();
@@ -117,8 +117,8 @@ TEST_F(SupportLogAttack, JournalThatNeverEndsIsCutOffInTime) {
   EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "an entry\n");
 }
 
-// A long journal takes longer than the limit, and its oldest entries come first.
-TEST_F(SupportLogAttack, NewestEntriesOfASlowJournalAreKept) {
+// A long journal exceeds the time limit, and journalctl prints the oldest entries first.
+TEST_F(SupportLogAttack, NewestEntriesOfSlowJournalAreKept) {
   placeScript("journalctl",
               "while [ \"$1\" != -n ]; do shift; done\n"
               "[ \"$2\" -lt 200000 ] || { echo 'an old entry'; exec sleep 1000; }\n"
@@ -128,7 +128,7 @@ TEST_F(SupportLogAttack, NewestEntriesOfASlowJournalAreKept) {
   EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "the last of 50000 entries\n");
 }
 
-TEST_F(SupportLogAttack, CommandThatHangsIsEndedAndTheNextOnesRun) {
+TEST_F(SupportLogAttack, HangingCommandIsKilledAndNextOnesRun) {
   placeScript("mkdir", "sleep 1000; exec /bin/mkdir \"$@\"");
   launchAndOpen();
   for (const auto& name : namesToCome()) fs::create_directories(name);
@@ -139,7 +139,7 @@ TEST_F(SupportLogAttack, CommandThatHangsIsEndedAndTheNextOnesRun) {
   fs::remove(commandFolder + std::string("mkdir"));
 }
 
-TEST_F(SupportLogAttack, OddNamesArePacked) {
+TEST_F(SupportLogAttack, UnusualFileNamesArePacked) {
   const std::string folder = "/tmp/home/.local/state/Tovalin/";
   for (const char* name : {"Tovalin -rf.crash", "Tovalin [1]*?.crash", "Tovalin@'\"$x`.crash"})
     write(folder + name);
@@ -149,7 +149,7 @@ TEST_F(SupportLogAttack, OddNamesArePacked) {
                                                "Tovalin@'\"$x`.crash"));
 }
 
-TEST_F(SupportLogAttack, JournalIsPlainTextWhateverTheEnvironment) {
+TEST_F(SupportLogAttack, JournalIsPlainTextRegardlessOfEnvironment) {
   environment_["SYSTEMD_COLORS"] = "1";
   environment_["SYSTEMD_URLIFY"] = "1";
   placeScript("journalctl", "echo \"$SYSTEMD_COLORS $SYSTEMD_URLIFY $*\"");
@@ -158,7 +158,7 @@ TEST_F(SupportLogAttack, JournalIsPlainTextWhateverTheEnvironment) {
   EXPECT_EQ(test_support::contentsOf(collectedSystemLog()), "0 0 -q -b --no-pager -n 200000\n");
 }
 
-TEST_F(SupportLogAttack, FifoInPlaceOfTheFolderIsLeftAlone) {
+TEST_F(SupportLogAttack, FifoAtCollectionFolderIsLeftAlone) {
   launchAndOpen();
   const auto names = namesToCome();
   for (const auto& name : names) makeFifo(name);
@@ -167,7 +167,7 @@ TEST_F(SupportLogAttack, FifoInPlaceOfTheFolderIsLeftAlone) {
   EXPECT_THAT(archives(), IsEmpty());
 }
 
-TEST_F(SupportLogAttack, LinksAndFifosInTheUsersOwnFolderAreNotPacked) {
+TEST_F(SupportLogAttack, LinksAndFifosInOwnFolderAreSkipped) {
   write("/tmp/home/secret", "the text of the link's target");
   launchAndOpen();
   const auto names = namesToCome();
@@ -186,7 +186,7 @@ TEST_F(SupportLogAttack, LinksAndFifosInTheUsersOwnFolderAreNotPacked) {
   EXPECT_THAT(archived(), UnorderedElementsAre("planted.txt", "system.log"));
 }
 
-TEST_F(SupportLogAttack, FifoInPlaceOfTheArchiveIsReplaced) {
+TEST_F(SupportLogAttack, FifoAtArchiveIsReplaced) {
   launchAndOpen();
   for (const auto& name : namesToCome())
     makeFifo("/tmp/home/Desktop/" + fs::path(name).filename().string() + ".zip");
@@ -194,7 +194,7 @@ TEST_F(SupportLogAttack, FifoInPlaceOfTheArchiveIsReplaced) {
   EXPECT_EQ(std::ranges::count_if(archives(), [](const auto& path) { return fs::is_regular_file(path); }), 1);
 }
 
-TEST_F(SupportLogAttack, LinkInPlaceOfTheArchiveIsReplacedAndItsTargetSpared) {
+TEST_F(SupportLogAttack, LinkAtArchiveIsReplacedAndTargetUnchanged) {
   write("/tmp/home/secret", "secret");
   launchAndOpen();
   fs::create_directories("/tmp/home/Desktop");
@@ -206,7 +206,7 @@ TEST_F(SupportLogAttack, LinkInPlaceOfTheArchiveIsReplacedAndItsTargetSpared) {
   EXPECT_EQ(std::ranges::count_if(archives(), [](const auto& path) { return !fs::is_symlink(path); }), 1);
 }
 
-TEST_F(SupportLogAttack, OptionsForZipInTheEnvironmentAreIgnored) {
+TEST_F(SupportLogAttack, ZipOptionsInEnvironmentAreIgnored) {
   for (const char* name : {"ZIPOPT", "ZIP"}) {
     environment_[name] = "-m";
     launchAndOpen();
@@ -218,7 +218,7 @@ TEST_F(SupportLogAttack, OptionsForZipInTheEnvironmentAreIgnored) {
   }
 }
 
-TEST_F(SupportLogAttack, RelativeDesktopFolderGivesWayToTheUsualOne) {
+TEST_F(SupportLogAttack, RelativeDesktopFolderIsReplacedByDefault) {
   write("/tmp/home/.config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"-odd/folder\"\n");
   launchAndOpen();
   collect();

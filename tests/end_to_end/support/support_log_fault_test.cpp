@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-TEST_F(SupportLog, WithoutZipTheSequenceGoesOnToItsEnd) {
+TEST_F(SupportLog, MissingZipStillCompletesSequence) {
   placeScript("zip", "echo zip: not found >&2; exit 127");
   launchAndOpen();
   collect();
@@ -26,7 +26,7 @@ TEST_F(SupportLog, WithoutZipTheSequenceGoesOnToItsEnd) {
   EXPECT_TRUE(sheetIsGone());
 }
 
-TEST_F(SupportLog, AFullDiskLeavesNoArchiveAndTheSequenceGoesOn) {
+TEST_F(SupportLog, FullDiskLeavesNoArchiveAndCompletesSequence) {
   const char* const desktop = "/tmp/home/Desktop";
   fs::create_directories(desktop);
   ASSERT_EQ(::mount("tmpfs", desktop, "tmpfs", 0, "size=4k"), 0);
@@ -41,7 +41,7 @@ TEST_F(SupportLog, AFullDiskLeavesNoArchiveAndTheSequenceGoesOn) {
   EXPECT_TRUE(fs::exists(folders()[0] / "system.log"));
 }
 
-TEST_F(SupportLog, AFullFolderForTemporaryFilesLeavesNoCopyAndTheSequenceGoesOn) {
+TEST_F(SupportLog, FullTemporaryFolderLeavesNoCopyAndCompletesSequence) {
   launchAndOpen();
   std::ofstream("/tmp/full").close();
   const struct statvfs room = [] {
@@ -66,7 +66,7 @@ TEST_F(SupportLog, AFullFolderForTemporaryFilesLeavesNoCopyAndTheSequenceGoesOn)
   expectNothingRun();
 }
 
-TEST_F(SupportLog, AFolderOfItsUsersThatIsThereAlreadyIsFilled) {
+TEST_F(SupportLog, ExistingFolderOfSameUserIsUsed) {
   launchAndOpen();
   const auto names = namesToCome();
   for (const auto& name : names) {
@@ -81,7 +81,7 @@ TEST_F(SupportLog, AFolderOfItsUsersThatIsThereAlreadyIsFilled) {
   EXPECT_THAT(archived(), UnorderedElementsAre("earlier.txt", "system.log"));
 }
 
-TEST_F(SupportLog, ALinkThatStandsInTheFoldersPlaceIsNotFollowed) {
+TEST_F(SupportLog, LinkAtFolderIsNotFollowed) {
   launchAndOpen();
   const auto names = namesToCome();
   fs::create_directories("/tmp/tovalinlog_elsewhere");
@@ -91,7 +91,7 @@ TEST_F(SupportLog, ALinkThatStandsInTheFoldersPlaceIsNotFollowed) {
   EXPECT_THAT(archives(), ElementsAre());
 }
 
-TEST_F(SupportLog, AFolderOfSomebodyElsesIsNotFilled) {
+TEST_F(SupportLog, FolderOfAnotherUserIsNotUsed) {
   launchAndOpen();
   const auto names = namesToCome();
   for (const auto& name : names) {
@@ -131,7 +131,7 @@ TEST_F(SupportLog, CloseRequestDuringCollectionIsRefusedByCompletionAlert) {
   terminateAgent();
 }
 
-// The modal runs of the notices serve events.
+// The modal runs of the notices process events.
 TEST_F(SupportLog, CloseRequestBehindNoticesDuringCollectionIsRefusedByCompletionAlert) {
   collectUntilPacking();
   ASSERT_TRUE(sheetIsGone());
@@ -147,7 +147,7 @@ TEST_F(SupportLog, CloseRequestBehindNoticesDuringCollectionIsRefusedByCompletio
   terminateAgent();
 }
 
-// The end of a notice that was up before the support window stops the support window's modal run.
+// The end of a notice that was shown before the support window stops the support window's modal run.
 TEST_F(SupportLog, CloseRequestAroundEndOfEarlierNoticeIsRefusedByCompletionAlert) {
   launchInPanel();
   for (const bool noticeFirst : {true, false}) {
@@ -171,7 +171,7 @@ TEST_F(SupportLog, CloseRequestAroundEndOfEarlierNoticeIsRefusedByCompletionAler
   terminateAgent();
 }
 
-TEST_F(SupportLog, InputDuringCollectionReachesNothing) {
+TEST_F(SupportLog, InputDuringCollectionIsDiscarded) {
   collectUntilPacking();
   ASSERT_TRUE(sheetIsGone());
   timeline_.clear();
@@ -188,7 +188,7 @@ TEST_F(SupportLog, InputDuringCollectionReachesNothing) {
   EXPECT_TRUE(sheetIsGone());
 }
 
-TEST_F(SupportLog, NoticesAskedForDuringCollectionLeaveCompletionAlert) {
+TEST_F(SupportLog, NoticesRequestedDuringCollectionLeaveCompletionAlert) {
   collectUntilPacking();
   ASSERT_TRUE(sheetIsGone());
   send("-non");
@@ -200,7 +200,7 @@ TEST_F(SupportLog, NoticesAskedForDuringCollectionLeaveCompletionAlert) {
   EXPECT_TRUE(sheetIsGone());
 }
 
-TEST_F(SupportLog, TheSignalDuringTheCollectionIsServedAfterIt) {
+TEST_F(SupportLog, SignalDuringCollectionIsHandledAfterIt) {
   collectUntilPacking();
   agent_.terminate();
   timeline_.release("zip");

@@ -17,7 +17,7 @@
 inline constexpr const char* commandFolder = "/tmp/outside commands/";
 inline constexpr const char* systemEntry = "an entry of the system";
 
-// What stands in the folder under names that begin so.
+// Returns the paths in `folder` whose file names begin with `beginning`.
 inline std::vector<std::filesystem::path> inFolder(const std::filesystem::path& folder,
                                                    const std::string& beginning = {}) {
   std::vector<std::filesystem::path> found;
@@ -28,15 +28,15 @@ inline std::vector<std::filesystem::path> inFolder(const std::filesystem::path& 
   return found;
 }
 
-// A command of the system's that is the test's own.
+// Replaces a system command by a script.
 inline void placeScript(const std::string& name, const std::string& text) {
   const std::string path = commandFolder + name;
   std::ofstream(path) << "#!/bin/sh\n" << text << '\n';
   std::filesystem::permissions(path, std::filesystem::perms::owner_all);
 }
 
-// Gives this program's own mount namespace a /var of its own: what is there, and empty folders for logs and
-// crashes.
+// Replaces /var in this program's mount namespace: its own contents, except that the folders for logs and
+// crashes are empty.
 inline void takeVarForItself() {
   namespace fs = std::filesystem;
   ASSERT_STREQ(std::getenv("HOME"), "/tmp/home") << "to be run in the sandbox alone";
@@ -57,7 +57,7 @@ inline void takeVarForItself() {
   fs::remove(own);
 }
 
-// The collection of the logs, in a system whose logs are the test's own.
+// Log collection on a system with fake logs.
 class SupportLog : public testing::Test,
                    protected TestDesktop,
                    protected InstalledBundle,
@@ -93,7 +93,7 @@ class SupportLog : public testing::Test,
     std::ofstream(path) << text;
   }
 
-  // Begins a collection that stands still while it packs.
+  // Begins a collection and blocks it while it packs.
   void collectUntilPacking() {
     launchAndOpen();
     continueUntilPacking();
@@ -115,7 +115,7 @@ class SupportLog : public testing::Test,
       const std::filesystem::path& desktop = "/tmp/home/Desktop") {
     return inFolder(desktop, "tovalinlog_");
   }
-  // The names of what the only archive holds, without their folder.
+  // Returns the paths in the only archive, relative to their folder.
   std::vector<std::string> archived(const std::filesystem::path& desktop = "/tmp/home/Desktop") {
     EXPECT_THAT(archives(desktop), testing::SizeIs(1));
     if (archives(desktop).empty()) return {};
@@ -128,7 +128,7 @@ class SupportLog : public testing::Test,
     }
     return names;
   }
-  // The folders that the collection would use if it began within the next half minute.
+  // Returns the folder names of all collections that begin within the next 30 s.
   static std::vector<std::string> namesToCome() {
     std::vector<std::string> names;
     for (std::time_t time = std::time(nullptr), end = time + 30; time < end; ++time) {

@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-TEST_F(SupportLog, TheButtonTellsSoAndSendsItsBeaconOnce) {
+TEST_F(SupportLog, ButtonIsLoggedAndSendsOneBeacon) {
   launchAndOpen();
   timeline_.clear();
   openFirstSheet();
@@ -20,7 +20,7 @@ TEST_F(SupportLog, TheButtonTellsSoAndSendsItsBeaconOnce) {
   EXPECT_THAT(texts(), ElementsAre("log 6: -[nimbatrayAppDelegate logBtnClick:] Log button click!"));
 }
 
-TEST_F(SupportLog, CancelLeavesNothingAndTheButtonEnabled) {
+TEST_F(SupportLog, CancelCreatesNothingAndKeepsButtonEnabled) {
   launchAndOpen();
   openFirstSheet();
   press("Escape");
@@ -34,7 +34,7 @@ TEST_F(SupportLog, CancelLeavesNothingAndTheButtonEnabled) {
   openFirstSheet();
 }
 
-TEST_F(SupportLog, ContinuePacksAllLogsForTheirOwnerAlone) {
+TEST_F(SupportLog, ContinuePacksAllLogsReadableByOwnerOnly) {
   write("/var/log/Tovalin.log");
   write("/var/log/TovalinHelper.log");
   write("/var/log/other.log");
@@ -53,7 +53,7 @@ TEST_F(SupportLog, ContinuePacksAllLogsForTheirOwnerAlone) {
     EXPECT_EQ(permissions(log) & (fs::perms::group_all | fs::perms::others_all), fs::perms::none) << log;
 }
 
-TEST_F(SupportLog, WithoutLogsOfItsOwnTheArchiveHoldsTheSystemsAlone) {
+TEST_F(SupportLog, WithoutOwnLogsArchiveHoldsSystemLogs) {
   launchAndOpen();
   collect();
   EXPECT_THAT(archived(), ElementsAre("system.log"));
@@ -63,7 +63,7 @@ TEST_F(SupportLog, WithoutLogsOfItsOwnTheArchiveHoldsTheSystemsAlone) {
   EXPECT_EQ(line, systemEntry);
 }
 
-TEST_F(SupportLog, WithoutAJournalTheSyslogTakesItsPlace) {
+TEST_F(SupportLog, WithoutJournalSyslogIsPacked) {
   placeScript("journalctl", "exit 1");
   write("/var/log/syslog", "from the file");
   launchAndOpen();
@@ -74,7 +74,7 @@ TEST_F(SupportLog, WithoutAJournalTheSyslogTakesItsPlace) {
   EXPECT_EQ(line, "from the file");
 }
 
-TEST_F(SupportLog, WithoutAnyLogTheSequenceGoesOnToItsEnd) {
+TEST_F(SupportLog, WithoutAnyLogSequenceCompletes) {
   placeScript("journalctl", "exit 1");
   launchAndOpen();
   collect();
@@ -84,7 +84,7 @@ TEST_F(SupportLog, WithoutAnyLogTheSequenceGoesOnToItsEnd) {
   EXPECT_EQ(fs::file_size(folders()[0] / "system.log"), 0U);
 }
 
-TEST_F(SupportLog, CloseOpensNothingAndAnotherCollectionCanBegin) {
+TEST_F(SupportLog, CloseOpensNothingAndNextCollectionWorks) {
   launchAndOpen();
   timeline_.clear();
   collect();
@@ -94,7 +94,7 @@ TEST_F(SupportLog, CloseOpensNothingAndAnotherCollectionCanBegin) {
   EXPECT_EQ(count("run: "), 0);
 }
 
-TEST_F(SupportLog, ContactUsOpensTheContactPageOnce) {
+TEST_F(SupportLog, ContactUsOpensContactPageOnce) {
   launchAndOpen();
   timeline_.clear();
   collect();
@@ -105,7 +105,7 @@ TEST_F(SupportLog, ContactUsOpensTheContactPageOnce) {
   EXPECT_THAT(runs(), ElementsAre("run: open " + server_->origin() + "/contact/tovalin/"));
 }
 
-TEST_F(SupportLog, TheKeyboardIsAtTheButtonAgainAfterTheCollection) {
+TEST_F(SupportLog, FocusReturnsToButtonAfterCollection) {
   launchAndOpen();
   for (const char* key : {"Tab", "Tab", "Return"}) press(key);
   ASSERT_TRUE(sheetIsUp());
@@ -121,7 +121,7 @@ TEST_F(SupportLog, TheKeyboardIsAtTheButtonAgainAfterTheCollection) {
   EXPECT_THAT(runs(), ElementsAre());
 }
 
-TEST_F(SupportLog, TheSheetsButtonsTakeClicks) {
+TEST_F(SupportLog, SheetButtonsAcceptClicks) {
   launchAndOpen();
   timeline_.clear();
   openFirstSheet();
@@ -133,7 +133,7 @@ TEST_F(SupportLog, TheSheetsButtonsTakeClicks) {
   EXPECT_TRUE(sheetIsGone());
 }
 
-TEST_F(SupportLog, AHomeWithBlanksAndQuotesGetsItsArchive) {
+TEST_F(SupportLog, HomeWithBlanksAndQuotesGetsArchive) {
   const std::string home = "/tmp/home/it's a \"home\" $HOME";
   fs::create_directories(home);
   environment_["HOME"] = home;
@@ -143,7 +143,7 @@ TEST_F(SupportLog, AHomeWithBlanksAndQuotesGetsItsArchive) {
   EXPECT_THAT(archived(home + "/Desktop"), UnorderedElementsAre("system.log", "Tovalin_1.crash"));
 }
 
-TEST_F(SupportLog, ALocalisedDesktopGetsTheArchive) {
+TEST_F(SupportLog, LocalisedDesktopFolderGetsArchive) {
   write("/tmp/home/.config/user-dirs.dirs", "XDG_DESKTOP_DIR=\"$HOME/Mein Schreibtisch\"\n");
   launchAndOpen();
   collect();

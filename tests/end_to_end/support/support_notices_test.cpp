@@ -15,7 +15,7 @@ using test_support::waitUntil;
 
 constexpr const char* records = "/tmp/home/.local/share/Tovalin";
 
-// Whatever comes while the window is up: notices, and the agent's end.
+// Notices, and the agent's end, while the window is open.
 class SupportMeets : public SupportTest {
  protected:
   void openSheet() {
@@ -33,7 +33,8 @@ class SupportMeets : public SupportTest {
     ASSERT_TRUE(becomesActive(window->id));
   }
 
-  // While the notice is there a click at `place` of the window and a close request do nothing.
+  // Expects that while the notice is shown, a click at `place` of the window and a close request have no
+  // effect.
   void expectBlocked(const std::string& on, const std::string& off,
                      bool (*notice)(const test_support::XWindow&), Place place) {
     show(on, notice);
@@ -52,7 +53,7 @@ class SupportMeets : public SupportTest {
     turnToAnotherProgram();
     ASSERT_TRUE(windowGoes());
   }
-  // Which of these two windows stands above the other.
+  // Returns the upper of these two windows.
   [[nodiscard]] std::uint32_t upperOf(std::uint32_t one, std::uint32_t other) {
     std::istringstream list(runOnDisplay({"xprop", "-root", "_NET_CLIENT_LIST_STACKING"}));
     std::uint32_t upper = 0;
@@ -108,17 +109,17 @@ class SupportMeets : public SupportTest {
   }
 };
 
-TEST_F(SupportMeets, TheAccessNoticeTakesTheInputAndGivesItBack) {
+TEST_F(SupportMeets, AccessNoticeBlocksInputUntilHidden) {
   launchAndOpen();
   expectBlocked("-non", "-noff", isAccessNotice, faqMiddle);
 }
 
-TEST_F(SupportMeets, TheLoadingNoticeTakesTheInputAndGivesItBack) {
+TEST_F(SupportMeets, LoadingNoticeBlocksInputUntilHidden) {
   launchAndOpen();
   expectBlocked("-neon", "-neoff", isLoadingNotice, updateMiddle);
 }
 
-TEST_F(SupportMeets, BothNoticesWhileASheetIsUpLeaveTheSheetToBeAnswered) {
+TEST_F(SupportMeets, BothNoticesDuringSheetLeaveSheetOpen) {
   launchAndOpen();
   openSheet();
   show("-non", isAccessNotice);
@@ -135,19 +136,19 @@ TEST_F(SupportMeets, BothNoticesWhileASheetIsUpLeaveTheSheetToBeAnswered) {
   expectClosesForGood();
 }
 
-TEST_F(SupportMeets, ANoticeAfterUpdateComesAndGoesAndTheWindowServesOn) {
+TEST_F(SupportMeets, AccessNoticeAfterUpdateLeavesWindowWorking) {
   launchAndOpen();
   update();
   expectBlocked("-non", "-noff", isAccessNotice, faqMiddle);
 }
 
-TEST_F(SupportMeets, TheLoadingNoticeAfterUpdateComesAndGoesAndTheWindowServesOn) {
+TEST_F(SupportMeets, LoadingNoticeAfterUpdateLeavesWindowWorking) {
   launchAndOpen();
   update();
   expectBlocked("-neon", "-neoff", isLoadingNotice, faqMiddle);
 }
 
-TEST_F(SupportMeets, ANoticeThatBringsTheHiddenWindowBackStandsAboveItWithTheKeyboard) {
+TEST_F(SupportMeets, NoticeUnhidesWindowAndIsFocusedAboveIt) {
   launchAndOpen();
   hideBehindAnotherProgram();
   send("-non");
@@ -165,7 +166,7 @@ TEST_F(SupportMeets, ANoticeThatBringsTheHiddenWindowBackStandsAboveItWithTheKey
   expectClosesForGood();
 }
 
-TEST_F(SupportMeets, ANoticesEndLeavesTheHiddenWindowHidden) {
+TEST_F(SupportMeets, EndOfNoticeKeepsHiddenWindowHidden) {
   launchInPanel();
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
@@ -184,7 +185,7 @@ TEST_F(SupportMeets, ANoticesEndLeavesTheHiddenWindowHidden) {
   expectClosesForGood();
 }
 
-TEST_F(SupportMeets, ANoticesEndThatTheWindowManagerIsSlowToTellOfLeavesTheWindowThere) {
+TEST_F(SupportMeets, EndOfNoticeReportedLateKeepsWindow) {
   launchAndOpen();
   show("-non", isAccessNotice);
   display_.windowManager().signal(SIGSTOP);
@@ -197,7 +198,7 @@ TEST_F(SupportMeets, ANoticesEndThatTheWindowManagerIsSlowToTellOfLeavesTheWindo
   expectClosesForGood();
 }
 
-TEST_F(SupportMeets, OpenedOverANoticeThatThenGoesItTakesInputAndCloses) {
+TEST_F(SupportMeets, WindowOpenedOverNoticeAcceptsInputAfterNoticeEnds) {
   launchInPanel();
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
@@ -211,12 +212,12 @@ TEST_F(SupportMeets, OpenedOverANoticeThatThenGoesItTakesInputAndCloses) {
   expectClosesForGood();
 }
 
-TEST_F(SupportMeets, QuitBehindTheOpenWindow) {
+TEST_F(SupportMeets, QuitBehindOpenWindow) {
   launchAndOpen();
   expectQuits();
 }
 
-TEST_F(SupportMeets, QuitBehindASheet) {
+TEST_F(SupportMeets, QuitBehindSheet) {
   launchAndOpen();
   openSheet();
   expectQuits();
@@ -228,113 +229,113 @@ TEST_F(SupportMeets, QuitAfterUpdate) {
   expectQuits();
 }
 
-TEST_F(SupportMeets, QuitBehindANoticeOverTheWindow) {
+TEST_F(SupportMeets, QuitBehindNoticeOverWindow) {
   launchAndOpen();
   show("-neon", isLoadingNotice);
   expectQuits();
 }
 
-TEST_F(SupportMeets, QuitWhileTheWindowIsHidden) {
+TEST_F(SupportMeets, QuitWhileWindowIsHidden) {
   launchAndOpen();
   hideBehindAnotherProgram();
   expectQuits();
 }
 
-TEST_F(SupportMeets, TheSignalWhileTheWindowIsHidden) {
+TEST_F(SupportMeets, SignalWhileWindowIsHidden) {
   launchAndOpen();
   hideBehindAnotherProgram();
   expectEndsBySignal();
 }
 
-TEST_F(SupportMeets, TheBundlesEndWhileTheWindowIsHidden) {
+TEST_F(SupportMeets, LossOfBundleWhileWindowIsHidden) {
   launchAndOpen();
   hideBehindAnotherProgram();
   expectEndsWithTheBundle();
 }
 
-TEST_F(SupportMeets, QuitBehindANoticeOverASheet) {
+TEST_F(SupportMeets, QuitBehindNoticeOverSheet) {
   launchAndOpen();
   openSheet();
   show("-non", isAccessNotice);
   expectQuits();
 }
 
-TEST_F(SupportMeets, QuitBehindANoticeAfterUpdate) {
+TEST_F(SupportMeets, QuitBehindNoticeAfterUpdate) {
   launchAndOpen();
   update();
   show("-neon", isLoadingNotice);
   expectQuits();
 }
 
-TEST_F(SupportMeets, TheSignalBehindTheOpenWindow) {
+TEST_F(SupportMeets, SignalBehindOpenWindow) {
   launchAndOpen();
   expectEndsBySignal();
 }
 
-TEST_F(SupportMeets, TheSignalBehindASheet) {
+TEST_F(SupportMeets, SignalBehindSheet) {
   launchAndOpen();
   openSheet();
   expectEndsBySignal();
 }
 
-TEST_F(SupportMeets, TheSignalAfterUpdate) {
+TEST_F(SupportMeets, SignalAfterUpdate) {
   launchAndOpen();
   update();
   expectEndsBySignal();
 }
 
-TEST_F(SupportMeets, TheSignalBehindANoticeOverTheWindow) {
+TEST_F(SupportMeets, SignalBehindNoticeOverWindow) {
   launchAndOpen();
   show("-neon", isLoadingNotice);
   expectEndsBySignal();
 }
 
-TEST_F(SupportMeets, TheSignalBehindANoticeOverASheet) {
+TEST_F(SupportMeets, SignalBehindNoticeOverSheet) {
   launchAndOpen();
   openSheet();
   show("-non", isAccessNotice);
   expectEndsBySignal();
 }
 
-TEST_F(SupportMeets, TheSignalBehindANoticeAfterUpdate) {
+TEST_F(SupportMeets, SignalBehindNoticeAfterUpdate) {
   launchAndOpen();
   update();
   show("-non", isAccessNotice);
   expectEndsBySignal();
 }
 
-TEST_F(SupportMeets, TheBundlesEndBehindANoticeOverTheWindow) {
+TEST_F(SupportMeets, LossOfBundleBehindNoticeOverWindow) {
   launchAndOpen();
   show("-non", isAccessNotice);
   expectEndsWithTheBundle();
 }
 
-TEST_F(SupportMeets, TheBundlesEndBehindANoticeOverASheet) {
+TEST_F(SupportMeets, LossOfBundleBehindNoticeOverSheet) {
   launchAndOpen();
   openSheet();
   show("-neon", isLoadingNotice);
   expectEndsWithTheBundle();
 }
 
-TEST_F(SupportMeets, TheBundlesEndBehindANoticeAfterUpdate) {
+TEST_F(SupportMeets, LossOfBundleBehindNoticeAfterUpdate) {
   launchAndOpen();
   update();
   show("-neon", isLoadingNotice);
   expectEndsWithTheBundle();
 }
 
-TEST_F(SupportMeets, TheBundlesEndBehindTheOpenWindow) {
+TEST_F(SupportMeets, LossOfBundleBehindOpenWindow) {
   launchAndOpen();
   expectEndsWithTheBundle();
 }
 
-TEST_F(SupportMeets, TheBundlesEndBehindASheet) {
+TEST_F(SupportMeets, LossOfBundleBehindSheet) {
   launchAndOpen();
   openSheet();
   expectEndsWithTheBundle();
 }
 
-TEST_F(SupportMeets, EachEndOfTheBundleEndsTheAgentBehindASheetAndANoticeWithinTwoSeconds) {
+TEST_F(SupportMeets, EachLossOfBundleBehindSheetAndNoticeEndsAgentWithinTwoSeconds) {
   const auto withSheetAndNotice = [this] {
     launchAndOpen();
     openSheet();
@@ -348,7 +349,7 @@ TEST_F(SupportMeets, EachEndOfTheBundleEndsTheAgentBehindASheetAndANoticeWithinT
   EXPECT_LT(timeToEnd(withSheetAndNotice, [this] { removeAtOnce(bundle_); }), longestEnd);
 }
 
-TEST_F(SupportMeets, TheBundlesEndAfterUpdate) {
+TEST_F(SupportMeets, LossOfBundleAfterUpdate) {
   launchAndOpen();
   update();
   expectEndsWithTheBundle();

@@ -41,7 +41,7 @@ inline std::string bannerList(const std::string& entries) {
   return plist("<array>" + entries + "</array>");
 }
 
-// A picture of one colour, as PPM.
+// Returns a uniformly coloured picture as PPM.
 inline std::string pictureFile(test_support::Colour colour, int width = 420, int height = 40) {
   std::string bytes = "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
   for (int i = 0; i < width * height; ++i)
@@ -50,7 +50,7 @@ inline std::string pictureFile(test_support::Colour colour, int width = 420, int
   return bytes;
 }
 
-// A product server that has all that the support window shows: an update, a notice, and one red banner.
+// A product server with all files of the support window: an update, a notice, and one red banner.
 class SupportServer {
  public:
   void fillServer() {
@@ -60,7 +60,7 @@ class SupportServer {
     server_->put(bannerFolder + std::string("red.ppm"), pictureFile(red));
   }
 
-  // The paths that were fetched since the call before.
+  // Returns the paths fetched since the last call.
   [[nodiscard]] std::vector<std::string> takeFetches() {
     std::vector<std::string> targets;
     const auto requests = server_->requests();

@@ -15,7 +15,7 @@ using testing::ElementsAre;
 
 constexpr const char* openUpdater = "run: open /tmp/tovalinupdate.app";
 
-// As long as it lives /tmp has room in the files that it holds, and for no other.
+// Makes /tmp fail with ENOSPC for new files while this object exists; existing files can still grow.
 class NoMoreFilesInTmp {
  public:
   NoMoreFilesInTmp() {
@@ -38,7 +38,7 @@ class NoMoreFilesInTmp {
   fsfilcnt_t most_ = 0;
 };
 
-// The Update button and what remains of the window after it.
+// The Update button and the window after its use.
 class SupportUpdate : public SupportTest {
  protected:
   void SetUp() override {
@@ -53,12 +53,12 @@ class SupportUpdate : public SupportTest {
   }
 };
 
-TEST_F(SupportUpdate, CopiesTheUpdaterAndOpensTheCopy) {
+TEST_F(SupportUpdate, CopiesUpdaterAndOpensCopy) {
   update();
   EXPECT_TRUE(std::filesystem::exists("/tmp/tovalinupdate.app/Contents/Info.plist"));
 }
 
-TEST_F(SupportUpdate, TellsSoSendsItsBeaconAndRunsBothCommandsInTheirOrder) {
+TEST_F(SupportUpdate, LogsSendsBeaconAndRunsBothCommandsInOrder) {
   std::filesystem::copy_file(TOVALIN_RECORDER, "/tmp/outside commands/cp",
                              std::filesystem::copy_options::overwrite_existing);
   timeline_.setStatus("cp", 1);
@@ -71,7 +71,7 @@ TEST_F(SupportUpdate, TellsSoSendsItsBeaconAndRunsBothCommandsInTheirOrder) {
   std::filesystem::remove("/tmp/outside commands/cp");
 }
 
-TEST_F(SupportUpdate, LeavesNothingWhereTheProductBringsNoUpdater) {
+TEST_F(SupportUpdate, MissingUpdaterLeavesNothing) {
   launchAndOpen();
   std::filesystem::remove_all(bundle_ + "/Contents/Resources/tovalinupdate.app");
   timeline_.clear();
@@ -80,7 +80,7 @@ TEST_F(SupportUpdate, LeavesNothingWhereTheProductBringsNoUpdater) {
   EXPECT_FALSE(std::filesystem::exists("/tmp/tovalinupdate.app"));
 }
 
-TEST_F(SupportUpdate, CopiesOverItsOwnCopyFromBefore) {
+TEST_F(SupportUpdate, OwnCopyFromBeforeIsReplaced) {
   std::filesystem::create_directories("/tmp/tovalinupdate.app/Contents");
   std::ofstream("/tmp/tovalinupdate.app/Contents/Info.plist") << "old";
   update();
@@ -88,7 +88,7 @@ TEST_F(SupportUpdate, CopiesOverItsOwnCopyFromBefore) {
               testing::Not(testing::HasSubstr("old")));
 }
 
-TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereAnothersFolderStands) {
+TEST_F(SupportUpdate, FolderOfAnotherUserIsNeitherFilledNorOpened) {
   std::filesystem::create_directories("/tmp/tovalinupdate.app");
   std::filesystem::permissions("/tmp/tovalinupdate.app", std::filesystem::perms(0777));
   launchAndOpen();
@@ -102,8 +102,8 @@ TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereAnothersFolderStands) {
   EXPECT_TRUE(std::filesystem::is_empty("/tmp/tovalinupdate.app"));
 }
 
-// Somebody else could put a folder there between the failure and the copy.
-TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereTheFolderCanNotBeMade) {
+// Another user could create the folder between the failure and the copy.
+TEST_F(SupportUpdate, FailureToCreateFolderCopiesAndOpensNothing) {
   launchAndOpen();
   timeline_.clear();
   const NoMoreFilesInTmp full;
@@ -115,13 +115,13 @@ TEST_F(SupportUpdate, NeitherCopiesNorOpensWhereTheFolderCanNotBeMade) {
   EXPECT_EQ(count("run: "), 0);
 }
 
-TEST_F(SupportUpdate, LeavesTheWindowInFrontAndServing) {
+TEST_F(SupportUpdate, WindowStaysInFrontAndWorks) {
   update();
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(supportWindows(), 1);
   EXPECT_TRUE(becomesActive(window_.id));
-  // In front of the agent's windows, and not kept above those of other programs.
+  // Above the agent's other windows, but not kept above those of other programs.
   EXPECT_TRUE(test_support::waitForWindow(display_.name(), [](const test_support::XWindow& window) {
     return isSupportWindow(window) && std::ranges::count(window.states, "_NET_WM_STATE_ABOVE") == 0;
   }));
@@ -130,7 +130,7 @@ TEST_F(SupportUpdate, LeavesTheWindowInFrontAndServing) {
   EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]"), 0);
 }
 
-TEST_F(SupportUpdate, ChoosingTheWindowAgainOnlyFetchesAgain) {
+TEST_F(SupportUpdate, ChoosingWindowAgainOnlyFetchesAgain) {
   update();
   static_cast<void>(takeFetches());
   choose();
@@ -141,7 +141,7 @@ TEST_F(SupportUpdate, ChoosingTheWindowAgainOnlyFetchesAgain) {
   EXPECT_EQ(supportWindows(), 1);
 }
 
-TEST_F(SupportUpdate, PressedTwiceRunsTwiceAndEndsNothingElse) {
+TEST_F(SupportUpdate, PressingTwiceRunsTwice) {
   update();
   timeline_.clear();
   clickAt(updateMiddle);
@@ -151,7 +151,7 @@ TEST_F(SupportUpdate, PressedTwiceRunsTwiceAndEndsNothingElse) {
   terminateAgent();
 }
 
-TEST_F(SupportUpdate, TheWindowThatStayedClosesAndTheNextOneIsFresh) {
+TEST_F(SupportUpdate, RemainingWindowClosesAndNextOneIsNew) {
   update();
   closeWindow();
   EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]"));
@@ -161,7 +161,7 @@ TEST_F(SupportUpdate, TheWindowThatStayedClosesAndTheNextOneIsFresh) {
   closeWindow();
 }
 
-TEST_F(SupportUpdate, AFailedFetchLaterLeavesTheOpenWindowAlone) {
+TEST_F(SupportUpdate, LaterFailedFetchLeavesOpenWindowUnchanged) {
   update();
   server_.reset();
   choose();
@@ -173,7 +173,7 @@ TEST_F(SupportUpdate, AFailedFetchLaterLeavesTheOpenWindowAlone) {
   EXPECT_TRUE(waitForText(openUpdater));
 }
 
-TEST_F(SupportUpdate, IsDisabledInAWindowThatOpensWithoutANetworkAfterOneWithAnUpdate) {
+TEST_F(SupportUpdate, IsDisabledWithoutNetworkAfterWindowWithUpdate) {
   launchAndOpen();
   closeWindow();
   server_.reset();

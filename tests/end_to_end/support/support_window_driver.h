@@ -17,7 +17,7 @@
 #include "tests/harness/processes/child_process.h"
 #include "tests/harness/processes/wait_until.h"
 
-// A place in the support window in points from its lower left corner, as its layout counts.
+// A position in the support window, in points from its lower left corner, as in its layout.
 struct Place {
   int x = 0;
   int y = 0;
@@ -25,16 +25,16 @@ struct Place {
 
 inline constexpr Place updateMiddle{70, 62}, faqMiddle{210, 62}, logMiddle{350, 62};
 inline constexpr Place firstLink{150, 177}, secondLink{150, 147}, bannerMiddle{210, 20};
-// The button of a sheet that Return presses.
+// The default button of a sheet.
 inline constexpr Place sheetsDefault{350, 163};
-// Where nothing is ever drawn but the background.
+// A position where only the background is drawn.
 inline constexpr Place bareSpot{4, 60};
 
 inline bool isSupportWindow(const test_support::XWindow& window) {
   return window.name == "Support Tovalin";
 }
 
-// The agent's support window as its user sees and uses it, chosen in the panel's menu.
+// Uses the agent's support window, opened from the panel's menu, like its user.
 class SupportWindowDriver {
  public:
   SupportWindowDriver(TestDesktop& desktop, RunningAgent& agent, NoticePipe& pipe)
@@ -44,7 +44,7 @@ class SupportWindowDriver {
 
   void choose(const std::string& line = "Support Tovalin") { ASSERT_TRUE(windowDesktop_.host_.click(line)); }
 
-  // Chooses the window in the menu and waits until it stands there with the keyboard.
+  // Chooses the window in the menu and waits until it is shown and focused.
   void openWindow() {
     ASSERT_NO_FATAL_FAILURE(choose());
     waitForSupportWindow();
@@ -61,7 +61,7 @@ class SupportWindowDriver {
     if (!testing::Test::HasFatalFailure()) openWindow();
   }
 
-  // Another program's windows, of which one gets the keyboard.
+  // Opens another program's windows, one of which gets the input focus.
   void turnToAnotherProgram() {
     ASSERT_TRUE(
         program_.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = windowDesktop_.environment_}));
@@ -74,7 +74,7 @@ class SupportWindowDriver {
   [[nodiscard]] bool windowGoes() const {
     return test_support::waitForNoWindow(windowDesktop_.display_.name(), isSupportWindow);
   }
-  // For longer than the agent waits for the keyboard to be handed on before it hides the window.
+  // Waits longer than the agent waits for the next focused window before it hides its own.
   [[nodiscard]] bool windowStays() const {
     return !test_support::waitForNoWindow(windowDesktop_.display_.name(), isSupportWindow,
                                           std::chrono::milliseconds(500));
@@ -92,7 +92,7 @@ class SupportWindowDriver {
         std::ranges::count_if(test_support::windowsOn(windowDesktop_.display_.name()), isSupportWindow));
   }
 
-  // The middle of the point's upper left pixel and so on, as the display counts.
+  // Display coordinates of the upper left pixel of that point.
   [[nodiscard]] int screenX(Place place) const { return window_.x + place.x * screenScale(); }
   [[nodiscard]] int screenY(Place place) const { return window_.y + (239 - place.y) * screenScale(); }
   void clickAt(Place place) {
@@ -105,7 +105,7 @@ class SupportWindowDriver {
     return test_support::colourAt(windowDesktop_.display_.name(), screenX(place), screenY(place))
         .value_or(test_support::Colour{});
   }
-  // Of a part of the window in points, its lower left corner first.
+  // Returns a picture of a part of the window in points, given by its lower left corner.
   [[nodiscard]] test_support::XPicture pictureOfPart(Place corner, int width, int height) const {
     const Place upperLeft{corner.x, corner.y + height - 1};
     return test_support::pictureOf(
@@ -114,7 +114,7 @@ class SupportWindowDriver {
         .value_or(test_support::XPicture({}, {}));
   }
 
-  // A sheet shades all of the window that it does not cover.
+  // A sheet dims the part of the window that it does not cover.
   [[nodiscard]] bool sheetIsUp() const {
     return test_support::waitUntil([&] { return colourOf(bareSpot).red < 200; });
   }
@@ -122,15 +122,15 @@ class SupportWindowDriver {
     return test_support::waitUntil([&] { return colourOf(bareSpot).red > 220; });
   }
 
-  // The upper part of the sheet, which shows its message and distinguishes it from other sheets.
+  // Returns the upper part of the sheet, whose message distinguishes it from other sheets.
   [[nodiscard]] test_support::XPicture messageOfSheet() const { return pictureOfPart({100, 180}, 300, 55); }
 
   void openFirstSheet() {
     clickAt(logMiddle);
     ASSERT_TRUE(sheetIsUp());
   }
-  // Returns when the second sheet is up. A key that is held down while the agent collects might answer that
-  // one too, a click does not.
+  // Returns once the second sheet is open. Uses a click, because a key that is still held down when the
+  // collection ends would answer that sheet, too.
   void collect() {
     ASSERT_NO_FATAL_FAILURE(openFirstSheet());
     const auto question = messageOfSheet();
@@ -142,12 +142,12 @@ class SupportWindowDriver {
         [&] { return !(messageOfSheet() == question) && colourOf(bareSpot).red < 200; }));
   }
 
-  // Returns when the agent has taken in all that the user did before.
+  // Returns once the agent has processed all earlier input.
   void serveAll() {
     choose("Automount Off");
     ASSERT_TRUE(windowAgent_.waitForText("pipe: -u"));
   }
-  // The agent answers clicks on the menu, and did nothing with what the user did before.
+  // Expects that the agent answers clicks on the menu and ran no command for the earlier input.
   void expectNothingRun() {
     choose("Automount Off");
     ASSERT_TRUE(windowAgent_.waitForText("pipe: -u"));
@@ -155,7 +155,7 @@ class SupportWindowDriver {
   }
 
   test_support::XWindow window_;
-  // Another program's, once the test has turned to it.
+  // The other program of turnToAnotherProgram().
   test_support::ChildProcess program_;
 
  private:

@@ -16,7 +16,7 @@ using testing::HasSubstr;
 constexpr const char* closeLog =
     "log 6: -[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close.";
 
-// Opening, closing and the keyboard.
+// Opening, closing and input focus.
 class SupportWindow : public SupportTest {
  protected:
   void expectOpensAfresh() {
@@ -28,7 +28,7 @@ class SupportWindow : public SupportTest {
   }
 };
 
-TEST_F(SupportWindow, FetchesVersionThenBannersThenNoticeThenTheBannersPicture) {
+TEST_F(SupportWindow, FetchesVersionBannersNoticeAndPictureInOrder) {
   launchInPanel();
   static_cast<void>(takeFetches());
   openWindow();
@@ -39,7 +39,7 @@ TEST_F(SupportWindow, FetchesVersionThenBannersThenNoticeThenTheBannersPicture) 
   EXPECT_THAT(console(), HasSubstr("recentversion : 9.0.0, currentversion : 1.0.0"));
 }
 
-TEST_F(SupportWindow, AsksPastEveryCache) {
+TEST_F(SupportWindow, RequestsBypassCaches) {
   launchAndOpen();
   for (const auto& request : server_->requests()) {
     if (request.method != "GET") continue;
@@ -49,7 +49,7 @@ TEST_F(SupportWindow, AsksPastEveryCache) {
   }
 }
 
-TEST_F(SupportWindow, StandsInTheMiddleInItsOneSize) {
+TEST_F(SupportWindow, IsCentredWithFixedSize) {
   launchAndOpen();
   EXPECT_EQ(window_.width, 420);
   EXPECT_EQ(window_.height, 240);
@@ -60,7 +60,7 @@ TEST_F(SupportWindow, StandsInTheMiddleInItsOneSize) {
   EXPECT_THAT(hints, HasSubstr("maximum size: 420 by 240"));
 }
 
-TEST_F(SupportWindow, ChosenAgainWhileItIsOpenFetchesVersionAndBannersAndOpensNoSecond) {
+TEST_F(SupportWindow, ChosenAgainWhileOpenFetchesButOpensNoSecondWindow) {
   launchAndOpen();
   ASSERT_TRUE(waitForClickBeacon("support"));
   timeline_.clear();
@@ -72,7 +72,7 @@ TEST_F(SupportWindow, ChosenAgainWhileItIsOpenFetchesVersionAndBannersAndOpensNo
     for (const auto& target : takeFetches()) fetched.push_back(target);
     return fetched.size() >= 2;
   }));
-  // Served only after all that the second choice did.
+  // Handled only after all work for the second choice.
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_TRUE(takeFetches().empty());
@@ -81,7 +81,7 @@ TEST_F(SupportWindow, ChosenAgainWhileItIsOpenFetchesVersionAndBannersAndOpensNo
   EXPECT_EQ(supportWindows(), 1);
 }
 
-TEST_F(SupportWindow, ClosedByTheWindowManagerTellsSoOnceAndOpensAfresh) {
+TEST_F(SupportWindow, ClosingByWindowManagerIsLoggedOnceAndReopensNewWindow) {
   launchAndOpen();
   closeWindow();
   EXPECT_TRUE(waitForText(closeLog));
@@ -91,7 +91,7 @@ TEST_F(SupportWindow, ClosedByTheWindowManagerTellsSoOnceAndOpensAfresh) {
   terminateAgent();
 }
 
-TEST_F(SupportWindow, ClosedWithEscapeTellsSoOnceAndOpensAfresh) {
+TEST_F(SupportWindow, ClosingWithEscapeIsLoggedOnceAndReopensNewWindow) {
   launchAndOpen();
   press("Escape");
   ASSERT_TRUE(windowGoes());
@@ -100,16 +100,16 @@ TEST_F(SupportWindow, ClosedWithEscapeTellsSoOnceAndOpensAfresh) {
   expectOpensAfresh();
 }
 
-TEST_F(SupportWindow, AClosedWindowIsNotOrderedFrontAgain) {
+TEST_F(SupportWindow, ClosedWindowIsNotOrderedFront) {
   launchAndOpen();
   closeWindow();
-  // The ordering front came before this, had it come.
+  // Ordering the window front would have happened before this.
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(supportWindows(), 0);
 }
 
-TEST_F(SupportWindow, FaqOpensTheSupportPageOnce) {
+TEST_F(SupportWindow, FaqOpensSupportPageOnce) {
   launchAndOpen();
   timeline_.clear();
   clickAt(faqMiddle);
@@ -120,7 +120,7 @@ TEST_F(SupportWindow, FaqOpensTheSupportPageOnce) {
   EXPECT_EQ(beaconsOf("faqbtn"), 1);
 }
 
-TEST_F(SupportWindow, GoesWhileAnotherProgramIsInFrontAndComesBackByTheMenu) {
+TEST_F(SupportWindow, HidesWhileOtherProgramIsActiveAndReturnsByMenu) {
   launchAndOpen();
   turnToAnotherProgram();
   ASSERT_TRUE(windowGoes());
@@ -134,7 +134,7 @@ TEST_F(SupportWindow, GoesWhileAnotherProgramIsInFrontAndComesBackByTheMenu) {
   closeWindow();
 }
 
-TEST_F(SupportWindow, StaysWhileTheKeyboardsHolderIsAnothersWindowThatHasJustGone) {
+TEST_F(SupportWindow, StaysWhileFocusedWindowOfOtherProgramIsGone) {
   launchAndOpen();
   display_.windowManager().signal(SIGSTOP);
   const test_support::XConnection x(display_.name());
@@ -147,7 +147,7 @@ TEST_F(SupportWindow, StaysWhileTheKeyboardsHolderIsAnothersWindowThatHasJustGon
   x.synchronize();
   EXPECT_TRUE(windowStays());
   xcb_destroy_window(x.get(), gone);
-  // The window manager would name another, and be looked at again.
+  // A window manager would set another window, which the agent would check again.
   xcb_change_property(x.get(), XCB_PROP_MODE_REPLACE, x.root(), x.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW,
                       32, 1, &gone);
   x.synchronize();
@@ -158,7 +158,7 @@ TEST_F(SupportWindow, StaysWhileTheKeyboardsHolderIsAnothersWindowThatHasJustGon
   EXPECT_TRUE(windowGoes());
 }
 
-TEST_F(SupportWindow, GoesWithItsSheetAndBothComeBackByTheMenu) {
+TEST_F(SupportWindow, HidesWithItsSheetAndBothReturnByMenu) {
   launchAndOpen();
   clickAt(logMiddle);
   ASSERT_TRUE(sheetIsUp());
@@ -175,10 +175,10 @@ TEST_F(SupportWindow, GoesWithItsSheetAndBothComeBackByTheMenu) {
   closeWindow();
 }
 
-TEST_F(SupportWindow, TheKeyboardGoesFromControlToControlInTheirOrder) {
+TEST_F(SupportWindow, TabMovesFocusInOrder) {
   launchAndOpen();
   timeline_.clear();
-  // Update has the keyboard from the beginning.
+  // Update is focused initially.
   press("Tab");
   press("Return");
   ASSERT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate faqBtnClick:]"));
@@ -202,7 +202,7 @@ TEST_F(SupportWindow, TheKeyboardGoesFromControlToControlInTheirOrder) {
   ASSERT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate updateBtnClick:]"));
 }
 
-TEST_F(SupportWindow, TheKeyboardPassesABannerThatLeadsNowhereBy) {
+TEST_F(SupportWindow, TabSkipsBannerWithoutLink) {
   server_->put(bannerListFile, bannerList(""));
   launchAndOpen();
   timeline_.clear();
@@ -211,7 +211,7 @@ TEST_F(SupportWindow, TheKeyboardPassesABannerThatLeadsNowhereBy) {
   EXPECT_TRUE(waitForText("log 6: -[nimbatrayAppDelegate updateBtnClick:]"));
 }
 
-TEST_F(SupportWindow, TheFirstButtonThatIsEnabledHasTheKeyboardAndEnterPressesIt) {
+TEST_F(SupportWindow, FirstEnabledButtonIsFocusedAndPressedByEnter) {
   server_->putVersion("1.0.0");
   launchAndOpen();
   timeline_.clear();
@@ -220,7 +220,7 @@ TEST_F(SupportWindow, TheFirstButtonThatIsEnabledHasTheKeyboardAndEnterPressesIt
   EXPECT_EQ(supportWindows(), 1);
 }
 
-TEST_F(SupportWindow, WithoutAVersionOfItsOwnItSaysNull) {
+TEST_F(SupportWindow, MissingOwnVersionIsShownAsNull) {
   const auto shownVersion = [&] {
     openWindow();
     return pictureOfPart({0, 105}, 135, 26);
@@ -233,7 +233,7 @@ TEST_F(SupportWindow, WithoutAVersionOfItsOwnItSaysNull) {
     ASSERT_NE(at, std::string::npos);
     std::ofstream(path) << list.replace(at, old.size(), text);
   };
-  // What it looks like when the version is that word.
+  // Capture the window with this word as its version.
   replaceInPlist("1.0.0", "(null)");
   launchInPanel();
   const auto word = shownVersion();

@@ -27,7 +27,8 @@ const std::string dayBefore = folder + "/Tovalin_2024_03_06.dat";
 const std::string newDay = folder + "/Tovalin_2024_03_07.dat";
 constexpr std::chrono::sys_days launchDay = std::chrono::year(2024) / 3 / 6;
 
-// When the model of the tool `fleet` uploads, launched at that time and awake from then on.
+// Computes with the model of the tool `fleet` when an agent uploads that is launched at that time and never
+// sleeps.
 class FirstUpload : public fleet::Events {
  public:
   explicit FirstUpload(LifeClock::Time launch, std::vector<fleet::SleepPeriod> sleepPeriods = {}) {
@@ -45,7 +46,7 @@ class FirstUpload : public fleet::Events {
   std::optional<LifeClock::Time> time_;
 };
 
-// The time in the start record, which is written right before the timer is made.
+// Returns the time in the start record, which is written directly before the timer starts.
 LifeClock::Time launchTime() {
   const std::string bytes = contentsOf(dayBefore);
   const std::string time = bytes.substr(bytes.find(startRecord) + startRecord.size() + 11, 8);
@@ -58,8 +59,8 @@ bool isLaunched() {
   return waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; });
 }
 
-// One installation at a time, on a clock that is put forward to just before the ticks that matter. Its
-// parameter is the second of the minute at which the agent is started.
+// Tests one installation at a time with a fake clock, which is put forward to just before the relevant ticks.
+// The parameter is the second of the minute at which the agent is started.
 class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
  protected:
   void SetUp() override {
@@ -71,17 +72,17 @@ class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
     for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
   }
 
-  // Ticks that were passed over come as one right behind the tick before this one, which has nothing to do.
+  // Skipped ticks are delivered as one, two seconds after the tick before `tick`, when no work is due.
   void forwardToJustBefore(LifeClock::Time tick) {
     for (const auto before : {58s, 2s}) {
       clock_.forwardTo(tick - before);
-      // The first question ends the agent's wait, whose length was reckoned before; the second is answered
-      // once all is done that was due.
+      // The first D-Bus request ends the agent's wait, whose timeout was computed before; the second is
+      // answered once all due work is done.
       ASSERT_TRUE(host_.ask("properties").ok && host_.ask("properties").ok);
     }
   }
 
-  // Whether the file of the day before is sent at that tick and not before it.
+  // Returns whether the past file is uploaded at that tick and not before it.
   [[nodiscard]] bool uploadsAt(LifeClock::Time tick) {
     forwardToJustBefore(tick);
     if (uploads() > 0 && clock_.now() < tick) ADD_FAILURE() << "uploaded too early";
@@ -95,7 +96,7 @@ class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
   ProductServerDouble server_;
 };
 
-TEST_P(FleetAgent, UploadsAtTheSecondThatTheModelSays) {
+TEST_P(FleetAgent, UploadsAtSecondPredictedByModel) {
   clock_.processStarts();
   launchAgentInPanel();
   ASSERT_TRUE(isLaunched());
@@ -109,14 +110,14 @@ TEST_P(FleetAgent, UploadsAtTheSecondThatTheModelSays) {
   ASSERT_TRUE(waitUntil([] { return fs::exists(newDay); }));
 
   LifeClock::Time said = FirstUpload(launch).time();
-  // Where the launch was at the end of its second, ticks may show the next one.
+  // If the launch was at the end of its second, ticks may show the next one.
   if (!uploadsAt(said)) said = FirstUpload(launch + 1s).time();
   EXPECT_TRUE(uploadsAt(said));
 }
 
 INSTANTIATE_TEST_SUITE_P(Launches, FleetAgent, testing::Values(2, 13, 25, 38, 47));
 
-// An agent whose machine sleeps: the wall clock goes on without the clock of its timer.
+// The agent on a suspended machine: the wall clock advances, but not the clock of its timer.
 class SleepingAgent : public AgentTest {
  protected:
   using Wall = std::chrono::sys_time<std::chrono::duration<double>>;
@@ -146,13 +147,13 @@ class SleepingAgent : public AgentTest {
   ProductServerDouble server_;
 };
 
-TEST_F(SleepingAgent, UploadsAtTheSecondThatTheModelSays) {
+TEST_F(SleepingAgent, UploadsAtSecondPredictedByModel) {
   setWall(launchDay + 23h + 50min + 10s);
   launchAgentInPanel();
   ASSERT_TRUE(isLaunched());
   const LifeClock::Time launch = launchTime();
-  // The first tick comes a minute of the timer's clock after the launch. After this sleep it shows a minute
-  // and a second of the same number, at about the second's middle.
+  // The first tick comes one minute of the timer's clock after the launch. After this suspension the wall
+  // clock then shows a minute and a second with the same number, at about the middle of the second.
   const LifeClock::Time tick = launchDay + 24h + 6h + 17min + 17s;
   const auto asleep = tick - (launch + 60s);
   setWall(Wall(launch + asleep) + 400ms);

@@ -47,8 +47,7 @@ void LifeClock::forwardTo(Time time) {
   if (time > current()) put(time);
 }
 
-// The process takes what is written for the time at which it reads it first, so it must never read half of
-// it.
+// Replaces the file atomically: the process must not read a partially written time.
 void LifeClock::put(Time time) {
   const std::string draft = std::string(kFile) + ".new";
   std::ofstream(draft) << textOf(time);

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-// The clocks of one process at a time, which is started with `environment()`. They run `rate` times as fast
-// as the test's, and can be put forward while the process runs. Any thread.
+// The fake clocks of one process at a time, which is started with `environment()`. They run `rate` times as
+// fast as the test's clock, and can be put forward while the process runs. Thread-safe.
 class LifeClock {
  public:
   using Time = std::chrono::sys_seconds;
@@ -17,13 +17,13 @@ class LifeClock {
 
   [[nodiscard]] static std::map<std::string, std::optional<std::string>> environment();
 
-  // What the process's clock shows; it may be a moment behind.
+  // Returns the time that the process sees; it may lag slightly.
   [[nodiscard]] Time now() const;
   [[nodiscard]] std::chrono::sys_days today() const { return std::chrono::floor<std::chrono::days>(now()); }
 
   void forward(std::chrono::seconds by);
   void forwardTo(Time time);
-  // To be called right before a process is started: its clock goes on where that of the last one is.
+  // Call directly before starting a process: its clock continues where that of the previous process ended.
   void processStarts() { forward(std::chrono::seconds(1)); }
 
  private:

@@ -45,7 +45,7 @@ void LifeTest::SetUp() {
   setUpForSupport(*this, *this, *this);
   if (HasFatalFailure()) return;
   ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
-  // A second Escape would close the window behind the sheet.
+  // A repeated Escape would also close the window behind the sheet.
   ASSERT_TRUE(test_support::stopKeyRepeat(display_.name()));
   ASSERT_TRUE(portal_.start(bus_, "2"));
   placeScript("journalctl", std::string("echo '") + systemEntry + "'");
@@ -260,7 +260,8 @@ void LifeTest::collectLogs() {
   for (const fs::path& folder : inFolder("/tmp", "tovalinlog_")) fs::remove_all(folder);
 }
 
-// The button is there unless the version could not be had in the agent's short seconds.
+// The button is disabled if the version was not fetched within the agent's timeout, which the fast clock
+// shortens.
 void LifeTest::update() {
   ASSERT_NO_FATAL_FAILURE(openWindow());
   clickAt(updateMiddle);
@@ -278,7 +279,7 @@ void LifeTest::showNoticeOverSupport() {
   closeWindow();
 }
 
-// The notice's end stops the run of the window that was opened last.
+// The end of the notice stops the modal run of the window opened last.
 void LifeTest::openSupportOverNotice() {
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
@@ -302,9 +303,9 @@ void LifeTest::restartHost() {
   ASSERT_TRUE(host_.waitForEvent("registered"));
 }
 
-// Records before, at and after it, then on until the minute of the day's uploads, which comes once an hour
-// and may be the first of the day. A step may pass over it, so some hours are tried, in uneven steps. An
-// upload may lose one of these steps of what it waits for an answer, so they are short.
+// Writes records before, at and after midnight, then advances to the minute of the day's uploads, which comes
+// once an hour and may be the first one of the day. A step may skip it, so several hours are tried in uneven
+// steps. Steps are short, because each reduces the time that an upload under way waits for its reply.
 void LifeTest::passMidnight() {
   const std::size_t past = usageFiles().size(), before = uploads_.arrived();
   const auto midnight = clock_.today() + std::chrono::days(1);
@@ -319,7 +320,7 @@ void LifeTest::passMidnight() {
   ASSERT_NO_FATAL_FAILURE(waitForUploads(before, past));
 }
 
-// Of that many past files, of which those that are taken go.
+// Waits for the uploads of `past` files, and for the deletion of those that were accepted.
 void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
   ASSERT_TRUE(waitUntil([&] { return uploads_.arrived() >= before + past; }, 60s))
       << uploads_.arrived() - before << " of " << past << " files were sent to server " << serverOption()
@@ -328,8 +329,8 @@ void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
       << testing::PrintToString(uploads_.complaints(pastFiles()));
 }
 
-// The main thread answers, so it has done all that it was asked before, but for what the menu's last line
-// begins. It may be among uploads.
+// The main thread answers, so it has completed all earlier work except what the menu's Quit begins. Uploads
+// may be under way.
 void LifeTest::waitUntilIdle() {
   const auto answer = host_.ask("properties", 60s);
   ASSERT_TRUE(answer.ok) << answer.text << ", after " << uploads_.arrived() << " uploads" << agentsState();
@@ -351,7 +352,7 @@ std::string LifeTest::agentsState() {
   const fs::path tasks = "/proc/" + std::to_string(agent_.pid()) + "/task";
   for (const auto& task : fs::directory_iterator(tasks))
     state += contentsOf(task.path() / "comm") + contentsOf(task.path() / "syscall");
-  // What waits in the queues shows who does not read or write.
+  // The sizes of the socket queues show which side does not read or write.
   state += "connections:\n" + contentsOf(tasks.parent_path() / "net/tcp");
   return state + "server " + serverOption() + ", the agent's last words:\n" + agent_.takeErrorOutput();
 }

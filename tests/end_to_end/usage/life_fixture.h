@@ -15,8 +15,8 @@
 #include "tests/end_to_end/usage/life_uploads.h"
 #include "tests/harness/processes/process_children.h"
 
-// Has the real agent do everything that it can do, in a pseudo-random order. Each act ends when the agent has
-// completed it.
+// Makes the real agent perform all its functions in pseudo-random order. Each action returns once the agent
+// has completed it.
 class LifeTest : public testing::Test,
                  protected TestDesktop,
                  protected InstalledBundle,
@@ -36,21 +36,21 @@ class LifeTest : public testing::Test,
   void endBySignal();
   void endByForce();
 
-  // One of the acts below.
+  // Performs a random action.
   void act();
-  // Every act once, so that the agent's caches are full afterwards.
+  // Performs every action once, which fills the agent's caches.
   void actOutAll();
-  // What takes all the pictures that the agent has.
+  // Shows every window, so that all pictures are loaded.
   void showEverything();
 
   [[nodiscard]] const std::map<std::string_view, int>& acts() const { return acts_; }
-  // In how many of the acts that update the updater was opened.
+  // Returns how many update actions opened the updater.
   [[nodiscard]] int updates() const { return updates_; }
   [[nodiscard]] const RecordCounts& written() const { return written_; }
   [[nodiscard]] const LifeUploads& uploads() const { return uploads_; }
-  // The records in the files that are still there; a damaged file fails the test.
+  // Returns the records in the remaining files; a damaged file fails the test.
   [[nodiscard]] static RecordCounts recordsLeft();
-  // The contents of those of them that are of past days.
+  // Returns the contents of the remaining files of past days.
   [[nodiscard]] std::set<std::string> pastFiles() const;
 
   [[nodiscard]] long threads() const;
@@ -91,9 +91,9 @@ class LifeTest : public testing::Test,
   void sendRecord();
   void waitForUploads(std::size_t before, std::size_t past);
   void waitUntilIdle();
-  // What is to be known of an agent that does not answer.
+  // Describes an agent that does not answer, for a failure message.
   [[nodiscard]] std::string agentsState();
-  // Which of them is above which, and has the keyboard.
+  // Describes the stacking order and the input focus.
   [[nodiscard]] std::string windowsState();
   [[nodiscard]] static std::string serverOption();
   [[nodiscard]] unsigned below(unsigned end) { return static_cast<unsigned>(random_()) % end; }

@@ -17,7 +17,7 @@ std::string transferRecord(unsigned kind, std::uint64_t size, std::string_view n
   return "transfer " + std::to_string(kind) + " " + std::to_string(size) + " " + std::string(name);
 }
 
-// What stands in the header is no record and has no name.
+// Items of the header are no records and have no name.
 struct RecordName {
   std::string operator()(const tools::Start&) const { return "start"; }
   std::string operator()(const tools::End&) const { return "end"; }
@@ -30,7 +30,7 @@ struct RecordName {
   std::string operator()(const auto&) const { return {}; }
 };
 
-// Transfers have none.
+// Transfers have no time.
 struct RecordTime {
   std::string_view operator()(const tools::Start& start) const { return start.time; }
   std::string_view operator()(const tools::End& end) const { return end.time; }
@@ -76,7 +76,8 @@ LifeMessage LifeMessages::deviceEvent() {
           {deviceRecord(dataCommand, name.empty() ? record_format::unknownDeviceName : name)}};
 }
 
-// An entry of another kind than 1 and 2 goes by the one before it, and the first one by 1.
+// An entry of a kind other than 1 and 2 is recorded with the kind of the previous entry; the first one with
+// 1.
 LifeMessage LifeMessages::transfers() {
   const unsigned count = 1 + below(layout::maxEntries);
   LifeMessage message{tools::collectMessage(tools::transferMessageSize(count), layout::transfers)};

@@ -17,24 +17,24 @@ std::tm dayOfMarch2024(int day) {
   return date;
 }
 
-// A file of the sixth with the end of a process.
+// Returns a file of the sixth with a quit record of `day`.
 std::string fileWithEndOn(int day) {
   return headerBytes(dayOfMarch2024(6), "00112233-4455-6677-8899-AABBCCDDEEFF", 68, "1.0.0") +
          quitRecord(dayOfMarch2024(day));
 }
 
-TEST(LifeRecords, RecordOfTheFilesDayCounts) {
+TEST(LifeRecords, RecordOfSameDayIsCounted) {
   RecordCounts counts;
   EXPECT_TRUE(countRecords(fileWithEndOn(6), counts));
   EXPECT_EQ(counts["end"], 1);
 }
 
-TEST(LifeRecords, RecordOfAnotherDayIsWrong) {
+TEST(LifeRecords, RecordOfOtherDayIsRejected) {
   RecordCounts counts;
   EXPECT_FALSE(countRecords(fileWithEndOn(7), counts));
 }
 
-TEST(LifeRecords, HalfARecordIsWrong) {
+TEST(LifeRecords, TruncatedRecordIsRejected) {
   RecordCounts counts;
   std::string file = fileWithEndOn(6);
   file.pop_back();

@@ -21,10 +21,10 @@ struct Measure {
   long descriptors = 0;
   long threads = 0;
   long children = 0;
-  long display = 0;  // the memory of the display's server, in kilobytes
+  long display = 0;  // memory of the X server, in kilobytes
 };
 
-// What is open for a moment only passes.
+// The minimum of several readings, which excludes temporary resources.
 long leastOf(const std::function<long()>& number) {
   long least = number();
   for (int i = 0; i < 20; ++i) {
@@ -44,7 +44,7 @@ double secondsBetween(const Measure& before, const Measure& after) {
   return std::chrono::duration<double>(after.at - before.at).count();
 }
 
-// By how many kilobytes the straight line nearest to the measures rises from the first to the last.
+// Returns the rise in kilobytes from the first to the last measure along the least-squares line.
 double riseOfMemory(std::span<const Measure> measures) {
   const double count = static_cast<double>(measures.size());
   double meanTime = 0, meanMemory = 0;
@@ -77,7 +77,7 @@ class LifeSoak : public LifeTest {
     std::fflush(stdout);
   }
 
-  // Ten parts between the first measure and the last.
+  // Measures after each of eleven parts.
   void liveFor(std::chrono::minutes all) {
     constexpr int parts = 11;
     const auto begin = Clock::now();
@@ -93,7 +93,7 @@ class LifeSoak : public LifeTest {
     EXPECT_LE(std::labs(last.memory - first.memory), 2048);
     EXPECT_EQ(last.descriptors, first.descriptors);
     EXPECT_EQ(last.threads, first.threads);
-    // The web view's helper ends by itself when it had nothing to do.
+    // The web view's helper ends when it is idle.
     EXPECT_LE(last.children, 1);
     EXPECT_LE(last.display - first.display, 4096);
     const std::span<const Measure> all = measures_;
@@ -101,14 +101,15 @@ class LifeSoak : public LifeTest {
     EXPECT_LE(meanMemory(all.subspan(half)) - meanMemory(all.first(half)), 1024);
   }
 
-  // The halves hide a slow leak that the line shows; a short life has too few measures for one.
+  // The comparison of the halves hides a slow leak, which the line reveals; a short session has too few
+  // measures for it.
   void expectNoSlowGrowth() {
     const double rise = riseOfMemory(measures_);
     std::printf("memory rises by %.0f kB along a straight line\n", rise);
     EXPECT_LE(rise, 500);
   }
 
-  // The button is missing only when the version could not be had in time.
+  // The button is disabled only if the version was not fetched in time.
   void expectUpdatesCame() {
     const int asked = acts().at("update");
     std::printf("%d of %d updates came\n", updates(), asked);
@@ -138,7 +139,7 @@ class LifeSoak : public LifeTest {
   std::vector<Measure> measures_;
 };
 
-TEST_F(LifeSoak, AMixedLifeCostsNothingForGoodAndLosesNoRecord) {
+TEST_F(LifeSoak, LeaksNothingAndLosesNoRecord) {
   const char* asked = std::getenv("TOVALIN_SOAK_MINUTES");
   const int minutes = asked != nullptr ? std::atoi(asked) : 0;
   ASSERT_NO_FATAL_FAILURE(beginLife());
@@ -148,7 +149,7 @@ TEST_F(LifeSoak, AMixedLifeCostsNothingForGoodAndLosesNoRecord) {
   ASSERT_NO_FATAL_FAILURE(actOutAll());
   ASSERT_NO_FATAL_FAILURE(measure());
   if (minutes > 0) liveFor(std::chrono::minutes(minutes));
-  // After what has failed the next acts would only fail of that.
+  // Stop after a failure: further actions would fail for the same reason.
   for (int i = 0; i < 10 && !HasFatalFailure(); ++i) act();
   if (HasFatalFailure()) return;
   ASSERT_NO_FATAL_FAILURE(measure());

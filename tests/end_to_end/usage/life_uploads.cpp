@@ -27,7 +27,7 @@ LifeUploads::LifeUploads(unsigned seed, std::function<void()> letSomeTimePass)
       random_(seed),
       server_([this](test_support::RawConnection& connection) { serve(connection); }) {}
 
-// The first one fails and the second is taken, so that the shortest life has both.
+// The first upload fails and the second is accepted, so that even the shortest session has both.
 LifeUploads::Fate LifeUploads::nextFate(unsigned waysToFail) {
   constexpr unsigned waysToSucceed = static_cast<unsigned>(Fate::NotText);
   const std::lock_guard lock(mutex_);
@@ -77,9 +77,9 @@ void LifeUploads::serve(test_support::RawConnection& connection) {
   enter(file, false);
 }
 
-// An upload may begin its wait only after some time has passed, and waits that nobody shortens would hold up
-// the agent for longer than who asks it has patience. The last bit of time may be lost for the next upload,
-// which the agent begins as soon as it gives this one up.
+// An upload may start its timeout late, and without a faster clock the timeout would block the agent for
+// longer than the test waits. The last step may shorten the timeout of the next upload, which the agent
+// starts as soon as it gives this one up.
 void LifeUploads::leaveWithoutAnswer(test_support::RawConnection& connection) {
   constexpr int tries = 80;
   for (int i = 0; i < tries; ++i) {

@@ -12,31 +12,31 @@
 #include "tests/harness/servers/product_server_double.h"
 #include "tests/harness/servers/raw_http_server.h"
 
-// The two servers that take uploads, well or not, and the book in which it stands what became of each. All of
-// its methods may be called on any thread.
+// The two upload servers, which accept some uploads and fail others, and a record of the outcomes.
+// Thread-safe.
 class LifeUploads {
  public:
-  // `letSomeTimePass` is called again and again while a server leaves an upload without an answer. It must be
-  // far less than an upload waits.
+  // `letSomeTimePass` is called repeatedly while a server leaves an upload without a reply. It must advance
+  // the clock by much less than an upload's timeout.
   LifeUploads(unsigned seed, std::function<void()> letSomeTimePass);
 
-  // The test upload server: any fate.
+  // The test upload server, with all outcomes.
   [[nodiscard]] std::string testServer() const {
     return "http://127.0.0.1:" + std::to_string(server_.port());
   }
-  // The product server: any fate in which there is a whole answer.
+  // The product server, with the outcomes that have a complete reply.
   [[nodiscard]] test_support::ProductServerDouble::Reply judge(const test_support::ServedRequest& request);
 
-  // How many have met their fate.
+  // Returns how many uploads have completed with some outcome.
   [[nodiscard]] std::size_t arrived() const;
   [[nodiscard]] std::size_t taken() const;
   [[nodiscard]] RecordCounts recordsTaken() const;
-  // What must not be, given the past files that are still there: a file that was damaged, or taken twice, or
-  // one that was not taken and is gone.
+  // Returns errors, given the contents of the remaining past files: a file that was damaged or accepted
+  // twice, or that is gone without having been accepted.
   [[nodiscard]] std::vector<std::string> complaints(const std::set<std::string>& filesLeft) const;
 
  private:
-  // The good ones first; of the others, the first is all that the product server has.
+  // Successes first. Of the failures, the product server uses only the first.
   enum class Fate { Taken, TakenWithoutText, TakenWithAnError, NotText, Reset, Silence, HalfAnAnswer };
 
   [[nodiscard]] Fate nextFate(unsigned waysToFail);
@@ -52,5 +52,5 @@ class LifeUploads {
   std::set<std::string> failed_;
   RecordCounts records_;
   std::vector<std::string> complaints_;
-  test_support::RawHttpServer server_;  // the last: it uses all the others
+  test_support::RawHttpServer server_;  // last, because it uses the members above
 };

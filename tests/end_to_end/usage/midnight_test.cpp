@@ -23,7 +23,7 @@ const std::string folder = "/tmp/home/.local/share/Tovalin";
 const std::string dayBefore = folder + "/Tovalin_2024_03_06.dat";
 const std::string newDay = folder + "/Tovalin_2024_03_07.dat";
 
-// An agent whose clock is put forward, from half an hour before midnight.
+// An agent whose clock is put forward, starting half an hour before midnight.
 class Midnight : public AgentTest {
  protected:
   void SetUp() override {
@@ -35,7 +35,7 @@ class Midnight : public AgentTest {
     for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
   }
 
-  // In steps of less time than an upload waits for its answer.
+  // Advances the clock in steps shorter than an upload's timeout.
   [[nodiscard]] bool comesTrueWithin(std::chrono::hours time, const std::function<bool()>& predicate) {
     const auto end = clock_.now() + time;
     while (!predicate() && clock_.now() < end) {
@@ -50,19 +50,19 @@ class Midnight : public AgentTest {
   ProductServerDouble testServer_;
 
  private:
-  // The first question ends the agent's wait, whose length was reckoned before; the second is answered once
-  // all is done that was due, the upload too.
+  // The first D-Bus request ends the agent's wait, whose timeout was computed before; the second is answered
+  // once all due work is done, including the upload.
   [[nodiscard]] bool takesTheTimeIn() { return host_.ask("properties").ok && host_.ask("properties").ok; }
 };
 
-TEST_F(Midnight, MakesTheNewDaysFileAndUploadsTheDayBefore) {
+TEST_F(Midnight, CreatesNewDaysFileAndUploadsPreviousDay) {
   clock_.processStarts();
   launchAgentInPanel();
   ASSERT_TRUE(waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; }));
   const std::string recorded = contentsOf(dayBefore);
 
   ASSERT_TRUE(comesTrueWithin(1h, [] { return !contentsOf(newDay).empty(); }));
-  // A step may pass over the minute of the upload, which then comes again an hour later.
+  // A step may skip the minute of the upload, which comes again an hour later.
   EXPECT_TRUE(comesTrueWithin(3h, [] { return !fs::exists(dayBefore); }));
 
   EXPECT_THAT(contentsOf(newDay), StartsWith("TVLD2024-03-07"));

@@ -30,12 +30,12 @@ std::string replaced(std::string text, const std::string& what, const std::strin
   return text;
 }
 
-// An example of a request as it goes over the line to that server.
+// Returns an example request of the document as sent to that server.
 std::string onTheLine(const std::string& name, const std::string& host) {
   return replaced(replaced(example(name), "\n", "\r\n"), "www.tovalin.example", host);
 }
 
-// Keeps what comes in, byte for byte, and replies to all with the same text.
+// Records its input verbatim and sends the same reply to each request.
 class Listener {
  public:
   explicit Listener(std::string reply)
@@ -73,7 +73,7 @@ class ServerContract : public InstalledAgentTest {
   }
 };
 
-TEST_F(ServerContract, RequestsOfALaunchAreThoseOfTheDocument) {
+TEST_F(ServerContract, LaunchRequestsMatchDocument) {
   Listener listener(httpReply("stored"));
   setServers("http://" + listener.host());
   std::string file(808, '\0');
@@ -84,14 +84,14 @@ TEST_F(ServerContract, RequestsOfALaunchAreThoseOfTheDocument) {
 
   const std::string upload = replaced(onTheLine("upload", listener.host()), "(the bytes of the file)", file);
   EXPECT_THAT(listener.requests(), testing::ElementsAre(onTheLine("fetch", listener.host()), upload));
-  // What the tool for the load counts with.
+  // The tool that models the load assumes this request.
   EXPECT_EQ(fleet::versionFetchHead(listener.host()), onTheLine("fetch", listener.host()));
   EXPECT_EQ(fleet::uploadSize(listener.host(), file.size()), upload.size());
   EXPECT_EQ(fleet::uploadHead(listener.host(), file.size() + 241),
             upload.substr(0, upload.find("\r\n\r\n") + 4));
 }
 
-TEST_F(ServerContract, BeaconsOfALaunchAreThoseOfTheDocument) {
+TEST_F(ServerContract, LaunchBeaconsMatchDocument) {
   launchAgent();
   std::istringstream lines(example("launch beacons"));
   int count = 0;
@@ -100,8 +100,8 @@ TEST_F(ServerContract, BeaconsOfALaunchAreThoseOfTheDocument) {
   EXPECT_EQ(count, 2);
 }
 
-// Within what the name of the server and the version of the engine make.
-TEST_F(ServerContract, BeaconIsAboutAsLargeAsTheLoadToolTakesItToBe) {
+// The tolerance covers the name of the server and the version of the engine.
+TEST_F(ServerContract, BeaconHasSizeAssumedByLoadTool) {
   Listener listener(httpReply("<html></html>", "Content-Type: text/html\r\n"));
   setServers("http://" + listener.host());
   installWebView();
@@ -118,7 +118,7 @@ TEST_F(ServerContract, BeaconIsAboutAsLargeAsTheLoadToolTakesItToBe) {
       << beacon();
 }
 
-TEST_F(ServerContract, ErrorPageHasTheFileDeleted) {
+TEST_F(ServerContract, ErrorPageDeletesFile) {
   Listener listener(
       httpReply("<html>413 Request Entity Too Large</html>", {}, "413 Request Entity Too Large"));
   setServers("http://" + listener.host());
@@ -127,7 +127,7 @@ TEST_F(ServerContract, ErrorPageHasTheFileDeleted) {
   EXPECT_TRUE(pastDayIsSent());
 }
 
-TEST_F(ServerContract, SingleByteThatIsNoUtf8HasTheFileKept) {
+TEST_F(ServerContract, InvalidUtf8ByteKeepsFile) {
   Listener listener(httpReply("\xff"));
   setServers("http://" + listener.host());
   writePastDay("TVLD");
@@ -137,7 +137,7 @@ TEST_F(ServerContract, SingleByteThatIsNoUtf8HasTheFileKept) {
   EXPECT_TRUE(fs::exists(past));
 }
 
-// The lists of the document, served to the agent.
+// The agent with the example lists of the document.
 class ServerLists : public SupportTest {
  protected:
   void SetUp() override {
@@ -151,20 +151,20 @@ class ServerLists : public SupportTest {
   }
 };
 
-TEST_F(ServerLists, OpeningFetchesWhatTheDocumentSaysInItsOrder) {
+TEST_F(ServerLists, OpeningFetchesMatchDocumentInOrder) {
   launchAndOpen();
   EXPECT_THAT(takeFetches(), testing::ElementsAre(versionFile, versionFile, bannerListFile, noticeFile,
                                                   bannerFolder + std::string("first_steps.png")));
 }
 
-TEST_F(ServerLists, UpdateOfTheExampleIsOffered) {
+TEST_F(ServerLists, ExampleUpdateIsOffered) {
   launchAgent();
   const auto run = timeline_.waitFor("run: open");
   ASSERT_TRUE(run);
   EXPECT_THAT(run->arguments, Contains("New version available"));
 }
 
-TEST_F(ServerLists, LinksOfTheExamplesAreOpened) {
+TEST_F(ServerLists, ExampleLinksAreOpened) {
   launchAndOpen();
   clickAt(firstLink);
   EXPECT_TRUE(waitForText("run: open https://www.tovalin.example/news#version-1-2"));

@@ -66,7 +66,7 @@ class Usage : public AgentTest {
   ProductServerDouble testServer_;
 };
 
-TEST_F(Usage, LaunchLeavesItsHeaderAndOneStartRecord) {
+TEST_F(Usage, LaunchWritesHeaderAndOneStartRecord) {
   launchAgent();
   ASSERT_TRUE(waitForListener());
   EXPECT_EQ(recordedUsage().substr(0, 4), "TVLD");
@@ -74,7 +74,7 @@ TEST_F(Usage, LaunchLeavesItsHeaderAndOneStartRecord) {
   EXPECT_EQ(recordsLike(quitRecord), 0);
 }
 
-TEST_F(Usage, QuitFromTheMenuLeavesTwoQuitRecords) {
+TEST_F(Usage, QuitFromMenuWritesTwoQuitRecords) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.click("Quit Tovalin"));
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
@@ -82,13 +82,13 @@ TEST_F(Usage, QuitFromTheMenuLeavesTwoQuitRecords) {
   EXPECT_EQ(recordsLike(quitRecord), 2);
 }
 
-TEST_F(Usage, SignalLeavesOneQuitRecord) {
+TEST_F(Usage, SignalWritesOneQuitRecord) {
   launchAgent();
   terminateAgent();
   EXPECT_EQ(recordsLike(quitRecord), 1);
 }
 
-TEST_F(Usage, SecondLaunchOfADayAddsToItsFile) {
+TEST_F(Usage, SecondLaunchOfDayAppends) {
   for (int day = -1; day != dayOfTheYear();) {
     fs::remove_all(folder);
     day = dayOfTheYear();
@@ -101,7 +101,7 @@ TEST_F(Usage, SecondLaunchOfADayAddsToItsFile) {
   EXPECT_EQ(recordsLike(quitRecord), 2);
 }
 
-TEST_F(Usage, EventsAndTransfersFromThePipeAreRecorded) {
+TEST_F(Usage, EventsAndTransfersFromPipeAreRecorded) {
   launchAgent();
   ASSERT_TRUE(waitForListener());
   send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
@@ -111,7 +111,7 @@ TEST_F(Usage, EventsAndTransfersFromThePipeAreRecorded) {
   EXPECT_TRUE(waitUntil([] { return recordedUsage().ends_with("\x07\x08\x00\x10\0\0\0\0\0\0\x03mp4"s); }));
 }
 
-TEST_F(Usage, UnknownDataCommandIsLoggedAndTheListenerGoesOn) {
+TEST_F(Usage, UnknownDataCommandIsLoggedAndListenerContinues) {
   launchAgent();
   ASSERT_TRUE(waitForListener());
   send("-ncdat\0\0\0\0\x05\0\0\0"s);
@@ -120,7 +120,7 @@ TEST_F(Usage, UnknownDataCommandIsLoggedAndTheListenerGoesOn) {
   EXPECT_TRUE(waitUntil([] { return recordedUsage().ends_with("\x07Unknown"); }));
 }
 
-TEST_F(Usage, PastDaysReachTheProductServerAndAreDeletedAndTodaysFileStays) {
+TEST_F(Usage, PastDaysAreUploadedAndDeletedAndTodaysFileStays) {
   write(folder + "/Tovalin_2024_03_07.dat"s, "yesterday's bytes\0\xff"s);
   launchAgent();
   ASSERT_TRUE(server_.waitForRequests("POST", 1));
@@ -132,7 +132,7 @@ TEST_F(Usage, PastDaysReachTheProductServerAndAreDeletedAndTodaysFileStays) {
   EXPECT_THAT(testServer_.requests(), testing::IsEmpty());
 }
 
-TEST_F(Usage, StoredServerOptionZeroSendsToTheTestUploadServer) {
+TEST_F(Usage, StoredServerOptionZeroUploadsToTestServer) {
   write(folder + "/TovalinServerOption.txt"s, "0");
   write(folder + "/Tovalin_2024_03_07.dat"s, "bytes");
   launchAgent();
@@ -141,7 +141,7 @@ TEST_F(Usage, StoredServerOptionZeroSendsToTheTestUploadServer) {
   for (const auto& request : server_.requests()) EXPECT_NE(request.method, "POST");
 }
 
-TEST_F(Usage, UploadUnderWayHoldsNoEndUp) {
+TEST_F(Usage, UploadUnderWayDoesNotDelayEnd) {
   std::promise<void> release;
   server_.judgeUploads([released = release.get_future().share()](const test_support::ServedRequest&) {
     released.wait();

@@ -7,8 +7,8 @@
 #include <QSocketNotifier>
 #include <QString>
 
-// How a test drives one of these programs: it writes commands to standard input, one a line, and reads
-// standard output. The end of the input ends nothing; the test kills the program.
+// The control channel of a fake service: the test writes one command per line to standard input and reads
+// standard output. End of input does not end the program; the test kills it.
 class CommandLines {
  public:
   explicit CommandLines(std::function<void(const QString&)> handle);
@@ -21,11 +21,11 @@ class CommandLines {
   QSocketNotifier notifier_;
 };
 
-// One line to the test, sent at once; what would break the line is escaped. Answers end with a line "ok ..."
-// or "error ..."; lines of an answer before it are indented by two spaces; any other line is an event.
+// Writes one line to the test and flushes it; escapes line breaks. An answer ends with a line "ok ..." or
+// "error ..."; its earlier lines are indented by two spaces. All other lines are events.
 void say(const QString& line);
 
-// The word before the first space, and all after it.
+// A command line: `word` up to the first space and `rest` after it.
 struct Command {
   QString word = {};
   QString rest = {};

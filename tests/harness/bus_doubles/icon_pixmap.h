@@ -6,9 +6,9 @@
 #include <QString>
 #include <QVariant>
 
-// The pictures of an "a(iiay)": width, height, and pixels as ARGB32 in network byte order. An entry whose
-// bytes don't fit its size is a null image.
+// Decodes the images of an "a(iiay)": width, height, and pixels as ARGB32 in network byte order. An entry
+// whose byte count does not match its size gives a null image.
 [[nodiscard]] QList<QImage> imagesOf(const QVariant& pixmaps);
 
-// "22x22", or "0x0" for a null image.
+// Returns for example "22x22"; "0x0" for a null image.
 [[nodiscard]] QString sizeText(const QImage& image);

@@ -17,7 +17,7 @@ QString truth(bool value) {
 QString withoutAccessMarks(const QString& label) {
   QString plain;
   for (qsizetype i = 0; i < label.size(); ++i) {
-    // One underscore marks the letter after it, two stand for one.
+    // A single underscore marks the access key; a double one is a literal underscore.
     if (label[i] == '_' && ++i == label.size()) break;
     plain.append(label[i]);
   }

@@ -8,22 +8,22 @@
 #include <QVariant>
 #include <QVariantMap>
 
-// One item of a menu exported as com.canonical.dbusmenu.
+// An item of a menu exported as com.canonical.dbusmenu.
 struct MenuItem {
   int id = 0;
   int parent = 0;
   QVariantMap properties = {};
 
   [[nodiscard]] QString type() const;   // "standard" or "separator"
-  [[nodiscard]] QString label() const;  // without the marks of its keyboard access
+  [[nodiscard]] QString label() const;  // without access key markers
   [[nodiscard]] bool enabled() const;
   [[nodiscard]] bool visible() const;
-  [[nodiscard]] QByteArray iconData() const;  // a PNG, or nothing
-  [[nodiscard]] QString describe() const;     // all of the above in one line, the label last
+  [[nodiscard]] QByteArray iconData() const;  // PNG; empty without an icon
+  [[nodiscard]] QString describe() const;     // all of the above on one line, the label last
 };
 
-// All items below the root of a layout "(ia{sv}av)", each before its children.
+// Returns all items below the root of a layout "(ia{sv}av)", parents before children.
 [[nodiscard]] QList<MenuItem> itemsOfLayout(const QVariant& layout);
 
-// The first item with this label.
+// Returns the first item with this label.
 [[nodiscard]] std::optional<MenuItem> itemLabelled(const QList<MenuItem>& items, const QString& label);

@@ -1,4 +1,4 @@
-// name_owner NAME: owns a name on the session bus and knows no object, until it is killed.
+// name_owner NAME: owns a name on the session bus until it is killed; exports no object.
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-// portal_double: a desktop's portal with its light or dark setting, driven over standard input.
+// portal_double: a fake desktop portal with the color-scheme setting, controlled over standard input.
 
 #include <optional>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-// "1" is the number that desktops send; other types are named: "int 1", "string TEXT", "bool true",
+// "1" is the unsigned number that desktops send; other types are named: "int 1", "string TEXT", "bool true",
 // "double 1.5", "list A".
 std::optional<QVariant> parseValue(const QString& text) {
   const auto [type, rest] = splitCommand(text);

@@ -1,4 +1,4 @@
-// A program with a tray icon, for the tests of the tray host: it prints what it is asked to do.
+// A program with a tray icon, for the tests of the fake tray host: prints the requests that it receives.
 
 #include <cstdio>
 

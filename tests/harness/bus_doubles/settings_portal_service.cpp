@@ -38,7 +38,7 @@ void SettingsPortalService::tellUnrelatedChange() {
 QDBusVariant SettingsPortalService::Read(const QString& group, const QString& key) {
   say("read " + group + " " + key);
   setDelayedReply(true);
-  // The answer is made when it is due, so that requests overtake nothing that is commanded meanwhile.
+  // Read the value only when the reply is due, so that it reflects commands received during the delay.
   QTimer::singleShot(delay_, this,
                      [this, request = message(), group, key] { bus_.send(answerTo(request, group, key)); });
   return {};
@@ -49,7 +49,7 @@ QDBusMessage SettingsPortalService::answerTo(const QDBusMessage& request, const 
   if (group != kGroup || key != kKey || !value_.isValid()) {
     return request.createErrorReply("org.freedesktop.portal.Error.NotFound", "Requested setting not found");
   }
-  // A variant in a variant: this method has wrapped its answer twice since its first version.
+  // Read() returns a variant inside a variant, for compatibility with the portal's first version.
   return request.createReply(QVariant::fromValue(QDBusVariant(QVariant::fromValue(QDBusVariant(value_)))));
 }
 

@@ -14,8 +14,8 @@
 using SettingsByNamespace = QMap<QString, QVariantMap>;  // a{sa{sv}}
 Q_DECLARE_METATYPE(SettingsByNamespace)
 
-// The desktop portal's settings, org.freedesktop.portal.Settings, with the one setting that says whether the
-// desktop is dark; the value may be of any type, or absent.
+// Fakes org.freedesktop.portal.Settings with one setting, the color scheme. Its value may be of any type or
+// absent.
 class SettingsPortalService : public QObject, protected QDBusContext {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
@@ -24,11 +24,11 @@ class SettingsPortalService : public QObject, protected QDBusContext {
  public:
   SettingsPortalService(QDBusConnection bus, QVariant value);
 
-  // False when another portal has the name.
+  // Returns false if another portal owns the bus name.
   [[nodiscard]] bool publish();
 
   [[nodiscard]] uint version() const { return 1; }
-  void setValue(const QVariant& value) { value_ = value; }  // an invalid one: absent
+  void setValue(const QVariant& value) { value_ = value; }  // an invalid variant: absent
   void setDelay(std::chrono::milliseconds delay) { delay_ = delay; }
   void tellChange();
   void tellUnrelatedChange();

@@ -8,7 +8,7 @@
 #include <QString>
 #include <QStringList>
 
-// Where a tray item is to be found on the bus.
+// The bus address of a tray item.
 struct ItemAddress {
   QString service = {};
   QString path = {};
@@ -16,10 +16,9 @@ struct ItemAddress {
   bool operator==(const ItemAddress&) const = default;
 };
 
-// The registry of tray items, org.kde.StatusNotifierWatcher, together with the one host of this program.
+// Fakes org.kde.StatusNotifierWatcher, the registry of tray items, including the host of this program.
 //
-// Exported whole, so that introspection names its properties: Qt's own tray icon reads them only if they are
-// listed.
+// All members are exported, because Qt's tray icon reads only properties that introspection lists.
 class StatusNotifierWatcher : public QObject, protected QDBusContext {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
@@ -30,7 +29,7 @@ class StatusNotifierWatcher : public QObject, protected QDBusContext {
  public:
   explicit StatusNotifierWatcher(QDBusConnection bus);
 
-  // False when another watcher has the name.
+  // Returns false if another watcher owns the bus name.
   [[nodiscard]] bool publish();
 
   [[nodiscard]] const QList<ItemAddress>& items() const { return items_; }

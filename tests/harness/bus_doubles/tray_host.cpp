@@ -133,7 +133,7 @@ void TrayHost::saveMenuIcon(const QString& label, const QString& file) {
   });
 }
 
-// What a desktop does before it draws the menu.
+// Desktops call AboutToShow before they draw the menu.
 void TrayHost::showMenu() {
   item_->fetchMenu([this](const QList<MenuItem>&) {
     item_->callMenu("AboutToShow", {0}, "shown");

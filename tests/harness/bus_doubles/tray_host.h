@@ -9,7 +9,7 @@
 #include "tests/harness/bus_doubles/status_notifier_watcher.h"
 #include "tests/harness/bus_doubles/tray_item.h"
 
-// Does what the test commands, to the item that was registered last.
+// Executes the test's commands on the most recently registered item.
 class TrayHost {
  public:
   explicit TrayHost(const QDBusConnection& bus);
@@ -33,6 +33,6 @@ class TrayHost {
 
   QDBusConnection bus_;
   StatusNotifierWatcher watcher_;
-  std::map<QString, TrayItem> seen_;  // kept after an item has gone, for what it still owes an answer to
+  std::map<QString, TrayItem> seen_;  // kept after an item is gone, because replies may be pending
   TrayItem* item_ = nullptr;
 };

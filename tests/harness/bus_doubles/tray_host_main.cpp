@@ -1,5 +1,5 @@
-// tray_host_double: a desktop's tray, as far as tray items can tell. A process of its own, because the
-// programs under test wait for its answers.
+// tray_host_double: fakes a desktop's tray for tray items. Runs in its own process, because the programs
+// under test block on its replies.
 
 #include <QCoreApplication>
 #include <QDBusConnection>

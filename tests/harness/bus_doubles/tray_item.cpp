@@ -14,7 +14,7 @@ namespace {
 const QString kItemInterface = "org.kde.StatusNotifierItem";
 const QString kMenuInterface = "com.canonical.dbusmenu";
 constexpr int kNoTimeout =
-    std::numeric_limits<int>::max();  // a click is answered when what it opened is closed
+    std::numeric_limits<int>::max();  // the reply to a click arrives when the menu that it opened is closed
 
 }  // namespace
 
@@ -29,7 +29,8 @@ TrayItem::TrayItem(QDBusConnection bus, ItemAddress address)
 
 void TrayItem::listenToMenu() {
   for (const char* name : {"LayoutUpdated", "ItemsPropertiesUpdated", "ItemActivationRequested"}) {
-    // Of any path: asking the item for it first would lose what it tells meanwhile.
+    // Match any object path: querying the item for its menu path first would lose the signals emitted
+    // meanwhile.
     bus_.connect(address_.service, {}, kMenuInterface, name, this, SLOT(tellSignal(QDBusMessage)));
   }
 }

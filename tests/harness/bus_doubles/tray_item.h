@@ -12,11 +12,11 @@
 #include "tests/harness/bus_doubles/menu_layout.h"
 #include "tests/harness/bus_doubles/status_notifier_watcher.h"
 
-// A host's view of one tray item and its menu. Every call goes out without waiting, so that an item which is
-// busy, or which itself waits for this host, stops nothing; a failure is answered with "error ...".
+// A host's view of one tray item and its menu. All calls are asynchronous, so that an item that is busy or
+// that itself waits for this host blocks nothing. A failed call is answered with "error ...".
 //
-// While it lives, the item's and the menu's signals are told to the test as events: the signal's name, and
-// the status after NewStatus.
+// Reports signals of the item and of its menu to the test as events: the signal's name, followed by the
+// status for NewStatus.
 class TrayItem : public QObject {
   Q_OBJECT
 
@@ -25,10 +25,10 @@ class TrayItem : public QObject {
 
   void fetchProperties(const std::function<void(const QVariantMap&)>& use);
   void fetchMenu(const std::function<void(const QList<MenuItem>&)>& use);
-  [[nodiscard]] const QList<MenuItem>& knownMenu() const { return knownMenu_; }  // as fetched last
+  [[nodiscard]] const QList<MenuItem>& knownMenu() const { return knownMenu_; }  // as of the last fetch
 
-  // Calls that act on the item, or on its menu once that was fetched; when the reply comes, "NAME" or "failed
-  // NAME ..." is told as an event.
+  // Call methods of the item, or of its menu once that was fetched. The reply is reported as the event "NAME"
+  // or "failed NAME ...".
   void callItem(const QString& method, const QVariantList& arguments, const QString& name);
   void callMenu(const QString& method, const QVariantList& arguments, const QString& name);
 

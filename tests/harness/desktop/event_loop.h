@@ -7,7 +7,7 @@
 
 #include "tests/harness/processes/wait_until.h"
 
-// Serves the toolkit's events until `predicate` holds. False when it did not in time.
+// Processes Qt's events until `predicate` returns true. Returns false at the timeout.
 template <typename Predicate>
 [[nodiscard]] bool serveEventsUntil(Predicate predicate,
                                     std::chrono::milliseconds timeout = test_support::kPatience) {

@@ -8,21 +8,21 @@
 
 namespace test_support {
 
-// A desktop portal with the setting that says whether the desktop is dark (1), light (2) or neither (0), in a
-// process of its own. Values are texts: a plain number is the unsigned one that desktops send; "int 1",
-// "string TEXT", "bool true", "double 1.5" and "list TEXT" are other types.
+// A fake desktop portal with the color scheme setting: dark (1), light (2) or no preference (0). Runs in its
+// own process. Values are texts: a plain number is the unsigned number that desktops send; "int 1", "string
+// TEXT", "bool true", "double 1.5" and "list TEXT" are other types.
 //
 // Events: "read NAMESPACE KEY" for each Read.
 class PortalDouble : public LineProgram {
  public:
-  // Without a value the setting is absent, and Read answers with the portal's NotFound error.
+  // Without a value the setting is absent, and Read replies with the portal's NotFound error.
   [[nodiscard]] bool start(const SessionBus& bus, const std::string& value = {});
 
-  [[nodiscard]] bool set(const std::string& value);          // and tells the change
-  [[nodiscard]] bool setSilently(const std::string& value);  // tells nobody
-  [[nodiscard]] bool setAbsent();                            // tells nobody
+  [[nodiscard]] bool set(const std::string& value);          // emits SettingChanged
+  [[nodiscard]] bool setSilently(const std::string& value);  // emits no signal
+  [[nodiscard]] bool setAbsent();                            // emits no signal
   [[nodiscard]] bool tellUnrelatedChange();
-  // How long each Read from now on waits for its answer; other calls and commands go on meanwhile.
+  // Delays the reply to each subsequent Read. Other calls and commands are not delayed.
   [[nodiscard]] bool delayAnswers(std::chrono::milliseconds delay);
 };
 

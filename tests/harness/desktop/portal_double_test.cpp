@@ -41,13 +41,13 @@ class PortalDoubleTest : public testing::Test {
   PortalDouble portal_;
 };
 
-TEST_F(PortalDoubleTest, ReadGivesTheValueInAVariantInAVariant) {
+TEST_F(PortalDoubleTest, ReadReturnsValueInNestedVariant) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   EXPECT_THAT(read(), ContainsRegex("variant +variant +uint32 1\n"));
   EXPECT_EQ(portal_.waitForEvent("read"), "read org.freedesktop.appearance color-scheme");
 }
 
-TEST_F(PortalDoubleTest, ReadOfWhatIsAbsentOrUnknownIsNotFound) {
+TEST_F(PortalDoubleTest, ReadOfAbsentOrUnknownSettingFailsWithNotFound) {
   ASSERT_TRUE(portal_.start(bus_));
   EXPECT_THAT(read(), HasSubstr("org.freedesktop.portal.Error.NotFound"));
   ASSERT_TRUE(portal_.setSilently("1"));
@@ -57,7 +57,7 @@ TEST_F(PortalDoubleTest, ReadOfWhatIsAbsentOrUnknownIsNotFound) {
   EXPECT_THAT(read(), HasSubstr("org.freedesktop.portal.Error.NotFound"));
 }
 
-TEST_F(PortalDoubleTest, ValueMayBeOfAnOddType) {
+TEST_F(PortalDoubleTest, ValueOfUnexpectedTypeIsReturned) {
   ASSERT_TRUE(portal_.start(bus_, "string dark"));
   EXPECT_THAT(read(), HasSubstr("string \"dark\""));
   ASSERT_TRUE(portal_.setSilently("int -1"));
@@ -71,21 +71,21 @@ TEST_F(PortalDoubleTest, ValueMayBeOfAnOddType) {
   EXPECT_FALSE(portal_.setSilently("nonsense"));
 }
 
-TEST_F(PortalDoubleTest, ReadAllHoldsTheNamespace) {
+TEST_F(PortalDoubleTest, ReadAllReturnsNamespace) {
   ASSERT_TRUE(portal_.start(bus_, "2"));
   const std::string all = call("org.freedesktop.portal.Settings.ReadAll", {"array:string:"});
   EXPECT_THAT(all, HasSubstr("string \"org.freedesktop.appearance\""));
   EXPECT_THAT(all, ContainsRegex("string \"color-scheme\"\n +variant +uint32 2\n"));
 }
 
-TEST_F(PortalDoubleTest, HasAVersion) {
+TEST_F(PortalDoubleTest, HasVersionProperty) {
   ASSERT_TRUE(portal_.start(bus_));
   EXPECT_THAT(call("org.freedesktop.DBus.Properties.Get",
                    {"string:org.freedesktop.portal.Settings", "string:version"}),
               HasSubstr("uint32 1"));
 }
 
-TEST_F(PortalDoubleTest, ChangesAreToldUnlessSilent) {
+TEST_F(PortalDoubleTest, ChangesAreSignalledUnlessSilent) {
   ASSERT_TRUE(portal_.start(bus_, "0"));
   ChildProcess monitor;
   ASSERT_TRUE(monitor.start(
@@ -105,7 +105,7 @@ TEST_F(PortalDoubleTest, ChangesAreToldUnlessSilent) {
   EXPECT_THAT(lineWith("uint32"), HasSubstr("uint32 1"));
 }
 
-TEST_F(PortalDoubleTest, DelayedAnswerHoldsUpNobodyElse) {
+TEST_F(PortalDoubleTest, DelayedReplyDelaysNoOtherCall) {
   ASSERT_TRUE(portal_.start(bus_, "0"));
   ASSERT_TRUE(portal_.delayAnswers(30s));
   ChildProcess waiting;
@@ -117,12 +117,12 @@ TEST_F(PortalDoubleTest, DelayedAnswerHoldsUpNobodyElse) {
   EXPECT_TRUE(waiting.running());
 }
 
-TEST_F(PortalDoubleTest, UnknownCommandsAreRefused) {
+TEST_F(PortalDoubleTest, UnknownCommandIsRejected) {
   ASSERT_TRUE(portal_.start(bus_));
   EXPECT_EQ(portal_.ask("dance").text, "unknown command dance");
 }
 
-TEST_F(PortalDoubleTest, DoesNotComeUpBesideAnother) {
+TEST_F(PortalDoubleTest, StartFailsBesideAnotherPortal) {
   ASSERT_TRUE(portal_.start(bus_));
   PortalDouble second;
   EXPECT_FALSE(second.start(bus_));

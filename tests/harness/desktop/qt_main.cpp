@@ -1,4 +1,5 @@
-// The main of test programs that use windows, menus or the bus: on a display and a session bus of their own.
+// The main function of test programs that use windows, menus or the bus: runs them on a private display and
+// session bus.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -22,7 +23,7 @@ int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   const int result = RUN_ALL_TESTS();
-  // Closed windows are released by a posted event, and widgets need the application for their destruction.
+  // Closed windows are deleted by a posted event, and their widgets need the application object.
   QCoreApplication::processEvents();
   return result;
 }

@@ -1,5 +1,5 @@
-// A program with windows, for the tests of what looks at windows and clicks in them: it prints what happens
-// to it.
+// A program with windows, for the tests of window queries and input: prints the events that its windows
+// receive.
 
 #include <cstdio>
 

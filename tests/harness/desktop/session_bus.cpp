@@ -45,7 +45,7 @@ bool SessionBus::start(const std::string& serviceFolder) {
   const std::vector<std::string> command{"dbus-daemon",       "--nofork",
                                          "--nopidfile",       "--nosyslog",
                                          "--print-address=1", "--config-file=" + config.path()};
-  // It complains about limits that a test's namespace doesn't let it raise.
+  // The daemon logs warnings about limits that it may not raise inside a namespace.
   if (!daemon_.start(command, {.error = Redirection::null()})) return false;
   address_ = daemon_.readLine().value_or("");
   return !address_.empty();

@@ -6,16 +6,16 @@
 
 namespace test_support {
 
-// A D-Bus session bus of the test's own, gone with this object. It starts no service by itself, unless a
-// folder of service files is given. Programs reach it through DBUS_SESSION_BUS_ADDRESS=address().
+// A private D-Bus session bus, stopped by the destructor. It activates services only from `serviceFolder`.
+// Programs connect to it through DBUS_SESSION_BUS_ADDRESS=address().
 class SessionBus {
  public:
-  // Returns when programs can connect; false when the daemon did not come up.
+  // Returns once programs can connect; false if the daemon did not start.
   [[nodiscard]] bool start(const std::string& serviceFolder = {});
 
   [[nodiscard]] const std::string& address() const { return address_; }
 
-  // The loss of the bus: its programs find their connection broken.
+  // Kills the daemon: clients lose their connection.
   void stop() { daemon_ = ChildProcess(); }
 
  private:

@@ -23,7 +23,7 @@ std::string namesOn(const SessionBus& bus) {
   return busCall(bus, "org.freedesktop.DBus", "org.freedesktop.DBus.ListActivatableNames");
 }
 
-TEST(SessionBus, StartsNoServiceByItself) {
+TEST(SessionBus, ActivatesNoServiceByDefault) {
   SessionBus bus;
   ASSERT_TRUE(bus.start());
   const std::string names = namesOn(bus);
@@ -31,7 +31,7 @@ TEST(SessionBus, StartsNoServiceByItself) {
   EXPECT_EQ(names.find("string", names.find("string") + 1), std::string::npos) << names;
 }
 
-TEST(SessionBus, KnowsTheServicesOfAGivenFolder) {
+TEST(SessionBus, ActivatesServicesOfGivenFolder) {
   std::filesystem::create_directory("/tmp/services");
   std::ofstream("/tmp/services/one.service") << "[D-BUS Service]\nName=org.example.One\nExec=/bin/false\n";
   SessionBus bus;
@@ -40,7 +40,7 @@ TEST(SessionBus, KnowsTheServicesOfAGivenFolder) {
   EXPECT_NE(names.find("\"org.example.One\""), std::string::npos) << names;
 }
 
-TEST(SessionBus, TwoAtOnceAreSeparate) {
+TEST(SessionBus, TwoInstancesAreSeparate) {
   SessionBus first;
   SessionBus second;
   ASSERT_TRUE(first.start());
@@ -50,7 +50,7 @@ TEST(SessionBus, TwoAtOnceAreSeparate) {
             busCall(second, "org.freedesktop.DBus", "org.freedesktop.DBus.GetId"));
 }
 
-TEST(SessionBus, StoppedBusAnswersNobody) {
+TEST(SessionBus, StoppedBusRefusesConnections) {
   SessionBus bus;
   ASSERT_TRUE(bus.start());
   ASSERT_FALSE(namesOn(bus).empty());
@@ -58,7 +58,7 @@ TEST(SessionBus, StoppedBusAnswersNobody) {
   EXPECT_TRUE(namesOn(bus).empty());
 }
 
-TEST(SessionBus, LeavesNoConfigurationBehind) {
+TEST(SessionBus, RemovesItsConfiguration) {
   SessionBus bus;
   ASSERT_TRUE(bus.start());
   for (const auto& entry : std::filesystem::directory_iterator("/tmp")) {

@@ -7,27 +7,28 @@
 
 namespace test_support {
 
-// An X session manager in a process of its own, spoken to over a socket below /tmp/.ICE-unix. Its commands go
-// to all programs in the session; killing the process is the loss of the session manager.
+// A fake X session manager in its own process, which listens on a socket below /tmp/.ICE-unix. Its commands
+// apply to all programs in the session. Killing the process simulates the loss of the session manager.
 //
-// Events: "registered" (a program joined the session; it is then asked to save for the first time), "saved
-// yes" or "saved no" (an answer to being asked to save), "interact" (a program wants to ask the user
-// something), "left" (a program closed its connection).
+// Events: "registered" (a program joined the session; its first save request follows), "saved yes" or "saved
+// no" (the reply to a save request), "interact" (a program wants to ask the user something), "left" (a
+// program closed its connection).
 class SessionManagerDouble : public LineProgram {
  public:
   [[nodiscard]] bool start();
 
-  // What programs find it by: the value of SESSION_MANAGER.
+  // Returns the value for SESSION_MANAGER.
   [[nodiscard]] const std::string& address() const { return address_; }
 
-  // The session is about to end: programs are to save without asking the user.
+  // Announces the end of the session: requests a save without user interaction.
   [[nodiscard]] bool save();
-  // The session ends.
+  // Ends the session.
   [[nodiscard]] bool die();
-  // The session does not end after all.
+  // Cancels the announced end of the session.
   [[nodiscard]] bool cancel();
 
-  // What programs have said of themselves: RestartStyleHint, Program, UserID and so on, numbers as text.
+  // Returns the properties that programs have set: RestartStyleHint, Program, UserID and so on, numbers as
+  // text.
   [[nodiscard]] std::map<std::string, std::string> properties();
 
  private:

@@ -1,5 +1,5 @@
-// session_manager_double: an X session manager, driven over standard input by the commands save, die, cancel
-// and properties.
+// session_manager_double: a fake X session manager, controlled over standard input by the commands save, die,
+// cancel and properties.
 
 #include <poll.h>
 #include <unistd.h>
@@ -20,14 +20,14 @@ namespace {
 
 struct Session;
 
-// A program that has connected.
+// A connected client.
 struct Member {
   Session* session = nullptr;
   IceConn connection = nullptr;
-  SmsConn client = nullptr;  // once the connection is known to be for session management
-  bool registered = false;   // it is one of the session's
+  SmsConn client = nullptr;  // null until the client has started the XSMP protocol
+  bool registered = false;   // has joined the session
   bool left = false;
-  bool shutdown = false;  // the save that it is at is one for the end of the session
+  bool shutdown = false;  // the current save request announces the end of the session
 };
 
 struct Session {
@@ -47,7 +47,7 @@ void askToSave(Member& member, int type, bool shutdown) {
 }
 
 Status registerMember(SmsConn connection, SmPointer data, char* previousId) {
-  // No program can be known from an earlier session.
+  // Each session starts empty, so a previous client ID is invalid.
   if (previousId != nullptr) {
     std::free(previousId);
     return 0;
@@ -75,7 +75,7 @@ void savePhase2(SmsConn connection, SmPointer) {
 }
 
 void saved(SmsConn connection, SmPointer data, Bool success) {
-  // At the end of the session the next word is die or cancel.
+  // At the end of the session, Die or ShutdownCancelled follows instead of SaveComplete.
   if (!static_cast<Member*>(data)->shutdown) SmsSaveComplete(connection);
   say(success != 0 ? "saved yes" : "saved no");
 }
@@ -153,10 +153,10 @@ Bool letIn(char*) {
   return True;
 }
 
-// The library's own way is to exit.
+// Replaces the library's default handler, which exits.
 void hearOfLostConnection(IceConn) {}
 
-// Where programs find the session; empty when it can't be opened.
+// Returns the session's network address; empty on failure.
 std::string openSession(Session& session) {
   std::array<char, 256> error{};
   const int size = static_cast<int>(error.size());
@@ -217,7 +217,7 @@ void handle(Session& session, const std::string& command) {
   say("ok");
 }
 
-// False at the end of the input.
+// Returns false at the end of the input.
 bool readCommands(Session& session, std::string& pending) {
   std::array<char, 256> buffer;
   const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
@@ -239,13 +239,13 @@ std::vector<pollfd> watched(const Session& session) {
   return fds;
 }
 
-// False at the end of the input.
+// Returns false at the end of the input.
 bool waitAndServe(Session& session, std::string& pending) {
   std::vector<pollfd> fds = watched(session);
   ::poll(fds.data(), fds.size(), -1);
   auto ready = fds.begin();
   if (ready++->revents != 0 && !readCommands(session, pending)) return false;
-  // Those let in below are not among the ones asked about.
+  // Connections accepted below are not part of this poll.
   const auto connected = session.members.size();
   for (IceListenObj listener : session.listeners)
     if (ready++->revents != 0) letIntoSession(session, listener);

@@ -16,7 +16,7 @@ std::vector<std::string> serverCommand(const DisplayOptions& options) {
   return command;
 }
 
-// Where desktops put the user's choice of a resolution; toolkits look here before they ask the server.
+// Desktops store the user's resolution in this property; toolkits prefer it to the server's own.
 void setFontResolution(const std::string& name, int dpi) {
   const XConnection display(name);
   const std::string resource = "Xft.dpi:\t" + std::to_string(dpi) + "\n";
@@ -34,13 +34,13 @@ std::string geometryText(const Monitor& monitor) {
          std::to_string(monitor.y);
 }
 
-// A property of the root window that lasts until the server resets; no program here uses it otherwise.
+// A root window property that lasts until the server resets and that no program under test uses.
 constexpr xcb_atom_t inUse = XCB_ATOM_CUT_BUFFER7;
 constexpr const char* inUseName = "CUT_BUFFER7";
-// A test may leave a program behind; a new server is cheaper than to wait for its end.
+// Limits the wait for clients that a test left running; starting a new server is faster than a longer wait.
 constexpr std::chrono::seconds resetLimit{2};
 
-// The server that the last display left behind.
+// The server that the previous display left running.
 struct IdleServer {
   std::vector<std::string> command;
   std::string name;
@@ -51,8 +51,8 @@ IdleServer& idleServer() {
   return server;
 }
 
-// Returns the first client of the server's new generation, or nullptr if the clients of the last one stay. A
-// server that resets refuses clients meanwhile.
+// Returns the first client of the server's new generation, or nullptr if clients of the previous one remain.
+// A resetting server refuses clients.
 std::unique_ptr<XConnection> clientAfterReset(const std::string& display) {
   std::unique_ptr<XConnection> client;
   const auto isReset = [&] {
@@ -104,7 +104,8 @@ bool TestDisplay::start(const DisplayOptions& options) {
 }
 
 bool TestDisplay::divide(const std::vector<Monitor>& monitors) const {
-  // The first takes the server's only output away from the monitor that covers the display.
+  // The first monitor takes the server's only output from the default monitor, which covers the whole
+  // display.
   std::string output = "screen";
   for (const Monitor& monitor : monitors) {
     ChildProcess xrandr;

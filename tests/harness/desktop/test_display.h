@@ -10,7 +10,7 @@
 
 namespace test_support {
 
-// A part of the display that programs take for a screen of its own, in pixels from the upper left.
+// An area of the display that programs see as a separate screen, in pixels from the upper left.
 struct Monitor {
   int width = 0;
   int height = 0;
@@ -21,16 +21,16 @@ struct Monitor {
 struct DisplayOptions {
   int width = 1280;
   int height = 800;
-  std::vector<Monitor> monitors = {};     // empty: one that covers the display
-  std::optional<int> dpi = std::nullopt;  // 96 otherwise
+  std::vector<Monitor> monitors = {};     // empty: one monitor for the whole display
+  std::optional<int> dpi = std::nullopt;  // default: 96
   bool windowManager = true;
 };
 
-// A virtual X display of the test's own, with a window manager on it, both gone with this object. Programs
-// reach it through DISPLAY=name().
+// A private virtual X display with a window manager, both stopped by the destructor. Programs connect to it
+// through DISPLAY=name().
 //
-// The server process is kept for the next display of the same kind: an X server resets itself when its last
-// client leaves, which is much cheaper than a new one.
+// The server process is kept for the next display with the same options: an X server resets when its last
+// client leaves, which is much faster than starting a new one.
 class TestDisplay {
  public:
   TestDisplay() = default;
@@ -38,18 +38,18 @@ class TestDisplay {
   TestDisplay& operator=(const TestDisplay&) = delete;
   ~TestDisplay();
 
-  // Ends what was started before. Returns when programs can open windows; false when the server or the window
-  // manager did not come up.
+  // Stops a display started before. Returns once programs can open windows; false if the server or the window
+  // manager did not start.
   [[nodiscard]] bool start(const DisplayOptions& options = {});
 
   [[nodiscard]] const std::string& name() const { return name_; }  // ":N"
   [[nodiscard]] ChildProcess& server() { return server_; }
   [[nodiscard]] ChildProcess& windowManager() { return windowManager_; }
 
-  // The loss of the display: its programs find their connection broken.
+  // Kills the server: clients lose their connection.
   void stop();
 
-  // The whole display as a picture, its format taken from the path's ending.
+  // Saves an image of the whole display in the format given by the path's suffix.
   [[nodiscard]] bool screenshot(const std::string& path) const;
 
  private:
@@ -60,8 +60,7 @@ class TestDisplay {
   std::string name_;
   std::vector<std::string> command_;
   ChildProcess server_;
-  std::unique_ptr<XConnection>
-      client_;  // the one that keeps the server from resetting while programs come and go
+  std::unique_ptr<XConnection> client_;  // keeps the server from resetting when no program is connected
   ChildProcess windowManager_;
 };
 

@@ -16,7 +16,7 @@ std::string outputOf(const std::vector<std::string>& command) {
   return child.takeOutput();
 }
 
-TEST(TestDisplay, HasAWindowManagerOnceStarted) {
+TEST(TestDisplay, HasWindowManagerOnceStarted) {
   TestDisplay display;
   ASSERT_TRUE(display.start());
   const XConnection connection(display.name());
@@ -24,7 +24,7 @@ TEST(TestDisplay, HasAWindowManagerOnceStarted) {
   EXPECT_TRUE(connection.numberProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
 }
 
-TEST(TestDisplay, HasNoWindowManagerWhereNoneIsWanted) {
+TEST(TestDisplay, WindowManagerIsOptional) {
   TestDisplay display;
   ASSERT_TRUE(display.start({.windowManager = false}));
   const XConnection connection(display.name());
@@ -32,7 +32,7 @@ TEST(TestDisplay, HasNoWindowManagerWhereNoneIsWanted) {
   EXPECT_FALSE(connection.numberProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
 }
 
-TEST(TestDisplay, TwoAtOnceHaveNamesOfTheirOwn) {
+TEST(TestDisplay, TwoInstancesHaveDifferentNames) {
   TestDisplay first;
   TestDisplay second;
   ASSERT_TRUE(first.start({.windowManager = false}));
@@ -40,7 +40,7 @@ TEST(TestDisplay, TwoAtOnceHaveNamesOfTheirOwn) {
   EXPECT_NE(first.name(), second.name());
 }
 
-TEST(TestDisplay, HasTheSizeAndResolutionAskedFor) {
+TEST(TestDisplay, HasRequestedSizeAndResolution) {
   TestDisplay display;
   ASSERT_TRUE(display.start({.width = 640, .height = 480, .dpi = 192, .windowManager = false}));
   const XConnection connection(display.name());
@@ -52,14 +52,14 @@ TEST(TestDisplay, HasTheSizeAndResolutionAskedFor) {
   EXPECT_EQ(connection.property(connection.root(), "RESOURCE_MANAGER"), "Xft.dpi:\t192\n");
 }
 
-TEST(TestDisplay, IsOneMonitorUnlessDivided) {
+TEST(TestDisplay, HasOneMonitorByDefault) {
   TestDisplay display;
   ASSERT_TRUE(display.start({.windowManager = false}));
   EXPECT_THAT(outputOf({"xrandr", "--display", display.name(), "--listmonitors"}),
               testing::AllOf(testing::StartsWith("Monitors: 1\n"), testing::HasSubstr(" 1280/")));
 }
 
-TEST(TestDisplay, IsDividedIntoTheMonitorsAskedFor) {
+TEST(TestDisplay, HasRequestedMonitors) {
   TestDisplay display;
   ASSERT_TRUE(display.start({.monitors = {{640, 800, 0, 0}, {640, 600, 640, 0}}, .windowManager = false}));
   EXPECT_THAT(outputOf({"xrandr", "--display", display.name(), "--listmonitors"}),
@@ -67,14 +67,14 @@ TEST(TestDisplay, IsDividedIntoTheMonitorsAskedFor) {
                              testing::HasSubstr(" 640/169x600/158+640+0")));
 }
 
-TEST(TestDisplay, ScreenshotIsAPictureOfTheWholeDisplay) {
+TEST(TestDisplay, ScreenshotShowsWholeDisplay) {
   TestDisplay display;
   ASSERT_TRUE(display.start({.width = 320, .height = 200, .windowManager = false}));
   ASSERT_TRUE(display.screenshot("/tmp/shot.png"));
   EXPECT_EQ(outputOf({"identify", "-format", "%m %wx%h", "/tmp/shot.png"}), "PNG 320x200");
 }
 
-TEST(TestDisplay, StopBreaksTheConnectionOfItsPrograms) {
+TEST(TestDisplay, StopBreaksClientConnections) {
   TestDisplay display;
   ASSERT_TRUE(display.start());
   const XConnection connection(display.name());
@@ -84,7 +84,7 @@ TEST(TestDisplay, StopBreaksTheConnectionOfItsPrograms) {
   EXPECT_FALSE(display.screenshot("/tmp/no_shot.png"));
 }
 
-TEST(TestDisplay, NextOneOnTheSameServerHasNothingOfTheLast) {
+TEST(TestDisplay, ReusedServerKeepsNoStateOfPreviousDisplay) {
   std::string name;
   {
     TestDisplay first;
@@ -100,7 +100,7 @@ TEST(TestDisplay, NextOneOnTheSameServerHasNothingOfTheLast) {
               testing::StartsWith("Monitors: 1\n"));
 }
 
-TEST(TestDisplay, CanBeStartedAgainAfterItsLoss) {
+TEST(TestDisplay, RestartsAfterStop) {
   TestDisplay display;
   ASSERT_TRUE(display.start());
   display.server().kill();

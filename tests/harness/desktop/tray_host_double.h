@@ -11,7 +11,7 @@ namespace test_support {
 
 struct TrayMenuItem {
   int id = 0;
-  int parent = 0;  // 0: the menu itself
+  int parent = 0;  // 0: the root
   bool separator = false;
   bool enabled = false;
   bool visible = false;
@@ -20,42 +20,42 @@ struct TrayMenuItem {
   std::string label = {};
 };
 
-// A desktop's tray as tray items see it over the bus, in a process of its own: org.kde.StatusNotifierWatcher
-// with a host. All is about the item that was registered last. Killing the process is the loss of the tray;
-// starting it again is its return.
+// A fake desktop tray in its own process: org.kde.StatusNotifierWatcher with a host. All calls apply to the
+// most recently registered item. Killing the process simulates the loss of the tray, starting it again its
+// return.
 //
-// Events: "registered SERVICE PATH", "unregistered SERVICE PATH", the item's and its menu's signals by name
-// ("NewIcon", "NewStatus Active", "NewToolTip", "LayoutUpdated", "ItemsPropertiesUpdated"), and the replies
-// of the calls below: "clicked LABEL", "called Activate", or "failed clicked LABEL REASON".
+// Events: "registered SERVICE PATH", "unregistered SERVICE PATH", the signals of the item and of its menu by
+// name ("NewIcon", "NewStatus Active", "NewToolTip", "LayoutUpdated", "ItemsPropertiesUpdated"), and the
+// replies to the calls below: "clicked LABEL", "called Activate", or "failed clicked LABEL REASON".
 class TrayHostDouble : public LineProgram {
  public:
   [[nodiscard]] bool start(const SessionBus& bus);
 
-  // "SERVICE PATH" of each.
+  // Returns "SERVICE PATH" for each item.
   [[nodiscard]] std::vector<std::string> items();
-  // Id, Title, Status, Category, Menu, ItemIsMenu, ToolTip (its title), IconPixmap (the sizes) and so on, as
-  // text.
+  // Returns Id, Title, Status, Category, Menu, ItemIsMenu, ToolTip (its title), IconPixmap (the sizes) and so
+  // on as text.
   [[nodiscard]] std::map<std::string, std::string> properties();
-  // Items below others follow them.
+  // Returns all items, parents before children.
   [[nodiscard]] std::vector<TrayMenuItem> menu();
-  // Tells the item that the menu is about to be shown, as desktops do; then comes the event "shown".
+  // Calls AboutToShow, as desktops do before they draw the menu. The event "shown" follows.
   [[nodiscard]] bool aboutToShow();
 
-  // Both save a PNG. `size` is a width, or "22x22".
+  // Both save a PNG. `size` is a width or, for example, "22x22".
   [[nodiscard]] bool saveIcon(const std::string& file, const std::string& size);
   [[nodiscard]] bool saveMenuIcon(const std::string& label, const std::string& file);
 
-  // Clicks the first item with this label, unless it is disabled or hidden; returns when the click is sent.
-  // The event "clicked LABEL" comes when the program has dealt with it.
+  // Clicks the first item with this label, unless it is disabled or hidden. Returns once the click is sent;
+  // the event "clicked LABEL" follows when the program has replied.
   [[nodiscard]] bool click(const std::string& label);
-  // The same without asking the program first: in the menu as `menu` or `click` found it last.
+  // Like `click`, but uses the menu that `menu` or `click` fetched last.
   [[nodiscard]] bool clickKnown(const std::string& label);
 
   [[nodiscard]] bool activate(int x, int y);
   [[nodiscard]] bool secondaryActivate(int x, int y);
   [[nodiscard]] bool contextMenu(int x, int y);
 
-  // Whether the watcher says that a host is there. It keeps its name on the bus either way.
+  // Sets the watcher's IsStatusNotifierHostRegistered. The watcher keeps its bus name either way.
   [[nodiscard]] bool setHostRegistered(bool registered);
 };
 

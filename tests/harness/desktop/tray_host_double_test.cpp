@@ -42,25 +42,25 @@ class TrayHostDoubleTest : public testing::Test {
   ChildProcess sample_;
 };
 
-TEST_F(TrayHostDoubleTest, HasNoItemBeforeOneIsRegistered) {
+TEST_F(TrayHostDoubleTest, HasNoItemsInitially) {
   startHost();
   EXPECT_THAT(host_.items(), ElementsAre());
   EXPECT_EQ(host_.ask("menu").text, "no item is registered");
   EXPECT_FALSE(host_.ask("menu").ok);
 }
 
-TEST_F(TrayHostDoubleTest, UnknownCommandsAreRefused) {
+TEST_F(TrayHostDoubleTest, UnknownCommandIsRejected) {
   startHost();
   startSample();
   EXPECT_EQ(host_.ask("dance").text, "unknown command dance");
 }
 
-TEST_F(TrayHostDoubleTest, WaitForAnEventEndsAtItsTimeout) {
+TEST_F(TrayHostDoubleTest, WaitForEventEndsAtTimeout) {
   startHost();
   EXPECT_EQ(host_.waitForEvent("registered", 50ms), std::nullopt);
 }
 
-TEST_F(TrayHostDoubleTest, TellsOfItemsThatComeAndGo) {
+TEST_F(TrayHostDoubleTest, ReportsItemsRegisteredAndUnregistered) {
   startHost();
   startSample();
   EXPECT_EQ(host_.items().size(), 1U);
@@ -69,7 +69,7 @@ TEST_F(TrayHostDoubleTest, TellsOfItemsThatComeAndGo) {
   EXPECT_THAT(host_.items(), ElementsAre());
 }
 
-TEST_F(TrayHostDoubleTest, IsReadWithThePropertiesThatIntrospectionNames) {
+TEST_F(TrayHostDoubleTest, IntrospectionListsProperties) {
   startHost();
   ChildProcess call;
   ASSERT_TRUE(call.start({"dbus-send", "--bus=" + bus_.address(), "--print-reply",
@@ -99,7 +99,7 @@ TEST_F(TrayHostDoubleTest, HostCanBeUnregistered) {
   EXPECT_THAT(call.takeOutput(), testing::HasSubstr("boolean false"));
 }
 
-TEST_F(TrayHostDoubleTest, ReadsTheProperties) {
+TEST_F(TrayHostDoubleTest, ReturnsItemProperties) {
   startHost();
   startSample();
   const auto properties = host_.properties();
@@ -109,7 +109,7 @@ TEST_F(TrayHostDoubleTest, ReadsTheProperties) {
   EXPECT_THAT(properties, Contains(Pair("IconPixmap", testing::HasSubstr("22x22"))));
 }
 
-TEST_F(TrayHostDoubleTest, ReadsTheMenu) {
+TEST_F(TrayHostDoubleTest, ReturnsMenu) {
   startHost();
   startSample();
   const std::vector<TrayMenuItem> menu = host_.menu();
@@ -128,7 +128,7 @@ TEST_F(TrayHostDoubleTest, ReadsTheMenu) {
   EXPECT_TRUE(menu[5].checked);
 }
 
-TEST_F(TrayHostDoubleTest, SavesTheIconInItsColours) {
+TEST_F(TrayHostDoubleTest, SavesIconsInTheirColours) {
   startHost();
   startSample();
   ASSERT_TRUE(host_.saveIcon("/tmp/icon.png", "22"));
@@ -139,7 +139,7 @@ TEST_F(TrayHostDoubleTest, SavesTheIconInItsColours) {
   EXPECT_FALSE(host_.saveMenuIcon("Never", "/tmp/menu_icon.png"));
 }
 
-TEST_F(TrayHostDoubleTest, ClickReachesTheProgram) {
+TEST_F(TrayHostDoubleTest, ClickReachesProgram) {
   startHost();
   startSample();
   ASSERT_TRUE(host_.click("Change"));
@@ -150,7 +150,7 @@ TEST_F(TrayHostDoubleTest, ClickReachesTheProgram) {
   EXPECT_EQ(pixelOf("/tmp/icon.png"), "22x22 srgba(0,0,255,1)");
 }
 
-TEST_F(TrayHostDoubleTest, ClickWithoutAskingUsesTheMenuReadLast) {
+TEST_F(TrayHostDoubleTest, ClickKnownUsesLastFetchedMenu) {
   startHost();
   startSample();
   EXPECT_FALSE(host_.clickKnown("Change"));
@@ -159,7 +159,7 @@ TEST_F(TrayHostDoubleTest, ClickWithoutAskingUsesTheMenuReadLast) {
   EXPECT_EQ(sample_.readLine(), "changed");
 }
 
-TEST_F(TrayHostDoubleTest, NobodyCanClickWhatIsDisabledHiddenOrAbsent) {
+TEST_F(TrayHostDoubleTest, DisabledHiddenAndAbsentItemsAreNotClickable) {
   startHost();
   startSample();
   EXPECT_FALSE(host_.click("Never"));
@@ -167,7 +167,7 @@ TEST_F(TrayHostDoubleTest, NobodyCanClickWhatIsDisabledHiddenOrAbsent) {
   EXPECT_FALSE(host_.click("Absent"));
 }
 
-TEST_F(TrayHostDoubleTest, TellsOfChangesOfTheMenu) {
+TEST_F(TrayHostDoubleTest, ReportsMenuChanges) {
   startHost();
   startSample();
   ASSERT_TRUE(host_.click("Grow"));
@@ -176,7 +176,7 @@ TEST_F(TrayHostDoubleTest, TellsOfChangesOfTheMenu) {
   EXPECT_EQ(host_.menu().back().label, "Grown");
 }
 
-TEST_F(TrayHostDoubleTest, ClickCanEndTheProgram) {
+TEST_F(TrayHostDoubleTest, ClickMayEndProgram) {
   startHost();
   startSample();
   ASSERT_TRUE(host_.click("Quit"));
@@ -184,7 +184,7 @@ TEST_F(TrayHostDoubleTest, ClickCanEndTheProgram) {
   EXPECT_EQ(sample_.wait(), ExitStatus{.code = 0});
 }
 
-TEST_F(TrayHostDoubleTest, CallThatNobodyAnswersFailsAfterTheFact) {
+TEST_F(TrayHostDoubleTest, UnansweredCallFailsWhenProgramEnds) {
   startHost();
   startSample();
   sample_.signal(SIGSTOP);
@@ -193,7 +193,7 @@ TEST_F(TrayHostDoubleTest, CallThatNobodyAnswersFailsAfterTheFact) {
   EXPECT_TRUE(host_.waitForEvent("failed called Activate"));
 }
 
-TEST_F(TrayHostDoubleTest, ActivationReachesTheProgram) {
+TEST_F(TrayHostDoubleTest, ActivateReachesProgram) {
   startHost();
   startSample();
   ASSERT_TRUE(host_.activate(10, 20));
@@ -201,7 +201,7 @@ TEST_F(TrayHostDoubleTest, ActivationReachesTheProgram) {
   EXPECT_EQ(sample_.readLine(), "activated");
 }
 
-TEST_F(TrayHostDoubleTest, ItemComesBackToAHostThatWasRestarted) {
+TEST_F(TrayHostDoubleTest, ItemRegistersWithRestartedHost) {
   startHost();
   startSample();
   host_.process().kill();

@@ -24,14 +24,14 @@ class ProbeWindow {
   xcb_window_t id_;
 };
 
-// A window manager says so by naming a window that names itself.
+// A running window manager sets this property to a window that has the same property (EWMH).
 bool hasNamedItself(const XConnection& display) {
   const auto window = display.numberProperty(display.root(), "_NET_SUPPORTING_WM_CHECK");
   return window && display.numberProperty(*window, "_NET_SUPPORTING_WM_CHECK") == window;
 }
 
-// A message that means nothing. openbox looks at what it has read while starting only when something more
-// comes.
+// Sends a message without effect: openbox processes messages that it read during its start only when another
+// one arrives.
 void nudge(const XConnection& display) {
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;

@@ -4,8 +4,8 @@
 
 namespace test_support {
 
-// Returns when the window manager of this display takes windows in and gives them the keyboard, which is a
-// while after it names itself there. False when none comes up.
+// Returns once the display's window manager manages new windows and gives them the input focus, which is
+// later than its announcement on the root window. Returns false if none starts.
 [[nodiscard]] bool waitForWindowManager(const std::string& display);
 
 }  // namespace test_support

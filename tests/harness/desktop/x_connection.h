@@ -9,15 +9,15 @@
 
 namespace test_support {
 
-// What xcb hands out is the caller's to free.
+// Frees memory that xcb allocated for the caller.
 struct XcbFree {
   void operator()(void* reply) const;
 };
 template <typename Reply>
 using XcbReply = std::unique_ptr<Reply, XcbFree>;
 
-// One connection to an X server, closed with this object; on one thread at a time. With a server that is not
-// there `valid` is false and the calls find nothing.
+// A connection to an X server, closed by the destructor. For use by one thread. Without a server `valid`
+// returns false and all queries return nothing.
 class XConnection {
  public:
   explicit XConnection(const std::string& display);
@@ -28,13 +28,13 @@ class XConnection {
   [[nodiscard]] bool valid() const;
   [[nodiscard]] xcb_connection_t* get() const { return connection_; }
   [[nodiscard]] xcb_window_t root() const { return root_; }
-  [[nodiscard]] xcb_atom_t atom(const std::string& name) const;  // XCB_ATOM_NONE where no client has made it
+  [[nodiscard]] xcb_atom_t atom(const std::string& name) const;  // XCB_ATOM_NONE if the atom does not exist
   [[nodiscard]] std::string atomName(xcb_atom_t atom) const;
-  void synchronize() const;  // returns when the server has done all requests so far
+  void synchronize() const;  // returns once the server has processed all requests
 
-  // The bytes of a window's property of any type; nothing when it has none.
+  // Returns the bytes of a window property of any type, nullopt if it is not set.
   [[nodiscard]] std::optional<std::string> property(xcb_window_t window, const std::string& name) const;
-  // The first 32-bit number of a property.
+  // Returns the first 32-bit number of a property.
   [[nodiscard]] std::optional<std::uint32_t> numberProperty(xcb_window_t window,
                                                             const std::string& name) const;
 

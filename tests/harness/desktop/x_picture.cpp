@@ -37,7 +37,7 @@ std::optional<XPicture> pictureOf(const std::string& display, const ScreenArea& 
                     static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height), ~0U);
   const XcbReply<xcb_get_image_reply_t> image(xcb_get_image_reply(connection.get(), cookie, nullptr));
   if (!image) return std::nullopt;
-  // Four bytes a pixel at this depth: blue, green, red and one that is not used.
+  // Four bytes per pixel at this depth: blue, green, red and padding.
   const std::uint8_t* const bytes = xcb_get_image_data(image.get());
   const auto length = static_cast<std::size_t>(xcb_get_image_data_length(image.get()));
   std::vector<Colour> colours;

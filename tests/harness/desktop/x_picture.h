@@ -7,7 +7,7 @@
 
 namespace test_support {
 
-// A part of a display, in pixels from its upper left.
+// An area of a display, in pixels from its upper left.
 struct ScreenArea {
   int x = 0;
   int y = 0;
@@ -23,16 +23,16 @@ struct Colour {
   bool operator==(const Colour&) const = default;
 };
 
-// What can be seen in an area of a display.
+// An image of an area of a display.
 class XPicture {
  public:
   XPicture(ScreenArea area, std::vector<Colour> colours);
 
-  // Counted from the picture's own upper left, which is 0, 0; throws std::out_of_range beyond its edges.
+  // Coordinates start at the image's upper left. Throws std::out_of_range beyond its edges.
   [[nodiscard]] Colour at(int x, int y) const;
   [[nodiscard]] int width() const { return area_.width; }
   [[nodiscard]] int height() const { return area_.height; }
-  [[nodiscard]] bool save(const std::string& path) const;  // as PPM, which every picture program reads
+  [[nodiscard]] bool save(const std::string& path) const;  // as PPM
 
   bool operator==(const XPicture& other) const { return colours_ == other.colours_; }
 
@@ -41,7 +41,7 @@ class XPicture {
   std::vector<Colour> colours_;
 };
 
-// Nothing when the area is not wholly on the display, or the display is gone.
+// Returns nullopt if the area is not wholly on the display or the display is gone.
 [[nodiscard]] std::optional<XPicture> pictureOf(const std::string& display, const ScreenArea& area);
 [[nodiscard]] std::optional<Colour> colourAt(const std::string& display, int x, int y);
 

@@ -22,7 +22,7 @@ std::vector<xcb_window_t> childrenOf(const XConnection& display, xcb_window_t wi
   return {first, first + xcb_query_tree_children_length(reply.get())};
 }
 
-// WM_CLASS holds two texts, each ended by a NUL: the instance, and the class.
+// WM_CLASS holds two NUL-terminated texts: the instance and the class.
 std::string classNameIn(const std::string& property) {
   const std::size_t end = property.find('\0');
   return end == std::string::npos ? property : std::string(property.c_str() + end + 1);
@@ -56,7 +56,7 @@ void fillManagersFacts(const XConnection& display, XWindow& window) {
   if (extents.size() == 4) window.titleHeight = static_cast<int>(extents[2]);
 }
 
-// Nothing for a window that shows nothing, is nobody's, or has gone meanwhile.
+// Returns nullopt for a window that is unmapped, has no owner, or is gone.
 std::optional<XWindow> describe(const XConnection& display, xcb_window_t id) {
   const auto cookie = xcb_get_window_attributes(display.get(), id);
   const XcbReply<xcb_get_window_attributes_reply_t> attributes(

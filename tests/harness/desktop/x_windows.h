@@ -11,7 +11,7 @@
 
 namespace test_support {
 
-// A program's window on a display, in pixels from the display's upper left.
+// A program's window, in pixels from the display's upper left.
 struct XWindow {
   std::uint32_t id = 0;
   std::string name = {};
@@ -20,9 +20,9 @@ struct XWindow {
   int y = 0;
   int width = 0;
   int height = 0;
-  int titleHeight = 0;                   // of the frame above the content; 0 without one
-  bool managed = true;                   // menus and tips are not
-  std::vector<std::string> states = {};  // "_NET_WM_STATE_ABOVE" and the like
+  int titleHeight = 0;                   // of the frame above the content; 0 without a frame
+  bool managed = true;                   // false for menus and tooltips
+  std::vector<std::string> states = {};  // for example "_NET_WM_STATE_ABOVE"
 };
 
 using WindowPredicate = std::function<bool(const XWindow&)>;
@@ -30,7 +30,7 @@ using WindowPredicate = std::function<bool(const XWindow&)>;
 [[nodiscard]] WindowPredicate windowNamed(const std::string& name);
 [[nodiscard]] WindowPredicate windowOfClass(const std::string& className);
 
-// All windows with a name or a class that are on the screen, the lowest first.
+// Returns all mapped windows with a name or a class, bottom to top.
 [[nodiscard]] std::vector<XWindow> windowsOn(const std::string& display);
 
 [[nodiscard]] std::optional<XWindow> waitForWindow(const std::string& display, const WindowPredicate& fits,
@@ -38,12 +38,12 @@ using WindowPredicate = std::function<bool(const XWindow&)>;
 [[nodiscard]] bool waitForNoWindow(const std::string& display, const WindowPredicate& fits,
                                    std::chrono::milliseconds timeout = kPatience);
 
-// The window that has the keyboard, as the window manager tells it.
+// Returns the focused window according to the window manager.
 [[nodiscard]] std::optional<std::uint32_t> activeWindowOn(const std::string& display);
 
-// Asks the window manager to close a window, as its close button does; the program may refuse.
+// Asks the window manager to close a window, as its close button does. The program may refuse.
 void requestClose(const std::string& display, std::uint32_t window);
-// What the window manager then tells the program; returns when the program has it to read.
+// Sends the close request that a window manager sends to the program. Returns once the program can read it.
 void deliverCloseRequest(const std::string& display, std::uint32_t window);
 
 }  // namespace test_support

@@ -43,7 +43,7 @@ class XWindowsTest : public testing::Test {
   ChildProcess sample_;
 };
 
-TEST_F(XWindowsTest, WindowHasItsFacts) {
+TEST_F(XWindowsTest, ReportsWindowAttributes) {
   const XWindow low = window("Low");
   EXPECT_EQ(low.className, "sample_window_program");
   EXPECT_EQ(low.width, 300);
@@ -53,7 +53,7 @@ TEST_F(XWindowsTest, WindowHasItsFacts) {
   EXPECT_THAT(window("High").states, testing::Contains("_NET_WM_STATE_ABOVE"));
 }
 
-TEST_F(XWindowsTest, PlaceIsThatOfTheContent) {
+TEST_F(XWindowsTest, PositionIsThatOfContent) {
   const XWindow low = window("Low");
   ASSERT_TRUE(waitForColour(low, kLowColour));
   EXPECT_EQ(colourAt(name(), low.x, low.y), kLowColour);
@@ -62,7 +62,7 @@ TEST_F(XWindowsTest, PlaceIsThatOfTheContent) {
   EXPECT_NE(colourAt(name(), low.x + 300, low.y + 199), kLowColour);
 }
 
-TEST_F(XWindowsTest, TheLowestComesFirst) {
+TEST_F(XWindowsTest, WindowsAreListedBottomToTop) {
   std::vector<std::string> names;
   for (const XWindow& each : windowsOn(name())) {
     if (each.className == "sample_window_program") names.push_back(each.name);
@@ -70,14 +70,14 @@ TEST_F(XWindowsTest, TheLowestComesFirst) {
   EXPECT_THAT(names, testing::ElementsAre("Low", "High"));
 }
 
-TEST_F(XWindowsTest, ClickReachesTheProgramAtItsPlace) {
+TEST_F(XWindowsTest, ClickReachesProgramAtItsPosition) {
   const XWindow low = window("Low");
   ASSERT_TRUE(clickMouse(name(), low.x + 30, low.y + 40, 3));
   EXPECT_EQ(sample_.readLine(), "press Low 30 40 2");
   EXPECT_EQ(sample_.readLine(), "release Low 30 40 2");
 }
 
-TEST_F(XWindowsTest, ButtonCanBeReleasedElsewhere) {
+TEST_F(XWindowsTest, ButtonIsReleasedAtSecondPosition) {
   const XWindow low = window("Low");
   ASSERT_TRUE(pressMouse(name(), low.x + 30, low.y + 40));
   ASSERT_TRUE(releaseMouse(name(), low.x + 50, low.y + 60));
@@ -85,7 +85,7 @@ TEST_F(XWindowsTest, ButtonCanBeReleasedElsewhere) {
   EXPECT_EQ(sample_.readLine(), "release Low 50 60 1");
 }
 
-TEST_F(XWindowsTest, KeysReachTheActiveWindow) {
+TEST_F(XWindowsTest, KeysReachFocusedWindow) {
   const XWindow low = window("Low");
   ASSERT_TRUE(clickMouse(name(), low.x + 30, low.y + 40));
   ASSERT_TRUE(waitUntil([&] { return activeWindowOn(name()) == low.id; }));
@@ -98,19 +98,19 @@ TEST_F(XWindowsTest, KeysReachTheActiveWindow) {
   EXPECT_EQ(sample_.readLine(), "key z");
 }
 
-TEST_F(XWindowsTest, CloseIsAskedOfTheProgram) {
+TEST_F(XWindowsTest, CloseRequestReachesProgram) {
   requestClose(name(), window("High").id);
   EXPECT_EQ(sample_.readLine(), "close High");
   EXPECT_TRUE(waitForNoWindow(name(), windowNamed("High")));
   EXPECT_TRUE(waitForWindow(name(), windowOfClass("sample_window_program")));
 }
 
-TEST_F(XWindowsTest, WaitsEndAtTheirTimeout) {
+TEST_F(XWindowsTest, WaitsEndAtTimeout) {
   EXPECT_FALSE(waitForWindow(name(), windowNamed("Absent"), 50ms));
   EXPECT_FALSE(waitForNoWindow(name(), windowNamed("Low"), 50ms));
 }
 
-TEST_F(XWindowsTest, PictureIsThePartOfTheDisplay) {
+TEST_F(XWindowsTest, PictureShowsAreaOfDisplay) {
   const XWindow high = window("High");
   ASSERT_TRUE(waitForColour(high, kHighColour));
   const auto picture = pictureOf(name(), {high.x - 1, high.y, high.width + 1, high.height});
@@ -133,12 +133,12 @@ TEST_F(XWindowsTest, PictureIsSavedInItsColours) {
   EXPECT_EQ(identify.readLine(), "120x90 srgb(10,20,30)");
 }
 
-TEST_F(XWindowsTest, NothingIsSeenBeyondTheDisplay) {
+TEST_F(XWindowsTest, AreaBeyondDisplayHasNoPicture) {
   EXPECT_FALSE(colourAt(name(), 1280, 0));
   EXPECT_TRUE(colourAt(name(), 1279, 799));
 }
 
-TEST_F(XWindowsTest, NothingIsFoundOnADisplayThatIsGone) {
+TEST_F(XWindowsTest, QueriesOnStoppedDisplayReturnNothing) {
   display_.stop();
   EXPECT_TRUE(windowsOn(name()).empty());
   EXPECT_FALSE(activeWindowOn(name()));

@@ -7,12 +7,12 @@
 
 namespace test_support {
 
-// Where one of a child's three standard streams leads.
+// The target of one of a child's three standard streams.
 struct Redirection {
   enum class To { Null, Inherit, Pipe, File };
 
   To to = To::Null;
-  std::string path;  // of a file: read from its start as input, made anew as output
+  std::string path;  // of a file: read from its start as input, truncated as output
 
   static Redirection null() { return {To::Null, {}}; }
   static Redirection inherit() { return {To::Inherit, {}}; }
@@ -20,9 +20,9 @@ struct Redirection {
   static Redirection file(std::string path) { return {To::File, std::move(path)}; }
 };
 
-// What a child gets besides its arguments.
+// Options for starting a child process.
 struct ChildOptions {
-  // Changes to the caller's own environment: a value sets the name, an empty optional unsets it.
+  // Changes to the caller's environment: a value sets the variable, nullopt unsets it.
   std::map<std::string, std::optional<std::string>> environment = {};
   std::string workingDirectory = {};  // empty: the caller's
   Redirection input = Redirection::null();

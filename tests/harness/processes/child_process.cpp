@@ -23,7 +23,7 @@ int millisecondsUntil(Clock::time_point deadline) {
   return static_cast<int>(std::max<decltype(left)>(left, 0));
 }
 
-// Keeps the SIGPIPE of a write to a reader that has gone from ending the test program.
+// Blocks SIGPIPE, which a write to a closed pipe would raise in the test program.
 class SigpipeHeld {
  public:
   SigpipeHeld() {
@@ -92,7 +92,7 @@ bool ChildProcess::start(const std::vector<std::string>& argv, const ChildOption
   Spawned child = spawn(argv, options);
   if (child.pid < 0) return false;
   pid_ = child.pid;
-  // By number: the header of Debian 12 declares pidfd_open with C++ linkage.
+  // Called by number, because the header of Debian 12 declares pidfd_open with C++ linkage.
   handle_.reset(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)));
   input_ = std::move(child.input);
   output_.fd = std::move(child.output);
@@ -171,7 +171,7 @@ void ChildProcess::closeInput() {
   input_.reset();
 }
 
-// Waits until the child has written or ended, and takes in what it has written.
+// Waits until the child has written or ended, and reads its output.
 void ChildProcess::takeIn(Clock::time_point deadline) {
   std::array<pollfd, 3> entries{
       {{output_.fd.get(), POLLIN, 0}, {error_.fd.get(), POLLIN, 0}, {-1, POLLIN, 0}}};

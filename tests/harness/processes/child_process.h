@@ -14,19 +14,19 @@
 
 namespace test_support {
 
-// How a process ended: one of the two is set.
+// How a process ended: exactly one member is set.
 struct ExitStatus {
-  std::optional<int> code = {};    // it ended by itself with this status
-  std::optional<int> signal = {};  // it was ended by this signal
+  std::optional<int> code = {};    // exit status
+  std::optional<int> signal = {};  // terminating signal
 
   bool operator==(const ExitStatus&) const = default;
 };
 
-// One child process, killed and reaped when this object goes away. Use it on one thread at a time.
+// A child process, killed and reaped by the destructor. For use by one thread at a time.
 //
-// The child starts with default signals and an empty mask, and inherits no descriptor but its three streams.
-// Every waiting call also takes in what the child writes on its piped streams; between such calls a child
-// that has filled a pipe (1 MiB where the kernel grants it) blocks.
+// The child starts with default signal handling and an empty signal mask, and inherits only its three
+// standard streams. Every waiting call also reads the child's piped streams. Between such calls a child that
+// has filled a pipe (1 MiB if the kernel grants it) blocks.
 class ChildProcess {
  public:
   ChildProcess() = default;
@@ -34,8 +34,8 @@ class ChildProcess {
   ChildProcess& operator=(ChildProcess&& other) noexcept;
   ~ChildProcess();
 
-  // Runs argv[0], looked up on PATH when it holds no slash. A child that is still there from an earlier start
-  // is killed first. False with errno set when it can't be run.
+  // Runs argv[0], looked up on PATH if it contains no slash. Kills a child from an earlier start first. On
+  // failure returns false and sets errno.
   [[nodiscard]] bool start(const std::vector<std::string>& argv, const ChildOptions& options = {});
 
   [[nodiscard]] pid_t pid() const {
@@ -43,24 +43,24 @@ class ChildProcess {
   }  // of the last child started; -1 before; kept after its end
   [[nodiscard]] bool running();
 
-  // Waits for the end of the child, not for the end of its pipes, which its own children may hold on to.
-  // Nothing when it is still running at the timeout, or when none was started.
+  // Waits for the child to end; not for the end of its pipes, which its own children may hold open. Returns
+  // nullopt if it is still running at the timeout or if none was started.
   [[nodiscard]] std::optional<ExitStatus> wait(std::chrono::milliseconds timeout = kPatience);
 
-  void signal(int number);  // does nothing once the child has been reaped, so that no stranger is hit
+  void signal(int number);  // does nothing once the child is reaped: its PID may be reused
   void terminate();         // SIGTERM
   void kill();              // SIGKILL
 
-  // The next line without its end; at the end of the stream also an unfinished one. Nothing at the timeout,
-  // at the end of the stream, or when the stream is not piped.
+  // Returns the next line without its line break; at the end of the stream also an unterminated one. Returns
+  // nullopt at the timeout, at the end of the stream, or if the stream is not piped.
   [[nodiscard]] std::optional<std::string> readLine(std::chrono::milliseconds timeout = kPatience);
   [[nodiscard]] std::optional<std::string> readErrorLine(std::chrono::milliseconds timeout = kPatience);
 
-  // All that has come so far and was not handed out as a line.
+  // Returns all output so far that was not returned as a line.
   [[nodiscard]] std::string takeOutput();
   [[nodiscard]] std::string takeErrorOutput();
 
-  // False when the child no longer reads. Blocks while the child leaves a full pipe unread.
+  // Returns false if the child has closed its input. Blocks while the pipe is full.
   [[nodiscard]] bool writeLine(std::string_view line);
   void closeInput();
 
@@ -78,7 +78,7 @@ class ChildProcess {
   void reapIfEnded();
 
   pid_t pid_ = -1;
-  FileDescriptor handle_;  // readable once the child has ended; invalid once it has been reaped
+  FileDescriptor handle_;  // a pidfd, readable once the child has ended; invalid once it is reaped
   std::optional<ExitStatus> status_;
   FileDescriptor input_;
   Capture output_;

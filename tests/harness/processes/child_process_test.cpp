@@ -22,14 +22,14 @@ ChildOptions withPipes() {
   return {.input = Redirection::pipe(), .output = Redirection::pipe(), .error = Redirection::pipe()};
 }
 
-TEST(ChildProcess, GivesTheExitStatus) {
+TEST(ChildProcess, ReturnsExitStatus) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"sh", "-c", "exit 7"}));
   EXPECT_EQ(child.wait(), ExitStatus{.code = 7});
   EXPECT_FALSE(child.running());
 }
 
-TEST(ChildProcess, GivesTheSignalThatEndedIt) {
+TEST(ChildProcess, ReturnsTerminatingSignal) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"sleep", "1000"}));
   EXPECT_TRUE(child.running());
@@ -37,14 +37,14 @@ TEST(ChildProcess, GivesTheSignalThatEndedIt) {
   EXPECT_EQ(child.wait(), ExitStatus{.signal = SIGTERM});
 }
 
-TEST(ChildProcess, StartOfAMissingProgramFailsWithItsReason) {
+TEST(ChildProcess, StartOfMissingProgramSetsErrno) {
   ChildProcess child;
   EXPECT_FALSE(child.start({"/no/such/program"}));
   EXPECT_EQ(errno, ENOENT);
   EXPECT_EQ(child.wait(0ms), std::nullopt);
 }
 
-TEST(ChildProcess, WaitEndsAtItsTimeout) {
+TEST(ChildProcess, WaitEndsAtTimeout) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"sleep", "1000"}));
   const auto before = std::chrono::steady_clock::now();
@@ -54,7 +54,7 @@ TEST(ChildProcess, WaitEndsAtItsTimeout) {
   EXPECT_LT(waited, 5s);
 }
 
-TEST(ChildProcess, ReadLineEndsAtItsTimeoutAndKeepsTheUnfinishedLine) {
+TEST(ChildProcess, ReadLineEndsAtTimeoutAndKeepsUnterminatedLine) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"sh", "-c", "printf half; read line; echo ' and half'"}, withPipes()));
   EXPECT_EQ(child.readLine(100ms), std::nullopt);
@@ -62,7 +62,7 @@ TEST(ChildProcess, ReadLineEndsAtItsTimeoutAndKeepsTheUnfinishedLine) {
   EXPECT_EQ(child.readLine(), "half and half");
 }
 
-TEST(ChildProcess, ReadLineHandsOutAnUnfinishedLastLineAndThenNothing) {
+TEST(ChildProcess, ReadLineReturnsUnterminatedLastLineThenNullopt) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"sh", "-c", "printf 'one\\n\\nlast'"}));
   EXPECT_EQ(child.readLine(), "one");
@@ -71,14 +71,14 @@ TEST(ChildProcess, ReadLineHandsOutAnUnfinishedLastLineAndThenNothing) {
   EXPECT_EQ(child.readLine(), std::nullopt);
 }
 
-TEST(ChildProcess, KeepsTheTwoOutputsApart) {
+TEST(ChildProcess, OutputAndErrorOutputAreSeparate) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"sh", "-c", "echo out; echo err >&2"}, withPipes()));
   EXPECT_EQ(child.readErrorLine(), "err");
   EXPECT_EQ(child.readLine(), "out");
 }
 
-TEST(ChildProcess, WaitTakesInMoreThanAPipeHolds) {
+TEST(ChildProcess, WaitReadsMoreThanPipeCapacity) {
   ChildProcess child;
   ASSERT_TRUE(
       child.start({"sh", "-c", "head -c 5000000 /dev/zero; head -c 3000000 /dev/zero >&2"}, withPipes()));
@@ -87,7 +87,7 @@ TEST(ChildProcess, WaitTakesInMoreThanAPipeHolds) {
   EXPECT_EQ(child.takeErrorOutput().size(), 3000000U);
 }
 
-TEST(ChildProcess, WaitDoesNotWaitForTheChildrensChildrenOnThePipe) {
+TEST(ChildProcess, WaitIgnoresPipesHeldByGrandchildren) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"sh", "-c", "sleep 1000 & echo $!"}));
   EXPECT_EQ(child.wait(), ExitStatus{.code = 0});
@@ -104,7 +104,7 @@ TEST(ChildProcess, EnvironmentIsChangedAndUnset) {
   EXPECT_EQ(child.readLine(), "unset after " + std::string(::getenv("HOME")));
 }
 
-TEST(ChildProcess, StreamsLeadToFiles) {
+TEST(ChildProcess, StreamsAreRedirectedToFiles) {
   std::ofstream("/tmp/child_input") << "from the file\n";
   ChildProcess child;
   ASSERT_TRUE(child.start({"sh", "-c", "cat; pwd >&2"}, {.workingDirectory = "/usr",
@@ -119,14 +119,14 @@ TEST(ChildProcess, StreamsLeadToFiles) {
   EXPECT_EQ(line, "from the file");
 }
 
-TEST(ChildProcess, WriteToAChildThatHasGoneFailsAndEndsNobody) {
+TEST(ChildProcess, WriteToExitedChildFailsWithoutSignal) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"true"}, withPipes()));
   ASSERT_TRUE(child.wait());
   EXPECT_FALSE(child.writeLine("hello?"));
 }
 
-TEST(ChildProcess, ClosedInputEndsAReader) {
+TEST(ChildProcess, ClosingInputEndsReader) {
   ChildProcess child;
   ASSERT_TRUE(child.start({"cat"}, withPipes()));
   ASSERT_TRUE(child.writeLine("line"));
@@ -135,7 +135,7 @@ TEST(ChildProcess, ClosedInputEndsAReader) {
   EXPECT_EQ(child.takeOutput(), "line\n");
 }
 
-TEST(ChildProcess, GoingAwayKillsAndReaps) {
+TEST(ChildProcess, DestructorKillsAndReaps) {
   pid_t pid = -1;
   {
     ChildProcess child;
@@ -147,7 +147,7 @@ TEST(ChildProcess, GoingAwayKillsAndReaps) {
   EXPECT_EQ(errno, ESRCH);
 }
 
-TEST(ChildProcess, MovedOverAChildKillsThatChild) {
+TEST(ChildProcess, MoveAssignmentKillsPreviousChild) {
   ChildProcess first;
   ASSERT_TRUE(first.start({"sleep", "1000"}));
   const pid_t killed = first.pid();
@@ -162,12 +162,12 @@ TEST(ChildProcess, StartsWithDefaultSignals) {
   ASSERT_TRUE(child.start({"sh", "-c", "grep SigIgn /proc/$$/status"}));
   const std::string line = child.readLine().value_or("");
   ASSERT_THAT(line, testing::StartsWith("SigIgn:\t"));
-  // The C library keeps the signals above 31 to itself.
+  // The C library reserves signals above 31.
   EXPECT_EQ(std::stoull(line.substr(8), nullptr, 16) & 0x7fffffffU, 0U);
   ::signal(SIGUSR2, SIG_DFL);
 }
 
-TEST(ChildProcess, InheritsNoDescriptorOfTheCaller) {
+TEST(ChildProcess, InheritsNoDescriptorOfCaller) {
   const FileDescriptor inheritable(::open("/dev/null", O_RDONLY));
   const FileDescriptor high(::dup2(inheritable.get(), 77));
   ChildProcess child;
@@ -175,17 +175,17 @@ TEST(ChildProcess, InheritsNoDescriptorOfTheCaller) {
   EXPECT_EQ(child.readLine(), "0 1 2 3 ");
 }
 
-TEST(WaitUntil, EndsAtItsTimeout) {
+TEST(WaitUntil, EndsAtTimeout) {
   const auto before = std::chrono::steady_clock::now();
   EXPECT_FALSE(waitUntil([] { return false; }, 30ms));
   EXPECT_GE(std::chrono::steady_clock::now() - before, 30ms);
 }
 
-TEST(WaitUntil, AsksOnceEvenWithoutPatience) {
+TEST(WaitUntil, EvaluatesPredicateOnceWithZeroTimeout) {
   EXPECT_TRUE(waitUntil([] { return true; }, 0ms));
 }
 
-TEST(WaitUntil, SeesAChange) {
+TEST(WaitUntil, SeesChange) {
   int asked = 0;
   EXPECT_TRUE(waitUntil([&] { return ++asked == 3; }));
 }

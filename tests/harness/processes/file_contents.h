@@ -7,8 +7,8 @@
 
 namespace test_support {
 
-// All that stands in the file at `path`; empty where there is none or it can't be read, as of a process that
-// has just ended.
+// Returns the contents of the file at `path`; empty if it does not exist or cannot be read, such as a file in
+// /proc of a process that has ended.
 [[nodiscard]] inline std::string contentsOf(const std::filesystem::path& path) {
   std::ostringstream contents;
   contents << std::ifstream(path, std::ios::binary).rdbuf();

@@ -13,7 +13,7 @@ std::chrono::milliseconds left(std::chrono::steady_clock::time_point deadline) {
   return std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
 }
 
-// "ok" and "ok more", but not "okay".
+// Matches "ok" and "ok more", but not "okay".
 bool isWord(std::string_view line, std::string_view word) {
   return line.starts_with(word) && (line.size() == word.size() || line[word.size()] == ' ');
 }

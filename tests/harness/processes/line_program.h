@@ -10,27 +10,27 @@
 
 namespace test_support {
 
-// A helper program that takes commands on standard input and tells answers and events on standard output, a
-// line each: an answer ends with "ok ..." or "error ...", its lines before that are indented by two spaces,
-// all others are events.
+// A helper program that reads commands from standard input and writes answers and events to standard output,
+// one per line. An answer ends with "ok ..." or "error ..."; its earlier lines are indented by two spaces.
+// All other lines are events.
 class LineProgram {
  public:
   struct Answer {
     bool ok = false;
-    std::string text = {};                // what follows the "ok" or the "error"
-    std::vector<std::string> lines = {};  // without their indentation
+    std::string text = {};                // after "ok" or "error"
+    std::vector<std::string> lines = {};  // without indentation
   };
 
-  // Starts it and waits for its event "ready".
+  // Starts the program and waits for its event "ready".
   [[nodiscard]] bool start(const std::vector<std::string>& argv, ChildOptions options = {});
 
-  // One command at a time. No answer within the timeout is an answer that is not ok.
+  // Sends one command. Returns an answer that is not ok at the timeout.
   [[nodiscard]] Answer ask(const std::string& command, std::chrono::milliseconds timeout = kPatience);
 
-  // Takes the first event that begins so out of the events, and leaves the others for later.
+  // Removes and returns the first event with this prefix; later calls can return the others.
   [[nodiscard]] std::optional<std::string> waitForEvent(const std::string& beginning,
                                                         std::chrono::milliseconds timeout = kPatience);
-  // Forgets the events so far, such as those of the way to what is to be tested.
+  // Discards the events so far.
   void clearEvents();
 
   [[nodiscard]] ChildProcess& process() { return process_; }

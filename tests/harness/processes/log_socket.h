@@ -9,11 +9,10 @@
 
 namespace test_support {
 
-// The bare socket to which syslog(3) sends, for a poll loop of the caller's; SyslogSocket brings a thread
-// along.
+// The socket to which syslog(3) sends, for use in the caller's poll loop; SyslogSocket adds a thread.
 //
-// It is made where nothing stands yet, so that a machine's own system log is never taken over, and removed at
-// the end.
+// Creates the socket only if the path is free, so that it never replaces the machine's system log. Removes it
+// in the destructor.
 class LogSocket {
  public:
   explicit LogSocket(std::string path = "/dev/log");
@@ -22,13 +21,13 @@ class LogSocket {
   ~LogSocket();
 
   [[nodiscard]] bool valid() const { return fd_.valid(); }
-  [[nodiscard]] int fd() const { return fd_.get(); }  // readable when a message waits
+  [[nodiscard]] int fd() const { return fd_.get(); }  // readable when a message is pending
 
   struct Received {
-    SyslogMessage message = {};  // of a datagram that is no log entry: its bytes as the text, and priority -1
+    SyslogMessage message = {};  // of a malformed log entry: its bytes as the text, and priority -1
     std::chrono::system_clock::time_point sent = {};
   };
-  // The next message; nothing when none waits. Never blocks.
+  // Returns the next message, nullopt if none is pending. Never blocks.
   [[nodiscard]] std::optional<Received> receive();
 
  private:

@@ -11,7 +11,7 @@ namespace test_support {
 MessageFifo::MessageFifo(std::string path) : path_(std::move(path)) {
   if (path_.empty() || ::mkfifo(path_.c_str(), 0666) != 0) return;
   ::chmod(path_.c_str(), 0666);
-  // With a writing end of its own it never reads as ended between two writers.
+  // O_RDWR: with a write end of its own, the FIFO never reports end of file between two writers.
   fd_.reset(::open(path_.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
 }
 

@@ -8,8 +8,8 @@
 
 namespace test_support {
 
-// The reading end of a FIFO that it makes, and removes at its end. Writers find a reader for as long as it
-// lives.
+// Creates a FIFO and reads from it; removes it in the destructor. Keeps the read end open, so that writers
+// never get ENXIO.
 class MessageFifo {
  public:
   explicit MessageFifo(std::string path);
@@ -21,10 +21,10 @@ class MessageFifo {
   [[nodiscard]] int fd() const { return fd_.get(); }
 
   struct Received {
-    std::string text = {};  // of all writes since the last time: nothing parts them
-    std::chrono::system_clock::time_point written = {};  // the last of them; up to a clock tick early
+    std::string text = {};  // of all writes since the last call: a FIFO does not separate them
+    std::chrono::system_clock::time_point written = {};  // time of the last write; up to one clock tick early
   };
-  // Nothing when nothing waits. Never blocks.
+  // Returns nullopt if nothing is pending. Never blocks.
   [[nodiscard]] std::optional<Received> receive();
 
  private:

@@ -10,8 +10,7 @@
 
 namespace test_support {
 
-// The children that each of the process's threads has made, those too that have ended and were not waited
-// for. None of a process that is gone.
+// Returns the children of all threads of the process, including zombies; empty if the process is gone.
 [[nodiscard]] inline std::vector<pid_t> childrenOf(pid_t parent) {
   std::vector<pid_t> children;
   std::error_code gone;

@@ -1,6 +1,5 @@
-// recorder: stands in for an outside command, under whose name it is linked or copied. It tells the test's
-// timeline what it was called with, and ends with the status that the timeline gives; with 0 where no
-// timeline listens.
+// recorder: fakes an outside command, under whose name it is linked or copied. Reports its arguments to the
+// test's timeline and exits with the status that the timeline returns; with 0 if no timeline listens.
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -24,7 +23,7 @@ int connectTo(const std::string& path) {
   return ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
 }
 
-// The search path, the program's name and its arguments, each ended by a NUL.
+// The search path, the program's name and its arguments, each terminated by a NUL.
 std::string record(int argc, char** argv) {
   const char* searchPath = std::getenv("PATH");
   std::string result = searchPath != nullptr ? searchPath : "";

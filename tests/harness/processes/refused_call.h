@@ -2,6 +2,6 @@
 
 #include <functional>
 
-// Runs `work` on a thread of its own on which the system refuses this call (a SYS_ number) with this error,
-// also to what is started there. Returns when it is done; false when the refusal can't be had.
+// Runs `work` on a new thread on which a seccomp filter lets this system call (SYS_...) fail with `error`,
+// also in its child processes. Returns once it is done; false if the filter could not be installed.
 [[nodiscard]] bool withRefusedCall(int call, int error, const std::function<void()>& work);

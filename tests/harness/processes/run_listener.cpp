@@ -12,7 +12,7 @@
 namespace test_support {
 namespace {
 
-// Fields that are each ended by a NUL.
+// Splits NUL-terminated fields.
 std::vector<std::string> fieldsOf(const std::string& bytes) {
   std::vector<std::string> fields;
   for (std::size_t start = 0; start < bytes.size();) {
@@ -26,7 +26,7 @@ std::vector<std::string> fieldsOf(const std::string& bytes) {
 
 void CommandRun::answer(int status) const {
   const auto byte = static_cast<unsigned char>(status);
-  // A command that was killed meanwhile needs none.
+  // EPIPE is harmless: the command was killed.
   [[maybe_unused]] const ssize_t sent = ::send(connection.get(), &byte, 1, MSG_NOSIGNAL);
 }
 

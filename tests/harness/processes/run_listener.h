@@ -8,7 +8,7 @@
 
 namespace test_support {
 
-// One run of an outside command, which waits until its connection is answered or closed.
+// A run of an outside command, which blocks until its connection is answered or closed.
 struct CommandRun {
   std::string program = {};
   std::vector<std::string> arguments = {};
@@ -18,7 +18,7 @@ struct CommandRun {
   void answer(int status) const;
 };
 
-// Hears the `recorder` programs that stand in for outside commands.
+// Accepts the reports of `recorder` programs.
 class RunListener {
  public:
   explicit RunListener(std::string path);
@@ -27,9 +27,9 @@ class RunListener {
   ~RunListener();
 
   [[nodiscard]] bool valid() const { return socket_.valid(); }
-  [[nodiscard]] std::vector<int> fds() const;  // any of them readable: there is something to take in
+  [[nodiscard]] std::vector<int> fds() const;  // poll all of them for input
 
-  // The runs of which all has come. Never blocks.
+  // Returns the runs that are completely received. Never blocks.
   [[nodiscard]] std::vector<CommandRun> takeIn();
 
  private:

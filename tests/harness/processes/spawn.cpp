@@ -114,7 +114,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 Spawned spawn(const std::vector<std::string>& argv, const ChildOptions& options) {
   FileActions actions;
-  // The streams first: a relative path among them is the caller's.
+  // Redirect before changing the directory: relative paths are relative to the caller's.
   Pipe input = redirect(actions, STDIN_FILENO, options.input);
   Pipe output = redirect(actions, STDOUT_FILENO, options.output);
   Pipe error = redirect(actions, STDERR_FILENO, options.error);

@@ -10,15 +10,15 @@
 
 namespace test_support {
 
-// A child just started and the near ends of its pipes; invalid where a stream is not piped.
+// A started child and the near ends of its pipes; invalid for streams that are not piped.
 struct Spawned {
   pid_t pid = -1;
   FileDescriptor input = {};
-  FileDescriptor output = {};  // not blocking
-  FileDescriptor error = {};   // not blocking
+  FileDescriptor output = {};  // non-blocking
+  FileDescriptor error = {};   // non-blocking
 };
 
-// Runs argv[0] with these options. On failure pid is -1 and errno says why. The caller reaps it.
+// Runs argv[0] with these options. On failure pid is -1 and errno is set. The caller reaps the child.
 [[nodiscard]] Spawned spawn(const std::vector<std::string>& argv, const ChildOptions& options);
 
 }  // namespace test_support

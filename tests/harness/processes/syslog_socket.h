@@ -15,8 +15,8 @@
 
 namespace test_support {
 
-// Stands in for the system log: takes what programs send through syslog(3) for as long as it lives, on a
-// thread of its own, so that no sender ever waits. Its methods may be called on any thread.
+// Fakes the system log: receives messages of syslog(3) on a thread of its own, so that no sender blocks.
+// Thread-safe.
 class SyslogSocket {
  public:
   using Predicate = std::function<bool(const SyslogMessage&)>;
@@ -26,14 +26,15 @@ class SyslogSocket {
   SyslogSocket& operator=(const SyslogSocket&) = delete;
   ~SyslogSocket();
 
-  // False where the socket could not be made; nothing is ever received then.
+  // Returns false if the socket could not be created; no message is ever received then.
   [[nodiscard]] bool valid() const { return socket_.valid(); }
 
-  // All messages so far in the order of their arrival, with certainty those that were sent before this call.
+  // Returns all messages in the order of their arrival; includes at least those sent before this call.
   [[nodiscard]] std::vector<SyslogMessage> messages();
   void clear();
 
-  // The first message, an earlier one or one to come, that fits, or that has exactly this text.
+  // Waits for a message that matches or that has exactly this text; returns at once if it has already
+  // arrived.
   [[nodiscard]] std::optional<SyslogMessage> waitFor(const Predicate& fits,
                                                      std::chrono::milliseconds timeout = kPatience);
   [[nodiscard]] std::optional<SyslogMessage> waitFor(const std::string& text,

@@ -16,25 +16,25 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Each message is sent by a process of its own: syslog(3) keeps its connection for the life of a process.
+// Sends each message from a new process, because syslog(3) keeps its connection until the process exits.
 void log(const std::string& priority, const std::string& text) {
   ChildProcess logger;
   ASSERT_TRUE(logger.start({"logger", "--priority", priority, "--tag", "TagOfTest", "--", text}));
   ASSERT_EQ(logger.wait(), ExitStatus{.code = 0});
 }
 
-TEST(SyslogMessage, IsTakenApart) {
+TEST(SyslogMessage, EntryIsParsed) {
   EXPECT_EQ(
       parseSyslogMessage("<11>Jan  2 03:04:05 Name[123]: the text: more"),
       (SyslogMessage{.priority = LOG_ERR, .facility = LOG_USER, .ident = "Name", .text = "the text: more"}));
 }
 
-TEST(SyslogMessage, MayLackItsProcess) {
+TEST(SyslogMessage, PidIsOptional) {
   EXPECT_EQ(parseSyslogMessage("<134>Dec 12 03:04:05 Name: "),
             (SyslogMessage{.priority = LOG_INFO, .facility = LOG_LOCAL0, .ident = "Name", .text = ""}));
 }
 
-TEST(SyslogMessage, OtherFormsAreRefused) {
+TEST(SyslogMessage, MalformedEntryIsRejected) {
   EXPECT_EQ(parseSyslogMessage(""), std::nullopt);
   EXPECT_EQ(parseSyslogMessage("<"), std::nullopt);
   EXPECT_EQ(parseSyslogMessage("<>Dec 12 03:04:05 Name: text"), std::nullopt);
@@ -43,7 +43,7 @@ TEST(SyslogMessage, OtherFormsAreRefused) {
   EXPECT_EQ(parseSyslogMessage("<11>Dec 12 03:04:05 no colon"), std::nullopt);
 }
 
-TEST(SyslogSocket, HoldsWhatWasSentBeforeItIsAsked) {
+TEST(SyslogSocket, ReturnsMessagesSentBeforeCall) {
   SyslogSocket socket;
   ASSERT_TRUE(socket.valid());
   log("user.err", "first");
@@ -56,7 +56,7 @@ TEST(SyslogSocket, HoldsWhatWasSentBeforeItIsAsked) {
               .priority = LOG_INFO, .facility = LOG_DAEMON, .ident = "TagOfTest", .text = "second"}));
 }
 
-TEST(SyslogSocket, TakesMoreThanASocketHoldsWithoutBeingAsked) {
+TEST(SyslogSocket, ReceivesMoreThanSocketBuffer) {
   SyslogSocket socket;
   ChildProcess sender;
   ASSERT_TRUE(sender.start({"sh", "-c", "seq 20000 | logger --tag TagOfTest"}));
@@ -66,7 +66,7 @@ TEST(SyslogSocket, TakesMoreThanASocketHoldsWithoutBeingAsked) {
   EXPECT_EQ(messages.back().text, "20000");
 }
 
-TEST(SyslogSocket, WaitsForATextToCome) {
+TEST(SyslogSocket, WaitForReturnsLaterMessage) {
   SyslogSocket socket;
   ChildProcess sender;
   ASSERT_TRUE(
@@ -77,7 +77,7 @@ TEST(SyslogSocket, WaitsForATextToCome) {
   EXPECT_EQ(message->priority, LOG_NOTICE);
 }
 
-TEST(SyslogSocket, WaitEndsAtItsTimeout) {
+TEST(SyslogSocket, WaitForEndsAtTimeout) {
   SyslogSocket socket;
   log("user.err", "something else");
   const auto before = std::chrono::steady_clock::now();
@@ -85,7 +85,7 @@ TEST(SyslogSocket, WaitEndsAtItsTimeout) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, 50ms);
 }
 
-TEST(SyslogSocket, ClearForgetsWhatCame) {
+TEST(SyslogSocket, ClearDiscardsMessages) {
   SyslogSocket socket;
   log("user.err", "before");
   socket.clear();
@@ -94,7 +94,7 @@ TEST(SyslogSocket, ClearForgetsWhatCame) {
   EXPECT_EQ(socket.messages().front().text, "after");
 }
 
-TEST(SyslogSocket, KeepsWhatIsNoLogEntryAsItCame) {
+TEST(SyslogSocket, MalformedEntryIsKeptVerbatim) {
   SyslogSocket socket;
   const FileDescriptor sender(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
   const sockaddr_un address{AF_UNIX, "/dev/log"};
@@ -103,7 +103,7 @@ TEST(SyslogSocket, KeepsWhatIsNoLogEntryAsItCame) {
   EXPECT_THAT(socket.messages(), testing::ElementsAre(SyslogMessage{.priority = -1, .text = "odd"}));
 }
 
-TEST(SyslogSocket, LeavesAnotherLogAlone) {
+TEST(SyslogSocket, ExistingLogIsLeftAlone) {
   std::ofstream("/tmp/taken") << "kept";
   {
     SyslogSocket socket("/tmp/taken");
@@ -113,7 +113,7 @@ TEST(SyslogSocket, LeavesAnotherLogAlone) {
   EXPECT_EQ(::access("/tmp/taken", F_OK), 0);
 }
 
-TEST(SyslogSocket, IsRemovedAtItsEnd) {
+TEST(SyslogSocket, SocketIsRemovedByDestructor) {
   { const SyslogSocket socket; }
   EXPECT_NE(::access("/dev/log", F_OK), 0);
 }

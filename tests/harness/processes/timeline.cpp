@@ -117,7 +117,7 @@ void Timeline::run() {
   }
 }
 
-// The one that ends the thread stands first.
+// The descriptor that stops the thread comes first.
 std::vector<int> Timeline::watched() const {
   std::vector<int> fds{stop_.fd(), pipe_.fd(), log_.fd()};
   const std::vector<int> ofCommands = commands_.fds();

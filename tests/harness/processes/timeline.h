@@ -19,29 +19,27 @@
 
 namespace test_support {
 
-// One thing that the program under test did, as seen from outside.
+// One observable action of the program under test.
 struct TimelineEvent {
   std::chrono::steady_clock::time_point time = {};
-  // "pipe: -ton", "run: launchctl unload -F ...", "log 3: text", or what the test added.
+  // "pipe: -ton", "run: launchctl unload -F ...", "log 3: text", or text that the test added.
   std::string text = {};
-  std::vector<std::string> arguments = {};  // of a run, one by one
+  std::vector<std::string> arguments = {};  // of a run
   std::string searchPath = {};              // of a run: its PATH
 };
 
-// Where a timeline listens; an empty path leaves that source out.
+// The event sources of a timeline; an empty path disables a source.
 struct TimelineSources {
   std::string pipe = "/tmp/KMPIPE";             // the main application's FIFO
   std::string log = "/dev/log";                 // the system log
   std::string commands = "/tmp/timeline.sock";  // programs that are copies of TOVALIN_RECORDER
 };
 
-// Records what the program under test does in the order in which it does it, on a thread of its own. Its
-// methods may be called on any thread.
+// Records the actions of the program under test in their order, on a thread of its own. Thread-safe.
 //
-// What one thread of the program does stays in order: a command runs on only after all that was written
-// before it has been recorded, and a message into the pipe, before which the program pauses for some
-// milliseconds, is told from log entries before and after it by the kernel's time stamps. Messages that reach
-// the pipe at once are one event.
+// Actions of one thread stay in order: a command blocks until all earlier actions are recorded, and pipe
+// messages, before which the program pauses for some milliseconds, are ordered among log entries by the
+// kernel's time stamps. Messages that are in the pipe at the same time are one event.
 class Timeline {
  public:
   using Predicate = std::function<bool(const TimelineEvent&)>;
@@ -51,25 +49,26 @@ class Timeline {
   Timeline& operator=(const Timeline&) = delete;
   ~Timeline();
 
-  // False where a source that was asked for could not be made; nothing that exists already is taken over.
+  // Returns false if a requested source could not be created. Existing files are never replaced.
   [[nodiscard]] bool valid() const { return valid_; }
 
   void add(const std::string& text);
   void clear();
 
-  // What has come so far, with certainty the messages and log entries that were written before this call.
+  // Returns the events so far, at least all messages and log entries written before this call.
   [[nodiscard]] std::vector<TimelineEvent> events();
   [[nodiscard]] std::vector<std::string> texts();
 
-  // The first event, an earlier one or one to come, that fits, or whose text begins so.
+  // Waits for an event that matches or whose text has this prefix; returns at once if it has already
+  // happened.
   [[nodiscard]] std::optional<TimelineEvent> waitFor(const Predicate& fits,
                                                      std::chrono::milliseconds timeout = kPatience);
   [[nodiscard]] std::optional<TimelineEvent> waitFor(const std::string& beginning,
                                                      std::chrono::milliseconds timeout = kPatience);
 
-  // The status with which runs of this program end from now on; 0 for those that are not named.
+  // Sets the exit status of subsequent runs of this program; the default is 0.
   void setStatus(const std::string& program, int status);
-  // Runs of this program are recorded, but go on only once they are released.
+  // Blocks subsequent runs of this program, after they are recorded, until they are released.
   void hold(const std::string& program);
   void release(const std::string& program);
 

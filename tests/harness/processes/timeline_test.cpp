@@ -19,7 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-// `sh` with the recorder as `launchctl` and `killall` first on its search path.
+// Runs `sh` with the recorder as `launchctl` and `killall` first on PATH.
 class TimelineTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -57,7 +57,7 @@ TEST_F(TimelineTest, RecordsAllSourcesInOrder) {
                                             "pipe: -toff", "run: killall Name", "log 6: after", "added"));
 }
 
-TEST_F(TimelineTest, WhatWasWrittenIsThereBeforeTheCommandGoesOn) {
+TEST_F(TimelineTest, MessageIsRecordedBeforeNextCommandContinues) {
   Timeline timeline;
   for (int i = 0; i < 50; ++i) {
     timeline.clear();
@@ -66,10 +66,10 @@ TEST_F(TimelineTest, WhatWasWrittenIsThereBeforeTheCommandGoesOn) {
   }
 }
 
-TEST_F(TimelineTest, LogEntriesTakenInTogetherWithAMessageKeepTheirPlace) {
+TEST_F(TimelineTest, LogEntriesAndMessageReadTogetherKeepOrder) {
   Timeline timeline;
   timeline.add("start");
-  // While it looks for an event, it takes in nothing.
+  // The timeline reads nothing while waitFor evaluates its predicate.
   bool first = true;
   ASSERT_TRUE(timeline.waitFor([&](const TimelineEvent&) {
     if (!std::exchange(first, false)) return true;
@@ -84,7 +84,7 @@ TEST_F(TimelineTest, LogEntriesTakenInTogetherWithAMessageKeepTheirPlace) {
   EXPECT_THAT(timeline.texts(), ElementsAre("start", "log 3: before", "pipe: -ton", "log 3: after"));
 }
 
-TEST_F(TimelineTest, TimesTellHowLongAPauseWas) {
+TEST_F(TimelineTest, TimeStampsMeasurePause) {
   Timeline timeline;
   shell("launchctl; sleep 0.2; killall");
   const std::vector<TimelineEvent> events = timeline.events();
@@ -93,7 +93,7 @@ TEST_F(TimelineTest, TimesTellHowLongAPauseWas) {
   EXPECT_LT(events[1].time - events[0].time, 20s);
 }
 
-TEST_F(TimelineTest, ArgumentsAndSearchPathOfARunAreKept) {
+TEST_F(TimelineTest, RunHasArgumentsAndSearchPath) {
   Timeline timeline;
   shell("launchctl 'a b' '' 'c\nd'");
   const std::vector<TimelineEvent> events = timeline.events();
@@ -102,7 +102,7 @@ TEST_F(TimelineTest, ArgumentsAndSearchPathOfARunAreKept) {
   EXPECT_EQ(events[0].searchPath, std::string("/tmp/bin:") + std::getenv("PATH"));
 }
 
-TEST_F(TimelineTest, MessagesThatReachThePipeAtOnceAreOneEvent) {
+TEST_F(TimelineTest, MessagesInPipeAtOnceAreOneEvent) {
   Timeline timeline;
   timeline.add("start");
   bool first = true;
@@ -116,7 +116,7 @@ TEST_F(TimelineTest, MessagesThatReachThePipeAtOnceAreOneEvent) {
   EXPECT_THAT(timeline.texts(), ElementsAre("start", "pipe: -m-u"));
 }
 
-TEST_F(TimelineTest, RunEndsWithTheStatusItIsGiven) {
+TEST_F(TimelineTest, RunExitsWithGivenStatus) {
   Timeline timeline;
   timeline.setStatus("killall", 3);
   ChildProcess child;
@@ -124,7 +124,7 @@ TEST_F(TimelineTest, RunEndsWithTheStatusItIsGiven) {
   EXPECT_EQ(child.wait(), ExitStatus{.code = 3});
 }
 
-TEST_F(TimelineTest, HeldRunGoesOnOnceReleased) {
+TEST_F(TimelineTest, HeldRunContinuesOnceReleased) {
   Timeline timeline;
   timeline.hold("launchctl");
   ChildProcess child;
@@ -136,11 +136,11 @@ TEST_F(TimelineTest, HeldRunGoesOnOnceReleased) {
   EXPECT_THAT(timeline.texts(), ElementsAre("run: launchctl one", "run: killall two"));
 }
 
-TEST_F(TimelineTest, RunWithoutATimelineEndsWell) {
+TEST_F(TimelineTest, RunWithoutTimelineExitsWithZero) {
   shell("launchctl unload && killall Name");
 }
 
-TEST_F(TimelineTest, RunGoesOnWhenItsTimelineEnds) {
+TEST_F(TimelineTest, RunContinuesWhenTimelineEnds) {
   ChildProcess child;
   {
     Timeline timeline;
@@ -151,14 +151,14 @@ TEST_F(TimelineTest, RunGoesOnWhenItsTimelineEnds) {
   EXPECT_EQ(child.wait(), ExitStatus{.code = 0});
 }
 
-TEST_F(TimelineTest, RunFindsItsTimelineThroughTheEnvironment) {
+TEST_F(TimelineTest, RunFindsTimelineThroughEnvironment) {
   Timeline timeline({.pipe = {}, .log = {}, .commands = "/tmp/elsewhere.sock"});
   ASSERT_TRUE(timeline.valid());
   shell("TOVALIN_TIMELINE=/tmp/elsewhere.sock launchctl there");
   EXPECT_THAT(timeline.texts(), ElementsAre("run: launchctl there"));
 }
 
-TEST_F(TimelineTest, WaitsForAnEventToCome) {
+TEST_F(TimelineTest, WaitForReturnsLaterEvent) {
   Timeline timeline;
   ChildProcess child;
   startShell(child, "logger -p user.info not yet; logger -p user.info now it is");
@@ -167,7 +167,7 @@ TEST_F(TimelineTest, WaitsForAnEventToCome) {
   EXPECT_EQ(event->text, "log 6: now it is");
 }
 
-TEST_F(TimelineTest, WaitEndsAtItsTimeout) {
+TEST_F(TimelineTest, WaitForEndsAtTimeout) {
   Timeline timeline;
   timeline.add("something else");
   const auto before = std::chrono::steady_clock::now();
@@ -175,7 +175,7 @@ TEST_F(TimelineTest, WaitEndsAtItsTimeout) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, 50ms);
 }
 
-TEST_F(TimelineTest, ClearForgetsWhatCame) {
+TEST_F(TimelineTest, ClearDiscardsEvents) {
   Timeline timeline;
   writeToPipe("-ton");
   timeline.clear();
@@ -183,7 +183,7 @@ TEST_F(TimelineTest, ClearForgetsWhatCame) {
   EXPECT_THAT(timeline.texts(), ElementsAre("pipe: -toff"));
 }
 
-TEST_F(TimelineTest, TakesOverNothingThatExists) {
+TEST_F(TimelineTest, ExistingFilesAreNotReplaced) {
   std::ofstream("/tmp/KMPIPE") << "kept";
   {
     Timeline timeline;
@@ -193,7 +193,7 @@ TEST_F(TimelineTest, TakesOverNothingThatExists) {
   std::filesystem::remove("/tmp/KMPIPE");
 }
 
-TEST_F(TimelineTest, LeavesNothingBehind) {
+TEST_F(TimelineTest, DestructorRemovesAllFiles) {
   {
     const Timeline timeline;
     ASSERT_TRUE(timeline.valid());

@@ -5,12 +5,11 @@
 
 namespace test_support {
 
-// How long a test waits for something that is bound to happen; generous, because it is only used up by a
-// failure.
+// The timeout for events that must happen. Generous, because only a failing test waits that long.
 inline constexpr std::chrono::seconds kPatience{20};
 
-// Asks every few milliseconds until `predicate` holds. False when it did not within `timeout`; a predicate
-// that holds at once is asked once, whatever the timeout.
+// Evaluates `predicate` every few milliseconds until it returns true. Returns false at the timeout. Evaluates
+// it at least once, whatever the timeout.
 template <typename Predicate>
 [[nodiscard]] bool waitUntil(Predicate predicate, std::chrono::milliseconds timeout = kPatience) {
   const auto deadline = std::chrono::steady_clock::now() + timeout;

@@ -6,7 +6,7 @@
 
 namespace test_support {
 
-// Ends another thread's poll(2): once signalled, its descriptor stays readable.
+// Ends another thread's poll(2). Once signalled, the descriptor stays readable.
 class WakeEvent {
  public:
   [[nodiscard]] int fd() const { return fd_.get(); }

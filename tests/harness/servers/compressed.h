@@ -7,7 +7,7 @@ namespace test_support {
 
 enum class CompressedFormat { Gzip, Zlib, RawDeflate };
 
-// `bytes` as one stream of that format.
+// Returns `bytes` as one stream of that format.
 [[nodiscard]] std::string compressed(std::string_view bytes, CompressedFormat format);
 
 }  // namespace test_support

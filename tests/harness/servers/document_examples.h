@@ -6,8 +6,7 @@
 
 namespace test_support {
 
-// The block of text that stands in a document behind the line "<!-- example: NAME -->"; empty where there is
-// none.
+// Returns the fenced block after the line "<!-- example: NAME -->" of a document; empty if there is none.
 [[nodiscard]] inline std::string exampleIn(const std::string& document, const std::string& name) {
   const std::string text = contentsOf(document);
   const std::string fence = "\n```";

@@ -4,14 +4,13 @@
 
 namespace test_support {
 
-// A socket that listens on the loopback, at a port of the kernel's choice.
+// A listening socket on the loopback interface, at a port chosen by the kernel.
 struct LoopbackListener {
   FileDescriptor socket;
   int port = 0;
 };
 
-// `receiveBuffer` is the size in bytes of what its connections hold unread; 0 leaves it to the kernel. Throws
-// std::runtime_error when there is no socket to be had.
+// `receiveBuffer` is SO_RCVBUF in bytes; 0 keeps the kernel's default. Throws std::runtime_error on failure.
 [[nodiscard]] LoopbackListener listenOnLoopback(int receiveBuffer = 0);
 
 }  // namespace test_support

@@ -27,7 +27,7 @@ ProductServerDouble::ProductServerDouble() {
   server_.Post(".*", [this](const httplib::Request& request, httplib::Response& response,
                             const httplib::ContentReader& read) {
     ServedRequest recorded = asServed(request);
-    // Read as it stands: the library's own parser of forms takes no line end before the first delimiter.
+    // Keep the body verbatim: the library's form parser rejects a line break before the first delimiter.
     const_cast<httplib::Request&>(request).headers.erase("Content-Type");
     read([&](const char* data, std::size_t size) {
       recorded.body.append(data, size);

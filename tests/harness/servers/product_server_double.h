@@ -15,7 +15,7 @@
 
 namespace test_support {
 
-// A request as it came.
+// A request, verbatim.
 struct ServedRequest {
   std::string method = {};
   std::string target = {};  // path and query
@@ -23,15 +23,15 @@ struct ServedRequest {
   std::string body = {};
 };
 
-// The product server, as a test wants it, on the loopback. What nobody has put there is answered with status
-// 404. Its methods may be called on any thread.
+// A fake product server on the loopback interface. Replies with status 404 to paths that were not set by
+// `put`. Thread-safe.
 class ProductServerDouble {
  public:
   struct Reply {
     int status = 200;
     std::string body = {};
   };
-  // What an upload is answered with.
+  // Returns the reply to an upload.
   using Judge = std::function<Reply(const ServedRequest&)>;
 
   ProductServerDouble();
@@ -39,18 +39,19 @@ class ProductServerDouble {
   ProductServerDouble& operator=(const ProductServerDouble&) = delete;
   ~ProductServerDouble();
 
-  // "http://127.0.0.1:8080"
+  // Returns for example "http://127.0.0.1:8080".
   [[nodiscard]] std::string origin() const { return "http://127.0.0.1:" + std::to_string(port_); }
 
   void put(const std::string& path, const std::string& body);
-  // A list with that version, where the agent looks for it.
+  // Puts a version list at the path that the agent fetches.
   void putVersion(const std::string& version);
   void judgeUploads(Judge judge);
-  // Whether files are answered with status 503 and nothing else, which the agent takes for a missing network.
+  // While held, replies to every GET with status 503 and no body, which the agent treats as a missing
+  // network.
   void holdFilesBack(bool held) { filesAreHeldBack_ = held; }
 
   [[nodiscard]] std::vector<ServedRequest> requests() const;
-  // Those with that method, once there are so many.
+  // Waits until `count` requests with that method have arrived.
   [[nodiscard]] bool waitForRequests(const std::string& method, std::size_t count) const;
 
  private:

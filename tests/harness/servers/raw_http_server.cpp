@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view kEndOfHead = "\r\n\r\n";
 constexpr std::chrono::milliseconds kForEver{-1};
 
-// Whether `fd` became ready for `events` before `stop` was signalled and the time was over.
+// Returns whether `fd` became ready for `events` before the timeout and before `stop` was signalled.
 bool waitFor(int fd, short events, const WakeEvent& stop, std::chrono::milliseconds time) {
   std::array<pollfd, 2> polled{{{fd, events, 0}, {stop.fd(), POLLIN, 0}}};
   const int ready = ::poll(polled.data(), polled.size(), static_cast<int>(time.count()));
@@ -114,7 +114,7 @@ std::string RawHttpServer::url(const std::string& path, const std::string& schem
 void RawHttpServer::acceptConnections() {
   while (waitFor(listener_.socket.get(), POLLIN, stop_, kForEver)) {
     FileDescriptor socket(::accept4(listener_.socket.get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (!socket.valid()) continue;  // who came has gone again
+    if (!socket.valid()) continue;  // the client has disconnected
     const int on = 1;
     ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     const Script& script = scripts_[std::min<std::size_t>(connections_++, scripts_.size() - 1)];

@@ -16,27 +16,27 @@
 
 namespace test_support {
 
-// One connection of a client's, as a script sees it. What blocks ends early, with what came so far, when the
-// client goes or the server stops.
+// A client's connection, as a script sees it. Blocking calls return early, with the bytes so far, if the
+// client disconnects or the server stops.
 class RawConnection {
  public:
   RawConnection(FileDescriptor socket, const WakeEvent& stop) : socket_(std::move(socket)), stop_(stop) {}
 
-  // The head of the next request, with the empty line that ends it.
+  // Returns the head of the next request, including the empty line that ends it.
   std::string readHead();
-  // The head and as much body as its Content-Length says.
+  // Returns the head and as many bytes of body as its Content-Length says.
   std::string readRequest();
   std::string readBytes(std::size_t count);
-  // False when the client has gone.
+  // Returns false if the client has disconnected.
   bool send(std::string_view bytes);
-  // Sends `bytes` one at a time, with `pause` before each.
+  // Sends the bytes one at a time, with `pause` before each.
   bool sendSlowly(std::string_view bytes, std::chrono::milliseconds pause);
-  // Returns when `time` is over.
+  // Returns after `time`.
   void pauseFor(std::chrono::milliseconds time);
-  // Says and reads nothing until the server stops, the client goes or the time is over. True when the client
-  // went.
+  // Waits without sending or reading until the server stops, the client disconnects or the time is over.
+  // Returns true if the client disconnected.
   bool waitForEnd(std::chrono::milliseconds time = kPatience);
-  // Ends the connection at once, without a farewell.
+  // Resets the connection (RST).
   void reset();
 
  private:
@@ -47,23 +47,23 @@ class RawConnection {
   std::string unread_;
 };
 
-// A server on the loopback that says, byte for byte, what the test wants. Connections are served beside each
-// other, and closed when their script returns.
+// A scripted server on the loopback interface with full control over each byte. Serves connections
+// concurrently and closes each when its script returns.
 class RawHttpServer {
  public:
   using Script = std::function<void(RawConnection&)>;
 
-  // The first connection gets the first script, and so on; the last script serves all that follow.
+  // The first connection runs the first script, and so on; all further connections run the last one.
   explicit RawHttpServer(std::vector<Script> scripts, int receiveBuffer = 0);
   explicit RawHttpServer(Script script) : RawHttpServer(std::vector<Script>{std::move(script)}) {}
-  // Reads each request and answers with `reply`, as it stands.
+  // Returns a script that reads each request and sends `reply` verbatim.
   [[nodiscard]] static Script answer(std::string reply);
   RawHttpServer(const RawHttpServer&) = delete;
   RawHttpServer& operator=(const RawHttpServer&) = delete;
   ~RawHttpServer();
 
   [[nodiscard]] int port() const { return listener_.port; }
-  // The address of `path` here, as in "http://127.0.0.1:8080/path".
+  // Returns the URL of `path`, for example "http://127.0.0.1:8080/path".
   [[nodiscard]] std::string url(const std::string& path = "/", const std::string& scheme = "http") const;
   [[nodiscard]] std::size_t connections() const { return connections_; }
 
@@ -78,7 +78,7 @@ class RawHttpServer {
   std::jthread acceptThread_;
 };
 
-// A whole reply with that status, body and its length. `headers` end with a line end, each.
+// Returns a complete reply with that status, body and Content-Length. Each of the `headers` ends with CRLF.
 [[nodiscard]] std::string httpReply(std::string_view body, const std::string& headers = {},
                                     const std::string& status = "200 OK");
 

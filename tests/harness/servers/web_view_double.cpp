@@ -1,5 +1,5 @@
-// web_view_double: stands in for the hidden web view. Tells the test's timeline each address that it is
-// handed as a run of "beacon", and ends with its input.
+// web_view_double: fakes the hidden web view. Reports each address that it receives to the test's timeline as
+// a run of "beacon", and exits at the end of its input.
 
 #include <sys/socket.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
-// web_view_relay: stands in the hidden web view's place, with the real one among the visit's outside
-// commands. Tells the system log, as "beacon", each address that it is handed, hands it on, and ends after
-// the real one.
+// web_view_relay: replaces the hidden web view and runs the real one, which is among the visit's outside
+// commands. Logs each address that it receives to the system log as "beacon", forwards it, and ends after the
+// real one.
 
 #include <poll.h>
 #include <spawn.h>
@@ -52,7 +52,8 @@ void tell(std::string packet) {
   ::syslog(LOG_INFO, "%s", packet.c_str());
 }
 
-// Until either side ends: one that went idle must be seen to go, so that the next address starts another.
+// Returns when either side closes. The agent must see the real one end when idle, so that it starts another
+// for the next address.
 void relay(const FileDescriptor& line) {
   std::array<char, 65536> packet;
   for (;;) {

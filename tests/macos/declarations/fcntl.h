@@ -1,6 +1,6 @@
 #pragma once
 
-// What <fcntl.h> of macOS has beyond the system's own here, for the type check alone.
+// What <fcntl.h> of macOS declares in addition to Linux, for the type check.
 #include_next <fcntl.h>
 
 #define F_GETPATH 50

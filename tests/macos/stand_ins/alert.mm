@@ -1,4 +1,4 @@
-// An alert whose window does not run by itself, as that of macOS after -layout.
+// An alert whose window does not run by itself, like that of macOS after -layout.
 
 #import <Cocoa/Cocoa.h>
 
@@ -54,7 +54,7 @@ NSImageView* picture(NSImage* image) {
   [super dealloc];
 }
 
-// The first one stands at the right.
+// The first button is the rightmost.
 - (NSButton*)addButtonWithTitle:(NSString*)title {
   const CGFloat place = static_cast<CGFloat>([buttons_ count] + 1);
   NSButton* button = [[[NSButton alloc]

@@ -1,11 +1,11 @@
-// What GNUstep's AppKit lacks of windows, views and menu items. Sheets are windows that stand below the title
-// bar of their parent, which takes no clicks meanwhile.
+// What GNUstep's AppKit lacks of windows, views and menu items. Sheets are windows below the title bar of
+// their parent, which ignores clicks meanwhile.
 
 #import <Cocoa/Cocoa.h>
 
 @implementation NSMenuItem (StandIn)
 
-// A view that shows nothing needs no room in the menu.
+// An empty view takes no space in the menu.
 - (void)setView:(NSView*)view {
   [[self menu] removeItem:self];
   static_cast<void>(view);

@@ -1,5 +1,5 @@
-// Stands in for FSEvents: looks once per latency whether the path still leads to the same folder and whether
-// a folder in it was changed. Reports one batch for what it finds.
+// Fakes FSEvents: checks once per latency whether the path still leads to the same folder and whether a
+// folder in it has changed. Reports the findings as one batch.
 
 #import <Cocoa/Cocoa.h>
 #import <CoreServices/CoreServices.h>

@@ -1,4 +1,4 @@
-// What GNUstep's Foundation and NSWorkspace do otherwise than those of macOS.
+// Adjusts GNUstep's Foundation and NSWorkspace to the behaviour of macOS.
 
 #import <Cocoa/Cocoa.h>
 
@@ -12,8 +12,7 @@ NSArray* standInSearchPaths(NSSearchPathDirectory, NSSearchPathDomainMask, BOOL)
   return [NSArray arrayWithObject:[NSString stringWithFormat:@"%s/Library/Application Support", home]];
 }
 
-// Takes the place of GNUstep's method: pages open through the program `open`, as on the command line of
-// macOS.
+// Overrides GNUstep's method: opens pages with the program `open`, as on the command line of macOS.
 @implementation NSWorkspace (StandIn)
 
 - (BOOL)openURL:(NSURL*)url {

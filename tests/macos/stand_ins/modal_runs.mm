@@ -1,5 +1,6 @@
-// Modal runs as those of macOS: hiding a window ends no run and a run's end hides no window. GNUstep's own
-// order a window out at the end of its run, and to the front when the run inside it has ended.
+// Modal runs like those of macOS: hiding a window does not end its run, and the end of a run does not hide
+// its window. GNUstep orders a window out at the end of its run, and to the front when a nested run has
+// ended.
 
 #import <Cocoa/Cocoa.h>
 
@@ -21,7 +22,7 @@ bool isCloseRequest(NSEvent* event) {
   return [event type] == NSAppKitDefined && [event subtype] == GSAppKitWindowClose;
 }
 
-// Other events of AppKit keep windows drawn, whoever takes input.
+// Other AppKit events keep windows drawn, whichever window takes input.
 bool isAdmitted(NSEvent* event) {
   if (!isOfUser(event)) return true;
   if ([event type] == NSAppKitDefined && !isCloseRequest(event)) return true;

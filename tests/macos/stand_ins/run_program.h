@@ -3,6 +3,6 @@
 #include <string>
 #include <vector>
 
-// Runs a program of PATH with these arguments and waits for its end. What the agent asks of the desktop goes
-// to such programs here, so that the tests see it.
+// Runs a program of PATH with these arguments and waits for its end. The agent's requests to the desktop go
+// through such programs, so that tests can record them.
 void standInRun(std::vector<std::string> command);

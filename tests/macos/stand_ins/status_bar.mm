@@ -1,6 +1,6 @@
-// A status bar of one item: a small window in the upper right corner of the screen, whose button opens the
-// menu. The menu is a window of buttons below it, one of the same height for each item: GNUstep's own does
-// not outlive the modal runs that begin while it is tracked.
+// A status bar with one item: a small window in the upper right corner of the screen, whose button opens the
+// menu. The menu is a window of equally high buttons, one per item, because GNUstep's own menu does not
+// survive modal runs that begin while it is tracked.
 
 #import <Cocoa/Cocoa.h>
 
@@ -10,7 +10,7 @@ constexpr CGFloat side = 24, menuWidth = 200, lineHeight = 20;
 
 }  // namespace
 
-// Works in modal runs, as the status bar does.
+// Works in modal runs, like the status bar of macOS.
 @interface StandInStatusPanel : NSPanel
 @end
 
@@ -26,7 +26,7 @@ constexpr CGFloat side = 24, menuWidth = 200, lineHeight = 20;
 
 @end
 
-// Its first click counts although the program is not active.
+// Accepts the first click while the program is inactive.
 @interface StandInMenuLine : NSButton
 @end
 
@@ -92,7 +92,7 @@ constexpr CGFloat side = 24, menuWidth = 200, lineHeight = 20;
 - (void)openMenu:(id)sender {
   static_cast<void>(sender);
   if (lines_ != nil) return [self closeMenu];
-  // The first click into a window of a program that is not active only activates it.
+  // The first click into a window of an inactive program only activates it.
   [NSApp activateIgnoringOtherApps:YES];
   const NSInteger count = [menu_ numberOfItems];
   const CGFloat height = lineHeight * static_cast<CGFloat>(count);

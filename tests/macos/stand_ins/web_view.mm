@@ -1,4 +1,4 @@
-// Stands in for the web view: hands each address to the program `beacon` of PATH instead of loading it.
+// Fakes the web view: passes each address to the program `beacon` of PATH instead of loading it.
 
 #import <WebKit/WebKit.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-// The part of Cocoa that platform/macos uses, declared for the type check alone (`make check-macos`): nothing
-// is linked with it. Written from Apple's public documentation. What is not declared here may not be used, so
-// a new call adds its line. Types are spelled as in the documentation; a constant of an enumeration is one of
-// its own type, so that another one in its place is an error.
+// The part of Cocoa that platform/macos uses, for the type check (`make check-macos`); nothing is linked with
+// it. Written from Apple's public documentation. Anything not declared here is a compile error, so a new call
+// needs a declaration. Types are spelled as in the documentation. The constants of each enumeration have a
+// type of their own, so that a constant of another enumeration is an error.
 
 #include <cstddef>
 #include <cstdint>
@@ -240,7 +240,7 @@ extern "C" NSString* const NSAppearanceNameDarkAqua;
 + (NSCursor*)arrowCursor;
 @end
 
-// NSTextAlignmentCenter is 1 on Apple silicon and 2 on Intel: only the names may be used.
+// NSTextAlignmentCenter is 1 on Apple silicon and 2 on Intel: use only the names.
 enum NSTextAlignment : NSInteger { NSTextAlignmentLeft = 0, NSTextAlignmentCenter = 1 };
 
 enum NSCompositingOperation : NSUInteger {

@@ -1,6 +1,6 @@
 #pragma once
 
-// FSEvents and the types of CoreFoundation that it takes, for the type check alone. See Cocoa.h.
+// FSEvents and the types of CoreFoundation in its interface, for the type check. See Cocoa.h.
 
 #include <cstddef>
 #include <cstdint>

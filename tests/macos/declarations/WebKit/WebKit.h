@@ -1,6 +1,6 @@
 #pragma once
 
-// The part of WebKit in use, for the type check alone. See Cocoa.h.
+// The part of WebKit in use, for the type check. See Cocoa.h.
 
 #import <Cocoa/Cocoa.h>
 

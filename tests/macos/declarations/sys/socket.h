@@ -1,6 +1,6 @@
 #pragma once
 
-// What <sys/socket.h> of macOS has beyond the system's own here, for the type check alone.
+// What <sys/socket.h> of macOS declares in addition to Linux, for the type check.
 #include_next <sys/socket.h>
 
 #define SO_NWRITE 0x1024

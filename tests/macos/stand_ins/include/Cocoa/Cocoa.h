@@ -1,7 +1,7 @@
 #pragma once
 
-// AppKit and Foundation of GNUstep, with what they lack of those of macOS: newer names of constants, and
-// classes and methods whose stand-ins are in the files beside this folder.
+// AppKit and Foundation of GNUstep, with what they lack compared to macOS: newer names of constants, and
+// classes and methods implemented in the files beside this folder.
 
 #import <AppKit/AppKit.h>
 #import <Foundation/Foundation.h>
@@ -16,7 +16,7 @@
 #define NSAppearanceNameAqua @"NSAppearanceNameAqua"
 #define NSAppearanceNameDarkAqua @"NSAppearanceNameDarkAqua"
 
-// A path below $HOME, in the shape that macOS has; GNUstep's follows the user's entry in the password file.
+// Returns a path below $HOME with the layout of macOS; GNUstep's function uses the password database.
 extern "C" NSArray* standInSearchPaths(NSSearchPathDirectory directory, NSSearchPathDomainMask domains,
                                        BOOL expandTilde);
 #define NSSearchPathForDirectoriesInDomains standInSearchPaths
@@ -33,7 +33,7 @@ extern "C" NSArray* standInSearchPaths(NSSearchPathDirectory directory, NSSearch
   NSWindow* window_;
   NSStatusBarButton* button_;
   NSMenu* menu_;
-  NSPanel* lines_;  // of the menu, while it is open
+  NSPanel* lines_;  // the menu's window, while it is open
 }
 - (NSStatusBarButton*)button;
 - (void)setMenu:(NSMenu*)menu;

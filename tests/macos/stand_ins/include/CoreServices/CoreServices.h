@@ -1,6 +1,6 @@
 #pragma once
 
-// FSEvents, as far as the watch on one folder uses them.
+// The part of FSEvents that the watch on one folder uses.
 
 #import <Foundation/Foundation.h>
 
