@@ -15,7 +15,7 @@
 #include "platform/web_view.h"
 #include "platform/window.h"
 #include "tests/app/outside_parts.h"
-#include "tests/ipc/forked_call.h"
+#include "tests/harness/processes/forked_call.h"
 
 namespace {
 

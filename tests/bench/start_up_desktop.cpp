@@ -8,7 +8,7 @@
 
 #include "tests/bench/pairs.h"
 #include "tests/harness/processes/file_contents.h"
-#include "tests/platform/linux/helpers/web_processes.h"
+#include "tests/harness/processes/web_processes.h"
 
 namespace bench {
 namespace {

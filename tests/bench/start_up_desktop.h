@@ -13,7 +13,7 @@
 #include "tests/harness/desktop/tray_host_double.h"
 #include "tests/harness/processes/child_process.h"
 #include "tests/harness/processes/message_fifo.h"
-#include "tests/platform/linux/helpers/page_server.h"
+#include "tests/harness/servers/page_server.h"
 
 namespace bench {
 

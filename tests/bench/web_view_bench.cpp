@@ -26,8 +26,8 @@
 #include "tests/harness/desktop/event_loop.h"
 #include "tests/harness/desktop/test_display.h"
 #include "tests/harness/processes/child_process.h"
-#include "tests/platform/linux/helpers/page_server.h"
-#include "tests/platform/linux/helpers/web_processes.h"
+#include "tests/harness/processes/web_processes.h"
+#include "tests/harness/servers/page_server.h"
 
 namespace {
 

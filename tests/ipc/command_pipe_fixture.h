@@ -15,9 +15,9 @@
 
 #include "ipc/command_pipe.h"
 #include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/forked_call.h"
+#include "tests/harness/processes/stream_capture.h"
 #include "tests/harness/processes/syslog_socket.h"
-#include "tests/ipc/forked_call.h"
-#include "tests/ipc/stream_capture.h"
 
 namespace command_pipe_test {
 

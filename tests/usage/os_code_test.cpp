@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/ipc/forked_call.h"
+#include "tests/harness/processes/forked_call.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 
 #include "tests/end_to_end/agent_test.h"
-#include "tests/platform/linux/helpers/page_server.h"
-#include "tests/platform/linux/helpers/web_processes.h"
+#include "tests/harness/processes/web_processes.h"
+#include "tests/harness/servers/page_server.h"
 
 namespace {
 

@@ -14,9 +14,9 @@
 #include <thread>
 #include <vector>
 
+#include "tests/harness/processes/forked_call.h"
+#include "tests/harness/processes/stream_capture.h"
 #include "tests/harness/processes/syslog_socket.h"
-#include "tests/ipc/forked_call.h"
-#include "tests/ipc/stream_capture.h"
 
 namespace {
 

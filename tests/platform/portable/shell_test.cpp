@@ -20,9 +20,9 @@
 #include <thread>
 
 #include "tests/harness/processes/file_contents.h"
+#include "tests/harness/processes/forked_call.h"
+#include "tests/harness/processes/stream_capture.h"
 #include "tests/harness/processes/wait_until.h"
-#include "tests/ipc/forked_call.h"
-#include "tests/ipc/stream_capture.h"
 
 namespace {
 

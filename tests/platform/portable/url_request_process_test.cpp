@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "platform/shell.h"
+#include "tests/harness/processes/forked_call.h"
 #include "tests/harness/processes/wait_until.h"
-#include "tests/ipc/forked_call.h"
 #include "tests/platform/portable/url_request_support.h"
 
 namespace {

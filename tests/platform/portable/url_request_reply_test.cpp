@@ -4,8 +4,8 @@
 
 #include <fstream>
 
+#include "tests/harness/processes/forked_call.h"
 #include "tests/harness/sanitizer.h"
-#include "tests/ipc/forked_call.h"
 #include "tests/platform/portable/url_request_support.h"
 
 namespace {

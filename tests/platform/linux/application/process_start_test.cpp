@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "tests/harness/processes/forked_call.h"
 #include "tests/harness/sanitizer.h"
-#include "tests/ipc/forked_call.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 
 #include <QCoreApplication>
 
+#include "tests/harness/processes/forked_call.h"
 #include "tests/harness/processes/refused_call.h"
-#include "tests/ipc/forked_call.h"
 
 namespace {
 

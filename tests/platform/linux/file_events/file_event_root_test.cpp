@@ -11,8 +11,8 @@
 
 #include "platform/file_descriptor.h"
 #include "platform/linux/file_events/root_watch.h"
+#include "tests/harness/processes/forked_call.h"
 #include "tests/harness/processes/refused_call.h"
-#include "tests/ipc/forked_call.h"
 #include "tests/platform/linux/file_events/file_event_fixture.h"
 
 namespace {

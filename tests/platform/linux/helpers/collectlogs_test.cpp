@@ -18,8 +18,8 @@
 
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/file_descriptor.h"
+#include "tests/harness/processes/traced_process.h"
 #include "tests/platform/linux/helpers/helper_run.h"
-#include "tests/platform/linux/web_view/traced_process.h"
 
 namespace helper_test {
 namespace {

@@ -14,8 +14,8 @@
 
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/file_descriptor.h"
+#include "tests/harness/processes/forked_call.h"
 #include "tests/harness/processes/syslog_socket.h"
-#include "tests/ipc/forked_call.h"
 #include "tests/platform/linux/helpers/web_view_helper.h"
 
 namespace web_view_test {

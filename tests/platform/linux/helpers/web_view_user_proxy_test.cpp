@@ -6,8 +6,8 @@
 #include <string>
 
 #include "platform/linux/helpers/web_view/user_proxy.h"
+#include "tests/harness/servers/page_server.h"
 #include "tests/platform/linux/helpers/loopback_proxy.h"
-#include "tests/platform/linux/helpers/page_server.h"
 
 namespace web_view_test {
 namespace {

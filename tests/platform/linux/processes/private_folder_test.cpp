@@ -12,7 +12,7 @@
 
 #include "platform/helper_folder.h"
 #include "platform/linux/processes/qt_runtime_folder.h"
-#include "tests/ipc/forked_call.h"
+#include "tests/harness/processes/forked_call.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "platform/linux/processes/os_release.h"
-#include "tests/ipc/forked_call.h"
+#include "tests/harness/processes/forked_call.h"
 
 namespace {
 

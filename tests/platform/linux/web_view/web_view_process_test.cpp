@@ -18,8 +18,8 @@
 
 #include "tests/harness/desktop/event_loop.h"
 #include "tests/harness/processes/refused_call.h"
+#include "tests/harness/processes/web_processes.h"
 #include "tests/platform/linux/helpers/helper_run.h"
-#include "tests/platform/linux/helpers/web_processes.h"
 
 namespace {
 

@@ -15,10 +15,10 @@
 #include "platform/linux/web_view/web_view_process.h"
 #include "tests/harness/desktop/event_loop.h"
 #include "tests/harness/processes/child_process.h"
+#include "tests/harness/processes/traced_process.h"
+#include "tests/harness/processes/web_processes.h"
+#include "tests/harness/servers/page_server.h"
 #include "tests/platform/linux/helpers/helper_run.h"
-#include "tests/platform/linux/helpers/page_server.h"
-#include "tests/platform/linux/helpers/web_processes.h"
-#include "tests/platform/linux/web_view/traced_process.h"
 
 namespace {
 

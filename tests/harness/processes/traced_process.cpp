@@ -1,4 +1,4 @@
-#include "tests/platform/linux/web_view/traced_process.h"
+#include "tests/harness/processes/traced_process.h"
 
 #include <signal.h>
 #include <sys/ptrace.h>

@@ -1,4 +1,4 @@
-#include "tests/platform/linux/helpers/web_processes.h"
+#include "tests/harness/processes/web_processes.h"
 
 #include <sys/wait.h>
 

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/end_to_end/ordinary_user_fixture.h"
+#include "tests/end_to_end/users/ordinary_user_fixture.h"
 #include "tests/harness/processes/file_contents.h"
 
 namespace {

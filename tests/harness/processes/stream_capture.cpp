@@ -1,4 +1,4 @@
-#include "tests/ipc/stream_capture.h"
+#include "tests/harness/processes/stream_capture.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -1,4 +1,4 @@
-#include "tests/platform/linux/helpers/page_server.h"
+#include "tests/harness/servers/page_server.h"
 
 #include <algorithm>
 

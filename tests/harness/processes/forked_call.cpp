@@ -1,4 +1,4 @@
-#include "tests/ipc/forked_call.h"
+#include "tests/harness/processes/forked_call.h"
 
 #include <grp.h>
 #include <signal.h>
@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <iterator>
 
-#include "tests/ipc/stream_capture.h"
+#include "tests/harness/processes/stream_capture.h"
 
 namespace test_support {
 namespace {

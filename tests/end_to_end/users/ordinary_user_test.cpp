@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "tests/end_to_end/ordinary_user_fixture.h"
+#include "tests/end_to_end/users/ordinary_user_fixture.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tools/tvldump/record_reader.h"
 
