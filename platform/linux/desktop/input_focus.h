@@ -4,8 +4,8 @@
 
 namespace platform {
 
-// Owner of the window with the input focus. `NoProgram`: no window has it; or the focused window has just left
-// the screen and the window manager has not set the next one; or a panel, a menu or the like holds it
+// Owner of the window with the input focus. `NoProgram`: no window has it; or the focused window has just
+// left the screen and the window manager has not set the next one; or a panel, a menu or the like holds it
 // temporarily. `Unknown`: the window manager does not set _NET_ACTIVE_WINDOW.
 enum class InputFocusOwner { ThisProgram, OtherProgram, NoProgram, Unknown };
 
