@@ -7,7 +7,7 @@
 namespace {
 
 // Listed explicitly, because isalnum(3) and its relatives depend on the locale.
-constexpr std::string_view kept =
+constexpr std::string_view unescapedCharacters =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789!$&'()*+,-./:;=?@_~";
 
 void appendEscape(std::string& address, unsigned char byte) {
@@ -43,7 +43,7 @@ std::string escapedForAddress(std::string_view text) {
   std::string address;
   address.reserve(text.size());
   for (const char character : text) {
-    if (kept.find(character) != std::string_view::npos) {
+    if (unescapedCharacters.find(character) != std::string_view::npos) {
       address += character;
     } else {
       appendEscape(address, static_cast<unsigned char>(character));

@@ -13,8 +13,8 @@ std::uint32_t integerAt(std::span<const char> bytes, std::size_t offset) {
   return littleEndian<std::uint32_t>({bytes.data() + offset, sizeof(std::uint32_t)});
 }
 
-std::string_view nameAt(std::span<const char> bytes, std::size_t offset, std::size_t longest) {
-  const auto field = bytes.subspan(offset, longest);
+std::string_view nameAt(std::span<const char> bytes, std::size_t offset, std::size_t maxLength) {
+  const auto field = bytes.subspan(offset, maxLength);
   return {field.data(), ::strnlen(field.data(), field.size())};
 }
 

@@ -46,8 +46,8 @@ std::optional<std::string> pixelsOfPng(std::string_view rest) {
 
 bool hasTooManyPasses(std::string_view bytes) {
   int passes = 0;
-  for (std::size_t place = bytes.find(jpegPass); place != std::string_view::npos;
-       place = bytes.find(jpegPass, place + jpegPass.size())) {
+  for (std::size_t position = bytes.find(jpegPass); position != std::string_view::npos;
+       position = bytes.find(jpegPass, position + jpegPass.size())) {
     if (++passes > maxJpegPasses) return true;
   }
   return false;

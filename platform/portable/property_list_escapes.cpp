@@ -22,11 +22,11 @@ constexpr std::array<char16_t, 126> nextstepUpperHalf = {
     0x0141, 0x00D8, 0x0152, 0x00BA, 0x00F2, 0x00F3, 0x00F4, 0x00F5, 0x00F6, 0x00E6, 0x00F9, 0x00FA, 0x00FB,
     0x0131, 0x00FC, 0x00FD, 0x0142, 0x00F8, 0x0153, 0x00DF, 0x00FE, 0x00FF};
 
-// Parses up to `most` digits of `base` at the start of `text` and removes them. Returns nullopt if there are
-// none.
-std::optional<unsigned> takeNumber(std::string_view& text, std::size_t most, int base) {
+// Parses up to `maxDigits` digits of `base` at the start of `text` and removes them. Returns nullopt if there
+// are none.
+std::optional<unsigned> takeNumber(std::string_view& text, std::size_t maxDigits, int base) {
   unsigned number = 0;
-  const char* const end = text.data() + std::min(most, text.size());
+  const char* const end = text.data() + std::min(maxDigits, text.size());
   const auto result = std::from_chars(text.data(), end, number, base);
   if (result.ec != std::errc()) return std::nullopt;
   text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));

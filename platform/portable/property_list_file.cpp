@@ -21,16 +21,16 @@ bool isValidPath(const std::string& path) {
 // Reads at most one byte beyond the bound, which proves that the file is too large, however much it grows
 // meanwhile.
 std::optional<std::vector<std::byte>> readAll(const FileDescriptor& file, std::size_t expected) {
-  constexpr std::size_t most = propertyListMaxBytes + 1;
-  std::vector<std::byte> content(std::min(expected + 1, most));
+  constexpr std::size_t maxBytes = propertyListMaxBytes + 1;
+  std::vector<std::byte> content(std::min(expected + 1, maxBytes));
   std::size_t used = 0;
   for (;;) {
     const ssize_t count = ::read(file.get(), content.data() + used, content.size() - used);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return std::nullopt;
     used += static_cast<std::size_t>(count);
-    if (count == 0 || used == most) break;
-    if (used == content.size()) content.resize(std::min(2 * used, most));
+    if (count == 0 || used == maxBytes) break;
+    if (used == content.size()) content.resize(std::min(2 * used, maxBytes));
   }
   content.resize(used);
   return content;

@@ -55,15 +55,15 @@ std::optional<double> decimalNumber(const std::string& text) {
   return number;
 }
 
-// Parses between `least` and `most` digits.
-std::optional<int> acceptDigits(std::string_view& text, std::size_t least, std::size_t most) {
+// Parses between `minDigits` and `maxDigits` digits at the start of `text` and removes them.
+std::optional<int> acceptDigits(std::string_view& text, std::size_t minDigits, std::size_t maxDigits) {
   int number = 0;
   std::size_t count = 0;
-  while (count < most && count < text.size() && text[count] >= '0' && text[count] <= '9') {
+  while (count < maxDigits && count < text.size() && text[count] >= '0' && text[count] <= '9') {
     number = number * 10 + (text[count] - '0');
     ++count;
   }
-  if (count < least) return std::nullopt;
+  if (count < minDigits) return std::nullopt;
   text.remove_prefix(count);
   return number;
 }
@@ -106,7 +106,7 @@ int base64Value(char c) {
 }  // namespace
 
 std::optional<std::int64_t> parseListInteger(std::string_view text) {
-  constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max();
+  constexpr std::uint64_t maxPositive = std::numeric_limits<std::int64_t>::max();
   text = trimmed(text);
   const bool negative = acceptSign(text);
   text = trimmed(text);
@@ -119,7 +119,7 @@ std::optional<std::int64_t> parseListInteger(std::string_view text) {
   const char* const end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, magnitude, base);
   if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
-  if (magnitude > (negative ? most + 1 : most)) return std::nullopt;
+  if (magnitude > (negative ? maxPositive + 1 : maxPositive)) return std::nullopt;
   return static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude);
 }
 

@@ -76,20 +76,21 @@ TEST(Fleet, SvgContainsDay) {
 
 TEST(Fleet, InvalidValueExitsWithTwo) {
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
-      {{"--installations", "0"}, "--installations is a whole number from 1 to 1000000000"},
-      {{"--installations", "many"}, "--installations is a whole number"},
-      {{"--installations", "1e6"}, "--installations is a whole number"},
-      {{"--launches", "lunch"}, "--launches is uniform, office, power-cut or a mix"},
-      {{"--zones", "+15:00"}, "--zones is utc, world or a mix"},
-      {{"--zones", "+01:00=1e308,+02:00=1e308"}, "--zones is utc, world or a mix"},
-      {{"--launches", "uniform=5e-324,office=5e-324"}, "--launches is uniform, office, power-cut or a mix"},
+      {{"--installations", "0"}, "--installations must be a whole number from 1 to 1000000000"},
+      {{"--installations", "many"}, "--installations must be a whole number"},
+      {{"--installations", "1e6"}, "--installations must be a whole number"},
+      {{"--launches", "lunch"}, "--launches must be uniform, office, power-cut or a mix"},
+      {{"--zones", "+15:00"}, "--zones must be utc, world or a mix"},
+      {{"--zones", "+01:00=1e308,+02:00=1e308"}, "--zones must be utc, world or a mix"},
+      {{"--launches", "uniform=5e-324,office=5e-324"},
+       "--launches must be uniform, office, power-cut or a mix"},
       {{"--svg", "/tmp/day", "--plan", "/tmp/day"}, "--svg and --plan name the same file"},
-      {{"--asleep", "101"}, "--asleep is a percentage from 0 to 100"},
-      {{"--asleep", "nan"}, "--asleep is a percentage from 0 to 100"},
-      {{"--delay", "-1"}, "--delay is a whole number from 0 to 86400"},
-      {{"--file-bytes", "x"}, "--file-bytes is a whole number from 0 to 268435456"},
-      {{"--seed", ""}, "--seed is a whole number"},
-      {{"--svg", ""}, "--svg is a path"},
+      {{"--asleep", "101"}, "--asleep must be a percentage from 0 to 100"},
+      {{"--asleep", "nan"}, "--asleep must be a percentage from 0 to 100"},
+      {{"--delay", "-1"}, "--delay must be a whole number from 0 to 86400"},
+      {{"--file-bytes", "x"}, "--file-bytes must be a whole number from 0 to 268435456"},
+      {{"--seed", ""}, "--seed must be a whole number"},
+      {{"--svg", ""}, "--svg must not be empty"},
       {{"10"}, "unexpected argument; only options are accepted"}};
   for (const auto& [arguments, complaint] : cases) {
     const auto finished = runFleet(arguments);

@@ -130,7 +130,7 @@ TEST_F(Tvldump, MissingFileArgumentExitsWithTwo) {
   const auto finished = dump({"--json"});
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.output, "");
-  EXPECT_EQ(finished.error, "tvldump: give one file at least\nsee tvldump --help\n");
+  EXPECT_EQ(finished.error, "tvldump: expected at least one file\nsee tvldump --help\n");
 }
 
 TEST_F(Tvldump, DashReadsStandardInput) {

@@ -13,9 +13,9 @@ std::uint64_t sumOf(std::span<const std::uint32_t> seconds) {
 std::uint32_t percentileOf(std::span<const std::uint32_t> seconds) {
   std::vector<std::uint32_t> sorted(seconds.begin(), seconds.end());
   const std::size_t rank = (sorted.size() * 99 + 99) / 100;
-  const auto place = sorted.begin() + static_cast<std::ptrdiff_t>(rank - 1);
-  std::nth_element(sorted.begin(), place, sorted.end());
-  return *place;
+  const auto position = sorted.begin() + static_cast<std::ptrdiff_t>(rank - 1);
+  std::nth_element(sorted.begin(), position, sorted.end());
+  return *position;
 }
 
 }  // namespace

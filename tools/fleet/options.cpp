@@ -15,11 +15,11 @@ constexpr std::int64_t maxFileSize = std::int64_t{256} << 20;
 
 constexpr std::string_view weightBounds = "; a weight is 0 or from 0.000001 to 1000000000";
 
-std::optional<std::int64_t> numberIn(const std::string& text, std::int64_t least, std::int64_t most) {
+std::optional<std::int64_t> numberIn(const std::string& text, std::int64_t min, std::int64_t max) {
   std::int64_t number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
-  const bool good = error == std::errc() && stop == end && number >= least && number <= most;
+  const bool good = error == std::errc() && stop == end && number >= min && number <= max;
   return good ? std::optional(number) : std::nullopt;
 }
 
@@ -34,22 +34,22 @@ std::optional<double> percentIn(const std::string& text) {
 
 // Returns a handler for an integer option with bounds.
 template <typename Number>
-tools::CommandLine::Take number(const tools::CommandLine& line, std::string name, std::int64_t least,
-                                std::int64_t most, Number& place) {
-  return [&line, name = std::move(name), least, most, &place](const std::string& text) {
-    const auto value = numberIn(text, least, most);
+tools::CommandLine::Take number(const tools::CommandLine& line, std::string name, std::int64_t min,
+                                std::int64_t max, Number& target) {
+  return [&line, name = std::move(name), min, max, &target](const std::string& text) {
+    const auto value = numberIn(text, min, max);
     if (!value)
-      return line.complain(name + " is a whole number from " + std::to_string(least) + " to " +
-                           std::to_string(most));
-    place = static_cast<Number>(*value);
+      return line.complain(name + " must be a whole number from " + std::to_string(min) + " to " +
+                           std::to_string(max));
+    target = static_cast<Number>(*value);
     return true;
   };
 }
 
-tools::CommandLine::Take path(const tools::CommandLine& line, std::string name, std::string& place) {
-  return [&line, name = std::move(name), &place](const std::string& text) {
-    place = text;
-    return !text.empty() || line.complain(name + " is a path");
+tools::CommandLine::Take path(const tools::CommandLine& line, std::string name, std::string& target) {
+  return [&line, name = std::move(name), &target](const std::string& text) {
+    target = text;
+    return !text.empty() || line.complain(name + " must not be empty");
   };
 }
 
@@ -61,8 +61,9 @@ void addFleet(tools::CommandLine& line, Settings& settings, Description& descrip
   line.addValue("launches", [&](const std::string& text) {
     const auto mix = launchesOf(text);
     if (!mix)
-      return line.complain("--launches is uniform, office, power-cut or a mix such as office=3,uniform=1" +
-                           std::string(weightBounds));
+      return line.complain(
+          "--launches must be uniform, office, power-cut or a mix such as office=3,uniform=1" +
+          std::string(weightBounds));
     settings.launches = *mix;
     description.launches = text;
     return true;
@@ -70,7 +71,7 @@ void addFleet(tools::CommandLine& line, Settings& settings, Description& descrip
   line.addValue("zones", [&](const std::string& text) {
     const auto zones = zonesOf(text);
     if (!zones)
-      return line.complain("--zones is utc, world or a mix such as +01:00=3,+05:30=1" +
+      return line.complain("--zones must be utc, world or a mix such as +01:00=3,+05:30=1" +
                            std::string(weightBounds));
     settings.zones = *zones;
     description.zones = text;
@@ -78,7 +79,7 @@ void addFleet(tools::CommandLine& line, Settings& settings, Description& descrip
   });
   line.addValue("asleep", [&](const std::string& text) {
     const auto percent = percentIn(text);
-    if (!percent) return line.complain("--asleep is a percentage from 0 to 100");
+    if (!percent) return line.complain("--asleep must be a percentage from 0 to 100");
     settings.sleeping = *percent / 100;
     return true;
   });

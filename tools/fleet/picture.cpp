@@ -80,12 +80,12 @@ double xAt(const Panel& panel, Seconds second) {
   return left + plotWidth * static_cast<double>(second) / static_cast<double>(panel.seconds.size());
 }
 
-std::string gridOf(const Panel& panel, double most) {
+std::string gridOf(const Panel& panel, double maximum) {
   std::string lines;
   for (int i = 0; i <= linesOfGrid; ++i) {
     const double y = panel.top + panelHeight * (1 - static_cast<double>(i) / linesOfGrid);
     lines += line(left, y, width - right, y, i == 0 ? "axis" : "grid");
-    lines += text(left - 8, y + 4.5, shortNumber(most * i / linesOfGrid), "text-anchor=\"end\"");
+    lines += text(left - 8, y + 4.5, shortNumber(maximum * i / linesOfGrid), "text-anchor=\"end\"");
   }
   for (Seconds at = 0; at <= static_cast<Seconds>(panel.seconds.size()); at += panel.perLabel) {
     const double x = xAt(panel, at);
@@ -98,7 +98,7 @@ std::string gridOf(const Panel& panel, double most) {
 
 // Draws all columns as one path. Omits empty columns, so that spikes stay visible. Columns are at least one
 // point wide.
-std::string columnsOf(const Panel& panel, double most) {
+std::string columnsOf(const Panel& panel, double maximum) {
   const double bottom = panel.top + panelHeight;
   const auto count = static_cast<std::size_t>(panel.perColumn);
   const double wide = std::max(1.0, xAt(panel, panel.perColumn) - left);
@@ -108,15 +108,15 @@ std::string columnsOf(const Panel& panel, double most) {
     const std::uint32_t highest = *std::max_element(column.begin(), column.end());
     if (highest == 0) continue;
     path += "M" + number(xAt(panel, static_cast<Seconds>(i))) + "," + number(bottom) + "v-" +
-            number(panelHeight * highest / most) + "h" + number(wide) + "V" + number(bottom) + "z";
+            number(panelHeight * highest / maximum) + "h" + number(wide) + "V" + number(bottom) + "z";
   }
   return std::string("<path class=\"") + panel.kind + "\" d=\"" + path + "\"/>\n";
 }
 
 std::string drawn(const Panel& panel) {
-  const double most = axisMaximum(*std::max_element(panel.seconds.begin(), panel.seconds.end()));
-  return text(left, panel.top - 14, panel.title, "class=\"title\"") + gridOf(panel, most) +
-         columnsOf(panel, most);
+  const double maximum = axisMaximum(*std::max_element(panel.seconds.begin(), panel.seconds.end()));
+  return text(left, panel.top - 14, panel.title, "class=\"title\"") + gridOf(panel, maximum) +
+         columnsOf(panel, maximum);
 }
 
 }  // namespace

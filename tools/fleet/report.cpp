@@ -73,7 +73,7 @@ std::string clockText(Seconds second) {
 
 std::string grouped(std::uint64_t number) {
   std::string text = std::to_string(number);
-  for (std::size_t place = text.size(); place > 3;) text.insert(place -= 3, ",");
+  for (std::size_t position = text.size(); position > 3;) text.insert(position -= 3, ",");
   return text;
 }
 

@@ -18,9 +18,9 @@ bool isDigit(char character) {
 std::optional<Seconds> offsetOf(std::string_view text) {
   constexpr std::string_view form = "+00:00";
   if (text.size() != form.size() || (text[0] != '+' && text[0] != '-') || text[3] != ':') return std::nullopt;
-  const auto digit = [&](std::size_t place) { return Seconds{text[place] - '0'}; };
-  for (const std::size_t place : {1u, 2u, 4u, 5u}) {
-    if (!isDigit(text[place])) return std::nullopt;
+  const auto digit = [&](std::size_t index) { return Seconds{text[index] - '0'}; };
+  for (const std::size_t index : {1u, 2u, 4u, 5u}) {
+    if (!isDigit(text[index])) return std::nullopt;
   }
   const Seconds minutes = digit(4) * 10 + digit(5);
   const Seconds offset = (digit(1) * 10 + digit(2)) * hour + minutes * minute;

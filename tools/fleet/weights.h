@@ -29,9 +29,9 @@ class WeightedIndex {
 
   [[nodiscard]] std::size_t draw(Random& random) const {
     if (sums_.size() == 1) return 0;
-    const double place = random.share() * sums_.back();
+    const double position = random.share() * sums_.back();
     std::size_t index = 0;
-    while (place >= sums_[index]) ++index;
+    while (position >= sums_[index]) ++index;
     return index;
   }
 

@@ -27,9 +27,9 @@ bool takeFault(Options& options, const CommandLine& line, const std::string& val
   return true;
 }
 
-void addName(CommandLine& line, const char* name, std::string& kept) {
-  line.addValue(name, [&line, name, &kept](const std::string& value) {
-    kept = value;
+void addName(CommandLine& line, const char* name, std::string& target) {
+  line.addValue(name, [&line, name, &target](const std::string& value) {
+    target = value;
     return !value.empty() || line.complain(std::string("--") + name + ": the name is empty");
   });
 }
@@ -53,7 +53,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   line.addValue("fault", [&](const std::string& value) { return takeFault(options, line, value); });
   const bool good = line.read(argc, argv, [&](const std::vector<std::string>& arguments) {
     if (options.help) return true;
-    if (arguments.size() != 1) return line.complain("give one folder to serve");
+    if (arguments.size() != 1) return line.complain("expected one folder to serve");
     options.folder = arguments[0];
     return true;
   });

@@ -15,11 +15,11 @@ UploadHandler::UploadHandler(UploadFolder* folder, LogLine log) : folder_(folder
 void UploadHandler::operator()(const httplib::Request& request, httplib::Response& response,
                                const httplib::ContentReader& read) const {
   std::string body;
-  const bool whole = read([&body](const char* data, std::size_t size) {
+  const bool complete = read([&body](const char* data, std::size_t size) {
     body.append(data, size);
     return true;
   });
-  if (!whole) {
+  if (!complete) {
     const std::string after = "aborted after " + std::to_string(body.size()) + " bytes";
     return refuse(request.path, 400, after, response);
   }
@@ -43,15 +43,15 @@ void UploadHandler::take(const std::string& path, const std::vector<FormPart>& p
 
 bool UploadHandler::takeFile(const std::string& path, const FormPart& part,
                              httplib::Response& response) const {
-  std::string kept;
+  std::string storedAs;
   if (folder_ != nullptr) {
     const std::optional<std::string> name = folder_->keep(*part.fileName, part.data);
     if (!name) return false;
-    kept = " as " + *name;
+    storedAs = " as " + *name;
   }
   const std::string size = std::to_string(part.data.size()) + " bytes";
   log_("upload " + escapedText(path) + "  field " + quotedText(part.name) + "  file " +
-       quotedText(*part.fileName) + "  " + size + kept);
+       quotedText(*part.fileName) + "  " + size + storedAs);
   response.body += "The server took " + quotedText(*part.fileName) + ", " + size + ".\n";
   return true;
 }

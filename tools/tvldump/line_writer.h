@@ -16,35 +16,35 @@ namespace tools {
 // register.
 class Line {
  public:
-  explicit Line(char* place) : place_(place) {}
+  explicit Line(char* position) : position_(position) {}
 
   template <std::size_t size>
   void put(const char (&literal)[size]) {
-    std::memcpy(place_, literal, size - 1);
-    place_ += size - 1;
+    std::memcpy(position_, literal, size - 1);
+    position_ += size - 1;
   }
   void put(std::string_view text) {
-    std::memcpy(place_, text.data(), text.size());
-    place_ += text.size();
+    std::memcpy(position_, text.data(), text.size());
+    position_ += text.size();
   }
-  void put(std::uint64_t number) { place_ = putDecimal(place_, number); }
+  void put(std::uint64_t number) { position_ = putDecimal(position_, number); }
   // `number` is from 0 to 9999; writes leading zeros.
-  void putFourDigits(std::uint32_t number) { place_ = tools::putFourDigits(place_, number); }
+  void putFourDigits(std::uint32_t number) { position_ = tools::putFourDigits(position_, number); }
   // `digit` is from 0 to 9.
-  void putDigit(unsigned digit) { *place_++ = static_cast<char>('0' + digit); }
+  void putDigit(unsigned digit) { *position_++ = static_cast<char>('0' + digit); }
 
   // Writes a text if it can be part of a JSON string without escapes. Otherwise returns false and writes
   // nothing.
   [[nodiscard]] bool putIfPlain(std::string_view text) {
-    const bool plain = copyIfPlain(place_, text);
-    if (plain) place_ += text.size();
+    const bool plain = copyIfPlain(position_, text);
+    if (plain) position_ += text.size();
     return plain;
   }
 
-  [[nodiscard]] char* place() const { return place_; }
+  [[nodiscard]] char* position() const { return position_; }
 
  private:
-  char* place_;
+  char* position_;
 };
 
 // Buffers lines and writes them to a stream in large blocks.
@@ -56,10 +56,10 @@ class LineWriter {
   // Returns the next line, with space for `size` bytes. The line becomes part of the output when passed to
   // `end`.
   [[nodiscard]] Line begin(std::size_t size) {
-    if (text_.size() - used_ < size) makeRoom(size);
+    if (text_.size() - used_ < size) reserve(size);
     return Line(text_.data() + used_);
   }
-  void end(const Line& line) { used_ = static_cast<std::size_t>(line.place() - text_.data()); }
+  void end(const Line& line) { used_ = static_cast<std::size_t>(line.position() - text_.data()); }
 
   void flush() {
     stream_.write(text_.data(), static_cast<std::streamsize>(used_));
@@ -69,7 +69,7 @@ class LineWriter {
  private:
   static constexpr std::size_t pieceSize = std::size_t{1} << 17;
 
-  void makeRoom(std::size_t size) {
+  void reserve(std::size_t size) {
     flush();
     if (text_.size() < size) text_.resize(size);
   }

@@ -13,7 +13,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   const bool good = line.read(argc, argv, [&](const std::vector<std::string>& files) {
     options.files = files;
     if (options.json && options.lines) return line.complain("--json and --lines exclude each other");
-    return options.help || !files.empty() || line.complain("give one file at least");
+    return options.help || !files.empty() || line.complain("expected at least one file");
   });
   return good ? std::optional(options) : std::nullopt;
 }

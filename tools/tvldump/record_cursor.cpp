@@ -12,10 +12,10 @@ unsigned daysOf(unsigned month, unsigned year) {
   return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
 }
 
-// Returns the place value of the first digit of a number with as many digits as `highest`.
-unsigned firstDigitValue(unsigned highest) {
+// Returns the place value of the first digit of a number with as many digits as `maximum`.
+unsigned firstDigitValue(unsigned maximum) {
   unsigned value = 1;
-  while (highest / value >= 10) value *= 10;
+  while (maximum / value >= 10) value *= 10;
   return value;
 }
 
@@ -28,14 +28,14 @@ void RecordCursor::takeFixed(std::string_view text, std::string_view reason) {
   }
 }
 
-unsigned RecordCursor::takeNumber(unsigned lowest, unsigned highest, std::string_view reason) {
+unsigned RecordCursor::takeNumber(unsigned minimum, unsigned maximum, std::string_view reason) {
   unsigned number = 0;
-  for (unsigned value = firstDigitValue(highest); value > 0; value /= 10) {
+  for (unsigned value = firstDigitValue(maximum); value > 0; value /= 10) {
     // The range of this digit for which the number can still be within its bounds.
-    const unsigned least = lowest < number ? 0 : (lowest - number) / value;
-    const unsigned most = std::min(9u, (highest - number) / value);
-    const std::uint8_t digit =
-        takeByte(static_cast<std::uint8_t>('0' + least), static_cast<std::uint8_t>('0' + most), reason);
+    const unsigned minDigit = minimum < number ? 0 : (minimum - number) / value;
+    const unsigned maxDigit = std::min(9u, (maximum - number) / value);
+    const std::uint8_t digit = takeByte(static_cast<std::uint8_t>('0' + minDigit),
+                                        static_cast<std::uint8_t>('0' + maxDigit), reason);
     if (damage_) return 0;
     number += value * static_cast<unsigned>(digit - '0');
   }
@@ -78,8 +78,8 @@ bool RecordCursor::takeUsualTimeOfDay() {
   constexpr std::size_t length = 9;
   const std::string_view text = rest();
   if (text.size() < length) return false;
-  const auto isDigit = [&text](std::size_t place, char highest) {
-    return text[place] >= '0' && text[place] <= highest;
+  const auto isDigit = [&text](std::size_t index, char maximum) {
+    return text[index] >= '0' && text[index] <= maximum;
   };
   const bool isUsual = text[0] == ' ' && isDigit(1, '2') && isDigit(2, text[1] == '2' ? '3' : '9') &&
                        text[3] == ':' && isDigit(4, '5') && isDigit(5, '9') && text[6] == ':' &&

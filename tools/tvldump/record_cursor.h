@@ -43,12 +43,12 @@ class RecordCursor {
     return {bytes_.data() + start, offset_ - start};
   }
 
-  // Takes one byte from `lowest` to `highest`.
-  std::uint8_t takeByte(std::uint8_t lowest, std::uint8_t highest, std::string_view reason) {
+  // Takes one byte from `minimum` to `maximum`.
+  std::uint8_t takeByte(std::uint8_t minimum, std::uint8_t maximum, std::string_view reason) {
     if (atEnd()) damaged(endsTooEarly);
     if (damage_) return 0;
     const auto byte = static_cast<std::uint8_t>(bytes_[offset_]);
-    if (byte < lowest || byte > highest) {
+    if (byte < minimum || byte > maximum) {
       damaged(reason);
       return 0;
     }
@@ -65,13 +65,13 @@ class RecordCursor {
     return {};
   }
 
-  // Takes a length byte, at most `longest`, and that many bytes of text.
-  std::string_view takeCounted(std::size_t longest, std::string_view reason) {
-    return takeText(takeByte(0, static_cast<std::uint8_t>(longest), reason));
+  // Takes a length byte, at most `maxLength`, and that many bytes of text.
+  std::string_view takeCounted(std::size_t maxLength, std::string_view reason) {
+    return takeText(takeByte(0, static_cast<std::uint8_t>(maxLength), reason));
   }
 
-  // Takes a number from `lowest` to `highest`, with as many decimal digits as `highest`.
-  unsigned takeNumber(unsigned lowest, unsigned highest, std::string_view reason);
+  // Takes a number from `minimum` to `maximum`, with as many decimal digits as `maximum`.
+  unsigned takeNumber(unsigned minimum, unsigned maximum, std::string_view reason);
 
   // Takes a calendar date such as "2024-03-07".
   std::string_view takeDate();

@@ -4,12 +4,12 @@ namespace platform {
 
 void WatchedFolders::put(int watch, const std::string& path) {
   erase(watch);
-  const auto [place, isNew] = paths_.try_emplace(path, watch);
+  const auto [entry, isNew] = paths_.try_emplace(path, watch);
   if (!isNew) {
-    watches_.erase(place->second);
-    place->second = watch;
+    watches_.erase(entry->second);
+    entry->second = watch;
   }
-  watches_.emplace(watch, place);
+  watches_.emplace(watch, entry);
 }
 
 void WatchedFolders::erase(int watch) {
@@ -28,9 +28,9 @@ std::vector<int> WatchedFolders::takeTree(const std::string& path) {
   std::vector<int> taken;
   if (const auto top = paths_.find(path); top != paths_.end()) taken.push_back(top->second);
   const std::string prefix = path + '/';
-  for (auto place = paths_.lower_bound(prefix); place != paths_.end() && place->first.starts_with(prefix);
-       ++place) {
-    taken.push_back(place->second);
+  for (auto entry = paths_.lower_bound(prefix); entry != paths_.end() && entry->first.starts_with(prefix);
+       ++entry) {
+    taken.push_back(entry->second);
   }
   for (const int watch : taken) erase(watch);
   return taken;

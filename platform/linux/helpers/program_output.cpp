@@ -166,10 +166,10 @@ std::int64_t keepOutput(const KeepOutput& request) {
   if (!target.valid()) return -1;
   NewFile file(target.get(), request.name);
   if (!file.valid()) return -1;
-  const std::string kept = newestEntries(request);
-  if (!file.write(kept)) return -1;
+  const std::string output = newestEntries(request);
+  if (!file.write(output)) return -1;
   file.keep();
-  return static_cast<std::int64_t>(kept.size());
+  return static_cast<std::int64_t>(output.size());
 }
 
 std::string keepArchive(const KeepArchive& request) {

@@ -26,9 +26,9 @@ bool isUsable(const char* folder) {
 
 QtRuntimeFolder::QtRuntimeFolder() {
   if (isUsable(std::getenv(variable))) return;
-  const auto own = privateFolder();
-  const bool hasOwn = own && isUsable(own->c_str());
-  replace(variable, hasOwn ? own->c_str() : nowhere);
+  const auto folder = privateFolder();
+  const bool hasOwn = folder && isUsable(folder->c_str());
+  replace(variable, hasOwn ? folder->c_str() : nowhere);
   if (!hasOwn) replace("TMPDIR", nowhere);
 }
 

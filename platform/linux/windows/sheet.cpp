@@ -107,15 +107,15 @@ void Sheet::layOut(const SheetContent& content) {
   column->addWidget(messageLabel(content.message), 1, Qt::AlignTop);
   column->addLayout(row);
 
-  auto* whole = new QHBoxLayout(panel_);
-  whole->setContentsMargins(margin, margin, margin, margin);
-  whole->setSpacing(gap);
-  if (!content.icon.isNull()) whole->addWidget(iconLabel(content.icon));
-  whole->addLayout(column, 1);
+  auto* layout = new QHBoxLayout(panel_);
+  layout->setContentsMargins(margin, margin, margin, margin);
+  layout->setSpacing(gap);
+  if (!content.icon.isNull()) layout->addWidget(iconLabel(content.icon));
+  layout->addLayout(column, 1);
 
   setGeometry(window_.rect());
   const int panelWidth = std::min(width() - 2 * windowMargin, maxPanelWidth);
-  panel_->setGeometry((width() - panelWidth) / 2, 0, panelWidth, whole->totalHeightForWidth(panelWidth));
+  panel_->setGeometry((width() - panelWidth) / 2, 0, panelWidth, layout->totalHeightForWidth(panelWidth));
 }
 
 void Sheet::open() {

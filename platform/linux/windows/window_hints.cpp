@@ -39,8 +39,8 @@ bool isMinimizedByUser(QWindow& window) {
   };
   if (number(xRoot(), "_NET_SHOWING_DESKTOP").value_or(0) != 0) return false;
   const auto current = number(xRoot(), "_NET_CURRENT_DESKTOP");
-  const auto own = number(idOf(window), "_NET_WM_DESKTOP");
-  return !current || !own || own == current || own == allDesktops;
+  const auto desktop = number(idOf(window), "_NET_WM_DESKTOP");
+  return !current || !desktop || desktop == current || desktop == allDesktops;
 }
 
 }  // namespace platform

@@ -116,8 +116,8 @@ void Window::Impl::willBeClosed() {
 }
 
 void Window::Impl::releaseOnceIdle() {
-  const auto kept = std::move(onScreen);
-  Application::sharedApplication().performOnMainThread([=] { static_cast<void>(kept); });
+  const auto self = std::move(onScreen);
+  Application::sharedApplication().performOnMainThread([=] { static_cast<void>(self); });
 }
 
 void Window::Impl::retainForSheet(NSAlert* alert, TovalinAction* action) {

@@ -7,11 +7,11 @@ namespace helpers {
 namespace {
 
 std::optional<std::chrono::seconds> parseSeconds(const std::string& text) {
-  constexpr int most = 24 * 60 * 60;
+  constexpr int maxSeconds = 24 * 60 * 60;
   int seconds = 0;
   const char* end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, seconds);
-  if (error != std::errc() || rest != end || seconds < 1 || seconds > most) return std::nullopt;
+  if (error != std::errc() || rest != end || seconds < 1 || seconds > maxSeconds) return std::nullopt;
   return std::chrono::seconds(seconds);
 }
 

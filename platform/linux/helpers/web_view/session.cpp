@@ -29,15 +29,15 @@ void Session::run() {
     static_cast<Session*>(self)->readInput();
     return G_SOURCE_CONTINUE;
   };
-  constexpr auto asked = [](gpointer self) -> gboolean {
+  constexpr auto quit = [](gpointer self) -> gboolean {
     g_main_loop_quit(static_cast<Session*>(self)->loop_.get());
     return G_SOURCE_CONTINUE;
   };
   inputSource_.reset(
       g_unix_fd_add(input_.get(), static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR), +arrived, this));
-  const EventSource terminate(g_unix_signal_add(SIGTERM, +asked, this));
-  const EventSource interrupt(g_unix_signal_add(SIGINT, +asked, this));
-  const EventSource hangUp(g_unix_signal_add(SIGHUP, +asked, this));
+  const EventSource terminate(g_unix_signal_add(SIGTERM, +quit, this));
+  const EventSource interrupt(g_unix_signal_add(SIGINT, +quit, this));
+  const EventSource hangUp(g_unix_signal_add(SIGHUP, +quit, this));
   scheduleEnd();
   g_main_loop_run(loop_.get());
 }
