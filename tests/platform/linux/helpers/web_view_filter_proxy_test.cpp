@@ -499,7 +499,7 @@ TEST_F(FilterProxyTest, NameWithInvalidCharactersClosesConnection) {
   EXPECT_EQ(asked, 0);
 }
 
-TEST_F(FilterProxyTest, UsersProxyIsNotUsedForLocalHosts) {
+TEST_F(FilterProxyTest, UserProxyIsNotUsedForLocalHosts) {
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint&) -> std::optional<FileDescriptor> {
     ++asked;
@@ -512,7 +512,7 @@ TEST_F(FilterProxyTest, UsersProxyIsNotUsedForLocalHosts) {
   EXPECT_EQ(asked, 0);
 }
 
-TEST_F(FilterProxyTest, UsersProxyIsUsedForAllowedRequests) {
+TEST_F(FilterProxyTest, UserProxyIsUsedForAllowedRequests) {
   const EchoServer server("127.0.0.1", 0, "through");
   std::atomic<int> asked = 0;
   proxy_ = std::make_unique<FilterProxy>([&](const Endpoint& target) -> std::optional<FileDescriptor> {

@@ -138,7 +138,7 @@ TEST_F(WebViewHelper, RedirectToOtherServerIsNotFollowed) {
   EXPECT_THAT(other.asked(), IsEmpty());
 }
 
-TEST_F(WebViewHelper, PageIsLoadedThroughUsersProxy) {
+TEST_F(WebViewHelper, PageIsLoadedThroughUserProxy) {
   const std::string address = server_.address("");
   const LoopbackProxy proxy(static_cast<std::uint16_t>(std::stoi(address.substr(address.rfind(':') + 1))));
   server_.put("/page", "<script>fetch('/script?' + location.hostname)</script>");

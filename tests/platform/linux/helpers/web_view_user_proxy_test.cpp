@@ -18,7 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-class UsersProxyTest : public testing::Test {
+class UserProxyTest : public testing::Test {
  protected:
   void TearDown() override {
     for (const char* name : {"http_proxy", "https_proxy", "no_proxy"}) ::unsetenv(name);
@@ -41,12 +41,12 @@ class UsersProxyTest : public testing::Test {
   PageServer server_;
 };
 
-TEST_F(UsersProxyTest, ReturnsNulloptWithoutProxyInEnvironment) {
+TEST_F(UserProxyTest, ReturnsNulloptWithoutProxyInEnvironment) {
   EXPECT_FALSE(connectThroughUserProxy({"www.example", 443}));
   EXPECT_FALSE(connectThroughUserProxy({"www.example", 80}));
 }
 
-TEST_F(UsersProxyTest, ProxyOfSchemeConnectsToEndpoint) {
+TEST_F(UserProxyTest, ProxyOfSchemeConnectsToEndpoint) {
   const LoopbackProxy plain(serversPort());
   const LoopbackProxy secure(serversPort());
   name("http_proxy", plain.address());
@@ -61,7 +61,7 @@ TEST_F(UsersProxyTest, ProxyOfSchemeConnectsToEndpoint) {
   EXPECT_THAT(secure.asked(), ElementsAre(StartsWith("CONNECT www.example:443 "), StartsWith("CONNECT ")));
 }
 
-TEST_F(UsersProxyTest, RefusalReturnsInvalidDescriptor) {
+TEST_F(UserProxyTest, RefusalReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", proxy.address());
   const auto socket = connectThroughUserProxy({"www.example", 443});
@@ -70,14 +70,14 @@ TEST_F(UsersProxyTest, RefusalReturnsInvalidDescriptor) {
   EXPECT_THAT(proxy.asked(), ElementsAre(StartsWith("CONNECT www.example:443 ")));
 }
 
-TEST_F(UsersProxyTest, UnreachableProxyReturnsInvalidDescriptor) {
+TEST_F(UserProxyTest, UnreachableProxyReturnsInvalidDescriptor) {
   name("https_proxy", "http://127.0.0.1:1");
   const auto socket = connectThroughUserProxy({"www.example", 443});
   ASSERT_TRUE(socket);
   EXPECT_FALSE(socket->valid());
 }
 
-TEST_F(UsersProxyTest, ProxyWithoutTlsReturnsInvalidDescriptor) {
+TEST_F(UserProxyTest, ProxyWithoutTlsReturnsInvalidDescriptor) {
   const LoopbackProxy proxy(serversPort(), LoopbackProxy::Answer::Refuses);
   name("https_proxy", "https://127.0.0.1:1");
   const auto socket = connectThroughUserProxy({"www.example", 443});
@@ -85,7 +85,7 @@ TEST_F(UsersProxyTest, ProxyWithoutTlsReturnsInvalidDescriptor) {
   EXPECT_FALSE(socket->valid());
 }
 
-TEST_F(UsersProxyTest, HostOfNoProxyReturnsNullopt) {
+TEST_F(UserProxyTest, HostOfNoProxyReturnsNullopt) {
   const LoopbackProxy proxy(serversPort());
   name("https_proxy", proxy.address());
   name("no_proxy", "direct.example");
