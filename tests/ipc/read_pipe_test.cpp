@@ -65,7 +65,7 @@ TEST_F(ReadPipe, OtherFailureReturnsMinusOneAndLogsError) {
                                            entry(LOG_ERR, "read_pipe read error. errno : 9")));
 }
 
-TEST_F(ReadPipe, HoldOpenForWritingAcceptsFifoOnly) {
+TEST_F(ReadPipe, OpenWriteEndAcceptsFifoOnly) {
   EXPECT_TRUE(openWriteEnd(reader_.get()).valid());
   const platform::FileDescriptor file(::open("/tmp/regular", O_RDONLY | O_CREAT | O_CLOEXEC, 0600));
   EXPECT_FALSE(openWriteEnd(file.get()).valid());

@@ -70,11 +70,11 @@ TEST(OpenRequest, RefusalNamesProblem) {
       {{"https://a.example", "https://b.example"}, "\"https://b.example\""},
       {{"/A.app", "--args"}, "\"--args\""},
       {{"-a"}, "bundle is missing"},
-      {{"-a", ""}, "no bundle"},
+      {{"-a", ""}, "not a bundle"},
       {{"-a", "--args", "x"}, "\"--args\""},
       {{"-a", "-x.app"}, "\"-x.app\""},
       {{"-a", "Browser"}, "\"Browser\""},
-      {{"-a", "/x/.app"}, "no bundle"},
+      {{"-a", "/x/.app"}, "not a bundle"},
       {{"-a", "/A.app", "file.txt", "--args"}, "\"file.txt\""},
   };
   for (const auto& [arguments, named] : cases) {

@@ -52,12 +52,12 @@ TEST(UnloadRequest, RefusalNamesProblem) {
       {{"unload", "/Library/LaunchAgents/a.plist", "-F"}, "\"-F\""},
       {{"unload", "/Library/LaunchAgents/a.plist", "/Library/LaunchAgents/b.plist"}, "b.plist\""},
       {{"unload", "/Library/LaunchDaemons/a.plist"}, "LaunchDaemons/a.plist"},
-      {{"unload", "/Library/LaunchAgents/.plist"}, "no launch agent"},
-      {{"unload", "/Library/LaunchAgents/plist"}, "no launch agent"},
-      {{"unload", "/Library/LaunchAgents/a.desktop"}, "no launch agent"},
-      {{"unload", "/Library/LaunchAgents/b/a.plist"}, "no launch agent"},
-      {{"unload", "/Library/LaunchAgents/"}, "no launch agent"},
-      {{"unload", ""}, "no launch agent"},
+      {{"unload", "/Library/LaunchAgents/.plist"}, "not a launch agent"},
+      {{"unload", "/Library/LaunchAgents/plist"}, "not a launch agent"},
+      {{"unload", "/Library/LaunchAgents/a.desktop"}, "not a launch agent"},
+      {{"unload", "/Library/LaunchAgents/b/a.plist"}, "not a launch agent"},
+      {{"unload", "/Library/LaunchAgents/"}, "not a launch agent"},
+      {{"unload", ""}, "not a launch agent"},
   };
   for (const auto& [arguments, named] : cases) {
     EXPECT_NE(std::string::npos, reasonAgainstUnload(arguments).find(named))
