@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 // Logged if the second process cannot reach the first one without a bus.
-constexpr const char* noMenu = "its menu can't be opened from here";
+constexpr const char* noMenu = "its menu cannot be opened";
 
 }  // namespace
 
