@@ -20,7 +20,7 @@ using test_support::waitUntil;
 constexpr const char* home = "/tmp/home";
 const std::string ownFolder = std::string(home) + "/.local/share/Tovalin";
 const std::string updaterCopy = "/tmp/tovalinupdate.app";
-constexpr uid_t neighbour = 65533;
+constexpr uid_t otherUser = 65533;
 
 // Returns all properties of a file that a program could change.
 std::string stateOf(const fs::path& path) {
@@ -256,7 +256,7 @@ TEST_F(UntouchedFiles, LinkAtUsageFileIsNeitherWrittenNorSent) {
 }
 
 TEST_F(UntouchedFiles, OtherUsersFolderAtUpdaterCopyIsNeitherFilledNorOpened) {
-  plantUpdaterCopy(neighbour, 0755);
+  plantUpdaterCopy(otherUser, 0755);
   expectNoUpdate();
 }
 
