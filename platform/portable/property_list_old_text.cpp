@@ -125,7 +125,7 @@ std::optional<PropertyList> OldTextReader::stringsFile() {
   return pairs();
 }
 
-// Up to a closing brace or the end.
+// Parses pairs up to a closing brace or the end of the text.
 std::optional<PropertyList> OldTextReader::pairs() {
   const ListBounds::Level level(bounds_);
   if (level.tooDeep()) return std::nullopt;
@@ -136,7 +136,7 @@ std::optional<PropertyList> OldTextReader::pairs() {
   return PropertyList(PropertyList::Dictionary(std::move(entries), PropertyList::Dictionary::Keep::Last));
 }
 
-// A key without a value stands for itself.
+// A key without a value has itself as its value.
 bool OldTextReader::pair(Entries& entries) {
   if (!bounds_.takeObjects()) return false;
   auto key = string();

@@ -56,7 +56,7 @@ class XmlListBuilder {
     Element element;
     PropertyList::Array items = {};
     std::vector<PropertyList::Entry> entries = {};
-    // Whether the last entry has its key alone so far.
+    // The value of the last entry is pending.
     bool awaitsValue = false;
   };
 

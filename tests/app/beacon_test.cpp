@@ -14,14 +14,14 @@ std::string addressOf(const std::string& category, const std::string& value) {
 }
 
 TEST(EscapedForAddress, EveryByteIsKeptOrEscaped) {
-  const std::string kept =
+  const std::string unescaped =
       "!$&'()*+,-./0123456789:;=?@ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz~";
   for (int byte = 0; byte < 256; ++byte) {
     const char character = static_cast<char>(byte);
     char escape[4];
     std::snprintf(escape, sizeof escape, "%%%02X", byte);
     const std::string expected =
-        kept.find(character) == std::string::npos ? escape : std::string(1, character);
+        unescaped.find(character) == std::string::npos ? escape : std::string(1, character);
     EXPECT_EQ(escapedForAddress(std::string_view(&character, 1)), expected) << "byte " << byte;
   }
 }

@@ -18,20 +18,20 @@ using testing::StartsWith;
 constexpr ExitStatus kGoesOn{.code = 100};
 
 // The exit status and the output of a program.
-struct Told {
+struct Output {
   std::optional<ExitStatus> status = {};
   std::string output = {};
   std::string error = {};
 
-  bool operator==(const Told&) const = default;
+  bool operator==(const Output&) const = default;
 };
 
-void PrintTo(const Told& told, std::ostream* stream) {
-  *stream << "status " << (told.status ? told.status->code.value_or(-1) : -2) << "\noutput: " << told.output
-          << "\nerror: " << told.error;
+void PrintTo(const Output& output, std::ostream* stream) {
+  *stream << "status " << (output.status ? output.status->code.value_or(-1) : -2)
+          << "\noutput: " << output.output << "\nerror: " << output.error;
 }
 
-Told run(std::vector<std::string> arguments, const std::string& program = COMMAND_LINE_PROBE) {
+Output run(std::vector<std::string> arguments, const std::string& program = COMMAND_LINE_PROBE) {
   arguments.insert(arguments.begin(), program);
   test_support::ChildProcess child;
   test_support::ChildOptions options;
@@ -41,28 +41,28 @@ Told run(std::vector<std::string> arguments, const std::string& program = COMMAN
   return {status, child.takeOutput(), child.takeErrorOutput()};
 }
 
-Told refused(const std::string& argument) {
+Output refused(const std::string& argument) {
   return {.status = ExitStatus{.code = 2},
           .error = "TovalinTray: unexpected argument \"" + argument + "\"; see TovalinTray --help\n"};
 }
 
 TEST(CommandLine, WithoutArgumentsAgentStarts) {
-  EXPECT_EQ(run({}), Told{.status = kGoesOn});
+  EXPECT_EQ(run({}), Output{.status = kGoesOn});
 }
 
 TEST(CommandLine, HelpIsPrintedToStandardOutput) {
-  const Told told = run({"--help"});
-  EXPECT_EQ(told.status, ExitStatus{.code = 0});
-  EXPECT_EQ(told.error, "");
-  EXPECT_THAT(told.output, StartsWith("Usage: TovalinTray [--help | --version]\n\n"));
-  EXPECT_THAT(told.output, HasSubstr("\n  --help     show this text and end\n"));
-  EXPECT_THAT(told.output, HasSubstr("\n  --version  show the version and end\n"));
-  EXPECT_TRUE(told.output.ends_with('\n'));
+  const Output output = run({"--help"});
+  EXPECT_EQ(output.status, ExitStatus{.code = 0});
+  EXPECT_EQ(output.error, "");
+  EXPECT_THAT(output.output, StartsWith("Usage: TovalinTray [--help | --version]\n\n"));
+  EXPECT_THAT(output.output, HasSubstr("\n  --help     show this text and end\n"));
+  EXPECT_THAT(output.output, HasSubstr("\n  --version  show the version and end\n"));
+  EXPECT_TRUE(output.output.ends_with('\n'));
 }
 
 TEST(CommandLine, VersionOutsideBundleIsUnknown) {
   EXPECT_EQ(run({"--version"}),
-            (Told{.status = ExitStatus{.code = 0}, .output = "TovalinTray (version unknown)\n"}));
+            (Output{.status = ExitStatus{.code = 0}, .output = "TovalinTray (version unknown)\n"}));
 }
 
 TEST(CommandLine, VersionIsThatOfBundle) {
@@ -72,12 +72,12 @@ TEST(CommandLine, VersionIsThatOfBundle) {
   std::ofstream(contents / "Info.plist")
       << "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>3.2.1 %s</string></dict></plist>";
   EXPECT_EQ(run({"--version"}, contents / "MacOS/probe"),
-            (Told{.status = ExitStatus{.code = 0}, .output = "TovalinTray 3.2.1 %s\n"}));
+            (Output{.status = ExitStatus{.code = 0}, .output = "TovalinTray 3.2.1 %s\n"}));
   fs::remove_all("/tmp/Agent.app");
 }
 
 TEST(CommandLine, ProcessSerialNumberIsIgnored) {
-  EXPECT_EQ(run({"-psn_0_1048832"}), Told{.status = kGoesOn});
+  EXPECT_EQ(run({"-psn_0_1048832"}), Output{.status = kGoesOn});
   EXPECT_EQ(run({"-psn_0_1048832", "--version"}), run({"--version"}));
   EXPECT_EQ(run({"--version", "-psn_0_1048832"}), run({"--version"}));
   EXPECT_EQ(run({"-psn_0_1048832", "--wrong"}), refused("--wrong"));

@@ -32,7 +32,7 @@ void InstalledBundle::install(const std::string& path, const std::string& progra
     placeRecorder(agentContents() + "/Helpers/" + helper);
   fs::copy_file(TOVALIN_WEB_VIEW_DOUBLE, agentContents() + "/Helpers/TovalinWebView",
                 fs::copy_options::overwrite_existing);
-  setServers(kNobody);
+  setServers(kClosedServer);
 }
 
 void InstalledBundle::installWebView() {

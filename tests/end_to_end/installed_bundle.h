@@ -18,7 +18,7 @@ class InstalledBundle {
   void install(const std::string& path, const std::string& program = {});
   void writeProperties(const Properties& properties);
   // Sets the installed agent's product server and test upload server, each an origin.
-  void setServers(const std::string& product, const std::string& testUpload = kNobody);
+  void setServers(const std::string& product, const std::string& testUpload = kClosedServer);
   // Installs the real web view, which loads its beacons from the product server.
   void installWebView();
 
@@ -27,7 +27,7 @@ class InstalledBundle {
   }
   [[nodiscard]] std::string agentProgram() const { return agentContents() + "/MacOS/TovalinTray"; }
 
-  static constexpr const char* kNobody = "http://127.0.0.1:1";
+  static constexpr const char* kClosedServer = "http://127.0.0.1:1";
 
   // The path of the installation; empty before.
   std::string bundle_;

@@ -80,14 +80,14 @@ ExitStatus RunningAgent::endOfAgent() {
 
 std::chrono::milliseconds RunningAgent::timeToEnd(const std::function<void()>& prepare,
                                                   const std::function<void()>& removal) {
-  const fs::path kept = "/tmp/Kept.app";
-  fs::remove_all(kept);
-  fs::copy(installed_.bundle_, kept, fs::copy_options::recursive);
+  const fs::path copy = "/tmp/Copy.app";
+  fs::remove_all(copy);
+  fs::copy(installed_.bundle_, copy, fs::copy_options::recursive);
   auto shortest = std::chrono::milliseconds::max();
-  for (int i = 0; i < 5 && shortest >= longestEnd; ++i) {
+  for (int i = 0; i < 5 && shortest >= maxTimeToEnd; ++i) {
     fs::remove_all(installed_.bundle_);
     fs::create_directories(fs::path(installed_.bundle_).parent_path());
-    fs::copy(kept, installed_.bundle_, fs::copy_options::recursive);
+    fs::copy(copy, installed_.bundle_, fs::copy_options::recursive);
     prepare();
     if (testing::Test::HasFatalFailure()) return shortest;
     const auto start = std::chrono::steady_clock::now();
@@ -97,7 +97,7 @@ std::chrono::milliseconds RunningAgent::timeToEnd(const std::function<void()>& p
                                       std::chrono::steady_clock::now() - start));
   }
   fs::create_directories(fs::path(installed_.bundle_).parent_path());
-  fs::copy(kept, installed_.bundle_, fs::copy_options::recursive);
+  fs::copy(copy, installed_.bundle_, fs::copy_options::recursive);
   return shortest;
 }
 
@@ -106,7 +106,7 @@ void RunningAgent::terminateAgent() {
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();
 }
 
-void RunningAgent::whileAgentStandsStill(const std::function<void()>& act) {
+void RunningAgent::whileAgentIsStopped(const std::function<void()>& act) {
   agent_.signal(SIGSTOP);
   EXPECT_TRUE(test_support::waitUntil([this] { return isStopped(agent_.pid()); }));
   act();
@@ -114,7 +114,7 @@ void RunningAgent::whileAgentStandsStill(const std::function<void()>& act) {
 }
 
 void RunningAgent::removeAtOnce(const std::string& folder) {
-  whileAgentStandsStill([&] { fs::remove_all(folder); });
+  whileAgentIsStopped([&] { fs::remove_all(folder); });
 }
 
 std::vector<std::string> RunningAgent::texts() {
@@ -174,12 +174,12 @@ long RunningAgent::settledMemory() const {
 }
 
 long RunningAgent::memoryWithAllPictures(const std::function<void()>& showAll) const {
-  long most = 0;
+  long max = 0;
   for (int i = 0; i < 3; ++i) {
     showAll();
-    most = std::max(most, settledMemory());
+    max = std::max(max, settledMemory());
   }
-  return most;
+  return max;
 }
 
 long RunningAgent::descriptors() const {

@@ -12,7 +12,7 @@
 #include "tests/harness/processes/timeline.h"
 
 // From the loss of the bundle to the end of the agent, including the watch's latency of 0.5 s.
-inline constexpr std::chrono::milliseconds longestEnd{2000};
+inline constexpr std::chrono::milliseconds maxTimeToEnd{2000};
 
 // Runs the installed agent on a desktop and records its messages, log entries and commands on one timeline.
 class RunningAgent {
@@ -40,7 +40,7 @@ class RunningAgent {
   // Sends SIGTERM and expects a proper end.
   void terminateAgent();
   // Calls `act` while the agent is stopped by SIGSTOP, so that its watch reads all events at once.
-  void whileAgentStandsStill(const std::function<void()>& act);
+  void whileAgentIsStopped(const std::function<void()>& act);
   // Removes the folder while the agent is stopped. Otherwise the watch would treat a removal that exceeds its
   // latency as a change of the bundle, and end.
   void removeAtOnce(const std::string& folder);

@@ -14,8 +14,8 @@
 struct Soak {
   const char* what;  // for example "pairs"
   int times;
-  int warmUp;       // number of initial repetitions that fill the caches
-  long mostGrowth;  // in kilobytes
+  int warmUp;      // number of initial repetitions that fill the caches
+  long maxGrowth;  // in kilobytes
 };
 
 // Returns the number in this environment variable; `usual` if it is unset.
@@ -35,6 +35,6 @@ inline void expectNoGrowth(RunningAgent& agent, const Soak& soak, const std::fun
       << agent.descriptors() << " for " << open;
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
   const long end = agent.memoryWithAllPictures(once);
-  EXPECT_LE(std::labs(end - memory), soak.mostGrowth);
+  EXPECT_LE(std::labs(end - memory), soak.maxGrowth);
   std::printf("%d %s: %ld kB after %d, %ld kB at the end\n", soak.times, soak.what, memory, soak.warmUp, end);
 }

@@ -69,7 +69,7 @@ bool isInFilePaths(void* frame) {
 }
 
 // Returns the nearest frame above this library and the C++ library if it is the agent's, else nullptr.
-void* agentsFrameAbove(bool throughFilePaths) {
+void* agentFrameAbove(bool throughFilePaths) {
   std::array<void*, 24> frames{};
   const std::span found(frames.data(), static_cast<std::size_t>(::backtrace(frames.data(), frames.size())));
   bool inCppLibrary = false;
@@ -83,12 +83,12 @@ void* agentsFrameAbove(bool throughFilePaths) {
   return nullptr;
 }
 
-void* agentsFrame(void* caller, bool throughFilePaths) {
+void* agentFrame(void* caller, bool throughFilePaths) {
   switch (ownerOf(caller)) {
     case Owner::Agent:
       return caller;
     case Owner::CppLibrary:
-      return agentsFrameAbove(throughFilePaths);
+      return agentFrameAbove(throughFilePaths);
     case Owner::Other:
       break;
   }
@@ -105,7 +105,7 @@ std::uint64_t offsetInProgram(void* address) {
 int faultOf(std::size_t call, void* caller) {
   if (order.report == nullptr || order.report->isOpen == 0 || isLooking) return 0;
   isLooking = true;
-  void* const frame = agentsFrame(caller, call != indexOf("small malloc"));
+  void* const frame = agentFrame(caller, call != indexOf("small malloc"));
   isLooking = false;
   if (frame == nullptr) return 0;
   const std::uint64_t number = ++order.report->counts[call];

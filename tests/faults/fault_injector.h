@@ -24,10 +24,10 @@ class FaultInjector {
 
   // Returns whether the shared file could be created.
   [[nodiscard]] bool open();
-  // Prepares `environment`: an agent started in it has this fault once `letCallsFail` was called.
+  // Prepares `environment`: an agent started in it has this fault once `injectFailures` was called.
   void arm(const Fault& fault, Environment& environment);
   // Starts counting calls and lets the chosen one fail.
-  void letCallsFail() { report_->isOpen = 1; }
+  void injectFailures() { report_->isOpen = 1; }
 
   [[nodiscard]] const Fault& fault() const { return fault_; }
   // Returns whether the chosen call was made, and failed.

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ struct Extent {
   enum class Place { Middle, Last } sample;
   std::uint64_t ofMany;  // limit for functions called hundreds of times, or repeatedly during a wait
 };
-constexpr Extent kOfWholeLife{Extent::Place::Middle, 60}, kOfPartOfLife{Extent::Place::Last, 20};
+constexpr Extent kOfWholeSession{Extent::Place::Middle, 60}, kOfPartOfSession{Extent::Place::Last, 20};
 constexpr std::uint64_t kAll = 100'000;
 
 bool isSample() {
@@ -161,7 +161,7 @@ constexpr std::string_view callsOfDisplayless[] = {"writev"};
 constexpr std::string_view callsOfOthersAlone[] = {"execv", "inotify_rm_watch", "rmdir", "writev"};
 // clang-format on
 
-std::vector<Kind> kindsOfShortLife() {
+std::vector<Kind> kindsOfShortSession() {
   std::vector<Kind> kinds;
   std::ranges::copy_if(allKinds, std::back_inserter(kinds), [](const Kind& kind) {
     return std::ranges::count(callsOfOthersAlone, kind.call) == 0;
@@ -180,12 +180,12 @@ std::vector<Kind> kindsOf(std::span<const std::string_view> calls) {
 }
 
 // The results of a session without a fault, which runs once per kind and test program.
-struct PlainLife {
+struct FaultlessRun {
   std::array<std::uint64_t, faults::callNames.size()> calls{};
   std::optional<long> descriptors = {};
 };
 
-template <typename Session, Extent extent = kOfPartOfLife>
+template <typename Session, Extent extent = kOfPartOfSession>
 class FaultsIn : public testing::TestWithParam<Kind> {
  protected:
   void SetUp() override {
@@ -193,29 +193,29 @@ class FaultsIn : public testing::TestWithParam<Kind> {
     GTEST_SKIP() << "the failing calls and the sanitizers both want to be loaded first";
 #endif
     run_.setUp();
-    if (HasFatalFailure() || plainLife()) return;
-    const Outcome plain = live({});
-    ASSERT_EQ(plain.survival, life_.expected().survival) << "without any fault: " << plain.detail;
-    plainLife() = PlainLife{run_.injector_.allCalls(), run_.openAtLast()};
+    if (HasFatalFailure() || faultlessRun()) return;
+    const Outcome plain = runSession({});
+    ASSERT_EQ(plain.survival, session_.expected().survival) << "without any fault: " << plain.detail;
+    faultlessRun() = FaultlessRun{run_.injector_.allCalls(), run_.descriptorsAtEnd()};
   }
   void TearDown() override {
     run_.tearDownAgent();
   }
 
-  void letEachFail() {
+  void injectEach() {
     const auto [call, error] = GetParam();
-    const std::uint64_t count = plainLife()->calls[faults::indexOf(call)];
+    const std::uint64_t count = faultlessRun()->calls[faults::indexOf(call)];
     ASSERT_GT(count, 0u) << "the agent makes no such call";
     int reached = 0;
-    for (const std::uint64_t which : placesOf(call, count)) reached += letFail({call, error, which});
+    for (const std::uint64_t which : placesOf(call, count)) reached += inject({call, error, which});
     // The last calls may not be made again, for example if a wait is shorter; the first one always is.
-    if (reached == 0) reached += letFail({call, error, 1});
+    if (reached == 0) reached += inject({call, error, 1});
     EXPECT_GT(reached, 0) << "no call was made to fail";
   }
 
  private:
-  static std::optional<PlainLife>& plainLife() {
-    static std::optional<PlainLife> plain;
+  static std::optional<FaultlessRun>& faultlessRun() {
+    static std::optional<FaultlessRun> plain;
     return plain;
   }
 
@@ -225,12 +225,12 @@ class FaultsIn : public testing::TestWithParam<Kind> {
   }
 
   // Runs a session with this fault and judges it.
-  Outcome live(const Fault& fault) {
-    Expected expected = life_.expected();
-    if (plainLife()) expected.descriptors = plainLife()->descriptors;
+  Outcome runSession(const Fault& fault) {
+    Expected expected = session_.expected();
+    if (faultlessRun()) expected.descriptors = faultlessRun()->descriptors;
     run_.begin(fault, expected);
-    life_.lead();
-    Outcome outcome = life_.judge();
+    session_.play();
+    Outcome outcome = session_.judge();
     const bool hasFailed = run_.injector_.hasFailed();
     if (outcome.survival == Survival::Failed) run_.agent_.kill();
     if (fault.which == 0 || hasFailed || outcome.survival == Survival::Failed) return outcome;
@@ -240,15 +240,15 @@ class FaultsIn : public testing::TestWithParam<Kind> {
   }
 
   // Returns whether the call was made.
-  bool letFail(const Fault& fault) {
-    const Outcome outcome = live(fault);
-    tell(fault, outcome);
+  bool inject(const Fault& fault) {
+    const Outcome outcome = runSession(fault);
+    printOutcome(fault, outcome);
     EXPECT_NE(outcome.survival, Survival::Failed) << outcome.detail;
     return run_.injector_.hasFailed();
   }
 
   // Prints a line from which tests/faults/run makes its tables.
-  void tell(const Fault& fault, const Outcome& outcome) const {
+  void printOutcome(const Fault& fault, const Outcome& outcome) const {
     std::printf("fault\t%s\t%s\t%s\t%llu\t%s\t0x%llx %s\n", Session::title, fault.call.c_str(),
                 ::strerrorname_np(fault.error), static_cast<unsigned long long>(fault.which),
                 nameOf(outcome.survival), static_cast<unsigned long long>(run_.injector_.place()),
@@ -257,7 +257,7 @@ class FaultsIn : public testing::TestWithParam<Kind> {
   }
 
   FaultyAgent run_;
-  Session life_{run_};
+  Session session_{run_};
 };
 
 std::string nameOfKind(const testing::TestParamInfo<Kind>& kind) {
@@ -266,67 +266,68 @@ std::string nameOfKind(const testing::TestParamInfo<Kind>& kind) {
   return name;
 }
 
-class ShortLifeFaults : public FaultsIn<ShortLife, kOfWholeLife> {};
-TEST_P(ShortLifeFaults, AgentServesOrEndsWithMessage) {
-  letEachFail();
+class ShortSessionFaults : public FaultsIn<ShortSession, kOfWholeSession> {};
+TEST_P(ShortSessionFaults, AgentServesOrEndsWithMessage) {
+  injectEach();
 }
-INSTANTIATE_TEST_SUITE_P(OfEachCall, ShortLifeFaults, testing::ValuesIn(kindsOfShortLife()), nameOfKind);
+INSTANTIATE_TEST_SUITE_P(OfEachCall, ShortSessionFaults, testing::ValuesIn(kindsOfShortSession()),
+                         nameOfKind);
 
-class LogCollectionFaults : public FaultsIn<LogCollectionLife> {};
+class LogCollectionFaults : public FaultsIn<LogCollectionSession> {};
 TEST_P(LogCollectionFaults, AgentServesOrEndsWithMessage) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, LogCollectionFaults, testing::ValuesIn(kindsOf(callsOfLogCollection)),
                          nameOfKind);
 
-class UpdateFaults : public FaultsIn<UpdateLife> {};
+class UpdateFaults : public FaultsIn<UpdateSession> {};
 TEST_P(UpdateFaults, AgentServesOrEndsWithMessage) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, UpdateFaults, testing::ValuesIn(kindsOf(callsOfUpdate)), nameOfKind);
 
-class MidnightFaults : public FaultsIn<MidnightLife> {};
+class MidnightFaults : public FaultsIn<MidnightSession> {};
 TEST_P(MidnightFaults, AgentServesOrEndsWithMessage) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, MidnightFaults, testing::ValuesIn(kindsOf(callsOfMidnight)), nameOfKind);
 
-class FirstLaunchFaults : public FaultsIn<FirstLaunchLife> {};
+class FirstLaunchFaults : public FaultsIn<FirstLaunchSession> {};
 TEST_P(FirstLaunchFaults, AgentServesOrEndsWithMessage) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, FirstLaunchFaults, testing::ValuesIn(kindsOf(callsOfFirstLaunch)),
                          nameOfKind);
 
-class SecondStartFaults : public FaultsIn<SecondStartLife> {};
+class SecondStartFaults : public FaultsIn<SecondStartSession> {};
 TEST_P(SecondStartFaults, FirstAgentIsUnharmedAndSecondProcessEnds) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, SecondStartFaults, testing::ValuesIn(kindsOf(callsOfSecondStart)),
                          nameOfKind);
 
-class RemovalFaults : public FaultsIn<RemovalLife> {};
+class RemovalFaults : public FaultsIn<RemovalSession> {};
 TEST_P(RemovalFaults, AgentEndsWithItsBundle) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, RemovalFaults, testing::ValuesIn(kindsOf(callsOfRemoval)), nameOfKind);
 
-class WatchFaults : public FaultsIn<WatchLife> {};
+class WatchFaults : public FaultsIn<WatchSession> {};
 TEST_P(WatchFaults, AgentEndsWithItsBundleOrReportsMissingWatch) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, WatchFaults, testing::ValuesIn(kindsOf(callsOfWatch)), nameOfKind);
 
-class StartOverFaults : public FaultsIn<StartOverLife> {};
+class StartOverFaults : public FaultsIn<StartOverSession> {};
 TEST_P(StartOverFaults, AgentServesOrEndsWithMessage) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, StartOverFaults, testing::ValuesIn(kindsOf(callsOfStartOver)),
                          nameOfKind);
 
-class DisplaylessFaults : public FaultsIn<DisplaylessLife> {};
+class DisplaylessFaults : public FaultsIn<DisplaylessSession> {};
 TEST_P(DisplaylessFaults, AgentEndsWithMessage) {
-  letEachFail();
+  injectEach();
 }
 INSTANTIATE_TEST_SUITE_P(OfEachCall, DisplaylessFaults, testing::ValuesIn(kindsOf(callsOfDisplayless)),
                          nameOfKind);

@@ -92,8 +92,8 @@ void FaultyAgent::begin(const Fault& fault, const Expected& expected) {
   fs::remove(pipePath);
   timeline_.clear();
   host_.clearEvents();
-  said_.clear();
-  openAtLast_.reset();
+  consoleLog_.clear();
+  descriptorsAtEnd_.reset();
   endsProperly_ = false;
   hasPipe_ = true;
   patience_ = kPatienceAfterFault;
@@ -102,7 +102,7 @@ void FaultyAgent::begin(const Fault& fault, const Expected& expected) {
   requestsBefore_ = server_->requests().size();
 }
 
-void FaultyAgent::launchToItsEnd() {
+void FaultyAgent::launchCompletely() {
   startAgent();
   waitForLaunch();
 }
@@ -110,7 +110,7 @@ void FaultyAgent::launchToItsEnd() {
 void FaultyAgent::waitForLaunch() {
   waitForListener();
   static_cast<void>(comesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
-  static_cast<void>(comesTrue([] { return !fs::exists(UsageAccount::waiting.path); }));
+  static_cast<void>(comesTrue([] { return !fs::exists(UsageCheck::waiting.path); }));
 }
 
 // Shortens the timeout once the fault has occurred: what is delayed longer does not happen.
@@ -127,7 +127,7 @@ bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
 }
 
 void FaultyAgent::waitForListener() {
-  static_cast<void>(comesTrue([&] { return listens() || toldThatThePipeIsGone(); }));
+  static_cast<void>(comesTrue([&] { return listens() || hasReportedLostPipe(); }));
 }
 
 bool FaultyAgent::listens() {
@@ -143,11 +143,11 @@ bool FaultyAgent::sendToPipe(const std::string& text) {
 }
 
 void FaultyAgent::sendRecord(const std::string& text, const std::string& record) {
-  usage_.ask(record);
+  usage_.expect(record);
   if (!sendToPipe(text)) return;
-  usage_.tellRead(record);
-  if (comesTrue([&] { return UsageAccount::writtenWhole(record) == usage_.asked(record); }))
-    usage_.tellWritten(record);
+  usage_.noteRead(record);
+  if (comesTrue([&] { return UsageCheck::writtenWhole(record) == usage_.expected(record); }))
+    usage_.noteWritten(record);
 }
 
 void FaultyAgent::closeSupportWindow(std::uint32_t window) {
@@ -157,16 +157,16 @@ void FaultyAgent::closeSupportWindow(std::uint32_t window) {
   }));
 }
 
-void FaultyAgent::leadInSupportWindow(const std::function<void()>& use) {
-  launchToItsEnd();
+void FaultyAgent::playInSupportWindow(const std::function<void()>& use) {
+  launchCompletely();
   openWindow();
   if (testing::Test::HasFatalFailure()) return;
-  injector_.letCallsFail();
+  injector_.injectFailures();
   use();
   closeSupportWindow(window_.id);
 }
 
-bool FaultyAgent::answersThePipe() {
+bool FaultyAgent::answersPipe() {
   sendToPipe("-noff");
   sendToPipe("-non");
   const auto isUp = [&] {
@@ -184,9 +184,9 @@ std::string FaultyAgent::switchLabel() {
   return {};
 }
 
-bool FaultyAgent::turnsTheSwitch() {
+bool FaultyAgent::switchWorks() {
   const std::string before = switchLabel();
-  if (before.empty()) return words().tellOf(kLostPicture) && turnsTheSwitchByAnotherStart();
+  if (before.empty()) return unusualOutput().contains(kLostPicture) && switchWorksFromSecondStart();
   const char* after = before == "Automount Off" ? "Automount On" : "Automount Off";
   return host_.click(before) &&
          waitUntil([&] { return !agent_.running() || switchLabel() == after || pictureIsLost(); });
@@ -194,12 +194,12 @@ bool FaultyAgent::turnsTheSwitch() {
 
 // While a lost picture would be shown, the item is not in the panel.
 bool FaultyAgent::pictureIsLost() {
-  return words().tellOf(kLostPicture) && host_.items().empty();
+  return unusualOutput().contains(kLostPicture) && host_.items().empty();
 }
 
 // A second start opens the menu at the pointer; its first line is the switch. After the switch the item
 // returns with the other picture.
-bool FaultyAgent::turnsTheSwitchByAnotherStart() {
+bool FaultyAgent::switchWorksFromSecondStart() {
   test_support::ChildOptions options;
   options.environment = environment_;
   options.environment["LD_PRELOAD"] = std::nullopt;
@@ -212,20 +212,20 @@ bool FaultyAgent::turnsTheSwitchByAnotherStart() {
   return waitUntil([&] { return !agent_.running() || !switchLabel().empty(); });
 }
 
-bool FaultyAgent::showsItsIcon() {
+bool FaultyAgent::showsIcon() {
   const char* picture = switchLabel() == "Automount Off" ? "mount on" : "mount off";
   return comesTrue(
       [&] { return host_.saveIcon("/tmp/icon.png", "20") && panelShows(host_, kPictures, picture); });
 }
 
-AgentsWords FaultyAgent::words() {
-  return {texts(), said_ += agent_.takeErrorOutput()};
+UnusualOutput FaultyAgent::unusualOutput() {
+  return {texts(), consoleLog_ += agent_.takeErrorOutput()};
 }
 
 Outcome FaultyAgent::judge() {
   if (const auto early = judgeEarlyEnd()) return *early;
-  for (const auto step : {&FaultyAgent::judgePipe, &FaultyAgent::judgeItem, &FaultyAgent::leftBehind,
-                          &FaultyAgent::judgeEnd, &FaultyAgent::judgeFiles, &FaultyAgent::judgeEndOfLife}) {
+  for (const auto step : {&FaultyAgent::judgePipe, &FaultyAgent::judgeItem, &FaultyAgent::judgeLeaks,
+                          &FaultyAgent::judgeEnd, &FaultyAgent::judgeFiles, &FaultyAgent::judgeUsageAtEnd}) {
     const std::string wrong = (this->*step)();
     if (wrong.empty()) continue;
     if (const auto early = judgeEarlyEnd(); early && !endsProperly_) return *early;
@@ -237,50 +237,50 @@ Outcome FaultyAgent::judge() {
 
 std::string FaultyAgent::judgePipe() {
   // The thread that could not be started may be the listener's.
-  const auto toldOfIt = [&] {
-    return toldThatThePipeIsGone() || words().tellOf("] cannot start a thread: ");
+  const auto isReported = [&] {
+    return hasReportedLostPipe() || unusualOutput().contains("] cannot start a thread: ");
   };
-  const bool told = toldOfIt();
-  hasPipe_ = answersThePipe();
-  if (hasPipe_ || told || toldOfIt()) return {};
+  const bool wasReported = isReported();
+  hasPipe_ = answersPipe();
+  if (hasPipe_ || wasReported || isReported()) return {};
   // The pipe was not reported as lost, so it must answer, however busy the machine is.
   patience_ = test_support::kPatience;
-  hasPipe_ = answersThePipe();
-  return hasPipe_ || toldOfIt() ? "" : "does not answer the pipe";
+  hasPipe_ = answersPipe();
+  return hasPipe_ || isReported() ? "" : "does not answer the pipe";
 }
 
 // The icon must be shown before and after a click on the switch, except for pictures logged as invalid.
 std::string FaultyAgent::judgeItem() {
-  patience_ = words().tellOf(kLostPicture) ? kPatienceAfterFault : test_support::kPatience;
+  patience_ = unusualOutput().contains(kLostPicture) ? kPatienceAfterFault : test_support::kPatience;
   int missing = 0;
   for (int turn = 0; turn < 2; ++turn) {
-    if (!showsItsIcon()) ++missing;
-    if (!turnsTheSwitch()) return "does not answer its menu";
+    if (!showsIcon()) ++missing;
+    if (!switchWorks()) return "does not answer its menu";
   }
-  if (missing > words().count(kLostPicture)) return "does not show its icon";
-  return showsItsMenu() ? "" : "does not answer its menu";
+  if (missing > unusualOutput().count(kLostPicture)) return "does not show its icon";
+  return showsMenu() ? "" : "does not answer its menu";
 }
 
-bool FaultyAgent::showsItsMenu() {
-  return !switchLabel().empty() || turnsTheSwitch();
+bool FaultyAgent::showsMenu() {
+  return !switchLabel().empty() || switchWorks();
 }
 
 std::string FaultyAgent::judgeFiles() {
   const std::string damage = usage_.damage(uploads());
-  return damage.empty() ? usage_.doublesOrLosses(expected_.starts, uploads(), words()) : damage;
+  return damage.empty() ? usage_.duplicatesOrLosses(expected_.starts, uploads(), unusualOutput()) : damage;
 }
 
-std::string FaultyAgent::judgeEndOfLife() {
+std::string FaultyAgent::judgeUsageAtEnd() {
   return endsProperly_ ? judgeUsage(endedBySignal_ ? 1 : 2) : "";
 }
 
 std::string FaultyAgent::judgeUsage(int ends) {
-  std::string missing = usage_.missingRecords(expected_.starts, ends, hasPipe_, uploads(), words());
+  std::string missing = usage_.missingRecords(expected_.starts, ends, hasPipe_, uploads(), unusualOutput());
   if (!missing.empty()) return missing;
   // The listener's thread runs, so the thread that could not be started was that of the upload at launch.
-  if (hasPipe_ && words().tellOf("] cannot start a thread: ")) return {};
-  return UsageAccount::unsent(expected_.pastFiles, injector_.hasFailed() ? injector_.fault().call : "",
-                              uploads(), words());
+  if (hasPipe_ && unusualOutput().contains("] cannot start a thread: ")) return {};
+  return UsageCheck::unsent(expected_.pastFiles, injector_.hasFailed() ? injector_.fault().call : "",
+                            uploads(), unusualOutput());
 }
 
 std::optional<Outcome> FaultyAgent::judgeEarlyEnd() {
@@ -289,7 +289,7 @@ std::optional<Outcome> FaultyAgent::judgeEarlyEnd() {
   const std::string said = message();
   if (status->signal)
     return Outcome{Survival::Failed, "signal " + std::to_string(*status->signal) + " " + said};
-  if (status->code == 0 || !words().tellOfTheEnd())
+  if (status->code == 0 || !unusualOutput().reportsFatalError())
     return Outcome{Survival::Failed, "ended without saying why: " + said};
   const std::string wrong = judgeFiles();
   if (!wrong.empty()) return Outcome{Survival::Failed, "ended: " + wrong};
@@ -297,13 +297,13 @@ std::optional<Outcome> FaultyAgent::judgeEarlyEnd() {
 }
 
 // Checks for leaked descriptors and children while the agent runs.
-std::string FaultyAgent::leftBehind() {
+std::string FaultyAgent::judgeLeaks() {
   const auto open = [&] { return openDescriptorsOf(agent_.pid()) - pooledThreadsOf(agent_.pid()); };
-  openAtLast_ = open();
+  descriptorsAtEnd_ = open();
   // Without the pipe its two ends are missing.
-  const long most = expected_.descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
-  if (!waitUntil([&] { return open() <= most; }, 3s))
-    return std::to_string(open()) + " descriptors for " + std::to_string(most);
+  const long maxOpen = expected_.descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
+  if (!waitUntil([&] { return open() <= maxOpen; }, 3s))
+    return std::to_string(open()) + " descriptors for " + std::to_string(maxOpen);
   // The agent and its web view remain. Commands may still be running on a busy machine.
   if (!waitUntil([&] { return processes() <= processesBefore_ + 2; }))
     return "leaves children behind, of these processes:" + processNames();
@@ -321,11 +321,11 @@ std::string FaultyAgent::judgeEnd() {
   if (!status) return "does not end";
   if (status->signal) return "ended by signal " + std::to_string(*status->signal);
   endsProperly_ = status->code == 0;
-  if (!endsProperly_ && !words().tellOfTheEnd()) return "ended without saying why";
-  return nothingOutlivesIt() ? "" : "processes outlive it";
+  if (!endsProperly_ && !unusualOutput().reportsFatalError()) return "ended without saying why";
+  return hasNoProcessesLeft() ? "" : "processes outlive it";
 }
 
-bool FaultyAgent::nothingOutlivesIt() const {
+bool FaultyAgent::hasNoProcessesLeft() const {
   return waitUntil([&] { return processes() <= processesBefore_; });
 }
 

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "tests/end_to_end/support/support_fixture.h"
-#include "tests/faults/agents_words.h"
 #include "tests/faults/fault_injector.h"
-#include "tests/faults/usage_account.h"
+#include "tests/faults/unusual_output.h"
+#include "tests/faults/usage_check.h"
 
 inline bool isMenu(const test_support::XWindow& window) {
   return window.className == "Tovalin" && window.width > 100;
@@ -42,7 +42,7 @@ struct Expected {
   // Number of start records in the files.
   int starts = 1;
   // The files to be uploaded.
-  std::vector<PastFile> pastFiles = {UsageAccount::waiting};
+  std::vector<PastFile> pastFiles = {UsageCheck::waiting};
   // Number of descriptors open before the end; nullopt until a session without a fault has counted them.
   std::optional<long> descriptors = {};
 };
@@ -69,7 +69,7 @@ class FaultyAgent : public TestDesktop,
 
   // Starts the agent. Returns once it listens, shows its icon and has uploaded the past file, or once these
   // can no longer be expected.
-  void launchToItsEnd();
+  void launchCompletely();
   void waitForLaunch();
 
   [[nodiscard]] std::optional<Outcome> judgeEarlyEnd();
@@ -79,15 +79,15 @@ class FaultyAgent : public TestDesktop,
   [[nodiscard]] std::string judgeFiles();
   // As above, with `ends` quit records.
   [[nodiscard]] std::string judgeUsage(int ends);
-  [[nodiscard]] bool nothingOutlivesIt() const;
+  [[nodiscard]] bool hasNoProcessesLeft() const;
   // Returns the files that the product server received in this session.
   [[nodiscard]] std::vector<std::string> uploads() const;
   // Returns the unusual lines in the log and on the console.
-  [[nodiscard]] AgentsWords words();
-  [[nodiscard]] std::string message() { return words().first(); }
+  [[nodiscard]] UnusualOutput unusualOutput();
+  [[nodiscard]] std::string message() { return unusualOutput().first(); }
 
   [[nodiscard]] bool comesTrue(const std::function<bool()>& condition);
-  [[nodiscard]] bool toldThatThePipeIsGone() { return words().tellThatThePipeIsGone(); }
+  [[nodiscard]] bool hasReportedLostPipe() { return unusualOutput().reportsLostPipe(); }
   // Returns whether a process reads the pipe.
   [[nodiscard]] static bool listens();
   // Returns whether the message was read.
@@ -98,30 +98,30 @@ class FaultyAgent : public TestDesktop,
   [[nodiscard]] std::string switchLabel();
   // Returns whether the switch's label changes after a click. If the item is missing because its picture was
   // not loaded, uses the menu that a second start opens.
-  [[nodiscard]] bool turnsTheSwitch();
+  [[nodiscard]] bool switchWorks();
   // Returns whether the panel has the menu; if necessary turns the switch to the state whose picture is
   // loaded.
-  [[nodiscard]] bool showsItsMenu();
+  [[nodiscard]] bool showsMenu();
   void closeSupportWindow(std::uint32_t window);
   // Launches the agent and opens the support window; calls fail during `use`.
-  void leadInSupportWindow(const std::function<void()>& use);
+  void playInSupportWindow(const std::function<void()>& use);
 
   [[nodiscard]] bool hasPipe() const { return hasPipe_; }
-  void addToConsole(const std::string& text) { said_ += text; }
+  void addToConsole(const std::string& text) { consoleLog_ += text; }
   // Returns the number of descriptors open before the end; nullopt if the agent ended earlier.
-  [[nodiscard]] std::optional<long> openAtLast() const { return openAtLast_; }
+  [[nodiscard]] std::optional<long> descriptorsAtEnd() const { return descriptorsAtEnd_; }
 
   FaultInjector injector_;
 
  private:
   void waitForListener();
-  [[nodiscard]] std::string leftBehind();
-  [[nodiscard]] bool answersThePipe();
+  [[nodiscard]] std::string judgeLeaks();
+  [[nodiscard]] bool answersPipe();
   [[nodiscard]] std::string judgePipe();
-  [[nodiscard]] std::string judgeEndOfLife();
-  [[nodiscard]] bool showsItsIcon();
+  [[nodiscard]] std::string judgeUsageAtEnd();
+  [[nodiscard]] bool showsIcon();
   [[nodiscard]] bool pictureIsLost();
-  [[nodiscard]] bool turnsTheSwitchByAnotherStart();
+  [[nodiscard]] bool switchWorksFromSecondStart();
 
   Expected expected_;
   bool endsProperly_ = false;
@@ -129,9 +129,9 @@ class FaultyAgent : public TestDesktop,
   bool hasPipe_ = true;
   // Timeout after the fault has occurred.
   std::chrono::seconds patience_{};
-  UsageAccount usage_;
+  UsageCheck usage_;
   long processesBefore_ = 0;
   std::size_t requestsBefore_ = 0;
-  std::string said_ = {};
-  std::optional<long> openAtLast_ = {};
+  std::string consoleLog_ = {};
+  std::optional<long> descriptorsAtEnd_ = {};
 };

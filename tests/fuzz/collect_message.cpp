@@ -42,9 +42,9 @@ Message messageOf(const std::uint8_t* data, std::size_t size) {
 }
 
 // Second implementation of the reading of a text field.
-std::string textAt(const Message& message, std::size_t offset, std::size_t longest) {
+std::string textAt(const Message& message, std::size_t offset, std::size_t maxLength) {
   std::string text;
-  while (text.size() < longest && message.at(offset + text.size()) != '\0')
+  while (text.size() < maxLength && message.at(offset + text.size()) != '\0')
     text += message.at(offset + text.size());
   return text;
 }
@@ -98,8 +98,8 @@ void checkTransfers(const Message& message, const std::string& header) {
   unsigned kind = 1;
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t entry = 18 + 22 * i;
-    const std::uint64_t told = numberAt(message, entry, 4);
-    if (told == 1 || told == 2) kind = static_cast<unsigned>(told);
+    const std::uint64_t givenKind = numberAt(message, entry, 4);
+    if (givenKind == 1 || givenKind == 2) kind = static_cast<unsigned>(givenKind);
     const auto* transfer = std::get_if<tools::Transfer>(&items[kHeaderItems + i].content);
     require(transfer != nullptr && transfer->kind == kind,
             "a transfer keeps its kind, or the last known one");

@@ -17,7 +17,7 @@ namespace {
 using fuzz::require;
 
 constexpr std::string_view kPngSignature = "\x89PNG\r\n\x1a\n";
-constexpr long long kMostBytes = 64 << 20;
+constexpr long long kMaxBytes = 64 << 20;
 
 std::uint32_t bigEndianAt(const std::string& bytes, std::size_t offset) {
   std::uint32_t number = 0;
@@ -41,7 +41,7 @@ void setCheckSums(std::string& bytes) {
 
 void checkForm(const platform::Image& image, const QImage& form) {
   require(!form.isNull() && form.width() >= 1 && form.height() >= 1, "a picture has pixels");
-  require(form.sizeInBytes() <= kMostBytes, "the pixels keep within their bound");
+  require(form.sizeInBytes() <= kMaxBytes, "the pixels keep within their bound");
   require(image.size().width == form.width() && image.size().height == form.height(),
           "a point is a pixel, whatever the picture says");
 }

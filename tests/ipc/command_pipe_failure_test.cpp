@@ -89,7 +89,7 @@ TEST_F(CommandPipe, MissingPermissionFailsOpen) {
   makePipe(0600);
   const FileDescriptor reader = openReader();
   const auto finished = runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     return ::access(kCommandPipe, W_OK) == 0 ? 254 : sendForked();
   });
   if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
@@ -141,7 +141,7 @@ TEST_F(CommandPipe, DescriptorBeyondFdSetsizeFailsSelect) {
   makeFile("kept");
   const auto finished = runForked([] {
     const rlimit enough{FD_SETSIZE + 64, FD_SETSIZE + 64};
-    if (::setrlimit(RLIMIT_NOFILE, &enough) != 0) return test_support::kNotToBeHad;
+    if (::setrlimit(RLIMIT_NOFILE, &enough) != 0) return test_support::kUnavailable;
     int last = STDERR_FILENO;
     while (last < FD_SETSIZE) last = ::dup(STDERR_FILENO);
     return sendForked();

@@ -32,7 +32,7 @@ class Queue {
     work();
     return true;
   }
-  [[nodiscard]] std::size_t longest() {
+  [[nodiscard]] std::size_t maxLength() {
     const std::lock_guard lock(mutex_);
     return longest_;
   }
@@ -105,7 +105,7 @@ TEST_F(Calls, FloodFromOtherThreadIsBoundedAndEndsInLastState) {
   while (!ended) queue_.runNext();
   while (queue_.runNext()) continue;
   EXPECT_TRUE(shown);
-  EXPECT_LE(queue_.longest(), 65u);
+  EXPECT_LE(queue_.maxLength(), 65u);
 }
 
 }  // namespace

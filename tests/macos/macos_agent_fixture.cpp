@@ -82,7 +82,7 @@ void MacosAgentTest::install(const std::string& built) {
 
 void MacosAgentTest::installMacosAgent() {
   install(TOVALIN_MACOS_BUNDLE);
-  setServers(kNobody);
+  setServers(kClosedServer);
 }
 
 void MacosAgentTest::installLinuxAgent() {
@@ -94,7 +94,7 @@ void MacosAgentTest::installLinuxAgent() {
   for (const char* helper : {"launchctl", "open", "osascript"})
     fs::copy_file(TOVALIN_RECORDER, helpers + helper, fs::copy_options::overwrite_existing);
   fs::copy_file(TOVALIN_WEB_VIEW_DOUBLE, helpers + "TovalinWebView", fs::copy_options::overwrite_existing);
-  setServers(kNobody);
+  setServers(kClosedServer);
 }
 
 void MacosAgentTest::setServers(const std::string& product, const std::string& testUpload) {

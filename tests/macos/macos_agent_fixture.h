@@ -24,7 +24,7 @@ class MacosAgentTest : public testing::Test {
   // Replaces the agent by the Linux one, from the bundle below TOVALIN_BUNDLE_ROOT.
   void installLinuxAgent();
   void installMacosAgent();
-  void setServers(const std::string& product, const std::string& testUpload = kNobody);
+  void setServers(const std::string& product, const std::string& testUpload = kClosedServer);
   void writeProperties(bool autorun, bool active);
   // Starts the agent, and waits for its "-ton" and until it listens.
   void launch();
@@ -55,7 +55,7 @@ class MacosAgentTest : public testing::Test {
     return bundle_ + "/Contents/Resources/TovalinTray.app/Contents";
   }
 
-  static constexpr const char* kNobody = "http://127.0.0.1:1";
+  static constexpr const char* kClosedServer = "http://127.0.0.1:1";
   static constexpr const char* folder = "/tmp/home/Library/Application Support/Tovalin";
   static constexpr const char* linuxFolder = "/tmp/home/.local/share/Tovalin";
 

@@ -210,7 +210,7 @@ TEST_F(MacosAgent, CollectionAsksRunsCommandsAndReports) {
   ASSERT_TRUE(shows(windowNamed("sheet")));
   saveScreen("macos-collected");
   clickIn("sheet", 226, 26);
-  EXPECT_TRUE(waitForText(std::string("run: open ") + kNobody + "/contact/tovalin/"));
+  EXPECT_TRUE(waitForText(std::string("run: open ") + kClosedServer + "/contact/tovalin/"));
 }
 
 TEST_F(MacosAgent, RemovedBundleEndsAgent) {

@@ -44,13 +44,13 @@ TEST(CollectionCommands, LimitsSumUpToAtMostFiveMinutes) {
 }
 
 TEST(CollectionCommands, AreLimitedTo511Bytes) {
-  std::size_t longest = 0;
-  for (std::size_t length = 1; collectionCommands(std::string(length, 'n')); ++length) longest = length;
-  const auto commands = *collectionCommands(std::string(longest, 'n'));
-  std::size_t most = 0;
-  for (const auto& command : commands) most = std::max(most, command.text.size());
-  EXPECT_LE(most, 511u);
-  EXPECT_GT(most, 500u);
+  std::size_t maxNameLength = 0;
+  for (std::size_t length = 1; collectionCommands(std::string(length, 'n')); ++length) maxNameLength = length;
+  const auto commands = *collectionCommands(std::string(maxNameLength, 'n'));
+  std::size_t maxCommandLength = 0;
+  for (const auto& command : commands) maxCommandLength = std::max(maxCommandLength, command.text.size());
+  EXPECT_LE(maxCommandLength, 511u);
+  EXPECT_GT(maxCommandLength, 500u);
 }
 
 }  // namespace

@@ -40,7 +40,9 @@ class Uploads : public tools_test::ProductServer {
     return client_->Post(kUploadPath, body, "multipart/form-data; boundary=" + boundary);
   }
 
-  static std::string kept(const std::string& name) { return contentsOf(std::string(kUploads) + "/" + name); }
+  static std::string storedFile(const std::string& name) {
+    return contentsOf(std::string(kUploads) + "/" + name);
+  }
   static bool nothingKept() { return fs::is_empty(kUploads); }
 };
 
@@ -51,7 +53,7 @@ TEST_F(Uploads, FormOfAgentIsStoredVerbatim) {
   ASSERT_TRUE(result);
   EXPECT_EQ(result->status, 200);
   EXPECT_EQ(result->body, "The server took \"Tovalin.dat\", 300000 bytes.\n");
-  EXPECT_EQ(kept("0001_Tovalin.dat"), data);
+  EXPECT_EQ(storedFile("0001_Tovalin.dat"), data);
 }
 
 TEST_F(Uploads, UploadIsLogged) {
@@ -66,10 +68,10 @@ TEST_F(Uploads, UploadIsLogged) {
 TEST_F(Uploads, UploadsOfOneConnectionAreNumberedInOrder) {
   client_->set_keep_alive(true);
   for (const char* const data : {"one", "", "three"}) ASSERT_TRUE(post(formOf(data)));
-  EXPECT_EQ(kept("0001_Tovalin.dat"), "one");
+  EXPECT_EQ(storedFile("0001_Tovalin.dat"), "one");
   EXPECT_TRUE(fs::exists(std::string(kUploads) + "/0002_Tovalin.dat"));
-  EXPECT_EQ(kept("0002_Tovalin.dat"), "");
-  EXPECT_EQ(kept("0003_Tovalin.dat"), "three");
+  EXPECT_EQ(storedFile("0002_Tovalin.dat"), "");
+  EXPECT_EQ(storedFile("0003_Tovalin.dat"), "three");
 }
 
 TEST_F(Uploads, FilesOfFormAreStoredAndFieldsAreNot) {
@@ -77,8 +79,8 @@ TEST_F(Uploads, FilesOfFormAreStoredAndFieldsAreNot) {
   ASSERT_TRUE(post(part + "\"n\"\r\n\r\nfield\r\n" + part + "\"a\"; filename=\"x\"\r\n\r\n1\r\n" + part +
                        "\"b\"; filename=\"../y z\"\r\n\r\n22\r\n--X--\r\n",
                    "X"));
-  EXPECT_EQ(kept("0001_x"), "1");
-  EXPECT_EQ(kept("0002_y_z"), "22");
+  EXPECT_EQ(storedFile("0001_x"), "1");
+  EXPECT_EQ(storedFile("0002_y_z"), "22");
   EXPECT_EQ(std::distance(fs::directory_iterator(kUploads), {}), 2);
 }
 
@@ -137,7 +139,7 @@ TEST_F(Uploads, WithoutFolderUploadIsAcceptedAndLogged) {
 TEST_F(Uploads, UploadIsStoredDespiteDroppedAnswer) {
   setFault(kUploadPath, "drop*1");
   EXPECT_FALSE(post(formOf("d")));
-  EXPECT_EQ(kept("0001_Tovalin.dat"), "d");
+  EXPECT_EQ(storedFile("0001_Tovalin.dat"), "d");
 }
 
 TEST_F(Uploads, ResetUploadIsNotStored) {

@@ -22,10 +22,10 @@ bool RawClient::send(std::string_view text) const {
   return ::send(socket_.get(), text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size());
 }
 
-RawClient::Answer RawClient::read(std::chrono::milliseconds silence, std::size_t most) const {
+RawClient::Answer RawClient::read(std::chrono::milliseconds silence, std::size_t maxBytes) const {
   Answer answer;
   std::array<char, 65536> block{};
-  while (answer.text.size() < most) {
+  while (answer.text.size() < maxBytes) {
     pollfd watched{socket_.get(), POLLIN, 0};
     if (::poll(&watched, 1, static_cast<int>(silence.count())) != 1) break;
     const ssize_t count = ::recv(socket_.get(), block.data(), block.size(), 0);

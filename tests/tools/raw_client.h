@@ -22,9 +22,9 @@ class RawClient {
     End end = End::StillOpen;
   };
 
-  // Reads until the connection ends, `most` bytes have arrived, or no byte arrives for `silence`.
+  // Reads until the connection ends, `maxBytes` bytes have arrived, or no byte arrives for `silence`.
   [[nodiscard]] Answer read(std::chrono::milliseconds silence = test_support::kPatience,
-                            std::size_t most = std::string::npos) const;
+                            std::size_t maxBytes = std::string::npos) const;
 
  private:
   test_support::FileDescriptor socket_;

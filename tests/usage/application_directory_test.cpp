@@ -86,7 +86,7 @@ TEST_F(ApplicationDirectory, ReadOnlyFileSystemReturnsNullopt) {
 TEST_F(ApplicationDirectory, UnwritableParentReturnsNullopt) {
   fs::remove(kFolder);
   const auto finished = test_support::runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     if (::access(kSupport, W_OK) == 0) return 100;
     return applicationDirectory() ? 1 : 0;
   });

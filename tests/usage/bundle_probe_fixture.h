@@ -32,25 +32,25 @@ class BundleProbe : public testing::Test {
     putInformation("<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
   }
   // Returns the first line that `program` prints.
-  static std::string told(const std::string& program) {
+  static std::string output(const std::string& program) {
     test_support::ChildProcess probe;
     if (!probe.start({program})) return "did not start";
-    return probe.readLine().value_or("told nothing");
+    return probe.readLine().value_or("no output");
   }
   // Starts the probe in the bundle, runs `change` and returns the line that the probe prints afterwards.
   template <typename Change>
-  [[nodiscard]] std::string toldAfter(Change change) const {
+  [[nodiscard]] std::string outputAfter(Change change) const {
     test_support::ChildProcess probe;
     test_support::ChildOptions options;
     options.input = test_support::Redirection::pipe();
     if (!probe.start({program_}, options) || !probe.readLine()) return "did not start";
     change();
-    return probe.writeLine("again") ? probe.readLine().value_or("told nothing") : "has ended";
+    return probe.writeLine("again") ? probe.readLine().value_or("no output") : "has ended";
   }
   // Returns the line that a copy of the probe outside a bundle prints.
-  [[nodiscard]] std::string toldOutside() const {
+  [[nodiscard]] std::string outputOutside() const {
     std::filesystem::copy_file(probe_, "/tmp/bundles/probe");
-    return told("/tmp/bundles/probe");
+    return output("/tmp/bundles/probe");
   }
 
   const std::string program_ = kBundle + "/Contents/MacOS/probe";

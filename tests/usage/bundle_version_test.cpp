@@ -20,62 +20,62 @@ class BundleVersion : public settings_test::BundleProbe {
 
 TEST_F(BundleVersion, IsThatOfOwnBundle) {
   putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
-  EXPECT_EQ(told(program_), "0 3.2.1");
+  EXPECT_EQ(output(program_), "0 3.2.1");
 }
 
 TEST_F(BundleVersion, IsReturnedVerbatim) {
   putEntries("<key>CFBundleVersion</key><string> 3.2 (\u00e4) %s </string>");
-  EXPECT_EQ(told(program_), "0  3.2 (\u00e4) %s ");
+  EXPECT_EQ(output(program_), "0  3.2 (\u00e4) %s ");
 }
 
 TEST_F(BundleVersion, MissingInfoPlistFails) {
-  EXPECT_EQ(told(program_), kUntouched);
+  EXPECT_EQ(output(program_), kUntouched);
 }
 
 TEST_F(BundleVersion, DamagedInfoPlistFails) {
   putInformation("<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>3.2.1");
-  EXPECT_EQ(told(program_), kUntouched);
+  EXPECT_EQ(output(program_), kUntouched);
 }
 
 TEST_F(BundleVersion, InfoPlistWithOtherRootThanDictionaryFails) {
   putInformation("<plist version=\"1.0\"><string>3.2.1</string></plist>");
-  EXPECT_EQ(told(program_), kUntouched);
+  EXPECT_EQ(output(program_), kUntouched);
 }
 
 TEST_F(BundleVersion, MissingKeyFails) {
   putEntries("<key>CFBundleShortVersionString</key><string>3.2.1</string>");
-  EXPECT_EQ(told(program_), kUntouched);
+  EXPECT_EQ(output(program_), kUntouched);
 }
 
 TEST_F(BundleVersion, ValueOfOtherTypeThanStringFails) {
   putEntries("<key>CFBundleVersion</key><real>3.2</real>");
-  EXPECT_EQ(told(program_), kUntouched);
+  EXPECT_EQ(output(program_), kUntouched);
 }
 
 TEST_F(BundleVersion, ProgramOutsideBundleFails) {
   putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
-  EXPECT_EQ(toldOutside(), kUntouched);
+  EXPECT_EQ(outputOutside(), kUntouched);
 }
 
 TEST_F(BundleVersion, IsFoundThroughLinkToProgram) {
   putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
   fs::create_symlink(program_, "/tmp/bundles/link");
-  EXPECT_EQ(told("/tmp/bundles/link"), "0 3.2.1");
+  EXPECT_EQ(output("/tmp/bundles/link"), "0 3.2.1");
 }
 
 TEST_F(BundleVersion, IsUnchangedAfterUpdateOfBundle) {
   putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
-  EXPECT_EQ(toldAfter([] { putEntries("<key>CFBundleVersion</key><string>4.0.0</string>"); }), "0 3.2.1");
+  EXPECT_EQ(outputAfter([] { putEntries("<key>CFBundleVersion</key><string>4.0.0</string>"); }), "0 3.2.1");
 }
 
 TEST_F(BundleVersion, IsUnchangedAfterRemovalOfBundle) {
   putEntries("<key>CFBundleVersion</key><string>3.2.1</string>");
-  EXPECT_EQ(toldAfter([] { fs::remove_all(settings_test::kBundle); }), "0 3.2.1");
+  EXPECT_EQ(outputAfter([] { fs::remove_all(settings_test::kBundle); }), "0 3.2.1");
 }
 
 TEST_F(BundleVersion, FailurePersistsAfterRepairOfInfoPlist) {
   putInformation("damaged");
-  EXPECT_EQ(toldAfter([] { putEntries("<key>CFBundleVersion</key><string>4.0.0</string>"); }), kUntouched);
+  EXPECT_EQ(outputAfter([] { putEntries("<key>CFBundleVersion</key><string>4.0.0</string>"); }), kUntouched);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ std::function<int(int, struct stat*)> insteadOfFstat;
 std::function<int(const char*, struct stat*)> insteadOfLstat;
 bool memoryIsShort = false;
 
-void mend() {
+void restore() {
   insteadOfRead = nullptr;
   insteadOfOpen = nullptr;
   insteadOfMkdir = nullptr;

@@ -22,6 +22,6 @@ extern std::function<int(const char* path, struct stat* status)> insteadOfLstat;
 extern bool memoryIsShort;
 
 // Restores all functions.
-void mend();
+void restore();
 
 }  // namespace failing_parts

@@ -186,7 +186,7 @@ TEST_F(InstallationIdentity, LeaksNoDescriptor) {
 // output.
 test_support::Finished fillAsNobody() {
   return test_support::runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     if (::access(kFile, R_OK | W_OK) == 0 || ::access(kFolder, W_OK) == 0) return 1;
     std::array<char, 50> buffer{};
     buffer.fill('#');

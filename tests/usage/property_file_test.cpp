@@ -173,7 +173,7 @@ TEST_F(PropertyFile, UnreadableFileFailsOpen) {
   putDictionary("<key>Autorun</key><true/>");
   fs::permissions(file_, fs::perms(0));
   const auto finished = test_support::runForked([this] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     if (::access(file_.c_str(), R_OK) == 0) return 100;
     return get("Autorun") == kUnreadable ? 0 : 1;
   });

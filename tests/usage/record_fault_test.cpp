@@ -62,7 +62,7 @@ TEST_F(Records, AcceptPathBeyond128Bytes) {
 
 TEST_F(Records, UnwritableFolderDropsRecord) {
   const auto finished = test_support::runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     if (::access(kFolder, W_OK) == 0) return 100;
     TvlWriteQuitToFile();
     return 0;

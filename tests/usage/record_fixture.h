@@ -82,7 +82,7 @@ inline void setUpRecords() {
   record_parts::bundleVersion = "1.4.2";
 }
 
-class Records : public testing::Test, protected HeardLog {
+class Records : public testing::Test, protected RecordedLog {
  protected:
   void SetUp() override {
     setUpRecords();

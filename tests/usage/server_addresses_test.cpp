@@ -26,44 +26,44 @@ class ServerAddresses : public settings_test::BundleProbe {
 TEST_F(ServerAddresses, AreThoseOfBundle) {
   putEntries(entry("TovalinProductServer", "http://127.0.0.1:8090") +
              entry("TovalinTestUploadServer", "http://127.0.0.1:8091"));
-  EXPECT_EQ(told(program_), "http://127.0.0.1:8090 http://127.0.0.1:8091");
+  EXPECT_EQ(output(program_), "http://127.0.0.1:8090 http://127.0.0.1:8091");
 }
 
 TEST_F(ServerAddresses, EachIsReadIndependently) {
   putEntries(entry("TovalinProductServer", "http://127.0.0.1:8090"));
-  EXPECT_EQ(told(program_), "http://127.0.0.1:8090 " + kBuiltInUpload);
+  EXPECT_EQ(output(program_), "http://127.0.0.1:8090 " + kBuiltInUpload);
   putEntries(entry("TovalinTestUploadServer", "http://127.0.0.1:8091"));
-  EXPECT_EQ(told(program_), kBuiltInProduct + " http://127.0.0.1:8091");
+  EXPECT_EQ(output(program_), kBuiltInProduct + " http://127.0.0.1:8091");
 }
 
 TEST_F(ServerAddresses, TrailingSlashesAreRemoved) {
   putEntries(entry("TovalinProductServer", "http://127.0.0.1:8090/") +
              entry("TovalinTestUploadServer", "http://127.0.0.1:8091//"));
-  EXPECT_EQ(told(program_), "http://127.0.0.1:8090 http://127.0.0.1:8091");
+  EXPECT_EQ(output(program_), "http://127.0.0.1:8090 http://127.0.0.1:8091");
 }
 
 TEST_F(ServerAddresses, EmptyOrSlashesAloneSelectBuiltIn) {
   putEntries(entry("TovalinProductServer", "") + entry("TovalinTestUploadServer", "/"));
-  EXPECT_EQ(told(program_), kBuiltIn);
+  EXPECT_EQ(output(program_), kBuiltIn);
 }
 
 TEST_F(ServerAddresses, OtherTypeThanStringSelectsBuiltIn) {
   putEntries("<key>TovalinProductServer</key><true/><key>TovalinTestUploadServer</key><array/>");
-  EXPECT_EQ(told(program_), kBuiltIn);
+  EXPECT_EQ(output(program_), kBuiltIn);
 }
 
 TEST_F(ServerAddresses, MissingKeysSelectBuiltIn) {
   putEntries(entry("CFBundleVersion", "1.0"));
-  EXPECT_EQ(told(program_), kBuiltIn);
+  EXPECT_EQ(output(program_), kBuiltIn);
 }
 
 TEST_F(ServerAddresses, MissingInfoPlistSelectsBuiltIn) {
-  EXPECT_EQ(told(program_), kBuiltIn);
+  EXPECT_EQ(output(program_), kBuiltIn);
 }
 
 TEST_F(ServerAddresses, DamagedInfoPlistSelectsBuiltIn) {
   putInformation("<plist version=\"1.0\"><dict><key>TovalinProductServer</key><string>http://127.0.0.1");
-  EXPECT_EQ(told(program_), kBuiltIn);
+  EXPECT_EQ(output(program_), kBuiltIn);
 }
 
 TEST_F(ServerAddresses, AreUnchangedAfterUpdateOrRemovalOfBundle) {
@@ -71,13 +71,13 @@ TEST_F(ServerAddresses, AreUnchangedAfterUpdateOrRemovalOfBundle) {
   const auto remove = [] { std::filesystem::remove_all(settings_test::kBundle + "/Contents/Info.plist"); };
   for (const std::function<void()>& change : {std::function<void()>(update), std::function<void()>(remove)}) {
     putEntries(entry("TovalinProductServer", "http://127.0.0.1:8090"));
-    EXPECT_EQ(toldAfter(change), "http://127.0.0.1:8090 " + kBuiltInUpload);
+    EXPECT_EQ(outputAfter(change), "http://127.0.0.1:8090 " + kBuiltInUpload);
   }
 }
 
 TEST_F(ServerAddresses, OutsideBundleAreBuiltIn) {
   putEntries(entry("TovalinProductServer", "http://127.0.0.1:8090"));
-  EXPECT_EQ(toldOutside(), kBuiltIn);
+  EXPECT_EQ(outputOutside(), kBuiltIn);
 }
 
 }  // namespace

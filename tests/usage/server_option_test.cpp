@@ -109,7 +109,7 @@ TEST_F(ServerOption, LeaksNoDescriptor) {
 // permissions have no effect.
 test_support::Finished getOptionAsNobody() {
   return test_support::runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     if (::access(kFile, W_OK) == 0 || ::access(kFolder, W_OK) == 0) return 100;
     return GetTovalinServerOption();
   });

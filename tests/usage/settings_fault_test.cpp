@@ -28,7 +28,7 @@ constexpr const char* kStored = "00112233-4455-6677-8899-AABBCCDDEEFF";
 class SettingsFault : public Settings {
  protected:
   void TearDown() override {
-    failing_parts::mend();
+    failing_parts::restore();
     Settings::TearDown();
   }
 };
@@ -42,7 +42,7 @@ std::string fill(std::string& errors) {
   std::array<char, 50> buffer;
   buffer.fill('#');
   errors = errorsOf([&] { GetTovalinUUID(buffer); });
-  failing_parts::mend();
+  failing_parts::restore();
   return {buffer.data(), buffer.size()};
 }
 
@@ -50,7 +50,7 @@ std::string fill(std::string& errors) {
 int option(std::string& errors) {
   int value = -1;
   errors = errorsOf([&] { value = GetTovalinServerOption(); });
-  failing_parts::mend();
+  failing_parts::restore();
   return value;
 }
 

@@ -50,7 +50,7 @@ inline void removeUserFiles() {
 }
 
 // Receives the syslog messages of the process.
-class HeardLog {
+class RecordedLog {
  public:
   static auto error(const std::string& text) {
     using test_support::SyslogMessage;
@@ -67,7 +67,7 @@ class Settings : public testing::Test {
   void TearDown() override { removeUserFiles(); }
 };
 
-class LoggedSettings : public testing::Test, protected HeardLog {
+class LoggedSettings : public testing::Test, protected RecordedLog {
  protected:
   void SetUp() override {
     makeUserFiles();

@@ -17,19 +17,19 @@ using Reply = ProductServerDouble::Reply;
 inline constexpr const char* kYesterday = "Tovalin_2024_03_06.dat";
 inline constexpr const char* kTodaysName = "Tovalin_2024_03_07.dat";
 // An origin that refuses connections (nothing listens on port 1).
-inline constexpr const char* kNobody = "http://127.0.0.1:1";
+inline constexpr const char* kClosedServer = "http://127.0.0.1:1";
 
 inline std::string inFolder(const std::string& name) {
   return std::string(kFolder) + "/" + name;
 }
 
 // Runs upload passes on 7 March 2024 with a server of its own.
-class UploadPass : public testing::Test, protected HeardLog {
+class UploadPass : public testing::Test, protected RecordedLog {
  protected:
   void SetUp() override {
     setUpRecords();
     ASSERT_TRUE(log_.valid());
-    record_parts::setServers(server_.origin(), kNobody);
+    record_parts::setServers(server_.origin(), kClosedServer);
     delegate_.dataUploadURL = 1;
   }
   void TearDown() override { removeUserFiles(); }

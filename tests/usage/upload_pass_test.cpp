@@ -85,7 +85,7 @@ TEST_F(UploadPass, FileThatGrewDuringUploadIsKept) {
 }
 
 TEST_F(UploadPass, RefusedConnectionKeepsFiles) {
-  record_parts::setServers(kNobody, kNobody);
+  record_parts::setServers(kClosedServer, kClosedServer);
   pass({"a.dat", "b.dat"});
   EXPECT_THAT(left(), UnorderedElementsAre("a.dat", "b.dat"));
 }
@@ -93,7 +93,7 @@ TEST_F(UploadPass, RefusedConnectionKeepsFiles) {
 TEST_F(UploadPass, OptionOtherThanOneSelectsTestUploadServer) {
   for (const int option : {0, 2, -1}) {
     delegate_.dataUploadURL = option;
-    record_parts::setServers(kNobody, server_.origin());
+    record_parts::setServers(kClosedServer, server_.origin());
     pass({kYesterday});
     EXPECT_THAT(left(), IsEmpty()) << option;
   }
@@ -101,7 +101,7 @@ TEST_F(UploadPass, OptionOtherThanOneSelectsTestUploadServer) {
 }
 
 TEST_F(UploadPass, HttpsOriginIsSentOverHttp) {
-  record_parts::setServers("https" + server_.origin().substr(4), kNobody);
+  record_parts::setServers("https" + server_.origin().substr(4), kClosedServer);
   pass({kYesterday});
   EXPECT_THAT(left(), IsEmpty());
 }
@@ -180,7 +180,7 @@ TEST_F(UploadPass, UnreadableFileIsKeptAndNotSent) {
   fs::permissions(inFolder(kYesterday), fs::perms::none);
   fs::permissions(kFolder, fs::perms::all);
   const auto finished = test_support::runForked([this] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     if (::access(inFolder(kYesterday).c_str(), R_OK) == 0) return 100;
     return delegate_.TvlDataFileCheck() ? 0 : 1;
   });
@@ -205,7 +205,8 @@ TEST_F(UploadPass, TenThousandFilesAreSentWithoutLeak) {
   ASSERT_TRUE(
       server.start({TOVALIN_PRODUCTSERVER, "--port", "0", "--port-file", "/tmp/port", "/tmp/served"}, quiet));
   ASSERT_TRUE(test_support::waitUntil([] { return fs::exists("/tmp/port"); }));
-  record_parts::setServers("http://127.0.0.1:" + std::to_string(std::stoi(contentsOf("/tmp/port"))), kNobody);
+  record_parts::setServers("http://127.0.0.1:" + std::to_string(std::stoi(contentsOf("/tmp/port"))),
+                           kClosedServer);
   const auto passOver = [this](int files) {
     for (int i = 0; i < files; ++i) write(inFolder(std::to_string(i) + ".dat"), std::string(64, 'b'));
     errorsOf([this] { delegate_.TvlDataFileCheck(); });

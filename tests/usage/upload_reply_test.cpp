@@ -49,7 +49,7 @@ class Faults : public UploadPass, public testing::WithParamInterface<Fault> {};
 
 TEST_P(Faults, KeepFile) {
   const RawHttpServer server(GetParam().script);
-  record_parts::setServers(server.url(""), kNobody);
+  record_parts::setServers(server.url(""), kClosedServer);
   EXPECT_THAT(pass({kYesterday}), testing::EndsWith("] (null)\n"));
   EXPECT_THAT(left(), ElementsAre(kYesterday));
   EXPECT_EQ(server.connections(), 1u);
@@ -92,7 +92,7 @@ TEST_F(UploadPass, RedirectToOtherSchemeIsNotFollowed) {
   const RawHttpServer secure([](RawConnection& connection) { static_cast<void>(connection.waitForEnd()); });
   const RawHttpServer server(RawHttpServer::answer(
       "HTTP/1.1 307 Elsewhere\r\nLocation: " + secure.url("/", "https") + "\r\nContent-Length: 0\r\n\r\n"));
-  record_parts::setServers(server.url(""), kNobody);
+  record_parts::setServers(server.url(""), kClosedServer);
   pass({kYesterday});
   EXPECT_THAT(left(), ElementsAre(kYesterday));
   EXPECT_EQ(secure.connections(), 0u);
@@ -111,13 +111,13 @@ RawHttpServer::Script redirectEarly(const std::string& place) {
 TEST_F(UploadPass, EarlyRedirectKeepsFileUntilTargetAcceptsIt) {
   write(inFolder(kYesterday), std::string(std::size_t{40} << 20, 'b'));
   const RawHttpServer astray(redirectEarly("http://127.0.0.1:1/"));
-  record_parts::setServers(astray.url(""), kNobody);
+  record_parts::setServers(astray.url(""), kClosedServer);
   EXPECT_THAT(pass({}), testing::EndsWith("] (null)\n"));
   EXPECT_THAT(left(), ElementsAre(kYesterday));
 
   const RawHttpServer target(RawHttpServer::answer(test_support::httpReply("taken")));
   const RawHttpServer server(redirectEarly(target.url()));
-  record_parts::setServers(server.url(""), kNobody);
+  record_parts::setServers(server.url(""), kClosedServer);
   EXPECT_THAT(pass({}), testing::EndsWith("] taken\n"));
   EXPECT_TRUE(left().empty());
 }
@@ -136,7 +136,7 @@ TEST_F(UploadPass, ReplyOfUnknownContentCodingIsAccepted) {
   for (const char* coding : {"utf-8", "text", "8bit", "gzip"}) {
     const RawHttpServer server(
         RawHttpServer::answer(test_support::httpReply("OK", "Content-Encoding: "s + coding + "\r\n")));
-    record_parts::setServers(server.url(""), kNobody);
+    record_parts::setServers(server.url(""), kClosedServer);
     EXPECT_THAT(pass({kYesterday}), testing::EndsWith("] OK\n")) << coding;
     EXPECT_TRUE(left().empty()) << coding;
   }

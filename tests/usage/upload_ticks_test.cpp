@@ -69,10 +69,10 @@ TEST_F(UploadTicks, MissedMinuteIsRetriedNextHour) {
 
 TEST_F(UploadTicks, FailedPassIsNotRepeatedBeforeNextDay) {
   launchAt("2024-03-06 23:59:30");
-  record_parts::setServers(kNobody, kNobody);
+  record_parts::setServers(kClosedServer, kClosedServer);
   tickAt("2024-03-07 00:00:00");
   EXPECT_FALSE(delegate_.bTvlDataUpload);
-  record_parts::setServers(server_.origin(), kNobody);
+  record_parts::setServers(server_.origin(), kClosedServer);
   tickAt("2024-03-07 01:00:00");
   EXPECT_THAT(server_.requests(), IsEmpty());
   tickAt("2024-03-08 00:00:00");

@@ -60,7 +60,7 @@ TEST_F(BeaconPage, LaunchIsCountedIfAgentIsKilledBeforeServerReplies) {
 TEST_F(BeaconPage, ClickAfterBundleRemovalIsCountedAtOriginalServer) {
   launchAgentInPanel();
   ASSERT_TRUE(isCounted("?category=applaunch&applaunch=version1.0.0"));
-  setServers(kNobody);
+  setServers(kClosedServer);
   ASSERT_TRUE(waitForText("log 6: filestreamcallback event flag : 0"));
   endWebView();
   std::filesystem::remove_all(bundle_);

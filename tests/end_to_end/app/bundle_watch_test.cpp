@@ -27,7 +27,7 @@ class BundleWatchTest : public NoticeTest {
   }
 
   // Returns what the agent does at its end, without the logged changes of folders.
-  std::vector<std::string> textsOfTheEnd() {
+  std::vector<std::string> textsOfEnd() {
     EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0}) << agent_.takeErrorOutput();
     std::vector<std::string> all = texts();
     std::erase(all, changeLogged);
@@ -35,7 +35,7 @@ class BundleWatchTest : public NoticeTest {
   }
 
   // Changes a file in the bundle: the agent logs the change and stops the watch.
-  void useUpTheWatch() {
+  void endWatch() {
     std::ofstream(bundle_ + "/Contents/new file") << "text";
     ASSERT_TRUE(waitForText(changeLogged));
   }
@@ -52,19 +52,19 @@ class BundleWatchTest : public NoticeTest {
 TEST_F(BundleWatchTest, RenamedBundleEndsAgent) {
   launch();
   fs::rename(bundle_, bundle_ + " old");
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
 TEST_F(BundleWatchTest, BundleMovedToAnotherFolderEndsAgent) {
   launch();
   fs::rename(bundle_, "/tmp/Folder/Tovalin.app");
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
 TEST_F(BundleWatchTest, RemovedBundleEndsAgent) {
   launch();
   removeAtOnce(bundle_);
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
   EXPECT_GT(count(changeLogged), 0);
 }
 
@@ -73,7 +73,7 @@ TEST_F(BundleWatchTest, RemovedBundleWithOpenFileEndsAgent) {
   const std::ifstream held(bundle_ + "/Contents/Info.plist");
   const test_support::FileDescriptor folder(::open(bundle_.c_str(), O_RDONLY | O_CLOEXEC));
   removeAtOnce(bundle_);
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
 TEST_F(BundleWatchTest, MovedParentFolderEndsAgent) {
@@ -82,24 +82,24 @@ TEST_F(BundleWatchTest, MovedParentFolderEndsAgent) {
     install("/tmp/Folder/Applications/Tovalin.app");
     launch();
     fs::rename(from, to);
-    EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun)) << from;
+    EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun)) << from;
   }
 }
 
 TEST_F(BundleWatchTest, RemovedParentFolderEndsAgent) {
   launch();
   removeAtOnce("/tmp/Folder");
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
 TEST_F(BundleWatchTest, ReplacedBundleEndsAgent) {
   launch();
   fs::copy(bundle_, "/tmp/Folder/New.app", fs::copy_options::recursive);
-  whileAgentStandsStill([&] {
+  whileAgentIsStopped([&] {
     fs::remove_all(bundle_);
     fs::rename("/tmp/Folder/New.app", bundle_);
   });
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
 TEST_F(BundleWatchTest, AgentEndsAfterHalfASecond) {
@@ -119,24 +119,24 @@ TEST_F(BundleWatchTest, EachLossOfBundleEndsAgentWithinTwoSeconds) {
     };
   };
   const auto plainly = [this] { launch(); };
-  EXPECT_LT(timeToEnd(plainly, renamesTo(bundle_, bundle_ + " old")), longestEnd);
-  EXPECT_LT(timeToEnd(plainly, renamesTo("/tmp/Folder/Applications", "/tmp/Folder/Programs")), longestEnd);
-  EXPECT_LT(timeToEnd(plainly, [this] { removeAtOnce(bundle_); }), longestEnd);
+  EXPECT_LT(timeToEnd(plainly, renamesTo(bundle_, bundle_ + " old")), maxTimeToEnd);
+  EXPECT_LT(timeToEnd(plainly, renamesTo("/tmp/Folder/Applications", "/tmp/Folder/Programs")), maxTimeToEnd);
+  EXPECT_LT(timeToEnd(plainly, [this] { removeAtOnce(bundle_); }), maxTimeToEnd);
   const auto withBothNotices = [this] {
     launch();
     send("-non");
     send("-neon");
     ASSERT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
   };
-  EXPECT_LT(timeToEnd(withBothNotices, renamesTo(bundle_, bundle_ + " old")), longestEnd);
-  EXPECT_LT(timeToEnd(withBothNotices, [this] { removeAtOnce(bundle_); }), longestEnd);
+  EXPECT_LT(timeToEnd(withBothNotices, renamesTo(bundle_, bundle_ + " old")), maxTimeToEnd);
+  EXPECT_LT(timeToEnd(withBothNotices, [this] { removeAtOnce(bundle_); }), maxTimeToEnd);
 }
 
 TEST_F(BundleWatchTest, FailingUnloadStillEndsAgent) {
   launch();
   timeline_.setStatus("launchctl", 1);
   fs::rename(bundle_, bundle_ + " old");
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
 }
 
 TEST_F(BundleWatchTest, RemovalEndsAgentFromTwoNestedNotices) {
@@ -146,7 +146,7 @@ TEST_F(BundleWatchTest, RemovalEndsAgentFromTwoNestedNotices) {
   ASSERT_TRUE(shows(isAccessNotice) && shows(isLoadingNotice));
   timeline_.clear();
   removeAtOnce(bundle_);
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre(rootChangeLogged, unloadRun, killRun));
   EXPECT_TRUE(hides(isAccessNotice));
   EXPECT_EQ(recordsLike(quitRecord), 1);
 }
@@ -159,13 +159,13 @@ TEST_F(BundleWatchTest, RemovalDuringPauseOfSwitchIsHandledAfterIt) {
   ASSERT_TRUE(host_.click("Automount Off"));
   ASSERT_TRUE(waitForText("pipe: -u"));
   fs::rename(bundle_, bundle_ + " old");
-  EXPECT_THAT(textsOfTheEnd(), ElementsAre("pipe: -u", rootChangeLogged, unloadRun, killRun));
+  EXPECT_THAT(textsOfEnd(), ElementsAre("pipe: -u", rootChangeLogged, unloadRun, killRun));
   EXPECT_GE(timeline_.waitFor(rootChangeLogged)->time - begin, std::chrono::milliseconds(1990));
 }
 
 TEST_F(BundleWatchTest, ChangeInsideIsLoggedAndEndsWatch) {
   launch();
-  useUpTheWatch();
+  endWatch();
   fs::remove_all(bundle_);
   expectUnnoticed();
 }
@@ -220,7 +220,7 @@ TEST_F(BundleWatchTest, StoppedWatchReleasesInotifyInstances) {
     return number;
   };
   const int before = queues();
-  useUpTheWatch();
+  endWatch();
   EXPECT_EQ(queues(), before - 2);
 }
 

@@ -234,8 +234,8 @@ TEST_F(Launch, UnresponsiveServerDelaysLaunchByThreeSeconds) {
       [](test_support::RawConnection& connection) { static_cast<void>(connection.waitForEnd()); });
   setServers(server.url(""));
   launchAgent();
-  const auto told = [&](const char* text) { return timeline_.waitFor(text)->time; };
-  const auto waited = told("pipe: -ton") - told("log 3: Dark Mode");
+  const auto timeOf = [&](const char* text) { return timeline_.waitFor(text)->time; };
+  const auto waited = timeOf("pipe: -ton") - timeOf("log 3: Dark Mode");
   EXPECT_GE(waited, std::chrono::milliseconds(2900));
   EXPECT_LT(waited, std::chrono::seconds(8));
 }

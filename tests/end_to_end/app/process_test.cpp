@@ -148,11 +148,11 @@ TEST_F(Process, SecondStartWithOtherRuntimeFolderFindsFirstOnBus) {
 // Another program on the bus may own the agent's name.
 TEST_F(Process, BusNameOwnedByOtherProgramIsReportedAndExitsWithZero) {
   install("/tmp/Applications/Tovalin.app");
-  test_support::LineProgram stranger;
-  ASSERT_TRUE(stranger.start({TOVALIN_NAME_OWNER, "com.kesmoor.tovalintrayagent"},
-                             {.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}}));
+  test_support::LineProgram otherProgram;
+  ASSERT_TRUE(otherProgram.start({TOVALIN_NAME_OWNER, "com.kesmoor.tovalintrayagent"},
+                                 {.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}}));
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
-  const std::string report = "not started: process " + std::to_string(stranger.process().pid()) +
+  const std::string report = "not started: process " + std::to_string(otherProgram.process().pid()) +
                              " (name_owner) owns the name com.kesmoor.tovalintrayagent on the session bus";
   const std::string noAgent = "that process cannot open the menu: it is not the tray agent";
   EXPECT_THAT(another_.takeErrorOutput(),
@@ -167,11 +167,11 @@ TEST_F(Process, LockAndBusNameHeldByOtherProgramsReportsNameOwner) {
   install("/tmp/Applications/Tovalin.app");
   const test_support::FileDescriptor lock = lockOfTheAgent();
   ASSERT_EQ(::flock(lock.get(), LOCK_EX | LOCK_NB), 0);
-  test_support::LineProgram stranger;
-  ASSERT_TRUE(stranger.start({TOVALIN_NAME_OWNER, "com.kesmoor.tovalintrayagent"},
-                             {.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}}));
+  test_support::LineProgram otherProgram;
+  ASSERT_TRUE(otherProgram.start({TOVALIN_NAME_OWNER, "com.kesmoor.tovalintrayagent"},
+                                 {.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}}));
   EXPECT_EQ(startAnother(), ExitStatus{.code = 0});
-  EXPECT_EQ(count("log 3: not started: process " + std::to_string(stranger.process().pid()) +
+  EXPECT_EQ(count("log 3: not started: process " + std::to_string(otherProgram.process().pid()) +
                   " (name_owner) owns the name com.kesmoor.tovalintrayagent on the session bus"),
             1);
   EXPECT_EQ(count("log 3: that process cannot open the menu: it is not the tray agent"), 1);

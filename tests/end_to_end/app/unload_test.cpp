@@ -34,9 +34,9 @@ class UnloadTest : public NoticeTest {
 
   // Runs a session until launchctl was not cut off before systemctl ended: it waits one second for it, which
   // a busy machine may exceed.
-  void leadALife(const std::function<void()>& life) {
+  void runSession(const std::function<void()>& session) {
     for (int i = 0; i < 5; ++i) {
-      ASSERT_NO_FATAL_FAILURE(life());
+      ASSERT_NO_FATAL_FAILURE(session());
       if (fs::exists(signalled_)) return;
       agent_.kill();
       ASSERT_TRUE(agent_.wait());
@@ -101,7 +101,7 @@ class UnloadTest : public NoticeTest {
 };
 
 TEST_F(UnloadTest, LossOfBundleEndsAgentOnce) {
-  ASSERT_NO_FATAL_FAILURE(leadALife([this] {
+  ASSERT_NO_FATAL_FAILURE(runSession([this] {
     launchInSession();
     fs::rename(bundle_, bundle_ + " old");
     static_cast<void>(endOfAgent());
@@ -111,7 +111,7 @@ TEST_F(UnloadTest, LossOfBundleEndsAgentOnce) {
 }
 
 TEST_F(UnloadTest, QuitEndsAgentOnce) {
-  ASSERT_NO_FATAL_FAILURE(leadALife([this] {
+  ASSERT_NO_FATAL_FAILURE(runSession([this] {
     launchInSession();
     ASSERT_TRUE(host_.click("Quit Tovalin"));
     static_cast<void>(endOfAgent());
@@ -122,7 +122,7 @@ TEST_F(UnloadTest, QuitEndsAgentOnce) {
 }
 
 TEST_F(UnloadTest, UnwantedLaunchCompletesAndEndsAgentOnce) {
-  ASSERT_NO_FATAL_FAILURE(leadALife([this] {
+  ASSERT_NO_FATAL_FAILURE(runSession([this] {
     writeProperties({.autorun = false});
     startInSession();
     ASSERT_TRUE(waitForText("pipe: -ton"));

@@ -62,7 +62,8 @@ TEST_F(UpdateCheck, RequestBypassesCaches) {
 }
 
 TEST_F(UpdateCheck, UnreachableServerDelaysLaunchLessThanTwoSeconds) {
-  for (const char* server : {"http://192.0.2.1", "http://[2001:db8::1]", "http://nobody.example", kNobody}) {
+  for (const char* server :
+       {"http://192.0.2.1", "http://[2001:db8::1]", "http://nobody.example", kClosedServer}) {
     setServers(server);
     auto shortest = std::chrono::steady_clock::duration::max();
     // Up to five launches, because a busy machine may delay one.

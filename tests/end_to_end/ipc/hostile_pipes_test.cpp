@@ -30,7 +30,7 @@ TEST_F(HostilePipes, CommandPipeLinkedToFileOverwritesFirstBytes) {
   fs::create_symlink(planted, commandPipe);
   startAndListen();
   EXPECT_EQ(contentsOf(planted), "-ton456789");
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   EXPECT_EQ(contentsOf(planted), "-toff56789");
 }
 
@@ -38,7 +38,7 @@ TEST_F(HostilePipes, CommandPipeLinkedToMissingFileCreatesNothing) {
   fs::create_symlink(planted, commandPipe);
   startAndListen();
   EXPECT_TRUE(waitForText("log 3: open pipe failed. errno : 2"));
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   EXPECT_FALSE(fs::exists(planted));
 }
 
@@ -47,7 +47,7 @@ TEST_F(HostilePipes, CommandPipeLinkedToFolderLeavesFolderUnchanged) {
   fs::create_symlink(planted, commandPipe);
   startAndListen();
   EXPECT_TRUE(waitForText("log 3: open pipe failed. errno : 21"));
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   EXPECT_TRUE(fs::is_empty(planted));
 }
 
@@ -55,14 +55,14 @@ TEST_F(HostilePipes, CommandPipeLinkedToDeviceAcceptsMessage) {
   fs::create_symlink("/dev/null", commandPipe);
   startAndListen();
   EXPECT_EQ(count("log 3: open pipe failed"), 0);
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
 }
 
 TEST_F(HostilePipes, CommandPipeLinkedToFullDeviceIsWriteError) {
   fs::create_symlink("/dev/full", commandPipe);
   startAndListen();
   EXPECT_TRUE(waitForText("log 3: write error. errno : 28"));
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
 }
 
 TEST_F(HostilePipes, CommandPipeReplacedBySocketIsLoggedAndLeftAlone) {
@@ -72,7 +72,7 @@ TEST_F(HostilePipes, CommandPipeReplacedBySocketIsLoggedAndLeftAlone) {
   const mode_t mode = modeOf(commandPipe);
   startAndListen();
   EXPECT_EQ(count("log 3: open pipe failed. errno : 6"), 1);
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   EXPECT_TRUE(fs::is_socket(commandPipe));
   EXPECT_EQ(modeOf(commandPipe), mode);
 }
@@ -86,7 +86,7 @@ TEST_F(HostilePipes, CommandPipeOnFullDiskIsWriteError) {
   fs::create_symlink(file, commandPipe);
   startAndListen();
   EXPECT_TRUE(waitForText("log 3: write error. errno : 28"));
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   EXPECT_EQ(contentsOf(file), "");
   EXPECT_EQ(::umount(planted), 0);
 }
@@ -101,7 +101,7 @@ TEST_F(HostilePipes, CommandPipeWithoutActiveReaderLosesOnlyMessages) {
   timeline_.clear();
   ASSERT_TRUE(host_.click("Automount Off"));
   EXPECT_TRUE(waitForText("log 3: write error. errno : 11"));
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
 }
 
 TEST_F(HostilePipes, NotificationPipeLinkedToFileIsReadMadeAccessibleAndUnlinked) {
@@ -111,7 +111,7 @@ TEST_F(HostilePipes, NotificationPipeLinkedToFileIsReadMadeAccessibleAndUnlinked
   start();
   EXPECT_TRUE(shows(isAccessNotice));
   EXPECT_EQ(modeOf(planted), 0666u);
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_FALSE(fs::is_symlink(pipePath));
   EXPECT_EQ(contentsOf(planted), "-non");
 }
@@ -123,7 +123,7 @@ TEST_F(HostilePipes, NotificationPipeLinkedToMissingFileIsLoggedAndCreatesNothin
   EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 2"));
   EXPECT_TRUE(waitUntil([] { return !fs::is_symlink(pipePath); }));
   EXPECT_FALSE(fs::exists(planted));
-  expectAProperEnd();
+  expectProperEnd();
 }
 
 TEST_F(HostilePipes, NotificationPipeLinkedToFolderKeepsItsContents) {
@@ -132,7 +132,7 @@ TEST_F(HostilePipes, NotificationPipeLinkedToFolderKeepsItsContents) {
   fs::create_symlink(planted, pipePath);
   start();
   EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_EQ(contentsOf(std::string(planted) + "/file"), "-non");
   EXPECT_EQ(modeOf(std::string(planted) + "/file"), 0644u);
   EXPECT_EQ(modeOf(planted), 0666u);
@@ -145,7 +145,7 @@ TEST_F(HostilePipes, NotificationPipeReplacedByFileIsReadAndDeletedByQuit) {
   EXPECT_TRUE(shows(isAccessNotice));
   EXPECT_EQ(modeOf(pipePath), 0666u);
   EXPECT_EQ(contentsOf(pipePath), "-non");
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_FALSE(fs::exists(pipePath));
 }
 
@@ -154,7 +154,7 @@ TEST_F(HostilePipes, NotificationPipeReplacedByEmptyFolderIsRemovedByQuit) {
   start();
   EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
   EXPECT_EQ(modeOf(pipePath), 0666u);
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_FALSE(fs::exists(pipePath));
 }
 
@@ -164,7 +164,7 @@ TEST_F(HostilePipes, NotificationPipeReplacedByNonEmptyFolderStaysInaccessible) 
   std::ofstream(file) << "-non";
   start();
   EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_EQ(modeOf(pipePath), 0666u);
   EXPECT_EQ(contentsOf(file), "-non");
 }
@@ -175,7 +175,7 @@ TEST_F(HostilePipes, NotificationPipeReplacedBySocketIsLoggedAndRemovedAtOnce) {
   start();
   EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 6"));
   EXPECT_TRUE(waitUntil([] { return !fs::exists(pipePath); }));
-  expectAProperEnd();
+  expectProperEnd();
 }
 
 // Every read of these devices succeeds at once.
@@ -190,7 +190,7 @@ TEST_F(HostilePipes, NotificationPipeLinkedToEndlessDeviceIsReadAtLimitedRate) {
     ASSERT_TRUE(waitUntil([&] { return count("log 6: read_pipe read pipe message : ") >= 10; }));
     // Ten reads take ten timeouts of 30 ms.
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 250ms) << device;
-    expectAProperEnd();
+    expectProperEnd();
     host_.clearEvents();
   }
 }
@@ -208,7 +208,7 @@ TEST_F(HostilePipes, NotificationPipeLinkedToTerminalBecomesNoControllingTermina
   ASSERT_EQ(::write(otherEnd.get(), "-non\x04", 5), 5);
   EXPECT_TRUE(shows(isAccessNotice));
   otherEnd.reset();
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_EQ(::umount2("/dev/pts", MNT_DETACH), 0);
 }
 
@@ -223,7 +223,7 @@ TEST_F(HostilePipes, NotificationPipeReplacedDuringRunIsLeftAloneUntilEnd) {
   ASSERT_TRUE(host_.waitForEvent("clicked"));
   EXPECT_EQ(count("log 6: read_pipe"), 0);
   EXPECT_EQ(modeOf(pipePath), 0600u);
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_FALSE(fs::exists(pipePath));
 }
 
@@ -244,7 +244,7 @@ TEST_F(HostilePipes, FullFileSystemIsReportedAndMenuWorks) {
   ASSERT_TRUE(host_.click("Automount Off"));
   EXPECT_TRUE(host_.waitForEvent("clicked"));
   ASSERT_TRUE(limitFiles(0));
-  expectAProperEnd();
+  expectProperEnd();
   EXPECT_EQ(recordsLike(quitRecord), 2);
 }
 

@@ -195,11 +195,11 @@ TEST_F(Notice, ListenerIsIdleAfterLastWriterCloses) {
   EXPECT_FALSE(timeline_.waitFor("log", std::chrono::milliseconds(1000)));
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   // The listener has more of them than the other threads of an idle agent.
-  long most = 0;
-  for (const auto& [thread, count] : waits()) most = std::max(most, count - before[thread]);
-  const double aSecond = static_cast<double>(most) / seconds.count();
-  EXPECT_LE(aSecond, 40);
-  EXPECT_GE(aSecond, 5) << "the listener does not wait in steps of 30 ms";
+  long max = 0;
+  for (const auto& [thread, count] : waits()) max = std::max(max, count - before[thread]);
+  const double perSecond = static_cast<double>(max) / seconds.count();
+  EXPECT_LE(perSecond, 40);
+  EXPECT_GE(perSecond, 5) << "the listener does not wait in steps of 30 ms";
 }
 
 // Each writer takes turns and sends only after the previous message was read.

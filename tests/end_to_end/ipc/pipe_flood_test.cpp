@@ -22,12 +22,12 @@ using test_support::waitUntil;
 
 // In kilobytes. The address sanitizer retains up to 256 MiB of freed memory, and the thread sanitizer a
 // history of each thread.
-constexpr long mostGrowth(long usual) {
+constexpr long maxGrowth(long usual) {
   if (test_support::isAddressSanitized) return 300L * 1024;
   return test_support::isThreadSanitized ? usual + 32L * 1024 : usual;
 }
-constexpr long kMostGrowth = mostGrowth(1024);
-constexpr long kMostGrowthWithNotices = mostGrowth(4096);
+constexpr long kMaxGrowth = maxGrowth(1024);
+constexpr long kMaxGrowthWithNotices = maxGrowth(4096);
 
 // As long as a record can hold.
 const std::string deviceName(63, 'x');
@@ -123,16 +123,16 @@ class PipeFlood : public HostilePipes {
   int floodAndAsk(const std::vector<std::string>& messages, const std::string& behind,
                   bool (*notice)(const test_support::XWindow&)) {
     const long memory = ownMemoryInKilobytes(agent_.pid());
-    long most = 0;
+    long max = 0;
     Flood flood(messages);
     EXPECT_TRUE(comes([&] {
-      most = std::max(most, ownMemoryInKilobytes(agent_.pid()));
+      max = std::max(max, ownMemoryInKilobytes(agent_.pid()));
       return flood.hasLasted(4s);
     }));
     flood.end();
     writeInFlood(behind);
     EXPECT_TRUE(comes([&] { return isUp(notice); })) << "after " << flood.sent() << " messages";
-    EXPECT_LE(std::max(most, ownMemoryInKilobytes(agent_.pid())) - memory, kMostGrowthWithNotices)
+    EXPECT_LE(std::max(max, ownMemoryInKilobytes(agent_.pid())) - memory, kMaxGrowthWithNotices)
         << "after " << flood.sent() << " messages";
     RecordProperty("messages", flood.sent());
     return flood.sent();
@@ -159,20 +159,20 @@ TEST_F(PipeFlood, UnknownCommandsCostNoMemoryAndNoticesAndMenuWork) {
 
   writeInFlood("-non");
   EXPECT_TRUE(comes([&] { return isUp(isAccessNotice); }));
-  EXPECT_LE(ownMemoryInKilobytes(agent_.pid()) - memory, kMostGrowth);
-  expectAProperEnd();
+  EXPECT_LE(ownMemoryInKilobytes(agent_.pid()) - memory, kMaxGrowth);
+  expectProperEnd();
 }
 
 TEST_F(PipeFlood, AccessNoticesCostNoMemoryAndNextLoadingNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-non", "-noff"}, "-neon", isLoadingNotice);
-  expectAProperEnd();
+  expectProperEnd();
 }
 
 TEST_F(PipeFlood, LoadingNoticesCostNoMemoryAndNextAccessNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-neon", "-neoff"}, "-non", isAccessNotice);
-  expectAProperEnd();
+  expectProperEnd();
 }
 
 TEST_F(PipeFlood, NoticesKeepMenuAndQuitWorking) {
@@ -181,7 +181,7 @@ TEST_F(PipeFlood, NoticesKeepMenuAndQuitWorking) {
   ASSERT_TRUE(comes([&] { return flood.hasLasted(1s); }));
   ASSERT_TRUE(host_.click("Automount Off"));
   EXPECT_TRUE(comes([&] { return host_.waitForEvent("clicked", 0ms).has_value(); }));
-  expectAProperEnd();
+  expectProperEnd();
   flood.end();
 }
 
@@ -218,7 +218,7 @@ TEST_F(BlockedMainThread, RecordBehindMoreThanMaximumNoticeCommandsIsWritten) {
   expectRecordBehindThem();
   EXPECT_EQ(count(mergingLogged), 1);
   timeline_.release("osascript");
-  expectAProperEnd();
+  expectProperEnd();
 }
 
 TEST_F(BlockedMainThread, NoticeRequestedLastIsShown) {
@@ -229,7 +229,7 @@ TEST_F(BlockedMainThread, NoticeRequestedLastIsShown) {
   EXPECT_TRUE(shows(isAccessNotice));
   send("-noff");
   EXPECT_TRUE(hides(isAccessNotice));
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
 }
 
 TEST_F(BlockedMainThread, NoticeHiddenByLastRequestIsHidden) {
@@ -241,14 +241,14 @@ TEST_F(BlockedMainThread, NoticeHiddenByLastRequestIsHidden) {
   send("-neon");
   EXPECT_TRUE(shows(isLoadingNotice));
   EXPECT_TRUE(hides(isAccessNotice));
-  expectAProperEnd();
+  expectProperEnd();
 }
 
 TEST_F(PipeFlood, EachRecordIsWrittenAndNextNoticeIsShown) {
   startWithPictures();
   const int sent = floodAndAsk({deviceMessage}, "-non", isAccessNotice);
   EXPECT_EQ(recordsLike("\x3f" + deviceName), sent);
-  expectAProperEnd();
+  expectProperEnd();
 }
 
 }  // namespace

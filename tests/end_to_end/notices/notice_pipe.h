@@ -65,14 +65,14 @@ class NoticePipe {
     ASSERT_TRUE(noticeDesktop_.host_.waitForEvent("registered"));
   }
   // Ends the agent through its menu.
-  void expectAProperEnd() {
+  void expectProperEnd() {
     ASSERT_TRUE(noticeDesktop_.host_.click("Quit Tovalin"));
     EXPECT_EQ(noticeAgent_.endOfAgent(), test_support::ExitStatus{.code = 0});
   }
-  void expectNoticesAndAProperEnd() {
+  void expectNoticesAndProperEnd() {
     send("-non");
     EXPECT_TRUE(shows(isAccessNotice));
-    expectAProperEnd();
+    expectProperEnd();
   }
 
  private:

@@ -19,7 +19,7 @@ class NoticeSoak : public NoticeTest {
 TEST_F(NoticeSoak, ShowingAndHidingLeaksNothing) {
   const int pairs = timesAsked("TOVALIN_SOAK_PAIRS", 200);
   launch();
-  expectNoGrowth(*this, {.what = "pairs", .times = pairs, .warmUp = 100, .mostGrowth = 1024},
+  expectNoGrowth(*this, {.what = "pairs", .times = pairs, .warmUp = 100, .maxGrowth = 1024},
                  [this](int times) { showAndHideBoth(times); });
 }
 

@@ -108,7 +108,7 @@ TEST_F(SupportLog, CloseRequestTogetherWithAnswerIsRefused) {
   launchAndOpen();
   openFirstSheet();
   const auto question = messageOfSheet();
-  whileAgentStandsStill([&] {
+  whileAgentIsStopped([&] {
     clickAt(sheetsDefault);
     test_support::deliverCloseRequest(display_.name(), window_.id);
   });

@@ -23,7 +23,7 @@ class SupportSoak : public SupportTest {
 TEST_F(SupportSoak, OpeningAndClosingWithSheetLeaksNothing) {
   const int openings = timesAsked("TOVALIN_SOAK_OPENINGS", 30);
   launchInPanel();
-  expectNoGrowth(*this, {.what = "openings", .times = openings, .warmUp = 20, .mostGrowth = 2048},
+  expectNoGrowth(*this, {.what = "openings", .times = openings, .warmUp = 20, .maxGrowth = 2048},
                  [this](int times) { openAndClose(times); });
 }
 

@@ -21,21 +21,21 @@ class NoMoreFilesInTmp {
   NoMoreFilesInTmp() {
     struct statvfs status {};
     EXPECT_EQ(::statvfs("/tmp", &status), 0);
-    most_ = status.f_files;
-    setMost(status.f_files - status.f_ffree);
+    maxFiles_ = status.f_files;
+    setMaxFiles(status.f_files - status.f_ffree);
   }
-  ~NoMoreFilesInTmp() { setMost(most_); }
+  ~NoMoreFilesInTmp() { setMaxFiles(maxFiles_); }
   NoMoreFilesInTmp(const NoMoreFilesInTmp&) = delete;
   NoMoreFilesInTmp& operator=(const NoMoreFilesInTmp&) = delete;
 
-  [[nodiscard]] static bool bites() { return ::mkdir("/tmp/one more", 0700) == -1 && errno == ENOSPC; }
+  [[nodiscard]] static bool isEffective() { return ::mkdir("/tmp/one more", 0700) == -1 && errno == ENOSPC; }
 
  private:
-  static void setMost(fsfilcnt_t files) {
+  static void setMaxFiles(fsfilcnt_t files) {
     EXPECT_EQ(::mount("", "/tmp", "", MS_REMOUNT, ("nr_inodes=" + std::to_string(files)).c_str()), 0);
   }
 
-  fsfilcnt_t most_ = 0;
+  fsfilcnt_t maxFiles_ = 0;
 };
 
 // The Update button and the window after its use.
@@ -107,7 +107,7 @@ TEST_F(SupportUpdate, FailureToCreateFolderCopiesAndOpensNothing) {
   launchAndOpen();
   timeline_.clear();
   const NoMoreFilesInTmp full;
-  ASSERT_TRUE(full.bites());
+  ASSERT_TRUE(full.isEffective());
   clickAt(updateMiddle);
   EXPECT_TRUE(waitForText("log 3: updater's folder cannot be created. errno : 28"));
   choose("Automount Off");

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tests/end_to_end/agent_test.h"
-#include "tests/end_to_end/usage/life_clock.h"
+#include "tests/end_to_end/usage/fake_clock.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/wait_until.h"
 #include "tests/harness/servers/product_server_double.h"
@@ -31,7 +31,7 @@ constexpr std::chrono::sys_days launchDay = std::chrono::year(2024) / 3 / 6;
 // sleeps.
 class FirstUpload : public fleet::Events {
  public:
-  explicit FirstUpload(LifeClock::Time launch, std::vector<fleet::SleepPeriod> sleepPeriods = {}) {
+  explicit FirstUpload(FakeClock::Time launch, std::vector<fleet::SleepPeriod> sleepPeriods = {}) {
     fleet::Random random(1);
     fleet::AgentModel model(0, random, *this);
     model.run({(launch - launchDay).count(), 2 * fleet::day, std::move(sleepPeriods)});
@@ -40,14 +40,14 @@ class FirstUpload : public fleet::Events {
   void upload(fleet::Seconds time, int /*files*/) override {
     if (!time_) time_ = launchDay + std::chrono::seconds(time);
   }
-  [[nodiscard]] LifeClock::Time time() const { return time_.value(); }
+  [[nodiscard]] FakeClock::Time time() const { return time_.value(); }
 
  private:
-  std::optional<LifeClock::Time> time_;
+  std::optional<FakeClock::Time> time_;
 };
 
 // Returns the time in the start record, which is written directly before the timer starts.
-LifeClock::Time launchTime() {
+FakeClock::Time launchTime() {
   const std::string bytes = contentsOf(dayBefore);
   const std::string time = bytes.substr(bytes.find(startRecord) + startRecord.size() + 11, 8);
   const auto number = [&](std::size_t place) { return std::stoi(time.substr(place, 2)); };
@@ -69,11 +69,11 @@ class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
     ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
     install("/tmp/Applications/Tovalin.app");
     setServers(server_.origin());
-    for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
+    for (auto& [name, value] : FakeClock::environment()) environment_[name] = value;
   }
 
   // Skipped ticks are delivered as one, two seconds after the tick before `tick`, when no work is due.
-  void forwardToJustBefore(LifeClock::Time tick) {
+  void forwardToJustBefore(FakeClock::Time tick) {
     for (const auto before : {58s, 2s}) {
       clock_.forwardTo(tick - before);
       // The first D-Bus request ends the agent's wait, whose timeout was computed before; the second is
@@ -83,7 +83,7 @@ class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
   }
 
   // Returns whether the past file is uploaded at that tick and not before it.
-  [[nodiscard]] bool uploadsAt(LifeClock::Time tick) {
+  [[nodiscard]] bool uploadsAt(FakeClock::Time tick) {
     forwardToJustBefore(tick);
     if (uploads() > 0 && clock_.now() < tick) ADD_FAILURE() << "uploaded too early";
     return waitUntil([&] { return uploads() > 0 || clock_.now() > tick + 30s; }) && uploads() > 0;
@@ -92,7 +92,7 @@ class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
     return std::ranges::count(server_.requests(), "POST", &test_support::ServedRequest::method);
   }
 
-  LifeClock clock_{launchDay + 23h + 50min + std::chrono::seconds(GetParam())};
+  FakeClock clock_{launchDay + 23h + 50min + std::chrono::seconds(GetParam())};
   ProductServerDouble server_;
 };
 
@@ -100,16 +100,16 @@ TEST_P(FleetAgent, UploadsAtSecondPredictedByModel) {
   clock_.processStarts();
   launchAgentInPanel();
   ASSERT_TRUE(isLaunched());
-  const LifeClock::Time launch = launchTime();
-  const LifeClock::Time midnight = launchDay + std::chrono::days(1);
-  LifeClock::Time change = launch;
+  const FakeClock::Time launch = launchTime();
+  const FakeClock::Time midnight = launchDay + std::chrono::days(1);
+  FakeClock::Time change = launch;
   while (change < midnight) change += 60s;
 
   ASSERT_NO_FATAL_FAILURE(forwardToJustBefore(change));
   ASSERT_FALSE(fs::exists(newDay));
   ASSERT_TRUE(waitUntil([] { return fs::exists(newDay); }));
 
-  LifeClock::Time said = FirstUpload(launch).time();
+  FakeClock::Time said = FirstUpload(launch).time();
   // If the launch was at the end of its second, ticks may show the next one.
   if (!uploadsAt(said)) said = FirstUpload(launch + 1s).time();
   EXPECT_TRUE(uploadsAt(said));
@@ -151,10 +151,10 @@ TEST_F(SleepingAgent, UploadsAtSecondPredictedByModel) {
   setWall(launchDay + 23h + 50min + 10s);
   launchAgentInPanel();
   ASSERT_TRUE(isLaunched());
-  const LifeClock::Time launch = launchTime();
+  const FakeClock::Time launch = launchTime();
   // The first tick comes one minute of the timer's clock after the launch. After this suspension the wall
   // clock then shows a minute and a second with the same number, at about the middle of the second.
-  const LifeClock::Time tick = launchDay + 24h + 6h + 17min + 17s;
+  const FakeClock::Time tick = launchDay + 24h + 6h + 17min + 17s;
   const auto asleep = tick - (launch + 60s);
   setWall(Wall(launch + asleep) + 400ms);
   const fleet::Seconds from = (launch - launchDay).count() + 5;

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "tests/end_to_end/agent_test.h"
-#include "tests/end_to_end/usage/life_clock.h"
+#include "tests/end_to_end/usage/fake_clock.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/wait_until.h"
 #include "tests/harness/servers/product_server_double.h"
@@ -32,7 +32,7 @@ class Midnight : public AgentTest {
     ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
     install("/tmp/Applications/Tovalin.app");
     setServers(server_.origin(), testServer_.origin());
-    for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
+    for (auto& [name, value] : FakeClock::environment()) environment_[name] = value;
   }
 
   // Advances the clock in steps shorter than an upload's timeout.
@@ -45,7 +45,7 @@ class Midnight : public AgentTest {
     return predicate();
   }
 
-  LifeClock clock_{std::chrono::sys_days(std::chrono::year(2024) / 3 / 6) + 23h + 30min};
+  FakeClock clock_{std::chrono::sys_days(std::chrono::year(2024) / 3 / 6) + 23h + 30min};
   ProductServerDouble server_;
   ProductServerDouble testServer_;
 

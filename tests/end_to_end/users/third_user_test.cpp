@@ -19,7 +19,7 @@ using test_support::waitUntil;
 constexpr unsigned thirdUser = 65533;
 
 // Returns owner, type, mode and contents. The change time detects changes that were reverted.
-std::string lookOf(const std::string& path) {
+std::string stateOf(const std::string& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) return "nothing";
   std::ostringstream look;
@@ -57,26 +57,26 @@ class ThirdUser : public OrdinaryUser {
     ASSERT_TRUE(succeeds({"sh", "-c", command + " " + path}, thirdUser));
     ASSERT_FALSE(succeeds({"chown", "--no-dereference", std::to_string(user), path}));
     ASSERT_FALSE(succeeds({"mv", "--no-target-directory", path, "/tmp/moved"}));
-    ASSERT_TRUE(lookOf(path).starts_with(std::to_string(thirdUser))) << lookOf(path);
+    ASSERT_TRUE(stateOf(path).starts_with(std::to_string(thirdUser))) << stateOf(path);
   }
   // Not 0666, to which the agent would change it.
-  static void plantFileForAll(const std::string& path, const std::string& content) {
+  static void plantWorldWritableFile(const std::string& path, const std::string& content) {
     std::ofstream(source) << content;
     plant(path, "install -m 0766 "s + source);
     ASSERT_FALSE(succeeds({"chmod", "0666", path}));
     ASSERT_TRUE(succeeds(readingOf(path)) && succeeds(writingOf(path)));
   }
-  static void plantFileForHimself(const std::string& path) {
+  static void plantPrivateFile(const std::string& path) {
     std::ofstream(source) << "-non";
     plant(path, "install -m 0600 "s + source);
     ASSERT_FALSE(succeeds(readingOf(path)) || succeeds(writingOf(path)));
   }
-  static void plantFolderForAll(const std::string& path) {
+  static void plantWorldWritableFolder(const std::string& path) {
     plant(path, "mkdir -m 0777");
     ASSERT_TRUE(succeeds({"ls", path}));
   }
   // The kernel decides whether the agent may follow the link (fs.protected_symlinks).
-  static void plantLinkToTheOwnFile(const std::string& path, const std::string& content) {
+  static void plantLinkToOwnFile(const std::string& path, const std::string& content) {
     std::ofstream(ownFile) << content;
     ASSERT_EQ(::chown(ownFile.c_str(), user, user), 0);
     ASSERT_EQ(::chmod(ownFile.c_str(), 0600), 0);
@@ -85,12 +85,12 @@ class ThirdUser : public OrdinaryUser {
     ASSERT_FALSE(succeeds(readingOf(ownFile), thirdUser));
   }
   // A link that the agent cannot follow whatever the kernel's settings.
-  static void plantLinkToHisFile(const std::string& path) {
-    fs::create_directory(hisFolder);
-    ASSERT_EQ(::chown(hisFolder, thirdUser, thirdUser), 0);
-    ASSERT_EQ(::chmod(hisFolder, 0700), 0);
-    ASSERT_TRUE(succeeds({"touch", hisFile}, thirdUser));
-    plant(path, "ln -s "s + hisFile);
+  static void plantUnfollowableLink(const std::string& path) {
+    fs::create_directory(otherUsersFolder);
+    ASSERT_EQ(::chown(otherUsersFolder, thirdUser, thirdUser), 0);
+    ASSERT_EQ(::chmod(otherUsersFolder, 0700), 0);
+    ASSERT_TRUE(succeeds({"touch", otherUsersFile}, thirdUser));
+    plant(path, "ln -s "s + otherUsersFile);
     ASSERT_FALSE(succeeds(readingOf(path)));
   }
 
@@ -104,28 +104,28 @@ class ThirdUser : public OrdinaryUser {
     ASSERT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
   }
   // The agent handles the next click two seconds later, for which not every test waits.
-  void turnTheSwitch() {
+  void clickSwitch() {
     ASSERT_TRUE(host_.click("Automount Off"));
     EXPECT_TRUE(host_.waitForEvent("clicked Automount Off"));
   }
-  void expectNoticesAndAProperEnd() {
-    OrdinaryUser::expectNoticesAndAProperEnd();
+  void expectNoticesAndProperEnd() {
+    OrdinaryUser::expectNoticesAndProperEnd();
     EXPECT_FALSE(fs::exists(pipePath));
   }
-  void expectCommandsAndAProperEnd() {
+  void expectCommandsAndProperEnd() {
     EXPECT_TRUE(waitForText("pipe: -ton"));
-    expectAProperEnd();
+    expectProperEnd();
     EXPECT_TRUE(waitForText("pipe: -toff"));
   }
-  void expectThatNobodyListens() {
+  void expectNoListener() {
     EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] make pipe failed. errno : 17"));
     EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 13"));
     EXPECT_EQ(count("log 6: read_pipe"), 0);
   }
 
   static constexpr const char* source = "/tmp/user/source";
-  static constexpr const char* hisFolder = "/tmp/his";
-  static constexpr const char* hisFile = "/tmp/his/file";
+  static constexpr const char* otherUsersFolder = "/tmp/his";
+  static constexpr const char* otherUsersFile = "/tmp/his/file";
   inline static const std::string ownFile = ownHome + "/file";
 
  private:
@@ -150,47 +150,47 @@ class ThirdUser : public OrdinaryUser {
     return {"dd", "if=/dev/null", "of=" + path, "conv=nocreat,notrunc"};
   }
   static void clean() {
-    for (const char* path : {hisFolder, "/tmp/moved"}) fs::remove_all(path);
+    for (const char* path : {otherUsersFolder, "/tmp/moved"}) fs::remove_all(path);
   }
 
   ChildProcess openBus_;
 };
 
 TEST_F(ThirdUser, WorldWritableFileAtCommandPipeHasOnlyFirstBytesOverwritten) {
-  plantFileForAll(commandPipe, "0123456789");
+  plantWorldWritableFile(commandPipe, "0123456789");
   startAndListen();
   EXPECT_EQ(contentsOf(commandPipe), "-ton456789");
   EXPECT_EQ(count("log 3: open pipe failed"), 0);
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   EXPECT_EQ(contentsOf(commandPipe), "-toff56789");
   EXPECT_EQ(modeOf(commandPipe), 0766u);
-  EXPECT_TRUE(lookOf(commandPipe).starts_with(std::to_string(thirdUser)));
+  EXPECT_TRUE(stateOf(commandPipe).starts_with(std::to_string(thirdUser)));
 }
 
 TEST_F(ThirdUser, PrivateFileAtCommandPipeIsReportedAndLeftAlone) {
-  plantFileForHimself(commandPipe);
-  const std::string before = lookOf(commandPipe);
+  plantPrivateFile(commandPipe);
+  const std::string before = stateOf(commandPipe);
   startAndListen();
   EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 1);
-  turnTheSwitch();
+  clickSwitch();
   EXPECT_TRUE(waitUntil([&] { return count("log 3: open pipe failed. errno : 13") == 2; }));
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 3);
-  EXPECT_EQ(lookOf(commandPipe), before);
+  EXPECT_EQ(stateOf(commandPipe), before);
 }
 
 TEST_F(ThirdUser, FolderAtCommandPipeIsReportedAndLeftAlone) {
-  plantFolderForAll(commandPipe);
-  const std::string before = lookOf(commandPipe);
+  plantWorldWritableFolder(commandPipe);
+  const std::string before = stateOf(commandPipe);
   startAndListen();
   EXPECT_EQ(count("log 3: open pipe failed. errno : 21"), 1);
-  expectNoticesAndAProperEnd();
-  EXPECT_EQ(lookOf(commandPipe), before);
+  expectNoticesAndProperEnd();
+  EXPECT_EQ(stateOf(commandPipe), before);
 }
 
 TEST_F(ThirdUser, LinkAtCommandPipeIsFollowedOnlyIfKernelAllowsIt) {
-  plantLinkToTheOwnFile(commandPipe, "0123456789");
-  const std::string link = lookOf(commandPipe), file = lookOf(ownFile);
+  plantLinkToOwnFile(commandPipe, "0123456789");
+  const std::string link = stateOf(commandPipe), file = stateOf(ownFile);
   startAndListen();
   if (linksOfOthersAreFollowed()) {
     EXPECT_EQ(contentsOf(ownFile), "-ton456789");
@@ -198,84 +198,84 @@ TEST_F(ThirdUser, LinkAtCommandPipeIsFollowedOnlyIfKernelAllowsIt) {
   } else {
     EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 1);
   }
-  expectNoticesAndAProperEnd();
+  expectNoticesAndProperEnd();
   if (linksOfOthersAreFollowed()) {
     EXPECT_EQ(contentsOf(ownFile), "-toff56789");
   } else {
-    EXPECT_EQ(lookOf(ownFile), file);
+    EXPECT_EQ(stateOf(ownFile), file);
   }
   EXPECT_EQ(modeOf(ownFile), 0600u);
-  EXPECT_EQ(lookOf(commandPipe), link);
+  EXPECT_EQ(stateOf(commandPipe), link);
 }
 
 TEST_F(ThirdUser, UnfollowableLinkAtCommandPipeIsReportedAndLeftAlone) {
-  plantLinkToHisFile(commandPipe);
-  const std::string link = lookOf(commandPipe), file = lookOf(hisFile);
+  plantUnfollowableLink(commandPipe);
+  const std::string link = stateOf(commandPipe), file = stateOf(otherUsersFile);
   startAndListen();
   EXPECT_EQ(count("log 3: open pipe failed. errno : 13"), 1);
-  expectNoticesAndAProperEnd();
-  EXPECT_EQ(lookOf(commandPipe), link);
-  EXPECT_EQ(lookOf(hisFile), file);
+  expectNoticesAndProperEnd();
+  EXPECT_EQ(stateOf(commandPipe), link);
+  EXPECT_EQ(stateOf(otherUsersFile), file);
 }
 
 TEST_F(ThirdUser, WorldWritableFileAtNotificationPipeIsReadAndSurvivesUnchanged) {
-  plantFileForAll(pipePath, "-non");
-  const std::string before = lookOf(pipePath);
+  plantWorldWritableFile(pipePath, "-non");
+  const std::string before = stateOf(pipePath);
   startInPanel();
   EXPECT_TRUE(shows(isAccessNotice));
-  expectCommandsAndAProperEnd();
-  EXPECT_EQ(lookOf(pipePath), before);
+  expectCommandsAndProperEnd();
+  EXPECT_EQ(stateOf(pipePath), before);
 }
 
 TEST_F(ThirdUser, PrivateFileAtNotificationPipeIsReportedAndLeftAlone) {
-  plantFileForHimself(pipePath);
-  const std::string before = lookOf(pipePath);
+  plantPrivateFile(pipePath);
+  const std::string before = stateOf(pipePath);
   startInPanel();
   EXPECT_TRUE(waitForText("log 3: -[nimbatrayAppDelegate notiThread] open pipe error. errno : 13"));
-  turnTheSwitch();
+  clickSwitch();
   EXPECT_TRUE(waitForText("pipe: -u"));
-  expectCommandsAndAProperEnd();
+  expectCommandsAndProperEnd();
   EXPECT_EQ(count("log 6: read_pipe"), 0);
-  EXPECT_EQ(lookOf(pipePath), before);
+  EXPECT_EQ(stateOf(pipePath), before);
 }
 
 TEST_F(ThirdUser, FolderAtNotificationPipeIsReportedAndSurvivesUnchanged) {
-  plantFolderForAll(pipePath);
-  const std::string before = lookOf(pipePath);
+  plantWorldWritableFolder(pipePath);
+  const std::string before = stateOf(pipePath);
   startInPanel();
   EXPECT_TRUE(waitForText("log 3: read_pipe read error. errno : 21"));
-  turnTheSwitch();
+  clickSwitch();
   EXPECT_TRUE(waitForText("pipe: -u"));
-  expectCommandsAndAProperEnd();
-  EXPECT_EQ(lookOf(pipePath), before);
+  expectCommandsAndProperEnd();
+  EXPECT_EQ(stateOf(pipePath), before);
 }
 
 TEST_F(ThirdUser, LinkAtNotificationPipeIsFollowedOnlyIfKernelAllowsIt) {
-  plantLinkToTheOwnFile(pipePath, "-non");
-  const std::string link = lookOf(pipePath), file = lookOf(ownFile);
+  plantLinkToOwnFile(pipePath, "-non");
+  const std::string link = stateOf(pipePath), file = stateOf(ownFile);
   startInPanel();
   if (linksOfOthersAreFollowed()) {
     EXPECT_TRUE(shows(isAccessNotice));
     EXPECT_EQ(modeOf(ownFile), 0666u);
   } else {
-    expectThatNobodyListens();
+    expectNoListener();
   }
-  expectCommandsAndAProperEnd();
+  expectCommandsAndProperEnd();
   if (!linksOfOthersAreFollowed()) {
-    EXPECT_EQ(lookOf(ownFile), file);
+    EXPECT_EQ(stateOf(ownFile), file);
   }
   EXPECT_EQ(contentsOf(ownFile), "-non");
-  EXPECT_EQ(lookOf(pipePath), link);
+  EXPECT_EQ(stateOf(pipePath), link);
 }
 
 TEST_F(ThirdUser, UnfollowableLinkAtNotificationPipeIsReportedAndSurvives) {
-  plantLinkToHisFile(pipePath);
-  const std::string link = lookOf(pipePath), file = lookOf(hisFile);
+  plantUnfollowableLink(pipePath);
+  const std::string link = stateOf(pipePath), file = stateOf(otherUsersFile);
   startInPanel();
-  expectThatNobodyListens();
-  expectCommandsAndAProperEnd();
-  EXPECT_EQ(lookOf(pipePath), link);
-  EXPECT_EQ(lookOf(hisFile), file);
+  expectNoListener();
+  expectCommandsAndProperEnd();
+  EXPECT_EQ(stateOf(pipePath), link);
+  EXPECT_EQ(stateOf(otherUsersFile), file);
 }
 
 }  // namespace

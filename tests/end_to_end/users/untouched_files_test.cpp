@@ -20,7 +20,7 @@ using test_support::waitUntil;
 constexpr const char* home = "/tmp/home";
 const std::string ownFolder = std::string(home) + "/.local/share/Tovalin";
 const std::string updaterCopy = "/tmp/tovalinupdate.app";
-constexpr uid_t neighbour = 65533;
+constexpr uid_t otherUser = 65533;
 
 // Returns all properties of a file that a program could change.
 std::string stateOf(const fs::path& path) {
@@ -139,7 +139,7 @@ class UntouchedFiles : public SupportTest {
     fs::create_symlink(target, ownFolder + "/" + name);
   }
   // Runs a session with a record and an upload.
-  void leadAShortLife() {
+  void runShortSession() {
     launchInPanel();
     send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
     ASSERT_TRUE(waitUntil([] { return !fs::exists(ownFolder + "/Tovalin_2024_01_03.dat"); }));
@@ -216,7 +216,7 @@ TEST_F(UntouchedFiles, LinkAtIdentityIsNeitherReadNorWritten) {
     std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
     plantLink("TovalinUUID.txt", text);
     const Snapshot before = snapshot();
-    leadAShortLife();
+    runShortSession();
     EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
     EXPECT_THAT(ownRecords(), testing::Not(testing::HasSubstr(secret)));
     host_.clearEvents();
@@ -231,7 +231,7 @@ TEST_F(UntouchedFiles, LinkAtServerOptionIsNeitherReadNorWritten) {
     plantLink("TovalinServerOption.txt", text);
     const Snapshot before = snapshot();
     // Uploads to the product server, whatever the link's target contains.
-    leadAShortLife();
+    runShortSession();
     EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
     host_.clearEvents();
   }
@@ -248,7 +248,7 @@ TEST_F(UntouchedFiles, LinkAtUsageFileIsNeitherWrittenNorSent) {
     }
     std::ofstream(ownFolder + "/Tovalin_2024_01_03.dat") << "a real day";
     const Snapshot before = snapshot();
-    leadAShortLife();
+    runShortSession();
     EXPECT_THAT(differences(before, snapshot()), testing::IsEmpty());
     EXPECT_THAT(sentBodies(), testing::Not(testing::HasSubstr("the user's own")));
     host_.clearEvents();
@@ -256,7 +256,7 @@ TEST_F(UntouchedFiles, LinkAtUsageFileIsNeitherWrittenNorSent) {
 }
 
 TEST_F(UntouchedFiles, OtherUsersFolderAtUpdaterCopyIsNeitherFilledNorOpened) {
-  plantUpdaterCopy(neighbour, 0755);
+  plantUpdaterCopy(otherUser, 0755);
   expectNoUpdate();
 }
 

@@ -64,7 +64,7 @@ Finished runForked(const std::function<int()>& function) {
 }
 
 bool wasNotToBeHad(const Finished& finished) {
-  return finished.status == ExitStatus{.code = kNotToBeHad};
+  return finished.status == ExitStatus{.code = kUnavailable};
 }
 
 bool becomeNobody() {

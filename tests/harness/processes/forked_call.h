@@ -46,7 +46,7 @@ class ForkedCall {
 [[nodiscard]] Finished runForked(const std::function<int()>& function);
 
 // Exit status of a forked function that cannot set up its condition; the test is skipped.
-inline constexpr int kNotToBeHad = 77;
+inline constexpr int kUnavailable = 77;
 [[nodiscard]] bool wasNotToBeHad(const Finished& finished);
 
 // Changes the process to the user and group kNobody, for whom file permissions apply. Returns false if this

@@ -13,7 +13,7 @@
 namespace test_support {
 namespace {
 
-constexpr std::size_t kLongestMessage = 1 << 16;
+constexpr std::size_t kMaxMessageLength = 1 << 16;
 
 std::chrono::system_clock::time_point sendingTime(msghdr& header) {
   for (cmsghdr* part = CMSG_FIRSTHDR(&header); part != nullptr; part = CMSG_NXTHDR(&header, part)) {
@@ -50,7 +50,7 @@ LogSocket::~LogSocket() {
 }
 
 std::optional<LogSocket::Received> LogSocket::receive() {
-  std::string datagram(kLongestMessage, '\0');
+  std::string datagram(kMaxMessageLength, '\0');
   alignas(cmsghdr) std::array<char, 256> control{};
   iovec vector{datagram.data(), datagram.size()};
   msghdr header{};

@@ -81,10 +81,10 @@ void RawConnection::reset() {
   socket_.reset();
 }
 
-bool RawConnection::receiveSome(std::size_t most) {
+bool RawConnection::receiveSome(std::size_t maxBytes) {
   if (!waitFor(socket_.get(), POLLIN, stop_, kPatience)) return false;
   std::array<char, 1 << 16> buffer{};
-  const ssize_t count = ::recv(socket_.get(), buffer.data(), std::min(most, buffer.size()), 0);
+  const ssize_t count = ::recv(socket_.get(), buffer.data(), std::min(maxBytes, buffer.size()), 0);
   if (count <= 0) return false;
   unread_.append(buffer.data(), static_cast<std::size_t>(count));
   return true;

@@ -40,7 +40,7 @@ class RawConnection {
   void reset();
 
  private:
-  [[nodiscard]] bool receiveSome(std::size_t most);
+  [[nodiscard]] bool receiveSome(std::size_t maxBytes);
 
   FileDescriptor socket_;
   const WakeEvent& stop_;

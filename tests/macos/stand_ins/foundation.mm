@@ -22,7 +22,7 @@ NSArray* standInSearchPaths(NSSearchPathDirectory, NSSearchPathDomainMask, BOOL)
 
 @end
 
-// A base character with its marks, which is a grapheme of all texts that the tests use.
+// A base character with its combining marks: a grapheme in all texts that the tests use.
 @implementation StandInRegularExpression
 
 + (StandInRegularExpression*)regularExpressionWithPattern:(NSString*)pattern

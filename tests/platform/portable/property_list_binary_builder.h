@@ -15,10 +15,10 @@ struct BinaryList {
   unsigned referenceSize = 1;
   std::uint64_t topObject = 0;
   // Trailer values that override the correct ones.
-  std::optional<std::uint64_t> toldObjects = {};
-  std::optional<std::uint64_t> toldTable = {};
-  std::optional<unsigned> toldOffsetSize = {};
-  std::optional<unsigned> toldReferenceSize = {};
+  std::optional<std::uint64_t> wrongObjectCount = {};
+  std::optional<std::uint64_t> wrongTableOffset = {};
+  std::optional<unsigned> wrongOffsetSize = {};
+  std::optional<unsigned> wrongReferenceSize = {};
 
   [[nodiscard]] std::string build() const {
     std::string list = "bplist00";
@@ -30,11 +30,11 @@ struct BinaryList {
     const std::uint64_t tableStart = list.size();
     list += table;
     list += std::string(6, '\0');
-    list += bigEndian(toldOffsetSize.value_or(offsetSize), 1);
-    list += bigEndian(toldReferenceSize.value_or(referenceSize), 1);
-    list += bigEndian(toldObjects.value_or(objects.size()), 8);
+    list += bigEndian(wrongOffsetSize.value_or(offsetSize), 1);
+    list += bigEndian(wrongReferenceSize.value_or(referenceSize), 1);
+    list += bigEndian(wrongObjectCount.value_or(objects.size()), 8);
     list += bigEndian(topObject, 8);
-    return list + bigEndian(toldTable.value_or(tableStart), 8);
+    return list + bigEndian(wrongTableOffset.value_or(tableStart), 8);
   }
 
   static std::string bigEndian(std::uint64_t value, unsigned size) {

@@ -230,17 +230,17 @@ TEST(BinaryPropertyList, FalseTrailerValuesAreUnreadable) {
   ASSERT_TRUE(parse(honest.build()));
   for (const std::uint64_t count :
        {std::uint64_t{0}, std::uint64_t{2}, std::uint64_t{1} << 63, UINT64_MAX, UINT64_MAX / 2 + 2}) {
-    EXPECT_FALSE(lying([&](BinaryList& list) { list.toldObjects = count; })) << count;
+    EXPECT_FALSE(lying([&](BinaryList& list) { list.wrongObjectCount = count; })) << count;
   }
   for (const std::uint64_t table : {std::uint64_t{0}, std::uint64_t{7}, std::uint64_t{8}, std::uint64_t{10},
                                     std::uint64_t{1000}, UINT64_MAX}) {
-    EXPECT_FALSE(lying([&](BinaryList& list) { list.toldTable = table; })) << table;
+    EXPECT_FALSE(lying([&](BinaryList& list) { list.wrongTableOffset = table; })) << table;
   }
   for (const unsigned size : {0u, 1u, 3u, 9u, 255u}) {
-    EXPECT_FALSE(lying([&](BinaryList& list) { list.toldOffsetSize = size; })) << size;
+    EXPECT_FALSE(lying([&](BinaryList& list) { list.wrongOffsetSize = size; })) << size;
   }
   for (const unsigned size : {0u, 9u, 255u}) {
-    EXPECT_FALSE(lying([&](BinaryList& list) { list.toldReferenceSize = size; })) << size;
+    EXPECT_FALSE(lying([&](BinaryList& list) { list.wrongReferenceSize = size; })) << size;
   }
 }
 

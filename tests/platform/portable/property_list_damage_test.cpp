@@ -73,12 +73,12 @@ TEST_P(DamagedPropertyList, ReplacedByteDoesNotCrash) {
   const auto whole = parse(list);
   std::size_t noticed = 0;
   for (char& byte : list) {
-    const char kept = byte;
+    const char original = byte;
     for (unsigned change = 1; change < 256; ++change) {
-      byte = static_cast<char>(static_cast<unsigned char>(kept) ^ change);
+      byte = static_cast<char>(static_cast<unsigned char>(original) ^ change);
       if (parse(list) != whole) ++noticed;
     }
-    byte = kept;
+    byte = original;
   }
   EXPECT_GT(noticed, list.size() * 255 / 4);
 }

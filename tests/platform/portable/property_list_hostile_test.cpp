@@ -207,11 +207,11 @@ long peakMegabytes(const std::function<void()>& work) {
 
 TEST_P(HostilePropertyList, IsParsedWithinFiveMebibytes) {
   if (test_support::isAddressSanitized) GTEST_SKIP() << test_support::memoryIsTheSanitizers;
-  constexpr long most = 5;
+  constexpr long maxMegabytes = 5;
   const GuardedBytes list(GetParam().build());
   const long peak = peakMegabytes([&] { (void)platform::parsePropertyList(list.span()); });
   EXPECT_GE(peak, 0);
-  EXPECT_LE(peak, most);
+  EXPECT_LE(peak, maxMegabytes);
 }
 
 INSTANTIATE_TEST_SUITE_P(AllForms, HostilePropertyList, testing::ValuesIn(hostileLists()),

@@ -145,8 +145,8 @@ TEST(XmlPropertyList, LongCdataIsJoinedFromParserSlices) {
 }
 
 TEST(XmlPropertyList, IntegersAreDecimalOrHexadecimal) {
-  constexpr auto least = std::numeric_limits<std::int64_t>::min(),
-                 most = std::numeric_limits<std::int64_t>::max();
+  constexpr auto lowest = std::numeric_limits<std::int64_t>::min(),
+                 highest = std::numeric_limits<std::int64_t>::max();
   const std::pair<const char*, std::int64_t> written[] = {
       {"0", 0},
       {"-0", 0},
@@ -156,10 +156,10 @@ TEST(XmlPropertyList, IntegersAreDecimalOrHexadecimal) {
       {"007", 7},
       {"0x1F", 31},
       {"-0Xff", -255},
-      {"9223372036854775807", most},
-      {"-9223372036854775808", least},
-      {"0x7fffffffffffffff", most},
-      {"-0x8000000000000000", least},
+      {"9223372036854775807", highest},
+      {"-9223372036854775808", lowest},
+      {"0x7fffffffffffffff", highest},
+      {"-0x8000000000000000", lowest},
   };
   for (const auto& [text, value] : written) {
     EXPECT_EQ(parseInPlist("<integer>" + std::string(text) + "</integer>"), number(value)) << text;

@@ -52,20 +52,20 @@ class Shell : public testing::Test {
   }
   void TearDown() override {
     fs::remove_all("/tmp/run");
-    fs::remove("/tmp/told");
+    fs::remove("/tmp/output");
   }
 
-  // Runs `command` and returns what it wrote to /tmp/told.
-  static std::string toldBy(const std::string& command) {
-    fs::remove("/tmp/told");
+  // Runs `command` and returns what it wrote to /tmp/output.
+  static std::string outputOf(const std::string& command) {
+    fs::remove("/tmp/output");
     platform::system(command);
-    return test_support::contentsOf("/tmp/told");
+    return test_support::contentsOf("/tmp/output");
   }
 
   // Returns the initial environment of the shell.
   static Environment environmentOfTheShell() {
     Environment environment;
-    const std::string entries = toldBy("cat /proc/$$/environ >/tmp/told; true");
+    const std::string entries = outputOf("cat /proc/$$/environ >/tmp/output; true");
     for (std::size_t start = 0, end; (end = entries.find('\0', start)) != std::string::npos;
          start = end + 1) {
       insert(environment, entries.substr(start, end - start));
@@ -114,7 +114,7 @@ TEST_F(Shell, MissingCommandReturns127) {
 }
 
 TEST_F(Shell, WaitsForEndOfCommand) {
-  EXPECT_EQ(toldBy("i=0; while [ $i -lt 2000 ]; do i=$((i + 1)); done; printf %s $i >/tmp/told"), "2000");
+  EXPECT_EQ(outputOf("i=0; while [ $i -lt 2000 ]; do i=$((i + 1)); done; printf %s $i >/tmp/output"), "2000");
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
 }
 
@@ -127,13 +127,13 @@ TEST_F(Shell, CommandInheritsStandardStreams) {
 }
 
 TEST_F(Shell, QuotesAndLineEndsArePassedVerbatim) {
-  EXPECT_EQ(toldBy("printf %s 'a \"b\" $c * \\d `e` %s\nf ' \"it's \u00e4\u65e5\" >/tmp/told"),
+  EXPECT_EQ(outputOf("printf %s 'a \"b\" $c * \\d `e` %s\nf ' \"it's \u00e4\u65e5\" >/tmp/output"),
             "a \"b\" $c * \\d `e` %s\nf it's \u00e4\u65e5");
 }
 
 TEST_F(Shell, UnquotedTextIsExpandedByShell) {
   ::setenv("TEXT_OF_TEST", "a b", 1);
-  EXPECT_EQ(toldBy("printf '<%s>' $TEXT_OF_TEST \"$TEXT_OF_TEST\" >/tmp/told"), "<a><b><a b>");
+  EXPECT_EQ(outputOf("printf '<%s>' $TEXT_OF_TEST \"$TEXT_OF_TEST\" >/tmp/output"), "<a><b><a b>");
   ::unsetenv("TEXT_OF_TEST");
 }
 
@@ -168,8 +168,8 @@ TEST_F(Shell, WithoutPrivateFolderPathIsUnchanged) {
 }
 
 TEST_F(Shell, HelperPrecedesProgramOfSameName) {
-  putHelper("cat", "echo the helper with $1 >/tmp/told");
-  EXPECT_EQ(toldBy("cat argument"), "the helper with argument\n");
+  putHelper("cat", "echo the helper with $1 >/tmp/output");
+  EXPECT_EQ(outputOf("cat argument"), "the helper with argument\n");
 }
 
 // Returns a signal set of /proc/PID/status without signals 32 and 33, which the C library reserves.
@@ -202,9 +202,9 @@ TEST_F(Shell, SignalStateOfCallerIsUnchanged) {
     platform::system("true");
     sigset_t after;
     ::pthread_sigmask(SIG_BLOCK, nullptr, &after);
-    const bool kept = ::sigismember(&after, SIGUSR1) == 1 && ::sigismember(&after, SIGCHLD) == 0 &&
-                      ::signal(SIGPIPE, SIG_DFL) == SIG_IGN && ::signal(SIGINT, SIG_DFL) == SIG_DFL;
-    return kept ? 0 : 1;
+    const bool isRestored = ::sigismember(&after, SIGUSR1) == 1 && ::sigismember(&after, SIGCHLD) == 0 &&
+                            ::signal(SIGPIPE, SIG_DFL) == SIG_IGN && ::signal(SIGINT, SIG_DFL) == SIG_DFL;
+    return isRestored ? 0 : 1;
   });
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }

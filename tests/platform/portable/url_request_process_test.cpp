@@ -113,7 +113,7 @@ TEST(UrlRequestProcess, SignalMaskOfCallerIsUnchanged) {
 // call returns without a reply within 5 s.
 ExitStatus sentWithoutNetwork(const std::string& url) {
   const auto finished = test_support::runForked([&] {
-    if (::unshare(CLONE_NEWNET) != 0) return test_support::kNotToBeHad;
+    if (::unshare(CLONE_NEWNET) != 0) return test_support::kUnavailable;
     const auto outcome = outcomeOf(requestFor(url));
     if (outcome.reply) return 1;
     return outcome.time < 5s ? 0 : 2;

@@ -212,7 +212,7 @@ TEST_F(RootChange, MovedSiblingOfAncestorIsNotReported) {
 
 TEST_F(RootChange, InaccessibleParentIsNotReported) {
   const auto finished = test_support::runForked([this] {
-    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
+    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kUnavailable;
     watch();
     fs::permissions("/tmp/way/middle", fs::perms(0));
     fs::permissions("/tmp/way/middle", fs::perms(0700));
@@ -230,14 +230,14 @@ TEST_F(RootChange, InaccessibleParentIsNotReported) {
 
 TEST_F(RootChange, ChangeIsReportedIfParentBecomesInaccessible) {
   const auto finished = test_support::runForked([this] {
-    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kNotToBeHad;
+    if (!becomesOwnerOf({"/tmp/way/middle", root_})) return test_support::kUnavailable;
     watch();
     fs::rename(root_, root_ + " old");
     QCoreApplication::processEvents();  // notices that the root is missing
     fs::permissions("/tmp/way/middle", fs::perms(0));
-    const bool told = nextBatch() == Batch{rootChanged()};
+    const bool wasReported = nextBatch() == Batch{rootChanged()};
     fs::permissions("/tmp/way/middle", fs::perms(0700));
-    return told ? 0 : 1;
+    return wasReported ? 0 : 1;
   });
   if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
@@ -249,7 +249,7 @@ TEST_F(RootChange, ChangeIsReportedBelowUnreadableFolder) {
         std::pair("/tmp/way/middle", "/tmp/way/middle/root")}) {
     SetUp();
     const auto finished = test_support::runForked([this, closed = closed, moved = moved] {
-      if (!becomesOwnerOf({"/tmp/way", "/tmp/way/middle", root_})) return test_support::kNotToBeHad;
+      if (!becomesOwnerOf({"/tmp/way", "/tmp/way/middle", root_})) return test_support::kUnavailable;
       fs::permissions(closed, fs::perms(0300));
       watch();
       fs::rename(moved, std::string(moved) + " old");

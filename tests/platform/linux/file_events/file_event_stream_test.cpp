@@ -323,14 +323,14 @@ TEST_F(FileEvents, ChangesBetweenCreationAndStartAreReported) {
 }
 
 TEST_F(FileEvents, StreamNotStartedReportsNothing) {
-  const auto idle = Stream::create(root_, 1ms, [](auto&&...) { ADD_FAILURE() << "told"; });
+  const auto idle = Stream::create(root_, 1ms, [](auto&&...) { ADD_FAILURE() << "called"; });
   watch();
   write("file");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
 }
 
 TEST_F(FileEvents, StoppedStreamDiscardsPendingEvents) {
-  const auto stopped = Stream::create(root_, kLatency, [](auto&&...) { ADD_FAILURE() << "told"; });
+  const auto stopped = Stream::create(root_, kLatency, [](auto&&...) { ADD_FAILURE() << "called"; });
   stopped->start();
   watch(2 * kLatency);
   write("file");

@@ -406,24 +406,24 @@ TEST_F(FilterProxyTest, ConnectionsBeyondLimitAreClosed) {
 }
 
 // Connections of another user, for the lifetime of the object.
-class Stranger {
+class OtherUser {
  public:
-  Stranger(int port, int count) {
+  OtherUser(int port, int count) {
     std::thread([&] {
       // The raw system call changes the user of this thread only; the C library's setresuid() changes all
       // threads.
-      isAnother_ = ::syscall(SYS_setresuid, kStranger, kStranger, kStranger) == 0;
+      isAnother_ = ::syscall(SYS_setresuid, kOtherUser, kOtherUser, kOtherUser) == 0;
       for (int i = 0; i < count; ++i) sockets_.push_back(connectedTo("127.0.0.1", port));
     }).join();
   }
   [[nodiscard]] bool isAnother() const {
     struct stat status {};
-    return isAnother_ && ::fstat(sockets_.front().get(), &status) == 0 && status.st_uid == kStranger;
+    return isAnother_ && ::fstat(sockets_.front().get(), &status) == 0 && status.st_uid == kOtherUser;
   }
   [[nodiscard]] const FileDescriptor& last() const { return sockets_.back(); }
 
  private:
-  static constexpr uid_t kStranger = 65534;
+  static constexpr uid_t kOtherUser = 65534;
   bool isAnother_ = false;
   std::vector<FileDescriptor> sockets_;
 };
@@ -431,10 +431,10 @@ class Stranger {
 TEST_F(FilterProxyTest, ConnectionsOfAnotherUserDoNotCount) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
-  const Stranger stranger(port(), 100);
-  if (!stranger.isAnother()) GTEST_SKIP() << "this user can't become another";
+  const OtherUser otherUser(port(), 100);
+  if (!otherUser.isAnother()) GTEST_SKIP() << "this user can't become another";
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kConnected);
-  EXPECT_EQ(readSome(stranger.last(), 1), "");
+  EXPECT_EQ(readSome(otherUser.last(), 1), "");
 }
 
 std::chrono::microseconds processorTime() {

@@ -32,10 +32,10 @@ class MainBundle : public testing::Test {
     test_support::ChildOptions options;
     options.input = test_support::Redirection::pipe();
     if (!probe_.start({name}, options)) return "did not start";
-    return probe_.readLine().value_or("told nothing");
+    return probe_.readLine().value_or("no output");
   }
   std::string askedAgain() {
-    return probe_.writeLine("again") ? probe_.readLine().value_or("told nothing") : "has ended";
+    return probe_.writeLine("again") ? probe_.readLine().value_or("no output") : "has ended";
   }
 
   ChildProcess probe_;

@@ -56,10 +56,10 @@ class HelperInstallation : public testing::Test {
     std::ofstream(path, std::ios::trunc) << "#!/bin/sh\necho " + text + "\n";
     fs::permissions(path, fs::perms(0755));
   }
-  static std::string toldBy(const std::string& helper) {
+  static std::string outputOf(const std::string& helper) {
     test_support::ChildProcess child;
     if (!child.start({std::string(kInstalled) + "/" + helper})) return "did not start";
-    return child.readLine().value_or("told nothing");
+    return child.readLine().value_or("no output");
   }
   void run(const std::string& task) {
     test_support::ChildProcess child;
@@ -79,7 +79,7 @@ TEST_F(HelperInstallation, CopiesAllFiveHelpers) {
 TEST_F(HelperInstallation, CopiesRunWithoutBundle) {
   run("install");
   fs::remove_all(kBundle);
-  EXPECT_EQ(toldBy("launchctl"), "launchctl");
+  EXPECT_EQ(outputOf("launchctl"), "launchctl");
 }
 
 TEST_F(HelperInstallation, OtherProgramsAreNotCopied) {
@@ -100,7 +100,7 @@ TEST_F(HelperInstallation, OlderCopiesAreReplaced) {
   putHelper("open", "newer");
   fs::remove(std::string(kBundle) + "/Contents/Helpers/osascript");
   run("install");
-  EXPECT_EQ(toldBy("open"), "newer");
+  EXPECT_EQ(outputOf("open"), "newer");
   EXPECT_THAT(namesIn(kInstalled),
               UnorderedElementsAre("collectlogs", "launchctl", "open", "TovalinWebView"));
 }
@@ -112,7 +112,7 @@ TEST_F(HelperInstallation, LinkAtHelperFolderIsReplacedAndItsTargetKept) {
   fs::permissions("/tmp/run/TovalinTray", fs::perms(0700));
   fs::create_symlink("/tmp/elsewhere", kInstalled);
   run("install");
-  EXPECT_EQ(toldBy("open"), "open");
+  EXPECT_EQ(outputOf("open"), "open");
   EXPECT_EQ(contentsOf("/tmp/elsewhere/open"), "spared");
   EXPECT_THAT(namesIn("/tmp/elsewhere"), UnorderedElementsAre("open"));
 }
@@ -157,7 +157,7 @@ TEST_F(HelperInstallation, HelpersOfBundleRunWithoutCopies) {
   fs::create_symlink("/tmp/elsewhere", "/tmp/run/TovalinTray");
   run("install");
   run("collect");
-  EXPECT_EQ(contentsOf("/tmp/told"), "collectlogs\n");
+  EXPECT_EQ(contentsOf("/tmp/output"), "collectlogs\n");
 }
 
 TEST_F(HelperInstallation, NoexecFolderIsReported) {

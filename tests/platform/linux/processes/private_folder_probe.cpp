@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
   } else if (task == "open") {
     platform::Workspace::sharedWorkspace().openURL("http://a");
   } else if (task == "collect") {
-    return platform::system("collectlogs >/tmp/told");
+    return platform::system("collectlogs >/tmp/output");
   } else {
     return 2;
   }

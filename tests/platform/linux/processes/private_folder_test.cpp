@@ -169,7 +169,7 @@ TEST_F(PrivateFolder, FailedCreationReturnsNullopt) {
   ::unsetenv("XDG_RUNTIME_DIR");
   setMode("/tmp", 0755);
   const auto finished = test_support::runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     if (::access("/tmp", W_OK) == 0) return 100;
     return privateFolder() ? 1 : 0;
   });
@@ -180,7 +180,7 @@ TEST_F(PrivateFolder, FailedCreationReturnsNullopt) {
 
 TEST_F(PrivateFolder, FoldersBelowTmpDifferBetweenUsers) {
   const auto finished = test_support::runForked([] {
-    if (!test_support::becomeNobody()) return test_support::kNotToBeHad;
+    if (!test_support::becomeNobody()) return test_support::kUnavailable;
     std::fputs(privateFolder().value_or("(none)").c_str(), stdout);
     return 0;
   });

@@ -41,7 +41,7 @@ std::vector<std::string> linesOf(const std::string& path) {
 class WebViewProcessTest : public testing::Test {
  protected:
   void SetUp() override {
-    helper_test::writeProgram(program_, "echo $$ >>'" + pids_ + "'; exec cat >>'" + told_ + "'");
+    helper_test::writeProgram(program_, "echo $$ >>'" + pids_ + "'; exec cat >>'" + received_ + "'");
   }
   void TearDown() override {
     process_.reset();
@@ -50,9 +50,9 @@ class WebViewProcessTest : public testing::Test {
   }
 
   void send(const std::string& address) { process_->send(program_, address); }
-  [[nodiscard]] std::vector<std::string> toldAfter(std::size_t count) const {
-    static_cast<void>(test_support::waitUntil([&] { return linesOf(told_).size() >= count; }));
-    return linesOf(told_);
+  [[nodiscard]] std::vector<std::string> receivedAfter(std::size_t count) const {
+    static_cast<void>(test_support::waitUntil([&] { return linesOf(received_).size() >= count; }));
+    return linesOf(received_);
   }
   // Kills the program that was started last; process_ has not noticed yet when this returns.
   void killProgram() const {
@@ -64,7 +64,7 @@ class WebViewProcessTest : public testing::Test {
 
   const std::string folder_ = helper_test::newFolder();
   const std::string program_ = folder_ + "/program";
-  const std::string told_ = folder_ + "/told";
+  const std::string received_ = folder_ + "/received";
   const std::string pids_ = folder_ + "/pids";
   std::unique_ptr<WebViewProcess> process_ = std::make_unique<WebViewProcess>();
 };
@@ -72,49 +72,49 @@ class WebViewProcessTest : public testing::Test {
 TEST_F(WebViewProcessTest, SendsAllAddressesToOneProgram) {
   send("http://a");
   send("http://b");
-  EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://b"));
+  EXPECT_THAT(receivedAfter(2), ElementsAre("http://a", "http://b"));
   EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 
 TEST_F(WebViewProcessTest, StartsNothingBeforeFirstAddress) {
   EXPECT_FALSE(fs::exists(pids_));
   send("http://a");
-  EXPECT_THAT(toldAfter(1), ElementsAre("http://a"));
+  EXPECT_THAT(receivedAfter(1), ElementsAre("http://a"));
 }
 
 TEST_F(WebViewProcessTest, KilledProgramIsRestartedForNextAddress) {
   send("http://a");
-  ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
+  ASSERT_THAT(receivedAfter(1), ElementsAre("http://a"));
   killProgram();
   send("http://b");
-  EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://b"));
+  EXPECT_THAT(receivedAfter(2), ElementsAre("http://a", "http://b"));
   EXPECT_THAT(linesOf(pids_), SizeIs(2));
 }
 
 TEST_F(WebViewProcessTest, KilledProgramIsReapedWithoutAnotherAddress) {
   send("http://a");
-  ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
+  ASSERT_THAT(receivedAfter(1), ElementsAre("http://a"));
   killProgram();
   EXPECT_TRUE(web_view_test::hasZombie());
   EXPECT_TRUE(serveEventsUntil([] { return !web_view_test::hasZombie(); }));
   send("http://b");
-  EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://b"));
+  EXPECT_THAT(receivedAfter(2), ElementsAre("http://a", "http://b"));
 }
 
 TEST_F(WebViewProcessTest, DestructorClosesInputOfProgram) {
-  helper_test::writeProgram(program_, "cat >'" + told_ + "'; echo end >>'" + told_ + "'");
+  helper_test::writeProgram(program_, "cat >'" + received_ + "'; echo end >>'" + received_ + "'");
   send("http://a");
   process_.reset();
-  EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "end"));
+  EXPECT_THAT(receivedAfter(2), ElementsAre("http://a", "end"));
 }
 
 TEST_F(WebViewProcessTest, MissingProgramIsIgnored) {
   fs::remove(program_);
   send("http://a");
   EXPECT_TRUE(serveEventsUntil([] { return !web_view_test::hasZombie(); }));
-  helper_test::writeProgram(program_, "exec cat >>'" + told_ + "'");
+  helper_test::writeProgram(program_, "exec cat >>'" + received_ + "'");
   send("http://b");
-  EXPECT_THAT(toldAfter(1), ElementsAre("http://b"));
+  EXPECT_THAT(receivedAfter(1), ElementsAre("http://b"));
 }
 
 TEST_F(WebViewProcessTest, ProgramWithoutExecutePermissionIsIgnored) {
@@ -140,13 +140,13 @@ TEST_F(WebViewProcessTest, HangingProgramIsReplacedAndKilledWithItsChildren) {
   helper_test::writeProgram(program_, "sleep 1000 & exec sleep 1000");
   send("http://a");
   ASSERT_TRUE(test_support::waitUntil([] { return web_view_test::processesNamed("sleep").size() == 2; }));
-  helper_test::writeProgram(program_ + " new", "exec cat >>'" + told_ + "'");
+  helper_test::writeProgram(program_ + " new", "exec cat >>'" + received_ + "'");
   ASSERT_TRUE(test_support::waitUntil([&] {
     process_->send(program_ + " new", "http://b");
-    return fs::exists(told_);
+    return fs::exists(received_);
   }));
   // The address may be sent more than once while the new program starts.
-  EXPECT_THAT(toldAfter(1), testing::AllOf(SizeIs(testing::Ge(1U)), testing::Each("http://b")));
+  EXPECT_THAT(receivedAfter(1), testing::AllOf(SizeIs(testing::Ge(1U)), testing::Each("http://b")));
   EXPECT_TRUE(test_support::waitUntil([] { return web_view_test::processesNamed("sleep").empty(); }));
 }
 
@@ -159,15 +159,15 @@ TEST_F(WebViewProcessTest, ReplacementOfHangingProgramGetsWholeTimeout) {
   helper_test::writeProgram(program_, "exec sleep 1000");
   const auto begin = Clock::now();
   send("http://a");
-  helper_test::writeProgram(
-      program_ + " new", "echo $$ >>'" + pids_ + "'; read line <'" + gate + "'; exec cat >>'" + told_ + "'");
+  helper_test::writeProgram(program_ + " new", "echo $$ >>'" + pids_ + "'; read line <'" + gate +
+                                                   "'; exec cat >>'" + received_ + "'");
   ASSERT_TRUE(test_support::waitUntil([&] { return Clock::now() - begin > patience + 100ms; }));
   const auto replaced = Clock::now();
   process_->send(program_ + " new", "http://b");
   process_->send(program_ + " new", "http://c");
   ASSERT_LT(Clock::now() - replaced, patience) << "the machine is too busy to tell";
   std::ofstream(gate) << "go\n";
-  EXPECT_THAT(toldAfter(2), ElementsAre("http://b", "http://c"));
+  EXPECT_THAT(receivedAfter(2), ElementsAre("http://b", "http://c"));
   EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 
@@ -175,7 +175,7 @@ TEST_F(WebViewProcessTest, ReadingProgramIsNotReplaced) {
   process_ = std::make_unique<WebViewProcess>(0ms);
   for (std::size_t i = 1; i <= 3; ++i) {
     send("http://a");
-    ASSERT_THAT(toldAfter(i), SizeIs(i));
+    ASSERT_THAT(receivedAfter(i), SizeIs(i));
   }
   EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
@@ -184,9 +184,9 @@ TEST_F(WebViewProcessTest, MultiLineOrOverlongAddressIsNotSent) {
   send("http://a\nhttp://b");
   send("http://" + std::string(70000, 'a'));
   EXPECT_FALSE(fs::exists(pids_));
-  const std::string longest(std::size_t{64} * 1024, 'a');
-  send(longest);
-  EXPECT_THAT(toldAfter(1), ElementsAre(longest));
+  const std::string longestAddress(std::size_t{64} * 1024, 'a');
+  send(longestAddress);
+  EXPECT_THAT(receivedAfter(1), ElementsAre(longestAddress));
 }
 
 TEST_F(WebViewProcessTest, ProgramInheritsNoSignalStateOrDescriptors) {
@@ -221,13 +221,13 @@ class WebViewProcessUnwatched : public WebViewProcessTest, public testing::WithP
 TEST_P(WebViewProcessUnwatched, KilledProgramIsReapedAtNextAddress) {
   withoutHandles([this] {
     send("http://a");
-    ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
+    ASSERT_THAT(receivedAfter(1), ElementsAre("http://a"));
     killProgram();
     const std::string dead = linesOf(pids_).back();
     EXPECT_FALSE(isReaped(dead));
     send("http://b");
     EXPECT_TRUE(isReaped(dead));
-    EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://b"));
+    EXPECT_THAT(receivedAfter(2), ElementsAre("http://a", "http://b"));
   });
 }
 
@@ -240,9 +240,9 @@ TEST_P(WebViewProcessUnwatched, HangingProgramIsReplaced) {
     const std::string stuck = std::to_string(web_view_test::processesNamed("sleep").front());
     ASSERT_TRUE(test_support::waitUntil([&] {
       send("http://b");
-      return fs::exists(told_) && isReaped(stuck);
+      return fs::exists(received_) && isReaped(stuck);
     }));
-    EXPECT_THAT(toldAfter(1), testing::Each("http://b"));
+    EXPECT_THAT(receivedAfter(1), testing::Each("http://b"));
   });
 }
 
@@ -250,10 +250,10 @@ INSTANTIATE_TEST_SUITE_P(Refusals, WebViewProcessUnwatched, testing::Values(ENOS
 
 TEST_F(WebViewProcessTest, AddressRefusedWithEmsgsizeIsDropped) {
   send("http://a");
-  ASSERT_THAT(toldAfter(1), ElementsAre("http://a"));
+  ASSERT_THAT(receivedAfter(1), ElementsAre("http://a"));
   ASSERT_TRUE(withRefusedCall(SYS_sendto, EMSGSIZE, [this] { send("http://b"); }));
   send("http://c");
-  EXPECT_THAT(toldAfter(2), ElementsAre("http://a", "http://c"));
+  EXPECT_THAT(receivedAfter(2), ElementsAre("http://a", "http://c"));
   EXPECT_THAT(linesOf(pids_), SizeIs(1));
 }
 

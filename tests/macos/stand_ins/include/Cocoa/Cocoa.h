@@ -21,7 +21,7 @@ extern "C" NSArray* standInSearchPaths(NSSearchPathDirectory directory, NSSearch
                                        BOOL expandTilde);
 #define NSSearchPathForDirectoriesInDomains standInSearchPaths
 
-// GNUstep's finds no match for the pattern "\\X", a grapheme.
+// GNUstep finds no match for the pattern "\\X", a grapheme.
 @interface StandInRegularExpression : NSRegularExpression
 + (StandInRegularExpression*)regularExpressionWithPattern:(NSString*)pattern
                                                   options:(NSRegularExpressionOptions)options

@@ -1,4 +1,4 @@
-#include "tests/faults/usage_account.h"
+#include "tests/faults/usage_check.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -46,7 +46,7 @@ int occurrences(const std::string& text, const std::string& bytes) {
 std::vector<std::string> filesThere() {
   std::vector<std::string> contents;
   for (const fs::path& file : usageFiles()) {
-    if (file != UsageAccount::waiting.path) contents.push_back(contentsOf(file));
+    if (file != UsageCheck::waiting.path) contents.push_back(contentsOf(file));
   }
   return contents;
 }
@@ -77,18 +77,18 @@ bool mayStay(const PastFile& file, const Uploads& uploads, const std::string& ca
                                       : std::ranges::count(silentBeforeUpload, call) > 0;
 }
 
-int startsKept(const Uploads& uploads, const AgentsWords& words) {
+int startsRetained(const Uploads& uploads, const UnusualOutput& output) {
   // If the version is unreadable, the start record differs.
-  const bool isUnknown = words.tellOf("0etBundleVersion fail");
-  return UsageAccount::kept(startRecord, uploads) +
-         (isUnknown ? UsageAccount::kept(startRecordWithoutVersion, uploads) : 0);
+  const bool isUnknown = output.contains("0etBundleVersion fail");
+  return UsageCheck::retained(startRecord, uploads) +
+         (isUnknown ? UsageCheck::retained(startRecordWithoutVersion, uploads) : 0);
 }
 
 }  // namespace
 
-const PastFile UsageAccount::waiting = {kFolder + "/Tovalin_2024_03_07.dat", kWaiting};
+const PastFile UsageCheck::waiting = {kFolder + "/Tovalin_2024_03_07.dat", kWaiting};
 
-void UsageAccount::begin(bool isFirstLaunch) {
+void UsageCheck::begin(bool isFirstLaunch) {
   *this = {};
   isFirstLaunch_ = isFirstLaunch;
   fs::remove_all(kFolder);
@@ -99,19 +99,19 @@ void UsageAccount::begin(bool isFirstLaunch) {
   std::ofstream(kOption) << kStoredOption;
 }
 
-int UsageAccount::written(const std::string& bytes) {
+int UsageCheck::written(const std::string& bytes) {
   int found = 0;
   for (const std::string& file : filesThere()) found += occurrences(file, bytes);
   return found;
 }
 
-int UsageAccount::writtenWhole(const std::string& bytes) {
+int UsageCheck::writtenWhole(const std::string& bytes) {
   int found = 0;
   for (const std::string& file : filesThere()) found += damageOf(file).empty() ? occurrences(file, bytes) : 0;
   return found;
 }
 
-int UsageAccount::kept(const std::string& bytes, const Uploads& uploads) {
+int UsageCheck::retained(const std::string& bytes, const Uploads& uploads) {
   int found = written(bytes);
   const auto there = filesThere();
   // A file that could not be deleted is in both; count it once.
@@ -120,7 +120,7 @@ int UsageAccount::kept(const std::string& bytes, const Uploads& uploads) {
   return found;
 }
 
-std::string UsageAccount::damage(const Uploads& uploads) const {
+std::string UsageCheck::damage(const Uploads& uploads) const {
   for (const std::string& file : filesThere()) {
     if (std::string damage = damageOf(file); !damage.empty()) return damage;
   }
@@ -133,34 +133,38 @@ std::string UsageAccount::damage(const Uploads& uploads) const {
   return damageOfUpload(waiting, uploads);
 }
 
-std::string UsageAccount::doublesOrLosses(int starts, const Uploads& uploads,
-                                          const AgentsWords& words) const {
-  if (startsKept(uploads, words) > starts || kept(quitRecord, uploads) > 2) return "starts or ends too often";
-  for (const auto& [record, number] : asked_) {
-    if (kept(record, uploads) > number) return "has a record twice";
+std::string UsageCheck::duplicatesOrLosses(int starts, const Uploads& uploads,
+                                           const UnusualOutput& output) const {
+  if (startsRetained(uploads, output) > starts || retained(quitRecord, uploads) > 2)
+    return "starts or ends too often";
+  for (const auto& [record, number] : expected_) {
+    if (retained(record, uploads) > number) return "has a record twice";
   }
   for (const auto& [record, number] : written_) {
-    if (kept(record, uploads) < number) return "has lost a record that was written";
+    if (retained(record, uploads) < number) return "has lost a record that was written";
   }
   return {};
 }
 
-std::string UsageAccount::missingRecords(int starts, int ends, bool hasPipe, const Uploads& uploads,
-                                         const AgentsWords& words) const {
-  if (startsKept(uploads, words) > starts || kept(quitRecord, uploads) > ends) return "starts or ends twice";
-  int missing = starts - startsKept(uploads, words) + ends - kept(quitRecord, uploads);
-  for (const auto& [record, number] : hasPipe ? asked_ : read_) missing += number - kept(record, uploads);
-  const int told = words.lostRecords();
-  if (missing <= told) return {};
-  return std::to_string(missing) + " records are lost, of which it tells " + std::to_string(told);
+std::string UsageCheck::missingRecords(int starts, int ends, bool hasPipe, const Uploads& uploads,
+                                       const UnusualOutput& output) const {
+  if (startsRetained(uploads, output) > starts || retained(quitRecord, uploads) > ends)
+    return "starts or ends twice";
+  int missing = starts - startsRetained(uploads, output) + ends - retained(quitRecord, uploads);
+  for (const auto& [record, number] : hasPipe ? expected_ : read_)
+    missing += number - retained(record, uploads);
+  const int reported = output.lostRecords();
+  if (missing <= reported) return {};
+  return std::to_string(missing) + " records are lost, of which " + std::to_string(reported) +
+         " are reported";
 }
 
-std::string UsageAccount::unsent(const std::vector<PastFile>& files, const std::string& call,
-                                 const Uploads& uploads, const AgentsWords& words) {
+std::string UsageCheck::unsent(const std::vector<PastFile>& files, const std::string& call,
+                               const Uploads& uploads, const UnusualOutput& output) {
   int unexplained = 0;
   for (const PastFile& file : files) {
     if (std::string damage = damageOfUpload(file, uploads); !damage.empty()) return damage;
     if (fs::exists(file.path) && !mayStay(file, uploads, call)) ++unexplained;
   }
-  return unexplained <= words.failedUploads() ? "" : "a past file was not sent, or is there still";
+  return unexplained <= output.failedUploads() ? "" : "a past file was not sent, or is there still";
 }

@@ -1,4 +1,4 @@
-#include "tests/end_to_end/usage/life_fixture.h"
+#include "tests/end_to_end/usage/random_session_fixture.h"
 
 #include <cstdlib>
 #include <ctime>
@@ -30,14 +30,14 @@ std::string fileNameOf(std::chrono::sys_days day) {
 
 }  // namespace
 
-unsigned LifeTest::seed() {
+unsigned RandomSessionTest::seed() {
   static const char* const asked = std::getenv("TOVALIN_SOAK_SEED");
   static const unsigned chosen =
       asked != nullptr && *asked != '\0' ? static_cast<unsigned>(std::atoi(asked)) : std::random_device()();
   return chosen;
 }
 
-void LifeTest::SetUp() {
+void RandomSessionTest::SetUp() {
   std::printf("seed %u\n", seed());
   removePipe();
   setUpAgent();
@@ -51,10 +51,10 @@ void LifeTest::SetUp() {
   placeScript("journalctl", std::string("echo '") + systemEntry + "'");
   setServers(server_->origin(), uploads_.testServer());
   server_->judgeUploads([this](const auto& request) { return uploads_.judge(request); });
-  for (auto& [name, value] : LifeClock::environment()) environment_[name] = value;
+  for (auto& [name, value] : FakeClock::environment()) environment_[name] = value;
 }
 
-void LifeTest::beginLife() {
+void RandomSessionTest::beginSession() {
   if (below(2) == 0) clock_.forward(24h);
   fs::create_directories(kFolder);
   std::ofstream(kFolder + "/TovalinServerOption.txt") << below(2);
@@ -68,49 +68,49 @@ void LifeTest::beginLife() {
   ASSERT_NO_FATAL_FAILURE(waitUntilIdle());
 }
 
-void LifeTest::endByMenu() {
+void RandomSessionTest::endByMenu() {
   choose("Quit Tovalin");
   ASSERT_EQ(endOfAgent(), ExitStatus{.code = 0});
   written_["end"] += 2;
 }
 
-void LifeTest::endBySignal() {
+void RandomSessionTest::endBySignal() {
   terminateAgent();
   ++written_["end"];
 }
 
-void LifeTest::endByForce() {
+void RandomSessionTest::endByForce() {
   agent_.kill();
   ASSERT_TRUE(agent_.wait());
 }
 
-const std::vector<LifeTest::Act>& LifeTest::everyAct() {
+const std::vector<RandomSessionTest::Act>& RandomSessionTest::everyAct() {
   static const std::vector<Act> all = {
-      {"record", 30, &LifeTest::record},
-      {"message without record", 5, &LifeTest::recordNothing},
-      {"access notice", 8, &LifeTest::showAccessNotice},
-      {"loading notice", 8, &LifeTest::showLoadingNotice},
-      {"both notices", 5, &LifeTest::showBothNotices},
-      {"both notices crosswise", 5, &LifeTest::showBothCrosswise},
-      {"notice twice", 4, &LifeTest::showTwice},
-      {"switch", 6, &LifeTest::useSwitch},
-      {"switch without reader", 3, &LifeTest::useSwitchWithoutReader},
-      {"switch without pipe", 3, &LifeTest::useSwitchWithoutPipe},
-      {"support window", 4, &LifeTest::lookAtSupport},
-      {"support window offline", 3, &LifeTest::lookAtSupportOffline},
-      {"support window with sheet", 3, &LifeTest::openSheet},
-      {"logs collected", 2, &LifeTest::collectLogs},
-      {"update", 3, &LifeTest::update},
-      {"notice over support window", 3, &LifeTest::showNoticeOverSupport},
-      {"support window over notice", 3, &LifeTest::openSupportOverNotice},
-      {"appearance", 8, &LifeTest::flipAppearance},
-      {"tray host", 3, &LifeTest::restartHost},
-      {"midnight", 3, &LifeTest::passMidnight},
+      {"record", 30, &RandomSessionTest::record},
+      {"message without record", 5, &RandomSessionTest::recordNothing},
+      {"access notice", 8, &RandomSessionTest::showAccessNotice},
+      {"loading notice", 8, &RandomSessionTest::showLoadingNotice},
+      {"both notices", 5, &RandomSessionTest::showBothNotices},
+      {"both notices crosswise", 5, &RandomSessionTest::showBothCrosswise},
+      {"notice twice", 4, &RandomSessionTest::showTwice},
+      {"switch", 6, &RandomSessionTest::useSwitch},
+      {"switch without reader", 3, &RandomSessionTest::useSwitchWithoutReader},
+      {"switch without pipe", 3, &RandomSessionTest::useSwitchWithoutPipe},
+      {"support window", 4, &RandomSessionTest::lookAtSupport},
+      {"support window offline", 3, &RandomSessionTest::lookAtSupportOffline},
+      {"support window with sheet", 3, &RandomSessionTest::openSheet},
+      {"logs collected", 2, &RandomSessionTest::collectLogs},
+      {"update", 3, &RandomSessionTest::update},
+      {"notice over support window", 3, &RandomSessionTest::showNoticeOverSupport},
+      {"support window over notice", 3, &RandomSessionTest::openSupportOverNotice},
+      {"appearance", 8, &RandomSessionTest::flipAppearance},
+      {"tray host", 3, &RandomSessionTest::restartHost},
+      {"midnight", 3, &RandomSessionTest::passMidnight},
   };
   return all;
 }
 
-void LifeTest::act() {
+void RandomSessionTest::act() {
   int weights = 0;
   for (const Act& each : everyAct()) weights += each.weight;
   int drawn = static_cast<int>(below(static_cast<unsigned>(weights)));
@@ -120,13 +120,13 @@ void LifeTest::act() {
   }
 }
 
-void LifeTest::actOutAll() {
+void RandomSessionTest::performAll() {
   for (const Act& each : everyAct()) {
     if (!HasFatalFailure()) play(each);
   }
 }
 
-void LifeTest::play(const Act& act) {
+void RandomSessionTest::play(const Act& act) {
   SCOPED_TRACE(std::string(act.name) + ", seed " + std::to_string(seed()));
   timeline_.clear();
   host_.clearEvents();
@@ -140,36 +140,36 @@ void LifeTest::play(const Act& act) {
   waitUntilIdle();
 }
 
-void LifeTest::showEverything() {
+void RandomSessionTest::showEverything() {
   showBothNotices();
   lookAtSupport();
   for (int i = 0; i < 2; ++i) flipAppearance();
   waitUntilIdle();
 }
 
-void LifeTest::sendRecord() {
-  const LifeMessage message = messages_.next();
+void RandomSessionTest::sendRecord() {
+  const DataMessage message = messages_.next();
   send(message.bytes);
   for (const std::string& each : message.records) ++written_[each];
 }
 
-void LifeTest::record() {
+void RandomSessionTest::record() {
   for (unsigned left = 1 + below(5); left > 0 && !HasFatalFailure(); --left) sendRecord();
 }
 
-void LifeTest::recordNothing() {
+void RandomSessionTest::recordNothing() {
   send(messages_.nextWithoutRecord().bytes);
   send("-nothing");
 }
 
-void LifeTest::showAccessNotice() {
+void RandomSessionTest::showAccessNotice() {
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
   send("-noff");
   ASSERT_TRUE(hides(isAccessNotice));
 }
 
-void LifeTest::showLoadingNotice() {
+void RandomSessionTest::showLoadingNotice() {
   send("-neon");
   ASSERT_TRUE(shows(isLoadingNotice));
   send("-neoff");
@@ -177,7 +177,7 @@ void LifeTest::showLoadingNotice() {
   ASSERT_TRUE(waitForText("run: osascript"));
 }
 
-void LifeTest::showBothNotices() {
+void RandomSessionTest::showBothNotices() {
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
   ASSERT_NO_FATAL_FAILURE(showLoadingNotice());
@@ -185,7 +185,7 @@ void LifeTest::showBothNotices() {
   ASSERT_TRUE(hides(isAccessNotice));
 }
 
-void LifeTest::showBothCrosswise() {
+void RandomSessionTest::showBothCrosswise() {
   send("-neon");
   send("-non");
   ASSERT_TRUE(shows(isLoadingNotice) && shows(isAccessNotice));
@@ -196,51 +196,51 @@ void LifeTest::showBothCrosswise() {
   ASSERT_TRUE(hides(isAccessNotice));
 }
 
-void LifeTest::showTwice() {
+void RandomSessionTest::showTwice() {
   for (const char* message : {"-non", "-non"}) send(message);
   ASSERT_TRUE(shows(isAccessNotice));
   for (const char* message : {"-noff", "-noff"}) send(message);
   ASSERT_TRUE(hides(isAccessNotice));
 }
 
-void LifeTest::flipSwitch() {
+void RandomSessionTest::flipSwitch() {
   ASSERT_NO_FATAL_FAILURE(choose(automount_ ? "Automount Off" : "Automount On"));
   automount_ = !automount_;
   const char* const next = automount_ ? "Automount Off" : "Automount On";
   ASSERT_TRUE(waitUntil([&] { return host_.menu().front().label == next; }));
 }
 
-void LifeTest::useSwitch() {
+void RandomSessionTest::useSwitch() {
   ASSERT_NO_FATAL_FAILURE(flipSwitch());
   ASSERT_TRUE(waitForText(automount_ ? "pipe: -m" : "pipe: -u"));
 }
 
-void LifeTest::useSwitchWithoutReader() {
+void RandomSessionTest::useSwitchWithoutReader() {
   const PipeAway away;
   ASSERT_TRUE(PipeAway::putUnread());
   flipSwitch();
   waitUntilIdle();
 }
 
-void LifeTest::useSwitchWithoutPipe() {
+void RandomSessionTest::useSwitchWithoutPipe() {
   const PipeAway away;
   flipSwitch();
   waitUntilIdle();
 }
 
-void LifeTest::lookAtSupport() {
+void RandomSessionTest::lookAtSupport() {
   ASSERT_NO_FATAL_FAILURE(openWindow());
   closeWindow();
 }
 
-void LifeTest::lookAtSupportOffline() {
+void RandomSessionTest::lookAtSupportOffline() {
   server_->holdFilesBack(true);
   lookAtSupport();
   waitUntilIdle();
   server_->holdFilesBack(false);
 }
 
-void LifeTest::openSheet() {
+void RandomSessionTest::openSheet() {
   ASSERT_NO_FATAL_FAILURE(openWindow());
   clickAt(logMiddle);
   ASSERT_TRUE(sheetIsUp());
@@ -249,7 +249,7 @@ void LifeTest::openSheet() {
   closeWindow();
 }
 
-void LifeTest::collectLogs() {
+void RandomSessionTest::collectLogs() {
   ASSERT_NO_FATAL_FAILURE(openWindow());
   ASSERT_NO_FATAL_FAILURE(collect());
   press("Escape");
@@ -262,7 +262,7 @@ void LifeTest::collectLogs() {
 
 // The button is disabled if the version was not fetched within the agent's timeout, which the fast clock
 // shortens.
-void LifeTest::update() {
+void RandomSessionTest::update() {
   ASSERT_NO_FATAL_FAILURE(openWindow());
   clickAt(updateMiddle);
   if (timeline_.waitFor("run: open /tmp/tovalinupdate.app", 5s)) {
@@ -273,14 +273,14 @@ void LifeTest::update() {
   closeWindow();
 }
 
-void LifeTest::showNoticeOverSupport() {
+void RandomSessionTest::showNoticeOverSupport() {
   ASSERT_NO_FATAL_FAILURE(openWindow());
   ASSERT_NO_FATAL_FAILURE(showAccessNotice());
   closeWindow();
 }
 
 // The end of the notice stops the modal run of the window opened last.
-void LifeTest::openSupportOverNotice() {
+void RandomSessionTest::openSupportOverNotice() {
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
   ASSERT_NO_FATAL_FAILURE(openWindow());
@@ -289,13 +289,13 @@ void LifeTest::openSupportOverNotice() {
   closeWindow();
 }
 
-void LifeTest::flipAppearance() {
+void RandomSessionTest::flipAppearance() {
   dark_ = !dark_;
   ASSERT_TRUE(portal_.set(dark_ ? "1" : "2"));
   ASSERT_TRUE(host_.waitForEvent("NewIcon"));
 }
 
-void LifeTest::restartHost() {
+void RandomSessionTest::restartHost() {
   host_.process().kill();
   ASSERT_TRUE(host_.process().wait());
   record();
@@ -306,7 +306,7 @@ void LifeTest::restartHost() {
 // Writes records before, at and after midnight, then advances to the minute of the day's uploads, which comes
 // once an hour and may be the first one of the day. A step may skip it, so several hours are tried in uneven
 // steps. Steps are short, because each reduces the time that an upload under way waits for its reply.
-void LifeTest::passMidnight() {
+void RandomSessionTest::passMidnight() {
   const std::size_t past = usageFiles().size(), before = uploads_.arrived();
   const auto midnight = clock_.today() + std::chrono::days(1);
   clock_.forwardTo(midnight - 3s);
@@ -321,26 +321,26 @@ void LifeTest::passMidnight() {
 }
 
 // Waits for the uploads of `past` files, and for the deletion of those that were accepted.
-void LifeTest::waitForUploads(std::size_t before, std::size_t past) {
+void RandomSessionTest::waitForUploads(std::size_t before, std::size_t past) {
   ASSERT_TRUE(waitUntil([&] { return uploads_.arrived() >= before + past; }, 60s))
       << uploads_.arrived() - before << " of " << past << " files were sent to server " << serverOption()
       << agentsState();
-  ASSERT_TRUE(waitUntil([&] { return uploads_.complaints(pastFiles()).empty(); }))
-      << testing::PrintToString(uploads_.complaints(pastFiles()));
+  ASSERT_TRUE(waitUntil([&] { return uploads_.errors(pastFiles()).empty(); }))
+      << testing::PrintToString(uploads_.errors(pastFiles()));
 }
 
 // The main thread answers, so it has completed all earlier work except what the menu's Quit begins. Uploads
 // may be under way.
-void LifeTest::waitUntilIdle() {
+void RandomSessionTest::waitUntilIdle() {
   const auto answer = host_.ask("properties", 60s);
   ASSERT_TRUE(answer.ok) << answer.text << ", after " << uploads_.arrived() << " uploads" << agentsState();
 }
 
-std::string LifeTest::serverOption() {
+std::string RandomSessionTest::serverOption() {
   return contentsOf(kFolder + "/TovalinServerOption.txt");
 }
 
-std::string LifeTest::agentsState() {
+std::string RandomSessionTest::agentsState() {
   if (!agent_.running()) {
     const auto status = agent_.wait();
     return "\nthe agent has ended, " +
@@ -357,13 +357,13 @@ std::string LifeTest::agentsState() {
   return state + "server " + serverOption() + ", the agent's last words:\n" + agent_.takeErrorOutput();
 }
 
-std::string LifeTest::windowsState() {
+std::string RandomSessionTest::windowsState() {
   return "\nthe windows, hidden ones too:\n" + runOnDisplay({"xwininfo", "-root", "-tree"}) +
          runOnDisplay({"xprop", "-root", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST_STACKING"}) +
          "the keyboard goes to " + runOnDisplay({"xdotool", "getwindowfocus"});
 }
 
-RecordCounts LifeTest::recordsLeft() {
+RecordCounts RandomSessionTest::recordsLeft() {
   RecordCounts counts;
   for (const fs::path& file : usageFiles())
     EXPECT_TRUE(countRecords(contentsOf(file), counts))
@@ -371,7 +371,7 @@ RecordCounts LifeTest::recordsLeft() {
   return counts;
 }
 
-std::set<std::string> LifeTest::pastFiles() const {
+std::set<std::string> RandomSessionTest::pastFiles() const {
   std::set<std::string> files;
   for (const fs::path& file : usageFiles()) {
     if (file.filename() != fileNameOf(clock_.today())) files.insert(contentsOf(file));
@@ -379,7 +379,7 @@ std::set<std::string> LifeTest::pastFiles() const {
   return files;
 }
 
-long LifeTest::threads() const {
+long RandomSessionTest::threads() const {
   const fs::directory_iterator all("/proc/" + std::to_string(agent_.pid()) + "/task");
   return std::distance(begin(all), end(all));
 }

@@ -7,15 +7,16 @@
 #include "tests/faults/faulty_agent.h"
 
 // A session with fixed steps in which calls fail: its steps and the checks after them.
-class Life {
+class ScriptedSession {
  public:
-  explicit Life(FaultyAgent& agent, Expected expected = {}) : run_(agent), expected_(std::move(expected)) {}
-  virtual ~Life() = default;
-  Life(const Life&) = delete;
-  Life& operator=(const Life&) = delete;
+  explicit ScriptedSession(FaultyAgent& agent, Expected expected = {})
+      : run_(agent), expected_(std::move(expected)) {}
+  virtual ~ScriptedSession() = default;
+  ScriptedSession(const ScriptedSession&) = delete;
+  ScriptedSession& operator=(const ScriptedSession&) = delete;
 
   // Runs the steps, beginning with the agent's start.
-  virtual void lead() = 0;
+  virtual void play() = 0;
   // Checks the agent after the steps, including its end.
   [[nodiscard]] virtual Outcome judge() { return run_.judge(); }
   [[nodiscard]] const Expected& expected() const { return expected_; }
@@ -29,13 +30,13 @@ class Life {
 
 // Launch with an update, upload, records, the switch, the support window, a notice, the end. Calls fail from
 // the first one on.
-class ShortLife : public Life {
+class ShortSession : public ScriptedSession {
  public:
-  static constexpr const char* title = "short life";
+  static constexpr const char* title = "short session";
 
-  using Life::Life;
+  using ScriptedSession::ScriptedSession;
 
-  void lead() override;
+  void play() override;
   [[nodiscard]] Outcome judge() override;
 
  private:
@@ -48,44 +49,44 @@ class ShortLife : public Life {
 };
 
 // Calls fail in the user's first launch, which creates the settings.
-class FirstLaunchLife : public Life {
+class FirstLaunchSession : public ScriptedSession {
  public:
   static constexpr const char* title = "first launch";
 
-  explicit FirstLaunchLife(FaultyAgent& agent) : Life(agent, {.isFirstLaunch = true}) {}
+  explicit FirstLaunchSession(FaultyAgent& agent) : ScriptedSession(agent, {.isFirstLaunch = true}) {}
 
-  void lead() override {
-    run_.injector_.letCallsFail();
-    run_.launchToItsEnd();
+  void play() override {
+    run_.injector_.injectFailures();
+    run_.launchCompletely();
   }
 };
 
 // Calls fail while the support window collects the logs.
-class LogCollectionLife : public Life {
+class LogCollectionSession : public ScriptedSession {
  public:
   static constexpr const char* title = "collection of logs";
 
-  using Life::Life;
+  using ScriptedSession::ScriptedSession;
 
-  void lead() override;
+  void play() override;
   [[nodiscard]] Outcome judge() override;
 
  private:
   void collectLogs();
   [[nodiscard]] bool isShaded() const;
-  [[nodiscard]] test_support::XPicture sheetsMessage() const;
+  [[nodiscard]] test_support::XPicture sheetMessage() const;
 
-  bool toldOfItsEnd_ = false;
+  bool hasReportedEnd_ = false;
 };
 
 // Calls fail while the support window copies and opens the updater.
-class UpdateLife : public Life {
+class UpdateSession : public ScriptedSession {
  public:
   static constexpr const char* title = "update";
 
-  using Life::Life;
+  using ScriptedSession::ScriptedSession;
 
-  void lead() override;
+  void play() override;
   [[nodiscard]] Outcome judge() override;
 
  private:
@@ -95,13 +96,13 @@ class UpdateLife : public Life {
 };
 
 // Calls fail from before midnight until after the day's upload; records are written on both days.
-class MidnightLife : public Life {
+class MidnightSession : public ScriptedSession {
  public:
   static constexpr const char* title = "midnight";
 
-  explicit MidnightLife(FaultyAgent& agent);
+  explicit MidnightSession(FaultyAgent& agent);
 
-  void lead() override;
+  void play() override;
   [[nodiscard]] Outcome judge() override;
 
  private:
@@ -112,13 +113,13 @@ class MidnightLife : public Life {
 };
 
 // Calls fail in a second process, which is started while the agent runs and delegates to it.
-class SecondStartLife : public Life {
+class SecondStartSession : public ScriptedSession {
  public:
   static constexpr const char* title = "second start";
 
-  using Life::Life;
+  using ScriptedSession::ScriptedSession;
 
-  void lead() override;
+  void play() override;
   [[nodiscard]] Outcome judge() override;
 
  private:
@@ -130,23 +131,24 @@ class SecondStartLife : public Life {
 };
 
 // Calls fail in a second process whose predecessor ends without answering it, so that it starts over.
-class StartOverLife : public Life {
+class StartOverSession : public ScriptedSession {
  public:
   static constexpr const char* title = "start over";
 
-  explicit StartOverLife(FaultyAgent& agent) : Life(agent, {.starts = 2}) {}
+  explicit StartOverSession(FaultyAgent& agent) : ScriptedSession(agent, {.starts = 2}) {}
 
-  void lead() override;
+  void play() override;
 };
 
 // Calls fail in a process without a display, which ends.
-class DisplaylessLife : public Life {
+class DisplaylessSession : public ScriptedSession {
  public:
   static constexpr const char* title = "launch without a display";
 
-  explicit DisplaylessLife(FaultyAgent& agent) : Life(agent, {.survival = Survival::EndedWithMessage}) {}
+  explicit DisplaylessSession(FaultyAgent& agent)
+      : ScriptedSession(agent, {.survival = Survival::EndedWithMessage}) {}
 
-  void lead() override;
+  void play() override;
   [[nodiscard]] Outcome judge() override;
 };
 
@@ -168,12 +170,12 @@ class BundleLoss {
 };
 
 // Calls fail while a folder of the bundle is moved and the bundle is removed, which ends the agent.
-class RemovalLife : public Life {
+class RemovalSession : public ScriptedSession {
  public:
   static constexpr const char* title = "removal of the bundle";
 
-  using Life::Life;
-  void lead() override;
+  using ScriptedSession::ScriptedSession;
+  void play() override;
   [[nodiscard]] Outcome judge() override { return loss_.judge(); }
 
  private:
@@ -181,12 +183,12 @@ class RemovalLife : public Life {
 };
 
 // Calls fail from the launch on, so that there may be no watch when the bundle is renamed.
-class WatchLife : public Life {
+class WatchSession : public ScriptedSession {
  public:
   static constexpr const char* title = "watch on the bundle";
 
-  using Life::Life;
-  void lead() override;
+  using ScriptedSession::ScriptedSession;
+  void play() override;
   [[nodiscard]] Outcome judge() override { return loss_.judge(); }
 
  private:

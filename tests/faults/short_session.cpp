@@ -1,31 +1,31 @@
 #include <optional>
 
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 
 using namespace std::chrono_literals;
 
-void ShortLife::lead() {
-  run_.injector_.letCallsFail();
-  run_.launchToItsEnd();
+void ShortSession::play() {
+  run_.injector_.injectFailures();
+  run_.launchCompletely();
   record();
   useSwitch();
   useSupportWindow();
 }
 
-void ShortLife::record() {
+void ShortSession::record() {
   run_.sendRecord(deviceMessage, deviceRecord);
   run_.sendRecord(transferMessage, transferRecord);
 }
 
-void ShortLife::useSwitch() {
-  hasSwitched_ = run_.agent_.running() && run_.turnsTheSwitch() && run_.comesTrue([&] {
-    return run_.count("pipe: -u") == 1 || run_.words().tellOfTheCommandPipe();
+void ShortSession::useSwitch() {
+  hasSwitched_ = run_.agent_.running() && run_.switchWorks() && run_.comesTrue([&] {
+    return run_.count("pipe: -u") == 1 || run_.unusualOutput().reportsCommandPipeError();
   });
 }
 
-void ShortLife::useSupportWindow() {
+void ShortSession::useSupportWindow() {
   hasOpened_ = false;
-  if (!run_.agent_.running() || !run_.showsItsMenu() || !run_.host_.click("Support Tovalin")) return;
+  if (!run_.agent_.running() || !run_.showsMenu() || !run_.host_.click("Support Tovalin")) return;
   std::optional<test_support::XWindow> window;
   // The server's replies for the window may be late or missing.
   hasOpened_ = test_support::waitUntil([&] {
@@ -36,7 +36,7 @@ void ShortLife::useSupportWindow() {
   if (hasOpened_) run_.closeSupportWindow(window->id);
 }
 
-Outcome ShortLife::judge() {
+Outcome ShortSession::judge() {
   Outcome outcome = run_.judge();
   if (outcome.survival != Survival::Served && outcome.survival != Survival::ServedWithoutPipe) return outcome;
   if (!hasSwitched_) return {Survival::Failed, "does not switch: " + outcome.detail};

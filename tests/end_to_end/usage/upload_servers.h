@@ -8,17 +8,17 @@
 #include <string>
 #include <vector>
 
-#include "tests/end_to_end/usage/life_records.h"
+#include "tests/end_to_end/usage/session_records.h"
 #include "tests/harness/servers/product_server_double.h"
 #include "tests/harness/servers/raw_http_server.h"
 
 // The two upload servers, which accept some uploads and fail others, and a record of the outcomes.
 // Thread-safe.
-class LifeUploads {
+class UploadServers {
  public:
-  // `letSomeTimePass` is called repeatedly while a server leaves an upload without a reply. It must advance
+  // `advanceClock` is called repeatedly while a server leaves an upload without a reply. It must advance
   // the clock by much less than an upload's timeout.
-  LifeUploads(unsigned seed, std::function<void()> letSomeTimePass);
+  UploadServers(unsigned seed, std::function<void()> advanceClock);
 
   // The test upload server, with all outcomes.
   [[nodiscard]] std::string testServer() const {
@@ -29,28 +29,36 @@ class LifeUploads {
 
   // Returns how many uploads have completed with some outcome.
   [[nodiscard]] std::size_t arrived() const;
-  [[nodiscard]] std::size_t taken() const;
-  [[nodiscard]] RecordCounts recordsTaken() const;
+  [[nodiscard]] std::size_t accepted() const;
+  [[nodiscard]] RecordCounts recordsAccepted() const;
   // Returns errors, given the contents of the remaining past files: a file that was damaged or accepted
   // twice, or that is gone without having been accepted.
-  [[nodiscard]] std::vector<std::string> complaints(const std::set<std::string>& filesLeft) const;
+  [[nodiscard]] std::vector<std::string> errors(const std::set<std::string>& filesLeft) const;
 
  private:
   // Successes first. Of the failures, the product server uses only the first.
-  enum class Fate { Taken, TakenWithoutText, TakenWithAnError, NotText, Reset, Silence, HalfAnAnswer };
+  enum class Outcome {
+    Accepted,
+    AcceptedWithoutText,
+    AcceptedWithErrorStatus,
+    InvalidUtf8,
+    Reset,
+    NoReply,
+    TruncatedReply
+  };
 
-  [[nodiscard]] Fate nextFate(unsigned waysToFail);
+  [[nodiscard]] Outcome nextOutcome(unsigned failures);
   void serve(test_support::RawConnection& connection);
-  void leaveWithoutAnswer(test_support::RawConnection& connection);
-  void enter(const std::string& file, bool taken);
+  void leaveUnanswered(test_support::RawConnection& connection);
+  void add(const std::string& file, bool accepted);
 
-  std::function<void()> letSomeTimePass_;
+  std::function<void()> advanceClock_;
   mutable std::mutex mutex_;
   std::mt19937 random_;
   std::size_t arrived_ = 0;
   std::set<std::string> days_;
   std::set<std::string> failed_;
   RecordCounts records_;
-  std::vector<std::string> complaints_;
+  std::vector<std::string> errors_;
   test_support::RawHttpServer server_;  // last, because it uses the members above
 };

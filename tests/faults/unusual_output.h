@@ -5,15 +5,15 @@
 #include <vector>
 
 // The unusual lines of the agent's log and console: everything that it does not print in every session.
-class AgentsWords {
+class UnusualOutput {
  public:
   // `log` holds the events of the timeline; events other than "log PRIORITY: TEXT" are ignored.
-  AgentsWords(const std::vector<std::string>& log, const std::string& console);
+  UnusualOutput(const std::vector<std::string>& log, const std::string& console);
 
   // Returns the first unusual line; empty if there is none.
   [[nodiscard]] std::string first() const { return unusual_.empty() ? std::string() : unusual_.front(); }
   // Returns whether a line contains `text`.
-  [[nodiscard]] bool tellOf(std::string_view text) const;
+  [[nodiscard]] bool contains(std::string_view text) const;
 
   // Returns how many lines contain `text`.
   [[nodiscard]] int count(std::string_view text) const;
@@ -22,10 +22,10 @@ class AgentsWords {
   // messages do not explain a loss.
   [[nodiscard]] int lostRecords() const;
   [[nodiscard]] int failedUploads() const { return failedUploads_; }
-  [[nodiscard]] bool tellOfTheEnd() const;
-  [[nodiscard]] bool tellThatThePipeIsGone() const;
+  [[nodiscard]] bool reportsFatalError() const;
+  [[nodiscard]] bool reportsLostPipe() const;
   // Returns whether a message to the main application was lost.
-  [[nodiscard]] bool tellOfTheCommandPipe() const;
+  [[nodiscard]] bool reportsCommandPipeError() const;
 
  private:
   std::vector<std::string> unusual_;

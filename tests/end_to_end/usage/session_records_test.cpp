@@ -1,4 +1,4 @@
-#include "tests/end_to_end/usage/life_records.h"
+#include "tests/end_to_end/usage/session_records.h"
 
 #include <gtest/gtest.h>
 
@@ -23,18 +23,18 @@ std::string fileWithEndOn(int day) {
          quitRecord(dayOfMarch2024(day));
 }
 
-TEST(LifeRecords, RecordOfSameDayIsCounted) {
+TEST(SessionRecords, RecordOfSameDayIsCounted) {
   RecordCounts counts;
   EXPECT_TRUE(countRecords(fileWithEndOn(6), counts));
   EXPECT_EQ(counts["end"], 1);
 }
 
-TEST(LifeRecords, RecordOfOtherDayIsRejected) {
+TEST(SessionRecords, RecordOfOtherDayIsRejected) {
   RecordCounts counts;
   EXPECT_FALSE(countRecords(fileWithEndOn(7), counts));
 }
 
-TEST(LifeRecords, TruncatedRecordIsRejected) {
+TEST(SessionRecords, TruncatedRecordIsRejected) {
   RecordCounts counts;
   std::string file = fileWithEndOn(6);
   file.pop_back();

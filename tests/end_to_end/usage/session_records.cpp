@@ -1,4 +1,4 @@
-#include "tests/end_to_end/usage/life_records.h"
+#include "tests/end_to_end/usage/session_records.h"
 
 #include <variant>
 
@@ -64,11 +64,11 @@ std::string differenceOf(const RecordCounts& written, const RecordCounts& found)
   return lines;
 }
 
-LifeMessage LifeMessages::next() {
+DataMessage DataMessages::next() {
   return below(2) == 0 ? deviceEvent() : transfers();
 }
 
-LifeMessage LifeMessages::deviceEvent() {
+DataMessage DataMessages::deviceEvent() {
   const unsigned dataCommand = 3 + below(2);
   const std::string name =
       below(4) == 0 ? "" : "Pad " + std::to_string(++serial_) + std::string(below(50), '+');
@@ -78,9 +78,9 @@ LifeMessage LifeMessages::deviceEvent() {
 
 // An entry of a kind other than 1 and 2 is recorded with the kind of the previous entry; the first one with
 // 1.
-LifeMessage LifeMessages::transfers() {
+DataMessage DataMessages::transfers() {
   const unsigned count = 1 + below(layout::maxEntries);
-  LifeMessage message{tools::collectMessage(tools::transferMessageSize(count), layout::transfers)};
+  DataMessage message{tools::collectMessage(tools::transferMessageSize(count), layout::transfers)};
   putLittleEndian(message.bytes, layout::entryCountOffset, count, 4);
   unsigned recorded = 1;
   for (unsigned index = 0; index < count; ++index) {
@@ -94,9 +94,9 @@ LifeMessage LifeMessages::transfers() {
   return message;
 }
 
-LifeMessage LifeMessages::nextWithoutRecord() {
+DataMessage DataMessages::nextWithoutRecord() {
   if (below(2) == 0) return {tools::collectMessage(layout::deviceNameOffset + 1, 5)};
-  LifeMessage message{tools::collectMessage(layout::size - 1, layout::transfers)};
+  DataMessage message{tools::collectMessage(layout::size - 1, layout::transfers)};
   putLittleEndian(message.bytes, layout::entryCountOffset, below(2) == 0 ? 0 : layout::maxEntries + 1, 4);
   return message;
 }

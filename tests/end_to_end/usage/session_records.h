@@ -19,26 +19,26 @@ using RecordCounts = std::map<std::string, long>;
 [[nodiscard]] std::string differenceOf(const RecordCounts& written, const RecordCounts& found);
 
 // A "-ncdat" message and the records that it must produce.
-struct LifeMessage {
+struct DataMessage {
   std::string bytes;
   std::vector<std::string> records = {};
 };
 
 // Creates messages with distinct records, except for those of unknown devices.
-class LifeMessages {
+class DataMessages {
  public:
-  explicit LifeMessages(std::mt19937& random) : random_(random) {}
+  explicit DataMessages(std::mt19937& random) : random_(random) {}
 
   // Returns a message that produces records: events of named and unknown devices, and 1 to 30 transfers at
   // once.
-  [[nodiscard]] LifeMessage next();
+  [[nodiscard]] DataMessage next();
   // Returns a message that produces none: an unknown data command or an invalid count.
-  [[nodiscard]] LifeMessage nextWithoutRecord();
+  [[nodiscard]] DataMessage nextWithoutRecord();
 
  private:
   [[nodiscard]] unsigned below(unsigned end) { return static_cast<unsigned>(random_()) % end; }
-  [[nodiscard]] LifeMessage deviceEvent();
-  [[nodiscard]] LifeMessage transfers();
+  [[nodiscard]] DataMessage deviceEvent();
+  [[nodiscard]] DataMessage transfers();
 
   std::mt19937& random_;
   std::uint64_t serial_ = 0;

@@ -8,12 +8,12 @@
 
 // The fake clocks of one process at a time, which is started with `environment()`. They run `rate` times as
 // fast as the test's clock, and can be put forward while the process runs. Thread-safe.
-class LifeClock {
+class FakeClock {
  public:
   using Time = std::chrono::sys_seconds;
   static constexpr int rate = 4;
 
-  explicit LifeClock(Time begin);
+  explicit FakeClock(Time begin);
 
   [[nodiscard]] static std::map<std::string, std::optional<std::string>> environment();
 

@@ -1,4 +1,4 @@
-#include "tests/faults/agents_words.h"
+#include "tests/faults/unusual_output.h"
 
 #include <algorithm>
 #include <iterator>
@@ -7,13 +7,14 @@
 namespace {
 
 // Matched in the console log only, because the system log may hold a second entry about a lost start record.
-constexpr std::string_view lostRecord[] = {"open log failed: ", "write log failed: "};
+constexpr std::string_view lostRecordErrors[] = {"open log failed: ", "write log failed: "};
 constexpr std::string_view failedUpload = "] (null)";
-constexpr std::string_view pipeGone[] = {"notiThread] open pipe error", "notiThread] pipe select error"};
-constexpr std::string_view commandPipe[] = {"log 3: open pipe failed. ", "log 3: select failed. ",
-                                            "log 3: write error. "};
+constexpr std::string_view lostPipeErrors[] = {"notiThread] open pipe error",
+                                               "notiThread] pipe select error"};
+constexpr std::string_view commandPipeErrors[] = {"log 3: open pipe failed. ", "log 3: select failed. ",
+                                                  "log 3: write error. "};
 // Prefixes of the fatal error messages.
-constexpr std::string_view endMessages[] = {
+constexpr std::string_view fatalErrors[] = {
     "out of memory",    "cannot create the signal pipe: ", "cannot install a signal handler: ",
     "cannot restart: ", "cannot open the display ",        "not inside a main application's bundle"};
 
@@ -30,7 +31,7 @@ bool isUnusualLine(const std::string& line) {
 }
 
 // Removes the prefix of a fatal error in the log or on the console. Returns an empty text if there is none.
-std::string_view withoutBeginning(std::string_view text) {
+std::string_view withoutPrefix(std::string_view text) {
   for (const std::string_view beginning : {"log 3: ", "TovalinTray: "}) {
     if (text.starts_with(beginning)) return text.substr(beginning.size());
   }
@@ -39,7 +40,7 @@ std::string_view withoutBeginning(std::string_view text) {
 
 }  // namespace
 
-AgentsWords::AgentsWords(const std::vector<std::string>& log, const std::string& console) {
+UnusualOutput::UnusualOutput(const std::vector<std::string>& log, const std::string& console) {
   std::ranges::copy_if(log, std::back_inserter(unusual_), isUnusualEntry);
   std::istringstream lines(console);
   for (std::string line; std::getline(lines, line);) {
@@ -48,32 +49,33 @@ AgentsWords::AgentsWords(const std::vector<std::string>& log, const std::string&
   }
 }
 
-bool AgentsWords::tellOf(std::string_view text) const {
+bool UnusualOutput::contains(std::string_view text) const {
   return count(text) > 0;
 }
 
-int AgentsWords::count(std::string_view text) const {
+int UnusualOutput::count(std::string_view text) const {
   return static_cast<int>(std::ranges::count_if(
       unusual_, [&](const std::string& word) { return word.find(text) != std::string::npos; }));
 }
 
-int AgentsWords::lostRecords() const {
+int UnusualOutput::lostRecords() const {
   return static_cast<int>(std::ranges::count_if(unusual_, [](const std::string& word) {
-    return std::ranges::any_of(lostRecord, [&](std::string_view text) { return word.starts_with(text); });
+    return std::ranges::any_of(lostRecordErrors,
+                               [&](std::string_view text) { return word.starts_with(text); });
   }));
 }
 
-bool AgentsWords::tellThatThePipeIsGone() const {
-  return std::ranges::any_of(pipeGone, [&](std::string_view text) { return tellOf(text); });
+bool UnusualOutput::reportsLostPipe() const {
+  return std::ranges::any_of(lostPipeErrors, [&](std::string_view text) { return contains(text); });
 }
 
-bool AgentsWords::tellOfTheCommandPipe() const {
-  return std::ranges::any_of(commandPipe, [&](std::string_view text) { return tellOf(text); });
+bool UnusualOutput::reportsCommandPipeError() const {
+  return std::ranges::any_of(commandPipeErrors, [&](std::string_view text) { return contains(text); });
 }
 
-bool AgentsWords::tellOfTheEnd() const {
+bool UnusualOutput::reportsFatalError() const {
   return std::ranges::any_of(unusual_, [](const std::string& word) {
-    const std::string_view text = withoutBeginning(word);
-    return std::ranges::any_of(endMessages, [&](std::string_view end) { return text.starts_with(end); });
+    const std::string_view text = withoutPrefix(word);
+    return std::ranges::any_of(fatalErrors, [&](std::string_view end) { return text.starts_with(end); });
   });
 }

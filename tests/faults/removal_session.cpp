@@ -1,6 +1,6 @@
 #include <filesystem>
 
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 
 namespace {
 
@@ -51,29 +51,31 @@ Outcome BundleLoss::judgeUnwatched() {
 }
 
 std::string BundleLoss::judgeProperEnd() {
-  if (!run_.nothingOutlivesIt()) return "processes outlive it: ";
+  if (!run_.hasNoProcessesLeft()) return "processes outlive it: ";
   if (const std::string wrong = run_.judgeFiles(); !wrong.empty()) return wrong + ": ";
   // A failing posix_spawn is not logged; the shell reports a missing command.
   const int missing =
-      run_.injector_.fault().call == "posix_spawn" || run_.words().tellOf("launchctl: not found") ? 1 : 0;
+      run_.injector_.fault().call == "posix_spawn" || run_.unusualOutput().contains("launchctl: not found")
+          ? 1
+          : 0;
   if (run_.count(unloadRun) + run_.count(killRun) < 2 - missing) return "is not unloaded: ";
   const std::string wrong = run_.judgeUsage(1);
   return wrong.empty() ? "" : wrong + ": ";
 }
 
-void RemovalLife::lead() {
+void RemovalSession::play() {
   loss_.installAnew();
-  run_.launchToItsEnd();
-  run_.injector_.letCallsFail();
+  run_.launchCompletely();
+  run_.injector_.injectFailures();
   loss_.loseBundle([&] {
     fs::rename(run_.bundle_ + movedFolder, run_.bundle_ + movedFolder + " elsewhere");
     fs::remove_all(run_.bundle_);
   });
 }
 
-void WatchLife::lead() {
+void WatchSession::play() {
   loss_.installAnew();
-  run_.injector_.letCallsFail();
-  run_.launchToItsEnd();
+  run_.injector_.injectFailures();
+  run_.launchCompletely();
   loss_.loseBundle([&] { fs::rename(run_.bundle_, run_.bundle_ + " old"); });
 }

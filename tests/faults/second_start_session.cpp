@@ -1,6 +1,6 @@
 #include <filesystem>
 
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 
 namespace {
 
@@ -12,18 +12,18 @@ constexpr const char* noMenu = "its menu cannot be opened";
 
 }  // namespace
 
-void SecondStartLife::lead() {
+void SecondStartSession::play() {
   run_.environment_["LD_PRELOAD"] = std::nullopt;
-  run_.launchToItsEnd();
+  run_.launchCompletely();
   test_support::ChildOptions options;
   options.environment = run_.environment_;
   options.environment["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
   options.error = test_support::Redirection::pipe();
-  run_.injector_.letCallsFail();
+  run_.injector_.injectFailures();
   ASSERT_TRUE(second_.start({run_.agentProgram()}, options));
 }
 
-Outcome SecondStartLife::judge() {
+Outcome SecondStartSession::judge() {
   Outcome second = judgeSecond();
   if (second.survival == Survival::Failed) return second;
   const std::string harm = harmToFirst();
@@ -33,7 +33,7 @@ Outcome SecondStartLife::judge() {
   return second;
 }
 
-Outcome SecondStartLife::judgeSecond() {
+Outcome SecondStartSession::judgeSecond() {
   const auto status = second_.wait(15s);
   second_.kill();
   run_.addToConsole(second_.takeErrorOutput());
@@ -44,24 +44,25 @@ Outcome SecondStartLife::judgeSecond() {
       test_support::waitForWindow(run_.display_.name(), isMenu, status->code == 0 ? 5s : 0s).has_value();
   if (opened) closeMenu();
   const std::string said = run_.message();
-  const bool saysWhy = status->code == 0 ? run_.words().tellOf(noMenu) : run_.words().tellOfTheEnd();
+  const bool saysWhy =
+      status->code == 0 ? run_.unusualOutput().contains(noMenu) : run_.unusualOutput().reportsFatalError();
   if (!saysWhy && (status->code != 0 || !opened))
-    return {Survival::Failed, "the second start ends without menu or word of it: " +
+    return {Survival::Failed, "the second start opens no menu and reports no reason: " +
                                   std::to_string(*status->code) + " " + said};
   return {opened ? Survival::Served : Survival::EndedWithMessage, said};
 }
 
-void SecondStartLife::closeMenu() {
+void SecondStartSession::closeMenu() {
   static_cast<void>(run_.comesTrue([&] {
     run_.press("Escape");
     return test_support::waitForNoWindow(run_.display_.name(), isMenu, 100ms);
   }));
 }
 
-std::string SecondStartLife::harmToFirst() {
+std::string SecondStartSession::harmToFirst() {
   for (const char* name : {"launchctl", "open", "osascript"}) {
     if (!fs::exists(std::string("/tmp/runtime/TovalinTray/helpers/") + name))
       return std::string("the first agent has lost its helper ") + name;
   }
-  return run_.count("pipe: -ton") == 1 ? "" : "the second start tells the main application that it is up";
+  return run_.count("pipe: -ton") == 1 ? "" : "the second start sends \"-ton\"";
 }

@@ -1,15 +1,15 @@
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 
-void DisplaylessLife::lead() {
+void DisplaylessSession::play() {
   run_.environment_["DISPLAY"] = ":none";
-  run_.injector_.letCallsFail();
+  run_.injector_.injectFailures();
   run_.startAgent();
   static_cast<void>(run_.comesTrue([&] { return !run_.agent_.running(); }));
 }
 
-Outcome DisplaylessLife::judge() {
+Outcome DisplaylessSession::judge() {
   const auto early = run_.judgeEarlyEnd();
   if (!early) return {Survival::Failed, "goes on: " + run_.message()};
-  if (!run_.nothingOutlivesIt()) return {Survival::Failed, "processes outlive it: " + run_.message()};
+  if (!run_.hasNoProcessesLeft()) return {Survival::Failed, "processes outlive it: " + run_.message()};
   return *early;
 }

@@ -10,28 +10,28 @@
 #include <string_view>
 
 #include "tests/end_to_end/support/support_fixture.h"
-#include "tests/end_to_end/usage/life_clock.h"
-#include "tests/end_to_end/usage/life_records.h"
-#include "tests/end_to_end/usage/life_uploads.h"
+#include "tests/end_to_end/usage/fake_clock.h"
+#include "tests/end_to_end/usage/session_records.h"
+#include "tests/end_to_end/usage/upload_servers.h"
 #include "tests/harness/processes/process_children.h"
 
 // Makes the real agent perform all its functions in pseudo-random order. Each action returns once the agent
 // has completed it.
-class LifeTest : public testing::Test,
-                 protected TestDesktop,
-                 protected InstalledBundle,
-                 protected RunningAgent,
-                 protected NoticePipe,
-                 protected SupportServer,
-                 protected SupportWindowDriver {
+class RandomSessionTest : public testing::Test,
+                          protected TestDesktop,
+                          protected InstalledBundle,
+                          protected RunningAgent,
+                          protected NoticePipe,
+                          protected SupportServer,
+                          protected SupportWindowDriver {
  protected:
-  LifeTest()
+  RandomSessionTest()
       : RunningAgent(*this, *this), NoticePipe(*this, *this), SupportWindowDriver(*this, *this, *this) {}
   void SetUp() override;
   void TearDown() override { tearDownAgent(); }
 
   // Launches the agent, sometimes on another day, and waits for the uploads of its launch.
-  void beginLife();
+  void beginSession();
   void endByMenu();
   void endBySignal();
   void endByForce();
@@ -39,7 +39,7 @@ class LifeTest : public testing::Test,
   // Performs a random action.
   void act();
   // Performs every action once, which fills the agent's caches.
-  void actOutAll();
+  void performAll();
   // Shows every window, so that all pictures are loaded.
   void showEverything();
 
@@ -47,7 +47,7 @@ class LifeTest : public testing::Test,
   // Returns how many update actions opened the updater.
   [[nodiscard]] int updates() const { return updates_; }
   [[nodiscard]] const RecordCounts& written() const { return written_; }
-  [[nodiscard]] const LifeUploads& uploads() const { return uploads_; }
+  [[nodiscard]] const UploadServers& uploads() const { return uploads_; }
   // Returns the records in the remaining files; a damaged file fails the test.
   [[nodiscard]] static RecordCounts recordsLeft();
   // Returns the contents of the remaining files of past days.
@@ -61,7 +61,7 @@ class LifeTest : public testing::Test,
   struct Act {
     std::string_view name;
     int weight;
-    void (LifeTest::*play)();
+    void (RandomSessionTest::*play)();
   };
   static const std::vector<Act>& everyAct();
   void play(const Act& act);
@@ -101,9 +101,9 @@ class LifeTest : public testing::Test,
   static unsigned seed();
 
   std::mt19937 random_{seed()};
-  LifeClock clock_{std::chrono::sys_days(std::chrono::year(2024) / 3 / 6) + std::chrono::hours(8)};
-  LifeMessages messages_{random_};
-  LifeUploads uploads_{seed(), [this] { clock_.forward(std::chrono::seconds(20)); }};
+  FakeClock clock_{std::chrono::sys_days(std::chrono::year(2024) / 3 / 6) + std::chrono::hours(8)};
+  DataMessages messages_{random_};
+  UploadServers uploads_{seed(), [this] { clock_.forward(std::chrono::seconds(20)); }};
   RecordCounts written_;
   std::map<std::string_view, int> acts_;
   int updates_ = 0;

@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 
 namespace {
 
@@ -35,37 +35,38 @@ bool hasArchive() {
 
 }  // namespace
 
-void LogCollectionLife::lead() {
+void LogCollectionSession::play() {
   placeJournal();
   removeCollections();
-  toldOfItsEnd_ = false;
-  run_.leadInSupportWindow([this] { collectLogs(); });
+  hasReportedEnd_ = false;
+  run_.playInSupportWindow([this] { collectLogs(); });
 }
 
-void LogCollectionLife::collectLogs() {
+void LogCollectionSession::collectLogs() {
   run_.clickAt(logMiddle);
   static_cast<void>(run_.comesTrue([&] { return isShaded(); }));
-  const auto question = sheetsMessage();
+  const auto question = sheetMessage();
   // A click: a key held down on a busy machine might answer the next sheet too.
   run_.clickAt(kContinue);
-  toldOfItsEnd_ = run_.comesTrue([&] { return isShaded() && !(sheetsMessage() == question); });
+  hasReportedEnd_ = run_.comesTrue([&] { return isShaded() && !(sheetMessage() == question); });
   run_.press("Escape");
   static_cast<void>(run_.comesTrue([&] { return !isShaded(); }));
 }
 
 // A sheet dims the part of the window that it does not cover.
-bool LogCollectionLife::isShaded() const {
+bool LogCollectionSession::isShaded() const {
   return run_.colourOf(bareSpot).red < 200;
 }
 
-test_support::XPicture LogCollectionLife::sheetsMessage() const {
+test_support::XPicture LogCollectionSession::sheetMessage() const {
   return run_.pictureOfPart({100, 180}, 300, 55);
 }
 
-Outcome LogCollectionLife::judge() {
+Outcome LogCollectionSession::judge() {
   Outcome outcome = run_.judge();
   if (outcome.survival != Survival::Served && outcome.survival != Survival::ServedWithoutPipe) return outcome;
-  if (!toldOfItsEnd_) return {Survival::Failed, "does not tell of the collection's end: " + outcome.detail};
+  if (!hasReportedEnd_)
+    return {Survival::Failed, "does not printOutcome of the collection's end: " + outcome.detail};
   // A command that cannot be run is skipped without a message, like one that fails.
   const bool isCommand = run_.injector_.fault().call == "posix_spawn";
   if (!isCommand && !hasArchive()) return {Survival::Failed, "makes no archive: " + outcome.detail};

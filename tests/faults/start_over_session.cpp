@@ -2,16 +2,16 @@
 
 #include <utility>
 
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 
-void StartOverLife::lead() {
+void StartOverSession::play() {
   run_.environment_["LD_PRELOAD"] = std::nullopt;
-  run_.launchToItsEnd();
+  run_.launchCompletely();
   test_support::ChildProcess first = std::exchange(run_.agent_, {});
   first.signal(SIGSTOP);
   run_.host_.clearEvents();
   run_.environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS;
-  run_.injector_.letCallsFail();
+  run_.injector_.injectFailures();
   run_.startAgent();
   // The lock is held, so it asks the first process, which is stopped and does not answer.
   static_cast<void>(run_.comesTrue([&] { return run_.injector_.calls("flock") > 0; }));

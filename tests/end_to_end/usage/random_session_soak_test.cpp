@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/end_to_end/usage/life_fixture.h"
+#include "tests/end_to_end/usage/random_session_fixture.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ double riseOfMemory(std::span<const Measure> measures) {
   return together / ofTime * secondsBetween(measures.front(), measures.back());
 }
 
-class LifeSoak : public LifeTest {
+class RandomSessionSoak : public RandomSessionTest {
  protected:
   void measure() {
     timeline_.clear();
@@ -78,7 +78,7 @@ class LifeSoak : public LifeTest {
   }
 
   // Measures after each of eleven parts.
-  void liveFor(std::chrono::minutes all) {
+  void runFor(std::chrono::minutes all) {
     constexpr int parts = 11;
     const auto begin = Clock::now();
     for (int part = 1; part <= parts && !HasFatalFailure(); ++part) {
@@ -110,19 +110,19 @@ class LifeSoak : public LifeTest {
   }
 
   // The button is disabled only if the version was not fetched in time.
-  void expectUpdatesCame() {
+  void expectUpdatesOpened() {
     const int asked = acts().at("update");
     std::printf("%d of %d updates came\n", updates(), asked);
     EXPECT_GE(2 * updates(), asked);
   }
 
-  void expectAllAccountedFor() {
+  void expectNoRecordLost() {
     RecordCounts found = recordsLeft();
-    for (const auto& [record, count] : uploads().recordsTaken()) found[record] += count;
+    for (const auto& [record, count] : uploads().recordsAccepted()) found[record] += count;
     EXPECT_EQ(differenceOf(written(), found), "");
-    EXPECT_THAT(uploads().complaints(pastFiles()), testing::IsEmpty());
-    EXPECT_GT(uploads().taken(), 0U);
-    EXPECT_GT(uploads().arrived(), uploads().taken());
+    EXPECT_THAT(uploads().errors(pastFiles()), testing::IsEmpty());
+    EXPECT_GT(uploads().accepted(), 0U);
+    EXPECT_GT(uploads().arrived(), uploads().accepted());
     report();
   }
 
@@ -130,8 +130,8 @@ class LifeSoak : public LifeTest {
   void report() {
     long records = 0;
     for (const auto& [record, count] : written()) records += count;
-    std::printf("%ld records written and found, %zu uploads, %zu of them taken\n", records,
-                uploads().arrived(), uploads().taken());
+    std::printf("%ld records written and found, %zu uploads, %zu of them accepted\n", records,
+                uploads().arrived(), uploads().accepted());
     for (const auto& [name, count] : acts())
       std::printf("%5d %.*s\n", count, static_cast<int>(name.size()), name.data());
   }
@@ -139,16 +139,16 @@ class LifeSoak : public LifeTest {
   std::vector<Measure> measures_;
 };
 
-TEST_F(LifeSoak, LeaksNothingAndLosesNoRecord) {
+TEST_F(RandomSessionSoak, LeaksNothingAndLosesNoRecord) {
   const char* asked = std::getenv("TOVALIN_SOAK_MINUTES");
   const int minutes = asked != nullptr ? std::atoi(asked) : 0;
-  ASSERT_NO_FATAL_FAILURE(beginLife());
+  ASSERT_NO_FATAL_FAILURE(beginSession());
   for (int i = 0; i < 3; ++i) ASSERT_NO_FATAL_FAILURE(act());
   ASSERT_NO_FATAL_FAILURE(endBySignal());
-  ASSERT_NO_FATAL_FAILURE(beginLife());
-  ASSERT_NO_FATAL_FAILURE(actOutAll());
+  ASSERT_NO_FATAL_FAILURE(beginSession());
+  ASSERT_NO_FATAL_FAILURE(performAll());
   ASSERT_NO_FATAL_FAILURE(measure());
-  if (minutes > 0) liveFor(std::chrono::minutes(minutes));
+  if (minutes > 0) runFor(std::chrono::minutes(minutes));
   // Stop after a failure: further actions would fail for the same reason.
   for (int i = 0; i < 10 && !HasFatalFailure(); ++i) act();
   if (HasFatalFailure()) return;
@@ -156,12 +156,12 @@ TEST_F(LifeSoak, LeaksNothingAndLosesNoRecord) {
   expectNothingGrew();
   if (minutes > 0) {
     expectNoSlowGrowth();
-    expectUpdatesCame();
+    expectUpdatesOpened();
   }
   ASSERT_NO_FATAL_FAILURE(endByForce());
-  ASSERT_NO_FATAL_FAILURE(beginLife());
+  ASSERT_NO_FATAL_FAILURE(beginSession());
   ASSERT_NO_FATAL_FAILURE(endByMenu());
-  expectAllAccountedFor();
+  expectNoRecordLost();
 }
 
 }  // namespace

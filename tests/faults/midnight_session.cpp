@@ -2,7 +2,7 @@
 #include <fstream>
 #include <string>
 
-#include "tests/faults/lives.h"
+#include "tests/faults/sessions.h"
 #include "tests/harness/processes/file_contents.h"
 
 namespace {
@@ -37,21 +37,21 @@ std::string minuteOfNewDay(int minute) {
 
 }  // namespace
 
-MidnightLife::MidnightLife(FaultyAgent& agent)
-    : Life(agent, {.pastFiles = {UsageAccount::waiting, {kDayBefore, kBeginningOfDayBefore}}}) {}
+MidnightSession::MidnightSession(FaultyAgent& agent)
+    : ScriptedSession(agent, {.pastFiles = {UsageCheck::waiting, {kDayBefore, kBeginningOfDayBefore}}}) {}
 
-void MidnightLife::lead() {
+void MidnightSession::play() {
   run_.environment_["LD_PRELOAD"] = TOVALIN_FAILING_CALLS ":" TOVALIN_FAKETIME;
   run_.environment_["FAKETIME_TIMESTAMP_FILE"] = kClock;
   run_.environment_["FAKETIME_NO_CACHE"] = "1";
   putClock("2024-05-01 23:59:00");
-  run_.launchToItsEnd();
-  run_.injector_.letCallsFail();
+  run_.launchCompletely();
+  run_.injector_.injectFailures();
   run_.sendRecord(deviceMessage, deviceRecord);
   passMidnight();
 }
 
-void MidnightLife::passMidnight() {
+void MidnightSession::passMidnight() {
   putClock(minuteOfNewDay(1));
   static_cast<void>(run_.comesTrue([&] { return wakes() && fs::exists(kNewDay); }));
   run_.sendRecord(transferMessage, transferRecord);
@@ -59,7 +59,7 @@ void MidnightLife::passMidnight() {
 }
 
 // The upload happens in one minute of the hour, at the second of the minute of the tick that saw the new day.
-void MidnightLife::waitForPass() {
+void MidnightSession::waitForPass() {
   for (int minute = 2; minute < 70 && run_.agent_.running() && fs::exists(kDayBefore); ++minute) {
     putClock(minuteOfNewDay(minute));
     // The first request wakes the agent, which then finds its timer due; the second is answered after that.
@@ -68,11 +68,11 @@ void MidnightLife::waitForPass() {
 }
 
 // A D-Bus request ends the main thread's wait, whose timeout was computed before the clock was put forward.
-bool MidnightLife::wakes() {
+bool MidnightSession::wakes() {
   return run_.host_.ask("properties").ok;
 }
 
-Outcome MidnightLife::judge() {
+Outcome MidnightSession::judge() {
   Outcome outcome = run_.judge();
   const std::string wrong = judgeDays();
   if (outcome.survival == Survival::Failed || wrong.empty()) return outcome;
@@ -80,7 +80,7 @@ Outcome MidnightLife::judge() {
 }
 
 // Each record must be in the file of its own day.
-std::string MidnightLife::judgeDays() const {
+std::string MidnightSession::judgeDays() const {
   std::vector<std::string> before = run_.uploads();
   before.push_back(contentsOf(kDayBefore));
   for (const std::string& day : before) {
