@@ -85,7 +85,7 @@ check-tidy:
 
 check-cppcheck:
 	cppcheck --quiet --std=c++20 --language=c++ --library=posix --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
-	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage support platform tools
+	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage support platform companions tools
 
 check-sanitizers:
 	./test asan
