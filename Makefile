@@ -25,7 +25,7 @@ tour:
 	@$(call configure,-DBUILD_TESTING=$$(grep -qs '^BUILD_TESTING:.*=ON' build/$(PRESET)/CMakeCache.txt && echo ON || echo OFF))
 	@cmake --build --preset $(PRESET) --target tour
 
-# Writes build/tovalin-tray_VERSION_ARCHITECTURE.deb.
+# Writes build/tovalin-tray_VERSION_ARCHITECTURE.deb and build/tovalin-tray-webview_VERSION_ARCHITECTURE.deb.
 package: build
 	packaging/deb/build build/$(PRESET) build
 
