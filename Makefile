@@ -25,7 +25,7 @@ tour:
 	@$(call configure,-DBUILD_TESTING=$$(grep -qs '^BUILD_TESTING:.*=ON' build/$(PRESET)/CMakeCache.txt && echo ON || echo OFF))
 	@cmake --build --preset $(PRESET) --target tour
 
-# Writes build/tovalin-tray_VERSION_ARCHITECTURE.deb.
+# Writes build/tovalin-tray_VERSION_ARCHITECTURE.deb and build/tovalin-tray-webview_VERSION_ARCHITECTURE.deb.
 package: build
 	packaging/deb/build build/$(PRESET) build
 
@@ -85,7 +85,7 @@ check-tidy:
 
 check-cppcheck:
 	cppcheck --quiet --std=c++20 --language=c++ --library=posix --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
-	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage support platform tools
+	  --suppress=missingIncludeSystem --suppress=passedByValue -I . app ipc notices usage support platform companions tools
 
 check-sanitizers:
 	./test asan

@@ -41,8 +41,8 @@ TEST_P(EveryTool, UnknownOptionIsRefused) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Tools, EveryTool,
-                         testing::Values("fleet", "mainapp", "productserver", "tovalinnotification",
-                                         "tovalinupdate", "tvldump"),
+                         testing::Values("fleet", "mainapp", "productserver",
+                                         "tvldump"),
                          [](const auto& test) { return test.param; });
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "platform/bundle.h"
@@ -17,7 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* helperNames[] = {"collectlogs", "launchctl", "open", "osascript", "TovalinWebView"};
+constexpr std::string_view webViewHelper = "TovalinWebView";
+constexpr std::string_view helperNames[] = {"collectlogs", "launchctl", "open", "osascript", webViewHelper};
 
 // Some systems mount runtime folders with noexec.
 bool allowsExecution(const std::string& folder) {
@@ -38,6 +40,12 @@ std::string copiesFolderError() {
 
 std::string helpersOf(const Bundle& bundle) {
   return bundle.bundlePath() + "/Contents/Helpers";
+}
+
+// A package of its own contains it.
+bool isLeftOut(std::string_view helper, const std::string& program) {
+  std::error_code error;
+  return helper == webViewHelper && fs::status(program, error).type() == fs::file_type::not_found;
 }
 
 std::optional<std::string> copiesFolder() {
@@ -64,9 +72,11 @@ void installHelpers() {
   removeHelpers();
   std::error_code error;
   fs::create_directory(*folder, error);
-  for (const char* name : helperNames) {
-    const std::string copy = *folder + "/" + name;
-    fs::copy_file(helpersOf(*bundle) + "/" + name, copy, error);
+  for (const std::string_view name : helperNames) {
+    const std::string program = helpersOf(*bundle) + "/" + std::string(name);
+    if (isLeftOut(name, program)) continue;
+    const std::string copy = *folder + "/" + std::string(name);
+    fs::copy_file(program, copy, error);
     if (error) {
       complain(copy + ": " + error.message());
       ::unlink(copy.c_str());  // after ENOSPC the copy is incomplete

@@ -205,10 +205,21 @@ TEST_F(Launch, MissingVersionIsSentAsNull) {
   EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=version(null)"));
 }
 
-TEST_F(Launch, AgentRunsWithoutWebViewHelper) {
+// A run has three beacons: two at the start and one at the end.
+TEST_F(Launch, WithoutWebViewHelperBeaconsAreDroppedSilently) {
+  const auto textsOfRun = [&] {
+    timeline_.clear();
+    launchAgentInPanel();
+    EXPECT_TRUE(waitForText("log 6: read_pipe read pipe message : "));
+    EXPECT_TRUE(host_.click("Quit Tovalin"));
+    EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
+    return texts();
+  };
+  const std::vector<std::string> withHelper = textsOfRun();
+  ASSERT_TRUE(waitForBeacon("?category=clickaction&clickaction=quit"));
   std::filesystem::remove(agentContents() + "/Helpers/TovalinWebView");
-  launchAgent();
-  terminateAgent();
+  EXPECT_THAT(textsOfRun(), testing::UnorderedElementsAreArray(withHelper));
+  EXPECT_EQ(agent_.takeErrorOutput(), "");
   EXPECT_THAT(beacons(), testing::IsEmpty());
 }
 

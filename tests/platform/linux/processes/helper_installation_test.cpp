@@ -95,6 +95,20 @@ TEST_F(HelperInstallation, MissingHelperIsLeftOut) {
               UnorderedElementsAre("collectlogs", "open", "osascript", "TovalinWebView"));
 }
 
+TEST_F(HelperInstallation, MissingHelperIsLoggedUnlessItIsTheWebViews) {
+  for (const char* const name : {"launchctl", "TovalinWebView"}) {
+    fs::remove(std::string(kBundle) + "/Contents/Helpers/" + name);
+  }
+  test_support::ChildOptions options;
+  options.error = test_support::Redirection::pipe();
+  test_support::ChildProcess child;
+  ASSERT_TRUE(child.start({program_, "install"}, options));
+  ASSERT_EQ(child.wait(), ExitStatus{.code = 0});
+  const std::string reported = child.takeErrorOutput();
+  EXPECT_THAT(reported, HasSubstr("launchctl: No such file or directory"));
+  EXPECT_THAT(reported, testing::Not(HasSubstr("TovalinWebView")));
+}
+
 TEST_F(HelperInstallation, OlderCopiesAreReplaced) {
   run("install");
   putHelper("open", "newer");

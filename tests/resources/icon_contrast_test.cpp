@@ -1,0 +1,184 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <iomanip>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QColor>
+#include <QImage>
+#include <QPoint>
+
+// The contrast of the panel icons that the agent paints itself with panels of every grey, by the formula of
+// WCAG 2.
+namespace {
+
+constexpr double leastContrast = 3;
+constexpr int greys = 256;
+// So much of an icon's outline stands out from the panel by the contrast that is reported.
+constexpr double shareOfOutline = 0.9;
+constexpr int points = 20;
+
+double linear(int channel) {
+  const double value = channel / 255.0;
+  return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor& color) {
+  return 0.2126 * linear(color.red()) + 0.7152 * linear(color.green()) + 0.0722 * linear(color.blue());
+}
+
+double contrast(const QColor& one, const QColor& other) {
+  const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor upon(const QColor& pixel, const QColor& panel) {
+  const double alpha = pixel.alphaF();
+  const auto mixed = [&](int above, int below) {
+    return static_cast<int>(std::lround(alpha * above + (1 - alpha) * below));
+  };
+  return {mixed(pixel.red(), panel.red()), mixed(pixel.green(), panel.green()),
+          mixed(pixel.blue(), panel.blue())};
+}
+
+bool isOpaque(const QImage& icon, QPoint at) {
+  return icon.valid(at) && icon.pixelColor(at).alphaF() >= 0.5F;
+}
+
+std::vector<QPoint> pointsOf(const QRect& area) {
+  std::vector<QPoint> all;
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x) all.emplace_back(x, y);
+  }
+  return all;
+}
+
+constexpr std::array sides = {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)};
+
+// The transparent pixels around the icon, a margin of one pixel beyond its edges among them; not those that
+// it encloses.
+std::set<std::pair<int, int>> outsideOf(const QImage& icon) {
+  const QRect area = icon.rect().adjusted(-1, -1, 1, 1);
+  std::set<std::pair<int, int>> outside;
+  std::vector<QPoint> next = {area.topLeft()};
+  while (!next.empty()) {
+    const QPoint at = next.back();
+    next.pop_back();
+    if (!area.contains(at) || isOpaque(icon, at) || !outside.emplace(at.x(), at.y()).second) continue;
+    for (const QPoint side : sides) next.push_back(at + side);
+  }
+  return outside;
+}
+
+// The opaque pixels beside those.
+std::vector<QPoint> outlineOf(const QImage& icon) {
+  const auto outside = outsideOf(icon);
+  std::vector<QPoint> outline = pointsOf(icon.rect());
+  std::erase_if(outline, [&](QPoint at) {
+    const auto isOutside = [&](QPoint side) { return outside.contains({(at + side).x(), (at + side).y()}); };
+    return !isOpaque(icon, at) || std::ranges::none_of(sides, isOutside);
+  });
+  return outline;
+}
+
+// The contrast by which most of the outline, or what lies within a point of it, stands out from the panel.
+double contrastOn(const QImage& icon, const std::vector<QPoint>& outline, int grey) {
+  const QColor panel(grey, grey, grey);
+  std::vector<double> ofPixels(static_cast<std::size_t>(icon.width()) *
+                               static_cast<std::size_t>(icon.height()));
+  const auto indexOf = [&](QPoint at) { return static_cast<std::size_t>(at.y() * icon.width() + at.x()); };
+  for (const QPoint at : pointsOf(icon.rect()))
+    ofPixels[indexOf(at)] = contrast(upon(icon.pixelColor(at), panel), panel);
+
+  const int near = icon.width() / points;
+  std::vector<double> best;
+  for (const QPoint at : outline) {
+    const QRect around = QRect(at - QPoint(near, near), at + QPoint(near, near)).intersected(icon.rect());
+    double highest = 1;
+    for (const QPoint neighbour : pointsOf(around)) highest = std::max(highest, ofPixels[indexOf(neighbour)]);
+    best.push_back(highest);
+  }
+  std::ranges::sort(best, std::ranges::greater());
+  return best[static_cast<std::size_t>(shareOfOutline * static_cast<double>(best.size()))];
+}
+
+std::array<double, greys> contrastsOf(const QImage& icon) {
+  const std::vector<QPoint> outline = outlineOf(icon);
+  std::array<double, greys> all{};
+  for (int grey = 0; grey < greys; ++grey)
+    all[static_cast<std::size_t>(grey)] = contrastOn(icon, outline, grey);
+  return all;
+}
+
+QImage pictureInBundle(const std::string& name) {
+  const std::string bundle =
+      std::string(std::getenv("TOVALIN_BUNDLE_ROOT")) + "/Tovalin.app/Contents/Resources/TovalinTray.app";
+  return QImage(QString::fromStdString(bundle + "/Contents/Resources/" + name));
+}
+
+std::string tableRow(const std::string& name, const std::array<double, greys>& contrasts) {
+  std::ostringstream row;
+  row << "| `" << name << "` |" << std::fixed << std::setprecision(1);
+  for (const std::size_t grey : {0, 64, 128, 192, 255}) row << ' ' << contrasts[grey] << " |";
+  const auto* const lowest = std::ranges::min_element(contrasts);
+  row << ' ' << *lowest << " on grey " << lowest - contrasts.begin() << " |";
+  return row.str();
+}
+
+std::string readMe() {
+  std::ostringstream text;
+  text << std::ifstream(TOVALIN_PICTURES_README).rdbuf();
+  return text.str();
+}
+
+class PanelIcon : public testing::TestWithParam<const char*> {};
+
+TEST_P(PanelIcon, StandsOutFromPanelsOfEveryGrey) {
+  const QImage icon = pictureInBundle(GetParam());
+  ASSERT_FALSE(icon.isNull());
+  const auto contrasts = contrastsOf(icon);
+  for (std::size_t grey = 0; grey < greys; ++grey)
+    EXPECT_GE(contrasts[grey], leastContrast) << "grey " << grey;
+  EXPECT_THAT(readMe(), testing::HasSubstr(tableRow(GetParam(), contrasts)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Painted, PanelIcon,
+                         testing::Values("mount on.png", "mount on@2x.png", "mount off.png",
+                                         "mount off@2x.png", "mount on reverse.png",
+                                         "mount on reverse@2x.png", "mount off reverse.png",
+                                         "mount off reverse@2x.png"));
+
+TEST(PanelIconContrast, IsThatOfBlackAndWhite) {
+  EXPECT_NEAR(contrast(Qt::black, Qt::white), 21, 1e-9);
+  EXPECT_NEAR(contrast(QColor(118, 118, 118), Qt::white), 4.54, 0.005);
+}
+
+TEST(PanelIconContrast, OfAnIconInOneColourIsLowOnThatColour) {
+  QImage icon(points, points, QImage::Format_ARGB32);
+  icon.fill(Qt::transparent);
+  for (const QPoint at : pointsOf(QRect(4, 4, 12, 12))) icon.setPixelColor(at, QColor(60, 60, 60));
+  const auto contrasts = contrastsOf(icon);
+  EXPECT_DOUBLE_EQ(contrasts[60], 1);
+  EXPECT_LT(contrasts[0], leastContrast);
+  EXPECT_GT(contrasts[255], leastContrast);
+}
+
+// A dot that stands out is no outline that does.
+TEST(PanelIconContrast, OfASmallPartOfTheOutlineDoesNotCount) {
+  QImage icon(points, points, QImage::Format_ARGB32);
+  icon.fill(Qt::transparent);
+  for (const QPoint at : pointsOf(QRect(4, 4, 12, 12))) icon.setPixelColor(at, Qt::black);
+  icon.setPixelColor(4, 4, Qt::white);
+  EXPECT_DOUBLE_EQ(contrastsOf(icon)[0], 1);
+}
+
+}  // namespace
