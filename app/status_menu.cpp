@@ -68,15 +68,17 @@ void nimbatrayAppDelegate::addMenuItems() {
 }
 
 void nimbatrayAppDelegate::showStatusIcon() {
-  switch (statusIconFor(bActive, isDarkModeOn)) {
+  statusItem->setToolTip(stateTextFor(bActive));
+  const StatusIcon icon = statusIconFor(bActive, isDarkModeOn);
+  switch (icon) {
     case StatusIcon::On:
-      return statusItem->setImage(statusOnImg);
+      return statusItem->setImage(statusOnImg, symbolFor(icon));
     case StatusIcon::Off:
-      return statusItem->setImage(statusOffImg);
+      return statusItem->setImage(statusOffImg, symbolFor(icon));
     case StatusIcon::OnReverse:
-      return statusItem->setImage(statusOnImg_Reverse);
+      return statusItem->setImage(statusOnImg_Reverse, symbolFor(icon));
     case StatusIcon::OffReverse:
-      return statusItem->setImage(statusOffImg_Reverse);
+      return statusItem->setImage(statusOffImg_Reverse, symbolFor(icon));
   }
 }
 

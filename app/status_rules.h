@@ -10,6 +10,12 @@ enum class StatusIcon { On, Off, OnReverse, OffReverse };
 // Returns the icon for the automount state and the appearance.
 [[nodiscard]] StatusIcon statusIconFor(std::uint32_t active, bool darkMode);
 
+// Returns the name of the symbolic icon of the same meaning.
+[[nodiscard]] const char* symbolFor(StatusIcon icon);
+
+// Returns the automount state in words.
+[[nodiscard]] const char* stateTextFor(std::uint32_t active);
+
 // Frozen: doc/compatibility.md.
 inline constexpr const char* switchOffTitle = "Automount Off";
 inline constexpr const char* switchOnTitle = "Automount On";

@@ -29,7 +29,13 @@ void StatusItem::setTitle(std::string_view title) {
   [[impl_->item.get() button] setTitle:textOf(title)];
 }
 
-void StatusItem::setImage(std::shared_ptr<Image> image) {
+void StatusItem::setToolTip(std::string_view text) {
+  [[impl_->item.get() button] setToolTip:text.empty() ? nil : textOf(text)];
+}
+
+// The pictures are drawn for both appearances of the menu bar, so the symbol is not needed.
+void StatusItem::setImage(std::shared_ptr<Image> image, std::string_view symbol) {
+  static_cast<void>(symbol);
   [[impl_->item.get() button] setImage:image == nullptr ? nil : image->impl().image.get()];
 }
 
