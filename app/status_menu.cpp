@@ -39,6 +39,7 @@ void nimbatrayAppDelegate::buildStatusItem() {
   showStatusIcon();
   addMenuItems();
   statusItem->setMenu(std::move(ownedMenu));
+  statusItem->notifyIfHidden(panelPatience, hiddenTitle, hiddenText);
 }
 
 // Titles and order are frozen: doc/compatibility.md.

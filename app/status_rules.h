@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 // Pure functions for the state of the status item. Thread-safe.
@@ -15,6 +16,11 @@ enum class StatusIcon { On, Off, OnReverse, OffReverse };
 
 // Returns the automount state in words.
 [[nodiscard]] const char* stateTextFor(std::uint32_t active);
+
+// The notification on desktops without a panel for the icon.
+inline constexpr std::chrono::seconds panelPatience{10};
+inline constexpr const char* hiddenTitle = "Tovalin is running";
+inline constexpr const char* hiddenText = "No panel shows its icon. Start Tovalin again to open its menu.";
 
 // Frozen: doc/compatibility.md.
 inline constexpr const char* switchOffTitle = "Automount Off";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string_view>
 
@@ -40,6 +41,10 @@ class StatusItem {
   // Opens the menu and returns at once. The menu opens at the icon, or at the pointer if the panel does not
   // report the icon's position or there is no icon.
   void popUpMenu();
+
+  // If no panel has room for the icon after `patience`, tells the user in a notification of the desktop, at
+  // most once in a session. No effect where the system always has room. To be called once.
+  void notifyIfHidden(std::chrono::milliseconds patience, std::string_view title, std::string_view text);
 
  private:
   struct Impl;

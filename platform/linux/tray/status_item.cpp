@@ -7,6 +7,7 @@
 
 #include "platform/application.h"
 #include "platform/bundle.h"
+#include "platform/linux/tray/hidden_icon_notice.h"
 #include "platform/linux/tray/menu_impl.h"
 #include "platform/linux/tray/screen_pixels.h"
 #include "platform/linux/tray/screen_tray_icon.h"
@@ -41,6 +42,7 @@ struct StatusItem::Impl {
   std::unique_ptr<ScreenTrayIcon> onScreen;
   std::unique_ptr<StatusNotifierItem> onBus;
   std::unique_ptr<TrayHostWatch> watch;
+  std::unique_ptr<HiddenIconNotice> hiddenNotice;
 
   void findPlace();
   void show();
@@ -137,6 +139,12 @@ Menu* StatusItem::menu() const {
 
 void StatusItem::popUpMenu() {
   impl_->popUpMenu();
+}
+
+void StatusItem::notifyIfHidden(std::chrono::milliseconds patience, std::string_view title,
+                                std::string_view text) {
+  impl_->hiddenNotice = std::make_unique<HiddenIconNotice>(
+      patience, std::string(title), std::string(text), [this] { return impl_->place == TrayPlace::Nowhere; });
 }
 
 }  // namespace platform

@@ -59,4 +59,12 @@ void StatusItem::popUpMenu() {
   Application::sharedApplication().performOnMainThread([=] { [[item->get() button] performClick:nil]; });
 }
 
+// The status bar always has room.
+void StatusItem::notifyIfHidden(std::chrono::milliseconds patience, std::string_view title,
+                                std::string_view text) {
+  static_cast<void>(patience);
+  static_cast<void>(title);
+  static_cast<void>(text);
+}
+
 }  // namespace platform

@@ -278,6 +278,17 @@ TEST_F(PanelTray, HostWithoutMenusHasTheAgentOpenItsOwn) {
   EXPECT_EQ(menu->y, 200);
 }
 
+TEST_F(PanelTray, DesktopWithoutAPanelTellsThatTheAgentRuns) {
+  ChildProcess monitor;
+  ASSERT_TRUE(monitor.start({"dbus-monitor", "--address", bus_.address(), "member='Notify'"},
+                            {.environment = environment_}));
+  launchAgent();
+  EXPECT_TRUE(test_support::waitUntil([&] {
+    const auto line = monitor.readLine();
+    return line && line->find("Start Tovalin again to open its menu.") != std::string::npos;
+  }));
+}
+
 // An X tray beside the host on the bus.
 class TwoPanels : public AgentTest {
  protected:
