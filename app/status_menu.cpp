@@ -39,6 +39,7 @@ void nimbatrayAppDelegate::buildStatusItem() {
   showStatusIcon();
   addMenuItems();
   statusItem->setMenu(std::move(ownedMenu));
+  statusItem->notifyIfHidden(panelPatience, hiddenTitle, hiddenText);
 }
 
 // Titles and order are frozen: doc/compatibility.md.
@@ -68,15 +69,17 @@ void nimbatrayAppDelegate::addMenuItems() {
 }
 
 void nimbatrayAppDelegate::showStatusIcon() {
-  switch (statusIconFor(bActive, isDarkModeOn)) {
+  statusItem->setToolTip(stateTextFor(bActive));
+  const StatusIcon icon = statusIconFor(bActive, isDarkModeOn);
+  switch (icon) {
     case StatusIcon::On:
-      return statusItem->setImage(statusOnImg);
+      return statusItem->setImage(statusOnImg, symbolFor(icon));
     case StatusIcon::Off:
-      return statusItem->setImage(statusOffImg);
+      return statusItem->setImage(statusOffImg, symbolFor(icon));
     case StatusIcon::OnReverse:
-      return statusItem->setImage(statusOnImg_Reverse);
+      return statusItem->setImage(statusOnImg_Reverse, symbolFor(icon));
     case StatusIcon::OffReverse:
-      return statusItem->setImage(statusOffImg_Reverse);
+      return statusItem->setImage(statusOffImg_Reverse, symbolFor(icon));
   }
 }
 

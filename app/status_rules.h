@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 // Pure functions for the state of the status item. Thread-safe.
@@ -9,6 +10,17 @@ enum class StatusIcon { On, Off, OnReverse, OffReverse };
 
 // Returns the icon for the automount state and the appearance.
 [[nodiscard]] StatusIcon statusIconFor(std::uint32_t active, bool darkMode);
+
+// Returns the name of the symbolic icon of the same meaning.
+[[nodiscard]] const char* symbolFor(StatusIcon icon);
+
+// Returns the automount state in words.
+[[nodiscard]] const char* stateTextFor(std::uint32_t active);
+
+// The notification on desktops without a panel for the icon.
+inline constexpr std::chrono::seconds panelPatience{10};
+inline constexpr const char* hiddenTitle = "Tovalin is running";
+inline constexpr const char* hiddenText = "No panel shows its icon. Start Tovalin again to open its menu.";
 
 // Frozen: doc/compatibility.md.
 inline constexpr const char* switchOffTitle = "Automount Off";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string_view>
 
@@ -10,7 +11,7 @@ class Menu;
 
 // An icon with a menu in the desktop's panel. It is shown once it has an image and the panel accepts icons,
 // reappears after the panel restarts, and is removed by the destructor. Clicks of the left and the right
-// button open the menu. Main thread only.
+// button open the menu, which panels on the session bus draw themselves. Main thread only.
 class StatusItem {
  public:
   static constexpr double variableLength = -1.0;
@@ -21,10 +22,14 @@ class StatusItem {
   StatusItem(const StatusItem&) = delete;
   StatusItem& operator=(const StatusItem&) = delete;
 
-  // The item's text, which panels show beside the icon or as its tooltip.
+  // The item's text, for panels that show one beside the icon.
   void setTitle(std::string_view title);
-  // nullptr shows no icon.
-  void setImage(std::shared_ptr<Image> image);
+  // The state in words: the icon's tooltip and its name for screen readers. If empty, the title is used.
+  void setToolTip(std::string_view text);
+  // nullptr shows no icon. `symbol` names a monochrome icon of the same meaning, which panels paint in their
+  // own colour: on Linux the file hicolor/symbolic/apps/SYMBOL.svg below Contents/Resources/icons. If the file
+  // is missing, in X trays and on other systems, the image is shown.
+  void setImage(std::shared_ptr<Image> image, std::string_view symbol = {});
   // Whether the icon is highlighted while its menu is open. No effect on Linux, where the panel decides; kept
   // for systems where the program does.
   void setHighlightMode(bool highlights);
@@ -36,6 +41,10 @@ class StatusItem {
   // Opens the menu and returns at once. The menu opens at the icon, or at the pointer if the panel does not
   // report the icon's position or there is no icon.
   void popUpMenu();
+
+  // If no panel has room for the icon after `patience`, tells the user in a notification of the desktop, at
+  // most once in a session. No effect where the system always has room. To be called once.
+  void notifyIfHidden(std::chrono::milliseconds patience, std::string_view title, std::string_view text);
 
  private:
   struct Impl;

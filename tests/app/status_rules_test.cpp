@@ -21,6 +21,19 @@ TEST(StatusIcon, NonZeroIsOn) {
   EXPECT_EQ(statusIconFor(kGreatest, false), StatusIcon::On);
 }
 
+TEST(StatusIcon, HasSymbolOfSameMeaning) {
+  EXPECT_STREQ(symbolFor(StatusIcon::On), "tovalin-mount-on-symbolic");
+  EXPECT_STREQ(symbolFor(StatusIcon::Off), "tovalin-mount-off-symbolic");
+  EXPECT_STREQ(symbolFor(StatusIcon::OnReverse), "tovalin-mount-on-reverse-symbolic");
+  EXPECT_STREQ(symbolFor(StatusIcon::OffReverse), "tovalin-mount-off-reverse-symbolic");
+}
+
+TEST(StateText, NamesState) {
+  EXPECT_STREQ(stateTextFor(1), "Automount is on");
+  EXPECT_STREQ(stateTextFor(kGreatest), "Automount is on");
+  EXPECT_STREQ(stateTextFor(0), "Automount is off");
+}
+
 TEST(SwitchTitle, NamesActionOfClick) {
   EXPECT_STREQ(switchTitleFor(1), "Automount Off");
   EXPECT_STREQ(switchTitleFor(0), "Automount On");

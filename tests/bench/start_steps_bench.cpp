@@ -39,7 +39,7 @@ const std::vector<Step> stepsOfAgent = {
     {"agent: ... answered", "mount off.png"},
     {"agent: pictures read, menu built", "KMPIPE"},
     {"agent: -ton sent, with its 10 ms, bundle watched", "TovalinWebView"},
-    {"agent: beacon's helper and threads started, icon made", "/tmp/dbus", true},
+    {"agent: beacon's helper and threads started, icon made", "StatusNotifierItem-", true},
     {"agent: icon registered", "RegisterStatusNotifierItem", true},
 };
 
@@ -47,7 +47,7 @@ const std::vector<Step> stepsOfBareTray = {
     {"plugin loaded", ".X11-unix", true},
     {"request made", "GET /", true},
     {"session bus connected", "/tmp/dbus"},
-    {"icon made", "/tmp/dbus", true},
+    {"icon made", "StatusNotifierItem-", true},
     {"icon registered", "RegisterStatusNotifierItem", true},
 };
 
@@ -60,7 +60,7 @@ struct Span {
 const std::vector<Span> spans = {
     {"both: exec to the connection to X"},
     {"both: ... to the request for a page"},
-    {"both: ... to the tray's bus connection, less the 10 ms", 10},
+    {"both: ... to the icon's name on the bus, less the 10 ms", 10},
     {"both: ... to the icon's registration"},
 };
 

@@ -14,11 +14,18 @@ MenuItem::MenuItem(std::string_view title, std::function<void()> action) : impl_
   setEnabled(action != nullptr);
   impl_->line.setIconVisibleInMenu(true);
   impl_->action = std::move(action);
-  // Queued, so that a panel gets its answer before an action that takes its time begins.
-  QObject::connect(
-      &impl_->line, &QAction::triggered, &impl_->line,
+  QObject::connect(&impl_->line, &QAction::triggered, &impl_->line, [this] { impl_->choose(); });
+}
+
+// Posted, so that a panel gets its answer before an action that takes its time begins.
+void MenuItem::Impl::choose() {
+  if (!action || pending == maxPending) return;
+  ++pending;
+  QMetaObject::invokeMethod(
+      &line,
       [this] {
-        if (impl_->action) impl_->action();
+        --pending;
+        action();
       },
       Qt::QueuedConnection);
 }

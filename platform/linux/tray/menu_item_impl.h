@@ -11,10 +11,17 @@
 namespace platform {
 
 struct MenuItem::Impl {
+  // A program on the session bus may send clicks faster than the actions are done; those beyond this are
+  // dropped.
+  static constexpr int maxPending = 64;
+
   std::string title;
   std::function<void()> action;
   std::unique_ptr<WebView> view;
   QAction line;
+  int pending = 0;  // clicks whose action has not begun
+
+  void choose();
 };
 
 }  // namespace platform

@@ -2,61 +2,104 @@
 
 #include <QCoreApplication>
 #include <QCursor>
-#include <QSystemTrayIcon>
+#include <QGuiApplication>
+#include <QScreen>
 
 #include "platform/application.h"
-#include "platform/linux/images/image_impl.h"
+#include "platform/bundle.h"
+#include "platform/linux/tray/hidden_icon_notice.h"
 #include "platform/linux/tray/menu_impl.h"
-#include "platform/linux/tray/panel_icon.h"
+#include "platform/linux/tray/screen_pixels.h"
+#include "platform/linux/tray/screen_tray_icon.h"
+#include "platform/linux/tray/status_notifier_item.h"
 #include "platform/linux/tray/tray_host_watch.h"
 
 namespace platform {
+namespace {
+
+QString folderOfSymbols() {
+  const auto bundle = Bundle::mainBundle();
+  return bundle ? QString::fromStdString(bundle->pathForResource("icons")) : QString();
+}
+
+std::vector<ScaledScreen> scaledScreens() {
+  std::vector<ScaledScreen> screens;
+  for (const QScreen* screen : QGuiApplication::screens())
+    screens.push_back({screen->geometry(), screen->devicePixelRatio()});
+  return screens;
+}
+
+}  // namespace
 
 struct StatusItem::Impl {
   std::string title;
+  std::string toolTip;
   std::shared_ptr<Image> image;
+  std::string symbol;
   std::unique_ptr<Menu> menu;
-  bool panelFound = false;
-  std::unique_ptr<QSystemTrayIcon> icon;
+  TrayPlace place = TrayPlace::Nowhere;
+  // The menu outlives both.
+  std::unique_ptr<ScreenTrayIcon> onScreen;
+  std::unique_ptr<StatusNotifierItem> onBus;
   std::unique_ptr<TrayHostWatch> watch;
+  std::unique_ptr<HiddenIconNotice> hiddenNotice;
 
+  void findPlace();
   void show();
   void popUpMenu();
+  void popUpMenuAt(QPoint pixel);
+  [[nodiscard]] StatusContent content() const;
 };
 
-// Brings the panel's icon in line with what is to be shown.
+void StatusItem::Impl::findPlace() {
+  const bool trayOnScreen = watch->busHost() == BusHost::Absent && watch->trayOnScreen();
+  place = placeFor(place, watch->busHost(), trayOnScreen);
+  show();
+}
+
+StatusContent StatusItem::Impl::content() const {
+  const std::string& text = toolTip.empty() ? title : toolTip;
+  const QString folder = folderOfSymbols();
+  return {.text = text.empty() ? QCoreApplication::applicationName() : QString::fromStdString(text),
+          .image = image,
+          .symbol = symbolInFolder(folder, QString::fromStdString(symbol)),
+          .symbolFolder = folder,
+          .menu = menu == nullptr ? nullptr : &menu->impl().widget};
+}
+
+// Brings the panel's icon in line with what is to be shown. The one that is no longer shown goes first, so
+// that there are never two.
 void StatusItem::Impl::show() {
-  if (!panelFound) return;
-  if (icon == nullptr) {
-    icon = std::make_unique<QSystemTrayIcon>();
-    QObject::connect(icon.get(), &QSystemTrayIcon::activated, icon.get(),
-                     [this](QSystemTrayIcon::ActivationReason reason) {
-                       if (reason == QSystemTrayIcon::Trigger) popUpMenu();
-                     });
+  if (place != TrayPlace::Bus) onBus.reset();
+  if (place != TrayPlace::Screen) onScreen.reset();
+  if (place == TrayPlace::Bus) {
+    if (onBus == nullptr)
+      onBus = std::make_unique<StatusNotifierItem>([this](QPoint pixel) { popUpMenuAt(pixel); });
+    onBus->show(content(), watch->watcherNumber());
   }
-  const QString text = QString::fromStdString(title);
-  icon->setToolTip(text.isEmpty() ? QCoreApplication::applicationName() : text);
-  if (menu != nullptr) icon->setContextMenu(&menu->impl().widget);
-  const bool hasPicture = image != nullptr && image->isValid();
-  icon->setIcon(hasPicture ? panelIcon(image->impl().pixmaps()) : QIcon());
-  icon->setVisible(hasPicture);
+  if (place == TrayPlace::Screen) {
+    if (onScreen == nullptr) onScreen = std::make_unique<ScreenTrayIcon>([this] { popUpMenu(); });
+    onScreen->show(content());
+  }
 }
 
 void StatusItem::Impl::popUpMenu() {
   if (menu == nullptr) return;
   QMenu& widget = menu->impl().widget;
   // A tray of the X screen tells where the icon is: the menu opens beside it and not over the panel.
-  const QRect place = icon == nullptr ? QRect() : icon->geometry();
-  if (place.isEmpty()) return widget.popup(QCursor::pos());
+  const QRect icon = onScreen == nullptr ? QRect() : onScreen->geometry();
+  if (icon.isEmpty()) return widget.popup(QCursor::pos());
   const int height = widget.sizeHint().height();
-  widget.popup(place.topLeft() + QPoint(0, place.top() >= height ? -height : place.height()));
+  widget.popup(icon.topLeft() + QPoint(0, icon.top() >= height ? -height : icon.height()));
+}
+
+void StatusItem::Impl::popUpMenuAt(QPoint pixel) {
+  if (menu != nullptr)
+    menu->impl().widget.popup(pointAtPixel(pixel, scaledScreens()).value_or(QCursor::pos()));
 }
 
 StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {
-  impl_->watch = std::make_unique<TrayHostWatch>([this] {
-    impl_->panelFound = true;
-    impl_->show();
-  });
+  impl_->watch = std::make_unique<TrayHostWatch>([this] { impl_->findPlace(); });
 }
 
 StatusItem::~StatusItem() {
@@ -70,8 +113,14 @@ void StatusItem::setTitle(std::string_view title) {
   impl_->show();
 }
 
-void StatusItem::setImage(std::shared_ptr<Image> image) {
+void StatusItem::setToolTip(std::string_view text) {
+  impl_->toolTip = text;
+  impl_->show();
+}
+
+void StatusItem::setImage(std::shared_ptr<Image> image, std::string_view symbol) {
   impl_->image = std::move(image);
+  impl_->symbol = symbol;
   impl_->show();
 }
 
@@ -79,7 +128,8 @@ void StatusItem::setImage(std::shared_ptr<Image> image) {
 void StatusItem::setHighlightMode(bool) {}
 
 void StatusItem::setMenu(std::unique_ptr<Menu> menu) {
-  impl_->menu = std::move(menu);
+  // The icons know the menu that goes.
+  const std::unique_ptr<Menu> before = std::exchange(impl_->menu, std::move(menu));
   impl_->show();
 }
 
@@ -89,6 +139,12 @@ Menu* StatusItem::menu() const {
 
 void StatusItem::popUpMenu() {
   impl_->popUpMenu();
+}
+
+void StatusItem::notifyIfHidden(std::chrono::milliseconds patience, std::string_view title,
+                                std::string_view text) {
+  impl_->hiddenNotice = std::make_unique<HiddenIconNotice>(
+      patience, std::string(title), std::string(text), [this] { return impl_->place == TrayPlace::Nowhere; });
 }
 
 }  // namespace platform

@@ -19,6 +19,8 @@ namespace {
 
 constexpr QLatin1StringView watcherService("org.kde.StatusNotifierWatcher");
 constexpr QLatin1StringView watcherPath("/StatusNotifierWatcher");
+// A watcher that hangs must not keep the icon from a tray of the X screen.
+constexpr int answerLimitMs = 2000;
 
 // The screen that DISPLAY names.
 int screenNumber() {
@@ -31,15 +33,19 @@ int screenNumber() {
 
 }  // namespace
 
-TrayHostWatch::TrayHostWatch(std::function<void()> found)
-    : found_(std::move(found)),
-      watcherName_(watcherService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration) {
-  connect(&watcherName_, &QDBusServiceWatcher::serviceRegistered, this, &TrayHostWatch::askWatcher);
-  QDBusConnection::sessionBus().connect(watcherService, watcherPath, watcherService,
-                                        QStringLiteral("StatusNotifierHostRegistered"), this,
-                                        SLOT(askWatcher()));
+TrayHostWatch::TrayHostWatch(std::function<void()> changed)
+    : changed_(std::move(changed)),
+      watcherName_(watcherService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
+  connect(&watcherName_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
+    ++watcherNumber_;
+    askWatcher();
+  });
+  for (const char* change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+    QDBusConnection::sessionBus().connect(watcherService, watcherPath, watcherService,
+                                          QString::fromLatin1(change), this, SLOT(askWatcher()));
+  }
   askWatcher();
-  askScreen();
+  watchScreen();
 }
 
 TrayHostWatch::~TrayHostWatch() {
@@ -48,33 +54,42 @@ TrayHostWatch::~TrayHostWatch() {
 
 void TrayHostWatch::askWatcher() {
   auto bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return;
   QDBusMessage call = QDBusMessage::createMethodCall(
       watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
   call << QString(watcherService) << QStringLiteral("IsStatusNotifierHostRegistered");
   call.setAutoStartService(false);
-  auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
-  connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-    answer->deleteLater();
-    const QDBusPendingReply<QDBusVariant> reply = *answer;
-    if (reply.isValid() && reply.value().variant().toBool()) report();
-  });
+  // Takes the place of an earlier question, whose answer is out of date. Without a bus the answer is an
+  // error.
+  question_ = std::make_unique<QDBusPendingCallWatcher>(bus.asyncCall(call, answerLimitMs));
+  connect(question_.get(), &QDBusPendingCallWatcher::finished, this, &TrayHostWatch::takeAnswer,
+          Qt::QueuedConnection);
 }
 
-void TrayHostWatch::askScreen() {
+void TrayHostWatch::takeAnswer() {
+  if (question_ == nullptr || !question_->isFinished()) return;
+  const QDBusPendingReply<QDBusVariant> answer = *question_;
+  const bool present = answer.isValid() && answer.value().variant().toBool();
+  question_.reset();
+  busHost_ = present ? BusHost::Present : BusHost::Absent;
+  changed_();
+}
+
+void TrayHostWatch::watchScreen() {
   xcb_connection_t* connection = xConnection();
   if (connection == nullptr) return;
   managerMessage_ = xAtom(connection, "MANAGER");
   traySelection_ = xAtom(connection, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
   if (managerMessage_ == XCB_ATOM_NONE || traySelection_ == XCB_ATOM_NONE) return;
   QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+bool TrayHostWatch::trayOnScreen() const {
+  xcb_connection_t* connection = xConnection();
+  if (connection == nullptr || traySelection_ == XCB_ATOM_NONE) return false;
   const auto cookie = xcb_get_selection_owner(connection, traySelection_);
   const XReply<xcb_get_selection_owner_reply_t> owner(
       xcb_get_selection_owner_reply(connection, cookie, nullptr));
-  if (owner == nullptr || owner->owner == XCB_WINDOW_NONE) return;
-  // The toolkit itself looks for a host on the bus first, and prefers it.
-  QMetaObject::invokeMethod(
-      this, [this] { report(); }, Qt::QueuedConnection);
+  return owner != nullptr && owner->owner != XCB_WINDOW_NONE;
 }
 
 // A new tray announces itself with a MANAGER message to the root window, which names its selection.
@@ -84,13 +99,9 @@ bool TrayHostWatch::nativeEventFilter(const QByteArray&, void* message, qintptr*
   const auto* client = reinterpret_cast<const xcb_client_message_event_t*>(event);
   if (client->type == managerMessage_ && client->data.data32[1] == traySelection_) {
     QMetaObject::invokeMethod(
-        this, [this] { report(); }, Qt::QueuedConnection);
+        this, [this] { changed_(); }, Qt::QueuedConnection);
   }
   return false;
-}
-
-void TrayHostWatch::report() {
-  if (const auto found = std::exchange(found_, nullptr)) found();
 }
 
 }  // namespace platform

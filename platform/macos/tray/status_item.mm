@@ -29,7 +29,13 @@ void StatusItem::setTitle(std::string_view title) {
   [[impl_->item.get() button] setTitle:textOf(title)];
 }
 
-void StatusItem::setImage(std::shared_ptr<Image> image) {
+void StatusItem::setToolTip(std::string_view text) {
+  [[impl_->item.get() button] setToolTip:text.empty() ? nil : textOf(text)];
+}
+
+// The pictures are drawn for both appearances of the menu bar, so the symbol is not needed.
+void StatusItem::setImage(std::shared_ptr<Image> image, std::string_view symbol) {
+  static_cast<void>(symbol);
   [[impl_->item.get() button] setImage:image == nullptr ? nil : image->impl().image.get()];
 }
 
@@ -51,6 +57,14 @@ Menu* StatusItem::menu() const {
 void StatusItem::popUpMenu() {
   const auto item = std::make_shared<Retained<NSStatusItem*>>(retained(impl_->item.get()));
   Application::sharedApplication().performOnMainThread([=] { [[item->get() button] performClick:nil]; });
+}
+
+// The status bar always has room.
+void StatusItem::notifyIfHidden(std::chrono::milliseconds patience, std::string_view title,
+                                std::string_view text) {
+  static_cast<void>(patience);
+  static_cast<void>(title);
+  static_cast<void>(text);
 }
 
 }  // namespace platform

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 #include "tests/end_to_end/agent_test.h"
 #include "tests/harness/desktop/x_connection.h"
@@ -258,10 +259,93 @@ TEST_F(PanelTray, DocksAgainInRestartedHost) {
   EXPECT_EQ(host_.menu().front().label, "Automount Off");
 }
 
-TEST_F(PanelTray, LeftClickOpensMenu) {
+// The refusal is what hosts that ignore ItemIsMenu open their own menu at.
+TEST_F(PanelTray, ClicksAreLeftToTheHostsMenu) {
   launchAgentInPanel();
+  EXPECT_EQ(host_.properties()["ItemIsMenu"], "true");
   ASSERT_TRUE(host_.activate(10, 10));
-  EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
+  EXPECT_TRUE(host_.waitForEvent("failed called Activate"));
+  ASSERT_TRUE(host_.secondaryActivate(10, 10));
+  EXPECT_TRUE(host_.waitForEvent("failed called SecondaryActivate"));
+  EXPECT_FALSE(test_support::waitForWindow(display_.name(), isMenu, std::chrono::milliseconds(0)));
+}
+
+TEST_F(PanelTray, HostWithoutMenusHasTheAgentOpenItsOwn) {
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.contextMenu(300, 200));
+  const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+  ASSERT_TRUE(menu);
+  EXPECT_EQ(menu->x, 300);
+  EXPECT_EQ(menu->y, 200);
+}
+
+TEST_F(PanelTray, DesktopWithoutAPanelTellsThatTheAgentRuns) {
+  ChildProcess monitor;
+  ASSERT_TRUE(monitor.start({"dbus-monitor", "--address", bus_.address(), "member='Notify'"},
+                            {.environment = environment_}));
+  launchAgent();
+  EXPECT_TRUE(test_support::waitUntil([&] {
+    const auto line = monitor.readLine();
+    return line && line->find("Start Tovalin again to open its menu.") != std::string::npos;
+  }));
+}
+
+// An X tray beside the host on the bus.
+class TwoPanels : public AgentTest {
+ protected:
+  void startTray() {
+    ASSERT_TRUE(tray_.start({"trayer", "--edge", "bottom", "--SetDockType", "true", "--height", "28"},
+                            {.environment = environment_, .error = Redirection::null()}));
+    ASSERT_TRUE(test_support::waitForWindow(display_.name(), test_support::windowNamed("panel")));
+  }
+  void endHost() {
+    host_.process().kill();
+    ASSERT_TRUE(host_.process().wait());
+  }
+  [[nodiscard]] bool comesToTray() {
+    return test_support::waitForWindow(display_.name(), isIcon).has_value();
+  }
+  [[nodiscard]] bool leavesTray() { return test_support::waitForNoWindow(display_.name(), isIcon); }
+
+  ChildProcess tray_;
+};
+
+TEST_F(TwoPanels, LateHostTakesTheIconOverFromTheTray) {
+  startTray();
+  launchAgent();
+  ASSERT_TRUE(comesToTray());
+  ASSERT_TRUE(host_.start(bus_));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+  EXPECT_TRUE(leavesTray());
+  EXPECT_EQ(host_.items().size(), 1U);
+}
+
+TEST_F(TwoPanels, TrayHasTheIconWhileTheHostIsAway) {
+  startTray();
+  launchAgentInPanel();
+  for (int times = 0; times < 2; ++times) {
+    ASSERT_NO_FATAL_FAILURE(endHost());
+    EXPECT_TRUE(comesToTray());
+    ASSERT_TRUE(host_.start(bus_));
+    EXPECT_TRUE(host_.waitForEvent("registered"));
+    EXPECT_TRUE(leavesTray());
+  }
+  EXPECT_EQ(host_.menu().front().label, "Automount Off");
+}
+
+TEST_F(TwoPanels, TrayHasTheIconWhileTheWatcherHasNoHost) {
+  startTray();
+  ASSERT_TRUE(host_.start(bus_));
+  ASSERT_TRUE(host_.setHostRegistered(false));
+  launchAgent();
+  EXPECT_TRUE(comesToTray());
+  EXPECT_TRUE(host_.items().empty());
+  ASSERT_TRUE(host_.setHostRegistered(true));
+  EXPECT_TRUE(host_.waitForEvent("registered"));
+  EXPECT_TRUE(leavesTray());
+  ASSERT_TRUE(host_.setHostRegistered(false));
+  EXPECT_TRUE(comesToTray());
+  EXPECT_TRUE(host_.waitForEvent("unregistered"));
 }
 
 TEST_F(PanelTray, HostOnBusIsPreferredToXTray) {
@@ -275,13 +359,48 @@ TEST_F(PanelTray, HostOnBusIsPreferredToXTray) {
   EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(300)));
 }
 
+<<<<<<< HEAD
 TEST_F(PanelTray, IconHasTheProgramsNames) {
+=======
+TEST_F(PanelTray, IconHasTheProgramsNameAndSaysTheStateInWords) {
+>>>>>>> e66ce06663bd57913d890ce7d4c49846327fcfa4
   launchAgentInPanel();
   auto properties = host_.properties();
   EXPECT_EQ(properties["Id"], "Tovalin");
-  EXPECT_EQ(properties["Title"], "Tovalin");
-  EXPECT_EQ(properties["ToolTip"], "Tovalin");
+  EXPECT_EQ(properties["Title"], "Automount is on");
+  EXPECT_EQ(properties["ToolTip"], "Automount is on");
   EXPECT_EQ(properties["Status"], "Active");
+  host_.clearEvents();
+  ASSERT_TRUE(host_.click("Automount Off"));
+  EXPECT_TRUE(host_.waitForEvent("NewTitle"));
+  EXPECT_TRUE(host_.waitForEvent("NewToolTip"));
+  EXPECT_TRUE(host_.waitForEvent("NewIcon"));
+  properties = host_.properties();
+  EXPECT_EQ(properties["Title"], "Automount is off");
+  EXPECT_EQ(properties["ToolTip"], "Automount is off");
+}
+
+TEST_F(PanelTray, IconHasThreeSizes) {
+  launchAgentInPanel();
+  EXPECT_EQ(host_.properties()["IconPixmap"], "20x20 40x40 80x80");
+}
+
+TEST_F(PanelTray, IconNamesTheSymbolOfTheStateWhereTheBundleHasIt) {
+  install("/tmp/Applications/Tovalin.app");
+  const std::string theme = agentContents() + "/Resources/icons";
+  const std::string symbols = theme + "/hicolor/symbolic/apps/";
+  std::filesystem::remove_all(theme);
+  std::filesystem::create_directories(symbols);
+  std::ofstream(symbols + "tovalin-mount-on-symbolic.svg") << "<svg/>";
+  launchAgentInPanel();
+  auto properties = host_.properties();
+  EXPECT_EQ(properties["IconName"], "tovalin-mount-on-symbolic");
+  EXPECT_EQ(properties["IconThemePath"], theme);
+  ASSERT_TRUE(host_.click("Automount Off"));
+  EXPECT_TRUE(host_.waitForEvent("NewIcon"));
+  properties = host_.properties();
+  EXPECT_EQ(properties["IconName"], "");
+  EXPECT_EQ(properties["IconPixmap"], "20x20 40x40 80x80");
 }
 
 }  // namespace

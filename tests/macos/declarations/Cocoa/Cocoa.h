@@ -290,6 +290,7 @@ extern "C" NSAccessibilityRole const NSAccessibilityImageRole;
 - (void)addCursorRect:(NSRect)rect cursor:(NSCursor*)cursor;
 - (void)setClipsToBounds:(BOOL)clips;
 - (void)setAccessibilityLabel:(NSString*)label;
+- (void)setToolTip:(NSString*)text;
 @end
 
 @interface NSControl : NSView

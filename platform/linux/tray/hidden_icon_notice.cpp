@@ -1,0 +1,71 @@
+#include "platform/linux/tray/hidden_icon_notice.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QGuiApplication>
+#include <QTimer>
+
+#include "platform/file_descriptor.h"
+#include "platform/linux/processes/private_folder.h"
+
+namespace platform {
+namespace {
+
+constexpr int serversOwnTimeout = -1;
+
+std::string markPath() {
+  const auto folder = privateFolder();
+  return folder ? *folder + "/told-hidden" : std::string();
+}
+
+// Returns false if it is there already. Sticky, so that those who tidy up runtime folders leave it alone.
+bool makeMark(const std::string& path) {
+  const FileDescriptor mark(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
+                                   S_ISVTX | S_IRUSR | S_IWUSR));
+  return mark.valid() || errno != EEXIST;
+}
+
+QDBusMessage notification(const std::string& title, const std::string& text) {
+  QDBusMessage call = QDBusMessage::createMethodCall(
+      QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
+      QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
+  const uint replacesNone = 0;
+  call << QCoreApplication::applicationName() << replacesNone << QString() << QString::fromStdString(title)
+       << QString::fromStdString(text) << QStringList()
+       << QVariantMap{{QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName()}}
+       << serversOwnTimeout;
+  return call;
+}
+
+}  // namespace
+
+HiddenIconNotice::HiddenIconNotice(std::chrono::milliseconds patience, std::string title, std::string text,
+                                   std::function<bool()> isHidden)
+    : title_(std::move(title)), text_(std::move(text)) {
+  QTimer::singleShot(patience, this, [this, isHidden = std::move(isHidden)] {
+    if (isHidden()) show();
+  });
+}
+
+void HiddenIconNotice::show() {
+  mark_ = markPath();
+  if (!mark_.empty() && !makeMark(mark_)) return;
+  answer_ = std::make_unique<QDBusPendingCallWatcher>(
+      QDBusConnection::sessionBus().asyncCall(notification(title_, text_)));
+  connect(answer_.get(), &QDBusPendingCallWatcher::finished, this, &HiddenIconNotice::takeAnswer);
+}
+
+// Without a server that shows notifications nobody was told, and the next start tries again.
+void HiddenIconNotice::takeAnswer() {
+  if (answer_->isError() && !mark_.empty()) ::unlink(mark_.c_str());
+}
+
+}  // namespace platform

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QDBusPendingCallWatcher>
+#include <QObject>
+#include <QPoint>
+#include <QString>
+
+#include "platform/linux/tray/exported_menu.h"
+#include "platform/linux/tray/status_content.h"
+
+namespace platform {
+
+// A status icon on the session bus (org.kde.StatusNotifierItem), drawn by the host that is registered with
+// org.kde.StatusNotifierWatcher. Nothing waits for the bus. Main thread.
+class StatusNotifierItem : public QObject {
+  Q_OBJECT
+ public:
+  // Calls `openMenu` from the run loop where a host shows no menus and asks for ours, at these pixels of the
+  // X screen.
+  explicit StatusNotifierItem(std::function<void(QPoint)> openMenu);
+  ~StatusNotifierItem() override;
+
+  // Shows this with the watcher, once for each `watcherNumber` (TrayHostWatch), and leaves the watcher while
+  // there is no icon.
+  void show(const StatusContent& content, int watcherNumber);
+
+ private:
+  [[nodiscard]] BusInterface interface();
+  [[nodiscard]] QVariantMap properties() const;
+  [[nodiscard]] QDBusMessage contextMenu(const QDBusMessage& call);
+  void requestName();
+  void takeNameAnswer();
+  void registerWithWatcher();
+  void withdraw();
+
+  std::function<void(QPoint)> openMenu_;
+  StatusContent content_;
+  int watcherNumber_ = 0;
+  int registeredWith_ = 0;
+  int nameNumber_ = 0;
+  bool hasName_ = false;
+  std::unique_ptr<QDBusPendingCallWatcher> nameRequest_;
+  ExportedMenu menu_;
+  BusObject object_;
+};
+
+}  // namespace platform

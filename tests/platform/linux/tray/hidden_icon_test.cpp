@@ -1,0 +1,126 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include <QDBusConnection>
+#include <QDBusVirtualObject>
+
+#include "platform/linux/processes/private_folder.h"
+#include "tests/platform/linux/tray/tray_bus_fixture.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+constexpr const char* serverName = "org.freedesktop.Notifications";
+constexpr const char* serverPath = "/org/freedesktop/Notifications";
+
+// What shows notifications on a desktop, as far as programs can tell.
+class NotificationServer : public QDBusVirtualObject {
+ public:
+  explicit NotificationServer(QDBusConnection bus) : bus_(std::move(bus)) {
+    EXPECT_TRUE(bus_.registerVirtualObject(serverPath, this));
+    EXPECT_TRUE(bus_.registerService(serverName));
+  }
+  ~NotificationServer() override {
+    bus_.unregisterService(serverName);
+    bus_.unregisterObject(serverPath);
+  }
+  NotificationServer(const NotificationServer&) = delete;
+  NotificationServer& operator=(const NotificationServer&) = delete;
+
+  [[nodiscard]] const QList<QDBusMessage>& shown() const { return shown_; }
+  void refuse(bool refuses) { refuses_ = refuses; }
+
+ private:
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+    if (message.member() != "Notify") return false;
+    shown_.append(message);
+    return connection.send(refuses_ ? message.createErrorReply("org.example.Error.Full", "Too many")
+                                    : message.createReply(1U));
+  }
+
+  QDBusConnection bus_;
+  QList<QDBusMessage> shown_;
+  bool refuses_ = false;
+};
+
+class HiddenIcon : public TrayBusTest {
+ protected:
+  void SetUp() override { fs::remove_all(platform::privateFolderPath()); }
+
+  // A start of the program that waits this long for a panel.
+  void start(std::chrono::milliseconds patience = 1ms) {
+    item_.reset();
+    makeItem();
+    item_->notifyIfHidden(patience, "It runs", "But <hidden> & alone");
+  }
+  [[nodiscard]] bool isShown(qsizetype times) {
+    return serveEventsUntil([&] { return server_.shown().size() == times; });
+  }
+  // A time in which a notification would have come: each start asks the watcher, then the timer is over.
+  void serveAWhile() {
+    static_cast<void>(serveEventsUntil([] { return false; }, 300ms));
+  }
+
+  NotificationServer server_{host_.bus()};
+};
+
+TEST_F(HiddenIcon, IsToldInANotification) {
+  start();
+  ASSERT_TRUE(isShown(1));
+  const QDBusMessage& shown = server_.shown()[0];
+  EXPECT_EQ(shown.signature(), "susssasa{sv}i");
+  EXPECT_EQ(shown.arguments()[3], "It runs");
+  EXPECT_EQ(shown.arguments()[4], "But <hidden> & alone");
+}
+
+TEST_F(HiddenIcon, IsToldOnceInASession) {
+  start();
+  ASSERT_TRUE(isShown(1));
+  start();
+  serveAWhile();
+  EXPECT_EQ(server_.shown().size(), 1);
+  // Another session has a folder of its own.
+  fs::remove_all(platform::privateFolderPath());
+  start();
+  EXPECT_TRUE(isShown(2));
+}
+
+TEST_F(HiddenIcon, IsToldAgainWhereNobodyShowedIt) {
+  server_.refuse(true);
+  start();
+  ASSERT_TRUE(isShown(1));
+  ASSERT_TRUE(serveEventsUntil([] { return fs::is_empty(platform::privateFolderPath()); }));
+  server_.refuse(false);
+  start();
+  EXPECT_TRUE(isShown(2));
+}
+
+TEST_F(HiddenIcon, IsNotToldWhileAPanelShowsIt) {
+  ASSERT_NO_FATAL_FAILURE(startWatcher());
+  start(200ms);
+  ASSERT_TRUE(waitForItems(1));
+  serveAWhile();
+  EXPECT_TRUE(server_.shown().isEmpty());
+}
+
+// Earlier than the notice: the panel came in time.
+TEST_F(HiddenIcon, IsNotToldWhenAPanelComesInTime) {
+  start(500ms);
+  ASSERT_NO_FATAL_FAILURE(startWatcher());
+  ASSERT_TRUE(waitForItems(1));
+  static_cast<void>(serveEventsUntil([] { return false; }, 700ms));
+  EXPECT_TRUE(server_.shown().isEmpty());
+}
+
+TEST_F(HiddenIcon, IsNotToldAfterTheItemsEnd) {
+  start(100ms);
+  item_.reset();
+  serveAWhile();
+  EXPECT_TRUE(server_.shown().isEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,67 @@
+#include "platform/linux/tray/icon_pixels.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/image.h"
+
+namespace {
+
+using platform::IconPixels;
+using platform::iconPixels;
+
+std::string bytesOf(const IconPixels& pixels) {
+  return pixels.bytes.toStdString();
+}
+
+TEST(IconPixels, AreAlphaRedGreenBlueWhateverTheFormatOfThePicture) {
+  struct Row {
+    QImage::Format format;
+    QColor colour;
+    std::string bytes;
+  };
+  for (const Row& row :
+       {Row{QImage::Format_ARGB32, QColor(1, 2, 3, 255), "\xff\x01\x02\x03"},
+        Row{QImage::Format_ARGB32, QColor(200, 100, 50, 0), std::string("\0\xc8\x64\x32", 4)},
+        Row{QImage::Format_ARGB32_Premultiplied, QColor(255, 0, 255, 51), std::string("\x33\xff\0\xff", 4)},
+        Row{QImage::Format_RGB32, QColor(1, 2, 3), "\xff\x01\x02\x03"},
+        Row{QImage::Format_RGBA8888, QColor(1, 2, 3, 4), "\x04\x01\x02\x03"}}) {
+    QImage picture(1, 1, row.format);
+    picture.setPixelColor(0, 0, row.colour);
+    const IconPixels pixels = iconPixels(picture);
+    EXPECT_EQ(pixels.width, 1);
+    EXPECT_EQ(pixels.height, 1);
+    EXPECT_EQ(bytesOf(pixels), row.bytes) << row.format;
+  }
+}
+
+// The lines of an image of odd width in one byte to the pixel end with bytes that are no pixels.
+TEST(IconPixels, RunFromTheTopLeftWithoutGapsBetweenLines) {
+  QImage picture(3, 2, QImage::Format_Grayscale8);
+  for (int i = 0; i < 6; ++i) picture.setPixelColor(i % 3, i / 3, QColor(i, i, i));
+  const IconPixels pixels = iconPixels(picture);
+  EXPECT_EQ(pixels.width, 3);
+  EXPECT_EQ(pixels.height, 2);
+  ASSERT_EQ(pixels.bytes.size(), 24);
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(pixels.bytes[4 * i + 1], i);
+}
+
+TEST(PanelPixels, HaveTheImageAtOneTwoAndFourPixelsToThePoint) {
+  const platform::Image image({20, 10});
+  const auto all = platform::panelPixels(&image);
+  ASSERT_EQ(all.size(), 3);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(all[i].width, 20 << i);
+    EXPECT_EQ(all[i].height, 10 << i);
+    EXPECT_EQ(all[i].bytes.size(), 4 * (20 << i) * (10 << i));
+  }
+}
+
+TEST(PanelPixels, AreEmptyWithoutAPicture) {
+  EXPECT_TRUE(platform::panelPixels(nullptr).isEmpty());
+  const platform::Image invalid({0, 0});
+  EXPECT_TRUE(platform::panelPixels(&invalid).isEmpty());
+}
+
+}  // namespace
