@@ -27,8 +27,8 @@ class StatusItem {
   // The state in words: the icon's tooltip and its name for screen readers. If empty, the title is used.
   void setToolTip(std::string_view text);
   // nullptr shows no icon. `symbol` names a monochrome icon of the same meaning, which panels paint in their
-  // own colour: on Linux the file hicolor/symbolic/apps/SYMBOL.svg below Contents/Resources/icons. If the file
-  // is missing, in X trays and on other systems, the image is shown.
+  // own colour: on Linux the file hicolor/symbolic/apps/SYMBOL.svg below Contents/Resources/icons. If the
+  // file is missing, in X trays and on other systems, the image is shown.
   void setImage(std::shared_ptr<Image> image, std::string_view symbol = {});
   // Whether the icon is highlighted while its menu is open. No effect on Linux, where the panel decides; kept
   // for systems where the program does.
