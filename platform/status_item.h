@@ -42,8 +42,8 @@ class StatusItem {
   // report the icon's position or there is no icon.
   void popUpMenu();
 
-  // If no panel has room for the icon after `patience`, tells the user in a notification of the desktop, at
-  // most once in a session. No effect where the system always has room. To be called once.
+  // Shows a desktop notification if no panel shows the icon after `patience`; at most once per session. No
+  // effect on a system whose panel shows every icon. Call once. Main thread only.
   void notifyIfHidden(std::chrono::milliseconds patience, std::string_view title, std::string_view text);
 
  private:

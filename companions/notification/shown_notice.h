@@ -56,9 +56,9 @@ class ShownNotice : public QObject {
   std::function<void(End)> ended_;
   QDBusConnection bus_ = QDBusConnection::sessionBus();
   QTimer timeout_;
-  bool asked_ = false;  // the server will show the notice, and has not told its number yet
+  bool asked_ = false;  // the server has accepted the notice and has not sent its id yet
   bool cancelled_ = false;
-  uint id_ = 0;  // the server gives none that is 0
+  uint id_ = 0;  // 0 until the server has sent an id
   QString activationToken_;
   QString error_;
 };

@@ -25,9 +25,9 @@ struct BusInterface {
   std::vector<BusMethod> methods;
 };
 
-// An object on the session bus with one interface, whose properties can be read and not written. Calls of
-// unknown methods and properties and arguments of other types get the errors that D-Bus has for them. Without
-// a bus it is reached by nobody. Main thread.
+// An object on the session bus with one interface and read-only properties. Replies to unknown methods,
+// unknown properties and wrong argument types with the standard D-Bus errors. No effect without a session
+// bus. Main thread only.
 class BusObject : private QDBusVirtualObject {
  public:
   BusObject(const QString& path, BusInterface interface);

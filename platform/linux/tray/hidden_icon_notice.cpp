@@ -63,7 +63,7 @@ void HiddenIconNotice::show() {
   connect(answer_.get(), &QDBusPendingCallWatcher::finished, this, &HiddenIconNotice::takeAnswer);
 }
 
-// Without a server that shows notifications nobody was told, and the next start tries again.
+// If no notification server is running, removes the mark so that the next start tries again.
 void HiddenIconNotice::takeAnswer() {
   if (answer_->isError() && !mark_.empty()) ::unlink(mark_.c_str());
 }

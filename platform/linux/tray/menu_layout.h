@@ -40,11 +40,11 @@ struct MenuLine {
 [[nodiscard]] QList<MenuProperties> groupProperties(const QList<MenuLine>& lines, const QList<int>& ids,
                                                     const QStringList& names);
 
-// Whether a click on this item chooses something.
+// Returns whether a click on this item runs an action.
 [[nodiscard]] bool canBeChosen(const QList<MenuLine>& lines, int id);
 
-// What a host must be told to show `after` instead of `before`. Where lines came or went, that is the whole
-// layout, and the lists are empty.
+// The changes that a host needs in order to show `after` instead of `before`. If lines were added or removed,
+// `layout` is true and the lists are empty.
 struct MenuChanges {
   bool layout = false;
   QList<MenuProperties> updated = {};

@@ -22,7 +22,7 @@ class PanelIconEngine : public QIconEngine {
     painter->drawPixmap(place, representationFor(shown.width() * painter->device()->devicePixelRatioF()));
   }
 
-  // What panels on the bus are told, in pixels.
+  // The sizes in pixels that Qt offers to panels on the bus.
   QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
     QList<QSize> sizes;
     for (const QPixmap& form : forms_) sizes.append(form.size());

@@ -7,9 +7,9 @@
 
 namespace platform {
 
-// An icon that is shown pixel by pixel on each screen that one of its forms fits, and never larger than they
-// measure. The toolkit's own icon is stretched to all the room that the panel gives. `forms` are the same
-// picture at rising numbers of pixels to the point; at least one.
+// An icon that is shown unscaled on each screen that one of its representations fits, and never larger than
+// its size; Qt's own icon is stretched to the size of the panel's slot. `forms` holds bitmap representations
+// of the same image in ascending order of device pixel ratio; at least one.
 [[nodiscard]] QIcon panelIcon(std::vector<QPixmap> forms);
 
 }  // namespace platform

@@ -86,7 +86,7 @@ void StatusItem::Impl::show() {
 void StatusItem::Impl::popUpMenu() {
   if (menu == nullptr) return;
   QMenu& widget = menu->impl().widget;
-  // A tray of the X screen tells where the icon is: the menu opens beside it and not over the panel.
+  // An X tray reports the position of the icon: open the menu beside it and not over the panel.
   const QRect icon = onScreen == nullptr ? QRect() : onScreen->geometry();
   if (icon.isEmpty()) return widget.popup(QCursor::pos());
   const int height = widget.sizeHint().height();

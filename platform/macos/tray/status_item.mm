@@ -59,7 +59,7 @@ void StatusItem::popUpMenu() {
   Application::sharedApplication().performOnMainThread([=] { [[item->get() button] performClick:nil]; });
 }
 
-// The status bar always has room.
+// The status bar shows every icon.
 void StatusItem::notifyIfHidden(std::chrono::milliseconds patience, std::string_view title,
                                 std::string_view text) {
   static_cast<void>(patience);

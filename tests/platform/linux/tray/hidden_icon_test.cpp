@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 constexpr const char* serverName = "org.freedesktop.Notifications";
 constexpr const char* serverPath = "/org/freedesktop/Notifications";
 
-// What shows notifications on a desktop, as far as programs can tell.
+// A fake notification server.
 class NotificationServer : public QDBusVirtualObject {
  public:
   explicit NotificationServer(QDBusConnection bus) : bus_(std::move(bus)) {

@@ -109,7 +109,7 @@ TEST_F(TrayBusTest, RegistersAgainWithAWatcherThatIsStartedAgain) {
   EXPECT_EQ(properties()["Title"], "All is well");
 }
 
-// The bus may hand the name from one watcher to the next without a moment in which nobody has it.
+// The bus may pass the name from one watcher to the next without a moment in which it has no owner.
 TEST_F(TrayBusTest, RegistersWithAWatcherThatReplacesAnother) {
   constexpr auto service = "org.kde.StatusNotifierWatcher";
   ASSERT_NO_FATAL_FAILURE(startWatcher());
