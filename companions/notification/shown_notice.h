@@ -56,7 +56,7 @@ class ShownNotice : public QObject {
   std::function<void(End)> ended_;
   QDBusConnection bus_ = QDBusConnection::sessionBus();
   QTimer timeout_;
-  bool asked_ = false;  // the server will show the notice, and has not told its number yet
+  bool asked_ = false;  // Notify is sent and not answered yet
   bool cancelled_ = false;
   uint id_ = 0;  // the server gives none that is 0
   QString activationToken_;
