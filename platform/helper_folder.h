@@ -11,7 +11,8 @@ namespace platform {
 [[nodiscard]] std::vector<std::string> helperFolders();
 
 // Copies the helper programs of the running bundle, because some must still run after the bundle is removed.
-// Logs an error for each program that cannot be copied and leaves it out; the web view's helper may be missing.
+// Logs an error for each program that cannot be copied and leaves it out; the web view's helper may be
+// missing.
 void installHelpers();
 // Removes the copies.
 void removeHelpers();

@@ -40,9 +40,7 @@ TEST_P(EveryTool, UnknownOptionIsRefused) {
   EXPECT_THAT(finished.error, HasSubstr("see " + GetParam() + " --help"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Tools, EveryTool,
-                         testing::Values("fleet", "mainapp", "productserver",
-                                         "tvldump"),
+INSTANTIATE_TEST_SUITE_P(Tools, EveryTool, testing::Values("fleet", "mainapp", "productserver", "tvldump"),
                          [](const auto& test) { return test.param; });
 
 }  // namespace
