@@ -56,7 +56,7 @@ class ShownNotice : public QObject {
   std::function<void(End)> ended_;
   QDBusConnection bus_ = QDBusConnection::sessionBus();
   QTimer timeout_;
-  bool asked_ = false;  // the server has accepted the notice and has not sent its id yet
+  bool asked_ = false;  // Notify is sent and not answered yet
   bool cancelled_ = false;
   uint id_ = 0;  // 0 until the server has sent an id
   QString activationToken_;
