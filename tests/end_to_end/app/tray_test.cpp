@@ -359,11 +359,7 @@ TEST_F(PanelTray, HostOnBusIsPreferredToXTray) {
   EXPECT_FALSE(test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(300)));
 }
 
-<<<<<<< HEAD
-TEST_F(PanelTray, IconHasTheProgramsNames) {
-=======
-TEST_F(PanelTray, IconHasTheProgramsNameAndSaysTheStateInWords) {
->>>>>>> e66ce06663bd57913d890ce7d4c49846327fcfa4
+TEST_F(PanelTray, ItemHasProgramNameAndStateInWords) {
   launchAgentInPanel();
   auto properties = host_.properties();
   EXPECT_EQ(properties["Id"], "Tovalin");
