@@ -26,16 +26,22 @@ class PropertyList {
     // Which of several entries with the same key stays.
     enum class Keep { First, Last };
 
-    Dictionary() = default;
+    Dictionary();
     Dictionary(std::initializer_list<Entry> entries);
     Dictionary(std::vector<Entry> entries, Keep keep);
+    // Defined where Entry is complete.
+    Dictionary(const Dictionary& other);
+    Dictionary(Dictionary&& other) noexcept;
+    Dictionary& operator=(const Dictionary& other);
+    Dictionary& operator=(Dictionary&& other) noexcept;
+    ~Dictionary();
 
     // Sorted by key.
     [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
     // Returns nullptr if there is none. The pointer is valid until this object changes.
     [[nodiscard]] const PropertyList* find(std::string_view key) const;
 
-    bool operator==(const Dictionary&) const = default;
+    bool operator==(const Dictionary& other) const;
 
    private:
     std::vector<Entry> entries_;

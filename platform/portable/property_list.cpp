@@ -25,6 +25,17 @@ bool isSortedWithoutRepeats(const std::vector<PropertyList::Entry>& entries) {
 
 }  // namespace
 
+PropertyList::Dictionary::Dictionary() = default;
+PropertyList::Dictionary::Dictionary(const Dictionary& other) = default;
+PropertyList::Dictionary::Dictionary(Dictionary&& other) noexcept = default;
+PropertyList::Dictionary& PropertyList::Dictionary::operator=(const Dictionary& other) = default;
+PropertyList::Dictionary& PropertyList::Dictionary::operator=(Dictionary&& other) noexcept = default;
+PropertyList::Dictionary::~Dictionary() = default;
+
+bool PropertyList::Dictionary::operator==(const Dictionary& other) const {
+  return entries_ == other.entries_;
+}
+
 PropertyList::Dictionary::Dictionary(std::initializer_list<Entry> entries)
     : Dictionary(std::vector(entries), Keep::First) {}
 
@@ -33,8 +44,8 @@ PropertyList::Dictionary::Dictionary(std::vector<Entry> entries, Keep keep) : en
   if (isSortedWithoutRepeats(entries_)) return;
   if (keep == Keep::Last) std::ranges::reverse(entries_);
   std::ranges::stable_sort(entries_, {}, &Entry::key);
-  const auto repeats = std::ranges::unique(entries_, {}, &Entry::key);
-  entries_.erase(repeats.begin(), repeats.end());
+  const auto isRepeat = [](const Entry& a, const Entry& b) { return a.key == b.key; };
+  entries_.erase(std::unique(entries_.begin(), entries_.end(), isRepeat), entries_.end());
 }
 
 const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {

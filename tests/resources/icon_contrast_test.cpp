@@ -128,7 +128,7 @@ QImage pictureInBundle(const std::string& name) {
 std::string tableRow(const std::string& name, const std::array<double, greys>& contrasts) {
   std::ostringstream row;
   row << "| `" << name << "` |" << std::fixed << std::setprecision(1);
-  for (const std::size_t grey : {0, 64, 128, 192, 255}) row << ' ' << contrasts[grey] << " |";
+  for (const std::size_t grey : {0U, 64U, 128U, 192U, 255U}) row << ' ' << contrasts[grey] << " |";
   const auto* const lowest = std::ranges::min_element(contrasts);
   row << ' ' << *lowest << " on grey " << lowest - contrasts.begin() << " |";
   return row.str();

@@ -75,7 +75,7 @@ TEST_F(Session, EndOfSessionWithoutSaveRunsProperEnd) {
 
 TEST_F(Session, EndOfSessionWithOpenMenuRunsProperEnd) {
   launchInSession();
-  ASSERT_TRUE(host_.activate(10, 10));
+  ASSERT_TRUE(host_.contextMenu(10, 10));
   ASSERT_TRUE(test_support::waitForWindow(display_.name(), isMenu));
   ASSERT_TRUE(manager_.save());
   EXPECT_EQ(manager_.waitForEvent("saved"), "saved yes");

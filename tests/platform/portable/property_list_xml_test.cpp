@@ -278,7 +278,7 @@ TEST(XmlPropertyList, TagWithAttributesBeyond4096BytesIsUnreadable) {
     const std::string start = "<array a=\"", end = "\"/>";
     return start + std::string(size - start.size() - end.size(), 'x') + end;
   };
-  for (const std::size_t before : {0, 100, 4'000, 8'000, 12'500, 16'300, 40'000}) {
+  for (const std::size_t before : {0U, 100U, 4'000U, 8'000U, 12'500U, 16'300U, 40'000U}) {
     const std::string blanks(before, ' ');
     EXPECT_TRUE(parseInPlist(blanks + tag(maxTagSize))) << before;
     EXPECT_FALSE(parseInPlist(blanks + tag(maxTagSize + 1))) << before;
