@@ -47,7 +47,7 @@ const std::vector<Step> stepsOfBareTray = {
     {"plugin loaded", ".X11-unix", true},
     {"request made", "GET /", true},
     {"session bus connected", "/tmp/dbus"},
-    {"icon made", "StatusNotifierItem-", true},
+    {"icon made", "/tmp/dbus", true},
     {"icon registered", "RegisterStatusNotifierItem", true},
 };
 
@@ -60,7 +60,7 @@ struct Span {
 const std::vector<Span> spans = {
     {"both: exec to the connection to X"},
     {"both: ... to the request for a page"},
-    {"both: ... to the icon's name on the bus, less the 10 ms", 10},
+    {"both: ... to the icon on the bus, less the 10 ms", 10},
     {"both: ... to the icon's registration"},
 };
 

@@ -22,6 +22,8 @@ void copyBundle(const std::string& contents, const std::string& origin) {
   std::string list = test_support::contentsOf(contents + "/Info.plist");
   list.insert(list.rfind("</dict>"), "<key>TovalinProductServer</key><string>" + origin + "</string>");
   std::ofstream(contents + "/Info.plist") << list;
+  std::ofstream("/tmp/Bench.app/Contents/TovalinPorperty.plist")
+      << "<plist version=\"1.0\"><dict><key>Autorun</key><true/><key>Active</key><true/></dict></plist>";
 }
 
 void endWebView() {

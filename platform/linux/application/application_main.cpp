@@ -22,6 +22,7 @@
 #include "platform/linux/application/single_instance.h"
 #include "platform/linux/desktop/session_bus_guard.h"
 #include "platform/linux/processes/qt_runtime_folder.h"
+#include "platform/linux/windows/window_icon.h"
 #include "platform/log.h"
 
 namespace platform {
@@ -53,10 +54,11 @@ int notifyRunningInstance(SingleInstance& instance, int argc, char** argv) {
 // Requests X11 unless QT_QPA_PLATFORM is set: under Wayland a client can neither position its windows nor
 // keep them on top.
 std::vector<char*> qtArguments(char* program) {
+#include "platform/linux/windows/window_icon.h"
   static char option[] = "-platform";
-  static char xcb[] = "xcb";
+  static char platforms[] = "xcb;wayland";
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return {program};
-  return {program, option, xcb};
+  return {program, option, platforms};
 }
 
 void describeApplication() {
@@ -95,6 +97,7 @@ int ApplicationMain(int argc, char** argv) {
   std::optional<QtRuntimeFolder> runtimeFolder(std::in_place);
   const QApplication qtApplication(qtArgc, qtArgv.data());
   runtimeFolder.reset();
+  QGuiApplication::setWindowIcon(windowIcon());
 
   const auto delegate = program.makeDelegate();
   if (!instance.listen([&] { delegate->applicationShouldHandleReopen(); })) {

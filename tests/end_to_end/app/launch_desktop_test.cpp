@@ -74,6 +74,13 @@ TEST_F(Launch, UnsetDisplayIsReportedAndEndsAgent) {
               HasSubstr("TovalinTray: cannot open a display: DISPLAY is not set\n"));
 }
 
+TEST_F(Launch, WithoutXAWaylandDisplayIsTried) {
+  environment_["DISPLAY"] = std::nullopt;
+  startAgent();
+  EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
+  EXPECT_THAT(agent_.takeErrorOutput(), HasSubstr("wayland"));
+}
+
 TEST_F(Launch, UnknownPlatformPluginIsReportedByQt) {
   environment_["QT_QPA_PLATFORM"] = "bogus";
   startAgent();

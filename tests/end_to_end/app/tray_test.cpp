@@ -9,6 +9,7 @@
 #include "tests/harness/desktop/x_input.h"
 #include "tests/harness/desktop/x_picture.h"
 #include "tests/harness/desktop/x_windows.h"
+#include "tests/harness/processes/file_contents.h"
 
 namespace {
 
@@ -288,6 +289,24 @@ TEST_F(PanelTray, DesktopWithoutAPanelTellsThatTheAgentRuns) {
     const auto line = monitor.readLine();
     return line && line->find("Start Tovalin again to open its menu.") != std::string::npos;
   }));
+}
+
+// Desktops find the icon and the name of a window in the desktop entry whose StartupWMClass is its class.
+TEST_F(PanelTray, WindowsHaveTheBundlesIconAndTheClassOfTheDesktopEntry) {
+  install("/tmp/Applications/Tovalin.app");
+  runOnDisplay({"convert", "-size", "512x512", "xc:red", agentContents() + "/Resources/icon.png"});
+  launchAgentInPanel();
+  ASSERT_TRUE(host_.click("Support Tovalin"));
+  const auto window =
+      test_support::waitForWindow(display_.name(), test_support::windowNamed("Support Tovalin"));
+  ASSERT_TRUE(window);
+  const std::string entry =
+      test_support::contentsOf(TOVALIN_PACKAGE_RECIPE "/com.kesmoor.tovalintrayagent.desktop");
+  EXPECT_NE(entry.find("\nStartupWMClass=" + window->className + "\n"), std::string::npos);
+  const std::string icon = runOnDisplay(
+      {"xprop", "-id", std::to_string(window->id), "-f", "_NET_WM_ICON", "32c", " = $0+\n", "_NET_WM_ICON"});
+  const std::string red = std::to_string(0xffff0000U);
+  EXPECT_NE(icon.find("48, 48, " + red), std::string::npos) << icon;
 }
 
 // An X tray beside the host on the bus.
