@@ -1,7 +1,5 @@
 #include "app/link_addresses.h"
 
-// Frozen: doc/compatibility.md.
-
 std::string productPage(std::string_view server) {
   return std::string(server) + "/tovalin";
 }

@@ -4,7 +4,7 @@
 #include <string_view>
 
 // The URLs that the menu opens, already escaped. `server` is the product server's origin, as in
-// "https://www.tovalin.example". Thread-safe.
+// "https://www.tovalin.example". Frozen: doc/compatibility.md. Thread-safe.
 
 inline constexpr std::string_view facebookPage = "https://www.facebook.com/kesmoor";
 

@@ -34,7 +34,7 @@ int sendPipeMsg(const char* message) {
   if (!pipe.valid()) return report("open pipe failed", errno);
   // A write-only descriptor never becomes readable, so this call is a pause. It ends early if the reader
   // closes the pipe.
-  if (waitUntilReadable(pipe.get(), pauseBeforeWrite) == -1) {
+  if (waitUntilReadable(pipe.get(), pauseBeforeWrite) == Readiness::Failed) {
     pipe.reset();
     return report("select failed", errno);
   }

@@ -92,9 +92,9 @@ void nimbatrayAppDelegate::listen(int pipe) {
   }
   const platform::FileDescriptor writeEnd = openWriteEnd(pipe);
   while (bThreadRun) {
-    const int ready = waitUntilReadable(pipe, waitTime);
-    if (ready == -1) return logFailure("pipe select error");
-    if (ready == 0) continue;
+    const Readiness readiness = waitUntilReadable(pipe, waitTime);
+    if (readiness == Readiness::Failed) return logFailure("pipe select error");
+    if (readiness == Readiness::TimedOut) continue;
     if (isAtEndOfFile(pipe)) {
       std::this_thread::sleep_for(waitTime);
       continue;

@@ -13,6 +13,9 @@
 #include "platform/helper_folder.h"
 #include "platform/portable/spawn_attributes.h"
 
+// POSIX leaves the declaration to the program; glibc declares it as an extension.
+extern char** environ;  // NOLINT(readability-redundant-declaration)
+
 namespace platform {
 namespace {
 

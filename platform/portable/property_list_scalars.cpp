@@ -42,14 +42,31 @@ std::string lowered(std::string_view text) {
   return result;
 }
 
-// Parses an unsigned number that fits a double. Uses strtod_l(3) in the "C" locale, because not every
-// standard library has std::from_chars for double.
+// Sets the "C" locale for the calling thread. The destructor restores the previous one.
+class PlainLocale {
+ public:
+  PlainLocale() : previous_(::uselocale(plain())) {}
+  PlainLocale(const PlainLocale&) = delete;
+  PlainLocale& operator=(const PlainLocale&) = delete;
+  ~PlainLocale() { ::uselocale(previous_); }
+
+ private:
+  static locale_t plain() {
+    static const locale_t locale = ::newlocale(LC_ALL_MASK, "C", nullptr);
+    return locale;
+  }
+
+  locale_t previous_;
+};
+
+// Parses an unsigned number that fits a double. Uses strtod(3), because libc++ has no std::from_chars for
+// double.
 std::optional<double> decimalNumber(const std::string& text) {
-  static const locale_t plain = ::newlocale(LC_ALL_MASK, "C", nullptr);
   if (text.empty() || text.starts_with('-') || text.starts_with('+')) return std::nullopt;
   char* end = nullptr;
   errno = 0;
-  const double number = ::strtod_l(text.c_str(), &end, plain);
+  const PlainLocale locale;
+  const double number = std::strtod(text.c_str(), &end);
   const bool isBeyondDouble = errno == ERANGE && (number == 0 || std::isinf(number));
   if (end != text.c_str() + text.size() || isBeyondDouble) return std::nullopt;
   return number;

@@ -10,6 +10,7 @@
 #include <limits>
 
 #include "tests/end_to_end/app/icon_in_panel.h"
+#include "tests/harness/collect_messages.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/file_descriptor.h"
 #include "tests/harness/processes/wait_until.h"
@@ -65,10 +66,9 @@ long pooledThreadsOf(pid_t process) {
 
 }  // namespace
 
-const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s;
+const std::string deviceMessage = test_support::deviceMessage();
 const std::string deviceRecord = "\x04\x13";
-const std::string transferMessage =
-    "-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x00\x10\0\0\0\0\0\0mp4\0\0\0\0\0\0\0"s;
+const std::string transferMessage = test_support::kTransferMessage;
 const std::string transferRecord = "\x07\x08";
 
 void FaultyAgent::setUp() {

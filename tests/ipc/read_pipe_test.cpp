@@ -82,7 +82,7 @@ TEST_F(ReadPipe, HeldWriteEndPreventsEndOfFile) {
 
 TEST_F(ReadPipe, WaitWithoutDataLastsWholeTimeout) {
   const auto begin = std::chrono::steady_clock::now();
-  EXPECT_EQ(waitUntilReadable(reader_.get(), std::chrono::milliseconds(30)), 0);
+  EXPECT_EQ(waitUntilReadable(reader_.get(), std::chrono::milliseconds(30)), Readiness::TimedOut);
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(30));
 }
 
@@ -95,11 +95,11 @@ TEST_F(ReadPipe, WaitAcceptsDescriptorsBelowFdSetsizeOnly) {
   ASSERT_EQ(::write(writer_.get(), "-non", 4), 4);
   const platform::FileDescriptor last(::dup2(reader_.get(), FD_SETSIZE - 1));
   ASSERT_EQ(last.get(), FD_SETSIZE - 1);
-  EXPECT_EQ(waitUntilReadable(last.get(), std::chrono::milliseconds(30)), 1);
+  EXPECT_EQ(waitUntilReadable(last.get(), std::chrono::milliseconds(30)), Readiness::Readable);
   const platform::FileDescriptor beyond(::dup2(reader_.get(), FD_SETSIZE));
   ASSERT_EQ(beyond.get(), FD_SETSIZE);
   errno = 0;
-  EXPECT_EQ(waitUntilReadable(beyond.get(), std::chrono::milliseconds(30)), -1);
+  EXPECT_EQ(waitUntilReadable(beyond.get(), std::chrono::milliseconds(30)), Readiness::Failed);
   EXPECT_EQ(errno, EINVAL);
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
 }

@@ -12,9 +12,6 @@ const std::string kStart =
     "1.0.0.0"
     "\x02\x13"
     "2024-03-07 09:05:00"s;
-const std::string kQuit =
-    "\x03\x13"
-    "2024-03-07 09:05:00"s;
 
 TEST_F(Records, FirstWriteOfDayIsHeaderAndRecord) {
   EXPECT_EQ(errorsOf(TvlWriteStartToFile), "");

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/end_to_end/ipc/hostile_pipes_fixture.h"
+#include "tests/harness/collect_messages.h"
 #include "tests/harness/processes/wait_until.h"
 #include "tests/harness/sanitizer.h"
 
@@ -31,7 +32,7 @@ constexpr long kMaxGrowthWithNotices = maxGrowth(4096);
 
 // As long as a record can hold.
 const std::string deviceName(63, 'x');
-const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0"s + deviceName;
+const std::string deviceMessage = test_support::deviceMessage(deviceName);
 
 // Pads a message to the size of one read, so that the next message is read separately. Returns false if the
 // pipe is full.

@@ -8,6 +8,7 @@
 #include <future>
 
 #include "tests/end_to_end/agent_test.h"
+#include "tests/harness/collect_messages.h"
 #include "tests/harness/processes/wait_until.h"
 #include "tests/harness/servers/product_server_double.h"
 
@@ -104,10 +105,10 @@ TEST_F(Usage, SecondLaunchOfDayAppends) {
 TEST_F(Usage, EventsAndTransfersFromPipeAreRecorded) {
   launchAgent();
   ASSERT_TRUE(waitForListener());
-  send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
+  send(test_support::deviceMessage());
   EXPECT_TRUE(waitUntil([] { return recordsLike("\x04\x13") == 1; }));
   EXPECT_TRUE(recordedUsage().ends_with("\x06My Pad"));
-  send("-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x00\x10\0\0\0\0\0\0mp4\0\0\0\0\0\0\0"s);
+  send(test_support::kTransferMessage);
   EXPECT_TRUE(waitUntil([] { return recordedUsage().ends_with("\x07\x08\x00\x10\0\0\0\0\0\0\x03mp4"s); }));
 }
 

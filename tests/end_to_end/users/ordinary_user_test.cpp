@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "tests/end_to_end/users/ordinary_user_fixture.h"
+#include "tests/harness/collect_messages.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tools/tvldump/record_reader.h"
 
@@ -15,7 +16,7 @@ using test_support::FileDescriptor;
 using test_support::waitUntil;
 
 const std::string ownFolder = ownHome + "/.local/share/Tovalin";
-const std::string deviceMessage = "-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s;
+const std::string deviceMessage = test_support::deviceMessage();
 
 int records() {
   int found = 0;

@@ -7,6 +7,7 @@
 #include <map>
 
 #include "tests/end_to_end/support/support_fixture.h"
+#include "tests/harness/collect_messages.h"
 #include "tests/harness/processes/file_contents.h"
 
 namespace {
@@ -141,7 +142,7 @@ class UntouchedFiles : public SupportTest {
   // Runs a session with a record and an upload.
   void runShortSession() {
     launchInPanel();
-    send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
+    send(test_support::deviceMessage());
     ASSERT_TRUE(waitUntil([] { return !fs::exists(ownFolder + "/Tovalin_2024_01_03.dat"); }));
     choose("Quit Tovalin");
     ASSERT_EQ(endOfAgent(), ExitStatus{.code = 0});
@@ -188,7 +189,7 @@ TEST_F(UntouchedFiles, SessionChangesOnlyTheAgentsOwnFiles) {
   ASSERT_TRUE(server_->waitForRequests("POST", 1));
   ASSERT_TRUE(waitUntil([] { return !fs::exists(ownFolder + "/Tovalin_2024_01_03.dat"); }));
   EXPECT_TRUE(fs::is_symlink(ownFolder + "/Tovalin_2024_01_01.dat"));
-  send("-ncdat\0\0\0\0\x03\0\0\0My Pad\0"s);
+  send(test_support::deviceMessage());
   ASSERT_TRUE(waitUntil([] { return ownRecordsLike("\x04\x13") == 1; }));
   send("-non");
   ASSERT_TRUE(shows(isAccessNotice));
