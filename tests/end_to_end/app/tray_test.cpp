@@ -260,8 +260,8 @@ TEST_F(PanelTray, DocksAgainInRestartedHost) {
   EXPECT_EQ(host_.menu().front().label, "Automount Off");
 }
 
-// The refusal is what hosts that ignore ItemIsMenu open their own menu at.
-TEST_F(PanelTray, ClicksAreLeftToTheHostsMenu) {
+// Hosts that ignore ItemIsMenu open the item's menu themselves when these calls fail.
+TEST_F(PanelTray, ActivateFailsSoThatHostOpensMenu) {
   launchAgentInPanel();
   EXPECT_EQ(host_.properties()["ItemIsMenu"], "true");
   ASSERT_TRUE(host_.activate(10, 10));
@@ -271,7 +271,7 @@ TEST_F(PanelTray, ClicksAreLeftToTheHostsMenu) {
   EXPECT_FALSE(test_support::waitForWindow(display_.name(), isMenu, std::chrono::milliseconds(0)));
 }
 
-TEST_F(PanelTray, HostWithoutMenusHasTheAgentOpenItsOwn) {
+TEST_F(PanelTray, ContextMenuOpensAgentsOwnMenu) {
   launchAgentInPanel();
   ASSERT_TRUE(host_.contextMenu(300, 200));
   const auto menu = test_support::waitForWindow(display_.name(), isMenu);
@@ -280,7 +280,7 @@ TEST_F(PanelTray, HostWithoutMenusHasTheAgentOpenItsOwn) {
   EXPECT_EQ(menu->y, 200);
 }
 
-TEST_F(PanelTray, DesktopWithoutAPanelTellsThatTheAgentRuns) {
+TEST_F(PanelTray, DesktopWithoutPanelShowsNotification) {
   ChildProcess monitor;
   ASSERT_TRUE(monitor.start({"dbus-monitor", "--address", bus_.address(), "member='Notify'"},
                             {.environment = environment_}));
@@ -292,7 +292,7 @@ TEST_F(PanelTray, DesktopWithoutAPanelTellsThatTheAgentRuns) {
 }
 
 // Desktops find the icon and the name of a window in the desktop entry whose StartupWMClass is its class.
-TEST_F(PanelTray, WindowsHaveTheBundlesIconAndTheClassOfTheDesktopEntry) {
+TEST_F(PanelTray, WindowsHaveBundleIconAndClassOfDesktopEntry) {
   install("/tmp/Applications/Tovalin.app");
   runOnDisplay({"convert", "-size", "512x512", "xc:red", agentContents() + "/Resources/icon.png"});
   launchAgentInPanel();
@@ -309,7 +309,7 @@ TEST_F(PanelTray, WindowsHaveTheBundlesIconAndTheClassOfTheDesktopEntry) {
   EXPECT_NE(icon.find("48, 48, " + red), std::string::npos) << icon;
 }
 
-// An X tray beside the host on the bus.
+// An X tray beside a host on the bus.
 class TwoPanels : public AgentTest {
  protected:
   void startTray() {
@@ -329,7 +329,7 @@ class TwoPanels : public AgentTest {
   ChildProcess tray_;
 };
 
-TEST_F(TwoPanels, LateHostTakesTheIconOverFromTheTray) {
+TEST_F(TwoPanels, LateHostReplacesTray) {
   startTray();
   launchAgent();
   ASSERT_TRUE(comesToTray());
@@ -339,7 +339,7 @@ TEST_F(TwoPanels, LateHostTakesTheIconOverFromTheTray) {
   EXPECT_EQ(host_.items().size(), 1U);
 }
 
-TEST_F(TwoPanels, TrayHasTheIconWhileTheHostIsAway) {
+TEST_F(TwoPanels, TrayShowsIconWhileHostIsAway) {
   startTray();
   launchAgentInPanel();
   for (int times = 0; times < 2; ++times) {
@@ -352,7 +352,7 @@ TEST_F(TwoPanels, TrayHasTheIconWhileTheHostIsAway) {
   EXPECT_EQ(host_.menu().front().label, "Automount Off");
 }
 
-TEST_F(TwoPanels, TrayHasTheIconWhileTheWatcherHasNoHost) {
+TEST_F(TwoPanels, TrayShowsIconWhileWatcherHasNoHost) {
   startTray();
   ASSERT_TRUE(host_.start(bus_));
   ASSERT_TRUE(host_.setHostRegistered(false));
@@ -400,7 +400,7 @@ TEST_F(PanelTray, IconHasThreeSizes) {
   EXPECT_EQ(host_.properties()["IconPixmap"], "20x20 40x40 80x80");
 }
 
-TEST_F(PanelTray, IconNamesTheSymbolOfTheStateWhereTheBundleHasIt) {
+TEST_F(PanelTray, IconNameIsThatOfInstalledSymbol) {
   install("/tmp/Applications/Tovalin.app");
   const std::string theme = agentContents() + "/Resources/icons";
   const std::string symbols = theme + "/hicolor/symbolic/apps/";

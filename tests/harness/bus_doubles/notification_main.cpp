@@ -1,4 +1,4 @@
-// notification_double [--nameless]: a desktop's notification server, driven over standard input.
+// notification_double [--nameless]: a fake notification server, controlled over standard input.
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -26,7 +26,7 @@ void handle(NotificationService& service, const QString& line) {
   } else {
     return say("error unknown command " + word);
   }
-  // Its reply comes after the bus has passed the signal on.
+  // A round trip: its reply arrives after the bus has delivered the signal.
   static_cast<void>(QDBusConnection::sessionBus().interface()->serviceOwner("org.freedesktop.DBus"));
   say("ok");
 }

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
-// A desktop's notification server, org.freedesktop.Notifications. It draws nothing and ends no notice by
+// Fakes the notification server, org.freedesktop.Notifications. Draws nothing and closes no notification by
 // itself.
 class NotificationService : public QObject, protected QDBusContext {
   Q_OBJECT
@@ -16,11 +16,11 @@ class NotificationService : public QObject, protected QDBusContext {
  public:
   explicit NotificationService(QDBusConnection bus);
 
-  // Without the server's name only its signals can be sent. False when another server has the name.
+  // Without the bus name it can only send signals. Returns false if another server owns the name.
   [[nodiscard]] bool publish(bool withName);
 
   void setCapabilities(const QStringList& capabilities) { capabilities_ = capabilities; }
-  // From now on Notify is not answered.
+  // Stops replying to Notify.
   void fallSilent() { silent_ = true; }
 
  public slots:
