@@ -38,8 +38,37 @@ panel_is_painted() {
 
 colour_at() { convert "$shot" -format "%[pixel:p{$1}]" info:; } # X,Y
 
-# Succeeds if the panel shows the agent's picture of this name, and stores the position in icon_x.
-icon_is() { # NAME
+# Succeeds if the panel shows the icon of this state, and stores the position in icon_x.
+icon_is() { "icon_is_$panel" "$1"; } # NAME
+
+# xfce4-panel recolours the symbolic icon that the agent names on the bus.
+icon_is_xfce4-panel() { # NAME
+  [ "$(named_icon)" = "tovalin-${1// /-}-symbolic" ] && panel_has_one_icon
+}
+
+named_icon() {
+  local item
+  item=$(property_on_bus org.kde.StatusNotifierWatcher /StatusNotifierWatcher RegisteredStatusNotifierItems) || return 1
+  property_on_bus "${item%%/*}" /StatusNotifierItem IconName org.kde.StatusNotifierItem
+}
+
+# Prints the first string of the property's value.
+property_on_bus() { # NAME PATH PROPERTY [INTERFACE]
+  dbus-send --print-reply=literal --dest="$1" "$2" org.freedesktop.DBus.Properties.Get \
+    string:"${4:-$1}" string:"$3" 2>/dev/null | grep -oE '[^][ ]+' | sed -n '/^variant$/d; /^array$/d; p' | head -n 1
+}
+
+panel_has_one_icon() {
+  local width height left top
+  shoot || return 1
+  read -r width height left top < <(
+    convert "$shot" -crop "$icon_area" +repage -fuzz 5% -trim -format '%w %h %X %Y\n' info: 2>/dev/null)
+  [ "$width" -ge 12 ] && [ "$width" -le "$panel_height" ] && [ "$height" -ge 12 ] || return 1
+  icon_x=$((screen_width - 300 + left + width / 2))
+}
+
+# trayer shows the agent's picture of this name.
+icon_is_trayer() { # NAME
   local found
   shoot || return 1
   convert "$shot" -crop "$icon_area" +repage /tmp/panel.ppm

@@ -18,7 +18,6 @@ namespace helper_test {
 namespace {
 
 using testing::UnorderedElementsAre;
-constexpr uid_t kAnother = 65533;
 
 TEST_F(CollectLogs, MatchingFilesAreCopiedWithMode0600) {
   put("a.log", std::string(100'000, 'a') + std::string("\0\xff end", 6));
@@ -199,7 +198,7 @@ TEST_F(CollectLogs, LinkOrFifoAsTargetIsRefused) {
 
 TEST_F(CollectLogs, TargetOfAnotherUserIsRefused) {
   put("a.log");
-  ASSERT_EQ(::chown(target_.c_str(), kAnother, kAnother), 0);
+  ASSERT_EQ(::chown(target_.c_str(), kAnotherUser, kAnotherUser), 0);
   fs::permissions(target_, fs::perms::all);
   const Ended ended = copy();
   EXPECT_EQ(ended.code, 1);

@@ -26,6 +26,8 @@ inline std::set<std::string> namesIn(const fs::path& folder) {
   return names;
 }
 
+constexpr uid_t kAnotherUser = 65533;
+
 // Runs the helper with a source and a target folder.
 class CollectLogs : public testing::Test {
  protected:

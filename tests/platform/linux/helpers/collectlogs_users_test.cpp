@@ -5,7 +5,7 @@
 namespace helper_test {
 namespace {
 
-constexpr uid_t kUser = 65534, kAnother = 65533;
+constexpr uid_t kUser = 65534;
 
 // Runs the helper as an unprivileged user.
 class CollectLogsOfUser : public CollectLogs {
@@ -43,21 +43,21 @@ class CollectLogsOfUser : public CollectLogs {
 TEST_F(CollectLogsOfUser, FilesOfOthersInSharedFolderAreLeftOut) {
   fs::permissions(source_, fs::perms::all | fs::perms::sticky_bit);
   putFor(kUser, "own.log");
-  putFor(kAnother, "foreign.log");
+  putFor(kAnotherUser, "foreign.log");
   putFor(0, "system.log");
   EXPECT_EQ(copyAsUser().code, 1);
   EXPECT_THAT(namesIn(target_), ElementsAre("own.log"));
 }
 
 TEST_F(CollectLogsOfUser, FilesOfServicesInFolderOfRootAreCopied) {
-  putFor(kAnother, "service.log");
+  putFor(kAnotherUser, "service.log");
   EXPECT_EQ(copyAsUser().code, 0);
   EXPECT_THAT(namesIn(target_), ElementsAre("service.log"));
 }
 
 TEST_F(CollectLogsOfUser, FilesInFolderOfAnotherUserAreLeftOut) {
-  ASSERT_EQ(::chown(source_.c_str(), kAnother, kAnother), 0);
-  putFor(kAnother, "a.log");
+  ASSERT_EQ(::chown(source_.c_str(), kAnotherUser, kAnotherUser), 0);
+  putFor(kAnotherUser, "a.log");
   EXPECT_EQ(copyAsUser().code, 1);
   EXPECT_THAT(namesIn(target_), IsEmpty());
 }
