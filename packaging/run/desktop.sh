@@ -77,8 +77,17 @@ paint_desktop() { # light|dark
   log_line "visit" "switched the desktop to $1"
 }
 
+# Waits because the panel recolours a symbolic icon only when it loads it.
 paint_xfce4-panel() { # light|dark
+  local before
+  shoot
+  before=$(colour_at $((screen_width / 2)),16)
   xfconf-query --channel xfce4-panel --property /panels/dark-mode --set "$([ "$1" = dark ] && echo true || echo false)"
+  wait_for "the panel to turn $1" panel_has_other_colour "$before"
+}
+
+panel_has_other_colour() { # COLOUR
+  shoot && [ "$(colour_at $((screen_width / 2)),16)" != "$1" ]
 }
 
 # trayer reads its colour only at start, so it is restarted; the icon moves to the new panel.
