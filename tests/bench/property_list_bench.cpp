@@ -12,7 +12,7 @@
 
 #include "platform/property_list.h"
 #include "tests/bench/pairs.h"
-#include "tests/platform/portable/property_list_binary_builder.h"
+#include "tests/platform/portable/property_lists/property_list_binary_builder.h"
 
 namespace {
 

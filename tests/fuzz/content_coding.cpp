@@ -1,7 +1,7 @@
 // Input: a line with content codings, then the body of a reply. A decoded body must not exceed the limit, a
 // body without a known coding must be unchanged, and an encoded body must be restored.
 
-#include "platform/portable/content_coding.h"
+#include "platform/portable/http/content_coding.h"
 
 #include <algorithm>
 #include <string>
