@@ -4,7 +4,7 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h' '*.mm')
 
 # Parallel targets would compete for processors and make tests time out.
 .NOTPARALLEL:
-.PHONY: build tour package bench soak format check check-packages check-format check-language check-compilers check-compilers-clang check-portable check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak format check check-packages check-format check-language check-compilers check-compilers-clang check-portable check-headers check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # The folder in which the preset's bundle is assembled.
@@ -37,7 +37,7 @@ format:
 	clang-format -i $(SOURCES)
 
 # The slowest checks, which find the fewest errors, come last.
-check: check-packages check-format check-language check-cppcheck check-compilers check-portable check-macos macos-on-gnustep check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
+check: check-packages check-format check-language check-cppcheck check-compilers check-portable check-headers check-macos macos-on-gnustep check-tests check-threads check-sanitizers coverage fuzz faults check-tidy
 
 check-packages:
 	packaging/set_up
@@ -59,6 +59,10 @@ check-compilers-clang:
 # Compiles the product folders and platform/portable with clang 16 and libc++, as another system would.
 check-portable:
 	tests/structure/portable_code
+
+# Compiles each header of platform/linux alone. ./test compiles the portable ones.
+check-headers:
+	tests/structure/headers_alone $(CXX) linux
 
 # Checks the types of platform/macos, and tests that this check detects errors.
 check-macos:
