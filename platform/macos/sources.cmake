@@ -14,7 +14,7 @@ set(macos_cocoa_sources
   windows/alert.mm
   application/application.mm
   application/application_main.mm
-  system/bundle.mm
+  system/executable_folder.mm
   windows/button.mm
   windows/color.mm
   system/distributed_notification_center.mm

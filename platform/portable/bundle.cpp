@@ -1,7 +1,8 @@
 #include "platform/bundle.h"
 
 #include <filesystem>
-#include <system_error>
+
+#include "platform/executable_folder.h"
 
 namespace platform {
 namespace {
@@ -14,10 +15,8 @@ std::optional<PropertyList> readMainInfoDictionary() {
 }  // namespace
 
 std::optional<Bundle> Bundle::mainBundle() {
-  std::error_code error;
-  const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-  if (error || folder.filename() != "MacOS" || folder.parent_path().filename() != "Contents")
-    return std::nullopt;
+  const std::filesystem::path folder = executableFolder();
+  if (folder.filename() != "MacOS" || folder.parent_path().filename() != "Contents") return std::nullopt;
   return Bundle(folder.parent_path().parent_path().string());
 }
 
