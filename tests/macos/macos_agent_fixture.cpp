@@ -174,6 +174,12 @@ void MacosAgentTest::clickIn(const std::string& window, int x, int fromBottom) {
   ASSERT_TRUE(test_support::clickMouse(display_.name(), found->x + x, found->y + found->height - fromBottom));
 }
 
+void MacosAgentTest::putUpdater() const {
+  const std::string updater = bundle_ + "/Contents/Resources/tovalinupdate.app";
+  fs::create_directories(updater);
+  std::ofstream(updater + "/program") << "updater";
+}
+
 bool MacosAgentTest::shows(const test_support::WindowPredicate& fits) {
   return waitForWindow(display_.name(), fits).has_value();
 }

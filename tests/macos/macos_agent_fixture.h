@@ -37,6 +37,8 @@ class MacosAgentTest : public testing::Test {
   // Opens the menu by a click on the status item, and clicks the line with this number, counting separators.
   void choose(int line);
   void clickIn(const std::string& window, int x, int fromBottom);
+  // Puts an updater into the agent's bundle.
+  void putUpdater() const;
   [[nodiscard]] bool shows(const test_support::WindowPredicate& fits);
   [[nodiscard]] bool hides(const test_support::WindowPredicate& fits);
   static void postNotification(const std::string& name);
@@ -71,5 +73,13 @@ class MacosAgentTest : public testing::Test {
 
 // Line numbers in the menu.
 inline constexpr int switchLine = 0, websiteLine = 6, supportLine = 8, quitLine = 10;
+
+// The product server's notices, of which the support window shows two.
+inline constexpr const char* noticeList =
+    "<plist version=\"1.0\"><dict><key>notice_1</key><dict><key>subject</key><string>The first "
+    "notice</string>"
+    "<key>link</key><string>http://one.example/a</string></dict><key>notice_2</key><dict><key>subject</key>"
+    "<string>The second "
+    "notice</string><key>link</key><string>http://two.example/b</string></dict></dict></plist>";
 
 [[nodiscard]] bool isMenu(const test_support::XWindow& window);

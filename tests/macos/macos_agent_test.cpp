@@ -1,6 +1,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,13 +23,6 @@ using test_support::windowNamed;
 constexpr const char* unloadRun =
     "run: launchctl unload -F /Library/LaunchAgents/com.kesmoor.tovalintrayagent.plist";
 constexpr const char* killRun = "run: killall tovalinnotification";
-constexpr const char* noticeList =
-    "<plist version=\"1.0\"><dict><key>notice_1</key><dict><key>subject</key><string>The first "
-    "notice</string>"
-    "<key>link</key><string>http://one.example/a</string></dict><key>notice_2</key><dict><key>subject</key>"
-    "<string>The second "
-    "notice</string><key>link</key><string>http://two.example/b</string></dict></dict></plist>";
-
 bool isAccessNotice(const test_support::XWindow& window) {
   return window.name == "Tovalin Notification" && window.width == 420;
 }
@@ -41,6 +35,16 @@ std::string fileOfToday() {
   char name[30];
   std::strftime(name, sizeof name, "Tovalin_%Y_%m_%d.dat", std::localtime(&now));
   return name;
+}
+
+// An icon that is not painted yet has one colour.
+bool hasSeveralColours(const std::optional<test_support::XPicture>& picture) {
+  if (!picture) return false;
+  for (int y = 0; y < picture->height(); ++y) {
+    for (int x = 0; x < picture->width(); ++x)
+      if (picture->at(x, y) != picture->at(0, 0)) return true;
+  }
+  return false;
 }
 
 using MacosAgent = MacosAgentTest;
@@ -192,6 +196,28 @@ TEST_F(MacosAgent, FaqButtonOpensPage) {
   EXPECT_TRUE(waitForText("run: open " + server.origin() + "/support/tovalin/"));
 }
 
+TEST_F(MacosAgent, UpdateButtonStartsCopyOfUpdaterAndWindowStays) {
+  ProductServerDouble server;
+  server.putVersion("9.0.0");
+  setServers(server.origin());
+  putUpdater();
+  launch();
+  choose(supportLine);
+  ASSERT_TRUE(shows(windowNamed("Support Tovalin")));
+  clickIn("Support Tovalin", 70, 62);
+  EXPECT_TRUE(waitForText("run: open /tmp/tovalinupdate.app"));
+  EXPECT_EQ(contentsOf("/tmp/tovalinupdate.app/program"), "updater");
+  EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=updatebtn"));
+  const auto window = test_support::waitForWindow(display_.name(), windowNamed("Support Tovalin"));
+  ASSERT_TRUE(window);
+  // The modal run has ended: the menu works while the window is open.
+  choose(switchLine);
+  EXPECT_TRUE(waitForText("pipe: -u"));
+  test_support::requestClose(display_.name(), window->id);
+  EXPECT_TRUE(
+      waitForText("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close."));
+}
+
 TEST_F(MacosAgent, CollectionAsksRunsCommandsAndReports) {
   launch();
   choose(supportLine);
@@ -236,13 +262,14 @@ TEST_F(MacosAgent, AppearanceNotificationFlipsIcon) {
   const auto item = test_support::waitForWindow(display_.name(), windowNamed("status item"));
   ASSERT_TRUE(item);
   const test_support::ScreenArea area{item->x, item->y, item->width, item->height};
-  const auto light = test_support::pictureOf(display_.name(), area);
-  ASSERT_TRUE(light);
+  const auto picture = [&] { return test_support::pictureOf(display_.name(), area); };
+  ASSERT_TRUE(waitUntil([&] { return hasSeveralColours(picture()); }));
+  const auto light = picture();
   postNotification("AppleInterfaceThemeChangedNotification");
-  ASSERT_TRUE(waitUntil([&] { return test_support::pictureOf(display_.name(), area) != light; }));
+  ASSERT_TRUE(waitUntil([&] { return picture() != light; }));
   saveScreen("macos-dark-icon");
   postNotification("AppleInterfaceThemeChangedNotification");
-  EXPECT_TRUE(waitUntil([&] { return test_support::pictureOf(display_.name(), area) == light; }));
+  EXPECT_TRUE(waitUntil([&] { return picture() == light; }));
 }
 
 TEST_F(MacosAgent, SecondStartOpensMenu) {

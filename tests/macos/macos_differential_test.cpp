@@ -1,9 +1,12 @@
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <regex>
 #include <string>
 #include <vector>
 
+#include "tests/harness/desktop/session_bus.h"
+#include "tests/harness/desktop/x_input.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/wait_until.h"
 #include "tests/macos/macos_agent_fixture.h"
@@ -42,13 +45,19 @@ bool isLoadingNotice(const test_support::XWindow& window) {
   return isNotice(window, 260);
 }
 
+bool isLinuxMenu(const test_support::XWindow& window) {
+  return window.className == "Tovalin" && window.width > 100;
+}
+
 class MacosDifferential : public MacosAgentTest {
  protected:
-  Outcome play(const std::string& folderOfAgent) {
+  Outcome play(const std::string& folderOfAgent, const std::function<void()>& chooseSupport) {
     Outcome outcome;
     ProductServerDouble server;
     server.putVersion("9.0.0");
+    server.put("/product/nimba/binary/tovalinnotice.xml", noticeList);
     setServers(server.origin());
+    putUpdater();
     fs::remove_all(folderOfAgent);
     fs::create_directories(folderOfAgent);
     std::ofstream(folderOfAgent + "/Tovalin_2020_01_02.dat") << "records of a past day";
@@ -58,6 +67,8 @@ class MacosDifferential : public MacosAgentTest {
     EXPECT_TRUE(waitUntil([&] { return !fs::exists(folderOfAgent + "/Tovalin_2020_01_02.dat"); }));
     sendRecords();
     showNotices();
+    chooseSupport();
+    useSupportWindow();
     EXPECT_TRUE(waitForBeacon("?category=applaunch&applaunch=version1.0.0"));
     fs::rename(bundle_, "/tmp/Applications/Moved.app");
     EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});
@@ -65,6 +76,17 @@ class MacosDifferential : public MacosAgentTest {
     takeOutcome(outcome, server, folderOfAgent);
     return outcome;
   }
+
+ protected:
+  // The menu opens at the second start; its last line but one is the support window's.
+  void chooseSupportOfLinuxAgent() {
+    startAgain();
+    ASSERT_TRUE(shows(isLinuxMenu));
+    for (const char* key : {"Up", "Up", "Return"}) ASSERT_TRUE(test_support::pressKey(display_.name(), key));
+  }
+
+  // A second start of the Linux agent asks the first for its menu over the session bus.
+  test_support::SessionBus bus_;
 
  private:
   void sendRecords() {
@@ -98,8 +120,25 @@ class MacosDifferential : public MacosAgentTest {
     EXPECT_TRUE(hides(isAccessNotice));
   }
 
+  void useSupportWindow() {
+    const auto window =
+        test_support::waitForWindow(display_.name(), test_support::windowNamed("Support Tovalin"));
+    ASSERT_TRUE(window);
+    EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=support"));
+    clickIn("Support Tovalin", 210, 62);
+    EXPECT_TRUE(waitForText("run: open http"));
+    clickIn("Support Tovalin", 70, 62);
+    EXPECT_TRUE(waitForText("run: open /tmp/tovalinupdate.app"));
+    EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=updatebtn"));
+    test_support::requestClose(display_.name(), window->id);
+    EXPECT_TRUE(
+        waitForText("log 6: -[nimbatrayAppDelegate supportWindowWillClose:]upportWindow will be close."));
+  }
+
   void takeOutcome(Outcome& outcome, const ProductServerDouble& server, const std::string& folderOfAgent) {
     outcome.events = texts();
+    for (std::string& event : outcome.events)
+      event = std::regex_replace(event, std::regex("127\\.0\\.0\\.1:[0-9]+"), "(server)");
     outcome.beacons = beacons();
     for (const auto& request : server.requests())
       outcome.requests.push_back(request.method + " " + request.target + " " + request.body);
@@ -110,12 +149,13 @@ class MacosDifferential : public MacosAgentTest {
   }
 };
 
-// The product server's port differs in each run and does not occur in the compared data.
 TEST_F(MacosDifferential, ActionsEqualThoseOfLinuxAgent) {
-  const Outcome macos = play(folder);
+  const Outcome macos = play(folder, [this] { choose(supportLine); });
   ASSERT_FALSE(HasFailure());
   installLinuxAgent();
-  const Outcome onLinux = play(linuxFolder);
+  ASSERT_TRUE(bus_.start());
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = bus_.address();
+  const Outcome onLinux = play(linuxFolder, [this] { chooseSupportOfLinuxAgent(); });
   EXPECT_EQ(macos.events, onLinux.events);
   EXPECT_EQ(macos.beacons, onLinux.beacons);
   EXPECT_EQ(macos.requests, onLinux.requests);
