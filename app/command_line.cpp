@@ -31,7 +31,7 @@ int statusOfOutput() {
   return std::fflush(stdout) == 0 && std::ferror(stdout) == 0 ? 0 : 1;
 }
 
-// Some desktops append a process serial number to the command line.
+// Some desktops append a process serial number to the command line. Frozen: doc/compatibility.md.
 bool isAddedByDesktop(std::string_view argument) {
   return argument.starts_with("-psn_");
 }

@@ -54,6 +54,7 @@ void nimbatrayAppDelegate::applicationDidFinishLaunching() {
   bTvlDataUpload = false;
   platform::detachNewThread([this] { TvlDataFileUploadThread(); });
   strStartTime = platform::currentLocalTime();
+  // The interval is frozen: doc/compatibility.md.
   tvlDataTimer = platform::Timer::scheduledTimer(60s, [this] { TvlCheckDataUpload(); });
   platform::detachNewThread([this] { notiThread(); });
 }

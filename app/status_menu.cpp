@@ -57,6 +57,7 @@ void nimbatrayAppDelegate::addMenuItems() {
   add("Review Tovalin", [this] { thirdsection_sub2(); });
   MenuItem& supportItem = add("Support Tovalin", [this] { support(); });
   supportItem.setEnabled(true);
+  // The size is frozen: doc/compatibility.md.
   if (bUpdateEnabled) supportItem.setImage(scaledImage("n.png", 20, 17));
   menu->addItem(MenuItem::separatorItem());
   add("Quit Tovalin", [this] { quit(); });

@@ -31,7 +31,7 @@ class Image {
   [[nodiscard]] Size size() const;
   void setSize(Size size);
   // Whether a change of size stretches the contents (true) or only changes the frame around them (false, the
-  // default).
+  // default). No effect on macOS, where an image always scales its contents.
   void setScalesWhenResized(bool scales);
 
   // Returns the width and height in pixels of the largest bitmap representation.

@@ -30,8 +30,7 @@ class StatusItem {
   // own colour: on Linux the file hicolor/symbolic/apps/SYMBOL.svg below Contents/Resources/icons. If the
   // file is missing, in X trays and on other systems, the image is shown.
   void setImage(std::shared_ptr<Image> image, std::string_view symbol = {});
-  // Whether the icon is highlighted while its menu is open. No effect on Linux, where the panel decides; kept
-  // for systems where the program does.
+  // Whether the icon is highlighted while its menu is open. No effect on Linux, where the panel decides.
   void setHighlightMode(bool highlights);
 
   // Takes ownership of the menu.

@@ -39,6 +39,7 @@ void runWithinLimit(const CollectionCommand& command) {
 void nimbatrayAppDelegate::logBtnClick() {
   platform::systemLog(platform::LogPriority::Info, "-[nimbatrayAppDelegate logBtnClick:] Log button click!");
   notificateGA("clickaction", "logbtn");
+  // The texts of both alerts are frozen: doc/compatibility.md.
   ask(supportWindow, "Log file will be created. It takes a few minutes.", "Continue", "Cancel",
       [this](int returnCode) { alertDidEnd(returnCode); });
 }

@@ -9,6 +9,6 @@ std::optional<std::string> fetchFromServer(std::string_view path) {
   platform::UrlRequest request;
   request.url = productServer().append(path);
   request.cachePolicy = platform::UrlRequest::CachePolicy::ReloadIgnoringLocalCache;
-  request.timeoutInterval = 3s;
+  request.timeoutInterval = 3s;  // frozen: doc/compatibility.md
   return platform::sendSynchronousRequest(request);
 }

@@ -13,7 +13,7 @@ namespace {
 
 std::optional<std::string> applicationPath() {
   auto path = platform::applicationSupportDirectory();
-  if (path) path->append("/Tovalin");
+  if (path) path->append("/Tovalin");  // frozen: doc/compatibility.md
   return path;
 }
 

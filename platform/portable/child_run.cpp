@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/helper_folder.h"
+#include "platform/portable/child_process.h"
 #include "platform/portable/spawn_attributes.h"
 
 // POSIX leaves the declaration to the program; glibc declares it as an extension.
@@ -49,14 +50,6 @@ std::vector<std::string> environmentWithHelpers() {
   return environment;
 }
 
-int waitFor(pid_t child) {
-  int status = 0;
-  while (::waitpid(child, &status, 0) == -1) {
-    if (errno != EINTR) return -1;
-  }
-  return status;
-}
-
 // Returns the wait status of `child`; nullopt if it is still running at the deadline. Polls, because a pidfd
 // needs a free descriptor and the limit must hold even after EMFILE.
 std::optional<int> waitUntil(Clock::time_point deadline, pid_t child) {
@@ -68,15 +61,6 @@ std::optional<int> waitUntil(Clock::time_point deadline, pid_t child) {
     if (Clock::now() >= deadline) return std::nullopt;
     std::this_thread::sleep_for(pollInterval);
   }
-}
-
-// The argument format of execve(2). The pointers point into `texts`.
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
 }
 
 std::optional<pid_t> start(const std::string& program, std::vector<std::string> arguments,
@@ -93,7 +77,7 @@ std::optional<pid_t> start(const std::string& program, std::vector<std::string> 
 
 int runAndWait(const std::string& program, std::vector<std::string> arguments) {
   const auto child = start(program, std::move(arguments), SpawnAttributes());
-  return child ? waitFor(*child) : -1;
+  return child ? waitStatusOf(*child) : -1;
 }
 
 std::optional<int> runWithLimit(const std::string& program, std::vector<std::string> arguments,

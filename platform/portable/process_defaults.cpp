@@ -32,7 +32,7 @@ void setProcessDefaults() {
   std::set_terminate(terminateHandler);
   fillStandardStreams();
   ::signal(SIGPIPE, SIG_IGN);
-  ::openlog("TovalinTray", LOG_PID, LOG_USER);
+  ::openlog("TovalinTray", LOG_PID, LOG_USER);  // frozen: doc/compatibility.md
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 }
 

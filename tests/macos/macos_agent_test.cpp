@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/harness/collect_messages.h"
 #include "tests/harness/desktop/x_picture.h"
 #include "tests/harness/processes/file_contents.h"
 #include "tests/harness/processes/wait_until.h"
@@ -134,7 +135,7 @@ TEST_F(MacosAgent, NoticesReopenAfterHiding) {
 
 TEST_F(MacosAgent, CollectedDataIsRecorded) {
   launch();
-  send("-ncdat\0\0\0\0\x03\0\0\0phone\0"s);
+  send(test_support::deviceMessage("phone"));
   EXPECT_TRUE(waitUntil([] {
     const std::string bytes = contentsOf(std::string(folder) + "/" + fileOfToday());
     return bytes.find("\x05phone") != std::string::npos;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/harness/collect_messages.h"
 #include "tests/harness/desktop/session_bus.h"
 #include "tests/harness/desktop/x_input.h"
 #include "tests/harness/processes/file_contents.h"
@@ -15,6 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
+using test_support::collectMessage;
+using test_support::deviceMessage;
 using test_support::ExitStatus;
 using test_support::ProductServerDouble;
 using test_support::waitUntil;
@@ -90,11 +93,11 @@ class MacosDifferential : public MacosAgentTest {
 
  private:
   void sendRecords() {
-    send("-ncdat\0\0\0\0\x03\0\0\0phone\0"s);
-    send("-ncdat\0\0\0\0\x04\0\0\0\0"s);
-    send("-ncdat\0\0\0\0\0\0\0\0\x01\0\0\0\x02\0\0\0\x09\0\0\0\0\0\0\0name\0\0\0\0\0\0"s);
-    send("-ncdat\0\0\0\0\0\0\0\0\x1f\0\0\0"s);
-    send("-ncdat\0\0\0\0\x07\0\0\0"s);
+    send(deviceMessage("phone"));
+    send(collectMessage(4, "\0"s));
+    send(test_support::kTransferMessage);
+    send(collectMessage(0, "\x1f\0\0\0"s));
+    send(collectMessage(7));
     send("-nothing");
   }
 

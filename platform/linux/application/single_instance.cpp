@@ -25,6 +25,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // Bus name, object path and interface as freedesktop.org's D-Bus activation of desktop entries defines them.
+// Frozen: doc/compatibility.md.
 constexpr QLatin1StringView busName("com.kesmoor.tovalintrayagent");
 constexpr QLatin1StringView objectPath("/com/kesmoor/tovalintrayagent");
 constexpr QLatin1StringView applicationInterface("org.freedesktop.Application");

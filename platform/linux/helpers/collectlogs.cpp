@@ -1,7 +1,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <cstring>
 #include <string>
 #include <variant>
@@ -33,21 +32,23 @@ constexpr char usage[] =
 // Prints no names of files, because other users may have chosen them.
 int perform(const helpers::CopyFiles& request) {
   const helpers::CopyResult result = helpers::copyFiles(request);
-  if (result.error != 0) return helpers::fail(program, request.source + ": " + std::strerror(result.error));
+  if (result.error != 0)
+    return helpers::fail(program,
+                         request.source + " to " + request.target + ": " + std::strerror(result.error));
   if (result.leftOut > 0)
     return helpers::fail(program, request.source + ": files skipped: " + std::to_string(result.leftOut));
   return result.copied > 0 ? helpers::Done : helpers::Failed;
 }
 
 int perform(const helpers::KeepOutput& request) {
-  const std::int64_t kept = helpers::keepOutput(request);
-  if (kept == -1) return helpers::fail(program, request.target + ": " + std::strerror(errno));
-  return kept > 0 ? helpers::Done : helpers::Failed;
+  const auto kept = helpers::keepOutput(request);
+  if (!kept) return helpers::fail(program, request.target + ": " + std::strerror(errno));
+  return *kept > 0 ? helpers::Done : helpers::Failed;
 }
 
 int perform(const helpers::KeepArchive& request) {
-  const std::string problem = helpers::keepArchive(request);
-  return problem.empty() ? helpers::Done : helpers::fail(program, problem);
+  const auto problem = helpers::keepArchive(request);
+  return problem ? helpers::fail(program, *problem) : helpers::Done;
 }
 
 }  // namespace

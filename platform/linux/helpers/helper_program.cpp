@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/portable/child_process.h"
 #include "platform/portable/spawn_attributes.h"
 #include "platform/portable/standard_streams.h"
 
@@ -37,10 +38,7 @@ void prepareEnvironment() {
 
 Child startDetached(const Arguments& argv, Output output) {
   Arguments copy = argv;
-  std::vector<char*> pointers;
-  for (std::string& argument : copy) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-
+  const std::vector<char*> pointers = platform::pointersTo(copy);
   const platform::SpawnAttributes session(POSIX_SPAWN_SETSID);
   platform::SpawnStreams streams;
   streams.lead(STDIN_FILENO, "/dev/null", O_RDONLY);

@@ -1,6 +1,5 @@
 #include <poll.h>
 #include <signal.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 
 #include "platform/linux/helpers/helper_program.h"
 #include "platform/linux/helpers/unload_request.h"
+#include "platform/linux/processes/pidfd.h"
 
 namespace {
 
@@ -23,9 +23,9 @@ constexpr char usage[] =
 constexpr std::chrono::milliseconds killTimeout = 1s;
 
 bool outlasts(pid_t child, std::chrono::milliseconds limit) {
-  // Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
-  pollfd end{static_cast<int>(::syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
-  return end.fd >= 0 && ::poll(&end, 1, static_cast<int>(limit.count())) == 0;
+  const platform::FileDescriptor handle = platform::openPidfd(child);
+  pollfd end{handle.get(), POLLIN, 0};
+  return handle.valid() && ::poll(&end, 1, static_cast<int>(limit.count())) == 0;
 }
 
 // Signals only the main process: the unit's control group also contains the browser and the web view that it

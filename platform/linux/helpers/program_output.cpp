@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,6 +16,8 @@
 #include <utility>
 
 #include "platform/linux/helpers/new_file.h"
+#include "platform/linux/processes/pidfd.h"
+#include "platform/portable/child_process.h"
 #include "platform/portable/spawn_attributes.h"
 
 namespace helpers {
@@ -35,10 +36,7 @@ constexpr int zipFilesUnreadable = 18;
 // Runs `command` with its standard output redirected to `output`.
 Child startWithOutput(const Arguments& command, int output) {
   Arguments copy = command;
-  std::vector<char*> pointers;
-  for (std::string& argument : copy) pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-
+  const std::vector<char*> pointers = platform::pointersTo(copy);
   const platform::SpawnAttributes attributes;
   platform::SpawnStreams streams;
   streams.lead(STDIN_FILENO, "/dev/null", O_RDONLY);
@@ -47,15 +45,6 @@ Child startWithOutput(const Arguments& command, int output) {
   child.error =
       posix_spawnp(&child.pid, pointers[0], streams.get(), attributes.get(), pointers.data(), environ);
   return child;
-}
-
-// Returns the wait status, or -1 on error.
-int statusOf(pid_t child) {
-  int status = 0;
-  while (::waitpid(child, &status, 0) == -1) {
-    if (errno != EINTR) return -1;
-  }
-  return status;
 }
 
 // Waits until `input` is readable. Returns false at the deadline or on error.
@@ -105,8 +94,7 @@ bool readInto(Tail& tail, int input, Clock::time_point deadline) {
 
 // Returns false if the child still runs at the deadline, or if no pidfd is available.
 bool exitsBy(Clock::time_point deadline, pid_t child) {
-  // Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
-  const FileDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+  const FileDescriptor end = platform::openPidfd(child);
   return end.valid() && waitForInput(end.get(), deadline);
 }
 
@@ -127,7 +115,7 @@ Output outputOf(const Arguments& command, std::size_t limit, Clock::time_point d
   Tail tail(limit);
   const bool isWhole = readInto(tail, input.get(), deadline);
   if (!isWhole || !exitsBy(deadline, child.pid)) ::kill(child.pid, SIGKILL);
-  const int status = statusOf(child.pid);
+  const int status = platform::waitStatusOf(child.pid);
   return {tail.take(), isWhole && status == 0};
 }
 
@@ -161,18 +149,18 @@ std::string problem(const std::string& what, int error) {
 
 }  // namespace
 
-std::int64_t keepOutput(const KeepOutput& request) {
+std::optional<std::size_t> keepOutput(const KeepOutput& request) {
   const FileDescriptor target = openOwnFolder(request.target);
-  if (!target.valid()) return -1;
+  if (!target.valid()) return std::nullopt;
   NewFile file(target.get(), request.name);
-  if (!file.valid()) return -1;
+  if (!file.valid()) return std::nullopt;
   const std::string output = newestEntries(request);
-  if (!file.write(output)) return -1;
+  if (!file.write(output)) return std::nullopt;
   file.keep();
-  return static_cast<std::int64_t>(output.size());
+  return output.size();
 }
 
-std::string keepArchive(const KeepArchive& request) {
+std::optional<std::string> keepArchive(const KeepArchive& request) {
   if (!openOwnFolder(request.source).valid()) return problem(request.source, errno);
   std::error_code ignored;
   std::filesystem::create_directories(request.target, ignored);
@@ -183,9 +171,9 @@ std::string keepArchive(const KeepArchive& request) {
 
   const Child child = startWithOutput(request.command, archive.descriptor());
   if (child.error != 0) return problem(request.command[0], child.error);
-  if (!hasPacked(statusOf(child.pid))) return request.command[0] + " has failed";
+  if (!hasPacked(platform::waitStatusOf(child.pid))) return request.command[0] + " has failed";
   if (!archive.keepAs(request.name)) return problem(request.target + "/" + request.name, errno);
-  return {};
+  return std::nullopt;
 }
 
 }  // namespace helpers

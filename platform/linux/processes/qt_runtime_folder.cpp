@@ -5,15 +5,13 @@
 
 #include <cstdlib>
 
+#include "platform/linux/processes/nowhere.h"
 #include "platform/linux/processes/private_folder.h"
 
 namespace platform {
 namespace {
 
 constexpr const char* variable = "XDG_RUNTIME_DIR";
-
-// A path at which no user, not even root, can create a folder.
-constexpr const char* nowhere = "/proc/nowhere";
 
 // The same check as in Qt, which also refuses a link to a folder.
 bool isUsable(const char* folder) {

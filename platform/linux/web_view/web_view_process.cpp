@@ -5,7 +5,6 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +17,7 @@
 #include <QSocketNotifier>
 
 #include "platform/descriptors.h"
+#include "platform/linux/processes/pidfd.h"
 #include "platform/portable/spawn_attributes.h"
 
 namespace platform {
@@ -40,9 +40,8 @@ pid_t spawn(std::string program, int input) {
   return error == 0 ? child : -1;
 }
 
-// Uses the system call, because the header of Debian 12 declares pidfd_open with C++ linkage.
 std::shared_ptr<const FileDescriptor> openHandle(pid_t child) {
-  return std::make_shared<const FileDescriptor>(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+  return std::make_shared<const FileDescriptor>(openPidfd(child));
 }
 
 bool hasEnded(const FileDescriptor& handle) {

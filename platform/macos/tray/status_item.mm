@@ -39,9 +39,10 @@ void StatusItem::setImage(std::shared_ptr<Image> image, std::string_view symbol)
   [[impl_->item.get() button] setImage:image == nullptr ? nil : image->impl().image.get()];
 }
 
-// No-op: the status bar button highlights itself while its menu is open.
 void StatusItem::setHighlightMode(bool highlights) {
-  static_cast<void>(highlights);
+  auto* cell = static_cast<NSButtonCell*>([[impl_->item.get() button] cell]);
+  constexpr NSInteger changeBackground = 8;  // NSChangeBackgroundCellMask
+  [cell setHighlightsBy:highlights ? changeBackground : 0];
 }
 
 void StatusItem::setMenu(std::unique_ptr<Menu> menu) {

@@ -115,9 +115,9 @@ TEST_F(Usage, EventsAndTransfersFromPipeAreRecorded) {
 TEST_F(Usage, UnknownDataCommandIsLoggedAndListenerContinues) {
   launchAgent();
   ASSERT_TRUE(waitForListener());
-  send("-ncdat\0\0\0\0\x05\0\0\0"s);
+  send(test_support::collectMessage(5));
   EXPECT_TRUE(timeline_.waitFor([](const auto& event) { return event.text == "log 3: unknown command"; }));
-  send("-ncdat\0\0\0\0\x04\0\0\0\0"s);
+  send(test_support::collectMessage(4, "\0"s));
   EXPECT_TRUE(waitUntil([] { return recordedUsage().ends_with("\x07Unknown"); }));
 }
 

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/processes/nowhere.h"
 #include "platform/linux/processes/private_folder.h"
 
 namespace helpers {
@@ -24,9 +25,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view folderName = "TovalinWebView.";
 constexpr int tries = 5;
-
-// A path at which no user, not even root, can create a folder.
-constexpr const char* nowhere = "/proc/nowhere";
 
 void set(const char* name, const std::string& value) {
   ::setenv(name, value.c_str(), 1);
@@ -100,7 +98,7 @@ void RuntimeFolder::remove() {
 void replaceEnvironment(const std::filesystem::path& runtimeFolder) {
   unsetOtherVariables();
   for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"}) {
-    set(name, nowhere);
+    set(name, platform::nowhere);
   }
   set("XDG_RUNTIME_DIR", runtimeFolder);
   // If these variables were unset, the libraries would start a bus that outlives this process.

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/portable/child_process.h"
+
 namespace helpers {
 namespace {
 
@@ -27,10 +29,7 @@ std::vector<std::string> trial(const std::string& runtimeFolder) {
 }
 
 bool succeeds(std::vector<std::string> command) {
-  std::vector<char*> argv;
-  argv.reserve(command.size() + 1);
-  for (std::string& argument : command) argv.push_back(argument.data());
-  argv.push_back(nullptr);
+  std::vector<char*> argv = platform::pointersTo(command);
   constexpr auto silently = static_cast<GSpawnFlags>(G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
   int status = -1;
   return g_spawn_sync("/", argv.data(), nullptr, silently, nullptr, nullptr, nullptr, nullptr, &status,

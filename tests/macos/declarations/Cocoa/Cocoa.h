@@ -293,7 +293,14 @@ extern "C" NSAccessibilityRole const NSAccessibilityImageRole;
 - (void)setToolTip:(NSString*)text;
 @end
 
+@interface NSCell : NSObject
+@end
+@interface NSButtonCell : NSCell
+- (void)setHighlightsBy:(NSInteger)mask;
+@end
+
 @interface NSControl : NSView
+- (NSCell*)cell;
 - (void)setTarget:(id)target;
 - (void)setAction:(SEL)action;
 - (BOOL)isEnabled;

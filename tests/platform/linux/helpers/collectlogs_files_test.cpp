@@ -202,7 +202,7 @@ TEST_F(CollectLogs, TargetOfAnotherUserIsRefused) {
   fs::permissions(target_, fs::perms::all);
   const Ended ended = copy();
   EXPECT_EQ(ended.code, 1);
-  EXPECT_THAT(ended.error, HasSubstr("Operation not permitted"));
+  EXPECT_EQ(ended.error, "collectlogs: " + source_ + " to " + target_ + ": Operation not permitted\n");
   EXPECT_EQ(collect({"archive", target_, root_ + "/desktop", "n", "echo", "x"}).code, 1);
   EXPECT_THAT(namesIn(target_), IsEmpty());
   EXPECT_FALSE(fs::exists(root_ + "/desktop"));
