@@ -41,9 +41,8 @@ int fail(int status, const std::string& reason) {
   return status;
 }
 
-// The signals that end the program are blocked while this object exists, and are read from a descriptor: the
-// notice has to be taken off the screen, and the updater started with the signal mask that this program was
-// started with.
+// Blocks the signals that end the program and delivers them through a descriptor, because the notice must be
+// closed first. The destructor restores the signal mask, which the updater inherits.
 class EndingSignals {
  public:
   EndingSignals() {
@@ -60,7 +59,7 @@ class EndingSignals {
   EndingSignals& operator=(const EndingSignals&) = delete;
 
   [[nodiscard]] int descriptor() const { return descriptor_; }
-  // Takes the signals that have come; they would end the program where the mask is restored.
+  // Discards the pending signals, which would end the program when the mask is restored.
   void take() const {
     signalfd_siginfo signal{};
     while (::read(descriptor_, &signal, sizeof signal) > 0) continue;
@@ -100,7 +99,7 @@ Outcome show(const Notice& notice, int& argc, char** argv) {
   return outcome;
 }
 
-// In the place of this program. Returns only if that failed.
+// Replaces this process by the updater. Returns only if that fails.
 int openUpdater(const Notice& notice, const QString& activationToken) {
   if (!activationToken.isEmpty()) {
     ::setenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8().constData(), 1);

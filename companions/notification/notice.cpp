@@ -17,7 +17,7 @@ constexpr std::array<std::string_view, 7> optionNames = {"-title",   "-subtitle"
                                                          "-actions", "-bundlepath", "-timeout"};
 constexpr double maxSeconds = 86'400;
 
-// Puts each option's value under its name; returns what is wrong, empty when nothing is.
+// Stores the value of each option under its name. Returns an error text, empty on success.
 std::string collect(const std::vector<std::string>& arguments, Values& values) {
   for (std::size_t i = 0; i < arguments.size(); i += 2) {
     const std::string& name = arguments[i];
@@ -37,7 +37,7 @@ std::string missing(const Values& values) {
   return names.empty() ? names : "not given:" + names;
 }
 
-// Returns nullopt for anything but a number of seconds above 0 and up to a day.
+// Returns nullopt unless the text is a number of seconds above 0 and up to one day.
 std::optional<std::chrono::milliseconds> parseSeconds(std::string_view text) {
   double seconds = 0;
   const char* const end = text.data() + text.size();

@@ -17,7 +17,7 @@ Arguments agentsArguments() {
           "-timeout",    "10"};
 }
 
-// What is wrong with these arguments; empty when nothing is.
+// Returns the error text for these arguments; empty on success.
 std::string complaint(const Arguments& arguments) {
   const auto parsed = companions::parseNotice(arguments);
   const auto* const reason = std::get_if<std::string>(&parsed);

@@ -25,7 +25,7 @@ using testing::HasSubstr;
 const std::string bundle = "/tmp/My Apps/Tovalin.app";
 const std::string updater = bundle + "/Contents/Resources/tovalinupdate.app/Contents/MacOS/tovalinupdate";
 
-// The program on a session bus of its own, with an updater that says how it was started.
+// The program on a private session bus, with an updater that reports how it was started.
 class Notification : public testing::Test {
  protected:
   void SetUp() override {

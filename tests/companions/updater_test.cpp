@@ -18,7 +18,7 @@ const std::string programs = "/tmp/programs";
 constexpr const char* softwareCentre = "appstream://com.kesmoor.tovalintrayagent\n";
 constexpr const char* downloadPage = TOVALIN_DOWNLOAD_PAGE "\n";
 
-// The updater among programs that answer as a system's would. Nothing else is on its path.
+// The updater with fake system programs, which are the only ones on its PATH.
 class Updater : public testing::Test {
  protected:
   void SetUp() override { writeScript(programs + "/xdg-open", "echo \"$*\"; exit 5"); }

@@ -22,7 +22,7 @@ class PanelIconEngine : public QIconEngine {
     painter->drawPixmap(place, representationFor(shown.width() * painter->device()->devicePixelRatioF()));
   }
 
-  // The sizes in pixels that Qt offers to panels on the bus.
+  // Returns the sizes in pixels that Qt offers to hosts on the bus.
   QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
     QList<QSize> sizes;
     for (const QPixmap& form : forms_) sizes.append(form.size());

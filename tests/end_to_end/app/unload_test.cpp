@@ -32,8 +32,8 @@ class UnloadTest : public NoticeTest {
     installAnew();
   }
 
-  // Runs a session until launchctl was not cut off before systemctl ended: it waits one second for it, which
-  // a busy machine may exceed.
+  // Repeats the session, at most five times, until systemctl has run to its end: launchctl kills it after one
+  // second, which a busy machine may exceed.
   void runSession(const std::function<void()>& session) {
     for (int i = 0; i < 5; ++i) {
       ASSERT_NO_FATAL_FAILURE(session());

@@ -51,7 +51,7 @@ class HiddenIcon : public TrayBusTest {
  protected:
   void SetUp() override { fs::remove_all(platform::privateFolderPath()); }
 
-  // A start of the program that waits this long for a panel.
+  // Simulates a start of the program, which waits this long for a panel.
   void start(std::chrono::milliseconds patience = 1ms) {
     item_.reset();
     makeItem();
@@ -60,7 +60,7 @@ class HiddenIcon : public TrayBusTest {
   [[nodiscard]] bool isShown(qsizetype times) {
     return serveEventsUntil([&] { return server_.shown().size() == times; });
   }
-  // A time in which a notification would have come: each start asks the watcher, then the timer is over.
+  // Waits long enough for a notification: a start queries the watcher, then its timer expires.
   void serveAWhile() {
     static_cast<void>(serveEventsUntil([] { return false; }, 300ms));
   }
@@ -83,7 +83,7 @@ TEST_F(HiddenIcon, IsToldOnceInASession) {
   start();
   serveAWhile();
   EXPECT_EQ(server_.shown().size(), 1);
-  // Another session has a folder of its own.
+  // Another session has a new private folder.
   fs::remove_all(platform::privateFolderPath());
   start();
   EXPECT_TRUE(isShown(2));
@@ -107,7 +107,7 @@ TEST_F(HiddenIcon, IsNotToldWhileAPanelShowsIt) {
   EXPECT_TRUE(server_.shown().isEmpty());
 }
 
-// Earlier than the notice: the panel came in time.
+// The panel appears before the timeout.
 TEST_F(HiddenIcon, IsNotToldWhenAPanelComesInTime) {
   start(500ms);
   ASSERT_NO_FATAL_FAILURE(startWatcher());

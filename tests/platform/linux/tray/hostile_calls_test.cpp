@@ -12,7 +12,7 @@ namespace {
 const QString invalidArgs = "org.freedesktop.DBus.Error.InvalidArgs";
 const QString unknownMethod = "org.freedesktop.DBus.Error.UnknownMethod";
 
-// Programs on the session bus that send what no host sends.
+// Calls from the session bus that no tray host makes.
 class HostileCalls : public TrayBusTest {
  protected:
   void SetUp() override {

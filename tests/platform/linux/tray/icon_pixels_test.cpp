@@ -36,7 +36,7 @@ TEST(IconPixels, AreAlphaRedGreenBlueWhateverTheFormatOfThePicture) {
   }
 }
 
-// The lines of an image of odd width in one byte to the pixel end with bytes that are no pixels.
+// Rows of an image of odd width, at one byte per pixel, end with padding bytes.
 TEST(IconPixels, RunFromTheTopLeftWithoutGapsBetweenLines) {
   QImage picture(3, 2, QImage::Format_Grayscale8);
   for (int i = 0; i < 6; ++i) picture.setPixelColor(i % 3, i / 3, QColor(i, i, i));

@@ -24,7 +24,7 @@ TEST(MenuProperties, NameWhatALineIs) {
         Row{{.separator = true}, {{"type", "separator"}, {"enabled", true}, {"visible", true}}},
         Row{{.title = "A", .picture = "PNG"},
             {{"label", "A"}, {"enabled", true}, {"visible", true}, {"icon-data", QByteArray("PNG")}}},
-        // One underscore would mark a letter for the keyboard.
+        // A single underscore would mark the access key.
         Row{{.title = "a_b__c & d"}, {{"label", "a__b____c & d"}, {"enabled", true}, {"visible", true}}}})
     EXPECT_EQ(platform::propertiesOf(row.line), row.properties) << row.line.title.toStdString();
 }

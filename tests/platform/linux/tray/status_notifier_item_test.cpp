@@ -109,7 +109,7 @@ TEST_F(TrayBusTest, RegistersAgainWithAWatcherThatIsStartedAgain) {
   EXPECT_EQ(properties()["Title"], "All is well");
 }
 
-// The bus may pass the name from one watcher to the next without a moment in which it has no owner.
+// The bus may transfer the name from one watcher to the next without an interval in which it has no owner.
 TEST_F(TrayBusTest, RegistersWithAWatcherThatReplacesAnother) {
   constexpr auto service = "org.kde.StatusNotifierWatcher";
   ASSERT_NO_FATAL_FAILURE(startWatcher());
@@ -165,7 +165,7 @@ TEST_F(TrayBusTest, LeavesTheWatcherWithTheObject) {
   EXPECT_TRUE(waitForItems(0));
 }
 
-// Processes of other PID namespaces on the bus count from one, too.
+// A process of another PID namespace on the bus may have the same process id.
 TEST_F(TrayBusTest, TakesTheNextNameWhereItsFirstOneIsTaken) {
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   ASSERT_TRUE(host_.bus().registerService(ownName(1)));
