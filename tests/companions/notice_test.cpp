@@ -85,7 +85,7 @@ TEST(Notice, TimeoutIsSecondsAboveZeroUpToADay) {
   };
   EXPECT_EQ(timeoutOf("0.25"), std::chrono::milliseconds(250));
   EXPECT_EQ(timeoutOf("0.0001"), std::chrono::milliseconds(1))
-      << "a server would keep a notice of 0 ms up for ever";
+      << "servers never close a notice with a timeout of 0";
   EXPECT_EQ(timeoutOf("86400"), std::chrono::hours(24));
   for (const char* const wrong : {"", "0", "-1", "86401", "1e9", "nan", "inf", "ten", "10 ", "10s"}) {
     EXPECT_EQ(timeoutOf(wrong), std::chrono::milliseconds(0)) << wrong;

@@ -153,7 +153,7 @@ TEST_F(Notification, SignalsOfProgramThatIsNoServerAreIgnored) {
 
 TEST_F(Notification, KillallTakesNoticeAwayAndEnds) {
   ASSERT_EQ(runToEnd({"killall", "tovalinnotification"}).status, ExitStatus{.code = 1})
-      << "one is there already";
+      << "another instance is running";
   startShown();
   EXPECT_EQ(runToEnd({"killall", "tovalinnotification"}).status, ExitStatus{.code = 0});
   EXPECT_TRUE(server_.waitForEvent("close 1"));

@@ -41,7 +41,7 @@ void setCheckSums(std::string& bytes) {
 
 void checkForm(const platform::Image& image, const QImage& form) {
   require(!form.isNull() && form.width() >= 1 && form.height() >= 1, "a picture has pixels");
-  require(form.sizeInBytes() <= kMaxBytes, "the pixels keep within their bound");
+  require(form.sizeInBytes() <= kMaxBytes, "the pixels are within the limit");
   require(image.size().width == form.width() && image.size().height == form.height(),
           "a point is a pixel, whatever the picture says");
 }
@@ -55,7 +55,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   setCheckSums(bytes);
   const auto image = platform::imageWithData(bytes);
   if (image == nullptr) return 0;
-  require(image->isValid() && image->impl().forms.size() == 1, "a picture has one form");
+  require(image->isValid() && image->impl().forms.size() == 1, "a picture has one representation");
   checkForm(*image, image->impl().forms.front());
   return 0;
 }

@@ -62,7 +62,7 @@ class FrontApplication : public NoticeTest {
  private:
   void placeRealHelper() const {
     const char* const built = std::getenv("TOVALIN_BUNDLE_ROOT");
-    if (built == nullptr) FAIL() << "no bundle to take it from";
+    if (built == nullptr) FAIL() << "TOVALIN_BUNDLE_ROOT is not set";
     const std::string helper = "/Contents/Helpers/osascript";
     std::filesystem::copy_file(
         std::string(built) + "/Tovalin.app/Contents/Resources/TovalinTray.app" + helper,

@@ -200,7 +200,7 @@ TEST_F(Process, SecondStartDuringEndOfFirstLaunches) {
   ASSERT_TRUE(waitForText(killRun));
   ChildProcess monitor;
   ASSERT_TRUE(monitor.start({"dbus-monitor", "--address", bus_.address(), "member='Activate'"}));
-  ASSERT_TRUE(monitor.readLine()) << "it is not on the bus";
+  ASSERT_TRUE(monitor.readLine()) << "dbus-monitor is not connected";
   ChildOptions options;
   options.environment = environment_;
   ASSERT_TRUE(another_.start({agentProgram()}, options));

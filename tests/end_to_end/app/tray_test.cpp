@@ -154,7 +154,7 @@ TEST_F(XTray, LossOfDisplayRunsProperEndOnce) {
     EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
     EXPECT_EQ(count(killRun), 1);
     EXPECT_EQ(recordsLike(quitRecord), menuIsOpen ? 2 : 1);
-    EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end broke off";
+    EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end was incomplete";
     if (menuIsOpen) return;
     ASSERT_TRUE(display_.start());
     environment_["DISPLAY"] = display_.name();

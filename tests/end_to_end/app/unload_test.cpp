@@ -42,7 +42,7 @@ class UnloadTest : public NoticeTest {
       ASSERT_TRUE(agent_.wait());
       ASSERT_NO_FATAL_FAILURE(installAnew());
     }
-    FAIL() << "systemctl never comes to its end";
+    FAIL() << "systemctl was killed in each session";
   }
 
   // Writes the PID of the main process before that runs, as the service manager knows it.

@@ -54,7 +54,7 @@ TEST_F(SupportLog, FullTemporaryFolderLeavesNoCopyAndCompletesSequence) {
     ASSERT_EQ(::posix_fallocate(full.get(), 0, static_cast<off_t>(room.f_bavail * room.f_frsize)), 0);
   }
   std::ofstream("/tmp/one more") << "text";
-  EXPECT_EQ(fs::file_size("/tmp/one more"), 0U) << "there is still room";
+  EXPECT_EQ(fs::file_size("/tmp/one more"), 0U) << "the disk is not full";
   collect();
   press("Return");
   EXPECT_TRUE(sheetIsGone());
@@ -97,7 +97,7 @@ TEST_F(SupportLog, FolderOfAnotherUserIsNotUsed) {
   for (const auto& name : names) {
     fs::create_directories(name);
     fs::permissions(name, fs::perms::all);
-    if (::chown(name.c_str(), 65534, 65534) != 0) GTEST_SKIP() << "only root can give a folder away";
+    if (::chown(name.c_str(), 65534, 65534) != 0) GTEST_SKIP() << "cannot change the owner of a folder";
   }
   collect();
   EXPECT_EQ(foldersWithLogs(names), 0);

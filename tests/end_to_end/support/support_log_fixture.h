@@ -39,7 +39,7 @@ inline void placeScript(const std::string& name, const std::string& text) {
 // crashes are empty.
 inline void takeVarForItself() {
   namespace fs = std::filesystem;
-  ASSERT_STREQ(std::getenv("HOME"), "/tmp/home") << "to be run in the sandbox alone";
+  ASSERT_STREQ(std::getenv("HOME"), "/tmp/home") << "not running in the sandbox";
   const fs::path own = "/tmp/var";
   fs::create_directory(own);
   ASSERT_EQ(::mount("tmpfs", own.c_str(), "tmpfs", 0, nullptr), 0);

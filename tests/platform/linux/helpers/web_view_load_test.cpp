@@ -190,7 +190,7 @@ class WebViewIdle : public WebViewHelper {
       ASSERT_TRUE(test_support::waitUntil([&] { return asked() || !helper_.running(); }, beforeAMinute));
       if (asked()) return;
     }
-    FAIL() << target << " is not asked for";
+    FAIL() << target << " was not requested";
   }
 
   // Less than the patience for a load that does not finish.

@@ -33,7 +33,8 @@ TEST(ImageNamed, HasSizeInPointsAndRepresentationForScreen) {
   EXPECT_EQ(icon->size(), (Size{20, 20}));
   const double scale = qGuiApp->devicePixelRatio();
   EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
-  for (const QImage& form : icon->impl().forms) EXPECT_EQ(form.devicePixelRatio(), 1) << "pixels are pixels";
+  for (const QImage& form : icon->impl().forms)
+    EXPECT_EQ(form.devicePixelRatio(), 1) << "the representation has a device pixel ratio";
 }
 
 TEST(ImageNamed, ReturnsNullForMissingPicture) {
