@@ -24,7 +24,7 @@ std::string complaint(const Arguments& arguments) {
   return reason != nullptr ? *reason : "";
 }
 
-TEST(Notice, AgentsCommandLineGivesEveryPart) {
+TEST(Notice, CommandLineOfAgentSetsEveryPart) {
   const auto parsed = companions::parseNotice(agentsArguments());
   const auto* const notice = std::get_if<companions::Notice>(&parsed);
   ASSERT_NE(notice, nullptr) << complaint(agentsArguments());
@@ -92,13 +92,13 @@ TEST(Notice, TimeoutIsSecondsAboveZeroUpToADay) {
   }
 }
 
-TEST(Notice, WrongTimeoutIsQuoted) {
+TEST(Notice, InvalidTimeoutIsQuoted) {
   Arguments arguments = agentsArguments();
   arguments.back() = "ten";
   EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is no number of seconds above 0");
 }
 
-TEST(Notice, BodyEscapesMarkupForServersThatReadIt) {
+TEST(Notice, MarkupIsEscapedForServersThatInterpretIt) {
   const companions::Notice notice{.subtitle = "<b>1 & 2</b>", .message = "now?"};
   EXPECT_EQ(companions::bodyText(notice, false), "<b>1 & 2</b>\nnow?");
   EXPECT_EQ(companions::bodyText(notice, true), "&lt;b&gt;1 &amp; 2&lt;/b&gt;\nnow?");

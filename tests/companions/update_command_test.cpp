@@ -54,7 +54,7 @@ class UpdateCommand : public testing::Test {
   test_support::LineProgram server_;
 };
 
-TEST_F(UpdateCommand, OfLaunchShowsNoticeWhoseYesOpensDownloadPage) {
+TEST_F(UpdateCommand, LaunchCommandShowsNoticeAndYesOpensDownloadPage) {
   const auto command = updateNoticeCommand(copiedBundle);
   ASSERT_TRUE(command);
   runInShell(*command);
@@ -68,7 +68,7 @@ TEST_F(UpdateCommand, OfLaunchShowsNoticeWhoseYesOpensDownloadPage) {
   downloadPageIsOpened();
 }
 
-TEST_F(UpdateCommand, OfSupportWindowOpensDownloadPageFromCopy) {
+TEST_F(UpdateCommand, SupportWindowCommandsOpenDownloadPageFromCopy) {
   const auto copy = copyUpdaterCommand(copiedBundle);
   ASSERT_TRUE(copy);
   runInShell(*copy);

@@ -157,12 +157,12 @@ INSTANTIATE_TEST_SUITE_P(Painted, PanelIcon,
                                          "mount on reverse@2x.png", "mount off reverse.png",
                                          "mount off reverse@2x.png"));
 
-TEST(PanelIconContrast, IsThatOfBlackAndWhite) {
+TEST(PanelIconContrast, MatchesExamplesOfWcag) {
   EXPECT_NEAR(contrast(Qt::black, Qt::white), 21, 1e-9);
   EXPECT_NEAR(contrast(QColor(118, 118, 118), Qt::white), 4.54, 0.005);
 }
 
-TEST(PanelIconContrast, OfAnIconInOneColourIsLowOnThatColour) {
+TEST(PanelIconContrast, OneColourIconIsLowOnThatColour) {
   QImage icon(points, points, QImage::Format_ARGB32);
   icon.fill(Qt::transparent);
   for (const QPoint at : pointsOf(QRect(4, 4, 12, 12))) icon.setPixelColor(at, QColor(60, 60, 60));
@@ -173,7 +173,7 @@ TEST(PanelIconContrast, OfAnIconInOneColourIsLowOnThatColour) {
 }
 
 // The contrast of a single dot does not count.
-TEST(PanelIconContrast, OfASmallPartOfTheOutlineDoesNotCount) {
+TEST(PanelIconContrast, IgnoresSmallPartOfOutline) {
   QImage icon(points, points, QImage::Format_ARGB32);
   icon.fill(Qt::transparent);
   for (const QPoint at : pointsOf(QRect(4, 4, 12, 12))) icon.setPixelColor(at, Qt::black);

@@ -121,7 +121,7 @@ TEST_F(UnloadTest, QuitEndsAgentOnce) {
   EXPECT_THAT(texts(), ElementsAre(killRun, "pipe: -toff", signalRun, killRun));
 }
 
-TEST_F(UnloadTest, UnwantedLaunchCompletesAndEndsAgentOnce) {
+TEST_F(UnloadTest, LaunchWithAutorunOffCompletesAndEndsAgentOnce) {
   ASSERT_NO_FATAL_FAILURE(runSession([this] {
     writeProperties({.autorun = false});
     startInSession();

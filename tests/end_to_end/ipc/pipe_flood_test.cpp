@@ -140,7 +140,7 @@ class PipeFlood : public HostilePipes {
   }
 };
 
-TEST_F(PipeFlood, UnknownCommandsCostNoMemoryAndNoticesAndMenuWork) {
+TEST_F(PipeFlood, UnknownCommandsKeepMemoryBoundedAndNoticesAndMenuWork) {
   // Each takes a hundred times as long under the thread sanitizer.
   constexpr int messages = test_support::isThreadSanitized ? 10'000 : 100'000;
   startAndListen();
@@ -164,13 +164,13 @@ TEST_F(PipeFlood, UnknownCommandsCostNoMemoryAndNoticesAndMenuWork) {
   expectProperEnd();
 }
 
-TEST_F(PipeFlood, AccessNoticesCostNoMemoryAndNextLoadingNoticeIsShown) {
+TEST_F(PipeFlood, AccessNoticesKeepMemoryBoundedAndNextLoadingNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-non", "-noff"}, "-neon", isLoadingNotice);
   expectProperEnd();
 }
 
-TEST_F(PipeFlood, LoadingNoticesCostNoMemoryAndNextAccessNoticeIsShown) {
+TEST_F(PipeFlood, LoadingNoticesKeepMemoryBoundedAndNextAccessNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-neon", "-neoff"}, "-non", isAccessNotice);
   expectProperEnd();

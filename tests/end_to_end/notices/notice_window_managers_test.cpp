@@ -123,7 +123,7 @@ TEST_P(NoticeUnder, MinimiseMaximiseAndCloseRequestsAreIgnored) {
 }
 
 // kwin iconifies the windows of other desktops.
-TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnItsOwn) {
+TEST_P(NoticeUnder, NoticeMinimisedFromOtherDesktopReturnsOnItsOwnDesktop) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimum();
@@ -133,7 +133,7 @@ TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnItsOwn) {
   expectNoticeGoesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnceMovedThere) {
+TEST_P(NoticeUnder, NoticeMinimisedFromOtherDesktopReturnsWhenMovedToIt) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimum();
@@ -143,7 +143,7 @@ TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnceMovedThere) {
   expectNoticeGoesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, MinimisedOnBareDesktopReturnsAfterIt) {
+TEST_P(NoticeUnder, NoticeMinimisedDuringShowDesktopReturnsAfterwards) {
   requestBareDesktop(true);
   requestMinimum();
   requestBareDesktop(false);
@@ -171,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(Installed, NoticeUnder,
 // With openbox, which also iconifies the windows of other desktops.
 class NoticeOnDesktops : public NoticeTest {};
 
-TEST_F(NoticeOnDesktops, SwitchingDesktopsKeepsNoticeOnItsOwn) {
+TEST_F(NoticeOnDesktops, SwitchingDesktopsDoesNotMoveNotice) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));

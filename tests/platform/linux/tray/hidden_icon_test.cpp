@@ -68,7 +68,7 @@ class HiddenIcon : public TrayBusTest {
   NotificationServer server_{host_.bus()};
 };
 
-TEST_F(HiddenIcon, IsToldInANotification) {
+TEST_F(HiddenIcon, IsReportedInNotification) {
   start();
   ASSERT_TRUE(isShown(1));
   const QDBusMessage& shown = server_.shown()[0];
@@ -77,7 +77,7 @@ TEST_F(HiddenIcon, IsToldInANotification) {
   EXPECT_EQ(shown.arguments()[4], "But <hidden> & alone");
 }
 
-TEST_F(HiddenIcon, IsToldOnceInASession) {
+TEST_F(HiddenIcon, IsReportedOncePerSession) {
   start();
   ASSERT_TRUE(isShown(1));
   start();
@@ -89,7 +89,7 @@ TEST_F(HiddenIcon, IsToldOnceInASession) {
   EXPECT_TRUE(isShown(2));
 }
 
-TEST_F(HiddenIcon, IsToldAgainWhereNobodyShowedIt) {
+TEST_F(HiddenIcon, IsReportedAgainIfServerRefused) {
   server_.refuse(true);
   start();
   ASSERT_TRUE(isShown(1));
@@ -99,7 +99,7 @@ TEST_F(HiddenIcon, IsToldAgainWhereNobodyShowedIt) {
   EXPECT_TRUE(isShown(2));
 }
 
-TEST_F(HiddenIcon, IsNotToldWhileAPanelShowsIt) {
+TEST_F(HiddenIcon, IsNotReportedWhilePanelShowsIt) {
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   start(200ms);
   ASSERT_TRUE(waitForItems(1));
@@ -108,7 +108,7 @@ TEST_F(HiddenIcon, IsNotToldWhileAPanelShowsIt) {
 }
 
 // The panel appears before the timeout.
-TEST_F(HiddenIcon, IsNotToldWhenAPanelComesInTime) {
+TEST_F(HiddenIcon, IsNotReportedIfPanelAppearsBeforeTimeout) {
   start(500ms);
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   ASSERT_TRUE(waitForItems(1));
@@ -116,7 +116,7 @@ TEST_F(HiddenIcon, IsNotToldWhenAPanelComesInTime) {
   EXPECT_TRUE(server_.shown().isEmpty());
 }
 
-TEST_F(HiddenIcon, IsNotToldAfterTheItemsEnd) {
+TEST_F(HiddenIcon, IsNotReportedAfterDestructionOfItem) {
   start(100ms);
   item_.reset();
   serveAWhile();

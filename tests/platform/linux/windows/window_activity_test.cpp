@@ -229,7 +229,7 @@ TEST_F(WindowActivity, StaysWhileMenuOfProgramIsOpen) {
 
 using WindowChoice = WindowActivity;
 
-TEST_F(WindowChoice, WindowStaysDuringSwitchAndIfChosen) {
+TEST_F(WindowChoice, WindowStaysDuringWindowSwitchAndIfChosen) {
   ASSERT_TRUE(beginChoice());
   EXPECT_TRUE(stays());
   press("Escape");
