@@ -44,14 +44,14 @@ TEST_F(SupportLog, FullDiskLeavesNoArchiveAndCompletesSequence) {
 TEST_F(SupportLog, FullTemporaryFolderLeavesNoCopyAndCompletesSequence) {
   launchAndOpen();
   std::ofstream("/tmp/full").close();
-  const struct statvfs room = [] {
+  const struct statvfs disk = [] {
     struct statvfs found {};
     EXPECT_EQ(::statvfs("/tmp", &found), 0);
     return found;
   }();
   {
     const test_support::FileDescriptor full(::open("/tmp/full", O_WRONLY | O_CLOEXEC));
-    ASSERT_EQ(::posix_fallocate(full.get(), 0, static_cast<off_t>(room.f_bavail * room.f_frsize)), 0);
+    ASSERT_EQ(::posix_fallocate(full.get(), 0, static_cast<off_t>(disk.f_bavail * disk.f_frsize)), 0);
   }
   std::ofstream("/tmp/one more") << "text";
   EXPECT_EQ(fs::file_size("/tmp/one more"), 0U) << "the disk is not full";
