@@ -234,7 +234,7 @@ class FaultsIn : public testing::TestWithParam<Kind> {
     const bool hasFailed = run_.injector_.hasFailed();
     if (outcome.survival == Survival::Failed) run_.agent_.kill();
     if (fault.which == 0 || hasFailed || outcome.survival == Survival::Failed) return outcome;
-    // A deviation without a failed call has no excuse.
+    // If no call failed, the outcome must be that of a session without a fault.
     if (outcome.survival == expected.survival) return {Survival::NotReached, outcome.detail};
     return {Survival::Failed, "not as usual without its fault: " + outcome.detail};
   }

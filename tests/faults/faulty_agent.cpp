@@ -113,7 +113,7 @@ void FaultyAgent::waitForLaunch() {
   static_cast<void>(comesTrue([] { return !fs::exists(UsageCheck::waiting.path); }));
 }
 
-// Shortens the timeout once the fault has occurred: what is delayed longer does not happen.
+// Uses a shorter timeout after the fault, because a step that the fault prevents never completes.
 bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
   const auto begin = std::chrono::steady_clock::now();
   std::optional<std::chrono::steady_clock::time_point> failedAt;
@@ -192,7 +192,7 @@ bool FaultyAgent::switchWorks() {
          waitUntil([&] { return !agent_.running() || switchLabel() == after || pictureIsLost(); });
 }
 
-// While a lost picture would be shown, the item is not in the panel.
+// Returns whether a picture could not be loaded and its state is current: the item is then not registered.
 bool FaultyAgent::pictureIsLost() {
   return unusualOutput().contains(kLostPicture) && host_.items().empty();
 }
@@ -300,7 +300,7 @@ std::optional<Outcome> FaultyAgent::judgeEarlyEnd() {
 std::string FaultyAgent::judgeLeaks() {
   const auto open = [&] { return openDescriptorsOf(agent_.pid()) - pooledThreadsOf(agent_.pid()); };
   descriptorsAtEnd_ = open();
-  // Without the pipe its two ends are missing.
+  // Without the listener, its two descriptors of the pipe are missing.
   const long maxOpen = expected_.descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
   if (!waitUntil([&] { return open() <= maxOpen; }, 3s))
     return std::to_string(open()) + " descriptors for " + std::to_string(maxOpen);

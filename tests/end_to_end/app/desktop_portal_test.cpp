@@ -24,7 +24,7 @@ class DesktopPortal : public AgentTest {
     ASSERT_TRUE(bus_.start(services));
     environment_["DBUS_SESSION_BUS_ADDRESS"] = bus_.address();
     environment_["XDG_CURRENT_DESKTOP"] = "GNOME";
-    // Sessions do the same for programs that the bus activates.
+    // As session start scripts do, for programs that the bus activates.
     runOnDisplay({"dbus-update-activation-environment", "DISPLAY", "XDG_CURRENT_DESKTOP"});
   }
 
@@ -98,7 +98,8 @@ TEST_F(DesktopPortal, OtherSettingsAndChangesBetweenLightAndNoPreferenceKeepIcon
   setOnDesktop("text-scaling-factor", "1.25");
   for (const char* notDark : {"prefer-light", "default", "prefer-light"}) setColorScheme(notDark);
   setColorScheme("prefer-dark");
-  // If any of them had switched the icon, this change would switch it back.
+  // The agent toggles its icon at each change, so after an unwanted toggle this change would show the other
+  // icon.
   EXPECT_TRUE(comesToShow("mount on reverse"));
 }
 

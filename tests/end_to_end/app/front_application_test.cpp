@@ -102,7 +102,7 @@ TEST_F(FrontApplication, IsNotActivatedAfterAccessNotice) {
   send("-noff");
   EXPECT_TRUE(hides(isAccessNotice));
   EXPECT_TRUE(becomesActive(front_));
-  // Shown only after the access notice has been handled completely.
+  // This notice is shown after the access notice has been handled completely.
   send("-neon");
   ASSERT_TRUE(shows(isLoadingNotice));
   EXPECT_THAT(takeUsersActivations(), ElementsAre());

@@ -42,7 +42,8 @@ TEST_F(Menu, ChangesOtherThanDarkOrLightKeepIcon) {
   for (const char* value : {"2", "0", "17", "string Dark"}) ASSERT_TRUE(portal_.set(value));
   ASSERT_TRUE(portal_.tellUnrelatedChange());
   ASSERT_TRUE(portal_.set("1"));
-  // If any of them had switched the icon, this change would switch it back.
+  // The agent toggles its icon at each change, so after an unwanted toggle this change would show the other
+  // icon.
   EXPECT_TRUE(comesToShowIcon("mount on reverse"));
 }
 
@@ -77,7 +78,8 @@ TEST_F(Menu, UnchangedPortalThatReturnsKeepsIcon) {
   ASSERT_TRUE(portal_.start(bus_, "1"));
   ASSERT_TRUE(portal_.waitForEvent("read"));
   ASSERT_TRUE(portal_.set("0"));
-  // If the reply had switched the icon, this change would switch it back.
+  // The agent toggles its icon at each change, so after an unwanted toggle this change would show the other
+  // icon.
   EXPECT_TRUE(comesToShowIcon("mount on"));
 }
 

@@ -199,7 +199,7 @@ TEST_F(XTray, MenuStaysOpenAndUnhidesSupportWindow) {
   }
 }
 
-// If another line were below it, the click would hit that one.
+// Clicks just above the lower edge of the menu, which is the last line.
 TEST_F(XTray, QuitIsLastLineAndEndsAgent) {
   startTray();
   launchAgent();

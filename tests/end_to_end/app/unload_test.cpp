@@ -45,7 +45,8 @@ class UnloadTest : public NoticeTest {
     FAIL() << "systemctl was killed in each session";
   }
 
-  // Writes the PID of the main process before that runs, as the service manager knows it.
+  // Writes the agent's PID to a file before exec, because the fake service manager must know the main
+  // process.
   void startInSession() {
     ChildOptions options;
     options.environment = environment_;
@@ -116,7 +117,7 @@ TEST_F(UnloadTest, QuitEndsAgentOnce) {
     ASSERT_TRUE(host_.click("Quit Tovalin"));
     static_cast<void>(endOfAgent());
   }));
-  // The menu's Quit writes one, and the end another.
+  // Quit in the menu writes one quit record, the end of the agent another.
   expectProperEnd(2);
   EXPECT_THAT(texts(), ElementsAre(killRun, "pipe: -toff", signalRun, killRun));
 }

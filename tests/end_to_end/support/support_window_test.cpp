@@ -72,7 +72,7 @@ TEST_F(SupportWindow, ChosenAgainWhileOpenFetchesButOpensNoSecondWindow) {
     for (const auto& target : takeFetches()) fetched.push_back(target);
     return fetched.size() >= 2;
   }));
-  // Handled only after all work for the second choice.
+  // The main thread handles this click after all work of the second choice.
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_TRUE(takeFetches().empty());
@@ -103,7 +103,7 @@ TEST_F(SupportWindow, ClosingWithEscapeIsLoggedOnceAndReopensNewWindow) {
 TEST_F(SupportWindow, ClosedWindowIsNotOrderedFront) {
   launchAndOpen();
   closeWindow();
-  // Ordering the window front would have happened before this.
+  // The main thread handles this click after it would have ordered the window front.
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(supportWindows(), 0);
@@ -147,7 +147,7 @@ TEST_F(SupportWindow, StaysWhileFocusedWindowOfOtherProgramIsGone) {
   x.synchronize();
   EXPECT_TRUE(windowStays());
   xcb_destroy_window(x.get(), gone);
-  // A window manager would set another window, which the agent would check again.
+  // Simulates the window manager, which would set the property again; the agent then checks the new window.
   xcb_change_property(x.get(), XCB_PROP_MODE_REPLACE, x.root(), x.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW,
                       32, 1, &gone);
   x.synchronize();
