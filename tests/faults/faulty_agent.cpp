@@ -109,12 +109,12 @@ void FaultyAgent::launchCompletely() {
 
 void FaultyAgent::waitForLaunch() {
   waitForListener();
-  static_cast<void>(comesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
-  static_cast<void>(comesTrue([] { return !fs::exists(UsageCheck::waiting.path); }));
+  static_cast<void>(becomesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
+  static_cast<void>(becomesTrue([] { return !fs::exists(UsageCheck::waiting.path); }));
 }
 
 // Uses a shorter timeout after the fault, because a step that the fault prevents never completes.
-bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
+bool FaultyAgent::becomesTrue(const std::function<bool()>& condition) {
   const auto begin = std::chrono::steady_clock::now();
   std::optional<std::chrono::steady_clock::time_point> failedAt;
   return waitUntil([&] {
@@ -127,7 +127,7 @@ bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
 }
 
 void FaultyAgent::waitForListener() {
-  static_cast<void>(comesTrue([&] { return listens() || hasReportedLostPipe(); }));
+  static_cast<void>(becomesTrue([&] { return listens() || hasReportedLostPipe(); }));
 }
 
 bool FaultyAgent::listens() {
@@ -139,19 +139,19 @@ bool FaultyAgent::sendToPipe(const std::string& text) {
   const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   const int before = count("log 6: read_pipe");
   if (::write(pipe.get(), text.data(), text.size()) <= 0) return false;
-  return comesTrue([&] { return count("log 6: read_pipe") > before; });
+  return becomesTrue([&] { return count("log 6: read_pipe") > before; });
 }
 
 void FaultyAgent::sendRecord(const std::string& text, const std::string& record) {
   usage_.expect(record);
   if (!sendToPipe(text)) return;
   usage_.noteRead(record);
-  if (comesTrue([&] { return UsageCheck::writtenWhole(record) == usage_.expected(record); }))
+  if (becomesTrue([&] { return UsageCheck::writtenWhole(record) == usage_.expected(record); }))
     usage_.noteWritten(record);
 }
 
 void FaultyAgent::closeSupportWindow(std::uint32_t window) {
-  static_cast<void>(comesTrue([&] {
+  static_cast<void>(becomesTrue([&] {
     test_support::requestClose(display_.name(), window);
     return test_support::waitForNoWindow(display_.name(), isSupportWindow, 100ms);
   }));
@@ -172,9 +172,9 @@ bool FaultyAgent::answersPipe() {
   const auto isUp = [&] {
     return test_support::waitForWindow(display_.name(), isAccessNotice, 0ms).has_value();
   };
-  if (!comesTrue(isUp)) return false;
+  if (!becomesTrue(isUp)) return false;
   sendToPipe("-noff");
-  return comesTrue([&] { return !isUp(); });
+  return becomesTrue([&] { return !isUp(); });
 }
 
 std::string FaultyAgent::switchLabel() {
@@ -214,7 +214,7 @@ bool FaultyAgent::switchWorksFromSecondStart() {
 
 bool FaultyAgent::showsIcon() {
   const char* picture = switchLabel() == "Automount Off" ? "mount on" : "mount off";
-  return comesTrue(
+  return becomesTrue(
       [&] { return host_.saveIcon("/tmp/icon.png", "20") && panelShows(host_, kPictures, picture); });
 }
 

@@ -43,12 +43,12 @@ class DesktopPortal : public AgentTest {
   }
   void setColorScheme(const std::string& value) { setOnDesktop("color-scheme", value); }
 
-  [[nodiscard]] bool comesToShow(const std::string& icon) {
+  [[nodiscard]] bool iconBecomes(const std::string& icon) {
     return test_support::waitUntil([&] { return panelShows(host_, agentContents() + "/Resources", icon); });
   }
 
   // Reads the setting as another program; activates the portal if it does not run.
-  std::string askPortal() {
+  std::string queryPortal() {
     return runOnDisplay({"gdbus", "call", "--session", "--dest", "org.freedesktop.portal.Desktop",
                          "--object-path", "/org/freedesktop/portal/desktop", "--method",
                          "org.freedesktop.portal.Settings.Read", "org.freedesktop.appearance",
@@ -71,24 +71,24 @@ class DesktopPortal : public AgentTest {
 TEST_F(DesktopPortal, PortalActivatedByAgentReportsDarkDesktop) {
   setColorScheme("prefer-dark");
   launchAgentInPanel();
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
 }
 
 TEST_F(DesktopPortal, RunningPortalReportsDarkDesktop) {
   setColorScheme("prefer-dark");
-  ASSERT_EQ(askPortal(), "(<<uint32 1>>,)\n");
+  ASSERT_EQ(queryPortal(), "(<<uint32 1>>,)\n");
   launchAgentInPanel();
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
 }
 
 TEST_F(DesktopPortal, IconFollowsEachChange) {
   launchAgentInPanel();
-  EXPECT_TRUE(comesToShow("mount on"));
+  EXPECT_TRUE(iconBecomes("mount on"));
   for (const char* notDark : {"prefer-light", "default"}) {
     setColorScheme("prefer-dark");
-    EXPECT_TRUE(comesToShow("mount on reverse"));
+    EXPECT_TRUE(iconBecomes("mount on reverse"));
     setColorScheme(notDark);
-    EXPECT_TRUE(comesToShow("mount on")) << notDark;
+    EXPECT_TRUE(iconBecomes("mount on")) << notDark;
   }
 }
 
@@ -100,16 +100,16 @@ TEST_F(DesktopPortal, OtherSettingsAndChangesBetweenLightAndNoPreferenceKeepIcon
   setColorScheme("prefer-dark");
   // The agent toggles its icon at each change, so after an unwanted toggle this change would show the other
   // icon.
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
 }
 
 TEST_F(DesktopPortal, RestartedPortalReportsChanges) {
-  ASSERT_EQ(askPortal(), "(<<uint32 0>>,)\n");
+  ASSERT_EQ(queryPortal(), "(<<uint32 0>>,)\n");
   launchAgentInPanel();
   endPortal();
-  ASSERT_EQ(askPortal(), "(<<uint32 0>>,)\n");
+  ASSERT_EQ(queryPortal(), "(<<uint32 0>>,)\n");
   setColorScheme("prefer-dark");
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
   EXPECT_TRUE(agent_.running());
 }
 

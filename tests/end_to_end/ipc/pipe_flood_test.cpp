@@ -112,11 +112,11 @@ class PipeFlood : public HostilePipes {
   // Waits for the condition; reads and discards the log meanwhile.
   [[nodiscard]] bool comes(const std::function<bool()>& condition,
                            std::chrono::milliseconds limit = test_support::kPatience) {
-    const auto comesTrue = [&] {
+    const auto becomesTrue = [&] {
       timeline_.clear();
       return condition();
     };
-    return waitUntil(comesTrue, limit);
+    return waitUntil(becomesTrue, limit);
   }
 
   // Floods the pipe for some seconds and expects the message `behind` to be handled in the usual time.

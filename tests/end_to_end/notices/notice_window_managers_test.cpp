@@ -51,7 +51,7 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
 
   // Returns once the window manager has processed all earlier requests: it has mapped another program's
   // window.
-  void serveAll() {
+  void waitUntilRequestsAreProcessed() {
     test_support::ChildProcess program;
     ASSERT_TRUE(program.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
     ASSERT_TRUE(waitForWindow(display_.name(), test_support::windowNamed("High")));
@@ -66,14 +66,14 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
     ask(x, x.root(), "_NET_SHOWING_DESKTOP", {bare ? 1U : 0U, 0, 0, 0});
   }
   void requestMinimum() { runOnDisplay({"xdotool", "windowminimize", std::to_string(notice_)}); }
-  [[nodiscard]] bool noticeIsThere() {
+  [[nodiscard]] bool noticeIsShown() {
     return waitForWindow(display_.name(),
                          [this](const test_support::XWindow& window) {
                            return window.id == notice_ && window.height == 80 && isAccessNotice(window);
                          })
         .has_value();
   }
-  void expectNoticeGoesAndAgentEnds() {
+  void expectNoticeHidesAndAgentEnds() {
     send("-noff");
     EXPECT_TRUE(hides(isAccessNotice));
     terminateAgent();
@@ -113,13 +113,13 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
 
 TEST_P(NoticeUnder, MinimiseMaximiseAndCloseRequestsAreIgnored) {
   requestMinimum();
-  serveAll();
-  EXPECT_TRUE(noticeIsThere());
+  waitUntilRequestsAreProcessed();
+  EXPECT_TRUE(noticeIsShown());
   requestMaximum();
   test_support::requestClose(display_.name(), notice_);
-  serveAll();
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+  waitUntilRequestsAreProcessed();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
 // kwin iconifies the windows of other desktops.
@@ -127,29 +127,29 @@ TEST_P(NoticeUnder, NoticeMinimisedFromOtherDesktopReturnsOnItsOwnDesktop) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimum();
-  serveAll();
+  waitUntilRequestsAreProcessed();
   runOnDisplay({"xdotool", "set_desktop", "0"});
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
 TEST_P(NoticeUnder, NoticeMinimisedFromOtherDesktopReturnsWhenMovedToIt) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimum();
-  serveAll();
+  waitUntilRequestsAreProcessed();
   runOnDisplay({"xdotool", "set_desktop_for_window", std::to_string(notice_), "1"});
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
 TEST_P(NoticeUnder, NoticeMinimisedDuringShowDesktopReturnsAfterwards) {
   requestBareDesktop(true);
   requestMinimum();
   requestBareDesktop(false);
-  serveAll();
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+  waitUntilRequestsAreProcessed();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
 TEST_P(NoticeUnder, RequestsOnlyTitleAndMoveFunctions) {

@@ -123,7 +123,7 @@ TEST_F(SupportLog, CloseRequestDuringCollectionIsRefusedByCompletionAlert) {
   test_support::deliverCloseRequest(display_.name(), window_.id);
   timeline_.release("zip");
   ASSERT_TRUE(sheetIsUp());
-  serveAll();
+  waitUntilInputIsProcessed();
   EXPECT_EQ(supportWindows(), 1);
   press("Escape");
   ASSERT_TRUE(sheetIsGone());
@@ -139,7 +139,7 @@ TEST_F(SupportLog, CloseRequestBehindNoticesDuringCollectionIsRefusedByCompletio
   test_support::deliverCloseRequest(display_.name(), window_.id);
   timeline_.release("zip");
   ASSERT_TRUE(sheetIsUp());
-  serveAll();
+  waitUntilInputIsProcessed();
   EXPECT_EQ(supportWindows(), 1);
   clickAt(sheetsDefault);
   ASSERT_TRUE(sheetIsGone());
@@ -181,7 +181,7 @@ TEST_F(SupportLog, InputDuringCollectionIsDiscarded) {
   clickAt(faqMiddle);
   timeline_.release("zip");
   ASSERT_TRUE(sheetIsUp());
-  serveAll();
+  waitUntilInputIsProcessed();
   EXPECT_TRUE(sheetIsUp());
   EXPECT_EQ(count("run: open"), 0);
   clickAt(sheetsDefault);

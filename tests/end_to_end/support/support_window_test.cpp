@@ -19,7 +19,7 @@ constexpr const char* closeLog =
 // Opening, closing and input focus.
 class SupportWindow : public SupportTest {
  protected:
-  void expectOpensAfresh() {
+  void expectOpensNewWindow() {
     timeline_.clear();
     static_cast<void>(takeFetches());
     openWindow();
@@ -86,7 +86,7 @@ TEST_F(SupportWindow, ClosingByWindowManagerIsLoggedOnceAndReopensNewWindow) {
   closeWindow();
   EXPECT_TRUE(waitForText(closeLog));
   EXPECT_EQ(count(closeLog), 1);
-  expectOpensAfresh();
+  expectOpensNewWindow();
   closeWindow();
   terminateAgent();
 }
@@ -94,10 +94,10 @@ TEST_F(SupportWindow, ClosingByWindowManagerIsLoggedOnceAndReopensNewWindow) {
 TEST_F(SupportWindow, ClosingWithEscapeIsLoggedOnceAndReopensNewWindow) {
   launchAndOpen();
   press("Escape");
-  ASSERT_TRUE(windowGoes());
+  ASSERT_TRUE(windowDisappears());
   EXPECT_TRUE(waitForText(closeLog));
   EXPECT_EQ(count(closeLog), 1);
-  expectOpensAfresh();
+  expectOpensNewWindow();
 }
 
 TEST_F(SupportWindow, ClosedWindowIsNotOrderedFront) {
@@ -122,8 +122,8 @@ TEST_F(SupportWindow, FaqOpensSupportPageOnce) {
 
 TEST_F(SupportWindow, HidesWhileOtherProgramIsActiveAndReturnsByMenu) {
   launchAndOpen();
-  turnToAnotherProgram();
-  ASSERT_TRUE(windowGoes());
+  switchToAnotherProgram();
+  ASSERT_TRUE(windowDisappears());
   EXPECT_EQ(count(closeLog), 0);
   timeline_.clear();
   static_cast<void>(takeFetches());
@@ -154,16 +154,16 @@ TEST_F(SupportWindow, StaysWhileFocusedWindowOfOtherProgramIsGone) {
   EXPECT_TRUE(windowStays());
   display_.windowManager().signal(SIGCONT);
   waitForSupportWindow();
-  turnToAnotherProgram();
-  EXPECT_TRUE(windowGoes());
+  switchToAnotherProgram();
+  EXPECT_TRUE(windowDisappears());
 }
 
 TEST_F(SupportWindow, HidesWithItsSheetAndBothReturnByMenu) {
   launchAndOpen();
   clickAt(logMiddle);
   ASSERT_TRUE(sheetIsUp());
-  turnToAnotherProgram();
-  ASSERT_TRUE(windowGoes());
+  switchToAnotherProgram();
+  ASSERT_TRUE(windowDisappears());
   choose();
   const auto again = test_support::waitForWindow(display_.name(), isSupportWindow);
   ASSERT_TRUE(again);
