@@ -198,7 +198,7 @@ TEST(ConnectionRules, OriginHasAnyAccessAndOthersPublicTlsOnly) {
   }
 }
 
-TEST(ConnectionRules, WithoutOriginNoHostHasAnyAccess) {
+TEST(ConnectionRules, WithoutOriginOnlyPublicTlsIsAllowed) {
   EXPECT_EQ(accessTo({"127.0.0.1", 8090}, std::nullopt), Access::None);
   EXPECT_EQ(accessTo({"", 0}, std::nullopt), Access::None);
   EXPECT_EQ(accessTo({"tovalin.example", 443}, std::nullopt), Access::PublicTls);
