@@ -29,11 +29,11 @@ constexpr const char* help =
     "Usage: tovalinnotification -title TEXT -subtitle TEXT -message TEXT -closeLabel TEXT\n"
     "                           -actions TEXT -bundlepath FOLDER -timeout SECONDS\n"
     "\n"
-    "Shows a desktop notification with two buttons, -actions and -closeLabel, and takes it away after the\n"
-    "time. The first button opens the updater of the application's bundle at FOLDER.\n"
-    "All options are needed, in any order.\n"
+    "Shows a desktop notification with two buttons, -actions and -closeLabel, and closes it after the\n"
+    "timeout. The first button opens the updater of the application's bundle at FOLDER.\n"
+    "All options are required, in any order.\n"
     "\n"
-    "Exit status: 0, 1 when the notification can't be shown or the updater can't be opened, 2 for a wrong\n"
+    "Exit status: 0 success, 1 the notification cannot be shown or the updater cannot be started, 2 invalid\n"
     "command line.\n";
 
 int fail(int status, const std::string& reason) {
@@ -118,8 +118,7 @@ int main(int argc, char** argv) {
   const std::variant<Notice, std::string> parsed = companions::parseNotice(arguments);
   const auto* const notice = std::get_if<Notice>(&parsed);
   if (notice == nullptr) {
-    return fail(refused,
-                *std::get_if<std::string>(&parsed) + "\ntovalinnotification --help shows how it is used");
+    return fail(refused, *std::get_if<std::string>(&parsed) + "\nsee tovalinnotification --help");
   }
   const Outcome outcome = show(*notice, argc, argv);
   return outcome.accepted ? openUpdater(*notice, outcome.activationToken) : outcome.status;

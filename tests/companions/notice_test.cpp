@@ -54,7 +54,7 @@ TEST(Notice, ValueThatLooksLikeOptionIsValue) {
 TEST(Notice, MissingOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments.erase(arguments.begin() + 8, arguments.begin() + 10);
-  EXPECT_EQ(complaint(arguments), "not given: -actions");
+  EXPECT_EQ(complaint(arguments), "missing: -actions");
 }
 
 TEST(Notice, OptionWithoutValueIsNamed) {
@@ -72,7 +72,7 @@ TEST(Notice, OptionGivenTwiceIsNamed) {
 TEST(Notice, UnknownOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments[0] = "-Title";
-  EXPECT_EQ(complaint(arguments), "there is no option \"-Title\"");
+  EXPECT_EQ(complaint(arguments), "unknown option \"-Title\"");
 }
 
 TEST(Notice, TimeoutIsSecondsAboveZeroUpToADay) {
@@ -95,7 +95,7 @@ TEST(Notice, TimeoutIsSecondsAboveZeroUpToADay) {
 TEST(Notice, InvalidTimeoutIsQuoted) {
   Arguments arguments = agentsArguments();
   arguments.back() = "ten";
-  EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is no number of seconds above 0");
+  EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is not a number of seconds above 0");
 }
 
 TEST(Notice, MarkupIsEscapedForServersThatInterpretIt) {

@@ -200,8 +200,8 @@ TEST_F(Notification, InvalidCommandLineIsRefused) {
   const Finished finished = runToEnd(wrong, options());
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.error,
-            "tovalinnotification: not given: -subtitle -message -closeLabel -actions -bundlepath -timeout\n"
-            "tovalinnotification --help shows how it is used\n");
+            "tovalinnotification: missing: -subtitle -message -closeLabel -actions -bundlepath -timeout\n"
+            "see tovalinnotification --help\n");
 }
 
 TEST_F(Notification, HelpNamesEveryOption) {
