@@ -20,7 +20,7 @@ class ApplicationDelegate {
   virtual void applicationDidFinishLaunching() = 0;
   // Called when the program was started a second time. The second process has already ended.
   virtual void applicationShouldHandleReopen() = 0;
-  // Called once before the process ends, for whatever reason.
+  // Called once before the process ends, except when it is killed.
   virtual void applicationWillTerminate() = 0;
 };
 
@@ -38,8 +38,8 @@ struct ApplicationRegistration {
 // Runs the program: examines the arguments, checks for a running instance, creates the delegate and runs the
 // run loop. Call it first in main.
 //
-// Returns the status that handleArguments returned, or 0 if an instance is already running, which is brought
-// forward. If there is no display to run on, prints an error on standard error and ends the process with
+// Returns the status that handleArguments returned, or 0 if an instance is already running; that instance is
+// activated. If there is no display to run on, prints an error on standard error and ends the process with
 // status 1. Otherwise the process ends in Application::terminate.
 int ApplicationMain(int argc, char** argv);
 
@@ -52,9 +52,9 @@ class Application {
   // Thread-safe.
   void performOnMainThread(std::function<void()> work);
 
-  // Runs a nested run loop until stopModal ends it. While the window is visible, it takes all input meant for
-  // the program's windows. Posted work, timers and the status menu keep working. Modal runs may be nested.
-  // Hiding the window neither ends the run nor blocks input to other windows.
+  // Runs a nested run loop until stopModal ends it. While the window is visible, the program's other windows
+  // receive no input. Posted work, timers and the status menu keep working. Modal runs may be nested. If the
+  // window is hidden, the run continues, and other windows receive input.
   void runModalForWindow(std::shared_ptr<Window> window);
   // Stops the innermost modal run. runModalForWindow returns once control is back in that run. Does nothing
   // if there is no modal run.

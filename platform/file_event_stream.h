@@ -21,10 +21,10 @@ struct FileEvent {
 // run loop delivers the events, also during modal runs.
 //
 // A folder has changed if one of its entries was created, removed, renamed or written, or if the entry's
-// mode, owner, extended attributes or modification time changed. Reading, opening, a new access time and
-// changed attributes of the root itself do not count. Symbolic links below the root are not followed. All
-// changes within the latency after the first one form a batch, which names each folder once, in the order of
-// first changes.
+// mode, owner, extended attributes or modification time changed. Reading, opening, a new access time, writes
+// through a memory mapping and changed attributes of the root itself do not count. Symbolic links below the
+// root are not followed. All changes within the latency after the first one form a batch, which names each
+// folder once, in the order of first changes.
 class FileEventStream {
  public:
   // Events were lost somewhere in the folder or below it.

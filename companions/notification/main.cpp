@@ -29,11 +29,11 @@ constexpr const char* help =
     "Usage: tovalinnotification -title TEXT -subtitle TEXT -message TEXT -closeLabel TEXT\n"
     "                           -actions TEXT -bundlepath FOLDER -timeout SECONDS\n"
     "\n"
-    "Shows a desktop notification with two buttons, -actions and -closeLabel, and takes it away after the\n"
-    "time. The first button opens the updater of the application's bundle at FOLDER.\n"
-    "All options are needed, in any order.\n"
+    "Shows a desktop notification with two buttons, -actions and -closeLabel, and closes it after the\n"
+    "timeout. The first button opens the updater of the application's bundle at FOLDER.\n"
+    "All options are required, in any order.\n"
     "\n"
-    "Exit status: 0, 1 when the notification can't be shown or the updater can't be opened, 2 for a wrong\n"
+    "Exit status: 0 success, 1 the notification cannot be shown or the updater cannot be started, 2 invalid\n"
     "command line.\n";
 
 int fail(int status, const std::string& reason) {
@@ -41,9 +41,8 @@ int fail(int status, const std::string& reason) {
   return status;
 }
 
-// The signals that end the program are blocked while this object exists, and are read from a descriptor: the
-// notice has to be taken off the screen, and the updater started with the signal mask that this program was
-// started with.
+// Blocks the signals that end the program and delivers them through a descriptor, because the notice must be
+// closed first. The destructor restores the signal mask, which the updater inherits.
 class EndingSignals {
  public:
   EndingSignals() {
@@ -60,7 +59,7 @@ class EndingSignals {
   EndingSignals& operator=(const EndingSignals&) = delete;
 
   [[nodiscard]] int descriptor() const { return descriptor_; }
-  // Takes the signals that have come; they would end the program where the mask is restored.
+  // Discards the pending signals, which would end the program when the mask is restored.
   void take() const {
     signalfd_siginfo signal{};
     while (::read(descriptor_, &signal, sizeof signal) > 0) continue;
@@ -100,7 +99,7 @@ Outcome show(const Notice& notice, int& argc, char** argv) {
   return outcome;
 }
 
-// In the place of this program. Returns only if that failed.
+// Replaces this process by the updater. Returns only if that fails.
 int openUpdater(const Notice& notice, const QString& activationToken) {
   if (!activationToken.isEmpty()) {
     ::setenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8().constData(), 1);
@@ -119,8 +118,7 @@ int main(int argc, char** argv) {
   const std::variant<Notice, std::string> parsed = companions::parseNotice(arguments);
   const auto* const notice = std::get_if<Notice>(&parsed);
   if (notice == nullptr) {
-    return fail(refused,
-                *std::get_if<std::string>(&parsed) + "\ntovalinnotification --help shows how it is used");
+    return fail(refused, *std::get_if<std::string>(&parsed) + "\nsee tovalinnotification --help");
   }
   const Outcome outcome = show(*notice, argc, argv);
   return outcome.accepted ? openUpdater(*notice, outcome.activationToken) : outcome.status;

@@ -17,12 +17,11 @@ constexpr std::array<std::string_view, 7> optionNames = {"-title",   "-subtitle"
                                                          "-actions", "-bundlepath", "-timeout"};
 constexpr double maxSeconds = 86'400;
 
-// Puts each option's value under its name; returns what is wrong, empty when nothing is.
+// Stores the value of each option under its name. Returns an error text, empty on success.
 std::string collect(const std::vector<std::string>& arguments, Values& values) {
   for (std::size_t i = 0; i < arguments.size(); i += 2) {
     const std::string& name = arguments[i];
-    if (std::ranges::find(optionNames, name) == optionNames.end())
-      return "there is no option \"" + name + '"';
+    if (std::ranges::find(optionNames, name) == optionNames.end()) return "unknown option \"" + name + '"';
     if (i + 1 == arguments.size()) return name + " has no value";
     if (!values.emplace(name, arguments[i + 1]).second) return name + " is given twice";
   }
@@ -34,10 +33,10 @@ std::string missing(const Values& values) {
   for (const std::string_view name : optionNames) {
     if (!values.contains(name)) names += " " + std::string(name);
   }
-  return names.empty() ? names : "not given:" + names;
+  return names.empty() ? names : "missing:" + names;
 }
 
-// Returns nullopt for anything but a number of seconds above 0 and up to a day.
+// Returns nullopt unless the text is a number of seconds above 0 and up to one day.
 std::optional<std::chrono::milliseconds> parseSeconds(std::string_view text) {
   double seconds = 0;
   const char* const end = text.data() + text.size();
@@ -75,7 +74,7 @@ std::variant<Notice, std::string> parseNotice(const std::vector<std::string>& ar
   if (const std::string wrong = collect(arguments, values); !wrong.empty()) return wrong;
   if (const std::string wrong = missing(values); !wrong.empty()) return wrong;
   const std::optional<std::chrono::milliseconds> timeout = parseSeconds(values["-timeout"]);
-  if (!timeout) return "-timeout: \"" + values["-timeout"] + "\" is no number of seconds above 0";
+  if (!timeout) return "-timeout: \"" + values["-timeout"] + "\" is not a number of seconds above 0";
   return Notice{.title = values["-title"],
                 .subtitle = values["-subtitle"],
                 .message = values["-message"],

@@ -7,7 +7,7 @@
 
 namespace companions {
 
-// What the agent asks to be shown.
+// The notice that the agent requests.
 struct Notice {
   std::string title = {};
   std::string subtitle = {};
@@ -20,12 +20,12 @@ struct Notice {
   bool operator==(const Notice&) const = default;
 };
 
-// Reads the arguments behind the program's name: the seven options of the help, each once, in any order, a
-// value after each. Returns what is wrong if they are not that.
+// Parses the arguments after the program's name: the seven options of the help text, each exactly once and
+// with a value, in any order. Returns an error text for anything else.
 [[nodiscard]] std::variant<Notice, std::string> parseNotice(const std::vector<std::string>& arguments);
 
-// The subtitle and the message, a line each. `markup` is whether the server reads the text as markup:
-// characters that would then have a meaning are escaped.
+// Returns subtitle and message on one line each. Escapes special characters if the server interprets
+// `markup`.
 [[nodiscard]] std::string bodyText(const Notice& notice, bool markup);
 
 [[nodiscard]] std::string updaterProgram(const Notice& notice);

@@ -49,13 +49,13 @@ ShownNotice::ShownNotice(const Notice& notice, std::function<void(End)> ended)
     : notice_(notice), ended_(std::move(ended)) {
   timeout_.setSingleShot(true);
   timeout_.setTimerType(Qt::PreciseTimer);
-  // Some servers, GNOME's for one, leave a notice up for as long as they like.
+  // Some servers, such as GNOME's, ignore the timeout.
   connect(&timeout_, &QTimer::timeout, this, [this] { end(End::Declined); });
 }
 
 void ShownNotice::show() {
   if (!bus_.isConnected()) {
-    // Not at once: the caller has not entered the event loop yet.
+    // Posted, because the caller has not entered the event loop yet.
     QTimer::singleShot(0, this, [this] { fail(bus_.lastError().message()); });
     return;
   }
@@ -80,8 +80,7 @@ void ShownNotice::connectSignals() {
 
 void ShownNotice::notify(bool markup) {
   asked_ = true;
-  // Not with a watcher, which can be notified of the reply after the slots of signals that the server has
-  // sent later.
+  // Avoids QDBusPendingCallWatcher, which may report the reply after signals that the server has sent later.
   bus_.callWithCallback(notifyCall(notice_, markup), this, SLOT(shown(uint)), SLOT(refused(QDBusError)));
 }
 
@@ -117,7 +116,7 @@ void ShownNotice::cancel() {
   timeout_.start(closeWait);
 }
 
-// Waits for the server, so that the program doesn't end before its last message is sent.
+// Waits for the reply, so that the program does not end before its last message is sent.
 void ShownNotice::close() {
   if (id_ == 0) return;
   QDBusMessage message = call("CloseNotification");

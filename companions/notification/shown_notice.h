@@ -18,29 +18,28 @@ class ShownNotice : public QObject {
 
  public:
   enum class End {
-    Accepted,  // the action's button was pressed
-    Declined,  // the other button was pressed, the notice was closed, or its time is over
-    Failed     // there is no server, or it refuses
+    Accepted,  // the action button was pressed
+    Declined,  // the close button was pressed, the notice was closed, or the timeout expired
+    Failed     // there is no server, or it replied with an error
   };
 
-  // `ended` is called once, from the event loop.
+  // Calls `ended` once, from the event loop.
   ShownNotice(const Notice& notice, std::function<void(End)> ended);
 
-  // Asks the server to show the notice, without waiting for it.
+  // Sends the notice to the server without waiting for the reply.
   void show();
-  // Takes the notice off the screen and ends it as declined. Waits a second at most for a server that has not
-  // answered yet.
+  // Closes the notice and reports Declined. Waits at most 1 s for a server that has not replied yet.
   void cancel();
 
-  // Empty unless the server has sent one: the permission to raise a window that the pressed button gives, for
-  // the environment variable XDG_ACTIVATION_TOKEN of the program that opens it.
+  // Returns the activation token that the server sends with a pressed button: the value of
+  // XDG_ACTIVATION_TOKEN for a program that opens a window. Empty if the server has sent none.
   [[nodiscard]] const QString& activationToken() const { return activationToken_; }
   [[nodiscard]] const QString& error() const { return error_; }
 
  private slots:
   void shown(uint id);
   void refused(const QDBusError& error);
-  // Signals of the server, which sends them to every program.
+  // Signals of the server, which are broadcast and may concern other notices.
   void ActionInvoked(uint id, const QString& action);
   void ActivationToken(uint id, const QString& token);
   void NotificationClosed(uint id, uint reason);
@@ -56,9 +55,9 @@ class ShownNotice : public QObject {
   std::function<void(End)> ended_;
   QDBusConnection bus_ = QDBusConnection::sessionBus();
   QTimer timeout_;
-  bool asked_ = false;  // Notify is sent and not answered yet
+  bool asked_ = false;  // Notify was sent, and its reply is pending
   bool cancelled_ = false;
-  uint id_ = 0;  // 0 until the server has sent an id
+  uint id_ = 0;  // 0 until the server has replied with an id
   QString activationToken_;
   QString error_;
 };

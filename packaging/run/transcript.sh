@@ -1,4 +1,4 @@
-# The transcript of the visit, written to the terminal and to a file that the wait functions read.
+# The transcript of the scripted session, written to the terminal and to a file that the wait functions read.
 
 results=build/run
 transcript=$results/transcript.txt

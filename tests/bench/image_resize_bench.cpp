@@ -29,7 +29,7 @@ int main() {
   ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   const QImage pixels = picture();
   platform::Image source({side, side});
-  source.impl().forms = {pixels};
+  source.impl().representations = {pixels};
   for (const QSize size : {QSize(20, 20), QSize(420, 420), QSize(420, 40)}) {
     const auto ours = [&] { static_cast<void>(imageResize(&source, size.width(), size.height())); };
     const auto reference = [&] {

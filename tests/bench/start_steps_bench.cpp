@@ -31,8 +31,8 @@ struct Step {
 
 const std::vector<Step> stepsOfAgent = {
     {"agent: its libraries loaded", "connect("},
-    {"agent: bus tried, another agent looked for, toolkit begun", "plugins/platforms"},
-    {"agent: the toolkit's plugin loaded", ".X11-unix", true},
+    {"agent: bus and other instances checked, Qt started", "plugins/platforms"},
+    {"agent: platform plugin of Qt loaded", ".X11-unix", true},
     {"agent: display and theme ready, session bus connected", "TovalinTray/helpers"},
     {"agent: helpers copied, appearance asked", "TovalinPorperty.plist"},
     {"agent: request for the newest version made", "GET /", true},

@@ -7,10 +7,10 @@
 
 namespace companions_test {
 
-// The main application's bundle as built, with the companions in it.
+// The main application's bundle in the build folder, with the companions.
 [[nodiscard]] std::string builtBundle();
 
-// A program that has ended and what it wrote.
+// The exit status of a program and its output.
 struct Finished {
   std::optional<test_support::ExitStatus> status;
   std::string output;
@@ -19,7 +19,7 @@ struct Finished {
 [[nodiscard]] Finished runToEnd(const std::vector<std::string>& argv,
                                 const test_support::ChildOptions& options = {});
 
-// Makes a shell script at `path`, and the folders on the way.
+// Creates a shell script at `path`, and its parent folders.
 void writeScript(const std::string& path, std::string_view commands);
 
 }  // namespace companions_test

@@ -17,14 +17,14 @@ Arguments agentsArguments() {
           "-timeout",    "10"};
 }
 
-// What is wrong with these arguments; empty when nothing is.
+// Returns the error text for these arguments; empty on success.
 std::string complaint(const Arguments& arguments) {
   const auto parsed = companions::parseNotice(arguments);
   const auto* const reason = std::get_if<std::string>(&parsed);
   return reason != nullptr ? *reason : "";
 }
 
-TEST(Notice, AgentsCommandLineGivesEveryPart) {
+TEST(Notice, CommandLineOfAgentSetsEveryPart) {
   const auto parsed = companions::parseNotice(agentsArguments());
   const auto* const notice = std::get_if<companions::Notice>(&parsed);
   ASSERT_NE(notice, nullptr) << complaint(agentsArguments());
@@ -54,7 +54,7 @@ TEST(Notice, ValueThatLooksLikeOptionIsValue) {
 TEST(Notice, MissingOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments.erase(arguments.begin() + 8, arguments.begin() + 10);
-  EXPECT_EQ(complaint(arguments), "not given: -actions");
+  EXPECT_EQ(complaint(arguments), "missing: -actions");
 }
 
 TEST(Notice, OptionWithoutValueIsNamed) {
@@ -72,7 +72,7 @@ TEST(Notice, OptionGivenTwiceIsNamed) {
 TEST(Notice, UnknownOptionIsNamed) {
   Arguments arguments = agentsArguments();
   arguments[0] = "-Title";
-  EXPECT_EQ(complaint(arguments), "there is no option \"-Title\"");
+  EXPECT_EQ(complaint(arguments), "unknown option \"-Title\"");
 }
 
 TEST(Notice, TimeoutIsSecondsAboveZeroUpToADay) {
@@ -85,20 +85,20 @@ TEST(Notice, TimeoutIsSecondsAboveZeroUpToADay) {
   };
   EXPECT_EQ(timeoutOf("0.25"), std::chrono::milliseconds(250));
   EXPECT_EQ(timeoutOf("0.0001"), std::chrono::milliseconds(1))
-      << "a server would keep a notice of 0 ms up for ever";
+      << "servers never close a notice with a timeout of 0";
   EXPECT_EQ(timeoutOf("86400"), std::chrono::hours(24));
   for (const char* const wrong : {"", "0", "-1", "86401", "1e9", "nan", "inf", "ten", "10 ", "10s"}) {
     EXPECT_EQ(timeoutOf(wrong), std::chrono::milliseconds(0)) << wrong;
   }
 }
 
-TEST(Notice, WrongTimeoutIsQuoted) {
+TEST(Notice, InvalidTimeoutIsQuoted) {
   Arguments arguments = agentsArguments();
   arguments.back() = "ten";
-  EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is no number of seconds above 0");
+  EXPECT_EQ(complaint(arguments), "-timeout: \"ten\" is not a number of seconds above 0");
 }
 
-TEST(Notice, BodyEscapesMarkupForServersThatReadIt) {
+TEST(Notice, MarkupIsEscapedForServersThatInterpretIt) {
   const companions::Notice notice{.subtitle = "<b>1 & 2</b>", .message = "now?"};
   EXPECT_EQ(companions::bodyText(notice, false), "<b>1 & 2</b>\nnow?");
   EXPECT_EQ(companions::bodyText(notice, true), "&lt;b&gt;1 &amp; 2&lt;/b&gt;\nnow?");

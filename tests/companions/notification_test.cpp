@@ -25,7 +25,7 @@ using testing::HasSubstr;
 const std::string bundle = "/tmp/My Apps/Tovalin.app";
 const std::string updater = bundle + "/Contents/Resources/tovalinupdate.app/Contents/MacOS/tovalinupdate";
 
-// The program on a session bus of its own, with an updater that says how it was started.
+// The program on a private session bus, with an updater that reports how it was started.
 class Notification : public testing::Test {
  protected:
   void SetUp() override {
@@ -88,14 +88,14 @@ TEST_F(Notification, ShowsTextsButtonsAndTimeout) {
             shown("New version <2> & more\\nDo you want to install now?", "10000"));
 }
 
-TEST_F(Notification, ServerThatReadsMarkupGetsItEscaped) {
+TEST_F(Notification, TextsAreEscapedForServerWithMarkup) {
   order("capabilities actions body body-markup");
   ASSERT_TRUE(program_.start(command("10"), options()));
   EXPECT_EQ(server_.waitForEvent("notify"),
             shown("New version &lt;2&gt; &amp; more\\nDo you want to install now?", "10000"));
 }
 
-TEST_F(Notification, YesTakesNoticeAwayAndBecomesUpdater) {
+TEST_F(Notification, YesClosesNoticeAndExecutesUpdater) {
   startShown();
   order("action 1 accept");
   EXPECT_TRUE(server_.waitForEvent("close 1"));
@@ -112,20 +112,20 @@ TEST_F(Notification, ActivationTokenReachesUpdater) {
   EXPECT_THAT(program_.takeOutput(), HasSubstr("updater 0 raise-me "));
 }
 
-TEST_F(Notification, NoTakesNoticeAwayAndEnds) {
+TEST_F(Notification, NoClosesNoticeAndEndsProgram) {
   startShown();
   order("action 1 decline");
   EXPECT_TRUE(server_.waitForEvent("close 1"));
   endsWithoutUpdater();
 }
 
-TEST_F(Notification, UserWhoClosesNoticeEndsIt) {
+TEST_F(Notification, ClosedNoticeEndsProgram) {
   startShown();
   order("closed 1 2");
   endsWithoutUpdater();
 }
 
-TEST_F(Notification, TimeoutTakesNoticeAwayAndEnds) {
+TEST_F(Notification, TimeoutClosesNoticeAndEndsProgram) {
   const auto begin = std::chrono::steady_clock::now();
   startShown("0.3");
   EXPECT_TRUE(server_.waitForEvent("close 1"));
@@ -142,7 +142,7 @@ TEST_F(Notification, SignalsOfOtherNoticesAreIgnored) {
   endsWithoutUpdater();
 }
 
-TEST_F(Notification, SignalsOfProgramThatIsNoServerAreIgnored) {
+TEST_F(Notification, SignalsOfOtherProgramsAreIgnored) {
   LineProgram forger;
   ASSERT_TRUE(forger.start({TOVALIN_NOTIFICATION_DOUBLE, "--nameless"}, options()));
   startShown();
@@ -151,16 +151,16 @@ TEST_F(Notification, SignalsOfProgramThatIsNoServerAreIgnored) {
   endsWithoutUpdater();
 }
 
-TEST_F(Notification, KillallTakesNoticeAwayAndEnds) {
+TEST_F(Notification, KillallClosesNoticeAndEndsProgram) {
   ASSERT_EQ(runToEnd({"killall", "tovalinnotification"}).status, ExitStatus{.code = 1})
-      << "one is there already";
+      << "another instance is running";
   startShown();
   EXPECT_EQ(runToEnd({"killall", "tovalinnotification"}).status, ExitStatus{.code = 0});
   EXPECT_TRUE(server_.waitForEvent("close 1"));
   endsWithoutUpdater();
 }
 
-TEST_F(Notification, KillallEndsItBeforeServerHasAnswered) {
+TEST_F(Notification, KillallEndsProgramBeforeServerReplies) {
   order("silence");
   startShown();
   EXPECT_EQ(runToEnd({"killall", "tovalinnotification"}).status, ExitStatus{.code = 0});
@@ -194,14 +194,14 @@ TEST_F(Notification, MissingBusIsAnError) {
   EXPECT_THAT(finished.error, HasSubstr("tovalinnotification: Failed to connect to socket /tmp/nowhere"));
 }
 
-TEST_F(Notification, WrongCommandLineIsRefused) {
+TEST_F(Notification, InvalidCommandLineIsRefused) {
   std::vector<std::string> wrong = command();
   wrong.resize(3);
   const Finished finished = runToEnd(wrong, options());
   EXPECT_EQ(finished.status, ExitStatus{.code = 2});
   EXPECT_EQ(finished.error,
-            "tovalinnotification: not given: -subtitle -message -closeLabel -actions -bundlepath -timeout\n"
-            "tovalinnotification --help shows how it is used\n");
+            "tovalinnotification: missing: -subtitle -message -closeLabel -actions -bundlepath -timeout\n"
+            "see tovalinnotification --help\n");
 }
 
 TEST_F(Notification, HelpNamesEveryOption) {

@@ -19,13 +19,13 @@ using test_support::ExitStatus;
 const std::string copiedBundle = "/tmp/Tovalin.app";
 const std::string opened = "/tmp/opened";
 
-// The agent's commands, run by the shell with the agent's helpers, on the bundle as it is built.
+// Runs the agent's commands with the shell and the agent's helpers, on the built bundle.
 class UpdateCommand : public testing::Test {
  protected:
   void SetUp() override {
     std::filesystem::copy(builtBundle(), copiedBundle, std::filesystem::copy_options::recursive);
     writeScript("/tmp/programs/xdg-open", "echo \"$*\" >/tmp/opening && mv /tmp/opening " + opened);
-    // Whatever the sources of this system offer.
+    // Makes the test independent of the system's package sources.
     writeScript("/tmp/programs/apt-cache", "");
     ASSERT_TRUE(bus_.start());
     ASSERT_TRUE(server_.start({TOVALIN_NOTIFICATION_DOUBLE}, options()));
@@ -54,7 +54,7 @@ class UpdateCommand : public testing::Test {
   test_support::LineProgram server_;
 };
 
-TEST_F(UpdateCommand, OfLaunchShowsNoticeWhoseYesOpensDownloadPage) {
+TEST_F(UpdateCommand, LaunchCommandShowsNoticeAndYesOpensDownloadPage) {
   const auto command = updateNoticeCommand(copiedBundle);
   ASSERT_TRUE(command);
   runInShell(*command);
@@ -68,7 +68,7 @@ TEST_F(UpdateCommand, OfLaunchShowsNoticeWhoseYesOpensDownloadPage) {
   downloadPageIsOpened();
 }
 
-TEST_F(UpdateCommand, OfSupportWindowOpensDownloadPageFromCopy) {
+TEST_F(UpdateCommand, SupportWindowCommandsOpenDownloadPageFromCopy) {
   const auto copy = copyUpdaterCommand(copiedBundle);
   ASSERT_TRUE(copy);
   runInShell(*copy);

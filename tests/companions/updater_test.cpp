@@ -18,7 +18,7 @@ const std::string programs = "/tmp/programs";
 constexpr const char* softwareCentre = "appstream://com.kesmoor.tovalintrayagent\n";
 constexpr const char* downloadPage = TOVALIN_DOWNLOAD_PAGE "\n";
 
-// The updater among programs that answer as a system's would. Nothing else is on its path.
+// The updater with fake system programs, which are the only ones on its PATH.
 class Updater : public testing::Test {
  protected:
   void SetUp() override { writeScript(programs + "/xdg-open", "echo \"$*\"; exit 5"); }
@@ -46,7 +46,7 @@ constexpr const char* offered =
     "tovalin-tray | 1.1.0 | https://packages.tovalin.example bookworm/main amd64 Packages\\n";
 constexpr const char* handler = "org.gnome.Software.desktop\\n";
 
-TEST_F(Updater, OpensSoftwareCentreThatCanUpdatePackage) {
+TEST_F(Updater, OpensSoftwareCentreIfItCanUpdatePackage) {
   offerPackage(offered);
   haveHandler(handler);
   EXPECT_EQ(run().output, softwareCentre);
@@ -70,7 +70,7 @@ TEST_F(Updater, OpensDownloadPageOnSystemWithoutAptAndXdgMime) {
   EXPECT_EQ(finished.error, "");
 }
 
-TEST_F(Updater, EndsAsXdgOpenDoes) {
+TEST_F(Updater, ReturnsStatusOfXdgOpen) {
   EXPECT_EQ(run().status, ExitStatus{.code = 5});
 }
 

@@ -74,7 +74,7 @@ void RunningAgent::launchAgentInPanel() {
 
 ExitStatus RunningAgent::endOfAgent() {
   const auto status = agent_.wait();
-  EXPECT_TRUE(status.has_value()) << "the agent is still there";
+  EXPECT_TRUE(status.has_value()) << "the agent still runs";
   return status.value_or(ExitStatus{});
 }
 
@@ -148,7 +148,7 @@ std::size_t RunningAgent::position(const std::string& beginning) {
   const auto all = texts();
   const auto found =
       std::ranges::find_if(all, [&](const std::string& text) { return text.starts_with(beginning); });
-  EXPECT_NE(found, all.end()) << beginning << " is not on the time line: " << testing::PrintToString(all);
+  EXPECT_NE(found, all.end()) << beginning << " is not on the timeline: " << testing::PrintToString(all);
   return static_cast<std::size_t>(found - all.begin());
 }
 
@@ -159,7 +159,7 @@ long RunningAgent::ownMemoryInKilobytes(pid_t process) {
     if (line.starts_with("Pss_Anon:") || line.starts_with("Pss_Shmem:"))
       kilobytes += std::stol(line.substr(line.find(':') + 1));
   }
-  EXPECT_GT(kilobytes, 0) << "the memory of " << process << " can't be read";
+  EXPECT_GT(kilobytes, 0) << "memory of process " << process << " cannot be read";
   return kilobytes;
 }
 

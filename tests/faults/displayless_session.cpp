@@ -4,7 +4,7 @@ void DisplaylessSession::play() {
   run_.environment_["DISPLAY"] = ":none";
   run_.injector_.injectFailures();
   run_.startAgent();
-  static_cast<void>(run_.comesTrue([&] { return !run_.agent_.running(); }));
+  static_cast<void>(run_.becomesTrue([&] { return !run_.agent_.running(); }));
 }
 
 Outcome DisplaylessSession::judge() {

@@ -26,7 +26,7 @@ class FaultInjector {
   [[nodiscard]] bool open();
   // Prepares `environment`: an agent started in it has this fault once `injectFailures` was called.
   void arm(const Fault& fault, Environment& environment);
-  // Starts counting calls and lets the chosen one fail.
+  // Starts counting calls and makes the chosen one fail.
   void injectFailures() { report_->isOpen = 1; }
 
   [[nodiscard]] const Fault& fault() const { return fault_; }

@@ -190,7 +190,7 @@ class FaultsIn : public testing::TestWithParam<Kind> {
  protected:
   void SetUp() override {
 #ifdef TOVALIN_SANITIZED
-    GTEST_SKIP() << "the failing calls and the sanitizers both want to be loaded first";
+    GTEST_SKIP() << "the sanitizer and the library of failing calls must both be loaded first";
 #endif
     run_.setUp();
     if (HasFatalFailure() || faultlessRun()) return;
@@ -205,12 +205,12 @@ class FaultsIn : public testing::TestWithParam<Kind> {
   void injectEach() {
     const auto [call, error] = GetParam();
     const std::uint64_t count = faultlessRun()->calls[faults::indexOf(call)];
-    ASSERT_GT(count, 0u) << "the agent makes no such call";
+    ASSERT_GT(count, 0u) << "the agent does not make this call";
     int reached = 0;
     for (const std::uint64_t which : placesOf(call, count)) reached += inject({call, error, which});
     // The last calls may not be made again, for example if a wait is shorter; the first one always is.
     if (reached == 0) reached += inject({call, error, 1});
-    EXPECT_GT(reached, 0) << "no call was made to fail";
+    EXPECT_GT(reached, 0) << "no call failed";
   }
 
  private:
@@ -234,7 +234,7 @@ class FaultsIn : public testing::TestWithParam<Kind> {
     const bool hasFailed = run_.injector_.hasFailed();
     if (outcome.survival == Survival::Failed) run_.agent_.kill();
     if (fault.which == 0 || hasFailed || outcome.survival == Survival::Failed) return outcome;
-    // A deviation without a failed call has no excuse.
+    // If no call failed, the outcome must be that of a session without a fault.
     if (outcome.survival == expected.survival) return {Survival::NotReached, outcome.detail};
     return {Survival::Failed, "not as usual without its fault: " + outcome.detail};
   }

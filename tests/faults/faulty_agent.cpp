@@ -109,12 +109,12 @@ void FaultyAgent::launchCompletely() {
 
 void FaultyAgent::waitForLaunch() {
   waitForListener();
-  static_cast<void>(comesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
-  static_cast<void>(comesTrue([] { return !fs::exists(UsageCheck::waiting.path); }));
+  static_cast<void>(becomesTrue([&] { return host_.waitForEvent("registered", 10ms).has_value(); }));
+  static_cast<void>(becomesTrue([] { return !fs::exists(UsageCheck::waiting.path); }));
 }
 
-// Shortens the timeout once the fault has occurred: what is delayed longer does not happen.
-bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
+// Uses a shorter timeout after the fault, because a step that the fault prevents never completes.
+bool FaultyAgent::becomesTrue(const std::function<bool()>& condition) {
   const auto begin = std::chrono::steady_clock::now();
   std::optional<std::chrono::steady_clock::time_point> failedAt;
   return waitUntil([&] {
@@ -127,7 +127,7 @@ bool FaultyAgent::comesTrue(const std::function<bool()>& condition) {
 }
 
 void FaultyAgent::waitForListener() {
-  static_cast<void>(comesTrue([&] { return listens() || hasReportedLostPipe(); }));
+  static_cast<void>(becomesTrue([&] { return listens() || hasReportedLostPipe(); }));
 }
 
 bool FaultyAgent::listens() {
@@ -139,19 +139,19 @@ bool FaultyAgent::sendToPipe(const std::string& text) {
   const FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   const int before = count("log 6: read_pipe");
   if (::write(pipe.get(), text.data(), text.size()) <= 0) return false;
-  return comesTrue([&] { return count("log 6: read_pipe") > before; });
+  return becomesTrue([&] { return count("log 6: read_pipe") > before; });
 }
 
 void FaultyAgent::sendRecord(const std::string& text, const std::string& record) {
   usage_.expect(record);
   if (!sendToPipe(text)) return;
   usage_.noteRead(record);
-  if (comesTrue([&] { return UsageCheck::writtenWhole(record) == usage_.expected(record); }))
+  if (becomesTrue([&] { return UsageCheck::writtenWhole(record) == usage_.expected(record); }))
     usage_.noteWritten(record);
 }
 
 void FaultyAgent::closeSupportWindow(std::uint32_t window) {
-  static_cast<void>(comesTrue([&] {
+  static_cast<void>(becomesTrue([&] {
     test_support::requestClose(display_.name(), window);
     return test_support::waitForNoWindow(display_.name(), isSupportWindow, 100ms);
   }));
@@ -172,9 +172,9 @@ bool FaultyAgent::answersPipe() {
   const auto isUp = [&] {
     return test_support::waitForWindow(display_.name(), isAccessNotice, 0ms).has_value();
   };
-  if (!comesTrue(isUp)) return false;
+  if (!becomesTrue(isUp)) return false;
   sendToPipe("-noff");
-  return comesTrue([&] { return !isUp(); });
+  return becomesTrue([&] { return !isUp(); });
 }
 
 std::string FaultyAgent::switchLabel() {
@@ -192,7 +192,7 @@ bool FaultyAgent::switchWorks() {
          waitUntil([&] { return !agent_.running() || switchLabel() == after || pictureIsLost(); });
 }
 
-// While a lost picture would be shown, the item is not in the panel.
+// Returns whether a picture could not be loaded and its state is current: the item is then not registered.
 bool FaultyAgent::pictureIsLost() {
   return unusualOutput().contains(kLostPicture) && host_.items().empty();
 }
@@ -214,7 +214,7 @@ bool FaultyAgent::switchWorksFromSecondStart() {
 
 bool FaultyAgent::showsIcon() {
   const char* picture = switchLabel() == "Automount Off" ? "mount on" : "mount off";
-  return comesTrue(
+  return becomesTrue(
       [&] { return host_.saveIcon("/tmp/icon.png", "20") && panelShows(host_, kPictures, picture); });
 }
 
@@ -300,7 +300,7 @@ std::optional<Outcome> FaultyAgent::judgeEarlyEnd() {
 std::string FaultyAgent::judgeLeaks() {
   const auto open = [&] { return openDescriptorsOf(agent_.pid()) - pooledThreadsOf(agent_.pid()); };
   descriptorsAtEnd_ = open();
-  // Without the pipe its two ends are missing.
+  // Without the listener, its two descriptors of the pipe are missing.
   const long maxOpen = expected_.descriptors.value_or(std::numeric_limits<long>::max()) - (hasPipe_ ? 0 : 2);
   if (!waitUntil([&] { return open() <= maxOpen; }, 3s))
     return std::to_string(open()) + " descriptors for " + std::to_string(maxOpen);

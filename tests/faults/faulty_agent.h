@@ -86,7 +86,7 @@ class FaultyAgent : public TestDesktop,
   [[nodiscard]] UnusualOutput unusualOutput();
   [[nodiscard]] std::string message() { return unusualOutput().first(); }
 
-  [[nodiscard]] bool comesTrue(const std::function<bool()>& condition);
+  [[nodiscard]] bool becomesTrue(const std::function<bool()>& condition);
   [[nodiscard]] bool hasReportedLostPipe() { return unusualOutput().reportsLostPipe(); }
   // Returns whether a process reads the pipe.
   [[nodiscard]] static bool listens();

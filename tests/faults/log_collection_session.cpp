@@ -44,13 +44,13 @@ void LogCollectionSession::play() {
 
 void LogCollectionSession::collectLogs() {
   run_.clickAt(logMiddle);
-  static_cast<void>(run_.comesTrue([&] { return isShaded(); }));
+  static_cast<void>(run_.becomesTrue([&] { return isShaded(); }));
   const auto question = sheetMessage();
   // A click: a key held down on a busy machine might answer the next sheet too.
   run_.clickAt(kContinue);
-  hasReportedEnd_ = run_.comesTrue([&] { return isShaded() && !(sheetMessage() == question); });
+  hasReportedEnd_ = run_.becomesTrue([&] { return isShaded() && !(sheetMessage() == question); });
   run_.press("Escape");
-  static_cast<void>(run_.comesTrue([&] { return !isShaded(); }));
+  static_cast<void>(run_.becomesTrue([&] { return !isShaded(); }));
 }
 
 // A sheet dims the part of the window that it does not cover.

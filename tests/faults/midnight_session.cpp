@@ -53,7 +53,7 @@ void MidnightSession::play() {
 
 void MidnightSession::passMidnight() {
   putClock(minuteOfNewDay(1));
-  static_cast<void>(run_.comesTrue([&] { return wakes() && fs::exists(kNewDay); }));
+  static_cast<void>(run_.becomesTrue([&] { return wakes() && fs::exists(kNewDay); }));
   run_.sendRecord(transferMessage, transferRecord);
   waitForPass();
 }

@@ -30,7 +30,7 @@ void BundleLoss::loseBundle(const std::function<void()>& takeAway) {
   if (!run_.agent_.running()) return;
   hasWatch_ = watchesFiles(run_.agent_.pid());
   takeAway();
-  if (hasWatch_) static_cast<void>(run_.comesTrue([&] { return !run_.agent_.running(); }));
+  if (hasWatch_) static_cast<void>(run_.becomesTrue([&] { return !run_.agent_.running(); }));
 }
 
 Outcome BundleLoss::judge() {

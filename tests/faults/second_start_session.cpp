@@ -53,7 +53,7 @@ Outcome SecondStartSession::judgeSecond() {
 }
 
 void SecondStartSession::closeMenu() {
-  static_cast<void>(run_.comesTrue([&] {
+  static_cast<void>(run_.becomesTrue([&] {
     run_.press("Escape");
     return test_support::waitForNoWindow(run_.display_.name(), isMenu, 100ms);
   }));

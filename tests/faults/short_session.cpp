@@ -18,7 +18,7 @@ void ShortSession::record() {
 }
 
 void ShortSession::useSwitch() {
-  hasSwitched_ = run_.agent_.running() && run_.switchWorks() && run_.comesTrue([&] {
+  hasSwitched_ = run_.agent_.running() && run_.switchWorks() && run_.becomesTrue([&] {
     return run_.count("pipe: -u") == 1 || run_.unusualOutput().reportsCommandPipeError();
   });
 }

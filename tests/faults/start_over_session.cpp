@@ -14,7 +14,7 @@ void StartOverSession::play() {
   run_.injector_.injectFailures();
   run_.startAgent();
   // The lock is held, so it asks the first process, which is stopped and does not answer.
-  static_cast<void>(run_.comesTrue([&] { return run_.injector_.calls("flock") > 0; }));
+  static_cast<void>(run_.becomesTrue([&] { return run_.injector_.calls("flock") > 0; }));
   first.kill();
   static_cast<void>(first.wait());
   run_.waitForLaunch();

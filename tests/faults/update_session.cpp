@@ -18,7 +18,7 @@ void UpdateSession::play() {
 
 void UpdateSession::update() {
   run_.clickAt(updateMiddle);
-  hasOpened_ = run_.comesTrue([&] { return run_.count(std::string("run: open ") + copy) == 1; });
+  hasOpened_ = run_.becomesTrue([&] { return run_.count(std::string("run: open ") + copy) == 1; });
 }
 
 Outcome UpdateSession::judge() {

@@ -22,7 +22,7 @@ const std::string kFolder = "/tmp/home/.local/share/Tovalin";
 const std::string kWaiting(100'000, 'p');
 const std::string kIdentity = kFolder + "/TovalinUUID.txt", kOption = kFolder + "/TovalinServerOption.txt";
 constexpr const char* kStoredIdentity = "00112233-4455-6677-8899-AABBCCDDEEFF";
-// The test upload server: any other value is the default too.
+// The test upload server, because all other values select the default.
 constexpr const char* kStoredOption = "0";
 
 // The start record of an agent that could not read its bundle's version.
@@ -114,7 +114,7 @@ int UsageCheck::writtenWhole(const std::string& bytes) {
 int UsageCheck::retained(const std::string& bytes, const Uploads& uploads) {
   int found = written(bytes);
   const auto there = filesThere();
-  // A file that could not be deleted is in both; count it once.
+  // A file that could not be deleted is among the files and among the uploads; count it once.
   for (const std::string& upload : uploads)
     found += std::ranges::count(there, upload) == 0 ? occurrences(upload, bytes) : 0;
   return found;

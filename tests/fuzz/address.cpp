@@ -33,16 +33,16 @@ bool isAddressBySecondWay(const std::string& text) {
 
 void checkEscapes(const std::string& text) {
   const std::string escaped = escapedForAddress(text);
-  require(text.empty() || isAddress(escaped), "what was escaped is an address");
+  require(text.empty() || isAddress(escaped), "the escaped text is an address");
   const QByteArray unescaped = QByteArray::fromPercentEncoding(QByteArray::fromStdString(escaped));
-  require(unescaped.toStdString() == text, "the escapes stand for the text");
+  require(unescaped.toStdString() == text, "unescaping yields the text");
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string text(data, data + size);
-  require(isAddress(text) == isAddressBySecondWay(text), "an address is what two ways take for one");
+  require(isAddress(text) == isAddressBySecondWay(text), "isAddress and the second implementation agree");
   fuzz::checkLink(text);
   checkEscapes(text);
   require(isLink(beaconAddress("https://www.tovalin.example", text, text)), "a beacon is a link");

@@ -12,11 +12,12 @@ namespace fuzz {
 
 ApplicationFolder::ApplicationFolder() {
   std::string root = "/tmp/fuzz.XXXXXX";
-  if (::mkdtemp(root.data()) == nullptr) throw std::runtime_error("no folder of its own");
+  if (::mkdtemp(root.data()) == nullptr) throw std::runtime_error("cannot create a temporary folder");
   root_ = root;
   ::setenv("XDG_DATA_HOME", root.c_str(), 1);
   folder_ = applicationDirectory().value_or("");
-  if (!folder_.string().starts_with(root)) throw std::runtime_error("the application directory is elsewhere");
+  if (!folder_.string().starts_with(root))
+    throw std::runtime_error("the application directory is not in the temporary folder");
 }
 
 ApplicationFolder::~ApplicationFolder() {

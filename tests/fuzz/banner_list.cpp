@@ -50,7 +50,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (!list) return 0;
   const auto* entries = list->as<PropertyList::Array>();
   if (entries == nullptr || entries->empty()) {
-    require(!chosenBanner(*list, 0), "what is no list of entries gives no banner");
+    require(!chosenBanner(*list, 0), "an invalid list yields no banner");
     return 0;
   }
   for (std::uint32_t i = 0; i < std::min<std::size_t>(entries->size(), 8); ++i)

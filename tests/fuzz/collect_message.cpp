@@ -60,7 +60,7 @@ std::vector<tools::Item> itemsOf(const std::string& bytes) {
   tools::RecordReader reader(bytes);
   std::vector<tools::Item> items;
   while (const auto item = reader.next()) items.push_back(*item);
-  require(!reader.damage(), "what was written is read whole");
+  require(!reader.damage(), "the written record is read completely");
   require(items.size() >= kHeaderItems, "the header is read");
   return items;
 }

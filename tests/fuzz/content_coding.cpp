@@ -28,9 +28,9 @@ bool mayName(std::string_view codings, std::string_view part) {
 
 void checkDecoding(const std::string& body, std::string_view codings) {
   const auto decoded = withoutContentCodings(body, codings, limit);
-  require(!decoded || decoded->size() <= limit || decoded == body, "what is decoded keeps within the limit");
+  require(!decoded || decoded->size() <= limit || decoded == body, "the decoded body is within the limit");
   if (!mayName(codings, "gzip") && !mayName(codings, "deflate"))
-    require(decoded == body, "without a known coding the body stays");
+    require(decoded == body, "without a known coding the body is unchanged");
 }
 
 void checkRoundTrip(const std::string& body) {

@@ -36,10 +36,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::array<char, kRecordsBufferSize> buffer{};
   GetTovalinUUID(buffer);
   const std::string identifier(buffer.data(), uuidTextLength);
-  require(size != uuidTextLength || identifier == bytes, "36 bytes are kept, whatever they are");
+  require(size != uuidTextLength || identifier == bytes, "any 36 bytes are kept");
   require(size == uuidTextLength || isIdentifier(identifier), "anything else makes a new identifier");
   require(folder.read(name) == identifier, "the file holds the identifier");
   for (std::size_t i = uuidTextLength; i < buffer.size(); ++i)
-    require(buffer.at(i) == '\0', "what stands behind the identifier stays zero");
+    require(buffer.at(i) == '\0', "bytes after the identifier stay zero");
   return 0;
 }

@@ -39,10 +39,11 @@ void setCheckSums(std::string& bytes) {
   }
 }
 
-void checkForm(const platform::Image& image, const QImage& form) {
-  require(!form.isNull() && form.width() >= 1 && form.height() >= 1, "a picture has pixels");
-  require(form.sizeInBytes() <= kMaxBytes, "the pixels keep within their bound");
-  require(image.size().width == form.width() && image.size().height == form.height(),
+void checkRepresentation(const platform::Image& image, const QImage& representation) {
+  require(!representation.isNull() && representation.width() >= 1 && representation.height() >= 1,
+          "a picture has pixels");
+  require(representation.sizeInBytes() <= kMaxBytes, "the pixels are within the limit");
+  require(image.size().width == representation.width() && image.size().height == representation.height(),
           "a point is a pixel, whatever the picture says");
 }
 
@@ -55,7 +56,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   setCheckSums(bytes);
   const auto image = platform::imageWithData(bytes);
   if (image == nullptr) return 0;
-  require(image->isValid() && image->impl().forms.size() == 1, "a picture has one form");
-  checkForm(*image, image->impl().forms.front());
+  require(image->isValid() && image->impl().representations.size() == 1, "a picture has one representation");
+  checkRepresentation(*image, image->impl().representations.front());
   return 0;
 }

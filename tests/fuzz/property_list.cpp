@@ -48,8 +48,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (!list) return 0;
   Cost cost;
   addCost(*list, 0, cost);
-  require(cost.objects <= platform::propertyListMaxObjects, "the objects keep within their bound");
-  require(cost.bytes <= platform::propertyListMaxBytes, "the bytes keep within their bound");
-  require(cost.depth <= platform::propertyListMaxDepth, "the depth keeps within its bound");
+  require(cost.objects <= platform::propertyListMaxObjects, "the objects are within the limit");
+  require(cost.bytes <= platform::propertyListMaxBytes, "the bytes are within the limit");
+  require(cost.depth <= platform::propertyListMaxDepth, "the depth is within the limit");
   return 0;
 }

@@ -84,9 +84,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   request.maximumReplySize = std::size_t{1} << 16;
   const auto reply = platform::sendSynchronousRequest(request);
 
-  require(!reply || reply->size() <= request.maximumReplySize, "a reply keeps within its bound");
-  require(!reply || hasHead(exchange.answer), "a reply has a whole head");
+  require(!reply || reply->size() <= request.maximumReplySize, "a reply is within the limit");
+  require(!reply || hasHead(exchange.answer), "a reply has a complete head");
   if (exchange.bodyIsKnown && size <= request.maximumReplySize)
-    require(reply == exchange.body, "a body arrives as it was sent");
+    require(reply == exchange.body, "a body is returned verbatim");
   return 0;
 }

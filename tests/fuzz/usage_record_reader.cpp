@@ -38,7 +38,7 @@ void checkPlaces(const Reading& reading, std::size_t size) {
           "items follow each other");
   require(offsets.empty() || offsets.back() < size, "items lie in the file");
   require(!reading.damage || reading.damage->offset <= size, "the damage lies in the file");
-  require(reading.damage || offsets.size() >= 4, "a whole file has a header");
+  require(reading.damage || offsets.size() >= 4, "a complete file has a header");
 }
 
 // The bytes before the damage must be the beginning of an undamaged file.
@@ -65,7 +65,7 @@ void checkText(const Reading& reading, const std::string& text) {
   const auto plain = [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); };
   require(std::ranges::all_of(text, plain), "the text is printable");
   const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n'));
-  require(lines == reading.offsets.size() + 2, "there is a line for each item, one before and one behind");
+  require(lines == reading.offsets.size() + 2, "there is a line for each item, one before and one after");
 }
 
 // Returns the items of the JSON document.
@@ -93,7 +93,7 @@ void checkLines(const Reading& reading, const nlohmann::json& items, const std::
     last = nlohmann::json::parse(line, nullptr, false);
     require(last.is_object() && last.contains("file") && last.contains("type"), "a line is an object");
     const std::size_t item = records + 4;
-    require(item >= items.size() || hasMembersOf(items[item], last), "a line has what the JSON has");
+    require(item >= items.size() || hasMembersOf(items[item], last), "a line has the members of the JSON");
   }
   require(records == std::max<std::size_t>(reading.offsets.size(), 4) - 3, "there is a line for each record");
   require(last["type"] == "file" && last["damage"].is_null() == !reading.damage,

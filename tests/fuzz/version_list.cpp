@@ -33,7 +33,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto* text = entry == nullptr ? nullptr : entry->as<std::string>();
   require(version.has_value() == (text != nullptr), "a version is the string of its key");
   if (!version) return 0;
-  require(*version == *text, "the version is read as it stands");
+  require(*version == *text, "the version is read verbatim");
   checkComparison(*version);
   return 0;
 }

@@ -18,7 +18,7 @@ void checkPieces(std::string_view text, std::string_view separators) {
   const auto pieces = splitAtEach(text, separators);
   const char* place = text.data();
   for (const std::string_view piece : pieces) {
-    require(piece.data() == place, "a piece begins behind the separator before it");
+    require(piece.data() == place, "a piece begins after the preceding separator");
     require(piece.find_first_of(separators) == std::string_view::npos, "a piece holds no separator");
     place += piece.size() + 1;
   }

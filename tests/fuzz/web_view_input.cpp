@@ -53,12 +53,12 @@ std::vector<std::string> takenInPieces(std::string_view bytes, std::size_t size)
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   const auto addresses = AddressLines().take(bytes);
-  require(addresses == expectedAddresses(bytes), "what is loaded are the web addresses among the lines");
+  require(addresses == expectedAddresses(bytes), "exactly the web addresses among the lines are loaded");
   for (const std::size_t piece : {5U, 61U, 4096U}) {
-    require(takenInPieces(bytes, piece) == addresses, "the pieces make no difference");
+    require(takenInPieces(bytes, piece) == addresses, "the result does not depend on the pieces");
   }
   for (const std::string& address : addresses) {
-    require(helpers::isAllowedAddress(address.c_str()), "what is loaded may be led to");
+    require(helpers::isAllowedAddress(address.c_str()), "navigation to a loaded address is allowed");
   }
   return 0;
 }

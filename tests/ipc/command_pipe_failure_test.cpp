@@ -63,7 +63,8 @@ TEST_F(CommandPipe, SyslogIsWrittenBeforeStandardOutput) {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     return -sendPipeMsg("-ton");
   });
-  EXPECT_TRUE(log_.waitFor("open pipe failed. errno : 6")) << "printf waits for room in the full pipe";
+  EXPECT_TRUE(log_.waitFor("open pipe failed. errno : 6"))
+      << "the failure was not logged before the blocking printf";
   EXPECT_EQ(sender.wait(std::chrono::milliseconds(0)).status, std::nullopt);
 
   std::string written;
@@ -92,7 +93,7 @@ TEST_F(CommandPipe, MissingPermissionFailsOpen) {
     if (!test_support::becomeNobody()) return test_support::kUnavailable;
     return ::access(kCommandPipe, W_OK) == 0 ? 254 : sendForked();
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, ExitStatus{.code = EACCES});
   EXPECT_EQ(finished.output, "open pipe failed. errno : 13\n");
   EXPECT_THAT(log_.messages(), ElementsAre(error("open pipe failed. errno : 13")));
@@ -134,7 +135,7 @@ TEST_F(CommandPipe, SignalDuringPauseFailsSelect) {
   EXPECT_EQ(finished.status, ExitStatus{.code = EINTR});
   EXPECT_EQ(finished.output, "select failed. errno : 4\n");
   EXPECT_THAT(log_.messages(), ElementsAre(error("select failed. errno : 4")));
-  EXPECT_EQ(readAll(reader), "") << "nothing is written after a failed select";
+  EXPECT_EQ(readAll(reader), "") << "the message was written after a failed select";
 }
 
 TEST_F(CommandPipe, DescriptorBeyondFdSetsizeFailsSelect) {
@@ -146,7 +147,7 @@ TEST_F(CommandPipe, DescriptorBeyondFdSetsizeFailsSelect) {
     while (last < FD_SETSIZE) last = ::dup(STDERR_FILENO);
     return sendForked();
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user may not open so many files";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot raise the limit of open files";
   EXPECT_EQ(finished.status, ExitStatus{.code = EINVAL});
   EXPECT_EQ(finished.output, "select failed. errno : 22\n");
   EXPECT_THAT(log_.messages(), ElementsAre(error("select failed. errno : 22")));

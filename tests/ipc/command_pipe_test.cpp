@@ -35,7 +35,7 @@ TEST_F(CommandPipe, WriterClosesAfterMessage) {
   EXPECT_EQ(send("-ton"), kDelivered);
   EXPECT_EQ(readAll(reader), "-ton");
   char byte = 0;
-  EXPECT_EQ(::read(reader.get(), &byte, 1), 0) << "a writer is left, so the reader sees no end";
+  EXPECT_EQ(::read(reader.get(), &byte, 1), 0) << "a writer still has the pipe open";
 }
 
 TEST_F(CommandPipe, TwoMessagesBeforeReadAreNotSeparated) {

@@ -134,7 +134,7 @@ void MacosAgentTest::startAgain() {
 
 ExitStatus MacosAgentTest::endOfAgent() {
   const auto status = agent_.wait();
-  EXPECT_TRUE(status.has_value()) << "the agent is still there: " << agent_.takeErrorOutput();
+  EXPECT_TRUE(status.has_value()) << "the agent still runs: " << agent_.takeErrorOutput();
   return status.value_or(ExitStatus{});
 }
 
@@ -165,7 +165,7 @@ void MacosAgentTest::choose(int line) {
     ASSERT_TRUE(test_support::clickMouse(display_.name(), menu->x + menu->width / 2, y));
     if (test_support::waitForNoWindow(display_.name(), isMenu, std::chrono::seconds(2))) return;
   }
-  FAIL() << "the menu stays open";
+  FAIL() << "the menu did not close";
 }
 
 void MacosAgentTest::clickIn(const std::string& window, int x, int fromBottom) {

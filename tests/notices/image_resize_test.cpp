@@ -18,7 +18,7 @@ using platform::Size;
 // Returns an image whose left half is opaque red and whose right half is transparent.
 std::unique_ptr<Image> halfRed(double side) {
   auto image = std::make_unique<Image>(Size{side, side});
-  QImage& pixels = image->impl().forms.front();
+  QImage& pixels = image->impl().representations.front();
   for (int y = 0; y < pixels.height(); ++y) {
     for (int x = 0; x < pixels.width() / 2; ++x) pixels.setPixelColor(x, y, Qt::red);
   }
@@ -74,7 +74,7 @@ TEST(ImageResize, FillsNewImageOfAnyProportions) {
   for (const Size size : {Size{240, 240}, Size{420, 40}, Size{20, 17}, Size{7, 90}}) {
     const auto resized = imageResize(halfRed(100).get(), size.width, size.height);
     ASSERT_NE(resized, nullptr);
-    const QImage& pixels = resized->impl().forms.front();
+    const QImage& pixels = resized->impl().representations.front();
     const int right = pixels.width() - 1, bottom = pixels.height() - 1;
     EXPECT_EQ(pixels.pixelColor(0, 0), QColor(Qt::red));
     EXPECT_EQ(pixels.pixelColor(0, bottom), QColor(Qt::red));
@@ -85,12 +85,12 @@ TEST(ImageResize, FillsNewImageOfAnyProportions) {
 
 TEST(ImageResize, ShrinkingAveragesPixelsByArea) {
   Image stripes({200, 200});
-  QImage& pixels = stripes.impl().forms.front();
+  QImage& pixels = stripes.impl().representations.front();
   for (int y = 0; y < pixels.height(); ++y) {
     for (int x = 0; x < pixels.width(); ++x) pixels.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
   }
   const auto resized = imageResize(&stripes, 10, 10);
-  const QColor middle = resized->impl().forms.front().pixelColor(5, 5);
+  const QColor middle = resized->impl().representations.front().pixelColor(5, 5);
   EXPECT_NEAR(middle.red(), 128, 6);
 }
 
@@ -98,12 +98,12 @@ TEST(ImageResize, ShrinkingAveragesPixelsByArea) {
 TEST(ImageResize, ShrinkingKeepsThinLineAtAnyPosition) {
   for (int line = 0; line < 40; ++line) {
     Image large({200, 200});
-    QImage& pixels = large.impl().forms.front();
+    QImage& pixels = large.impl().representations.front();
     pixels = pixels.scaled(200, 200);
     pixels.fill(Qt::white);
     for (int y = 0; y < pixels.height(); ++y) pixels.setPixelColor(line, y, Qt::black);
     const auto resized = imageResize(&large, 10, 10);
-    QImage small = resized->impl().forms.front();
+    QImage small = resized->impl().representations.front();
     int darkness = 0;
     for (int x = 0; x < small.width(); ++x) darkness += 255 - small.pixelColor(x, small.height() / 2).red();
     EXPECT_NEAR(darkness, 255.0 * small.width() / pixels.width(), 3) << "line " << line;
@@ -118,7 +118,7 @@ TEST(ImageResize, StatusIconHasOnePixelPerScreenPixel) {
   EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
   // The representation of exactly this size is copied pixel by pixel.
   EXPECT_EQ(
-      icon->impl().forms.front(),
+      icon->impl().representations.front(),
       source->impl().representationFor(20 * scale).convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 

@@ -17,13 +17,13 @@
 #include <QImage>
 #include <QPoint>
 
-// The contrast of the panel icons that the agent paints itself with panels of every grey, by the formula of
-// WCAG 2.
+// The contrast between the panel icons that the agent paints itself and panels of every grey, by the formula
+// of WCAG 2.
 namespace {
 
 constexpr double leastContrast = 3;
 constexpr int greys = 256;
-// So much of an icon's outline stands out from the panel by the contrast that is reported.
+// The reported contrast is that of at least this share of an icon's outline.
 constexpr double shareOfOutline = 0.9;
 constexpr int points = 20;
 
@@ -64,8 +64,8 @@ std::vector<QPoint> pointsOf(const QRect& area) {
 
 constexpr std::array sides = {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)};
 
-// The transparent pixels around the icon, a margin of one pixel beyond its edges among them; not those that
-// it encloses.
+// Returns the transparent pixels around the icon, including a margin of one pixel beyond its edges, but not
+// those that the icon encloses.
 std::set<std::pair<int, int>> outsideOf(const QImage& icon) {
   const QRect area = icon.rect().adjusted(-1, -1, 1, 1);
   std::set<std::pair<int, int>> outside;
@@ -79,7 +79,7 @@ std::set<std::pair<int, int>> outsideOf(const QImage& icon) {
   return outside;
 }
 
-// The opaque pixels beside those.
+// Returns the opaque pixels next to the outside.
 std::vector<QPoint> outlineOf(const QImage& icon) {
   const auto outside = outsideOf(icon);
   std::vector<QPoint> outline = pointsOf(icon.rect());
@@ -90,7 +90,7 @@ std::vector<QPoint> outlineOf(const QImage& icon) {
   return outline;
 }
 
-// The contrast by which most of the outline, or what lies within a point of it, stands out from the panel.
+// Returns the contrast with the panel that most of the outline has, or a pixel within one point of it.
 double contrastOn(const QImage& icon, const std::vector<QPoint>& outline, int grey) {
   const QColor panel(grey, grey, grey);
   std::vector<double> ofPixels(static_cast<std::size_t>(icon.width()) *
@@ -157,12 +157,12 @@ INSTANTIATE_TEST_SUITE_P(Painted, PanelIcon,
                                          "mount on reverse@2x.png", "mount off reverse.png",
                                          "mount off reverse@2x.png"));
 
-TEST(PanelIconContrast, IsThatOfBlackAndWhite) {
+TEST(PanelIconContrast, MatchesExamplesOfWcag) {
   EXPECT_NEAR(contrast(Qt::black, Qt::white), 21, 1e-9);
   EXPECT_NEAR(contrast(QColor(118, 118, 118), Qt::white), 4.54, 0.005);
 }
 
-TEST(PanelIconContrast, OfAnIconInOneColourIsLowOnThatColour) {
+TEST(PanelIconContrast, OneColourIconIsLowOnThatColour) {
   QImage icon(points, points, QImage::Format_ARGB32);
   icon.fill(Qt::transparent);
   for (const QPoint at : pointsOf(QRect(4, 4, 12, 12))) icon.setPixelColor(at, QColor(60, 60, 60));
@@ -172,8 +172,8 @@ TEST(PanelIconContrast, OfAnIconInOneColourIsLowOnThatColour) {
   EXPECT_GT(contrasts[255], leastContrast);
 }
 
-// A dot that stands out is no outline that does.
-TEST(PanelIconContrast, OfASmallPartOfTheOutlineDoesNotCount) {
+// The contrast of a single dot does not count.
+TEST(PanelIconContrast, IgnoresSmallPartOfOutline) {
   QImage icon(points, points, QImage::Format_ARGB32);
   icon.fill(Qt::transparent);
   for (const QPoint at : pointsOf(QRect(4, 4, 12, 12))) icon.setPixelColor(at, Qt::black);

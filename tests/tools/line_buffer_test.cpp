@@ -4,7 +4,7 @@
 
 namespace {
 
-TEST(LineBuffer, JoinsLineOfSeveralPieces) {
+TEST(LineBuffer, LineAppendedInPiecesIsJoined) {
   tools::LineBuffer buffer;
   buffer.append("sen");
   EXPECT_EQ(buffer.takeLine(), std::nullopt);
@@ -13,7 +13,7 @@ TEST(LineBuffer, JoinsLineOfSeveralPieces) {
   EXPECT_EQ(buffer.takeLine(), std::nullopt);
 }
 
-TEST(LineBuffer, SplitsSeveralLinesOfOnePiece) {
+TEST(LineBuffer, LinesAppendedAtOnceAreSplit) {
   tools::LineBuffer buffer;
   buffer.append("a\n\nb\n");
   EXPECT_EQ(buffer.takeLine(), "a");

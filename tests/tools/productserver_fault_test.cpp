@@ -163,7 +163,7 @@ TEST_F(Faults, SlowSendsByteByByteForTenSeconds) {
     text += piece.text;
   }
   EXPECT_GE(std::chrono::steady_clock::now() - begin, 10s);
-  EXPECT_GE(pieces, 10) << "a busy machine may see some together";
+  EXPECT_GE(pieces, 10) << "too few separate reads";
   EXPECT_THAT(text, EndsWith(std::string("\r\n\r\n") + kText));
   EXPECT_EQ(piece.end, End::Closed);
 }
@@ -255,7 +255,7 @@ TEST_F(Faults, PostWithoutBodySetsFaultImmediately) {
   ASSERT_TRUE(
       client.send("POST /_control/fault?path=/t&name=drop HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n"));
   EXPECT_THAT(client.read().text, EndsWith("/t=drop\n"));
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s) << "it waited for a body";
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s) << "the server waited for a body";
 }
 
 TEST_F(Faults, InvalidFaultIsRefusedAndChangesNothing) {

@@ -280,8 +280,8 @@ TEST(JsonText, InvalidUtf8IsReplacedByteByByte) {
       << "over-long form of four";
   EXPECT_EQ(tools::jsonString("\xED\xA0\x80"), '"' + mark + mark + mark + '"') << "surrogate";
   EXPECT_EQ(tools::jsonString("\xF4\x90\x80\x80"), '"' + mark + mark + mark + mark + '"')
-      << "beyond the last";
-  EXPECT_EQ(tools::jsonString("\xE2\x82z"), '"' + mark + mark + "z\"") << "the third is none";
+      << "beyond the last code point";
+  EXPECT_EQ(tools::jsonString("\xE2\x82z"), '"' + mark + mark + "z\"") << "the third byte is no continuation";
   EXPECT_FALSE(tools::isUtf8("a\xC3"));
 }
 

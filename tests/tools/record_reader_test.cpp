@@ -35,7 +35,7 @@ Reading readingOf(const std::vector<char>& bytes) {
   Reading reading;
   while (const auto item = reader.next()) reading.items.push_back(*item);
   reading.damage = reader.damage();
-  EXPECT_FALSE(reader.next()) << "goes on behind the end";
+  EXPECT_FALSE(reader.next()) << "an item was returned after the end";
   return reading;
 }
 
@@ -150,7 +150,7 @@ TEST(RecordReader, InvalidByteIsReportedAtItsOffset) {
   EXPECT_EQ(damagedAt(kUsageFile, 86, '\x03'), 86) << "start without a time";
   EXPECT_EQ(damagedAt(kUsageFile, 87, '\x12'), 87) << "length of a time";
   EXPECT_EQ(damagedAt(kUsageFile, 107, '\x08'), 107) << "unknown record";
-  EXPECT_EQ(damagedAt(kUsageFile, 107, '\x00'), 107) << "an identifier again";
+  EXPECT_EQ(damagedAt(kUsageFile, 107, '\x00'), 107) << "second identifier";
   EXPECT_EQ(damagedAt(kUsageFile, 149, '\x40'), 149) << "device name too long";
   EXPECT_EQ(damagedAt(kUsageFile, 181, '\x04'), 181) << "width of a size";
   EXPECT_EQ(damagedAt(kUsageFile, 190, '\x0A'), 190) << "transfer's name too long";

@@ -90,7 +90,7 @@ TEST_F(ApplicationDirectory, UnwritableParentReturnsNullopt) {
     if (::access(kSupport, W_OK) == 0) return 100;
     return applicationDirectory() ? 1 : 0;
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
   EXPECT_FALSE(fs::exists(kFolder));
 }

@@ -196,13 +196,13 @@ test_support::Finished fillAsNobody() {
   });
 }
 
-#define SKIP_UNLESS_HAD(finished) \
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another"
+#define SKIP_IF_UNAVAILABLE(finished) \
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user"
 
 TEST_F(InstallationIdentity, UnwritableFolderKeepsBuffer) {
   const auto finished = fillAsNobody();
-  SKIP_UNLESS_HAD(finished);
-  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << "the permissions bite";
+  SKIP_IF_UNAVAILABLE(finished);
+  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << "the permissions had no effect";
   EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
   EXPECT_EQ(finished.output, kUntouched);
   EXPECT_FALSE(fs::exists(kFile));
@@ -212,8 +212,8 @@ TEST_F(InstallationIdentity, UnwritableFileOfWrongLengthIsKept) {
   write(kFile, "wrong");
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = fillAsNobody();
-  SKIP_UNLESS_HAD(finished);
-  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << "the permissions bite";
+  SKIP_IF_UNAVAILABLE(finished);
+  EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << "the permissions had no effect";
   EXPECT_THAT(finished.error, StartsWith(kWrong));
   EXPECT_THAT(finished.error, testing::EndsWith("\ncreate file failed: Permission denied\n"));
   EXPECT_EQ(finished.output, kUntouched);
@@ -224,7 +224,7 @@ TEST_F(InstallationIdentity, ReadOnlyFileIsRead) {
   write(kFile, kStored);
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = fillAsNobody();
-  SKIP_UNLESS_HAD(finished);
+  SKIP_IF_UNAVAILABLE(finished);
   EXPECT_EQ(finished.error, "");
   EXPECT_EQ(finished.output, kStored + std::string(14, '#'));
 }
@@ -233,7 +233,7 @@ TEST_F(InstallationIdentity, UnreadableFileIsTreatedAsMissing) {
   write(kFile, kStored);
   fs::permissions(kFile, fs::perms(0));
   const auto finished = fillAsNobody();
-  SKIP_UNLESS_HAD(finished);
+  SKIP_IF_UNAVAILABLE(finished);
   EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
   EXPECT_EQ(finished.output, kUntouched);
   EXPECT_EQ(contentsOf(kFile), kStored);

@@ -177,7 +177,7 @@ TEST_F(PropertyFile, UnreadableFileFailsOpen) {
     if (::access(file_.c_str(), R_OK) == 0) return 100;
     return get("Autorun") == kUnreadable ? 0 : 1;
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
   EXPECT_THAT(log_.messages(), testing::ElementsAre(error("GetProperty CFReadStreamOpen error")));
 }

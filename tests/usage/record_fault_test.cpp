@@ -67,7 +67,7 @@ TEST_F(Records, UnwritableFolderDropsRecord) {
     TvlWriteQuitToFile();
     return 0;
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
   EXPECT_EQ(finished.error, "open log failed: Permission denied\n");
   EXPECT_FALSE(fs::exists(kToday));
@@ -83,7 +83,7 @@ TEST_F(Records, LeakNoDescriptor) {
 
 TEST_F(Records, DeviceAtItsPathIsNotWritten) {
   const dev_t null = makedev(1, 3);
-  if (::mknod(kToday, S_IFCHR | 0600, null) != 0) GTEST_SKIP() << "only root can make a device";
+  if (::mknod(kToday, S_IFCHR | 0600, null) != 0) GTEST_SKIP() << "cannot create a device";
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "open log failed: Invalid argument\n");
   struct stat node {};
   ASSERT_EQ(::stat(kToday, &node), 0);
@@ -103,7 +103,7 @@ TEST_F(SmallDisk, PartialRecordIsTruncatedAndLaterRecordsFollow) {
   TvlWriteQuitToFile();
   while (fs::file_size(kToday) + kQuitSize <= 4096) TvlWriteQuitToFile();
   const std::string before = contentsOf(kToday);
-  ASSERT_NE(before.size(), 4096u) << "no record can fit in part";
+  ASSERT_NE(before.size(), 4096u) << "no partial record is possible";
   EXPECT_EQ(errorsOf(TvlWriteQuitToFile), "write log failed: No space left on device\n");
   EXPECT_EQ(contentsOf(kToday), before);
   fs::remove("/tmp/support/Tovalin/TovalinUUID.txt");

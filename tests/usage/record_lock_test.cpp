@@ -97,7 +97,7 @@ TEST_F(Records, LockOfAnotherUserOnFileDoesNotDelayRecord) {
   write(kToday, kHeader);
   fs::permissions(kToday, fs::perms(0644));
   const LockOfAnotherUser other(kToday);
-  if (!other.isHeld()) GTEST_SKIP() << "this user can't become another";
+  if (!other.isHeld()) GTEST_SKIP() << "cannot change to another user";
   const FakeWaits waits;
   TvlWriteQuitToFile();
   TvlGetCollectData(deviceEvent(3, "Pad"));
@@ -109,7 +109,7 @@ TEST_F(Records, EmptyFileLockedByAnotherUserGetsHeaderWithoutDelay) {
   write(kToday, "");
   fs::permissions(kToday, fs::perms(0644));
   const LockOfAnotherUser other(kToday);
-  if (!other.isHeld()) GTEST_SKIP() << "this user can't become another";
+  if (!other.isHeld()) GTEST_SKIP() << "cannot change to another user";
   const FakeWaits waits;
   TvlWriteQuitToFile();
   EXPECT_EQ(waits.waited(), 0s);
@@ -175,7 +175,7 @@ TEST_F(SmallDisk, PartialRecordWithoutLockKeepsRecordOfOtherWriter) {
   EXPECT_THAT(errorsOf([&] { EXPECT_FALSE(passedBy->append(std::string(8192, 'x'))); }),
               StartsWith("write log failed: "));
   EXPECT_THAT(contentsOf(kToday), StartsWith(before));
-  EXPECT_GT(contentsOf(kToday).size(), before.size()) << "nothing was written in part";
+  EXPECT_GT(contentsOf(kToday).size(), before.size()) << "the write was not partial";
 }
 
 }  // namespace

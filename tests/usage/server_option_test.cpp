@@ -117,7 +117,7 @@ test_support::Finished getOptionAsNobody() {
 
 TEST_F(ServerOption, UnwritableFolderSelectsProductServer) {
   const auto finished = getOptionAsNobody();
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
   EXPECT_FALSE(fs::exists(kFile));
@@ -127,7 +127,7 @@ TEST_F(ServerOption, UnwritableOverlongFileIsKept) {
   write(kFile, "0\n");
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = getOptionAsNobody();
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, ExitStatus{.code = 1});
   EXPECT_EQ(finished.error, "create file failed: Permission denied\n");
   EXPECT_EQ(contentsOf(kFile), "0\n");
@@ -137,7 +137,7 @@ TEST_F(ServerOption, ReadOnlyFileIsRead) {
   write(kFile, "0");
   fs::permissions(kFile, fs::perms(0444));
   const auto finished = getOptionAsNobody();
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
   EXPECT_EQ(finished.error, "");
 }

@@ -184,7 +184,7 @@ TEST_F(UploadPass, UnreadableFileIsKeptAndNotSent) {
     if (::access(inFolder(kYesterday).c_str(), R_OK) == 0) return 100;
     return delegate_.TvlDataFileCheck() ? 0 : 1;
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
   EXPECT_THAT(server_.requests(), IsEmpty());
   EXPECT_THAT(left(), ElementsAre(kYesterday));

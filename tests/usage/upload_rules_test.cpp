@@ -141,7 +141,7 @@ TEST(UploadRequest, HasTimeoutOfOneMinuteAndReplyLimitOf16Mebibytes) {
   EXPECT_EQ(request.redirectSchemes, "http");
   EXPECT_EQ(request.cachePolicy, platform::UrlRequest::CachePolicy::UseProtocol);
   ASSERT_EQ(request.body.size(), 3u);
-  EXPECT_EQ(request.body[1].data(), contents.data()) << "not copied";
+  EXPECT_EQ(request.body[1].data(), contents.data()) << "the contents were copied";
 }
 
 TEST(Reply, Utf8IsAccepted) {

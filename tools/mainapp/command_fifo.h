@@ -9,13 +9,13 @@
 
 namespace tools {
 
-// The reading end of the command pipe. Also keeps a writing end open, because poll(2) reports a FIFO without
-// writers as ready all the time. Removes the FIFO on destruction if it created it and the path still leads to
-// it.
+// The read end of the command pipe. Also keeps a write end open, because poll(2) reports a FIFO without
+// writers as ready all the time. The destructor removes the FIFO if this object created it and it is still at
+// the path.
 class CommandFifo {
  public:
-  // Creates the FIFO at `path`, writable for all users independently of the umask. Uses an existing FIFO
-  // unchanged and does not touch any other file. Returns nullptr and sets `reason` on failure.
+  // Creates the FIFO at `path`, writable for all users whatever the umask. Uses an existing FIFO unchanged
+  // and does not touch any other file. Returns nullptr and sets `reason` on failure.
   [[nodiscard]] static std::unique_ptr<CommandFifo> open(const std::string& path, std::string& reason);
 
   CommandFifo(const CommandFifo&) = delete;

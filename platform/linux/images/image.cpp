@@ -33,7 +33,7 @@ std::set<double> backingScales() {
   return scales.empty() ? std::set{1.0} : scales;
 }
 
-QImage emptyForm(Size size, double scale) {
+QImage emptyRepresentation(Size size, double scale) {
   const double width = std::ceil(size.width * scale), height = std::ceil(size.height * scale);
   if (!(width >= 1 && height >= 1 && width * height <= maxPixels)) return {};
   const auto columns = static_cast<int>(width), rows = static_cast<int>(height);
@@ -78,9 +78,9 @@ QString withScaleSuffix(const QString& path) {
   return path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
 }
 
-QPixmap measuring(Size size, const QImage& form) {
-  QPixmap pixmap = QPixmap::fromImage(form);
-  pixmap.setDevicePixelRatio(form.width() / size.width);
+QPixmap measuring(Size size, const QImage& representation) {
+  QPixmap pixmap = QPixmap::fromImage(representation);
+  pixmap.setDevicePixelRatio(representation.width() / size.width);
   return pixmap;
 }
 
@@ -99,12 +99,12 @@ QImage Image::Impl::scaledTo(QSize pixels) const {
 }
 
 QPixmap Image::Impl::pixmap() const {
-  return forms.empty() ? QPixmap() : measuring(size, forms.back());
+  return representations.empty() ? QPixmap() : measuring(size, representations.back());
 }
 
 std::vector<QPixmap> Image::Impl::pixmaps() const {
   std::vector<QPixmap> all;
-  for (const QImage& form : forms) all.push_back(measuring(size, form));
+  for (const QImage& representation : representations) all.push_back(measuring(size, representation));
   return all;
 }
 
@@ -113,15 +113,15 @@ Image::Image() : impl_(std::make_unique<Impl>()) {}
 Image::Image(Size size) : Image() {
   impl_->size = impl_->naturalSize = size;
   for (const double scale : backingScales()) {
-    QImage form = emptyForm(size, scale);
-    if (!form.isNull()) impl_->forms.push_back(std::move(form));
+    QImage representation = emptyRepresentation(size, scale);
+    if (!representation.isNull()) impl_->representations.push_back(std::move(representation));
   }
 }
 
 Image::~Image() = default;
 
 bool Image::isValid() const {
-  return !impl_->forms.empty();
+  return !impl_->representations.empty();
 }
 
 Size Image::size() const {
@@ -138,7 +138,7 @@ void Image::setScalesWhenResized(bool scales) {
 
 Size Image::pixelSize() const {
   if (!isValid()) return {};
-  const QSize pixels = impl_->forms.back().size();
+  const QSize pixels = impl_->representations.back().size();
   return {static_cast<double>(pixels.width()), static_cast<double>(pixels.height())};
 }
 
@@ -155,8 +155,8 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   image->impl_->name = versionOf(path);
   image->impl_->size =
       image->impl_->naturalSize = {static_cast<double>(plain.width()), static_cast<double>(plain.height())};
-  image->impl_->forms.push_back(std::move(plain));
-  if (!fine.isNull()) image->impl_->forms.push_back(std::move(fine));
+  image->impl_->representations.push_back(std::move(plain));
+  if (!fine.isNull()) image->impl_->representations.push_back(std::move(fine));
   return image;
 }
 
@@ -178,7 +178,7 @@ std::shared_ptr<Image> imageWithData(std::string_view bytes) {
   std::shared_ptr<Image> image(new Image);
   image->impl_->size =
       image->impl_->naturalSize = {static_cast<double>(pixels.width()), static_cast<double>(pixels.height())};
-  image->impl_->forms.push_back(std::move(pixels));
+  image->impl_->representations.push_back(std::move(pixels));
   return image;
 }
 

@@ -8,21 +8,21 @@ namespace platform {
 namespace {
 
 // Converts the part `from` of an image, in points from the lower left, to pixels of a bitmap representation.
-QRectF sourcePixels(const Image::Impl& image, const QImage& form, Rect from) {
+QRectF sourcePixels(const Image::Impl& image, const QImage& representation, Rect from) {
   const Size base = image.scalesWhenResized ? image.size : image.naturalSize;
-  const double x = form.width() / base.width, y = form.height() / base.height;
-  return {from.x * x, form.height() - (from.y + from.height) * y, from.width * x, from.height * y};
+  const double x = representation.width() / base.width, y = representation.height() / base.height;
+  return {from.x * x, representation.height() - (from.y + from.height) * y, from.width * x, from.height * y};
 }
 
 // Scales by area averaging: QPainter's smoothing samples four neighbours only and drops lines at large
 // reductions. Caches only named images, which are usually scaled to the same size again.
-QImage averaged(const QString& name, const QImage& form, QRect part, QSize size) {
+QImage averaged(const QString& name, const QImage& representation, QRect part, QSize size) {
   const auto average = [&] {
-    const QImage piece = part == form.rect() ? form : form.copy(part);
+    const QImage piece = part == representation.rect() ? representation : representation.copy(part);
     return piece.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   };
   if (name.isEmpty()) return average();
-  const QString key = QString::asprintf(" %d %d %d %d %d %d %d", form.width(), part.x(), part.y(),
+  const QString key = QString::asprintf(" %d %d %d %d %d %d %d", representation.width(), part.x(), part.y(),
                                         part.width(), part.height(), size.width(), size.height());
   return cachedPixels(name + key, average);
 }
@@ -51,20 +51,20 @@ void ImageFocus::setImageInterpolation(ImageInterpolation interpolation) {
 void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOperation operation,
                       double fraction) {
   if (!source.isValid()) return;
-  for (QImage& canvas : impl_->target.forms)
+  for (QImage& canvas : impl_->target.representations)
     impl_->drawOn(canvas, source.impl(), at, from, operation, fraction);
 }
 
 void ImageFocus::Impl::drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from,
                               CompositingOperation operation, double fraction) const {
   const QRectF to = pixelsOn(canvas, {at.x, at.y, from.width, from.height});
-  const QImage& form = source.representationFor(to.width());
-  const QRect part = sourcePixels(source, form, from).toAlignedRect();
+  const QImage& representation = source.representationFor(to.width());
+  const QRect part = sourcePixels(source, representation, from).toAlignedRect();
 
   const bool averages = interpolation == ImageInterpolation::High;
   // An image that replaces the whole canvas is assigned, which avoids copying all pixels.
   if (averages && operation == CompositingOperation::Copy && fraction == 1.0 && to == QRectF(canvas.rect())) {
-    canvas = averaged(source.name, form, part, canvas.size()).convertToFormat(canvas.format());
+    canvas = averaged(source.name, representation, part, canvas.size()).convertToFormat(canvas.format());
     return;
   }
   QPainter painter(&canvas);
@@ -72,11 +72,11 @@ void ImageFocus::Impl::drawOn(QImage& canvas, const Image::Impl& source, Point a
                                                                      : QPainter::CompositionMode_SourceOver);
   painter.setOpacity(fraction);
   if (averages) {
-    painter.drawImage(to.topLeft(), averaged(source.name, form, part, to.size().toSize()));
+    painter.drawImage(to.topLeft(), averaged(source.name, representation, part, to.size().toSize()));
     return;
   }
   painter.setRenderHint(QPainter::SmoothPixmapTransform, interpolation == ImageInterpolation::Low);
-  painter.drawImage(to, form, part);
+  painter.drawImage(to, representation, part);
 }
 
 }  // namespace platform

@@ -12,12 +12,14 @@
 namespace platform {
 
 // Returns the first of the bitmap representations, in ascending order of width, that is at least
-// `pixelsAcross` wide, else the last one. `forms` must not be empty.
-template <typename Form>
-[[nodiscard]] const Form& selectRepresentation(const std::vector<Form>& forms, double pixelsAcross) {
-  const auto enough =
-      std::ranges::find_if(forms, [&](const Form& form) { return form.width() >= pixelsAcross; });
-  return enough != forms.end() ? *enough : forms.back();
+// `pixelsAcross` wide, else the last one. `representations` must not be empty.
+template <typename Representation>
+[[nodiscard]] const Representation& selectRepresentation(const std::vector<Representation>& representations,
+                                                         double pixelsAcross) {
+  const auto enough = std::ranges::find_if(representations, [&](const Representation& representation) {
+    return representation.width() >= pixelsAcross;
+  });
+  return enough != representations.end() ? *enough : representations.back();
 }
 
 struct Image::Impl {
@@ -27,11 +29,11 @@ struct Image::Impl {
   // Cache key of an image from a file; empty for other images, which are not cached.
   QString name;
   // Bitmap representations in ascending order of width; empty if the image is not valid.
-  std::vector<QImage> forms;
+  std::vector<QImage> representations;
 
   // Returns the representation for a width of `pixelsAcross` pixels. The image must be valid.
   [[nodiscard]] const QImage& representationFor(double pixelsAcross) const {
-    return selectRepresentation(forms, pixelsAcross);
+    return selectRepresentation(representations, pixelsAcross);
   }
   // Returns the factor, at most 1, that fits the image into `bounds`, in points. The image must be valid.
   [[nodiscard]] double shrinkInto(Size bounds) const;

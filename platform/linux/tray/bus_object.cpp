@@ -45,7 +45,7 @@ QString BusObject::introspect(const QString&) const {
 }
 
 bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
-  // The library answers these.
+  // Returns false so that Qt D-Bus replies itself.
   if (message.interface() == introspectionInterface || message.interface() == peerInterface) return false;
   const QDBusMessage answer = answerTo(message);
   if (message.isReplyRequired()) connection.send(answer);
@@ -54,7 +54,7 @@ bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection
 
 QDBusMessage BusObject::answerTo(const QDBusMessage& call) const {
   if (call.interface() == propertiesInterface) return answerAboutProperties(call);
-  // A call may leave the interface out.
+  // The interface of a method call is optional in D-Bus.
   if (!call.interface().isEmpty() && call.interface() != interface_.name) return unknownMethod(call);
   const auto method = std::ranges::find_if(
       interface_.methods, [&](const BusMethod& known) { return call.member() == known.name; });

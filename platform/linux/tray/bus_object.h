@@ -13,14 +13,14 @@ namespace platform {
 struct BusMethod {
   QLatin1StringView name;
   QLatin1StringView signature;  // of its arguments
-  // Returns what is sent back to a call with arguments of these types. Work that takes its time is posted, as
-  // the caller waits.
+  // Returns the reply to a call with arguments of these types. The caller waits, so work that takes long must
+  // be posted.
   std::function<QDBusMessage(const QDBusMessage& call)> answer;
 };
 
 struct BusInterface {
   QString name;
-  QString description;  // what introspection says is in it, as XML
+  QString description;  // introspection XML of its members
   std::function<QVariantMap()> properties;
   std::vector<BusMethod> methods;
 };
@@ -45,7 +45,7 @@ class BusObject : private QDBusVirtualObject {
   BusInterface interface_;
 };
 
-// The caller's mistake, for a BusMethod's answer.
+// Returns the error reply to invalid arguments, for BusMethod::answer.
 [[nodiscard]] QDBusMessage invalidArguments(const QDBusMessage& call, const QString& text);
 
 }  // namespace platform

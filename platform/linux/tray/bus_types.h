@@ -8,10 +8,11 @@
 #include <QStringList>
 #include <QVariantMap>
 
-// What the protocols of tray icons and exported menus send, each with its D-Bus signature.
+// The D-Bus types of the tray icon and menu protocols, each with its signature.
 namespace platform {
 
-// (iiay): pixels from the top left, four bytes each: alpha, red, green, blue, not premultiplied.
+// (iiay): an image; rows from top to bottom, four bytes per pixel: alpha, red, green, blue, not
+// premultiplied.
 struct IconPixels {
   int width = 0;
   int height = 0;
@@ -28,7 +29,7 @@ struct ItemToolTip {
   QString text = {};
 };
 
-// (ia{sv}av): an item of a menu with those below it.
+// (ia{sv}av): a menu item and its children.
 struct MenuLayout {
   int id = 0;
   QVariantMap properties = {};
@@ -59,8 +60,8 @@ struct MenuEvent {
   uint time = 0;
 };
 
-// Qt D-Bus calls these to write and read the types. Layouts are only sent: of one that is read, what stands
-// below the item is left out.
+// Qt D-Bus calls these to write and read the types. Reading a MenuLayout omits the children: layouts are only
+// sent.
 QDBusArgument& operator<<(QDBusArgument& argument, const IconPixels& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, IconPixels& value);
 QDBusArgument& operator<<(QDBusArgument& argument, const ItemToolTip& value);
@@ -74,7 +75,8 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, RemovedMenuProper
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& value);
 
-// Makes these types known to Qt D-Bus; to be called before the first is sent or received. Main thread.
+// Registers these types with Qt D-Bus. Call it before the first of them is sent or received. Main thread
+// only.
 void registerTrayTypes();
 
 }  // namespace platform

@@ -38,7 +38,7 @@ QVariantMap menuProperties() {
 }
 
 QByteArray pngOf(const QAction& action) {
-  // The icons of menu items give their picture at its own size, whatever size is asked for.
+  // Icons of menu items return their pixmap at its own size, whatever size is requested.
   const QPixmap picture = action.icon().pixmap(QSize(1, 1));
   if (picture.isNull()) return {};
   QByteArray png;
@@ -49,7 +49,7 @@ QByteArray pngOf(const QAction& action) {
 }
 
 MenuLine lineOf(const QAction& action) {
-  // The toolkit's texts mark a letter for the keyboard with an ampersand; two stand for one.
+  // In Qt's texts an ampersand marks the access key, and two are a literal ampersand.
   return {.title = action.text().replace(QLatin1String("&&"), QLatin1String("&")),
           .separator = action.isSeparator(),
           .enabled = action.isEnabled(),
@@ -166,7 +166,7 @@ QDBusMessage ExportedMenu::takeEvents(const QDBusMessage& call) {
   return call.createReply(QVariant::fromValue(unknown));
 }
 
-// The menu is always as it will be shown, so no update is needed.
+// The exported menu is always current, so no update is needed.
 QDBusMessage ExportedMenu::aboutToShow(const QDBusMessage& call) const {
   const int id = argumentOf<int>(call, 0);
   return hasItem(lines_, id) ? call.createReply(false) : unknownItem(call, id);
@@ -180,7 +180,7 @@ QDBusMessage ExportedMenu::aboutToShowGroup(const QDBusMessage& call) const {
   return call.createReply({QVariant::fromValue(QList<int>()), QVariant::fromValue(unknown)});
 }
 
-// Hosts also send "opened", "closed" and "hovered", which ask for nothing here.
+// Hosts also send "opened", "closed" and "hovered", which require no action.
 void ExportedMenu::serve(int id, const QString& event) {
   if (event == QLatin1String("clicked") && canBeChosen(lines_, id)) menu_->actions()[id - 1]->trigger();
 }

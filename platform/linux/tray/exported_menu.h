@@ -10,15 +10,15 @@
 
 namespace platform {
 
-// A menu on the session bus (com.canonical.dbusmenu), from which tray hosts make one of their own. Changes of
-// the menu are sent as they happen, so that hosts show them also while the main thread is at work. A click is
-// answered first and chooses the item from the run loop. Main thread.
+// A menu on the session bus (com.canonical.dbusmenu), which tray hosts display. Sends changes at once, so
+// that hosts show them even while the main thread is busy. Replies to a click first, then triggers the item
+// from the run loop. Main thread only.
 class ExportedMenu : public QObject {
   Q_OBJECT
  public:
   explicit ExportedMenu(const QString& path);
 
-  // Shows this menu from here on; nullptr shows an empty one. The menu stays the caller's.
+  // Exports this menu from now on; nullptr exports an empty one. The caller keeps ownership.
   void show(QMenu* menu);
 
  private:

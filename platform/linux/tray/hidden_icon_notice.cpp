@@ -26,7 +26,8 @@ std::string markPath() {
   return folder ? *folder + "/told-hidden" : std::string();
 }
 
-// Returns false if it is there already. Sticky, so that those who tidy up runtime folders leave it alone.
+// Returns false if the file exists already. The sticky bit exempts it from the periodic cleanup of runtime
+// directories.
 bool makeMark(const std::string& path) {
   const FileDescriptor mark(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
                                    S_ISVTX | S_IRUSR | S_IWUSR));

@@ -10,13 +10,13 @@
 
 namespace platform {
 
-// A notification of the desktop (org.freedesktop.Notifications) for a program whose icon no panel shows, at
-// most once in a session: a file in the private folder, which lasts as long as the session, says that it was
-// shown. Without that folder it is shown at each start. Nothing waits for the bus. Main thread.
+// Sends a desktop notification (org.freedesktop.Notifications) if no panel shows the program's icon, at most
+// once per session: a file in the private folder, which exists until the session ends, records it. Without
+// that folder, each start sends one. No call waits for the bus. Main thread only.
 class HiddenIconNotice : public QObject {
   Q_OBJECT
  public:
-  // Asks `isHidden` once, after `patience`.
+  // Calls `isHidden` once, after `patience`.
   HiddenIconNotice(std::chrono::milliseconds patience, std::string title, std::string text,
                    std::function<bool()> isHidden);
 
@@ -26,7 +26,7 @@ class HiddenIconNotice : public QObject {
 
   std::string title_;
   std::string text_;
-  std::string mark_;  // the file's path, if it was made
+  std::string mark_;  // path of that file; empty before, or without the folder
   std::unique_ptr<QDBusPendingCallWatcher> answer_;
 };
 

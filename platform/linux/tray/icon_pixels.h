@@ -8,11 +8,11 @@
 
 namespace platform {
 
-// A picture as StatusNotifierItem sends it.
+// Returns the image in the format of StatusNotifierItem.
 [[nodiscard]] IconPixels iconPixels(const QImage& picture);
 
-// The image at one, two and four pixels to the point, each from the bitmap that is nearest above it; empty
-// for nullptr and for an invalid image.
+// Returns the image at one, two and four pixels per point, each from the smallest representation that is
+// large enough. Returns an empty list for nullptr or an invalid image.
 [[nodiscard]] QList<IconPixels> panelPixels(const Image* image);
 
 }  // namespace platform

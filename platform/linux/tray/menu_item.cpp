@@ -17,7 +17,7 @@ MenuItem::MenuItem(std::string_view title, std::function<void()> action) : impl_
   QObject::connect(&impl_->line, &QAction::triggered, &impl_->line, [this] { impl_->choose(); });
 }
 
-// Posted, so that a panel gets its answer before an action that takes its time begins.
+// Posts the action, so that the panel receives the reply to its call before an action that may take long.
 void MenuItem::Impl::choose() {
   if (!action || pending == maxPending) return;
   ++pending;

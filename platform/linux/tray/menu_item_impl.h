@@ -11,8 +11,7 @@
 namespace platform {
 
 struct MenuItem::Impl {
-  // A program on the session bus may send clicks faster than the actions are done; those beyond this are
-  // dropped.
+  // Further clicks are dropped: a program on the session bus may send them faster than the actions complete.
   static constexpr int maxPending = 64;
 
   std::string title;

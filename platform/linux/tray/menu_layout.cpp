@@ -3,7 +3,7 @@
 namespace platform {
 namespace {
 
-// An underscore marks the letter after it for the keyboard; two stand for one.
+// In titles on the bus an underscore marks the access key, and two are a literal underscore.
 QString withoutAccessKey(QString title) {
   return title.replace(QLatin1Char('_'), QLatin1String("__"));
 }
@@ -46,7 +46,7 @@ QStringList removedNames(const QVariantMap& before, const QVariantMap& after) {
 }  // namespace
 
 QVariantMap propertiesOf(const MenuLine& line) {
-  // The defaults are sent as well, for hosts that keep the last value of a property that is missing.
+  // Includes default values, because some hosts keep the last value of a missing property.
   QVariantMap properties{{QStringLiteral("enabled"), line.enabled},
                          {QStringLiteral("visible"), line.visible}};
   if (line.separator) {
@@ -74,7 +74,8 @@ MenuLayout layoutOf(const QList<MenuLine>& lines, int id, int depth, const QStri
   return layout;
 }
 
-// Each item once: a request that names one item a million times would make an answer of gigabytes.
+// Includes each item once: a request that repeats an id a million times would otherwise cause a reply of
+// gigabytes.
 QList<MenuProperties> groupProperties(const QList<MenuLine>& lines, const QList<int>& ids,
                                       const QStringList& names) {
   QList<MenuProperties> group;

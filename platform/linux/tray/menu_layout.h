@@ -9,7 +9,7 @@
 #include "platform/linux/tray/bus_types.h"
 
 // A menu as com.canonical.dbusmenu describes it. Item 0 is the menu itself; the lines are its items 1, 2, 3
-// ... from top to bottom. Plain functions, any thread.
+// ... from top to bottom. Pure functions; thread-safe.
 namespace platform {
 
 inline constexpr int menuRootId = 0;
@@ -24,19 +24,20 @@ struct MenuLine {
   bool operator==(const MenuLine&) const = default;
 };
 
-// All properties of one line.
+// Returns all properties of one line.
 [[nodiscard]] QVariantMap propertiesOf(const MenuLine& line);
 
-// Whether there is such an item, the menu itself included.
+// Returns whether the item exists; true for the menu itself.
 [[nodiscard]] bool hasItem(const QList<MenuLine>& lines, int id);
 
-// The properties of an item that is there. `names` chooses among them; empty chooses all.
+// Returns the properties of an existing item: those in `names`, or all if `names` is empty.
 [[nodiscard]] QVariantMap itemProperties(const QList<MenuLine>& lines, int id, const QStringList& names);
 
-// The item that is there with `depth` levels below it, -1 for all.
+// Returns an existing item with `depth` levels of children; -1 stands for all.
 [[nodiscard]] MenuLayout layoutOf(const QList<MenuLine>& lines, int id, int depth, const QStringList& names);
 
-// The properties of the items asked for, each item once, unknown ones left out; of all for no ids.
+// Returns the properties of these items, or of all items if `ids` is empty. Each item occurs once; unknown
+// ones are omitted.
 [[nodiscard]] QList<MenuProperties> groupProperties(const QList<MenuLine>& lines, const QList<int>& ids,
                                                     const QStringList& names);
 

@@ -12,7 +12,8 @@ namespace {
 
 class PanelIconEngine : public QIconEngine {
  public:
-  explicit PanelIconEngine(std::vector<QPixmap> forms) : forms_(std::move(forms)) {}
+  explicit PanelIconEngine(std::vector<QPixmap> representations)
+      : representations_(std::move(representations)) {}
 
   void paint(QPainter* painter, const QRect& room, QIcon::Mode, QIcon::State) override {
     const QSize shown = measure().scaled(measure().boundedTo(room.size()), Qt::KeepAspectRatio);
@@ -22,38 +23,39 @@ class PanelIconEngine : public QIconEngine {
     painter->drawPixmap(place, representationFor(shown.width() * painter->device()->devicePixelRatioF()));
   }
 
-  // The sizes in pixels that Qt offers to panels on the bus.
+  // Returns the sizes in pixels that Qt offers to hosts on the bus.
   QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
     QList<QSize> sizes;
-    for (const QPixmap& form : forms_) sizes.append(form.size());
+    for (const QPixmap& representation : representations_) sizes.append(representation.size());
     return sizes;
   }
   QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
-    QPixmap form = representationFor(size.width());
-    form.setDevicePixelRatio(1);
-    if (form.width() <= size.width() && form.height() <= size.height()) return form;
-    return form.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QPixmap representation = representationFor(size.width());
+    representation.setDevicePixelRatio(1);
+    if (representation.width() <= size.width() && representation.height() <= size.height())
+      return representation;
+    return representation.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
   }
 
   QSize actualSize(const QSize& room, QIcon::Mode, QIcon::State) override {
     return measure().boundedTo(room);
   }
-  QIconEngine* clone() const override { return new PanelIconEngine(forms_); }
+  QIconEngine* clone() const override { return new PanelIconEngine(representations_); }
 
  private:
-  [[nodiscard]] QSize measure() const { return forms_.back().deviceIndependentSize().toSize(); }
+  [[nodiscard]] QSize measure() const { return representations_.back().deviceIndependentSize().toSize(); }
 
   [[nodiscard]] const QPixmap& representationFor(double pixels) const {
-    return selectRepresentation(forms_, pixels);
+    return selectRepresentation(representations_, pixels);
   }
 
-  std::vector<QPixmap> forms_;
+  std::vector<QPixmap> representations_;
 };
 
 }  // namespace
 
-QIcon panelIcon(std::vector<QPixmap> forms) {
-  return QIcon(new PanelIconEngine(std::move(forms)));
+QIcon panelIcon(std::vector<QPixmap> representations) {
+  return QIcon(new PanelIconEngine(std::move(representations)));
 }
 
 }  // namespace platform

@@ -7,9 +7,9 @@
 
 namespace platform {
 
-// An icon that is shown unscaled on each screen that one of its representations fits, and never larger than
-// its size; Qt's own icon is stretched to the size of the panel's slot. `forms` holds bitmap representations
-// of the same image in ascending order of device pixel ratio; at least one.
-[[nodiscard]] QIcon panelIcon(std::vector<QPixmap> forms);
+// Returns an icon that is drawn unscaled on each screen that one of its representations fits, and never
+// larger than its size; Qt's own icon would be stretched to the panel's slot. `representations` holds bitmap
+// representations of the same image in ascending order of device pixel ratio; at least one.
+[[nodiscard]] QIcon panelIcon(std::vector<QPixmap> representations);
 
 }  // namespace platform

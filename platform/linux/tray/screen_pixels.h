@@ -8,13 +8,14 @@
 
 namespace platform {
 
-// A screen as the toolkit sees it: its corner in pixels, its size in points.
+// A screen in Qt's geometry: its corner in pixels, its size in points.
 struct ScaledScreen {
   QRect geometry;
   double scale = 1;
 };
 
-// The toolkit's point for a pixel of the X screen; nullopt where no screen has that pixel. Plain function.
+// Returns Qt's coordinates, in points, of a pixel of the X screen; nullopt if no screen contains it. Pure
+// function.
 [[nodiscard]] std::optional<QPoint> pointAtPixel(QPoint pixel, const std::vector<ScaledScreen>& screens);
 
 }  // namespace platform

@@ -9,18 +9,18 @@
 
 namespace platform {
 
-// A status icon in a tray of the X screen, which the toolkit docks there, again after each restart of the
-// tray. The right button opens the menu by itself. Main thread.
+// A status icon in an X system tray. Qt docks it, again after each restart of the tray. The right button
+// opens the menu. Main thread only.
 //
-// Qt looks for a host on the bus once per process, when the first icon is constructed, and would register
-// there: construct this only while the bus has no host.
+// Construct it only while the bus has no host: Qt looks for a host once per process, when the first icon is
+// constructed, and would register there.
 class ScreenTrayIcon {
  public:
-  // `clicked` is called at a click of the left button.
+  // Calls `clicked` at each click of the left button.
   explicit ScreenTrayIcon(std::function<void()> clicked);
 
   void show(const StatusContent& content);
-  // Empty if the tray does not report the icon's position.
+  // Returns an empty rectangle if the tray does not report the icon's position.
   [[nodiscard]] QRect geometry() const { return icon_.geometry(); }
 
  private:

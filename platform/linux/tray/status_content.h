@@ -11,22 +11,23 @@ class QMenu;
 
 namespace platform {
 
-// What a status item shows, in whatever panel.
+// The content of a status item, whatever panel shows it.
 struct StatusContent {
   QString text = {};                  // never empty
   std::shared_ptr<Image> image = {};  // nullptr or invalid: no icon
   QString symbol = {};                // the name of a symbolic icon in `symbolFolder`, or empty
-  QString symbolFolder = {};          // the folder with the icon themes of the bundle
-  QMenu* menu = nullptr;              // the caller's
+  QString symbolFolder = {};          // the bundle's folder of icon themes
+  QMenu* menu = nullptr;              // not owned
 
   [[nodiscard]] bool hasIcon() const { return image != nullptr && image->isValid(); }
 };
 
-// The signals by which a StatusNotifierItem reports the change from one content to the other. Plain function.
+// Returns the signals by which a StatusNotifierItem reports the change from `before` to `after`. Pure
+// function.
 [[nodiscard]] QStringList signalsOfChange(const StatusContent& before, const StatusContent& after);
 
-// The symbol where its file is in the folder, else empty: hosts show an empty square for a name that they
-// can't find, and prefer a name to pixels.
+// Returns `symbol` if its file exists in the folder, else an empty text: hosts prefer a name to pixels and
+// draw an empty square for an unknown one.
 [[nodiscard]] QString symbolInFolder(const QString& folder, const QString& symbol);
 
 }  // namespace platform

@@ -38,7 +38,7 @@ struct StatusItem::Impl {
   std::string symbol;
   std::unique_ptr<Menu> menu;
   TrayPlace place = TrayPlace::Nowhere;
-  // The menu outlives both.
+  // The menu must outlive both icons.
   std::unique_ptr<ScreenTrayIcon> onScreen;
   std::unique_ptr<StatusNotifierItem> onBus;
   std::unique_ptr<TrayHostWatch> watch;
@@ -67,8 +67,7 @@ StatusContent StatusItem::Impl::content() const {
           .menu = menu == nullptr ? nullptr : &menu->impl().widget};
 }
 
-// Brings the panel's icon in line with what is to be shown. The one that is no longer shown goes first, so
-// that there are never two.
+// Updates the icon in the panel. Removes an icon in another kind of panel first, so that there are never two.
 void StatusItem::Impl::show() {
   if (place != TrayPlace::Bus) onBus.reset();
   if (place != TrayPlace::Screen) onScreen.reset();
@@ -86,7 +85,7 @@ void StatusItem::Impl::show() {
 void StatusItem::Impl::popUpMenu() {
   if (menu == nullptr) return;
   QMenu& widget = menu->impl().widget;
-  // An X tray reports the position of the icon: open the menu beside it and not over the panel.
+  // An X tray reports the icon's position: opens the menu beside the icon, not over the panel.
   const QRect icon = onScreen == nullptr ? QRect() : onScreen->geometry();
   if (icon.isEmpty()) return widget.popup(QCursor::pos());
   const int height = widget.sizeHint().height();
@@ -103,8 +102,7 @@ StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {
 }
 
 StatusItem::~StatusItem() {
-  // Without a display there is nothing left to take the icon off, and touching the toolkit would end the
-  // process here.
+  // Without a display the icon cannot be removed, and calling Qt would end the process here.
   if (!Application::sharedApplication().hasDisplay()) static_cast<void>(impl_.release());
 }
 
@@ -124,11 +122,11 @@ void StatusItem::setImage(std::shared_ptr<Image> image, std::string_view symbol)
   impl_->show();
 }
 
-// Panels of Linux desktops highlight their icons as they like.
+// No-op: Linux panels highlight their icons themselves.
 void StatusItem::setHighlightMode(bool) {}
 
 void StatusItem::setMenu(std::unique_ptr<Menu> menu) {
-  // The icons know the menu that goes.
+  // Keeps the previous menu until the icons refer to the new one.
   const std::unique_ptr<Menu> before = std::exchange(impl_->menu, std::move(menu));
   impl_->show();
 }

@@ -13,17 +13,17 @@
 namespace platform {
 namespace {
 
-constexpr QLatin1StringView itemPath("/StatusNotifierItem");  // where watchers look for it
+constexpr QLatin1StringView itemPath("/StatusNotifierItem");  // the path that watchers expect
 constexpr QLatin1StringView menuPath("/MenuBar");
 constexpr QLatin1StringView itemInterface("org.kde.StatusNotifierItem");
 
-// Processes of other PID namespaces on the same bus may have the names with our process id.
+// Processes of other PID namespaces on the same bus may own the names with this process id.
 constexpr int maxNameNumber = 16;
 constexpr uint doNotQueue = 4;
 constexpr uint primaryOwner = 1;
 
-// Neither Activate nor SecondaryActivate is there: hosts that ignore ItemIsMenu open the menu when the call
-// fails with UnknownMethod.
+// Omits Activate and SecondaryActivate: hosts that ignore ItemIsMenu open the menu when the call fails with
+// UnknownMethod.
 constexpr const char* description = R"xml(
 <property name="Category" type="s" access="read"/>
 <property name="Id" type="s" access="read"/>
@@ -86,7 +86,7 @@ BusInterface StatusNotifierItem::interface() {
           [this] { return properties(); },
           {{QLatin1StringView("ContextMenu"), QLatin1StringView("ii"),
             [this](const QDBusMessage& call) { return contextMenu(call); }},
-           // Needed by programs that open windows of their own on Wayland.
+           // Ignored: only programs that open windows of their own on Wayland need the token.
            {QLatin1StringView("ProvideXdgActivationToken"), QLatin1StringView("s"),
             [](const QDBusMessage& call) { return call.createReply(); }}}};
 }
@@ -113,7 +113,7 @@ QVariantMap StatusNotifierItem::properties() const {
   };
 }
 
-// Called by hosts that show no menus themselves.
+// Called by hosts that do not show menus themselves.
 QDBusMessage StatusNotifierItem::contextMenu(const QDBusMessage& call) {
   const QPoint place(call.arguments()[0].toInt(), call.arguments()[1].toInt());
   QMetaObject::invokeMethod(
@@ -131,8 +131,8 @@ void StatusNotifierItem::show(const StatusContent& content, int watcherNumber) {
   registerWithWatcher();
 }
 
-// A name of the item's own: when it is given back, watchers drop the item, and the process keeps its
-// connection.
+// The item has a bus name of its own: when that is released, watchers drop the item, and the process keeps
+// its connection.
 void StatusNotifierItem::requestName() {
   ++nameNumber_;
   const QDBusMessage call = busCall(QLatin1StringView("RequestName")) << itemName(nameNumber_) << doNotQueue;

@@ -14,17 +14,17 @@
 namespace platform {
 
 // A status icon on the session bus (org.kde.StatusNotifierItem), drawn by the host that is registered with
-// org.kde.StatusNotifierWatcher. Nothing waits for the bus. Main thread.
+// org.kde.StatusNotifierWatcher. No call waits for the bus. Main thread only.
 class StatusNotifierItem : public QObject {
   Q_OBJECT
  public:
-  // Calls `openMenu` from the run loop where a host shows no menus and asks for ours, at these pixels of the
-  // X screen.
+  // Calls `openMenu` from the run loop when a host that shows no menus requests the menu, with the position
+  // in pixels of the X screen.
   explicit StatusNotifierItem(std::function<void(QPoint)> openMenu);
   ~StatusNotifierItem() override;
 
-  // Shows this with the watcher, once for each `watcherNumber` (TrayHostWatch), and leaves the watcher while
-  // there is no icon.
+  // Shows `content`. Registers with the watcher, once for each `watcherNumber` (TrayHostWatch), and
+  // unregisters while there is no icon.
   void show(const StatusContent& content, int watcherNumber);
 
  private:

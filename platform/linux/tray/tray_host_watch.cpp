@@ -19,10 +19,10 @@ namespace {
 
 constexpr QLatin1StringView watcherService("org.kde.StatusNotifierWatcher");
 constexpr QLatin1StringView watcherPath("/StatusNotifierWatcher");
-// A watcher that hangs must not keep the icon from a tray of the X screen.
+// A watcher that hangs must not keep the icon out of an X tray.
 constexpr int answerLimitMs = 2000;
 
-// The screen that DISPLAY names.
+// Returns the number of the screen that DISPLAY names.
 int screenNumber() {
   char* host = nullptr;
   int display = 0, screen = 0;
@@ -58,8 +58,7 @@ void TrayHostWatch::askWatcher() {
       watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
   call << QString(watcherService) << QStringLiteral("IsStatusNotifierHostRegistered");
   call.setAutoStartService(false);
-  // Takes the place of an earlier question, whose answer is out of date. Without a bus the answer is an
-  // error.
+  // Replaces an earlier request, whose reply is outdated. Without a bus the reply is an error.
   question_ = std::make_unique<QDBusPendingCallWatcher>(bus.asyncCall(call, answerLimitMs));
   connect(question_.get(), &QDBusPendingCallWatcher::finished, this, &TrayHostWatch::takeAnswer,
           Qt::QueuedConnection);

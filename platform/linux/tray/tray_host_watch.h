@@ -12,21 +12,20 @@
 
 namespace platform {
 
-// Watches what the desktop has for status icons: a StatusNotifierItem host on the session bus, and a tray by
-// the freedesktop System Tray Protocol on the X screen. Asks the bus without waiting. Main thread.
+// Detects where the desktop shows status icons: in a StatusNotifierItem host on the session bus, or in a tray
+// on the X screen (freedesktop.org System Tray Protocol). Queries the bus asynchronously. Main thread only.
 class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
   Q_OBJECT
  public:
-  // Calls `changed` from the run loop when something may have changed.
+  // Calls `changed` from the run loop when the result may have changed.
   explicit TrayHostWatch(std::function<void()> changed);
   ~TrayHostWatch() override;
 
   [[nodiscard]] BusHost busHost() const { return busHost_; }
-  // Another number each time that the watcher's bus name gets an owner: a watcher that was started again
-  // knows no items, and one that lives on a connection of its process may come back under the same unique
-  // name.
+  // Returns a number that changes each time the watcher's bus name gets an owner. A restarted watcher knows
+  // no items, and its unique name may be the same if it shares the connection of a process that kept running.
   [[nodiscard]] int watcherNumber() const { return watcherNumber_; }
-  // One round trip to the X server.
+  // Makes one round trip to the X server.
   [[nodiscard]] bool trayOnScreen() const;
 
  private Q_SLOTS:

@@ -232,7 +232,7 @@ TEST_F(BundleWatchTest, LaunchContinuesWithoutWatch) {
   };
   test_support::ChildProcess trial;
   if (!trial.start(inside("true")) || trial.wait() != ExitStatus{.code = 0})
-    GTEST_SKIP() << "no limits of one's own to be had";
+    GTEST_SKIP() << "cannot set inotify limits in a user namespace";
   test_support::ChildOptions options;
   options.environment = environment_;
   ASSERT_TRUE(agent_.start(inside("exec \"$0\""), options));

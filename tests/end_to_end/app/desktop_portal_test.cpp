@@ -24,7 +24,7 @@ class DesktopPortal : public AgentTest {
     ASSERT_TRUE(bus_.start(services));
     environment_["DBUS_SESSION_BUS_ADDRESS"] = bus_.address();
     environment_["XDG_CURRENT_DESKTOP"] = "GNOME";
-    // Sessions do the same for programs that the bus activates.
+    // As session start scripts do, for programs that the bus activates.
     runOnDisplay({"dbus-update-activation-environment", "DISPLAY", "XDG_CURRENT_DESKTOP"});
   }
 
@@ -43,12 +43,12 @@ class DesktopPortal : public AgentTest {
   }
   void setColorScheme(const std::string& value) { setOnDesktop("color-scheme", value); }
 
-  [[nodiscard]] bool comesToShow(const std::string& icon) {
+  [[nodiscard]] bool iconBecomes(const std::string& icon) {
     return test_support::waitUntil([&] { return panelShows(host_, agentContents() + "/Resources", icon); });
   }
 
   // Reads the setting as another program; activates the portal if it does not run.
-  std::string askPortal() {
+  std::string queryPortal() {
     return runOnDisplay({"gdbus", "call", "--session", "--dest", "org.freedesktop.portal.Desktop",
                          "--object-path", "/org/freedesktop/portal/desktop", "--method",
                          "org.freedesktop.portal.Settings.Read", "org.freedesktop.appearance",
@@ -71,24 +71,24 @@ class DesktopPortal : public AgentTest {
 TEST_F(DesktopPortal, PortalActivatedByAgentReportsDarkDesktop) {
   setColorScheme("prefer-dark");
   launchAgentInPanel();
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
 }
 
 TEST_F(DesktopPortal, RunningPortalReportsDarkDesktop) {
   setColorScheme("prefer-dark");
-  ASSERT_EQ(askPortal(), "(<<uint32 1>>,)\n");
+  ASSERT_EQ(queryPortal(), "(<<uint32 1>>,)\n");
   launchAgentInPanel();
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
 }
 
 TEST_F(DesktopPortal, IconFollowsEachChange) {
   launchAgentInPanel();
-  EXPECT_TRUE(comesToShow("mount on"));
+  EXPECT_TRUE(iconBecomes("mount on"));
   for (const char* notDark : {"prefer-light", "default"}) {
     setColorScheme("prefer-dark");
-    EXPECT_TRUE(comesToShow("mount on reverse"));
+    EXPECT_TRUE(iconBecomes("mount on reverse"));
     setColorScheme(notDark);
-    EXPECT_TRUE(comesToShow("mount on")) << notDark;
+    EXPECT_TRUE(iconBecomes("mount on")) << notDark;
   }
 }
 
@@ -98,17 +98,18 @@ TEST_F(DesktopPortal, OtherSettingsAndChangesBetweenLightAndNoPreferenceKeepIcon
   setOnDesktop("text-scaling-factor", "1.25");
   for (const char* notDark : {"prefer-light", "default", "prefer-light"}) setColorScheme(notDark);
   setColorScheme("prefer-dark");
-  // If any of them had switched the icon, this change would switch it back.
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  // The agent toggles its icon at each change, so after an unwanted toggle this change would show the other
+  // icon.
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
 }
 
 TEST_F(DesktopPortal, RestartedPortalReportsChanges) {
-  ASSERT_EQ(askPortal(), "(<<uint32 0>>,)\n");
+  ASSERT_EQ(queryPortal(), "(<<uint32 0>>,)\n");
   launchAgentInPanel();
   endPortal();
-  ASSERT_EQ(askPortal(), "(<<uint32 0>>,)\n");
+  ASSERT_EQ(queryPortal(), "(<<uint32 0>>,)\n");
   setColorScheme("prefer-dark");
-  EXPECT_TRUE(comesToShow("mount on reverse"));
+  EXPECT_TRUE(iconBecomes("mount on reverse"));
   EXPECT_TRUE(agent_.running());
 }
 

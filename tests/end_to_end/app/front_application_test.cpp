@@ -62,7 +62,7 @@ class FrontApplication : public NoticeTest {
  private:
   void placeRealHelper() const {
     const char* const built = std::getenv("TOVALIN_BUNDLE_ROOT");
-    if (built == nullptr) FAIL() << "no bundle to take it from";
+    if (built == nullptr) FAIL() << "TOVALIN_BUNDLE_ROOT is not set";
     const std::string helper = "/Contents/Helpers/osascript";
     std::filesystem::copy_file(
         std::string(built) + "/Tovalin.app/Contents/Resources/TovalinTray.app" + helper,
@@ -102,7 +102,7 @@ TEST_F(FrontApplication, IsNotActivatedAfterAccessNotice) {
   send("-noff");
   EXPECT_TRUE(hides(isAccessNotice));
   EXPECT_TRUE(becomesActive(front_));
-  // Shown only after the access notice has been handled completely.
+  // This notice is shown after the access notice has been handled completely.
   send("-neon");
   ASSERT_TRUE(shows(isLoadingNotice));
   EXPECT_THAT(takeUsersActivations(), ElementsAre());

@@ -16,7 +16,7 @@ class Menu : public InstalledAgentTest {
     return panelShows(host_, agentContents() + "/Resources", name, screenScale());
   }
 
-  [[nodiscard]] bool comesToShowIcon(const std::string& name) {
+  [[nodiscard]] bool iconBecomes(const std::string& name) {
     return test_support::waitUntil([&] { return showsIcon(name); });
   }
 

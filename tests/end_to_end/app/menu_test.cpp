@@ -42,11 +42,11 @@ TEST_F(Menu, TwoClicksOnSwitchSendOffThenOn) {
   launchAgentInPanel();
   clickAndWait("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
-  EXPECT_TRUE(comesToShowIcon("mount off"));
+  EXPECT_TRUE(iconBecomes("mount off"));
   EXPECT_EQ(visibleLabels().front(), "Automount On");
   clickAndWait("Automount On");
   ASSERT_TRUE(waitForText("pipe: -m"));
-  EXPECT_TRUE(comesToShowIcon("mount on"));
+  EXPECT_TRUE(iconBecomes("mount on"));
   EXPECT_EQ(visibleLabels().front(), "Automount Off");
 }
 
@@ -82,7 +82,7 @@ TEST_F(Menu, SwitchWorksWithoutReader) {
   startAgent();
   ASSERT_TRUE(host_.waitForEvent("registered"));
   clickAndWait("Automount Off");
-  EXPECT_TRUE(comesToShowIcon("mount off"));
+  EXPECT_TRUE(iconBecomes("mount off"));
 }
 
 TEST_F(Menu, SupportHasNoBadgeWithoutUpdate) {

@@ -187,7 +187,7 @@ TEST_F(Process, LockHeldByOtherProgramWithoutBusNameIsReported) {
 }
 
 // Returns once the second start has queried the first, whose main thread is blocked in a command.
-bool comesToAsk(ChildProcess& monitor) {
+bool isQueried(ChildProcess& monitor) {
   while (const auto line = monitor.readLine())
     if (line->find("member=Activate") != std::string::npos) return true;
   return false;
@@ -200,11 +200,11 @@ TEST_F(Process, SecondStartDuringEndOfFirstLaunches) {
   ASSERT_TRUE(waitForText(killRun));
   ChildProcess monitor;
   ASSERT_TRUE(monitor.start({"dbus-monitor", "--address", bus_.address(), "member='Activate'"}));
-  ASSERT_TRUE(monitor.readLine()) << "it is not on the bus";
+  ASSERT_TRUE(monitor.readLine()) << "dbus-monitor is not connected";
   ChildOptions options;
   options.environment = environment_;
   ASSERT_TRUE(another_.start({agentProgram()}, options));
-  ASSERT_TRUE(comesToAsk(monitor));
+  ASSERT_TRUE(isQueried(monitor));
   timeline_.clear();
   timeline_.release("killall");
   EXPECT_EQ(endOfAgent(), ExitStatus{.code = 0});

@@ -154,7 +154,7 @@ TEST_F(XTray, LossOfDisplayRunsProperEndOnce) {
     EXPECT_EQ(endOfAgent(), ExitStatus{.code = 1});
     EXPECT_EQ(count(killRun), 1);
     EXPECT_EQ(recordsLike(quitRecord), menuIsOpen ? 2 : 1);
-    EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end broke off";
+    EXPECT_FALSE(std::filesystem::exists("/tmp/runtime/TovalinTray/helpers")) << "the end was incomplete";
     if (menuIsOpen) return;
     ASSERT_TRUE(display_.start());
     environment_["DISPLAY"] = display_.name();
@@ -199,7 +199,7 @@ TEST_F(XTray, MenuStaysOpenAndUnhidesSupportWindow) {
   }
 }
 
-// If another line were below it, the click would hit that one.
+// Clicks just above the lower edge of the menu, which is the last line.
 TEST_F(XTray, QuitIsLastLineAndEndsAgent) {
   startTray();
   launchAgent();
@@ -321,7 +321,7 @@ class TwoPanels : public AgentTest {
     host_.process().kill();
     ASSERT_TRUE(host_.process().wait());
   }
-  [[nodiscard]] bool comesToTray() {
+  [[nodiscard]] bool appearsInTray() {
     return test_support::waitForWindow(display_.name(), isIcon).has_value();
   }
   [[nodiscard]] bool leavesTray() { return test_support::waitForNoWindow(display_.name(), isIcon); }
@@ -332,7 +332,7 @@ class TwoPanels : public AgentTest {
 TEST_F(TwoPanels, LateHostReplacesTray) {
   startTray();
   launchAgent();
-  ASSERT_TRUE(comesToTray());
+  ASSERT_TRUE(appearsInTray());
   ASSERT_TRUE(host_.start(bus_));
   EXPECT_TRUE(host_.waitForEvent("registered"));
   EXPECT_TRUE(leavesTray());
@@ -344,7 +344,7 @@ TEST_F(TwoPanels, TrayShowsIconWhileHostIsAway) {
   launchAgentInPanel();
   for (int times = 0; times < 2; ++times) {
     ASSERT_NO_FATAL_FAILURE(endHost());
-    EXPECT_TRUE(comesToTray());
+    EXPECT_TRUE(appearsInTray());
     ASSERT_TRUE(host_.start(bus_));
     EXPECT_TRUE(host_.waitForEvent("registered"));
     EXPECT_TRUE(leavesTray());
@@ -357,13 +357,13 @@ TEST_F(TwoPanels, TrayShowsIconWhileWatcherHasNoHost) {
   ASSERT_TRUE(host_.start(bus_));
   ASSERT_TRUE(host_.setHostRegistered(false));
   launchAgent();
-  EXPECT_TRUE(comesToTray());
+  EXPECT_TRUE(appearsInTray());
   EXPECT_TRUE(host_.items().empty());
   ASSERT_TRUE(host_.setHostRegistered(true));
   EXPECT_TRUE(host_.waitForEvent("registered"));
   EXPECT_TRUE(leavesTray());
   ASSERT_TRUE(host_.setHostRegistered(false));
-  EXPECT_TRUE(comesToTray());
+  EXPECT_TRUE(appearsInTray());
   EXPECT_TRUE(host_.waitForEvent("unregistered"));
 }
 

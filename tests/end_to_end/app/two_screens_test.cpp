@@ -178,10 +178,10 @@ class TrayOnTwoScreens : public testing::TestWithParam<Scales>,
   // Returns whether the docked icon equals, pixel by pixel, the agent's picture of this scale, centred in the
   // tray's slot. The centre may lie between two pixels.
   [[nodiscard]] bool isDocked(int scale) {
-    const auto room = test_support::waitForWindow(display_.name(), isDockedIcon);
-    if (!room) return false;
+    const auto slot = test_support::waitForWindow(display_.name(), isDockedIcon);
+    if (!slot) return false;
     const int side = 20 * scale;
-    const int x = room->x + (room->width - side) / 2, y = room->y + (room->height - side) / 2;
+    const int x = slot->x + (slot->width - side) / 2, y = slot->y + (slot->height - side) / 2;
     for (const int up : {0, 1}) {
       const auto shown = test_support::pictureOf(display_.name(), {x, y - up, side, side});
       if (shown && isPicture(*shown, scale)) return true;

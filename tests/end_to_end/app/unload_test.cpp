@@ -32,8 +32,8 @@ class UnloadTest : public NoticeTest {
     installAnew();
   }
 
-  // Runs a session until launchctl was not cut off before systemctl ended: it waits one second for it, which
-  // a busy machine may exceed.
+  // Repeats the session, at most five times, until systemctl has run to its end: launchctl kills it after one
+  // second, which a busy machine may exceed.
   void runSession(const std::function<void()>& session) {
     for (int i = 0; i < 5; ++i) {
       ASSERT_NO_FATAL_FAILURE(session());
@@ -42,10 +42,11 @@ class UnloadTest : public NoticeTest {
       ASSERT_TRUE(agent_.wait());
       ASSERT_NO_FATAL_FAILURE(installAnew());
     }
-    FAIL() << "systemctl never comes to its end";
+    FAIL() << "systemctl was killed in each session";
   }
 
-  // Writes the PID of the main process before that runs, as the service manager knows it.
+  // Writes the agent's PID to a file before exec, because the fake service manager must know the main
+  // process.
   void startInSession() {
     ChildOptions options;
     options.environment = environment_;
@@ -116,12 +117,12 @@ TEST_F(UnloadTest, QuitEndsAgentOnce) {
     ASSERT_TRUE(host_.click("Quit Tovalin"));
     static_cast<void>(endOfAgent());
   }));
-  // The menu's Quit writes one, and the end another.
+  // Quit in the menu writes one quit record, the end of the agent another.
   expectProperEnd(2);
   EXPECT_THAT(texts(), ElementsAre(killRun, "pipe: -toff", signalRun, killRun));
 }
 
-TEST_F(UnloadTest, UnwantedLaunchCompletesAndEndsAgentOnce) {
+TEST_F(UnloadTest, LaunchWithAutorunOffCompletesAndEndsAgentOnce) {
   ASSERT_NO_FATAL_FAILURE(runSession([this] {
     writeProperties({.autorun = false});
     startInSession();

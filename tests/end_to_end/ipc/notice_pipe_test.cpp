@@ -199,7 +199,7 @@ TEST_F(Notice, ListenerIsIdleAfterLastWriterCloses) {
   for (const auto& [thread, count] : waits()) max = std::max(max, count - before[thread]);
   const double perSecond = static_cast<double>(max) / seconds.count();
   EXPECT_LE(perSecond, 40);
-  EXPECT_GE(perSecond, 5) << "the listener does not wait in steps of 30 ms";
+  EXPECT_GE(perSecond, 5) << "the listener did not wait for 30 ms at a time";
 }
 
 // Each writer takes turns and sends only after the previous message was read.

@@ -112,11 +112,11 @@ class PipeFlood : public HostilePipes {
   // Waits for the condition; reads and discards the log meanwhile.
   [[nodiscard]] bool comes(const std::function<bool()>& condition,
                            std::chrono::milliseconds limit = test_support::kPatience) {
-    const auto comesTrue = [&] {
+    const auto becomesTrue = [&] {
       timeline_.clear();
       return condition();
     };
-    return waitUntil(comesTrue, limit);
+    return waitUntil(becomesTrue, limit);
   }
 
   // Floods the pipe for some seconds and expects the message `behind` to be handled in the usual time.
@@ -140,7 +140,7 @@ class PipeFlood : public HostilePipes {
   }
 };
 
-TEST_F(PipeFlood, UnknownCommandsCostNoMemoryAndNoticesAndMenuWork) {
+TEST_F(PipeFlood, UnknownCommandsKeepMemoryBoundedAndNoticesAndMenuWork) {
   // Each takes a hundred times as long under the thread sanitizer.
   constexpr int messages = test_support::isThreadSanitized ? 10'000 : 100'000;
   startAndListen();
@@ -164,13 +164,13 @@ TEST_F(PipeFlood, UnknownCommandsCostNoMemoryAndNoticesAndMenuWork) {
   expectProperEnd();
 }
 
-TEST_F(PipeFlood, AccessNoticesCostNoMemoryAndNextLoadingNoticeIsShown) {
+TEST_F(PipeFlood, AccessNoticesKeepMemoryBoundedAndNextLoadingNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-non", "-noff"}, "-neon", isLoadingNotice);
   expectProperEnd();
 }
 
-TEST_F(PipeFlood, LoadingNoticesCostNoMemoryAndNextAccessNoticeIsShown) {
+TEST_F(PipeFlood, LoadingNoticesKeepMemoryBoundedAndNextAccessNoticeIsShown) {
   startWithPictures();
   floodAndAsk({"-neon", "-neoff"}, "-non", isAccessNotice);
   expectProperEnd();

@@ -45,7 +45,7 @@ class NoticePipe {
   // Sends one message and waits until the listener has read it.
   void send(const std::string& message) {
     const test_support::FileDescriptor pipe(::open(pipePath, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    ASSERT_TRUE(pipe.valid()) << "nobody listens";
+    ASSERT_TRUE(pipe.valid()) << "no process reads the pipe";
     const int before = noticeAgent_.count("log 6: read_pipe read pipe message : ");
     ASSERT_EQ(::write(pipe.get(), message.data(), message.size()), static_cast<ssize_t>(message.size()));
     ASSERT_TRUE(test_support::waitUntil(

@@ -32,7 +32,7 @@ bool isInstalled(const std::string& program) {
 }
 
 // A notice under each installed window manager.
-class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Command> {
+class NoticeUnderWindowManager : public NoticeTest, public testing::WithParamInterface<Command> {
  protected:
   void SetUp() override {
     if (!isInstalled(GetParam()[0])) GTEST_SKIP() << GetParam()[0] << " is not installed";
@@ -51,29 +51,29 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
 
   // Returns once the window manager has processed all earlier requests: it has mapped another program's
   // window.
-  void serveAll() {
+  void waitUntilRequestsAreProcessed() {
     test_support::ChildProcess program;
     ASSERT_TRUE(program.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = environment_}));
     ASSERT_TRUE(waitForWindow(display_.name(), test_support::windowNamed("High")));
   }
-  void requestMaximum() {
+  void requestMaximise() {
     const XConnection x(display_.name());
     ask(x, notice_, "_NET_WM_STATE",
         {1, x.atom("_NET_WM_STATE_MAXIMIZED_VERT"), x.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), 2});
   }
-  void requestBareDesktop(bool bare) {
+  void requestShowDesktop(bool shown) {
     const XConnection x(display_.name());
-    ask(x, x.root(), "_NET_SHOWING_DESKTOP", {bare ? 1U : 0U, 0, 0, 0});
+    ask(x, x.root(), "_NET_SHOWING_DESKTOP", {shown ? 1U : 0U, 0, 0, 0});
   }
-  void requestMinimum() { runOnDisplay({"xdotool", "windowminimize", std::to_string(notice_)}); }
-  [[nodiscard]] bool noticeIsThere() {
+  void requestMinimise() { runOnDisplay({"xdotool", "windowminimize", std::to_string(notice_)}); }
+  [[nodiscard]] bool noticeIsShown() {
     return waitForWindow(display_.name(),
                          [this](const test_support::XWindow& window) {
                            return window.id == notice_ && window.height == 80 && isAccessNotice(window);
                          })
         .has_value();
   }
-  void expectNoticeGoesAndAgentEnds() {
+  void expectNoticeHidesAndAgentEnds() {
     send("-noff");
     EXPECT_TRUE(hides(isAccessNotice));
     terminateAgent();
@@ -111,48 +111,48 @@ class NoticeUnder : public NoticeTest, public testing::WithParamInterface<Comman
   test_support::ChildProcess manager_;
 };
 
-TEST_P(NoticeUnder, MinimiseMaximiseAndCloseRequestsAreIgnored) {
-  requestMinimum();
-  serveAll();
-  EXPECT_TRUE(noticeIsThere());
-  requestMaximum();
+TEST_P(NoticeUnderWindowManager, MinimiseMaximiseAndCloseRequestsAreIgnored) {
+  requestMinimise();
+  waitUntilRequestsAreProcessed();
+  EXPECT_TRUE(noticeIsShown());
+  requestMaximise();
   test_support::requestClose(display_.name(), notice_);
-  serveAll();
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+  waitUntilRequestsAreProcessed();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
 // kwin iconifies the windows of other desktops.
-TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnItsOwn) {
+TEST_P(NoticeUnderWindowManager, NoticeMinimisedFromOtherDesktopReturnsOnItsOwnDesktop) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
-  requestMinimum();
-  serveAll();
+  requestMinimise();
+  waitUntilRequestsAreProcessed();
   runOnDisplay({"xdotool", "set_desktop", "0"});
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, MinimisedFromOtherDesktopReturnsOnceMovedThere) {
+TEST_P(NoticeUnderWindowManager, NoticeMinimisedFromOtherDesktopReturnsWhenMovedToIt) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
   runOnDisplay({"xdotool", "set_desktop", "1"});
-  requestMinimum();
-  serveAll();
+  requestMinimise();
+  waitUntilRequestsAreProcessed();
   runOnDisplay({"xdotool", "set_desktop_for_window", std::to_string(notice_), "1"});
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, MinimisedOnBareDesktopReturnsAfterIt) {
-  requestBareDesktop(true);
-  requestMinimum();
-  requestBareDesktop(false);
-  serveAll();
-  EXPECT_TRUE(noticeIsThere());
-  expectNoticeGoesAndAgentEnds();
+TEST_P(NoticeUnderWindowManager, NoticeMinimisedDuringShowDesktopReturnsAfterwards) {
+  requestShowDesktop(true);
+  requestMinimise();
+  requestShowDesktop(false);
+  waitUntilRequestsAreProcessed();
+  EXPECT_TRUE(noticeIsShown());
+  expectNoticeHidesAndAgentEnds();
 }
 
-TEST_P(NoticeUnder, RequestsOnlyTitleAndMoveFunctions) {
+TEST_P(NoticeUnderWindowManager, RequestsOnlyTitleAndMoveFunctions) {
   EXPECT_THAT(runOnDisplay({"xprop", "-id", std::to_string(notice_), "_MOTIF_WM_HINTS"}),
               HasSubstr("= 0x3, 0x4, 0xa, 0x0, 0x0"));
 }
@@ -161,7 +161,7 @@ std::string nameOf(const testing::TestParamInfo<Command>& info) {
   return info.param[0];
 }
 
-INSTANTIATE_TEST_SUITE_P(Installed, NoticeUnder,
+INSTANTIATE_TEST_SUITE_P(Installed, NoticeUnderWindowManager,
                          testing::Values(Command{"openbox", "--sm-disable"},
                                          Command{"xfwm4", "--compositor=off"},
                                          Command{"marco", "--no-composite"}, Command{"kwin_x11"},
@@ -169,9 +169,9 @@ INSTANTIATE_TEST_SUITE_P(Installed, NoticeUnder,
                          nameOf);
 
 // With openbox, which also iconifies the windows of other desktops.
-class NoticeOnDesktops : public NoticeTest {};
+class NoticeOnSeveralDesktops : public NoticeTest {};
 
-TEST_F(NoticeOnDesktops, SwitchingDesktopsKeepsNoticeOnItsOwn) {
+TEST_F(NoticeOnSeveralDesktops, SwitchingDesktopsDoesNotMoveNotice) {
   ASSERT_TRUE(host_.start(bus_));
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));

@@ -122,8 +122,8 @@ TEST_F(SupportFault, HiddenWindowReturnsPaintedWhileServerIsUnresponsive) {
   launchAndOpen();
   ASSERT_TRUE(bannerIsRed());
   const auto before = pictures();
-  turnToAnotherProgram();
-  ASSERT_TRUE(windowGoes());
+  switchToAnotherProgram();
+  ASSERT_TRUE(windowDisappears());
   program_ = test_support::ChildProcess();  // ends it, because its windows might cover the support window
   expectReturnsPaintedDuringSilence(before);
 }
@@ -133,7 +133,7 @@ TEST_F(SupportFault, MinimisedWindowReturnsPaintedWhileServerIsUnresponsive) {
   ASSERT_TRUE(bannerIsRed());
   const auto before = pictures();
   runOnDisplay({"xdotool", "windowminimize", std::to_string(window_.id)});
-  ASSERT_TRUE(windowGoes());
+  ASSERT_TRUE(windowDisappears());
   expectReturnsPaintedDuringSilence(before);
 }
 

@@ -25,7 +25,7 @@ class SupportLogAttack : public SupportLog {
     if (HasFatalFailure()) return;
     fs::permissions("/var/crash", fs::perms::all);
   }
-  static void giveAway(const std::string& path) {
+  static void changeOwner(const std::string& path) {
     ASSERT_EQ(::lchown(path.c_str(), anotherUser, anotherUser), 0);
   }
   static void makeFifo(const std::string& path) {
@@ -69,7 +69,7 @@ TEST_F(SupportLogAttack, SigtermIsHandledWithFifosAmongSources) {
 TEST_F(SupportLogAttack, LinkInSharedCrashFolderIsNotFollowed) {
   write("/tmp/home/secret");
   fs::create_symlink("/tmp/home/secret", "/var/crash/xTovalin.crash");
-  giveAway("/var/crash/xTovalin.crash");
+  changeOwner("/var/crash/xTovalin.crash");
   launchAndOpen();
   collect();
   EXPECT_THAT(archived(), ElementsAre("system.log"));
@@ -86,7 +86,7 @@ TEST_F(SupportLogAttack, HardLinkInSharedCrashFolderIsSkipped) {
 
 TEST_F(SupportLogAttack, OtherUsersFileInSharedCrashFolderIsSkipped) {
   write("/var/crash/xTovalin.crash");
-  giveAway("/var/crash/xTovalin.crash");
+  changeOwner("/var/crash/xTovalin.crash");
   launchAndOpen();
   collect();
   EXPECT_THAT(archived(), ElementsAre("system.log"));

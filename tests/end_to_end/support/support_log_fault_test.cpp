@@ -44,17 +44,17 @@ TEST_F(SupportLog, FullDiskLeavesNoArchiveAndCompletesSequence) {
 TEST_F(SupportLog, FullTemporaryFolderLeavesNoCopyAndCompletesSequence) {
   launchAndOpen();
   std::ofstream("/tmp/full").close();
-  const struct statvfs room = [] {
+  const struct statvfs disk = [] {
     struct statvfs found {};
     EXPECT_EQ(::statvfs("/tmp", &found), 0);
     return found;
   }();
   {
     const test_support::FileDescriptor full(::open("/tmp/full", O_WRONLY | O_CLOEXEC));
-    ASSERT_EQ(::posix_fallocate(full.get(), 0, static_cast<off_t>(room.f_bavail * room.f_frsize)), 0);
+    ASSERT_EQ(::posix_fallocate(full.get(), 0, static_cast<off_t>(disk.f_bavail * disk.f_frsize)), 0);
   }
   std::ofstream("/tmp/one more") << "text";
-  EXPECT_EQ(fs::file_size("/tmp/one more"), 0U) << "there is still room";
+  EXPECT_EQ(fs::file_size("/tmp/one more"), 0U) << "the disk is not full";
   collect();
   press("Return");
   EXPECT_TRUE(sheetIsGone());
@@ -97,7 +97,7 @@ TEST_F(SupportLog, FolderOfAnotherUserIsNotUsed) {
   for (const auto& name : names) {
     fs::create_directories(name);
     fs::permissions(name, fs::perms::all);
-    if (::chown(name.c_str(), 65534, 65534) != 0) GTEST_SKIP() << "only root can give a folder away";
+    if (::chown(name.c_str(), 65534, 65534) != 0) GTEST_SKIP() << "cannot change the owner of a folder";
   }
   collect();
   EXPECT_EQ(foldersWithLogs(names), 0);
@@ -123,7 +123,7 @@ TEST_F(SupportLog, CloseRequestDuringCollectionIsRefusedByCompletionAlert) {
   test_support::deliverCloseRequest(display_.name(), window_.id);
   timeline_.release("zip");
   ASSERT_TRUE(sheetIsUp());
-  serveAll();
+  waitUntilInputIsProcessed();
   EXPECT_EQ(supportWindows(), 1);
   press("Escape");
   ASSERT_TRUE(sheetIsGone());
@@ -139,7 +139,7 @@ TEST_F(SupportLog, CloseRequestBehindNoticesDuringCollectionIsRefusedByCompletio
   test_support::deliverCloseRequest(display_.name(), window_.id);
   timeline_.release("zip");
   ASSERT_TRUE(sheetIsUp());
-  serveAll();
+  waitUntilInputIsProcessed();
   EXPECT_EQ(supportWindows(), 1);
   clickAt(sheetsDefault);
   ASSERT_TRUE(sheetIsGone());
@@ -181,7 +181,7 @@ TEST_F(SupportLog, InputDuringCollectionIsDiscarded) {
   clickAt(faqMiddle);
   timeline_.release("zip");
   ASSERT_TRUE(sheetIsUp());
-  serveAll();
+  waitUntilInputIsProcessed();
   EXPECT_TRUE(sheetIsUp());
   EXPECT_EQ(count("run: open"), 0);
   clickAt(sheetsDefault);

@@ -37,9 +37,9 @@ inline void placeScript(const std::string& name, const std::string& text) {
 
 // Replaces /var in this program's mount namespace: its own contents, except that the folders for logs and
 // crashes are empty.
-inline void takeVarForItself() {
+inline void replaceVar() {
   namespace fs = std::filesystem;
-  ASSERT_STREQ(std::getenv("HOME"), "/tmp/home") << "to be run in the sandbox alone";
+  ASSERT_STREQ(std::getenv("HOME"), "/tmp/home") << "not running in the sandbox";
   const fs::path own = "/tmp/var";
   fs::create_directory(own);
   ASSERT_EQ(::mount("tmpfs", own.c_str(), "tmpfs", 0, nullptr), 0);
@@ -68,7 +68,7 @@ class SupportLog : public testing::Test,
  protected:
   SupportLog()
       : RunningAgent(*this, *this), NoticePipe(*this, *this), SupportWindowDriver(*this, *this, *this) {}
-  static void SetUpTestSuite() { takeVarForItself(); }
+  static void SetUpTestSuite() { replaceVar(); }
 
   void SetUp() override {
     for (const auto& path : inFolder("/tmp", "tovalinlog_")) std::filesystem::remove_all(path);

@@ -41,7 +41,7 @@ class SupportInteraction : public SupportTest {
     timeline_.clear();
     clickAt(place);
     test_support::requestClose(display_.name(), window_.id);
-    serveAll();
+    waitUntilInputIsProcessed();
     send(off);
     ASSERT_TRUE(hides(notice));
     EXPECT_EQ(count("log 6: -[nimbatrayAppDelegate"), 0) << testing::PrintToString(texts());
@@ -50,8 +50,8 @@ class SupportInteraction : public SupportTest {
   }
 
   void hideBehindAnotherProgram() {
-    turnToAnotherProgram();
-    ASSERT_TRUE(windowGoes());
+    switchToAnotherProgram();
+    ASSERT_TRUE(windowDisappears());
   }
   // Returns the upper of these two windows.
   [[nodiscard]] std::uint32_t upperOf(std::uint32_t one, std::uint32_t other) {
@@ -177,7 +177,7 @@ TEST_F(SupportInteraction, EndOfNoticeKeepsHiddenWindowHidden) {
   hideBehindAnotherProgram();
   send("-noff");
   ASSERT_TRUE(hides(isAccessNotice));
-  serveAll();
+  waitUntilInputIsProcessed();
   EXPECT_EQ(supportWindows(), 0);
   choose();
   waitForSupportWindow();

@@ -62,7 +62,7 @@ class SupportWindowDriver {
   }
 
   // Opens another program's windows, one of which gets the input focus.
-  void turnToAnotherProgram() {
+  void switchToAnotherProgram() {
     ASSERT_TRUE(
         program_.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = windowDesktop_.environment_}));
     const auto other =
@@ -71,7 +71,7 @@ class SupportWindowDriver {
     windowDesktop_.runOnDisplay({"xdotool", "windowactivate", std::to_string(other->id)});
   }
 
-  [[nodiscard]] bool windowGoes() const {
+  [[nodiscard]] bool windowDisappears() const {
     return test_support::waitForNoWindow(windowDesktop_.display_.name(), isSupportWindow);
   }
   // Waits longer than the agent waits for the next focused window before it hides its own.
@@ -81,7 +81,7 @@ class SupportWindowDriver {
   }
   void closeWindow() {
     test_support::requestClose(windowDesktop_.display_.name(), window_.id);
-    ASSERT_TRUE(windowGoes());
+    ASSERT_TRUE(windowDisappears());
   }
   [[nodiscard]] bool becomesActive(std::uint32_t window) const {
     return test_support::waitUntil(
@@ -143,7 +143,7 @@ class SupportWindowDriver {
   }
 
   // Returns once the agent has processed all earlier input.
-  void serveAll() {
+  void waitUntilInputIsProcessed() {
     choose("Automount Off");
     ASSERT_TRUE(windowAgent_.waitForText("pipe: -u"));
   }
@@ -155,7 +155,7 @@ class SupportWindowDriver {
   }
 
   test_support::XWindow window_;
-  // The other program of turnToAnotherProgram().
+  // The other program of switchToAnotherProgram().
   test_support::ChildProcess program_;
 
  private:

@@ -19,7 +19,7 @@ constexpr const char* closeLog =
 // Opening, closing and input focus.
 class SupportWindow : public SupportTest {
  protected:
-  void expectOpensAfresh() {
+  void expectOpensNewWindow() {
     timeline_.clear();
     static_cast<void>(takeFetches());
     openWindow();
@@ -72,7 +72,7 @@ TEST_F(SupportWindow, ChosenAgainWhileOpenFetchesButOpensNoSecondWindow) {
     for (const auto& target : takeFetches()) fetched.push_back(target);
     return fetched.size() >= 2;
   }));
-  // Handled only after all work for the second choice.
+  // The main thread handles this click after all work of the second choice.
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_TRUE(takeFetches().empty());
@@ -86,7 +86,7 @@ TEST_F(SupportWindow, ClosingByWindowManagerIsLoggedOnceAndReopensNewWindow) {
   closeWindow();
   EXPECT_TRUE(waitForText(closeLog));
   EXPECT_EQ(count(closeLog), 1);
-  expectOpensAfresh();
+  expectOpensNewWindow();
   closeWindow();
   terminateAgent();
 }
@@ -94,16 +94,16 @@ TEST_F(SupportWindow, ClosingByWindowManagerIsLoggedOnceAndReopensNewWindow) {
 TEST_F(SupportWindow, ClosingWithEscapeIsLoggedOnceAndReopensNewWindow) {
   launchAndOpen();
   press("Escape");
-  ASSERT_TRUE(windowGoes());
+  ASSERT_TRUE(windowDisappears());
   EXPECT_TRUE(waitForText(closeLog));
   EXPECT_EQ(count(closeLog), 1);
-  expectOpensAfresh();
+  expectOpensNewWindow();
 }
 
 TEST_F(SupportWindow, ClosedWindowIsNotOrderedFront) {
   launchAndOpen();
   closeWindow();
-  // Ordering the window front would have happened before this.
+  // The main thread handles this click after it would have ordered the window front.
   choose("Automount Off");
   ASSERT_TRUE(waitForText("pipe: -u"));
   EXPECT_EQ(supportWindows(), 0);
@@ -122,8 +122,8 @@ TEST_F(SupportWindow, FaqOpensSupportPageOnce) {
 
 TEST_F(SupportWindow, HidesWhileOtherProgramIsActiveAndReturnsByMenu) {
   launchAndOpen();
-  turnToAnotherProgram();
-  ASSERT_TRUE(windowGoes());
+  switchToAnotherProgram();
+  ASSERT_TRUE(windowDisappears());
   EXPECT_EQ(count(closeLog), 0);
   timeline_.clear();
   static_cast<void>(takeFetches());
@@ -147,23 +147,23 @@ TEST_F(SupportWindow, StaysWhileFocusedWindowOfOtherProgramIsGone) {
   x.synchronize();
   EXPECT_TRUE(windowStays());
   xcb_destroy_window(x.get(), gone);
-  // A window manager would set another window, which the agent would check again.
+  // Simulates the window manager, which would set the property again; the agent then checks the new window.
   xcb_change_property(x.get(), XCB_PROP_MODE_REPLACE, x.root(), x.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW,
                       32, 1, &gone);
   x.synchronize();
   EXPECT_TRUE(windowStays());
   display_.windowManager().signal(SIGCONT);
   waitForSupportWindow();
-  turnToAnotherProgram();
-  EXPECT_TRUE(windowGoes());
+  switchToAnotherProgram();
+  EXPECT_TRUE(windowDisappears());
 }
 
 TEST_F(SupportWindow, HidesWithItsSheetAndBothReturnByMenu) {
   launchAndOpen();
   clickAt(logMiddle);
   ASSERT_TRUE(sheetIsUp());
-  turnToAnotherProgram();
-  ASSERT_TRUE(windowGoes());
+  switchToAnotherProgram();
+  ASSERT_TRUE(windowDisappears());
   choose();
   const auto again = test_support::waitForWindow(display_.name(), isSupportWindow);
   ASSERT_TRUE(again);

@@ -36,7 +36,7 @@ class Midnight : public AgentTest {
   }
 
   // Advances the clock in steps shorter than an upload's timeout.
-  [[nodiscard]] bool comesTrueWithin(std::chrono::hours time, const std::function<bool()>& predicate) {
+  [[nodiscard]] bool becomesTrueWithin(std::chrono::hours time, const std::function<bool()>& predicate) {
     const auto end = clock_.now() + time;
     while (!predicate() && clock_.now() < end) {
       clock_.forward(20s);
@@ -61,9 +61,9 @@ TEST_F(Midnight, CreatesNewDaysFileAndUploadsPreviousDay) {
   ASSERT_TRUE(waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; }));
   const std::string recorded = contentsOf(dayBefore);
 
-  ASSERT_TRUE(comesTrueWithin(1h, [] { return !contentsOf(newDay).empty(); }));
+  ASSERT_TRUE(becomesTrueWithin(1h, [] { return !contentsOf(newDay).empty(); }));
   // A step may skip the minute of the upload, which comes again an hour later.
-  EXPECT_TRUE(comesTrueWithin(3h, [] { return !fs::exists(dayBefore); }));
+  EXPECT_TRUE(becomesTrueWithin(3h, [] { return !fs::exists(dayBefore); }));
 
   EXPECT_THAT(contentsOf(newDay), StartsWith("TVLD2024-03-07"));
   std::vector<std::string> uploads;

@@ -134,7 +134,7 @@ void RandomSessionTest::play(const Act& act) {
   ++acts_[act.name];
   (this->*act.play)();
   if (HasFatalFailure()) {
-    ADD_FAILURE() << "the act failed" << agentsState() << windowsState();
+    ADD_FAILURE() << "the action failed" << agentsState() << windowsState();
     return;
   }
   waitUntilIdle();

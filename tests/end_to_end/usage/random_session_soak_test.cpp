@@ -88,7 +88,7 @@ class RandomSessionSoak : public RandomSessionTest {
     }
   }
 
-  void expectNothingGrew() {
+  void expectNoGrowthOfResources() {
     const Measure &first = measures_.front(), &last = measures_.back();
     EXPECT_LE(std::labs(last.memory - first.memory), 2048);
     EXPECT_EQ(last.descriptors, first.descriptors);
@@ -153,7 +153,7 @@ TEST_F(RandomSessionSoak, LeaksNothingAndLosesNoRecord) {
   for (int i = 0; i < 10 && !HasFatalFailure(); ++i) act();
   if (HasFatalFailure()) return;
   ASSERT_NO_FATAL_FAILURE(measure());
-  expectNothingGrew();
+  expectNoGrowthOfResources();
   if (minutes > 0) {
     expectNoSlowGrowth();
     expectUpdatesOpened();

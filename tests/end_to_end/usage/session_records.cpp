@@ -17,7 +17,7 @@ std::string transferRecord(unsigned kind, std::uint64_t size, std::string_view n
   return "transfer " + std::to_string(kind) + " " + std::to_string(size) + " " + std::string(name);
 }
 
-// Items of the header are no records and have no name.
+// Without the items of the header, which are not records.
 struct RecordName {
   std::string operator()(const tools::Start&) const { return "start"; }
   std::string operator()(const tools::End&) const { return "end"; }

@@ -123,7 +123,7 @@ std::vector<std::string> UploadServers::errors(const std::set<std::string>& file
     if (!filesLeft.contains(file)) all.push_back(dayOf(file) + " was not accepted and is gone");
   }
   for (const std::string& file : filesLeft) {
-    if (days_.contains(dayOf(file))) all.push_back(dayOf(file) + " was accepted and is still there");
+    if (days_.contains(dayOf(file))) all.push_back(dayOf(file) + " was accepted but not deleted");
   }
   return all;
 }

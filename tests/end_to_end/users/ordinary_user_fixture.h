@@ -26,7 +26,7 @@ class OrdinaryUser : public testing::Test,
     removePipe();
     setUpAgent();
     if (HasFatalFailure()) return;
-    if (!succeeds({"true"})) GTEST_SKIP() << "this user may not change into another";
+    if (!succeeds({"true"})) GTEST_SKIP() << "cannot change to another user";
     install("/tmp/Applications/Tovalin.app");
     std::filesystem::remove_all("/tmp/user");
     for (const std::string& folder : {ownHome, std::string("/tmp/user/runtime")}) {

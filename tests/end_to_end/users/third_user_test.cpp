@@ -59,7 +59,7 @@ class ThirdUser : public OrdinaryUser {
     ASSERT_FALSE(succeeds({"mv", "--no-target-directory", path, "/tmp/moved"}));
     ASSERT_TRUE(stateOf(path).starts_with(std::to_string(thirdUser))) << stateOf(path);
   }
-  // Not 0666, to which the agent would change it.
+  // Mode 0766, because the agent sets 0666 and the test must detect that.
   static void plantWorldWritableFile(const std::string& path, const std::string& content) {
     std::ofstream(source) << content;
     plant(path, "install -m 0766 "s + source);
@@ -84,7 +84,7 @@ class ThirdUser : public OrdinaryUser {
     ASSERT_EQ(succeeds(readingOf(path)), linksOfOthersAreFollowed());
     ASSERT_FALSE(succeeds(readingOf(ownFile), thirdUser));
   }
-  // A link that the agent cannot follow whatever the kernel's settings.
+  // A link that the agent cannot follow, whatever the value of fs.protected_symlinks.
   static void plantUnfollowableLink(const std::string& path) {
     fs::create_directory(otherUsersFolder);
     ASSERT_EQ(::chown(otherUsersFolder, thirdUser, thirdUser), 0);

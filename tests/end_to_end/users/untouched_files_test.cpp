@@ -183,7 +183,7 @@ class UntouchedFiles : public SupportTest {
   }
 };
 
-TEST_F(UntouchedFiles, SessionChangesOnlyTheAgentsOwnFiles) {
+TEST_F(UntouchedFiles, SessionChangesOnlyOwnFiles) {
   const Snapshot before = snapshot();
   launchInPanel();
   ASSERT_TRUE(server_->waitForRequests("POST", 1));

@@ -29,7 +29,7 @@ void set(SettingsPortalService& portal, const QString& text, bool tell) {
   const std::optional<QVariant> value = parseValue(text);
   if (!value) return say("error no value " + text);
   portal.setValue(*value);
-  if (tell) portal.tellChange();
+  if (tell) portal.signalChange();
   say("ok");
 }
 
@@ -42,7 +42,7 @@ void handle(SettingsPortalService& portal, const QString& line) {
   } else if (word == "delay") {
     portal.setDelay(std::chrono::milliseconds(rest.toInt()));
   } else if (word == "other") {
-    portal.tellUnrelatedChange();
+    portal.signalUnrelatedChange();
   } else {
     return say("error unknown command " + word);
   }

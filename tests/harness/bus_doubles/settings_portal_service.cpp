@@ -26,11 +26,11 @@ bool SettingsPortalService::publish() {
          bus_.registerService("org.freedesktop.portal.Desktop");
 }
 
-void SettingsPortalService::tellChange() {
+void SettingsPortalService::signalChange() {
   emit SettingChanged(kGroup, kKey, QDBusVariant(value_));
 }
 
-void SettingsPortalService::tellUnrelatedChange() {
+void SettingsPortalService::signalUnrelatedChange() {
   emit SettingChanged("org.gnome.desktop.interface", "cursor-size", QDBusVariant(24));
   emit SettingChanged(kGroup, "contrast", QDBusVariant(1U));
 }

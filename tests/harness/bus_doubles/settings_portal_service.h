@@ -30,8 +30,8 @@ class SettingsPortalService : public QObject, protected QDBusContext {
   [[nodiscard]] uint version() const { return 1; }
   void setValue(const QVariant& value) { value_ = value; }  // an invalid variant: absent
   void setDelay(std::chrono::milliseconds delay) { delay_ = delay; }
-  void tellChange();
-  void tellUnrelatedChange();
+  void signalChange();
+  void signalUnrelatedChange();
 
  public slots:
   QDBusVariant Read(const QString& group, const QString& key);

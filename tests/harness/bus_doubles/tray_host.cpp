@@ -65,7 +65,7 @@ void TrayHost::followNewestItem() {
 
 void TrayHost::handle(const QString& line) {
   const auto [word, rest] = splitCommand(line);
-  if (word == "items") return tellItems();
+  if (word == "items") return printItems();
   if (word == "host") {
     watcher_.setHostRegistered(rest == "on");
     return say("ok");
@@ -75,9 +75,9 @@ void TrayHost::handle(const QString& line) {
 }
 
 void TrayHost::handleForItem(const QString& word, const QString& rest) {
-  if (word == "properties") return tellProperties();
-  if (word == "menu") return tellMenu();
-  if (word == "icons") return tellIconSizes();
+  if (word == "properties") return printProperties();
+  if (word == "menu") return printMenu();
+  if (word == "icons") return printIconSizes();
   if (word == "icon") return saveIcon(splitLastWord(rest).before, splitLastWord(rest).word);
   if (word == "menuicon") return saveMenuIcon(splitLastWord(rest).before, splitLastWord(rest).word);
   if (word == "click") return click(rest);
@@ -89,12 +89,12 @@ void TrayHost::handleForItem(const QString& word, const QString& rest) {
   say("error unknown command " + word);
 }
 
-void TrayHost::tellItems() {
+void TrayHost::printItems() {
   for (const ItemAddress& item : watcher_.items()) say("  " + item.service + " " + item.path);
   say("ok " + QString::number(watcher_.items().size()));
 }
 
-void TrayHost::tellProperties() {
+void TrayHost::printProperties() {
   item_->fetchProperties([](const QVariantMap& properties) {
     for (auto it = properties.begin(); it != properties.end(); ++it) {
       say("  " + it.key() + "=" + propertyText(it.value()));
@@ -103,14 +103,14 @@ void TrayHost::tellProperties() {
   });
 }
 
-void TrayHost::tellMenu() {
+void TrayHost::printMenu() {
   item_->fetchMenu([](const QList<MenuItem>& items) {
     for (const MenuItem& item : items) say("  " + item.describe());
     say("ok " + QString::number(items.size()));
   });
 }
 
-void TrayHost::tellIconSizes() {
+void TrayHost::printIconSizes() {
   item_->fetchProperties(
       [](const QVariantMap& properties) { say("ok " + propertyText(properties.value("IconPixmap"))); });
 }

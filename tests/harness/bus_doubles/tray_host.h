@@ -20,10 +20,10 @@ class TrayHost {
  private:
   void handleForItem(const QString& word, const QString& rest);
   void followNewestItem();
-  void tellItems();
-  void tellProperties();
-  void tellMenu();
-  void tellIconSizes();
+  void printItems();
+  void printProperties();
+  void printMenu();
+  void printIconSizes();
   void saveIcon(const QString& file, const QString& size);
   void saveMenuIcon(const QString& label, const QString& file);
   void showMenu();

@@ -22,7 +22,8 @@ TrayItem::TrayItem(QDBusConnection bus, ItemAddress address)
     : bus_(std::move(bus)), address_(std::move(address)) {
   for (const char* name :
        {"NewTitle", "NewIcon", "NewAttentionIcon", "NewOverlayIcon", "NewToolTip", "NewStatus", "NewMenu"}) {
-    bus_.connect(address_.service, address_.path, kItemInterface, name, this, SLOT(tellSignal(QDBusMessage)));
+    bus_.connect(address_.service, address_.path, kItemInterface, name, this,
+                 SLOT(printSignal(QDBusMessage)));
   }
   listenToMenu();
 }
@@ -31,11 +32,11 @@ void TrayItem::listenToMenu() {
   for (const char* name : {"LayoutUpdated", "ItemsPropertiesUpdated", "ItemActivationRequested"}) {
     // Match any object path: querying the item for its menu path first would lose the signals emitted
     // meanwhile.
-    bus_.connect(address_.service, {}, kMenuInterface, name, this, SLOT(tellSignal(QDBusMessage)));
+    bus_.connect(address_.service, {}, kMenuInterface, name, this, SLOT(printSignal(QDBusMessage)));
   }
 }
 
-void TrayItem::tellSignal(const QDBusMessage& signal) {
+void TrayItem::printSignal(const QDBusMessage& signal) {
   const bool withStatus = signal.member() == "NewStatus" && !signal.arguments().isEmpty();
   say(withStatus ? "NewStatus " + signal.arguments().constFirst().toString() : signal.member());
 }

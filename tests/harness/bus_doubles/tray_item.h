@@ -33,7 +33,7 @@ class TrayItem : public QObject {
   void callMenu(const QString& method, const QVariantList& arguments, const QString& name);
 
  private slots:
-  void tellSignal(const QDBusMessage& signal);
+  void printSignal(const QDBusMessage& signal);
 
  private:
   using UseReply = std::function<void(const QDBusMessage&)>;

@@ -22,7 +22,7 @@ bool PortalDouble::setAbsent() {
   return ask("absent").ok;
 }
 
-bool PortalDouble::tellUnrelatedChange() {
+bool PortalDouble::signalUnrelatedChange() {
   return ask("other").ok;
 }
 

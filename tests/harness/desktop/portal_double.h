@@ -21,7 +21,7 @@ class PortalDouble : public LineProgram {
   [[nodiscard]] bool set(const std::string& value);          // emits SettingChanged
   [[nodiscard]] bool setSilently(const std::string& value);  // emits no signal
   [[nodiscard]] bool setAbsent();                            // emits no signal
-  [[nodiscard]] bool tellUnrelatedChange();
+  [[nodiscard]] bool signalUnrelatedChange();
   // Delays the reply to each subsequent Read. Other calls and commands are not delayed.
   [[nodiscard]] bool delayAnswers(std::chrono::milliseconds delay);
 };

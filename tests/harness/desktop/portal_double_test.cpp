@@ -97,7 +97,7 @@ TEST_F(PortalDoubleTest, ChangesAreSignalledUnlessSilent) {
   };
   ASSERT_THAT(lineWith("NameLost"), HasSubstr("NameLost"));
   ASSERT_TRUE(portal_.setSilently("5"));
-  ASSERT_TRUE(portal_.tellUnrelatedChange());
+  ASSERT_TRUE(portal_.signalUnrelatedChange());
   ASSERT_TRUE(portal_.set("1"));
   ASSERT_THAT(lineWith("\"org"), HasSubstr("org.gnome.desktop.interface"));
   ASSERT_THAT(lineWith("\"contrast"), HasSubstr("contrast"));

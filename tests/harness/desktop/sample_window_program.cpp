@@ -26,8 +26,8 @@ class SampleWindow : public QWidget {
   }
 
  protected:
-  void mousePressEvent(QMouseEvent* event) override { tellMouse("press", event); }
-  void mouseReleaseEvent(QMouseEvent* event) override { tellMouse("release", event); }
+  void mousePressEvent(QMouseEvent* event) override { printMouse("press", event); }
+  void mouseReleaseEvent(QMouseEvent* event) override { printMouse("release", event); }
   void keyPressEvent(QKeyEvent* event) override { tell("key " + event->text()); }
   void closeEvent(QCloseEvent* event) override {
     tell("close " + windowTitle());
@@ -35,7 +35,7 @@ class SampleWindow : public QWidget {
   }
 
  private:
-  void tellMouse(const QString& action, const QMouseEvent* event) {
+  void printMouse(const QString& action, const QMouseEvent* event) {
     const QPoint place = event->position().toPoint();
     tell(action + " " + windowTitle() + " " + QString::number(place.x()) + " " + QString::number(place.y()) +
          " " + QString::number(static_cast<int>(event->button())));

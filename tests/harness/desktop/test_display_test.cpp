@@ -16,7 +16,7 @@ std::string outputOf(const std::vector<std::string>& command) {
   return child.takeOutput();
 }
 
-TEST(TestDisplay, HasWindowManagerOnceStarted) {
+TEST(TestDisplay, HasWindowManagerAfterStart) {
   TestDisplay display;
   ASSERT_TRUE(display.start());
   const XConnection connection(display.name());

@@ -25,7 +25,7 @@ class ProbeWindow {
 };
 
 // A running window manager sets this property to a window that has the same property (EWMH).
-bool hasNamedItself(const XConnection& display) {
+bool hasAnnouncedItself(const XConnection& display) {
   const auto window = display.numberProperty(display.root(), "_NET_SUPPORTING_WM_CHECK");
   return window && display.numberProperty(*window, "_NET_SUPPORTING_WM_CHECK") == window;
 }
@@ -56,7 +56,7 @@ bool nudgeUntil(const XConnection& display, Predicate predicate) {
 
 bool waitForWindowManager(const std::string& display) {
   const XConnection connection(display);
-  if (!nudgeUntil(connection, [&] { return hasNamedItself(connection); })) return false;
+  if (!nudgeUntil(connection, [&] { return hasAnnouncedItself(connection); })) return false;
   const auto number = [&](const char* name) { return connection.numberProperty(connection.root(), name); };
   {
     const ProbeWindow probe(connection);

@@ -63,7 +63,7 @@ Finished runForked(const std::function<int()>& function) {
   return ForkedCall(function).wait();
 }
 
-bool wasNotToBeHad(const Finished& finished) {
+bool wasUnavailable(const Finished& finished) {
   return finished.status == ExitStatus{.code = kUnavailable};
 }
 

@@ -47,7 +47,7 @@ class ForkedCall {
 
 // Exit status of a forked function that cannot set up its condition; the test is skipped.
 inline constexpr int kUnavailable = 77;
-[[nodiscard]] bool wasNotToBeHad(const Finished& finished);
+[[nodiscard]] bool wasUnavailable(const Finished& finished);
 
 // Changes the process to the user and group kNobody, for whom file permissions apply. Returns false if this
 // user may not change to another.

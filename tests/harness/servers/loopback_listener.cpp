@@ -20,7 +20,7 @@ LoopbackListener listenOnLoopback(int receiveBuffer) {
   auto* generic = reinterpret_cast<sockaddr*>(&address);
   if (::bind(socket.get(), generic, size) != 0 || ::listen(socket.get(), 64) != 0 ||
       ::getsockname(socket.get(), generic, &size) != 0)
-    throw std::runtime_error("no server on the loopback");
+    throw std::runtime_error("cannot listen on the loopback interface");
   return {std::move(socket), ntohs(address.sin_port)};
 }
 

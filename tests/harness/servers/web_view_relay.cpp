@@ -1,6 +1,5 @@
-// web_view_relay: replaces the hidden web view and runs the real one, which is among the visit's outside
-// commands. Logs each address that it receives to the system log as "beacon", forwards it, and ends after the
-// real one.
+// web_view_relay: replaces the hidden web view in the scripted session of ./run and runs the real one. Logs
+// each address that it receives to the system log as "beacon", forwards it, and ends after the real one.
 
 #include <poll.h>
 #include <spawn.h>

@@ -115,7 +115,7 @@ TEST_F(Shell, MissingCommandReturns127) {
 
 TEST_F(Shell, WaitsForEndOfCommand) {
   EXPECT_EQ(outputOf("i=0; while [ $i -lt 2000 ]; do i=$((i + 1)); done; printf %s $i >/tmp/output"), "2000");
-  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child was not reaped";
 }
 
 TEST_F(Shell, CommandInheritsStandardStreams) {
@@ -263,7 +263,7 @@ TEST_F(Shell, CommandWithinLimitReturnsItsStatus) {
   const auto status = platform::system("exit 42", 60s);
   ASSERT_TRUE(status && WIFEXITED(*status));
   EXPECT_EQ(WEXITSTATUS(*status), 42);
-  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child was not reaped";
 }
 
 TEST_F(Shell, CommandBeyondLimitIsKilledWithItsChildren) {
@@ -271,7 +271,7 @@ TEST_F(Shell, CommandBeyondLimitIsKilledWithItsChildren) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(platform::system("trap '' TERM; sleep 1000 & echo $!; echo $$; wait", 200ms), std::nullopt);
   EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
-  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child was not reaped";
   std::istringstream processes(output.end());
   int found = 0;
   for (std::string process; processes >> process; ++found)
@@ -297,7 +297,7 @@ TEST_F(Shell, LimitedCommandWaitsOnlyForItsShell) {
   EXPECT_EQ(platform::system("sleep 1000 >/dev/null & echo $!", 60s), 0);
   std::string process = output.end();
   process.pop_back();
-  EXPECT_TRUE(isAlive(process)) << "what the command left behind within its limit stays";
+  EXPECT_TRUE(isAlive(process)) << "a background process of the command was killed";
   ::kill(std::stoi(process), SIGKILL);
 }
 

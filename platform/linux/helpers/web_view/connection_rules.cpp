@@ -132,10 +132,10 @@ bool isLocal(const std::string& host) {
   return isLocalName(name);
 }
 
-Passage passageTo(const Endpoint& target, const std::optional<Endpoint>& origin) {
+Access accessTo(const Endpoint& target, const std::optional<Endpoint>& origin) {
   constexpr std::uint16_t https = 443;
-  if (origin && target == *origin) return Passage::Free;
-  return target.port == https && !isLocal(target.host) ? Passage::PublicTls : Passage::None;
+  if (origin && target == *origin) return Access::Any;
+  return target.port == https && !isLocal(target.host) ? Access::PublicTls : Access::None;
 }
 
 }  // namespace helpers

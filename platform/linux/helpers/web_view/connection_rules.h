@@ -40,14 +40,14 @@ using AddressBytes = std::array<std::uint8_t, 16>;
 [[nodiscard]] bool isLocal(const std::string& host);
 
 // How a page may connect to an endpoint.
-enum class Passage {
+enum class Access {
   None,
   PublicTls,  // to public addresses, over TLS
-  Free,       // to any address, with any protocol
+  Any,        // to any address, with any protocol
 };
 
-// Returns how a page with the origin `origin` may connect to `target`: freely to its own origin, with
-// PublicTls to port 443 of hosts that are not local, otherwise not at all.
-[[nodiscard]] Passage passageTo(const Endpoint& target, const std::optional<Endpoint>& origin);
+// Returns how a page with the origin `origin` may connect to `target`: Any for its own origin, PublicTls for
+// port 443 of hosts that are not local, otherwise None.
+[[nodiscard]] Access accessTo(const Endpoint& target, const std::optional<Endpoint>& origin);
 
 }  // namespace helpers

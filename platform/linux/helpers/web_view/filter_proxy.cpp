@@ -115,9 +115,9 @@ struct FilterProxy::Shared {
   // Closes the connection if there are too many or no thread can be started.
   static void serveOnThread(const std::shared_ptr<Shared>& shared, FileDescriptor client);
   void serve(const FileDescriptor& client);
-  [[nodiscard]] Outcome connect(const Endpoint& target, Passage passage);
-  [[nodiscard]] Outcome connectDirectly(const Endpoint& target, Passage passage);
-  [[nodiscard]] std::vector<SocketAddress> addressesOf(const Endpoint& target, Passage passage);
+  [[nodiscard]] Outcome connect(const Endpoint& target, Access access);
+  [[nodiscard]] Outcome connectDirectly(const Endpoint& target, Access access);
+  [[nodiscard]] std::vector<SocketAddress> addressesOf(const Endpoint& target, Access access);
   [[nodiscard]] std::optional<Endpoint> currentOrigin();
   // Returns the addresses to which connections to the origin may go. The first answer of the resolver,
   // `found`, sets them. Returns an empty list if `target` is no longer the origin.
@@ -154,36 +154,36 @@ void FilterProxy::Shared::serveOnThread(const std::shared_ptr<Shared>& shared, F
 void FilterProxy::Shared::serve(const FileDescriptor& client) {
   const auto target = readSocksRequest(client, password);
   if (!target) return;
-  const Passage passage = passageTo(*target, currentOrigin());
-  const Outcome outcome = passage == Passage::None ? Outcome{} : connect(*target, passage);
+  const Access access = accessTo(*target, currentOrigin());
+  const Outcome outcome = access == Access::None ? Outcome{} : connect(*target, access);
   if (!sendSocksReply(client, outcome.reply) || !outcome.server.valid()) return;
-  if (passage == Passage::PublicTls && !beginsWithTls(client)) return;
+  if (access == Access::PublicTls && !beginsWithTls(client)) return;
   relay(client, outcome.server);
 }
 
-FilterProxy::Shared::Outcome FilterProxy::Shared::connect(const Endpoint& target, Passage passage) {
+FilterProxy::Shared::Outcome FilterProxy::Shared::connect(const Endpoint& target, Access access) {
   auto server = userProxy ? userProxy(target) : std::nullopt;
-  if (!server) return connectDirectly(target, passage);
+  if (!server) return connectDirectly(target, access);
   if (!server->valid()) return {.reply = SocksReply::Unreachable, .server = {}};
   return {.reply = SocksReply::Connected, .server = std::move(*server)};
 }
 
-FilterProxy::Shared::Outcome FilterProxy::Shared::connectDirectly(const Endpoint& target, Passage passage) {
+FilterProxy::Shared::Outcome FilterProxy::Shared::connectDirectly(const Endpoint& target, Access access) {
   bool tried = false;
-  for (const SocketAddress& address : addressesOf(target, passage)) {
-    if (passage == Passage::PublicTls && !isOnPublicNetwork(address)) continue;
+  for (const SocketAddress& address : addressesOf(target, access)) {
+    if (access == Access::PublicTls && !isOnPublicNetwork(address)) continue;
     tried = true;
     FileDescriptor server = connectTo(address);
     if (!server.valid()) continue;
-    if (passage == Passage::Free && !pin(target, address)) return {};
+    if (access == Access::Any && !pin(target, address)) return {};
     return {.reply = SocksReply::Connected, .server = std::move(server)};
   }
-  if (passage == Passage::Free) forgetUnreachable(target);
+  if (access == Access::Any) forgetUnreachable(target);
   return {.reply = tried ? SocksReply::Unreachable : SocksReply::Refused, .server = {}};
 }
 
-std::vector<SocketAddress> FilterProxy::Shared::addressesOf(const Endpoint& target, Passage passage) {
-  if (passage != Passage::Free) return resolve(target);
+std::vector<SocketAddress> FilterProxy::Shared::addressesOf(const Endpoint& target, Access access) {
+  if (access != Access::Any) return resolve(target);
   auto known = originAddresses(target, {});
   return known.empty() ? originAddresses(target, resolve(target)) : known;
 }

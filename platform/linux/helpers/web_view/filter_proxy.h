@@ -12,7 +12,7 @@
 namespace helpers {
 
 // The web engine's only access to the network: a SOCKS5 proxy on the loopback interface that resolves names
-// itself and connects only where passageTo() permits. Runs on its own threads. Connections that are open at
+// itself and connects only where accessTo() permits. Runs on its own threads. Connections that are open at
 // the destruction of this object last until one end closes or the process ends.
 class FilterProxy {
  public:

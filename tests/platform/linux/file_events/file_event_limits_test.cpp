@@ -49,7 +49,7 @@ TEST_F(FileEvents, DrainReadsOnlyNoticesQueuedAtItsStart) {
 TEST_F(FileEvents, FolderIdentityIncludesBirthTime) {
   struct statx status {};
   ASSERT_EQ(::statx(AT_FDCWD, root_.c_str(), 0, STATX_BTIME, &status), 0);
-  if ((status.stx_mask & STATX_BTIME) == 0) GTEST_SKIP() << "this file system keeps no birth time";
+  if ((status.stx_mask & STATX_BTIME) == 0) GTEST_SKIP() << "the file system does not record birth times";
   const auto identity = platform::folderAt(root_);
   ASSERT_TRUE(identity);
   EXPECT_EQ(identity->birthSeconds, status.stx_btime.tv_sec);
@@ -63,7 +63,7 @@ long watchesForAll() {
 }
 
 TEST_F(FileEvents, TreeOf20000FoldersIsWatchedCompletely) {
-  if (watchesForAll() < 25000) GTEST_SKIP() << "this system has room for " << watchesForAll() << " watches";
+  if (watchesForAll() < 25000) GTEST_SKIP() << "the inotify limit is " << watchesForAll() << " watches";
   for (int i = 0; i < 100; ++i) {
     for (int j = 0; j < 199; ++j) makeFolder("folder" + std::to_string(i) + "/folder" + std::to_string(j));
   }
@@ -117,7 +117,7 @@ TEST_F(FileEvents, RemovalDuringOverflowIsReported) {
 class WatchLimits : public FileEvents {
  protected:
   void SetUp() override {
-    if (!canSet()) GTEST_SKIP() << "no limits of one's own to be had";
+    if (!canSet()) GTEST_SKIP() << "cannot set inotify limits in a user namespace";
     FileEvents::SetUp();
     for (int i = 0; i < 50; ++i) makeFolder("folder" + std::to_string(i));
   }

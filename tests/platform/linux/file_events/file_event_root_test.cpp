@@ -144,7 +144,7 @@ TEST_F(RootChange, RecreatedRootWithSameInodeNumberIsReported) {
   }
   const Batch batch = nextBatch();
   fs::remove_all(onDisk);
-  if (!sameNumber) GTEST_SKIP() << "/var/tmp gives no number twice";
+  if (!sameNumber) GTEST_SKIP() << "/var/tmp does not reuse inode numbers";
   EXPECT_THAT(batch, ElementsAre(rootChanged()));
 }
 
@@ -182,7 +182,7 @@ TEST_F(RootChange, RootMovedBackBeforeBatchIsNotReported) {
   write("sign");
   EXPECT_THAT(nextBatch(), ElementsAre(changed()));
   fs::rename(root_, "/tmp/way/elsewhere");
-  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged())) << "it is still watched";
+  EXPECT_THAT(nextBatch(), ElementsAre(rootChanged())) << "the root is no longer watched";
 }
 
 TEST_F(RootChange, RootIsCheckedAfterChangesInParentOnly) {
@@ -224,7 +224,7 @@ TEST_F(RootChange, InaccessibleParentIsNotReported) {
     fs::permissions("/tmp/way/middle", fs::perms(0700));
     return first && second ? 0 : 1;
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
@@ -239,7 +239,7 @@ TEST_F(RootChange, ChangeIsReportedIfParentBecomesInaccessible) {
     fs::permissions("/tmp/way/middle", fs::perms(0700));
     return wasReported ? 0 : 1;
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0});
 }
 
@@ -255,7 +255,7 @@ TEST_F(RootChange, ChangeIsReportedBelowUnreadableFolder) {
       fs::rename(moved, std::string(moved) + " old");
       return nextBatch() == Batch{rootChanged()} ? 0 : 1;
     });
-    if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+    if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
     EXPECT_EQ(finished.status, test_support::ExitStatus{.code = 0}) << closed << ", " << moved;
   }
 }
@@ -298,7 +298,8 @@ class OnAMount : public FileEvents {
  protected:
   void SetUp() override {
     FileEvents::SetUp();
-    if (::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr) != 0) GTEST_SKIP() << "no mounts to be had";
+    if (::mount("none", "/tmp/way/middle", "tmpfs", 0, nullptr) != 0)
+      GTEST_SKIP() << "cannot mount a file system";
     fs::create_directory(root_);
   }
   void TearDown() override {
@@ -365,7 +366,7 @@ class OnAnOverlay : public FileEvents {
       fs::create_directories(std::string("/tmp/way/") + folder);
     if (::mount("overlay", "/tmp/way/middle", "overlay", 0,
                 "lowerdir=/tmp/way/lower,upperdir=/tmp/way/upper,workdir=/tmp/way/work") != 0)
-      GTEST_SKIP() << "no overlay to be had";
+      GTEST_SKIP() << "cannot mount an overlay";
   }
   void TearDown() override {
     FileEvents::TearDown();

@@ -58,8 +58,9 @@ TEST_F(BundleProgramTest, MissingBundleOrProgramIsAnError) {
 
 TEST_F(BundleProgramTest, BundleOfAnotherUserInSharedFolderIsRefused) {
   helper_test::writeProgram(programs_ + "The Bundle", "");
-  if (::lchown(bundle_.c_str(), kAnotherUser, kAnotherUser) != 0) GTEST_SKIP() << "no second user here";
-  EXPECT_EQ("", findBundleProgram(bundle_).problem) << "the folder around it is the user's own";
+  if (::lchown(bundle_.c_str(), kAnotherUser, kAnotherUser) != 0)
+    GTEST_SKIP() << "cannot change the owner of a file";
+  EXPECT_EQ("", findBundleProgram(bundle_).problem) << "a bundle in a private folder was refused";
 
   ASSERT_EQ(0, ::chmod(fs::path(bundle_).parent_path().c_str(), 01777));
   EXPECT_EQ(bundle_ + " belongs to another user", findBundleProgram(bundle_ + "/").problem);
@@ -71,7 +72,8 @@ TEST_F(BundleProgramTest, LinkOfAnotherUserInSharedFolderIsRefused) {
   const std::string link = "/tmp/Linked.app";
   fs::create_directory_symlink(bundle_, link);
   EXPECT_EQ(link + "/Contents/MacOS/The Bundle", findBundleProgram(link).path);
-  if (::lchown(link.c_str(), kAnotherUser, kAnotherUser) != 0) GTEST_SKIP() << "no second user here";
+  if (::lchown(link.c_str(), kAnotherUser, kAnotherUser) != 0)
+    GTEST_SKIP() << "cannot change the owner of a file";
   EXPECT_EQ(link + " belongs to another user", findBundleProgram(link).problem);
 }
 

@@ -30,8 +30,8 @@ class LaunchctlTest : public testing::Test {
   }
 
   // launchctl kills systemctl after a second, which may be too short on a busy machine: up to five attempts.
-  void unloadUntil(const std::function<bool()>& hasComeSoFar) const {
-    for (int i = 0; i < 5 && !hasComeSoFar(); ++i) {
+  void unloadUntil(const std::function<bool()>& hasReported) const {
+    for (int i = 0; i < 5 && !hasReported(); ++i) {
       const Ended ended = unload(userPath_);
       EXPECT_EQ(0, ended.code);
       EXPECT_EQ("", ended.output + ended.error);

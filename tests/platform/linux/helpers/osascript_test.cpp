@@ -38,7 +38,7 @@ class OsascriptTest : public testing::Test {
   [[nodiscard]] Ended activateFront() { return activateFrontOn(scene_.display().name()); }
 
   [[nodiscard]] bool isInFront(xcb_window_t window) {
-    return scene_.becomesActive(window) && scene_.hasKeyboard(window);
+    return scene_.becomesActive(window) && scene_.hasInputFocus(window);
   }
 
   WindowScene scene_;

@@ -183,25 +183,25 @@ TEST(OwnNetworks, PrefixLengthZeroContainsOnlyItsAddress) {
 
 struct Case {
   Endpoint target;
-  Passage passage;
+  Access access;
 };
 
-TEST(ConnectionRules, OriginIsFreeAndOthersMustBePublicHttps) {
+TEST(ConnectionRules, OriginHasAnyAccessAndOthersPublicTlsOnly) {
   const Endpoint origin{"127.0.0.1", 8090};
   for (const Case& each :
-       {Case{{"127.0.0.1", 8090}, Passage::Free}, Case{{"127.0.0.1", 8091}, Passage::None},
-        Case{{"127.0.0.1", 443}, Passage::None}, Case{{"127.0.0.2", 8090}, Passage::None},
-        Case{{"localhost", 443}, Passage::None}, Case{{"tovalin.example", 80}, Passage::None},
-        Case{{"tovalin.example", 8443}, Passage::None}, Case{{"tovalin.example", 443}, Passage::PublicTls},
-        Case{{"8.8.8.8", 443}, Passage::PublicTls}, Case{{"::1", 443}, Passage::None}}) {
-    EXPECT_EQ(passageTo(each.target, origin), each.passage) << each.target.host << " " << each.target.port;
+       {Case{{"127.0.0.1", 8090}, Access::Any}, Case{{"127.0.0.1", 8091}, Access::None},
+        Case{{"127.0.0.1", 443}, Access::None}, Case{{"127.0.0.2", 8090}, Access::None},
+        Case{{"localhost", 443}, Access::None}, Case{{"tovalin.example", 80}, Access::None},
+        Case{{"tovalin.example", 8443}, Access::None}, Case{{"tovalin.example", 443}, Access::PublicTls},
+        Case{{"8.8.8.8", 443}, Access::PublicTls}, Case{{"::1", 443}, Access::None}}) {
+    EXPECT_EQ(accessTo(each.target, origin), each.access) << each.target.host << " " << each.target.port;
   }
 }
 
-TEST(ConnectionRules, WithoutOriginNothingIsFree) {
-  EXPECT_EQ(passageTo({"127.0.0.1", 8090}, std::nullopt), Passage::None);
-  EXPECT_EQ(passageTo({"", 0}, std::nullopt), Passage::None);
-  EXPECT_EQ(passageTo({"tovalin.example", 443}, std::nullopt), Passage::PublicTls);
+TEST(ConnectionRules, WithoutOriginOnlyPublicTlsIsAllowed) {
+  EXPECT_EQ(accessTo({"127.0.0.1", 8090}, std::nullopt), Access::None);
+  EXPECT_EQ(accessTo({"", 0}, std::nullopt), Access::None);
+  EXPECT_EQ(accessTo({"tovalin.example", 443}, std::nullopt), Access::PublicTls);
 }
 
 }  // namespace

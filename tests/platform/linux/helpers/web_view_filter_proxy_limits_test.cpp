@@ -53,7 +53,7 @@ TEST_F(FilterProxyTest, ConnectionsOfAnotherUserDoNotCount) {
   const EchoServer server("127.0.0.1", 0, "origin");
   proxy_->setOrigin(Endpoint{"127.0.0.1", server.port()});
   const OtherUser otherUser(port(), 100);
-  if (!otherUser.isAnother()) GTEST_SKIP() << "this user can't become another";
+  if (!otherUser.isAnother()) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(toAddress("127.0.0.1", server.port()).reply, kConnected);
   EXPECT_EQ(readSome(otherUser.last(), 1), "");
 }

@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kIdle = 60s;
 constexpr auto grace = Lifetime::grace;
-constexpr auto leave = Lifetime::maxTimeAfterInput;
+constexpr auto maxTimeAfterInput = Lifetime::maxTimeAfterInput;
 
 // The lifetime begins at 0 s; all times are relative to it.
 class LifetimeTest : public testing::Test {
@@ -41,7 +41,7 @@ TEST_F(LifetimeTest, EndlessLoadEndsIdleTimeAfterAddress) {
 }
 
 // A slow server or a slow start of the engine must not end the load.
-TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsAwaitedUpToPatience) {
+TEST_F(LifetimeTest, LoadSlowerThanIdleTimeIsAwaitedUpToMinLoadTime) {
   Lifetime lifetime(at(0s), 15s);
   EXPECT_EQ(lifetime.end(), at(15s));
   lifetime.addressReceived(at(10s));
@@ -84,7 +84,7 @@ TEST_F(LifetimeTest, EndOfInputLongAfterLoadEndsImmediately) {
 TEST_F(LifetimeTest, EndOfInputDuringLoadWaitsForLoad) {
   lifetime_.addressReceived(at(1s));
   lifetime_.inputEnded(at(2s));
-  EXPECT_EQ(end(), 2s + leave);
+  EXPECT_EQ(end(), 2s + maxTimeAfterInput);
   lifetime_.loadingIs(false, at(5s));
   EXPECT_EQ(end(), 5s + grace);
 }
@@ -94,30 +94,30 @@ TEST_F(LifetimeTest, EndOfInputWaitsForScript) {
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(3s));
   lifetime_.loadingIs(true, at(4s));
-  EXPECT_EQ(end(), 2s + leave);
+  EXPECT_EQ(end(), 2s + maxTimeAfterInput);
   lifetime_.loadingIs(false, at(5s));
   EXPECT_EQ(end(), 5s + grace);
 }
 
-TEST_F(LifetimeTest, GraceIsLimitedByLeave) {
+TEST_F(LifetimeTest, GraceIsLimitedByMaxTimeAfterInput) {
   lifetime_.addressReceived(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.loadingIs(false, at(11s));
-  EXPECT_EQ(end(), 2s + leave);
+  EXPECT_EQ(end(), 2s + maxTimeAfterInput);
 }
 
-TEST_F(LifetimeTest, LeaveStartsAtFirstEndOfInput) {
+TEST_F(LifetimeTest, MaxTimeAfterInputStartsAtFirstEndOfInput) {
   lifetime_.addressReceived(at(1s));
   lifetime_.inputEnded(at(2s));
   lifetime_.inputEnded(at(9s));
-  EXPECT_EQ(end(), 2s + leave);
+  EXPECT_EQ(end(), 2s + maxTimeAfterInput);
 }
 
-TEST_F(LifetimeTest, LeaveMayExceedIdleTime) {
+TEST_F(LifetimeTest, MaxTimeAfterInputMayExceedIdleTime) {
   Lifetime lifetime(at(0s), 1s);
   lifetime.addressReceived(at(0s));
   lifetime.inputEnded(at(1s));
-  EXPECT_EQ(lifetime.end(), at(1s) + leave);
+  EXPECT_EQ(lifetime.end(), at(1s) + maxTimeAfterInput);
 }
 
 }  // namespace

@@ -99,7 +99,8 @@ TEST_P(WebViewAnswer, EndsLoad) {
   server_.putDownload("/download");
   server_.redirect("/refused", "http://127.0.0.1:9/nobody-listens");
   server_.redirect("/elsewhere", "mailto:a@b");
-  // The time that an unfinished load gets. The shortest of five attempts discounts delays of a busy machine.
+  // The time limit of a load that does not complete. The shortest of five attempts discounts delays of a busy
+  // machine.
   constexpr auto leave = 10s;
   auto shortest = Clock::duration::max();
   for (int i = 0; i < 5 && shortest >= leave; ++i) shortest = std::min(shortest, timeToTheEnd());
@@ -190,7 +191,7 @@ class WebViewIdle : public WebViewHelper {
       ASSERT_TRUE(test_support::waitUntil([&] { return asked() || !helper_.running(); }, beforeAMinute));
       if (asked()) return;
     }
-    FAIL() << target << " is not asked for";
+    FAIL() << target << " was not requested";
   }
 
   // Less than the patience for a load that does not finish.

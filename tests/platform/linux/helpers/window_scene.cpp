@@ -61,7 +61,7 @@ bool WindowScene::becomesActive(xcb_window_t window) const {
   return waitUntil([&] { return x_->numberProperty(x_->root(), "_NET_ACTIVE_WINDOW") == window; });
 }
 
-bool WindowScene::hasKeyboard(xcb_window_t window) const {
+bool WindowScene::hasInputFocus(xcb_window_t window) const {
   return waitUntil([&] {
     const XcbReply<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(x_->get(), xcb_get_input_focus(x_->get()), nullptr));

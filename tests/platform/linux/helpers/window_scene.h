@@ -38,7 +38,7 @@ class WindowScene {
   void claimActive(xcb_window_t window);
 
   [[nodiscard]] bool becomesActive(xcb_window_t window) const;
-  [[nodiscard]] bool hasKeyboard(xcb_window_t window) const;
+  [[nodiscard]] bool hasInputFocus(xcb_window_t window) const;
   [[nodiscard]] std::vector<xcb_window_t> stacking() const;  // bottom to top
 
   // Returns the requests since the last call.

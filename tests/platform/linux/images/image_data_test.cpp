@@ -29,8 +29,8 @@ TEST(ImageWithData, PngIsReadWithoutTexts) {
   image.setText(QStringLiteral("a"), QString(1000, QLatin1Char('b')));
   const auto picture = imageWithData(encodedPicture(image, "PNG"));
   ASSERT_NE(picture, nullptr);
-  EXPECT_EQ(picture->impl().forms.front().convertToFormat(QImage::Format_ARGB32), pixels());
-  EXPECT_TRUE(picture->impl().forms.front().textKeys().isEmpty());
+  EXPECT_EQ(picture->impl().representations.front().convertToFormat(QImage::Format_ARGB32), pixels());
+  EXPECT_TRUE(picture->impl().representations.front().textKeys().isEmpty());
 }
 
 TEST(ImageWithData, PngKeepsPaletteAndTransparency) {
@@ -39,7 +39,7 @@ TEST(ImageWithData, PngKeepsPaletteAndTransparency) {
   image.fill(0);
   const auto picture = imageWithData(encodedPicture(image, "PNG"));
   ASSERT_NE(picture, nullptr);
-  EXPECT_EQ(picture->impl().forms.front().pixelColor(0, 0), QColor(200, 100, 50, 128));
+  EXPECT_EQ(picture->impl().representations.front().pixelColor(0, 0), QColor(200, 100, 50, 128));
 }
 
 }  // namespace

@@ -33,7 +33,8 @@ TEST(ImageNamed, HasSizeInPointsAndRepresentationForScreen) {
   EXPECT_EQ(icon->size(), (Size{20, 20}));
   const double scale = qGuiApp->devicePixelRatio();
   EXPECT_EQ(icon->pixelSize(), (Size{20 * scale, 20 * scale}));
-  for (const QImage& form : icon->impl().forms) EXPECT_EQ(form.devicePixelRatio(), 1) << "pixels are pixels";
+  for (const QImage& representation : icon->impl().representations)
+    EXPECT_EQ(representation.devicePixelRatio(), 1) << "the representation has a device pixel ratio";
 }
 
 TEST(ImageNamed, ReturnsNullForMissingPicture) {
@@ -47,9 +48,9 @@ TEST(ImageNamed, ReturnsNullForOtherFile) {
 TEST(ImageNamed, DrawingDoesNotChangeLaterImages) {
   const auto first = imageNamed("icon.png");
   ASSERT_NE(first, nullptr);
-  const QImage before = first->impl().forms.front().copy();
-  first->impl().forms.front().fill(Qt::red);
-  EXPECT_EQ(imageNamed("icon.png")->impl().forms.front(), before);
+  const QImage before = first->impl().representations.front().copy();
+  first->impl().representations.front().fill(Qt::red);
+  EXPECT_EQ(imageNamed("icon.png")->impl().representations.front(), before);
 }
 
 TEST(ImageNamed, ChangedPictureIsReadAgain) {
@@ -73,7 +74,7 @@ TEST(ImageNamed, ChangedPictureOfSameLengthIsReadAgain) {
     std::filesystem::last_write_time("/tmp/same length.bmp", time);
     const auto image = imageNamed(toTheTop + "/tmp/same length.bmp");
     ASSERT_NE(image, nullptr);
-    EXPECT_EQ(image->impl().forms.front().pixelColor(0, 0), QColor(colour));
+    EXPECT_EQ(image->impl().representations.front().pixelColor(0, 0), QColor(colour));
   }
 }
 
@@ -86,7 +87,7 @@ TEST(Image, HasPixelsForScaleOfScreen) {
 TEST(Image, IsInitiallyTransparent) {
   const Image image({2, 2});
   ASSERT_TRUE(image.isValid());
-  EXPECT_EQ(image.impl().forms.front().pixelColor(0, 0).alpha(), 0);
+  EXPECT_EQ(image.impl().representations.front().pixelColor(0, 0).alpha(), 0);
 }
 
 TEST(Image, IsInvalidIfEmptyOrTooLarge) {
@@ -166,24 +167,24 @@ TEST(ImageFocus, InvalidSourceOrTargetIsNoOp) {
 
   Image target({4, 4});
   ImageFocus(target).draw(nowhere, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
-  EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1).alpha(), 0);
+  EXPECT_EQ(target.impl().representations.front().pixelColor(1, 1).alpha(), 0);
 }
 
 TEST(ImageFocus, HighInterpolationDrawsCurrentPixels) {
   Image source({8, 8});
   for (const Qt::GlobalColor colour : {Qt::red, Qt::blue}) {
-    source.impl().forms.front().fill(colour);
+    source.impl().representations.front().fill(colour);
     Image target({4, 4});
     ImageFocus focus(target);
     focus.setImageInterpolation(ImageInterpolation::High);
     focus.draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
-    EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1), QColor(colour));
+    EXPECT_EQ(target.impl().representations.front().pixelColor(1, 1), QColor(colour));
   }
 }
 
 TEST(ImageFocus, DrawingIntoScaledImageDoesNotChangeOthers) {
   Image source({8, 8}), first({4, 4}), second({4, 4});
-  source.impl().forms.front().fill(Qt::red);
+  source.impl().representations.front().fill(Qt::red);
   const auto drawInto = [&](Image& target) {
     ImageFocus focus(target);
     focus.setImageInterpolation(ImageInterpolation::High);
@@ -191,9 +192,9 @@ TEST(ImageFocus, DrawingIntoScaledImageDoesNotChangeOthers) {
   };
   source.setScalesWhenResized(true);
   drawInto(first);
-  first.impl().forms.front().fill(Qt::blue);
+  first.impl().representations.front().fill(Qt::blue);
   drawInto(second);
-  EXPECT_EQ(second.impl().forms.front().pixelColor(1, 1), QColor(Qt::red));
+  EXPECT_EQ(second.impl().representations.front().pixelColor(1, 1), QColor(Qt::red));
 }
 
 // A named picture, whose scaled pixels are cached.
@@ -212,47 +213,47 @@ TEST(ImageFocus, PartsOfOnePictureAreCachedSeparately) {
     focus.setImageInterpolation(ImageInterpolation::High);
     const double x = i % 2 == 0 ? 0 : 4, y = i < 2 ? 4 : 0;
     focus.draw(*source, {0, 0}, {x, y, 4, 4}, CompositingOperation::Copy, 1.0);
-    EXPECT_EQ(target.impl().forms.front().pixelColor(1, 1), QColor(colours[i])) << i;
+    EXPECT_EQ(target.impl().representations.front().pixelColor(1, 1), QColor(colours[i])) << i;
   }
 }
 
 TEST(ImageFocus, FractionBlendsWithHighInterpolation) {
   Image source({4, 4}), target({4, 4});
-  source.impl().forms.front().fill(Qt::white);
-  target.impl().forms.front().fill(Qt::black);
+  source.impl().representations.front().fill(Qt::white);
+  target.impl().representations.front().fill(Qt::black);
   ImageFocus focus(target);
   focus.setImageInterpolation(ImageInterpolation::High);
   focus.draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 0.5);
-  EXPECT_NEAR(target.impl().forms.front().pixelColor(1, 1).red(), 128, 2);
+  EXPECT_NEAR(target.impl().representations.front().pixelColor(1, 1).red(), 128, 2);
 }
 
 TEST(ImageFocus, OriginIsLowerLeft) {
   Image source({4, 4}), target({4, 4});
-  source.impl().forms.front().fill(Qt::red);
+  source.impl().representations.front().fill(Qt::red);
   ImageFocus(target).draw(source, {0, 0}, {0, 0, 4, 1}, CompositingOperation::Copy, 1.0);
-  const QImage& pixels = target.impl().forms.front();
+  const QImage& pixels = target.impl().representations.front();
   EXPECT_EQ(pixels.pixelColor(0, pixels.height() - 1), QColor(Qt::red));
   EXPECT_EQ(pixels.pixelColor(0, 0).alpha(), 0);
 }
 
 TEST(ImageFocus, CopyReplacesAndSourceOverBlends) {
   Image clear({2, 2}), copied({2, 2}), covered({2, 2});
-  for (Image* image : {&copied, &covered}) image->impl().forms.front().fill(Qt::blue);
+  for (Image* image : {&copied, &covered}) image->impl().representations.front().fill(Qt::blue);
   ImageFocus(copied).draw(clear, {0, 0}, {0, 0, 2, 2}, CompositingOperation::Copy, 1.0);
   ImageFocus(covered).draw(clear, {0, 0}, {0, 0, 2, 2}, CompositingOperation::SourceOver, 1.0);
-  EXPECT_EQ(copied.impl().forms.front().pixelColor(0, 0).alpha(), 0);
-  EXPECT_EQ(covered.impl().forms.front().pixelColor(0, 0), QColor(Qt::blue));
+  EXPECT_EQ(copied.impl().representations.front().pixelColor(0, 0).alpha(), 0);
+  EXPECT_EQ(covered.impl().representations.front().pixelColor(0, 0), QColor(Qt::blue));
 }
 
 TEST(ImageFocus, StretchesSourceOnlyIfItScalesWhenResized) {
   for (const bool scales : {false, true}) {
     Image source({2, 2}), target({4, 4});
-    source.impl().forms.front().fill(Qt::red);
+    source.impl().representations.front().fill(Qt::red);
     source.setScalesWhenResized(scales);
     source.setSize({4, 4});
     ImageFocus(target).draw(source, {0, 0}, {0, 0, 4, 4}, CompositingOperation::Copy, 1.0);
-    const QColor upperRight =
-        target.impl().forms.front().pixelColor(target.impl().forms.front().width() - 1, 0);
+    const QColor upperRight = target.impl().representations.front().pixelColor(
+        target.impl().representations.front().width() - 1, 0);
     EXPECT_EQ(upperRight.alpha(), scales ? 255 : 0);
   }
 }

@@ -160,7 +160,7 @@ TEST_F(HelperInstallation, RefusedPrivateFolderGetsNoHelpers) {
 
 TEST_F(HelperInstallation, HelperBeyondDiskSpaceIsLeftOut) {
   if (::mount("none", "/tmp/run", "tmpfs", 0, "mode=700,size=64k") != 0)
-    GTEST_SKIP() << "no mounts to be had";
+    GTEST_SKIP() << "cannot mount a file system";
   putHelper("TovalinWebView", "whole\n#" + std::string(100'000, '#'));
   run("install");
   EXPECT_THAT(namesIn(kInstalled), UnorderedElementsAre("collectlogs", "launchctl", "open", "osascript"));
@@ -179,7 +179,7 @@ TEST_F(HelperInstallation, NoexecFolderIsReported) {
   fs::create_directory(belowTmp);
   for (const std::string& folder : {std::string("/tmp/run"), belowTmp}) {
     if (::mount("none", folder.c_str(), "tmpfs", MS_NOEXEC, "mode=700") != 0)
-      GTEST_SKIP() << "no mounts to be had";
+      GTEST_SKIP() << "cannot mount a file system";
   }
   test_support::ChildProcess child;
   ASSERT_TRUE(child.start({program_, "install"}, {.error = test_support::Redirection::pipe()}));

@@ -97,7 +97,7 @@ TEST_F(PrivateFolder, FileAsRuntimeFolderIsSkipped) {
 
 TEST_F(PrivateFolder, RuntimeFolderOfAnotherUserIsSkipped) {
   if (::chown(kRuntime, test_support::kNobody, test_support::kNobody) != 0)
-    GTEST_SKIP() << "this user may not give a folder away";
+    GTEST_SKIP() << "cannot change the owner of a folder";
   EXPECT_EQ(privateFolder(), belowTmp_);
 }
 
@@ -161,7 +161,7 @@ TEST_P(PreparedFolder, FolderOfAnotherUserIsRefused) {
   fs::create_directory(place_);
   setMode(place_, 0700);
   if (::chown(place_.c_str(), test_support::kNobody, test_support::kNobody) != 0)
-    GTEST_SKIP() << "this user may not give a folder away";
+    GTEST_SKIP() << "cannot change the owner of a folder";
   EXPECT_EQ(privateFolder(), std::nullopt);
 }
 
@@ -174,7 +174,7 @@ TEST_F(PrivateFolder, FailedCreationReturnsNullopt) {
     return privateFolder() ? 1 : 0;
   });
   setMode("/tmp", 01777);
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.status, ExitStatus{.code = 0});
 }
 
@@ -184,7 +184,7 @@ TEST_F(PrivateFolder, FoldersBelowTmpDifferBetweenUsers) {
     std::fputs(privateFolder().value_or("(none)").c_str(), stdout);
     return 0;
   });
-  if (wasNotToBeHad(finished)) GTEST_SKIP() << "this user can't become another";
+  if (wasUnavailable(finished)) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(finished.output, "/tmp/TovalinTray-65534");
   fs::remove("/tmp/TovalinTray-65534");
 }
@@ -198,7 +198,8 @@ class RuntimeFolderWithoutPrograms : public PrivateFolder {
  protected:
   void SetUp() override {
     PrivateFolder::SetUp();
-    if (::mount("none", kRuntime, "tmpfs", MS_NOEXEC, "mode=700") != 0) GTEST_SKIP() << "no mounts to be had";
+    if (::mount("none", kRuntime, "tmpfs", MS_NOEXEC, "mode=700") != 0)
+      GTEST_SKIP() << "cannot mount a file system";
   }
   void TearDown() override {
     ::umount2(kRuntime, MNT_DETACH);

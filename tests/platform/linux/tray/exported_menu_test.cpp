@@ -47,18 +47,18 @@ class ExportedMenu : public TrayBusTest {
   }
 };
 
-TEST_F(ExportedMenu, HasTheLinesOfTheMenu) {
+TEST_F(ExportedMenu, HasLinesOfMenu) {
   EXPECT_EQ(layout().labels, (QStringList{"First", "--", "Second", "Disabled"}));
   EXPECT_EQ(property(1, "enabled"), true);
   EXPECT_EQ(property(4, "enabled"), false);
 }
 
-TEST_F(ExportedMenu, ClickChoosesTheLine) {
+TEST_F(ExportedMenu, ClickTriggersLine) {
   EXPECT_EQ(sendEvent(3, "clicked").type(), QDBusMessage::ReplyMessage);
   EXPECT_TRUE(serveEventsUntil([&] { return chosen_ == QStringList{"Second"}; }));
 }
 
-TEST_F(ExportedMenu, OtherEventsAndClicksThatNobodyCouldMakeChooseNothing) {
+TEST_F(ExportedMenu, OtherEventsAndClicksOnUnclickableItemsAreIgnored) {
   for (const char* name : {"opened", "closed", "hovered", "CLICKED", "", "x-vendor-event"})
     EXPECT_EQ(sendEvent(1, name).type(), QDBusMessage::ReplyMessage) << name;
   for (const int id : {0, 2, 4}) EXPECT_EQ(sendEvent(id, "clicked").type(), QDBusMessage::ReplyMessage) << id;
@@ -66,7 +66,7 @@ TEST_F(ExportedMenu, OtherEventsAndClicksThatNobodyCouldMakeChooseNothing) {
   EXPECT_EQ(chosen_, QStringList());
 }
 
-TEST_F(ExportedMenu, NewTitleIsSentWithItsSignal) {
+TEST_F(ExportedMenu, ChangedTitleIsSentInSignal) {
   const uint revision = layout().revision;
   item_->menu()->itemWithTitle("First")->setTitle("Another_one & more");
   const auto signal = waitForSignal("ItemsPropertiesUpdated");
@@ -76,7 +76,7 @@ TEST_F(ExportedMenu, NewTitleIsSentWithItsSignal) {
   EXPECT_EQ(layout().revision, revision);
 }
 
-TEST_F(ExportedMenu, NewLineIsANewLayout) {
+TEST_F(ExportedMenu, AddedLineUpdatesLayout) {
   const uint revision = layout().revision;
   item_->menu()->addItem(std::make_unique<platform::MenuItem>("Third", [] {}));
   const auto signal = waitForSignal("LayoutUpdated");
@@ -87,7 +87,7 @@ TEST_F(ExportedMenu, NewLineIsANewLayout) {
   EXPECT_EQ(layout().revision, signal->arguments()[0].toUInt());
 }
 
-TEST_F(ExportedMenu, NewMenuIsANewLayout) {
+TEST_F(ExportedMenu, ReplacedMenuUpdatesLayout) {
   const uint revision = layout().revision;
   auto menu = std::make_unique<platform::Menu>();
   menu->addItem(std::make_unique<platform::MenuItem>("Only", [] {}));
@@ -97,7 +97,7 @@ TEST_F(ExportedMenu, NewMenuIsANewLayout) {
   EXPECT_GT(layout().revision, revision);
 }
 
-TEST_F(ExportedMenu, PictureIsAPngOfItsOwnSize) {
+TEST_F(ExportedMenu, PictureIsPngOfItsOwnSize) {
   EXPECT_EQ(property(1, "icon-data"), QVariant());
   const auto picture = std::make_shared<platform::Image>(platform::Size{70, 17});
   item_->menu()->itemWithTitle("First")->setImage(picture);
@@ -116,13 +116,13 @@ TEST_F(ExportedMenu, AboutToShowNeedsNoUpdate) {
   EXPECT_EQ(qdbus_cast<QList<int>>(group.arguments().value(1)), QList<int>{77});
 }
 
-TEST_F(ExportedMenu, GroupOfPropertiesHasTheItemsAskedFor) {
+TEST_F(ExportedMenu, GroupPropertiesReturnsRequestedItems) {
   const QDBusMessage reply =
       callMenu("GetGroupProperties", {QVariant::fromValue(QList<int>{1, 3}), QStringList{"label"}});
   EXPECT_EQ(reply.signature(), "a(ia{sv})");
 }
 
-TEST_F(ExportedMenu, TellsItsOwnProperties) {
+TEST_F(ExportedMenu, HasOwnProperties) {
   const auto get = [this](const char* name) {
     return callMenu("Get", {menuInterface, name}, propertiesInterface)
         .arguments()

@@ -51,7 +51,7 @@ class HiddenIcon : public TrayBusTest {
  protected:
   void SetUp() override { fs::remove_all(platform::privateFolderPath()); }
 
-  // A start of the program that waits this long for a panel.
+  // Simulates a start of the program, which waits this long for a panel.
   void start(std::chrono::milliseconds patience = 1ms) {
     item_.reset();
     makeItem();
@@ -60,7 +60,7 @@ class HiddenIcon : public TrayBusTest {
   [[nodiscard]] bool isShown(qsizetype times) {
     return serveEventsUntil([&] { return server_.shown().size() == times; });
   }
-  // A time in which a notification would have come: each start asks the watcher, then the timer is over.
+  // Waits long enough for a notification: a start queries the watcher, then its timer expires.
   void serveAWhile() {
     static_cast<void>(serveEventsUntil([] { return false; }, 300ms));
   }
@@ -68,7 +68,7 @@ class HiddenIcon : public TrayBusTest {
   NotificationServer server_{host_.bus()};
 };
 
-TEST_F(HiddenIcon, IsToldInANotification) {
+TEST_F(HiddenIcon, IsReportedInNotification) {
   start();
   ASSERT_TRUE(isShown(1));
   const QDBusMessage& shown = server_.shown()[0];
@@ -77,19 +77,19 @@ TEST_F(HiddenIcon, IsToldInANotification) {
   EXPECT_EQ(shown.arguments()[4], "But <hidden> & alone");
 }
 
-TEST_F(HiddenIcon, IsToldOnceInASession) {
+TEST_F(HiddenIcon, IsReportedOncePerSession) {
   start();
   ASSERT_TRUE(isShown(1));
   start();
   serveAWhile();
   EXPECT_EQ(server_.shown().size(), 1);
-  // Another session has a folder of its own.
+  // Another session has a new private folder.
   fs::remove_all(platform::privateFolderPath());
   start();
   EXPECT_TRUE(isShown(2));
 }
 
-TEST_F(HiddenIcon, IsToldAgainWhereNobodyShowedIt) {
+TEST_F(HiddenIcon, IsReportedAgainIfServerRefused) {
   server_.refuse(true);
   start();
   ASSERT_TRUE(isShown(1));
@@ -99,7 +99,7 @@ TEST_F(HiddenIcon, IsToldAgainWhereNobodyShowedIt) {
   EXPECT_TRUE(isShown(2));
 }
 
-TEST_F(HiddenIcon, IsNotToldWhileAPanelShowsIt) {
+TEST_F(HiddenIcon, IsNotReportedWhilePanelShowsIt) {
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   start(200ms);
   ASSERT_TRUE(waitForItems(1));
@@ -107,8 +107,8 @@ TEST_F(HiddenIcon, IsNotToldWhileAPanelShowsIt) {
   EXPECT_TRUE(server_.shown().isEmpty());
 }
 
-// Earlier than the notice: the panel came in time.
-TEST_F(HiddenIcon, IsNotToldWhenAPanelComesInTime) {
+// The panel appears before the timeout.
+TEST_F(HiddenIcon, IsNotReportedIfPanelAppearsBeforeTimeout) {
   start(500ms);
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   ASSERT_TRUE(waitForItems(1));
@@ -116,7 +116,7 @@ TEST_F(HiddenIcon, IsNotToldWhenAPanelComesInTime) {
   EXPECT_TRUE(server_.shown().isEmpty());
 }
 
-TEST_F(HiddenIcon, IsNotToldAfterTheItemsEnd) {
+TEST_F(HiddenIcon, IsNotReportedAfterDestructionOfItem) {
   start(100ms);
   item_.reset();
   serveAWhile();

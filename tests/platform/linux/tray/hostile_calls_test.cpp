@@ -12,7 +12,7 @@ namespace {
 const QString invalidArgs = "org.freedesktop.DBus.Error.InvalidArgs";
 const QString unknownMethod = "org.freedesktop.DBus.Error.UnknownMethod";
 
-// Programs on the session bus that send what no host sends.
+// Calls from the session bus that no tray host makes.
 class HostileCalls : public TrayBusTest {
  protected:
   void SetUp() override {
@@ -28,7 +28,7 @@ class HostileCalls : public TrayBusTest {
   }
 };
 
-TEST_F(HostileCalls, ArgumentsOfOtherTypesAreRefused) {
+TEST_F(HostileCalls, ArgumentsOfWrongTypesAreRefused) {
   struct Row {
     const char* method;
     QVariantList arguments;
@@ -74,14 +74,14 @@ TEST_F(HostileCalls, UnknownMethodsInterfacesAndPropertiesAreRefused) {
   EXPECT_EQ(properties()["Title"], "All is well");
 }
 
-TEST_F(HostileCalls, ItemThatIsNamedAMillionTimesIsAnsweredOnce) {
+TEST_F(HostileCalls, ItemRequestedMillionTimesIsReturnedOnce) {
   const QDBusMessage reply =
       callMenu("GetGroupProperties", {QVariant::fromValue(QList<int>(1'000'000, 1)), QStringList()});
   const auto array = reply.arguments().value(0).value<QDBusArgument>();
   EXPECT_EQ(qdbus_cast<QList<platform::MenuProperties>>(array).size(), 1);
 }
 
-TEST_F(HostileCalls, FloodOfClicksIsCutOffAndThoseAfterItWork) {
+TEST_F(HostileCalls, FloodOfClicksIsLimitedAndLaterClicksWork) {
   EXPECT_EQ(callMenu("EventGroup", {events(100'000, 1)}).type(), QDBusMessage::ReplyMessage);
   ASSERT_TRUE(serveEventsUntil([&] { return !chosen_.isEmpty(); }));
   ASSERT_TRUE(isAlive());
@@ -91,7 +91,7 @@ TEST_F(HostileCalls, FloodOfClicksIsCutOffAndThoseAfterItWork) {
   EXPECT_TRUE(serveEventsUntil([&] { return chosen_ == QStringList{"Second"}; }));
 }
 
-TEST_F(HostileCalls, CallsThatWantNoAnswerGetNone) {
+TEST_F(HostileCalls, CallsWithoutReplyExpectedGetNone) {
   const QString service = watcher_->items()[0].service;
   for (const char* method : {"GetLayout", "Nonsense"}) {
     QDBusMessage call = QDBusMessage::createMethodCall(service, "/MenuBar", menuInterface, method);

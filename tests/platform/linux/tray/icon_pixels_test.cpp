@@ -15,7 +15,7 @@ std::string bytesOf(const IconPixels& pixels) {
   return pixels.bytes.toStdString();
 }
 
-TEST(IconPixels, AreAlphaRedGreenBlueWhateverTheFormatOfThePicture) {
+TEST(IconPixels, AreAlphaRedGreenBlueForEveryImageFormat) {
   struct Row {
     QImage::Format format;
     QColor colour;
@@ -36,8 +36,8 @@ TEST(IconPixels, AreAlphaRedGreenBlueWhateverTheFormatOfThePicture) {
   }
 }
 
-// The lines of an image of odd width in one byte to the pixel end with bytes that are no pixels.
-TEST(IconPixels, RunFromTheTopLeftWithoutGapsBetweenLines) {
+// Rows of an image of odd width, at one byte per pixel, end with padding bytes.
+TEST(IconPixels, StartAtTopLeftWithoutPaddingBetweenRows) {
   QImage picture(3, 2, QImage::Format_Grayscale8);
   for (int i = 0; i < 6; ++i) picture.setPixelColor(i % 3, i / 3, QColor(i, i, i));
   const IconPixels pixels = iconPixels(picture);
@@ -47,7 +47,7 @@ TEST(IconPixels, RunFromTheTopLeftWithoutGapsBetweenLines) {
   for (int i = 0; i < 6; ++i) EXPECT_EQ(pixels.bytes[4 * i + 1], i);
 }
 
-TEST(PanelPixels, HaveTheImageAtOneTwoAndFourPixelsToThePoint) {
+TEST(PanelPixels, HaveImageAtOneTwoAndFourPixelsPerPoint) {
   const platform::Image image({20, 10});
   const auto all = platform::panelPixels(&image);
   ASSERT_EQ(all.size(), 3);
@@ -58,7 +58,7 @@ TEST(PanelPixels, HaveTheImageAtOneTwoAndFourPixelsToThePoint) {
   }
 }
 
-TEST(PanelPixels, AreEmptyWithoutAPicture) {
+TEST(PanelPixels, AreEmptyWithoutPicture) {
   EXPECT_TRUE(platform::panelPixels(nullptr).isEmpty());
   const platform::Image invalid({0, 0});
   EXPECT_TRUE(platform::panelPixels(&invalid).isEmpty());

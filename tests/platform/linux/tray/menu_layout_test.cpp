@@ -12,7 +12,7 @@ const QList<MenuLine> lines{{.title = "One"},
                             {.title = "Two", .enabled = false, .picture = "PNG"},
                             {.title = "", .visible = false}};
 
-TEST(MenuProperties, NameWhatALineIs) {
+TEST(MenuProperties, DescribeEachKindOfLine) {
   struct Row {
     MenuLine line;
     QVariantMap properties;
@@ -24,12 +24,12 @@ TEST(MenuProperties, NameWhatALineIs) {
         Row{{.separator = true}, {{"type", "separator"}, {"enabled", true}, {"visible", true}}},
         Row{{.title = "A", .picture = "PNG"},
             {{"label", "A"}, {"enabled", true}, {"visible", true}, {"icon-data", QByteArray("PNG")}}},
-        // One underscore would mark a letter for the keyboard.
+        // A single underscore would mark the access key.
         Row{{.title = "a_b__c & d"}, {{"label", "a__b____c & d"}, {"enabled", true}, {"visible", true}}}})
     EXPECT_EQ(platform::propertiesOf(row.line), row.properties) << row.line.title.toStdString();
 }
 
-TEST(MenuItems, AreTheMenuAndItsLines) {
+TEST(MenuItems, IncludeMenuAndItsLines) {
   for (const int id : {0, 1, 2, 3, 4}) EXPECT_TRUE(platform::hasItem(lines, id)) << id;
   for (const int id : {-1, 5, 1000000, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
     EXPECT_FALSE(platform::hasItem(lines, id)) << id;
@@ -42,7 +42,7 @@ TEST(MenuItems, OnlyVisibleEnabledLinesCanBeChosen) {
   for (const int id : {-1, 0, 2, 3, 4, 5}) EXPECT_FALSE(platform::canBeChosen(lines, id)) << id;
 }
 
-TEST(MenuLayout, HasTheLinesBelowTheMenu) {
+TEST(MenuLayout, HasLinesAsChildrenOfMenu) {
   const auto layout = platform::layoutOf(lines, 0, -1, {});
   EXPECT_EQ(layout.id, 0);
   EXPECT_EQ(layout.properties, (QVariantMap{{"children-display", "submenu"}}));
@@ -54,7 +54,7 @@ TEST(MenuLayout, HasTheLinesBelowTheMenu) {
   }
 }
 
-TEST(MenuLayout, EndsAtItsDepth) {
+TEST(MenuLayout, IsLimitedToRequestedDepth) {
   struct Row {
     int id, depth;
     int children;
@@ -65,7 +65,7 @@ TEST(MenuLayout, EndsAtItsDepth) {
   EXPECT_EQ(platform::layoutOf(lines, 3, -1, {}).properties.value("label"), "Two");
 }
 
-TEST(MenuLayout, HasOnlyThePropertiesAskedFor) {
+TEST(MenuLayout, HasOnlyRequestedProperties) {
   const auto layout = platform::layoutOf(lines, 0, -1, {"label", "nonsense"});
   EXPECT_TRUE(layout.properties.isEmpty());
   EXPECT_EQ(layout.children[0].properties, (QVariantMap{{"label", "One"}}));
@@ -84,7 +84,7 @@ TEST(MenuGroup, HasEachKnownItemOnce) {
   EXPECT_EQ(ids({77}), (QList<int>{}));
 }
 
-TEST(MenuChanges, NameWhatIsDifferent) {
+TEST(MenuChanges, ContainOnlyDifferences) {
   struct Row {
     const char* name;
     QList<MenuLine> before, after;

@@ -24,7 +24,7 @@ QString ownName(int number) {
   return QString("org.kde.StatusNotifierItem-%1-%2").arg(QCoreApplication::applicationPid()).arg(number);
 }
 
-TEST_F(TrayBusTest, TellsAHostWhatItIs) {
+TEST_F(TrayBusTest, HasPropertiesOfStatusNotifierItem) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   const QVariantMap all = properties();
   EXPECT_EQ(all["Category"], "ApplicationStatus");
@@ -53,7 +53,7 @@ TEST_F(TrayBusTest, EachPropertyCanBeReadAlone) {
   }
 }
 
-TEST_F(TrayBusTest, TextIsTheTitleWithoutAToolTipAndTheProgramsNameWithoutBoth) {
+TEST_F(TrayBusTest, TextDefaultsToTitleThenToProgramName) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   item_->setTitle("Named");
   EXPECT_EQ(properties()["Title"], "All is well");
@@ -63,7 +63,7 @@ TEST_F(TrayBusTest, TextIsTheTitleWithoutAToolTipAndTheProgramsNameWithoutBoth) 
   EXPECT_EQ(properties()["Title"], QCoreApplication::applicationName());
 }
 
-TEST_F(TrayBusTest, ActivationsAreUnknownMethodsSoThatTheHostOpensItsMenu) {
+TEST_F(TrayBusTest, ActivateAndSecondaryActivateAreUnknownMethods) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   for (const char* method : {"Activate", "SecondaryActivate"}) {
     const QDBusMessage reply = callItem(itemInterface, method, {10, 20});
@@ -72,7 +72,7 @@ TEST_F(TrayBusTest, ActivationsAreUnknownMethodsSoThatTheHostOpensItsMenu) {
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
-TEST_F(TrayBusTest, ContextMenuOpensOurMenuAtThePlace) {
+TEST_F(TrayBusTest, ContextMenuOpensMenuAtPosition) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   EXPECT_EQ(callItem(itemInterface, "ContextMenu", {100, 200}).type(), QDBusMessage::ReplyMessage);
   ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
@@ -101,7 +101,7 @@ TEST_F(TrayBusTest, ChangesAreSignalledOnceEach) {
   EXPECT_EQ(host_.signalNames(), QStringList());
 }
 
-TEST_F(TrayBusTest, RegistersAgainWithAWatcherThatIsStartedAgain) {
+TEST_F(TrayBusTest, RegistersWithRestartedWatcher) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   stopWatcher();
   ASSERT_NO_FATAL_FAILURE(startWatcher());
@@ -109,8 +109,8 @@ TEST_F(TrayBusTest, RegistersAgainWithAWatcherThatIsStartedAgain) {
   EXPECT_EQ(properties()["Title"], "All is well");
 }
 
-// The bus may pass the name from one watcher to the next without a moment in which it has no owner.
-TEST_F(TrayBusTest, RegistersWithAWatcherThatReplacesAnother) {
+// The bus may transfer the name from one watcher to the next without an interval in which it has no owner.
+TEST_F(TrayBusTest, RegistersWithReplacementWatcher) {
   constexpr auto service = "org.kde.StatusNotifierWatcher";
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   host_.bus().unregisterService(service);
@@ -127,7 +127,7 @@ TEST_F(TrayBusTest, RegistersWithAWatcherThatReplacesAnother) {
   EXPECT_TRUE(serveEventsUntil([&] { return successor.items().size() == 1; }));
 }
 
-TEST_F(TrayBusTest, HostThatComesAndGoesWithoutItsWatcherFindsOneItem) {
+TEST_F(TrayBusTest, HostRestartedWithoutWatcherFindsOneItem) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   watcher_->setHostRegistered(false);
   watcher_->setHostRegistered(true);
@@ -135,7 +135,7 @@ TEST_F(TrayBusTest, HostThatComesAndGoesWithoutItsWatcherFindsOneItem) {
   EXPECT_EQ(watcher_->items().size(), 1);
 }
 
-TEST_F(TrayBusTest, LeavesTheWatcherWithoutAnImageAndComesBackWithOne) {
+TEST_F(TrayBusTest, ItemIsUnregisteredWithoutImageAndRegisteredWithOne) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   for (int times = 0; times < 3; ++times) {
     item_->setImage(nullptr);
@@ -145,7 +145,7 @@ TEST_F(TrayBusTest, LeavesTheWatcherWithoutAnImageAndComesBackWithOne) {
   }
 }
 
-TEST_F(TrayBusTest, ImageThatComesAndGoesAtOnceLeavesTheLastState) {
+TEST_F(TrayBusTest, QuickImageChangesEndInLastState) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   const auto image = std::make_shared<Image>(Size{20, 20});
   item_->setImage(nullptr);
@@ -159,14 +159,14 @@ TEST_F(TrayBusTest, ImageThatComesAndGoesAtOnceLeavesTheLastState) {
   EXPECT_EQ(properties()["Title"], "All is well");
 }
 
-TEST_F(TrayBusTest, LeavesTheWatcherWithTheObject) {
+TEST_F(TrayBusTest, DestructionUnregistersItem) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   item_.reset();
   EXPECT_TRUE(waitForItems(0));
 }
 
-// Processes of other PID namespaces on the bus count from one, too.
-TEST_F(TrayBusTest, TakesTheNextNameWhereItsFirstOneIsTaken) {
+// A process of another PID namespace on the bus may have the same process id.
+TEST_F(TrayBusTest, UsesNextNameIfFirstOneIsOwned) {
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   ASSERT_TRUE(host_.bus().registerService(ownName(1)));
   makeItem();

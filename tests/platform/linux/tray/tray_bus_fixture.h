@@ -19,7 +19,7 @@ inline const QString itemInterface = "org.kde.StatusNotifierItem";
 inline const QString menuInterface = "com.canonical.dbusmenu";
 inline const QString propertiesInterface = "org.freedesktop.DBus.Properties";
 
-// A connection to the session bus that notes the signals of an item and its menu.
+// A connection to the session bus that records the signals of an item and its menu.
 class BusClient : public QObject {
   Q_OBJECT
  public:
@@ -27,10 +27,10 @@ class BusClient : public QObject {
   ~BusClient() override;
 
   [[nodiscard]] QDBusConnection& bus() { return bus_; }
-  // Serves this process's events until the answer is there.
+  // Processes this process's events until the reply has arrived.
   [[nodiscard]] QDBusMessage call(const QString& service, const QString& path, const QString& interface,
                                   const QString& method, const QVariantList& arguments = {});
-  // The first signal of this name since the last time one was taken.
+  // Removes and returns the first signal of this name.
   [[nodiscard]] std::optional<QDBusMessage> takeSignal(const QString& name);
   [[nodiscard]] QStringList signalNames() const;
   void forgetSignals() { signals_.clear(); }
@@ -49,7 +49,7 @@ class TrayBusTest : public testing::Test {
  protected:
   void startWatcher();
   void stopWatcher();
-  // Makes the item, with an image and a menu.
+  // Creates the item with an image and a menu.
   void makeItem();
   void makeRegisteredItem();
   [[nodiscard]] bool waitForItems(qsizetype number);
@@ -60,11 +60,11 @@ class TrayBusTest : public testing::Test {
                                       const QString& interface = menuInterface);
   [[nodiscard]] QVariantMap properties();
   [[nodiscard]] std::optional<QDBusMessage> waitForSignal(const QString& name);
-  // Whether the item still answers.
+  // Returns whether the item still replies.
   [[nodiscard]] bool isAlive();
 
   BusClient host_{"host"};
   std::unique_ptr<StatusNotifierWatcher> watcher_;
   std::unique_ptr<platform::StatusItem> item_;
-  QStringList chosen_;  // the titles of the items chosen so far
+  QStringList chosen_;  // titles of the items chosen so far
 };

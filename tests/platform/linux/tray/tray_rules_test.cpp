@@ -16,7 +16,7 @@ using platform::pointAtPixel;
 using platform::StatusContent;
 using platform::TrayPlace;
 
-TEST(TrayPlace, IsTheHostOnTheBusThenTheTrayOfTheScreenElseWhereItWas) {
+TEST(TrayPlace, PrefersHostOnBusThenTrayOnScreenThenCurrentPlace) {
   struct Row {
     TrayPlace current;
     BusHost host;
@@ -46,7 +46,7 @@ TEST(TrayPlace, IsTheHostOnTheBusThenTheTrayOfTheScreenElseWhereItWas) {
         << static_cast<int>(row.current) << " " << static_cast<int>(row.host) << " " << row.trayOnScreen;
 }
 
-TEST(PointAtPixel, IsTheToolkitsPointOnTheScreenThatHasThePixel) {
+TEST(PointAtPixel, IsQtsPointOnScreenThatContainsPixel) {
   const std::vector<platform::ScaledScreen> screens{{QRect(0, 0, 640, 400), 2},
                                                     {QRect(1280, 0, 1024, 768), 1}};
   struct Row {
@@ -61,7 +61,7 @@ TEST(PointAtPixel, IsTheToolkitsPointOnTheScreenThatHasThePixel) {
   EXPECT_EQ(pointAtPixel({1, 1}, {}), std::nullopt);
 }
 
-TEST(StatusSignals, NameWhatHasChanged) {
+TEST(StatusSignals, ContainOnlyChangedProperties) {
   const auto one = std::make_shared<platform::Image>(platform::Size{20, 20});
   const auto other = std::make_shared<platform::Image>(platform::Size{20, 20});
   const StatusContent before{.text = "On", .image = one, .symbol = "on"};
@@ -77,7 +77,7 @@ TEST(StatusSignals, NameWhatHasChanged) {
     EXPECT_EQ(platform::signalsOfChange(before, row.after), row.names);
 }
 
-TEST(Symbol, IsNamedOnlyWhereItsFileIsThere) {
+TEST(Symbol, IsUsedOnlyIfItsFileExists) {
   const QString folder = "/tmp/symbols";
   std::filesystem::create_directories("/tmp/symbols/hicolor/symbolic/apps");
   std::ofstream("/tmp/symbols/hicolor/symbolic/apps/there-symbolic.svg") << "<svg/>";

@@ -17,7 +17,7 @@ namespace {
 
 using platform::Application;
 
-// A window that hides while another program is active, and such a program.
+// A window that hides while another program is active, and another program.
 class WindowActivity : public WindowFixture {
  protected:
   void SetUp() override { layout_.window->setHidesOnDeactivate(true); }
@@ -204,7 +204,7 @@ TEST_F(WindowActivity, StaysWhenOtherWindowOfProgramGetsFocus) {
   plain.window->close();
 }
 
-// Simulates a desktop that prevents programs from taking the input focus.
+// Simulates a window manager that does not let programs take the input focus.
 TEST_F(WindowActivity, StaysIfShownWhileOtherProgramIsActive) {
   SupportLayout plain;
   ASSERT_TRUE(show(*plain.window));
@@ -229,7 +229,7 @@ TEST_F(WindowActivity, StaysWhileMenuOfProgramIsOpen) {
 
 using WindowChoice = WindowActivity;
 
-TEST_F(WindowChoice, WindowStaysDuringSwitchAndIfChosen) {
+TEST_F(WindowChoice, WindowStaysDuringWindowSwitchAndIfChosen) {
   ASSERT_TRUE(beginChoice());
   EXPECT_TRUE(stays());
   press("Escape");

@@ -119,7 +119,7 @@ TEST(UrlRequestBody, SeekReachesEveryPositionUpToEnd) {
   EXPECT_FALSE(body.seek(whole.size() + 1));
   std::string next(1, '\0');
   EXPECT_EQ(body.read(next), 1U);
-  EXPECT_EQ(next, "d") << "a position behind the end moves nothing";
+  EXPECT_EQ(next, "d") << "an invalid position moved the read position";
 }
 
 TEST(UrlRequestPost, LargeBodyIsSentWhole) {

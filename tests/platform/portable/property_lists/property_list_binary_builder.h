@@ -7,8 +7,7 @@
 
 namespace property_list_support {
 
-// Builds a binary property list from objects given as bytes. The members whose names begin with "told"
-// replace values of the trailer with false ones.
+// Builds a binary property list from objects given as bytes.
 struct BinaryList {
   std::vector<std::string> objects;
   unsigned offsetSize = 2;

@@ -170,7 +170,7 @@ TEST_F(PropertyListFile, FileWithoutReadPermissionIsOpenFailed) {
     const bool refused = ::open(secret.c_str(), O_RDONLY | O_CLOEXEC) == -1 && errno == EACCES;
     return refused && readPropertyListFile(secret) == Result(PropertyListError::OpenFailed);
   });
-  if (outcome == 2) GTEST_SKIP() << "no other user to become here";
+  if (outcome == 2) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(outcome, 0);
 }
 
@@ -183,7 +183,7 @@ TEST_F(PropertyListFile, FileInFolderWithoutSearchPermissionIsOpenFailed) {
     return refused && readPropertyListFile(hidden) == Result(PropertyListError::OpenFailed) &&
            readPropertyListFile(path("closed")) == Result(PropertyListError::NoStream);
   });
-  if (outcome == 2) GTEST_SKIP() << "no other user to become here";
+  if (outcome == 2) GTEST_SKIP() << "cannot change to another user";
   EXPECT_EQ(outcome, 0);
 }
 
