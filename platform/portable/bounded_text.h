@@ -17,13 +17,21 @@ class BoundedText {
   [[nodiscard]] bool append(std::string_view piece) {
     if (piece.size() > limit_ - text_.size()) return false;
     const std::size_t needed = text_.size() + piece.size();
-    if (needed > text_.capacity()) text_.reserve(std::max(needed, std::min(2 * text_.capacity(), limit_)));
+    if (needed > text_.capacity()) grow(std::max(needed, std::min(2 * text_.capacity(), limit_)));
     text_ += piece;
     return true;
   }
   [[nodiscard]] std::string take() { return std::move(text_); }
 
  private:
+  // A new string, because reserve() of a longer one may double its capacity beyond the limit.
+  void grow(std::size_t capacity) {
+    std::string larger;
+    larger.reserve(capacity);
+    larger += text_;
+    text_.swap(larger);
+  }
+
   std::size_t limit_;
   std::string text_;
 };
