@@ -2,10 +2,6 @@
 
 #include <utility>
 
-#include <QPainter>
-#include <QStyle>
-#include <QStyleOptionFocusRect>
-
 #include "platform/linux/windows/window_impl.h"
 
 namespace platform {
@@ -20,14 +16,6 @@ QStringList AccessibleLink::actionNames() const {
 void AccessibleLink::doAction(const QString& action) {
   if (action != pressAction()) return QAccessibleWidget::doAction(action);
   if (acceptsInput(*widget())) press_();
-}
-
-void drawFocusFrame(QWidget& widget, const QRect& area) {
-  QPainter painter(&widget);
-  QStyleOptionFocusRect focus;
-  focus.initFrom(&widget);
-  focus.rect = area;
-  widget.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, &widget);
 }
 
 }  // namespace platform

@@ -19,7 +19,4 @@ class AccessibleLink : public QAccessibleWidget {
   std::function<void()> press_;
 };
 
-// Draws the focus frame around `area` of the widget.
-void drawFocusFrame(QWidget& widget, const QRect& area);
-
 }  // namespace platform
