@@ -3,7 +3,7 @@
 #include <QPainter>
 #include <QWidget>
 
-#include "platform/linux/windows/color_contrast.h"
+#include "platform/linux/desktop/color_contrast.h"
 
 namespace platform {
 namespace {

@@ -9,9 +9,9 @@
 
 #include "platform/image.h"
 #include "platform/linux/images/image_impl.h"
+#include "platform/linux/windows/accessibility.h"
 #include "platform/linux/windows/focus_ring.h"
 #include "platform/linux/windows/key_repeat.h"
-#include "platform/linux/windows/link_access.h"
 #include "platform/linux/windows/view_impl.h"
 
 namespace platform {

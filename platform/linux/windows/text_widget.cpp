@@ -5,9 +5,9 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "platform/linux/windows/accessibility.h"
 #include "platform/linux/windows/color_impl.h"
 #include "platform/linux/windows/focus_ring.h"
-#include "platform/linux/windows/link_access.h"
 #include "platform/workspace.h"
 
 namespace platform {

@@ -13,14 +13,14 @@
 #include <QVariant>
 #include <QWindow>
 
+#include "platform/linux/desktop/color_contrast.h"
 #include "platform/linux/desktop/desktop_watch.h"
 #include "platform/linux/desktop/x_requests.h"
-#include "platform/linux/windows/color_contrast.h"
+#include "platform/linux/windows/accessibility.h"
 #include "platform/linux/windows/color_impl.h"
 #include "platform/linux/windows/modal_stack.h"
 #include "platform/linux/windows/text_impl.h"
 #include "platform/linux/windows/view_impl.h"
-#include "platform/linux/windows/window_access.h"
 #include "platform/linux/windows/window_hints.h"
 #include "platform/linux/windows/window_impl.h"
 

@@ -5,7 +5,7 @@
 #include <QImage>
 
 #include "platform/linux/desktop/appearance.h"
-#include "platform/linux/windows/color_contrast.h"
+#include "platform/linux/desktop/color_contrast.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
 

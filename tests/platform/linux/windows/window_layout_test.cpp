@@ -7,7 +7,7 @@
 #include <QPushButton>
 
 #include "platform/linux/desktop/appearance.h"
-#include "platform/linux/windows/color_contrast.h"
+#include "platform/linux/desktop/color_contrast.h"
 #include "tests/harness/desktop/x_windows.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"

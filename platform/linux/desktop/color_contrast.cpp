@@ -1,4 +1,4 @@
-#include "platform/linux/windows/color_contrast.h"
+#include "platform/linux/desktop/color_contrast.h"
 
 #include <algorithm>
 #include <cmath>

@@ -11,7 +11,7 @@ using platform::Application;
 using platform::Window;
 using platform::WindowStyle;
 
-// Tests what a window tells assistive technology about itself.
+// Tests how a window is described to assistive technology.
 class WindowAccess : public WindowFixture {
  protected:
   [[nodiscard]] static QAccessibleInterface& described(const Window& window) {

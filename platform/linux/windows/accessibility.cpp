@@ -1,6 +1,6 @@
-#include "platform/linux/windows/window_access.h"
+#include "platform/linux/windows/accessibility.h"
 
-#include <QAccessibleWidget>
+#include <utility>
 
 #include "platform/linux/windows/modal_stack.h"
 #include "platform/linux/windows/window_impl.h"
@@ -29,6 +29,18 @@ QAccessibleInterface* describeWindow(const QString&, QObject* object) {
 }
 
 }  // namespace
+
+AccessibleLink::AccessibleLink(QWidget& widget, const QString& name, std::function<void()> press)
+    : QAccessibleWidget(&widget, QAccessible::Link, name), press_(std::move(press)) {}
+
+QStringList AccessibleLink::actionNames() const {
+  return QStringList(pressAction()) + QAccessibleWidget::actionNames();
+}
+
+void AccessibleLink::doAction(const QString& action) {
+  if (action != pressAction()) return QAccessibleWidget::doAction(action);
+  if (acceptsInput(*widget())) press_();
+}
 
 void describeWindowsToAccessibility() {
   QAccessible::installFactory(describeWindow);  // a repeated installation is ignored
