@@ -16,6 +16,14 @@ std::optional<NoticeEntry> noticeEntry(const PropertyList& notice, std::string_v
   return NoticeEntry{*subject, *link};
 }
 
+// Returns a text that begins with a URL's authority without the "user:password@" before its host, which could
+// look like a host.
+std::string_view withoutUserInformation(std::string_view authorityAndPath) {
+  const std::string_view authority = authorityAndPath.substr(0, authorityAndPath.find_first_of("/?#"));
+  const std::size_t at = authority.rfind('@');
+  return at == std::string_view::npos ? authorityAndPath : authorityAndPath.substr(at + 1);
+}
+
 }  // namespace
 
 std::optional<std::array<NoticeEntry, 2>> noticeEntries(const PropertyList& notice) {
@@ -38,6 +46,13 @@ std::optional<Banner> chosenBanner(const PropertyList& list, std::uint32_t rando
   const std::string* link = entry.textAt("link");
   if (fileName == nullptr || link == nullptr) return std::nullopt;
   return Banner{*fileName, *link};
+}
+
+std::string bannerLabel(std::string_view link) {
+  constexpr std::size_t maxCharacters = 100;
+  if (!isLink(link)) return "Banner";
+  const std::string_view place = withoutUserInformation(link.substr(link.find("//") + 2));
+  return "Banner, opens " + std::string(place.substr(0, maxCharacters));
 }
 
 std::optional<std::string> bannerPath(const Banner& banner) {

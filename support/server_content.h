@@ -34,6 +34,10 @@ struct Banner {
 // is empty or not an array, or if the entry lacks one of its two strings.
 [[nodiscard]] std::optional<Banner> chosenBanner(const platform::PropertyList& list, std::uint32_t random);
 
+// Returns the accessible name of a banner: that it is one, and where it leads if `link` may be opened. The
+// address is shown from its host on and limited to 100 characters.
+[[nodiscard]] std::string bannerLabel(std::string_view link);
+
 // Returns the path of the banner's picture on the product server. Returns nullopt if the name cannot be part
 // of a URL. An empty name yields the banner folder, which is not a picture.
 [[nodiscard]] std::optional<std::string> bannerPath(const Banner& banner);

@@ -72,7 +72,6 @@ std::shared_ptr<platform::Window> nimbatrayAppDelegate::makeSupportWindow() {
   auto built = platform::Window::make(support_layout::window, platform::WindowStyle::TitledClosable);
   if (built == nullptr) return nullptr;
   built->setTitle("Support Tovalin");
-  // The tab order is the order in which the controls are created.
   const auto header = makeHeaderPanel();
   const auto faqButton = makeButtons();
   const auto notice = makeNoticePanel(*faqButton);
@@ -127,17 +126,18 @@ std::shared_ptr<View> nimbatrayAppDelegate::makeNoticePanel(platform::Button& fa
 
 std::shared_ptr<View> nimbatrayAppDelegate::makeBannerBand() {
   bannerImgView = std::make_shared<tovalinNSImageView>(support_layout::banner);
+  bannerImgView->setAccessibilityLabel("Banner");
   if (!isNetworkOnline) {
     bannerImg = platform::imageNamed("Tovalinbanner.png");
   } else if (bannerList != nullptr && getBannerImg() != 0) {
     bannerImgView->delegate = this;
     bannerImgView->setActsAsLink(true);
+    bannerImgView->setAccessibilityLabel(bannerLabel(*bannerLink));
   } else {
     platform::consoleLog("bannerlist is NULL!");
   }
   bannerImgView->setImage(
       imageResize(bannerImg.get(), support_layout::banner.width, support_layout::banner.height));
-  bannerImgView->setAccessibilityLabel("Banner");
   return panel(support_layout::bannerBand, {bannerImgView});
 }
 

@@ -44,6 +44,17 @@ std::string repeated(const std::string& text, int times) {
   return all;
 }
 
+TEST(BannerLabel, NamesAddressFromHostOnIfItMayBeOpened) {
+  EXPECT_EQ(bannerLabel("http://banner.example/red"), "Banner, opens banner.example/red");
+  EXPECT_EQ(bannerLabel("https://banner.example"), "Banner, opens banner.example");
+  EXPECT_EQ(bannerLabel("https://bank.example:1@banner.example/@?a=//b"),
+            "Banner, opens banner.example/@?a=//b");
+  EXPECT_EQ(bannerLabel("http://banner.example/" + repeated("x", 200)),
+            "Banner, opens banner.example/" + repeated("x", 100 - 15));
+  for (const char* other : {"", "file:///etc/passwd", "javascript:alert(1)", "no address"})
+    EXPECT_EQ(bannerLabel(other), "Banner") << other;
+}
+
 TEST(Subject, IsLimitedTo500Characters) {
   EXPECT_EQ(shownSubject("News"), "News");
   EXPECT_EQ(shownSubject(""), "");

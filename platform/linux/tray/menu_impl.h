@@ -3,15 +3,14 @@
 #include <memory>
 #include <vector>
 
-#include <QMenu>
-
+#include "platform/linux/tray/bordered_menu.h"
 #include "platform/menu.h"
 
 namespace platform {
 
 struct Menu::Impl {
   std::vector<std::unique_ptr<MenuItem>> items;
-  QMenu widget;
+  BorderedMenu widget;
 };
 
 }  // namespace platform

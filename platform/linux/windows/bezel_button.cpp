@@ -37,9 +37,12 @@ void BezelButton::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   QStyleOptionButton option;
   initStyleOption(&option);
+  option.state &= ~QStyle::State_HasFocus;  // shown by the ring instead
   option.rect = bezel();
   option.palette = cachedPalette(option.palette);
   style()->drawControl(QStyle::CE_PushButton, &option, &painter, this);
+  painter.end();
+  if (hasFocus()) drawFocusRing(*this, bezel().adjusted(-ringMargin, -ringMargin, ringMargin, ringMargin));
 }
 
 void BezelButton::keyPressEvent(QKeyEvent* event) {

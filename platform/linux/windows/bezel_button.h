@@ -2,6 +2,7 @@
 
 #include <QPushButton>
 
+#include "platform/linux/windows/focus_ring.h"
 #include "platform/linux/windows/key_repeat.h"
 
 namespace platform {
@@ -15,9 +16,15 @@ class BezelButton : public QPushButton {
  public:
   using QPushButton::QPushButton;
 
+  // Space around the bezel in which the focus ring is drawn.
+  static constexpr int ringMargin = focusRingWidth + focusRingGap;
+
  protected:
-  // Returns the rectangle, in widget coordinates, that is painted as the button and accepts clicks.
-  [[nodiscard]] virtual QRect bezel() const { return rect(); }
+  // Returns the rectangle, in widget coordinates, that is painted as the button and accepts clicks. At least
+  // `ringMargin` smaller than the widget on each side.
+  [[nodiscard]] virtual QRect bezel() const {
+    return rect().adjusted(ringMargin, ringMargin, -ringMargin, -ringMargin);
+  }
 
   void paintEvent(QPaintEvent* event) override;
   // A key that is held down clicks the button once.

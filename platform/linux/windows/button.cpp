@@ -80,8 +80,9 @@ void Button::setEnabled(bool enabled) {
   pushButton(*this).enable(enabled);
 }
 
+// While a sheet is up, all buttons of its window are disabled in addition.
 bool Button::isEnabled() const {
-  return pushButton(*this).isEnabled();
+  return !pushButton(*this).testAttribute(Qt::WA_ForceDisabled);
 }
 
 void Button::setBezelStyle(BezelStyle) {}

@@ -9,8 +9,9 @@
 
 #include "platform/image.h"
 #include "platform/linux/images/image_impl.h"
+#include "platform/linux/windows/accessibility.h"
+#include "platform/linux/windows/focus_ring.h"
 #include "platform/linux/windows/key_repeat.h"
-#include "platform/linux/windows/link_access.h"
 #include "platform/linux/windows/view_impl.h"
 
 namespace platform {
@@ -22,7 +23,8 @@ class PictureWidget : public QWidget {
   std::shared_ptr<Image> image;
   std::vector<std::pair<QRect, Qt::CursorShape>> cursorRects;
 
-  [[nodiscard]] bool isLink() const { return focusPolicy() != Qt::NoFocus; }
+  bool isLink = false;
+
   void press() { clickAt(QRectF(rect()).center()); }
 
  protected:
@@ -44,7 +46,7 @@ class PictureWidget : public QWidget {
 
 void PictureWidget::paintEvent(QPaintEvent*) {
   drawPicture();
-  if (hasFocus()) drawFocusFrame(*this, rect());
+  if (hasFocus()) drawFocusRingOnPicture(*this, rect());
 }
 
 void PictureWidget::drawPicture() {
@@ -67,7 +69,7 @@ void PictureWidget::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void PictureWidget::keyPressEvent(QKeyEvent* event) {
-  if (!isLink() || !activatesControl(event->key())) return QWidget::keyPressEvent(event);
+  if (!isLink || !activatesControl(event->key())) return QWidget::keyPressEvent(event);
   if (!keyRepeat_.isRepeated(*event)) press();
 }
 
@@ -90,10 +92,10 @@ class AccessiblePicture : public AccessibleLink {
       : AccessibleLink(picture, {}, [&picture] { picture.press(); }), picture_(picture) {}
 
   [[nodiscard]] QAccessible::Role role() const override {
-    return picture_.isLink() ? QAccessible::Link : QAccessible::Graphic;
+    return picture_.isLink ? QAccessible::Link : QAccessible::Graphic;
   }
   [[nodiscard]] QStringList actionNames() const override {
-    return picture_.isLink() ? AccessibleLink::actionNames() : QStringList();
+    return picture_.isLink ? AccessibleLink::actionNames() : QStringList();
   }
 
  private:
@@ -125,6 +127,7 @@ void ImageView::setImage(std::shared_ptr<Image> image) {
 }
 
 void ImageView::setActsAsLink(bool acts) {
+  pictureWidget(*this).isLink = acts;
   pictureWidget(*this).setFocusPolicy(acts ? Qt::TabFocus : Qt::NoFocus);
 }
 

@@ -81,6 +81,11 @@ bool ModalStack::blocks(const QWidget& window) const {
          !level->window->impl().owns(window);
 }
 
+bool ModalStack::isInnermost(const QWidget& window) const {
+  const Level* level = innermost();
+  return level != nullptr && level->window->impl().owns(window);
+}
+
 bool ModalStack::eventFilter(QObject* receiver, QEvent* event) {
   if (!isInput(*event) || !receiver->isWidgetType()) return false;
   if (!blocks(*static_cast<QWidget*>(receiver)->window())) return false;

@@ -30,6 +30,8 @@ class ModalStack : public QObject {
   // Returns whether a modal run keeps input from this top-level widget. Always false for menus and the tray
   // icon.
   [[nodiscard]] bool blocks(const QWidget& window) const;
+  // Returns whether this top-level widget is the window of the innermost run.
+  [[nodiscard]] bool isInnermost(const QWidget& window) const;
   // Returns whether the top level has been stopped but `run` has not returned to its caller yet.
   [[nodiscard]] bool isUnwinding() const { return !levels_.empty() && levels_.back()->stopped; }
 

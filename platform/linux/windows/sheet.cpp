@@ -4,7 +4,6 @@
 #include <optional>
 #include <utility>
 
-#include <QDialog>
 #include <QHBoxLayout>
 #include <QInputEvent>
 #include <QLabel>
@@ -12,6 +11,7 @@
 
 #include "platform/linux/windows/bezel_button.h"
 #include "platform/linux/windows/input_mark.h"
+#include "platform/linux/windows/sheet_panel.h"
 #include "platform/linux/windows/text_impl.h"
 #include "platform/linux/windows/window_impl.h"
 
@@ -19,32 +19,18 @@ namespace platform {
 namespace {
 
 constexpr int maxPanelWidth = 420, windowMargin = 20, margin = 20, gap = 16;
-constexpr int buttonWidth = 100, buttonHeight = 32;
+constexpr int bezelWidth = 100, bezelHeight = 32;
+constexpr int ringMargin = BezelButton::ringMargin;
 constexpr double fontSize = 13;
 constexpr QColor shade(0, 0, 0, 60);
 
-// Embeds a QDialog in the window for its handling of Return and Escape.
-class Panel : public QDialog {
- public:
-  QPushButton* escapeButton = nullptr;
-
-  explicit Panel(QWidget& sheet) : QDialog(&sheet) { setWindowFlags(Qt::Widget); }
-
-  void reject() override {
-    if (escapeButton != nullptr) escapeButton->click();
-  }
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    painter.setPen(palette().color(QPalette::Dark));
-    painter.setBrush(palette().color(QPalette::Window).lighter(104));
-    painter.drawRect(rect().adjusted(0, -1, -1, -1));  // the top edge, at the title bar, has no border
-  }
-};
+// Starts each sentence on a line of its own, so that no line ends after the first words of a sentence.
+QString onePerLine(QString sentences) {
+  return sentences.replace(QLatin1StringView(". "), QLatin1StringView(".\n"));
+}
 
 QLabel* messageLabel(const QString& message) {
-  auto* label = new QLabel(message);
+  auto* label = new QLabel(onePerLine(message));
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
   label->setFont(systemFont(label->font(), Font(fontSize, true)));
@@ -71,7 +57,7 @@ std::optional<std::size_t> indexOfEscape(const std::vector<QString>& titles) {
 Sheet::Sheet(QWidget& window, const InputMark& mark, const SheetContent& content,
              std::function<void(int)> chosen)
     : QWidget(&window), window_(window), mark_(mark), chosen_(std::move(chosen)) {
-  auto* panel = new Panel(*this);
+  auto* panel = new SheetPanel(*this);
   panel_ = panel;
   panel_->installEventFilter(this);
   panel_->setAccessibleName(content.message);
@@ -84,7 +70,7 @@ void Sheet::addButtons(const SheetContent& content) {
   for (const QString& title : content.buttons) {
     auto* button = new BezelButton(withoutMnemonic(title), panel_);
     button->setFont(systemFont(button->font(), fontSize));
-    button->setMinimumSize(buttonWidth, buttonHeight);
+    button->setMinimumSize(bezelWidth + 2 * ringMargin, bezelHeight + 2 * ringMargin);
     button->installEventFilter(this);
     const int index = static_cast<int>(buttons_.size());
     connect(button, &QPushButton::clicked, this, [this, index] {
@@ -95,20 +81,20 @@ void Sheet::addButtons(const SheetContent& content) {
   buttons_.front()->setDefault(true);
 }
 
-// The default button is rightmost.
+// The default button is rightmost. Distances are measured between bezels.
 void Sheet::layOut(const SheetContent& content) {
   auto* row = new QHBoxLayout;
-  row->setSpacing(gap / 2);
+  row->setSpacing(gap / 2 - 2 * ringMargin);
   row->addStretch();
   for (auto button = buttons_.rbegin(); button != buttons_.rend(); ++button) row->addWidget(*button);
 
   auto* column = new QVBoxLayout;
-  column->setSpacing(gap);
+  column->setSpacing(gap - ringMargin);
   column->addWidget(messageLabel(content.message), 1, Qt::AlignTop);
   column->addLayout(row);
 
   auto* layout = new QHBoxLayout(panel_);
-  layout->setContentsMargins(margin, margin, margin, margin);
+  layout->setContentsMargins(margin, margin, margin - ringMargin, margin - ringMargin);
   layout->setSpacing(gap);
   if (!content.icon.isNull()) layout->addWidget(iconLabel(content.icon));
   layout->addLayout(column, 1);
@@ -123,10 +109,32 @@ void Sheet::open() {
   show();
   raise();
   buttons_.front()->setFocus();
+  disableBehind();
+}
+
+// The sheet covers the window and so intercepts clicks and keys. The properties are what assistive technology
+// sees and respects.
+void Sheet::disableBehind() {
+  for (QWidget* part : window_.findChildren<QWidget*>()) {
+    if (part == this || isAncestorOf(part)) continue;
+    behind_.push_back({part, part->focusPolicy(), part->testAttribute(Qt::WA_ForceDisabled)});
+    part->setFocusPolicy(Qt::NoFocus);
+  }
+  for (QWidget* part : window_.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+    if (part != this) part->setEnabled(false);
+}
+
+void Sheet::enableBehind() {
+  for (const auto& [part, focusPolicy, isDisabled] : std::exchange(behind_, {})) {
+    if (part == nullptr) continue;
+    part->setFocusPolicy(focusPolicy);
+    if (part->parentWidget() == &window_) part->setEnabled(!isDisabled);
+  }
 }
 
 // Moves the input focus before hiding: otherwise Qt would move it to another widget in the sheet.
 void Sheet::dismiss() {
+  enableBehind();
   const bool returns = focusBefore_ != nullptr && focusBefore_->isEnabled();
   (returns ? focusBefore_.get() : &window_)->setFocus();
   hide();
@@ -153,7 +161,9 @@ bool Sheet::eventFilter(QObject*, QEvent* event) {
 }
 
 void Sheet::paintEvent(QPaintEvent*) {
-  QPainter(this).fillRect(rect(), shade);
+  QPainter painter(this);
+  painter.fillRect(rect(), shade);
+  drawShadow(painter, panel_->geometry());
 }
 
 }  // namespace platform

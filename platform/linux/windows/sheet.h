@@ -32,9 +32,9 @@ class Sheet : public QWidget {
   // precedes `mark`. `window` and `mark` must outlive the sheet.
   Sheet(QWidget& window, const InputMark& mark, const SheetContent& content, std::function<void(int)> chosen);
 
-  // Shows the sheet and moves the input focus into it.
+  // Shows the sheet, moves the input focus into it and disables the window's parts behind it.
   void open();
-  // Hides the sheet and restores the input focus.
+  // Hides the sheet, and restores the window's parts and the input focus.
   void dismiss();
 
  protected:
@@ -43,12 +43,21 @@ class Sheet : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  // A part of the window and its properties without the sheet.
+  struct Behind {
+    QPointer<QWidget> part;
+    Qt::FocusPolicy focusPolicy;
+    bool isDisabled;
+  };
+  void disableBehind();
+  void enableBehind();
   void addButtons(const SheetContent& content);
   void layOut(const SheetContent& content);
 
   QWidget& window_;
   const InputMark& mark_;
   QPointer<QWidget> focusBefore_;
+  std::vector<Behind> behind_;
   std::function<void(int)> chosen_;
   QWidget* panel_;
   std::vector<QPushButton*> buttons_;

@@ -14,9 +14,7 @@ TextWidget& textWidget(const TextView& view) {
 }
 
 QFont textSystemFont() {
-  QFont font = systemFont(QFont(QStringLiteral("Helvetica")), textSystemFontSize);
-  font.setStyleHint(QFont::SansSerif);
-  return font;
+  return systemFont(QFont(), textSystemFontSize);
 }
 
 }  // namespace

@@ -5,12 +5,17 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "platform/linux/windows/accessibility.h"
 #include "platform/linux/windows/color_impl.h"
-#include "platform/linux/windows/link_access.h"
+#include "platform/linux/windows/focus_ring.h"
 #include "platform/workspace.h"
 
 namespace platform {
 namespace {
+
+// Left and top: the distance of an attributed text from its frame, in which the focus ring is drawn. Right:
+// the distance of an ellipsis.
+constexpr int linkMargin = 4, linkMarginTop = 2, tailMargin = 12;
 
 QAccessibleInterface* describeLink(const QString&, QObject* object) {
   auto* text = dynamic_cast<TextWidget*>(object);
@@ -71,12 +76,25 @@ int TextWidget::layoutFlags() const {
   return static_cast<int>(alignment()) | (truncates_ ? Qt::TextSingleLine : Qt::TextWordWrap);
 }
 
+QRect TextWidget::lineArea() const {
+  return rect().adjusted(linkMargin, linkMarginTop, -tailMargin, 0);
+}
+
 QString TextWidget::shownText() const {
-  return truncates_ ? fontMetrics().elidedText(text().simplified(), Qt::ElideRight, width()) : text();
+  if (!truncates_) return text();
+  return fontMetrics().elidedText(text().simplified(), Qt::ElideRight, lineArea().width());
 }
 
 QRect TextWidget::textArea() const {
-  return fontMetrics().boundingRect(rect(), layoutFlags(), shownText()).intersected(rect());
+  return fontMetrics().boundingRect(lineArea(), layoutFlags(), shownText()).intersected(rect());
+}
+
+// A text with the pointing hand is shown as a link, in the palette's colour for links, which is readable on
+// the window's background.
+QColor TextWidget::textColor() const {
+  if (attributes_->pointingHandCursor) return palette().color(QPalette::Link);
+  return attributes_->foregroundColor ? qtColor(*attributes_->foregroundColor)
+                                      : palette().color(foregroundRole());
 }
 
 void TextWidget::paintEvent(QPaintEvent* event) {
@@ -85,10 +103,12 @@ void TextWidget::paintEvent(QPaintEvent* event) {
   QFont underlined = font();
   underlined.setUnderline(attributes_->underline);
   painter.setFont(underlined);
-  if (attributes_->foregroundColor) painter.setPen(qtColor(*attributes_->foregroundColor));
-  painter.drawText(rect(), layoutFlags(), shownText());
+  painter.setPen(textColor());
+  painter.drawText(lineArea(), layoutFlags(), shownText());
   painter.end();
-  if (hasFocus()) drawFocusFrame(*this, textArea().adjusted(-1, 0, 1, 0).intersected(rect()));
+  if (!hasFocus()) return;
+  const QMargins margins(linkMargin, linkMarginTop, linkMargin, focusRingWidth);
+  drawFocusRing(*this, textArea().marginsAdded(margins).intersected(rect()));
 }
 
 void TextWidget::resizeEvent(QResizeEvent* event) {

@@ -38,6 +38,9 @@ class TextWidget : public QLabel {
  private:
   void updateInteraction();
   [[nodiscard]] int layoutFlags() const;
+  // Returns the area for an attributed text, inside the frame.
+  [[nodiscard]] QRect lineArea() const;
+  [[nodiscard]] QColor textColor() const;
   [[nodiscard]] QString shownText() const;
   [[nodiscard]] QRect textArea() const;
 

@@ -1,6 +1,9 @@
 #include "platform/view.h"
 
 #include <algorithm>
+#include <utility>
+
+#include <QAbstractButton>
 
 #include "platform/linux/windows/text_impl.h"
 #include "platform/linux/windows/view_impl.h"
@@ -8,28 +11,41 @@
 namespace platform {
 namespace {
 
-using Views = std::vector<const View*>;
+using Widgets = std::vector<QWidget*>;
 
-void collectControls(const View& root, Views& views) {
+void collectControls(const View& root, Widgets& controls) {
   for (const auto& view : root.impl().subviews) {
+    QWidget* widget = view->impl().widget.get();
     // QWidget::setTabOrder ignores widgets that do not accept the focus.
-    if ((view->impl().widget->focusPolicy() & Qt::TabFocus) != 0) views.push_back(view.get());
-    collectControls(*view, views);
+    if ((widget->focusPolicy() & Qt::TabFocus) != 0) controls.push_back(widget);
+    collectControls(*view, controls);
   }
+}
+
+std::pair<int, int> rowAndColumn(const QWidget* widget) {
+  const QPoint place = widget->mapTo(widget->window(), QPoint(0, 0));
+  return {place.y(), place.x()};
+}
+
+QWidget* initialFocus(const Widgets& controls) {
+  const auto isEnabled = [](const QWidget* widget) { return widget->isEnabled(); };
+  const auto isEnabledButton = [](const QWidget* widget) {
+    return widget->isEnabled() && qobject_cast<const QAbstractButton*>(widget) != nullptr;
+  };
+  auto found = std::ranges::find_if(controls, isEnabledButton);
+  if (found == controls.end()) found = std::ranges::find_if(controls, isEnabled);
+  return found == controls.end() ? nullptr : *found;
 }
 
 }  // namespace
 
-void setTabOrderByCreation(const View& root) {
-  Views views;
-  collectControls(root, views);
-  std::ranges::stable_sort(views, {}, [](const View* view) { return view->impl().createdAt; });
-  for (std::size_t i = 1; i < views.size(); ++i)
-    QWidget::setTabOrder(views[i - 1]->impl().widget.get(), views[i]->impl().widget.get());
+void setTabOrderByPlace(const View& root) {
+  Widgets controls;
+  collectControls(root, controls);
+  std::ranges::stable_sort(controls, {}, rowAndColumn);
+  for (std::size_t i = 1; i < controls.size(); ++i) QWidget::setTabOrder(controls[i - 1], controls[i]);
   if (root.impl().widget->focusWidget() != nullptr) return;
-  const auto first =
-      std::ranges::find_if(views, [](const View* view) { return view->impl().widget->isEnabled(); });
-  if (first != views.end()) (*first)->impl().widget->setFocus();
+  if (QWidget* first = initialFocus(controls)) first->setFocus();
 }
 
 QRect toQtRect(Rect rect, double parentHeight) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -17,12 +16,12 @@ struct View::Impl {
   Rect frame;
   std::vector<std::shared_ptr<View>> subviews;
   std::unique_ptr<QWidget> widget;
-  std::chrono::steady_clock::time_point createdAt = std::chrono::steady_clock::now();
 };
 
-// Sets the Tab order of the views below `root` to their order of creation, and focuses the first enabled one
-// that accepts the focus, unless a widget of the window already has it.
-void setTabOrderByCreation(const View& root);
+// Sets the Tab order of the views below `root` to their order on the screen: top to bottom, then left to
+// right. Focuses the first enabled button, or without one the first enabled view that accepts the focus,
+// unless a widget of the window already has it.
+void setTabOrderByPlace(const View& root);
 
 // Converts a rectangle with its origin at the lower left of a parent of this height to Qt's coordinates:
 // origin at the upper left, whole pixels.

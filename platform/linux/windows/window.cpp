@@ -13,8 +13,10 @@
 #include <QVariant>
 #include <QWindow>
 
+#include "platform/linux/desktop/color_contrast.h"
 #include "platform/linux/desktop/desktop_watch.h"
 #include "platform/linux/desktop/x_requests.h"
+#include "platform/linux/windows/accessibility.h"
 #include "platform/linux/windows/color_impl.h"
 #include "platform/linux/windows/modal_stack.h"
 #include "platform/linux/windows/text_impl.h"
@@ -119,14 +121,26 @@ class ContentView : public View {
       : View(std::make_unique<Impl>(frame, std::make_unique<WindowWidget>(style))) {}
 };
 
+// Returns the desktop's colour of links, darker or lighter if necessary. A colour with less than the contrast
+// of controls is meant for the opposite background, as is that of a dark desktop: returns `fallback` then.
+QColor linkColorOn(const QColor& background, const QColor& ofDesktop, const QColor& fallback) {
+  const bool suits = contrastRatio(ofDesktop, background) >= minControlContrast;
+  return withContrast(suits ? ofDesktop : fallback, background, minTextContrast);
+}
+
 // Sets all roles, so that none follows the desktop's palette. The palette that Qt derives from one colour has
-// a dark highlight, so the desktop's highlight roles are kept.
+// a dark highlight, so the desktop's highlight roles are kept, and its colour of links as far as it is
+// readable on this background.
 QPalette paletteOn(const QColor& background) {
   QPalette palette(background, background);
   const QPalette desktop = QApplication::palette();
   for (const auto role : {QPalette::Highlight, QPalette::HighlightedText}) {
     palette.setColor(role, desktop.color(QPalette::Active, role));
   }
+  palette.setColor(QPalette::Link, linkColorOn(background, desktop.color(QPalette::Active, QPalette::Link),
+                                               palette.color(QPalette::Link)));
+  palette.setColor(QPalette::Disabled, QPalette::Link,
+                   palette.color(QPalette::Disabled, QPalette::WindowText));
   return palette;
 }
 
@@ -140,8 +154,13 @@ void setRequestsFocus(QWidget& widget, bool wants) {
 
 }  // namespace
 
+Window::Impl* implOf(const QWidget& window) {
+  const auto* widget = dynamic_cast<const WindowWidget*>(&window);
+  return widget == nullptr ? nullptr : widget->owner;
+}
+
 bool isWindowOfProgram(const QWidget& window) {
-  return dynamic_cast<const WindowWidget*>(&window) != nullptr;
+  return implOf(window) != nullptr;
 }
 
 bool isBlocked(const QWidget& widget) {
@@ -149,8 +168,8 @@ bool isBlocked(const QWidget& widget) {
 }
 
 bool acceptsInput(const QWidget& widget) {
-  const auto* window = dynamic_cast<const WindowWidget*>(widget.window());
-  return window == nullptr || (!window->owner->sheets.isUp() && !isBlocked(widget));
+  const Window::Impl* window = implOf(*widget.window());
+  return window == nullptr || (!window->sheets.isUp() && !isBlocked(widget));
 }
 
 void bringWindowsForward() {
@@ -166,6 +185,7 @@ Window::Impl::Impl(Rect contentRect, WindowStyle ofStyle)
       sheets(widget) {
   widget.setFixedSize(widget.size());
   static_cast<WindowWidget&>(widget).owner = this;
+  describeWindowsToAccessibility();
 }
 
 void Window::Impl::willBeClosed() {
@@ -291,7 +311,7 @@ void Window::center() {
 void Window::makeKeyAndOrderFront() {
   if (impl_->closed || impl_->hiddenByInactivity) return;
   impl_->onScreen = shared_from_this();
-  setTabOrderByCreation(*impl_->content);
+  setTabOrderByPlace(*impl_->content);
   if (!impl_->widget.isVisible()) {
     impl_->appear(&QWidget::show);
     impl_->awaitsFirstPaint = true;

@@ -52,6 +52,9 @@ struct Window::Impl {
   std::unique_ptr<ActivityWatch> activity;
 };
 
+// Returns the implementation of the Window to which a top-level widget belongs, or nullptr.
+[[nodiscard]] Window::Impl* implOf(const QWidget& window);
+
 // Returns whether a top-level widget belongs to a Window, in contrast to menus and the tray icon.
 [[nodiscard]] bool isWindowOfProgram(const QWidget& window);
 

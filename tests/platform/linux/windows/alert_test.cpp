@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
 #include <QPushButton>
 
 #include "platform/application.h"
@@ -309,6 +310,53 @@ TEST_F(AlertSheet, IsReadableInDarkAppearance) {
   ASSERT_TRUE(settle(*layout_.window));
   savePicture("sheet-dark");
   EXPECT_GT(qGray(sheet()->grab().toImage().pixel(8, 8)), 200);
+}
+
+TEST_F(AlertSheet, EachSentenceStartsOnLineOfItsOwn) {
+  ask({"Continue", "Cancel"});
+  const auto labels = sheetsPart<QLabel>();
+  EXPECT_TRUE(std::ranges::any_of(labels, [](const QLabel* label) {
+    return label->text() == QLatin1StringView("Log file will be created.\nIt takes a few minutes.");
+  }));
+}
+
+TEST_F(AlertSheet, HasRoundLowerCornersAndShadow) {
+  ask({"Continue", "Cancel"});
+  const QWidget& content = widgetOf(*layout_.window);
+  const QRect panel(sheet()->mapTo(&content, QPoint(0, 0)), sheet()->size());
+  const QImage seen = widgetOf(*layout_.window).grab().toImage();
+  const auto grey = [&](QPoint place) {
+    return qGray(seen.pixel(place * static_cast<int>(seen.devicePixelRatio())));
+  };
+  const int inside = grey(panel.center() + QPoint(0, panel.height() / 2 - 8));
+  EXPECT_LT(grey(panel.bottomLeft()), inside - 40);
+  EXPECT_LT(grey(panel.bottomRight()), inside - 40);
+  EXPECT_EQ(grey(panel.topLeft() + QPoint(3, 3)), inside) << "the upper corners are at the title bar";
+  const int near = grey(panel.bottomLeft() + QPoint(40, 2)), far = grey(panel.bottomLeft() + QPoint(40, 12));
+  EXPECT_LT(near, far - 10);
+}
+
+TEST_F(AlertSheet, ControlsBehindAreNeitherEnabledNorFocusableUntilItEnds) {
+  const auto stateOf = [](const platform::View& view) {
+    return QAccessible::queryAccessibleInterface(&widgetOf(view))->state();
+  };
+  layout_.faq->setEnabled(false);
+  ask({"Continue", "Cancel"});
+  EXPECT_TRUE(QAccessible::queryAccessibleInterface(sheet())->state().modal);
+  const std::initializer_list<const platform::View*> behind{layout_.update.get(), layout_.log.get(),
+                                                            layout_.firstLink.get()};
+  for (const auto* view : behind) EXPECT_TRUE(stateOf(*view).disabled && !stateOf(*view).focusable);
+  EXPECT_FALSE(QAccessible::queryAccessibleInterface(sheetButton("Cancel"))->state().disabled);
+  EXPECT_TRUE(layout_.update->isEnabled()) << "the button itself was not disabled";
+  layout_.update->setEnabled(false);
+  press("Escape");
+  ASSERT_TRUE(ends());
+  EXPECT_FALSE(layout_.update->isEnabled());
+  EXPECT_TRUE(stateOf(*layout_.update).disabled);
+  EXPECT_TRUE(stateOf(*layout_.faq).disabled) << "disabled before";
+  for (const platform::View* view : {static_cast<const platform::View*>(layout_.log.get()),
+                                     static_cast<const platform::View*>(layout_.firstLink.get())})
+    EXPECT_TRUE(!stateOf(*view).disabled && stateOf(*view).focusable);
 }
 
 TEST_F(AlertSheet, ExposesMessageAndButtonsToAccessibility) {

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QApplication>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
 
 #include "platform/linux/desktop/appearance.h"
+#include "platform/linux/desktop/color_contrast.h"
 #include "tests/harness/desktop/x_windows.h"
 #include "tests/platform/linux/windows/support_layout.h"
 #include "tests/platform/linux/windows/window_fixture.h"
@@ -138,6 +140,48 @@ TEST_F(WindowLayout, TextIsReadableOnBackgroundColourInDarkAppearance) {
   layout.window->close();
 }
 
+TEST_F(WindowLayout, TextsHaveOneTypeface) {
+  const SupportLayout layout, offline(false);
+  for (const platform::Window* window : {layout.window.get(), offline.window.get()}) {
+    for (const QLabel* label : widgetOf(*window).findChildren<QLabel*>())
+      EXPECT_EQ(label->font().family(), QGuiApplication::font().family()) << label->text().toStdString();
+  }
+}
+
+TEST_F(WindowLayout, LinkColourIsReadableShadeOfPalettesOne) {
+  using platform::contrastRatio;
+  const QColor grey(0xe6, 0xe6, 0xe6), green(0, 0x70, 0), paleOnGrey(0x29, 0x80, 0xb9),
+      forDarkWindows(0x6b, 0xb5, 0xff);
+  const auto linkColour = [](const QColor& ofDesktop) {
+    QPalette palette = QApplication::palette();
+    palette.setColor(QPalette::Link, ofDesktop);
+    QApplication::setPalette(palette);
+    const SupportLayout layout;
+    return widgetOf(*layout.firstLink).palette().color(QPalette::Link);
+  };
+  EXPECT_EQ(linkColour(green), green);
+  EXPECT_EQ(linkColour(forDarkWindows), QColor(Qt::blue));
+  const QColor darkened = linkColour(paleOnGrey);
+  EXPECT_GE(contrastRatio(darkened, grey), 4.5);
+  EXPECT_GT(darkened.blue(), darkened.red() + 40);
+}
+
+TEST_F(WindowLayout, LinkIsDrawnInColourOfLinks) {
+  for (const bool dark : {false, true}) {
+    platform::applyAppearance(dark);
+    const SupportLayout layout;
+    QWidget& link = widgetOf(*layout.firstLink);
+    const QColor expected = link.palette().color(QPalette::Link);
+    EXPECT_GE(platform::contrastRatio(expected, QColor(0xe6, 0xe6, 0xe6)), 4.5);
+    // The underline has the colour without antialiasing.
+    const QImage seen = widgetOf(*layout.window).grab(place(link)).toImage();
+    int pixels = 0;
+    for (int y = 0; y < seen.height(); ++y)
+      for (int x = 0; x < seen.width(); ++x) pixels += seen.pixelColor(x, y) == expected ? 1 : 0;
+    EXPECT_GT(pixels, 50) << dark;
+  }
+}
+
 TEST_F(WindowLayout, ChangeToDarkAppearanceKeepsColours) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
@@ -162,14 +206,22 @@ TEST_F(WindowLayout, ExposesControlsToAccessibility) {
   layout.window->close();
 }
 
-TEST_F(WindowLayout, TabFollowsOrderOfCreation) {
+TEST_F(WindowLayout, FirstEnabledButtonIsFocusedInitially) {
+  const SupportLayout layout;
+  layout.update->setEnabled(false);
+  ASSERT_TRUE(show(*layout.window));
+  EXPECT_TRUE(widgetOf(*layout.faq).hasFocus());
+  layout.window->close();
+}
+
+TEST_F(WindowLayout, TabFollowsOrderOnScreen) {
   const SupportLayout layout;
   ASSERT_TRUE(show(*layout.window));
-  widgetOf(*layout.update).setFocus();
+  widgetOf(*layout.log).setFocus();
   using View = platform::View;
   for (const View* next :
-       std::initializer_list<const View*>{layout.faq.get(), layout.log.get(), layout.firstLink.get(),
-                                          layout.secondLink.get(), layout.update.get()}) {
+       std::initializer_list<const View*>{layout.firstLink.get(), layout.secondLink.get(),
+                                          layout.update.get(), layout.faq.get(), layout.log.get()}) {
     press("Tab");
     EXPECT_TRUE(serveEventsUntil([&] { return widgetOf(*next).hasFocus(); }));
   }
