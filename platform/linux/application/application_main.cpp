@@ -54,7 +54,6 @@ int notifyRunningInstance(SingleInstance& instance, int argc, char** argv) {
 // Requests X11 unless QT_QPA_PLATFORM is set: under Wayland a client can neither position its windows nor
 // keep them on top.
 std::vector<char*> qtArguments(char* program) {
-#include "platform/linux/windows/window_icon.h"
   static char option[] = "-platform";
   static char platforms[] = "xcb;wayland";
   if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return {program};
