@@ -62,7 +62,8 @@ StatusContent StatusItem::Impl::content() const {
   const QString folder = folderOfSymbols();
   return {.text = text.empty() ? QCoreApplication::applicationName() : QString::fromStdString(text),
           .image = image,
-          .symbol = symbolInFolder(folder, QString::fromStdString(symbol)),
+          .symbol =
+              watch->recoloursSymbols() ? symbolInFolder(folder, QString::fromStdString(symbol)) : QString(),
           .symbolFolder = folder,
           .menu = menu == nullptr ? nullptr : &menu->impl().widget};
 }

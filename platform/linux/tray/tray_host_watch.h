@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <QAbstractNativeEventFilter>
+#include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QObject>
@@ -22,6 +23,8 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
   ~TrayHostWatch() override;
 
   [[nodiscard]] BusHost busHost() const { return busHost_; }
+  // Whether the host is known to recolour symbolic icons (recoloursSymbols).
+  [[nodiscard]] bool recoloursSymbols() const { return recoloursSymbols_; }
   // Another number each time that the watcher's bus name gets an owner: a watcher that was started again
   // knows no items, and one that lives on a connection of its process may come back under the same unique
   // name.
@@ -39,7 +42,9 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
 
   std::function<void()> changed_;
   QDBusServiceWatcher watcherName_;
+  QDBusPendingCall processQuestion_;
   std::unique_ptr<QDBusPendingCallWatcher> question_;
+  bool recoloursSymbols_ = false;
   BusHost busHost_ = BusHost::Unknown;
   int watcherNumber_ = 1;
   quint32 managerMessage_ = 0;

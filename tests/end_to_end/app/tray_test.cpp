@@ -400,6 +400,20 @@ TEST_F(PanelTray, IconHasThreeSizes) {
   EXPECT_EQ(host_.properties()["IconPixmap"], "20x20 40x40 80x80");
 }
 
+// Such a panel would paint a symbolic icon dark on dark.
+TEST_F(PanelTray, IconHasNoNameInPanelThatDoesNotRecolour) {
+  for (const char* panel : {"lxqt-panel", "xfce4-panel", "waybar"}) {
+    ASSERT_TRUE(host_.start(bus_, panel));
+    if (!agent_.running()) launchAgent();
+    ASSERT_TRUE(host_.waitForEvent("registered"));
+    const bool recolours = panel == std::string("xfce4-panel");
+    EXPECT_EQ(host_.properties()["IconName"], recolours ? "tovalin-mount-on-symbolic" : "") << panel;
+    EXPECT_EQ(host_.properties()["IconPixmap"], "20x20 40x40 80x80");
+    host_.process().kill();
+    ASSERT_TRUE(host_.process().wait());
+  }
+}
+
 TEST_F(PanelTray, IconNameIsThatOfInstalledSymbol) {
   install("/tmp/Applications/Tovalin.app");
   const std::string theme = agentContents() + "/Resources/icons";

@@ -77,6 +77,14 @@ TEST(StatusSignals, NameWhatHasChanged) {
     EXPECT_EQ(platform::signalsOfChange(before, row.after), row.names);
 }
 
+TEST(Symbol, IsForPanelsThatRecolourIt) {
+  for (const char* process :
+       {"xfce4-panel", "panel-6-systray", "gnome-shell", "kded5", "kded6", "plasmashell"})
+    EXPECT_TRUE(platform::recoloursSymbols(process)) << process;
+  for (const char* process : {"", "lxqt-panel", "mate-panel", "waybar", "swaybar", "xfce4-panel2"})
+    EXPECT_FALSE(platform::recoloursSymbols(process)) << process;
+}
+
 TEST(Symbol, IsNamedOnlyWhereItsFileIsThere) {
   const QString folder = "/tmp/symbols";
   std::filesystem::create_directories("/tmp/symbols/hicolor/symbolic/apps");
