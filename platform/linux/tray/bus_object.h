@@ -45,6 +45,8 @@ class BusObject : private QDBusVirtualObject {
   BusInterface interface_;
 };
 
+// The answer to a call of a method that the interface does not have.
+[[nodiscard]] QDBusMessage unknownMethod(const QDBusMessage& call);
 // The caller's mistake, for a BusMethod's answer.
 [[nodiscard]] QDBusMessage invalidArguments(const QDBusMessage& call, const QString& text);
 

@@ -94,9 +94,11 @@ void StatusItem::Impl::popUpMenu() {
   widget.popup(icon.topLeft() + QPoint(0, icon.top() >= height ? -height : icon.height()));
 }
 
+// MATE's panel reports clicks at (0, 0).
 void StatusItem::Impl::popUpMenuAt(QPoint pixel) {
-  if (menu != nullptr)
-    menu->impl().widget.popup(pointAtPixel(pixel, scaledScreens()).value_or(QCursor::pos()));
+  if (menu == nullptr) return;
+  const auto point = pixel.isNull() ? std::nullopt : pointAtPixel(pixel, scaledScreens());
+  menu->impl().widget.popup(point.value_or(QCursor::pos()));
 }
 
 StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {

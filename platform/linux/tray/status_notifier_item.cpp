@@ -22,8 +22,8 @@ constexpr int maxNameNumber = 16;
 constexpr uint doNotQueue = 4;
 constexpr uint primaryOwner = 1;
 
-// Neither Activate nor SecondaryActivate is there: hosts that ignore ItemIsMenu open the menu when the call
-// fails with UnknownMethod.
+// Neither Activate nor SecondaryActivate is listed: hosts that ignore ItemIsMenu open the menu when the call
+// fails with UnknownMethod. HostMenuWait serves hosts that don't.
 constexpr const char* description = R"xml(
 <property name="Category" type="s" access="read"/>
 <property name="Id" type="s" access="read"/>
@@ -55,6 +55,10 @@ QString itemName(int number) {
       .arg(number);
 }
 
+QPoint placeIn(const QDBusMessage& call) {
+  return {call.arguments()[0].toInt(), call.arguments()[1].toInt()};
+}
+
 QDBusMessage busCall(QLatin1StringView method) {
   return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
                                         QStringLiteral("/org/freedesktop/DBus"),
@@ -72,7 +76,10 @@ QDBusMessage registration(const QString& item) {
 }  // namespace
 
 StatusNotifierItem::StatusNotifierItem(std::function<void(QPoint)> openMenu)
-    : openMenu_(std::move(openMenu)), menu_(menuPath), object_(itemPath, interface()) {
+    : openMenu_(std::move(openMenu)),
+      hostMenuWait_([this](QPoint place) { openMenu_(place); }),
+      menu_(menuPath, [this] { hostMenuWait_.noteMenuCall(); }),
+      object_(itemPath, interface()) {
   registerTrayTypes();
 }
 
@@ -84,7 +91,9 @@ BusInterface StatusNotifierItem::interface() {
   return {itemInterface,
           QString::fromLatin1(description),
           [this] { return properties(); },
-          {{QLatin1StringView("ContextMenu"), QLatin1StringView("ii"),
+          {{QLatin1StringView("Activate"), QLatin1StringView("ii"),
+            [this](const QDBusMessage& call) { return activate(call); }},
+           {QLatin1StringView("ContextMenu"), QLatin1StringView("ii"),
             [this](const QDBusMessage& call) { return contextMenu(call); }},
            // Needed by programs that open windows of their own on Wayland.
            {QLatin1StringView("ProvideXdgActivationToken"), QLatin1StringView("s"),
@@ -113,9 +122,13 @@ QVariantMap StatusNotifierItem::properties() const {
   };
 }
 
+QDBusMessage StatusNotifierItem::activate(const QDBusMessage& call) {
+  return hostMenuWait_.activate(call.service(), placeIn(call)) ? call.createReply() : unknownMethod(call);
+}
+
 // Called by hosts that show no menus themselves.
 QDBusMessage StatusNotifierItem::contextMenu(const QDBusMessage& call) {
-  const QPoint place(call.arguments()[0].toInt(), call.arguments()[1].toInt());
+  const QPoint place = placeIn(call);
   QMetaObject::invokeMethod(
       this, [this, place] { openMenu_(place); }, Qt::QueuedConnection);
   return call.createReply();

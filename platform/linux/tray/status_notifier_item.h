@@ -9,6 +9,7 @@
 #include <QString>
 
 #include "platform/linux/tray/exported_menu.h"
+#include "platform/linux/tray/host_menu_wait.h"
 #include "platform/linux/tray/status_content.h"
 
 namespace platform {
@@ -30,6 +31,7 @@ class StatusNotifierItem : public QObject {
  private:
   [[nodiscard]] BusInterface interface();
   [[nodiscard]] QVariantMap properties() const;
+  [[nodiscard]] QDBusMessage activate(const QDBusMessage& call);
   [[nodiscard]] QDBusMessage contextMenu(const QDBusMessage& call);
   void requestName();
   void takeNameAnswer();
@@ -43,6 +45,7 @@ class StatusNotifierItem : public QObject {
   int nameNumber_ = 0;
   bool hasName_ = false;
   std::unique_ptr<QDBusPendingCallWatcher> nameRequest_;
+  HostMenuWait hostMenuWait_;
   ExportedMenu menu_;
   BusObject object_;
 };

@@ -1,11 +1,14 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
+#include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QDBusVariant>
 #include <QMenu>
+#include <QTimer>
 
 #include "platform/image.h"
+#include "platform/linux/tray/host_menu_wait.h"
 #include "tests/harness/bus_doubles/icon_pixmap.h"
 #include "tests/platform/linux/tray/tray_bus_fixture.h"
 
@@ -72,11 +75,57 @@ TEST_F(TrayBusTest, ActivationsAreUnknownMethodsSoThatTheHostOpensItsMenu) {
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
+// MATE's and LXQt's panels.
+TEST_F(TrayBusTest, ActivateOpensOurMenuForAHostThatDoesNotOpenItsOwn) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  for (const auto expected : {QDBusMessage::ErrorMessage, QDBusMessage::ReplyMessage}) {
+    EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), expected);
+    ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
+    EXPECT_EQ(QApplication::activePopupWidget()->pos(), QPoint(100, 200));
+    QApplication::activePopupWidget()->close();
+  }
+}
+
+// Plasma and GNOME.
+TEST_F(TrayBusTest, ActivateLeavesTheMenuToAHostThatOpensItsOwn) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  for (int times = 0; times < 2; ++times) {
+    EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(callMenu("AboutToShow", {0}).type(), QDBusMessage::ReplyMessage);
+    bool isLate = false;
+    QTimer::singleShot(2 * platform::hostMenuPatience, [&] { isLate = true; });
+    ASSERT_TRUE(serveEventsUntil([&] { return isLate; }));
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+  }
+}
+
+TEST_F(TrayBusTest, ActivateIsLeftToANewHostAfterOneThatDoesNotOpenTheMenu) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
+  ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
+  QApplication::activePopupWidget()->close();
+  BusClient second("second");
+  const ItemAddress item = watcher_->items().constLast();
+  EXPECT_EQ(second.call(item.service, item.path, itemInterface, "Activate", {100, 200}).type(),
+            QDBusMessage::ErrorMessage);
+}
+
 TEST_F(TrayBusTest, ContextMenuOpensOurMenuAtThePlace) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   EXPECT_EQ(callItem(itemInterface, "ContextMenu", {100, 200}).type(), QDBusMessage::ReplyMessage);
   ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
   EXPECT_EQ(QApplication::activePopupWidget()->pos(), QPoint(100, 200));
+  QApplication::activePopupWidget()->close();
+}
+
+// MATE's panel knows no place.
+TEST_F(TrayBusTest, MenuOpensAtThePointerForAHostThatGivesNoPlace) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  QCursor::setPos(50, 60);
+  ASSERT_TRUE(serveEventsUntil([] { return QCursor::pos() == QPoint(50, 60); }));
+  EXPECT_EQ(callItem(itemInterface, "ContextMenu", {0, 0}).type(), QDBusMessage::ReplyMessage);
+  ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
+  EXPECT_EQ(QApplication::activePopupWidget()->pos(), QPoint(50, 60));
   QApplication::activePopupWidget()->close();
 }
 
