@@ -1,5 +1,6 @@
 #include "platform/linux/tray/status_notifier_item.h"
 
+#include <chrono>
 #include <utility>
 
 #include <QCoreApplication>
@@ -19,6 +20,8 @@ constexpr QLatin1StringView itemInterface("org.kde.StatusNotifierItem");
 
 // Processes of other PID namespaces on the same bus may have the names with our process id.
 constexpr int maxNameNumber = 16;
+// Panels have repainted themselves by then after a change of the desktop's appearance.
+constexpr std::chrono::seconds repaintTime{1};
 constexpr uint doNotQueue = 4;
 constexpr uint primaryOwner = 1;
 
@@ -81,6 +84,8 @@ StatusNotifierItem::StatusNotifierItem(std::function<void(QPoint)> openMenu)
       menu_(menuPath, [this] { hostMenuWait_.noteMenuCall(); }),
       object_(itemPath, interface()) {
   registerTrayTypes();
+  iconReload_.setSingleShot(true);
+  connect(&iconReload_, &QTimer::timeout, this, &StatusNotifierItem::reloadIcon);
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
@@ -108,7 +113,7 @@ QVariantMap StatusNotifierItem::properties() const {
       {QStringLiteral("Title"), content_.text},
       {QStringLiteral("Status"), QStringLiteral("Active")},
       {QStringLiteral("WindowId"), 0},
-      {QStringLiteral("IconThemePath"), content_.symbol.isEmpty() ? QString() : content_.symbolFolder},
+      {QStringLiteral("IconThemePath"), symbolFolder()},
       {QStringLiteral("IconName"), content_.symbol},
       {QStringLiteral("IconPixmap"), QVariant::fromValue(panelPixels(content_.image.get()))},
       {QStringLiteral("OverlayIconName"), QString()},
@@ -140,8 +145,26 @@ void StatusNotifierItem::show(const StatusContent& content, int watcherNumber) {
   menu_.show(content_.menu);
   if (!content_.hasIcon()) return withdraw();
   if (!hasName_ && nameRequest_ == nullptr) return requestName();
-  for (const QString& signal : signalsOfChange(before, content_)) object_.emitSignal(signal);
+  signalChange(signalsOfChange(before, content_));
   registerWithWatcher();
+}
+
+void StatusNotifierItem::signalChange(const QStringList& names) {
+  for (const QString& name : names) object_.emitSignal(name);
+  if (names.contains(QLatin1String("NewIcon")) && !content_.symbol.isEmpty()) iconReload_.start(repaintTime);
+}
+
+// xfce4-panel paints a symbolic icon in the colours that it has when it loads it. The change of appearance
+// that changed the icon may change the panel's colours afterwards, and the panel loads the icon again only if
+// a property differs.
+void StatusNotifierItem::reloadIcon() {
+  spelledOtherwise_ = !spelledOtherwise_;
+  object_.emitSignal(QStringLiteral("NewIcon"));
+}
+
+QString StatusNotifierItem::symbolFolder() const {
+  if (content_.symbol.isEmpty()) return {};
+  return spelledOtherwise_ ? content_.symbolFolder + QLatin1Char('/') : content_.symbolFolder;
 }
 
 // A name of the item's own: when it is given back, watchers drop the item, and the process keeps its

@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QPoint>
 #include <QString>
+#include <QStringList>
+#include <QTimer>
 
 #include "platform/linux/tray/exported_menu.h"
 #include "platform/linux/tray/host_menu_wait.h"
@@ -33,6 +35,9 @@ class StatusNotifierItem : public QObject {
   [[nodiscard]] QVariantMap properties() const;
   [[nodiscard]] QDBusMessage activate(const QDBusMessage& call);
   [[nodiscard]] QDBusMessage contextMenu(const QDBusMessage& call);
+  void signalChange(const QStringList& names);
+  void reloadIcon();
+  [[nodiscard]] QString symbolFolder() const;
   void requestName();
   void takeNameAnswer();
   void registerWithWatcher();
@@ -45,6 +50,8 @@ class StatusNotifierItem : public QObject {
   int nameNumber_ = 0;
   bool hasName_ = false;
   std::unique_ptr<QDBusPendingCallWatcher> nameRequest_;
+  QTimer iconReload_;
+  bool spelledOtherwise_ = false;
   HostMenuWait hostMenuWait_;
   ExportedMenu menu_;
   BusObject object_;

@@ -1,12 +1,18 @@
 #include <gmock/gmock.h>
+#include <sys/prctl.h>
+
+#include <filesystem>
+#include <fstream>
 
 #include <QApplication>
 #include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QDBusVariant>
+#include <QDir>
 #include <QMenu>
 #include <QTimer>
 
+#include "platform/bundle.h"
 #include "platform/image.h"
 #include "platform/linux/tray/host_menu_wait.h"
 #include "tests/harness/bus_doubles/icon_pixmap.h"
@@ -148,6 +154,30 @@ TEST_F(TrayBusTest, ChangesAreSignalledOnceEach) {
   item_->setImage(image);
   ASSERT_TRUE(isAlive());
   EXPECT_EQ(host_.signalNames(), QStringList());
+}
+
+// xfce4-panel paints the icon in the colours that it has when it loads it, and loads it again only if a
+// property has changed.
+TEST_F(TrayBusTest, SymbolIsReloadedByAPanelThatChangesItsColoursAfterAnIconChange) {
+  prctl(PR_SET_NAME, "xfce4-panel");
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  const auto bundle = platform::Bundle::mainBundle();
+  ASSERT_TRUE(bundle);
+  const std::string symbols = bundle->pathForResource("icons") + "/hicolor/symbolic/apps/";
+  std::filesystem::create_directories(symbols);
+  for (const char* name : {"one", "other"}) std::ofstream(symbols + name + ".svg") << "<svg/>";
+  const auto image = std::make_shared<Image>(Size{20, 20});
+  for (const char* name : {"one", "other"}) {
+    item_->setImage(image, name);
+    ASSERT_TRUE(waitForSignal("NewIcon"));
+    const QVariantMap before = properties();
+    EXPECT_EQ(before["IconName"], name);
+    ASSERT_TRUE(waitForSignal("NewIcon"));
+    const QVariantMap after = properties();
+    EXPECT_EQ(after["IconName"], name);
+    EXPECT_NE(after["IconThemePath"], before["IconThemePath"]);
+    EXPECT_EQ(QDir(after["IconThemePath"].toString()), QDir(before["IconThemePath"].toString()));
+  }
 }
 
 TEST_F(TrayBusTest, RegistersAgainWithAWatcherThatIsStartedAgain) {
