@@ -4,22 +4,21 @@
 
 namespace platform {
 
-HostMenuWait::HostMenuWait(std::function<void(QPoint)> openMenu) : openMenu_(std::move(openMenu)) {
+HostMenuWait::HostMenuWait(std::function<void()> openMenu) : openMenu_(std::move(openMenu)) {
   timer_.setSingleShot(true);
   connect(&timer_, &QTimer::timeout, this, &HostMenuWait::giveUp);
 }
 
-bool HostMenuWait::activate(const QString& host, QPoint place) {
+bool HostMenuWait::activate(const QString& host) {
   const bool opensHere = host == hostWithoutMenus_;
   askedHost_ = host;
-  place_ = place;
   timer_.start(opensHere ? std::chrono::milliseconds(0) : hostMenuPatience);
   return opensHere;
 }
 
 void HostMenuWait::giveUp() {
   hostWithoutMenus_ = askedHost_;
-  openMenu_(place_);
+  openMenu_();
 }
 
 }  // namespace platform

@@ -4,7 +4,6 @@
 #include <functional>
 
 #include <QObject>
-#include <QPoint>
 #include <QString>
 #include <QTimer>
 
@@ -19,22 +18,21 @@ inline constexpr std::chrono::milliseconds hostMenuPatience{500};
 class HostMenuWait : public QObject {
   Q_OBJECT
  public:
-  // Calls `openMenu` from the run loop, with the place in pixels of the X screen.
-  explicit HostMenuWait(std::function<void(QPoint)> openMenu);
+  // Calls `openMenu` from the run loop.
+  explicit HostMenuWait(std::function<void()> openMenu);
 
   // A host, by its unique bus name, calls Activate. Returns whether the call succeeds.
-  [[nodiscard]] bool activate(const QString& host, QPoint place);
+  [[nodiscard]] bool activate(const QString& host);
   // A host calls the menu.
   void noteMenuCall() { timer_.stop(); }
 
  private:
   void giveUp();
 
-  std::function<void(QPoint)> openMenu_;
+  std::function<void()> openMenu_;
   QTimer timer_;
   QString askedHost_;
   QString hostWithoutMenus_;
-  QPoint place_;
 };
 
 }  // namespace platform

@@ -1,5 +1,7 @@
 #include "platform/status_item.h"
 
+#include <optional>
+
 #include <QCoreApplication>
 #include <QCursor>
 #include <QGuiApplication>
@@ -47,7 +49,8 @@ struct StatusItem::Impl {
   void findPlace();
   void show();
   void popUpMenu();
-  void popUpMenuAt(QPoint pixel);
+  // At a pixel of the X screen, or at the pointer.
+  void popUpMenuAt(std::optional<QPoint> pixel);
   [[nodiscard]] StatusContent content() const;
 };
 
@@ -75,7 +78,8 @@ void StatusItem::Impl::show() {
   if (place != TrayPlace::Screen) onScreen.reset();
   if (place == TrayPlace::Bus) {
     if (onBus == nullptr)
-      onBus = std::make_unique<StatusNotifierItem>([this](QPoint pixel) { popUpMenuAt(pixel); });
+      onBus =
+          std::make_unique<StatusNotifierItem>([this](std::optional<QPoint> pixel) { popUpMenuAt(pixel); });
     onBus->show(content(), watch->watcherNumber());
   }
   if (place == TrayPlace::Screen) {
@@ -94,10 +98,9 @@ void StatusItem::Impl::popUpMenu() {
   widget.popup(icon.topLeft() + QPoint(0, icon.top() >= height ? -height : icon.height()));
 }
 
-// MATE's panel reports clicks at (0, 0).
-void StatusItem::Impl::popUpMenuAt(QPoint pixel) {
+void StatusItem::Impl::popUpMenuAt(std::optional<QPoint> pixel) {
   if (menu == nullptr) return;
-  const auto point = pixel.isNull() ? std::nullopt : pointAtPixel(pixel, scaledScreens());
+  const auto point = pixel ? pointAtPixel(*pixel, scaledScreens()) : std::nullopt;
   menu->impl().widget.popup(point.value_or(QCursor::pos()));
 }
 

@@ -58,10 +58,6 @@ QString itemName(int number) {
       .arg(number);
 }
 
-QPoint placeIn(const QDBusMessage& call) {
-  return {call.arguments()[0].toInt(), call.arguments()[1].toInt()};
-}
-
 QDBusMessage busCall(QLatin1StringView method) {
   return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
                                         QStringLiteral("/org/freedesktop/DBus"),
@@ -78,9 +74,9 @@ QDBusMessage registration(const QString& item) {
 
 }  // namespace
 
-StatusNotifierItem::StatusNotifierItem(std::function<void(QPoint)> openMenu)
+StatusNotifierItem::StatusNotifierItem(std::function<void(std::optional<QPoint>)> openMenu)
     : openMenu_(std::move(openMenu)),
-      hostMenuWait_([this](QPoint place) { openMenu_(place); }),
+      hostMenuWait_([this] { openMenu_(std::nullopt); }),
       menu_(menuPath, [this] { hostMenuWait_.noteMenuCall(); }),
       object_(itemPath, interface()) {
   registerTrayTypes();
@@ -127,13 +123,14 @@ QVariantMap StatusNotifierItem::properties() const {
   };
 }
 
+// The click has just been at the pointer; some panels send coordinates of their own window.
 QDBusMessage StatusNotifierItem::activate(const QDBusMessage& call) {
-  return hostMenuWait_.activate(call.service(), placeIn(call)) ? call.createReply() : unknownMethod(call);
+  return hostMenuWait_.activate(call.service()) ? call.createReply() : unknownMethod(call);
 }
 
 // Called by hosts that show no menus themselves.
 QDBusMessage StatusNotifierItem::contextMenu(const QDBusMessage& call) {
-  const QPoint place = placeIn(call);
+  const QPoint place(call.arguments()[0].toInt(), call.arguments()[1].toInt());
   QMetaObject::invokeMethod(
       this, [this, place] { openMenu_(place); }, Qt::QueuedConnection);
   return call.createReply();

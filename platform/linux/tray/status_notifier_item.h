@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <QDBusPendingCallWatcher>
 #include <QObject>
@@ -21,9 +22,9 @@ namespace platform {
 class StatusNotifierItem : public QObject {
   Q_OBJECT
  public:
-  // Calls `openMenu` from the run loop where a host shows no menus and asks for ours, at these pixels of the
-  // X screen.
-  explicit StatusNotifierItem(std::function<void(QPoint)> openMenu);
+  // Calls `openMenu` from the run loop where a host shows no menus and asks for ours: at these pixels of the
+  // X screen, or at the pointer.
+  explicit StatusNotifierItem(std::function<void(std::optional<QPoint> pixel)> openMenu);
   ~StatusNotifierItem() override;
 
   // Shows this with the watcher, once for each `watcherNumber` (TrayHostWatch), and leaves the watcher while
@@ -43,7 +44,7 @@ class StatusNotifierItem : public QObject {
   void registerWithWatcher();
   void withdraw();
 
-  std::function<void(QPoint)> openMenu_;
+  std::function<void(std::optional<QPoint>)> openMenu_;
   StatusContent content_;
   int watcherNumber_ = 0;
   int registeredWith_ = 0;
