@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "platform/image.h"
+#include "platform/linux/tray/tray_place.h"
 
 class QMenu;
 
@@ -15,8 +16,8 @@ namespace platform {
 struct StatusContent {
   QString text = {};                  // never empty
   std::shared_ptr<Image> image = {};  // nullptr or invalid: no icon
-  QString symbol = {};                // the name of a symbolic icon in `symbolFolder`, or empty
-  QString symbolFolder = {};          // the folder with the icon themes of the bundle
+  QString symbol = {};                // the name of a symbolic icon there, or empty
+  QString symbolFolder = {};          // the folder with the icon themes of the bundle; empty: the system's
   QMenu* menu = nullptr;              // the caller's
 
   [[nodiscard]] bool hasIcon() const { return image != nullptr && image->isValid(); }
@@ -28,5 +29,8 @@ struct StatusContent {
 // The symbol where its file is in the folder, else empty: hosts show an empty square for a name that they
 // can't find, and prefer a name to pixels.
 [[nodiscard]] QString symbolInFolder(const QString& folder, const QString& symbol);
+
+// The symbol where the panel finds it, else empty.
+[[nodiscard]] QString symbolIn(SymbolSource source, const QString& folder, const QString& symbol);
 
 }  // namespace platform

@@ -62,12 +62,12 @@ void StatusItem::Impl::findPlace() {
 
 StatusContent StatusItem::Impl::content() const {
   const std::string& text = toolTip.empty() ? title : toolTip;
+  const SymbolSource source = watch->symbolSource();
   const QString folder = folderOfSymbols();
   return {.text = text.empty() ? QCoreApplication::applicationName() : QString::fromStdString(text),
           .image = image,
-          .symbol =
-              watch->recoloursSymbols() ? symbolInFolder(folder, QString::fromStdString(symbol)) : QString(),
-          .symbolFolder = folder,
+          .symbol = symbolIn(source, folder, QString::fromStdString(symbol)),
+          .symbolFolder = source == SymbolSource::Folder ? folder : QString(),
           .menu = menu == nullptr ? nullptr : &menu->impl().widget};
 }
 

@@ -148,7 +148,7 @@ void StatusNotifierItem::show(const StatusContent& content, int watcherNumber) {
 
 void StatusNotifierItem::signalChange(const QStringList& names) {
   for (const QString& name : names) object_.emitSignal(name);
-  if (names.contains(QLatin1String("NewIcon")) && !content_.symbol.isEmpty()) iconReload_.start(repaintTime);
+  if (names.contains(QLatin1String("NewIcon")) && !symbolFolder().isEmpty()) iconReload_.start(repaintTime);
 }
 
 // xfce4-panel paints a symbolic icon in the colours that it has when it loads it. The change of appearance
@@ -160,7 +160,7 @@ void StatusNotifierItem::reloadIcon() {
 }
 
 QString StatusNotifierItem::symbolFolder() const {
-  if (content_.symbol.isEmpty()) return {};
+  if (content_.symbol.isEmpty() || content_.symbolFolder.isEmpty()) return {};
   return spelledOtherwise_ ? content_.symbolFolder + QLatin1Char('/') : content_.symbolFolder;
 }
 

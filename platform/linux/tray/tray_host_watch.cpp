@@ -93,7 +93,7 @@ void TrayHostWatch::takeAnswer() {
   question_.reset();
   busHost_ = present ? BusHost::Present : BusHost::Absent;
   const QDBusPendingReply<uint> process = processQuestion_;
-  recoloursSymbols_ = process.isValid() && platform::recoloursSymbols(processName(process.value()));
+  symbolSource_ = process.isValid() ? symbolSourceOf(processName(process.value())) : SymbolSource::Nowhere;
   changed_();
 }
 

@@ -23,8 +23,7 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
   ~TrayHostWatch() override;
 
   [[nodiscard]] BusHost busHost() const { return busHost_; }
-  // Whether the host is known to recolour symbolic icons (recoloursSymbols).
-  [[nodiscard]] bool recoloursSymbols() const { return recoloursSymbols_; }
+  [[nodiscard]] SymbolSource symbolSource() const { return symbolSource_; }
   // Another number each time that the watcher's bus name gets an owner: a watcher that was started again
   // knows no items, and one that lives on a connection of its process may come back under the same unique
   // name.
@@ -44,7 +43,7 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
   QDBusServiceWatcher watcherName_;
   QDBusPendingCall processQuestion_;
   std::unique_ptr<QDBusPendingCallWatcher> question_;
-  bool recoloursSymbols_ = false;
+  SymbolSource symbolSource_ = SymbolSource::Nowhere;
   BusHost busHost_ = BusHost::Unknown;
   int watcherNumber_ = 1;
   quint32 managerMessage_ = 0;

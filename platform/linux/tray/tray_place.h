@@ -20,13 +20,21 @@ enum class BusHost { Unknown, Absent, Present };
   return current;
 }
 
-// Whether the panels whose watcher is this process paint symbolic icons in the colour of their text. Others,
-// like those of LXQt and MATE and waybar, paint them dark on whatever they have. Plain function.
-[[nodiscard]] constexpr bool recoloursSymbols(std::string_view watcherProcess) {
-  constexpr std::array<std::string_view, 5> known{"gnome-shell", "kded5", "kded6", "plasmashell",
-                                                  "xfce4-panel"};
+// Where a panel finds symbolic icons that it paints in the colour of its text: in a folder that the item
+// names, or in the icon themes of the system only. Nowhere: it paints them dark on whatever it has, like the
+// panels of LXQt and MATE and waybar.
+enum class SymbolSource { Nowhere, Themes, Folder };
+
+// For the panels whose watcher is this process. Plain function.
+[[nodiscard]] constexpr SymbolSource symbolSourceOf(std::string_view watcherProcess) {
+  // Plasma paints an icon from an item's folder in the colour of the programs, not of the panel.
+  constexpr std::array<std::string_view, 3> plasma{"kded5", "kded6", "plasmashell"};
+  constexpr std::array<std::string_view, 2> others{"gnome-shell", "xfce4-panel"};
+  if (std::ranges::find(plasma, watcherProcess) != plasma.end()) return SymbolSource::Themes;
   // A plugin of xfce4-panel in a process of its own.
-  return std::ranges::find(known, watcherProcess) != known.end() || watcherProcess.starts_with("panel-");
+  const bool isPlugin = watcherProcess.starts_with("panel-");
+  return isPlugin || std::ranges::find(others, watcherProcess) != others.end() ? SymbolSource::Folder
+                                                                               : SymbolSource::Nowhere;
 }
 
 }  // namespace platform

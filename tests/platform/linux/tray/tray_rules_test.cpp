@@ -78,11 +78,27 @@ TEST(StatusSignals, NameWhatHasChanged) {
 }
 
 TEST(Symbol, IsForPanelsThatRecolourIt) {
-  for (const char* process :
-       {"xfce4-panel", "panel-6-systray", "gnome-shell", "kded5", "kded6", "plasmashell"})
-    EXPECT_TRUE(platform::recoloursSymbols(process)) << process;
+  using platform::SymbolSource;
+  for (const char* process : {"xfce4-panel", "panel-6-systray", "gnome-shell"})
+    EXPECT_EQ(platform::symbolSourceOf(process), SymbolSource::Folder) << process;
+  for (const char* process : {"kded5", "kded6", "plasmashell"})
+    EXPECT_EQ(platform::symbolSourceOf(process), SymbolSource::Themes) << process;
   for (const char* process : {"", "lxqt-panel", "mate-panel", "waybar", "swaybar", "xfce4-panel2"})
-    EXPECT_FALSE(platform::recoloursSymbols(process)) << process;
+    EXPECT_EQ(platform::symbolSourceOf(process), SymbolSource::Nowhere) << process;
+}
+
+TEST(Symbol, IsNamedToPlasmaWhereTheSystemHasIt) {
+  using platform::SymbolSource;
+  const std::string symbols = "/tmp/data/icons/hicolor/symbolic/apps/";
+  std::filesystem::create_directories(symbols);
+  std::ofstream(symbols + "installed-symbolic.svg") << "<svg/>";
+  qputenv("XDG_DATA_DIRS", "/tmp/data");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Themes, "/tmp", "installed-symbolic"), "installed-symbolic");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Themes, "/tmp/data/icons", "missing-symbolic"), "");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Themes, "/tmp/data/icons", ""), "");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Folder, "/tmp/data/icons", "installed-symbolic"),
+            "installed-symbolic");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Nowhere, "/tmp/data/icons", "installed-symbolic"), "");
 }
 
 TEST(Symbol, IsNamedOnlyWhereItsFileIsThere) {
