@@ -4,7 +4,7 @@ SOURCES = $(shell git ls-files '*.cpp' '*.h' '*.mm')
 
 # Parallel targets would compete for processors and make tests time out.
 .NOTPARALLEL:
-.PHONY: build tour package bench soak format check check-packages check-format check-language check-compilers check-compilers-clang check-portable check-headers check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
+.PHONY: build tour package bench soak desktops format check check-packages check-format check-language check-compilers check-compilers-clang check-portable check-headers check-macos macos-on-gnustep check-tests check-tidy check-cppcheck \
   check-sanitizers check-threads fuzz faults coverage
 
 # The folder in which the preset's bundle is assembled.
@@ -113,6 +113,13 @@ soak: build
 	TOVALIN_SOAK_PAIRS=$(PAIRS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/notice_soak_test
 	TOVALIN_SOAK_OPENINGS=$(OPENINGS) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/support_soak_test
 	TOVALIN_SOAK_MINUTES=$(MINUTES) TOVALIN_SOAK_SEED=$(SEED) TOVALIN_BUNDLE_ROOT=$(BUNDLE_ROOT) tests/harness/sandbox build/$(PRESET)/tests/end_to_end/random_session_soak_test
+
+# DESKTOPS: the folder of the system with the desktops. DESKTOP_NAMES: only these desktops (tests/desktops/run). Needs root.
+DESKTOPS ?= /var/tmp/desktops
+DESKTOP_NAMES ?=
+desktops: build
+	packaging/set_up desktops package
+	DESKTOPS=$(DESKTOPS) tests/desktops/run $(DESKTOP_NAMES)
 
 # FUZZ_SECONDS: run time of each target. FUZZ_TARGETS: only these targets (files of tests/fuzz without suffix).
 FUZZ_SECONDS ?= 60

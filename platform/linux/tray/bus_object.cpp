@@ -14,12 +14,12 @@ constexpr QLatin1StringView propertiesInterface("org.freedesktop.DBus.Properties
 constexpr QLatin1StringView introspectionInterface("org.freedesktop.DBus.Introspectable");
 constexpr QLatin1StringView peerInterface("org.freedesktop.DBus.Peer");
 
+}  // namespace
+
 QDBusMessage unknownMethod(const QDBusMessage& call) {
   return call.createErrorReply(QDBusError::UnknownMethod,
                                QStringLiteral("There is no method %1 here").arg(call.member()));
 }
-
-}  // namespace
 
 QDBusMessage invalidArguments(const QDBusMessage& call, const QString& text) {
   return call.createErrorReply(QDBusError::InvalidArgs, text);

@@ -45,6 +45,8 @@ class BusObject : private QDBusVirtualObject {
   BusInterface interface_;
 };
 
+// Returns the error reply to a call of a method that the interface does not have.
+[[nodiscard]] QDBusMessage unknownMethod(const QDBusMessage& call);
 // Returns the error reply to invalid arguments, for BusMethod::answer.
 [[nodiscard]] QDBusMessage invalidArguments(const QDBusMessage& call, const QString& text);
 

@@ -68,11 +68,15 @@ Value argumentOf(const QDBusMessage& call, int index) {
 
 }  // namespace
 
-ExportedMenu::ExportedMenu(const QString& path) : object_(path, interface()) {}
+ExportedMenu::ExportedMenu(const QString& path, std::function<void()> called)
+    : called_(std::move(called)), object_(path, interface()) {}
 
 BusInterface ExportedMenu::interface() {
   const auto answering = [this](auto member) {
-    return [this, member](const QDBusMessage& call) { return (this->*member)(call); };
+    return [this, member](const QDBusMessage& call) {
+      called_();
+      return (this->*member)(call);
+    };
   };
   return {
       interfaceName,

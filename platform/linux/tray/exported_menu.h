@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QList>
 #include <QMenu>
 #include <QObject>
@@ -16,7 +18,8 @@ namespace platform {
 class ExportedMenu : public QObject {
   Q_OBJECT
  public:
-  explicit ExportedMenu(const QString& path);
+  // Calls `called` at each call of a host, before the answer.
+  ExportedMenu(const QString& path, std::function<void()> called);
 
   // Exports this menu from now on; nullptr exports an empty one. The caller keeps ownership.
   void show(QMenu* menu);
@@ -35,6 +38,7 @@ class ExportedMenu : public QObject {
   [[nodiscard]] QDBusMessage aboutToShowGroup(const QDBusMessage& call) const;
   void serve(int id, const QString& event);
 
+  std::function<void()> called_;
   QPointer<QMenu> menu_;
   QList<MenuLine> lines_;
   uint revision_ = 1;

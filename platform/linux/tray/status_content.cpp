@@ -1,8 +1,16 @@
 #include "platform/linux/tray/status_content.h"
 
 #include <QFileInfo>
+#include <QStandardPaths>
 
 namespace platform {
+namespace {
+
+QString symbolPath(const QString& symbol) {
+  return QLatin1String("/hicolor/symbolic/apps/") + symbol + QLatin1String(".svg");
+}
+
+}  // namespace
 
 QStringList signalsOfChange(const StatusContent& before, const StatusContent& after) {
   QStringList names;
@@ -12,8 +20,15 @@ QStringList signalsOfChange(const StatusContent& before, const StatusContent& af
 }
 
 QString symbolInFolder(const QString& folder, const QString& symbol) {
-  const QString file = folder + QLatin1String("/hicolor/symbolic/apps/") + symbol + QLatin1String(".svg");
-  return !symbol.isEmpty() && QFileInfo(file).isReadable() ? symbol : QString();
+  return !symbol.isEmpty() && QFileInfo(folder + symbolPath(symbol)).isReadable() ? symbol : QString();
+}
+
+QString symbolIn(SymbolSource source, const QString& folder, const QString& symbol) {
+  if (source == SymbolSource::Folder) return symbolInFolder(folder, symbol);
+  if (source == SymbolSource::Nowhere || symbol.isEmpty()) return {};
+  const QString file = QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                              QLatin1String("icons") + symbolPath(symbol));
+  return file.isEmpty() ? QString() : symbol;
 }
 
 }  // namespace platform

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "platform/image.h"
+#include "platform/linux/tray/tray_place.h"
 
 class QMenu;
 
@@ -15,8 +16,8 @@ namespace platform {
 struct StatusContent {
   QString text = {};                  // never empty
   std::shared_ptr<Image> image = {};  // nullptr or invalid: no icon
-  QString symbol = {};                // the name of a symbolic icon in `symbolFolder`, or empty
-  QString symbolFolder = {};          // the bundle's folder of icon themes
+  QString symbol = {};                // the name of a symbolic icon, or empty
+  QString symbolFolder = {};          // the bundle's folder of icon themes; empty: the system's themes
   QMenu* menu = nullptr;              // not owned
 
   [[nodiscard]] bool hasIcon() const { return image != nullptr && image->isValid(); }
@@ -29,5 +30,8 @@ struct StatusContent {
 // Returns `symbol` if its file exists in the folder, else an empty text: hosts prefer a name to pixels and
 // draw an empty square for an unknown one.
 [[nodiscard]] QString symbolInFolder(const QString& folder, const QString& symbol);
+
+// The symbol where the panel finds it, else empty.
+[[nodiscard]] QString symbolIn(SymbolSource source, const QString& folder, const QString& symbol);
 
 }  // namespace platform

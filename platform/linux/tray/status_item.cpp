@@ -1,5 +1,7 @@
 #include "platform/status_item.h"
 
+#include <optional>
+
 #include <QCoreApplication>
 #include <QCursor>
 #include <QGuiApplication>
@@ -47,7 +49,8 @@ struct StatusItem::Impl {
   void findPlace();
   void show();
   void popUpMenu();
-  void popUpMenuAt(QPoint pixel);
+  // At a pixel of the X screen, or at the pointer.
+  void popUpMenuAt(std::optional<QPoint> pixel);
   [[nodiscard]] StatusContent content() const;
 };
 
@@ -59,11 +62,12 @@ void StatusItem::Impl::findPlace() {
 
 StatusContent StatusItem::Impl::content() const {
   const std::string& text = toolTip.empty() ? title : toolTip;
+  const SymbolSource source = watch->symbolSource();
   const QString folder = folderOfSymbols();
   return {.text = text.empty() ? QCoreApplication::applicationName() : QString::fromStdString(text),
           .image = image,
-          .symbol = symbolInFolder(folder, QString::fromStdString(symbol)),
-          .symbolFolder = folder,
+          .symbol = symbolIn(source, folder, QString::fromStdString(symbol)),
+          .symbolFolder = source == SymbolSource::Folder ? folder : QString(),
           .menu = menu == nullptr ? nullptr : &menu->impl().widget};
 }
 
@@ -73,7 +77,8 @@ void StatusItem::Impl::show() {
   if (place != TrayPlace::Screen) onScreen.reset();
   if (place == TrayPlace::Bus) {
     if (onBus == nullptr)
-      onBus = std::make_unique<StatusNotifierItem>([this](QPoint pixel) { popUpMenuAt(pixel); });
+      onBus =
+          std::make_unique<StatusNotifierItem>([this](std::optional<QPoint> pixel) { popUpMenuAt(pixel); });
     onBus->show(content(), watch->watcherNumber());
   }
   if (place == TrayPlace::Screen) {
@@ -92,9 +97,10 @@ void StatusItem::Impl::popUpMenu() {
   widget.popup(icon.topLeft() + QPoint(0, icon.top() >= height ? -height : icon.height()));
 }
 
-void StatusItem::Impl::popUpMenuAt(QPoint pixel) {
-  if (menu != nullptr)
-    menu->impl().widget.popup(pointAtPixel(pixel, scaledScreens()).value_or(QCursor::pos()));
+void StatusItem::Impl::popUpMenuAt(std::optional<QPoint> pixel) {
+  if (menu == nullptr) return;
+  const auto point = pixel ? pointAtPixel(*pixel, scaledScreens()) : std::nullopt;
+  menu->impl().widget.popup(point.value_or(QCursor::pos()));
 }
 
 StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {

@@ -1,5 +1,6 @@
 #include "platform/linux/tray/status_notifier_item.h"
 
+#include <chrono>
 #include <utility>
 
 #include <QCoreApplication>
@@ -19,11 +20,13 @@ constexpr QLatin1StringView itemInterface("org.kde.StatusNotifierItem");
 
 // Processes of other PID namespaces on the same bus may own the names with this process id.
 constexpr int maxNameNumber = 16;
+// Panels have repainted themselves by then after a change of the desktop's appearance.
+constexpr std::chrono::seconds repaintTime{1};
 constexpr uint doNotQueue = 4;
 constexpr uint primaryOwner = 1;
 
 // Omits Activate and SecondaryActivate: hosts that ignore ItemIsMenu open the menu when the call fails with
-// UnknownMethod.
+// UnknownMethod. For hosts that do not open it, see HostMenuWait.
 constexpr const char* description = R"xml(
 <property name="Category" type="s" access="read"/>
 <property name="Id" type="s" access="read"/>
@@ -71,9 +74,14 @@ QDBusMessage registration(const QString& item) {
 
 }  // namespace
 
-StatusNotifierItem::StatusNotifierItem(std::function<void(QPoint)> openMenu)
-    : openMenu_(std::move(openMenu)), menu_(menuPath), object_(itemPath, interface()) {
+StatusNotifierItem::StatusNotifierItem(std::function<void(std::optional<QPoint>)> openMenu)
+    : openMenu_(std::move(openMenu)),
+      hostMenuWait_([this] { openMenu_(std::nullopt); }),
+      menu_(menuPath, [this] { hostMenuWait_.noteMenuCall(); }),
+      object_(itemPath, interface()) {
   registerTrayTypes();
+  iconReload_.setSingleShot(true);
+  connect(&iconReload_, &QTimer::timeout, this, &StatusNotifierItem::reloadIcon);
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
@@ -84,7 +92,9 @@ BusInterface StatusNotifierItem::interface() {
   return {itemInterface,
           QString::fromLatin1(description),
           [this] { return properties(); },
-          {{QLatin1StringView("ContextMenu"), QLatin1StringView("ii"),
+          {{QLatin1StringView("Activate"), QLatin1StringView("ii"),
+            [this](const QDBusMessage& call) { return activate(call); }},
+           {QLatin1StringView("ContextMenu"), QLatin1StringView("ii"),
             [this](const QDBusMessage& call) { return contextMenu(call); }},
            // Ignored: only programs that open windows of their own on Wayland need the token.
            {QLatin1StringView("ProvideXdgActivationToken"), QLatin1StringView("s"),
@@ -99,7 +109,7 @@ QVariantMap StatusNotifierItem::properties() const {
       {QStringLiteral("Title"), content_.text},
       {QStringLiteral("Status"), QStringLiteral("Active")},
       {QStringLiteral("WindowId"), 0},
-      {QStringLiteral("IconThemePath"), content_.symbol.isEmpty() ? QString() : content_.symbolFolder},
+      {QStringLiteral("IconThemePath"), symbolFolder()},
       {QStringLiteral("IconName"), content_.symbol},
       {QStringLiteral("IconPixmap"), QVariant::fromValue(panelPixels(content_.image.get()))},
       {QStringLiteral("OverlayIconName"), QString()},
@@ -111,6 +121,11 @@ QVariantMap StatusNotifierItem::properties() const {
       {QStringLiteral("ItemIsMenu"), true},
       {QStringLiteral("Menu"), QVariant::fromValue(QDBusObjectPath(menuPath))},
   };
+}
+
+// Ignores the coordinates: some panels send those of their own window. The pointer is at the click.
+QDBusMessage StatusNotifierItem::activate(const QDBusMessage& call) {
+  return hostMenuWait_.activate(call.service()) ? call.createReply() : unknownMethod(call);
 }
 
 // Called by hosts that do not show menus themselves.
@@ -127,8 +142,25 @@ void StatusNotifierItem::show(const StatusContent& content, int watcherNumber) {
   menu_.show(content_.menu);
   if (!content_.hasIcon()) return withdraw();
   if (!hasName_ && nameRequest_ == nullptr) return requestName();
-  for (const QString& signal : signalsOfChange(before, content_)) object_.emitSignal(signal);
+  signalChange(signalsOfChange(before, content_));
   registerWithWatcher();
+}
+
+void StatusNotifierItem::signalChange(const QStringList& names) {
+  for (const QString& name : names) object_.emitSignal(name);
+  if (names.contains(QLatin1String("NewIcon")) && !symbolFolder().isEmpty()) iconReload_.start(repaintTime);
+}
+
+// xfce4-panel colours a symbolic icon when it loads it, possibly before its own colours have followed a
+// change of the appearance. It loads the icon again only if a property differs.
+void StatusNotifierItem::reloadIcon() {
+  spelledOtherwise_ = !spelledOtherwise_;
+  object_.emitSignal(QStringLiteral("NewIcon"));
+}
+
+QString StatusNotifierItem::symbolFolder() const {
+  if (content_.symbol.isEmpty() || content_.symbolFolder.isEmpty()) return {};
+  return spelledOtherwise_ ? content_.symbolFolder + QLatin1Char('/') : content_.symbolFolder;
 }
 
 // The item has a bus name of its own: when that is released, watchers drop the item, and the process keeps

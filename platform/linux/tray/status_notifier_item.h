@@ -2,13 +2,17 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <QDBusPendingCallWatcher>
 #include <QObject>
 #include <QPoint>
 #include <QString>
+#include <QStringList>
+#include <QTimer>
 
 #include "platform/linux/tray/exported_menu.h"
+#include "platform/linux/tray/host_menu_wait.h"
 #include "platform/linux/tray/status_content.h"
 
 namespace platform {
@@ -19,8 +23,8 @@ class StatusNotifierItem : public QObject {
   Q_OBJECT
  public:
   // Calls `openMenu` from the run loop when a host that shows no menus requests the menu, with the position
-  // in pixels of the X screen.
-  explicit StatusNotifierItem(std::function<void(QPoint)> openMenu);
+  // in pixels of the X screen, or nullopt for the pointer's.
+  explicit StatusNotifierItem(std::function<void(std::optional<QPoint> pixel)> openMenu);
   ~StatusNotifierItem() override;
 
   // Shows `content`. Registers with the watcher, once for each `watcherNumber` (TrayHostWatch), and
@@ -30,19 +34,26 @@ class StatusNotifierItem : public QObject {
  private:
   [[nodiscard]] BusInterface interface();
   [[nodiscard]] QVariantMap properties() const;
+  [[nodiscard]] QDBusMessage activate(const QDBusMessage& call);
   [[nodiscard]] QDBusMessage contextMenu(const QDBusMessage& call);
+  void signalChange(const QStringList& names);
+  void reloadIcon();
+  [[nodiscard]] QString symbolFolder() const;
   void requestName();
   void takeNameAnswer();
   void registerWithWatcher();
   void withdraw();
 
-  std::function<void(QPoint)> openMenu_;
+  std::function<void(std::optional<QPoint>)> openMenu_;
   StatusContent content_;
   int watcherNumber_ = 0;
   int registeredWith_ = 0;
   int nameNumber_ = 0;
   bool hasName_ = false;
   std::unique_ptr<QDBusPendingCallWatcher> nameRequest_;
+  QTimer iconReload_;
+  bool spelledOtherwise_ = false;
+  HostMenuWait hostMenuWait_;
   ExportedMenu menu_;
   BusObject object_;
 };

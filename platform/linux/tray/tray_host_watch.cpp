@@ -3,11 +3,13 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -31,11 +33,28 @@ int screenNumber() {
   return screen;
 }
 
+QDBusPendingCall askForWatchersProcess() {
+  QDBusMessage call = QDBusMessage::createMethodCall(
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
+  call << QString(watcherService);
+  return QDBusConnection::sessionBus().asyncCall(call, answerLimitMs);
+}
+
+// Empty for a process of another PID namespace.
+std::string processName(uint id) {
+  std::ifstream file("/proc/" + std::to_string(id) + "/comm");
+  std::string name;
+  std::getline(file, name);
+  return name;
+}
+
 }  // namespace
 
 TrayHostWatch::TrayHostWatch(std::function<void()> changed)
     : changed_(std::move(changed)),
-      watcherName_(watcherService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange) {
+      watcherName_(watcherService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange),
+      processQuestion_(QDBusPendingCall::fromCompletedCall({})) {
   connect(&watcherName_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
     ++watcherNumber_;
     askWatcher();
@@ -58,6 +77,8 @@ void TrayHostWatch::askWatcher() {
       watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
   call << QString(watcherService) << QStringLiteral("IsStatusNotifierHostRegistered");
   call.setAutoStartService(false);
+  // The bus itself answers this request, before the watcher's answer to the next one.
+  processQuestion_ = askForWatchersProcess();
   // Replaces an earlier request, whose reply is outdated. Without a bus the reply is an error.
   question_ = std::make_unique<QDBusPendingCallWatcher>(bus.asyncCall(call, answerLimitMs));
   connect(question_.get(), &QDBusPendingCallWatcher::finished, this, &TrayHostWatch::takeAnswer,
@@ -70,6 +91,8 @@ void TrayHostWatch::takeAnswer() {
   const bool present = answer.isValid() && answer.value().variant().toBool();
   question_.reset();
   busHost_ = present ? BusHost::Present : BusHost::Absent;
+  const QDBusPendingReply<uint> process = processQuestion_;
+  symbolSource_ = process.isValid() ? symbolSourceOf(processName(process.value())) : SymbolSource::Nowhere;
   changed_();
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <QAbstractNativeEventFilter>
+#include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 #include <QObject>
@@ -22,6 +23,7 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
   ~TrayHostWatch() override;
 
   [[nodiscard]] BusHost busHost() const { return busHost_; }
+  [[nodiscard]] SymbolSource symbolSource() const { return symbolSource_; }
   // Returns a number that changes each time the watcher's bus name gets an owner. A restarted watcher knows
   // no items, and its unique name may be the same if it shares the connection of a process that kept running.
   [[nodiscard]] int watcherNumber() const { return watcherNumber_; }
@@ -38,7 +40,9 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
 
   std::function<void()> changed_;
   QDBusServiceWatcher watcherName_;
+  QDBusPendingCall processQuestion_;
   std::unique_ptr<QDBusPendingCallWatcher> question_;
+  SymbolSource symbolSource_ = SymbolSource::Nowhere;
   BusHost busHost_ = BusHost::Unknown;
   int watcherNumber_ = 1;
   quint32 managerMessage_ = 0;

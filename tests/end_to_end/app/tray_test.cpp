@@ -48,13 +48,39 @@ class XTray : public AgentTest {
     return test_support::waitForWindow(display_.name(), isIcon);
   }
 
-  // The icon may be mapped before the agent accepts clicks on it; its first drawing proves that it does.
+  // The tray may move the icon until it is drawn.
   void clickIcon(const char* button) {
     ASSERT_TRUE(test_support::waitUntil([this] { return isDrawn(dockedIcon()); }));
     const auto icon = dockedIcon();
     ASSERT_TRUE(icon);
-    runOnDisplay({"xdotool", "mousemove", std::to_string(icon->x + icon->width / 2),
-                  std::to_string(icon->y + icon->height / 2), "click", button});
+    clickAt(*icon, button);
+  }
+  void clickAt(const XWindow& icon, const char* button) {
+    runOnDisplay({"xdotool", "mousemove", std::to_string(icon.x + icon.width / 2),
+                  std::to_string(icon.y + icon.height / 2), "click", button});
+  }
+  [[nodiscard]] bool isDrawn(const std::optional<XWindow>& icon) const {
+    if (!icon) return false;
+    const auto picture =
+        test_support::pictureOf(display_.name(), {icon->x, icon->y, icon->width, icon->height});
+    if (!picture) return false;
+    for (int x = 0; x < icon->width; ++x) {
+      if (!(picture->at(x, icon->height / 2) == picture->at(0, 0))) return true;
+    }
+    return false;
+  }
+  // Starts the agent and stops it as soon as the tray shows the icon's window, in general before the agent
+  // has drawn there.
+  [[nodiscard]] std::optional<XWindow> stopAtDocking() {
+    startAgent();
+    std::optional<XWindow> icon;
+    const bool docked = test_support::waitUntil([&] {
+      agent_.signal(SIGSTOP);
+      icon = test_support::waitForWindow(display_.name(), isIcon, std::chrono::milliseconds(0));
+      if (!icon) agent_.signal(SIGCONT);
+      return icon.has_value();
+    });
+    return docked ? icon : std::nullopt;
   }
   // Uses clicks, because a menu that has just opened may not have the input focus yet, and keys would be
   // lost.
@@ -69,18 +95,6 @@ class XTray : public AgentTest {
   }
 
   ChildProcess tray_;
-
- private:
-  [[nodiscard]] bool isDrawn(const std::optional<XWindow>& icon) const {
-    if (!icon) return false;
-    const auto picture =
-        test_support::pictureOf(display_.name(), {icon->x, icon->y, icon->width, icon->height});
-    if (!picture) return false;
-    for (int x = 0; x < icon->width; ++x) {
-      if (!(picture->at(x, icon->height / 2) == picture->at(0, 0))) return true;
-    }
-    return false;
-  }
 };
 
 TEST_F(XTray, DocksIcon) {
@@ -117,6 +131,27 @@ TEST_F(XTray, BothButtonsOpenMenu) {
     clickIcon(button);
     EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu)) << "button " << button;
     EXPECT_TRUE(escapeClosesMenu()) << "button " << button;
+  }
+}
+
+TEST_F(XTray, ClickBeforeIconIsDrawnOpensMenu) {
+  startTray();
+  for (const char* button : {"1", "3"}) {
+    bool hasClicked = false;
+    for (int starts = 0; starts < 20 && !hasClicked; ++starts) {
+      const auto icon = stopAtDocking();
+      ASSERT_TRUE(icon);
+      if (!isDrawn(icon)) {
+        hasClicked = true;
+        clickAt(*icon, button);
+        agent_.signal(SIGCONT);
+        EXPECT_TRUE(test_support::waitForWindow(display_.name(), isMenu)) << "button " << button;
+      }
+      agent_.kill();
+      ASSERT_TRUE(agent_.wait());
+      ASSERT_TRUE(test_support::waitForNoWindow(display_.name(), isIcon));
+    }
+    EXPECT_TRUE(hasClicked) << "the icon was always drawn at once";
   }
 }
 
@@ -398,6 +433,20 @@ TEST_F(PanelTray, ItemHasProgramNameAndStateInWords) {
 TEST_F(PanelTray, IconHasThreeSizes) {
   launchAgentInPanel();
   EXPECT_EQ(host_.properties()["IconPixmap"], "20x20 40x40 80x80");
+}
+
+// Such a panel would paint a symbolic icon dark on dark.
+TEST_F(PanelTray, IconHasNoNameInPanelThatDoesNotRecolour) {
+  for (const char* panel : {"lxqt-panel", "xfce4-panel", "waybar"}) {
+    ASSERT_TRUE(host_.start(bus_, panel));
+    if (!agent_.running()) launchAgent();
+    ASSERT_TRUE(host_.waitForEvent("registered"));
+    const bool recolours = panel == std::string("xfce4-panel");
+    EXPECT_EQ(host_.properties()["IconName"], recolours ? "tovalin-mount-on-symbolic" : "") << panel;
+    EXPECT_EQ(host_.properties()["IconPixmap"], "20x20 40x40 80x80");
+    host_.process().kill();
+    ASSERT_TRUE(host_.process().wait());
+  }
 }
 
 TEST_F(PanelTray, IconNameIsThatOfInstalledSymbol) {

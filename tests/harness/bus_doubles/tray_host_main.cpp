@@ -1,5 +1,7 @@
-// tray_host_double: fakes a desktop's tray for tray items. Runs in its own process, because the programs
-// under test block on its replies.
+// tray_host_double [NAME]: fakes a desktop's tray for tray items, as a process called NAME (default:
+// xfce4-panel). Runs in its own process, because the programs under test block on its replies.
+
+#include <sys/prctl.h>
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -9,6 +11,8 @@
 
 int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
+  // A panel that recolours symbolic icons. The agent knows panels by their process.
+  prctl(PR_SET_NAME, argc > 1 ? argv[1] : "xfce4-panel");
   TrayHost host(QDBusConnection::sessionBus());
   if (!host.publish()) {
     say("error no bus, or another tray is on it");

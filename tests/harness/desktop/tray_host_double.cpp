@@ -34,8 +34,8 @@ std::string at(int x, int y) {
 
 }  // namespace
 
-bool TrayHostDouble::start(const SessionBus& bus) {
-  return LineProgram::start({TOVALIN_TRAY_HOST_DOUBLE},
+bool TrayHostDouble::start(const SessionBus& bus, const char* processName) {
+  return LineProgram::start({TOVALIN_TRAY_HOST_DOUBLE, processName},
                             {.environment = {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}}});
 }
 

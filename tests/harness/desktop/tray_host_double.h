@@ -29,7 +29,8 @@ struct TrayMenuItem {
 // replies to the calls below: "clicked LABEL", "called Activate", or "failed clicked LABEL REASON".
 class TrayHostDouble : public LineProgram {
  public:
-  [[nodiscard]] bool start(const SessionBus& bus);
+  // The agent knows panels by the names of their processes.
+  [[nodiscard]] bool start(const SessionBus& bus, const char* processName = "xfce4-panel");
 
   // Returns "SERVICE PATH" for each item.
   [[nodiscard]] std::vector<std::string> items();

@@ -1,11 +1,17 @@
+#include "platform/linux/tray/status_notifier_item.h"
+
 #include <gmock/gmock.h>
 
 #include <QApplication>
+#include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QDBusVariant>
+#include <QDir>
 #include <QMenu>
+#include <QTimer>
 
 #include "platform/image.h"
+#include "platform/linux/tray/host_menu_wait.h"
 #include "tests/harness/bus_doubles/icon_pixmap.h"
 #include "tests/platform/linux/tray/tray_bus_fixture.h"
 
@@ -72,6 +78,43 @@ TEST_F(TrayBusTest, ActivateAndSecondaryActivateAreUnknownMethods) {
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
+// MATE's and LXQt's panels. MATE's sends coordinates of its own window.
+TEST_F(TrayBusTest, ActivateOpensOurMenuAtThePointerForAHostThatDoesNotOpenItsOwn) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  QCursor::setPos(100, 200);
+  ASSERT_TRUE(serveEventsUntil([] { return QCursor::pos() == QPoint(100, 200); }));
+  for (const auto expected : {QDBusMessage::ErrorMessage, QDBusMessage::ReplyMessage}) {
+    EXPECT_EQ(callItem(itemInterface, "Activate", {0, 26}).type(), expected);
+    ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
+    EXPECT_EQ(QApplication::activePopupWidget()->pos(), QPoint(100, 200));
+    QApplication::activePopupWidget()->close();
+  }
+}
+
+// Plasma and GNOME.
+TEST_F(TrayBusTest, ActivateLeavesTheMenuToAHostThatOpensItsOwn) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  for (int times = 0; times < 2; ++times) {
+    EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(callMenu("AboutToShow", {0}).type(), QDBusMessage::ReplyMessage);
+    bool isLate = false;
+    QTimer::singleShot(2 * platform::hostMenuPatience, [&] { isLate = true; });
+    ASSERT_TRUE(serveEventsUntil([&] { return isLate; }));
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+  }
+}
+
+TEST_F(TrayBusTest, ActivateIsLeftToANewHostAfterOneThatDoesNotOpenTheMenu) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
+  ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
+  QApplication::activePopupWidget()->close();
+  BusClient second("second");
+  const ItemAddress item = watcher_->items().constLast();
+  EXPECT_EQ(second.call(item.service, item.path, itemInterface, "Activate", {100, 200}).type(),
+            QDBusMessage::ErrorMessage);
+}
+
 TEST_F(TrayBusTest, ContextMenuOpensMenuAtPosition) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   EXPECT_EQ(callItem(itemInterface, "ContextMenu", {100, 200}).type(), QDBusMessage::ReplyMessage);
@@ -99,6 +142,31 @@ TEST_F(TrayBusTest, ChangesAreSignalledOnceEach) {
   item_->setImage(image);
   ASSERT_TRUE(isAlive());
   EXPECT_EQ(host_.signalNames(), QStringList());
+}
+
+// xfce4-panel paints the icon in the colours that it has when it loads it, and loads it again only if a
+// property has changed.
+TEST_F(TrayBusTest, SymbolIsReloadedByAPanelThatChangesItsColoursAfterAnIconChange) {
+  ASSERT_NO_FATAL_FAILURE(startWatcher());
+  platform::StatusContent content{.text = "All is well",
+                                  .image = std::make_shared<Image>(Size{20, 20}),
+                                  .symbol = "none",
+                                  .symbolFolder = "/tmp/symbols"};
+  platform::StatusNotifierItem item([](auto) {});
+  item.show(content, 1);
+  ASSERT_TRUE(waitForItems(1));
+  for (const char* name : {"one", "other"}) {
+    content.symbol = name;
+    item.show(content, 1);
+    ASSERT_TRUE(waitForSignal("NewIcon"));
+    const QVariantMap before = properties();
+    EXPECT_EQ(before["IconName"], name);
+    ASSERT_TRUE(waitForSignal("NewIcon"));
+    const QVariantMap after = properties();
+    EXPECT_EQ(after["IconName"], name);
+    EXPECT_NE(after["IconThemePath"], before["IconThemePath"]);
+    EXPECT_EQ(QDir(after["IconThemePath"].toString()), QDir("/tmp/symbols"));
+  }
 }
 
 TEST_F(TrayBusTest, RegistersWithRestartedWatcher) {

@@ -77,6 +77,30 @@ TEST(StatusSignals, ContainOnlyChangedProperties) {
     EXPECT_EQ(platform::signalsOfChange(before, row.after), row.names);
 }
 
+TEST(Symbol, SourceDependsOnPanel) {
+  using platform::SymbolSource;
+  for (const char* process : {"kded5", "kded6", "plasmashell"})
+    EXPECT_EQ(platform::symbolSourceOf(process), SymbolSource::Themes) << process;
+  for (const char* process : {"lxqt-panel", "mate-panel", "notification-ar", "swaybar", "waybar"})
+    EXPECT_EQ(platform::symbolSourceOf(process), SymbolSource::Nowhere) << process;
+  for (const char* process : {"", "xfce4-panel", "panel-6-systray", "gnome-shell", "another-panel"})
+    EXPECT_EQ(platform::symbolSourceOf(process), SymbolSource::Folder) << process;
+}
+
+TEST(Symbol, ThemesSourceNeedsInstalledIcon) {
+  using platform::SymbolSource;
+  const std::string symbols = "/tmp/data/icons/hicolor/symbolic/apps/";
+  std::filesystem::create_directories(symbols);
+  std::ofstream(symbols + "installed-symbolic.svg") << "<svg/>";
+  qputenv("XDG_DATA_DIRS", "/tmp/data");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Themes, "/tmp", "installed-symbolic"), "installed-symbolic");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Themes, "/tmp/data/icons", "missing-symbolic"), "");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Themes, "/tmp/data/icons", ""), "");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Folder, "/tmp/data/icons", "installed-symbolic"),
+            "installed-symbolic");
+  EXPECT_EQ(platform::symbolIn(SymbolSource::Nowhere, "/tmp/data/icons", "installed-symbolic"), "");
+}
+
 TEST(Symbol, IsUsedOnlyIfItsFileExists) {
   const QString folder = "/tmp/symbols";
   std::filesystem::create_directories("/tmp/symbols/hicolor/symbolic/apps");
