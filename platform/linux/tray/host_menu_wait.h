@@ -9,21 +9,22 @@
 
 namespace platform {
 
-// How long a host has for its first call to the menu after Activate has failed.
+// The timeout for a host's first call to the exported menu after Activate has failed.
 inline constexpr std::chrono::milliseconds hostMenuPatience{500};
 
-// Decides who opens the menu when a host calls Activate. Most hosts open the item's menu themselves when the
-// call fails with UnknownMethod; some, like those of MATE and LXQt, do nothing then. Such a host is known by
-// not having called the menu for a while; from then on its menu opens without delay. Main thread.
+// Opens the agent's own menu for hosts that call Activate and do not open the exported menu when the call
+// fails with UnknownMethod, such as the panels of MATE and LXQt. Such a host is recognised when it has not
+// called the exported menu within the timeout; from then on Activate succeeds and opens the menu at once.
+// Main thread only.
 class HostMenuWait : public QObject {
   Q_OBJECT
  public:
   // Calls `openMenu` from the run loop.
   explicit HostMenuWait(std::function<void()> openMenu);
 
-  // A host, by its unique bus name, calls Activate. Returns whether the call succeeds.
+  // Handles a call of Activate by a host with this unique bus name. Returns whether the call succeeds.
   [[nodiscard]] bool activate(const QString& host);
-  // A host calls the menu.
+  // Handles a call of the exported menu.
   void noteMenuCall() { timer_.stop(); }
 
  private:

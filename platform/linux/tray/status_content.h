@@ -31,7 +31,7 @@ struct StatusContent {
 // draw an empty square for an unknown one.
 [[nodiscard]] QString symbolInFolder(const QString& folder, const QString& symbol);
 
-// The symbol where the panel finds it, else empty.
+// Returns `symbol` if the panel finds it there, else an empty text.
 [[nodiscard]] QString symbolIn(SymbolSource source, const QString& folder, const QString& symbol);
 
 }  // namespace platform

@@ -49,7 +49,7 @@ struct StatusItem::Impl {
   void findPlace();
   void show();
   void popUpMenu();
-  // At a pixel of the X screen, or at the pointer.
+  // Opens the menu at a pixel of the X screen, or at the pointer.
   void popUpMenuAt(std::optional<QPoint> pixel);
   [[nodiscard]] StatusContent content() const;
 };

@@ -20,7 +20,7 @@ constexpr QLatin1StringView itemInterface("org.kde.StatusNotifierItem");
 
 // Processes of other PID namespaces on the same bus may own the names with this process id.
 constexpr int maxNameNumber = 16;
-// Panels have repainted themselves by then after a change of the desktop's appearance.
+// The time in which panels follow a change of the desktop's appearance.
 constexpr std::chrono::seconds repaintTime{1};
 constexpr uint doNotQueue = 4;
 constexpr uint primaryOwner = 1;

@@ -41,7 +41,7 @@ QDBusPendingCall askForWatchersProcess() {
   return QDBusConnection::sessionBus().asyncCall(call, answerLimitMs);
 }
 
-// Empty for a process of another PID namespace.
+// Returns an empty text for a process of another PID namespace.
 std::string processName(uint id) {
   std::ifstream file("/proc/" + std::to_string(id) + "/comm");
   std::string name;

@@ -69,8 +69,8 @@ class XTray : public AgentTest {
     }
     return false;
   }
-  // Starts the agent and stops it as soon as the tray shows the icon's window, in general before the agent
-  // has drawn there.
+  // Starts the agent and stops it as soon as the tray shows the icon's window, usually before its first
+  // drawing.
   [[nodiscard]] std::optional<XWindow> stopAtDocking() {
     startAgent();
     std::optional<XWindow> icon;
@@ -436,7 +436,7 @@ TEST_F(PanelTray, IconHasThreeSizes) {
 }
 
 // Such a panel would paint a symbolic icon dark on dark.
-TEST_F(PanelTray, IconHasNoNameInPanelThatDoesNotRecolour) {
+TEST_F(PanelTray, IconNameIsEmptyInPanelThatDoesNotRecolour) {
   for (const char* panel : {"lxqt-panel", "xfce4-panel", "waybar"}) {
     ASSERT_TRUE(host_.start(bus_, panel));
     if (!agent_.running()) launchAgent();

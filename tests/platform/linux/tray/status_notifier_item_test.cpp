@@ -79,7 +79,7 @@ TEST_F(TrayBusTest, ActivateAndSecondaryActivateAreUnknownMethods) {
 }
 
 // MATE's and LXQt's panels. MATE's sends coordinates of its own window.
-TEST_F(TrayBusTest, ActivateOpensOurMenuAtThePointerForAHostThatDoesNotOpenItsOwn) {
+TEST_F(TrayBusTest, ActivateOpensMenuAtPointerIfHostDoesNot) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   QCursor::setPos(100, 200);
   ASSERT_TRUE(serveEventsUntil([] { return QCursor::pos() == QPoint(100, 200); }));
@@ -92,7 +92,7 @@ TEST_F(TrayBusTest, ActivateOpensOurMenuAtThePointerForAHostThatDoesNotOpenItsOw
 }
 
 // Plasma and GNOME.
-TEST_F(TrayBusTest, ActivateLeavesTheMenuToAHostThatOpensItsOwn) {
+TEST_F(TrayBusTest, ActivateOpensNoMenuIfHostDoes) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   for (int times = 0; times < 2; ++times) {
     EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
@@ -104,7 +104,7 @@ TEST_F(TrayBusTest, ActivateLeavesTheMenuToAHostThatOpensItsOwn) {
   }
 }
 
-TEST_F(TrayBusTest, ActivateIsLeftToANewHostAfterOneThatDoesNotOpenTheMenu) {
+TEST_F(TrayBusTest, FirstActivateOfNewHostFails) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
   ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
@@ -146,7 +146,7 @@ TEST_F(TrayBusTest, ChangesAreSignalledOnceEach) {
 
 // xfce4-panel paints the icon in the colours that it has when it loads it, and loads it again only if a
 // property has changed.
-TEST_F(TrayBusTest, SymbolIsReloadedByAPanelThatChangesItsColoursAfterAnIconChange) {
+TEST_F(TrayBusTest, IconChangeIsSignalledAgainWithOtherThemePath) {
   ASSERT_NO_FATAL_FAILURE(startWatcher());
   platform::StatusContent content{.text = "All is well",
                                   .image = std::make_shared<Image>(Size{20, 20}),
