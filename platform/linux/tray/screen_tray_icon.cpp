@@ -10,13 +10,12 @@ namespace platform {
 ScreenTrayIcon::ScreenTrayIcon(std::function<void()> clicked) {
   QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
                    [clicked = std::move(clicked)](QSystemTrayIcon::ActivationReason reason) {
-                     if (reason == QSystemTrayIcon::Trigger) clicked();
+                     if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context) clicked();
                    });
 }
 
 void ScreenTrayIcon::show(const StatusContent& content) {
   icon_.setToolTip(content.text);
-  if (content.menu != nullptr) icon_.setContextMenu(content.menu);
   icon_.setIcon(content.hasIcon() ? panelIcon(content.image->impl().pixmaps()) : QIcon());
   icon_.setVisible(content.hasIcon());
 }

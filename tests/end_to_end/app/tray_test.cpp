@@ -155,19 +155,22 @@ TEST_F(XTray, ClickBeforeIconIsDrawnOpensMenu) {
   }
 }
 
-TEST_F(XTray, MenuOpensOnTheSideWithSpace) {
+// Under the pointer, a second click would choose an item.
+TEST_F(XTray, MenuOpensBesideIconOnTheSideWithSpace) {
   for (const char* edge : {"bottom", "top"}) {
     startTray(edge);
     launchAgent();
-    clickIcon("1");
-    const auto menu = test_support::waitForWindow(display_.name(), isMenu);
-    const auto icon = dockedIcon();
-    ASSERT_TRUE(menu && icon) << edge;
-    EXPECT_EQ(menu->x, std::min(icon->x, 1280 - menu->width)) << edge;
-    EXPECT_EQ(edge == std::string("bottom") ? menu->y + menu->height : menu->y,
-              edge == std::string("bottom") ? icon->y : icon->y + icon->height)
-        << edge;
-    EXPECT_TRUE(escapeClosesMenu());
+    for (const char* button : {"1", "3"}) {
+      clickIcon(button);
+      const auto menu = test_support::waitForWindow(display_.name(), isMenu);
+      const auto icon = dockedIcon();
+      ASSERT_TRUE(menu && icon) << edge;
+      EXPECT_EQ(menu->x, std::min(icon->x, 1280 - menu->width)) << edge << button;
+      EXPECT_EQ(edge == std::string("bottom") ? menu->y + menu->height : menu->y,
+                edge == std::string("bottom") ? icon->y : icon->y + icon->height)
+          << edge << button;
+      EXPECT_TRUE(escapeClosesMenu());
+    }
     terminateAgent();
     tray_.kill();
     ASSERT_TRUE(tray_.wait());
