@@ -10,7 +10,7 @@ add_compile_definitions(_GNU_SOURCE)
 function(compiled_alone)
   set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
-if(CMAKE_UNITY_BUILD)
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # gcc warns about a type with internal linkage in a merged source file.
   add_compile_options(-Wno-subobject-linkage)
 endif()

@@ -6,8 +6,9 @@
 
 namespace platform {
 
-// Builds commands for `system` (platform/shell.h) that collect a program's logs. The commands follow no
-// symbolic links, open no FIFOs, and create files that only the user can read. Thread-safe.
+// Builds commands for `system` (platform/shell.h) that collect a program's logs. On Linux the commands follow
+// no symbolic links, open no FIFOs, and create files that only the user can read. On macOS they copy whole
+// files with the user's umask. Thread-safe.
 
 enum class LogSource {
   ProgramLogs,         // the program's log files: the newest bytes
@@ -15,6 +16,9 @@ enum class LogSource {
   UserCrashReports,    // crash reports of the user's processes: whole reports, newest first
   SystemCrashReports,  // crash reports made by the system: whole reports, newest first
 };
+
+// Returns a command that creates `folder`, an absolute path, for the copies.
+[[nodiscard]] std::string newFolderCommand(std::string_view folder);
 
 // Returns a command that copies the logs of `program`, at most `maxBytes`, into `folder`, an absolute path.
 [[nodiscard]] std::string copyLogsCommand(LogSource source, std::string_view program, std::string_view folder,

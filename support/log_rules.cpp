@@ -37,7 +37,7 @@ std::string collectionName(const std::tm& now) {
 std::optional<std::array<CollectionCommand, 6>> collectionCommands(std::string_view name) {
   const std::string folder = "/tmp/" + std::string(name);
   const std::array<CollectionCommand, 6> commands = {{
-      {"mkdir -m 700 " + folder, folderLimit},
+      {platform::newFolderCommand(folder), folderLimit},
       copyFrom(LogSource::ProgramLogs, folder),
       copyFrom(LogSource::SystemLog, folder),
       copyFrom(LogSource::UserCrashReports, folder),

@@ -59,10 +59,9 @@ void MacosAgentTest::SetUp() {
   fs::remove(pipePath);
   ASSERT_TRUE(timeline_.valid());
   ASSERT_TRUE(display_.start());
+  fs::remove_all(outsideCommands);
   fs::create_directories(outsideCommands);
-  for (const char* command : {"killall", "beacon", "launchctl", "open", "osascript"})
-    fs::copy_file(TOVALIN_RECORDER, std::string(outsideCommands) + "/" + command,
-                  fs::copy_options::overwrite_existing);
+  for (const char* command : {"killall", "beacon", "launchctl", "open", "osascript"}) record(command);
   environment_ = {{"DISPLAY", display_.name()},
                   {"PATH", std::string(outsideCommands) + ":" + std::getenv("PATH")}};
   installMacosAgent();
@@ -72,6 +71,10 @@ void MacosAgentTest::SetUp() {
 
 void MacosAgentTest::TearDown() {
   agent_.kill();
+}
+
+void MacosAgentTest::record(const std::string& command) {
+  fs::copy_file(TOVALIN_RECORDER, std::string(outsideCommands) + "/" + command);
 }
 
 void MacosAgentTest::install(const std::string& built) {

@@ -21,6 +21,8 @@ class MacosAgentTest : public testing::Test {
   void SetUp() override;
   void TearDown() override;
 
+  // Replaces a command by a program that reports to the timeline.
+  static void record(const std::string& command);
   // Replaces the agent by the Linux one, from the bundle below TOVALIN_BUNDLE_ROOT.
   void installLinuxAgent();
   void installMacosAgent();

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -119,6 +120,29 @@ TEST_F(MacosAgent, NoticeHiddenFirstEndsTheOtherRunAndLeavesItOnScreen) {
   ASSERT_TRUE(hides(isAccessNotice));
 }
 
+TEST_F(MacosAgent, OuterNoticeHiddenFirstEndsInnerRun) {
+  struct Case {
+    const char* outer;
+    const char* inner;
+    int scripts;  // run at each "-neoff"
+  };
+  for (const Case& order : {Case{"-non", "-neon", 1}, Case{"-neon", "-non", 2}}) {
+    if (!agent_.running()) launch();
+    const auto isOuter = order.outer == "-non"s ? isAccessNotice : isLoadingNotice;
+    const auto isInner = order.inner == "-non"s ? isAccessNotice : isLoadingNotice;
+    send(order.outer);
+    ASSERT_TRUE(shows(isOuter));
+    send(order.inner);
+    ASSERT_TRUE(shows(isInner));
+    send(order.outer == "-non"s ? "-noff" : "-neoff");
+    ASSERT_TRUE(hides(isOuter));
+    ASSERT_TRUE(shows(isInner));
+    send(order.inner == "-non"s ? "-noff" : "-neoff");
+    ASSERT_TRUE(hides(isInner));
+    ASSERT_TRUE(waitUntil([&] { return count("run: osascript") == order.scripts; }));
+  }
+}
+
 TEST_F(MacosAgent, NoticesReopenAfterHiding) {
   launch();
   for (int i = 0; i < 3; ++i) {
@@ -220,20 +244,26 @@ TEST_F(MacosAgent, UpdateButtonStartsCopyOfUpdaterAndWindowStays) {
 }
 
 TEST_F(MacosAgent, CollectionAsksRunsCommandsAndReports) {
+  for (const char* command : {"mkdir", "cp", "zip"}) record(command);
   launch();
   choose(supportLine);
   ASSERT_TRUE(shows(windowNamed("Support Tovalin")));
   clickIn("Support Tovalin", 350, 62);
   ASSERT_TRUE(shows(windowNamed("sheet")));
   saveScreen("macos-sheet");
+  timeline_.clear();
   clickIn("sheet", 338, 26);
-  ASSERT_TRUE(waitUntil([] {
-    for (const auto& entry : fs::directory_iterator("/tmp"))
-      if (entry.path().filename().string().starts_with("tovalinlog_")) {
-        return true;
-      }
-    return false;
-  }));
+  ASSERT_TRUE(waitForText("run: zip "));
+  const std::vector<std::string> commands = texts();
+  const std::string target = commands[0].substr(std::string("run: mkdir ").size());
+  EXPECT_TRUE(std::regex_match(
+      target, std::regex("/tmp/tovalinlog_[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}-[0-9]{2}-[0-9]{2}")));
+  EXPECT_EQ(commands, (std::vector<std::string>{
+                          "run: mkdir " + target, "run: cp /private/var/log/Tovalin*.log " + target + "/",
+                          "run: cp /private/var/log/system.log " + target + "/",
+                          "run: cp /tmp/home/Library/Logs/DiagnosticReports/Tovalin*.crash " + target + "/",
+                          "run: cp /Library/Logs/DiagnosticReports/Tovalin*.crash " + target + "/",
+                          "run: zip /tmp/home/Desktop/" + target.substr(5) + ".zip " + target + "/*.*"}));
   ASSERT_TRUE(shows(windowNamed("sheet")));
   saveScreen("macos-collected");
   clickIn("sheet", 226, 26);

@@ -26,7 +26,7 @@ using test_support::waitUntil;
 struct Outcome {
   std::vector<std::string> events;  // messages, log entries with their priorities, commands
   std::vector<std::string> beacons;
-  std::vector<std::string> requests;  // method, path and body, sorted by path
+  std::vector<std::string> requests;  // method, path and body
   std::vector<std::string> records;   // of the day's file
 };
 

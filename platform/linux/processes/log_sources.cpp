@@ -55,6 +55,10 @@ std::string filledIn(std::string_view command, const Values& values) {
 
 }  // namespace
 
+std::string newFolderCommand(std::string_view folder) {
+  return "mkdir -m 700 " + std::string(folder);
+}
+
 std::string copyLogsCommand(LogSource source, std::string_view program, std::string_view folder,
                             std::size_t maxBytes) {
   return filledIn(templateOf(source),

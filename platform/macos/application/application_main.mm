@@ -91,7 +91,7 @@ int ApplicationMain(int argc, char** argv) {
   handleTerminationSignals([&] { application.performOnMainThread([&] { application.terminate(); }); });
 
   const Retained<TovalinApplicationDelegate*> native(nativeDelegate(*delegate));
-  [NSApp setDelegate:native.get()];
+  [NSApp setDelegate:static_cast<id>(native.get())];
   [NSApp run];
   application.terminate();
 }

@@ -4,8 +4,8 @@ namespace platform {
 namespace {
 
 // Plain cp is safe here: only root and the user can write to the source folders, so these contain no links or
-// FIFOs of other users, and only the user can enter the target folder. Copies whole files without a limit,
-// because the system rotates its logs at a few megabytes.
+// FIFOs of other users. Copies whole files without a limit, because the system rotates its logs at a few
+// megabytes.
 std::string sourceOf(LogSource source, std::string_view program) {
   const std::string name(program);
   switch (source) {
@@ -22,6 +22,10 @@ std::string sourceOf(LogSource source, std::string_view program) {
 }
 
 }  // namespace
+
+std::string newFolderCommand(std::string_view folder) {
+  return "mkdir " + std::string(folder);
+}
 
 std::string copyLogsCommand(LogSource source, std::string_view program, std::string_view folder,
                             std::size_t /*maxBytes*/) {

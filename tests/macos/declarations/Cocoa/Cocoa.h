@@ -196,9 +196,11 @@ enum NSEventType : NSUInteger { NSEventTypeApplicationDefined = 15 };
 @end
 
 enum NSApplicationTerminateReply : NSUInteger {};
+@protocol NSApplicationDelegate
+@end
 @interface NSApplication : NSResponder
 + (NSApplication*)sharedApplication;
-- (void)setDelegate:(id)delegate;
+- (void)setDelegate:(id<NSApplicationDelegate>)delegate;
 - (void)run;
 - (NSInteger)runModalForWindow:(NSWindow*)window;
 - (void)stopModal;
@@ -370,12 +372,14 @@ enum NSLineBreakMode : NSUInteger { NSLineBreakByTruncatingTail = 4 };
 typedef NSUInteger NSWindowStyleMask;
 enum : NSUInteger { NSWindowStyleMaskTitled = 1, NSWindowStyleMaskClosable = 2 };
 enum NSBackingStoreType : NSUInteger { NSBackingStoreBuffered = 2 };
+@protocol NSWindowDelegate
+@end
 @interface NSWindow : NSResponder
 - (instancetype)initWithContentRect:(NSRect)rect
                           styleMask:(NSWindowStyleMask)style
                             backing:(NSBackingStoreType)backing
                               defer:(BOOL)defer;
-- (void)setDelegate:(id)delegate;
+- (void)setDelegate:(id<NSWindowDelegate>)delegate;
 - (void)setTitle:(NSString*)title;
 - (void)setContentView:(NSView*)view;
 - (void)setBackgroundColor:(NSColor*)color;

@@ -19,6 +19,10 @@ TEST(LogSources, CommandContainsProgramFolderAndByteLimit) {
             "collectlogs whole 7 /var/crash '*P*.crash' /tmp/N");
 }
 
+TEST(LogSources, NewFolderIsPrivate) {
+  EXPECT_EQ(platform::newFolderCommand("/tmp/N"), "mkdir -m 700 /tmp/N");
+}
+
 TEST(LogSources, PlaceholderInArgumentIsNotExpanded) {
   EXPECT_EQ(platform::copyLogsCommand(LogSource::ProgramLogs, "%p%f", "/tmp/%p", 7),
             "collectlogs newest 7 /var/log '%p%f*.log' /tmp/%p");
