@@ -13,7 +13,7 @@ NSTextView* textView(const TextView& view) {
 }
 
 NSRange fullRange(NSTextView* view) {
-  return NSMakeRange(0, [[view textStorage] length]);
+  return NSMakeRange(0, static_cast<NSUInteger>([[view textStorage] length]));
 }
 
 // Sets no font attribute, so the text appears in the default font of the text system.

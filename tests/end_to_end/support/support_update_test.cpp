@@ -4,7 +4,11 @@
 #include <sys/statvfs.h>
 
 #include <cerrno>
+#include <chrono>
+#include <filesystem>
 #include <fstream>
+#include <string>
+#include <thread>
 
 #include "tests/end_to_end/support/support_fixture.h"
 #include "tests/harness/processes/file_contents.h"
@@ -22,9 +26,19 @@ class NoMoreFilesInTmp {
     struct statvfs status {};
     EXPECT_EQ(::statvfs("/tmp", &status), 0);
     maxFiles_ = status.f_files;
-    setMaxFiles(status.f_files - status.f_ffree);
+    std::filesystem::create_directory(filler);
+    setMaxFiles(status.f_files - status.f_ffree + 1);
+    // Programs of earlier tests may still remove files.
+    filling_ = std::jthread([](const std::stop_token& stop) {
+      for (int number = 0; !stop.stop_requested(); std::this_thread::sleep_for(std::chrono::milliseconds(1)))
+        if (std::ofstream(filler + std::to_string(number)).is_open()) ++number;
+    });
   }
-  ~NoMoreFilesInTmp() { setMaxFiles(maxFiles_); }
+  ~NoMoreFilesInTmp() {
+    filling_ = {};
+    setMaxFiles(maxFiles_);
+    std::filesystem::remove_all(filler);
+  }
   NoMoreFilesInTmp(const NoMoreFilesInTmp&) = delete;
   NoMoreFilesInTmp& operator=(const NoMoreFilesInTmp&) = delete;
 
@@ -35,7 +49,9 @@ class NoMoreFilesInTmp {
     EXPECT_EQ(::mount("", "/tmp", "", MS_REMOUNT, ("nr_inodes=" + std::to_string(files)).c_str()), 0);
   }
 
+  inline static const std::string filler = "/tmp/filler/";
   fsfilcnt_t maxFiles_ = 0;
+  std::jthread filling_;
 };
 
 // The Update button and the window after its use.
