@@ -19,16 +19,13 @@ QStringList signalsOfChange(const StatusContent& before, const StatusContent& af
   return names;
 }
 
-QString symbolInFolder(const QString& folder, const QString& symbol) {
-  return !symbol.isEmpty() && QFileInfo(folder + symbolPath(symbol)).isReadable() ? symbol : QString();
-}
-
 QString symbolIn(SymbolSource source, const QString& folder, const QString& symbol) {
-  if (source == SymbolSource::Folder) return symbolInFolder(folder, symbol);
   if (source == SymbolSource::Nowhere || symbol.isEmpty()) return {};
-  const QString file = QStandardPaths::locate(QStandardPaths::GenericDataLocation,
-                                              QLatin1String("icons") + symbolPath(symbol));
-  return file.isEmpty() ? QString() : symbol;
+  const QString file = source == SymbolSource::Folder
+                           ? folder + symbolPath(symbol)
+                           : QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                                    QLatin1String("icons") + symbolPath(symbol));
+  return QFileInfo(file).isReadable() ? symbol : QString();
 }
 
 }  // namespace platform

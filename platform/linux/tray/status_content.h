@@ -27,11 +27,8 @@ struct StatusContent {
 // function.
 [[nodiscard]] QStringList signalsOfChange(const StatusContent& before, const StatusContent& after);
 
-// Returns `symbol` if its file exists in the folder, else an empty text: hosts prefer a name to pixels and
-// draw an empty square for an unknown one.
-[[nodiscard]] QString symbolInFolder(const QString& folder, const QString& symbol);
-
-// Returns `symbol` if the panel finds it there, else an empty text.
+// Returns `symbol` if its file exists where the panel finds it, `folder` being the bundle's, else an empty
+// text: hosts prefer a name to pixels and draw an empty square for an unknown one.
 [[nodiscard]] QString symbolIn(SymbolSource source, const QString& folder, const QString& symbol);
 
 }  // namespace platform

@@ -49,8 +49,7 @@ struct StatusItem::Impl {
   void findPlace();
   void show();
   void popUpMenu();
-  // Opens the menu at a pixel of the X screen, or at the pointer.
-  void popUpMenuAt(std::optional<QPoint> pixel);
+  void popUpMenuAt(QPoint pixel);
   [[nodiscard]] StatusContent content() const;
 };
 
@@ -77,8 +76,8 @@ void StatusItem::Impl::show() {
   if (place != TrayPlace::Screen) onScreen.reset();
   if (place == TrayPlace::Bus) {
     if (onBus == nullptr)
-      onBus =
-          std::make_unique<StatusNotifierItem>([this](std::optional<QPoint> pixel) { popUpMenuAt(pixel); });
+      onBus = std::make_unique<StatusNotifierItem>(
+          [this](std::optional<QPoint> pixel) { pixel ? popUpMenuAt(*pixel) : popUpMenu(); });
     onBus->show(content(), watch->watcherNumber());
   }
   if (place == TrayPlace::Screen) {
@@ -97,10 +96,9 @@ void StatusItem::Impl::popUpMenu() {
   widget.popup(icon.topLeft() + QPoint(0, icon.top() >= height ? -height : icon.height()));
 }
 
-void StatusItem::Impl::popUpMenuAt(std::optional<QPoint> pixel) {
-  if (menu == nullptr) return;
-  const auto point = pixel ? pointAtPixel(*pixel, scaledScreens()) : std::nullopt;
-  menu->impl().widget.popup(point.value_or(QCursor::pos()));
+void StatusItem::Impl::popUpMenuAt(QPoint pixel) {
+  if (menu != nullptr)
+    menu->impl().widget.popup(pointAtPixel(pixel, scaledScreens()).value_or(QCursor::pos()));
 }
 
 StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {

@@ -105,10 +105,10 @@ TEST(Symbol, IsUsedOnlyIfItsFileExists) {
   const QString folder = "/tmp/symbols";
   std::filesystem::create_directories("/tmp/symbols/hicolor/symbolic/apps");
   std::ofstream("/tmp/symbols/hicolor/symbolic/apps/there-symbolic.svg") << "<svg/>";
-  EXPECT_EQ(platform::symbolInFolder(folder, "there-symbolic"), "there-symbolic");
-  EXPECT_EQ(platform::symbolInFolder(folder, "missing-symbolic"), "");
-  EXPECT_EQ(platform::symbolInFolder(folder, ""), "");
-  EXPECT_EQ(platform::symbolInFolder("/tmp/nowhere", "there-symbolic"), "");
+  EXPECT_EQ(platform::symbolIn(platform::SymbolSource::Folder, folder, "there-symbolic"), "there-symbolic");
+  EXPECT_EQ(platform::symbolIn(platform::SymbolSource::Folder, folder, "missing-symbolic"), "");
+  EXPECT_EQ(platform::symbolIn(platform::SymbolSource::Folder, folder, ""), "");
+  EXPECT_EQ(platform::symbolIn(platform::SymbolSource::Folder, "/tmp/nowhere", "there-symbolic"), "");
 }
 
 }  // namespace
