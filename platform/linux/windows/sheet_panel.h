@@ -8,8 +8,7 @@ class QPushButton;
 namespace platform {
 
 // The visible part of a sheet, which hangs from the title bar: a panel with round lower corners. Assistive
-// technology sees it as a modal dialog. It embeds a QDialog for its handling of Return and Escape. Main
-// thread only.
+// technology sees it as a modal dialog. A QDialog for its handling of Return and Escape. Main thread only.
 class SheetPanel : public QDialog {
  public:
   // The button that Escape presses; nullptr if Escape has no effect.
