@@ -41,8 +41,8 @@ class StatusItem {
   // report the icon's position or there is no icon.
   void popUpMenu();
 
-  // Shows a desktop notification if no panel shows the icon after `patience`; at most once per session. No
-  // effect on a system whose panel shows every icon. Call once. Main thread only.
+  // From now on, shows a desktop notification if no panel shows the icon for `patience`; at most once per
+  // session. No effect on a system whose panel shows every icon. Call once. Main thread only.
   void notifyIfHidden(std::chrono::milliseconds patience, std::string_view title, std::string_view text);
 
  private:

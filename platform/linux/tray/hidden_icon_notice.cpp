@@ -11,8 +11,9 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QGuiApplication>
-#include <QTimer>
+#include <QUrl>
 
+#include "platform/bundle.h"
 #include "platform/file_descriptor.h"
 #include "platform/linux/processes/private_folder.h"
 
@@ -34,13 +35,20 @@ bool makeMark(const std::string& path) {
   return mark.valid() || errno != EEXIST;
 }
 
+QString iconAddress() {
+  const auto bundle = Bundle::mainBundle();
+  if (!bundle) return {};
+  return QUrl::fromLocalFile(QString::fromStdString(bundle->pathForResource("icon.png")))
+      .toString(QUrl::FullyEncoded);
+}
+
 QDBusMessage notification(const std::string& title, const std::string& text) {
   QDBusMessage call = QDBusMessage::createMethodCall(
       QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
       QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
   const uint replacesNone = 0;
-  call << QCoreApplication::applicationName() << replacesNone << QString() << QString::fromStdString(title)
-       << QString::fromStdString(text) << QStringList()
+  call << QCoreApplication::applicationName() << replacesNone << iconAddress()
+       << QString::fromStdString(title) << QString::fromStdString(text) << QStringList()
        << QVariantMap{{QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName()}}
        << serversOwnTimeout;
   return call;
@@ -48,12 +56,16 @@ QDBusMessage notification(const std::string& title, const std::string& text) {
 
 }  // namespace
 
-HiddenIconNotice::HiddenIconNotice(std::chrono::milliseconds patience, std::string title, std::string text,
-                                   std::function<bool()> isHidden)
+HiddenIconNotice::HiddenIconNotice(std::chrono::milliseconds patience, std::string title, std::string text)
     : title_(std::move(title)), text_(std::move(text)) {
-  QTimer::singleShot(patience, this, [this, isHidden = std::move(isHidden)] {
-    if (isHidden()) show();
-  });
+  patience_.setSingleShot(true);
+  patience_.setInterval(patience);
+  connect(&patience_, &QTimer::timeout, this, &HiddenIconNotice::show);
+}
+
+void HiddenIconNotice::setHidden(bool hidden) {
+  if (!hidden) return patience_.stop();
+  if (!patience_.isActive()) patience_.start();
 }
 
 void HiddenIconNotice::show() {

@@ -57,6 +57,7 @@ void StatusItem::Impl::findPlace() {
   const bool trayOnScreen = watch->busHost() == BusHost::Absent && watch->trayOnScreen();
   place = placeFor(place, watch->busHost(), trayOnScreen);
   show();
+  if (hiddenNotice != nullptr) hiddenNotice->setHidden(watch->busHost() != BusHost::Present && !trayOnScreen);
 }
 
 StatusContent StatusItem::Impl::content() const {
@@ -145,8 +146,8 @@ void StatusItem::popUpMenu() {
 
 void StatusItem::notifyIfHidden(std::chrono::milliseconds patience, std::string_view title,
                                 std::string_view text) {
-  impl_->hiddenNotice = std::make_unique<HiddenIconNotice>(
-      patience, std::string(title), std::string(text), [this] { return impl_->place == TrayPlace::Nowhere; });
+  impl_->hiddenNotice = std::make_unique<HiddenIconNotice>(patience, std::string(title), std::string(text));
+  impl_->findPlace();
 }
 
 }  // namespace platform

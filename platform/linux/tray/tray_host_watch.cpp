@@ -105,24 +105,35 @@ void TrayHostWatch::watchScreen() {
   QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
-bool TrayHostWatch::trayOnScreen() const {
+bool TrayHostWatch::trayOnScreen() {
   xcb_connection_t* connection = xConnection();
   if (connection == nullptr || traySelection_ == XCB_ATOM_NONE) return false;
   const auto cookie = xcb_get_selection_owner(connection, traySelection_);
   const XReply<xcb_get_selection_owner_reply_t> owner(
       xcb_get_selection_owner_reply(connection, cookie, nullptr));
-  return owner != nullptr && owner->owner != XCB_WINDOW_NONE;
+  trayWindow_ = owner == nullptr ? 0 : owner->owner;
+  if (trayWindow_ == XCB_WINDOW_NONE) return false;
+  // The event mask that Qt, too, sets for the tray.
+  constexpr quint32 structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  xcb_change_window_attributes(connection, trayWindow_, XCB_CW_EVENT_MASK, &structure);
+  return true;
 }
 
-// A new tray announces itself with a MANAGER message to the root window, which names its selection.
+// A new tray announces itself with a MANAGER message to the root window, which names its selection. The end
+// of a tray destroys its window.
+bool TrayHostWatch::isTrayEvent(const xcb_generic_event_t& event) const {
+  const int type = event.response_type & 0x7f;
+  if (type == XCB_DESTROY_NOTIFY)
+    return reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window == trayWindow_;
+  if (type != XCB_CLIENT_MESSAGE) return false;
+  const auto& client = reinterpret_cast<const xcb_client_message_event_t&>(event);
+  return client.type == managerMessage_ && client.data.data32[1] == traySelection_;
+}
+
 bool TrayHostWatch::nativeEventFilter(const QByteArray&, void* message, qintptr*) {
-  const auto* event = static_cast<const xcb_generic_event_t*>(message);
-  if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
-  const auto* client = reinterpret_cast<const xcb_client_message_event_t*>(event);
-  if (client->type == managerMessage_ && client->data.data32[1] == traySelection_) {
+  if (isTrayEvent(*static_cast<const xcb_generic_event_t*>(message)))
     QMetaObject::invokeMethod(
         this, [this] { changed_(); }, Qt::QueuedConnection);
-  }
   return false;
 }
 

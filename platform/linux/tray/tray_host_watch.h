@@ -1,5 +1,7 @@
 #pragma once
 
+#include <xcb/xcb.h>
+
 #include <functional>
 #include <memory>
 
@@ -27,14 +29,15 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
   // Returns a number that changes each time the watcher's bus name gets an owner. A restarted watcher knows
   // no items, and its unique name may be the same if it shares the connection of a process that kept running.
   [[nodiscard]] int watcherNumber() const { return watcherNumber_; }
-  // Makes one round trip to the X server.
-  [[nodiscard]] bool trayOnScreen() const;
+  // Makes one round trip to the X server. `changed` is called when the tray ends.
+  [[nodiscard]] bool trayOnScreen();
 
  private Q_SLOTS:
   void askWatcher();
 
  private:
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+  [[nodiscard]] bool isTrayEvent(const xcb_generic_event_t& event) const;
   void watchScreen();
   void takeAnswer();
 
@@ -47,6 +50,7 @@ class TrayHostWatch : public QObject, private QAbstractNativeEventFilter {
   int watcherNumber_ = 1;
   quint32 managerMessage_ = 0;
   quint32 traySelection_ = 0;
+  quint32 trayWindow_ = 0;
 };
 
 }  // namespace platform

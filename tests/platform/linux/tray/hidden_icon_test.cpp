@@ -4,8 +4,11 @@
 
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
+#include <QImage>
+#include <QUrl>
 
 #include "platform/linux/processes/private_folder.h"
+#include "tests/harness/desktop/x_connection.h"
 #include "tests/platform/linux/tray/tray_bus_fixture.h"
 
 namespace {
@@ -47,6 +50,29 @@ class NotificationServer : public QDBusVirtualObject {
   bool refuses_ = false;
 };
 
+// A tray on the X screen that shows no icons. It ends with this object.
+class ScreenTray {
+ public:
+  ScreenTray() {
+    const xcb_window_t window = xcb_generate_id(x_.get());
+    xcb_create_window(x_.get(), XCB_COPY_FROM_PARENT, window, x_.root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_set_selection_owner(x_.get(), window, selection(), XCB_CURRENT_TIME);
+    x_.synchronize();
+  }
+
+ private:
+  xcb_atom_t selection() {
+    constexpr std::string_view name = "_NET_SYSTEM_TRAY_S0";
+    const auto cookie = xcb_intern_atom(x_.get(), 0, name.size(), name.data());
+    const test_support::XcbReply<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(x_.get(), cookie, nullptr));
+    return reply->atom;
+  }
+
+  test_support::XConnection x_{qEnvironmentVariable("DISPLAY").toStdString()};
+};
+
 class HiddenIcon : public TrayBusTest {
  protected:
   void SetUp() override { fs::remove_all(platform::privateFolderPath()); }
@@ -73,6 +99,8 @@ TEST_F(HiddenIcon, IsReportedInNotification) {
   ASSERT_TRUE(isShown(1));
   const QDBusMessage& shown = server_.shown()[0];
   EXPECT_EQ(shown.signature(), "susssasa{sv}i");
+  const QUrl icon(shown.arguments()[2].toString());
+  EXPECT_FALSE(QImage(icon.toLocalFile()).isNull()) << icon.toString().toStdString();
   EXPECT_EQ(shown.arguments()[3], "It runs");
   EXPECT_EQ(shown.arguments()[4], "But <hidden> & alone");
 }
@@ -114,6 +142,36 @@ TEST_F(HiddenIcon, IsNotReportedIfPanelAppearsBeforeTimeout) {
   ASSERT_TRUE(waitForItems(1));
   static_cast<void>(serveEventsUntil([] { return false; }, 700ms));
   EXPECT_TRUE(server_.shown().isEmpty());
+}
+
+TEST_F(HiddenIcon, IsReportedIfPanelEndsLater) {
+  ASSERT_NO_FATAL_FAILURE(startWatcher());
+  start(200ms);
+  ASSERT_TRUE(waitForItems(1));
+  serveAWhile();
+  ASSERT_TRUE(server_.shown().isEmpty());
+  stopWatcher();
+  EXPECT_TRUE(isShown(1));
+}
+
+TEST_F(HiddenIcon, IsNotReportedIfPanelRestartsInTime) {
+  ASSERT_NO_FATAL_FAILURE(startWatcher());
+  start(500ms);
+  ASSERT_TRUE(waitForItems(1));
+  stopWatcher();
+  ASSERT_NO_FATAL_FAILURE(startWatcher());
+  ASSERT_TRUE(waitForItems(1));
+  static_cast<void>(serveEventsUntil([] { return false; }, 700ms));
+  EXPECT_TRUE(server_.shown().isEmpty());
+}
+
+TEST_F(HiddenIcon, IsReportedIfTrayOnScreenEndsLater) {
+  auto tray = std::make_unique<ScreenTray>();
+  start(200ms);
+  serveAWhile();
+  ASSERT_TRUE(server_.shown().isEmpty());
+  tray.reset();
+  EXPECT_TRUE(isShown(1));
 }
 
 TEST_F(HiddenIcon, IsNotReportedAfterDestructionOfItem) {
