@@ -48,8 +48,9 @@ class Image {
 };
 
 // Loads the file `name` from the program's resources into a new image, in the format of its suffix. On
-// screens with more than one pixel per point, also loads the 2x representation "NAME@2x.png" if it exists.
-// Returns nullptr if the file does not exist or cannot be decoded. Main thread only.
+// screens with more than one pixel per point, also loads the 2x representation "NAME@2x.png" if it exists. A
+// panel's icon may also use "NAME@4x.png". Returns nullptr if the file does not exist or cannot be decoded.
+// Main thread only.
 [[nodiscard]] std::shared_ptr<Image> imageNamed(std::string_view name);
 
 // Decodes picture data in any pixel format that the desktop supports into a new image, one point per pixel.

@@ -152,10 +152,11 @@ TEST_P(PanelIcon, StandsOutFromPanelsOfEveryGrey) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Painted, PanelIcon,
-                         testing::Values("mount on.png", "mount on@2x.png", "mount off.png",
-                                         "mount off@2x.png", "mount on reverse.png",
-                                         "mount on reverse@2x.png", "mount off reverse.png",
-                                         "mount off reverse@2x.png"));
+                         testing::Values("mount on.png", "mount on@2x.png", "mount on@4x.png",
+                                         "mount off.png", "mount off@2x.png", "mount off@4x.png",
+                                         "mount on reverse.png", "mount on reverse@2x.png",
+                                         "mount on reverse@4x.png", "mount off reverse.png",
+                                         "mount off reverse@2x.png", "mount off reverse@4x.png"));
 
 TEST(PanelIconContrast, MatchesExamplesOfWcag) {
   EXPECT_NEAR(contrast(Qt::black, Qt::white), 21, 1e-9);

@@ -25,6 +25,8 @@ namespace {
 constexpr double maxPixels = 64e6;
 constexpr qsizetype bytesPerPixel = 4;
 constexpr int maxDataBytes = 64 << 20;
+constexpr QLatin1StringView twoPixels("@2x");
+constexpr QLatin1StringView fourPixels("@4x");
 
 // Returns the scales of all screens in ascending order; 1 if there are no screens.
 std::set<double> backingScales() {
@@ -52,18 +54,20 @@ QString versionOf(const QString& path) {
   return path + QString::asprintf(" %lld %lld", file.size(), file.lastModified().toMSecsSinceEpoch());
 }
 
+QImage decoded(const QString& path) {
+  // The file name determines the format. Detection by content would load every image plugin.
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  QImageReader reader(&file, QFileInfo(path).suffix().toLatin1());
+  reader.setAutoDetectImageFormat(false);
+  QImage pixels = reader.read();
+  pixels.setDevicePixelRatio(1);  // Qt sets it from "@2x" in the name
+  return pixels;
+}
+
 // Cached, because decoding a large image takes several milliseconds.
 QImage pixelsIn(const QString& path) {
-  return cachedPixels(versionOf(path), [&] {
-    // The file name determines the format. Detection by content would load every image plugin.
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return QImage();
-    QImageReader reader(&file, QFileInfo(path).suffix().toLatin1());
-    reader.setAutoDetectImageFormat(false);
-    QImage pixels = reader.read();
-    pixels.setDevicePixelRatio(1);  // Qt sets it from "@2x" in the name
-    return pixels;
-  });
+  return cachedPixels(versionOf(path), [&] { return decoded(path); });
 }
 
 // Excludes vector formats, in which the size of the image does not bound the memory needed for decoding.
@@ -73,9 +77,9 @@ bool isPixelFormat(const QByteArray& format) {
   return std::ranges::any_of(formats, [&](const char* known) { return format == known; });
 }
 
-QString withScaleSuffix(const QString& path) {
+QString withSuffix(const QString& path, QLatin1StringView scale) {
   const auto dot = path.lastIndexOf(QLatin1Char('.'));
-  return path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
+  return path.left(dot) + scale + path.mid(dot);
 }
 
 QPixmap measuring(Size size, const QImage& representation) {
@@ -96,6 +100,17 @@ double Image::Impl::shrinkInto(Size bounds) const {
 
 QImage Image::Impl::scaledTo(QSize pixels) const {
   return representationFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+// Not cached: a panel asks once for each change of its icon.
+QImage Image::Impl::detailedTo(QSize pixels) const {
+  QImage best = representationFor(pixels.width());
+  for (const QLatin1StringView scale : {twoPixels, fourPixels}) {
+    if (file.isEmpty() || best.width() >= pixels.width()) break;
+    QImage finer = decoded(withSuffix(file, scale));
+    if (finer.width() > best.width()) best = std::move(finer);
+  }
+  return best.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 QPixmap Image::Impl::pixmap() const {
@@ -148,11 +163,12 @@ std::shared_ptr<Image> imageNamed(std::string_view name) {
   const QString path = QString::fromStdString(bundle->pathForResource(name));
   QImage plain = pixelsIn(path), fine;
   // Decoding the 2x representation takes four times as long, so skip it if no screen shows it.
-  if (backingScale() > 1) fine = pixelsIn(withScaleSuffix(path));
+  if (backingScale() > 1) fine = pixelsIn(withSuffix(path, twoPixels));
   if (plain.isNull()) return nullptr;
 
   std::shared_ptr<Image> image(new Image);
   image->impl_->name = versionOf(path);
+  image->impl_->file = path;
   image->impl_->size =
       image->impl_->naturalSize = {static_cast<double>(plain.width()), static_cast<double>(plain.height())};
   image->impl_->representations.push_back(std::move(plain));

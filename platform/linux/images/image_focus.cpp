@@ -37,6 +37,9 @@ struct ImageFocus::Impl {
     const double x = canvas.width() / target.size.width, y = canvas.height() / target.size.height;
     return {rect.x * x, canvas.height() - (rect.y + rect.height) * y, rect.width * x, rect.height * y};
   }
+  // Returns whether the target shows nothing but the whole source afterwards.
+  [[nodiscard]] bool replacesAll(const Image& source, Point at, Rect from, CompositingOperation operation,
+                                 double fraction) const;
   void drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from, CompositingOperation operation,
               double fraction) const;
 };
@@ -51,8 +54,17 @@ void ImageFocus::setImageInterpolation(ImageInterpolation interpolation) {
 void ImageFocus::draw(const Image& source, Point at, Rect from, CompositingOperation operation,
                       double fraction) {
   if (!source.isValid()) return;
+  const bool replaces = impl_->replacesAll(source, at, from, operation, fraction);
+  impl_->target.file = replaces ? source.impl().file : QString();
   for (QImage& canvas : impl_->target.representations)
     impl_->drawOn(canvas, source.impl(), at, from, operation, fraction);
+}
+
+bool ImageFocus::Impl::replacesAll(const Image& source, Point at, Rect from, CompositingOperation operation,
+                                   double fraction) const {
+  const Rect whole{0, 0, source.size().width, source.size().height};
+  return operation == CompositingOperation::Copy && fraction == 1.0 && at == Point{0, 0} && from == whole &&
+         target.size == source.size() && source.impl().scalesWhenResized;
 }
 
 void ImageFocus::Impl::drawOn(QImage& canvas, const Image::Impl& source, Point at, Rect from,

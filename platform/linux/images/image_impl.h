@@ -28,6 +28,8 @@ struct Image::Impl {
   bool scalesWhenResized = false;
   // Cache key of an image from a file; empty for other images, which are not cached.
   QString name;
+  // The file whose whole picture fills this image; empty if there is none.
+  QString file;
   // Bitmap representations in ascending order of width; empty if the image is not valid.
   std::vector<QImage> representations;
 
@@ -39,6 +41,9 @@ struct Image::Impl {
   [[nodiscard]] double shrinkInto(Size bounds) const;
   // Returns the image scaled to exactly `pixels`. The image must be valid.
   [[nodiscard]] QImage scaledTo(QSize pixels) const;
+  // Like scaledTo, but reads the file's "@2x" and "@4x" representations if those of the image, which suit the
+  // screens, are too small.
+  [[nodiscard]] QImage detailedTo(QSize pixels) const;
   // Returns the most detailed representation with the device pixel ratio at which it measures `size`. Returns
   // a null pixmap if the image is not valid.
   [[nodiscard]] QPixmap pixmap() const;

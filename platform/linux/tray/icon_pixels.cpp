@@ -21,7 +21,7 @@ QList<IconPixels> panelPixels(const Image* image) {
   const Size size = image->size();
   for (const int scale : {1, 2, 4}) {
     const QSize pixels(qRound(size.width * scale), qRound(size.height * scale));
-    all.append(iconPixels(image->impl().scaledTo(pixels)));
+    all.append(iconPixels(image->impl().detailedTo(pixels)));
   }
   return all;
 }

@@ -12,7 +12,7 @@ namespace platform {
 [[nodiscard]] IconPixels iconPixels(const QImage& picture);
 
 // Returns the image at one, two and four pixels per point, each from the smallest representation that is
-// large enough. Returns an empty list for nullptr or an invalid image.
+// large enough, in memory or in the image's files. Returns an empty list for nullptr or an invalid image.
 [[nodiscard]] QList<IconPixels> panelPixels(const Image* image);
 
 }  // namespace platform

@@ -4,7 +4,10 @@
 
 #include <string>
 
+#include "notices/image_resize.h"
+#include "platform/bundle.h"
 #include "platform/image.h"
+#include "platform/linux/images/image_impl.h"
 
 namespace {
 
@@ -56,6 +59,33 @@ TEST(PanelPixels, HaveImageAtOneTwoAndFourPixelsPerPoint) {
     EXPECT_EQ(all[i].height, 10 << i);
     EXPECT_EQ(all[i].bytes.size(), 4 * (20 << i) * (10 << i));
   }
+}
+
+QImage bundled(const char* name) {
+  const auto bundle = platform::Bundle::mainBundle();
+  return QImage(QString::fromStdString(bundle.value().pathForResource(name)));
+}
+
+// Also on screens of scale 1, where the image itself has no finer pixels.
+TEST(PanelPixels, ComeFromFinestFileThatIsNeeded) {
+  const auto source = platform::imageNamed("mount on.png");
+  const auto icon = imageResize(source.get(), 20, 20);
+  const auto all = platform::panelPixels(icon.get());
+  ASSERT_EQ(all.size(), 3);
+  EXPECT_EQ(bytesOf(all[0]), bytesOf(iconPixels(bundled("mount on.png"))));
+  EXPECT_EQ(bytesOf(all[1]), bytesOf(iconPixels(bundled("mount on@2x.png"))));
+  EXPECT_EQ(bytesOf(all[2]), bytesOf(iconPixels(bundled("mount on@4x.png"))));
+}
+
+TEST(PanelPixels, AreEnlargedWhereFileDoesNotShowWholeImage) {
+  const auto source = platform::imageNamed("mount on.png");
+  const auto icon = imageResize(source.get(), 20, 20);
+  platform::ImageFocus(*icon).draw(*platform::imageNamed("n.png"), {0, 0}, {0, 0, 10, 10},
+                                   platform::CompositingOperation::SourceOver, 1.0);
+  const auto all = platform::panelPixels(icon.get());
+  ASSERT_EQ(all.size(), 3);
+  EXPECT_EQ(bytesOf(all[2]), bytesOf(iconPixels(icon->impl().scaledTo({80, 80}))));
+  EXPECT_NE(bytesOf(all[2]), bytesOf(iconPixels(bundled("mount on@4x.png"))));
 }
 
 TEST(PanelPixels, AreEmptyWithoutPicture) {
