@@ -11,6 +11,7 @@
 #include "platform/bundle.h"
 #include "platform/linux/tray/hidden_icon_notice.h"
 #include "platform/linux/tray/menu_impl.h"
+#include "platform/linux/tray/menu_window.h"
 #include "platform/linux/tray/screen_pixels.h"
 #include "platform/linux/tray/screen_tray_icon.h"
 #include "platform/linux/tray/status_notifier_item.h"
@@ -18,6 +19,12 @@
 
 namespace platform {
 namespace {
+
+// Also for a client of Xwayland: its X server gets no input while a window of Wayland has the focus.
+bool isOnWayland() {
+  return QGuiApplication::platformName() == QLatin1StringView("wayland") ||
+         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
 
 QString folderOfSymbols() {
   const auto bundle = Bundle::mainBundle();
@@ -41,6 +48,7 @@ struct StatusItem::Impl {
   std::unique_ptr<Menu> menu;
   TrayPlace place = TrayPlace::Nowhere;
   // The menu must outlive both icons.
+  std::unique_ptr<MenuWindow> menuWindow;
   std::unique_ptr<ScreenTrayIcon> onScreen;
   std::unique_ptr<StatusNotifierItem> onBus;
   std::unique_ptr<TrayHostWatch> watch;
@@ -50,6 +58,7 @@ struct StatusItem::Impl {
   void show();
   void popUpMenu();
   void popUpMenuAt(QPoint pixel);
+  void openMenuWindow();
   [[nodiscard]] StatusContent content() const;
 };
 
@@ -89,6 +98,7 @@ void StatusItem::Impl::show() {
 
 void StatusItem::Impl::popUpMenu() {
   if (menu == nullptr) return;
+  if (isOnWayland()) return openMenuWindow();
   QMenu& widget = menu->impl().widget;
   // An X tray reports the icon's position: opens the menu beside the icon, not over the panel.
   const QRect icon = onScreen == nullptr ? QRect() : onScreen->geometry();
@@ -98,8 +108,14 @@ void StatusItem::Impl::popUpMenu() {
 }
 
 void StatusItem::Impl::popUpMenuAt(QPoint pixel) {
-  if (menu != nullptr)
-    menu->impl().widget.popup(pointAtPixel(pixel, scaledScreens()).value_or(QCursor::pos()));
+  if (menu == nullptr) return;
+  if (isOnWayland()) return openMenuWindow();
+  menu->impl().widget.popup(pointAtPixel(pixel, scaledScreens()).value_or(QCursor::pos()));
+}
+
+void StatusItem::Impl::openMenuWindow() {
+  if (menuWindow == nullptr) menuWindow = std::make_unique<MenuWindow>();
+  menuWindow->open(content());
 }
 
 StatusItem::StatusItem(double) : impl_(std::make_unique<Impl>()) {

@@ -18,6 +18,7 @@ class BezelButton : public QPushButton {
 
   // Space around the bezel in which the focus ring is drawn.
   static constexpr int ringMargin = focusRingWidth + focusRingGap;
+  static constexpr int bezelHeight = 32;
 
  protected:
   // Returns the rectangle, in widget coordinates, that is painted as the button and accepts clicks. At least

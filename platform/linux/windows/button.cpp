@@ -13,7 +13,6 @@
 namespace platform {
 namespace {
 
-constexpr int bezelHeight = 32;
 constexpr int sideMargin = 6;
 constexpr double titleSize = 13;
 

@@ -19,7 +19,7 @@ namespace platform {
 namespace {
 
 constexpr int maxPanelWidth = 420, windowMargin = 20, margin = 20, gap = 16;
-constexpr int bezelWidth = 100, bezelHeight = 32;
+constexpr int bezelWidth = 100;
 constexpr int ringMargin = BezelButton::ringMargin;
 constexpr double fontSize = 13;
 constexpr QColor shade(0, 0, 0, 60);
@@ -70,7 +70,7 @@ void Sheet::addButtons(const SheetContent& content) {
   for (const QString& title : content.buttons) {
     auto* button = new BezelButton(withoutMnemonic(title), panel_);
     button->setFont(systemFont(button->font(), fontSize));
-    button->setMinimumSize(bezelWidth + 2 * ringMargin, bezelHeight + 2 * ringMargin);
+    button->setMinimumSize(bezelWidth + 2 * ringMargin, BezelButton::bezelHeight + 2 * ringMargin);
     button->installEventFilter(this);
     const int index = static_cast<int>(buttons_.size());
     connect(button, &QPushButton::clicked, this, [this, index] {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QLabel>
+#include <QPointer>
+#include <QWidget>
+
+#include "platform/linux/tray/status_content.h"
+
+namespace platform {
+
+// A small window with the icon and the state, which opens the menu below itself and closes with it. It is for
+// Wayland, where a menu needs a window of the program as its parent, and where a grab needs an input event
+// that one of its windows has received, also behind an X server: instead, the window has the keyboard focus,
+// and closes the menu when it loses the focus. Main thread only.
+class MenuWindow : public QWidget {
+  Q_OBJECT
+ public:
+  MenuWindow();
+
+  // Opens the menu of `content` as soon as the window has the focus. The menu must outlive the window.
+  void open(const StatusContent& content);
+
+ protected:
+  bool event(QEvent* event) override;
+
+ private:
+  void openMenu();
+  void closeMenu();
+
+  QLabel icon_;
+  QLabel text_;
+  QPointer<QMenu> menu_;
+};
+
+}  // namespace platform
