@@ -1,5 +1,8 @@
 """The agent's tray icon as the session bus, or a tray of the X screen, knows it."""
 
+import json
+import os
+import subprocess
 import time
 
 import dbus
@@ -64,19 +67,22 @@ def visible_windows(screen_name):
             continue
 
 
-def x_window_named(screen_name, text):
-    return next((place for names, place in visible_windows(screen_name) if text in names), None)
+def sway_windows(container):
+    for child in container["nodes"] + container["floating_nodes"]:
+        yield child
+        yield from sway_windows(child)
+
+
+def window_named(text):
+    """(x, y, width, height) of the program's window with this title."""
+    if "DISPLAY" not in os.environ:
+        tree = json.loads(subprocess.check_output(["swaymsg", "--raw", "--type", "get_tree"]))
+        return next((tuple(window["rect"].values()) for window in sway_windows(tree) if window["name"] == text), None)
+    return next((place for names, place in visible_windows(os.environ["DISPLAY"]) if text in names), None)
 
 
 def docked_icon(screen_name):
     for names, place in visible_windows(screen_name):
         if "Tovalin" in names and 10 <= place[2] <= 64 and 10 <= place[3] <= 64:
-            return place
-    return None
-
-
-def agents_menu(screen_name):
-    for names, place in visible_windows(screen_name):
-        if "Tovalin" in names and place[2] > 100 and 150 < place[3] < 400:
             return place
     return None
