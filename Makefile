@@ -64,11 +64,15 @@ check-portable:
 check-headers:
 	tests/structure/headers_alone $(CXX) linux
 
-# Checks the types of platform/macos, and tests that this check detects errors.
+# Checks the types of platform/macos, and tests that this check detects errors. COCOA_REFERENCE: a folder of other declarations
+# of Cocoa, with which ours are compared if it exists.
+COCOA_REFERENCE ?= ../shared/cocoa_reference
 check-macos:
 	packaging/set_up develop
 	tests/macos/check
 	tests/macos/check_can_fail
+	@if [ -d "$(COCOA_REFERENCE)" ]; then tests/macos/compare "$(COCOA_REFERENCE)"; \
+	else echo "declarations not compared: no folder $(COCOA_REFERENCE)"; fi
 
 # Builds the agent of platform/macos with GNUstep and tests it on a private display.
 macos-on-gnustep:
