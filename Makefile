@@ -71,6 +71,7 @@ check-macos:
 	packaging/set_up develop
 	tests/macos/check
 	tests/macos/check_can_fail
+	tests/macos/check_package
 	@if [ -d "$(COCOA_REFERENCE)" ]; then tests/macos/compare "$(COCOA_REFERENCE)"; \
 	else echo "declarations not compared: no folder $(COCOA_REFERENCE)"; fi
 
