@@ -64,17 +64,22 @@ check-portable:
 check-headers:
 	tests/structure/headers_alone $(CXX) linux
 
-# Checks the types of platform/macos, and tests that this check detects errors.
+# Checks the types of platform/macos, and tests that this check detects errors. COCOA_REFERENCE: a folder of other declarations
+# of Cocoa, with which ours are compared if it exists.
+COCOA_REFERENCE ?= ../shared/cocoa_reference
 check-macos:
 	packaging/set_up develop
 	tests/macos/check
 	tests/macos/check_can_fail
+	tests/macos/check_package
+	@if [ -d "$(COCOA_REFERENCE)" ]; then tests/macos/compare "$(COCOA_REFERENCE)"; \
+	else echo "declarations not compared: no folder $(COCOA_REFERENCE)"; fi
 
 # Builds the agent of platform/macos with GNUstep and tests it on a private display.
 macos-on-gnustep:
 	packaging/set_up build run test macos
 	@$(call configure,-DTOVALIN_MACOS_ON_GNUSTEP=ON)
-	@cmake --build --preset $(PRESET) --target macos_agent_test macos_differential_test
+	@cmake --build --preset $(PRESET) --target macos_agent_test macos_differential_test macos_file_event_stream_test
 	ctest --preset $(PRESET) --tests-regex '^macos_'
 
 # Includes the tests that do not run under a sanitizer.

@@ -67,7 +67,7 @@ has_headers_of(standard_headers tovalin_core)
 set_target_properties(tovalin_core PROPERTIES LINK_INTERFACE_MULTIPLICITY 3)
 # The dependency is mutual: the core uses the platform, and the platform's ApplicationMain calls applicationRegistration of the
 # core.
-target_link_libraries(tovalin_core PUBLIC tovalin_platform)
+target_link_libraries(tovalin_core PUBLIC tovalin_platform PRIVATE tovalin_utf8cpp)
 target_link_libraries(tovalin_platform PUBLIC tovalin_core)
 
 add_executable(TovalinTray app/main.cpp)

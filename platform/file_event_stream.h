@@ -29,9 +29,9 @@ class FileEventStream {
  public:
   // Events were lost somewhere in the folder or below it.
   static constexpr std::uint32_t mustScanSubDirs = 0x1;
-  // The root's path no longer leads to the root: the root or a folder above it was moved, renamed or removed,
-  // and was not back when the batch was delivered. The event's path is that of the root. It is the last event
-  // of the stream.
+  // The root or a folder above it was moved, renamed or removed. The event's path is that of the root. On
+  // Linux it is the last event of the stream, and missing if the path leads to the root again when the batch
+  // is delivered; on macOS the system decides.
   static constexpr std::uint32_t rootChanged = 0x20;
 
   // The callback may stop the stream and release it.

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
-#include <utf8cpp/utf8.h>
+#include <utf8.h>
 
 namespace {
 

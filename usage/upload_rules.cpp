@@ -1,6 +1,6 @@
 #include "usage/upload_rules.h"
 
-#include <utf8cpp/utf8.h>
+#include <utf8.h>
 
 namespace {
 

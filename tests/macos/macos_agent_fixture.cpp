@@ -77,6 +77,10 @@ void MacosAgentTest::record(const std::string& command) {
   fs::copy_file(TOVALIN_RECORDER, std::string(outsideCommands) + "/" + command);
 }
 
+void MacosAgentTest::stopRecording(const std::string& command) {
+  fs::remove(std::string(outsideCommands) + "/" + command);
+}
+
 void MacosAgentTest::install(const std::string& built) {
   fs::remove_all(bundle_);
   fs::create_directories(fs::path(bundle_).parent_path());
@@ -94,7 +98,7 @@ void MacosAgentTest::installLinuxAgent() {
   fs::copy_file(std::string(TOVALIN_MACOS_BUNDLE) + "/Contents/TovalinPorperty.plist",
                 bundle_ + "/Contents/TovalinPorperty.plist", fs::copy_options::overwrite_existing);
   const std::string helpers = contents() + "/Helpers/";
-  for (const char* helper : {"launchctl", "open", "osascript"})
+  for (const char* helper : {"collectlogs", "launchctl", "open", "osascript"})
     fs::copy_file(TOVALIN_RECORDER, helpers + helper, fs::copy_options::overwrite_existing);
   fs::copy_file(TOVALIN_WEB_VIEW_DOUBLE, helpers + "TovalinWebView", fs::copy_options::overwrite_existing);
   setServers(kClosedServer);

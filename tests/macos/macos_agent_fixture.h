@@ -23,6 +23,7 @@ class MacosAgentTest : public testing::Test {
 
   // Replaces a command by a program that reports to the timeline.
   static void record(const std::string& command);
+  static void stopRecording(const std::string& command);
   // Replaces the agent by the Linux one, from the bundle below TOVALIN_BUNDLE_ROOT.
   void installLinuxAgent();
   void installMacosAgent();

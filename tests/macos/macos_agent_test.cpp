@@ -280,6 +280,23 @@ TEST_F(MacosAgent, RemovedBundleEndsAgent) {
                                                killRun}));
 }
 
+TEST_F(MacosAgent, ChangeInsideBundleEndsWatchAndNotAgent) {
+  launch();
+  timeline_.clear();
+  std::ofstream(bundle_ + "/Contents/new file") << "text";
+  ASSERT_TRUE(waitForText("log 6: filestreamcallback event flag : 0, 0x0"));
+  fs::rename(bundle_, "/tmp/Applications/Moved.app");
+  // Between the two pauses of the switch, the main thread would handle a further event.
+  choose(switchLine);
+  ASSERT_TRUE(waitForText("pipe: -u"));
+  choose(switchLine);
+  ASSERT_TRUE(waitForText("pipe: -m"));
+  fs::remove_all("/tmp/Applications/Moved.app");
+  EXPECT_EQ(count("log 6: filestreamcallback"), 1);
+  EXPECT_EQ(count(unloadRun), 0);
+  terminateAgent();
+}
+
 TEST_F(MacosAgent, DarkAppearanceIsReadAtStart) {
   test_support::ChildProcess defaults;
   ASSERT_TRUE(defaults.start({"defaults", "write", "NSGlobalDomain", "AppleInterfaceStyle", "Dark"}, {}));

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <utf8cpp/utf8.h>
+#include <utf8.h>
 
 namespace tools {
 namespace {

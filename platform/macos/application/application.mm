@@ -31,8 +31,11 @@ void Application::stopModal() {
   impl_->modalRuns.stop();
 }
 
+// From macOS 14 on, -activate replaces the other method, whose flag then has no effect. Chosen by the
+// selector, because gobjc++ does not know @available.
 void Application::activateIgnoringOtherApps(bool flag) {
-  [NSApp activateIgnoringOtherApps:flag];
+  if (![NSApp respondsToSelector:@selector(activate)]) return [NSApp activateIgnoringOtherApps:flag];
+  [NSApp performSelector:@selector(activate) withObject:nil];
 }
 
 bool Application::hasDisplay() const {

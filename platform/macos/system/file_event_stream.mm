@@ -2,9 +2,9 @@
 
 #import <Cocoa/Cocoa.h>
 #import <CoreServices/CoreServices.h>
-#include <sys/stat.h>
 
-#include <optional>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -12,39 +12,19 @@
 #include "platform/macos/foundation/text_impl.h"
 
 namespace platform {
-namespace {
-
-struct FolderIdentity {
-  dev_t device;
-  ino_t number;
-  bool operator==(const FolderIdentity&) const = default;
-};
-
-std::optional<FolderIdentity> folderAt(const std::string& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return std::nullopt;
-  return FolderIdentity{status.st_dev, status.st_ino};
-}
-
-}  // namespace
 
 struct FileEventStream::Impl {
   ~Impl();
   [[nodiscard]] FSEventStreamRef makeNative(std::chrono::milliseconds latency);
   static void takeEvents(ConstFSEventStreamRef, void* owner, std::size_t count, void* paths,
                          const FSEventStreamEventFlags* flags, const FSEventStreamEventId*);
-  // Passes the flags of FSEvents on unchanged: FileEvent uses the same values.
+  // Passes each batch on unchanged, even an empty one: FileEvent uses the flags of FSEvents.
   void deliver(std::size_t count, char* const* paths, const FSEventStreamEventFlags* flags);
-  // Returns whether a renamed root has its original name again when the batch is delivered.
-  [[nodiscard]] bool isRootRestored(std::uint32_t flags) const {
-    return (flags & rootChanged) != 0 && folderAt(path) == root;
-  }
 
   FileEventStream* stream = nullptr;
   FSEventStreamRef native = nullptr;
   bool started = false;
   std::string path;
-  std::optional<FolderIdentity> root;
   Callback callback;
 };
 
@@ -73,10 +53,7 @@ void FileEventStream::Impl::takeEvents(ConstFSEventStreamRef, void* owner, std::
 void FileEventStream::Impl::deliver(std::size_t count, char* const* paths,
                                     const FSEventStreamEventFlags* flags) {
   std::vector<FileEvent> events;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (!isRootRestored(flags[i])) events.push_back({paths[i], flags[i]});
-  }
-  if (events.empty()) return;
+  for (std::size_t i = 0; i < count; ++i) events.push_back({paths[i], flags[i]});
   // The callback may destroy the stream and this object with it, so call a copy.
   const auto callbackCopy = callback;
   callbackCopy(*stream, events);
@@ -85,14 +62,14 @@ void FileEventStream::Impl::deliver(std::size_t count, char* const* paths,
 std::shared_ptr<FileEventStream> FileEventStream::create(const std::string& path,
                                                          std::chrono::milliseconds latency,
                                                          Callback callback) {
+  std::error_code error;
+  if (!std::filesystem::is_directory(path, error)) return nullptr;
   auto impl = std::make_unique<Impl>();
   impl->path = path;
-  impl->root = folderAt(path);
   impl->callback = std::move(callback);
-  if (!impl->root) return nullptr;
   impl->native = impl->makeNative(latency);
   if (impl->native == nullptr) return nullptr;
-  FSEventStreamScheduleWithRunLoop(impl->native, CFRunLoopGetMain(), kCFRunLoopCommonModes);
+  FSEventStreamSetDispatchQueue(impl->native, dispatch_get_main_queue());
   return std::shared_ptr<FileEventStream>(new FileEventStream(std::move(impl)));
 }
 

@@ -36,9 +36,9 @@ class HeaderList {
 
 std::size_t takeReply(char* data, std::size_t /*one*/, std::size_t size, void* reply) {
   try {
-    return static_cast<BoundedText*>(reply)->append({data, size}) ? size : CURL_WRITEFUNC_ERROR;
+    return static_cast<BoundedText*>(reply)->append({data, size}) ? size : abortedByCallback;
   } catch (const std::exception&) {
-    return CURL_WRITEFUNC_ERROR;
+    return abortedByCallback;
   }
 }
 

@@ -39,8 +39,15 @@ UrlTransfer::UrlTransfer() : loop_(curl_multi_init()), handle_(curl_easy_init())
   set(CURLOPT_HEADERDATA, this);
   set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
   set(CURLOPT_NOSIGNAL, 1L);
-  // curl_easy_cleanup must not wait for a name server that does not answer.
-  set(CURLOPT_QUICK_EXIT, 1L);
+  skipWaitInCleanup();
+}
+
+// curl_easy_cleanup must not wait for a name server that does not answer. libcurl before 7.87 rejects the
+// option and waits.
+void UrlTransfer::skipWaitInCleanup() {
+#if LIBCURL_VERSION_NUM >= 0x075700
+  static_cast<void>(curl_easy_setopt(handle_.get(), CURLOPT_QUICK_EXIT, 1L));
+#endif
 }
 
 UrlTransfer::~UrlTransfer() {
@@ -129,7 +136,7 @@ int UrlTransfer::closeSocket(void* transfer, curl_socket_t socket) {
 std::size_t UrlTransfer::takeHeadLine(char* line, std::size_t /*one*/, std::size_t size, void* transfer) {
   auto& self = *static_cast<UrlTransfer*>(transfer);
   self.headBytes_ += size;
-  if (self.headBytes_ > maxHeadBytes) return CURL_WRITEFUNC_ERROR;
+  if (self.headBytes_ > maxHeadBytes) return abortedByCallback;
   const bool isEnd = std::string_view(line, size).find_first_not_of("\r\n") == std::string_view::npos;
   const bool isInterim = self.info<long>(CURLINFO_RESPONSE_CODE) < 200;
   if (isEnd && !isInterim) self.answeredRedirects_ = self.info<long>(CURLINFO_REDIRECT_COUNT);

@@ -12,6 +12,9 @@
 
 namespace platform {
 
+// A callback that returns this number of bytes aborts the transfer. libcurl has a name for it since 7.87.
+inline constexpr std::size_t abortedByCallback = 0xFFFFFFFF;
+
 // One libcurl transfer, aborted after a time without progress. For use by one thread.
 class UrlTransfer {
  public:
@@ -46,6 +49,7 @@ class UrlTransfer {
   static int closeSocket(void* transfer, curl_socket_t socket);
   static std::size_t takeHeadLine(char* line, std::size_t one, std::size_t size, void* transfer);
 
+  void skipWaitInCleanup();
   [[nodiscard]] CURLcode waitForEnd(std::chrono::milliseconds interval);
   [[nodiscard]] CURLcode result() const;
   [[nodiscard]] TransferEnd endOf(CURLcode result) const;

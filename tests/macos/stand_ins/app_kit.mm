@@ -1,7 +1,15 @@
-// What GNUstep's AppKit lacks of windows, views and menu items. Sheets are windows below the title bar of
-// their parent, which ignores clicks meanwhile.
+// What GNUstep's AppKit lacks of the application, windows, views and menu items. Sheets are windows below the
+// title bar of their parent, which ignores clicks meanwhile.
 
 #import <Cocoa/Cocoa.h>
+
+@implementation NSApplication (StandInActivation)
+
+- (void)activate {
+  [self activateIgnoringOtherApps:YES];
+}
+
+@end
 
 @implementation NSMenuItem (StandIn)
 

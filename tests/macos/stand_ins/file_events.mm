@@ -48,13 +48,16 @@ Folders foldersBelow(const std::string& root) {
 
 }  // namespace
 
+@class StandInFileEventLook;
+
 struct __FSEventStream {
   FSEventStreamCallback callback;
   void* info;
   std::string path;
   double latency;
   Folders folders;
-  NSTimer* timer;
+  dispatch_queue_t queue;
+  StandInFileEventLook* looks;
 
   void look();
 };
@@ -88,6 +91,7 @@ void __FSEventStream::look() {
 }
 - (id)initWithEvents:(FSEventStreamRef)stream;
 - (void)look:(NSTimer*)timer;
+- (void)stop;
 @end
 
 @implementation StandInFileEventLook
@@ -100,7 +104,11 @@ void __FSEventStream::look() {
 
 - (void)look:(NSTimer*)timer {
   static_cast<void>(timer);
-  stream_->look();
+  if (stream_ != nullptr) stream_->look();
+}
+
+- (void)stop {
+  stream_ = nullptr;
 }
 
 @end
@@ -110,26 +118,37 @@ FSEventStreamRef FSEventStreamCreate(const void*, FSEventStreamCallback callback
                                      double latency, FSEventStreamCreateFlags) {
   NSArray* array = reinterpret_cast<NSArray*>(const_cast<__CFArray*>(paths));
   const char* path = [static_cast<NSString*>([array objectAtIndex:0]) UTF8String];
-  return new __FSEventStream{callback, context->info, path, latency, foldersBelow(path), nil};
+  return new __FSEventStream{callback, context->info, path, latency, foldersBelow(path), nullptr, nil};
 }
 
-void FSEventStreamScheduleWithRunLoop(FSEventStreamRef, CFRunLoopRef, CFStringRef) {}
+dispatch_queue_t dispatch_get_main_queue() {
+  static char queue;
+  return reinterpret_cast<dispatch_queue_t>(&queue);
+}
 
+void FSEventStreamSetDispatchQueue(FSEventStreamRef stream, dispatch_queue_t queue) {
+  stream->queue = queue;
+}
+
+// The run loop serves the queue of the main thread in these modes.
 unsigned char FSEventStreamStart(FSEventStreamRef stream) {
+  if (stream->queue != dispatch_get_main_queue()) return 0;
   StandInFileEventLook* look = [[[StandInFileEventLook alloc] initWithEvents:stream] autorelease];
-  stream->timer = [NSTimer timerWithTimeInterval:stream->latency
-                                          target:look
-                                        selector:@selector(look:)
-                                        userInfo:nil
-                                         repeats:YES];
+  stream->looks = look;
+  NSTimer* timer = [NSTimer timerWithTimeInterval:stream->latency
+                                           target:look
+                                         selector:@selector(look:)
+                                         userInfo:nil
+                                          repeats:YES];
   for (NSString* mode : {NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode})
-    [[NSRunLoop mainRunLoop] addTimer:stream->timer forMode:mode];
+    [[NSRunLoop mainRunLoop] addTimer:timer forMode:mode];
   return 1;
 }
 
+// The timer goes on: without any, GNUstep leaves input that Xlib has already read in Xlib's queue.
 void FSEventStreamStop(FSEventStreamRef stream) {
-  [stream->timer invalidate];
-  stream->timer = nil;
+  [stream->looks stop];
+  stream->looks = nil;
 }
 
 void FSEventStreamInvalidate(FSEventStreamRef) {}

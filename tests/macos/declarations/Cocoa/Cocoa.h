@@ -205,6 +205,7 @@ enum NSApplicationTerminateReply : NSUInteger {};
 - (NSInteger)runModalForWindow:(NSWindow*)window;
 - (void)stopModal;
 - (void)postEvent:(NSEvent*)event atStart:(BOOL)atStart;
+- (void)activate;
 - (void)activateIgnoringOtherApps:(BOOL)ignore;
 @end
 extern "C" NSApplication* NSApp;

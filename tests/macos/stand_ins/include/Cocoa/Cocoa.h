@@ -63,6 +63,10 @@ extern "C" NSArray* standInSearchPaths(NSSearchPathDirectory directory, NSSearch
 @end
 #define NSAlert StandInAlert
 
+@interface NSApplication (StandInActivation)
+- (void)activate;
+@end
+
 @interface NSWindow (StandIn)
 - (void)beginSheet:(NSWindow*)sheet completionHandler:(id)handler;
 - (void)endSheet:(NSWindow*)sheet;
