@@ -87,7 +87,7 @@ TEST_F(MacosFileEvents, WatchesRootAloneFromNowOnWithLatency) {
   EXPECT_EQ(native.since, kFSEventStreamEventIdSinceNow);
   EXPECT_EQ(native.latency, 0.5);
   EXPECT_EQ(native.flags, 4U);
-  EXPECT_THAT(native.calls, ElementsAre("main queue", "start"));
+  EXPECT_THAT(native.calls, ElementsAre("run loop", "start"));
 }
 
 TEST_F(MacosFileEvents, EachBatchIsPassedOnUnchanged) {
@@ -114,17 +114,17 @@ TEST_F(MacosFileEvents, ChangedRootIsReportedWhetherItIsGoneOrBack) {
 TEST_F(MacosFileEvents, StopInCallbackStopsNativeStreamOnce) {
   auto stream = startStream([](FileEventStream& own, std::span<const FileEvent>) { own.stop(); });
   native.deliver({});
-  EXPECT_THAT(native.calls, ElementsAre("main queue", "start", "stop"));
+  EXPECT_THAT(native.calls, ElementsAre("run loop", "start", "stop"));
   stream->stop();
   stream.reset();
-  EXPECT_THAT(native.calls, ElementsAre("main queue", "start", "stop", "invalidate", "release"));
+  EXPECT_THAT(native.calls, ElementsAre("run loop", "start", "stop", "invalidate", "release"));
 }
 
 TEST_F(MacosFileEvents, StreamReleasedInCallbackIsStoppedFirst) {
   std::shared_ptr<FileEventStream> stream;
   stream = startStream([&](FileEventStream&, std::span<const FileEvent>) { stream.reset(); });
   native.deliver({0});
-  EXPECT_THAT(native.calls, ElementsAre("main queue", "start", "stop", "invalidate", "release"));
+  EXPECT_THAT(native.calls, ElementsAre("run loop", "start", "stop", "invalidate", "release"));
 }
 
 TEST_F(MacosFileEvents, FailedCreationReturnsNull) {
@@ -152,13 +152,8 @@ FSEventStreamRef FSEventStreamCreate(const void*, FSEventStreamCallback callback
   return native.handle();
 }
 
-dispatch_queue_t dispatch_get_main_queue() {
-  static char queue;
-  return reinterpret_cast<dispatch_queue_t>(&queue);
-}
-
-void FSEventStreamSetDispatchQueue(FSEventStreamRef, dispatch_queue_t queue) {
-  native.calls.push_back(queue == dispatch_get_main_queue() ? "main queue" : "other queue");
+void FSEventStreamScheduleWithRunLoop(FSEventStreamRef, CFRunLoopRef, CFStringRef) {
+  native.calls.push_back("run loop");
 }
 
 unsigned char FSEventStreamStart(FSEventStreamRef) {

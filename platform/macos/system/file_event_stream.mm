@@ -69,7 +69,7 @@ std::shared_ptr<FileEventStream> FileEventStream::create(const std::string& path
   impl->callback = std::move(callback);
   impl->native = impl->makeNative(latency);
   if (impl->native == nullptr) return nullptr;
-  FSEventStreamSetDispatchQueue(impl->native, dispatch_get_main_queue());
+  FSEventStreamScheduleWithRunLoop(impl->native, CFRunLoopGetMain(), kCFRunLoopCommonModes);
   return std::shared_ptr<FileEventStream>(new FileEventStream(std::move(impl)));
 }
 

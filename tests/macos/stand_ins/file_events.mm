@@ -56,7 +56,6 @@ struct __FSEventStream {
   std::string path;
   double latency;
   Folders folders;
-  dispatch_queue_t queue;
   StandInFileEventLook* looks;
 
   void look();
@@ -118,21 +117,12 @@ FSEventStreamRef FSEventStreamCreate(const void*, FSEventStreamCallback callback
                                      double latency, FSEventStreamCreateFlags) {
   NSArray* array = reinterpret_cast<NSArray*>(const_cast<__CFArray*>(paths));
   const char* path = [static_cast<NSString*>([array objectAtIndex:0]) UTF8String];
-  return new __FSEventStream{callback, context->info, path, latency, foldersBelow(path), nullptr, nil};
+  return new __FSEventStream{callback, context->info, path, latency, foldersBelow(path), nil};
 }
 
-dispatch_queue_t dispatch_get_main_queue() {
-  static char queue;
-  return reinterpret_cast<dispatch_queue_t>(&queue);
-}
+void FSEventStreamScheduleWithRunLoop(FSEventStreamRef, CFRunLoopRef, CFStringRef) {}
 
-void FSEventStreamSetDispatchQueue(FSEventStreamRef stream, dispatch_queue_t queue) {
-  stream->queue = queue;
-}
-
-// The run loop serves the queue of the main thread in these modes.
 unsigned char FSEventStreamStart(FSEventStreamRef stream) {
-  if (stream->queue != dispatch_get_main_queue()) return 0;
   StandInFileEventLook* look = [[[StandInFileEventLook alloc] initWithEvents:stream] autorelease];
   stream->looks = look;
   NSTimer* timer = [NSTimer timerWithTimeInterval:stream->latency

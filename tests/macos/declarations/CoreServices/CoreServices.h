@@ -1,6 +1,6 @@
 #pragma once
 
-// FSEvents and the types of CoreFoundation and libdispatch in its interface, for the type check. See Cocoa.h.
+// FSEvents and the types of CoreFoundation in its interface, for the type check. See Cocoa.h.
 
 #include <cstddef>
 #include <cstdint>
@@ -8,11 +8,12 @@
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFArray* CFArrayRef;
 typedef const struct __CFString* CFStringRef;
+typedef struct __CFRunLoop* CFRunLoopRef;
 typedef double CFTimeInterval;
 typedef unsigned char Boolean;
 
-typedef struct dispatch_queue_s* dispatch_queue_t;
-extern "C" dispatch_queue_t dispatch_get_main_queue();
+extern "C" CFRunLoopRef CFRunLoopGetMain();
+extern "C" const CFStringRef kCFRunLoopCommonModes;
 
 typedef struct __FSEventStream* FSEventStreamRef;
 typedef const struct __FSEventStream* ConstFSEventStreamRef;
@@ -37,7 +38,7 @@ FSEventStreamRef FSEventStreamCreate(CFAllocatorRef allocator, FSEventStreamCall
                                      FSEventStreamContext* context, CFArrayRef paths,
                                      FSEventStreamEventId since, CFTimeInterval latency,
                                      FSEventStreamCreateFlags flags);
-void FSEventStreamSetDispatchQueue(FSEventStreamRef stream, dispatch_queue_t queue);
+void FSEventStreamScheduleWithRunLoop(FSEventStreamRef stream, CFRunLoopRef loop, CFStringRef mode);
 Boolean FSEventStreamStart(FSEventStreamRef stream);
 void FSEventStreamStop(FSEventStreamRef stream);
 void FSEventStreamInvalidate(FSEventStreamRef stream);

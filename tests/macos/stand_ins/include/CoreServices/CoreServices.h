@@ -9,10 +9,12 @@
 
 typedef const struct __CFArray* CFArrayRef;
 typedef const struct __CFString* CFStringRef;
-typedef struct dispatch_queue_s* dispatch_queue_t;
+typedef struct __CFRunLoop* CFRunLoopRef;
 
-// An address that stands for the main thread's queue.
-dispatch_queue_t dispatch_get_main_queue();
+inline CFRunLoopRef CFRunLoopGetMain() {
+  return nullptr;
+}
+inline constexpr CFStringRef kCFRunLoopCommonModes = nullptr;
 
 typedef struct __FSEventStream* FSEventStreamRef;
 typedef const struct __FSEventStream* ConstFSEventStreamRef;
@@ -37,7 +39,7 @@ FSEventStreamRef FSEventStreamCreate(const void* allocator, FSEventStreamCallbac
                                      FSEventStreamContext* context, CFArrayRef paths,
                                      FSEventStreamEventId since, double latency,
                                      FSEventStreamCreateFlags flags);
-void FSEventStreamSetDispatchQueue(FSEventStreamRef stream, dispatch_queue_t queue);
+void FSEventStreamScheduleWithRunLoop(FSEventStreamRef stream, CFRunLoopRef loop, CFStringRef mode);
 unsigned char FSEventStreamStart(FSEventStreamRef stream);
 void FSEventStreamStop(FSEventStreamRef stream);
 void FSEventStreamInvalidate(FSEventStreamRef stream);
