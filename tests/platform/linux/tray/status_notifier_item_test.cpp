@@ -104,6 +104,26 @@ TEST_F(TrayBusTest, ActivateOpensNoMenuIfHostDoes) {
   }
 }
 
+// GNOME at a double click.
+TEST_F(TrayBusTest, ActivateOpensNoMenuShortlyAfterHostOpenedIt) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  EXPECT_EQ(callMenu("AboutToShow", {0}).type(), QDBusMessage::ReplyMessage);
+  EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
+  bool isLate = false;
+  QTimer::singleShot(2 * platform::hostMenuPatience, [&] { isLate = true; });
+  ASSERT_TRUE(serveEventsUntil([&] { return isLate; }));
+  EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(TrayBusTest, ActivateFailsAgainAfterSlowHostHasOpenedMenu) {
+  ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
+  EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
+  ASSERT_TRUE(serveEventsUntil([] { return QApplication::activePopupWidget() != nullptr; }));
+  QApplication::activePopupWidget()->close();
+  EXPECT_EQ(callMenu("AboutToShow", {0}).type(), QDBusMessage::ReplyMessage);
+  EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
+}
+
 TEST_F(TrayBusTest, FirstActivateOfNewHostFails) {
   ASSERT_NO_FATAL_FAILURE(makeRegisteredItem());
   EXPECT_EQ(callItem(itemInterface, "Activate", {100, 200}).type(), QDBusMessage::ErrorMessage);
