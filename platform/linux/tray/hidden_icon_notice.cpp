@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingReply>
 #include <QGuiApplication>
 #include <QUrl>
 
@@ -60,12 +61,36 @@ HiddenIconNotice::HiddenIconNotice(std::chrono::milliseconds patience, std::stri
     : title_(std::move(title)), text_(std::move(text)) {
   patience_.setSingleShot(true);
   patience_.setInterval(patience);
-  connect(&patience_, &QTimer::timeout, this, &HiddenIconNotice::show);
+  connect(&patience_, &QTimer::timeout, this, &HiddenIconNotice::askAboutLock);
 }
 
 void HiddenIconNotice::setHidden(bool hidden) {
-  if (!hidden) return patience_.stop();
-  if (!patience_.isActive()) patience_.start();
+  if (hidden) {
+    if (!patience_.isActive() && lock_ == nullptr) patience_.start();
+    return;
+  }
+  patience_.stop();
+  lock_.reset();
+}
+
+// GNOME disables its extensions, and with them the panel for icons, while the session is locked.
+void HiddenIconNotice::askAboutLock() {
+  QDBusMessage call = QDBusMessage::createMethodCall(
+      QStringLiteral("org.gnome.ScreenSaver"), QStringLiteral("/org/gnome/ScreenSaver"),
+      QStringLiteral("org.gnome.ScreenSaver"), QStringLiteral("GetActive"));
+  call.setAutoStartService(false);
+  lock_ = std::make_unique<QDBusPendingCallWatcher>(QDBusConnection::sessionBus().asyncCall(call));
+  connect(lock_.get(), &QDBusPendingCallWatcher::finished, this, &HiddenIconNotice::takeLock,
+          Qt::QueuedConnection);
+}
+
+// Other desktops do not answer.
+void HiddenIconNotice::takeLock() {
+  if (lock_ == nullptr || !lock_->isFinished()) return;
+  const QDBusPendingReply<bool> locked = *lock_;
+  lock_.reset();
+  if (locked.isValid() && locked.value()) return patience_.start();
+  show();
 }
 
 void HiddenIconNotice::show() {
@@ -76,7 +101,7 @@ void HiddenIconNotice::show() {
   connect(answer_.get(), &QDBusPendingCallWatcher::finished, this, &HiddenIconNotice::takeAnswer);
 }
 
-// If no notification server is running, removes the mark so that the next start tries again.
+// If no notification server is running, removes the mark so that the next attempt can succeed.
 void HiddenIconNotice::takeAnswer() {
   if (answer_->isError() && !mark_.empty()) ::unlink(mark_.c_str());
 }

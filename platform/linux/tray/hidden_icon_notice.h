@@ -12,7 +12,8 @@ namespace platform {
 
 // Sends a desktop notification (org.freedesktop.Notifications) if no panel shows the program's icon for some
 // time, at most once per session: a file in the private folder, which exists until the session ends, records
-// it. Without that folder, each start sends one. No call waits for the bus. Main thread only.
+// it. Without that folder, each such time sends one. While GNOME's session is locked, its panel is not
+// missed. No call waits for the bus. Main thread only.
 class HiddenIconNotice : public QObject {
   Q_OBJECT
  public:
@@ -23,6 +24,8 @@ class HiddenIconNotice : public QObject {
   void setHidden(bool hidden);
 
  private:
+  void askAboutLock();
+  void takeLock();
   void show();
   void takeAnswer();
 
@@ -30,6 +33,7 @@ class HiddenIconNotice : public QObject {
   std::string title_;
   std::string text_;
   std::string mark_;  // path of that file; empty before, or without the folder
+  std::unique_ptr<QDBusPendingCallWatcher> lock_;
   std::unique_ptr<QDBusPendingCallWatcher> answer_;
 };
 

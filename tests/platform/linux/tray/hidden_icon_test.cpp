@@ -50,6 +50,36 @@ class NotificationServer : public QDBusVirtualObject {
   bool refuses_ = false;
 };
 
+// A fake lock screen of GNOME, locked until `unlock`.
+class LockScreen : public QDBusVirtualObject {
+ public:
+  explicit LockScreen(QDBusConnection bus) : bus_(std::move(bus)) {
+    EXPECT_TRUE(bus_.registerVirtualObject("/org/gnome/ScreenSaver", this));
+    EXPECT_TRUE(bus_.registerService("org.gnome.ScreenSaver"));
+  }
+  ~LockScreen() override {
+    bus_.unregisterService("org.gnome.ScreenSaver");
+    bus_.unregisterObject("/org/gnome/ScreenSaver");
+  }
+  LockScreen(const LockScreen&) = delete;
+  LockScreen& operator=(const LockScreen&) = delete;
+
+  [[nodiscard]] int questions() const { return questions_; }
+  void unlock() { locked_ = false; }
+
+ private:
+  QString introspect(const QString&) const override { return {}; }
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+    if (message.member() != "GetActive") return false;
+    ++questions_;
+    return connection.send(message.createReply(locked_));
+  }
+
+  QDBusConnection bus_;
+  bool locked_ = true;
+  int questions_ = 0;
+};
+
 // A tray on the X screen that shows no icons. It ends with this object.
 class ScreenTray {
  public:
@@ -163,6 +193,15 @@ TEST_F(HiddenIcon, IsNotReportedIfPanelRestartsInTime) {
   ASSERT_TRUE(waitForItems(1));
   static_cast<void>(serveEventsUntil([] { return false; }, 700ms));
   EXPECT_TRUE(server_.shown().isEmpty());
+}
+
+TEST_F(HiddenIcon, IsNotReportedWhileSessionIsLocked) {
+  LockScreen lock(host_.bus());
+  start();
+  ASSERT_TRUE(serveEventsUntil([&] { return lock.questions() >= 2; }));
+  EXPECT_TRUE(server_.shown().isEmpty());
+  lock.unlock();
+  EXPECT_TRUE(isShown(1));
 }
 
 TEST_F(HiddenIcon, IsReportedIfTrayOnScreenEndsLater) {
