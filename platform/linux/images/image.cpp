@@ -102,7 +102,7 @@ QImage Image::Impl::scaledTo(QSize pixels) const {
   return representationFor(pixels.width()).scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-// Not cached: a panel asks once for each change of its icon.
+// Not cached: the panel icon keeps the result.
 QImage Image::Impl::detailedTo(QSize pixels) const {
   QImage best = representationFor(pixels.width());
   for (const QLatin1StringView scale : {twoPixels, fourPixels}) {

@@ -101,7 +101,12 @@ BusInterface StatusNotifierItem::interface() {
             [](const QDBusMessage& call) { return call.createReply(); }}}};
 }
 
-QVariantMap StatusNotifierItem::properties() const {
+QVariant StatusNotifierItem::pixels() {
+  if (pixels_.isEmpty()) pixels_ = panelPixels(content_.image.get());
+  return QVariant::fromValue(pixels_);
+}
+
+QVariantMap StatusNotifierItem::properties() {
   const QVariant noPixels = QVariant::fromValue(QList<IconPixels>());
   return {
       {QStringLiteral("Category"), QStringLiteral("ApplicationStatus")},
@@ -111,7 +116,7 @@ QVariantMap StatusNotifierItem::properties() const {
       {QStringLiteral("WindowId"), 0},
       {QStringLiteral("IconThemePath"), symbolFolder()},
       {QStringLiteral("IconName"), content_.symbol},
-      {QStringLiteral("IconPixmap"), QVariant::fromValue(panelPixels(content_.image.get()))},
+      {QStringLiteral("IconPixmap"), pixels()},
       {QStringLiteral("OverlayIconName"), QString()},
       {QStringLiteral("OverlayIconPixmap"), noPixels},
       {QStringLiteral("AttentionIconName"), QString()},
@@ -138,6 +143,7 @@ QDBusMessage StatusNotifierItem::contextMenu(const QDBusMessage& call) {
 
 void StatusNotifierItem::show(const StatusContent& content, int watcherNumber) {
   const StatusContent before = std::exchange(content_, content);
+  if (before.image != content_.image) pixels_.clear();
   watcherNumber_ = watcherNumber;
   menu_.show(content_.menu);
   if (!content_.hasIcon()) return withdraw();

@@ -11,6 +11,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include "platform/linux/tray/bus_types.h"
 #include "platform/linux/tray/exported_menu.h"
 #include "platform/linux/tray/host_menu_wait.h"
 #include "platform/linux/tray/status_content.h"
@@ -33,7 +34,8 @@ class StatusNotifierItem : public QObject {
 
  private:
   [[nodiscard]] BusInterface interface();
-  [[nodiscard]] QVariantMap properties() const;
+  [[nodiscard]] QVariantMap properties();
+  [[nodiscard]] QVariant pixels();
   [[nodiscard]] QDBusMessage activate(const QDBusMessage& call);
   [[nodiscard]] QDBusMessage contextMenu(const QDBusMessage& call);
   void signalChange(const QStringList& names);
@@ -46,6 +48,7 @@ class StatusNotifierItem : public QObject {
 
   std::function<void(std::optional<QPoint>)> openMenu_;
   StatusContent content_;
+  QList<IconPixels> pixels_;  // of the content's image; empty until a panel asks
   int watcherNumber_ = 0;
   int registeredWith_ = 0;
   int nameNumber_ = 0;
