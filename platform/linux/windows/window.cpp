@@ -71,6 +71,9 @@ class WindowWidget : public QWidget {
   void paintEvent(QPaintEvent*) override {
     owner->awaitsFirstPaint = false;
     owner->firstPicture.clearBackground(*this);
+    if (owner->returnsTo)
+      QMetaObject::invokeMethod(
+          this, [this] { owner->returnToPlace(); }, Qt::QueuedConnection);
   }
 
   void changeEvent(QEvent* event) override {
@@ -206,7 +209,7 @@ void Window::Impl::followActivity(bool active) {
   if (active) {
     if (!std::exchange(hiddenByInactivity, false)) return;
     setRequestsFocus(widget, false);
-    appear(&QWidget::show);
+    reappear();
     setRequestsFocus(widget, true);
     // Some window managers place the shown window above the modal window.
     if (isBlocked(widget)) ModalStack::shared().raiseInnermost();
@@ -218,7 +221,7 @@ void Window::Impl::followActivity(bool active) {
 
 void Window::Impl::raiseAndActivate() {
   if (std::exchange(hiddenByInactivity, false)) {
-    appear(&QWidget::show);
+    reappear();
     awaitsFirstPaint = true;
   } else if (widget.isVisible() && !widget.isMinimized()) {
     showImageUntilPainted();
@@ -240,6 +243,17 @@ void Window::Impl::showImageUntilPainted() {
 void Window::Impl::restore() {
   raiseAndActivate();
   if (isBlocked(widget)) ModalStack::shared().raiseInnermost();
+}
+
+// mutter places a window that is shown again higher by the height of its title bar.
+void Window::Impl::reappear() {
+  returnsTo = widget.pos();
+  appear(&QWidget::show);
+}
+
+void Window::Impl::returnToPlace() {
+  const auto place = std::exchange(returnsTo, std::nullopt);
+  if (place && *place != widget.pos()) widget.move(*place);
 }
 
 // winId() creates the native window now: Qt may replace a window whose flags have changed since it was shown.

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <QWidget>
 
@@ -34,6 +35,9 @@ struct Window::Impl {
   void restore();
   // Sets the current image as the X window's background until Qt has painted the window.
   void showImageUntilPainted();
+  // Shows a window that inactivity has hidden, at its former place.
+  void reappear();
+  void returnToPlace();
   // Calls `show` and sets the window's background image and its window-manager hints.
   void appear(void (QWidget::*show)());
   // Rewrites the window-manager hints after Qt has written its own.
@@ -47,7 +51,8 @@ struct Window::Impl {
   std::function<void()> willClose;
   bool closed = false;
   bool hiddenByInactivity = false;
-  bool awaitsFirstPaint = false;  // shown, not painted yet
+  bool awaitsFirstPaint = false;    // shown, not painted yet
+  std::optional<QPoint> returnsTo;  // the frame's place; set while the window reappears
   FirstPicture firstPicture;
   std::unique_ptr<ActivityWatch> activity;
 };
