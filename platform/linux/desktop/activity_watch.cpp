@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <QApplication>
+#include <QWindow>
 
 #include "platform/linux/desktop/input_focus.h"
 
@@ -36,10 +37,12 @@ void ActivityWatch::stateChanged(Qt::ApplicationState state) {
   look();
 }
 
-// Postpones the report while a popup is open. The status menu takes the input focus although the user has not
-// switched to a window, and Qt closes the menu when a window is shown.
+// Postpones the report while a popup or a tool window has the input focus. They belong to the status menu:
+// the user has not switched to a window, and Qt closes the menu when a window is shown.
 void ActivityWatch::look() {
-  if (QApplication::activePopupWidget() != nullptr) return settle_.start();
+  const QWindow* window = QGuiApplication::focusWindow();
+  const bool isTool = window != nullptr && window->type() == Qt::Tool;
+  if (isTool || QApplication::activePopupWidget() != nullptr) return settle_.start();
   if (QGuiApplication::applicationState() == Qt::ApplicationActive) return report(true);
   focusProperty_ = inputFocusProperty();
   const InputFocusOwner owner = inputFocusOwner();

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <QGuiApplication>
+#include <QScreen>
 #include <QWidget>
 #include <QWindow>
 
@@ -32,6 +33,19 @@ std::uint32_t xAtom(xcb_connection_t* connection, const std::string& name) {
 
 std::uint32_t xRoot() {
   return xcb_setup_roots_iterator(xcb_get_setup(xConnection())).data->root;
+}
+
+// The extension exists since Xwayland 23.1. Earlier versions name the screens so.
+bool isXwayland() {
+  xcb_connection_t* connection = xConnection();
+  if (connection == nullptr) return false;
+  constexpr std::string_view name = "XWAYLAND";
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  if (screen != nullptr && screen->name().startsWith(QLatin1StringView(name.data(), name.size())))
+    return true;
+  const auto cookie = xcb_query_extension(connection, name.size(), name.data());
+  const XReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
+  return reply != nullptr && reply->present != 0;
 }
 
 std::optional<std::uint32_t> xNumber(std::uint32_t window, std::uint32_t property, std::uint32_t type) {

@@ -22,6 +22,9 @@ namespace platform {
 // Returns the root window of the first screen. Requires a connection.
 [[nodiscard]] std::uint32_t xRoot();
 
+// Returns whether the X server is Xwayland. Returns false without a connection. One round trip.
+[[nodiscard]] bool isXwayland();
+
 // Returns the first 32-bit value of a window property, or nullopt if there is none of this type. One round
 // trip.
 [[nodiscard]] std::optional<std::uint32_t> xNumber(std::uint32_t window, std::uint32_t property,

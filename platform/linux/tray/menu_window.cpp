@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QWindow>
 
@@ -11,7 +12,8 @@
 
 namespace platform {
 
-MenuWindow::MenuWindow() {
+MenuWindow::MenuWindow()
+    : QWidget(nullptr, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
   setWindowTitle(QCoreApplication::applicationName());
   auto* row = new QHBoxLayout(this);
   row->addWidget(&icon_);
@@ -39,15 +41,26 @@ void MenuWindow::openMenu() {
   menu_->winId();
   menu_->windowHandle()->setTransientParent(windowHandle());
   menu_->windowHandle()->setFlags(menu_->windowFlags() | Qt::ToolTip);
-  menu_->popup(mapToGlobal(QPoint(0, height())));
+  menu_->popup(placeOfMenu());
+}
+
+QPoint MenuWindow::placeOfMenu() const {
+  return mapToGlobal(QPoint(0, height()));
 }
 
 void MenuWindow::closeMenu() {
   if (menu_ != nullptr) menu_->close();
 }
 
+// Without the focus the window has no menu.
+void MenuWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) close();
+}
+
 bool MenuWindow::event(QEvent* event) {
   if (event->type() == QEvent::WindowActivate) openMenu();
+  // Window managers may place the window after they have given it the focus.
+  if (event->type() == QEvent::Move && menu_ != nullptr) menu_->move(placeOfMenu());
   if (event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Close) closeMenu();
   return QWidget::event(event);
 }

@@ -22,9 +22,11 @@ class MenuWindow : public QWidget {
 
  protected:
   bool event(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void openMenu();
+  [[nodiscard]] QPoint placeOfMenu() const;
   void closeMenu();
 
   QLabel icon_;

@@ -9,6 +9,7 @@
 
 #include "platform/application.h"
 #include "platform/bundle.h"
+#include "platform/linux/desktop/x_requests.h"
 #include "platform/linux/tray/hidden_icon_notice.h"
 #include "platform/linux/tray/menu_impl.h"
 #include "platform/linux/tray/menu_window.h"
@@ -20,10 +21,9 @@
 namespace platform {
 namespace {
 
-// Also for a client of Xwayland: its X server gets no input while a window of Wayland has the focus.
+// Xwayland gets no input while a window of Wayland has the focus.
 bool isOnWayland() {
-  return QGuiApplication::platformName() == QLatin1StringView("wayland") ||
-         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+  return QGuiApplication::platformName() == QLatin1StringView("wayland") || isXwayland();
 }
 
 QString folderOfSymbols() {

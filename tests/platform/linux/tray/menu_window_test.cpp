@@ -40,6 +40,12 @@ TEST_F(MenuWindow, OpensMenuAsItsPopupBelowItself) {
   EXPECT_EQ(menu_.width(), window_.width());
 }
 
+TEST_F(MenuWindow, MenuFollowsWindowThatIsPlacedLate) {
+  const QPoint before = menu_.pos();
+  window_.move(window_.pos() + QPoint(50, 40));
+  EXPECT_TRUE(serveEventsUntil([&] { return menu_.pos() == before + QPoint(50, 40); }));
+}
+
 TEST_F(MenuWindow, ClosesWithMenuOnEscape) {
   press("Escape");
   EXPECT_TRUE(isClosed());

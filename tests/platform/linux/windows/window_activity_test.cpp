@@ -6,6 +6,7 @@
 
 #include "platform/alert.h"
 #include "platform/application.h"
+#include "platform/linux/tray/menu_window.h"
 #include "tests/harness/desktop/x_connection.h"
 #include "tests/harness/desktop/x_input.h"
 #include "tests/harness/desktop/x_windows.h"
@@ -225,6 +226,35 @@ TEST_F(WindowActivity, StaysWhileMenuOfProgramIsOpen) {
   menu.popup(QPoint(10, 10));
   ASSERT_TRUE(serveEventsUntil([&] { return menu.isVisible(); }));
   EXPECT_TRUE(stays());
+}
+
+// On Wayland the menu opens below a window. A window that came back would close it.
+TEST_F(WindowActivity, StaysHiddenWhileMenuWindowIsOpen) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  ASSERT_TRUE(turnToOtherProgram());
+  ASSERT_TRUE(hides());
+  QMenu menu;
+  menu.addAction(QStringLiteral("Item"));
+  platform::MenuWindow menuWindow;
+  menuWindow.open({.text = QStringLiteral("Open"), .menu = &menu});
+  ASSERT_TRUE(serveEventsUntil([&] { return menu.isVisible(); }));
+  EXPECT_FALSE(
+      serveEventsUntil([this] { return layout_.window->isVisible(); }, std::chrono::milliseconds(500)));
+  EXPECT_TRUE(menu.isVisible());
+}
+
+TEST_F(WindowActivity, ReturnsToItsPlace) {
+  ASSERT_TRUE(show(*layout_.window));
+  ASSERT_TRUE(startOtherProgram());
+  for (int times = 0; times < 2; ++times) {
+    widgetOf(*layout_.window).move(400, 300);
+    ASSERT_TRUE(turnToOtherProgram());
+    ASSERT_TRUE(hides());
+    Application::sharedApplication().activateIgnoringOtherApps(true);
+    ASSERT_TRUE(show(*layout_.window));
+    EXPECT_TRUE(serveEventsUntil([this] { return widgetOf(*layout_.window).pos() == QPoint(400, 300); }));
+  }
 }
 
 using WindowChoice = WindowActivity;
