@@ -25,10 +25,10 @@ TEST(UrlRequestOldLibcurl, RejectedOptionForCleanupDoesNotFailRequest) {
 }  // namespace
 
 extern "C" CURLcode __real_curl_easy_setopt(CURL* handle, CURLoption option, ...);
-extern "C" CURLcode __wrap_curl_easy_setopt(CURL* handle, CURLoption option, ...);
+extern "C" CURLcode __wrap_curl_easy_setopt(CURL* handle, unsigned option, ...);
 
-// Each argument is as wide as a pointer.
-extern "C" CURLcode __wrap_curl_easy_setopt(CURL* handle, CURLoption option, ...) {
+// Each argument is as wide as a pointer. The option's type is what an argument before "..." is promoted to.
+extern "C" CURLcode __wrap_curl_easy_setopt(CURL* handle, unsigned option, ...) {
   if (option == CURLOPT_QUICK_EXIT) {
     ++rejections;
     return CURLE_UNKNOWN_OPTION;
@@ -37,5 +37,5 @@ extern "C" CURLcode __wrap_curl_easy_setopt(CURL* handle, CURLoption option, ...
   va_start(arguments, option);
   void* value = va_arg(arguments, void*);
   va_end(arguments);
-  return __real_curl_easy_setopt(handle, option, value);
+  return __real_curl_easy_setopt(handle, static_cast<CURLoption>(option), value);
 }
