@@ -192,8 +192,8 @@ class MacosDifferential : public MacosAgentTest {
     if (HasFatalFailure()) return;
     SCOPED_TRACE(name);
     act();
-    Step step{name, texts(), beacons(), {}};
-    timeline_.clear();
+    const auto events = timeline_.take();
+    Step step{name, actionsAmong(events), beaconsAmong(events), {}};
     const auto requests = server_->requests();
     for (; requestsTaken_ < requests.size(); ++requestsTaken_) {
       const auto& request = requests[requestsTaken_];
@@ -220,6 +220,7 @@ class MacosDifferential : public MacosAgentTest {
     send(collectMessage(0, "\x1f\0\0\0"s));
     send(collectMessage(7));
     send("-nothing");
+    ASSERT_TRUE(waitForText("log 3: unknown command -nothing"));
   }
 
   void showNotices() {
