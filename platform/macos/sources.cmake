@@ -15,6 +15,7 @@ set(macos_cocoa_sources
   windows/alert.mm
   application/application.mm
   application/application_main.mm
+  system/console_log.mm
   system/executable_folder.mm
   windows/button.mm
   windows/color.mm
