@@ -65,6 +65,15 @@ std::vector<std::string> beaconsAmong(const std::vector<TimelineEvent>& events) 
   return queries;
 }
 
+bool hasSeveralColours(const std::optional<test_support::XPicture>& picture) {
+  if (!picture) return false;
+  for (int y = 0; y < picture->height(); ++y) {
+    for (int x = 0; x < picture->width(); ++x)
+      if (picture->at(x, y) != picture->at(0, 0)) return true;
+  }
+  return false;
+}
+
 bool isMenu(const test_support::XWindow& window) {
   return window.name == "menu";
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/x_picture.h"
 #include "tests/harness/desktop/x_windows.h"
 #include "tests/harness/processes/child_process.h"
 #include "tests/harness/processes/timeline.h"
@@ -87,5 +88,8 @@ inline constexpr const char* noticeList =
 // Return the events other than beacons, and the queries of the beacons.
 [[nodiscard]] std::vector<std::string> actionsAmong(const std::vector<test_support::TimelineEvent>& events);
 [[nodiscard]] std::vector<std::string> beaconsAmong(const std::vector<test_support::TimelineEvent>& events);
+
+// Returns whether the area is painted: before, it has one colour.
+[[nodiscard]] bool hasSeveralColours(const std::optional<test_support::XPicture>& picture);
 
 [[nodiscard]] bool isMenu(const test_support::XWindow& window);
