@@ -79,7 +79,7 @@ check-macos:
 macos-on-gnustep:
 	packaging/set_up build run test macos
 	@$(call configure,-DTOVALIN_MACOS_ON_GNUSTEP=ON)
-	@cmake --build --preset $(PRESET) --target macos_agent_test macos_differential_test macos_file_event_stream_test
+	@cmake --build --preset $(PRESET) --target macos_bracket_escapes_test macos_agent_test macos_differential_test macos_file_event_stream_test
 	ctest --preset $(PRESET) --tests-regex '^macos_'
 
 # Includes the tests that do not run under a sanitizer.

@@ -16,7 +16,8 @@ void systemLog(LogPriority priority, std::string_view text);
 // perror(3).
 void errorLog(std::string_view text);
 
-// Writes one line with date, time and process to standard error, the console log of desktop programs.
+// Writes one line with date, time and process to the console log of desktop programs: standard error on
+// Linux, NSLog on macOS.
 void consoleLog(std::string_view text);
 
 // Writes the reason to standard error and the system log and ends the process at once with status 1.

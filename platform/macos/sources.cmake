@@ -1,6 +1,7 @@
 # Sources of platform/macos, shared with the build under GNUstep.
 set(macos_cpp_sources
   application/termination_signals.cpp
+  system/bracket_escapes.cpp
   system/helper_folder.cpp
   system/log_sources.cpp
   application/process_start.cpp
@@ -14,6 +15,7 @@ set(macos_cocoa_sources
   windows/alert.mm
   application/application.mm
   application/application_main.mm
+  system/console_log.mm
   system/executable_folder.mm
   windows/button.mm
   windows/color.mm

@@ -6,11 +6,9 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <string>
 
 namespace platform {
@@ -26,19 +24,6 @@ iovec piece(std::string_view text) {
   return {const_cast<char*>(text.data()), text.size()};
 }
 
-std::string localTimeToTheMillisecond() {
-  const auto now = std::chrono::system_clock::now();
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-  const auto millis =
-      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  char text[32];
-  const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-  std::snprintf(text + length, sizeof text - length, ".%03d", static_cast<int>(millis));
-  return text;
-}
-
 }  // namespace
 
 void systemLog(LogPriority priority, std::string_view text) {
@@ -48,11 +33,6 @@ void systemLog(LogPriority priority, std::string_view text) {
 void errorLog(std::string_view text) {
   const int error = errno;
   writeLine(std::string(text) + ": " + std::strerror(error));
-}
-
-void consoleLog(std::string_view text) {
-  writeLine(localTimeToTheMillisecond() + " TovalinTray[" + std::to_string(::getpid()) + "] " +
-            std::string(text));
 }
 
 // Allocates no memory, because the error may be out of memory.

@@ -51,6 +51,7 @@ struct NativeStream {
 };
 NativeStream native;
 bool creationFails;
+char mainRunLoop, commonModes;  // their addresses stand for the objects
 
 std::vector<FileEvent> eventsWith(const std::vector<FSEventStreamEventFlags>& flags) {
   std::vector<FileEvent> events;
@@ -87,7 +88,7 @@ TEST_F(MacosFileEvents, WatchesRootAloneFromNowOnWithLatency) {
   EXPECT_EQ(native.since, kFSEventStreamEventIdSinceNow);
   EXPECT_EQ(native.latency, 0.5);
   EXPECT_EQ(native.flags, 4U);
-  EXPECT_THAT(native.calls, ElementsAre("run loop", "start"));
+  EXPECT_THAT(native.calls, ElementsAre("main run loop, common modes", "start"));
 }
 
 TEST_F(MacosFileEvents, EachBatchIsPassedOnUnchanged) {
@@ -114,17 +115,19 @@ TEST_F(MacosFileEvents, ChangedRootIsReportedWhetherItIsGoneOrBack) {
 TEST_F(MacosFileEvents, StopInCallbackStopsNativeStreamOnce) {
   auto stream = startStream([](FileEventStream& own, std::span<const FileEvent>) { own.stop(); });
   native.deliver({});
-  EXPECT_THAT(native.calls, ElementsAre("run loop", "start", "stop"));
+  EXPECT_THAT(native.calls, ElementsAre("main run loop, common modes", "start", "stop"));
   stream->stop();
   stream.reset();
-  EXPECT_THAT(native.calls, ElementsAre("run loop", "start", "stop", "invalidate", "release"));
+  EXPECT_THAT(native.calls,
+              ElementsAre("main run loop, common modes", "start", "stop", "invalidate", "release"));
 }
 
 TEST_F(MacosFileEvents, StreamReleasedInCallbackIsStoppedFirst) {
   std::shared_ptr<FileEventStream> stream;
   stream = startStream([&](FileEventStream&, std::span<const FileEvent>) { stream.reset(); });
   native.deliver({0});
-  EXPECT_THAT(native.calls, ElementsAre("run loop", "start", "stop", "invalidate", "release"));
+  EXPECT_THAT(native.calls,
+              ElementsAre("main run loop, common modes", "start", "stop", "invalidate", "release"));
 }
 
 TEST_F(MacosFileEvents, FailedCreationReturnsNull) {
@@ -152,8 +155,15 @@ FSEventStreamRef FSEventStreamCreate(const void*, FSEventStreamCallback callback
   return native.handle();
 }
 
-void FSEventStreamScheduleWithRunLoop(FSEventStreamRef, CFRunLoopRef, CFStringRef) {
-  native.calls.push_back("run loop");
+CFRunLoopRef CFRunLoopGetMain() {
+  return reinterpret_cast<CFRunLoopRef>(&mainRunLoop);
+}
+
+const CFStringRef kCFRunLoopCommonModes = reinterpret_cast<CFStringRef>(&commonModes);
+
+void FSEventStreamScheduleWithRunLoop(FSEventStreamRef, CFRunLoopRef loop, CFStringRef mode) {
+  const bool asRequired = loop == CFRunLoopGetMain() && mode == kCFRunLoopCommonModes;
+  native.calls.push_back(asRequired ? "main run loop, common modes" : "another run loop or mode");
 }
 
 unsigned char FSEventStreamStart(FSEventStreamRef) {

@@ -19,6 +19,7 @@ using test_support::ChildOptions;
 using test_support::ChildProcess;
 using test_support::ExitStatus;
 using test_support::Redirection;
+using test_support::TimelineEvent;
 using test_support::waitForWindow;
 using test_support::waitUntil;
 
@@ -47,6 +48,31 @@ void moveHome() {
 }
 
 }  // namespace
+
+std::vector<std::string> actionsAmong(const std::vector<TimelineEvent>& events) {
+  std::vector<std::string> actions;
+  for (const TimelineEvent& event : events) {
+    if (!event.text.starts_with(beaconRun)) actions.push_back(event.text);
+  }
+  return actions;
+}
+
+std::vector<std::string> beaconsAmong(const std::vector<TimelineEvent>& events) {
+  std::vector<std::string> queries;
+  for (const TimelineEvent& event : events) {
+    if (event.text.starts_with(beaconRun)) queries.push_back(event.text.substr(event.text.find('?')));
+  }
+  return queries;
+}
+
+bool hasSeveralColours(const std::optional<test_support::XPicture>& picture) {
+  if (!picture) return false;
+  for (int y = 0; y < picture->height(); ++y) {
+    for (int x = 0; x < picture->width(); ++x)
+      if (picture->at(x, y) != picture->at(0, 0)) return true;
+  }
+  return false;
+}
 
 bool isMenu(const test_support::XWindow& window) {
   return window.name == "menu";
@@ -206,22 +232,12 @@ void MacosAgentTest::saveScreen(const std::string& name) const {
 }
 
 std::vector<std::string> MacosAgentTest::texts() {
-  std::vector<std::string> all = timeline_.texts();
-  std::erase_if(all, [](const std::string& text) { return text.starts_with(beaconRun); });
-  return all;
-}
-
-std::vector<std::string> MacosAgentTest::beacons() {
-  std::vector<std::string> queries;
-  for (const std::string& text : timeline_.texts()) {
-    if (text.starts_with(beaconRun)) queries.push_back(text.substr(text.find('?')));
-  }
-  return queries;
+  return actionsAmong(timeline_.events());
 }
 
 bool MacosAgentTest::waitForBeacon(const std::string& query) {
   return timeline_
-      .waitFor([&](const test_support::TimelineEvent& event) {
+      .waitFor([&](const TimelineEvent& event) {
         return event.text.starts_with(beaconRun) && event.text.ends_with(query);
       })
       .has_value();

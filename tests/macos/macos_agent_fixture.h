@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/x_picture.h"
 #include "tests/harness/desktop/x_windows.h"
 #include "tests/harness/processes/child_process.h"
 #include "tests/harness/processes/timeline.h"
@@ -47,9 +48,8 @@ class MacosAgentTest : public testing::Test {
   static void postNotification(const std::string& name);
   void saveScreen(const std::string& name) const;
 
-  // Return the timeline without beacons, and the beacons alone, because the agent does not wait for them.
+  // Returns the timeline without beacons, because the agent does not wait for them.
   [[nodiscard]] std::vector<std::string> texts();
-  [[nodiscard]] std::vector<std::string> beacons();
   [[nodiscard]] bool waitForText(const std::string& beginning) {
     return timeline_.waitFor(beginning).has_value();
   }
@@ -84,5 +84,12 @@ inline constexpr const char* noticeList =
     "<key>link</key><string>http://one.example/a</string></dict><key>notice_2</key><dict><key>subject</key>"
     "<string>The second "
     "notice</string><key>link</key><string>http://two.example/b</string></dict></dict></plist>";
+
+// Return the events other than beacons, and the queries of the beacons.
+[[nodiscard]] std::vector<std::string> actionsAmong(const std::vector<test_support::TimelineEvent>& events);
+[[nodiscard]] std::vector<std::string> beaconsAmong(const std::vector<test_support::TimelineEvent>& events);
+
+// Returns whether the area is painted: before, it has one colour.
+[[nodiscard]] bool hasSeveralColours(const std::optional<test_support::XPicture>& picture);
 
 [[nodiscard]] bool isMenu(const test_support::XWindow& window);

@@ -39,16 +39,6 @@ std::string fileOfToday() {
   return name;
 }
 
-// An icon that is not painted yet has one colour.
-bool hasSeveralColours(const std::optional<test_support::XPicture>& picture) {
-  if (!picture) return false;
-  for (int y = 0; y < picture->height(); ++y) {
-    for (int x = 0; x < picture->width(); ++x)
-      if (picture->at(x, y) != picture->at(0, 0)) return true;
-  }
-  return false;
-}
-
 using MacosAgent = MacosAgentTest;
 
 TEST_F(MacosAgent, LaunchRunsItsStepsInOrder) {
@@ -74,6 +64,26 @@ TEST_F(MacosAgent, SwitchSendsMessageAndChangesItsTitle) {
   EXPECT_TRUE(waitForBeacon("?category=clickaction&clickaction=turnon"));
 }
 
+TEST_F(MacosAgent, LinesOfMenuOpenPages) {
+  struct Link {
+    int line;
+    std::string address;
+  };
+  const std::string server = kClosedServer;
+  launch();
+  for (const Link& link : {
+           Link{2, "https://www.facebook.com/kesmoor"},
+           Link{3, "https://www.facebook.com/sharer/sharer.php?u=" + server + "/tovalin"},
+           Link{4, "https://twitter.com/intent/tweet?text=%5BTovalin%5D%20Easily%20manage"},
+           Link{websiteLine, server + "/tovalin"},
+           Link{7, server + "/tovalin/review"},
+       }) {
+    timeline_.clear();
+    choose(link.line);
+    EXPECT_TRUE(waitForText("run: open " + link.address)) << link.line;
+  }
+}
+
 TEST_F(MacosAgent, QuitRunsProperEnd) {
   launch();
   timeline_.clear();
@@ -92,18 +102,35 @@ TEST_F(MacosAgent, SignalInNestedModalRunsRunsProperEnd) {
   EXPECT_EQ(count(killRun), 1);
 }
 
-TEST_F(MacosAgent, NoticesHiddenInReverseOrderClose) {
+struct NoticeOrder {
+  std::string outer;
+  std::string inner;
+  int scripts;  // run at each "-neoff" of the orders so far
+};
+bool isOf(const std::string& command, const test_support::XWindow& window) {
+  return command == "-non" ? isAccessNotice(window) : isLoadingNotice(window);
+}
+std::string hiding(const std::string& command) {
+  return command == "-non" ? "-noff" : "-neoff";
+}
+
+TEST_F(MacosAgent, InnerNoticeHiddenFirstLeavesOuterOnScreen) {
   launch();
-  send("-non");
-  ASSERT_TRUE(shows(isAccessNotice));
-  send("-neon");
-  ASSERT_TRUE(shows(isLoadingNotice));
-  saveScreen("macos-notices");
-  send("-neoff");
-  ASSERT_TRUE(hides(isLoadingNotice));
-  ASSERT_TRUE(shows(isAccessNotice));
-  send("-noff");
-  ASSERT_TRUE(hides(isAccessNotice));
+  for (const NoticeOrder& order : {NoticeOrder{"-non", "-neon", 1}, NoticeOrder{"-neon", "-non", 2}}) {
+    const auto isOuter = [&](const auto& window) { return isOf(order.outer, window); };
+    const auto isInner = [&](const auto& window) { return isOf(order.inner, window); };
+    send(order.outer);
+    ASSERT_TRUE(shows(isOuter));
+    send(order.inner);
+    ASSERT_TRUE(shows(isInner));
+    saveScreen("macos-notices" + order.outer);
+    send(hiding(order.inner));
+    ASSERT_TRUE(hides(isInner));
+    ASSERT_TRUE(shows(isOuter));
+    send(hiding(order.outer));
+    ASSERT_TRUE(hides(isOuter));
+    ASSERT_TRUE(waitUntil([&] { return count("run: osascript") == order.scripts; }));
+  }
 }
 
 TEST_F(MacosAgent, NoticeHiddenFirstEndsTheOtherRunAndLeavesItOnScreen) {
@@ -217,6 +244,10 @@ TEST_F(MacosAgent, FaqButtonOpensPage) {
   choose(supportLine);
   ASSERT_TRUE(shows(windowNamed("Support Tovalin")));
   saveScreen("macos-support-online");
+  const std::string console = agent_.takeErrorOutput();
+  EXPECT_TRUE(std::regex_search(
+      console, std::regex("[0-9:.]+ TovalinTray\\[[0-9:]+\\] recentversion : 9\\.0\\.0, currentversion : ")))
+      << console;
   clickIn("Support Tovalin", 210, 62);
   EXPECT_TRUE(waitForText("run: open " + server.origin() + "/support/tovalin/"));
 }
@@ -268,6 +299,22 @@ TEST_F(MacosAgent, CollectionAsksRunsCommandsAndReports) {
   saveScreen("macos-collected");
   clickIn("sheet", 226, 26);
   EXPECT_TRUE(waitForText(std::string("run: open ") + kClosedServer + "/contact/tovalin/"));
+}
+
+TEST_F(MacosAgent, CancelClosesSheetAndCollectsNothing) {
+  for (const char* command : {"mkdir", "cp", "zip"}) record(command);
+  launch();
+  choose(supportLine);
+  const auto window = test_support::waitForWindow(display_.name(), windowNamed("Support Tovalin"));
+  ASSERT_TRUE(window);
+  clickIn("Support Tovalin", 350, 62);
+  ASSERT_TRUE(shows(windowNamed("sheet")));
+  clickIn("sheet", 226, 26);
+  ASSERT_TRUE(hides(windowNamed("sheet")));
+  // A window with a sheet refuses to close.
+  test_support::requestClose(display_.name(), window->id);
+  ASSERT_TRUE(hides(windowNamed("Support Tovalin")));
+  EXPECT_EQ(count("run: mkdir"), 0);
 }
 
 TEST_F(MacosAgent, RemovedBundleEndsAgent) {

@@ -2,6 +2,7 @@
 
 #include "platform/macos/foundation/retained.h"
 #include "platform/macos/foundation/text_impl.h"
+#include "platform/macos/system/bracket_escapes.h"
 #include "platform/macos/windows/color_impl.h"
 #include "platform/macos/windows/view_impl.h"
 
@@ -23,7 +24,8 @@ NSDictionary* nativeAttributes(const TextAttributes& attributes) {
     [native setObject:[NSCursor pointingHandCursor] forKey:NSCursorAttributeName];
   if (attributes.foregroundColor)
     [native setObject:nativeColor(*attributes.foregroundColor) forKey:NSForegroundColorAttributeName];
-  if (!attributes.link.empty()) [native setObject:textOf(attributes.link) forKey:NSLinkAttributeName];
+  if (!attributes.link.empty())
+    [native setObject:textOf(withEscapedBrackets(attributes.link)) forKey:NSLinkAttributeName];
   if (attributes.underline)
     [native setObject:[NSNumber numberWithInt:1] forKey:NSUnderlineStyleAttributeName];
   return native;

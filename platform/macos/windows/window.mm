@@ -124,8 +124,10 @@ void Window::Impl::retainForSheet(NSAlert* alert, TovalinAction* action) {
   sheetParts.push_back({retained(alert), retained(action)});
 }
 
-// The action that is being performed may be among those dropped; autorelease keeps it until its call returns.
+// Called by an action of the alert's buttons. Autorelease keeps the alert, its buttons and the actions until
+// that call returns.
 void Window::Impl::releaseForSheet(NSAlert* alert) {
+  [[alert retain] autorelease];
   for (const SheetPart& part : sheetParts) {
     if (part.alert.get() == alert) [[part.action.get() retain] autorelease];
   }

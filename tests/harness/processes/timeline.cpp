@@ -60,6 +60,12 @@ std::vector<TimelineEvent> Timeline::events() {
   return events_;
 }
 
+std::vector<TimelineEvent> Timeline::take() {
+  const std::lock_guard lock(mutex_);
+  collect();
+  return std::exchange(events_, {});
+}
+
 std::vector<std::string> Timeline::texts() {
   std::vector<std::string> result;
   for (const TimelineEvent& event : events()) result.push_back(event.text);

@@ -58,6 +58,8 @@ class Timeline {
   // Returns the events so far, at least all messages and log entries written before this call.
   [[nodiscard]] std::vector<TimelineEvent> events();
   [[nodiscard]] std::vector<std::string> texts();
+  // Returns the same events and removes them in one step, so that no event is lost between.
+  [[nodiscard]] std::vector<TimelineEvent> take();
 
   // Waits for an event that matches or whose text has this prefix; returns at once if it has already
   // happened.

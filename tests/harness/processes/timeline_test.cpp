@@ -84,6 +84,21 @@ TEST_F(TimelineTest, LogEntriesAndMessageReadTogetherKeepOrder) {
   EXPECT_THAT(timeline.texts(), ElementsAre("start", "log 3: before", "pipe: -ton", "log 3: after"));
 }
 
+TEST_F(TimelineTest, EachEventIsTakenOnce) {
+  Timeline timeline;
+  constexpr std::size_t kEvents = 2000;
+  std::jthread source([&] {
+    for (std::size_t i = 0; i < kEvents; ++i) timeline.add(std::to_string(i));
+  });
+  std::vector<std::string> taken;
+  while (taken.size() < kEvents && timeline.waitFor("")) {
+    for (const TimelineEvent& event : timeline.take()) taken.push_back(event.text);
+  }
+  ASSERT_EQ(taken.size(), kEvents);
+  for (std::size_t i = 0; i < kEvents; ++i) ASSERT_EQ(taken[i], std::to_string(i));
+  EXPECT_THAT(timeline.texts(), ElementsAre());
+}
+
 TEST_F(TimelineTest, TimeStampsMeasurePause) {
   Timeline timeline;
   shell("launchctl; sleep 0.2; killall");

@@ -120,6 +120,11 @@ FSEventStreamRef FSEventStreamCreate(const void*, FSEventStreamCallback callback
   return new __FSEventStream{callback, context->info, path, latency, foldersBelow(path), nil};
 }
 
+CFRunLoopRef CFRunLoopGetMain() {
+  return nullptr;
+}
+const CFStringRef kCFRunLoopCommonModes = nullptr;
+
 void FSEventStreamScheduleWithRunLoop(FSEventStreamRef, CFRunLoopRef, CFStringRef) {}
 
 unsigned char FSEventStreamStart(FSEventStreamRef stream) {

@@ -45,6 +45,8 @@ BOOL NSPointInRect(NSPoint point, NSRect rect);
 @class NSEvent, NSFont, NSImage, NSMenu, NSMenuItem, NSNotification, NSPanel, NSRegularExpression, NSRunLoop;
 @class NSStatusBarButton, NSStatusItem, NSString, NSTextStorage, NSTimer, NSURL, NSView, NSWindow;
 
+extern "C" void NSLog(NSString* format, ...);
+
 __attribute__((objc_root_class))
 @interface NSObject
 + (instancetype)alloc;

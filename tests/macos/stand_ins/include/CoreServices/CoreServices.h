@@ -11,10 +11,8 @@ typedef const struct __CFArray* CFArrayRef;
 typedef const struct __CFString* CFStringRef;
 typedef struct __CFRunLoop* CFRunLoopRef;
 
-inline CFRunLoopRef CFRunLoopGetMain() {
-  return nullptr;
-}
-inline constexpr CFStringRef kCFRunLoopCommonModes = nullptr;
+extern "C" CFRunLoopRef CFRunLoopGetMain();
+extern "C" const CFStringRef kCFRunLoopCommonModes;
 
 typedef struct __FSEventStream* FSEventStreamRef;
 typedef const struct __FSEventStream* ConstFSEventStreamRef;
