@@ -71,9 +71,6 @@ class WindowWidget : public QWidget {
   void paintEvent(QPaintEvent*) override {
     owner->awaitsFirstPaint = false;
     owner->firstPicture.clearBackground(*this);
-    if (owner->returnsTo)
-      QMetaObject::invokeMethod(
-          this, [this] { owner->returnToPlace(); }, Qt::QueuedConnection);
   }
 
   void changeEvent(QEvent* event) override {
@@ -215,6 +212,7 @@ void Window::Impl::followActivity(bool active) {
     if (isBlocked(widget)) ModalStack::shared().raiseInnermost();
   } else if (widget.isVisible()) {
     hiddenByInactivity = true;
+    placeBeforeHiding = widget.geometry();
     widget.hide();
   }
 }
@@ -245,15 +243,11 @@ void Window::Impl::restore() {
   if (isBlocked(widget)) ModalStack::shared().raiseInnermost();
 }
 
-// mutter places a window that is shown again higher by the height of its title bar.
+// mutter leaves a hidden window at the place of its frame, so that it would rise by the height of its title
+// bar each time.
 void Window::Impl::reappear() {
-  returnsTo = widget.pos();
+  widget.setGeometry(placeBeforeHiding);
   appear(&QWidget::show);
-}
-
-void Window::Impl::returnToPlace() {
-  const auto place = std::exchange(returnsTo, std::nullopt);
-  if (place && *place != widget.pos()) widget.move(*place);
 }
 
 // winId() creates the native window now: Qt may replace a window whose flags have changed since it was shown.

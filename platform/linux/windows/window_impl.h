@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 #include <QWidget>
 
@@ -37,7 +36,6 @@ struct Window::Impl {
   void showImageUntilPainted();
   // Shows a window that inactivity has hidden, at its former place.
   void reappear();
-  void returnToPlace();
   // Calls `show` and sets the window's background image and its window-manager hints.
   void appear(void (QWidget::*show)());
   // Rewrites the window-manager hints after Qt has written its own.
@@ -51,8 +49,8 @@ struct Window::Impl {
   std::function<void()> willClose;
   bool closed = false;
   bool hiddenByInactivity = false;
-  bool awaitsFirstPaint = false;    // shown, not painted yet
-  std::optional<QPoint> returnsTo;  // the frame's place; set while the window reappears
+  bool awaitsFirstPaint = false;  // shown, not painted yet
+  QRect placeBeforeHiding;        // of the content; valid while hiddenByInactivity
   FirstPicture firstPicture;
   std::unique_ptr<ActivityWatch> activity;
 };
