@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QMenu>
+#include <QScreen>
 #include <QWindow>
 
 #include "platform/alert.h"
@@ -245,15 +246,16 @@ TEST_F(WindowActivity, StaysHiddenWhileMenuWindowIsOpen) {
 }
 
 TEST_F(WindowActivity, ReturnsToItsPlace) {
+  const QPoint place = QGuiApplication::primaryScreen()->geometry().bottomRight() - QPoint(440, 300);
   ASSERT_TRUE(show(*layout_.window));
   ASSERT_TRUE(startOtherProgram());
+  widgetOf(*layout_.window).move(place);
   for (int times = 0; times < 2; ++times) {
-    widgetOf(*layout_.window).move(400, 300);
     ASSERT_TRUE(turnToOtherProgram());
     ASSERT_TRUE(hides());
     Application::sharedApplication().activateIgnoringOtherApps(true);
-    ASSERT_TRUE(show(*layout_.window));
-    EXPECT_TRUE(serveEventsUntil([this] { return widgetOf(*layout_.window).pos() == QPoint(400, 300); }));
+    ASSERT_TRUE(isBackWithTheKeyboard());
+    EXPECT_TRUE(serveEventsUntil([&] { return widgetOf(*layout_.window).pos() == place; }));
   }
 }
 
