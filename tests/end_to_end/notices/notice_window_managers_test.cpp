@@ -65,15 +65,6 @@ class NoticeUnderWindowManager : public NoticeTest, public testing::WithParamInt
     const XConnection x(display_.name());
     ask(x, x.root(), "_NET_SHOWING_DESKTOP", {shown ? 1U : 0U, 0, 0, 0});
   }
-  // Waits for the focus first: some window managers move a window that asks for it to the current desktop.
-  void switchToDesktop(std::uint32_t number) {
-    EXPECT_TRUE(waitUntil([this] { return hasBeenFocused_ || isFocused(); }));
-    hasBeenFocused_ = true;
-    runOnDisplay({"xdotool", "set_desktop", std::to_string(number)});
-    const XConnection x(display_.name());
-    EXPECT_TRUE(waitUntil([&] { return x.numberProperty(x.root(), "_NET_CURRENT_DESKTOP") == number; }));
-  }
-  [[nodiscard]] bool isFocused() { return test_support::activeWindowOn(display_.name()) == notice_; }
   void requestMinimise() { runOnDisplay({"xdotool", "windowminimize", std::to_string(notice_)}); }
   [[nodiscard]] bool noticeIsShown() {
     return waitForWindow(display_.name(),
@@ -89,7 +80,6 @@ class NoticeUnderWindowManager : public NoticeTest, public testing::WithParamInt
   }
 
   std::uint32_t notice_ = 0;
-  bool hasBeenFocused_ = false;
 
  private:
   static void ask(const XConnection& x, xcb_window_t window, const char* what,
@@ -135,17 +125,17 @@ TEST_P(NoticeUnderWindowManager, MinimiseMaximiseAndCloseRequestsAreIgnored) {
 // kwin iconifies the windows of other desktops.
 TEST_P(NoticeUnderWindowManager, NoticeMinimisedFromOtherDesktopReturnsOnItsOwnDesktop) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
-  switchToDesktop(1);
+  runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimise();
   waitUntilRequestsAreProcessed();
-  switchToDesktop(0);
+  runOnDisplay({"xdotool", "set_desktop", "0"});
   EXPECT_TRUE(noticeIsShown());
   expectNoticeHidesAndAgentEnds();
 }
 
 TEST_P(NoticeUnderWindowManager, NoticeMinimisedFromOtherDesktopReturnsWhenMovedToIt) {
   runOnDisplay({"xdotool", "set_num_desktops", "2"});
-  switchToDesktop(1);
+  runOnDisplay({"xdotool", "set_desktop", "1"});
   requestMinimise();
   waitUntilRequestsAreProcessed();
   runOnDisplay({"xdotool", "set_desktop_for_window", std::to_string(notice_), "1"});
