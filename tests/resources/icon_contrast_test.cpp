@@ -17,6 +17,8 @@
 #include <QImage>
 #include <QPoint>
 
+#include "tests/harness/contrast.h"
+
 // The contrast between the panel icons that the agent paints itself and panels of every grey, by the formula
 // of WCAG 2.
 namespace {
@@ -27,18 +29,12 @@ constexpr int greys = 256;
 constexpr double shareOfOutline = 0.9;
 constexpr int points = 20;
 
-double linear(int channel) {
-  const double value = channel / 255.0;
-  return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
 double luminance(const QColor& color) {
-  return 0.2126 * linear(color.red()) + 0.7152 * linear(color.green()) + 0.0722 * linear(color.blue());
+  return test_support::luminance(color.red(), color.green(), color.blue());
 }
 
 double contrast(const QColor& one, const QColor& other) {
-  const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
-  return (lighter + 0.05) / (darker + 0.05);
+  return test_support::contrastRatio(luminance(one), luminance(other));
 }
 
 QColor upon(const QColor& pixel, const QColor& panel) {

@@ -8,16 +8,16 @@
 
 namespace platform {
 
-// A small window with the icon and the state, which opens the menu below itself and closes with it. It is for
-// Wayland, where a menu needs a window of the program as its parent, and where a grab needs an input event
-// that one of its windows has received, also behind an X server: instead, the window has the keyboard focus,
-// and closes the menu when it loses the focus. Main thread only.
+// A small window with the icon and the state, which opens the menu below itself and closes with it. For
+// Wayland, with and without Xwayland: a menu needs a window of the program as its parent there, and a grab
+// needs an input event that such a window has received. Instead of a grab, the window has the input focus,
+// and closes the menu when it loses it. Main thread only.
 class MenuWindow : public QWidget {
   Q_OBJECT
  public:
   MenuWindow();
 
-  // Opens the menu of `content` as soon as the window has the focus. The menu must outlive the window.
+  // Opens the menu of `content` as soon as the window has the focus. The menu is not owned and may end first.
   void open(const StatusContent& content);
 
  protected:

@@ -1,12 +1,13 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 
 #include "tests/end_to_end/agent_test.h"
 #include "tests/end_to_end/app/tray_windows.h"
+#include "tests/harness/contrast.h"
 #include "tests/harness/desktop/x_input.h"
 #include "tests/harness/desktop/x_picture.h"
 
@@ -26,17 +27,11 @@ constexpr int iconsBegin = 900;
 constexpr ScreenArea icons{.x = iconsBegin, .y = 0, .width = 1280 - iconsBegin, .height = panelHeight};
 
 double luminance(Colour colour) {
-  const auto linear = [](int channel) {
-    const double value = channel / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(colour.red) + 0.7152 * linear(colour.green) + 0.0722 * linear(colour.blue);
+  return test_support::luminance(colour.red, colour.green, colour.blue);
 }
 
-// By the formula of WCAG 2.
 double contrast(Colour one, Colour other) {
-  const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
-  return (lighter + 0.05) / (darker + 0.05);
+  return test_support::contrastRatio(luminance(one), luminance(other));
 }
 
 bool isMenuOfPanel(const XWindow& window) {
