@@ -44,11 +44,18 @@ class NoticeUnderWindowManager : public NoticeTest, public testing::WithParamInt
     const auto window = waitForWindow(display_.name(), isAccessNotice);
     ASSERT_TRUE(window);
     notice_ = window->id;
+    waitUntilActivationIsProcessed();
   }
   void TearDown() override {
     if (!IsSkipped()) NoticeTest::TearDown();
   }
 
+  // The agent activates a new notice once it is mapped. Some window managers move an activated window to the
+  // current desktop.
+  void waitUntilActivationIsProcessed() {
+    ASSERT_TRUE(test_support::waitForAnswerToPing(display_.name(), notice_));
+    waitUntilRequestsAreProcessed();
+  }
   // Returns once the window manager has processed all earlier requests: it has mapped another program's
   // window.
   void waitUntilRequestsAreProcessed() {
@@ -176,7 +183,8 @@ TEST_F(NoticeOnSeveralDesktops, SwitchingDesktopsDoesNotMoveNotice) {
   launch();
   ASSERT_TRUE(host_.waitForEvent("registered"));
   send("-non");
-  ASSERT_TRUE(shows(isAccessNotice));
+  const auto notice = waitForWindow(display_.name(), isAccessNotice);
+  ASSERT_TRUE(notice && test_support::waitForAnswerToPing(display_.name(), notice->id));
   runOnDisplay({"xdotool", "set_desktop", "1"});
   ASSERT_TRUE(hides(isAccessNotice));
   ASSERT_TRUE(host_.click("Automount Off"));

@@ -162,4 +162,34 @@ void deliverCloseRequest(const std::string& display, std::uint32_t window) {
   sendMessage(connection, window, XCB_EVENT_MASK_NO_EVENT, message);
 }
 
+// The program sends the message back to the root window (Extended Window Manager Hints 1.5, "_NET_WM_PING"),
+// Qt to those who select StructureNotify, other toolkits to those who select SubstructureNotify.
+bool waitForAnswerToPing(const std::string& display, std::uint32_t window,
+                         std::chrono::milliseconds timeout) {
+  const XConnection connection(display);
+  if (!connection.valid()) return false;
+  const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+  xcb_change_window_attributes(connection.get(), connection.root(), XCB_CW_EVENT_MASK, &events);
+  xcb_client_message_event_t ping{};
+  ping.window = window;
+  ping.type = connection.atom("WM_PROTOCOLS");
+  ping.data.data32[0] = connection.atom("_NET_WM_PING");
+  ping.data.data32[2] = window;
+  sendMessage(connection, window, XCB_EVENT_MASK_NO_EVENT, ping);
+  const auto isAnswer = [&](const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
+    const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+    return message.window == connection.root() && message.type == ping.type &&
+           std::ranges::equal(message.data.data32, ping.data.data32);
+  };
+  return waitUntil(
+      [&] {
+        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.get())}) {
+          if (isAnswer(*event)) return true;
+        }
+        return false;
+      },
+      timeout);
+}
+
 }  // namespace test_support

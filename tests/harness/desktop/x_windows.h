@@ -46,4 +46,10 @@ void requestClose(const std::string& display, std::uint32_t window);
 // Sends the close request that a window manager sends to the program. Returns once the program can read it.
 void deliverCloseRequest(const std::string& display, std::uint32_t window);
 
+// Waits for the program of a window to answer _NET_WM_PING. Returns whether it did; by then its toolkit has
+// read all earlier X events, and the server has received the requests that the toolkit makes at once for
+// them.
+[[nodiscard]] bool waitForAnswerToPing(const std::string& display, std::uint32_t window,
+                                       std::chrono::milliseconds timeout = kPatience);
+
 }  // namespace test_support

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "tests/harness/desktop/test_display.h"
+#include "tests/harness/desktop/x_connection.h"
 #include "tests/harness/desktop/x_input.h"
 #include "tests/harness/desktop/x_picture.h"
 #include "tests/harness/processes/child_process.h"
@@ -105,7 +106,12 @@ TEST_F(XWindowsTest, CloseRequestReachesProgram) {
   EXPECT_TRUE(waitForWindow(name(), windowOfClass("sample_window_program")));
 }
 
+TEST_F(XWindowsTest, ProgramAnswersPing) {
+  EXPECT_TRUE(waitForAnswerToPing(name(), window("Low").id));
+}
+
 TEST_F(XWindowsTest, WaitsEndAtTimeout) {
+  EXPECT_FALSE(waitForAnswerToPing(name(), XConnection(name()).root(), 50ms));
   EXPECT_FALSE(waitForWindow(name(), windowNamed("Absent"), 50ms));
   EXPECT_FALSE(waitForNoWindow(name(), windowNamed("Low"), 50ms));
 }
