@@ -59,35 +59,36 @@ bool isLaunched() {
   return waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; });
 }
 
-// An agent with the file of an old day. Its upload shows that the pass of the launch has listed the files:
-// only then may the day change, or that pass would upload the launch's day as well.
-class AgentWithOldDay : public AgentTest {
+// The uploads of an agent that starts with the file of an old day. The upload of this file shows that the
+// pass of the launch has listed the files: only then may the day change, or that pass would upload the
+// launch's day as well.
+class Uploads {
+ public:
+  static void placeOldDay() {
+    fs::create_directories(folder);
+    std::ofstream(folder + "/Tovalin_2000_01_01.dat") << "records";
+  }
+  [[nodiscard]] std::string origin() const { return server_.origin(); }
+  [[nodiscard]] bool waitForOldDay() { return server_.waitForRequests("POST", 1); }
+  [[nodiscard]] long afterOldDay() const {
+    return std::ranges::count(server_.requests(), "POST", &test_support::ServedRequest::method) - 1;
+  }
+
+ private:
+  ProductServerDouble server_;
+};
+
+// Tests one installation at a time with a fake clock, which is put forward to just before the relevant ticks.
+// The parameter is the second of the minute at which the agent is started.
+class FleetAgent : public AgentTest, public testing::WithParamInterface<int> {
  protected:
   void SetUp() override {
     AgentTest::SetUp();
     if (HasFatalFailure()) return;
     ASSERT_TRUE(fs::exists(TOVALIN_FAKETIME));
     install("/tmp/Applications/Tovalin.app");
-    setServers(server_.origin());
-    fs::create_directories(folder);
-    std::ofstream(folder + "/Tovalin_2000_01_01.dat") << "records";
-  }
-
-  [[nodiscard]] bool uploadsOldDay() { return server_.waitForRequests("POST", 1); }
-  // Returns the number of uploads after that of the old day.
-  [[nodiscard]] long uploads() const {
-    return std::ranges::count(server_.requests(), "POST", &test_support::ServedRequest::method) - 1;
-  }
-
-  ProductServerDouble server_;
-};
-
-// Tests one installation at a time with a fake clock, which is put forward to just before the relevant ticks.
-// The parameter is the second of the minute at which the agent is started.
-class FleetAgent : public AgentWithOldDay, public testing::WithParamInterface<int> {
- protected:
-  void SetUp() override {
-    AgentWithOldDay::SetUp();
+    setServers(uploads_.origin());
+    Uploads::placeOldDay();
     for (auto& [name, value] : FakeClock::environment()) environment_[name] = value;
   }
 
@@ -104,18 +105,20 @@ class FleetAgent : public AgentWithOldDay, public testing::WithParamInterface<in
   // Returns whether the past file is uploaded at that tick and not before it.
   [[nodiscard]] bool uploadsAt(FakeClock::Time tick) {
     forwardToJustBefore(tick);
-    if (uploads() > 0 && clock_.now() < tick) ADD_FAILURE() << "uploaded too early";
-    return waitUntil([&] { return uploads() > 0 || clock_.now() > tick + 30s; }) && uploads() > 0;
+    if (uploads_.afterOldDay() > 0 && clock_.now() < tick) ADD_FAILURE() << "uploaded too early";
+    return waitUntil([&] { return uploads_.afterOldDay() > 0 || clock_.now() > tick + 30s; }) &&
+           uploads_.afterOldDay() > 0;
   }
 
   FakeClock clock_{launchDay + 23h + 50min + std::chrono::seconds(GetParam())};
+  Uploads uploads_;
 };
 
 TEST_P(FleetAgent, UploadsAtSecondPredictedByModel) {
   clock_.processStarts();
   launchAgentInPanel();
   ASSERT_TRUE(isLaunched());
-  ASSERT_TRUE(uploadsOldDay());
+  ASSERT_TRUE(uploads_.waitForOldDay());
   const FakeClock::Time launch = launchTime();
   const FakeClock::Time midnight = launchDay + std::chrono::days(1);
   FakeClock::Time change = launch;
@@ -134,12 +137,16 @@ TEST_P(FleetAgent, UploadsAtSecondPredictedByModel) {
 INSTANTIATE_TEST_SUITE_P(Launches, FleetAgent, testing::Values(2, 13, 25, 38, 47));
 
 // The agent on a suspended machine: the wall clock advances, but not the clock of its timer.
-class SleepingAgent : public AgentWithOldDay {
+class SleepingAgent : public AgentTest {
  protected:
   using Wall = std::chrono::sys_time<std::chrono::duration<double>>;
 
   void SetUp() override {
-    AgentWithOldDay::SetUp();
+    AgentTest::SetUp();
+    if (HasFatalFailure()) return;
+    install("/tmp/Applications/Tovalin.app");
+    setServers(uploads_.origin());
+    Uploads::placeOldDay();
     environment_["LD_PRELOAD"] = TOVALIN_FAKETIME;
     environment_["FAKETIME_TIMESTAMP_FILE"] = file;
     environment_["FAKETIME_NO_CACHE"] = "1";
@@ -157,13 +164,14 @@ class SleepingAgent : public AgentWithOldDay {
   static constexpr const char* file = "/tmp/wall.clock";
 
   std::chrono::duration<double> ahead_{};
+  Uploads uploads_;
 };
 
 TEST_F(SleepingAgent, UploadsAtSecondPredictedByModel) {
   setWall(launchDay + 23h + 50min + 10s);
   launchAgentInPanel();
   ASSERT_TRUE(isLaunched());
-  ASSERT_TRUE(uploadsOldDay());
+  ASSERT_TRUE(uploads_.waitForOldDay());
   const FakeClock::Time launch = launchTime();
   // The first tick comes one minute of the timer's clock after the launch. After this suspension the wall
   // clock then shows a minute and a second with the same number, at about the middle of the second.
@@ -173,10 +181,10 @@ TEST_F(SleepingAgent, UploadsAtSecondPredictedByModel) {
   const fleet::Seconds from = (launch - launchDay).count() + 5;
   ASSERT_EQ(FirstUpload(launch, {{from, from + asleep.count()}}).time(), tick);
 
-  ASSERT_TRUE(waitUntil([&] { return uploads() > 0 || wall() > tick + 30s; }, 120s));
+  ASSERT_TRUE(waitUntil([&] { return uploads_.afterOldDay() > 0 || wall() > tick + 30s; }, 120s));
   EXPECT_GE(wall(), tick);
   EXPECT_LE(wall(), tick + 10s);
-  EXPECT_EQ(uploads(), 1);
+  EXPECT_EQ(uploads_.afterOldDay(), 1);
 }
 
 }  // namespace
