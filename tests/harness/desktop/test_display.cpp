@@ -39,16 +39,27 @@ constexpr xcb_atom_t inUse = XCB_ATOM_CUT_BUFFER7;
 constexpr const char* inUseName = "CUT_BUFFER7";
 // Limits the wait for clients that a test left running; starting a new server is faster than a longer wait.
 constexpr std::chrono::seconds resetLimit{2};
+// Limits the wait for programs that end; a reset is faster than a longer wait.
+constexpr std::chrono::milliseconds freshLimit{300};
 
-// The server that the previous display left running.
-struct IdleServer {
-  std::vector<std::string> command;
+// What the previous display left running.
+struct IdleDisplay {
+  DisplayOptions options;
   std::string name;
-  ChildProcess process;
+  ChildProcess server;
+  std::unique_ptr<XConnection> client;
+  ChildProcess windowManager;
+  DisplayState fresh;
 };
-IdleServer& idleServer() {
-  static IdleServer server;
-  return server;
+IdleDisplay& idleDisplay() {
+  static IdleDisplay display;
+  return display;
+}
+
+// Waits for the end of the programs of the previous display.
+bool isFresh(IdleDisplay& display) {
+  if (display.options.windowManager && !display.windowManager.running()) return false;
+  return waitUntil([&] { return stateOf(*display.client) == display.fresh; }, freshLimit);
 }
 
 // Returns the first client of the server's new generation, or nullptr if clients of the previous one remain.
@@ -73,20 +84,34 @@ void markInUse(const XConnection& client) {
 }  // namespace
 
 TestDisplay::~TestDisplay() {
-  windowManager_ = ChildProcess();
-  client_ = nullptr;
-  if (server_.running()) idleServer() = {std::move(command_), std::move(name_), std::move(server_)};
+  if (!server_.running()) return;
+  idleDisplay() = {std::move(options_), std::move(name_),          std::move(server_),
+                   std::move(client_),  std::move(windowManager_), std::move(fresh_)};
 }
 
-bool TestDisplay::startServer(const DisplayOptions& options) {
-  command_ = serverCommand(options);
-  IdleServer idle = std::exchange(idleServer(), {});
-  if (idle.command == command_ && idle.process.running()) client_ = clientAfterReset(idle.name);
+bool TestDisplay::takeOver(const DisplayOptions& options) {
+  IdleDisplay& idle = idleDisplay();
+  if (idle.options != options || !idle.server.running() || !isFresh(idle)) return false;
+  name_ = std::move(idle.name);
+  server_ = std::move(idle.server);
+  client_ = std::move(idle.client);
+  windowManager_ = std::move(idle.windowManager);
+  fresh_ = std::move(idle.fresh);
+  makeFresh(*client_);
+  return true;
+}
+
+bool TestDisplay::startServer() {
+  IdleDisplay idle = std::exchange(idleDisplay(), {});
+  idle.windowManager = ChildProcess();
+  idle.client = nullptr;
+  const std::vector<std::string> command = serverCommand(options_);
+  if (serverCommand(idle.options) == command && idle.server.running()) client_ = clientAfterReset(idle.name);
   if (client_) {
-    server_ = std::move(idle.process);
+    server_ = std::move(idle.server);
     name_ = std::move(idle.name);
   } else {
-    if (!server_.start(command_, {.error = Redirection::null()})) return false;
+    if (!server_.start(command, {.error = Redirection::null()})) return false;
     const std::optional<std::string> number = server_.readLine();
     if (!number || number->empty()) return false;
     name_ = ":" + *number;
@@ -98,9 +123,14 @@ bool TestDisplay::startServer(const DisplayOptions& options) {
 
 bool TestDisplay::start(const DisplayOptions& options) {
   stop();
-  if (!startServer(options)) return false;
+  options_ = options;
+  if (takeOver(options)) return true;
+  if (!startServer()) return false;
   if (options.dpi) setFontResolution(name_, *options.dpi);
-  return divide(options.monitors) && (!options.windowManager || startWindowManager());
+  if (!divide(options.monitors) || (options.windowManager && !startWindowManager())) return false;
+  makeFresh(*client_);
+  fresh_ = stateOf(*client_);
+  return true;
 }
 
 bool TestDisplay::divide(const std::vector<Monitor>& monitors) const {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/harness/desktop/display_state.h"
 #include "tests/harness/desktop/x_connection.h"
 #include "tests/harness/processes/child_process.h"
 
@@ -16,6 +17,8 @@ struct Monitor {
   int height = 0;
   int x = 0;
   int y = 0;
+
+  bool operator==(const Monitor&) const = default;
 };
 
 struct DisplayOptions {
@@ -24,13 +27,16 @@ struct DisplayOptions {
   std::vector<Monitor> monitors = {};     // empty: one monitor for the whole display
   std::optional<int> dpi = std::nullopt;  // default: 96
   bool windowManager = true;
+
+  bool operator==(const DisplayOptions&) const = default;
 };
 
 // A private virtual X display with a window manager, both stopped by the destructor. Programs connect to it
 // through DISPLAY=name().
 //
-// The server process is kept for the next display with the same options: an X server resets when its last
-// client leaves, which is much faster than starting a new one.
+// The next display with the same options takes over the server and the window manager if the last one left
+// the server as it had found it. Otherwise a server of the same size and resolution is reset, which is still
+// faster than starting a new one.
 class TestDisplay {
  public:
   TestDisplay() = default;
@@ -53,15 +59,17 @@ class TestDisplay {
   [[nodiscard]] bool screenshot(const std::string& path) const;
 
  private:
-  [[nodiscard]] bool startServer(const DisplayOptions& options);
+  [[nodiscard]] bool takeOver(const DisplayOptions& options);
+  [[nodiscard]] bool startServer();
   [[nodiscard]] bool divide(const std::vector<Monitor>& monitors) const;
   [[nodiscard]] bool startWindowManager();
 
+  DisplayOptions options_;
   std::string name_;
-  std::vector<std::string> command_;
   ChildProcess server_;
   std::unique_ptr<XConnection> client_;  // keeps the server from resetting when no program is connected
   ChildProcess windowManager_;
+  DisplayState fresh_;  // before the first program starts
 };
 
 }  // namespace test_support

@@ -3,7 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 #include "tests/harness/desktop/x_connection.h"
+#include "tests/harness/desktop/x_input.h"
 
 namespace test_support {
 namespace {
@@ -98,6 +102,63 @@ TEST(TestDisplay, ReusedServerKeepsNoStateOfPreviousDisplay) {
   EXPECT_FALSE(connection.numberProperty(connection.root(), "_NET_SUPPORTING_WM_CHECK"));
   EXPECT_THAT(outputOf({"xrandr", "--display", next.name(), "--listmonitors"}),
               testing::StartsWith("Monitors: 1\n"));
+}
+
+std::pair<int, int> pointerOn(const XConnection& display) {
+  const auto cookie = xcb_query_pointer(display.get(), display.root());
+  const XcbReply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(display.get(), cookie, nullptr));
+  return reply ? std::pair<int, int>(reply->root_x, reply->root_y) : std::pair(0, 0);
+}
+
+bool repeatsKeys(const XConnection& display) {
+  const auto cookie = xcb_get_keyboard_control(display.get());
+  const XcbReply<xcb_get_keyboard_control_reply_t> reply(
+      xcb_get_keyboard_control_reply(display.get(), cookie, nullptr));
+  return reply && reply->global_auto_repeat == XCB_AUTO_REPEAT_MODE_ON;
+}
+
+// Tests a display after another one on which `leaveState` is done, and expects the same server and, if
+// `kept`, the same window manager.
+void expectFreshDisplayAfter(const std::function<void(const std::string&)>& leaveState, bool kept) {
+  TestDisplay next;
+  pid_t manager = 0;
+  std::string name;
+  {
+    TestDisplay first;
+    ASSERT_TRUE(first.start());
+    leaveState(first.name());
+    manager = first.windowManager().pid();
+    name = first.name();
+  }
+  ASSERT_TRUE(next.start());
+  EXPECT_EQ(next.name(), name);
+  EXPECT_EQ(next.windowManager().pid() == manager, kept);
+  const XConnection connection(next.name());
+  EXPECT_FALSE(connection.property(connection.root(), "WM_NAME"));
+  EXPECT_FALSE(connection.property(connection.root(), "_NET_ACTIVE_WINDOW"));
+  EXPECT_EQ(stateOf(connection).buttonsAndModifiers, 0);
+  EXPECT_EQ(pointerOn(connection), (std::pair{640, 400}));
+  EXPECT_TRUE(repeatsKeys(connection));
+}
+
+TEST(TestDisplay, TakesOverWindowManagerOfUnchangedDisplay) {
+  expectFreshDisplayAfter(
+      [](const std::string& display) { ASSERT_TRUE(moveMouse(display, 7, 9) && stopKeyRepeat(display)); },
+      true);
+}
+
+TEST(TestDisplay, ResetsServerWithNewProperty) {
+  const auto leaveName = [](const std::string& display) {
+    const XConnection client(display);
+    xcb_change_property(client.get(), XCB_PROP_MODE_REPLACE, client.root(), XCB_ATOM_WM_NAME, XCB_ATOM_STRING,
+                        8, 4, "left");
+    client.synchronize();
+  };
+  expectFreshDisplayAfter(leaveName, false);
+}
+
+TEST(TestDisplay, ResetsServerWithPressedButton) {
+  expectFreshDisplayAfter([](const std::string& display) { ASSERT_TRUE(pressMouse(display, 7, 9)); }, false);
 }
 
 TEST(TestDisplay, RestartsAfterStop) {
