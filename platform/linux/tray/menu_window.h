@@ -11,7 +11,7 @@ namespace platform {
 // A small window with the icon and the state, which opens the menu below itself and closes with it. For
 // Wayland, with and without Xwayland: a menu needs a window of the program as its parent there, and a grab
 // needs an input event that such a window has received. Instead of a grab, the window has the input focus,
-// and closes the menu when it loses it. Main thread only.
+// and closes the menu when it loses the focus. Main thread only.
 class MenuWindow : public QWidget {
   Q_OBJECT
  public:

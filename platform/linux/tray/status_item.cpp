@@ -47,7 +47,7 @@ struct StatusItem::Impl {
   std::string symbol;
   std::unique_ptr<Menu> menu;
   TrayPlace place = TrayPlace::Nowhere;
-  // The menu must outlive its window and both icons.
+  // The menu must outlive both icons.
   std::unique_ptr<MenuWindow> menuWindow;
   std::unique_ptr<ScreenTrayIcon> onScreen;
   std::unique_ptr<StatusNotifierItem> onBus;

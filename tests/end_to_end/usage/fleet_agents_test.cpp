@@ -24,6 +24,7 @@ using test_support::waitUntil;
 
 const std::string folder = "/tmp/home/.local/share/Tovalin";
 const std::string dayBefore = folder + "/Tovalin_2024_03_06.dat";
+const std::string oldDay = folder + "/Tovalin_2000_01_01.dat";
 const std::string newDay = folder + "/Tovalin_2024_03_07.dat";
 constexpr std::chrono::sys_days launchDay = std::chrono::year(2024) / 3 / 6;
 
@@ -59,17 +60,19 @@ bool isLaunched() {
   return waitUntil([] { return contentsOf(dayBefore).find(startRecord) != std::string::npos; });
 }
 
-// The uploads of an agent that starts with the file of an old day. The upload of this file shows that the
+// The uploads of an agent that starts with the file of an old day. The end of this upload shows that the
 // pass of the launch has listed the files: only then may the day change, or that pass would upload the
 // launch's day as well.
 class Uploads {
  public:
   static void placeOldDay() {
     fs::create_directories(folder);
-    std::ofstream(folder + "/Tovalin_2000_01_01.dat") << "records";
+    std::ofstream(oldDay) << "records";
   }
   [[nodiscard]] std::string origin() const { return server_.origin(); }
-  [[nodiscard]] bool waitForOldDay() { return server_.waitForRequests("POST", 1); }
+  [[nodiscard]] bool waitForOldDay() {
+    return server_.waitForRequests("POST", 1) && waitUntil([] { return !fs::exists(oldDay); });
+  }
   [[nodiscard]] long afterOldDay() const {
     return std::ranges::count(server_.requests(), "POST", &test_support::ServedRequest::method) - 1;
   }

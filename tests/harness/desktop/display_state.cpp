@@ -31,6 +31,14 @@ std::vector<xcb_window_t> windowsOf(const XConnection& display) {
   return windows;
 }
 
+std::string allowedHostsOn(const XConnection& display) {
+  const auto cookie = xcb_list_hosts(display.get());
+  const XcbReply<xcb_list_hosts_reply_t> reply(xcb_list_hosts_reply(display.get(), cookie, nullptr));
+  if (!reply) return {};
+  const auto* first = reinterpret_cast<const char*>(reply.get() + 1);
+  return {first, std::size_t{reply->length} * 4};
+}
+
 }  // namespace
 
 DisplayState stateOf(const XConnection& display) {
@@ -43,6 +51,7 @@ DisplayState stateOf(const XConnection& display) {
   if (!keys || !pointer) return {};
   std::ranges::copy(keys->keys, state.pressedKeys.begin());
   state.buttonsAndModifiers = pointer->mask;
+  state.allowedHosts = allowedHostsOn(display);
   return state;
 }
 

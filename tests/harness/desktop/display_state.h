@@ -10,12 +10,13 @@
 
 namespace test_support {
 
-// What clients can leave on an X server, except what `makeFresh` restores.
+// The parts of an X server's state that tests change and `makeFresh` does not restore.
 struct DisplayState {
   std::map<std::string, std::string> rootProperties;  // bytes by name
   std::vector<xcb_window_t> windows;                  // of all clients, also unmapped ones
   std::array<std::uint8_t, 32> pressedKeys{};         // one bit per key code
   std::uint16_t buttonsAndModifiers = 0;
+  std::string allowedHosts{};  // as the server encodes them
 
   bool operator==(const DisplayState&) const = default;
 };

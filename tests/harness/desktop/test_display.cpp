@@ -56,7 +56,7 @@ IdleDisplay& idleDisplay() {
   return display;
 }
 
-// Waits for the end of the programs of the previous display.
+// Returns whether the previous display is as it was at its start, once its programs have ended.
 bool isFresh(IdleDisplay& display) {
   if (display.options.windowManager && !display.windowManager.running()) return false;
   return waitUntil([&] { return stateOf(*display.client) == display.fresh; }, freshLimit);
@@ -84,7 +84,7 @@ void markInUse(const XConnection& client) {
 }  // namespace
 
 TestDisplay::~TestDisplay() {
-  if (!server_.running()) return;
+  if (!server_.running() || fresh_ == DisplayState()) return;
   idleDisplay() = {std::move(options_), std::move(name_),          std::move(server_),
                    std::move(client_),  std::move(windowManager_), std::move(fresh_)};
 }
@@ -157,6 +157,7 @@ void TestDisplay::stop() {
   client_ = nullptr;
   server_ = ChildProcess();
   windowManager_ = ChildProcess();
+  fresh_ = {};
 }
 
 bool TestDisplay::screenshot(const std::string& path) const {

@@ -31,8 +31,8 @@ struct DisplayOptions {
   bool operator==(const DisplayOptions&) const = default;
 };
 
-// A private virtual X display with a window manager, both stopped by the destructor. Programs connect to it
-// through DISPLAY=name().
+// A private virtual X display with a window manager. Programs connect to it through DISPLAY=name(). The
+// destructor leaves both to the next display of the test program.
 //
 // The next display with the same options takes over the server and the window manager if the last one left
 // the server as it had found it. Otherwise a server of the same size and resolution is reset, which is still
@@ -69,7 +69,7 @@ class TestDisplay {
   ChildProcess server_;
   std::unique_ptr<XConnection> client_;  // keeps the server from resetting when no program is connected
   ChildProcess windowManager_;
-  DisplayState fresh_;  // before the first program starts
+  DisplayState fresh_;  // before the first program starts; empty until then
 };
 
 }  // namespace test_support

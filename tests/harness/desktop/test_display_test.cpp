@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <functional>
 #include <utility>
 
 #include "tests/harness/desktop/x_connection.h"
 #include "tests/harness/desktop/x_input.h"
+#include "tests/harness/desktop/x_windows.h"
 
 namespace test_support {
 namespace {
@@ -117,8 +119,19 @@ bool repeatsKeys(const XConnection& display) {
   return reply && reply->global_auto_repeat == XCB_AUTO_REPEAT_MODE_ON;
 }
 
-// Tests a display after another one on which `leaveState` is done, and expects the same server and, if
-// `kept`, the same window manager.
+void runOn(const std::string& display, const std::vector<std::string>& command) {
+  ChildProcess tool;
+  ASSERT_TRUE(tool.start(command, {.environment = {{"DISPLAY", display}}}));
+  ASSERT_EQ(tool.wait(), ExitStatus{.code = 0});
+}
+
+void showWindows(ChildProcess& program, const std::string& display) {
+  ASSERT_TRUE(program.start({TOVALIN_SAMPLE_WINDOW_PROGRAM}, {.environment = {{"DISPLAY", display}}}));
+  ASSERT_TRUE(waitForWindow(display, windowNamed("High")));
+}
+
+// Starts a display, calls `leaveState`, and starts the next display. Expects the same server in its first
+// state, and the same window manager if `kept`, otherwise another one.
 void expectFreshDisplayAfter(const std::function<void(const std::string&)>& leaveState, bool kept) {
   TestDisplay next;
   pid_t manager = 0;
@@ -155,6 +168,37 @@ TEST(TestDisplay, ResetsServerWithNewProperty) {
     client.synchronize();
   };
   expectFreshDisplayAfter(leaveName, false);
+}
+
+TEST(TestDisplay, WaitsForEndOfProgram) {
+  ChildProcess program;
+  const auto endProgram = [&](const std::string& display) {
+    showWindows(program, display);
+    program.signal(SIGTERM);
+  };
+  expectFreshDisplayAfter(endProgram, true);
+}
+
+TEST(TestDisplay, HasNoWindowOfRunningProgram) {
+  ChildProcess program;
+  {
+    TestDisplay first;
+    ASSERT_TRUE(first.start());
+    showWindows(program, first.name());
+  }
+  TestDisplay next;
+  ASSERT_TRUE(next.start());
+  EXPECT_TRUE(waitForNoWindow(next.name(), windowNamed("High"), 0ms));
+}
+
+TEST(TestDisplay, ResetsServerWithPressedKey) {
+  const auto pressKey = [](const std::string& display) { runOn(display, {"xdotool", "keydown", "a"}); };
+  expectFreshDisplayAfter(pressKey, false);
+}
+
+TEST(TestDisplay, ResetsServerThatAllowsMoreHosts) {
+  const auto allowLocalUsers = [](const std::string& display) { runOn(display, {"xhost", "+local:"}); };
+  expectFreshDisplayAfter(allowLocalUsers, false);
 }
 
 TEST(TestDisplay, ResetsServerWithPressedButton) {
