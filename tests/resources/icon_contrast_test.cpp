@@ -91,7 +91,10 @@ double contrastOn(const QImage& icon, const std::vector<QPoint>& outline, int gr
   const QColor panel(grey, grey, grey);
   std::vector<double> ofPixels(static_cast<std::size_t>(icon.width()) *
                                static_cast<std::size_t>(icon.height()));
-  const auto indexOf = [&](QPoint at) { return static_cast<std::size_t>(at.y() * icon.width() + at.x()); };
+  const auto indexOf = [&](QPoint at) {
+    return static_cast<std::size_t>(at.y()) * static_cast<std::size_t>(icon.width()) +
+           static_cast<std::size_t>(at.x());
+  };
   for (const QPoint at : pointsOf(icon.rect()))
     ofPixels[indexOf(at)] = contrast(upon(icon.pixelColor(at), panel), panel);
 

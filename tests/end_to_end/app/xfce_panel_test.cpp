@@ -17,7 +17,6 @@ using test_support::ChildProcess;
 using test_support::Colour;
 using test_support::Redirection;
 using test_support::ScreenArea;
-using test_support::XPicture;
 using test_support::XWindow;
 
 constexpr double leastContrast = 3;

@@ -27,7 +27,7 @@ bool isInstalled(const std::string& program) {
   const char* const path = std::getenv("PATH");
   std::istringstream folders(path == nullptr ? "" : path);
   for (std::string folder; std::getline(folders, folder, ':');) {
-    if (::access((folder + "/" + program).c_str(), X_OK) == 0) return true;
+    if (::access((std::filesystem::path(folder) / program).c_str(), X_OK) == 0) return true;
   }
   return false;
 }
